@@ -1,0 +1,27 @@
+# One place for the language level, the warnings and the checkers.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
+endif()
+
+set(ORVO_SANITIZE "" CACHE STRING "Checkers to build with: empty, address or thread")
+set_property(CACHE ORVO_SANITIZE PROPERTY STRINGS "" address thread)
+if(ORVO_SANITIZE STREQUAL "address")
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+elseif(ORVO_SANITIZE STREQUAL "thread")
+  add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=thread)
+elseif(ORVO_SANITIZE)
+  message(FATAL_ERROR "ORVO_SANITIZE is \"${ORVO_SANITIZE}\": use address or thread")
+endif()
+
+add_library(orvo_warnings INTERFACE)
+target_compile_options(orvo_warnings INTERFACE
+  $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion;-Wnon-virtual-dtor;-Wold-style-cast;-Woverloaded-virtual;-Wundef;-Werror>
+  $<$<CXX_COMPILER_ID:MSVC>:/W4;/WX>)

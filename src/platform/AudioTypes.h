@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdint>
+
+/// Plain audio types that every layer shares. Standard library only.
+///
+/// Threads: any. Real-time: safe.
+namespace platform {
+
+/// Result of a sound device, audio queue or audio file call: 0 is success, everything else a
+/// code that CheckAudioStatus turns into words. Signed 32 bits, often four printable characters.
+using AudioStatus = std::int32_t;
+
+inline constexpr AudioStatus kAudioStatusOk = 0;
+
+/// Packs four characters into a status or an identifier, most significant first.
+constexpr std::uint32_t fourCharacterCode(const char (&code)[5]) {
+  std::uint32_t value = 0;
+  for (int i = 0; i < 4; ++i) {
+    value = (value << 8) | static_cast<unsigned char>(code[i]);
+  }
+  return value;
+}
+
+constexpr AudioStatus fourCharacterStatus(const char (&code)[5]) {
+  return static_cast<AudioStatus>(fourCharacterCode(code));
+}
+
+/// The file's kind is not one that can be read or written.
+inline constexpr AudioStatus kUnsupportedFileTypeStatus = fourCharacterStatus("wht?");
+/// The sound server or driver cannot be reached, or no device of the wanted kind exists.
+inline constexpr AudioStatus kDeviceUnavailableStatus = fourCharacterStatus("!dev");
+/// The device was there and has gone: pulled, or its server died.
+inline constexpr AudioStatus kDeviceLostStatus = fourCharacterStatus("gone");
+/// A parameter is out of range, such as a format that no queue can carry.
+inline constexpr AudioStatus kInvalidParameterStatus = -50;
+/// The queue was disposed of, or is in a state that forbids the call.
+inline constexpr AudioStatus kInvalidQueueStateStatus = fourCharacterStatus("!que");
+
+inline constexpr std::uint32_t kLinearPcmFormat = fourCharacterCode("lpcm");
+inline constexpr std::uint32_t kFloatFormatFlag = 1;
+inline constexpr std::uint32_t kPackedFormatFlag = 8;
+
+/// How samples lie in memory. 40 bytes, the field order of the audio stream description that
+/// audio queues and files exchange.
+struct AudioStreamBasicDescription {
+  double mSampleRate = 0;             ///< frames a second
+  std::uint32_t mFormatID = 0;        ///< four characters
+  std::uint32_t mFormatFlags = 0;     ///< kFloatFormatFlag | kPackedFormatFlag | …
+  std::uint32_t mBytesPerPacket = 0;  ///< bytes
+  std::uint32_t mFramesPerPacket = 0;
+  std::uint32_t mBytesPerFrame = 0;  ///< bytes, all channels of one frame
+  std::uint32_t mChannelsPerFrame = 0;
+  std::uint32_t mBitsPerChannel = 0;
+  std::uint32_t mReserved = 0;
+
+  friend bool operator==(const AudioStreamBasicDescription&,
+                         const AudioStreamBasicDescription&) = default;
+};
+static_assert(sizeof(AudioStreamBasicDescription) == 40);
+
+/// The format of every buffer, recorder and player: 44100 Hz, interleaved stereo (left, right),
+/// 32-bit float in native byte order, 8 bytes a frame.
+inline constexpr AudioStreamBasicDescription kWorkingFormat{
+    .mSampleRate = 44100.0,
+    .mFormatID = kLinearPcmFormat,
+    .mFormatFlags = kFloatFormatFlag | kPackedFormatFlag,
+    .mBytesPerPacket = 8,
+    .mFramesPerPacket = 1,
+    .mBytesPerFrame = 8,
+    .mChannelsPerFrame = 2,
+    .mBitsPerChannel = 32,
+    .mReserved = 0,
+};
+
+/// Level of one channel over the last buffer, linear: 0 is silence, 1 is full scale.
+struct AudioQueueLevelMeterState {
+  float mAveragePower = 0;  ///< root mean square
+  float mPeakPower = 0;     ///< largest magnitude
+};
+static_assert(sizeof(AudioQueueLevelMeterState) == 8);
+
+}  // namespace platform

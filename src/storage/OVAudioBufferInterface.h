@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "platform/AudioTypes.h"
+
+/// Result of a read. All three fields are zero, the pointer included, when nothing was read.
+struct BufferReadResult {
+  float* data = nullptr;         ///< the destination passed in
+  std::uint64_t frameCount = 0;  ///< whole frames read (byteCount / mBytesPerFrame)
+  std::uint64_t byteCount = 0;   ///< bytes read
+};
+
+/// Told of every write to a buffer.
+class OVAudioBufferDelegate {
+ public:
+  virtual ~OVAudioBufferDelegate() = default;
+
+  /// After every write, with exactly its arguments: the caller's data, the byte offset and the
+  /// byte count.
+  ///
+  /// Threads: the writer's, after the buffer's lock was released.
+  /// Real-time: not safe.
+  virtual void audioBufferDidWriteData(const void* data, std::uint64_t atByteOffset,
+                                       std::uint32_t withSize) = 0;
+
+  /// Part of the protocol; no buffer calls it.
+  virtual void audioBufferDidReadData(const void* object) { static_cast<void>(object); }
+
+  /// The storage could not take the bytes of a write (`error` is an errno value, ENOSPC for a full
+  /// disk). The write is mapped all the same; audioBufferDidWriteData() follows. Called for every
+  /// write that fails: the delegate decides how often a person is told.
+  ///
+  /// Threads: the writer's, after the buffer's lock was released.
+  /// Real-time: not safe.
+  virtual void audioBufferFailedToWrite(int error) { static_cast<void>(error); }
+};
+
+/// The audio of one document, behind which every kind of storage is interchangeable.
+///
+/// Offsets and counts of transfers are in bytes, sizes and cut positions in frames; a frame is
+/// format().mBytesPerFrame bytes. Each buffer guards itself with one non-recursive lock.
+///
+/// Threads: any, unless said otherwise. Real-time: not safe: locks, and files behind it.
+class OVAudioBufferInterface {
+ public:
+  virtual ~OVAudioBufferInterface() = default;
+
+  /// Stores `withSize` bytes at a byte offset, replacing what was there, then tells the delegate.
+  virtual void writeData(const void* data, std::uint64_t atByteOffset, std::uint32_t withSize) = 0;
+
+  /// Copies up to `withSize` bytes from a byte offset. Short at the end and at holes; the rest of
+  /// the destination is left as it was.
+  [[nodiscard]] virtual BufferReadResult readDataInto(void* destination, std::uint64_t withSize,
+                                                      std::uint64_t fromOffset) = 0;
+
+  /// Always platform::kWorkingFormat.
+  [[nodiscard]] virtual platform::AudioStreamBasicDescription format() const = 0;
+
+  /// Length of the recording in frames, read without the lock.
+  [[nodiscard]] virtual std::uint64_t bufferSizeInFrames() const = 0;
+  [[nodiscard]] virtual std::uint64_t bufferFillSizeInFrames() const = 0;
+
+  /// Drops everything from a frame position on.
+  virtual void cutoffBufferAfterPosition(std::uint64_t frames) = 0;
+  /// Drops everything before a frame position and moves the rest to the start.
+  virtual void cutoffBufferBeforePosition(std::uint64_t frames) = 0;
+  /// Reverses the samples where the storage can (OVAudioBuffer); nothing elsewhere.
+  virtual void reverseBuffer() = 0;
+
+  /// Saves the current state for undo().
+  virtual void setWaypoint() = 0;
+  virtual void undo() = 0;
+  virtual void redo() = 0;
+
+  /// Takes and releases the buffer's lock.
+  virtual void lock() = 0;
+  virtual void unlock() = 0;
+
+  /// A level at a position; its unit and meaning are the implementation's.
+  [[nodiscard]] virtual double powerAtPosition(std::uint64_t position) = 0;
+
+  [[nodiscard]] virtual std::weak_ptr<OVAudioBufferDelegate> delegate() const = 0;
+  /// Not owning: a delegate that has gone is not called.
+  virtual void setDelegate(std::weak_ptr<OVAudioBufferDelegate> delegate) = 0;
+
+ protected:
+  OVAudioBufferInterface() = default;
+  OVAudioBufferInterface(const OVAudioBufferInterface&) = default;
+  OVAudioBufferInterface& operator=(const OVAudioBufferInterface&) = default;
+};

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class OVAudioBufferInterface;
+
+/// What both waveform summaries offer to the document and to the views: a short list of elements,
+/// each the spread between the largest and the smallest sample magnitude over a stretch of the
+/// audio, 0 to 1 for full-scale audio.
+///
+/// Two locks: lock()/unlock() take the one that generate() holds for its whole run, so that two
+/// generations never overlap; the elements have a short lock of their own, so that a view never
+/// waits for a generation and never reads a half-written element.
+///
+/// Threads: any, unless said otherwise. Real-time: not safe.
+class OVWaveformSummary {
+ public:
+  virtual ~OVWaveformSummary() = default;
+
+  /// Brings the summary up to date with the audio under the lock.
+  virtual void generate() = 0;
+  /// The same without taking the lock: the caller holds it, or knows that no one else generates.
+  virtual void generateNoLock() = 0;
+  /// Makes the next generate() start from the beginning of the audio.
+  virtual void setShouldRegenerateWaveform(bool should) = 0;
+  /// A generation from scratch is under way.
+  [[nodiscard]] virtual bool isRegenerating() const = 0;
+  virtual void reset() = 0;
+
+  /// Frames of audio summarised so far.
+  [[nodiscard]] virtual std::uint64_t readerPos() const = 0;
+  /// Number of elements to draw.
+  [[nodiscard]] virtual std::uint64_t elementCount() const = 0;
+  /// The element array; only for a caller that knows that no one generates.
+  [[nodiscard]] virtual const float* data() const = 0;
+  /// Copies the elements as they stand into `elements`, resized to their number; waits only for
+  /// the short lock. For drawing.
+  virtual void copyElementsInto(std::vector<float>& elements) const = 0;
+  /// The element at a fraction of the whole, clamped to 0..1 and to the last element; 0 for an
+  /// empty summary.
+  [[nodiscard]] virtual double powerAtPosition(double fraction) const = 0;
+  [[nodiscard]] virtual double maxAmplitude() const = 0;
+
+  /// A summary of its own on the same audio with the same state; waits only for the short lock.
+  [[nodiscard]] virtual std::shared_ptr<OVWaveformSummary> copy() const = 0;
+
+  [[nodiscard]] virtual std::shared_ptr<OVAudioBufferInterface> audioBuffer() const = 0;
+
+  virtual void lock() = 0;
+  virtual void unlock() = 0;
+};

@@ -1,0 +1,17 @@
+// The main of every test program that needs Qt: no display, no user settings.
+#include <QApplication>
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+
+int main(int argc, char** argv) {
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  }
+  testing::InitGoogleMock(&argc, argv);
+  QApplication application(argc, argv);
+  const QTemporaryDir settings;
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+  return RUN_ALL_TESTS();
+}
