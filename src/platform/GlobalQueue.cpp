@@ -1,0 +1,73 @@
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+#include "platform/Dispatch.h"
+
+namespace platform {
+namespace {
+
+constexpr std::chrono::seconds kIdleThreadLife{5};
+// A block may wait for a person (an alert), so the number of threads is generous.
+constexpr std::size_t kMaximumThreads = 64;
+
+}  // namespace
+
+struct GlobalQueue::State {
+  std::mutex mutex;
+  std::condition_variable workCame;
+  std::condition_variable workDone;
+  std::deque<std::function<void()>> blocks;  // guarded by mutex
+  std::size_t threads = 0;                   // guarded by mutex
+  std::size_t idle = 0;                      // guarded by mutex
+
+  void work() {
+    std::unique_lock lock(mutex);
+    for (;;) {
+      ++idle;
+      workDone.notify_all();
+      const bool work = workCame.wait_for(lock, kIdleThreadLife, [&] { return !blocks.empty(); });
+      --idle;
+      if (!work) {
+        --threads;
+        workDone.notify_all();
+        return;
+      }
+      auto block = std::move(blocks.front());
+      blocks.pop_front();
+      lock.unlock();
+      block();
+      block = nullptr;
+      lock.lock();
+    }
+  }
+};
+
+GlobalQueue::GlobalQueue() : state_(new State) {}
+
+void GlobalQueue::async(std::function<void()> block) {
+  const std::lock_guard lock(state_->mutex);
+  state_->blocks.push_back(std::move(block));
+  if (state_->idle < state_->blocks.size() && state_->threads < kMaximumThreads) {
+    ++state_->threads;
+    std::thread([state = state_] { state->work(); }).detach();
+  } else {
+    state_->workCame.notify_one();
+  }
+}
+
+bool GlobalQueue::waitUntilIdle(double seconds) {
+  std::unique_lock lock(state_->mutex);
+  return state_->workDone.wait_for(lock, std::chrono::duration<double>(seconds), [&] {
+    return state_->blocks.empty() && state_->idle == state_->threads;
+  });
+}
+
+GlobalQueue& globalQueue() {
+  static auto* queue = new GlobalQueue;
+  return *queue;
+}
+
+}  // namespace platform
