@@ -86,6 +86,9 @@ struct MainQueue::State : QObject {
   }
 
   bool event(QEvent* event) override {
+    {
+      const std::lock_guard lock(mutex);  // orders the event's making before its reading
+    }
     if (event->type() != wakeType()) {
       return QObject::event(event);
     }
