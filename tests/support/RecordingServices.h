@@ -82,10 +82,9 @@ class RecordingServices : public platform::ApplicationServices {
   /// Console lines that contain `part`.
   std::size_t consoleLinesWith(const std::string& part) const {
     const auto lines = consoleLines();
-    return static_cast<std::size_t>(
-        std::count_if(lines.begin(), lines.end(), [&part](const std::string& line) {
-          return line.find(part) != std::string::npos;
-        }));
+    return static_cast<std::size_t>(std::count_if(
+        lines.begin(), lines.end(),
+        [&part](const std::string& line) { return line.find(part) != std::string::npos; }));
   }
 
   void clear() {
