@@ -1,0 +1,69 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/ChildProcess.h"
+#include "support/TemporaryFolder.h"
+
+namespace support {
+
+/// A screen that nobody sees, with a window manager, a keyboard and a mouse of its own. Its size
+/// is 1920 × 1400 pixels, so that a window at twice the size is not cut off.
+///
+/// Every operation that can fail gives false or nothing after kPatience.
+///
+/// Threads: the one that started it, which must outlive it.
+class VirtualScreen {
+ public:
+  /// A window's id as the X server gives it, in decimal.
+  using Window = std::string;
+
+  /// A screen that is ready for windows. Null with `error` set (a plain sentence) when it cannot
+  /// be had.
+  [[nodiscard]] static std::unique_ptr<VirtualScreen> start(std::string& error);
+  ~VirtualScreen();
+
+  /// What a program needs to show its windows here, through Qt too.
+  [[nodiscard]] Environment environment() const;
+
+  /// Visible windows of a process whose title contains `titlePart`, oldest first.
+  [[nodiscard]] std::vector<Window> windowsOf(pid_t pid, const std::string& titlePart = {}) const;
+  /// Waits for such a window; empty when none came.
+  [[nodiscard]] Window waitForWindow(pid_t pid, const std::string& titlePart = {}) const;
+  [[nodiscard]] std::string titleOf(const Window& window) const;
+  /// Waits until a window is no longer to be seen.
+  [[nodiscard]] bool waitUntilGone(const Window& window) const;
+  [[nodiscard]] bool isVisible(const Window& window) const;
+
+  /// Gives a window the keyboard and returns when it has it.
+  [[nodiscard]] bool activate(const Window& window) const;
+
+  /// Presses and releases a key of the active window, by the name that xdotool knows: "r",
+  /// "space", "ctrl+n".
+  [[nodiscard]] bool pressKey(const std::string& key) const;
+  [[nodiscard]] bool keyDown(const std::string& key) const;
+  [[nodiscard]] bool keyUp(const std::string& key) const;
+
+  /// Clicks at a point of a window, in pixels from its top left, y downward.
+  [[nodiscard]] bool click(const Window& window, int x, int y) const;
+
+  /// Asks the window manager to close a window, as a click on its cross would.
+  [[nodiscard]] bool close(const Window& window) const;
+
+  /// Takes a picture of a window as a PNG file.
+  [[nodiscard]] bool screenshot(const Window& window, const std::string& path) const;
+
+ private:
+  VirtualScreen() = default;
+
+  [[nodiscard]] Finished run(const std::vector<std::string>& arguments) const;
+
+  TemporaryFolder folder_;
+  std::string display_;
+  std::unique_ptr<ChildProcess> server_;
+  std::unique_ptr<ChildProcess> windowManager_;
+};
+
+}  // namespace support
