@@ -1,0 +1,109 @@
+#include "platform/PosixFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+#if defined(__linux__)
+#include <linux/magic.h>
+#include <sys/vfs.h>
+#endif
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+#include <vector>
+
+#include "platform/ContinuedTransfer.h"
+
+namespace platform {
+namespace {
+
+static_assert(sizeof(off_t) == 8, "a recording is longer than 2 GB: build with 64-bit offsets");
+
+constexpr auto kLargestOffset = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
+
+// Whether the system can express every offset of a transfer.
+bool canExpress(std::uint64_t byteCount, std::uint64_t offset) {
+  return offset <= kLargestOffset && byteCount <= kLargestOffset - offset;
+}
+
+bool isOnDisk(const std::string& directory) {
+#if defined(__linux__)
+  struct statfs information = {};
+  if (::statfs(directory.c_str(), &information) != 0) {
+    return false;
+  }
+  return information.f_type != TMPFS_MAGIC && information.f_type != RAMFS_MAGIC;
+#else
+  return ::access(directory.c_str(), W_OK) == 0;
+#endif
+}
+
+}  // namespace
+
+PosixFile::~PosixFile() {
+  ::close(descriptor_);
+}
+
+FileTransfer PosixFile::readAt(void* destination, std::uint64_t byteCount, std::uint64_t offset) {
+  if (offset > kLargestOffset) {
+    return {};
+  }
+  if (!canExpress(byteCount, offset)) {
+    byteCount = kLargestOffset - offset;
+  }
+  auto* const bytes = static_cast<std::byte*>(destination);
+  return continuedTransfer(
+      byteCount, NothingMoved::endOfFile, [&](std::uint64_t done, std::uint64_t wanted) {
+        return ::pread(descriptor_, bytes + done, wanted, static_cast<off_t>(offset + done));
+      });
+}
+
+FileTransfer PosixFile::writeAt(const void* data, std::uint64_t byteCount, std::uint64_t offset) {
+  if (!canExpress(byteCount, offset)) {
+    return {.byteCount = 0, .error = EFBIG};
+  }
+  const auto* const bytes = static_cast<const std::byte*>(data);
+  return continuedTransfer(
+      byteCount, NothingMoved::failure, [&](std::uint64_t done, std::uint64_t wanted) {
+        return ::pwrite(descriptor_, bytes + done, wanted, static_cast<off_t>(offset + done));
+      });
+}
+
+std::string chooseTemporaryDirectory(const char* tmpdir, const IsOnDisk& onDisk) {
+  std::string directory = tmpdir == nullptr ? "" : tmpdir;
+  if (directory.empty()) {
+    directory = !onDisk("/tmp") && onDisk("/var/tmp") ? "/var/tmp" : "/tmp";
+  }
+  if (directory.back() != '/') {
+    directory += '/';
+  }
+  return directory;
+}
+
+std::string PosixTemporaryFiles::directory() const {
+  // Nothing in this program changes the environment after its start.
+  const char* const tmpdir = std::getenv("TMPDIR");  // NOLINT(concurrency-mt-unsafe)
+  return chooseTemporaryDirectory(tmpdir, isOnDisk);
+}
+
+TemporaryFiles::Created PosixTemporaryFiles::createUnlinked(const std::string& pathTemplate) {
+  std::vector<char> path(pathTemplate.begin(), pathTemplate.end());
+  path.push_back('\0');
+  const int descriptor = ::mkostemp(path.data(), O_CLOEXEC);
+  if (descriptor < 0) {
+    const int error = errno;
+    return {.file = nullptr, .path = path.data(), .error = error};
+  }
+  // A name that could not be removed costs disk space after the end, but no audio: carry on.
+  ::unlink(path.data());
+  return {.file = std::make_unique<PosixFile>(descriptor), .path = path.data(), .error = 0};
+}
+
+TemporaryFiles& operatingSystemTemporaryFiles() {
+  static auto* const files = new PosixTemporaryFiles;  // never destroyed: threads may outlive main
+  return *files;
+}
+
+}  // namespace platform
