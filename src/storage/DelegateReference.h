@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include "storage/OVAudioBufferInterface.h"
+
+/// A buffer's reference to its delegate, which it does not own. It has a lock of its own, so that
+/// a writer can fetch the delegate while somebody holds the buffer's lock.
+///
+/// Threads: any. Real-time: not safe.
+class DelegateReference {
+ public:
+  [[nodiscard]] std::weak_ptr<OVAudioBufferDelegate> get() const {
+    const std::lock_guard lock(mutex_);
+    return delegate_;
+  }
+
+  void set(std::weak_ptr<OVAudioBufferDelegate> delegate) {
+    const std::lock_guard lock(mutex_);
+    delegate_ = std::move(delegate);
+  }
+
+ private:
+  mutable std::mutex mutex_;  // guards delegate_
+  std::weak_ptr<OVAudioBufferDelegate> delegate_;
+};

@@ -1,0 +1,229 @@
+#include "storage/OVAudioBuffer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cinttypes>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include "platform/ApplicationServices.h"
+
+namespace {
+
+constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
+
+// Ten seconds, in bytes: 3528000.
+constexpr auto kInitialCapacity = static_cast<std::uint64_t>(
+    platform::kWorkingFormat.mBytesPerFrame * platform::kWorkingFormat.mSampleRate * 10.0);
+
+// The capacity that exceeds `end`, grown by half again and again; 0 when there is none.
+std::uint64_t capacityBeyond(std::uint64_t capacity, std::uint64_t end) {
+  if (capacity < 2) {
+    capacity = kInitialCapacity;  // half of it would not grow it
+  }
+  while (capacity <= end) {
+    if (capacity / 2 > kHighestAddress - capacity) {
+      return 0;
+    }
+    capacity += capacity / 2;
+  }
+  return capacity;
+}
+
+}  // namespace
+
+OVAudioBuffer::OVAudioBuffer()
+    : format_(platform::kWorkingFormat),
+      sampleBuffer_(kInitialCapacity),
+      bufferCapacity_(kInitialCapacity) {}
+
+OVAudioBuffer::~OVAudioBuffer() = default;
+
+std::shared_ptr<OVAudioBuffer> OVAudioBuffer::init() {
+  return std::shared_ptr<OVAudioBuffer>(new OVAudioBuffer);
+}
+
+void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
+                              std::uint32_t withSize) {
+  if (withSize > kHighestAddress - atByteOffset) {
+    ConsoleLog("refused to write %" PRIu32 " bytes at %" PRIu64 ": past the highest address",
+               withSize, atByteOffset);
+    return;
+  }
+  const std::uint64_t end = atByteOffset + withSize;
+  bool hasRoom = true;
+  {
+    const std::lock_guard lock(bufferLock_);
+    hasRoom = end < bufferCapacity_ || growBeyond(end);
+    if (hasRoom && withSize > 0) {
+      std::memcpy(sampleBuffer_.data() + atByteOffset, data, withSize);
+    }
+    if (hasRoom && end > bufferFillSize_) {
+      bufferFillSize_ = end;
+    }
+  }
+  if (const auto delegate = delegate_.get().lock()) {
+    if (!hasRoom) {
+      delegate->audioBufferFailedToWrite(ENOMEM);
+    }
+    delegate->audioBufferDidWriteData(data, atByteOffset, withSize);
+  }
+}
+
+bool OVAudioBuffer::growBeyond(std::uint64_t end) {
+  const std::uint64_t capacity = capacityBeyond(bufferCapacity_, end);
+  try {
+    if (capacity == 0 || capacity > sampleBuffer_.max_size()) {
+      return false;
+    }
+    sampleBuffer_.resize(capacity);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  bufferCapacity_ = capacity;
+  return true;
+}
+
+BufferReadResult OVAudioBuffer::readDataInto(void* destination, std::uint64_t withSize,
+                                             std::uint64_t fromOffset) {
+  const std::uint64_t fillSize = bufferFillSize_;
+  if (fillSize == 0 || fromOffset >= fillSize) {
+    return {};
+  }
+  const std::lock_guard lock(bufferLock_);
+  const std::uint64_t count = readableFrom(fromOffset, withSize);
+  if (count == 0) {
+    return {};
+  }
+  std::memcpy(destination, sampleBuffer_.data() + fromOffset, count);
+  return {.data = static_cast<float*>(destination),
+          .frameCount = count / format_.mBytesPerFrame,
+          .byteCount = count};
+}
+
+// How much of a read lies in the recording, and in the block: the length can have underflowed, and
+// the recording can have been cut since its length was looked at.
+std::uint64_t OVAudioBuffer::readableFrom(std::uint64_t offset, std::uint64_t byteCount) const {
+  const std::uint64_t end = std::min<std::uint64_t>(bufferFillSize_, sampleBuffer_.size());
+  return offset < end ? std::min(byteCount, end - offset) : 0;
+}
+
+BufferReadResult OVAudioBuffer::readDataIntoNoCache(void* destination, std::uint64_t withSize,
+                                                    std::uint64_t fromOffset) {
+  return readDataInto(destination, withSize, fromOffset);
+}
+
+platform::AudioStreamBasicDescription OVAudioBuffer::format() const {
+  return platform::kWorkingFormat;
+}
+
+std::uint64_t OVAudioBuffer::bufferCapacityInFrames() const {
+  return bufferCapacity_ / format_.mBytesPerFrame;
+}
+
+std::uint64_t OVAudioBuffer::bufferSizeInFrames() const {
+  return bufferFillSize_ / format_.mBytesPerFrame;
+}
+
+std::uint64_t OVAudioBuffer::bufferFillSizeInFrames() const {
+  return bufferFillSize_ / format_.mBytesPerFrame;
+}
+
+void OVAudioBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
+  const std::lock_guard lock(bufferLock_);
+  const std::uint64_t position = frames * format_.mBytesPerFrame;
+  if (position > bufferCapacity_) {
+    return;
+  }
+  sampleBuffer_.resize(position);
+  sampleBuffer_.shrink_to_fit();
+  bufferCapacity_ = position;
+  bufferFillSize_ = position;
+}
+
+void OVAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
+  const std::lock_guard lock(bufferLock_);
+  const std::uint64_t position = frames * format_.mBytesPerFrame;
+  if (position >= bufferCapacity_) {
+    return;
+  }
+  bufferCapacity_ -= position;
+  std::memmove(sampleBuffer_.data(), sampleBuffer_.data() + position, bufferCapacity_);
+  bufferFillSize_ -= position;
+}
+
+void OVAudioBuffer::reverseBuffer() {
+  const std::lock_guard lock(bufferLock_);
+  const std::uint64_t length = std::min<std::uint64_t>(bufferFillSize_, sampleBuffer_.size());
+  std::vector<std::uint32_t> values(length / sizeof(std::uint32_t));
+  if (values.empty()) {
+    return;
+  }
+  const std::size_t byteCount = values.size() * sizeof(std::uint32_t);
+  std::memcpy(values.data(), sampleBuffer_.data(), byteCount);
+  std::reverse(values.begin(), values.end());
+  std::memcpy(sampleBuffer_.data(), values.data(), byteCount);
+}
+
+void OVAudioBuffer::setWaypoint() {
+  const std::lock_guard lock(bufferLock_);
+  tmpBuffer_.reset();  // before the copy is made: both at once would need the memory thrice
+  tmpBuffer_ = std::make_unique<Samples>(
+      sampleBuffer_.begin(),
+      sampleBuffer_.begin() + static_cast<std::ptrdiff_t>(bufferCapacity_.load()));
+  tmpBufferFillSize_ = bufferFillSize_;
+  tmpBufferCapacity_ = bufferCapacity_;
+}
+
+void OVAudioBuffer::undo() {
+  exchangeWithCopy();
+}
+
+void OVAudioBuffer::redo() {
+  exchangeWithCopy();
+}
+
+void OVAudioBuffer::exchangeWithCopy() {
+  const std::lock_guard lock(bufferLock_);
+  if (tmpBuffer_ == nullptr) {
+    return;
+  }
+  std::swap(sampleBuffer_, *tmpBuffer_);
+  tmpBufferFillSize_ = bufferFillSize_.exchange(tmpBufferFillSize_);
+  tmpBufferCapacity_ = bufferCapacity_.exchange(tmpBufferCapacity_);
+}
+
+void OVAudioBuffer::lock() {
+  bufferLock_.lock();
+}
+
+void OVAudioBuffer::unlock() {
+  bufferLock_.unlock();
+}
+
+double OVAudioBuffer::powerAtPosition(std::uint64_t position) {
+  float samples[2] = {};
+  const std::uint64_t sampleCount = sampleBuffer_.size() / sizeof(float);
+  if (sampleCount < 2 || position > sampleCount - 2) {
+    return 0.0;
+  }
+  std::memcpy(samples, sampleBuffer_.data() + position * sizeof(float), sizeof samples);
+  return (std::abs(static_cast<double>(samples[0])) + std::abs(static_cast<double>(samples[1]))) *
+         0.5;
+}
+
+float* OVAudioBuffer::exposeBuffer() {
+  return reinterpret_cast<float*>(sampleBuffer_.data());
+}
+
+std::weak_ptr<OVAudioBufferDelegate> OVAudioBuffer::delegate() const {
+  return delegate_.get();
+}
+
+void OVAudioBuffer::setDelegate(std::weak_ptr<OVAudioBufferDelegate> delegate) {
+  delegate_.set(std::move(delegate));
+}

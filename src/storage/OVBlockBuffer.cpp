@@ -1,0 +1,277 @@
+#include "storage/OVBlockBuffer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cinttypes>
+#include <filesystem>
+#include <limits>
+#include <system_error>
+#include <utility>
+
+#include "platform/ApplicationServices.h"
+
+namespace {
+
+constexpr std::size_t kWaypointCapacity = 32;           // entries; grows beyond
+constexpr std::size_t kLongestPath = 4095;              // bytes of a template, without its end
+constexpr std::uint64_t kWritesBetweenOptimizing = 21;  // about two seconds of recording
+
+constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
+constexpr auto kLargestCount = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+
+// Reads what the file gives of one stretch; less than asked only where it has no more.
+std::uint64_t readWhole(platform::File& file, std::byte* destination, std::uint64_t byteCount,
+                        std::uint64_t fileOffset) {
+  std::uint64_t total = 0;
+  while (total < byteCount) {
+    const std::uint64_t got =
+        file.readAt(destination + total, byteCount - total, fileOffset + total).byteCount;
+    if (got == 0) {
+      break;
+    }
+    total += got;
+  }
+  return total;
+}
+
+}  // namespace
+
+OVBlockBuffer::OVBlockBuffer(std::unique_ptr<platform::File> file, std::string fileName)
+    : f_file_(std::move(file)),
+      f_file_name_(std::move(fileName)),
+      format_(platform::kWorkingFormat) {
+  waypointStack_.reserve(kWaypointCapacity);
+}
+
+// Closing the file releases the storage of all that was ever recorded.
+OVBlockBuffer::~OVBlockBuffer() = default;
+
+std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
+  platform::TemporaryFiles& files = platform::temporaryFiles();
+  const std::string pathTemplate = files.directory() + "orvoXXXXXX";
+  auto created = files.createUnlinked(pathTemplate.substr(0, kLongestPath));
+  if (created.file == nullptr) {
+    ShowModalAlert("couldn't open temp file for writing!",
+                   "The file " + pathTemplate +
+                       " couldn't be opened for writing. This shouldn't happen! Check your "
+                       "permissions.");
+    return nullptr;
+  }
+  return std::shared_ptr<OVBlockBuffer>(
+      new OVBlockBuffer(std::move(created.file), std::move(created.path)));
+}
+
+void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
+                              std::uint32_t withSize) {
+  if (withSize > kHighestAddress - atByteOffset) {
+    ConsoleLog("refused to write %" PRIu32 " bytes at %" PRIu64 ": past the highest address",
+               withSize, atByteOffset);
+    return;
+  }
+  platform::FileTransfer written;
+  std::uint64_t blocksAdded = 0;
+  {
+    const std::lock_guard appending(appendLock_);
+    written = f_file_->writeAt(data, withSize, f_write_pos_);
+    const std::lock_guard lock(bufferLock_);
+    blocksAdded = mapAppended(atByteOffset, withSize);
+  }
+  if (blocksAdded >= kWritesBetweenOptimizing) {
+    optimize();
+  }
+  if (const auto delegate = delegate_.get().lock()) {
+    if (written.byteCount < withSize) {
+      delegate->audioBufferFailedToWrite(written.error != 0 ? written.error : EIO);
+    }
+    delegate->audioBufferDidWriteData(data, atByteOffset, withSize);
+  }
+}
+
+// Maps the bytes just appended; gives the number of writes since the list was last optimised.
+std::uint64_t OVBlockBuffer::mapAppended(std::uint64_t atByteOffset, std::uint32_t withSize) {
+  blocklist_.map(OVBlock(atByteOffset, f_write_pos_, withSize));
+  f_write_pos_ += withSize;
+  if (atByteOffset + withSize > bufferFillSize()) {
+    bufferFillSize_.store(atByteOffset + withSize, std::memory_order_relaxed);
+  }
+  listChanged();
+  return ++blocksAddedSinceOptimization_;
+}
+
+BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t withSize,
+                                             std::uint64_t fromOffset) {
+  if (withSize > kLargestCount) {
+    ConsoleLog("refused to read %" PRIu64 " bytes at %" PRIu64 ": not a count", withSize,
+               fromOffset);
+    return {};
+  }
+  if (fromOffset >= bufferFillSize() || listIsEmpty_.load(std::memory_order_relaxed)) {
+    return {};
+  }
+  std::vector<Stretch> wanted;
+  {
+    const std::lock_guard lock(bufferLock_);
+    wanted = stretches(fromOffset, withSize);
+  }
+  auto* const bytes = static_cast<std::byte*>(destination);
+  std::uint64_t total = 0;
+  for (const Stretch& stretch : wanted) {
+    const std::uint64_t got =
+        readWhole(*f_file_, bytes + total, stretch.byteCount, stretch.fileOffset);
+    total += got;
+    if (got < stretch.byteCount) {
+      break;
+    }
+  }
+  if (total == 0) {
+    return {};
+  }
+  return {.data = static_cast<float*>(destination),
+          .frameCount = total / format_.mBytesPerFrame,
+          .byteCount = total};
+}
+
+// The stretches of the file that hold the addresses from `address` on, up to `byteCount` bytes,
+// the recording's end or a hole. Neighbours in the file are one stretch.
+std::vector<OVBlockBuffer::Stretch> OVBlockBuffer::stretches(std::uint64_t address,
+                                                             std::uint64_t byteCount) const {
+  std::vector<Stretch> result;
+  while (byteCount > 0) {
+    const BlockLocation location = getFileOffsetForLinearAddress(address);
+    if (location.notFound || location.bytesAvailable == 0) {
+      break;
+    }
+    const std::uint64_t count = std::min(byteCount, location.bytesAvailable);
+    if (!result.empty() &&
+        result.back().fileOffset + result.back().byteCount == location.fileOffset) {
+      result.back().byteCount += count;
+    } else {
+      result.push_back({location.fileOffset, count});
+    }
+    address += count;
+    byteCount -= count;
+  }
+  return result;
+}
+
+BlockLocation OVBlockBuffer::getFileOffsetForLinearAddress(std::uint64_t address) const {
+  if (address >= bufferFillSize()) {
+    return {};
+  }
+  const OVBlock* const block = blocklist_.find(address);
+  if (block == nullptr) {
+    return {};
+  }
+  const std::uint64_t inBlock = address - block->linear_addr_start();
+  return {.fileOffset = block->file_offset_start() + inBlock,
+          .bytesAvailable = block->size() - inBlock,
+          .notFound = false};
+}
+
+void OVBlockBuffer::optimize() {
+  const std::lock_guard lock(bufferLock_);
+  blocklist_.mergeNeighbours();
+  blocksAddedSinceOptimization_ = 0;
+}
+
+platform::AudioStreamBasicDescription OVBlockBuffer::format() const {
+  return platform::kWorkingFormat;
+}
+
+std::uint64_t OVBlockBuffer::bufferSizeInFrames() const {
+  return bufferFillSize() / format_.mBytesPerFrame;
+}
+
+std::uint64_t OVBlockBuffer::bufferFillSizeInFrames() const {
+  return bufferFillSize() / format_.mBytesPerFrame;
+}
+
+void OVBlockBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
+  const std::lock_guard lock(bufferLock_);
+  const std::uint64_t position = frames * format_.mBytesPerFrame;
+  blocklist_.cutAfter(position);
+  bufferFillSize_.store(position, std::memory_order_relaxed);
+  listChanged();
+}
+
+void OVBlockBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
+  const std::lock_guard lock(bufferLock_);
+  const std::uint64_t position = frames * format_.mBytesPerFrame;
+  blocklist_.cutBefore(position);
+  bufferFillSize_.store(bufferFillSize() - position, std::memory_order_relaxed);
+  listChanged();
+}
+
+void OVBlockBuffer::reverseBuffer() {}
+
+void OVBlockBuffer::setWaypoint() {
+  const std::lock_guard lock(bufferLock_);
+  waypointStack_.insert(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_),
+                        OVBufferState::initWithBlocklist(blocklist_, bufferFillSize()));
+  ++waypointPos_;
+}
+
+void OVBlockBuffer::undo() {
+  const std::lock_guard lock(bufferLock_);
+  redoState_ = OVBufferState::initWithBlocklist(blocklist_, bufferFillSize());
+  prevWaypointPos_ = waypointPos_;
+  if (waypointPos_ > 0) {
+    --waypointPos_;
+  }
+  restore(*waypointStack_.at(waypointPos_));
+}
+
+void OVBlockBuffer::redo() {
+  const std::lock_guard lock(bufferLock_);
+  if (const auto state = std::exchange(redoState_, nullptr)) {
+    restore(*state);
+  }
+}
+
+void OVBlockBuffer::restore(const OVBufferState& state) {
+  blocklist_ = state.list();
+  bufferFillSize_.store(state.bufferFillSize(), std::memory_order_relaxed);
+  listChanged();
+}
+
+void OVBlockBuffer::listChanged() {
+  listIsEmpty_.store(blocklist_.blocks().empty(), std::memory_order_relaxed);
+}
+
+void OVBlockBuffer::lock() {
+  bufferLock_.lock();
+}
+
+void OVBlockBuffer::unlock() {
+  bufferLock_.unlock();
+}
+
+double OVBlockBuffer::powerAtPosition(std::uint64_t position) {
+  BlockLocation location;
+  {
+    const std::lock_guard lock(bufferLock_);
+    location = getFileOffsetForLinearAddress(position * format_.mBytesPerFrame);
+  }
+  if (location.bytesAvailable < format_.mBytesPerFrame) {
+    return 1.0;
+  }
+  float channels[2] = {0.0F, 0.0F};  // what a failed read leaves counts as silence
+  static_cast<void>(readWhole(*f_file_, reinterpret_cast<std::byte*>(channels), sizeof channels,
+                              location.fileOffset));
+  return static_cast<double>(channels[0] + channels[1]) * 0.5;
+}
+
+void OVBlockBuffer::removeTempFile(const std::optional<std::string>& path) {
+  if (path) {
+    std::error_code ignored;
+    std::filesystem::remove(*path, ignored);
+  }
+}
+
+std::weak_ptr<OVAudioBufferDelegate> OVBlockBuffer::delegate() const {
+  return delegate_.get();
+}
+
+void OVBlockBuffer::setDelegate(std::weak_ptr<OVAudioBufferDelegate> delegate) {
+  delegate_.set(std::move(delegate));
+}
