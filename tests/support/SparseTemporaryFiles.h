@@ -53,8 +53,7 @@ class SparseTemporaryFiles : public platform::TemporaryFiles {
       const std::lock_guard lock(mutex_);
       const auto* const bytes = static_cast<const std::byte*>(data);
       eachStretch(byteCount, offset, [&](std::uint64_t at, Stretch stretch) {
-        const bool zeros = std::all_of(bytes + at, bytes + at + stretch.count,
-                                       [](std::byte byte) { return byte == std::byte{0}; });
+        const bool zeros = onlyZeros(bytes + at, stretch.count);
         auto page = pages_.find(stretch.page);
         if (page == pages_.end() && zeros) {
           return;
@@ -74,6 +73,11 @@ class SparseTemporaryFiles : public platform::TemporaryFiles {
       std::uint64_t offset;  // in the page
       std::uint64_t count;
     };
+
+    // `count` > 0: each byte equals the one before it, and the first is 0.
+    static bool onlyZeros(const std::byte* bytes, std::uint64_t count) {
+      return *bytes == std::byte{0} && std::memcmp(bytes, bytes + 1, count - 1) == 0;
+    }
 
     template <typename Each>
     static void eachStretch(std::uint64_t byteCount, std::uint64_t offset, Each each) {

@@ -1,0 +1,505 @@
+#include "storage/OVBlockBuffer.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+
+#include "storage/TransferHelpers.h"
+#include "support/FailingTemporaryFiles.h"
+#include "support/RecordingDelegate.h"
+#include "support/RecordingServices.h"
+
+namespace {
+
+using storagetest::Bytes;
+using storagetest::isNothing;
+using storagetest::part;
+using storagetest::pattern;
+using storagetest::read;
+using storagetest::write;
+using storagetest::operator+;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr auto kHighest = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t kTwo64 = 0;  // 2^64 in unsigned arithmetic
+
+class ABlockBuffer : public testing::Test {
+ protected:
+  // `count` writes of `size` bytes, one behind the other from address 0 on; gives all their bytes.
+  Bytes writeSequence(std::size_t count, std::size_t size) {
+    Bytes all;
+    for (std::size_t i = 0; i < count; ++i) {
+      const Bytes chunk = pattern(size, static_cast<unsigned>(i + 1));
+      write(*buffer_, chunk, i * size);
+      all = std::move(all) + chunk;
+    }
+    return all;
+  }
+
+  support::InstalledRecordingServices services_;
+  support::FailingTemporaryFiles files_;
+  platform::TemporaryFilesInstallation installation_{files_};
+  std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
+};
+
+TEST_F(ABlockBuffer, IsEmptyAtFirst) {
+  EXPECT_THAT(buffer_->blocklist(), IsEmpty());
+  EXPECT_THAT(buffer_->waypointStack(), IsEmpty());
+  EXPECT_EQ(buffer_->f_write_pos(), 0U);
+  EXPECT_EQ(buffer_->bufferFillSize(), 0U);
+  EXPECT_EQ(buffer_->bufferSizeInFrames(), 0U);
+  EXPECT_EQ(buffer_->bufferFillSizeInFrames(), 0U);
+  EXPECT_EQ(buffer_->waypointPos(), 0U);
+  EXPECT_EQ(buffer_->blocksAddedSinceOptimization(), 0U);
+  EXPECT_EQ(buffer_->redoState(), nullptr);
+  EXPECT_TRUE(buffer_->delegate().expired());
+}
+
+TEST_F(ABlockBuffer, AlwaysHasTheWorkingFormat) {
+  EXPECT_EQ(buffer_->format(), platform::kWorkingFormat);
+}
+
+TEST_F(ABlockBuffer, MakesItsFileInTheTemporaryDirectory) {
+  EXPECT_THAT(files_.templates(), ElementsAre("/nowhere/orvoXXXXXX"));
+  EXPECT_EQ(buffer_->f_file_name(), "/nowhere/orvo000001");
+}
+
+TEST_F(ABlockBuffer, ClosesItsFileAtItsEnd) {
+  EXPECT_EQ(files_.openFiles(), 1U);
+  buffer_.reset();
+  EXPECT_EQ(files_.openFiles(), 0U);
+}
+
+TEST_F(ABlockBuffer, WriteInTheMiddleLeavesHeadSplitTailAndNewBlockInThatOrder) {
+  const Bytes first = pattern(1000, 1);
+  const Bytes second = pattern(500, 2);
+  write(*buffer_, first, 0);
+  write(*buffer_, second, 250);
+  EXPECT_THAT(buffer_->blocklist(),
+              ElementsAre(OVBlock(0, 0, 250), OVBlock(750, 750, 250), OVBlock(250, 1000, 500)));
+  EXPECT_EQ(read(*buffer_, 1000, 0), part(first, 0, 250) + second + part(first, 750, 1000));
+}
+
+TEST_F(ABlockBuffer, WriteExactlyOverABlockReplacesIt) {
+  writeSequence(1, 1000);
+  const Bytes second = pattern(1000, 2);
+  write(*buffer_, second, 0);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 1000, 1000)));
+  EXPECT_EQ(read(*buffer_, 1000, 0), second);
+}
+
+TEST_F(ABlockBuffer, WriteFromTheStartOfABlockTrimsItsHead) {
+  writeSequence(1, 1000);
+  write(*buffer_, pattern(400, 2), 0);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(400, 400, 600), OVBlock(0, 1000, 400)));
+}
+
+TEST_F(ABlockBuffer, WriteFromInsideABlockToItsEndOrBeyondTrimsItsTail) {
+  writeSequence(1, 1000);
+  write(*buffer_, pattern(400, 2), 600);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 600), OVBlock(600, 1000, 400)));
+  write(*buffer_, pattern(800, 3), 500);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 500), OVBlock(500, 1400, 800)));
+}
+
+TEST_F(ABlockBuffer, OnlyWritesPastTheEndLengthenTheRecording) {
+  writeSequence(1, 1000);
+  EXPECT_EQ(buffer_->bufferFillSize(), 1000U);
+  write(*buffer_, pattern(100, 2), 500);
+  EXPECT_EQ(buffer_->bufferFillSize(), 1000U);
+  write(*buffer_, pattern(100, 3), 900);
+  EXPECT_EQ(buffer_->bufferFillSize(), 1000U);
+  write(*buffer_, pattern(100, 4), 901);
+  EXPECT_EQ(buffer_->bufferFillSize(), 1001U);
+  write(*buffer_, pattern(80, 5), 2000);
+  EXPECT_EQ(buffer_->bufferFillSize(), 2080U);
+  EXPECT_EQ(buffer_->bufferSizeInFrames(), 260U);
+  EXPECT_EQ(buffer_->bufferFillSizeInFrames(), 260U);
+}
+
+TEST_F(ABlockBuffer, CountsOnlyWholeFrames) {
+  write(*buffer_, pattern(15, 1), 0);
+  EXPECT_EQ(buffer_->bufferSizeInFrames(), 1U);
+  EXPECT_EQ(buffer_->bufferFillSizeInFrames(), 1U);
+}
+
+TEST_F(ABlockBuffer, OnlyEverAppendsToItsFile) {
+  writeSequence(3, 100);
+  write(*buffer_, pattern(50, 9), 0);
+  buffer_->cutoffBufferAfterPosition(1);
+  EXPECT_EQ(buffer_->f_write_pos(), 350U);
+  write(*buffer_, pattern(8, 9), 0);
+  EXPECT_EQ(buffer_->f_write_pos(), 358U);
+}
+
+TEST_F(ABlockBuffer, TwentySequentialWritesStayTwentyBlocks) {
+  const Bytes all = writeSequence(20, 80);
+  EXPECT_THAT(buffer_->blocklist(), SizeIs(20));
+  EXPECT_EQ(buffer_->blocksAddedSinceOptimization(), 20U);
+  EXPECT_EQ(read(*buffer_, 2000, 0), all);
+}
+
+TEST_F(ABlockBuffer, TheTwentyFirstSequentialWriteLeavesOneBlock) {
+  const Bytes all = writeSequence(21, 80);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 1680)));
+  EXPECT_EQ(buffer_->blocksAddedSinceOptimization(), 0U);
+  EXPECT_EQ(read(*buffer_, 2000, 0), all);
+}
+
+TEST_F(ABlockBuffer, EmptyWritesCountTowardsOptimizing) {
+  writeSequence(10, 80);
+  for (int i = 0; i < 10; ++i) {
+    buffer_->writeData(nullptr, 5000, 0);
+  }
+  EXPECT_EQ(buffer_->blocksAddedSinceOptimization(), 20U);
+  buffer_->writeData(nullptr, 5000, 0);
+  EXPECT_EQ(buffer_->blocksAddedSinceOptimization(), 0U);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 800), OVBlock(5000, 800, 0)));
+  EXPECT_EQ(buffer_->bufferFillSize(), 5000U) << "an empty write lengthens the recording, too";
+}
+
+TEST_F(ABlockBuffer, AnEmptyWriteSplitsTheBlockThatHoldsItsOffset) {
+  const Bytes all = writeSequence(1, 1000);
+  buffer_->writeData(nullptr, 400, 0);
+  EXPECT_THAT(buffer_->blocklist(),
+              ElementsAre(OVBlock(0, 0, 400), OVBlock(400, 400, 600), OVBlock(400, 1000, 0)));
+  EXPECT_EQ(read(*buffer_, 1000, 0), all);
+}
+
+TEST_F(ABlockBuffer, OptimizeMergesOnRequest) {
+  const Bytes all = writeSequence(5, 80);
+  buffer_->optimize();
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 400)));
+  EXPECT_EQ(buffer_->blocksAddedSinceOptimization(), 0U);
+  EXPECT_EQ(read(*buffer_, 400, 0), all);
+}
+
+TEST_F(ABlockBuffer, ReadCrossesBlocksInAddressOrderWhateverTheOrderOfTheList) {
+  const Bytes second = pattern(100, 1);
+  const Bytes first = pattern(100, 2);
+  write(*buffer_, second, 100);
+  write(*buffer_, first, 0);
+  const Bytes all = first + second;
+  EXPECT_EQ(read(*buffer_, 200, 0), all);
+  EXPECT_EQ(read(*buffer_, 120, 40), part(all, 40, 160));
+}
+
+TEST_F(ABlockBuffer, ReadReportsTheDestinationAndWholeFrames) {
+  writeSequence(1, 100);
+  float destination[32];
+  const BufferReadResult result = buffer_->readDataInto(destination, 30, 0);
+  EXPECT_EQ(result.data, destination);
+  EXPECT_EQ(result.frameCount, 3U);
+  EXPECT_EQ(result.byteCount, 30U);
+}
+
+TEST_F(ABlockBuffer, ReadEndsAtTheEndAndLeavesTheRestOfTheDestination) {
+  const Bytes all = writeSequence(1, 100);
+  Bytes destination(64, 0xAA);
+  const BufferReadResult result = buffer_->readDataInto(destination.data(), 64, 60);
+  EXPECT_EQ(result.byteCount, 40U);
+  EXPECT_EQ(result.frameCount, 5U);
+  EXPECT_EQ(part(destination, 0, 40), part(all, 60, 100));
+  EXPECT_EQ(part(destination, 40, 64), Bytes(24, 0xAA));
+}
+
+TEST_F(ABlockBuffer, ReadAtOrPastTheEndGivesNothing) {
+  float destination[4];
+  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 0))) << "of an empty buffer";
+  writeSequence(1, 100);
+  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 100)));
+  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, kHighest)));
+}
+
+TEST_F(ABlockBuffer, ReadOfNoBytesGivesNothing) {
+  writeSequence(1, 100);
+  float destination[4];
+  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 0, 0)));
+}
+
+TEST_F(ABlockBuffer, ReadStopsAtAHoleAndGivesNothingInIt) {
+  const Bytes all = writeSequence(1, 100);
+  write(*buffer_, pattern(100, 2), 300);
+  EXPECT_EQ(read(*buffer_, 400, 0), all);
+  float destination[4];
+  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 100)));
+  EXPECT_EQ(read(*buffer_, 400, 300), pattern(100, 2));
+}
+
+TEST_F(ABlockBuffer, ReadPastTheEndAndReadOfAnEmptyListWaitForNoLock) {
+  float destination[4];
+  buffer_->cutoffBufferAfterPosition(100);
+  buffer_->lock();
+  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 0)));
+  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 800)));
+  EXPECT_EQ(buffer_->bufferSizeInFrames(), 100U);
+  buffer_->unlock();
+}
+
+TEST_F(ABlockBuffer, ReadsNeighboursInTheFileInOneGo) {
+  const Bytes all = writeSequence(20, 80);
+  EXPECT_EQ(read(*buffer_, 1600, 0), all);
+  EXPECT_EQ(files_.reads(), 1U);
+}
+
+TEST_F(ABlockBuffer, RefusesACountThatIsNegativeAsASignedNumber) {
+  writeSequence(1, 100);
+  float destination[4];
+  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, std::uint64_t{1} << 63, 0)));
+  EXPECT_THAT(services_->consoleLines(), SizeIs(1));
+}
+
+TEST_F(ABlockBuffer, RefusesAWriteThatWouldEndPastTheHighestAddress) {
+  const auto delegate = std::make_shared<support::RecordingDelegate>();
+  buffer_->setDelegate(delegate);
+  writeSequence(1, 96);
+  write(*buffer_, pattern(16, 2), kHighest - 8);
+  EXPECT_THAT(services_->consoleLines(), SizeIs(1));
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 96)));
+  EXPECT_EQ(buffer_->f_write_pos(), 96U);
+  EXPECT_EQ(buffer_->bufferFillSize(), 96U);
+  EXPECT_EQ(buffer_->blocksAddedSinceOptimization(), 1U);
+  EXPECT_EQ(files_.writes(), 1U);
+  EXPECT_THAT(delegate->calls(), SizeIs(1));
+}
+
+TEST_F(ABlockBuffer, TakesAWriteThatEndsAtTheHighestAddress) {
+  const Bytes bytes = pattern(16, 2);
+  write(*buffer_, bytes, kHighest - 16);
+  EXPECT_THAT(services_->consoleLines(), IsEmpty());
+  EXPECT_EQ(buffer_->bufferFillSize(), kHighest);
+  EXPECT_EQ(read(*buffer_, 100, kHighest - 16), bytes);
+}
+
+TEST_F(ABlockBuffer, LocatesAddresses) {
+  writeSequence(1, 100);
+  write(*buffer_, pattern(50, 2), 150);
+  const auto inside = buffer_->getFileOffsetForLinearAddress(170);
+  EXPECT_EQ(inside.fileOffset, 120U);
+  EXPECT_EQ(inside.bytesAvailable, 30U);
+  EXPECT_FALSE(inside.notFound);
+  for (const std::uint64_t address : {std::uint64_t{100}, std::uint64_t{200}, kHighest}) {
+    const auto location = buffer_->getFileOffsetForLinearAddress(address);
+    EXPECT_EQ(location.fileOffset, 0U);
+    EXPECT_EQ(location.bytesAvailable, 0U);
+    EXPECT_TRUE(location.notFound);
+  }
+}
+
+TEST_F(ABlockBuffer, CutAfterAPositionEndsTheRecordingThere) {
+  const Bytes all = writeSequence(4, 80);
+  buffer_->cutoffBufferAfterPosition(25);
+  EXPECT_EQ(buffer_->bufferFillSize(), 200U);
+  EXPECT_THAT(buffer_->blocklist(),
+              ElementsAre(OVBlock(0, 0, 80), OVBlock(80, 80, 80), OVBlock(160, 160, 40)));
+  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 0, 200));
+}
+
+TEST_F(ABlockBuffer, CutAfterABlockBoundaryKeepsTheBlockButHidesIt) {
+  const Bytes all = writeSequence(3, 80);
+  buffer_->cutoffBufferAfterPosition(10);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 80), OVBlock(80, 80, 80)));
+  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 0, 80));
+  float destination[4];
+  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 80)));
+}
+
+TEST_F(ABlockBuffer, ABlockHiddenByACutIsHeardAgainWhenTheRecordingGrowsPastIt) {
+  const Bytes all = writeSequence(3, 80);
+  buffer_->cutoffBufferAfterPosition(10);
+  const Bytes later = pattern(80, 9);
+  write(*buffer_, later, 160);
+  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 0, 160) + later);
+}
+
+TEST_F(ABlockBuffer, ABlockHiddenByACutGoesWhenItIsWrittenOver) {
+  writeSequence(3, 80);
+  buffer_->cutoffBufferAfterPosition(10);
+  write(*buffer_, pattern(80, 9), 80);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 80), OVBlock(80, 240, 80)));
+}
+
+TEST_F(ABlockBuffer, ABlockHiddenByACutIsTrimmedWhenItIsPartlyWrittenOver) {
+  writeSequence(3, 80);
+  buffer_->cutoffBufferAfterPosition(10);
+  write(*buffer_, pattern(24, 9), 80);
+  EXPECT_THAT(buffer_->blocklist(),
+              ElementsAre(OVBlock(0, 0, 80), OVBlock(104, 104, 56), OVBlock(80, 240, 24)));
+  EXPECT_EQ(buffer_->bufferFillSize(), 104U);
+}
+
+TEST_F(ABlockBuffer, CutAfterBeyondTheEndLengthensTheRecordingWithAHole) {
+  const Bytes all = writeSequence(1, 80);
+  buffer_->cutoffBufferAfterPosition(100);
+  EXPECT_EQ(buffer_->bufferFillSize(), 800U);
+  EXPECT_EQ(read(*buffer_, 800, 0), all);
+}
+
+TEST_F(ABlockBuffer, CutAfterZeroEmptiesTheRecording) {
+  writeSequence(3, 80);
+  buffer_->cutoffBufferAfterPosition(0);
+  EXPECT_EQ(buffer_->bufferSizeInFrames(), 0U);
+  EXPECT_THAT(read(*buffer_, 100, 0), IsEmpty());
+}
+
+TEST_F(ABlockBuffer, CutBeforeAPositionMovesTheRestToTheStart) {
+  const Bytes all = writeSequence(4, 80);
+  buffer_->cutoffBufferBeforePosition(25);
+  EXPECT_EQ(buffer_->bufferFillSize(), 120U);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 200, 40), OVBlock(40, 240, 80)));
+  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 200, 320));
+}
+
+TEST_F(ABlockBuffer, CutBeforeABlockBoundaryLeavesTheBlockThatEndsThereWrapped) {
+  const Bytes all = writeSequence(3, 80);
+  buffer_->cutoffBufferBeforePosition(20);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(kTwo64 - 80, 80, 80), OVBlock(0, 160, 80)));
+  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 160, 240));
+}
+
+TEST_F(ABlockBuffer, OptimizeMergesTheStartIntoTheWrappedBlockAndHidesIt) {
+  writeSequence(3, 80);
+  buffer_->cutoffBufferBeforePosition(20);
+  buffer_->optimize();
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(kTwo64 - 80, 80, 160)));
+  float destination[4];
+  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 0)));
+  EXPECT_EQ(buffer_->bufferFillSize(), 80U);
+}
+
+TEST_F(ABlockBuffer, AWriteRemovesTheWrappedBlock) {
+  const Bytes all = writeSequence(3, 80);
+  buffer_->cutoffBufferBeforePosition(20);
+  const Bytes later = pattern(8, 9);
+  write(*buffer_, later, 80);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 160, 80), OVBlock(80, 240, 8)));
+  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 160, 240) + later);
+}
+
+TEST_F(ABlockBuffer, CutBeforeTheWholeRecordingLeavesItEmpty) {
+  writeSequence(1, 80);
+  buffer_->cutoffBufferBeforePosition(10);
+  EXPECT_EQ(buffer_->bufferFillSize(), 0U);
+  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(kTwo64 - 80, 0, 80)));
+  EXPECT_THAT(read(*buffer_, 100, 0), IsEmpty());
+}
+
+TEST_F(ABlockBuffer, CutBeforeAPositionPastTheEndUnderflowsTheLength) {
+  writeSequence(1, 80);
+  buffer_->cutoffBufferBeforePosition(11);
+  EXPECT_EQ(buffer_->bufferFillSize(), kTwo64 - 8);
+  EXPECT_THAT(buffer_->blocklist(), IsEmpty());
+  EXPECT_THAT(read(*buffer_, 100, 0), IsEmpty());
+}
+
+TEST_F(ABlockBuffer, CutPositionsWrapAsTheyAreTurnedIntoBytes) {
+  writeSequence(1, 80);
+  buffer_->cutoffBufferAfterPosition((std::uint64_t{1} << 61) + 5);
+  EXPECT_EQ(buffer_->bufferFillSize(), 40U);
+}
+
+TEST_F(ABlockBuffer, ReversingDoesNothing) {
+  const Bytes all = writeSequence(2, 80);
+  buffer_->reverseBuffer();
+  EXPECT_EQ(read(*buffer_, 160, 0), all);
+}
+
+TEST_F(ABlockBuffer, GivesThePowerOfAFrameAsTheSignedMeanOfItsChannels) {
+  const float frames[] = {0.25F, 0.75F, -1.0F, 0.5F};
+  buffer_->writeData(frames, 0, sizeof frames);
+  EXPECT_EQ(buffer_->powerAtPosition(0), 0.5);
+  EXPECT_EQ(buffer_->powerAtPosition(1), -0.25);
+}
+
+TEST_F(ABlockBuffer, AddsTheChannelsOfAPowerInSinglePrecision) {
+  const float frame[] = {16777216.0F, 1.0F};
+  buffer_->writeData(frame, 0, sizeof frame);
+  EXPECT_EQ(buffer_->powerAtPosition(0), 8388608.0);
+}
+
+TEST_F(ABlockBuffer, HasThePowerOneWhereThereIsNoWholeFrameInOneBlock) {
+  const float frames[] = {0.25F, 0.25F, 0.25F, 0.25F};
+  EXPECT_EQ(buffer_->powerAtPosition(0), 1.0) << "of an empty buffer";
+  buffer_->writeData(frames, 0, sizeof frames);
+  EXPECT_EQ(buffer_->powerAtPosition(2), 1.0) << "at the end";
+  EXPECT_EQ(buffer_->powerAtPosition(1000), 1.0) << "beyond the end";
+  buffer_->writeData(frames, 80, 8);
+  EXPECT_EQ(buffer_->powerAtPosition(5), 1.0) << "in a hole";
+  buffer_->writeData(nullptr, 12, 0);
+  EXPECT_EQ(buffer_->powerAtPosition(1), 1.0) << "split across two blocks";
+  EXPECT_EQ(buffer_->powerAtPosition(0), 0.25);
+}
+
+TEST_F(ABlockBuffer, TellsItsDelegateOfEveryWriteOutsideTheLock) {
+  const auto delegate = std::make_shared<support::RecordingDelegate>();
+  delegate->during([this] {
+    buffer_->lock();
+    buffer_->unlock();
+  });
+  buffer_->setDelegate(delegate);
+  EXPECT_EQ(buffer_->delegate().lock(), delegate);
+  const Bytes bytes = pattern(96, 1);
+  write(*buffer_, bytes, 40);
+  buffer_->writeData(nullptr, 7, 0);
+  EXPECT_THAT(delegate->calls(), ElementsAre(support::DelegateCall{bytes.data(), 40, 96, 0},
+                                             support::DelegateCall{nullptr, 7, 0, 0}));
+}
+
+TEST_F(ABlockBuffer, ToldOfTheTwentyFirstWriteADelegateSeesTheListOptimized) {
+  const auto delegate = std::make_shared<support::RecordingDelegate>();
+  buffer_->setDelegate(delegate);
+  std::size_t blocksSeen = 0;
+  delegate->during([&] { blocksSeen = buffer_->blocklist().size(); });
+  writeSequence(21, 8);
+  EXPECT_EQ(blocksSeen, 1U);
+}
+
+TEST_F(ABlockBuffer, DoesNotKeepItsDelegateAlive) {
+  auto delegate = std::make_shared<support::RecordingDelegate>();
+  buffer_->setDelegate(delegate);
+  delegate.reset();
+  write(*buffer_, pattern(8, 1), 0);
+  EXPECT_TRUE(buffer_->delegate().expired());
+}
+
+class ATemporaryFile : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string path = std::filesystem::temp_directory_path() / "orvo-test-XXXXXX";
+    ASSERT_NE(::mkdtemp(path.data()), nullptr);
+    path_ = path;
+  }
+  void TearDown() override { std::filesystem::remove_all(path_); }
+
+  std::filesystem::path path_;
+};
+
+TEST_F(ATemporaryFile, IsRemovedByItsPath) {
+  const auto file = path_ / "take";
+  std::ofstream(file) << "x";
+  OVBlockBuffer::removeTempFile(file.string());
+  EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST_F(ATemporaryFile, ThatIsMissingOrNotGivenIsIgnored) {
+  OVBlockBuffer::removeTempFile((path_ / "missing").string());
+  OVBlockBuffer::removeTempFile(std::nullopt);
+}
+
+TEST(ABlockBufferOnDisk, KeepsWhatItIsGivenInAFileWithoutAName) {
+  const auto buffer = OVBlockBuffer::init();
+  ASSERT_NE(buffer, nullptr);
+  EXPECT_FALSE(std::filesystem::exists(buffer->f_file_name()));
+  const Bytes first = pattern(100000, 1);
+  const Bytes second = pattern(50000, 2);
+  write(*buffer, first, 0);
+  write(*buffer, second, 25000);
+  EXPECT_EQ(read(*buffer, 200000, 0), part(first, 0, 25000) + second + part(first, 75000, 100000));
+}
+
+}  // namespace

@@ -1,0 +1,188 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <vector>
+
+#include "storage/OVBlock.h"
+#include "storage/TransferHelpers.h"
+
+namespace storagetest {
+
+/// What a block buffer must do, written down once more, step by step and with no thought of speed:
+/// four separate passes, every lookup a scan, the file a vector that is only appended to. The real
+/// one is held against it.
+///
+/// Threads: one.
+class PlainBlockBuffer {
+ public:
+  struct State {
+    std::vector<OVBlock> blocks;
+    std::uint64_t fillSize = 0;
+  };
+
+  void write(const Bytes& data, std::uint64_t o) {
+    const std::uint64_t n = data.size();
+    const OVBlock b(o, file.size(), n);
+    file.insert(file.end(), data.begin(), data.end());
+    live.fillSize = std::max(live.fillSize, o + n);
+    removeCovered(o, o + n);
+    trimTails(o, o + n);
+    trimHeads(o, o + n);
+    const auto tails = split(o, o + n, n);
+    live.blocks.insert(live.blocks.end(), tails.begin(), tails.end());
+    live.blocks.push_back(b);
+    if (++added >= 21) {
+      optimize();
+    }
+  }
+
+  /// The first block in list order that holds an address.
+  std::optional<OVBlock> locate(std::uint64_t a) const {
+    if (a >= live.fillSize) {
+      return std::nullopt;
+    }
+    for (const OVBlock& x : live.blocks) {
+      if (x.linear_addr_start() <= a && a < x.linear_addr_start() + x.size()) {
+        return x;
+      }
+    }
+    return std::nullopt;
+  }
+
+  Bytes read(std::uint64_t count, std::uint64_t address) const {
+    Bytes result;
+    while (count > 0 && address < live.fillSize) {
+      const auto block = locate(address);
+      if (!block) {
+        break;
+      }
+      const std::uint64_t in = address - block->linear_addr_start();
+      const std::uint64_t k = std::min(count, block->size() - in);
+      const auto from = file.begin() + static_cast<std::ptrdiff_t>(block->file_offset_start() + in);
+      result.insert(result.end(), from, from + static_cast<std::ptrdiff_t>(k));
+      address += k;
+      count -= k;
+    }
+    return result;
+  }
+
+  void optimize() {
+    std::vector<OVBlock> merged;
+    for (const OVBlock& x : live.blocks) {
+      if (!merged.empty() &&
+          merged.back().linear_addr_start() + merged.back().size() == x.linear_addr_start() &&
+          merged.back().file_offset_start() + merged.back().size() == x.file_offset_start()) {
+        merged.back().setSize(merged.back().size() + x.size());
+      } else {
+        merged.push_back(x);
+      }
+    }
+    live.blocks = merged;
+    added = 0;
+  }
+
+  void cutAfter(std::uint64_t frames) {
+    const std::uint64_t q = frames * 8;
+    std::vector<OVBlock> kept;
+    for (OVBlock x : live.blocks) {
+      if (x.linear_addr_start() > q) {
+        continue;
+      }
+      if (x.linear_addr_start() < q && x.linear_addr_start() + x.size() > q) {
+        x.setSize(q - x.linear_addr_start());
+      }
+      kept.push_back(x);
+    }
+    live = {kept, q};
+  }
+
+  void cutBefore(std::uint64_t frames) {
+    const std::uint64_t q = frames * 8;
+    std::vector<OVBlock> kept;
+    for (OVBlock x : live.blocks) {
+      if (x.linear_addr_start() + x.size() < q) {
+        continue;
+      }
+      if (x.linear_addr_start() < q && x.linear_addr_start() + x.size() > q) {
+        const std::uint64_t k = q - x.linear_addr_start();
+        x = OVBlock(x.linear_addr_start() + k, x.file_offset_start() + k, x.size() - k);
+      }
+      x.setLinear_addr_start(x.linear_addr_start() - q);
+      kept.push_back(x);
+    }
+    live = {kept, live.fillSize - q};
+  }
+
+  void setWaypoint() {
+    waypoints.insert(waypoints.begin() + static_cast<std::ptrdiff_t>(position), live);
+    ++position;
+  }
+
+  void undo() {
+    redoable = live;
+    if (position > 0) {
+      --position;
+    }
+    if (waypoints.empty()) {
+      throw std::out_of_range("no waypoint");
+    }
+    live = waypoints[position];
+  }
+
+  void redo() {
+    if (redoable) {
+      live = *redoable;
+      redoable.reset();
+    }
+  }
+
+  State live;
+  Bytes file;
+  std::vector<State> waypoints;
+  std::uint64_t position = 0;
+  std::optional<State> redoable;
+  std::uint64_t added = 0;
+
+ private:
+  void removeCovered(std::uint64_t bs, std::uint64_t be) {
+    std::erase_if(live.blocks, [=](const OVBlock& x) {
+      return x.linear_addr_start() >= bs && x.linear_addr_start() + x.size() <= be;
+    });
+  }
+
+  void trimTails(std::uint64_t bs, std::uint64_t be) {
+    for (OVBlock& x : live.blocks) {
+      const std::uint64_t end = x.linear_addr_start() + x.size();
+      if (bs <= end && end <= be) {
+        x.setSize(bs - x.linear_addr_start());
+      }
+    }
+  }
+
+  void trimHeads(std::uint64_t bs, std::uint64_t be) {
+    for (OVBlock& x : live.blocks) {
+      if (bs <= x.linear_addr_start() && x.linear_addr_start() <= be) {
+        const std::uint64_t k = be - x.linear_addr_start();
+        x = OVBlock(x.linear_addr_start() + k, x.file_offset_start() + k, x.size() - k);
+      }
+    }
+  }
+
+  std::vector<OVBlock> split(std::uint64_t bs, std::uint64_t be, std::uint64_t n) {
+    std::vector<OVBlock> tails;
+    for (OVBlock& x : live.blocks) {
+      const std::uint64_t end = x.linear_addr_start() + x.size();
+      if (x.linear_addr_start() <= bs && be <= end) {
+        const std::uint64_t size = end - be;
+        tails.emplace_back(be, x.file_offset_start() + x.size() - size, size);
+        x.setSize(x.size() - size - n);
+      }
+    }
+    return tails;
+  }
+};
+
+}  // namespace storagetest
