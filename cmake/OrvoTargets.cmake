@@ -4,7 +4,11 @@
 function(orvo_library name)
   cmake_parse_arguments(ARG "QT" "" "SOURCES;LINKS" ${ARGN})
   if(NOT "${ARG_SOURCES}" MATCHES "\\.cpp")
-    return()  # a folder that holds no code yet makes no library
+    # A folder that holds no code yet still stands for what lies below it.
+    add_library(${name} INTERFACE)
+    target_include_directories(${name} INTERFACE "${PROJECT_SOURCE_DIR}/src")
+    target_link_libraries(${name} INTERFACE ${ARG_LINKS})
+    return()
   endif()
   add_library(${name} STATIC ${ARG_SOURCES})
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
