@@ -1,0 +1,214 @@
+#include "platform/PolylineStroke.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace platform {
+
+namespace {
+
+constexpr double kMiterLimit = 10.0;      // of a join's length, in widths of the pen
+constexpr double kColumnsPerUnit = 16.0;  // fineness at a scale of 1; half as fine at 2 looks alike
+constexpr double kShortestSegment = 1e-6;  // pixels; what is shorter has no direction
+
+int columnsPerPixel(double scale) {
+  return std::clamp(static_cast<int>(kColumnsPerUnit / scale), 4, 16);
+}
+
+/// Premultiplied colours for all coverages of a pixel.
+std::array<QRgb, 256> coverageColors(const QColor& color) {
+  std::array<QRgb, 256> colors{};
+  const QRgb rgb = color.rgb();
+  for (int coverage = 0; coverage < 256; ++coverage) {
+    const int alpha = static_cast<int>(std::lround(coverage * static_cast<double>(color.alphaF())));
+    colors[static_cast<std::size_t>(coverage)] =
+        qPremultiply(qRgba(qRed(rgb), qGreen(rgb), qBlue(rgb), alpha));
+  }
+  return colors;
+}
+
+}  // namespace
+
+void PolylineStroke::draw(QPainter& painter, const QRectF& area, std::span<const QPointF> points,
+                          const QColor& color, double width) {
+  const QTransform toDevice = painter.deviceTransform();
+  const QRect pixels = toDevice.mapRect(area).toAlignedRect();
+  if (pixels.isEmpty()) {
+    return;
+  }
+  if (layer_.size() != pixels.size()) {
+    layer_ = QImage(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+  }
+  layer_.fill(Qt::transparent);
+  const double scale = std::sqrt(std::abs(toDevice.determinant()));
+  collectPieces(points, toDevice * QTransform::fromTranslate(-pixels.x(), -pixels.y()),
+                width * scale / 2.0);
+  fillLayer(color, columnsPerPixel(scale));
+
+  painter.save();
+  const double ratio = painter.device()->devicePixelRatio();
+  painter.setWorldTransform(QTransform::fromScale(1.0 / ratio, 1.0 / ratio));
+  const QPointF corner = painter.deviceTransform().inverted().map(QPointF(pixels.topLeft()));
+  painter.drawImage(QRectF(corner, QSizeF(pixels.size())), layer_, QRectF(layer_.rect()));
+  painter.restore();
+}
+
+void PolylineStroke::collectPieces(std::span<const QPointF> points, const QTransform& toLayer,
+                                   double halfWidth) {
+  pieces_.clear();
+  QPointF last;
+  QPointF lastNormal;
+  bool hasLast = false;
+  bool hasNormal = false;
+  for (const QPointF& point : points) {
+    const QPointF current = toLayer.map(point);
+    if (!std::isfinite(current.x()) || !std::isfinite(current.y())) {
+      continue;
+    }
+    if (hasLast) {
+      const QPointF along = current - last;
+      const double length = std::hypot(along.x(), along.y());
+      if (length < kShortestSegment) {
+        continue;
+      }
+      const QPointF normal = QPointF(-along.y(), along.x()) * (halfWidth / length);
+      if (hasNormal) {
+        addJoin(last, lastNormal, normal, halfWidth);
+      }
+      addPiece({last + normal, current + normal, current - normal, last - normal});
+      lastNormal = normal;
+      hasNormal = true;
+    }
+    last = current;
+    hasLast = true;
+  }
+  std::sort(pieces_.begin(), pieces_.end(),
+            [](const Piece& a, const Piece& b) { return a.left < b.left; });
+}
+
+void PolylineStroke::addJoin(QPointF at, QPointF normalBefore, QPointF normalAfter,
+                             double halfWidth) {
+  const double turn = normalBefore.x() * normalAfter.y() - normalBefore.y() * normalAfter.x();
+  if (turn == 0.0) {
+    return;
+  }
+  const double outward = turn > 0.0 ? -1.0 : 1.0;
+  const QPointF before = at + normalBefore * outward;
+  const QPointF after = at + normalAfter * outward;
+  const double cosine = QPointF::dotProduct(normalBefore, normalAfter) / (halfWidth * halfWidth);
+  // A join is 1 / cos(turn / 2) widths long from its inner to its outer corner.
+  const double squaredHalfCosine = (1.0 + cosine) / 2.0;
+  if (squaredHalfCosine * kMiterLimit * kMiterLimit >= 1.0) {
+    const QPointF tip = at + (normalBefore + normalAfter) * (outward / (1.0 + cosine));
+    addPiece({at, before, tip, after});
+  } else {
+    addPiece({at, before, after});
+  }
+}
+
+void PolylineStroke::addPiece(std::initializer_list<QPointF> corners) {
+  Piece& piece = pieces_.emplace_back();
+  for (const QPointF& corner : corners) {
+    piece.x[piece.corners] = static_cast<float>(corner.x());
+    piece.y[piece.corners] = static_cast<float>(corner.y());
+    ++piece.corners;
+  }
+  const auto [left, right] = std::minmax_element(piece.x.begin(), piece.x.begin() + corners.size());
+  piece.left = *left;
+  piece.right = *right;
+  for (std::size_t i = 0; i < piece.corners; ++i) {
+    const std::size_t next = i + 1 < piece.corners ? i + 1 : 0;
+    const float dx = piece.x[next] - piece.x[i];
+    piece.slope[i] = dx == 0.0F ? 0.0F : (piece.y[next] - piece.y[i]) / dx;
+  }
+}
+
+void PolylineStroke::fillLayer(const QColor& color, int columnsPerPixel) {
+  const int height = layer_.height();
+  const std::array<QRgb, 256> colors = coverageColors(color);
+  const float weight = 1.0F / static_cast<float>(columnsPerPixel);
+  change_.assign(static_cast<std::size_t>(height) + 2, 0.0F);
+  active_.clear();
+  nextPiece_ = 0;
+  auto* const pixels = reinterpret_cast<QRgb*>(layer_.bits());
+  const qsizetype pixelsPerRow = layer_.bytesPerLine() / static_cast<qsizetype>(sizeof(QRgb));
+  for (int x = 0; x < layer_.width(); ++x) {
+    touched_ = {static_cast<float>(height), 0.0F};
+    for (int column = 0; column < columnsPerPixel; ++column) {
+      const float center = (static_cast<float>(column) + 0.5F) * weight;
+      collectIntervals(static_cast<float>(x) + center, static_cast<float>(height));
+      countIntervals(weight);
+    }
+    const int last = std::min(height - 1, static_cast<int>(touched_.bottom));
+    float coverage = 0.0F;
+    for (int row = static_cast<int>(touched_.top); row <= last; ++row) {
+      float& change = change_[static_cast<std::size_t>(row)];
+      coverage += change;
+      change = 0.0F;
+      const int level = std::clamp(static_cast<int>(coverage * 255.0F + 0.5F), 0, 255);
+      pixels[row * pixelsPerRow + x] = colors[static_cast<std::size_t>(level)];
+    }
+    change_[static_cast<std::size_t>(last) + 1] = 0.0F;
+    change_[static_cast<std::size_t>(last) + 2] = 0.0F;
+  }
+}
+
+void PolylineStroke::collectIntervals(float x, float height) {
+  while (nextPiece_ < pieces_.size() && pieces_[nextPiece_].left <= x) {
+    active_.push_back(nextPiece_++);
+  }
+  intervals_.clear();
+  std::size_t kept = 0;
+  for (const std::size_t index : active_) {
+    const Piece& piece = pieces_[index];
+    if (piece.right <= x) {
+      continue;
+    }
+    active_[kept++] = index;
+    const Interval cut = slice(piece, x);
+    const Interval inside{std::max(cut.top, 0.0F), std::min(cut.bottom, height)};
+    if (inside.top >= inside.bottom) {
+      continue;
+    }
+    const auto place =
+        std::upper_bound(intervals_.begin(), intervals_.end(), inside,
+                         [](const Interval& a, const Interval& b) { return a.top < b.top; });
+    intervals_.insert(place, inside);
+  }
+  active_.resize(kept);
+}
+
+PolylineStroke::Interval PolylineStroke::slice(const Piece& piece, float x) {
+  Interval cut{HUGE_VALF, -HUGE_VALF};
+  for (std::size_t i = 0; i < piece.corners; ++i) {
+    const std::size_t next = i + 1 < piece.corners ? i + 1 : 0;
+    if ((piece.x[i] <= x) != (piece.x[next] <= x)) {
+      const float y = piece.y[i] + (x - piece.x[i]) * piece.slope[i];
+      cut.top = std::min(cut.top, y);
+      cut.bottom = std::max(cut.bottom, y);
+    }
+  }
+  return cut;
+}
+
+void PolylineStroke::countIntervals(float weight) {
+  for (std::size_t i = 0; i < intervals_.size();) {
+    Interval joined = intervals_[i];
+    for (++i; i < intervals_.size() && intervals_[i].top <= joined.bottom; ++i) {
+      joined.bottom = std::max(joined.bottom, intervals_[i].bottom);
+    }
+    touched_.top = std::min(touched_.top, joined.top);
+    touched_.bottom = std::max(touched_.bottom, joined.bottom);
+    // A row that an end cuts is covered in part: the rest of the change comes a row later.
+    const auto top = static_cast<std::size_t>(joined.top);
+    const auto bottom = static_cast<std::size_t>(joined.bottom);
+    const float topPart = joined.top - static_cast<float>(top);
+    const float bottomPart = joined.bottom - static_cast<float>(bottom);
+    change_[top] += weight * (1.0F - topPart);
+    change_[top + 1] += weight * topPart;
+    change_[bottom] -= weight * (1.0F - bottomPart);
+    change_[bottom + 1] -= weight * bottomPart;
+  }
+}
+
+}  // namespace platform

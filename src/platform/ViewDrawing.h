@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QColor>
+#include <QPainter>
+#include <QPen>
+#include <QSizeF>
+
+/// What all views share when they draw: their coordinates and their pens.
+///
+/// Threads: main. Real-time: not safe.
+namespace platform {
+
+/// Turns a painter that stands in Qt's coordinates (points, origin top left, y downward) to those
+/// of the views: points, origin at the bottom left of a view of `viewSize`, y upward. Switches
+/// antialiasing on.
+void useViewCoordinates(QPainter& painter, QSizeF viewSize);
+
+/// A solid pen with flat caps and mitre joins (limit 10). `width` is in points.
+[[nodiscard]] QPen viewPen(const QColor& color, double width);
+
+/// Draws text whose baseline begins at `baseline`, upright although the y axis points upward.
+void drawUprightText(QPainter& painter, QPointF baseline, const QString& text);
+
+}  // namespace platform
