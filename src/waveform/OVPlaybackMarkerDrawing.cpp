@@ -1,0 +1,27 @@
+#include "waveform/OVPlaybackMarkerDrawing.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/ViewDrawing.h"
+
+namespace {
+
+constexpr double kFaintestAlpha = 0.3;
+constexpr double kLineWidth = 2.0;
+
+double markerAlpha(double audioLevel) {
+  return std::isnan(audioLevel) ? kFaintestAlpha : std::clamp(audioLevel, kFaintestAlpha, 1.0);
+}
+
+}  // namespace
+
+void drawPlaybackMarker(QPainter& painter, QSizeF size, double position, double audioLevel) {
+  const double x = position * size.width();
+  if (!std::isfinite(x)) {
+    return;
+  }
+  const auto alpha = static_cast<float>(markerAlpha(audioLevel));
+  painter.setPen(platform::viewPen(QColor::fromRgbF(1.0F, 1.0F, 1.0F, alpha), kLineWidth));
+  painter.drawLine(QPointF(x, 0.0), QPointF(x, size.height()));
+}

@@ -1,0 +1,118 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include <QImage>
+#include <QPointF>
+#include <QSizeF>
+#include <QWidget>
+
+#include "waveform/OVWaveFormDrawing.h"
+#include "waveform/OVWaveformSummary.h"
+
+class OVWaveFormView;
+
+/// Told of clicks and drags in a waveform view.
+///
+/// Threads: main. Real-time: not safe.
+class OVWaveFormViewDelegate {
+ public:
+  virtual ~OVWaveFormViewDelegate() = default;
+
+  /// `atPosition` is in the view's coordinates (points, origin bottom left) and never outside the
+  /// view: a click beyond an edge counts as that edge. `timeLinePosition` is its x as a fraction
+  /// of the view's width, 0 to 1.
+  virtual void waveFormViewReceivedClick(OVWaveFormView* view, QPointF atPosition,
+                                         double timeLinePosition) = 0;
+  virtual void waveFormViewReceivedDrag(OVWaveFormView* view, QPointF atPosition,
+                                        double timeLinePosition) = 0;
+};
+
+/// Shows a waveform summary over a dark blue gradient with a grid, and turns clicks and drags into
+/// positions on the time line.
+///
+/// The picture is rendered off screen when the number of elements, the size or the screen's pixel
+/// ratio has changed or a new rendering was asked for, and copied to the screen on every redraw,
+/// the dirty part only. While the summary regenerates, the last picture stays, unless
+/// overrideRegenerationCheck is set. A disabled view passes no mouse input on. Setting a property
+/// does not redraw; who sets it asks for that.
+///
+/// Threads: main, except where said. Real-time: not safe.
+class OVWaveFormView : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit OVWaveFormView(QWidget* parent = nullptr);
+  ~OVWaveFormView() override;
+
+  /// What is drawn; may be null.
+  /// Threads: any.
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const;
+  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm);
+
+  /// The grid moves one point to the right at each rendering.
+  [[nodiscard]] bool scrollBack() const { return scrollBack_; }
+  void setScrollBack(bool scrollBack) { scrollBack_ = scrollBack; }
+
+  /// The next redraw renders anew.
+  /// Threads: any.
+  [[nodiscard]] bool shouldRedrawWaveform() const;
+  void setShouldRedrawWaveform(bool should);
+
+  /// Render even while the summary regenerates.
+  [[nodiscard]] bool overrideRegenerationCheck() const { return overrideRegenerationCheck_; }
+  void setOverrideRegenerationCheck(bool override) { overrideRegenerationCheck_ = override; }
+
+  /// The last rendering, null before the first: the view's size in points times the pixel ratio.
+  [[nodiscard]] QImage image() const { return image_; }
+
+  [[nodiscard]] std::weak_ptr<OVWaveFormViewDelegate> delegate() const { return delegate_; }
+  void setDelegate(std::weak_ptr<OVWaveFormViewDelegate> delegate);
+
+  /// Horizontal offset of the vertical grid lines, points, 0 to 24 (excluded).
+  [[nodiscard]] double bg_scroll_x() const { return bg_scroll_x_; }
+  /// Number of elements and size of the view, points, at the last rendering.
+  [[nodiscard]] std::uint64_t prevBufsize() const { return prevBufsize_; }
+  [[nodiscard]] QSizeF prevImageSize() const { return prevImageSize_; }
+
+  /// The layers, drawn for the view's size into a painter in view coordinates. drawGrid() moves
+  /// the grid on when scrollBack is set. The time scale is not part of the view's own drawing.
+  void drawGradient(QPainter& painter);
+  void drawGrid(QPainter& painter);
+  void drawWaveform(QPainter& painter, double alpha);
+  void drawTimescale(QPainter& painter);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+
+ private:
+  [[nodiscard]] bool needsRendering(std::uint64_t elementCount) const;
+  void render(std::uint64_t elementCount);
+  void prepareBitmap();
+
+  // Guarded by waveFormLock_: set by whoever installs a summary, read by the main thread.
+  mutable std::mutex waveFormLock_;
+  std::shared_ptr<OVWaveformSummary> waveForm_;
+
+  // Set by whichever thread has generated; cleared by the main thread alone, before it reads the
+  // elements, so that a generation in between asks for one rendering more, never for one less.
+  // Relaxed: the elements have a lock of their own.
+  std::atomic<bool> shouldRedrawWaveform_{true};
+
+  // Main thread only.
+  double bg_scroll_x_ = 0.0;
+  bool scrollBack_ = false;
+  bool overrideRegenerationCheck_ = false;
+  std::uint64_t prevBufsize_ = 0;
+  QSizeF prevImageSize_{0.0, 0.0};
+  QImage image_;
+  std::weak_ptr<OVWaveFormViewDelegate> delegate_;
+  OVWaveFormDrawing drawing_;
+  std::vector<float> elements_;  // memory for the copy of the elements, kept between renderings
+};
