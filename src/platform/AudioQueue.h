@@ -18,6 +18,10 @@
 /// counted and told on the diagnostics console.
 namespace platform {
 
+/// Frames that the ring of one input queue holds while the queue's thread is held up: 64 buffers
+/// of 4096 frames, nearly 6 s.
+inline constexpr std::uint32_t kInputRingFrames = 64 * 4096;
+
 /// One buffer of a queue. The queue owns it; the pointer is valid until the queue is disposed of.
 struct AudioQueueBuffer {
   std::byte* mAudioData = nullptr;            ///< aligned for float
@@ -38,21 +42,27 @@ class AudioQueue {
   /// Stops and disposes of the queue if that was not done.
   virtual ~AudioQueue() = default;
 
+  /// A buffer of `byteCapacity` bytes, a multiple of the frame size; kInvalidParameterStatus for
+  /// other sizes, for more than 64 buffers, or for an input buffer longer than half the ring. The
+  /// smallest buffer of an input queue at its start decides how many frames each delivery has.
   [[nodiscard]] virtual AudioStatus allocateBuffer(std::uint32_t byteCapacity,
                                                    AudioQueueBuffer*& buffer) = 0;
 
   /// Hands a buffer to the queue: an input queue fills it, an output queue plays its
-  /// mAudioDataByteSize bytes. Also from inside the callback.
+  /// mAudioDataByteSize bytes. Also from inside the callback. kInvalidParameterStatus for a buffer
+  /// of another queue, one that is enqueued already or one with more bytes than it holds.
   [[nodiscard]] virtual AudioStatus enqueueBuffer(AudioQueueBuffer* buffer) = 0;
 
+  /// Starts, or resumes after a pause. A failure that it answers is not told again by a listener.
+  /// A queue that has stopped, by whatever cause, is not started again: make a new one.
   [[nodiscard]] virtual AudioStatus start() = 0;
 
   /// Stops at once and drops what is queued. When it has returned no callback and no listener
   /// runs any more. From inside a callback or listener of this queue it returns at once, and the
-  /// running call is the last.
+  /// running call is the last. Stopping again does nothing.
   [[nodiscard]] virtual AudioStatus stopImmediately() = 0;
 
-  /// Ends the queue and releases its buffers. Implies stopImmediately().
+  /// Ends the queue and releases its buffers. Implies stopImmediately(). Once more does nothing.
   [[nodiscard]] virtual AudioStatus dispose() = 0;
 
   [[nodiscard]] virtual AudioStatus streamDescription(
@@ -61,7 +71,8 @@ class AudioQueue {
   [[nodiscard]] virtual AudioStatus enableLevelMetering(bool enabled) = 0;
 
   /// Level of each channel over the last buffer that was filled (input) or given to the device
-  /// (output), into `levels`, at most `capacity` channels; `count` tells how many. Any thread.
+  /// (output), into `levels`, at most `capacity` channels; `count` tells how many. Silence while
+  /// metering is off or nothing was measured yet. Any thread.
   [[nodiscard]] virtual AudioStatus currentLevels(AudioQueueLevelMeterState* levels,
                                                   std::size_t capacity,
                                                   std::size_t& count) const = 0;
@@ -116,6 +127,10 @@ class AudioOutputQueue : public AudioQueue {
   /// Frames of silence that the device was given because no buffer was ready in time. Any thread.
   [[nodiscard]] virtual std::uint64_t underrunFrames() const = 0;
 };
+
+/// What AudioQueues::completeFormat() does: fills the fields of `format` that follow from its
+/// rate, kind, flags and channel count.
+[[nodiscard]] AudioStatus completeWorkingFormat(AudioStreamBasicDescription& format);
 
 /// Makes queues. One serves the whole process; it shares one input stream among all input queues.
 ///

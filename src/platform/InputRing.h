@@ -1,0 +1,105 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+namespace platform {
+
+/// Carries captured samples from the device's real-time thread to an input queue's thread, in
+/// blocks of a fixed number of interleaved stereo float frames. All memory is taken and touched at
+/// construction. The two ends are types of their own: InputRingProducer, InputRingConsumer.
+///
+/// Threads: construction and destruction while neither end is in use; the counters from any.
+/// Real-time: the counters are safe.
+class InputRing {
+ public:
+  /// What is known of a full block. Frames are counted from the producer's first one, those that
+  /// were lost included.
+  struct Block {
+    std::uint64_t firstFrame = 0;
+    std::uint64_t endFrame = 0;    ///< one past the last frame
+    std::uint64_t lostBefore = 0;  ///< frames lost between the block before and this one
+  };
+
+  /// `blockFrames` frames a block, at least 1; `blockCount` blocks, at least 2.
+  InputRing(std::uint32_t blockFrames, std::uint32_t blockCount);
+
+  [[nodiscard]] std::uint32_t blockFrames() const { return blockFrames_; }
+  [[nodiscard]] std::uint32_t blockCount() const { return blockCount_; }
+
+  /// End of the newest full block, in frames.
+  [[nodiscard]] std::uint64_t publishedEndFrame() const {
+    return publishedEndFrame_.load(std::memory_order_acquire);
+  }
+
+  /// Frames that found no room, in all.
+  [[nodiscard]] std::uint64_t lostFrames() const {
+    return lostFrames_.load(std::memory_order_acquire);
+  }
+
+ private:
+  friend class InputRingProducer;
+  friend class InputRingConsumer;
+
+  // Fixed after construction.
+  const std::uint32_t blockFrames_;
+  const std::uint32_t blockCount_;
+
+  // Blocks numbered [tail_, head_) are full and belong to the consumer; the others, at most
+  // blockCount_ less these, belong to the producer. Block n lies at n modulo blockCount_.
+  std::vector<Block> blocks_;
+  std::vector<float> samples_;
+
+  // Only writer: the producer. head_ is stored with release after the block's content.
+  alignas(64) std::atomic<std::uint64_t> head_{0};
+  std::atomic<std::uint64_t> publishedEndFrame_{0};
+  std::atomic<std::uint64_t> lostFrames_{0};
+
+  // Only writer: the consumer. Stored with release after the block's content was read.
+  alignas(64) std::atomic<std::uint64_t> tail_{0};
+};
+
+/// The writing end.
+///
+/// Threads: the device's real-time thread. Real-time: safe.
+class InputRingProducer {
+ public:
+  explicit InputRingProducer(InputRing& ring) : ring_(ring) {}
+
+  /// Appends `frames` interleaved frames; those that find no room are counted as lost. Returns the
+  /// number of blocks that became full.
+  std::uint32_t write(const float* samples, std::uint32_t frames) noexcept;
+
+ private:
+  [[nodiscard]] bool beginBlock() noexcept;
+  void endBlock() noexcept;
+  void lose(std::uint32_t frames) noexcept;
+
+  InputRing& ring_;
+  std::uint64_t captured_ = 0;     // frames offered so far
+  std::uint64_t lostPending_ = 0;  // frames lost since the last block ended
+  std::uint32_t filled_ = 0;       // frames in the block in work; 0: none is in work
+};
+
+/// The reading end.
+///
+/// Threads: one at a time. Real-time: safe.
+class InputRingConsumer {
+ public:
+  explicit InputRingConsumer(InputRing& ring) : ring_(ring) {}
+
+  /// The oldest full block, null when there is none. Valid until pop().
+  [[nodiscard]] const InputRing::Block* front() const noexcept;
+
+  /// The blockFrames() interleaved frames of the oldest full block.
+  [[nodiscard]] const float* frontSamples() const noexcept;
+
+  /// Gives the oldest full block back to the producer.
+  void pop() noexcept;
+
+ private:
+  InputRing& ring_;
+};
+
+}  // namespace platform

@@ -1,0 +1,49 @@
+#include "platform/QueueThread.h"
+
+#include <utility>
+
+#include "platform/ApplicationServices.h"
+
+namespace platform {
+
+namespace {
+// The Shared of the queue whose thread this is; only compared.
+thread_local const void* currentQueue = nullptr;
+}  // namespace
+
+QueueThread::~QueueThread() {
+  end();
+  if (thread_.joinable()) {
+    thread_.detach();  // destroyed on this thread itself, which is about to end
+  }
+}
+
+void QueueThread::start(std::function<void()> serve) {
+  thread_ = std::thread([shared = shared_, its = std::move(serve)] { run(shared, its); });
+}
+
+void QueueThread::run(const std::shared_ptr<Shared>& shared, const std::function<void()>& serve) {
+  const PostedAlertsScope posted;
+  currentQueue = shared.get();
+  for (;;) {
+    shared->wake.wait();
+    if (shared->ending.load(std::memory_order_acquire)) {
+      return;
+    }
+    serve();
+  }
+}
+
+void QueueThread::end() {
+  shared_->ending.store(true, std::memory_order_release);
+  shared_->wake.post();
+  if (!isCurrent() && thread_.joinable()) {
+    thread_.join();
+  }
+}
+
+bool QueueThread::isCurrent() const {
+  return currentQueue == shared_.get();
+}
+
+}  // namespace platform
