@@ -1,0 +1,75 @@
+#include "audio/CheckAudioStatus.h"
+
+#include <cstdint>
+#include <cstdio>
+
+#include "platform/ApplicationServices.h"
+#include "platform/Localization.h"
+
+namespace {
+
+// Printable in the C locale, whatever the user's locale says.
+bool isPrintable(char character) {
+  return character >= 0x20 && character <= 0x7e;
+}
+
+// A translation is data: its two "%s" are filled in here instead of handing it to printf.
+std::string filledIn(std::string format, const std::string& first, const std::string& second) {
+  std::size_t from = 0;
+  for (const std::string* text : {&first, &second}) {
+    const std::size_t place = format.find("%s", from);
+    if (place == std::string::npos) {
+      break;
+    }
+    format.replace(place, 2, *text);
+    from = place + text->size();
+  }
+  return format;
+}
+
+void showAlert(const char* title, std::string message, const std::string& reason) {
+  if (!reason.empty()) {
+    message += "\n\n" + reason;
+  }
+  ShowModalAlert(platform::localizedUtf8(title), message);
+}
+
+}  // namespace
+
+std::string AudioStatusCodeText(platform::AudioStatus status) {
+  const auto bits = static_cast<std::uint32_t>(status);
+  std::string text = "'";
+  for (const unsigned shift : {24U, 16U, 8U, 0U}) {
+    const auto character = static_cast<char>(static_cast<unsigned char>(bits >> shift));
+    if (!isPrintable(character)) {
+      return std::to_string(status);
+    }
+    text += character;
+  }
+  return text + "'";
+}
+
+bool CheckAudioStatusWithoutAlert(platform::AudioStatus status, const std::string& label) {
+  if (status == platform::kAudioStatusOk) {
+    return true;
+  }
+  std::fprintf(stderr, "Error: %s (%s)\n", label.c_str(), AudioStatusCodeText(status).c_str());
+  return false;
+}
+
+bool CheckAudioStatus(platform::AudioStatus status, const std::string& label,
+                      const std::string& reason) {
+  if (CheckAudioStatusWithoutAlert(status, label)) {
+    return true;
+  }
+  if (status == platform::kUnsupportedFileTypeStatus) {
+    showAlert("File Format Error", platform::localizedUtf8("The file is of an unsupported format."),
+              reason);
+  } else {
+    showAlert("Core Audio Error",
+              filledIn(platform::localizedUtf8("Core Audio returned the error: %s (%s)"), label,
+                       AudioStatusCodeText(status)),
+              reason);
+  }
+  return false;
+}
