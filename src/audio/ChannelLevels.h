@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "platform/AudioQueue.h"
+#include "platform/AudioTypes.h"
+
+/// The average powers of the listed channels, in the order of the list.
+///
+/// @param channelNumbers  channels to report, 0 the first
+/// @param levels          one entry a channel; when there are none, no level is appended
+/// @return linear levels (0 silence, 1 full scale); none when a channel number is negative, not
+///         below the list's own length, or above 127
+///
+/// Threads: any. Real-time: not safe.
+[[nodiscard]] std::optional<std::vector<float>> averagePowers(
+    const std::vector<int>& channelNumbers,
+    const std::vector<platform::AudioQueueLevelMeterState>& levels);
+
+/// The level list of a recorder or player: which channels are reported, in which order, and the
+/// array into which the queue's meter is read.
+///
+/// Threads: one, the owner's. Real-time: not safe.
+class ChannelLevels {
+ public:
+  /// Adapts to a queue's channel count: one channel or none are reported as [0], two and more as
+  /// [1, 0], the second channel first.
+  void setChannelCount(std::uint32_t channels);
+
+  /// Reads the linear level meter of `queue`. None on failure, which is alerted once until a read
+  /// succeeds again: meters poll many times a second.
+  [[nodiscard]] std::optional<std::vector<float>> powerLevels(const platform::AudioQueue& queue);
+
+  [[nodiscard]] const std::vector<int>& channelNumbers() const { return channelNumbers_; }
+
+ private:
+  std::vector<platform::AudioQueueLevelMeterState> chan_lvls_;
+  std::vector<int> channelNumbers_;
+  bool failureReported_ = false;
+};
