@@ -1,0 +1,111 @@
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "storage/OVAudioBufferInterface.h"
+
+/// A buffer in memory that can have holes, counts its reads, and lets a test step in before each.
+///
+/// It answers a read like every buffer: under one lock, up to the end or the next hole, and with
+/// nothing at all when no byte is there. Everything else of the interface does nothing.
+///
+/// Threads: any, except that beforeRead is set while no one reads.
+class MemoryTestBuffer : public OVAudioBufferInterface {
+ public:
+  /// Called with the byte offset of a read before it takes the lock; may write, cut or wait.
+  std::function<void(std::uint64_t fromOffset)> beforeRead;
+
+  void append(const void* data, std::size_t byteCount) {
+    const std::lock_guard guard(lock_);
+    const auto* bytes = static_cast<const std::byte*>(data);
+    bytes_.insert(bytes_.end(), bytes, bytes + byteCount);
+  }
+  void append(const std::vector<float>& samples) {
+    append(samples.data(), samples.size() * sizeof(float));
+  }
+
+  /// Makes the bytes from `begin` up to `end` unreadable, until clearHoles().
+  void addHole(std::uint64_t begin, std::uint64_t end) {
+    const std::lock_guard guard(lock_);
+    holes_[begin] = std::max(holes_[begin], end);
+  }
+  void clearHoles() {
+    const std::lock_guard guard(lock_);
+    holes_.clear();
+  }
+  void resizeInBytes(std::uint64_t byteCount) {
+    const std::lock_guard guard(lock_);
+    bytes_.resize(byteCount);
+  }
+  [[nodiscard]] std::uint64_t byteCount() const {
+    const std::lock_guard guard(lock_);
+    return bytes_.size();
+  }
+  [[nodiscard]] std::uint64_t readCount() const { return readCount_; }
+
+  void writeData(const void* data, std::uint64_t atByteOffset, std::uint32_t withSize) override {
+    const std::lock_guard guard(lock_);
+    bytes_.resize(std::max<std::uint64_t>(bytes_.size(), atByteOffset + withSize));
+    std::memcpy(bytes_.data() + atByteOffset, data, withSize);
+  }
+
+  [[nodiscard]] BufferReadResult readDataInto(void* destination, std::uint64_t withSize,
+                                              std::uint64_t fromOffset) override {
+    if (beforeRead) {
+      beforeRead(fromOffset);
+    }
+    ++readCount_;
+    const std::lock_guard guard(lock_);
+    const std::uint64_t end = readableEnd(fromOffset);
+    const std::uint64_t count = end > fromOffset ? std::min(withSize, end - fromOffset) : 0;
+    if (count == 0) {
+      return {};
+    }
+    std::memcpy(destination, bytes_.data() + fromOffset, count);
+    return {.data = static_cast<float*>(destination), .frameCount = count / 8, .byteCount = count};
+  }
+
+  [[nodiscard]] platform::AudioStreamBasicDescription format() const override {
+    return platform::kWorkingFormat;
+  }
+  [[nodiscard]] std::uint64_t bufferSizeInFrames() const override { return byteCount() / 8; }
+  [[nodiscard]] std::uint64_t bufferFillSizeInFrames() const override { return byteCount() / 8; }
+
+  void cutoffBufferAfterPosition(std::uint64_t frames) override { resizeInBytes(frames * 8); }
+  void cutoffBufferBeforePosition(std::uint64_t) override {}
+  void reverseBuffer() override {}
+  void setWaypoint() override {}
+  void undo() override {}
+  void redo() override {}
+  void lock() override { lock_.lock(); }
+  void unlock() override { lock_.unlock(); }
+  [[nodiscard]] double powerAtPosition(std::uint64_t) override { return 0.0; }
+  [[nodiscard]] std::weak_ptr<OVAudioBufferDelegate> delegate() const override { return {}; }
+  void setDelegate(std::weak_ptr<OVAudioBufferDelegate>) override {}
+
+ private:
+  /// One past the last byte that a read from an offset reaches; the offset itself in a hole.
+  [[nodiscard]] std::uint64_t readableEnd(std::uint64_t fromOffset) const {
+    std::uint64_t end = bytes_.size();
+    for (const auto& [holeBegin, holeEnd] : holes_) {
+      if (holeEnd > fromOffset) {
+        end = std::min(end, std::max(holeBegin, fromOffset));
+      }
+    }
+    return end;
+  }
+
+  mutable std::mutex lock_;
+  std::vector<std::byte> bytes_;                  ///< guarded by lock_
+  std::map<std::uint64_t, std::uint64_t> holes_;  ///< guarded by lock_; begin to end
+  std::atomic<std::uint64_t> readCount_ = 0;
+};
