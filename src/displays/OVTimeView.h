@@ -1,0 +1,42 @@
+#pragma once
+
+#include <atomic>
+
+#include <QString>
+#include <QWidget>
+
+#include "displays/OVTimeText.h"
+
+/// Shows the current position and the total length as one line of text at the bottom right, on
+/// whatever lies behind the view. Setting a time does not redraw; who sets it asks for that.
+///
+/// Threads: main; the times may be set and read from any. Real-time: not safe.
+class OVTimeView : public QWidget {
+  Q_OBJECT
+  Q_PROPERTY(QString accessibleValue READ text)
+
+ public:
+  explicit OVTimeView(QWidget* parent = nullptr);
+
+  /// Position to show, seconds.
+  [[nodiscard]] double currentTimeInSeconds() const;
+  void setCurrentTimeInSeconds(double seconds);
+
+  /// Total length to show, seconds.
+  [[nodiscard]] double durationInSeconds() const;
+  void setDurationInSeconds(double seconds);
+
+  /// The line as it is drawn.
+  [[nodiscard]] QString text() const;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  // Numbers on their own, drawn at the next redraw, so relaxed: a loading job sets the duration.
+  std::atomic<double> currentTimeInSeconds_{0.0};
+  std::atomic<double> durationInSeconds_{0.0};
+
+  // Fixed after construction.
+  OVTimeText drawStringAttributes_;
+};
