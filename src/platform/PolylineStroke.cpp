@@ -167,15 +167,21 @@ void PolylineStroke::collectIntervals(float x, float height) {
     active_[kept++] = index;
     const Interval cut = slice(piece, x);
     const Interval inside{std::max(cut.top, 0.0F), std::min(cut.bottom, height)};
-    if (inside.top >= inside.bottom) {
-      continue;
+    if (inside.top < inside.bottom) {
+      insertInterval(inside);
     }
-    const auto place =
-        std::upper_bound(intervals_.begin(), intervals_.end(), inside,
-                         [](const Interval& a, const Interval& b) { return a.top < b.top; });
-    intervals_.insert(place, inside);
   }
   active_.resize(kept);
+}
+
+// A column holds a handful of intervals, nearly in order already.
+void PolylineStroke::insertInterval(Interval interval) {
+  std::size_t place = intervals_.size();
+  intervals_.push_back(interval);
+  for (; place > 0 && intervals_[place - 1].top > interval.top; --place) {
+    intervals_[place] = intervals_[place - 1];
+  }
+  intervals_[place] = interval;
 }
 
 PolylineStroke::Interval PolylineStroke::slice(const Piece& piece, float x) {

@@ -54,6 +54,7 @@ class PolylineStroke {
   void addPiece(std::initializer_list<QPointF> corners);
   void fillLayer(const QColor& color, int columnsPerPixel);
   void collectIntervals(float x, float height);
+  void insertInterval(Interval interval);
   void countIntervals(float weight);
   [[nodiscard]] static Interval slice(const Piece& piece, float x);
 
