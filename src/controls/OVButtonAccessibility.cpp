@@ -1,0 +1,62 @@
+#include "controls/OVButtonAccessibility.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+
+#include "controls/OVTrackingButton.h"
+
+namespace {
+
+class ButtonInterface : public QAccessibleWidget {
+ public:
+  explicit ButtonInterface(OVTrackingButton* button)
+      : QAccessibleWidget(button, QAccessible::Button), button_(button) {}
+
+  QAccessible::State state() const override {
+    QAccessible::State state = QAccessibleWidget::state();
+    state.checkable = button_->isSwitch();
+    state.checked = button_->isSwitch() && button_->isOn();
+    state.pressed = button_->isHighlighted();
+    return state;
+  }
+
+  QStringList actionNames() const override {
+    return button_->isEnabled() ? QStringList{pressAction()} : QStringList{};
+  }
+
+  void doAction(const QString& name) override {
+    if (name == pressAction()) {
+      button_->performClick();
+    }
+  }
+
+ private:
+  OVTrackingButton* button_;  // the interface goes when its button goes
+};
+
+QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
+  // Asked for each class of the object from the most derived one upward.
+  if (className == QLatin1String(OVTrackingButton::staticMetaObject.className())) {
+    return new ButtonInterface(static_cast<OVTrackingButton*>(object));
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+void OVInstallButtonAccessibility() {
+  [[maybe_unused]] static const bool installed = [] {
+    QAccessible::installFactory(makeInterface);
+    return true;
+  }();
+}
+
+void OVAnnounceButtonState(OVTrackingButton* button) {
+  if (!QAccessible::isActive() || !button->isSwitch()) {
+    return;
+  }
+  QAccessible::State changed;
+  changed.checked = true;
+  QAccessibleStateChangeEvent event(button, changed);
+  QAccessible::updateAccessibility(&event);
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QWidget>
+
+/// The dark well in the transport bar that holds the meter and the time, whose light drawings
+/// would be unreadable on the bar itself. Shades of the waveform's background, corners of 5 points,
+/// with a faint light rim below, as if sunk into the bar.
+///
+/// Threads: main. Real-time: not safe.
+class OVDisplayWell : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit OVDisplayWell(QWidget* parent = nullptr);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+};

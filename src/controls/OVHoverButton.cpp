@@ -1,0 +1,49 @@
+#include "controls/OVHoverButton.h"
+
+#include <QPainter>
+
+#include "controls/OVIconDrawing.h"
+
+OVHoverButton::OVHoverButton(QWidget* parent) : OVTrackingButton(parent) {
+  setIsSwitch(true);
+}
+
+void OVHoverButton::setOnImage(const QString& name) {
+  onImage_ = OVNamedImage(name);
+}
+
+void OVHoverButton::setOffImage(const QString& name) {
+  offImage_ = OVNamedImage(name);
+}
+
+void OVHoverButton::setHoverImage(const QString& name) {
+  hoverImage_ = OVNamedImage(name);
+}
+
+void OVHoverButton::enterEvent(QEnterEvent* event) {
+  OVTrackingButton::enterEvent(event);
+  setHovering(true);
+}
+
+void OVHoverButton::leaveEvent(QEvent* event) {
+  OVTrackingButton::leaveEvent(event);
+  setHovering(false);
+}
+
+void OVHoverButton::setHovering(bool isHovering) {
+  if (isEnabled()) {
+    isHovering_ = isHovering;
+    update();
+  }
+}
+
+void OVHoverButton::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  drawImage(painter);
+}
+
+void OVHoverButton::drawImage(QPainter& painter) const {
+  const OVNamedImage& whileOff = isHovering_ ? hoverImage_ : offImage_;
+  const auto blend = isHighlighted() ? OVIconBlend::plusDarker : OVIconBlend::sourceAtop;
+  drawCentredIcon(painter, size(), isOn() ? onImage_ : whileOff, blend, 1.0);
+}

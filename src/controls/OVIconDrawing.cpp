@@ -1,0 +1,67 @@
+#include "controls/OVIconDrawing.h"
+
+#include <cmath>
+
+#include <QPainter>
+
+#include "controls/OVNamedImage.h"
+
+namespace {
+
+bool hasFraction(qreal value) {
+  return value - std::trunc(value) != 0.0;
+}
+
+// Qt has no plus-darker. Adding darknesses is adding light to a negative: turn what is below into
+// its negative, add the negative of the icon, and turn back.
+void drawPlusDarker(QPainter& painter, const QRectF& target, const QImage& image) {
+  QImage negative = image;
+  negative.invertPixels(QImage::InvertRgb);
+  painter.setCompositionMode(QPainter::CompositionMode_Difference);
+  painter.fillRect(target, Qt::white);
+  painter.setCompositionMode(QPainter::CompositionMode_Plus);
+  painter.drawImage(target, negative);
+  painter.setCompositionMode(QPainter::CompositionMode_Difference);
+  painter.fillRect(target, Qt::white);
+}
+
+}  // namespace
+
+void setUnflippedCoordinates(QPainter& painter, qreal height) {
+  painter.translate(0.0, height);
+  painter.scale(1.0, -1.0);
+}
+
+QPointF centredIconOrigin(const QSizeF& bounds, const QSizeF& icon) {
+  qreal x = bounds.width() * 0.5 - icon.width() * 0.5;
+  qreal y = bounds.height() * 0.5 - icon.height() * 0.5;
+  if (hasFraction(x)) {
+    x += 0.5;
+  }
+  if (hasFraction(y)) {
+    y -= 0.5;
+  }
+  return {x, y};
+}
+
+void drawCentredIcon(QPainter& painter, const QSizeF& bounds, const OVNamedImage& image,
+                     OVIconBlend blend, qreal opacity) {
+  if (image.isNull()) {
+    return;
+  }
+  const QSizeF size = image.size();
+  const QPointF origin = centredIconOrigin(bounds, size);
+  const QRectF target(QPointF(origin.x(), bounds.height() - origin.y() - size.height()), size);
+  const QImage& picture = image.forRatio(painter.device()->devicePixelRatioF());
+
+  painter.save();
+  painter.setRenderHint(QPainter::SmoothPixmapTransform);
+  if (blend == OVIconBlend::plusDarker) {
+    drawPlusDarker(painter, target, picture);
+  } else {
+    painter.setCompositionMode(QPainter::CompositionMode_SourceAtop);
+    painter.setOpacity(opacity);
+    painter.drawImage(target, picture);
+  }
+  painter.restore();
+}

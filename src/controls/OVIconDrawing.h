@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QImage>
+#include <QPointF>
+#include <QSizeF>
+
+class OVNamedImage;
+class QPainter;
+
+/// How an icon meets what lies below it.
+enum class OVIconBlend {
+  sourceAtop,  ///< over it, where something is
+  plusDarker,  ///< the sum of both darknesses: 1 - min(1, (1 - below) + (1 - icon))
+};
+
+/// Turns a painter whose y grows downward in a view of `height` points into one with the origin at
+/// the bottom left and y upward.
+void setUnflippedCoordinates(QPainter& painter, qreal height);
+
+/// Where the bottom left of an icon goes in a view of size `bounds`, y upward: centred, and snapped
+/// off half pixels to the right and downward.
+[[nodiscard]] QPointF centredIconOrigin(const QSizeF& bounds, const QSizeF& icon);
+
+/// Draws `image` centred in a view of size `bounds` with `opacity` 0 to 1; a null image draws
+/// nothing. The painter has the widget's own coordinates, y downward. plusDarker ignores the
+/// opacity and needs an opaque picture below, as every window has.
+///
+/// Threads: main. Real-time: not safe.
+void drawCentredIcon(QPainter& painter, const QSizeF& bounds, const OVNamedImage& image,
+                     OVIconBlend blend, qreal opacity);

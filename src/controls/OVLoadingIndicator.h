@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QBasicTimer>
+#include <QProgressBar>
+
+/// The thin progress bar shown while a file is loaded or saved or the waveform is made anew: a
+/// pill of the waveform's teal over an overlay panel. With minimum equal to maximum the amount of
+/// work is unknown, and a short piece runs back and forth instead.
+///
+/// A timer runs only while it is visible and the amount is unknown.
+///
+/// Threads: main. Real-time: not safe.
+class OVLoadingIndicator : public QProgressBar {
+  Q_OBJECT
+
+ public:
+  explicit OVLoadingIndicator(QWidget* parent = nullptr);
+
+  [[nodiscard]] QSize sizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override;
+
+  /// Whether the running piece is animated at the moment.
+  [[nodiscard]] bool isAnimating() const { return timer_.isActive(); }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void timerEvent(QTimerEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+
+ private:
+  [[nodiscard]] bool isIndeterminate() const { return minimum() == maximum(); }
+  void adjustTimer();
+  [[nodiscard]] QRectF filledRect() const;
+
+  QBasicTimer timer_;
+  int phase_ = 0;  // steps into the running piece's round
+};

@@ -1,0 +1,33 @@
+#include "controls/OVOverlayView.h"
+
+#include <algorithm>
+
+#include <QPainter>
+
+OVOverlayView::OVOverlayView(QWidget* parent) : QWidget(parent) {
+  setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+qreal OVOverlayView::cornerRadius(const QSizeF& size) {
+  return std::min(size.width() * 0.5, std::min(size.height() * 0.5, 6.0));
+}
+
+QPainterPath OVOverlayView::outline(const QRectF& bounds) {
+  const qreal radius = cornerRadius(bounds.size());
+  QPainterPath path;
+  path.addRoundedRect(bounds, radius, radius);
+  path.setFillRule(Qt::WindingFill);
+  return path;
+}
+
+void OVOverlayView::draw(QPainter& painter, const QRectF& bounds) {
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.fillPath(outline(bounds), QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.1F));
+  painter.restore();
+}
+
+void OVOverlayView::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  draw(painter, rect());
+}

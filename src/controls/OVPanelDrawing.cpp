@@ -1,0 +1,31 @@
+#include "controls/OVPanelDrawing.h"
+
+#include <QLinearGradient>
+#include <QPainter>
+
+#include "controls/OVIconDrawing.h"
+
+namespace {
+
+QColor deviceWhite(float white) {
+  return QColor::fromRgbF(white, white, white);
+}
+
+}  // namespace
+
+void drawPanel(QPainter& painter, const QSizeF& bounds, bool bottomShadow) {
+  painter.save();
+  // The shadow's last 0.3 points need antialiasing.
+  painter.setRenderHint(QPainter::Antialiasing);
+  setUnflippedCoordinates(painter, bounds.height());
+
+  QLinearGradient gradient(0.0, 0.0, 0.0, bounds.height());
+  gradient.setColorAt(0.0, deviceWhite(0.83F));
+  gradient.setColorAt(1.0, deviceWhite(0.90F));
+  painter.fillRect(QRectF(QPointF(), bounds), gradient);
+  painter.fillRect(QRectF(0.0, bounds.height() - 1.0, bounds.width(), 1.0), deviceWhite(1.0F));
+  if (bottomShadow) {
+    painter.fillRect(QRectF(0.0, 0.0, bounds.width(), 1.3), deviceWhite(0.3F));
+  }
+  painter.restore();
+}

@@ -1,0 +1,103 @@
+#include "controls/OVRecorderWindow.h"
+
+#include <utility>
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QMenuBar>
+
+#include "controls/OVRecorderWindowDelegate.h"
+#include "platform/KeyCodes.h"
+
+namespace {
+
+constexpr QSize kContentSize(640, 330);             // points
+const QString kEditedMark = QStringLiteral("[*]");  // where Qt shows the mark for unsaved changes
+
+}  // namespace
+
+OVRecorderWindow::OVRecorderWindow(QWidget* parent) : QMainWindow(parent) {
+  setAttribute(Qt::WA_DeleteOnClose);
+  setTitle(QString());
+}
+
+std::shared_ptr<OVRecorderWindowDelegate> OVRecorderWindow::delegate() const {
+  return delegate_.lock();
+}
+
+void OVRecorderWindow::setDelegate(std::weak_ptr<OVRecorderWindowDelegate> delegate) {
+  delegate_ = std::move(delegate);
+}
+
+void OVRecorderWindow::performClose() {
+  close();
+}
+
+bool OVRecorderWindow::isDocumentEdited() const {
+  return isWindowModified();
+}
+
+void OVRecorderWindow::setDocumentEdited(bool edited) {
+  setWindowModified(edited);
+}
+
+QString OVRecorderWindow::title() const {
+  QString text = windowTitle();
+  if (text.endsWith(kEditedMark)) {
+    text.chop(kEditedMark.size());
+  }
+  return text.replace(kEditedMark + kEditedMark, kEditedMark);
+}
+
+void OVRecorderWindow::setTitle(const QString& title) {
+  // A mark that is part of a file's name is doubled, so that it is shown instead of read.
+  QString escaped = title;
+  escaped.replace(kEditedMark, kEditedMark + kEditedMark);
+  setWindowTitle(escaped + kEditedMark);
+}
+
+QSize OVRecorderWindow::sizeHint() const {
+  const QWidget* bar = menuWidget();
+  const bool barInWindow = bar != nullptr && !bar->isHidden();
+  const int barHeight = barInWindow ? layout()->menuBar()->heightForWidth(kContentSize.width()) : 0;
+  return kContentSize + QSize(0, qMax(barHeight, 0));
+}
+
+void OVRecorderWindow::keyPressEvent(QKeyEvent* event) {
+  event->accept();
+  if (const auto delegate = delegate_.lock()) {
+    delegate->windowDidReceiveKeyDown(this, platform::hardwareKeyCode(*event));
+  }
+}
+
+void OVRecorderWindow::keyReleaseEvent(QKeyEvent* event) {
+  event->accept();
+  // A held key arrives as pairs of release and press; only the last release is a real one.
+  if (event->isAutoRepeat()) {
+    return;
+  }
+  if (const auto delegate = delegate_.lock()) {
+    delegate->windowDidReceiveKeyUp(this, platform::hardwareKeyCode(*event));
+  }
+}
+
+void OVRecorderWindow::closeEvent(QCloseEvent* event) {
+  event->accept();
+  if (closed_) {
+    return;  // already closed, waiting to be deleted
+  }
+  const auto delegate = delegate_.lock();
+  if (delegate == nullptr) {
+    closed_ = true;
+    return;
+  }
+  if (!delegate->windowShouldClose(this)) {
+    event->ignore();
+    return;
+  }
+  if (closed_) {
+    return;  // closed from within the question
+  }
+  closed_ = true;
+  delegate->windowWillClose(this);
+}

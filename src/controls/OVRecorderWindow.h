@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+
+#include <QMainWindow>
+
+class OVRecorderWindowDelegate;
+
+/// The window of one document. It hands every plain key to its delegate instead of its views,
+/// asks the delegate before it closes, and deletes itself once it has closed.
+///
+/// Shortcuts of menus come first: a key that triggers one never reaches the delegate as key-down.
+/// The views inside take no keyboard focus, so that R, Return and Space are always the window's.
+///
+/// Threads: main. Real-time: not safe.
+class OVRecorderWindow : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  explicit OVRecorderWindow(QWidget* parent = nullptr);
+
+  [[nodiscard]] std::shared_ptr<OVRecorderWindowDelegate> delegate() const;
+  void setDelegate(std::weak_ptr<OVRecorderWindowDelegate> delegate);
+
+  /// Does what the close button does: asks windowShouldClose and, on yes, tells windowWillClose
+  /// and closes.
+  void performClose();
+
+  /// Whether the document has changes that are not saved; shown in the title bar.
+  [[nodiscard]] bool isDocumentEdited() const;
+  void setDocumentEdited(bool edited);
+
+  /// The title without the mark for unsaved changes. Any text is shown as it stands.
+  [[nodiscard]] QString title() const;
+  void setTitle(const QString& title);
+
+  /// The size at which the content is 640 x 330 points below the menu bar.
+  [[nodiscard]] QSize sizeHint() const override;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  std::weak_ptr<OVRecorderWindowDelegate> delegate_;
+  bool closed_ = false;
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+class OVRecorderWindow;
+
+/// Receives what happens to a recorder window. The window refers to it weakly.
+///
+/// Threads: main. Real-time: not safe.
+class OVRecorderWindowDelegate {
+ public:
+  virtual ~OVRecorderWindowDelegate() = default;
+
+  /// A key went down in the window, auto-repeats included; `keyCode` is a hardware code of
+  /// platform/KeyCodes.h, kKeyCodeUnmapped for keys without one.
+  virtual void windowDidReceiveKeyDown(OVRecorderWindow* window, std::uint16_t keyCode) = 0;
+
+  /// The key came up again: once for each physical release.
+  virtual void windowDidReceiveKeyUp(OVRecorderWindow* window, std::uint16_t keyCode) = 0;
+
+  /// Asked each time the window is about to close; false keeps it open.
+  [[nodiscard]] virtual bool windowShouldClose(OVRecorderWindow* window) = 0;
+
+  /// Told exactly once, before the window goes away. The delegate may be destroyed in here; it
+  /// must not delete the window, which deletes itself afterwards.
+  virtual void windowWillClose(OVRecorderWindow* window) = 0;
+};

@@ -1,0 +1,111 @@
+#include "controls/OVTrackingButton.h"
+
+#include <utility>
+
+#include <QMouseEvent>
+
+#include "controls/OVButtonAccessibility.h"
+
+namespace {
+
+// Half open, unlike QRect::contains: the pixel right of the last one is outside.
+bool isInside(const QWidget& widget, const QPointF& point) {
+  return point.x() >= 0.0 && point.y() >= 0.0 && point.x() < widget.width() &&
+         point.y() < widget.height();
+}
+
+}  // namespace
+
+OVTrackingButton::OVTrackingButton(QWidget* parent) : QWidget(parent) {
+  OVInstallButtonAccessibility();
+  setFocusPolicy(Qt::NoFocus);
+}
+
+void OVTrackingButton::setIsOn(bool isOn) {
+  showOn(isOn);
+  update();
+}
+
+void OVTrackingButton::setTarget(std::weak_ptr<void> target) {
+  target_ = std::move(target);
+}
+
+void OVTrackingButton::setAction(Action action) {
+  action_ = std::move(action);
+}
+
+void OVTrackingButton::performClick() {
+  if (!isEnabled()) {
+    return;
+  }
+  if (isSwitch_) {
+    setIsOn(!isOn_);
+  }
+  sendAction();
+}
+
+bool OVTrackingButton::tracks(const QMouseEvent* event) const {
+  const bool left = event->button() == Qt::LeftButton ||
+                    (event->type() == QEvent::MouseMove && (event->buttons() & Qt::LeftButton));
+  return left && isEnabled();
+}
+
+void OVTrackingButton::mousePressEvent(QMouseEvent* event) {
+  if (!tracks(event)) {
+    event->ignore();
+    return;
+  }
+  isHighlighted_ = true;
+  if (isSwitch_) {
+    prevOn_ = isOn_;
+    showOn(!prevOn_);
+  }
+  update();
+}
+
+void OVTrackingButton::mouseMoveEvent(QMouseEvent* event) {
+  if (!tracks(event)) {
+    event->ignore();
+    return;
+  }
+  isHighlighted_ = isInside(*this, event->position());
+  if (isSwitch_) {
+    showOn(isHighlighted_ ? !prevOn_ : prevOn_);
+  }
+  update();
+}
+
+void OVTrackingButton::mouseReleaseEvent(QMouseEvent* event) {
+  if (!tracks(event)) {
+    event->ignore();
+    return;
+  }
+  isHighlighted_ = false;
+  update();
+  if (isInside(*this, event->position())) {
+    sendAction();  // last: the action may delete the button
+  }
+}
+
+void OVTrackingButton::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::EnabledChange) {
+    update();
+  }
+}
+
+void OVTrackingButton::showOn(bool isOn) {
+  if (isOn == isOn_) {
+    return;
+  }
+  isOn_ = isOn;
+  OVAnnounceButtonState(this);
+}
+
+void OVTrackingButton::sendAction() {
+  const std::shared_ptr<void> target = target_.lock();
+  const Action action = action_;  // a copy: the action may replace itself
+  if (target != nullptr && action) {
+    action(this);
+  }
+}

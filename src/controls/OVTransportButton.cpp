@@ -1,0 +1,46 @@
+#include "controls/OVTransportButton.h"
+
+#include <QPainter>
+
+#include "controls/OVBezelFrameOfReference.h"
+#include "controls/OVIconDrawing.h"
+#include "controls/OVTransportArtwork.h"
+
+OVTransportButton::OVTransportButton(QWidget* parent) : OVTrackingButton(parent) {}
+
+void OVTransportButton::setOnImage(const QString& name) {
+  _onImage = OVNamedImage(name);
+}
+
+void OVTransportButton::setOffImage(const QString& name) {
+  _offImage = OVNamedImage(name);
+}
+
+void OVTransportButton::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const OVBezelFrameOfReference reference(*this);
+  painter.save();
+  painter.setTransform(reference.toWidget, true);
+  drawBezel(painter, reference.bezel);
+  painter.restore();
+  drawImage(painter);
+}
+
+void OVTransportButton::drawBezel(QPainter& painter, const QRectF& frame) const {
+  drawBezelWithFrame(painter, frame, isHighlighted());
+}
+
+void OVTransportButton::drawImage(QPainter& painter) const {
+  const OVNamedImage& image = isOn() ? _onImage : _offImage;
+  auto blend = OVIconBlend::sourceAtop;
+  qreal opacity = 1.0;
+  if (isHighlighted() && isOn()) {
+    blend = OVIconBlend::plusDarker;
+  } else if (!isEnabled()) {
+    opacity = 0.5;
+  } else if (isOn()) {
+    opacity = alpha_;
+  }
+  drawCentredIcon(painter, size(), image, blend, opacity);
+}
