@@ -47,16 +47,18 @@ BlockList::BlockList() {
   blocks_.reserve(kInitialCapacity);
 }
 
-BlockList::BlockList(std::vector<OVBlock> blocks) : blocks_(std::move(blocks)) {}
-
-const OVBlock* BlockList::find(std::uint64_t address) const {
-  const auto block = std::find_if(blocks_.begin(), blocks_.end(), [address](const OVBlock& each) {
-    return each.contains(address);
-  });
-  return block == blocks_.end() ? nullptr : &*block;
-}
+BlockList::BlockList(std::vector<OVBlock> blocks) : blocks_(std::move(blocks)), index_(blocks_) {}
 
 void BlockList::map(const OVBlock& block) {
+  // Only blocks that it touches make way, and, by the steps' bounds, unreachable ones.
+  const bool allReachable = index_.size() == blocks_.size();
+  const bool free =
+      block.size() > 0 && allReachable && !index_.touches(block.linear_addr_start(), block.end());
+  index_.map(block);
+  if (free) {
+    blocks_.push_back(block);
+    return;
+  }
   std::vector<OVBlock> splitOff;
   std::size_t kept = 0;  // blocks_[0, kept) is the list so far
   for (OVBlock each : blocks_) {
@@ -77,6 +79,7 @@ void BlockList::cutAfter(std::uint64_t address) {
       block.setSize(address - block.linear_addr_start());
     }
   }
+  index_.cutAfter(address);
 }
 
 void BlockList::cutBefore(std::uint64_t address) {
@@ -87,16 +90,34 @@ void BlockList::cutBefore(std::uint64_t address) {
     }
     block.setLinear_addr_start(block.linear_addr_start() - address);
   }
+  index_.cutBefore(address);
 }
 
 void BlockList::mergeNeighbours() {
-  std::size_t kept = 0;  // blocks_[0, kept) is the merged list so far
+  std::vector<OVBlock> merging;  // every block of a run, as it stood
+  std::vector<OVBlock> merged;   // what became of each run
+  std::size_t kept = 0;          // blocks_[0, kept) is the merged list so far
+  bool inRun = false;            // its last block is a run that goes on
   for (const OVBlock block : blocks_) {
     if (kept > 0 && followsInBothSpaces(blocks_[kept - 1], block)) {
-      blocks_[kept - 1].setSize(blocks_[kept - 1].size() + block.size());
+      OVBlock& head = blocks_[kept - 1];
+      if (!inRun) {
+        merging.push_back(head);
+      }
+      merging.push_back(block);
+      head.setSize(head.size() + block.size());
+      inRun = true;
     } else {
+      if (inRun) {
+        merged.push_back(blocks_[kept - 1]);
+      }
       blocks_[kept++] = block;
+      inRun = false;
     }
   }
+  if (inRun) {
+    merged.push_back(blocks_[kept - 1]);
+  }
   blocks_.resize(kept);
+  index_.replace(merging, merged);
 }
