@@ -1,0 +1,63 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "platform/File.h"
+
+namespace benchmarks {
+
+/// Temporary files of the operating system in which all offsets are folded into the first 64 MiB: a
+/// recording of many hours is read at the cost of real file transfers, from the page cache, without
+/// taking a disk's worth of room. The audio is nonsense.
+///
+/// Threads: any.
+class FoldedTemporaryFiles : public platform::TemporaryFiles {
+ public:
+  static constexpr std::uint64_t kFold = std::uint64_t{64} << 20;  // bytes
+
+  [[nodiscard]] std::string directory() const override { return real_.directory(); }
+
+  [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override {
+    Created created = real_.createUnlinked(pathTemplate);
+    if (created.file != nullptr) {
+      created.file = std::make_unique<FoldedFile>(std::move(created.file));
+    }
+    return created;
+  }
+
+ private:
+  class FoldedFile : public platform::File {
+   public:
+    explicit FoldedFile(std::unique_ptr<platform::File> file) : file_(std::move(file)) {}
+
+    platform::FileTransfer readAt(void* destination, std::uint64_t byteCount,
+                                  std::uint64_t offset) override {
+      return file_->readAt(destination, std::min(byteCount, kFold - offset % kFold),
+                           offset % kFold);
+    }
+
+    platform::FileTransfer writeAt(const void* data, std::uint64_t byteCount,
+                                   std::uint64_t offset) override {
+      const std::uint64_t first = std::min(byteCount, kFold - offset % kFold);
+      const platform::FileTransfer head = file_->writeAt(data, first, offset % kFold);
+      if (first == byteCount || head.byteCount < first) {
+        return head;
+      }
+      const platform::FileTransfer tail =
+          file_->writeAt(static_cast<const std::byte*>(data) + first, byteCount - first, 0);
+      return {.byteCount = first + tail.byteCount, .error = tail.error};
+    }
+
+   private:
+    const std::unique_ptr<platform::File> file_;
+  };
+
+  platform::TemporaryFiles& real_ = platform::temporaryFiles();
+};
+
+}  // namespace benchmarks

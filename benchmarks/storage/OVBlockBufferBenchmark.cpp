@@ -1,0 +1,162 @@
+// The block list buffer beside its yardsticks. Read the ratios off pairs of names:
+//   RecorderWrite32KiB            / Yardstick_BareWrite32KiB     at most 1.5
+//   RandomRead64KiB/100000        / RandomRead64KiB/10           at most 4
+//   CutAfter, CutBefore, Undo, Redo with 10000 blocks            at most 1 ms each
+#include "storage/OVBlockBuffer.h"
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstddef>
+#include <random>
+#include <vector>
+
+#include "platform/File.h"
+#include "storage/FoldedTemporaryFiles.h"
+
+namespace {
+
+constexpr std::uint32_t kRecorderBytes = 4096 * 8;  // one buffer of the recorder
+constexpr std::uint64_t kReadBytes = 64 * 1024;
+constexpr std::uint64_t kChunks = 100'000;  // of kRecorderBytes each: about 2 h 35 min of audio
+constexpr int kWritesOfARun = 8192;         // 256 MiB on the disk
+
+std::vector<std::byte> audio(std::size_t count) {
+  std::vector<std::byte> bytes(count);
+  std::mt19937 random(1);
+  for (auto& byte : bytes) {
+    byte = static_cast<std::byte>(random());
+  }
+  return bytes;
+}
+
+void Yardstick_BareWrite32KiB(benchmark::State& state) {
+  auto& files = platform::temporaryFiles();
+  const auto created = files.createUnlinked(files.directory() + "orvoXXXXXX");
+  const auto bytes = audio(kRecorderBytes);
+  std::uint64_t offset = 0;
+  for (auto _ : state) {
+    if (created.file->writeAt(bytes.data(), kRecorderBytes, offset).byteCount != kRecorderBytes) {
+      state.SkipWithError("the disk is full");
+      break;
+    }
+    offset += kRecorderBytes;
+  }
+}
+BENCHMARK(Yardstick_BareWrite32KiB)->Iterations(kWritesOfARun);
+
+void RecorderWrite32KiB(benchmark::State& state) {
+  const auto buffer = OVBlockBuffer::init();
+  const auto bytes = audio(kRecorderBytes);
+  std::uint64_t offset = 0;
+  for (auto _ : state) {
+    buffer->writeData(bytes.data(), offset, kRecorderBytes);
+    offset += kRecorderBytes;
+  }
+}
+BENCHMARK(RecorderWrite32KiB)->Iterations(kWritesOfARun);
+
+// Lays `chunks` chunks of `bytes` out in `blocks` blocks that cannot merge: in the list, each block
+// is followed by one that is not its neighbour in the recording.
+void layOut(OVBlockBuffer& buffer, std::uint64_t chunks, std::uint64_t blocks,
+            const std::vector<std::byte>& bytes) {
+  const std::uint64_t chunksOfABlock = chunks / blocks;
+  for (std::uint64_t parity = 0; parity < 2; ++parity) {
+    for (std::uint64_t block = parity; block < blocks; block += 2) {
+      for (std::uint64_t chunk = 0; chunk < chunksOfABlock; ++chunk) {
+        const std::uint64_t index = block * chunksOfABlock + chunk;
+        buffer.writeData(bytes.data(), index * bytes.size(),
+                         static_cast<std::uint32_t>(bytes.size()));
+      }
+    }
+  }
+  buffer.optimize();
+}
+
+// The same recording, in few blocks and in many.
+void RandomRead64KiB(benchmark::State& state) {
+  benchmarks::FoldedTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  const auto buffer = OVBlockBuffer::init();
+  layOut(*buffer, kChunks, static_cast<std::uint64_t>(state.range(0)), audio(kRecorderBytes));
+  if (buffer->blocklist().size() != static_cast<std::size_t>(state.range(0))) {
+    state.SkipWithError("not as many blocks as wanted");
+    return;
+  }
+  std::vector<std::byte> destination(kReadBytes);
+  std::mt19937_64 random(2);
+  std::uniform_int_distribution<std::uint64_t> offsets(0, kChunks * kRecorderBytes - kReadBytes);
+  for (auto _ : state) {
+    const auto result = buffer->readDataInto(destination.data(), kReadBytes, offsets(random));
+    if (result.byteCount != kReadBytes) {
+      state.SkipWithError("short read");
+      break;
+    }
+  }
+}
+BENCHMARK(RandomRead64KiB)->Arg(10)->Arg(100'000);
+
+void WriteOver32KiB(benchmark::State& state) {
+  benchmarks::FoldedTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  const auto buffer = OVBlockBuffer::init();
+  const auto bytes = audio(kRecorderBytes);
+  layOut(*buffer, kChunks, static_cast<std::uint64_t>(state.range(0)), bytes);
+  std::mt19937_64 random(3);
+  std::uniform_int_distribution<std::uint64_t> offsets(0, kChunks * kRecorderBytes);
+  for (auto _ : state) {
+    buffer->writeData(bytes.data(), offsets(random), kRecorderBytes);
+  }
+}
+BENCHMARK(WriteOver32KiB)->Arg(10)->Arg(100'000)->Iterations(1000);
+
+// An edit on a buffer of 10,000 blocks; `before` brings about what it needs, off the clock.
+template <typename Before, typename Edit>
+void timeEdit(benchmark::State& state, Before before, Edit edit) {
+  constexpr std::uint64_t kBlocks = 10'000;
+  const auto buffer = OVBlockBuffer::init();
+  layOut(*buffer, kBlocks, kBlocks, audio(64));
+  if (buffer->blocklist().size() != kBlocks) {
+    state.SkipWithError("not as many blocks as wanted");
+    return;
+  }
+  buffer->setWaypoint();
+  for (auto _ : state) {
+    before(*buffer);
+    const auto start = std::chrono::steady_clock::now();
+    edit(*buffer);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    state.SetIterationTime(time.count());
+  }
+}
+
+constexpr std::uint64_t kMiddle = 10'000 * 64 / 8 / 2 + 3;  // frames: inside a block
+
+void CutAfter10000Blocks(benchmark::State& state) {
+  timeEdit(
+      state, [](OVBlockBuffer& buffer) { buffer.undo(); },
+      [](OVBlockBuffer& buffer) { buffer.cutoffBufferAfterPosition(kMiddle); });
+}
+BENCHMARK(CutAfter10000Blocks)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+void CutBefore10000Blocks(benchmark::State& state) {
+  timeEdit(
+      state, [](OVBlockBuffer& buffer) { buffer.undo(); },
+      [](OVBlockBuffer& buffer) { buffer.cutoffBufferBeforePosition(kMiddle); });
+}
+BENCHMARK(CutBefore10000Blocks)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+void Undo10000Blocks(benchmark::State& state) {
+  timeEdit(
+      state, [](OVBlockBuffer&) {}, [](OVBlockBuffer& buffer) { buffer.undo(); });
+}
+BENCHMARK(Undo10000Blocks)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+void Redo10000Blocks(benchmark::State& state) {
+  timeEdit(
+      state, [](OVBlockBuffer& buffer) { buffer.undo(); },
+      [](OVBlockBuffer& buffer) { buffer.redo(); });
+}
+BENCHMARK(Redo10000Blocks)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+}  // namespace
