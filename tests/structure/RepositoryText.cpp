@@ -29,9 +29,11 @@ std::regex anyCase(const std::string& pattern) {
   return std::regex(pattern, std::regex::ECMAScript | std::regex::icase | std::regex::optimize);
 }
 
-/// An absolute path that begins with this folder; a folder of that name inside another is none.
+/// An absolute path that begins with this folder; a folder of that name inside another is none,
+/// and the home of a made-up "me" is nobody's.
 Rule machineFolder(const std::string& name) {
-  return {"/" + name + "/", anyCase("(^|[\\s'\"`=:(<,\\[])/" + name + "/[a-z0-9._]"), kMachine};
+  return {"/" + name + "/", anyCase("(^|[\\s'\"`=:(<,\\[])/" + name + "/(?!me/)[a-z0-9._]"),
+          kMachine};
 }
 
 const std::vector<Rule>& rules() {

@@ -53,6 +53,7 @@ TEST(RepositoryText, FolderOfAMachineIsFound) {
                 ElementsAre("2: names a folder of someone's machine"));
     EXPECT_THAT(complaintsAboutText("x = \"" + path + "\";"), SizeIs(1));
     EXPECT_THAT(complaintsAboutText("below$D" + path), IsEmpty());
+    EXPECT_THAT(complaintsAboutText(std::string("/") + folder + "/me/tmp"), IsEmpty());
   }
 }
 

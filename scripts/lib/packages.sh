@@ -1,0 +1,24 @@
+# The Debian packages that Orvo is built, run and tested with: the only list of them.
+# Sourced, not run.
+
+# To build the program, its tests and its benchmarks. Qt's X11 and offscreen platforms come with
+# the libraries that qt6-base-dev needs.
+build_packages=(
+  g++ cmake ninja-build pkg-config
+  qt6-base-dev libcubeb-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+)
+
+# To run the real program where there is no screen and no sound server, and to listen to it.
+# fonts-liberation has the metrics of the font that the displays ask for.
+test_packages=(
+  pulseaudio-utils
+  xvfb openbox xdotool wmctrl imagemagick x11-utils
+  fonts-liberation fontconfig procps util-linux git
+)
+
+# Installed only where neither kind is there: two sound servers on one machine get in each other's way.
+sound_server_package=pulseaudio
+
+fuzz_packages=(clang-14)
+lint_packages=(clang-format-14 clang-tidy-14)
