@@ -1,0 +1,187 @@
+// Shows Orvo at work where there is no screen or no sound server.
+//
+//   orvo_demonstration record FOLDER PROGRAM [FILE…]
+//       On a virtual screen, with a private sound server: records a tune through the window, plays
+//       it, and leaves pictures and what was heard in FOLDER. Ends by itself.
+//   orvo_demonstration foreground PROGRAM [FILE…]
+//       On the screen that is there, with a private sound server that hears the tune.
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+#include "support/PrivateSoundServer.h"
+#include "support/RawAudio.h"
+#include "support/RunningOrvo.h"
+#include "support/VirtualScreen.h"
+
+namespace {
+
+using namespace support;
+
+constexpr double kTuneSeconds = 6.0;
+
+void need(bool holds, const std::string& otherwise) {
+  if (!holds) {
+    throw std::runtime_error(otherwise);
+  }
+}
+
+template <typename T>
+std::unique_ptr<T> needed(std::unique_ptr<T> thing, const std::string& error) {
+  need(thing != nullptr, error);
+  return thing;
+}
+
+std::unique_ptr<PrivateSoundServer> startServer() {
+  std::string error;
+  auto server = PrivateSoundServer::start(error);
+  return needed(std::move(server), error);
+}
+
+/// One pass through the window at one scale, with its pictures.
+class Demonstration {
+ public:
+  Demonstration(std::string folder, std::string program, std::vector<std::string> files)
+      : folder_(std::move(folder)), program_(std::move(program)), files_(std::move(files)) {
+    std::string error;
+    screen_ = VirtualScreen::start(error);
+    need(screen_ != nullptr, error);
+    server_ = startServer();
+    std::filesystem::create_directories(folder_);
+    need(writeRaw(scratch_.file("tune"), tune_), "the tune cannot be written");
+    need(writeWav(folder_ + "/fed.wav", tune_), folder_ + " cannot be written to");
+    left("fed.wav", "what was played into the microphone's place");
+  }
+
+  void run(int scale) {
+    scale_ = scale;
+    std::string error;
+    auto started = RunningOrvo::start(
+        program_, *screen_, server_->environment(),
+        {.files = files_, .scale = scale, .wrapper = {}, .temporaryFolder = {}}, error);
+    const auto orvo = needed(std::move(started), error);
+    const auto capture =
+        needed(server_->captureHeard(scratch_.file("heard")), "what is heard cannot be recorded");
+    picture(*orvo, "empty", "a new window");
+    record(*orvo);
+    play(*orvo);
+    capture->end();
+    listen();
+    orvo->process().end();
+  }
+
+ private:
+  void record(const RunningOrvo& orvo) {
+    need(screen_->pressKey("r") && orvo.waitUntilRecorded(1), "R starts no recording");
+    const auto player =
+        needed(server_->playIntoFeed(scratch_.file("tune")), "the tune cannot be fed");
+    need(orvo.waitUntilRecorded(3 * kFramesPerSecond), "the recording does not grow");
+    picture(orvo, "recording", "while recording");
+    need(player->waitForExit().has_value(), "the tune does not end");
+    // A player's end is told when the server has it all; the last of it is captured a little later.
+    need(eventually([&] {
+           const Samples recorded = orvo.recorded();
+           const auto start = findStart(tune_, recorded);
+           return start && equalFrames(tune_, recorded, *start) == tune_.size() / kChannels;
+         }),
+         "the tune is not in the recording sample for sample");
+    need(screen_->pressKey("r"), "R cannot be pressed");
+  }
+
+  void play(const RunningOrvo& orvo) {
+    need(screen_->pressKey("space"), "Space cannot be pressed");
+    need(eventually([&] { return server_->isPlaying(orvo.pid()); }), "Space plays nothing");
+    need(eventually([&] { return equalFramesHeard() > 2 * std::size_t{kFramesPerSecond}; }),
+         "the tune is not heard");
+    picture(orvo, "playing", "while playing");
+    need(eventually([&] { return !server_->isPlaying(orvo.pid()); }), "playing does not end");
+    picture(orvo, "stopped", "after playing");
+  }
+
+  [[nodiscard]] std::size_t equalFramesHeard() const {
+    const Samples heard = readRaw(scratch_.file("heard"));
+    const auto start = findStart(tune_, heard);
+    return start ? equalFrames(tune_, heard, *start) : 0;
+  }
+
+  void listen() {
+    const std::string name = "heard-" + std::to_string(scale_) + "x.wav";
+    need(writeWav(folder_ + "/" + name, readRaw(scratch_.file("heard"))),
+         folder_ + " cannot be written to");
+    left(name, std::to_string(equalFramesHeard()) + " of " +
+                   std::to_string(tune_.size() / kChannels) +
+                   " frames of the tune, sample for sample, in what came out");
+  }
+
+  void picture(const RunningOrvo& orvo, const std::string& name, const std::string& what) {
+    const std::string file = name + "-" + std::to_string(scale_) + "x.png";
+    need(screen_->screenshot(orvo.window(), folder_ + "/" + file), file + " cannot be taken");
+    left(file, what);
+  }
+
+  void left(const std::string& name, const std::string& what) const {
+    std::cout << folder_ << '/' << name << ": " << what << '\n' << std::flush;
+  }
+
+  std::string folder_;
+  std::string program_;
+  std::vector<std::string> files_;
+  TemporaryFolder scratch_;
+  Samples tune_ = tune(kTuneSeconds);
+  std::unique_ptr<VirtualScreen> screen_;
+  std::unique_ptr<PrivateSoundServer> server_;
+  int scale_ = 1;
+};
+
+/// The user's own environment with the private server in it; the program has the terminal.
+int runInForeground(const std::string& program, const std::vector<std::string>& files) {
+  const auto server = startServer();
+  const TemporaryFolder scratch;
+  constexpr double kLongTuneSeconds = 120.0;
+  need(writeRaw(scratch.file("tune"), tune(kLongTuneSeconds)), "the tune cannot be written");
+  const auto player = needed(server->playIntoFeed(scratch.file("tune")), "the tune cannot be fed");
+  Environment environment;
+  for (char** variable = environ; *variable != nullptr; ++variable) {
+    const std::string text = *variable;
+    environment[text.substr(0, text.find('='))] = text.substr(text.find('=') + 1);
+  }
+  environment["PULSE_SERVER"] = server->environment().at("PULSE_SERVER");
+  std::vector<std::string> arguments{program};
+  arguments.insert(arguments.end(), files.begin(), files.end());
+  std::string error;
+  const auto orvo = needed(ChildProcess::start(arguments, environment, error), error);
+  const auto status = orvo->waitForExit(std::chrono::hours(24));
+  std::cerr << orvo->errorOutput();
+  return status ? status->code : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> words(argv + 1, argv + argc);
+  try {
+    if (words.size() >= 3 && words[0] == "record") {
+      Demonstration demonstration(words[1], words[2], {words.begin() + 3, words.end()});
+      for (const int scale : {1, 2}) {
+        demonstration.run(scale);
+      }
+      return 0;
+    }
+    if (words.size() >= 2 && words[0] == "foreground") {
+      return runInForeground(words[1], {words.begin() + 2, words.end()});
+    }
+    std::cerr << "usage: orvo_demonstration record FOLDER PROGRAM [FILE…] | foreground PROGRAM "
+                 "[FILE…]\n";
+    return 2;
+  } catch (const std::exception& failure) {
+    std::cerr << "orvo_demonstration: " << failure.what() << '\n';
+    return 1;
+  }
+}
