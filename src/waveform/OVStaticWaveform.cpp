@@ -1,0 +1,252 @@
+#include "waveform/OVStaticWaveform.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+#include "storage/OVAudioBufferInterface.h"
+#include "waveform/ElementIndex.h"
+#include "waveform/OVDynamicWaveForm.h"
+
+namespace {
+
+constexpr auto kSlots = static_cast<double>(OVStaticWaveform::kElementCount);
+
+/// Truncates a value that is not negative, and stops at `limit` where it does not fit.
+std::uint64_t truncated(double value, std::uint64_t limit) {
+  return value < static_cast<double>(limit) ? static_cast<std::uint64_t>(value) : limit;
+}
+
+}  // namespace
+
+std::shared_ptr<OVStaticWaveform> OVStaticWaveform::initWithBuffer(
+    std::shared_ptr<OVAudioBufferInterface> audioBuffer) {
+  auto summary = std::make_shared<OVStaticWaveform>(Passkey(), std::move(audioBuffer), nullptr);
+  summary->regenerate();
+  return summary;
+}
+
+std::shared_ptr<OVStaticWaveform> OVStaticWaveform::initWithDynamicWaveform(
+    std::shared_ptr<OVDynamicWaveForm> dynamicWaveform) {
+  std::vector<float> source;
+  std::shared_ptr<OVAudioBufferInterface> audioBuffer;
+  if (dynamicWaveform) {
+    dynamicWaveform->copyElementsInto(source);
+    audioBuffer = dynamicWaveform->audioBuffer();
+  }
+  auto summary = std::make_shared<OVStaticWaveform>(Passkey(), std::move(audioBuffer),
+                                                    std::move(dynamicWaveform));
+  summary->elements_.elementCount = source.size();
+  const double step = kSlots / static_cast<double>(source.size());
+  double position = 0.0;
+  for (const float value : source) {
+    const std::uint64_t slot = truncated(position, kElementCount);
+    if (slot < kElementCount) {
+      summary->elements_.buffer[slot] = value;
+    }
+    position += step;
+  }
+  return summary;
+}
+
+OVStaticWaveform::OVStaticWaveform(Passkey, std::shared_ptr<OVAudioBufferInterface> audioBuffer,
+                                   std::shared_ptr<OVDynamicWaveForm> dynamicWaveform)
+    : audioBuffer_(std::move(audioBuffer)), dynwaveform_(std::move(dynamicWaveform)) {}
+
+void OVStaticWaveform::regenerate() {
+  // The flag already stands while the lock is waited for.
+  isRegenerating_.store(true, std::memory_order_relaxed);
+  const std::lock_guard generation(bufferLock_);
+  regenerateNoLock();
+}
+
+void OVStaticWaveform::regenerateNoLock() {
+  isRegenerating_.store(true, std::memory_order_relaxed);
+  // An exchange, not a store: a request that it swallows is one whose edit the reads that follow
+  // do see.
+  shouldRegenerateWaveform_.exchange(false, std::memory_order_acq_rel);
+  {
+    const std::lock_guard guard(elementsLock_);
+    elements_.elementCount = 0;
+    elements_.buffer_pos = 0;
+    elements_.reader_pos = 0;
+    patched_.reset();
+  }
+  if (audioBuffer_) {
+    const auto length = static_cast<double>(audioBuffer_->bufferSizeInFrames());
+    const auto framesPerElement = static_cast<std::uint64_t>(length * (1.0 / kSlots));
+    if (framesPerElement > 0) {
+      summariseInBlocksOf(framesPerElement);
+    }
+  }
+  isRegenerating_.store(false, std::memory_order_relaxed);
+}
+
+void OVStaticWaveform::summariseInBlocksOf(std::uint64_t frameCount) {
+  SummaryReader reader(*audioBuffer_, frameCount);
+  std::uint64_t byteOffset = 0;
+  for (auto blocks = reader.readBlocks(byteOffset); !blocks.empty() && publish(blocks);
+       blocks = reader.readBlocks(byteOffset)) {
+    for (const SummaryReader::Block& block : blocks) {
+      byteOffset += block.byteCount;
+    }
+  }
+}
+
+/// False when the last element has been written.
+bool OVStaticWaveform::publish(std::span<const SummaryReader::Block> blocks) {
+  const std::lock_guard guard(elementsLock_);
+  for (const SummaryReader::Block& block : blocks) {
+    if (elements_.buffer_pos == kElementCount) {
+      return false;
+    }
+    elements_.reader_pos += block.byteCount;
+    if (!patched_[elements_.buffer_pos]) {
+      elements_.buffer[elements_.buffer_pos] = block.extent.spread();
+    }
+    ++elements_.buffer_pos;
+    if (elements_.buffer_pos < kElementCount) {
+      ++elements_.elementCount;
+    }
+  }
+  return elements_.buffer_pos < kElementCount;
+}
+
+void OVStaticWaveform::generate() {
+  if (shouldRegenerateWaveform()) {
+    regenerate();
+  }
+}
+
+void OVStaticWaveform::generateNoLock() {
+  if (shouldRegenerateWaveform()) {
+    regenerateNoLock();
+  }
+}
+
+void OVStaticWaveform::setShouldRegenerateWaveform(bool should) {
+  shouldRegenerateWaveform_.store(should, std::memory_order_release);
+}
+
+bool OVStaticWaveform::shouldRegenerateWaveform() const {
+  return shouldRegenerateWaveform_.load(std::memory_order_acquire);
+}
+
+bool OVStaticWaveform::isRegenerating() const {
+  return isRegenerating_.load(std::memory_order_relaxed);
+}
+
+void OVStaticWaveform::updateWithDataChunk(const float* dataChunk, std::uint64_t ofSize,
+                                           double atPosition) {
+  const std::uint64_t length = audioBuffer_ ? audioBuffer_->bufferSizeInFrames() : 0;
+  if (length == 0) {
+    return;
+  }
+  const auto lengthInFrames = static_cast<double>(length);
+  const auto sampleCount = static_cast<double>(ofSize);
+  const double elementsCovered = kSlots / lengthInFrames * sampleCount;
+  const std::uint64_t samplesPerElement =
+      ofSize / std::max<std::uint64_t>(truncated(elementsCovered, ~std::uint64_t{0}), 2);
+  if (samplesPerElement == 0) {
+    return;
+  }
+  const double share = sampleCount / lengthInFrames;
+  const std::uint64_t stepCount = ofSize / samplesPerElement;
+  const double firstSlot = std::max(0.0, kSlots * atPosition + 0.5);
+
+  Patch patch;
+  patch.firstSlot = truncated(firstSlot, kElementCount);
+  patch.clearedByteCount =
+      truncated(sizeof(float) * share * kSlots, (kElementCount - patch.firstSlot) * sizeof(float));
+  fillPatch(patch, dataChunk, ofSize, samplesPerElement,
+            share * kSlots / static_cast<double>(stepCount), firstSlot);
+  apply(patch);
+}
+
+void OVStaticWaveform::fillPatch(Patch& patch, const float* samples, std::uint64_t sampleCount,
+                                 std::uint64_t samplesPerElement, double slotsPerStep,
+                                 double slot) {
+  // Of the last step only as many samples count as are left over behind it, if any are: kept so.
+  for (std::uint64_t taken = 0; taken + samplesPerElement <= sampleCount && slot < kSlots;) {
+    taken += samplesPerElement;
+    const std::uint64_t remaining = sampleCount - taken;
+    const std::uint64_t count =
+        remaining > 0 && remaining < samplesPerElement ? remaining : samplesPerElement;
+    const auto index = static_cast<std::size_t>(slot);
+    patch.values[index] = leftMagnitudeExtent(samples, count).spread();
+    patch.stored.set(index);
+    samples += count;
+    slot += slotsPerStep;
+  }
+}
+
+void OVStaticWaveform::apply(const Patch& patch) {
+  const std::lock_guard guard(elementsLock_);
+  std::memset(elements_.buffer.data() + patch.firstSlot, 0, patch.clearedByteCount);
+  const std::uint64_t wholeSlotsEnd = patch.firstSlot + patch.clearedByteCount / sizeof(float);
+  for (std::uint64_t slot = patch.firstSlot; slot < kElementCount; ++slot) {
+    if (patch.stored[slot]) {
+      elements_.buffer[slot] = patch.values[slot];
+    }
+    if (patch.stored[slot] || slot < wholeSlotsEnd) {
+      patched_.set(slot);
+    }
+  }
+}
+
+void OVStaticWaveform::reset() {}
+
+std::uint64_t OVStaticWaveform::readerPos() const {
+  const std::uint64_t bytesPerFrame = audioBuffer_ ? audioBuffer_->format().mBytesPerFrame : 1;
+  const std::lock_guard guard(elementsLock_);
+  return elements_.reader_pos / bytesPerFrame;
+}
+
+std::uint64_t OVStaticWaveform::elementCount() const {
+  return kElementCount;
+}
+
+std::uint64_t OVStaticWaveform::producedElementCount() const {
+  const std::lock_guard guard(elementsLock_);
+  return elements_.elementCount;
+}
+
+const float* OVStaticWaveform::data() const {
+  return elements_.buffer.data();
+}
+
+void OVStaticWaveform::copyElementsInto(std::vector<float>& elements) const {
+  const std::lock_guard guard(elementsLock_);
+  elements.assign(elements_.buffer.begin(), elements_.buffer.end());
+}
+
+double OVStaticWaveform::powerAtPosition(double fraction) const {
+  const std::lock_guard guard(elementsLock_);
+  return elements_.buffer[elementIndex(fraction, kElementCount)];
+}
+
+double OVStaticWaveform::maxAmplitude() const {
+  return 1.6;
+}
+
+std::shared_ptr<OVWaveformSummary> OVStaticWaveform::copy() const {
+  auto copied = std::make_shared<OVStaticWaveform>(Passkey(), audioBuffer_, dynwaveform_);
+  const std::lock_guard guard(elementsLock_);
+  copied->elements_ = elements_;
+  copied->shouldRegenerateWaveform_.store(shouldRegenerateWaveform(), std::memory_order_relaxed);
+  copied->isRegenerating_.store(isRegenerating(), std::memory_order_relaxed);
+  return copied;
+}
+
+std::shared_ptr<OVAudioBufferInterface> OVStaticWaveform::audioBuffer() const {
+  return audioBuffer_;
+}
+
+void OVStaticWaveform::lock() {
+  bufferLock_.lock();
+}
+
+void OVStaticWaveform::unlock() {
+  bufferLock_.unlock();
+}

@@ -1,0 +1,139 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <bitset>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <vector>
+
+#include "waveform/OVWaveformSummary.h"
+#include "waveform/SummaryReader.h"
+
+class OVDynamicWaveForm;
+
+/// A summary of fixed size: 1024 elements spread evenly over the whole audio.
+///
+/// For audio whose length is known: read from the buffer, stretched from a dynamic summary, or
+/// patched chunk by chunk as audio is written. An element's value is the spread of magnitudes, of
+/// the same samples of each block as in the dynamic summary. Elements never written are 0.0.
+///
+/// A generation reads and looks at samples without the short lock and publishes a batch of
+/// elements at a time under it. Chunks that arrive meanwhile show at once, and their elements stay
+/// as if they had arrived after the generation, which may have read older audio there.
+///
+/// Threads: any. The generation lock is held for the whole of regenerate(); every other operation
+/// waits for the short lock only. Real-time: not safe.
+class OVStaticWaveform final : public OVWaveformSummary {
+  struct Passkey {
+    explicit Passkey() = default;
+  };
+
+ public:
+  static constexpr std::uint64_t kElementCount = 1024;
+
+  /// Summarises the whole buffer before it returns. Without a buffer all elements are 0.0.
+  [[nodiscard]] static std::shared_ptr<OVStaticWaveform> initWithBuffer(
+      std::shared_ptr<OVAudioBufferInterface> audioBuffer);
+
+  /// Spreads the finished elements of a dynamic summary, n of them, over the elements: its element
+  /// k goes to slot k × 1024 / n, rounded down. Nothing is averaged or interpolated; slots between
+  /// stay 0.0, a gap pattern that is meant. The dynamic summary is kept, and its audio buffer is
+  /// this one's.
+  [[nodiscard]] static std::shared_ptr<OVStaticWaveform> initWithDynamicWaveform(
+      std::shared_ptr<OVDynamicWaveForm> dynamicWaveform);
+
+  OVStaticWaveform(Passkey, std::shared_ptr<OVAudioBufferInterface> audioBuffer,
+                   std::shared_ptr<OVDynamicWaveForm> dynamicWaveform);
+  OVStaticWaveform(const OVStaticWaveform&) = delete;
+  OVStaticWaveform& operator=(const OVStaticWaveform&) = delete;
+
+  /// Summarises the whole buffer: each element covers the buffer's length divided by 1024, rounded
+  /// down. The frames that the division leaves over are not summarised, and with less than 1024
+  /// frames, or beyond a hole, elements stay as they were.
+  void regenerate();
+
+  /// regenerate() if shouldRegenerateWaveform() is set, else nothing.
+  void generate() override;
+  void generateNoLock() override;
+  void setShouldRegenerateWaveform(bool should) override;
+  [[nodiscard]] bool shouldRegenerateWaveform() const;
+  [[nodiscard]] bool isRegenerating() const override;
+
+  /// Overwrites the elements that a chunk of audio covers.
+  ///
+  /// `ofSize` counts floats, while the length of the buffer counts frames, so a stereo chunk
+  /// covers twice its share; callers place it accordingly. `atPosition` is a fraction of the
+  /// buffer: below 0 counts as 0, at 1 and beyond nothing is covered. An empty buffer, or a chunk
+  /// that has fewer floats than it would have elements, changes nothing.
+  void updateWithDataChunk(const float* dataChunk, std::uint64_t ofSize, double atPosition);
+
+  /// Nothing: there is no state between generations.
+  void reset() override;
+
+  [[nodiscard]] std::uint64_t readerPos() const override;
+  /// Always 1024.
+  [[nodiscard]] std::uint64_t elementCount() const override;
+  /// Elements that a generation produced, less the last one when it was complete; for a stretched
+  /// summary those of its source.
+  [[nodiscard]] std::uint64_t producedElementCount() const;
+  /// The 1024 elements; only for a caller that knows that no one changes them.
+  [[nodiscard]] const float* data() const override;
+  void copyElementsInto(std::vector<float>& elements) const override;
+  [[nodiscard]] double powerAtPosition(double fraction) const override;
+  /// Always 1.6.
+  [[nodiscard]] double maxAmplitude() const override;
+
+  /// The copy has the elements, counters and flags of one moment, the audio buffer and the dynamic
+  /// summary, if there is one.
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> copy() const override;
+
+  [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> audioBuffer() const override;
+
+  void lock() override;
+  void unlock() override;
+
+ private:
+  using Slots = std::bitset<kElementCount>;
+
+  /// What a chunk does to the elements, worked out before the short lock is taken.
+  struct Patch {
+    std::uint64_t firstSlot = 0;         ///< clearing starts here, at most kElementCount
+    std::uint64_t clearedByteCount = 0;  ///< not always whole elements; ends at the last one
+    Slots stored;                        ///< slots with a new value
+    std::array<float, kElementCount> values = {};
+  };
+
+  struct Elements {
+    std::array<float, kElementCount> buffer = {};
+    std::uint64_t elementCount = 0;
+    std::uint64_t reader_pos = 0;  ///< byte offset up to which a generation has read
+    std::uint64_t buffer_pos = 0;  ///< write index of a generation
+  };
+
+  void regenerateNoLock();
+  void summariseInBlocksOf(std::uint64_t frameCount);
+  [[nodiscard]] bool publish(std::span<const SummaryReader::Block> blocks);
+  static void fillPatch(Patch& patch, const float* samples, std::uint64_t sampleCount,
+                        std::uint64_t samplesPerElement, double slotsPerStep, double slot);
+  void apply(const Patch& patch);
+
+  const std::shared_ptr<OVAudioBufferInterface> audioBuffer_;
+  const std::shared_ptr<OVDynamicWaveForm> dynwaveform_;  ///< null unless stretched from one
+
+  /// Held by regenerate(), so that generations do not overlap.
+  std::mutex bufferLock_;
+
+  /// The short lock. Innermost: nothing else is locked and no buffer is called under it.
+  mutable std::mutex elementsLock_;
+  Elements elements_;  ///< guarded by elementsLock_
+  Slots patched_;  ///< guarded by elementsLock_; slots that chunks set since the last generation
+                   ///< began: it leaves them alone
+
+  /// Set by any thread, cleared at the start of a generation. Read without a lock.
+  std::atomic<bool> shouldRegenerateWaveform_ = false;
+  /// Written by the thread that generates. Read without a lock.
+  std::atomic<bool> isRegenerating_ = false;
+};
