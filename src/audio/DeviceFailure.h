@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "platform/AudioTypes.h"
+
+/// Failures of the sound device itself, as opposed to a wrong call.
+///
+/// Threads: any. Real-time: not safe.
+
+/// Whether a status of making or starting a queue comes from the device or its sound system.
+/// False for success and for the queue's own refusals (wrong parameter, wrong state).
+[[nodiscard]] bool isDeviceFailure(platform::AudioStatus status);
+
+/// Plain, localised words for a failed input or output device: what happened, what to do, what is
+/// kept. Empty for a status that says nothing about a device.
+[[nodiscard]] std::string inputFailureReason(platform::AudioStatus status);
+[[nodiscard]] std::string outputFailureReason(platform::AudioStatus status);

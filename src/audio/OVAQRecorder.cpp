@@ -1,0 +1,243 @@
+#include "audio/OVAQRecorder.h"
+
+#include <utility>
+
+#include "audio/CheckAudioStatus.h"
+#include "audio/DeviceFailure.h"
+#include "audio/QueueCallbackScope.h"
+#include "platform/ApplicationServices.h"
+#include "platform/Localization.h"
+
+namespace {
+
+constexpr int kQueueBufferCount = 3;
+constexpr std::uint32_t kFramesPerQueueBuffer = 4096;  // 92.9 ms at 44100 Hz
+constexpr const char* kSupportMailAddress = "support@orvo.example";
+
+}  // namespace
+
+std::shared_ptr<OVAQRecorder> OVAQRecorder::initWithBuffer(
+    std::shared_ptr<OVAudioBufferInterface> buffer) {
+  auto recorder = std::make_shared<OVAQRecorder>(Key{});
+  recorder->self_retain_ = recorder;
+  recorder->setBuffer(std::move(buffer));
+  recorder->setWritingPosition(0);
+  if (!recorder->initAudioQueue()) {
+    recorder->selfrelease();
+    return nullptr;
+  }
+  return recorder;
+}
+
+OVAQRecorder::~OVAQRecorder() {
+  isRunning_.store(false, std::memory_order_release);
+  isRecording_.store(false, std::memory_order_release);
+  destroyAudioQueue();
+}
+
+bool OVAQRecorder::initAudioQueue() {
+  platform::AudioStreamBasicDescription format;
+  queues_ = platform::audioQueues();
+  // Without a buffer there is nothing to complete: the all-zero description goes to the queue,
+  // which refuses it.
+  if (const auto source = buffer()) {
+    format = source->format();
+    if (!checkDevice(queues_->completeFormat(format), "AudioFormatGetProperty failed")) {
+      return false;
+    }
+  }
+  if (!makeQueue(format) || !enqueueBuffers(format.mBytesPerFrame * kFramesPerQueueBuffer)) {
+    return false;
+  }
+  if (!CheckAudioStatus(queue_->streamDescription(format), "couldn't get stream description")) {
+    return false;
+  }
+  levels_.setChannelCount(format.mChannelsPerFrame);
+  if (!CheckAudioStatus(queue_->enableLevelMetering(true), "couldn't enable metering")) {
+    return false;
+  }
+  isRecording_.store(false, std::memory_order_release);
+  isRunning_.store(true, std::memory_order_release);
+  return checkDevice(queue_->start(), "AudioQueueStart failed");
+}
+
+bool OVAQRecorder::makeQueue(const platform::AudioStreamBasicDescription& format) {
+  // A callback holds the recorder while it runs, and finds out by itself when it has gone.
+  const auto callback = [owner = this, weak = weak_from_this()](
+                            platform::AudioInputQueue& queue, platform::AudioQueueBuffer& buffer) {
+    const QueueCallbackScope scope(owner);
+    if (const auto self = weak.lock()) {
+      self->inputCallback(queue, buffer);
+    }
+  };
+  const auto failed = [owner = this, weak = weak_from_this()](platform::AudioStatus status) {
+    const QueueCallbackScope scope(owner);
+    if (const auto self = weak.lock()) {
+      self->deviceFailed(status);
+    }
+  };
+  return checkDevice(queues_->newInput(format, callback, failed, queue_),
+                     "lul AudioQueueNewInput failed");
+}
+
+bool OVAQRecorder::enqueueBuffers(std::uint32_t byteCapacity) {
+  for (int i = 0; i < kQueueBufferCount; ++i) {
+    platform::AudioQueueBuffer* buffer = nullptr;
+    if (!CheckAudioStatus(queue_->allocateBuffer(byteCapacity, buffer),
+                          "AudioQueueAllocateBuffer failed") ||
+        !CheckAudioStatus(queue_->enqueueBuffer(buffer), "AudioQueueEnqueueBuffer failed")) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool OVAQRecorder::checkDevice(platform::AudioStatus status, const std::string& label) {
+  if (isDeviceFailure(status) && !queues_->takeInputFailureReport()) {
+    return CheckAudioStatusWithoutAlert(status, label);
+  }
+  return CheckAudioStatus(status, label, inputFailureReason(status));
+}
+
+void OVAQRecorder::record() {
+  if (!queue_) {
+    ShowModalAlert(
+        platform::localizedUtf8("no queue on record!"),
+        platform::localizedUtf8("this shouldn't happen. contact ") + kSupportMailAddress + "!");
+    return;
+  }
+  if (isRecording()) {
+    return;
+  }
+  {
+    const std::lock_guard lock(mutex_);
+    span_ = Span{.after = queue_->capturedFrames()};
+    writingStopped_ = false;
+  }
+  isRecording_.store(true, std::memory_order_release);
+}
+
+void OVAQRecorder::pause() {
+  if (!isRecording()) {
+    return;
+  }
+  if (queue_) {
+    // Under the lock under which the callback decides: a buffer that it wants before this lies
+    // within the span's new end and is waited for, every later one is judged by that end.
+    std::uint64_t pressed = 0;
+    {
+      const std::lock_guard lock(mutex_);
+      pressed = queue_->capturedFrames();
+      span_.until = pressed;
+    }
+    queue_->waitUntilDelivered(pressed);
+  }
+  isRecording_.store(false, std::memory_order_release);
+}
+
+void OVAQRecorder::prepareForDestruction() {
+  if (queue_) {
+    static_cast<void>(queue_->stopImmediately());
+  }
+  isRunning_.store(false, std::memory_order_release);
+  isRecording_.store(false, std::memory_order_release);
+  selfrelease();
+}
+
+void OVAQRecorder::selfrelease() {
+  // The reference goes with this scope, not with the assignment: it may be the last one.
+  const auto released = std::exchange(self_retain_, nullptr);
+}
+
+void OVAQRecorder::destroyAudioQueue() {
+  if (!queue_) {
+    return;
+  }
+  static_cast<void>(queue_->stopImmediately());
+  static_cast<void>(queue_->dispose());
+  releaseQueue(std::exchange(queue_, nullptr), queues_, this);
+}
+
+std::optional<std::vector<float>> OVAQRecorder::powerLevels() {
+  // A device that has failed was reported; its meter is not asked, and so not reported, again.
+  if (!queue_ || failure() != platform::kAudioStatusOk) {
+    return std::nullopt;
+  }
+  return levels_.powerLevels(*queue_);
+}
+
+void OVAQRecorder::inputCallback(platform::AudioInputQueue& queue,
+                                 platform::AudioQueueBuffer& captured) {
+  if (!isRunning()) {
+    return;  // not enqueued again: the queue drains
+  }
+  const auto destination = buffer();
+  if (isRecording() && destination && isWanted(captured)) {
+    write(*destination, captured);
+  }
+  if (isRunning()) {
+    static_cast<void>(queue.enqueueBuffer(&captured));
+  }
+}
+
+void OVAQRecorder::write(OVAudioBufferInterface& destination,
+                         const platform::AudioQueueBuffer& captured) {
+  auto position = writingPosition();
+  const auto byteCount = captured.mAudioDataByteSize;
+  destination.writeData(captured.mAudioData, position, byteCount);
+  writingPosition_.compare_exchange_strong(position, position + byteCount,
+                                           std::memory_order_acq_rel);
+}
+
+bool OVAQRecorder::isWanted(const platform::AudioQueueBuffer& captured) const {
+  const std::lock_guard lock(mutex_);
+  return !writingStopped_ && captured.endFrame > span_.after && captured.endFrame <= span_.until;
+}
+
+void OVAQRecorder::stopWriting() {
+  const std::lock_guard lock(mutex_);
+  writingStopped_ = true;
+}
+
+void OVAQRecorder::deviceFailed(platform::AudioStatus status) {
+  static_cast<void>(checkDevice(status, "AudioQueueStart failed"));
+  FailureHandler handler;
+  {
+    const std::lock_guard lock(mutex_);
+    failure_ = status;
+    handler = std::exchange(failureHandler_, nullptr);
+  }
+  if (handler) {
+    handler(status);
+  }
+}
+
+void OVAQRecorder::setFailureHandler(FailureHandler handler) {
+  platform::AudioStatus failed = platform::kAudioStatusOk;
+  {
+    const std::lock_guard lock(mutex_);
+    failed = failure_;
+    if (failed == platform::kAudioStatusOk) {
+      failureHandler_ = std::exchange(handler, nullptr);
+    }
+  }
+  if (handler) {
+    handler(failed);
+  }
+}
+
+platform::AudioStatus OVAQRecorder::failure() const {
+  const std::lock_guard lock(mutex_);
+  return failure_;
+}
+
+std::shared_ptr<OVAudioBufferInterface> OVAQRecorder::buffer() const {
+  const std::lock_guard lock(mutex_);
+  return buffer_;
+}
+
+void OVAQRecorder::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
+  std::shared_ptr<OVAudioBufferInterface> previous;  // released outside the lock
+  const std::lock_guard lock(mutex_);
+  previous = std::exchange(buffer_, std::move(buffer));
+}

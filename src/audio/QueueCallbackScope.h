@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "platform/AudioQueue.h"
+#include "platform/Dispatch.h"
+
+/// Marks that the calling thread runs a callback of the queue that `owner` owns. The owner's last
+/// reference may go inside such a callback; its queue must then not be destroyed there, since the
+/// queue's thread would wait for itself.
+///
+/// Threads: those of audio queues, one scope a callback; scopes nest. Real-time: not safe.
+class QueueCallbackScope {
+ public:
+  explicit QueueCallbackScope(const void* owner) : previous_(std::exchange(current_, owner)) {}
+  ~QueueCallbackScope() { current_ = previous_; }
+  QueueCallbackScope(const QueueCallbackScope&) = delete;
+  QueueCallbackScope& operator=(const QueueCallbackScope&) = delete;
+
+  /// Whether this thread runs a callback of `owner`'s queue, outermost callback only.
+  [[nodiscard]] static bool isInside(const void* owner) { return current_ == owner; }
+
+ private:
+  static thread_local inline const void* current_ = nullptr;
+  const void* previous_;
+};
+
+/// Destroys a stopped queue: here, or on the main thread's next turn when this is a thread of that
+/// queue. `maker` outlives it.
+template <typename Queue>
+void releaseQueue(std::unique_ptr<Queue> queue, std::shared_ptr<platform::AudioQueues> maker,
+                  const void* owner) {
+  if (queue && QueueCallbackScope::isInside(owner)) {
+    platform::mainQueue().async(
+        [keptMaker = std::move(maker), last = std::shared_ptr<Queue>(std::move(queue))] {});
+  }
+}

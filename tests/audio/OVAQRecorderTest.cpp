@@ -1,0 +1,458 @@
+#include "audio/OVAQRecorder.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "audio/SteppedAudioQueues.h"
+#include "audio/TestAudioBuffer.h"
+#include "support/MainLoop.h"
+#include "support/RecordingServices.h"
+
+// The recorder over queues that a test steps by hand: order of calls, every failing call, and
+// what one callback does. OVAQRecorderThreadsTest.cpp runs it over real queues.
+namespace {
+
+using platform::AudioStatus;
+using support::RecordedAlert;
+using testaudio::kFrameBytes;
+using testaudio::ramp;
+using testaudio::TestAudioBuffer;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Optional;
+using testing::SizeIs;
+using testing::StartsWith;
+
+constexpr std::uint64_t kBufferFrames = 4096;
+constexpr std::uint64_t kBufferBytes = kBufferFrames * kFrameBytes;
+
+class OVAQRecorderTest : public testing::Test {
+ protected:
+  OVAQRecorderTest() { testing::internal::CaptureStderr(); }
+  ~OVAQRecorderTest() override {
+    if (recorder_) {
+      recorder_->prepareForDestruction();
+    }
+    recorder_.reset();
+    testing::internal::GetCapturedStderr();
+  }
+
+  void make() { recorder_ = OVAQRecorder::initWithBuffer(buffer_); }
+
+  /// Captures one queue buffer of 4096 ramp frames and delivers it.
+  bool capture() {
+    const auto first = queues_->capturedFrames;
+    queues_->capturedFrames += kBufferFrames;
+    return queues_.input().deliver(ramp(kBufferFrames, first), queues_->capturedFrames);
+  }
+
+  support::InstalledRecordingServices services_;
+  testaudio::InstalledSteppedQueues queues_;
+  std::shared_ptr<TestAudioBuffer> buffer_ = std::make_shared<TestAudioBuffer>();
+  std::shared_ptr<OVAQRecorder> recorder_;
+};
+
+TEST_F(OVAQRecorderTest, SetUpMakesItsCallsInOrder) {
+  make();
+  ASSERT_NE(recorder_, nullptr);
+  EXPECT_THAT(queues_->calls,
+              ElementsAre("completeFormat", "newInput", "allocateBuffer", "enqueueBuffer",
+                          "allocateBuffer", "enqueueBuffer", "allocateBuffer", "enqueueBuffer",
+                          "streamDescription", "enableLevelMetering", "start"));
+  EXPECT_TRUE(recorder_->isRunning());
+  EXPECT_FALSE(recorder_->isRecording());
+  EXPECT_EQ(recorder_->writingPosition(), 0U);
+  EXPECT_EQ(recorder_->buffer(), buffer_);
+  EXPECT_EQ(recorder_->queue(), &queues_.input());
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+TEST_F(OVAQRecorderTest, ItsThreeQueueBuffersHold4096FramesEach) {
+  make();
+  EXPECT_EQ(queues_.input().allocated(), 3U);
+  for (const auto* enqueued : queues_.input().enqueued) {
+    EXPECT_EQ(enqueued->mAudioDataBytesCapacity, 32768U);
+  }
+}
+
+TEST_F(OVAQRecorderTest, WithoutABufferItFailsAtTheCreationOfTheQueue) {
+  recorder_ = OVAQRecorder::initWithBuffer(nullptr);
+  EXPECT_EQ(recorder_, nullptr);
+  EXPECT_THAT(services_->alerts(),
+              ElementsAre(RecordedAlert{
+                  "Core Audio Error",
+                  "Core Audio returned the error: lul AudioQueueNewInput failed (-50)"}));
+}
+
+struct FailingStep {
+  const char* call;
+  int nth;
+  const char* label;
+};
+
+class OVAQRecorderSetUpFailure : public OVAQRecorderTest,
+                                 public testing::WithParamInterface<FailingStep> {};
+
+TEST_P(OVAQRecorderSetUpFailure, IsReportedUnderItsLabelAndLeavesNothingBehind) {
+  const auto step = GetParam();
+  queues_->fail(step.call, -66, step.nth);
+  make();
+  EXPECT_EQ(recorder_, nullptr);
+  EXPECT_THAT(
+      services_->alerts(),
+      ElementsAre(RecordedAlert{"Core Audio Error", std::string("Core Audio returned the error: ") +
+                                                        step.label + " (-66)"}));
+  EXPECT_EQ(queues_->calls.back() == "dispose",
+            std::string(step.call) != "completeFormat" && std::string(step.call) != "newInput");
+  EXPECT_EQ(queues_->queuesAlive, 0);
+  EXPECT_EQ(buffer_.use_count(), 1);  // no recorder that keeps itself holds it
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryStep, OVAQRecorderSetUpFailure,
+    testing::Values(FailingStep{"completeFormat", 1, "AudioFormatGetProperty failed"},
+                    FailingStep{"newInput", 1, "lul AudioQueueNewInput failed"},
+                    FailingStep{"allocateBuffer", 1, "AudioQueueAllocateBuffer failed"},
+                    FailingStep{"enqueueBuffer", 1, "AudioQueueEnqueueBuffer failed"},
+                    FailingStep{"allocateBuffer", 3, "AudioQueueAllocateBuffer failed"},
+                    FailingStep{"enqueueBuffer", 3, "AudioQueueEnqueueBuffer failed"},
+                    FailingStep{"streamDescription", 1, "couldn't get stream description"},
+                    FailingStep{"enableLevelMetering", 1, "couldn't enable metering"},
+                    FailingStep{"start", 1, "AudioQueueStart failed"}),
+    [](const auto& tested) {
+      return std::string(tested.param.call) + "_" + std::to_string(tested.param.nth);
+    });
+
+TEST_F(OVAQRecorderTest, MonitoringWritesNothingAndKeepsTheBuffersTravelling) {
+  make();
+  for (int i = 0; i < 7; ++i) {
+    EXPECT_TRUE(capture());
+  }
+  EXPECT_THAT(buffer_->writes(), IsEmpty());
+  EXPECT_EQ(recorder_->writingPosition(), 0U);
+  EXPECT_THAT(queues_.input().enqueued, SizeIs(3));
+}
+
+TEST_F(OVAQRecorderTest, RecordingWritesEachBufferAtTheWritingPositionAndAdvancesIt) {
+  make();
+  recorder_->setWritingPosition(800);
+  recorder_->record();
+  EXPECT_TRUE(recorder_->isRecording());
+  capture();
+  capture();
+  EXPECT_THAT(buffer_->writes(),
+              ElementsAre(TestAudioBuffer::Write{800, kBufferBytes},
+                          TestAudioBuffer::Write{800 + kBufferBytes, kBufferBytes}));
+  EXPECT_EQ(recorder_->writingPosition(), 800U + 2 * kBufferBytes);
+  EXPECT_THAT(queues_.input().enqueued, SizeIs(3));
+}
+
+TEST_F(OVAQRecorderTest, AShortCapturedBufferAdvancesByItsOwnSize) {
+  make();
+  recorder_->record();
+  EXPECT_TRUE(queues_.input().deliver(ramp(100), 100));
+  EXPECT_EQ(recorder_->writingPosition(), 100U * kFrameBytes);
+}
+
+TEST_F(OVAQRecorderTest, WithoutABufferCapturedDataIsDroppedAndTheQueueKeepsRunning) {
+  make();
+  recorder_->record();
+  recorder_->setBuffer(nullptr);
+  capture();
+  EXPECT_EQ(recorder_->writingPosition(), 0U);
+  EXPECT_THAT(queues_.input().enqueued, SizeIs(3));
+}
+
+TEST_F(OVAQRecorderTest, PauseThenRecordGoesOnAtTheWritingPositionWithoutAGap) {
+  make();
+  recorder_->record();
+  capture();
+  recorder_->pause();
+  EXPECT_FALSE(recorder_->isRecording());
+  EXPECT_TRUE(recorder_->isRunning());
+  capture();
+  recorder_->record();
+  capture();
+  EXPECT_THAT(buffer_->writes(), ElementsAre(TestAudioBuffer::Write{0, kBufferBytes},
+                                             TestAudioBuffer::Write{kBufferBytes, kBufferBytes}));
+  const auto samples = buffer_->samples();
+  EXPECT_EQ(samples.at(2 * (kBufferFrames - 1)), kBufferFrames - 1);
+  EXPECT_EQ(samples.at(2 * kBufferFrames), 2 * kBufferFrames);
+}
+
+TEST_F(OVAQRecorderTest, WhatWasCapturedBeforeRecordIsNotWrittenThoughDeliveredAfterIt) {
+  make();
+  queues_->capturedFrames = 2 * kBufferFrames;  // lies in the ring at the press
+  recorder_->record();
+  queues_.input().deliver(ramp(kBufferFrames, 0), kBufferFrames);
+  queues_.input().deliver(ramp(kBufferFrames, kBufferFrames), 2 * kBufferFrames);
+  EXPECT_THAT(buffer_->writes(), IsEmpty());
+  capture();
+  EXPECT_THAT(buffer_->writes(), SizeIs(1));
+  EXPECT_EQ(buffer_->samples().at(0), 2 * kBufferFrames);
+}
+
+TEST_F(OVAQRecorderTest, PauseStillWritesWhatWasCapturedBeforeItAndNothingLater) {
+  make();
+  recorder_->record();
+  queues_->capturedFrames = 2 * kBufferFrames;
+  queues_->whileWaiting = [this](std::uint64_t frame) {
+    EXPECT_EQ(frame, 2 * kBufferFrames);
+    EXPECT_TRUE(recorder_->isRecording());
+    for (std::uint64_t end = kBufferFrames; end <= 3 * kBufferFrames; end += kBufferFrames) {
+      queues_.input().deliver(ramp(kBufferFrames, end - kBufferFrames), end);
+    }
+  };
+  recorder_->pause();
+  EXPECT_FALSE(recorder_->isRecording());
+  EXPECT_EQ(buffer_->samples(), ramp(2 * kBufferFrames));
+  EXPECT_EQ(recorder_->writingPosition(), 2U * kBufferBytes);
+}
+
+TEST_F(OVAQRecorderTest, PauseWithoutRecordingDoesNothing) {
+  make();
+  recorder_->pause();
+  EXPECT_EQ(queues_->count("waitUntilDelivered/0"), 0U);
+  EXPECT_FALSE(recorder_->isRecording());
+}
+
+TEST_F(OVAQRecorderTest, RecordWhileRecordingDropsNothing) {
+  make();
+  recorder_->record();
+  queues_->capturedFrames = kBufferFrames;
+  recorder_->record();
+  queues_.input().deliver(ramp(kBufferFrames), kBufferFrames);
+  EXPECT_THAT(buffer_->writes(), SizeIs(1));
+}
+
+TEST_F(OVAQRecorderTest, APositionThatIsSetDuringAWriteStays) {
+  make();
+  recorder_->record();
+  buffer_->beforeWrite = [this](const auto&) { recorder_->setWritingPosition(80); };
+  capture();
+  EXPECT_EQ(recorder_->writingPosition(), 80U);
+  buffer_->beforeWrite = nullptr;
+  capture();
+  EXPECT_THAT(buffer_->writes(), ElementsAre(TestAudioBuffer::Write{0, kBufferBytes},
+                                             TestAudioBuffer::Write{80, kBufferBytes}));
+  EXPECT_EQ(recorder_->writingPosition(), 80U + kBufferBytes);
+}
+
+TEST_F(OVAQRecorderTest, StopWritingEndsTheWritesThoughItStillRecords) {
+  make();
+  recorder_->record();
+  buffer_->beforeWrite = [this](const auto&) { recorder_->stopWriting(); };
+  capture();
+  capture();
+  EXPECT_TRUE(recorder_->isRecording());
+  EXPECT_THAT(buffer_->writes(), ElementsAre(TestAudioBuffer::Write{0, kBufferBytes}));
+  EXPECT_EQ(recorder_->writingPosition(), kBufferBytes);
+  EXPECT_THAT(queues_.input().enqueued, SizeIs(3));
+}
+
+TEST_F(OVAQRecorderTest, ANewRecordWritesAgainAfterStopWriting) {
+  make();
+  recorder_->record();
+  recorder_->stopWriting();
+  capture();
+  recorder_->pause();
+  recorder_->record();
+  capture();
+  EXPECT_THAT(buffer_->writes(), SizeIs(1));
+}
+
+TEST_F(OVAQRecorderTest, AfterPrepareForDestructionABufferIsNeitherWrittenNorEnqueuedAgain) {
+  make();
+  recorder_->record();
+  recorder_->prepareForDestruction();
+  EXPECT_FALSE(recorder_->isRunning());
+  EXPECT_FALSE(recorder_->isRecording());
+  EXPECT_EQ(queues_->calls.back(), "stopImmediately");
+  capture();
+  EXPECT_THAT(buffer_->writes(), IsEmpty());
+  EXPECT_THAT(queues_.input().enqueued, SizeIs(2));
+}
+
+TEST_F(OVAQRecorderTest, ABufferDeliveredWhenTheRecorderStopsDuringItsWriteIsNotEnqueuedAgain) {
+  make();
+  recorder_->record();
+  buffer_->beforeWrite = [this](const auto&) { recorder_->prepareForDestruction(); };
+  capture();
+  EXPECT_THAT(buffer_->writes(), SizeIs(1));
+  EXPECT_THAT(queues_.input().enqueued, SizeIs(2));
+}
+
+TEST_F(OVAQRecorderTest, FailuresToEnqueueAgainAreNotLookedAt) {
+  make();
+  queues_->fail("enqueueBuffer", -66);
+  capture();
+  EXPECT_THAT(queues_.input().enqueued, SizeIs(2));
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+TEST_F(OVAQRecorderTest, ItKeepsItselfUntilPrepareForDestruction) {
+  make();
+  const std::weak_ptr<OVAQRecorder> watched = recorder_;
+  recorder_.reset();
+  EXPECT_FALSE(watched.expired());
+  EXPECT_TRUE(capture());
+  watched.lock()->prepareForDestruction();
+  EXPECT_TRUE(watched.expired());
+  EXPECT_EQ(queues_->calls.back(), "dispose");
+  EXPECT_EQ(queues_->queuesAlive, 0);
+}
+
+TEST_F(OVAQRecorderTest, SelfreleaseDropsItsReferenceToItself) {
+  make();
+  EXPECT_EQ(recorder_.use_count(), 2);
+  recorder_->selfrelease();
+  EXPECT_EQ(recorder_.use_count(), 1);
+}
+
+TEST_F(OVAQRecorderTest, DestructionStopsAndDisposesOfTheQueue) {
+  make();
+  recorder_->selfrelease();
+  queues_->calls.clear();
+  recorder_.reset();
+  EXPECT_THAT(queues_->calls, ElementsAre("stopImmediately", "dispose"));
+}
+
+TEST_F(OVAQRecorderTest, ALastReferenceThatGoesInsideTheCallbackTakesTheQueueOnTheMainThreadLater) {
+  make();
+  recorder_->record();
+  buffer_->beforeWrite = [this](const auto&) {
+    recorder_->prepareForDestruction();
+    recorder_.reset();
+  };
+  capture();
+  EXPECT_EQ(queues_->queuesAlive, 1);
+  EXPECT_TRUE(runMainLoopUntil([this] { return queues_->queuesAlive == 0; }));
+}
+
+TEST_F(OVAQRecorderTest, RecordWithoutAQueueShowsItsAlertAndDoesNotRecord) {
+  make();
+  recorder_->destroyAudioQueue();
+  EXPECT_EQ(recorder_->queue(), nullptr);
+  recorder_->record();
+  EXPECT_FALSE(recorder_->isRecording());
+  EXPECT_THAT(services_->alerts(),
+              ElementsAre(RecordedAlert{"no queue on record!",
+                                        "this shouldn't happen. contact support@orvo.example!"}));
+}
+
+TEST_F(OVAQRecorderTest, AStereoInputGivesTwoLevelsTheSecondChannelFirst) {
+  make();
+  EXPECT_THAT(recorder_->powerLevels(), Optional(ElementsAre(0.75F, 0.25F)));
+}
+
+TEST_F(OVAQRecorderTest, AMonoInputGivesOneLevel) {
+  queues_->description.mChannelsPerFrame = 1;
+  make();
+  EXPECT_THAT(recorder_->powerLevels(), Optional(ElementsAre(0.25F)));
+}
+
+TEST_F(OVAQRecorderTest, WithoutAQueueThereAreNoLevelsAndNoAlert) {
+  make();
+  recorder_->destroyAudioQueue();
+  EXPECT_EQ(recorder_->powerLevels(), std::nullopt);
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+TEST_F(OVAQRecorderTest, AMissingInputDeviceIsExplainedInTheSameAlert) {
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  make();
+  EXPECT_EQ(recorder_, nullptr);
+  const auto alerts = services_->alerts();
+  ASSERT_THAT(alerts, SizeIs(1));
+  EXPECT_EQ(alerts[0].title, "Core Audio Error");
+  EXPECT_THAT(alerts[0].message, AllOf(StartsWith("Core Audio returned the error: "
+                                                  "lul AudioQueueNewInput failed ('!dev')\n\n"),
+                                       HasSubstr("Everything recorded so far is kept.")));
+}
+
+TEST_F(OVAQRecorderTest, OneFailureOfTheInputIsAlertedOnceHoweverManyRecordersAreMade) {
+  for (int i = 0; i < 3; ++i) {
+    queues_->fail(i == 1 ? "start" : "newInput", platform::kDeviceUnavailableStatus);
+    make();
+    EXPECT_EQ(recorder_, nullptr);
+  }
+  EXPECT_THAT(services_->alerts(), SizeIs(1));
+  queues_->inputFailureReportPending = true;  // the device's state has changed
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  make();
+  EXPECT_THAT(services_->alerts(), SizeIs(2));
+}
+
+TEST_F(OVAQRecorderTest, EveryFailureOfTheInputIsPrinted) {
+  testing::internal::GetCapturedStderr();
+  testing::internal::CaptureStderr();
+  queues_->inputFailureReportPending = false;
+  queues_->fail("start", platform::kDeviceUnavailableStatus);
+  make();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: AudioQueueStart failed ('!dev')\n");
+  testing::internal::CaptureStderr();
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+TEST_F(OVAQRecorderTest, AWrongCallIsAlertedAlthoughTheDevicesFailureWasToldAlready) {
+  queues_->inputFailureReportPending = false;
+  queues_->fail("start", platform::kInvalidQueueStateStatus);
+  make();
+  EXPECT_THAT(services_->alerts(), SizeIs(1));
+}
+
+TEST_F(OVAQRecorderTest, AnInputThatIsLostIsToldOnceThenTheOwnerLearnsOfIt) {
+  make();
+  std::vector<AudioStatus> told;
+  recorder_->setFailureHandler([&](AudioStatus status) {
+    EXPECT_THAT(services_->alerts(), SizeIs(1));
+    told.push_back(status);
+  });
+  recorder_->record();
+  capture();
+  queues_.input().failLate(platform::kDeviceLostStatus);
+  EXPECT_THAT(told, ElementsAre(platform::kDeviceLostStatus));
+  EXPECT_EQ(recorder_->failure(), platform::kDeviceLostStatus);
+  EXPECT_THAT(services_->alerts().at(0).message,
+              StartsWith("Core Audio returned the error: AudioQueueStart failed ('gone')\n\n"));
+  EXPECT_TRUE(recorder_->isRecording());  // until the owner pauses
+  recorder_->pause();
+  EXPECT_EQ(buffer_->samples(), ramp(kBufferFrames));
+}
+
+TEST_F(OVAQRecorderTest, AFailureBeforeTheHandlerWasSetIsToldWhenItIs) {
+  make();
+  queues_.input().failLate(platform::kDeviceLostStatus);
+  std::vector<AudioStatus> told;
+  recorder_->setFailureHandler([&](AudioStatus status) { told.push_back(status); });
+  EXPECT_THAT(told, ElementsAre(platform::kDeviceLostStatus));
+  recorder_->setFailureHandler(nullptr);
+}
+
+TEST_F(OVAQRecorderTest, TheMeterOfALostInputIsNotAskedAndNotReportedAgain) {
+  make();
+  queues_.input().failLate(platform::kDeviceLostStatus);
+  EXPECT_EQ(recorder_->powerLevels(), std::nullopt);
+  EXPECT_EQ(queues_->count("currentLevels/2"), 0U);
+  EXPECT_THAT(services_->alerts(), SizeIs(1));
+}
+
+TEST_F(OVAQRecorderTest, ALostInputIsNotToldWhenItWasToldThroughAnotherRecorder) {
+  make();
+  queues_->inputFailureReportPending = false;
+  int told = 0;
+  recorder_->setFailureHandler([&](AudioStatus) { ++told; });
+  queues_.input().failLate(platform::kDeviceLostStatus);
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  EXPECT_EQ(told, 1);
+}
+
+}  // namespace

@@ -1,0 +1,294 @@
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "audio/Gate.h"
+#include "audio/OVAQRecorder.h"
+#include "audio/TestAudioBuffer.h"
+#include "audio/Threads.h"
+#include "platform/DeviceAudioQueues.h"
+#include "platform/Dispatch.h"
+#include "platform/ScriptedAudioDevice.h"
+#include "support/MainLoop.h"
+#include "support/RecordingServices.h"
+
+// The recorder over the real audio queues on a scripted device: its callback runs on the queue's
+// own thread.
+namespace {
+
+using platform::AudioStatus;
+using testaudio::Gate;
+using testaudio::kFrameBytes;
+using testaudio::ramp;
+using testaudio::TestAudioBuffer;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr std::uint64_t kBlock = 4096;
+constexpr std::uint64_t kBlockBytes = kBlock * kFrameBytes;
+
+class OVAQRecorderThreadsTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    recorder_ = OVAQRecorder::initWithBuffer(buffer_);
+    ASSERT_NE(recorder_, nullptr);
+    ASSERT_TRUE(device_->awaitInputOpen());
+  }
+  void TearDown() override {
+    if (recorder_) {
+      recorder_->prepareForDestruction();
+    }
+  }
+
+  /// The microphone hears the next `frames` frames of the ramp, in chunks that fit no block.
+  void feed(std::uint64_t frames) {
+    while (frames > 0) {
+      const auto chunk = std::min<std::uint64_t>(frames, 1102);
+      ASSERT_TRUE(device_->feed(ramp(chunk, fed_)));
+      fed_ += chunk;
+      frames -= chunk;
+    }
+  }
+
+  support::InstalledRecordingServices services_;
+  std::shared_ptr<platform::ScriptedAudioDevice> device_ =
+      std::make_shared<platform::ScriptedAudioDevice>();
+  platform::AudioQueuesInstallation installation_{
+      std::make_shared<platform::DeviceAudioQueues>(device_)};
+  std::shared_ptr<TestAudioBuffer> buffer_ = std::make_shared<TestAudioBuffer>();
+  std::shared_ptr<OVAQRecorder> recorder_;
+  std::uint64_t fed_ = 0;
+};
+
+TEST_F(OVAQRecorderThreadsTest, EveryWholeBufferOfARecordingIsWrittenInOrder) {
+  recorder_->record();
+  feed(10 * kBlock + 100);
+  recorder_->pause();
+  EXPECT_EQ(buffer_->samples(), ramp(10 * kBlock));
+  EXPECT_EQ(recorder_->writingPosition(), 10 * kBlockBytes);
+  EXPECT_EQ(recorder_->queue()->lostFrames(), 0U);
+}
+
+TEST_F(OVAQRecorderThreadsTest, PauseWritesWhatWasCapturedThoughTheQueuesThreadIsHeldBack) {
+  Gate gate;
+  buffer_->beforeWrite = [&](const auto&) {
+    gate.pass();
+    EXPECT_TRUE(recorder_->isRecording());  // pause() has not returned
+  };
+  recorder_->record();
+  feed(5 * kBlock + kBlock / 2);
+  ASSERT_TRUE(gate.awaitArrival());
+  std::thread helper([&] { gate.open(); });
+  recorder_->pause();
+  helper.join();
+  EXPECT_EQ(buffer_->samples(), ramp(5 * kBlock));
+  EXPECT_EQ(recorder_->writingPosition(), 5 * kBlockBytes);
+  feed(kBlock);  // completes the buffer that was being filled at the press
+  recorder_->queue()->waitUntilDelivered(6 * kBlock);
+  EXPECT_THAT(buffer_->writes(), SizeIs(5));
+}
+
+TEST_F(OVAQRecorderThreadsTest, RecordBeginsWithTheBufferThatIsBeingFilled) {
+  feed(2 * kBlock + 100);
+  recorder_->record();
+  feed(2 * kBlock);
+  recorder_->pause();
+  EXPECT_EQ(buffer_->samples(), ramp(2 * kBlock, 2 * kBlock));
+}
+
+TEST_F(OVAQRecorderThreadsTest, PauseThenRecordGoesOnWithoutAGapInTheBuffer) {
+  recorder_->record();
+  feed(2 * kBlock);
+  recorder_->pause();
+  feed(3 * kBlock);
+  recorder_->record();
+  feed(2 * kBlock);
+  recorder_->pause();
+  auto expected = ramp(2 * kBlock);
+  const auto second = ramp(2 * kBlock, 5 * kBlock);
+  expected.insert(expected.end(), second.begin(), second.end());
+  EXPECT_EQ(buffer_->samples(), expected);
+}
+
+TEST_F(OVAQRecorderThreadsTest, AClickDuringAWriteDecidesWhereTheNextBufferGoes) {
+  Gate gate;
+  buffer_->beforeWrite = [&](const auto&) { gate.pass(); };
+  recorder_->record();
+  feed(2 * kBlock);
+  ASSERT_TRUE(gate.awaitArrival());
+  recorder_->setWritingPosition(800);
+  gate.open();
+  recorder_->pause();
+  EXPECT_THAT(buffer_->writes(), ElementsAre(TestAudioBuffer::Write{0, kBlockBytes},
+                                             TestAudioBuffer::Write{800, kBlockBytes}));
+  EXPECT_EQ(recorder_->writingPosition(), 800 + kBlockBytes);
+}
+
+TEST_F(OVAQRecorderThreadsTest, PrepareForDestructionWaitsForTheWriteThatRunsAndAllowsNoOther) {
+  Gate gate;
+  std::atomic<bool> written{false};
+  buffer_->beforeWrite = [&](const auto&) {
+    gate.pass();
+    written = true;
+  };
+  recorder_->record();
+  feed(3 * kBlock);
+  ASSERT_TRUE(gate.awaitArrival());
+  std::thread helper([&] { gate.open(); });
+  recorder_->prepareForDestruction();
+  EXPECT_TRUE(written);
+  const auto writes = buffer_->writes();
+  helper.join();
+  recorder_.reset();
+  EXPECT_EQ(buffer_.use_count(), 1);
+  EXPECT_EQ(buffer_->writes(), writes);
+}
+
+TEST_F(OVAQRecorderThreadsTest, LevelsAreLiveWhileNothingIsRecorded) {
+  ASSERT_TRUE(device_->feedConstant(kBlock, 0.25F, -0.5F));
+  recorder_->queue()->waitUntilDelivered(kBlock);
+  EXPECT_THAT(recorder_->powerLevels(), testing::Optional(ElementsAre(0.5F, 0.25F)));
+  EXPECT_THAT(buffer_->writes(), IsEmpty());
+}
+
+TEST_F(OVAQRecorderThreadsTest, AnInputLostWhileRecordingKeepsEverythingAndIsToldOnce) {
+  std::atomic<AudioStatus> told{0};
+  std::atomic<bool> onMainThread{true};
+  recorder_->setFailureHandler([&](AudioStatus status) {
+    onMainThread = platform::isMainThread();
+    told = status;
+  });
+  recorder_->record();
+  feed(3 * kBlock);
+  testing::internal::CaptureStderr();
+  device_->failInput(platform::kDeviceLostStatus);
+  ASSERT_TRUE(runMainLoopUntil([&] { return told != 0; }));
+  EXPECT_EQ(told, platform::kDeviceLostStatus);
+  EXPECT_FALSE(onMainThread);
+  EXPECT_EQ(recorder_->powerLevels(), std::nullopt);
+  recorder_->pause();
+  EXPECT_FALSE(recorder_->isRecording());
+  EXPECT_EQ(buffer_->samples(), ramp(3 * kBlock));
+  EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: AudioQueueStart failed ('gone')\n");
+}
+
+TEST_F(OVAQRecorderThreadsTest, OneLostInputIsAlertedOnceForAllRecordersAndTheNext) {
+  const auto second = OVAQRecorder::initWithBuffer(std::make_shared<TestAudioBuffer>());
+  ASSERT_NE(second, nullptr);
+  std::atomic<int> told{0};
+  for (const auto& recorder : {recorder_, second}) {
+    recorder->setFailureHandler([&](AudioStatus) { ++told; });
+  }
+  testing::internal::CaptureStderr();
+  device_->failOpeningInput(platform::kDeviceUnavailableStatus);
+  device_->failInput(platform::kDeviceLostStatus);
+  ASSERT_TRUE(runMainLoopUntil([&] { return told == 2; }));
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_), nullptr);
+  }
+  EXPECT_EQ(services_->alerts().size() + services_->postedAlerts().size(), 1U);
+  second->prepareForDestruction();
+  testing::internal::GetCapturedStderr();
+}
+
+TEST_F(OVAQRecorderThreadsTest, ARecorderMadeWithoutADeviceLeavesNothingBehind) {
+  recorder_->prepareForDestruction();
+  recorder_.reset();
+  device_->failOpeningInput(platform::kDeviceUnavailableStatus);
+  device_->failInput(platform::kDeviceLostStatus);
+  ASSERT_TRUE(device_->awaitInputClosed());
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_), nullptr);
+  const auto threads = testaudio::threadCount();
+  EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_), nullptr);
+  EXPECT_EQ(testaudio::threadCount(), threads);
+  EXPECT_EQ(buffer_.use_count(), 1);
+  testing::internal::GetCapturedStderr();
+}
+
+TEST_F(OVAQRecorderThreadsTest, ALastReferenceThatGoesOnTheQueuesThreadDoesNotDeadlock) {
+  std::weak_ptr<OVAQRecorder> watched = recorder_;
+  buffer_->beforeWrite = [&](const auto&) {
+    recorder_->prepareForDestruction();
+    recorder_.reset();
+  };
+  recorder_->record();
+  const auto threads = testaudio::threadCount();
+  feed(kBlock);
+  EXPECT_TRUE(
+      runMainLoopUntil([&] { return watched.expired() && testaudio::threadCount() < threads; }));
+  EXPECT_EQ(buffer_.use_count(), 1);
+}
+
+TEST_F(OVAQRecorderThreadsTest, TwoHundredRecordersInARowLeaveNothingBehind) {
+  recorder_->prepareForDestruction();
+  recorder_.reset();
+  const auto threads = testaudio::threadCount();
+  std::uint64_t written = 0;
+  for (int i = 0; i < 200; ++i) {
+    auto recorder = OVAQRecorder::initWithBuffer(buffer_);
+    ASSERT_NE(recorder, nullptr);
+    recorder->setWritingPosition(written * kFrameBytes);
+    recorder->record();
+    feed(2 * kBlock);
+    recorder->pause();
+    EXPECT_EQ(recorder->writingPosition(), (written + 2 * kBlock) * kFrameBytes);
+    written += 2 * kBlock;
+    const std::weak_ptr<OVAQRecorder> watched = recorder;
+    recorder->prepareForDestruction();
+    recorder.reset();
+    ASSERT_TRUE(watched.expired());
+  }
+  EXPECT_EQ(buffer_->samples(), ramp(400 * kBlock));
+  EXPECT_EQ(buffer_.use_count(), 1);
+  EXPECT_EQ(testaudio::threadCount(), threads);
+  EXPECT_THAT(services_->consoleLines(), IsEmpty());
+}
+
+TEST_F(OVAQRecorderThreadsTest, PressesAtAnyMomentRecordWholeBuffersWithoutAGap) {
+  // How far the microphone may run: a few buffers ahead of what is written, so that the ring
+  // never fills while the presses still meet it at any moment.
+  std::atomic<std::uint64_t> allowed{0};
+  std::atomic<bool> ended{false};
+  std::thread microphone([&] {
+    while (!ended) {
+      if (fed_ < allowed) {
+        feed(500);
+      } else {
+        std::this_thread::yield();
+      }
+    }
+  });
+  for (int press = 0; press < 40; ++press) {
+    recorder_->setWritingPosition(0);
+    const auto before = buffer_->writes().size();
+    auto seen = before;
+    allowed = recorder_->queue()->capturedFrames() + 4 * kBlock;
+    recorder_->record();
+    ASSERT_TRUE(runMainLoopUntil([&] {
+      const auto now = buffer_->writes().size();
+      allowed += (now - seen) * kBlock;
+      seen = now;
+      return recorder_->powerLevels().has_value() && now >= before + 2;
+    }));
+    recorder_->pause();
+    const auto written = (buffer_->writes().size() - before) * kBlock;
+    EXPECT_EQ(recorder_->writingPosition(), written * kFrameBytes);
+    const auto samples = buffer_->samples();
+    const auto expected = ramp(written, static_cast<std::uint64_t>(samples.at(0)));
+    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), samples.begin())) << press;
+  }
+  ended = true;
+  microphone.join();
+  EXPECT_EQ(recorder_->queue()->lostFrames(), 0U);
+}
+
+}  // namespace

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <iterator>
+
+namespace testaudio {
+
+/// Threads of this process at the moment.
+[[nodiscard]] inline std::size_t threadCount() {
+  const std::filesystem::directory_iterator tasks("/proc/self/task");
+  return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+}
+
+}  // namespace testaudio
