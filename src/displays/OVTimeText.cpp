@@ -33,7 +33,7 @@ std::int32_t truncated(double value) {
 
 OVTimeText::OVTimeText()
     : font_(QStringLiteral("Arial")), color_(QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.6F)) {
-  font_.setStyleHint(QFont::SansSerif);
+  // No style hint: it would go before the system's own substitute for a missing Arial.
   font_.setPixelSize(kFontSize);
   // Digits are all of one width, but the pair "11" is kerned: the text would twitch as time runs.
   font_.setKerning(false);

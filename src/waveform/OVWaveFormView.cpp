@@ -110,6 +110,9 @@ void OVWaveFormView::render(std::uint64_t elementCount) {
   prevBufsize_ = elementCount;
   prevImageSize_ = size();
   prepareBitmap();
+  if (image_.isNull()) {
+    return;  // a view without area
+  }
   QPainter painter(&image_);
   platform::useViewCoordinates(painter, size());
   drawGradient(painter);
