@@ -1,0 +1,437 @@
+#include "document/VLRecorderWindowController.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <random>
+#include <system_error>
+
+#include <QLayout>
+
+#include "audio/OVAQPlayer.h"
+#include "audio/OVAQRecorder.h"
+#include "controls/OVHoverButton.h"
+#include "controls/OVRecorderWindow.h"
+#include "controls/OVRoundedTransportButton.h"
+#include "controls/OVTransportBackgroundView.h"
+#include "displays/OVCircularVUView.h"
+#include "displays/OVTimeView.h"
+#include "platform/ApplicationServices.h"
+#include "platform/File.h"
+#include "platform/Localization.h"
+#include "storage/OVBlockBuffer.h"
+#include "ui_VNRecorderWindow.h"
+#include "waveform/OVDynamicWaveForm.h"
+#include "waveform/OVPlaybackMarkerView.h"
+#include "waveform/OVStaticWaveform.h"
+#include "waveform/OVWaveFormView.h"
+
+namespace {
+
+constexpr const char* kWindowInterface = "VNRecorderWindow";
+constexpr double kDisplayInterval = 0.04;  // seconds, 25 a second
+constexpr int kIndicatorSteps = 1000;      // of the progress bar, for 0.0 to 1.0
+
+// The last reference may be dropped by a thread of the sound system; the controller owns timers
+// and views' partners, so it always dies on the main thread.
+void deleteOnMainThread(VLRecorderWindowController* controller) {
+  if (platform::isMainThread()) {
+    delete controller;
+  } else {
+    platform::mainQueue().async([controller] { delete controller; });
+  }
+}
+
+}  // namespace
+
+// Life ------------------------------------------------------------------------------------------
+
+VLRecorderWindowController::VLRecorderWindowController(OVRecorderWindow* window)
+    : window_(window) {}
+
+std::shared_ptr<VLRecorderWindowController> VLRecorderWindowController::initWithWindow(
+    OVRecorderWindow* window) {
+  std::shared_ptr<VLRecorderWindowController> controller(new VLRecorderWindowController(window),
+                                                         deleteOnMainThread);
+  controller->selfretaining_reference_ = controller;
+  controller->currentFiletype_ = -1;
+  return controller;
+}
+
+std::shared_ptr<VLRecorderWindowController> VLRecorderWindowController::initWithWindowNibName(
+    const std::string& name) {
+  if (name != kWindowInterface) {
+    return nullptr;
+  }
+  auto* window = new OVRecorderWindow;  // deletes itself when it has closed
+  Ui::VNRecorderWindow().setupUi(window);
+  auto controller = initWithWindow(window);
+  controller->windowDidLoad();
+  return controller;
+}
+
+VLRecorderWindowController::~VLRecorderWindowController() {
+  if (player_) {
+    player_->stop();
+    player_.reset();
+  }
+  if (recorder_) {
+    if (recorder_->isRecording()) {
+      recorder_->pause();
+    }
+    recorder_->prepareForDestruction();
+    recorder_.reset();
+  }
+  if (vuView_) {
+    vuView_->setDatasource({});
+  }
+}
+
+// Set-up ----------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::windowDidLoad() {
+  connectViews();
+  if (window_) {
+    window_->setTitle(
+        QStringLiteral("%1 - %2").arg(platform::localized("Orvo"), platform::localized("Unnamed")));
+  }
+  undoManager_ = std::make_shared<platform::UndoManager>();
+  undoManager_->setLevelsOfUndo(1);
+  showIndicator(false);
+  advanceIndicator(0.25);
+  setupTransportButtons();
+  if (wfView_) {
+    wfView_->setDelegate(weak_from_this());
+  }
+  initBuffer();
+  windowIsReady();
+}
+
+void VLRecorderWindowController::connectViews() {
+  if (!window_) {
+    return;
+  }
+  window_->setDelegate(weak_from_this());
+  wfView_ = window_->findChild<OVWaveFormView*>("wfView");
+  playbackMarkerView_ = window_->findChild<OVPlaybackMarkerView*>("playbackMarkerView");
+  vuView_ = window_->findChild<OVCircularVUView*>("vuView");
+  timeView_ = window_->findChild<OVTimeView*>("timeView");
+  prevButton_ = window_->findChild<OVTransportButton*>("prevButton");
+  nextButton_ = window_->findChild<OVTransportButton*>("nextButton");
+  stopButton_ = window_->findChild<OVTransportButton*>("stopButton");
+  playButton_ = window_->findChild<OVTransportButton*>("playButton");
+  recButton_ = window_->findChild<OVTransportButton*>("recButton");
+  pauseButton_ = window_->findChild<OVTransportButton*>("pauseButton");
+  fftButton_ = window_->findChild<OVHoverButton*>("fftButton");
+  transportBackView_ = window_->findChild<OVTransportBackgroundView*>("transportBackView");
+  loadingIndicator_ = window_->findChild<QProgressBar*>("loadingIndicator");
+}
+
+void VLRecorderWindowController::setupTransportButtons() {
+  using Controller = VLRecorderWindowController;
+  setupTransportButton(recButton_, "rec_on.png", "rec_off.png", &Controller::recButton);
+  setupTransportButton(playButton_, "play_on.png", "play_off.png", &Controller::playButton);
+  setupTransportButton(prevButton_, "prev.png", "prev.png", &Controller::prevButton);
+  setupTransportButton(nextButton_, "next.png", "next.png", &Controller::nextButton);
+  setupTransportButton(stopButton_, "stop.png", "stop.png", &Controller::stopButton);
+  setupTransportButton(pauseButton_, "pause.png", "pause.png", &Controller::pauseButton);
+  for (const auto& button : {recButton_, playButton_}) {
+    if (button) {
+      button->setIsSwitch(true);
+    }
+  }
+  if (auto* prev = qobject_cast<OVRoundedTransportButton*>(prevButton_.data())) {
+    prev->setType(1);
+  }
+  if (auto* next = qobject_cast<OVRoundedTransportButton*>(nextButton_.data())) {
+    next->setType(0);
+  }
+}
+
+void VLRecorderWindowController::setupTransportButton(OVTransportButton* button,
+                                                      const char* withOnImage, const char* offImage,
+                                                      ButtonAction action) {
+  if (button == nullptr) {
+    return;
+  }
+  button->setOnImage(withOnImage);
+  button->setOffImage(offImage);
+  button->setAction([this, action, button](OVTrackingButton*) { (this->*action)(button); });
+  button->setTarget(weak_from_this());
+  button->setIsOn(false);
+  setViewNeedsDisplay(QPointer<OVTransportButton>(button));
+}
+
+void VLRecorderWindowController::initBuffer() {
+  if (auto blocks = OVBlockBuffer::init()) {
+    setBuffer(std::move(blocks));
+  }
+  advanceIndicator(0.25);
+}
+
+void VLRecorderWindowController::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
+  {
+    const std::lock_guard lock(sharedObjects_);
+    buffer_ = std::move(buffer);
+  }
+  buffer_->setDelegate(weak_from_this());
+  setRecorder(makeRecorder());
+  advanceIndicator(0.25);
+  setWaveForm(OVDynamicWaveForm::initWithBuffer(buffer_));
+  if (wfView_) {
+    wfView_->setWaveForm(waveForm_);
+  }
+  if (vuView_) {
+    vuView_->setDatasource(weak_from_this());
+  }
+}
+
+void VLRecorderWindowController::windowIsReady() {
+  pollTimer_ =
+      std::make_unique<platform::Timer>(kDisplayInterval, [this] { updatePlaybackMarkerView(); });
+  showIndicator(false);
+  setIndicatorValue(0.0);
+}
+
+std::shared_ptr<OVAQRecorder> VLRecorderWindowController::makeRecorder() {
+  if (!buffer_) {
+    return nullptr;  // the temporary file could not be made; the user has been told
+  }
+  auto recorder = OVAQRecorder::initWithBuffer(buffer_);
+  if (recorder) {
+    recorder->setWritingPosition(recordingPosition() * bytesPerFrame());
+    recorder->setFailureHandler(
+        [self = weak_from_this(), failed = std::weak_ptr(recorder)](platform::AudioStatus) {
+          platform::mainQueue().async([self, failed] {
+            if (const auto controller = self.lock()) {
+              controller->inputFailed(failed);
+            }
+          });
+        });
+  }
+  return recorder;
+}
+
+void VLRecorderWindowController::setRecorder(std::shared_ptr<OVAQRecorder> recorder) {
+  const std::lock_guard lock(sharedObjects_);
+  recorder_ = std::move(recorder);
+}
+
+void VLRecorderWindowController::setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm) {
+  const std::lock_guard lock(sharedObjects_);
+  waveForm_ = std::move(waveForm);
+}
+
+// Window ----------------------------------------------------------------------------------------
+
+OVRecorderWindow* VLRecorderWindowController::window() const {
+  return window_;
+}
+
+void VLRecorderWindowController::showWindow() {
+  if (window_) {
+    window_->show();
+  }
+}
+
+bool VLRecorderWindowController::isDocumentEdited() const {
+  return window_ ? window_->isDocumentEdited() : documentEdited_;
+}
+
+void VLRecorderWindowController::setDocumentEdited(bool edited) {
+  documentEdited_ = edited;
+  if (window_) {
+    window_->setDocumentEdited(edited);
+  }
+}
+
+bool VLRecorderWindowController::windowShouldClose(OVRecorderWindow*) {
+  return true;
+}
+
+void VLRecorderWindowController::windowWillClose(OVRecorderWindow*) {
+  pollTimer_.reset();
+  if (player_) {
+    player_->setDelegate({});
+  }
+  undoManager_.reset();
+  const auto self = std::move(selfretaining_reference_);  // released when this call returns
+}
+
+std::shared_ptr<platform::UndoManager> VLRecorderWindowController::windowWillReturnUndoManager()
+    const {
+  return undoManager_;
+}
+
+// Progress bar ----------------------------------------------------------------------------------
+
+void VLRecorderWindowController::recreateIndicator(bool indeterminate) {
+  if (!loadingIndicator_) {
+    return;
+  }
+  QProgressBar* const old = loadingIndicator_;
+  auto* fresh = new QProgressBar(old->parentWidget());
+  fresh->setObjectName(old->objectName());
+  fresh->setGeometry(old->geometry());
+  fresh->setStyleSheet(old->styleSheet());
+  fresh->setMinimumSize(old->minimumSize());
+  fresh->setMaximumSize(old->maximumSize());
+  fresh->setTextVisible(false);
+  fresh->setAccessibleName(old->accessibleName());
+  fresh->setRange(0, indeterminate ? 0 : kIndicatorSteps);
+  fresh->setValue(0);
+  fresh->setVisible(false);
+  if (QLayout* const layout = old->parentWidget()->layout()) {
+    delete layout->replaceWidget(old, fresh);
+  }
+  loadingIndicator_ = fresh;
+  delete old;
+}
+
+void VLRecorderWindowController::advanceIndicator(double by) {
+  if (loadingIndicator_) {
+    setIndicatorValue(static_cast<double>(loadingIndicator_->value()) / kIndicatorSteps + by);
+  }
+}
+
+void VLRecorderWindowController::setIndicatorValue(double value) {
+  if (loadingIndicator_) {
+    loadingIndicator_->setRange(0, kIndicatorSteps);
+    loadingIndicator_->setValue(static_cast<int>(std::lround(value * kIndicatorSteps)));
+  }
+}
+
+void VLRecorderWindowController::showIndicator(bool shown) {
+  if (loadingIndicator_) {
+    loadingIndicator_->setVisible(shown);
+  }
+}
+
+// Temporary files -------------------------------------------------------------------------------
+
+std::string VLRecorderWindowController::createTempFile() {
+  static constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
+  std::random_device random;
+  std::uniform_int_distribution<std::size_t> letter(0, sizeof(kLetters) - 2);
+  std::string path = platform::temporaryFiles().directory() + "velmar_";
+  for (int i = 0; i < 12; ++i) {
+    path += kLetters[letter(random)];
+  }
+  return path;
+}
+
+void VLRecorderWindowController::removeTempFile(const std::string& path) {
+  if (!path.empty()) {
+    std::remove(path.c_str());
+  }
+}
+
+// Callbacks -------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::audioBufferDidWriteData(const void* data,
+                                                         std::uint64_t atByteOffset,
+                                                         std::uint32_t withSize) {
+  std::unique_lock objects(sharedObjects_);
+  const auto recorder = recorder_;
+  const auto waveForm = waveForm_;
+  const auto buffer = buffer_;
+  objects.unlock();
+  if (!recorder || !recorder->isRecording()) {
+    return;
+  }
+  {
+    const std::lock_guard lock(fft_data_mutex_);
+    fft_data_.resize(withSize);
+    std::memcpy(fft_data_.data(), data, withSize);
+    fft_data_p_size_ = withSize / 4;
+  }
+  const std::uint64_t frameSize = buffer->format().mBytesPerFrame;
+  const std::uint64_t frames = withSize / frameSize;
+  const std::uint64_t position = (atByteOffset + withSize) / frameSize;
+  setRecordingPosition(position);
+  _lastNumberOfFramesWritten = frames;
+  if (const auto summary = std::dynamic_pointer_cast<OVStaticWaveform>(waveForm)) {
+    const std::uint64_t start = position >= 2 * frames ? position - 2 * frames : 0;
+    const auto length = static_cast<double>(buffer->bufferFillSizeInFrames());
+    summary->updateWithDataChunk(static_cast<const float*>(data), withSize / 4,
+                                 static_cast<double>(start) / length);
+  }
+}
+
+std::vector<std::byte> VLRecorderWindowController::fft_data() const {
+  const std::lock_guard lock(fft_data_mutex_);
+  return fft_data_;
+}
+
+void VLRecorderWindowController::audioBufferFailedToWrite(int error) {
+  std::unique_lock objects(sharedObjects_);
+  const auto recorder = recorder_;
+  objects.unlock();
+  if (!recorder || !recorder->isRecording()) {
+    return;
+  }
+  recorder->stopWriting();  // what cannot be kept is not mapped either
+  if (!writeFailureTold_.exchange(true)) {
+    platform::mainQueue().async([self = weak_from_this(), error] {
+      if (const auto controller = self.lock()) {
+        controller->writingFailed(error);
+      }
+    });
+  }
+}
+
+void VLRecorderWindowController::writingFailed(int error) {
+  pauseButton(nullptr);
+  const std::string reason = std::generic_category().message(error);
+  ShowModalAlert(platform::localizedUtf8("The recording was stopped"),
+                 platform::localized("The audio could not be written to the temporary file: %1.\n\n"
+                                     "Everything recorded before is kept.")
+                     .arg(QString::fromStdString(reason))
+                     .toStdString());
+}
+
+void VLRecorderWindowController::inputFailed(const std::weak_ptr<OVAQRecorder>& recorder) {
+  const auto failed = recorder.lock();
+  if (!failed || failed != recorder_) {
+    return;
+  }
+  if (isRecording()) {
+    pauseButton(nullptr);
+  } else {
+    setRecorder(nullptr);
+    failed->prepareForDestruction();
+  }
+}
+
+void VLRecorderWindowController::playerAdvancedToFrame(std::uint64_t frame) {
+  setPlaybackPosition(frame);
+}
+
+void VLRecorderWindowController::playerStoppedPlayback(OVAQPlayer* player) {
+  if (playbackPosition() >= bufferSizeInFrames()) {
+    stopButton(stopButton_);
+  } else if (player != nullptr && player == player_.get() &&
+             player->failure() != platform::kAudioStatusOk) {
+    pauseButton(nullptr);  // the device went away: the marker stays where playing broke off
+  }
+}
+
+std::optional<std::vector<float>> VLRecorderWindowController::dataForVUView(QWidget*) {
+  if (isPlaying()) {
+    return player_->powerLevels();
+  }
+  if (isRecording()) {
+    return recorder_->powerLevels();
+  }
+  return std::nullopt;
+}
+
+// Units -----------------------------------------------------------------------------------------
+
+std::uint64_t VLRecorderWindowController::bytesPerFrame() const {
+  return buffer_ ? buffer_->format().mBytesPerFrame : 0;
+}
+
+std::uint64_t VLRecorderWindowController::bufferSizeInFrames() const {
+  return buffer_ ? buffer_->bufferSizeInFrames() : 0;
+}

@@ -1,0 +1,328 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <QPointer>
+#include <QProgressBar>
+#include <QRectF>
+#include <QWidget>
+
+#include "audio/OVAQPlayerDelegate.h"
+#include "controls/OVRecorderWindowDelegate.h"
+#include "displays/OVVUViewDataSource.h"
+#include "platform/AudioTypes.h"
+#include "platform/Dispatch.h"
+#include "platform/Timer.h"
+#include "platform/UndoManager.h"
+#include "storage/OVAudioBufferInterface.h"
+#include "waveform/OVWaveFormView.h"
+
+class OVAQPlayer;
+class OVAQRecorder;
+class OVCircularVUView;
+class OVHoverButton;
+class OVPlaybackMarkerView;
+class OVRecorderWindow;
+class OVTimeView;
+class OVTransportBackgroundView;
+class OVTransportButton;
+class OVWaveformSummary;
+
+/// One document: a recorder window with its own audio buffer, recorder, player, waveform summary,
+/// displays, transport and undo manager.
+///
+/// Positions are unsigned 64-bit frame counts; offsets handed to the buffer, the recorder and the
+/// player are bytes (frames times the format's mBytesPerFrame); views receive positions as
+/// fractions 0 to 1 of the whole length and times in seconds.
+///
+/// Every view may be missing, the window included: an operation on a missing view does nothing,
+/// so the document's logic runs without any.
+///
+/// The controller keeps itself alive from its creation until windowWillClose().
+///
+/// Sources, by concern: VLRecorderWindowController.cpp (set-up, tear-down, callbacks), …Transport
+/// (buttons, menus, keys), …Display (the 25 Hz loop, positions, clicks), …Editing (cuts, undo).
+///
+/// Threads: main, except the buffer's and the player's callbacks, the positions, isRendering-
+/// Waveform and the redraw requests, which any thread may call.
+/// Real-time: not safe.
+class VLRecorderWindowController : public OVAudioBufferDelegate,
+                                   public OVAQPlayerDelegate,
+                                   public OVWaveFormViewDelegate,
+                                   public OVVUViewDataSource,
+                                   public OVRecorderWindowDelegate,
+                                   public std::enable_shared_from_this<VLRecorderWindowController> {
+ public:
+  /// A controller for a window, or for none. Set-up follows with windowDidLoad().
+  static std::shared_ptr<VLRecorderWindowController> initWithWindow(OVRecorderWindow* window);
+
+  /// A controller with a new window from the interface file of this name, set up and not yet
+  /// shown. The only name is "VNRecorderWindow"; null for any other.
+  static std::shared_ptr<VLRecorderWindowController> initWithWindowNibName(const std::string& name);
+
+  ~VLRecorderWindowController() override;
+  VLRecorderWindowController(const VLRecorderWindowController&) = delete;
+  VLRecorderWindowController& operator=(const VLRecorderWindowController&) = delete;
+
+  // Window life ---------------------------------------------------------------------------------
+
+  /// Sets everything up: queues, undo manager, transport buttons, buffer, recorder, summary and
+  /// the display timer.
+  void windowDidLoad();
+  void showWindow();
+  [[nodiscard]] OVRecorderWindow* window() const;
+  /// The edited flag of the document, kept by the window where there is one.
+  [[nodiscard]] bool isDocumentEdited() const;
+  void setDocumentEdited(bool edited);
+
+  // Transport -----------------------------------------------------------------------------------
+
+  /// Actions of the six buttons. recButton and playButton read the new state from the sender; a
+  /// missing sender counts as off.
+  void recButton(OVTransportButton* sender);
+  void playButton(OVTransportButton* sender);
+  void pauseButton(OVTransportButton* sender);
+  void stopButton(OVTransportButton* sender);
+  void prevButton(OVTransportButton* sender);
+  void nextButton(OVTransportButton* sender);
+
+  /// Menu commands: the buttons' actions where the buttons are enabled. pauseMenu does nothing.
+  void recMenu(QObject* sender);
+  void playMenu(QObject* sender);
+  void pauseMenu(QObject* sender);
+  void stopMenu(QObject* sender);
+  void prevMenu(QObject* sender);
+  void nextMenu(QObject* sender);
+
+  // Editing -------------------------------------------------------------------------------------
+
+  void removeAfterMarker(QObject* sender);
+  void removeBeforeMarker(QObject* sender);
+  void reverseBuffer(QObject* sender);
+
+  /// What the undo manager calls: restores the buffer, exchanges edited flag and summary.
+  void undo(QObject* sender);
+  void redo(QObject* sender);
+
+  /// The Undo and Redo commands of menu and keys: pause what runs, ask the undo manager, and bring
+  /// positions that now lie behind the end back to it, so that the next recording leaves no hole.
+  void undoCommand();
+  void redoCommand();
+
+  /// The commands of a menu that are not always possible.
+  enum class MenuAction { reverseBuffer, undo, redo, edit, transport, other };
+  [[nodiscard]] bool validateMenuItem(MenuAction action) const;
+
+  [[nodiscard]] std::shared_ptr<platform::UndoManager> windowWillReturnUndoManager() const;
+
+  // Display loop --------------------------------------------------------------------------------
+
+  /// The display timer's tick.
+  void updatePlaybackMarkerView();
+
+  /// Rebuilds the displays after an edit; with `regenerate` the summary starts from scratch.
+  void refreshCompleteUI(bool regenerate);
+
+  /// Any thread.
+  [[nodiscard]] std::uint64_t playbackPosition() const;
+  void setPlaybackPosition(std::uint64_t frames);
+  [[nodiscard]] std::uint64_t recordingPosition() const;
+  void setRecordingPosition(std::uint64_t frames);
+
+  /// Any thread: the view, if it is still there, is asked to redraw from the main queue.
+  template <typename View>
+  static void setViewNeedsDisplay(const QPointer<View>& view) {
+    platform::mainQueue().async([view] {
+      if (view) {
+        view->update();
+      }
+    });
+  }
+  template <typename View>
+  static void setViewNeedsDisplay(const QPointer<View>& view, const QRectF& inRect) {
+    platform::mainQueue().async([view, rect = inRect.toAlignedRect()] {
+      if (view) {
+        view->update(rect);
+      }
+    });
+  }
+
+  [[nodiscard]] std::uint64_t lastPlaybackPosition() const { return lastPlaybackPosition_; }
+  void setLastPlaybackPosition(std::uint64_t position) { lastPlaybackPosition_ = position; }
+  /// Any thread.
+  [[nodiscard]] bool isRenderingWaveform() const { return isRenderingWaveform_; }
+  void setIsRenderingWaveform(bool rendering) { isRenderingWaveform_ = rendering; }
+
+  // Document ------------------------------------------------------------------------------------
+
+  /// Path of the opened file, empty for a new recording.
+  [[nodiscard]] const std::string& currentFilename() const { return currentFilename_; }
+  void setCurrentFilename(std::string path) { currentFilename_ = std::move(path); }
+  /// Kind of file of the document, -1 for none or unknown.
+  [[nodiscard]] std::int32_t currentFiletype() const { return currentFiletype_; }
+  void setCurrentFiletype(std::int32_t type) { currentFiletype_ = type; }
+
+  [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const { return buffer_; }
+  [[nodiscard]] std::shared_ptr<OVAQRecorder> recorder() const { return recorder_; }
+  [[nodiscard]] std::shared_ptr<OVAQPlayer> player() const { return player_; }
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const { return waveForm_; }
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const { return prevWaveform_; }
+  [[nodiscard]] bool waveformIsChanging() const { return waveformIsChanging_; }
+  [[nodiscard]] QProgressBar* loadingIndicator() const { return loadingIndicator_; }
+  /// Copy of the chunk recorded last, for the spectrum. Any thread.
+  [[nodiscard]] std::vector<std::byte> fft_data() const;
+
+  /// Replaces the document's audio by another kind of storage. For a document that has not
+  /// recorded yet.
+  void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer);
+
+  /// A fresh path in the user's temporary directory that begins with "velmar_"; the file is not
+  /// made.
+  [[nodiscard]] static std::string createTempFile();
+  /// Deletes a file; nothing for an empty path, errors are ignored.
+  static void removeTempFile(const std::string& path);
+
+  /// Replaces the progress bar by a fresh one in the same place.
+  void recreateIndicator(bool indeterminate);
+
+  // Callbacks -----------------------------------------------------------------------------------
+
+  void audioBufferDidWriteData(const void* data, std::uint64_t atByteOffset,
+                               std::uint32_t withSize) override;
+  void audioBufferFailedToWrite(int error) override;
+  void playerAdvancedToFrame(std::uint64_t frame) override;
+  void playerStoppedPlayback(OVAQPlayer* player) override;
+  std::optional<std::vector<float>> dataForVUView(QWidget* view) override;
+  void waveFormViewReceivedClick(OVWaveFormView* view, QPointF atPosition,
+                                 double timeLinePosition) override;
+  void waveFormViewReceivedDrag(OVWaveFormView* view, QPointF atPosition,
+                                double timeLinePosition) override;
+  void windowDidReceiveKeyDown(OVRecorderWindow* window, std::uint16_t keyCode) override;
+  void windowDidReceiveKeyUp(OVRecorderWindow* window, std::uint16_t keyCode) override;
+  bool windowShouldClose(OVRecorderWindow* window) override;
+  void windowWillClose(OVRecorderWindow* window) override;
+
+ private:
+  explicit VLRecorderWindowController(OVRecorderWindow* window);
+
+  using ButtonAction = void (VLRecorderWindowController::*)(OVTransportButton*);
+
+  // Set-up
+  void connectViews();
+  void setupTransportButtons();
+  void setupTransportButton(OVTransportButton* button, const char* withOnImage,
+                            const char* offImage, ButtonAction action);
+  void initBuffer();
+  void windowIsReady();
+  std::shared_ptr<OVAQRecorder> makeRecorder();
+  void setRecorder(std::shared_ptr<OVAQRecorder> recorder);
+  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm);
+  void advanceIndicator(double by);
+  void setIndicatorValue(double value);
+  void showIndicator(bool shown);
+
+  // Transport
+  void recPressed();
+  void playPressed();
+  void endRecording();
+  void restTransportButtons();
+  void replaceRecorder();
+  void pressKey(OVTransportButton* button, bool toggles);
+  bool releaseKey(OVTransportButton* button, bool toggles);
+  [[nodiscard]] bool isRecording() const;
+  [[nodiscard]] bool isPlaying() const;
+  void inputFailed(const std::weak_ptr<OVAQRecorder>& recorder);
+  void writingFailed(int error);
+  void setReadingPosition(std::uint64_t frames);
+  void setWritingPosition(std::uint64_t frames);
+
+  // Display loop
+  void updateRendering();
+  void updatePlayback();
+  void updateRecording();
+  void chooseSummary();
+  void replaceSummary(std::function<std::shared_ptr<OVWaveformSummary>()> build);
+  void installSummary(const std::shared_ptr<OVWaveformSummary>& summary,
+                      const std::shared_ptr<OVWaveformSummary>& copy);
+  void extendSummary();
+  void moveMarker(double toFraction);
+  void updateMarkerLevel();
+  void showTime(std::uint64_t currentFrames, bool always);
+  [[nodiscard]] double fractionOfBuffer(std::uint64_t frames) const;
+  [[nodiscard]] double secondsOfFrames(std::uint64_t frames) const;
+  void moveToTimeLinePosition(double fraction);
+
+  // Editing
+  void cut(void (OVAudioBufferInterface::*cutoff)(std::uint64_t), const char* actionName);
+  void exchangeHistory();
+  void runHistoryCommand(void (platform::UndoManager::*command)());
+  void registerUndo(void (VLRecorderWindowController::*operation)(QObject*),
+                    const char* actionName = nullptr);
+  void finishRefresh();
+  void clampPositions();
+
+  [[nodiscard]] std::uint64_t bytesPerFrame() const;
+  [[nodiscard]] std::uint64_t bufferSizeInFrames() const;
+
+  // Fixed after construction.
+  std::shared_ptr<VLRecorderWindowController> selfretaining_reference_;  // until windowWillClose
+  mutable platform::SerialQueue fft_queue_{"fft"};
+  mutable platform::SerialQueue playbackPosQueue_{"playback queue"};
+  mutable platform::SerialQueue recordingPosQueue_{"recording queue"};
+
+  // Written on the main thread under sharedObjects_, read there without it and elsewhere with it.
+  mutable std::mutex sharedObjects_;
+  std::shared_ptr<OVAQRecorder> recorder_;
+  std::shared_ptr<OVWaveformSummary> waveForm_;
+  std::shared_ptr<OVAudioBufferInterface> buffer_;
+
+  // Main thread only.
+  std::shared_ptr<OVAQPlayer> player_;
+  QPointer<OVRecorderWindow> window_;
+  QPointer<OVWaveFormView> wfView_;
+  QPointer<OVPlaybackMarkerView> playbackMarkerView_;
+  QPointer<OVCircularVUView> vuView_;
+  QPointer<OVTimeView> timeView_;
+  QPointer<OVTransportButton> prevButton_;
+  QPointer<OVTransportButton> nextButton_;
+  QPointer<OVTransportButton> stopButton_;
+  QPointer<OVTransportButton> playButton_;
+  QPointer<OVTransportButton> recButton_;
+  QPointer<OVTransportButton> pauseButton_;
+  QPointer<OVHoverButton> fftButton_;
+  QPointer<OVTransportBackgroundView> transportBackView_;
+  QPointer<QProgressBar> loadingIndicator_;
+  std::string currentFilename_;
+  std::int32_t currentFiletype_ = -1;
+  std::unique_ptr<platform::Timer> pollTimer_;
+  std::uint64_t lastPlaybackPosition_ = 0;
+  std::shared_ptr<platform::UndoManager> undoManager_;
+  std::shared_ptr<OVWaveformSummary> prevWaveform_;
+  bool waveformIsChanging_ = false;
+  bool prevSaveState_ = false;
+  bool documentEdited_ = false;  // the flag of a document without a window
+  bool isFileIOActive_ = false;
+
+  // Guarded by their queues.
+  std::uint64_t _playbackPosition = 0;
+  std::uint64_t _recordingPosition = 0;
+
+  // The writer's thread writes, the main thread reads: each stands for itself, so relaxed order
+  // would do.
+  std::atomic<std::uint64_t> _lastNumberOfFramesWritten = 0;
+  std::atomic<bool> isRenderingWaveform_ = false;
+  std::atomic<bool> summaryExtensionQueued_ = false;  // one extension in line is enough
+  std::atomic<bool> writeFailureTold_ = false;        // once per recording
+
+  // Guarded by fft_data_mutex_: the writer's thread replaces, the spectrum reads.
+  mutable std::mutex fft_data_mutex_;
+  std::vector<std::byte> fft_data_;
+  std::uint32_t fft_data_p_size_ = 0;
+};

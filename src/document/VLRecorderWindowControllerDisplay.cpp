@@ -1,0 +1,261 @@
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+#include "audio/OVAQPlayer.h"
+#include "audio/OVAQRecorder.h"
+#include "displays/OVTimeView.h"
+#include "document/VLRecorderWindowController.h"
+#include "waveform/OVDynamicWaveForm.h"
+#include "waveform/OVPlaybackMarkerView.h"
+#include "waveform/OVStaticWaveform.h"
+#include "waveform/OVWaveFormView.h"
+
+namespace {
+
+constexpr double kMarkerStripWidth = 8.0;  // points, around the marker's line
+constexpr double kMarkerStripLeft = 4.0;   // points, from the strip's left edge to the line
+
+// Recordings longer than this many seconds are drawn from a static summary when they are recorded
+// over: all of them.
+constexpr double kStaticSummaryThreshold = 0.0;
+
+QRectF markerStrip(const QWidget& view, double fraction) {
+  return {fraction * view.width() - kMarkerStripLeft, 0.0, kMarkerStripWidth,
+          static_cast<double>(view.height())};
+}
+
+}  // namespace
+
+// Positions -------------------------------------------------------------------------------------
+
+std::uint64_t VLRecorderWindowController::playbackPosition() const {
+  return playbackPosQueue_.sync([this] { return _playbackPosition; });
+}
+
+void VLRecorderWindowController::setPlaybackPosition(std::uint64_t frames) {
+  playbackPosQueue_.sync([this, frames] { _playbackPosition = frames; });
+}
+
+std::uint64_t VLRecorderWindowController::recordingPosition() const {
+  return recordingPosQueue_.sync([this] { return _recordingPosition; });
+}
+
+void VLRecorderWindowController::setRecordingPosition(std::uint64_t frames) {
+  recordingPosQueue_.sync([this, frames] { _recordingPosition = frames; });
+}
+
+double VLRecorderWindowController::fractionOfBuffer(std::uint64_t frames) const {
+  const std::uint64_t size = bufferSizeInFrames();
+  return size == 0 ? 0.0 : static_cast<double>(frames) / static_cast<double>(size);
+}
+
+double VLRecorderWindowController::secondsOfFrames(std::uint64_t frames) const {
+  return static_cast<double>(frames) / platform::kWorkingFormat.mSampleRate;
+}
+
+// The tick --------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::updatePlaybackMarkerView() {
+  if (!buffer_) {
+    return;
+  }
+  if (isRenderingWaveform_) {
+    updateRendering();
+    return;
+  }
+  if (isRecording()) {
+    updateRecording();
+  } else if (playbackPosition() != lastPlaybackPosition_) {
+    updatePlayback();
+  }
+}
+
+void VLRecorderWindowController::updateRendering() {
+  if (playbackMarkerView_) {
+    playbackMarkerView_->setIsRecordingMarker(false);
+  }
+  const std::uint64_t rendered = waveForm_->readerPos();
+  setIndicatorValue(fractionOfBuffer(rendered));
+  if (wfView_) {
+    wfView_->setWaveForm(waveForm_);
+    setViewNeedsDisplay(wfView_);
+  }
+  showTime(rendered, true);
+}
+
+void VLRecorderWindowController::updatePlayback() {
+  const std::uint64_t position = playbackPosition();
+  if (playbackMarkerView_) {
+    playbackMarkerView_->setIsRecordingMarker(false);
+  }
+  moveMarker(fractionOfBuffer(position));
+  lastPlaybackPosition_ = position;
+  if (isPlaying()) {
+    setRecordingPosition(position);
+  }
+  updateMarkerLevel();
+  showTime(position, false);
+}
+
+void VLRecorderWindowController::updateRecording() {
+  if (!waveformIsChanging_) {
+    chooseSummary();
+  }
+  extendSummary();
+  if (playbackMarkerView_) {
+    playbackMarkerView_->setIsRecordingMarker(true);
+  }
+  const std::uint64_t position = recordingPosition();
+  moveMarker(fractionOfBuffer(position));
+  lastPlaybackPosition_ = playbackPosition();
+  if (isPlaying()) {
+    setRecordingPosition(playbackPosition());
+  }
+  updateMarkerLevel();
+  showTime(position, true);
+}
+
+// The summary while recording -------------------------------------------------------------------
+
+// A growing summary while appending, one of fixed size while recording over what is there.
+void VLRecorderWindowController::chooseSummary() {
+  const std::uint64_t position = recordingPosition();
+  const std::uint64_t size = bufferSizeInFrames();
+  const auto dynamic = std::dynamic_pointer_cast<OVDynamicWaveForm>(waveForm_);
+  if (position >= size) {
+    if (!dynamic) {
+      replaceSummary([buffer = buffer_]() -> std::shared_ptr<OVWaveformSummary> {
+        auto summary = OVDynamicWaveForm::initWithBuffer(buffer);
+        summary->generate();
+        return summary;
+      });
+    }
+    return;
+  }
+  const double threshold = kStaticSummaryThreshold * platform::kWorkingFormat.mSampleRate;
+  if (static_cast<double>(size) > threshold && dynamic &&
+      position + _lastNumberOfFramesWritten < size) {
+    replaceSummary([dynamic]() -> std::shared_ptr<OVWaveformSummary> {
+      return OVStaticWaveform::initWithDynamicWaveform(dynamic);
+    });
+  }
+}
+
+void VLRecorderWindowController::replaceSummary(
+    std::function<std::shared_ptr<OVWaveformSummary>()> build) {
+  waveformIsChanging_ = true;
+  platform::globalQueue().async([self = weak_from_this(), build = std::move(build)] {
+    const auto summary = build();
+    const std::shared_ptr<OVWaveformSummary> copy = summary->copy();
+    platform::mainQueue().async([self, summary, copy] {
+      if (const auto controller = self.lock()) {
+        controller->installSummary(summary, copy);
+      }
+    });
+  });
+}
+
+void VLRecorderWindowController::installSummary(const std::shared_ptr<OVWaveformSummary>& summary,
+                                                const std::shared_ptr<OVWaveformSummary>& copy) {
+  if (wfView_) {
+    wfView_->setWaveForm(summary);
+  }
+  setWaveForm(summary);
+  prevWaveform_ = copy;
+  waveformIsChanging_ = false;
+}
+
+void VLRecorderWindowController::extendSummary() {
+  if (waveForm_->isRegenerating()) {
+    setViewNeedsDisplay(wfView_);
+    return;
+  }
+  if (summaryExtensionQueued_.exchange(true)) {
+    return;
+  }
+  fft_queue_.async([self = weak_from_this(), summary = waveForm_] {
+    summary->generate();
+    const auto controller = self.lock();
+    if (!controller) {
+      return;
+    }
+    controller->summaryExtensionQueued_ = false;
+    platform::mainQueue().async([self] {
+      if (const auto document = self.lock(); document && document->wfView_) {
+        document->wfView_->setShouldRedrawWaveform(true);
+        document->wfView_->update();
+      }
+    });
+  });
+}
+
+// Marker and time -------------------------------------------------------------------------------
+
+void VLRecorderWindowController::moveMarker(double toFraction) {
+  if (!playbackMarkerView_) {
+    return;
+  }
+  const QWidget& view = *playbackMarkerView_;
+  setViewNeedsDisplay(playbackMarkerView_, markerStrip(view, playbackMarkerView_->position()));
+  setViewNeedsDisplay(playbackMarkerView_, markerStrip(view, toFraction));
+  playbackMarkerView_->setPosition(toFraction);
+}
+
+void VLRecorderWindowController::updateMarkerLevel() {
+  std::optional<std::vector<float>> levels;
+  if (isRecording()) {
+    levels = recorder_->powerLevels();
+  } else if (isPlaying()) {
+    levels = player_->powerLevels();
+  }
+  if (levels && !levels->empty() && playbackMarkerView_) {
+    const double sum = std::accumulate(levels->begin(), levels->end(), 0.0);
+    playbackMarkerView_->setAudioLevel(sum / static_cast<double>(levels->size()));
+  }
+}
+
+void VLRecorderWindowController::showTime(std::uint64_t currentFrames, bool always) {
+  if (!timeView_) {
+    return;
+  }
+  const double current = secondsOfFrames(currentFrames);
+  const double duration = secondsOfFrames(bufferSizeInFrames());
+  const bool same =
+      timeView_->currentTimeInSeconds() == current && timeView_->durationInSeconds() == duration;
+  if (same && !always) {
+    return;
+  }
+  timeView_->setCurrentTimeInSeconds(current);
+  timeView_->setDurationInSeconds(duration);
+  setViewNeedsDisplay(timeView_);
+}
+
+// Clicks and drags ------------------------------------------------------------------------------
+
+void VLRecorderWindowController::waveFormViewReceivedClick(OVWaveFormView*, QPointF,
+                                                           double timeLinePosition) {
+  moveToTimeLinePosition(timeLinePosition);
+}
+
+void VLRecorderWindowController::waveFormViewReceivedDrag(OVWaveFormView*, QPointF,
+                                                          double timeLinePosition) {
+  moveToTimeLinePosition(timeLinePosition);
+}
+
+void VLRecorderWindowController::moveToTimeLinePosition(double fraction) {
+  if (!buffer_) {
+    return;
+  }
+  const double clamped = std::clamp(fraction, 0.0, 1.0);
+  const auto frames =
+      static_cast<std::uint64_t>(static_cast<double>(bufferSizeInFrames()) * clamped);
+  setPlaybackPosition(frames);
+  setReadingPosition(frames);
+  setRecordingPosition(frames);
+  setWritingPosition(frames);
+  if (playbackMarkerView_) {
+    playbackMarkerView_->setAudioLevel(waveForm_->powerAtPosition(clamped));
+  }
+}

@@ -1,0 +1,157 @@
+#include <algorithm>
+
+#include "audio/OVAQPlayer.h"
+#include "audio/OVAQRecorder.h"
+#include "controls/OVTransportButton.h"
+#include "displays/OVTimeView.h"
+#include "document/VLRecorderWindowController.h"
+#include "platform/Localization.h"
+#include "waveform/OVWaveFormView.h"
+#include "waveform/OVWaveformSummary.h"
+
+// Cuts ------------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::removeAfterMarker(QObject*) {
+  cut(&OVAudioBufferInterface::cutoffBufferAfterPosition, "Remove After Marker");
+}
+
+void VLRecorderWindowController::removeBeforeMarker(QObject*) {
+  cut(&OVAudioBufferInterface::cutoffBufferBeforePosition, "Remove Before Marker");
+}
+
+void VLRecorderWindowController::cut(void (OVAudioBufferInterface::*cutoff)(std::uint64_t),
+                                     const char* actionName) {
+  if (isFileIOActive_ || !buffer_) {
+    return;
+  }
+  pauseButton(pauseButton_);
+  buffer_->setWaypoint();
+  prevWaveform_ = waveForm_->copy();
+  (buffer_.get()->*cutoff)(playbackPosition());
+  prevSaveState_ = isDocumentEdited();
+  setDocumentEdited(true);
+  setPlaybackPosition(0);
+  setReadingPosition(playbackPosition());
+  setRecordingPosition(bufferSizeInFrames());
+  setWritingPosition(recordingPosition());
+  registerUndo(&VLRecorderWindowController::undo, actionName);
+  refreshCompleteUI(true);
+}
+
+// Reversing is its own inverse: it registers itself, and nothing else is touched.
+void VLRecorderWindowController::reverseBuffer(QObject*) {
+  if (isFileIOActive_ || !buffer_) {
+    return;
+  }
+  buffer_->reverseBuffer();
+  refreshCompleteUI(true);
+  registerUndo(&VLRecorderWindowController::reverseBuffer, "Reverse Audio");
+}
+
+// Undo and redo ---------------------------------------------------------------------------------
+
+void VLRecorderWindowController::registerUndo(
+    void (VLRecorderWindowController::*operation)(QObject*), const char* actionName) {
+  if (!undoManager_) {
+    return;
+  }
+  undoManager_->registerUndo(weak_from_this(), [this, operation] { (this->*operation)(nullptr); });
+  if (actionName != nullptr) {
+    undoManager_->setActionName(platform::localizedUtf8(actionName));
+  }
+}
+
+void VLRecorderWindowController::undo(QObject*) {
+  registerUndo(&VLRecorderWindowController::redo);
+  buffer_->undo();
+  exchangeHistory();
+}
+
+void VLRecorderWindowController::redo(QObject*) {
+  registerUndo(&VLRecorderWindowController::undo);
+  buffer_->redo();
+  exchangeHistory();
+}
+
+void VLRecorderWindowController::exchangeHistory() {
+  const bool edited = isDocumentEdited();
+  setDocumentEdited(prevSaveState_);
+  prevSaveState_ = edited;
+  const auto shown = waveForm_;
+  setWaveForm(prevWaveform_);
+  prevWaveform_ = shown;
+  if (wfView_) {
+    wfView_->setWaveForm(waveForm_);
+    wfView_->setShouldRedrawWaveform(true);
+    setViewNeedsDisplay(wfView_);
+  }
+  refreshCompleteUI(false);
+}
+
+void VLRecorderWindowController::undoCommand() {
+  if (validateMenuItem(MenuAction::undo)) {
+    runHistoryCommand(&platform::UndoManager::undo);
+  }
+}
+
+void VLRecorderWindowController::redoCommand() {
+  if (validateMenuItem(MenuAction::redo)) {
+    runHistoryCommand(&platform::UndoManager::redo);
+  }
+}
+
+void VLRecorderWindowController::runHistoryCommand(void (platform::UndoManager::*command)()) {
+  if (isRecording() || player_) {
+    pauseButton(pauseButton_);
+  }
+  (undoManager_.get()->*command)();
+  clampPositions();
+}
+
+void VLRecorderWindowController::clampPositions() {
+  const std::uint64_t end = bufferSizeInFrames();
+  if (playbackPosition() > end) {
+    setPlaybackPosition(end);
+  }
+  if (recordingPosition() > end) {
+    setRecordingPosition(end);
+    setWritingPosition(end);
+  }
+}
+
+// Refresh ---------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::refreshCompleteUI(bool regenerate) {
+  recreateIndicator(true);
+  showIndicator(true);
+  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_, regenerate] {
+    if (regenerate) {
+      summary->setShouldRegenerateWaveform(true);
+    }
+    summary->generate();
+    platform::mainQueue().async([self] {
+      if (const auto controller = self.lock()) {
+        controller->finishRefresh();
+      }
+    });
+  });
+}
+
+void VLRecorderWindowController::finishRefresh() {
+  if (wfView_) {
+    wfView_->setWaveForm(waveForm_);
+    wfView_->setShouldRedrawWaveform(true);
+    setViewNeedsDisplay(wfView_);
+  }
+  if (timeView_) {
+    timeView_->setDurationInSeconds(secondsOfFrames(bufferSizeInFrames()));
+    timeView_->setCurrentTimeInSeconds(secondsOfFrames(playbackPosition()));
+    setViewNeedsDisplay(timeView_);
+  }
+  ++lastPlaybackPosition_;
+  if (pollTimer_) {
+    updatePlaybackMarkerView();
+  }
+  setIndicatorValue(0.0);
+  showIndicator(false);
+}

@@ -1,0 +1,244 @@
+#include <QEvent>
+
+#include "document/DocumentFixture.h"
+
+namespace {
+
+// Counts the paint events of a widget and of everything inside it.
+class PaintCounter : public QObject {
+ public:
+  explicit PaintCounter(QWidget* root) {
+    root->installEventFilter(this);
+    for (QWidget* const child : root->findChildren<QWidget*>()) {
+      child->installEventFilter(this);
+    }
+  }
+  bool eventFilter(QObject*, QEvent* event) override {
+    paints_ += event->type() == QEvent::Paint ? 1 : 0;
+    return false;
+  }
+  int takePaints() { return std::exchange(paints_, 0); }
+
+ private:
+  int paints_ = 0;
+};
+
+}  // namespace
+
+class DisplayTest : public DocumentTest {
+ protected:
+  void tick() { document_->updatePlaybackMarkerView(); }
+  OVPlaybackMarkerView* marker() {
+    return document_->window()->findChild<OVPlaybackMarkerView*>("playbackMarkerView");
+  }
+  OVTimeView* time() { return document_->window()->findChild<OVTimeView*>("timeView"); }
+  OVWaveFormView* waveformView() {
+    return document_->window()->findChild<OVWaveFormView*>("wfView");
+  }
+};
+
+TEST_F(DisplayTest, AnIdleDocumentDrawsNothingOnATick) {
+  openWindow();
+  recordChunks(2);
+  tick();
+  settle();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(document_->window()));
+  PaintCounter counter(document_->window());
+  settle();
+  counter.takePaints();
+  for (int i = 0; i < 10; ++i) {
+    tick();
+    drainMainQueue();
+    QCoreApplication::processEvents();
+  }
+  EXPECT_EQ(counter.takePaints(), 0);
+}
+
+TEST_F(DisplayTest, AMovedPositionMovesMarkerAndTime) {
+  openWindow();
+  recordChunks(4);
+  document_->setPlaybackPosition(kChunkFrames);
+  tick();
+  EXPECT_DOUBLE_EQ(marker()->position(), 0.25);
+  EXPECT_DOUBLE_EQ(time()->currentTimeInSeconds(), kChunkFrames / 44100.0);
+  EXPECT_DOUBLE_EQ(time()->durationInSeconds(), 4.0 * kChunkFrames / 44100.0);
+  EXPECT_EQ(document_->lastPlaybackPosition(), kChunkFrames);
+  EXPECT_FALSE(marker()->isRecordingMarker());
+}
+
+TEST_F(DisplayTest, WithAnEmptyBufferTheMarkerStandsAtTheStart) {
+  openWindow();
+  document_->setPlaybackPosition(17);
+  tick();
+  EXPECT_DOUBLE_EQ(marker()->position(), 0.0);
+}
+
+TEST_F(DisplayTest, WhileRecordingTheMarkerShowsTheRecordingPosition) {
+  openWindow();
+  recordChunks(4);
+  document_->prevButton(nullptr);
+  pressRecord();
+  capture(0.5F);
+  tick();
+  EXPECT_TRUE(marker()->isRecordingMarker());
+  EXPECT_DOUBLE_EQ(marker()->position(), 0.25);
+  EXPECT_DOUBLE_EQ(time()->currentTimeInSeconds(), kChunkFrames / 44100.0);
+  EXPECT_DOUBLE_EQ(marker()->audioLevel(), 0.5);  // mean of the channels' levels
+  document_->pauseButton(nullptr);
+  EXPECT_FALSE(marker()->isRecordingMarker());
+}
+
+TEST_F(DisplayTest, WhilePlayingTheRecordingPositionFollowsTheMarker) {
+  openWindow();
+  recordChunks(4);
+  pressPlay();
+  queues_.output().playOne();
+  tick();
+  EXPECT_EQ(document_->recordingPosition(), document_->playbackPosition());
+  EXPECT_DOUBLE_EQ(marker()->audioLevel(), 0.5);
+}
+
+TEST_F(DisplayTest, RecordingIntoTheMiddleSwitchesToAStaticSummaryOnceAndPastTheEndBack) {
+  openWindow();
+  recordChunks(4);
+  document_->prevButton(nullptr);
+  pressRecord();
+  capture(0.5F);
+  tick();
+  EXPECT_TRUE(document_->waveformIsChanging());
+  tick();  // none in addition to the one in flight
+  ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
+  EXPECT_TRUE(summaryIsStatic());
+  const auto installed = document_->waveForm();
+  EXPECT_EQ(waveformView()->waveForm(), installed);
+  ASSERT_NE(document_->prevWaveform(), nullptr);
+  EXPECT_NE(document_->prevWaveform(), installed);
+  capture(0.5F);
+  tick();
+  settle();
+  EXPECT_EQ(document_->waveForm(), installed);
+  EXPECT_FALSE(document_->waveformIsChanging());
+
+  for (int i = 0; i < 3; ++i) {
+    capture(0.5F);
+  }
+  tick();
+  ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
+  EXPECT_FALSE(summaryIsStatic());
+  EXPECT_EQ(document_->waveForm()->readerPos(), length());
+  const auto growing = document_->waveForm();
+  tick();
+  settle();
+  EXPECT_EQ(document_->waveForm(), growing);
+}
+
+TEST_F(DisplayTest, AppendingKeepsTheGrowingSummaryAndExtendsItInTheBackground) {
+  openWindow();
+  pressRecord();
+  capture(0.5F);
+  tick();
+  settle();
+  EXPECT_FALSE(summaryIsStatic());
+  EXPECT_EQ(document_->waveForm()->readerPos(), kChunkFrames);
+  capture(0.5F);
+  tick();
+  settle();
+  EXPECT_EQ(document_->waveForm()->readerPos(), 2u * kChunkFrames);
+}
+
+TEST_F(DisplayTest, TheLastChunkOfARecordingShowsWithoutAnotherTick) {
+  openWindow();
+  recordChunks(2);
+  settle();
+  EXPECT_EQ(document_->waveForm()->readerPos(), 2u * kChunkFrames);
+}
+
+TEST_F(DisplayTest, AClickMovesBothPositionsByTruncation) {
+  openWindow();
+  recordChunks(4);
+  const std::uint64_t half = length() / 2;
+  document_->waveFormViewReceivedClick(waveformView(), {}, 0.5);
+  EXPECT_EQ(document_->playbackPosition(), half);
+  EXPECT_EQ(document_->recordingPosition(), half);
+  EXPECT_EQ(document_->recorder()->writingPosition(), half * kFrameBytes);
+  document_->waveFormViewReceivedClick(waveformView(), {}, 1.0 / 3.0);
+  EXPECT_EQ(document_->playbackPosition(),
+            static_cast<std::uint64_t>(static_cast<double>(length()) * (1.0 / 3.0)));
+}
+
+TEST_F(DisplayTest, AClickWhilePlayingMovesThePlayer) {
+  openWindow();
+  recordChunks(4);
+  pressPlay();
+  document_->waveFormViewReceivedClick(waveformView(), {}, 0.75);
+  EXPECT_EQ(document_->player()->readingPosition(), 3u * kChunkFrames * kFrameBytes);
+}
+
+TEST_F(DisplayTest, AClickWhileRecordingMovesBothPositionsAndTheRecordingGoesOnThere) {
+  openWindow();
+  recordChunks(4);
+  document_->prevButton(nullptr);
+  pressRecord();
+  capture(0.5F);
+  document_->waveFormViewReceivedClick(waveformView(), {}, 0.5);
+  EXPECT_EQ(document_->recordingPosition(), 2u * kChunkFrames);
+  EXPECT_EQ(document_->playbackPosition(), 2u * kChunkFrames);
+  capture(0.75F);
+  EXPECT_EQ(samplesAt(2 * kChunkFrames, 1), (std::vector{0.75F, 0.75F}));
+  EXPECT_EQ(samplesAt(kChunkFrames, 1), (std::vector{0.25F, 0.25F}));
+}
+
+TEST_F(DisplayTest, ADragBehavesExactlyLikeASequenceOfClicks) {
+  openWindow();
+  recordChunks(4);
+  for (const double fraction : {0.1, 0.9, 0.5, 1.0, 0.0}) {
+    document_->waveFormViewReceivedClick(waveformView(), {}, fraction);
+    const auto clicked = document_->playbackPosition();
+    document_->waveFormViewReceivedClick(waveformView(), {}, 0.33);
+    document_->waveFormViewReceivedDrag(waveformView(), {}, fraction);
+    EXPECT_EQ(document_->playbackPosition(), clicked);
+    EXPECT_EQ(document_->recordingPosition(), clicked);
+  }
+}
+
+TEST_F(DisplayTest, AClickOutsideCountsAsTheNearestEdge) {
+  openWindow();
+  recordChunks(4);
+  document_->waveFormViewReceivedDrag(waveformView(), {}, -0.25);
+  EXPECT_EQ(document_->playbackPosition(), 0u);
+  document_->waveFormViewReceivedDrag(waveformView(), {}, 1.5);
+  EXPECT_EQ(document_->playbackPosition(), length());
+}
+
+TEST_F(DisplayTest, WhileAWaveformIsRenderedBarAndTimeFollowItsReader) {
+  openWindow();
+  recordChunks(4);
+  settle();
+  document_->setPlaybackPosition(kChunkFrames);
+  document_->recreateIndicator(false);
+  document_->setIsRenderingWaveform(true);
+  tick();
+  const auto reader = document_->waveForm()->readerPos();
+  ASSERT_GT(reader, 0u);
+  EXPECT_DOUBLE_EQ(time()->currentTimeInSeconds(), static_cast<double>(reader) / 44100.0);
+  EXPECT_DOUBLE_EQ(time()->durationInSeconds(), static_cast<double>(length()) / 44100.0);
+  EXPECT_EQ(document_->loadingIndicator()->value(), static_cast<int>(1000 * reader / length()));
+  EXPECT_NE(document_->lastPlaybackPosition(), kChunkFrames);  // the marker waits
+  document_->setIsRenderingWaveform(false);
+}
+
+TEST_F(DisplayTest, PositionsMayBeSetAndReadFromAnyThread) {
+  openDocument();
+  std::thread other([&] {
+    for (std::uint64_t i = 0; i < 1000; ++i) {
+      document_->setPlaybackPosition(i);
+      document_->setRecordingPosition(i);
+    }
+  });
+  for (int i = 0; i < 1000; ++i) {
+    EXPECT_LE(document_->playbackPosition(), 999u);
+    EXPECT_LE(document_->recordingPosition(), 999u);
+  }
+  other.join();
+  EXPECT_EQ(document_->playbackPosition(), 999u);
+}

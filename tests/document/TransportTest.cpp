@@ -1,0 +1,326 @@
+#include "document/DocumentFixture.h"
+#include "support/FailingTemporaryFiles.h"
+
+namespace {
+
+constexpr std::uint16_t kKeyR = 15;
+constexpr std::uint16_t kKeyReturn = 36;
+constexpr std::uint16_t kKeySpace = 49;
+
+}  // namespace
+
+class TransportTest : public DocumentTest {
+ protected:
+  void keyDown(std::uint16_t code) { document_->windowDidReceiveKeyDown(nullptr, code); }
+  void keyUp(std::uint16_t code) { document_->windowDidReceiveKeyUp(nullptr, code); }
+  void strike(std::uint16_t code) {
+    keyDown(code);
+    keyUp(code);
+  }
+  bool recording() { return document_->recorder() && document_->recorder()->isRecording(); }
+  bool playing() { return document_->player() && document_->player()->isPlaying(); }
+};
+
+TEST_F(TransportTest, RecordingDisablesPlayMarksTheDocumentEditedAndCanBeUndone) {
+  openWindow();
+  pressRecord();
+  EXPECT_TRUE(recording());
+  EXPECT_FALSE(button("playButton")->isEnabled());
+  EXPECT_TRUE(document_->isDocumentEdited());
+  EXPECT_EQ(document_->windowWillReturnUndoManager()->undoActionName(), "Record");
+  EXPECT_TRUE(document_->window()->findChild<OVWaveFormView*>("wfView")->scrollBack());
+}
+
+TEST_F(TransportTest, PauseAfterRecordingToTheVeryEndPutsTheMarkerAtTheStart) {
+  openDocument();
+  recordChunks(3);
+  EXPECT_EQ(document_->playbackPosition(), 0u);
+  EXPECT_EQ(document_->recordingPosition(), 3u * kChunkFrames);
+}
+
+TEST_F(TransportTest, PauseAfterRecordingInTheMiddlePutsTheMarkerWhereRecordingStopped) {
+  openDocument();
+  recordChunks(4);
+  document_->prevButton(nullptr);
+  recordChunks(2, 0.5F);
+  EXPECT_EQ(document_->playbackPosition(), 2u * kChunkFrames);
+  EXPECT_EQ(document_->recordingPosition(), 2u * kChunkFrames);
+  EXPECT_EQ(length(), 4u * kChunkFrames);
+  EXPECT_EQ(samplesAt(2 * kChunkFrames - 1, 2), (std::vector{0.5F, 0.5F, 0.25F, 0.25F}));
+}
+
+TEST_F(TransportTest, PausingMergesTheBlocksOfTheRecording) {
+  openDocument();
+  recordChunks(4);
+  const auto blocks = std::dynamic_pointer_cast<OVBlockBuffer>(document_->buffer());
+  EXPECT_EQ(blocks->blocklist().size(), 1u);
+}
+
+TEST_F(TransportTest, ARecorderIsNeverReusedAcrossAPause) {
+  openDocument();
+  const auto first = document_->recorder();
+  recordChunks(1);
+  EXPECT_NE(document_->recorder(), first);
+  EXPECT_FALSE(first->isRunning());
+  EXPECT_EQ(document_->recorder()->writingPosition(), kChunkFrames * kFrameBytes);
+}
+
+TEST_F(TransportTest, PauseDuringPlaybackMakesTheNextRecordingStartAtTheMarker) {
+  openDocument();
+  recordChunks(4);
+  pressPlay();
+  queues_.output().playOne();
+  const auto marker = document_->playbackPosition();
+  ASSERT_GT(marker, 0u);
+  document_->pauseButton(nullptr);
+  EXPECT_EQ(document_->recordingPosition(), marker);
+  EXPECT_EQ(document_->recorder()->writingPosition(), marker * kFrameBytes);
+  EXPECT_EQ(document_->player(), nullptr);
+}
+
+TEST_F(TransportTest, StopDuringPlaybackSetsTheMarkerToTheStartAndRecordingToTheEnd) {
+  openDocument();
+  recordChunks(4);
+  pressPlay();
+  queues_.output().playOne();
+  document_->stopButton(nullptr);
+  EXPECT_EQ(document_->playbackPosition(), 0u);
+  EXPECT_EQ(document_->recordingPosition(), length());
+  EXPECT_EQ(document_->recorder()->writingPosition(), length() * kFrameBytes);
+}
+
+TEST_F(TransportTest, PrevWhileRecordingMovesToTheStartWithoutStopping) {
+  openDocument();
+  pressRecord();
+  capture(0.25F);
+  capture(0.25F);
+  document_->prevButton(nullptr);
+  EXPECT_TRUE(recording());
+  EXPECT_EQ(document_->recordingPosition(), 0u);
+  EXPECT_EQ(document_->recorder()->writingPosition(), 0u);
+  capture(0.5F);
+  EXPECT_EQ(samplesAt(0, 1), (std::vector{0.5F, 0.5F}));
+  EXPECT_EQ(length(), 2u * kChunkFrames);
+}
+
+TEST_F(TransportTest, NextMovesBothPositionsToTheEnd) {
+  openDocument();
+  recordChunks(2);
+  document_->prevButton(nullptr);
+  document_->nextButton(nullptr);
+  EXPECT_EQ(document_->playbackPosition(), length());
+  EXPECT_EQ(document_->recordingPosition(), length());
+  EXPECT_EQ(document_->recorder()->writingPosition(), length() * kFrameBytes);
+}
+
+TEST_F(TransportTest, PrevAndNextGiveARunningPlayerTheNewPosition) {
+  openDocument();
+  recordChunks(4);
+  pressPlay();
+  document_->nextButton(nullptr);
+  EXPECT_EQ(document_->player()->readingPosition(), length() * kFrameBytes);
+  document_->prevButton(nullptr);
+  EXPECT_EQ(document_->player()->readingPosition(), 0u);
+  EXPECT_TRUE(playing());
+}
+
+TEST_F(TransportTest, PlayStartsAtTheMarkerAndDisablesRecord) {
+  openWindow();
+  recordChunks(4);
+  document_->setPlaybackPosition(kChunkFrames);
+  pressPlay();
+  EXPECT_TRUE(playing());
+  EXPECT_FALSE(button("recButton")->isEnabled());
+  // Priming has read three buffers of 1024 frames.
+  EXPECT_EQ(document_->playbackPosition(), kChunkFrames + 3u * 1024u);
+}
+
+TEST_F(TransportTest, RecordAndPlayCannotRunAtTheSameTime) {
+  openWindow();
+  recordChunks(4);
+  pressPlay();
+  document_->recMenu(nullptr);
+  EXPECT_FALSE(recording());
+  document_->stopButton(nullptr);
+  document_->recMenu(nullptr);
+  EXPECT_TRUE(recording());
+  document_->playMenu(nullptr);  // stops the recording
+  EXPECT_FALSE(recording());
+  EXPECT_FALSE(playing());
+}
+
+TEST_F(TransportTest, HoldingSpaceTogglesPlayExactlyOnceOnRelease) {
+  openWindow();
+  recordChunks(4);
+  keyDown(kKeySpace);
+  EXPECT_FALSE(playing());
+  EXPECT_TRUE(button("playButton")->isHighlighted());
+  EXPECT_TRUE(button("playButton")->isOn());  // shows what is to come
+  for (int i = 0; i < 20; ++i) {
+    keyDown(kKeySpace);  // auto-repeat
+  }
+  EXPECT_FALSE(playing());
+  keyUp(kKeySpace);
+  EXPECT_TRUE(playing());
+  EXPECT_TRUE(button("playButton")->isOn());
+  EXPECT_FALSE(button("playButton")->isHighlighted());
+}
+
+TEST_F(TransportTest, SpaceStopsARecording) {
+  openWindow();
+  strike(kKeyR);
+  EXPECT_TRUE(recording());
+  capture(0.5F);
+  keyDown(kKeySpace);
+  EXPECT_TRUE(button("recButton")->isHighlighted());
+  EXPECT_TRUE(recording());
+  keyUp(kKeySpace);
+  EXPECT_FALSE(recording());
+  EXPECT_FALSE(button("recButton")->isOn());
+  EXPECT_FALSE(button("recButton")->isHighlighted());
+}
+
+TEST_F(TransportTest, RTogglesRecordingOnRelease) {
+  openWindow();
+  keyDown(kKeyR);
+  EXPECT_TRUE(button("recButton")->isOn());
+  EXPECT_FALSE(recording());
+  keyUp(kKeyR);
+  EXPECT_TRUE(recording());
+  strike(kKeyR);
+  EXPECT_FALSE(recording());
+}
+
+TEST_F(TransportTest, ReturnGoesToTheStart) {
+  openWindow();
+  recordChunks(2);
+  document_->nextButton(nullptr);
+  keyDown(kKeyReturn);
+  EXPECT_TRUE(button("prevButton")->isHighlighted());
+  EXPECT_EQ(document_->playbackPosition(), length());
+  keyUp(kKeyReturn);
+  EXPECT_FALSE(button("prevButton")->isHighlighted());
+  EXPECT_EQ(document_->playbackPosition(), 0u);
+}
+
+TEST_F(TransportTest, OtherKeysDoNothing) {
+  openWindow();
+  recordChunks(2);
+  for (const int code : {0, 1, 14, 16, 48, 0xFFFF}) {
+    strike(static_cast<std::uint16_t>(code));
+  }
+  EXPECT_FALSE(recording());
+  EXPECT_FALSE(playing());
+}
+
+TEST_F(TransportTest, ThePauseMenuItemHasNoEffect) {
+  openWindow();
+  pressRecord();
+  capture(0.5F);
+  document_->pauseMenu(nullptr);
+  EXPECT_TRUE(recording());
+}
+
+TEST_F(TransportTest, MenuCommandsOfDisabledButtonsDoNothing) {
+  openWindow();
+  recordChunks(2);
+  document_->nextButton(nullptr);
+  for (const char* name : {"prevButton", "stopButton", "recButton", "playButton"}) {
+    button(name)->setEnabled(false);
+  }
+  document_->prevMenu(nullptr);
+  document_->stopMenu(nullptr);
+  document_->recMenu(nullptr);
+  document_->playMenu(nullptr);
+  EXPECT_EQ(document_->playbackPosition(), length());
+  EXPECT_FALSE(recording());
+  EXPECT_FALSE(playing());
+}
+
+TEST_F(TransportTest, ReverseAudioIsPossibleOnlyInMemory) {
+  openDocument();
+  using Action = VLRecorderWindowController::MenuAction;
+  EXPECT_FALSE(document_->validateMenuItem(Action::reverseBuffer));
+  EXPECT_TRUE(document_->validateMenuItem(Action::transport));
+  EXPECT_TRUE(document_->validateMenuItem(Action::edit));
+  EXPECT_FALSE(document_->validateMenuItem(Action::undo));
+  EXPECT_FALSE(document_->validateMenuItem(Action::redo));
+}
+
+// Failures --------------------------------------------------------------------------------------
+
+TEST_F(TransportTest, WithNoInputDeviceRecordRollsBackAndOneAlertIsShown) {
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  openWindow();
+  EXPECT_EQ(document_->recorder(), nullptr);
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  pressRecord();
+  EXPECT_FALSE(button("recButton")->isOn());
+  EXPECT_TRUE(button("playButton")->isEnabled());
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
+  const auto blocks = std::dynamic_pointer_cast<OVBlockBuffer>(document_->buffer());
+  EXPECT_EQ(blocks->waypointPos(), 0u);
+  EXPECT_EQ(services_->alerts().size() + services_->postedAlerts().size(), 1u);
+}
+
+TEST_F(TransportTest, RecordingIsPossibleAgainWhenTheDeviceIsBack) {
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  openWindow();
+  ASSERT_EQ(document_->recorder(), nullptr);
+  pressRecord();
+  EXPECT_TRUE(recording());
+  EXPECT_TRUE(capture(0.5F));
+  EXPECT_EQ(length(), kChunkFrames);
+}
+
+TEST_F(TransportTest, ADeviceThatVanishesWhileRecordingStopsWithEverythingKept) {
+  openWindow();
+  pressRecord();
+  capture(0.5F);
+  capture(0.5F);
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  queues_.input().failLate(platform::kDeviceLostStatus);
+  ASSERT_TRUE(runMainLoopUntil([&] { return document_->recorder() == nullptr; }));
+  EXPECT_FALSE(button("recButton")->isOn());
+  EXPECT_EQ(length(), 2u * kChunkFrames);
+  EXPECT_EQ(document_->recordingPosition(), 2u * kChunkFrames);
+  EXPECT_EQ(services_->alerts().size() + services_->postedAlerts().size(), 1u);
+}
+
+TEST_F(TransportTest, ADeviceThatVanishesWhileNothingIsRecordedTakesTheRecorderWithIt) {
+  openWindow();
+  queues_.input().failLate(platform::kDeviceLostStatus);
+  ASSERT_TRUE(runMainLoopUntil([&] { return document_->recorder() == nullptr; }));
+  EXPECT_EQ(services_->alerts().size() + services_->postedAlerts().size(), 1u);
+}
+
+TEST_F(TransportTest, WithNoOutputDevicePlayRollsBack) {
+  openWindow();
+  recordChunks(2);
+  queues_->fail("newOutput", platform::kDeviceUnavailableStatus);
+  pressPlay();
+  EXPECT_EQ(document_->player(), nullptr);
+  EXPECT_FALSE(button("playButton")->isOn());
+  EXPECT_TRUE(button("recButton")->isEnabled());
+  EXPECT_EQ(services_->alerts().size(), 1u);
+}
+
+TEST_F(TransportTest, AFullDiskStopsTheRecordingKeepsWhatWasWrittenAndTellsOnce) {
+  support::FailingTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  openWindow();
+  pressRecord();
+  capture(0.5F);
+  capture(0.5F);
+  files.fillUpAfter(0);
+  capture(0.75F);
+  capture(0.75F);  // captured before the main thread has noticed: not written any more
+  ASSERT_TRUE(runMainLoopUntil([&] { return !recording(); }));
+  settle();
+  EXPECT_FALSE(button("recButton")->isOn());
+  EXPECT_EQ(services_->alerts().size(), 1u);
+  EXPECT_EQ(samplesAt(0, 2 * kChunkFrames), std::vector<float>(4 * kChunkFrames, 0.5F));
+  EXPECT_TRUE(samplesAt(2 * kChunkFrames, 1).empty());
+  EXPECT_EQ(length(), 3u * kChunkFrames);
+}
