@@ -1,0 +1,32 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/ApplicationServices.h"
+
+/// The application's side of what the layers below ask for: modal alerts on the main thread, the
+/// diagnostics console, the registry of temporary files, the end of a quit that waits.
+///
+/// Threads: any. Real-time: not safe.
+class OVApplicationServices : public platform::ApplicationServices {
+ public:
+  /// What is done on the main thread with a line for the console and with a cancelled quit, and on
+  /// any thread with a temporary file.
+  struct Receivers {
+    std::function<void(const std::string&)> logToConsole;
+    std::function<void(const std::string&)> registerTempFile;
+    std::function<void()> cancelTermination;
+  };
+
+  explicit OVApplicationServices(Receivers receivers);
+
+  void showModalAlert(const std::string& title, const std::string& message) override;
+  void postModalAlert(const std::string& title, const std::string& message) override;
+  void logToConsole(const std::string& text) override;
+  void registerTempFile(const std::string& path) override;
+  void cancelTermination() override;
+
+ private:
+  const Receivers receivers_;
+};

@@ -1,0 +1,129 @@
+#include "app/OVMainMenu.h"
+
+#include <utility>
+
+#include <QMainWindow>
+#include <QMenuBar>
+
+#include "controls/OVRecorderWindow.h"
+#include "platform/Localization.h"
+
+using platform::localized;
+
+OVMainMenu::OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& controller,
+                       ApplicationCommands commands)
+    : QObject(controller->window()),
+      controller_(controller),
+      commands_(std::move(commands)),
+      window_(controller->window()) {
+  addFileMenu();
+  addEditMenu();
+  addTransportMenu();
+  addHelpMenu();
+  if (const auto manager = controller->windowWillReturnUndoManager()) {
+    manager->setChangeHandler([menu = QPointer<OVMainMenu>(this)] {
+      if (menu) {
+        menu->update();
+      }
+    });
+  }
+  update();
+}
+
+QMenu* OVMainMenu::addMenu(const char* title) {
+  QMenu* const menu = window_->menuBar()->addMenu(localized(title));
+  connect(menu, &QMenu::aboutToShow, this, &OVMainMenu::update);
+  return menu;
+}
+
+QAction* OVMainMenu::addCommand(QMenu* menu, const char* title, std::function<void()> command) {
+  QAction* const action = menu->addAction(localized(title));
+  action->setObjectName(QString::fromUtf8(title));
+  connect(action, &QAction::triggered, this, std::move(command));
+  return action;
+}
+
+QAction* OVMainMenu::addDocumentCommand(QMenu* menu, const char* title, Controller::MenuAction kind,
+                                        std::function<void(Controller&)> command) {
+  QAction* const action =
+      addCommand(menu, title, [controller = controller_, command = std::move(command)] {
+        if (const auto document = controller.lock()) {
+          command(*document);
+        }
+      });
+  validated_.emplace_back(action, kind);
+  return action;
+}
+
+void OVMainMenu::addFileMenu() {
+  QMenu* const menu = addMenu("&File");
+  addCommand(menu, "New Recorder", commands_.spawnNewRecorderWindow)
+      ->setShortcut(QKeySequence::New);
+  menu->addSeparator();
+  addCommand(menu, "Close", [window = window_] {
+    if (window) {
+      window->close();
+    }
+  })->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
+  addCommand(menu, "Quit", commands_.terminate)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+}
+
+void OVMainMenu::addEditMenu() {
+  QMenu* const menu = addMenu("&Edit");
+  using Kind = Controller::MenuAction;
+  undo_ = addDocumentCommand(menu, "Undo", Kind::undo, [](Controller& c) { c.undoCommand(); });
+  undo_->setShortcut(QKeySequence::Undo);
+  redo_ = addDocumentCommand(menu, "Redo", Kind::redo, [](Controller& c) { c.redoCommand(); });
+  redo_->setShortcut(QKeySequence::Redo);
+  menu->addSeparator();
+  addDocumentCommand(menu, "Remove After Marker", Kind::edit,
+                     [](Controller& c) { c.removeAfterMarker(nullptr); });
+  addDocumentCommand(menu, "Remove Before Marker", Kind::edit,
+                     [](Controller& c) { c.removeBeforeMarker(nullptr); });
+  addDocumentCommand(menu, "Reverse Audio", Kind::reverseBuffer,
+                     [](Controller& c) { c.reverseBuffer(nullptr); });
+}
+
+void OVMainMenu::addTransportMenu() {
+  QMenu* const menu = addMenu("&Transport");
+  using Kind = Controller::MenuAction;
+  const auto add = [&](const char* title, const char* keyHint, Command command) {
+    QAction* const action = addDocumentCommand(menu, title, Kind::transport,
+                                               [command](Controller& c) { (c.*command)(nullptr); });
+    if (keyHint != nullptr) {
+      action->setText(localized(title) + QLatin1Char('\t') + localized(keyHint));
+    }
+  };
+  add("Record", "R", &Controller::recMenu);
+  add("Play", "Space", &Controller::playMenu);
+  add("Pause", nullptr, &Controller::pauseMenu);
+  add("Stop", nullptr, &Controller::stopMenu);
+  menu->addSeparator();
+  add("To Start", "Return", &Controller::prevMenu);
+  add("To End", nullptr, &Controller::nextMenu);
+}
+
+void OVMainMenu::addHelpMenu() {
+  QMenu* const menu = addMenu("&Help");
+  addCommand(menu, "Diagnostics", commands_.showDiagnostics);
+  addCommand(menu, "About Orvo", commands_.showAbout);
+}
+
+void OVMainMenu::update() {
+  const auto document = controller_.lock();
+  if (!document) {
+    return;
+  }
+  for (const auto& [action, kind] : validated_) {
+    action->setEnabled(document->validateMenuItem(kind));
+  }
+  const auto manager = document->windowWillReturnUndoManager();
+  const auto title = [](const char* verb, const std::string& name) {
+    return name.empty() ? localized(verb)
+                        : localized(verb) + QLatin1Char(' ') + QString::fromStdString(name);
+  };
+  if (manager) {
+    undo_->setText(title("Undo", manager->undoActionName()));
+    redo_->setText(title("Redo", manager->redoActionName()));
+  }
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <QAction>
+#include <QMainWindow>
+#include <QMenu>
+#include <QObject>
+#include <QPointer>
+
+#include "document/VLRecorderWindowController.h"
+
+/// The menus of one recorder window. Items of the document go to its controller and are enabled
+/// as it says; items of the application go to the commands given.
+///
+/// R, Return and Space are the window's own keys; the transport items show them as hints only.
+///
+/// Threads: main. Real-time: not safe.
+class OVMainMenu : public QObject {
+  Q_OBJECT
+
+ public:
+  struct ApplicationCommands {
+    std::function<void()> spawnNewRecorderWindow;
+    std::function<void()> terminate;
+    std::function<void()> showDiagnostics;
+    std::function<void()> showAbout;
+  };
+
+  /// Fills the window's menu bar and belongs to the window from then on.
+  OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& controller,
+             ApplicationCommands commands);
+
+  /// Takes over what the document says about its items: names of undo and redo, enabled states.
+  void update();
+
+ private:
+  using Controller = VLRecorderWindowController;
+  using Command = void (Controller::*)(QObject*);
+
+  QMenu* addMenu(const char* title);
+  QAction* addCommand(QMenu* menu, const char* title, std::function<void()> command);
+  QAction* addDocumentCommand(QMenu* menu, const char* title, Controller::MenuAction kind,
+                              std::function<void(Controller&)> command);
+  void addFileMenu();
+  void addEditMenu();
+  void addTransportMenu();
+  void addHelpMenu();
+
+  std::weak_ptr<Controller> controller_;
+  ApplicationCommands commands_;
+  QPointer<QMainWindow> window_;
+  QAction* undo_ = nullptr;
+  QAction* redo_ = nullptr;
+  std::vector<std::pair<QAction*, Controller::MenuAction>> validated_;
+};

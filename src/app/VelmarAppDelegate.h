@@ -1,0 +1,71 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include <QPointer>
+
+#include "app/OVMainMenu.h"
+#include "platform/Timer.h"
+
+class OVDiagnosticsWindow;
+class OVRecorderWindow;
+
+/// The application: opens recorder windows, keeps the list of temporary files that are deleted at
+/// the end, and runs the quit that waits for documents with unsaved changes.
+///
+/// Threads: main, except registerTempFile(), which any thread may call.
+/// Real-time: not safe.
+class VelmarAppDelegate {
+ public:
+  /// `quit` ends the main loop.
+  explicit VelmarAppDelegate(std::function<void()> quit);
+  ~VelmarAppDelegate();
+  VelmarAppDelegate(const VelmarAppDelegate&) = delete;
+  VelmarAppDelegate& operator=(const VelmarAppDelegate&) = delete;
+
+  void applicationWillFinishLaunching();
+  /// Opens an empty recorder window unless a file was opened.
+  void applicationDidFinishLaunching();
+  void spawnNewRecorderWindow(QObject* sender);
+
+  enum class TerminateReply { cancel = 0, now = 1 };
+
+  /// Asks every edited window to close; "now" when none is edited. While one is, checkTermination
+  /// is called 30 times a second.
+  TerminateReply applicationShouldTerminate();
+  /// Ends the wait of a quit: terminates once no window is edited any more.
+  void checkTermination();
+  /// A document's question was answered with Cancel: the quit is off.
+  void cancelTermination();
+  [[nodiscard]] bool isTerminating() const { return terminationTimer_ != nullptr; }
+  /// Deletes every registered temporary file; failures are ignored.
+  void applicationWillTerminate();
+
+  /// The Quit command.
+  void terminate();
+
+  /// Any thread.
+  void registerTempFile(const std::string& path);
+  [[nodiscard]] std::vector<std::string> tempfiles() const;
+
+  void logToConsole(const std::string& text);
+  void showDiagnostics();
+  void showAbout();
+
+ private:
+  [[nodiscard]] static std::vector<OVRecorderWindow*> recorderWindows();
+  [[nodiscard]] OVMainMenu::ApplicationCommands commands();
+
+  const std::function<void()> quit_;
+  bool spawn_rec_ = true;
+  std::unique_ptr<platform::Timer> terminationTimer_;
+  bool terminationCanceled_ = false;
+  std::unique_ptr<OVDiagnosticsWindow> debugWindow_;
+
+  mutable std::mutex tempfilesMutex_;
+  std::vector<std::string> tempfiles_;  // guarded by tempfilesMutex_
+};

@@ -1,0 +1,171 @@
+#include "app/VelmarAppDelegate.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+#include <QAction>
+#include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "audio/SteppedAudioQueues.h"
+#include "controls/OVRecorderWindow.h"
+#include "controls/OVTransportButton.h"
+#include "platform/Dispatch.h"
+#include "support/MainLoop.h"
+#include "support/RecordingServices.h"
+
+class AppDelegateTest : public testing::Test {
+ protected:
+  ~AppDelegateTest() override {
+    for (OVRecorderWindow* const window : windows()) {
+      window->performClose();
+    }
+    EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+    EXPECT_TRUE(runMainLoopUntil([&] { return windows().empty(); }));
+  }
+
+  static std::vector<OVRecorderWindow*> windows() {
+    std::vector<OVRecorderWindow*> found;
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+      if (auto* const window = qobject_cast<OVRecorderWindow*>(widget)) {
+        found.push_back(window);
+      }
+    }
+    return found;
+  }
+
+  OVRecorderWindow* spawn() {
+    const auto before = windows();
+    delegate_.spawnNewRecorderWindow(nullptr);
+    for (OVRecorderWindow* const window : windows()) {
+      if (std::find(before.begin(), before.end(), window) == before.end()) {
+        return window;
+      }
+    }
+    return nullptr;
+  }
+
+  static QAction* item(OVRecorderWindow* window, const char* name) {
+    return window->findChild<QAction*>(QString::fromUtf8(name));
+  }
+
+  support::InstalledRecordingServices services_;
+  testaudio::InstalledSteppedQueues queues_;
+  int quits_ = 0;
+  VelmarAppDelegate delegate_{[this] { ++quits_; }};
+};
+
+TEST_F(AppDelegateTest, LaunchingWithoutFilesShowsOneEmptyWindow) {
+  delegate_.applicationWillFinishLaunching();
+  EXPECT_TRUE(windows().empty());
+  delegate_.applicationDidFinishLaunching();
+  ASSERT_EQ(windows().size(), 1u);
+  EXPECT_TRUE(windows()[0]->isVisible());
+}
+
+TEST_F(AppDelegateTest, QuittingWithNoWindowsOrNoneEditedIsAnsweredAtOnce) {
+  EXPECT_EQ(delegate_.applicationShouldTerminate(), VelmarAppDelegate::TerminateReply::now);
+  spawn();
+  EXPECT_EQ(delegate_.applicationShouldTerminate(), VelmarAppDelegate::TerminateReply::now);
+  delegate_.terminate();
+  EXPECT_EQ(quits_, 1);
+  EXPECT_FALSE(delegate_.isTerminating());
+}
+
+TEST_F(AppDelegateTest, QuittingWithAnEditedWindowClosesItAndQuitsOnceNoneIsEdited) {
+  QPointer<OVRecorderWindow> window = spawn();
+  window->setDocumentEdited(true);
+  EXPECT_EQ(delegate_.applicationShouldTerminate(), VelmarAppDelegate::TerminateReply::cancel);
+  EXPECT_TRUE(delegate_.isTerminating());
+  EXPECT_TRUE(runMainLoopUntil([&] { return quits_ == 1; }));
+  EXPECT_TRUE(runMainLoopUntil([&] { return window.isNull(); }));
+  EXPECT_FALSE(delegate_.isTerminating());
+}
+
+TEST_F(AppDelegateTest, ACancelledQuitStopsThePollingAndALaterOneStartsItAgain) {
+  spawn()->setDocumentEdited(true);
+  ASSERT_EQ(delegate_.applicationShouldTerminate(), VelmarAppDelegate::TerminateReply::cancel);
+  delegate_.cancelTermination();
+  EXPECT_FALSE(delegate_.isTerminating());
+  spawn()->setDocumentEdited(true);
+  EXPECT_EQ(delegate_.applicationShouldTerminate(), VelmarAppDelegate::TerminateReply::cancel);
+  EXPECT_TRUE(delegate_.isTerminating());
+  delegate_.cancelTermination();
+}
+
+TEST_F(AppDelegateTest, RegisteredTemporaryFilesAreDeletedAtTheEndAlsoThoseAlreadyGone) {
+  const QTemporaryDir folder;
+  const std::string kept = folder.filePath("kept").toStdString();
+  const std::string gone = folder.filePath("gone").toStdString();
+  std::ofstream(kept) << "x";
+  delegate_.applicationWillFinishLaunching();
+  delegate_.registerTempFile(kept);
+  delegate_.registerTempFile(gone);
+  delegate_.applicationWillTerminate();
+  EXPECT_FALSE(std::filesystem::exists(kept));
+  EXPECT_EQ(delegate_.tempfiles().size(), 2u);  // the list only grows
+}
+
+TEST_F(AppDelegateTest, ClosingTheWindowWhileRecordingAndQuittingLeavesNothingRunning) {
+  OVRecorderWindow* const window = spawn();
+  item(window, "Record")->trigger();
+  delegate_.terminate();
+  EXPECT_TRUE(runMainLoopUntil([&] { return quits_ == 1; }));
+  EXPECT_TRUE(runMainLoopUntil([&] { return queues_->queuesAlive == 0; }));
+}
+
+// Menus -----------------------------------------------------------------------------------------
+
+TEST_F(AppDelegateTest, EveryWindowHasTheMenusAndSaysWhatCanBeUndone) {
+  OVRecorderWindow* const window = spawn();
+  QStringList titles;
+  for (const QAction* const action : window->menuBar()->actions()) {
+    titles << action->text();
+  }
+  EXPECT_EQ(titles, QStringList({"&File", "&Edit", "&Transport", "&Help"}));
+  EXPECT_FALSE(item(window, "Undo")->isEnabled());
+  EXPECT_FALSE(item(window, "Reverse Audio")->isEnabled());
+
+  item(window, "Record")->trigger();
+  item(window, "Record")->trigger();
+  EXPECT_TRUE(item(window, "Undo")->isEnabled());
+  EXPECT_EQ(item(window, "Undo")->text(), "Undo Record");
+  item(window, "Undo")->trigger();
+  EXPECT_FALSE(item(window, "Undo")->isEnabled());
+  EXPECT_EQ(item(window, "Undo")->text(), "Undo");
+  EXPECT_EQ(item(window, "Redo")->text(), "Redo Record");
+}
+
+TEST_F(AppDelegateTest, NewRecorderOpensAnotherWindowOfItsOwn) {
+  OVRecorderWindow* const first = spawn();
+  item(first, "New Recorder")->trigger();
+  ASSERT_EQ(windows().size(), 2u);
+  item(first, "Record")->trigger();
+  for (OVRecorderWindow* const window : windows()) {
+    EXPECT_EQ(window->isDocumentEdited(), window == first);
+  }
+}
+
+TEST_F(AppDelegateTest, TheTransportItemsShowTheWindowsKeysWithoutTakingThem) {
+  OVRecorderWindow* const window = spawn();
+  for (const char* name : {"Record", "Play", "To Start"}) {
+    EXPECT_TRUE(item(window, name)->shortcut().isEmpty());
+    EXPECT_TRUE(item(window, name)->text().contains('\t'));
+  }
+}
+
+TEST_F(AppDelegateTest, KeysReachTheTransportThroughTheWindow) {
+  OVRecorderWindow* const window = spawn();
+  auto* const rec = window->findChild<OVTransportButton*>("recButton");
+  QTest::keyPress(window, Qt::Key_R);
+  EXPECT_TRUE(rec->isHighlighted());
+  QTest::keyRelease(window, Qt::Key_R);
+  EXPECT_TRUE(rec->isOn());
+  EXPECT_FALSE(rec->isHighlighted());
+  QTest::keyClick(window, Qt::Key_Space);
+  EXPECT_FALSE(rec->isOn());
+}
