@@ -356,6 +356,7 @@ void VLRecorderWindowController::audioBufferDidWriteData(const void* data,
     summary->updateWithDataChunk(static_cast<const float*>(data), withSize / 4,
                                  static_cast<double>(start) / length);
   }
+  reportFailedWrite(atByteOffset);
 }
 
 std::vector<std::byte> VLRecorderWindowController::fft_data() const {
@@ -367,27 +368,45 @@ void VLRecorderWindowController::audioBufferFailedToWrite(int error) {
   std::unique_lock objects(sharedObjects_);
   const auto recorder = recorder_;
   objects.unlock();
-  if (!recorder || !recorder->isRecording()) {
-    return;
-  }
-  recorder->stopWriting();  // what cannot be kept is not mapped either
-  if (!writeFailureTold_.exchange(true)) {
-    platform::mainQueue().async([self = weak_from_this(), error] {
-      if (const auto controller = self.lock()) {
-        controller->writingFailed(error);
-      }
-    });
+  if (recorder && recorder->isRecording()) {
+    recorder->stopWriting();  // what cannot be kept is not mapped either
+    writeError_ = error;
   }
 }
 
-void VLRecorderWindowController::writingFailed(int error) {
+// The first failed write of a recording ends it; `atByteOffset` is where it would have gone.
+void VLRecorderWindowController::reportFailedWrite(std::uint64_t atByteOffset) {
+  const int error = writeError_.exchange(0);
+  if (error == 0 || writeFailureTold_.exchange(true)) {
+    return;
+  }
+  platform::mainQueue().async([self = weak_from_this(), error, atByteOffset] {
+    if (const auto controller = self.lock()) {
+      controller->writingFailed(error, atByteOffset);
+    }
+  });
+}
+
+void VLRecorderWindowController::writingFailed(int error, std::uint64_t atByteOffset) {
   pauseButton(nullptr);
-  const std::string reason = std::generic_category().message(error);
+  dropLostEnd(atByteOffset);
   ShowModalAlert(platform::localizedUtf8("The recording was stopped"),
                  platform::localized("The audio could not be written to the temporary file: %1.\n\n"
                                      "Everything recorded before is kept.")
-                     .arg(QString::fromStdString(reason))
+                     .arg(QString::fromStdString(std::generic_category().message(error)))
                      .toStdString());
+}
+
+// A lost chunk at the end of the recording goes, so that it plays to its end. One in the middle
+// stays: undo brings back what stood there.
+void VLRecorderWindowController::dropLostEnd(std::uint64_t atByteOffset) {
+  const std::uint64_t lost = atByteOffset / bytesPerFrame();
+  if (recordingPosition() >= bufferSizeInFrames() && lost < bufferSizeInFrames()) {
+    buffer_->cutoffBufferAfterPosition(lost);
+    setRecordingPosition(lost);
+    setWritingPosition(lost);
+    refreshCompleteUI(true);
+  }
 }
 
 void VLRecorderWindowController::inputFailed(const std::weak_ptr<OVAQRecorder>& recorder) {

@@ -239,7 +239,9 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] bool isRecording() const;
   [[nodiscard]] bool isPlaying() const;
   void inputFailed(const std::weak_ptr<OVAQRecorder>& recorder);
-  void writingFailed(int error);
+  void reportFailedWrite(std::uint64_t atByteOffset);
+  void writingFailed(int error, std::uint64_t atByteOffset);
+  void dropLostEnd(std::uint64_t atByteOffset);
   void setReadingPosition(std::uint64_t frames);
   void setWritingPosition(std::uint64_t frames);
 
@@ -319,6 +321,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::atomic<std::uint64_t> _lastNumberOfFramesWritten = 0;
   std::atomic<bool> isRenderingWaveform_ = false;
   std::atomic<bool> summaryExtensionQueued_ = false;  // one extension in line is enough
+  std::atomic<int> writeError_ = 0;                   // errno of the write being reported
   std::atomic<bool> writeFailureTold_ = false;        // once per recording
 
   // Guarded by fft_data_mutex_: the writer's thread replaces, the spectrum reads.

@@ -321,6 +321,29 @@ TEST_F(TransportTest, AFullDiskStopsTheRecordingKeepsWhatWasWrittenAndTellsOnce)
   EXPECT_FALSE(button("recButton")->isOn());
   EXPECT_EQ(services_->alerts().size(), 1u);
   EXPECT_EQ(samplesAt(0, 2 * kChunkFrames), std::vector<float>(4 * kChunkFrames, 0.5F));
-  EXPECT_TRUE(samplesAt(2 * kChunkFrames, 1).empty());
+  EXPECT_EQ(length(), 2u * kChunkFrames);  // what was lost does not lie at the end
+  EXPECT_EQ(document_->recordingPosition(), length());
+
+  files.freeSpace();
+  recordChunks(1, 0.25F);
   EXPECT_EQ(length(), 3u * kChunkFrames);
+  EXPECT_EQ(services_->alerts().size(), 1u);
+}
+
+TEST_F(TransportTest, AFullDiskWhileRecordingOverAudioKeepsTheRestAndUndoBringsAllBack) {
+  support::FailingTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  openWindow();
+  recordChunks(4, 0.25F);
+  document_->prevButton(nullptr);
+  pressRecord();
+  files.fillUpAfter(0);
+  capture(0.5F);
+  ASSERT_TRUE(runMainLoopUntil([&] { return !recording(); }));
+  settle();
+  EXPECT_EQ(length(), 4u * kChunkFrames);
+  EXPECT_EQ(samplesAt(kChunkFrames, 1), (std::vector{0.25F, 0.25F}));
+  document_->undoCommand();
+  settle();
+  EXPECT_EQ(samplesAt(0, 4 * kChunkFrames), std::vector<float>(8 * kChunkFrames, 0.25F));
 }
