@@ -1,27 +1,26 @@
 #pragma once
 
-#include <chrono>
+#include <algorithm>
 #include <condition_variable>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 
-#include "platform/ApplicationServices.h"
 #include "platform/DeviceAudioQueues.h"
 #include "platform/ManualAudioClock.h"
 #include "platform/ScriptedAudioDevice.h"
+#include "support/Eventually.h"
+#include "support/RecordingServices.h"
 
 namespace platform::test {
 
 inline constexpr std::uint32_t kRecordFrames = 4096;
 inline constexpr std::uint32_t kPlayFrames = 1024;
-inline constexpr auto kPatience = std::chrono::seconds(20);
 
 /// Interleaved stereo frames numbered from `first`: left is the number, right its negative. A torn
 /// or shifted frame shows.
@@ -48,7 +47,7 @@ class Record {
   }
   [[nodiscard]] bool awaitCount(std::size_t count) const {
     std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, kPatience, [&] { return values_.size() >= count; });
+    return changed_.wait_for(lock, support::kPatience, [&] { return values_.size() >= count; });
   }
   [[nodiscard]] std::vector<Value> values() const {
     const std::lock_guard lock(mutex_);
@@ -79,11 +78,11 @@ class Door {
     std::unique_lock lock(mutex_);
     ++arrived_;
     changed_.notify_all();
-    changed_.wait_for(lock, kPatience, [&] { return open_; });
+    changed_.wait_for(lock, support::kPatience, [&] { return open_; });
   }
   [[nodiscard]] bool awaitArrival(int count = 1) {
     std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, kPatience, [&] { return arrived_ >= count; });
+    return changed_.wait_for(lock, support::kPatience, [&] { return arrived_ >= count; });
   }
 
  private:
@@ -91,20 +90,6 @@ class Door {
   std::condition_variable changed_;
   bool open_ = false;  // guarded by mutex_
   int arrived_ = 0;    // guarded by mutex_
-};
-
-/// Keeps the lines of the diagnostics console.
-class ConsoleKeeper final : public ApplicationServices {
- public:
-  void showModalAlert(const std::string& title, const std::string&) override { shown.add(title); }
-  void postModalAlert(const std::string& title, const std::string&) override { posted.add(title); }
-  void logToConsole(const std::string& text) override { lines.add(text); }
-  void registerTempFile(const std::string&) override {}
-  void cancelTermination() override {}
-
-  Record<std::string> lines;
-  Record<std::string> shown;
-  Record<std::string> posted;
 };
 
 /// An input queue with the recorder's buffers, whose callback keeps everything.
@@ -170,8 +155,8 @@ struct Playback {
   std::size_t readAt = 0;  // samples
   bool done = false;
   std::unique_ptr<AudioOutputQueue> queue;
-  Record<std::uint32_t> states;  // what the listener was told
-  Record<std::uint32_t> returned;
+  Record<std::uint32_t> states;    // what the listener was told
+  Record<std::uint32_t> returned;  // frames of each buffer that came back, after its refill
   std::function<void(AudioOutputQueue&)> inCallback;
   std::function<void(AudioOutputQueue&)> inListener;
 
@@ -179,11 +164,12 @@ struct Playback {
     const AudioStatus status = queues.newOutput(
         kWorkingFormat,
         [this](AudioOutputQueue& its, AudioQueueBuffer& buffer) {
-          returned.add(buffer.mAudioDataByteSize / 8);
+          const std::uint32_t frames = buffer.mAudioDataByteSize / 8;
           if (inCallback) {
             inCallback(its);
           }
           refill(its, buffer);
+          returned.add(frames);
         },
         queue);
     if (status == kAudioStatusOk) {
@@ -212,7 +198,15 @@ struct Playback {
     std::memcpy(buffer.mAudioData, &source[readAt], count * sizeof(float));
     buffer.mAudioDataByteSize = static_cast<std::uint32_t>(count * sizeof(float));
     readAt += count;
-    EXPECT_EQ(its.enqueueBuffer(&buffer), kAudioStatusOk);
+    static_cast<void>(its.enqueueBuffer(&buffer));
+  }
+  AudioStatus begin(AudioQueues& queues) {
+    const AudioStatus status = make(queues);
+    if (status != kAudioStatusOk) {
+      return status;
+    }
+    prime();
+    return queue->start();
   }
   void prime(std::uint32_t frames = kPlayFrames) {
     for (int i = 0; i < 3 && !done; ++i) {
@@ -228,8 +222,7 @@ class AudioQueuesTest : public testing::Test {
  protected:
   ~AudioQueuesTest() override { device->release(); }
 
-  std::shared_ptr<ConsoleKeeper> console = std::make_shared<ConsoleKeeper>();
-  ApplicationServicesInstallation installed{console};
+  support::InstalledRecordingServices services;
   std::shared_ptr<ScriptedAudioDevice> device = std::make_shared<ScriptedAudioDevice>();
   std::shared_ptr<DeviceAudioQueues> queues = std::make_shared<DeviceAudioQueues>(device);
 };
@@ -239,8 +232,14 @@ class TurnedClockTest : public testing::Test {
  protected:
   ~TurnedClockTest() override { device->release(); }
 
-  std::shared_ptr<ConsoleKeeper> console = std::make_shared<ConsoleKeeper>();
-  ApplicationServicesInstallation installed{console};
+  /// Returns when the control thread has done all that was due.
+  void settle() {
+    const std::size_t before = device->preparations();
+    queues->prepareInput();
+    ASSERT_TRUE(support::eventually([&] { return device->preparations() > before; }));
+  }
+
+  support::InstalledRecordingServices services;
   std::shared_ptr<ManualAudioClock> clock = std::make_shared<ManualAudioClock>();
   std::shared_ptr<ScriptedAudioDevice> device = std::make_shared<ScriptedAudioDevice>();
   std::shared_ptr<DeviceAudioQueues> queues = std::make_shared<DeviceAudioQueues>(device, clock);
