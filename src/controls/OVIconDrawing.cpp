@@ -12,6 +12,12 @@ bool hasFraction(qreal value) {
   return value - std::trunc(value) != 0.0;
 }
 
+// Device pixels a point, whatever the painter is really drawing on.
+qreal deviceRatio(const QPainter& painter) {
+  const QTransform& transform = painter.deviceTransform();
+  return std::hypot(transform.m11(), transform.m12());
+}
+
 // Qt has no plus-darker. Adding darknesses is adding light to a negative: turn what is below into
 // its negative, add the negative of the icon, and turn back.
 void drawPlusDarker(QPainter& painter, const QRectF& target, const QImage& image) {
@@ -26,11 +32,6 @@ void drawPlusDarker(QPainter& painter, const QRectF& target, const QImage& image
 }
 
 }  // namespace
-
-void setUnflippedCoordinates(QPainter& painter, qreal height) {
-  painter.translate(0.0, height);
-  painter.scale(1.0, -1.0);
-}
 
 QPointF centredIconOrigin(const QSizeF& bounds, const QSizeF& icon) {
   qreal x = bounds.width() * 0.5 - icon.width() * 0.5;
@@ -52,7 +53,7 @@ void drawCentredIcon(QPainter& painter, const QSizeF& bounds, const OVNamedImage
   const QSizeF size = image.size();
   const QPointF origin = centredIconOrigin(bounds, size);
   const QRectF target(QPointF(origin.x(), bounds.height() - origin.y() - size.height()), size);
-  const QImage& picture = image.forRatio(painter.device()->devicePixelRatioF());
+  const QImage& picture = image.forRatio(deviceRatio(painter));
 
   painter.save();
   painter.setRenderHint(QPainter::SmoothPixmapTransform);

@@ -13,10 +13,6 @@ enum class OVIconBlend {
   plusDarker,  ///< the sum of both darknesses: 1 - min(1, (1 - below) + (1 - icon))
 };
 
-/// Turns a painter whose y grows downward in a view of `height` points into one with the origin at
-/// the bottom left and y upward.
-void setUnflippedCoordinates(QPainter& painter, qreal height);
-
 /// Where the bottom left of an icon goes in a view of size `bounds`, y upward: centred, and snapped
 /// off half pixels to the right and downward.
 [[nodiscard]] QPointF centredIconOrigin(const QSizeF& bounds, const QSizeF& icon);

@@ -5,25 +5,27 @@
 namespace {
 
 // Drawing blends premultiplied pixels; converting once here spares every paint the conversion.
-QImage loadedFrom(const QString& path) {
-  const QImage image(path);
+QImage readyToDraw(const QImage& image) {
   return image.isNull() ? image : image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+QString pathOf(const QString& name, const QString& sizeMark) {
+  const QFileInfo file(name);
+  return QStringLiteral(":/images/") + file.completeBaseName() + sizeMark + QLatin1Char('.') +
+         file.suffix();
 }
 
 }  // namespace
 
-OVNamedImage::OVNamedImage(const QString& name) {
-  if (name.isEmpty()) {
-    return;
-  }
-  const QFileInfo file(QStringLiteral(":/images/") + name);
-  single_ = loadedFrom(file.filePath());
-  double_ = loadedFrom(file.path() + QLatin1Char('/') + file.completeBaseName() +
-                       QStringLiteral("@2x.") + file.suffix());
+OVNamedImage::OVNamedImage(const QImage& single, const QImage& doubled)
+    : single_(readyToDraw(single)), double_(readyToDraw(doubled)) {
   if (!double_.isNull()) {
     double_.setDevicePixelRatio(2.0);
   }
 }
+
+OVNamedImage::OVNamedImage(const QString& name)
+    : OVNamedImage(QImage(pathOf(name, {})), QImage(pathOf(name, QStringLiteral("@2x")))) {}
 
 bool OVNamedImage::isNull() const {
   return single_.isNull();

@@ -14,6 +14,9 @@ class OVNamedImage {
   OVNamedImage() = default;
   explicit OVNamedImage(const QString& name);
 
+  /// The same of pictures at hand; `doubled`, twice as wide and high, may be null.
+  explicit OVNamedImage(const QImage& single, const QImage& doubled = QImage());
+
   [[nodiscard]] bool isNull() const;
 
   /// Width and height in points.

@@ -3,7 +3,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 
-#include "controls/OVIconDrawing.h"
+#include "platform/ViewDrawing.h"
 
 namespace {
 
@@ -15,9 +15,7 @@ QColor deviceWhite(float white) {
 
 void drawPanel(QPainter& painter, const QSizeF& bounds, bool bottomShadow) {
   painter.save();
-  // The shadow's last 0.3 points need antialiasing.
-  painter.setRenderHint(QPainter::Antialiasing);
-  setUnflippedCoordinates(painter, bounds.height());
+  platform::useViewCoordinates(painter, bounds);
 
   QLinearGradient gradient(0.0, 0.0, 0.0, bounds.height());
   gradient.setColorAt(0.0, deviceWhite(0.83F));

@@ -64,6 +64,14 @@ QSize OVRecorderWindow::sizeHint() const {
   return kContentSize + QSize(0, qMax(barHeight, 0));
 }
 
+void OVRecorderWindow::setVisible(bool visible) {
+  // Left to itself, Qt would shrink the window to two thirds of the screen.
+  if (visible && !testAttribute(Qt::WA_Resized)) {
+    resize(sizeHint());
+  }
+  QMainWindow::setVisible(visible);
+}
+
 void OVRecorderWindow::keyPressEvent(QKeyEvent* event) {
   event->accept();
   if (const auto delegate = delegate_.lock()) {

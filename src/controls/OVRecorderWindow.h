@@ -37,6 +37,9 @@ class OVRecorderWindow : public QMainWindow {
   /// The size at which the content is 640 x 330 points below the menu bar.
   [[nodiscard]] QSize sizeHint() const override;
 
+  /// A window that nobody has sized appears at its size hint.
+  void setVisible(bool visible) override;
+
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;

@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include "platform/ViewDrawing.h"
+
 namespace {
 
 enum class RoundEnd { none, left, right };
@@ -60,33 +62,42 @@ constexpr Layer kPlainHighlighted[] = {
 };
 
 // The round types have a smaller palette: greys 0.45 to 1 in eight steps, alphas 0.07, 0.75 and 1.
-// The five gradients of each state were fitted so that together they give the plain bezel's
-// shade in every row to within one level of 255; singly they mean nothing.
+// The gradients of each state were fitted so that together they give the plain bezel's shade in
+// every row to within three levels of 255; singly they mean little.
 constexpr Layer kRoundNormal[] = {
     {Paint::fill, 2.0F, 2.5F, 3.9F, {0.9F, 1.0F}},
-    {Paint::gradient, 2.0F, 2.0F, 2.4F, {1.0F, 0.07F}, {0.45F, 0.07F}},
-    {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.7F, 0.07F}, {0.55F, 0.07F}},
-    {Paint::band, 2.0F, 2.0F, 2.4F, {0.9F, 0.07F}, {0.6F, 0.75F}},
+    {Paint::gradient, 2.0F, 2.0F, 2.4F, {1.0F, 0.07F}, {0.7F, 0.75F}},
+    {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.9F, 1.0F}, {1.0F, 0.07F}},
+    {Paint::band, 2.0F, 2.0F, 2.4F, {0.76F, 0.07F}, {0.6F, 0.75F}},
     {Paint::separator, 2.0F, 0.0F, 0.0F, {0.45F, 1.0F}, {0.7F, 0.75F}},
-    {Paint::gradient, 2.0F, 2.0F, 2.4F, {1.0F, 0.75F}, {0.9F, 1.0F}},
+    {Paint::gradient, 2.0F, 2.5F, 3.9F, {0.45F, 0.07F}, {0.9F, 1.0F}},
     {Paint::border, 1.5F, 1.5F, 2.4F, {0.45F, 1.0F}},
-    {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.7F, 0.07F}, {0.6F, 0.07F}},
+    {Paint::gradient, 2.0F, 2.0F, 2.4F, {1.0F, 0.75F}, {0.7F, 0.07F}},
 };
 
 constexpr Layer kRoundHighlighted[] = {
     {Paint::fill, 2.0F, 2.5F, 3.9F, {0.9F, 1.0F}},
-    {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.76F, 0.07F}, {0.76F, 1.0F}},
-    {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.76F, 0.07F}, {0.9F, 0.07F}},
-    {Paint::band, 2.0F, 2.0F, 2.4F, {0.55F, 1.0F}, {0.65F, 0.07F}},
-    {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.76F, 0.75F}, {0.55F, 0.07F}},
+    {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.45F, 0.75F}, {0.65F, 0.07F}},
+    {Paint::gradient, 2.0F, 2.0F, 2.4F, {1.0F, 0.75F}, {0.7F, 0.75F}},
+    {Paint::band, 2.0F, 2.0F, 2.4F, {0.6F, 1.0F}, {1.0F, 0.07F}},
+    {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.76F, 0.75F}, {0.45F, 0.0F}},
     {Paint::border, 1.5F, 1.5F, 2.4F, {0.45F, 1.0F}},
-    {Paint::gradient, 2.0F, 2.0F, 2.4F, {1.0F, 0.07F}, {0.65F, 0.07F}},
+    {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.45F, 0.0F}, {0.7F, 0.07F}},
 };
 
-QRectF inset(const QRectF& rect, float x, float y) {
-  const qreal dx = x;
-  const qreal dy = y;
-  return rect.adjusted(dx, dy, -dx, -dy);
+// A half circle reaches half a point further out than a straight side. Outline and fills share its
+// centre, so that no crack opens between them.
+QRectF layerRect(const QRectF& frame, const Layer& layer, RoundEnd roundEnd) {
+  constexpr qreal kRoundReach = 0.5;
+  const qreal dx = layer.insetX;
+  const qreal dy = layer.insetY;
+  QRectF rect = frame.adjusted(dx, dy, -dx, -dy);
+  if (roundEnd == RoundEnd::left) {
+    rect.setLeft(rect.left() - kRoundReach);
+  } else if (roundEnd == RoundEnd::right) {
+    rect.setRight(rect.right() + kRoundReach);
+  }
+  return rect;
 }
 
 // One closed arc path: the half circle joined to a rectangle as areas would show a seam.
@@ -154,20 +165,8 @@ void drawSeparator(QPainter& painter, const QRectF& rect, const Layer& layer, Ro
   }
 }
 
-void drawBorder(QPainter& painter, QRectF rect, const Layer& layer, RoundEnd roundEnd) {
-  constexpr qreal kOvalReach = 0.5;  // the half circle reaches this much further out
-  if (roundEnd == RoundEnd::left) {
-    rect.setLeft(rect.left() - kOvalReach);
-  } else if (roundEnd == RoundEnd::right) {
-    rect.setRight(rect.right() + kOvalReach);
-  }
-  QPen pen(layer.from.color(), 1.0, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin);
-  pen.setMiterLimit(10.0);
-  painter.strokePath(shapePath(rect, layer.radius, roundEnd), pen);
-}
-
 void drawLayer(QPainter& painter, const QRectF& frame, const Layer& layer, RoundEnd roundEnd) {
-  const QRectF rect = inset(frame, layer.insetX, layer.insetY);
+  const QRectF rect = layerRect(frame, layer, roundEnd);
   switch (layer.paint) {
     case Paint::fill:
       painter.fillPath(shapePath(rect, layer.radius, roundEnd), layer.from.color());
@@ -182,7 +181,8 @@ void drawLayer(QPainter& painter, const QRectF& frame, const Layer& layer, Round
       drawSeparator(painter, rect, layer, roundEnd);
       break;
     case Paint::border:
-      drawBorder(painter, rect, layer, roundEnd);
+      painter.strokePath(shapePath(rect, layer.radius, roundEnd),
+                         platform::viewPen(layer.from.color(), 1.0));
       break;
   }
 }
