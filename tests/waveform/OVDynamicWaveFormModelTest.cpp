@@ -92,7 +92,7 @@ class Pair {
 
   /// Mostly short; now and then several batches of the reader. Not always whole frames.
   std::vector<std::byte> someAudio() {
-    const std::uint64_t limit = random_() % 16 == 0 ? 300'000 : random_() % 4 == 0 ? 20'000 : 700;
+    const std::uint64_t limit = random_() % 40 == 0 ? 150'000 : random_() % 4 == 0 ? 20'000 : 700;
     const std::vector<float> samples = test_audio::roughNoise(2 * (random_() % limit), random_);
     std::vector<std::byte> bytes(samples.size() * sizeof(float) +
                                  (random_() % 8 == 0 ? random_() % 8 : 0));
@@ -175,8 +175,8 @@ TEST(OVDynamicWaveFormModelTest, EqualsTheLiteralSummaryWithBlocksLongerThanABat
     model.audio = audio.get();
     summary->setCapacity(capacity);
     model.setCapacity(capacity);
-    for (int call = 0; call < 8; ++call) {
-      audio->append(test_audio::roughNoise(2 * (random() % 500'000), random));
+    for (int call = 0; call < 12; ++call) {
+      audio->append(test_audio::roughNoise(2 * (random() % 200'000), random));
       summary->generate();
       model.generate();
       ASSERT_EQ(summary->chunksize(), model.chunksize);

@@ -74,7 +74,7 @@ class Pair {
       case 4:
       case 5:
       case 6:
-        audio_->append(someAudio(random_() % 8 == 0 ? 120'000 : 5000));
+        audio_->append(someAudio(random_() % 16 == 0 ? 80'000 : 4000));
         summary_->setShouldRegenerateWaveform(true);
         summary_->generate();
         return model_.regenerate();
