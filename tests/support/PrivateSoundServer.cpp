@@ -13,9 +13,14 @@ namespace {
 constexpr char kFeed[] = "feed";
 constexpr char kHeard[] = "heard";
 
-/// Folders and files that a kind of server finds below the private folder.
+struct Program {
+  std::vector<std::string> arguments;
+  std::string socket;  ///< is there once the next program can be started; empty for at once
+};
+
+/// What a kind of server consists of; its files stand below the private folder.
 struct Setup {
-  std::vector<std::vector<std::string>> programs;  ///< to be started in this order
+  std::vector<Program> programs;                   ///< to be started in this order
   std::vector<std::vector<std::string>> commands;  ///< to be run once the server answers
 };
 
@@ -29,13 +34,34 @@ Setup setUpPulseAudio(const TemporaryFolder& folder, const std::string& socket) 
   }
   text << "set-default-sink " << kHeard << "\nset-default-source " << kFeed << ".monitor\n"
        << "load-module module-native-protocol-unix auth-anonymous=1 socket=" << socket << "\n";
-  return {{{"pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
-            "--disallow-exit", "--high-priority=no", "--realtime=no", "--disable-shm=yes",
-            "--log-target=stderr", "-F", script}},
+  return {{{{"pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
+             "--disallow-exit", "--high-priority=no", "--realtime=no", "--disable-shm=yes",
+             "--log-target=stderr", "-F", script},
+            socket}},
           {}};
 }
 
-Setup setUpPipeWire(const TemporaryFolder& folder) {
+/// Of the session manager only what links streams to sinks: it ends when it finds no message bus
+/// for what looks after hardware.
+void configureSessionManager(const TemporaryFolder& folder) {
+  const std::string configuration = folder.makeFolder("home/.config/wireplumber");
+  folder.makeFolder("home/.config/wireplumber/main.lua.d");
+  folder.makeFolder("home/.config/wireplumber/bluetooth.lua.d");
+  std::ofstream(configuration + "/main.lua.d/90-enable-all.lua")
+      << "load_module(\"metadata\")\n"
+         "default_access.properties[\"enable-flatpak-portal\"] = false\n"
+         "default_access.enable()\n"
+         "device_defaults.enable()\n";
+  std::ofstream(configuration + "/bluetooth.lua.d/90-enable-all.lua") << "-- nothing\n";
+}
+
+/// A command that fails until the default is what it shall be.
+std::string setDefault(const std::string& what, const std::string& name) {
+  return "pactl set-default-" + what + " " + name + " && [ \"$(pactl get-default-" + what +
+         ")\" = " + name + " ]";
+}
+
+Setup setUpPipeWire(const TemporaryFolder& folder, const std::string& socket) {
   const std::string configuration = folder.makeFolder("home/.config/pipewire/pipewire.conf.d");
   std::ofstream text(configuration + "/sinks.conf");
   text << "context.properties = { default.clock.rate = 44100\n"
@@ -46,9 +72,12 @@ Setup setUpPipeWire(const TemporaryFolder& folder) {
          << "    audio.rate = 44100 audio.position = [ FL FR ] } }\n";
   }
   text << "]\n";
-  return {{{"pipewire"}, {"wireplumber"}, {"pipewire-pulse"}},
-          {{"pactl", "set-default-sink", kHeard},
-           {"pactl", "set-default-source", std::string(kFeed) + ".monitor"}}};
+  configureSessionManager(folder);
+  return {{{{"pipewire"}, folder.file("run/pipewire-0")},
+           {{"wireplumber"}, {}},
+           {{"pipewire-pulse"}, socket}},
+          {{"sh", "-c", setDefault("sink", kHeard)},
+           {"sh", "-c", setDefault("source", std::string(kFeed) + ".monitor")}}};
 }
 
 std::vector<std::string> rawFormat() {
@@ -78,11 +107,12 @@ PrivateSoundServer::Kind PrivateSoundServer::installedKind() {
 PrivateSoundServer::PrivateSoundServer() {
   folder_.makeFolder("run/pulse");
   folder_.makeFolder("home/.config");
-  serverEnvironment_ = with(cleanEnvironment(), {{"HOME", folder_.file("home")},
-                                                 {"XDG_CONFIG_HOME", folder_.file("home/.config")},
-                                                 {"XDG_RUNTIME_DIR", folder_.file("run")},
-                                                 {"PULSE_RUNTIME_PATH", folder_.file("run/pulse")},
-                                                 {"DBUS_SESSION_BUS_ADDRESS", "disabled:"}});
+  serverEnvironment_ =
+      with(cleanEnvironment(), {{"HOME", folder_.file("home")},
+                                {"XDG_CONFIG_HOME", folder_.file("home/.config")},
+                                {"XDG_RUNTIME_DIR", folder_.file("run")},
+                                {"PULSE_RUNTIME_PATH", folder_.file("run/pulse")},
+                                {"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent"}});
 }
 
 std::unique_ptr<PrivateSoundServer> PrivateSoundServer::start(std::string& error) {
@@ -97,20 +127,24 @@ bool PrivateSoundServer::launch(std::string& error) {
       setup = setUpPulseAudio(folder_, socketPath());
       break;
     case Kind::kPipeWire:
-      setup = setUpPipeWire(folder_);
+      setup = setUpPipeWire(folder_, socketPath());
       break;
     case Kind::kNone:
       error = "no sound server is installed";
       return false;
   }
-  std::error_code ignored;
-  std::filesystem::remove(socketPath(), ignored);
-  for (const auto& arguments : setup.programs) {
-    programs_.push_back(ChildProcess::start(arguments, serverEnvironment_, error));
+  for (const Program& program : setup.programs) {
+    std::error_code ignored;
+    std::filesystem::remove(program.socket, ignored);
+    programs_.push_back(ChildProcess::start(program.arguments, serverEnvironment_, error));
     if (programs_.back() == nullptr) {
       kill();
       return false;
     }
+    static_cast<void>(eventually([&] {
+      return program.socket.empty() || std::filesystem::exists(program.socket) ||
+             !programs_.back()->isRunning();
+    }));
   }
   const bool ready =
       eventually([this] { return answers() || !programs_.back()->isRunning(); }) && answers() &&
@@ -118,7 +152,10 @@ bool PrivateSoundServer::launch(std::string& error) {
         return eventually([&] { return runToEnd(words, environment()).status.succeeded(); });
       });
   if (!ready) {
-    error = "the sound server does not answer: " + programs_.back()->errorOutput();
+    error = "the sound server does not answer:";
+    for (const auto& program : programs_) {
+      error += "\n" + program->errorOutput();
+    }
     kill();
   }
   return ready;

@@ -59,7 +59,7 @@ Environment VirtualScreen::environment() const {
                                    {"HOME", folder_.file("home")},
                                    {"XDG_CONFIG_HOME", folder_.file("home/.config")},
                                    {"XDG_RUNTIME_DIR", folder_.file("run")},
-                                   {"DBUS_SESSION_BUS_ADDRESS", "disabled:"}});
+                                   {"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent"}});
 }
 
 Finished VirtualScreen::run(const std::vector<std::string>& arguments) const {
