@@ -1,0 +1,216 @@
+#include "controls/OVRecorderWindow.h"
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include <QKeyEvent>
+#include <QMenuBar>
+#include <QPointer>
+#include <QTest>
+
+#include <gmock/gmock.h>
+
+#include "controls/OVRecorderWindowDelegate.h"
+#include "controls/OVTransportButton.h"
+
+namespace {
+
+using Keys = std::vector<std::pair<char, int>>;  // 'd' or 'u', and the code
+
+class Delegate : public OVRecorderWindowDelegate {
+ public:
+  void windowDidReceiveKeyDown(OVRecorderWindow* /*window*/, std::uint16_t keyCode) override {
+    keys.emplace_back('d', keyCode);
+  }
+  void windowDidReceiveKeyUp(OVRecorderWindow* /*window*/, std::uint16_t keyCode) override {
+    keys.emplace_back('u', keyCode);
+  }
+  bool windowShouldClose(OVRecorderWindow* window) override {
+    ++asked;
+    if (whileAsked) {
+      whileAsked(window);
+    }
+    return mayClose;
+  }
+  void windowWillClose(OVRecorderWindow* window) override {
+    ++told;
+    EXPECT_TRUE(window->isVisible());
+    if (whileTold) {
+      whileTold();
+    }
+  }
+
+  Keys keys;
+  bool mayClose = true;
+  int asked = 0;
+  int told = 0;
+  std::function<void(OVRecorderWindow*)> whileAsked;
+  std::function<void()> whileTold;
+};
+
+class RecorderWindow : public testing::Test {
+ protected:
+  void SetUp() override {
+    window_->setCentralWidget(new QWidget);
+    window_->setDelegate(delegate_);
+    window_->show();
+    window_->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window_));
+  }
+
+  void TearDown() override { delete window_; }
+
+  // As the window system delivers it.
+  void send(QEvent::Type type, int key, bool autoRepeat = false) {
+    QKeyEvent event(type, key, Qt::NoModifier, QString(), autoRepeat);
+    QCoreApplication::sendEvent(window_->windowHandle(), &event);
+  }
+
+  static void deleteWhatIsDue() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+
+  std::shared_ptr<Delegate> delegate_ = std::make_shared<Delegate>();
+  QPointer<OVRecorderWindow> window_ = new OVRecorderWindow;
+};
+
+TEST_F(RecorderWindow, AKeyPressReachesTheDelegateOnceDownAndOnceUp) {
+  QTest::keyClick(window_->windowHandle(), Qt::Key_R);
+  QTest::keyClick(window_->windowHandle(), Qt::Key_Return);
+  QTest::keyClick(window_->windowHandle(), Qt::Key_Enter);
+  QTest::keyClick(window_->windowHandle(), Qt::Key_Space);
+  EXPECT_EQ(
+      delegate_->keys,
+      (Keys{
+          {'d', 15}, {'u', 15}, {'d', 36}, {'u', 36}, {'d', 36}, {'u', 36}, {'d', 49}, {'u', 49}}));
+}
+
+TEST_F(RecorderWindow, OtherKeysAreForwardedAsUnmapped) {
+  QTest::keyClick(window_->windowHandle(), Qt::Key_X);
+  QTest::keyClick(window_->windowHandle(), Qt::Key_Tab);
+  EXPECT_THAT(delegate_->keys, testing::Contains(std::pair<char, int>('d', 0xFFFF)));
+  EXPECT_THAT(delegate_->keys, testing::Not(testing::Contains(std::pair<char, int>('d', 49))));
+}
+
+TEST_F(RecorderWindow, AHeldKeyRepeatsItsDownAndComesUpOnce) {
+  send(QEvent::KeyPress, Qt::Key_Space);
+  for (int i = 0; i < 3; ++i) {
+    send(QEvent::KeyRelease, Qt::Key_Space, true);
+    send(QEvent::KeyPress, Qt::Key_Space, true);
+  }
+  send(QEvent::KeyRelease, Qt::Key_Space);
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'d', 49}, {'d', 49}, {'d', 49}, {'u', 49}}));
+}
+
+TEST_F(RecorderWindow, ButtonsInsideDoNotTakeTheKeys) {
+  auto* button = new OVTransportButton(window_->centralWidget());
+  button->setGeometry(10, 10, 46, 32);
+  button->show();
+  QTest::mouseClick(window_->windowHandle(), Qt::LeftButton, {},
+                    button->mapTo(window_.data(), QPoint(20, 10)));
+  QTest::keyClick(window_->windowHandle(), Qt::Key_Space);
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'u', 49}}));
+  EXPECT_FALSE(button->isHighlighted());
+}
+
+TEST_F(RecorderWindow, MenuShortcutsWithModifiersKeepWorking) {
+  int saved = 0;
+  QMenu* menu = window_->menuBar()->addMenu(QStringLiteral("File"));
+  menu->addAction(QStringLiteral("Save"), QKeySequence(Qt::CTRL | Qt::Key_S), window_,
+                  [&saved] { ++saved; });
+  QTest::keyClick(window_->windowHandle(), Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(saved, 1);
+  // Control itself went down; the S that made the shortcut only comes up.
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'u', 0xFFFF}, {'u', 0xFFFF}}));
+}
+
+TEST_F(RecorderWindow, ACommandKeyIsNoTransportKey) {
+  QTest::keyPress(window_->windowHandle(), Qt::Key_R, Qt::ControlModifier);
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'d', 0xFFFF}}));  // Control, and R with it
+  QTest::keyRelease(window_->windowHandle(), Qt::Key_R, Qt::ControlModifier);
+}
+
+TEST_F(RecorderWindow, WithoutADelegateKeysDoNothing) {
+  delegate_.reset();
+  QTest::keyClick(window_->windowHandle(), Qt::Key_R);
+  EXPECT_EQ(window_->delegate(), nullptr);
+  EXPECT_TRUE(window_->isVisible());
+}
+
+TEST_F(RecorderWindow, ClosingAsksThenTellsThenDeletesTheWindow) {
+  window_->performClose();
+  EXPECT_EQ(delegate_->asked, 1);
+  EXPECT_EQ(delegate_->told, 1);
+  EXPECT_FALSE(window_->isVisible());
+  deleteWhatIsDue();
+  EXPECT_TRUE(window_.isNull());
+}
+
+TEST_F(RecorderWindow, ARefusalKeepsTheWindowOpenAndIsAskedAgain) {
+  delegate_->mayClose = false;
+  window_->performClose();
+  window_->close();
+  deleteWhatIsDue();
+  ASSERT_FALSE(window_.isNull());
+  EXPECT_TRUE(window_->isVisible());
+  EXPECT_EQ(delegate_->asked, 2);
+  EXPECT_EQ(delegate_->told, 0);
+  delegate_->mayClose = true;
+  window_->performClose();
+  EXPECT_EQ(delegate_->told, 1);
+}
+
+TEST_F(RecorderWindow, ASecondCloseBeforeTheWindowIsGoneTellsNobody) {
+  window_->performClose();
+  window_->performClose();
+  EXPECT_EQ(delegate_->asked, 1);
+  EXPECT_EQ(delegate_->told, 1);
+}
+
+TEST_F(RecorderWindow, ClosingFromWithinTheQuestionTellsOnce) {
+  delegate_->whileAsked = [this](OVRecorderWindow* window) {
+    delegate_->whileAsked = nullptr;
+    QCloseEvent again;
+    QCoreApplication::sendEvent(window, &again);
+  };
+  window_->performClose();
+  EXPECT_EQ(delegate_->told, 1);
+}
+
+TEST_F(RecorderWindow, TheDelegateMayEndWhileItIsTold) {
+  const std::weak_ptr<Delegate> weak = delegate_;
+  delegate_->whileTold = [this] { delegate_.reset(); };
+  window_->performClose();
+  EXPECT_TRUE(weak.expired());
+  deleteWhatIsDue();
+  EXPECT_TRUE(window_.isNull());
+}
+
+TEST_F(RecorderWindow, WithoutADelegateItSimplyCloses) {
+  delegate_.reset();
+  window_->performClose();
+  deleteWhatIsDue();
+  EXPECT_TRUE(window_.isNull());
+}
+
+TEST_F(RecorderWindow, TheEditedStateShowsInTheTitle) {
+  window_->setTitle(QStringLiteral("Orvo - Unnamed"));
+  EXPECT_FALSE(window_->isDocumentEdited());
+  window_->setDocumentEdited(true);
+  EXPECT_TRUE(window_->isDocumentEdited());
+  EXPECT_TRUE(window_->isWindowModified());
+  EXPECT_TRUE(window_->windowTitle().endsWith(QStringLiteral("[*]")));
+  EXPECT_EQ(window_->title(), QStringLiteral("Orvo - Unnamed"));
+  window_->setDocumentEdited(false);
+  EXPECT_FALSE(window_->isWindowModified());
+}
+
+TEST_F(RecorderWindow, AFileNameWithTheMarkInItIsShownAsItStands) {
+  window_->setTitle(QStringLiteral("Orvo - a[*]b.wav"));
+  EXPECT_EQ(window_->title(), QStringLiteral("Orvo - a[*]b.wav"));
+  EXPECT_EQ(window_->windowTitle(), QStringLiteral("Orvo - a[*][*]b.wav[*]"));
+}
+
+}  // namespace

@@ -1,0 +1,125 @@
+// The interface file "VNRecorderWindow": every view under its name, at its place.
+#include <QAccessible>
+#include <QMenuBar>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include "ui_VNRecorderWindow.h"
+
+namespace {
+
+class RecorderWindowInterface : public testing::Test {
+ protected:
+  void SetUp() override {
+    window_.setAttribute(Qt::WA_DeleteOnClose, false);
+    ui_.setupUi(&window_);
+    for (const char* title : {"File", "Edit", "Transport", "View", "Help"}) {
+      window_.menuBar()->addMenu(QString::fromLatin1(title));
+    }
+    window_.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window_));
+  }
+
+  // In the coordinates of `ancestor`, y downward.
+  static QRect frameIn(const QWidget* ancestor, const QWidget* view) {
+    return QRect(view->mapTo(ancestor, QPoint()), view->size());
+  }
+
+  OVRecorderWindow window_;
+  Ui::VNRecorderWindow ui_;
+};
+
+TEST_F(RecorderWindowInterface, TheContentOpensAtItsSizeBelowTheMenuBar) {
+  EXPECT_EQ(window_.centralWidget()->size(), QSize(640, 330));
+  EXPECT_EQ(window_.centralWidget()->y(), window_.menuBar()->height());
+  EXPECT_GT(window_.menuBar()->height(), 10);
+}
+
+TEST_F(RecorderWindowInterface, EveryViewIsThereUnderItsName) {
+  for (const char* name :
+       {"wfView", "playbackMarkerView", "transportBackView", "prevButton", "recButton",
+        "stopButton", "pauseButton", "playButton", "nextButton", "displayWell", "vuView",
+        "timeView", "loadingIndicator", "fftButton", "menuBar"}) {
+    EXPECT_NE(window_.findChild<QWidget*>(QString::fromLatin1(name)), nullptr) << name;
+  }
+}
+
+TEST_F(RecorderWindowInterface, EveryViewHasItsFrame) {
+  const QWidget* content = window_.centralWidget();
+  EXPECT_EQ(frameIn(content, ui_.wfView), QRect(0, 0, 640, 272));
+  EXPECT_EQ(frameIn(content, ui_.playbackMarkerView), QRect(0, 0, 640, 272));
+  EXPECT_EQ(frameIn(content, ui_.transportBackView), QRect(0, 272, 640, 58));
+  int x = 14;
+  for (const QWidget* button :
+       std::initializer_list<QWidget*>{ui_.prevButton, ui_.recButton, ui_.stopButton,
+                                       ui_.pauseButton, ui_.playButton, ui_.nextButton}) {
+    EXPECT_EQ(button->geometry(), QRect(x, 13, 46, 32)) << button->objectName().toStdString();
+    EXPECT_EQ(button->parentWidget(), ui_.transportBackView);
+    x += 43;
+  }
+  EXPECT_EQ(frameIn(ui_.transportBackView, ui_.displayWell), QRect(352, 11, 236, 36));
+  EXPECT_EQ(ui_.vuView->geometry(), QRect(7, 3, 60, 30));
+  EXPECT_EQ(ui_.timeView->geometry(), QRect(76, 8, 150, 14));
+  EXPECT_EQ(frameIn(ui_.transportBackView, ui_.fftButton), QRect(598, 15, 28, 28));
+}
+
+TEST_F(RecorderWindowInterface, OnlyTheWaveformGrowsWithTheWindow) {
+  window_.resize(window_.size() + QSize(200, 150));
+  QCoreApplication::sendPostedEvents();
+  const QWidget* content = window_.centralWidget();
+  EXPECT_EQ(frameIn(content, ui_.wfView), QRect(0, 0, 840, 422));
+  EXPECT_EQ(frameIn(content, ui_.playbackMarkerView), QRect(0, 0, 840, 422));
+  EXPECT_EQ(frameIn(content, ui_.transportBackView), QRect(0, 422, 840, 58));
+  EXPECT_EQ(ui_.recButton->geometry(), QRect(57, 13, 46, 32));
+  EXPECT_EQ(frameIn(ui_.transportBackView, ui_.displayWell), QRect(552, 11, 236, 36));
+  EXPECT_EQ(frameIn(ui_.transportBackView, ui_.fftButton), QRect(798, 15, 28, 28));
+}
+
+TEST_F(RecorderWindowInterface, TheSmallestWindowStillShowsEverything) {
+  window_.resize(1, 1);
+  QCoreApplication::sendPostedEvents();
+  EXPECT_EQ(window_.centralWidget()->size(), QSize(580, 240));
+  EXPECT_GT(frameIn(ui_.transportBackView, ui_.displayWell).left(),
+            ui_.nextButton->geometry().right() + 8);
+}
+
+TEST_F(RecorderWindowInterface, ProgressAndSpectrumButtonStartHidden) {
+  EXPECT_TRUE(ui_.loadingIndicator->isHidden());
+  EXPECT_TRUE(ui_.fftButton->isHidden());
+  EXPECT_TRUE(ui_.recButton->isVisible());
+}
+
+TEST_F(RecorderWindowInterface, ShowingTheSpectrumButtonMovesNothing) {
+  ui_.fftButton->show();
+  QCoreApplication::sendPostedEvents();
+  EXPECT_EQ(frameIn(ui_.transportBackView, ui_.displayWell), QRect(352, 11, 236, 36));
+  EXPECT_EQ(frameIn(ui_.transportBackView, ui_.fftButton), QRect(598, 15, 28, 28));
+}
+
+TEST_F(RecorderWindowInterface, RecordAndPlayAreSwitchesAndTheEndsAreRound) {
+  EXPECT_TRUE(ui_.recButton->isSwitch());
+  EXPECT_TRUE(ui_.playButton->isSwitch());
+  EXPECT_FALSE(ui_.stopButton->isSwitch());
+  EXPECT_FALSE(ui_.pauseButton->isSwitch());
+  EXPECT_EQ(ui_.prevButton->type(), 1);
+  EXPECT_EQ(ui_.nextButton->type(), 0);
+}
+
+TEST_F(RecorderWindowInterface, EveryButtonHasANameForAssistiveTechnology) {
+  for (QWidget* button : window_.findChildren<OVTrackingButton*>()) {
+    const auto* accessible = QAccessible::queryAccessibleInterface(button);
+    ASSERT_NE(accessible, nullptr);
+    EXPECT_EQ(accessible->role(), QAccessible::Button);
+    EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty())
+        << button->objectName().toStdString();
+  }
+}
+
+TEST_F(RecorderWindowInterface, NothingInsideTakesTheKeyboardFocus) {
+  for (const QWidget* view : window_.centralWidget()->findChildren<QWidget*>()) {
+    EXPECT_EQ(view->focusPolicy(), Qt::NoFocus) << view->objectName().toStdString();
+  }
+}
+
+}  // namespace
