@@ -19,6 +19,7 @@ void runAlert(const std::string& title, const std::string& message) {
   alert.setInformativeText(QString::fromStdString(message));
   alert.addButton(platform::localized("OK"), QMessageBox::AcceptRole);
   alert.setWindowModality(Qt::ApplicationModal);
+  alert.setAttribute(Qt::WA_QuitOnClose, false);  // an alert may be the only window there is
   alert.exec();
 }
 

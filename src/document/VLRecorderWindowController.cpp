@@ -163,6 +163,7 @@ void VLRecorderWindowController::setupTransportButton(OVTransportButton* button,
 }
 
 void VLRecorderWindowController::initBuffer() {
+  const platform::PostedAlertsScope afterwards;  // an alert comes when the window is there
   if (auto blocks = OVBlockBuffer::init()) {
     setBuffer(std::move(blocks));
   }
@@ -197,6 +198,7 @@ std::shared_ptr<OVAQRecorder> VLRecorderWindowController::makeRecorder() {
   if (!buffer_) {
     return nullptr;  // the temporary file could not be made; the user has been told
   }
+  const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a command
   auto recorder = OVAQRecorder::initWithBuffer(buffer_);
   if (recorder) {
     recorder->setWritingPosition(recordingPosition() * bytesPerFrame());

@@ -2,6 +2,7 @@
 #include "audio/OVAQRecorder.h"
 #include "controls/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
+#include "platform/ApplicationServices.h"
 #include "storage/OVAudioBuffer.h"
 #include "storage/OVBlockBuffer.h"
 #include "waveform/OVPlaybackMarkerView.h"
@@ -84,6 +85,7 @@ void VLRecorderWindowController::playPressed() {
     setOn(playButton_, false);
     return;
   }
+  const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a command
   setEnabled(recButton_, false);
   if (!player_) {
     player_ = OVAQPlayer::initWithBuffer(buffer_, playbackPosition() * bytesPerFrame());

@@ -121,6 +121,11 @@ class DocumentTest : public testing::Test {
     return std::dynamic_pointer_cast<OVStaticWaveform>(document_->waveForm()) != nullptr;
   }
 
+  /// Alerts that were shown or are about to be.
+  std::size_t alertCount() {
+    return services_->alerts().size() + services_->postedAlerts().size();
+  }
+
   std::uint64_t length() { return document_->buffer()->bufferSizeInFrames(); }
 
   support::InstalledRecordingServices services_;

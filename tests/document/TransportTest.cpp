@@ -261,7 +261,7 @@ TEST_F(TransportTest, WithNoInputDeviceRecordRollsBackAndOneAlertIsShown) {
   EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
   const auto blocks = std::dynamic_pointer_cast<OVBlockBuffer>(document_->buffer());
   EXPECT_EQ(blocks->waypointPos(), 0u);
-  EXPECT_EQ(services_->alerts().size() + services_->postedAlerts().size(), 1u);
+  EXPECT_EQ(alertCount(), 1u);
 }
 
 TEST_F(TransportTest, RecordingIsPossibleAgainWhenTheDeviceIsBack) {
@@ -285,14 +285,14 @@ TEST_F(TransportTest, ADeviceThatVanishesWhileRecordingStopsWithEverythingKept) 
   EXPECT_FALSE(button("recButton")->isOn());
   EXPECT_EQ(length(), 2u * kChunkFrames);
   EXPECT_EQ(document_->recordingPosition(), 2u * kChunkFrames);
-  EXPECT_EQ(services_->alerts().size() + services_->postedAlerts().size(), 1u);
+  EXPECT_EQ(alertCount(), 1u);
 }
 
 TEST_F(TransportTest, ADeviceThatVanishesWhileNothingIsRecordedTakesTheRecorderWithIt) {
   openWindow();
   queues_.input().failLate(platform::kDeviceLostStatus);
   ASSERT_TRUE(runMainLoopUntil([&] { return document_->recorder() == nullptr; }));
-  EXPECT_EQ(services_->alerts().size() + services_->postedAlerts().size(), 1u);
+  EXPECT_EQ(alertCount(), 1u);
 }
 
 TEST_F(TransportTest, WithNoOutputDevicePlayRollsBack) {
@@ -303,7 +303,7 @@ TEST_F(TransportTest, WithNoOutputDevicePlayRollsBack) {
   EXPECT_EQ(document_->player(), nullptr);
   EXPECT_FALSE(button("playButton")->isOn());
   EXPECT_TRUE(button("recButton")->isEnabled());
-  EXPECT_EQ(services_->alerts().size(), 1u);
+  EXPECT_EQ(alertCount(), 1u);
 }
 
 TEST_F(TransportTest, AFullDiskStopsTheRecordingKeepsWhatWasWrittenAndTellsOnce) {

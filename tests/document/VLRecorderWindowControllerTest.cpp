@@ -222,7 +222,7 @@ TEST_F(DocumentTest, ADocumentWithoutATemporaryFileTellsOnceAndStaysUsable) {
   files.failCreation(EACCES);
   openWindow();
   EXPECT_EQ(document_->buffer(), nullptr);
-  EXPECT_EQ(services_->alerts().size(), 1u);
+  EXPECT_EQ(alertCount(), 1u);
   document_->updatePlaybackMarkerView();
   document_->recMenu(nullptr);
   document_->playMenu(nullptr);
@@ -233,5 +233,5 @@ TEST_F(DocumentTest, ADocumentWithoutATemporaryFileTellsOnceAndStaysUsable) {
   settle();
   EXPECT_FALSE(button("recButton")->isOn());
   EXPECT_FALSE(button("playButton")->isOn());
-  EXPECT_EQ(services_->alerts().size(), 1u);
+  EXPECT_EQ(alertCount(), 1u);
 }
