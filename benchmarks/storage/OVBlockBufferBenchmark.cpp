@@ -17,7 +17,7 @@
 namespace {
 
 constexpr std::uint32_t kRecorderBytes = 4096 * 8;  // one buffer of the recorder
-constexpr std::uint64_t kReadBytes = 64 * 1024;
+constexpr std::uint64_t kReadBytes = std::uint64_t{64} * 1024;
 constexpr std::uint64_t kChunks = 100'000;  // of kRecorderBytes each: about 2 h 35 min of audio
 constexpr int kWritesOfARun = 8192;         // 256 MiB on the disk
 

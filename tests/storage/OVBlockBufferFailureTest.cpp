@@ -18,7 +18,7 @@ using storagetest::part;
 using storagetest::pattern;
 using storagetest::read;
 using storagetest::write;
-using storagetest::operator+;
+using storagetest::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
 using testing::ElementsAre;
 using testing::IsEmpty;
 

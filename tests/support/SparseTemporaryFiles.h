@@ -27,7 +27,7 @@ class SparseTemporaryFiles : public platform::TemporaryFiles {
   }
 
  private:
-  static constexpr std::uint64_t kPageSize = 64 * 1024;  // bytes
+  static constexpr std::uint64_t kPageSize = std::uint64_t{64} * 1024;  // bytes
   using Page = std::array<std::byte, kPageSize>;
 
   class SparseFile : public platform::File {
