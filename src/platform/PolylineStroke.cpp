@@ -15,6 +15,12 @@ int columnsPerPixel(double scale) {
   return std::clamp(static_cast<int>(kColumnsPerUnit / scale), 4, 16);
 }
 
+/// To the nearest; the numbers here are not below 0 by more than a rounding error.
+int rounded(float value) {
+  constexpr float kHalf = 0.5F;
+  return static_cast<int>(value + kHalf);
+}
+
 /// Premultiplied colours for all coverages of a pixel.
 std::array<QRgb, 256> coverageColors(const QColor& color) {
   std::array<QRgb, 256> colors{};
@@ -145,7 +151,7 @@ void PolylineStroke::fillLayer(const QColor& color, int columnsPerPixel) {
       float& change = change_[static_cast<std::size_t>(row)];
       coverage += change;
       change = 0.0F;
-      const int level = std::clamp(static_cast<int>(coverage * 255.0F + 0.5F), 0, 255);
+      const int level = std::clamp(rounded(coverage * 255.0F), 0, 255);
       pixels[row * pixelsPerRow + x] = colors[static_cast<std::size_t>(level)];
     }
     change_[static_cast<std::size_t>(last) + 1] = 0.0F;

@@ -16,6 +16,7 @@ const QColor kWaveformColor = QColor::fromRgbF(0.16F, 0.435F, 0.49F);
 const QColor kTickColor = QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.6F);
 
 constexpr double kLineWidth = 1.0;
+constexpr int kTicks = 20;
 // Full scale reaches this part of the height above and below the middle.
 constexpr double kFullScaleDivisor = 2.5;
 // Far outside every view, and still a number to reckon with.
@@ -46,12 +47,13 @@ void OVWaveFormDrawing::drawGrid(QPainter& painter, QSizeF size, double bg_scrol
   const double width = size.width();
   const double height = size.height();
   lines_.clear();
-  for (double y = 0.0; y < height; y += kGridSpacing) {
+  for (int i = 0; i * kGridSpacing < height; ++i) {
+    const double y = i * kGridSpacing;
     // The slight slant belongs to the look.
     lines_.emplace_back(0.0, y + 12.5, width + 0.5, y + 12.0);
   }
-  for (double x = 0.0; x < width; x += kGridSpacing) {
-    const double lineX = bg_scroll_x + 0.5 + x;
+  for (int i = 0; i * kGridSpacing < width; ++i) {
+    const double lineX = bg_scroll_x + 0.5 + i * kGridSpacing;
     lines_.emplace_back(lineX, 0.0, lineX, height);
   }
   strokeLines(painter, kGridColor);
@@ -70,9 +72,10 @@ void OVWaveFormDrawing::drawWaveform(QPainter& painter, QSizeF size,
 
 void OVWaveFormDrawing::drawTimescale(QPainter& painter, QSizeF size) {
   const double width = size.width();
-  const double step = width / 20.0;
+  const double step = width / kTicks;
   lines_.clear();
-  for (double x = 0.0; x < width; x += step) {
+  for (int i = 0; i < kTicks; ++i) {
+    const double x = i * step;
     const int tickHeight = (static_cast<int>(x) % 20) / 2 + 5;
     lines_.emplace_back(x + 0.5, 0.0, x + 0.5, tickHeight);
   }
