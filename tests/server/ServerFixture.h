@@ -1,0 +1,103 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "platform/AudioQueue.h"
+#include "platform/CubebAudioDevice.h"
+#include "platform/DeviceAudioQueues.h"
+#include "storage/OVBlockBuffer.h"
+#include "support/PrivateSoundServer.h"
+#include "support/RawAudio.h"
+#include "support/RecordingServices.h"
+#include "support/TemporaryFolder.h"
+
+namespace testserver {
+
+inline constexpr std::uint64_t kFrameBytes = platform::kWorkingFormat.mBytesPerFrame;
+
+/// Everything that a buffer holds.
+inline support::Samples contents(OVAudioBufferInterface& buffer) {
+  support::Samples samples(buffer.bufferSizeInFrames() * support::kChannels);
+  const auto read = buffer.readDataInto(samples.data(), samples.size() * sizeof(float), 0);
+  samples.resize(read.byteCount / sizeof(float));
+  return samples;
+}
+
+inline std::shared_ptr<OVBlockBuffer> blockBufferWith(const support::Samples& samples) {
+  auto buffer = OVBlockBuffer::init();
+  buffer->writeData(samples.data(), 0, static_cast<std::uint32_t>(samples.size() * sizeof(float)));
+  return buffer;
+}
+
+/// The frames that are not silent. On a busy machine the program that plays into the feed, or the
+/// server itself, may be late: that shows as silence in between. Noise holds no silent frame, so a
+/// lost, repeated or moved frame still shows.
+inline support::Samples withoutSilence(const support::Samples& samples) {
+  support::Samples kept;
+  kept.reserve(samples.size());
+  for (std::size_t i = 0; i + 1 < samples.size(); i += support::kChannels) {
+    if (samples[i] != 0 || samples[i + 1] != 0) {
+      kept.insert(kept.end(), {samples[i], samples[i + 1]});
+    }
+  }
+  return kept;
+}
+
+/// No call may wait for the sound system for more than 250 ms; the rest is for a busy machine. What
+/// is caught are the waits of a library that asks a hanging server: 30 s and more.
+inline constexpr std::chrono::milliseconds kLongestCall{1000};
+
+/// How long a call takes.
+inline std::chrono::milliseconds duration(const std::function<void()>& call) {
+  const auto begin = std::chrono::steady_clock::now();
+  call();
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
+                                                               begin);
+}
+
+/// A private sound server, and the audio queues on the real device, which find that server and no
+/// other through this process's environment.
+class ServerTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string error;
+    server_ = support::PrivateSoundServer::start(error);
+    ASSERT_NE(server_, nullptr) << error;
+    for (const auto& [name, value] : server_->environment()) {
+      // Before the first thread of the queues.
+      ASSERT_EQ(setenv(name.c_str(), value.c_str(), 1), 0);  // NOLINT(concurrency-mt-unsafe)
+    }
+    queues_ = std::make_unique<platform::AudioQueuesInstallation>(
+        std::make_shared<platform::DeviceAudioQueues>(
+            std::make_shared<platform::CubebAudioDevice>()));
+  }
+
+  void TearDown() override {
+    if (server_) {
+      server_->thaw();
+    }
+    queues_.reset();
+  }
+
+  [[nodiscard]] bool awaitCapturing() const {
+    return support::eventually([this] { return server_->isCapturing(getpid()); });
+  }
+
+  support::InstalledRecordingServices services_;
+  support::TemporaryFolder folder_;
+  std::unique_ptr<support::PrivateSoundServer> server_;
+  std::unique_ptr<platform::AudioQueuesInstallation> queues_;
+};
+
+}  // namespace testserver
