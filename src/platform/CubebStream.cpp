@@ -1,5 +1,7 @@
 #include "platform/CubebStream.h"
 
+#include <algorithm>
+
 namespace platform {
 
 AudioStatus statusOfCubeb(int result) {
@@ -22,6 +24,7 @@ CubebStream::~CubebStream() {
 }
 
 AudioStatus CubebStream::open(std::uint32_t latencyFrames) {
+  latencyFrames_ = latencyFrames;
   cubeb_stream_params format{};
   format.format = CUBEB_SAMPLE_FLOAT32NE;
   format.rate = static_cast<std::uint32_t>(kWorkingFormat.mSampleRate);
@@ -61,7 +64,10 @@ AudioStatus CubebStream::stop() {
 std::uint64_t CubebStream::position() {
   std::uint64_t frames = 0;
   if (life_.load() != Life::kDead && cubeb_stream_get_position(stream_, &frames) == CUBEB_OK) {
-    position_ = frames;
+    // The library extrapolates from the start on, and was seen hundreds of frames ahead of a server
+    // that had not begun to play. What still fits into the stream's buffer may not have left it.
+    const std::uint64_t given = transferred_.load(std::memory_order_relaxed);
+    position_ = std::min(frames, given - std::min<std::uint64_t>(given, latencyFrames_));
   }
   return position_;
 }
@@ -70,6 +76,7 @@ long CubebStream::transferCallback(cubeb_stream*, void* user, const void* input,
                                    long frames) {
   auto* self = static_cast<CubebStream*>(user);
   self->transfer_(self->client_, input, output, static_cast<std::uint32_t>(frames));
+  self->transferred_.fetch_add(static_cast<std::uint64_t>(frames), std::memory_order_relaxed);
   return frames;  // never fewer: that would begin a drain, which cuts short clips off
 }
 

@@ -48,7 +48,8 @@ class CubebStream {
   [[nodiscard]] AudioStatus start();
   [[nodiscard]] AudioStatus stop();
 
-  /// Frames heard; the last known number when the library does not tell.
+  /// Frames heard; the last known number when the library does not tell. Never more than the
+  /// device must have taken out of the stream's buffer.
   [[nodiscard]] std::uint64_t position();
 
  private:
@@ -68,8 +69,13 @@ class CubebStream {
   // Becomes kOpen by open(), kDead by the library's threads; never leaves kDead.
   std::atomic<Life> life_{Life::kOpening};
 
+  // Frames that the device has given or taken. Only writer: the library's audio thread; a count
+  // alone, so relaxed.
+  std::atomic<std::uint64_t> transferred_{0};
+
   // Control thread only.
   cubeb_stream* stream_ = nullptr;
+  std::uint32_t latencyFrames_ = 0;
   std::uint64_t position_ = 0;
 };
 
