@@ -39,10 +39,9 @@ template <typename Value>
 class Record {
  public:
   void add(Value value) {
-    {
-      const std::lock_guard lock(mutex_);
-      values_.push_back(std::move(value));
-    }
+    // Notified under the lock: whoever waits may destroy this as soon as it has the lock.
+    const std::lock_guard lock(mutex_);
+    values_.push_back(std::move(value));
     changed_.notify_all();
   }
   [[nodiscard]] bool awaitCount(std::size_t count) const {
@@ -68,10 +67,8 @@ class Record {
 class Door {
  public:
   void open() {
-    {
-      const std::lock_guard lock(mutex_);
-      open_ = true;
-    }
+    const std::lock_guard lock(mutex_);
+    open_ = true;
     changed_.notify_all();
   }
   void pass() {
