@@ -1,5 +1,6 @@
 #include "structure/SourceTree.h"
 
+#include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <fstream>
@@ -12,16 +13,8 @@ namespace structure {
 
 namespace {
 
-bool endsWith(const std::string& text, const std::string& end) {
-  return text.ends_with(end);
-}
-
 std::string folderOf(const std::string& path) {
   return path.substr(0, path.find('/'));
-}
-
-std::string withoutExtension(const std::string& path) {
-  return path.substr(0, path.rfind('.'));
 }
 
 /// Height of a folder in the house; a file may include what stands lower.
@@ -35,7 +28,7 @@ std::optional<int> heightOf(const std::string& folder) {
 
 /// Headers that the build makes: interface files and the meta-object compiler's output.
 bool isGenerated(const std::string& name) {
-  return name.starts_with("ui_") || endsWith(name, ".moc") || name.starts_with("moc_");
+  return name.starts_with("ui_") || name.ends_with(".moc") || name.starts_with("moc_");
 }
 
 /// Headers of the language and of POSIX have a lower-case name without a library's folder in front.
@@ -162,23 +155,20 @@ Complaints complaintsAboutPureFiles(const SourceTree& tree, const std::set<std::
 }
 
 Complaints complaintsAboutMissingHeaders(const SourceTree& tree) {
-  const auto belongsTo = [](const std::string& source, const std::string& header) {
-    return source == header ||
-           (source.starts_with(header) &&
-            std::isupper(static_cast<unsigned char>(source[header.size()])) != 0);
-  };
   Complaints complaints;
   for (const auto& [path, text] : tree) {
-    if (!endsWith(path, ".cpp") || endsWith(path, "/main.cpp")) {
+    if (!path.ends_with(".cpp") || path.ends_with("/main.cpp")) {
       continue;
     }
-    bool found = false;
-    for (const auto& [other, ignored] : tree) {
-      found = found ||
-              (endsWith(other, ".h") && belongsTo(withoutExtension(path), withoutExtension(other)));
-    }
+    const std::string ownHeader = path.substr(0, path.rfind('.')) + ".h";
+    const auto includes = includesOf(text);
+    const bool found = std::any_of(includes.begin(), includes.end(), [&](const Include& include) {
+      return tree.contains(ownHeader)
+                 ? include.name == ownHeader
+                 : tree.contains(include.name) && folderOf(include.name) == folderOf(path);
+    });
     if (!found) {
-      complaints.push_back(path + ": has no header of its name");
+      complaints.push_back(path + ": does not include the header that it belongs to");
     }
   }
   return complaints;
@@ -187,7 +177,7 @@ Complaints complaintsAboutMissingHeaders(const SourceTree& tree) {
 Complaints complaintsAboutGuards(const SourceTree& tree) {
   Complaints complaints;
   for (const auto& [path, text] : tree) {
-    if (endsWith(path, ".h") && !text.starts_with("#pragma once\n")) {
+    if (path.ends_with(".h") && !text.starts_with("#pragma once\n")) {
       complaints.push_back(path + ": does not begin with #pragma once");
     }
   }

@@ -41,8 +41,8 @@ struct Include {
 [[nodiscard]] Complaints complaintsAboutPureFiles(const SourceTree& tree,
                                                   const std::set<std::string>& pure);
 
-/// Sources without a header. A class in several sources names each after its header with the
-/// concern behind it; main.cpp has none.
+/// Sources that do not include the header of their name, or, where there is none because a header
+/// is served by several sources, no header of their folder. main.cpp has none.
 [[nodiscard]] Complaints complaintsAboutMissingHeaders(const SourceTree& tree);
 
 /// Headers whose first line is not "#pragma once".
