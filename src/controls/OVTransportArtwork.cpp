@@ -69,7 +69,7 @@ constexpr Layer kRoundNormal[] = {
     {Paint::gradient, 2.0F, 2.0F, 2.4F, {1.0F, 0.07F}, {0.7F, 0.75F}},
     {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.9F, 1.0F}, {1.0F, 0.07F}},
     {Paint::band, 2.0F, 2.0F, 2.4F, {0.76F, 0.07F}, {0.6F, 0.75F}},
-    {Paint::separator, 2.0F, 0.0F, 0.0F, {0.45F, 1.0F}, {0.7F, 0.75F}},
+    {Paint::separator, 2.0F, 0.0F, 0.0F, {0.45F, 1.0F}, {0.6F, 0.75F}},
     {Paint::gradient, 2.0F, 2.5F, 3.9F, {0.45F, 0.07F}, {0.9F, 1.0F}},
     {Paint::border, 1.5F, 1.5F, 2.4F, {0.45F, 1.0F}},
     {Paint::gradient, 2.0F, 2.0F, 2.4F, {1.0F, 0.75F}, {0.7F, 0.07F}},
