@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <span>
+#include <vector>
+
+/// A copy of the chunk of audio that was recorded last, for the spectrum, which takes it in
+/// quarters: a chunk lasts for about three of its ticks. Each chunk feeds four successive calls of
+/// nextQuarter(), and then again from its start until another one has come.
+///
+/// Threads: capture() is the buffer's writer's, nextQuarter() the main thread's, fft_data() any.
+/// Real-time: not safe.
+class OVRecordedChunk {
+ public:
+  /// Replaces the copy by `size` bytes; the next quarter is the first of them.
+  void capture(const void* data, std::uint32_t size);
+
+  /// Copies out the next quarter (size / 4 bytes, rounded down) and moves on by as much. The 1 to 3
+  /// bytes that rounding may leave at the end follow in pieces that are no larger. Empty without a
+  /// chunk, and with one of fewer than 4 bytes. Valid until the next call.
+  [[nodiscard]] std::span<const std::byte> nextQuarter();
+
+  /// The whole copy.
+  [[nodiscard]] std::vector<std::byte> fft_data() const;
+
+ private:
+  // Guarded by mutex_.
+  mutable std::mutex mutex_;
+  std::vector<std::byte> fft_data_;
+  std::size_t fft_data_p_ = 0;  // offset of the next quarter in fft_data_, always inside or 0
+  std::uint32_t fft_data_p_size_ = 0;
+
+  // Main thread only.
+  std::vector<std::byte> quarter_;
+};
