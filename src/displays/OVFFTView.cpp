@@ -1,0 +1,37 @@
+#include "displays/OVFFTView.h"
+
+#include <QPainter>
+
+#include "platform/Localization.h"
+#include "platform/ViewAccessibility.h"
+#include "platform/ViewDrawing.h"
+
+OVFFTView::OVFFTView(QWidget* parent) : QWidget(parent) {
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  platform::describeView(this, platform::localized("Spectrum"), QAccessible::Graphic);
+}
+
+std::uint64_t OVFFTView::dataSize() const {
+  const std::lock_guard lock(lock_);
+  return size_;
+}
+
+void OVFFTView::setSize(std::uint64_t size) {
+  const std::lock_guard lock(lock_);
+  size_ = size;
+}
+
+void OVFFTView::setData(const float* magnitudes) {
+  const std::lock_guard lock(lock_);
+  data_.assign(magnitudes, magnitudes + size_);
+}
+
+void OVFFTView::paintEvent(QPaintEvent* /*event*/) {
+  {
+    const std::lock_guard lock(lock_);
+    drawnData_ = data_;
+  }
+  QPainter painter(this);
+  platform::useViewCoordinates(painter, size());
+  drawing_.drawSpectrum(painter, size(), drawnData_);
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+#include <QWidget>
+
+#include "displays/OVFFTDrawing.h"
+
+/// Draws the magnitudes handed to it last as a line graph over a flat dark background. It keeps a
+/// copy of them and knows nothing of frequencies or decibels. Setting data does not redraw; who
+/// sets it asks for that.
+///
+/// Threads: main, except setSize(), setData() and dataSize(), which any thread may call.
+/// Real-time: not safe.
+class OVFFTView : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit OVFFTView(QWidget* parent = nullptr);
+
+  /// The number of values; size() is the widget's own. Set it before the data.
+  [[nodiscard]] std::uint64_t dataSize() const;
+  void setSize(std::uint64_t size);
+
+  /// Copies as many values as setSize() told. The array stays the caller's.
+  void setData(const float* magnitudes);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  // Guarded by lock_: whoever analyses writes, the redraw reads.
+  mutable std::mutex lock_;
+  std::vector<float> data_;  // empty until the first setData()
+  std::uint64_t size_ = 0;
+
+  // Main thread only.
+  std::vector<float> drawnData_;
+  OVFFTDrawing drawing_;
+};

@@ -1,0 +1,159 @@
+#include "displays/OVFFTView.h"
+
+#include <atomic>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <QAccessible>
+#include <QCoreApplication>
+#include <QEvent>
+
+#include "support/Pixels.h"
+
+namespace {
+
+const QColor kBackground(36, 54, 71);
+
+/// A view on a screen of any pixel ratio.
+class ViewOnScreen final : public OVFFTView {
+ public:
+  int ratio = 1;
+
+ protected:
+  [[nodiscard]] int metric(PaintDeviceMetric kind) const override {
+    if (kind == PdmDevicePixelRatio) {
+      return ratio;
+    }
+    if (kind == PdmDevicePixelRatioScaled) {
+      return static_cast<int>(ratio * devicePixelRatioFScale());
+    }
+    return OVFFTView::metric(kind);
+  }
+};
+
+/// What the screen shows of the view.
+QImage pictureOf(OVFFTView& view) {
+  return view.grab().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+QImage expectedPicture(QSize size, const std::vector<float>& data, int ratio = 1) {
+  OVFFTDrawing drawing;
+  return drawnPicture(size, ratio, Qt::magenta,
+                      [&](QPainter& painter) { drawing.drawSpectrum(painter, size, data); });
+}
+
+void show(OVFFTView& view, const std::vector<float>& data) {
+  view.setSize(data.size());
+  view.setData(data.data());
+}
+
+class FFTView : public testing::Test {
+ protected:
+  FFTView() { view_.resize(320, 100); }
+
+  ViewOnScreen view_;
+};
+
+}  // namespace
+
+TEST_F(FFTView, BeforeTheFirstDataShowsOnlyItsBackground) {
+  EXPECT_EQ(view_.dataSize(), 0U);
+  const QImage picture = pictureOf(view_);
+  for (int y = 0; y < picture.height(); ++y) {
+    for (int x = 0; x < picture.width(); ++x) {
+      ASSERT_EQ(picture.pixelColor(x, y), kBackground) << x << ", " << y;
+    }
+  }
+  view_.setSize(512);  // a number alone is no data
+  EXPECT_EQ(pictureOf(view_), picture);
+}
+
+TEST_F(FFTView, DrawsItsDataOverItsWholeSizeAtEveryPixelRatio) {
+  for (const std::size_t count : {std::size_t{2048}, std::size_t{512}, std::size_t{3}}) {
+    const std::vector<float> data(count, 0.4F);
+    show(view_, data);
+    for (const int ratio : {1, 2}) {
+      view_.ratio = ratio;
+      EXPECT_EQ(pictureOf(view_), expectedPicture({320, 100}, data, ratio)) << count;
+    }
+  }
+}
+
+TEST_F(FFTView, WithASizeOfZeroShowsOnlyItsBackground) {
+  const QImage blank = pictureOf(view_);
+  show(view_, {0.5F, 0.25F});
+  ASSERT_NE(pictureOf(view_), blank);
+  view_.setSize(0);
+  view_.setData(nullptr);
+  EXPECT_EQ(pictureOf(view_), blank);
+}
+
+TEST_F(FFTView, KeepsACopyOfItsOwn) {
+  std::vector<float> data{0.1F, 0.9F, 0.3F};
+  show(view_, data);
+  const QImage before = pictureOf(view_);
+  data.assign(3, 0.0F);
+  EXPECT_EQ(pictureOf(view_), before);
+}
+
+TEST_F(FFTView, CopiesAsManyValuesAsItsSizeTells) {
+  const std::vector<float> data{0.1F, 0.9F, 0.3F, 0.7F};
+  view_.setSize(2);
+  view_.setData(data.data());
+  EXPECT_EQ(view_.dataSize(), 2U);
+  EXPECT_EQ(pictureOf(view_), expectedPicture({320, 100}, {0.1F, 0.9F}));
+}
+
+TEST_F(FFTView, ASizeSetAheadOfItsDataChangesNothingYet) {
+  show(view_, {0.1F, 0.9F});
+  const QImage before = pictureOf(view_);
+  view_.setSize(100000);
+  EXPECT_EQ(pictureOf(view_), before);
+}
+
+TEST_F(FFTView, DoesNotRedrawByItself) {
+  class PaintCounter : public QObject {
+   public:
+    bool eventFilter(QObject*, QEvent* event) override {
+      paints += event->type() == QEvent::Paint ? 1 : 0;
+      return false;
+    }
+    int paints = 0;
+  };
+  view_.show();
+  view_.repaint();
+  QCoreApplication::processEvents();
+  PaintCounter counter;
+  view_.installEventFilter(&counter);
+  show(view_, {0.1F, 0.9F});
+  QCoreApplication::processEvents();
+  EXPECT_EQ(counter.paints, 0);
+  view_.update();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(counter.paints, 1);
+}
+
+TEST_F(FFTView, MayBeGivenDataByAnotherThreadWhileItIsDrawn) {
+  std::atomic<bool> done = false;
+  std::thread analyst([&] {
+    const std::vector<float> recorded(512, 0.2F);
+    const std::vector<float> played(2048, 0.6F);
+    for (int round = 0; round < 300; ++round) {
+      show(view_, round % 2 == 0 ? recorded : played);
+    }
+    show(view_, recorded);
+    done = true;
+  });
+  while (!done) {
+    static_cast<void>(pictureOf(view_));
+  }
+  analyst.join();
+  EXPECT_EQ(pictureOf(view_), expectedPicture({320, 100}, std::vector<float>(512, 0.2F)));
+}
+
+TEST_F(FFTView, HasANameForAssistiveTechnology) {
+  QAccessibleInterface* const spoken = QAccessible::queryAccessibleInterface(&view_);
+  ASSERT_NE(spoken, nullptr);
+  EXPECT_EQ(spoken->text(QAccessible::Name), "Spectrum");
+  EXPECT_EQ(spoken->role(), QAccessible::Graphic);
+}
