@@ -19,6 +19,7 @@ OVMainMenu::OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& contro
   addFileMenu();
   addEditMenu();
   addTransportMenu();
+  addViewMenu();
   addHelpMenu();
   if (const auto manager = controller->windowWillReturnUndoManager()) {
     manager->setChangeHandler([menu = QPointer<OVMainMenu>(this)] {
@@ -103,6 +104,13 @@ void OVMainMenu::addTransportMenu() {
   add("To End", nullptr, &Controller::nextMenu);
 }
 
+void OVMainMenu::addViewMenu() {
+  QMenu* const menu = addMenu("&View");
+  spectrum_ = addDocumentCommand(menu, "Spectrum", Controller::MenuAction::other,
+                                 [](Controller& c) { c.toggleFFT(nullptr); });
+  spectrum_->setCheckable(true);
+}
+
 void OVMainMenu::addHelpMenu() {
   QMenu* const menu = addMenu("&Help");
   addCommand(menu, "Diagnostics", commands_.showDiagnostics);
@@ -117,6 +125,7 @@ void OVMainMenu::update() {
   for (const auto& [action, kind] : validated_) {
     action->setEnabled(document->validateMenuItem(kind));
   }
+  spectrum_->setChecked(document->isSpectrumShown());
   const auto manager = document->windowWillReturnUndoManager();
   const auto title = [](const char* verb, const std::string& name) {
     return name.empty() ? localized(verb)

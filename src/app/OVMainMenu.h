@@ -32,7 +32,8 @@ class OVMainMenu : public QObject {
   OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& controller,
              ApplicationCommands commands);
 
-  /// Takes over what the document says about its items: names of undo and redo, enabled states.
+  /// Takes over what the document says about its items: names of undo and redo, enabled and
+  /// checked states.
   void update();
 
  private:
@@ -46,6 +47,7 @@ class OVMainMenu : public QObject {
   void addFileMenu();
   void addEditMenu();
   void addTransportMenu();
+  void addViewMenu();
   void addHelpMenu();
 
   std::weak_ptr<Controller> controller_;
@@ -53,5 +55,6 @@ class OVMainMenu : public QObject {
   QPointer<QMainWindow> window_;
   QAction* undo_ = nullptr;
   QAction* redo_ = nullptr;
+  QAction* spectrum_ = nullptr;  // checked while the spectrum is shown
   std::vector<std::pair<QAction*, Controller::MenuAction>> validated_;
 };

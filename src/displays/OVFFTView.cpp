@@ -21,6 +21,11 @@ void OVFFTView::setSize(std::uint64_t size) {
   size_ = size;
 }
 
+std::vector<float> OVFFTView::magnitudes() const {
+  const std::lock_guard lock(lock_);
+  return data_;
+}
+
 void OVFFTView::setData(const float* magnitudes) {
   const std::lock_guard lock(lock_);
   data_.assign(magnitudes, magnitudes + size_);

@@ -12,7 +12,7 @@
 /// copy of them and knows nothing of frequencies or decibels. Setting data does not redraw; who
 /// sets it asks for that.
 ///
-/// Threads: main, except setSize(), setData() and dataSize(), which any thread may call.
+/// Threads: main, except setting and reading its values, which any thread may do.
 /// Real-time: not safe.
 class OVFFTView : public QWidget {
   Q_OBJECT
@@ -23,6 +23,9 @@ class OVFFTView : public QWidget {
   /// The number of values; size() is the widget's own. Set it before the data.
   [[nodiscard]] std::uint64_t dataSize() const;
   void setSize(std::uint64_t size);
+
+  /// A copy of the values that are drawn.
+  [[nodiscard]] std::vector<float> magnitudes() const;
 
   /// Copies as many values as setSize() told. The array stays the caller's.
   void setData(const float* magnitudes);

@@ -15,7 +15,10 @@
 #include "controls/OVRoundedTransportButton.h"
 #include "controls/OVTransportBackgroundView.h"
 #include "displays/OVCircularVUView.h"
+#include "displays/OVFFTView.h"
 #include "displays/OVTimeView.h"
+#include "document/OVSpectrumAnalyser.h"
+#include "document/OVSpectrumStrip.h"
 #include "platform/ApplicationServices.h"
 #include "platform/File.h"
 #include "platform/Localization.h"
@@ -95,11 +98,13 @@ void VLRecorderWindowController::windowDidLoad() {
     window_->setTitle(
         QStringLiteral("%1 - %2").arg(platform::localized("Orvo"), platform::localized("Unnamed")));
   }
+  spectrumAnalyser_ = OVSpectrumAnalyser::create();
   undoManager_ = std::make_shared<platform::UndoManager>();
   undoManager_->setLevelsOfUndo(1);
   showIndicator(false);
   advanceIndicator(0.25);
   setupTransportButtons();
+  setupSpectrum();
   if (wfView_) {
     wfView_->setDelegate(weak_from_this());
   }
@@ -124,6 +129,7 @@ void VLRecorderWindowController::connectViews() {
   pauseButton_ = window_->findChild<OVTransportButton*>("pauseButton");
   fftButton_ = window_->findChild<OVHoverButton*>("fftButton");
   transportBackView_ = window_->findChild<OVTransportBackgroundView*>("transportBackView");
+  fftView_ = window_->findChild<OVFFTView*>("fftView");
   loadingIndicator_ = window_->findChild<QProgressBar*>("loadingIndicator");
 }
 
@@ -253,6 +259,7 @@ bool VLRecorderWindowController::windowShouldClose(OVRecorderWindow*) {
 
 void VLRecorderWindowController::windowWillClose(OVRecorderWindow*) {
   pollTimer_.reset();
+  fftTimer_.reset();
   if (player_) {
     player_->setDelegate({});
   }
@@ -341,12 +348,7 @@ void VLRecorderWindowController::audioBufferDidWriteData(const void* data,
   if (!recorder || !recorder->isRecording()) {
     return;
   }
-  {
-    const std::lock_guard lock(fft_data_mutex_);
-    fft_data_.resize(withSize);
-    std::memcpy(fft_data_.data(), data, withSize);
-    fft_data_p_size_ = withSize / 4;
-  }
+  fft_data_.capture(data, withSize);
   const std::uint64_t frameSize = buffer->format().mBytesPerFrame;
   const std::uint64_t frames = withSize / frameSize;
   const std::uint64_t position = (atByteOffset + withSize) / frameSize;
@@ -362,8 +364,7 @@ void VLRecorderWindowController::audioBufferDidWriteData(const void* data,
 }
 
 std::vector<std::byte> VLRecorderWindowController::fft_data() const {
-  const std::lock_guard lock(fft_data_mutex_);
-  return fft_data_;
+  return fft_data_.fft_data();
 }
 
 void VLRecorderWindowController::audioBufferFailedToWrite(int error) {

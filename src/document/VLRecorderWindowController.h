@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@
 #include "audio/OVAQPlayerDelegate.h"
 #include "controls/OVRecorderWindowDelegate.h"
 #include "displays/OVVUViewDataSource.h"
+#include "document/OVRecordedChunk.h"
 #include "platform/AudioTypes.h"
 #include "platform/Dispatch.h"
 #include "platform/Timer.h"
@@ -27,9 +29,12 @@
 class OVAQPlayer;
 class OVAQRecorder;
 class OVCircularVUView;
+class OVFFTView;
 class OVHoverButton;
 class OVPlaybackMarkerView;
 class OVRecorderWindow;
+class OVSpectrumAnalyser;
+class OVSpectrumStrip;
 class OVTimeView;
 class OVTransportBackgroundView;
 class OVTransportButton;
@@ -48,7 +53,8 @@ class OVWaveformSummary;
 /// The controller keeps itself alive from its creation until windowWillClose().
 ///
 /// Sources, by concern: VLRecorderWindowController.cpp (set-up, tear-down, callbacks), …Transport
-/// (buttons, menus, keys), …Display (the 25 Hz loop, positions, clicks), …Editing (cuts, undo).
+/// (buttons, menus, keys), …Display (the 25 Hz loop, positions, clicks), …Editing (cuts, undo),
+/// …Spectrum (the spectrum below the transport bar).
 ///
 /// Threads: main, except the buffer's and the player's callbacks, the positions, isRendering-
 /// Waveform and the redraw requests, which any thread may call.
@@ -160,6 +166,23 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] bool isRenderingWaveform() const { return isRenderingWaveform_; }
   void setIsRenderingWaveform(bool rendering) { isRenderingWaveform_ = rendering; }
 
+  // Spectrum ------------------------------------------------------------------------------------
+
+  /// Action of the spectrum button and its menu item: shows or hides the spectrum and starts or
+  /// ends its timer, 30 ticks a second. The sender does not matter.
+  void toggleFFT(QObject* sender);
+  /// Whether the spectrum is shown, which is while its timer runs.
+  [[nodiscard]] bool isSpectrumShown() const { return fftTimer_ != nullptr; }
+
+  /// The spectrum timer's tick: analyses what plays, then what was recorded last. Neither: the view
+  /// keeps its curve.
+  void fireFFT();
+  /// Shows the spectrum of the stored audio at the playback position: 2048 bins.
+  void doFFT();
+  /// Shows the spectrum of `size` bytes of freshly recorded floats: 512 bins. Nothing for fewer
+  /// than 4 bytes.
+  void doFFTwithData(const void* data, std::uint32_t size);
+
   // Document ------------------------------------------------------------------------------------
 
   /// Path of the opened file, empty for a new recording.
@@ -261,6 +284,10 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] double secondsOfFrames(std::uint64_t frames) const;
   void moveToTimeLinePosition(double fraction);
 
+  // Spectrum
+  void setupSpectrum();
+  void showMagnitudes(std::span<const float> magnitudes);
+
   // Editing
   void cut(void (OVAudioBufferInterface::*cutoff)(std::uint64_t), const char* actionName);
   void exchangeHistory();
@@ -300,10 +327,14 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   QPointer<OVTransportButton> pauseButton_;
   QPointer<OVHoverButton> fftButton_;
   QPointer<OVTransportBackgroundView> transportBackView_;
+  QPointer<OVFFTView> fftView_;
   QPointer<QProgressBar> loadingIndicator_;
   std::string currentFilename_;
   std::int32_t currentFiletype_ = -1;
   std::unique_ptr<platform::Timer> pollTimer_;
+  std::unique_ptr<platform::Timer> fftTimer_;  // while the spectrum is shown
+  std::unique_ptr<OVSpectrumAnalyser> spectrumAnalyser_;
+  std::unique_ptr<OVSpectrumStrip> spectrumStrip_;
   std::uint64_t lastPlaybackPosition_ = 0;
   std::shared_ptr<platform::UndoManager> undoManager_;
   std::shared_ptr<OVWaveformSummary> prevWaveform_;
@@ -324,8 +355,6 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::atomic<int> writeError_ = 0;                   // errno of the write being reported
   std::atomic<bool> writeFailureTold_ = false;        // once per recording
 
-  // Guarded by fft_data_mutex_: the writer's thread replaces, the spectrum reads.
-  mutable std::mutex fft_data_mutex_;
-  std::vector<std::byte> fft_data_;
-  std::uint32_t fft_data_p_size_ = 0;
+  // Guards itself: the writer's thread replaces, the spectrum takes.
+  OVRecordedChunk fft_data_;
 };

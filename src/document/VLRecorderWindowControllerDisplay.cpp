@@ -258,4 +258,7 @@ void VLRecorderWindowController::moveToTimeLinePosition(double fraction) {
   if (playbackMarkerView_) {
     playbackMarkerView_->setAudioLevel(waveForm_->powerAtPosition(clamped));
   }
+  if (!isRecording()) {
+    doFFT();  // the spectrum of the place that was clicked
+  }
 }

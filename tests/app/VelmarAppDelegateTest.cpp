@@ -110,6 +110,25 @@ TEST_F(AppDelegateTest, RegisteredTemporaryFilesAreDeletedAtTheEndAlsoThoseAlrea
   EXPECT_EQ(delegate_.tempfiles().size(), 2u);  // the list only grows
 }
 
+TEST_F(AppDelegateTest, TheSpectrumItemIsCheckedWhileTheSpectrumIsShown) {
+  OVRecorderWindow* const window = spawn();
+  QAction* const spectrum = item(window, "Spectrum");
+  ASSERT_NE(spectrum, nullptr);
+  EXPECT_TRUE(spectrum->isCheckable());
+  EXPECT_FALSE(spectrum->isChecked());
+  const int height = window->height();
+  spectrum->trigger();
+  EXPECT_TRUE(spectrum->isChecked());
+  EXPECT_TRUE(runMainLoopUntil([&] { return window->height() == height + 200; }));
+
+  window->findChild<OVTrackingButton*>("fftButton")->performClick();
+  auto* const view = qobject_cast<QMenu*>(spectrum->associatedObjects().value(0));
+  ASSERT_NE(view, nullptr);
+  Q_EMIT view->aboutToShow();
+  EXPECT_FALSE(spectrum->isChecked());
+  EXPECT_TRUE(runMainLoopUntil([&] { return window->height() == height; }));
+}
+
 TEST_F(AppDelegateTest, ClosingTheWindowWhileRecordingAndQuittingLeavesNothingRunning) {
   OVRecorderWindow* const window = spawn();
   item(window, "Record")->trigger();
@@ -126,7 +145,7 @@ TEST_F(AppDelegateTest, EveryWindowHasTheMenusAndSaysWhatCanBeUndone) {
   for (const QAction* const action : window->menuBar()->actions()) {
     titles << action->text();
   }
-  EXPECT_EQ(titles, QStringList({"&File", "&Edit", "&Transport", "&Help"}));
+  EXPECT_EQ(titles, QStringList({"&File", "&Edit", "&Transport", "&View", "&Help"}));
   EXPECT_FALSE(item(window, "Undo")->isEnabled());
   EXPECT_FALSE(item(window, "Reverse Audio")->isEnabled());
 

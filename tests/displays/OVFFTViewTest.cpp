@@ -101,6 +101,7 @@ TEST_F(FFTView, CopiesAsManyValuesAsItsSizeTells) {
   view_.setSize(2);
   view_.setData(data.data());
   EXPECT_EQ(view_.dataSize(), 2U);
+  EXPECT_EQ(view_.magnitudes(), (std::vector{0.1F, 0.9F}));
   EXPECT_EQ(pictureOf(view_), expectedPicture({320, 100}, {0.1F, 0.9F}));
 }
 

@@ -1,0 +1,72 @@
+#include "controls/OVHoverButton.h"
+#include "controls/OVRecorderWindow.h"
+#include "controls/OVTransportBackgroundView.h"
+#include "displays/OVFFTView.h"
+#include "document/OVSpectrumAnalyser.h"
+#include "document/OVSpectrumStrip.h"
+#include "document/VLRecorderWindowController.h"
+
+namespace {
+
+constexpr double kSpectrumInterval = 1.0 / 30.0;  // seconds
+
+}  // namespace
+
+void VLRecorderWindowController::setupSpectrum() {
+  if (window_ && fftView_) {
+    spectrumStrip_ = std::make_unique<OVSpectrumStrip>(window_, fftView_->parentWidget());
+  }
+  if (fftButton_) {
+    fftButton_->setAction([this](OVTrackingButton* sender) { toggleFFT(sender); });
+    fftButton_->setTarget(weak_from_this());
+  }
+}
+
+void VLRecorderWindowController::toggleFFT(QObject* /*sender*/) {
+  if (fftTimer_) {
+    fftTimer_.reset();
+  } else {
+    fftTimer_ = std::make_unique<platform::Timer>(kSpectrumInterval, [this] { fireFFT(); });
+  }
+  if (transportBackView_) {
+    transportBackView_->setRenderBottomShadow(isSpectrumShown());
+    setViewNeedsDisplay(transportBackView_);
+  }
+  if (fftButton_) {
+    fftButton_->setIsOn(isSpectrumShown());  // the menu item turns it too
+  }
+  if (spectrumStrip_) {
+    spectrumStrip_->setShown(isSpectrumShown());
+  }
+}
+
+void VLRecorderWindowController::fireFFT() {
+  if (isPlaying()) {
+    doFFT();
+  }
+  if (isRecording()) {
+    const auto quarter = fft_data_.nextQuarter();
+    doFFTwithData(quarter.data(), static_cast<std::uint32_t>(quarter.size()));
+  }
+}
+
+void VLRecorderWindowController::doFFT() {
+  if (spectrumAnalyser_) {
+    showMagnitudes(spectrumAnalyser_->doFFT(buffer_.get(), playbackPosition()));
+  }
+}
+
+void VLRecorderWindowController::doFFTwithData(const void* data, std::uint32_t size) {
+  if (spectrumAnalyser_) {
+    showMagnitudes(spectrumAnalyser_->doFFTwithData(data, size));
+  }
+}
+
+void VLRecorderWindowController::showMagnitudes(std::span<const float> magnitudes) {
+  if (magnitudes.empty() || !fftView_) {
+    return;
+  }
+  fftView_->setSize(magnitudes.size());
+  fftView_->setData(magnitudes.data());
+  setViewNeedsDisplay(fftView_);
+}
