@@ -5,7 +5,7 @@
 # the libraries that qt6-base-dev needs.
 build_packages=(
   g++ cmake ninja-build pkg-config
-  qt6-base-dev libcubeb-dev
+  qt6-base-dev libcubeb-dev libavutil-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 
