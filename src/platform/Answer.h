@@ -27,11 +27,11 @@ class Answer {
 
   /// The answer, or nothing when it has not come by `deadline` and is given up.
   [[nodiscard]] std::optional<AudioStatus> wait(AudioClock& clock, AudioClock::TimePoint deadline) {
-    if (!clock.waitUntil(given_, deadline)) {
-      State expected = State::kOpen;
-      if (state_.compare_exchange_strong(expected, State::kGivenUp)) {
-        return std::nullopt;
-      }
+    static_cast<void>(clock.waitUntil(given_, deadline));
+    // Also decides when the answer and the deadline come together.
+    State expected = State::kOpen;
+    if (state_.compare_exchange_strong(expected, State::kGivenUp)) {
+      return std::nullopt;
     }
     return status_;
   }

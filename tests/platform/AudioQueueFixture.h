@@ -91,6 +91,11 @@ class Door {
 
 /// An input queue with the recorder's buffers, whose callback keeps everything.
 struct Recording {
+  Recording() = default;
+  Recording(const Recording&) = delete;
+  Recording& operator=(const Recording&) = delete;
+  ~Recording() { queue.reset(); }  // before what its callbacks use
+
   std::unique_ptr<AudioInputQueue> queue;
   Record<std::uint64_t> endFrames;
   Record<AudioStatus> failures;
@@ -148,6 +153,11 @@ struct Recording {
 /// An output queue that plays a given sequence of samples in the player's buffers, and ends as the
 /// player does.
 struct Playback {
+  Playback() = default;
+  Playback(const Playback&) = delete;
+  Playback& operator=(const Playback&) = delete;
+  ~Playback() { queue.reset(); }  // before what its callbacks use
+
   std::vector<float> source;
   std::size_t readAt = 0;  // samples
   bool done = false;

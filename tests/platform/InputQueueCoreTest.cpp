@@ -13,11 +13,10 @@ class InputQueueCoreTest : public AudioQueuesTest {
   void feed(std::uint64_t first, std::size_t frames) {
     ASSERT_TRUE(device->feed(ramp(first, frames)));
   }
-
-  Recording recording;
 };
 
 TEST_F(InputQueueCoreTest, IrregularChunksArriveAsWholeBuffersInOrder) {
+  Recording recording;
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   const auto fed = ramp(0, 10 * kRecordFrames);
   std::size_t at = 0;
@@ -36,6 +35,7 @@ TEST_F(InputQueueCoreTest, IrregularChunksArriveAsWholeBuffersInOrder) {
 }
 
 TEST_F(InputQueueCoreTest, TheBuffersDecideTheSizeOfADelivery) {
+  Recording recording;
   ASSERT_EQ(recording.begin(*queues, 500), kAudioStatusOk);
   feed(0, 1700);
   ASSERT_TRUE(recording.endFrames.awaitCount(3));
@@ -44,6 +44,7 @@ TEST_F(InputQueueCoreTest, TheBuffersDecideTheSizeOfADelivery) {
 }
 
 TEST_F(InputQueueCoreTest, ABufferThatIsBeingFilledIsNotDelivered) {
+  Recording recording;
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   feed(0, 2 * kRecordFrames - 1);
   EXPECT_EQ(recording.queue->capturedFrames(), kRecordFrames);
@@ -52,6 +53,7 @@ TEST_F(InputQueueCoreTest, ABufferThatIsBeingFilledIsNotDelivered) {
 }
 
 TEST_F(InputQueueCoreTest, FramesBeforeTheStartAreNotHeard) {
+  Recording recording;
   ASSERT_EQ(recording.make(*queues), kAudioStatusOk);
   ASSERT_EQ(recording.prime(), kAudioStatusOk);
   feed(0, kRecordFrames);
@@ -64,6 +66,7 @@ TEST_F(InputQueueCoreTest, FramesBeforeTheStartAreNotHeard) {
 
 TEST_F(InputQueueCoreTest, AWritingSideThatIsHeldUpFor250MillisecondsLosesNothing) {
   Door door;
+  Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) { door.pass(); };
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   feed(0, kRecordFrames);
@@ -80,6 +83,7 @@ TEST_F(InputQueueCoreTest, AWritingSideThatIsHeldUpFor250MillisecondsLosesNothin
 
 TEST_F(InputQueueCoreTest, FramesBeyondTheFullRingAreCountedAndToldOncePerStretch) {
   Door door;
+  Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) { door.pass(); };
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   feed(0, kRecordFrames);
@@ -104,6 +108,7 @@ TEST_F(InputQueueCoreTest, FramesBeyondTheFullRingAreCountedAndToldOncePerStretc
 }
 
 TEST_F(InputQueueCoreTest, ALossThatNoBufferFollowedIsToldWhenTheQueueStops) {
+  Recording recording;
   recording.reenqueue = false;
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   feed(0, 3 * kRecordFrames);
@@ -117,6 +122,7 @@ TEST_F(InputQueueCoreTest, ALossThatNoBufferFollowedIsToldWhenTheQueueStops) {
 }
 
 TEST_F(InputQueueCoreTest, BlocksWaitInTheRingUntilABufferIsEnqueuedAgain) {
+  Recording recording;
   recording.reenqueue = false;
   std::vector<AudioQueueBuffer*> kept;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer& buffer) { kept.push_back(&buffer); };
@@ -134,6 +140,7 @@ TEST_F(InputQueueCoreTest, BlocksWaitInTheRingUntilABufferIsEnqueuedAgain) {
 TEST_F(InputQueueCoreTest, WaitingForWhatWasCapturedSeesEveryWholeBufferOfAQueueThatIsBehind) {
   Door door;
   std::atomic<int> finished{0};
+  Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) {
     door.pass();
     ++finished;
@@ -153,6 +160,7 @@ TEST_F(InputQueueCoreTest, WaitingDoesNotWaitForBuffersCapturedLater) {
   Door first;
   Door second;
   std::atomic<int> calls{0};
+  Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) {
     (calls++ == 0 ? first : second).pass();
   };
@@ -169,6 +177,7 @@ TEST_F(InputQueueCoreTest, WaitingDoesNotWaitForBuffersCapturedLater) {
 
 TEST_F(InputQueueCoreTest, WaitingEndsWhenTheQueueIsStopped) {
   Door door;
+  Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) { door.pass(); };
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   feed(0, 3 * kRecordFrames);
@@ -186,6 +195,7 @@ TEST_F(InputQueueCoreTest, WaitingEndsWhenTheQueueIsStopped) {
 TEST_F(InputQueueCoreTest, AStopWaitsForTheCallbackThatRunsAndNoneFollows) {
   Door door;
   std::atomic<bool> inside{false};
+  Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) {
     inside = true;
     door.pass();
@@ -204,6 +214,7 @@ TEST_F(InputQueueCoreTest, AStopWaitsForTheCallbackThatRunsAndNoneFollows) {
 }
 
 TEST_F(InputQueueCoreTest, AStopFromInsideTheCallbackReturnsAndIsTheLast) {
+  Recording recording;
   recording.also = [&](AudioInputQueue& queue, AudioQueueBuffer&) {
     EXPECT_EQ(queue.stopImmediately(), kAudioStatusOk);
   };
@@ -215,6 +226,7 @@ TEST_F(InputQueueCoreTest, AStopFromInsideTheCallbackReturnsAndIsTheLast) {
 }
 
 TEST_F(InputQueueCoreTest, DisposingFromInsideTheCallbackKeepsItsBufferUntilItReturns) {
+  Recording recording;
   recording.also = [&](AudioInputQueue& queue, AudioQueueBuffer& buffer) {
     EXPECT_EQ(queue.dispose(), kAudioStatusOk);
     EXPECT_EQ(reinterpret_cast<const float*>(buffer.mAudioData)[2], 1.0F);
@@ -246,6 +258,7 @@ TEST_F(InputQueueCoreTest, AQueueMayBeDestroyedInsideItsOwnCallback) {
 }
 
 TEST_F(InputQueueCoreTest, DisposingTwiceDoesNothingMoreAndEverythingElseIsRefused) {
+  Recording recording;
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   EXPECT_EQ(recording.queue->dispose(), kAudioStatusOk);
   EXPECT_EQ(recording.queue->dispose(), kAudioStatusOk);
@@ -258,6 +271,7 @@ TEST_F(InputQueueCoreTest, DisposingTwiceDoesNothingMoreAndEverythingElseIsRefus
 }
 
 TEST_F(InputQueueCoreTest, StartingWithoutABufferIsRefusedAndTwiceIsOne) {
+  Recording recording;
   ASSERT_EQ(recording.make(*queues), kAudioStatusOk);
   EXPECT_EQ(recording.queue->start(), kInvalidQueueStateStatus);
   ASSERT_EQ(recording.prime(), kAudioStatusOk);
@@ -269,6 +283,7 @@ TEST_F(InputQueueCoreTest, StartingWithoutABufferIsRefusedAndTwiceIsOne) {
 }
 
 TEST_F(InputQueueCoreTest, ABufferLongerThanHalfTheRingIsRefused) {
+  Recording recording;
   ASSERT_EQ(recording.make(*queues), kAudioStatusOk);
   AudioQueueBuffer* buffer = nullptr;
   EXPECT_EQ(recording.queue->allocateBuffer(kInputRingFrames * 8, buffer), kInvalidParameterStatus);
@@ -276,6 +291,7 @@ TEST_F(InputQueueCoreTest, ABufferLongerThanHalfTheRingIsRefused) {
 }
 
 TEST_F(InputQueueCoreTest, LevelsAreThoseOfTheLastFilledBuffer) {
+  Recording recording;
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   ASSERT_EQ(recording.queue->enableLevelMetering(true), kAudioStatusOk);
   AudioQueueLevelMeterState levels[2] = {{9, 9}, {9, 9}};
@@ -293,6 +309,7 @@ TEST_F(InputQueueCoreTest, LevelsAreThoseOfTheLastFilledBuffer) {
 }
 
 TEST_F(InputQueueCoreTest, TheStreamDescriptionIsTheWorkingFormat) {
+  Recording recording;
   ASSERT_EQ(recording.make(*queues), kAudioStatusOk);
   AudioStreamBasicDescription description;
   ASSERT_EQ(recording.queue->streamDescription(description), kAudioStatusOk);

@@ -26,6 +26,7 @@ class OutputQueueCoreTest : public AudioQueuesTest {
     return value;
   }
 
+  Door door;
   Playback playback;
   std::size_t pulled_ = 0;
 };
@@ -117,9 +118,9 @@ TEST_F(OutputQueueCoreTest, EveryBufferComesBackBeforeTheEndIsTold) {
   for (int i = 0; i < 50; ++i) {
     Playback its;
     its.source = ramp(1, 2500);
-    ASSERT_EQ(its.begin(*queues), kAudioStatusOk);
     std::size_t returnedAtEnd = 0;
     its.inListener = [&](AudioOutputQueue&) { returnedAtEnd = its.returned.count(); };
+    ASSERT_EQ(its.begin(*queues), kAudioStatusOk);
     device->pull(4000);
     device->hearEverything();
     ASSERT_TRUE(its.states.awaitCount(2));
@@ -164,7 +165,6 @@ TEST_F(OutputQueueTimeTest, APauseDuringADrainHoldsItUntilTheResumption) {
 }
 
 TEST_F(OutputQueueCoreTest, SilenceFromLackOfABufferIsCountedFromTheFirstDataToTheDrain) {
-  Door door;
   playback.source = ramp(1, 6000);
   playback.inCallback = [&](AudioOutputQueue&) { door.pass(); };
   ASSERT_EQ(playback.begin(*queues), kAudioStatusOk);
@@ -207,7 +207,6 @@ TEST_F(OutputQueueCoreTest, AfterAnImmediateStopNothingIsCalledAndTheDataIsDropp
 }
 
 TEST_F(OutputQueueCoreTest, AStopWaitsForTheCallbackThatRuns) {
-  Door door;
   std::atomic<bool> inside{false};
   playback.source = ramp(1, 20000);
   playback.inCallback = [&](AudioOutputQueue&) {
