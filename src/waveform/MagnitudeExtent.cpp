@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -12,6 +13,7 @@ using LaneBits = std::uint32_t __attribute__((vector_size(16)));
 
 constexpr std::size_t kLanes = 4;
 constexpr std::uint32_t kMagnitudeBits = 0x7FFFFFFF;
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 /// The extent of each lane for itself. Several of them side by side, so that one step need not
 /// wait for the one before.
@@ -22,8 +24,9 @@ struct LaneExtent {
   void include(const float* samples) {
     Lanes value;
     std::memcpy(&value, samples, sizeof value);
-    const LaneBits isNumber = reinterpret_cast<LaneBits>(value == value);
-    value = reinterpret_cast<Lanes>(reinterpret_cast<LaneBits>(value) & kMagnitudeBits & isNumber);
+    value = reinterpret_cast<Lanes>(reinterpret_cast<LaneBits>(value) & kMagnitudeBits);
+    const auto isNumber = reinterpret_cast<LaneBits>(value <= kInfinity);
+    value = reinterpret_cast<Lanes>(reinterpret_cast<LaneBits>(value) & isNumber);
     smallest = value < smallest ? value : smallest;
     largest = value > largest ? value : largest;
   }

@@ -36,7 +36,7 @@ class SummaryReader {
  public:
   /// Bytes of one read of the buffer: large enough that the cost of the call does not count, small
   /// enough that the samples are still in the processor's second cache when they are looked at.
-  static constexpr std::uint64_t kBatchByteCount = 256 * 1024;
+  static constexpr std::uint64_t kBatchByteCount = 0x40000;  // 256 KiB
 
   struct Block {
     std::uint64_t byteCount = 0;

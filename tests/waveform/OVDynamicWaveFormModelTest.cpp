@@ -2,9 +2,11 @@
 #include <gmock/gmock.h>
 
 #include <bit>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -94,9 +96,9 @@ class Pair {
   std::vector<std::byte> someAudio() {
     const std::uint64_t limit = random_() % 40 == 0 ? 150'000 : random_() % 4 == 0 ? 20'000 : 700;
     const std::vector<float> samples = test_audio::roughNoise(2 * (random_() % limit), random_);
-    std::vector<std::byte> bytes(samples.size() * sizeof(float) +
-                                 (random_() % 8 == 0 ? random_() % 8 : 0));
-    std::memcpy(bytes.data(), samples.data(), samples.size() * sizeof(float));
+    const std::span<const std::byte> whole = std::as_bytes(std::span(samples));
+    std::vector<std::byte> bytes(whole.begin(), whole.end());
+    bytes.resize(bytes.size() + (random_() % 8 == 0 ? random_() % 8 : 0));
     return bytes;
   }
 
