@@ -1,7 +1,7 @@
 #include "platform/CubebAudioDevice.h"
 
 #include <cstdlib>
-#include <fstream>
+#include <string>
 
 #include "platform/AudioQueueFixture.h"
 #include "support/PrivateSoundServer.h"
@@ -20,7 +20,8 @@ class CubebAudioDeviceTest : public testing::Test {
     server_ = support::PrivateSoundServer::start(error);
     ASSERT_NE(server_, nullptr) << error;
     for (const auto& [name, value] : server_->environment()) {
-      setenv(name.c_str(), value.c_str(), 1);
+      // Before the first thread of the queues.
+      ASSERT_EQ(setenv(name.c_str(), value.c_str(), 1), 0);  // NOLINT(concurrency-mt-unsafe)
     }
     queues_ = std::make_shared<DeviceAudioQueues>(std::make_shared<CubebAudioDevice>());
   }
@@ -206,8 +207,9 @@ TEST_F(CubebAudioDeviceTest, AServerThatHangsHoldsNobodyUp) {
 TEST(CubebAudioDeviceWithoutServerTest, QueuesAreRefusedWithoutDelay) {
   const support::InstalledRecordingServices services;
   const support::TemporaryFolder folder;
-  setenv("PULSE_SERVER", ("unix:" + folder.file("none")).c_str(), 1);
-  setenv("XDG_RUNTIME_DIR", folder.file("").c_str(), 1);
+  const std::string address = "unix:" + folder.file("none");
+  ASSERT_EQ(setenv("PULSE_SERVER", address.c_str(), 1), 0);             // NOLINT(*-mt-unsafe)
+  ASSERT_EQ(setenv("XDG_RUNTIME_DIR", folder.file("").c_str(), 1), 0);  // NOLINT(*-mt-unsafe)
   DeviceAudioQueues queues(std::make_shared<CubebAudioDevice>());
   Recording recording;
   Playback playback;
