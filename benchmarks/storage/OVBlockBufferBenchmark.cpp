@@ -43,7 +43,9 @@ void Yardstick_BareWrite32KiB(benchmark::State& state) {
     offset += kRecorderBytes;
   }
 }
-BENCHMARK(Yardstick_BareWrite32KiB)->Iterations(kWritesOfARun);
+BENCHMARK(Yardstick_BareWrite32KiB)
+    ->Name("RecorderWrite/yardstick: a bare write of 32 KiB")
+    ->Iterations(kWritesOfARun);
 
 void RecorderWrite32KiB(benchmark::State& state) {
   const auto buffer = OVBlockBuffer::init();
@@ -54,7 +56,9 @@ void RecorderWrite32KiB(benchmark::State& state) {
     offset += kRecorderBytes;
   }
 }
-BENCHMARK(RecorderWrite32KiB)->Iterations(kWritesOfARun);
+BENCHMARK(RecorderWrite32KiB)
+    ->Name("RecorderWrite/32 KiB into the block list")
+    ->Iterations(kWritesOfARun);
 
 // Lays `chunks` chunks of `bytes` out in `blocks` blocks that cannot merge: in the list, each block
 // is followed by one that is not its neighbour in the recording.
@@ -94,7 +98,8 @@ void RandomRead64KiB(benchmark::State& state) {
     }
   }
 }
-BENCHMARK(RandomRead64KiB)->Arg(10)->Arg(100'000);
+BENCHMARK(RandomRead64KiB)->Name("RandomRead/yardstick: among 10 blocks")->Arg(10);
+BENCHMARK(RandomRead64KiB)->Name("RandomRead/among 100,000 blocks")->Arg(100'000);
 
 void WriteOver32KiB(benchmark::State& state) {
   benchmarks::FoldedTemporaryFiles files;
@@ -108,7 +113,8 @@ void WriteOver32KiB(benchmark::State& state) {
     buffer->writeData(bytes.data(), offsets(random), kRecorderBytes);
   }
 }
-BENCHMARK(WriteOver32KiB)->Arg(10)->Arg(100'000)->Iterations(1000);
+BENCHMARK(WriteOver32KiB)->Name("WriteOver/yardstick: 10 blocks")->Arg(10)->Iterations(1000);
+BENCHMARK(WriteOver32KiB)->Name("WriteOver/100,000 blocks")->Arg(100'000)->Iterations(1000);
 
 // An edit on a buffer of 10,000 blocks; `before` brings about what it needs, off the clock.
 template <typename Before, typename Edit>
@@ -137,26 +143,38 @@ void CutAfter10000Blocks(benchmark::State& state) {
       state, [](OVBlockBuffer& buffer) { buffer.undo(); },
       [](OVBlockBuffer& buffer) { buffer.cutoffBufferAfterPosition(kMiddle); });
 }
-BENCHMARK(CutAfter10000Blocks)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(CutAfter10000Blocks)
+    ->Name("Edit of 10,000 blocks/cut after")
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
 
 void CutBefore10000Blocks(benchmark::State& state) {
   timeEdit(
       state, [](OVBlockBuffer& buffer) { buffer.undo(); },
       [](OVBlockBuffer& buffer) { buffer.cutoffBufferBeforePosition(kMiddle); });
 }
-BENCHMARK(CutBefore10000Blocks)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(CutBefore10000Blocks)
+    ->Name("Edit of 10,000 blocks/cut before")
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
 
 void Undo10000Blocks(benchmark::State& state) {
   timeEdit(
       state, [](OVBlockBuffer&) {}, [](OVBlockBuffer& buffer) { buffer.undo(); });
 }
-BENCHMARK(Undo10000Blocks)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(Undo10000Blocks)
+    ->Name("Edit of 10,000 blocks/undo")
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
 
 void Redo10000Blocks(benchmark::State& state) {
   timeEdit(
       state, [](OVBlockBuffer& buffer) { buffer.undo(); },
       [](OVBlockBuffer& buffer) { buffer.redo(); });
 }
-BENCHMARK(Redo10000Blocks)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(Redo10000Blocks)
+    ->Name("Edit of 10,000 blocks/redo")
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
-#include <QGuiApplication>
 #include <QImage>
 #include <QLineF>
 #include <QPainter>
@@ -17,20 +16,6 @@ namespace {
 
 constexpr QSize kView(1200, 300);        // points
 constexpr std::size_t kElements = 1024;  // of a full summary
-
-/// Drawing needs an application; one of its own when no one else has made it.
-void needApplication() {
-  if (QCoreApplication::instance() != nullptr) {
-    return;
-  }
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-  }
-  static int argc = 1;
-  static char name[] = "orvo_benchmarks";
-  static char* argv[] = {name, nullptr};
-  static const QGuiApplication application(argc, argv);
-}
 
 /// Something like speech: noise whose loudness swells and fades.
 std::vector<float> recording() {
@@ -52,7 +37,6 @@ QImage bitmap(int ratio) {
 }
 
 void bareLines(benchmark::State& state) {
-  needApplication();
   const double middle = kView.height() / 2.0;
   const double step = kView.width() / static_cast<double>(kElements);
   std::vector<QLineF> lines;
@@ -80,7 +64,6 @@ BENCHMARK(bareLines)
     ->Unit(benchmark::kMillisecond);
 
 void redraw(benchmark::State& state) {
-  needApplication();
   const std::vector<float> elements = recording();
   OVWaveFormDrawing drawing;
   QImage picture = bitmap(static_cast<int>(state.range(0)));
@@ -106,7 +89,6 @@ BENCHMARK(redraw)
     ->Unit(benchmark::kMillisecond);
 
 void copyMarkerStrip(benchmark::State& state) {
-  needApplication();
   const QImage picture = bitmap(static_cast<int>(state.range(0)));
   QImage screen = bitmap(static_cast<int>(state.range(0)));
   for (auto _ : state) {

@@ -126,8 +126,17 @@ void SummariseHourStatic(benchmark::State& state) {
   countTheHour(state);
 }
 
-BENCHMARK(SummariseHourYardstickRead)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(SummariseHourDynamic)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(SummariseHourStatic)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(SummariseHourYardstickRead)
+    ->Name("SummariseHour/yardstick: reading the hour in large reads")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(SummariseHourDynamic)
+    ->Name("SummariseHour/growing summary")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(SummariseHourStatic)
+    ->Name("SummariseHour/fixed summary")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 }  // namespace
