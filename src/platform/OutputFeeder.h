@@ -67,10 +67,6 @@ class OutputFeeder {
   SpscQueue<AudioQueueBuffer*, QueueBuffers::kMost> taken_;    // and back
   RealTimeSection section_;
 
-  // Real-time thread only.
-  AudioQueueBuffer* current_ = nullptr;
-  std::uint32_t currentDone_ = 0;  // frames taken of current_
-
   // Buffers pushed so far. Only writer: push().
   std::atomic<std::uint64_t> pushedBuffers_{0};
   // Buffers emptied so far. Only writer: the real-time thread, with release after realEnd_.
@@ -79,6 +75,10 @@ class OutputFeeder {
   std::atomic<std::uint64_t> realEnd_{0};
   std::atomic<std::uint64_t> given_{0};
   std::atomic<std::uint64_t> underruns_{0};
+  // Real-time thread only.
+  AudioQueueBuffer* current_ = nullptr;
+  std::uint32_t currentDone_ = 0;  // frames taken of current_
+
   // Set by the queue, never cleared.
   std::atomic<bool> draining_{false};
   std::atomic<bool> closed_{false};
