@@ -44,8 +44,8 @@ inline std::vector<float> squareWave(std::uint64_t frameCount, std::uint64_t hal
 inline std::vector<float> risingBlocks(std::uint64_t firstBlock, std::uint64_t count,
                                        std::uint64_t blockCount) {
   return stereo(count * 64, [=](std::uint64_t frame) {
-    const auto number = static_cast<double>(firstBlock + frame / 64 + 1);
-    return frame % 64 == 0 ? number / static_cast<double>(blockCount) : 0.0;
+    const std::uint64_t number = firstBlock + frame / 64 + 1;
+    return frame % 64 == 0 ? static_cast<double>(number) / static_cast<double>(blockCount) : 0.0;
   });
 }
 

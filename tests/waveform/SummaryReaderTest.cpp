@@ -92,7 +92,7 @@ TEST(SummaryReaderTest, ALongBlockIsReadInPiecesOfBoundedSize) {
   MemoryTestBuffer audio;
   std::mt19937_64 random(7);
   audio.append(roughNoise(5000, random));
-  SummaryReader reader(audio, 1000, 64 * 8);
+  SummaryReader reader(audio, 1000, 512);
   EXPECT_EQ(blocksOf(reader), literalBlocksOf(audio, 1000));
 }
 
@@ -103,7 +103,7 @@ TEST(SummaryReaderTest, OfAShortLongBlockOnlyTheFirstHalfOfItsFramesCounts) {
   audio.append(test_audio::stereo(60, [](std::uint64_t frame) {
     return frame == 29 ? 0.5 : frame == 30 ? 0.9 : 0.0;
   }));
-  SummaryReader reader(audio, 100, 8 * 8);
+  SummaryReader reader(audio, 100, 64);
   const std::vector<SeenBlock> blocks = blocksOf(reader);
   ASSERT_EQ(blocks.size(), 1U);
   EXPECT_EQ(blocks[0].frameCount, 60U);
@@ -113,7 +113,7 @@ TEST(SummaryReaderTest, OfAShortLongBlockOnlyTheFirstHalfOfItsFramesCounts) {
 TEST(SummaryReaderTest, AudioCutOffBetweenThePiecesStillGivesAnExtent) {
   MemoryTestBuffer audio;
   audio.append(test_audio::stereo(60, [](std::uint64_t) { return 0.5; }));
-  SummaryReader reader(audio, 100, 8 * 8);
+  SummaryReader reader(audio, 100, 64);
   audio.beforeRead = [&, reads = 0](std::uint64_t) mutable {
     if (++reads == 9) {  // eight pieces until the end; then the first half again
       audio.resizeInBytes(0);
