@@ -56,12 +56,14 @@ void OVFFTDrawing::drawGrid(QPainter& painter, QSizeF size) {
   const double width = size.width();
   const double height = size.height();
   std::vector<QLineF> lines;
-  for (double y = 0.0; y < height; y += kGridSpacing) {
+  for (int i = 0; i * kGridSpacing < height; ++i) {
+    const double y = i * kGridSpacing;
     // The slight slant belongs to the look.
     lines.emplace_back(0.0, y + 12.5, width + 0.5, y + 12.0);
   }
-  for (double x = 0.0; x < width; x += kGridSpacing) {
-    lines.emplace_back(x + 0.5, 0.0, x + 0.5, height);
+  for (int i = 0; i * kGridSpacing < width; ++i) {
+    const double x = i * kGridSpacing + 0.5;
+    lines.emplace_back(x, 0.0, x, height);
   }
   painter.setPen(platform::viewPen(kGridColor, kLineWidth));
   painter.drawLines(lines.data(), static_cast<int>(lines.size()));

@@ -8,6 +8,8 @@
 #include <QScreen>
 #include <QStyle>
 
+#include "platform/Dispatch.h"
+
 OVSpectrumStrip::OVSpectrumStrip(QMainWindow* window, QWidget* strip)
     : window_(window),
       strip_(strip),
@@ -34,6 +36,9 @@ void OVSpectrumStrip::setShown(bool shown) {
     return;
   }
   if (!isMoving()) {
+    const QRect outer = window_->frameGeometry();
+    const QRect inner = window_->geometry();
+    decorations_ = {0, inner.top() - outer.top(), 0, outer.bottom() - inner.bottom()};
     chooseFrames(normalFrame_.value_or(window_->geometry()));
     normalFrame_.reset();
   }
@@ -95,13 +100,8 @@ void OVSpectrumStrip::chooseFrames(const QRect& current) {
 
 QRect OVSpectrumStrip::grown(const QRect& frame) const {
   const QRect screen = window_->screen()->availableGeometry();
-  const QRect outer = window_->frameGeometry();
-  const QRect inner = window_->geometry();
-  const int titleBar = inner.top() - outer.top();
-  const int bottomEdge = outer.bottom() - inner.bottom();
-
-  const int below = std::max(0, frame.bottom() + kHeight + bottomEdge - screen.bottom());
-  const int above = std::max(0, frame.top() - titleBar - screen.top());
+  const int below = std::max(0, frame.bottom() + kHeight + decorations_.bottom() - screen.bottom());
+  const int above = std::max(0, frame.top() - decorations_.top() - screen.top());
   const int up = std::min(below, above);
   const int least = window_->minimumSizeHint().height() + kHeight - strip_->maximumHeight();
   const int height = std::max({frame.height() + kHeight - (below - up), frame.height(), least});
@@ -145,7 +145,11 @@ void OVSpectrumStrip::stateChanged() {
   }
   if (normalFrame_ && !keepsItsSize()) {
     // Later: the frame that the window returns to by itself may not have arrived yet.
-    QMetaObject::invokeMethod(this, &OVSpectrumStrip::returnToNormalFrame, Qt::QueuedConnection);
+    platform::mainQueue().async([self = QPointer(this)] {
+      if (self) {
+        self->returnToNormalFrame();
+      }
+    });
   }
 }
 

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include <QMainWindow>
+#include <QMargins>
 #include <QObject>
 #include <QPointer>
 #include <QRect>
@@ -62,6 +63,8 @@ class OVSpectrumStrip : public QObject {
   QVariantAnimation animation_;
   bool shown_ = false;
 
+  // Title bar and lower edge of the window as it stood last in its normal frame.
+  QMargins decorations_;
   // The window's geometry at either end of the way, without its decorations.
   QRect hiddenFrame_;
   QRect shownFrame_;
