@@ -63,13 +63,14 @@ class Demonstration {
   void run(int scale) {
     scale_ = scale;
     std::string error;
-    auto started = RunningOrvo::start(
-        program_, *screen_, server_->environment(),
-        {.files = files_, .scale = scale, .wrapper = {}, .temporaryFolder = {}}, error);
+    RunningOrvo::Options options;
+    options.files = files_;
+    options.scale = scale;
+    auto started = RunningOrvo::start(program_, *screen_, server_->environment(), options, error);
     const auto orvo = needed(std::move(started), error);
     const auto capture =
         needed(server_->captureHeard(scratch_.file("heard")), "what is heard cannot be recorded");
-    picture(*orvo, "empty", "a new window");
+    picture(*orvo, "empty", "a new window", true);
     record(*orvo);
     play(*orvo);
     capture->end();
@@ -83,7 +84,7 @@ class Demonstration {
     const auto player =
         needed(server_->playIntoFeed(scratch_.file("tune")), "the tune cannot be fed");
     need(orvo.waitUntilRecorded(3 * kFramesPerSecond), "the recording does not grow");
-    picture(orvo, "recording", "while recording");
+    picture(orvo, "recording", "while recording", false);
     need(player->waitForExit().has_value(), "the tune does not end");
     // A player's end is told when the server has it all; the last of it is captured a little later.
     need(eventually([&] {
@@ -100,9 +101,9 @@ class Demonstration {
     need(eventually([&] { return server_->isPlaying(orvo.pid()); }), "Space plays nothing");
     need(eventually([&] { return equalFramesHeard() > 2 * std::size_t{kFramesPerSecond}; }),
          "the tune is not heard");
-    picture(orvo, "playing", "while playing");
+    picture(orvo, "playing", "while playing", false);
     need(eventually([&] { return !server_->isPlaying(orvo.pid()); }), "playing does not end");
-    picture(orvo, "stopped", "after playing");
+    picture(orvo, "stopped", "after playing", true);
   }
 
   [[nodiscard]] std::size_t equalFramesHeard() const {
@@ -120,9 +121,13 @@ class Demonstration {
                    " frames of the tune, sample for sample, in what came out");
   }
 
-  void picture(const RunningOrvo& orvo, const std::string& name, const std::string& what) {
+  void picture(const RunningOrvo& orvo, const std::string& name, const std::string& what,
+               bool atRest) {
     const std::string file = name + "-" + std::to_string(scale_) + "x.png";
-    need(screen_->screenshot(orvo.window(), folder_ + "/" + file), file + " cannot be taken");
+    const std::string path = folder_ + "/" + file;
+    need(atRest ? screen_->screenshotAtRest(orvo.window(), path)
+                : screen_->screenshot(orvo.window(), path),
+         file + " cannot be taken");
     left(file, what);
   }
 

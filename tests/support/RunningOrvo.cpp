@@ -39,16 +39,24 @@ std::unique_ptr<RunningOrvo> RunningOrvo::start(const std::string& program,
   if (orvo->process_ == nullptr) {
     return nullptr;
   }
-  const bool shown = eventually([&] {
-    const auto windows = screen.windowsOf(orvo->pid(), "Orvo - ");
-    orvo->window_ = windows.empty() ? VirtualScreen::Window() : windows.front();
-    return !orvo->window_.empty() || !orvo->process_->isRunning();
-  });
-  if (!shown || orvo->window_.empty() || !screen.activate(orvo->window_)) {
+  const bool shown =
+      options.alertFirst
+          ? eventually([&] { return !screen.windowsOf(orvo->pid(), "Orvo").empty(); })
+          : orvo->activateWindow(screen);
+  if (!shown) {
     error = "Orvo shows no window: " + orvo->process_->errorOutput();
     return nullptr;
   }
   return orvo;
+}
+
+bool RunningOrvo::activateWindow(const VirtualScreen& screen) {
+  return eventually([&] {
+           const auto windows = screen.windowsOf(pid(), "Orvo - ");
+           window_ = windows.empty() ? VirtualScreen::Window() : windows.front();
+           return !window_.empty() || !process_->isRunning();
+         }) &&
+         !window_.empty() && screen.activate(window_);
 }
 
 std::vector<std::string> RunningOrvo::recordingPaths() const {

@@ -26,10 +26,12 @@ class RunningOrvo {
     std::vector<std::string>
         wrapper;                  ///< program and arguments that at last exec what follows them
     std::string temporaryFolder;  ///< where documents keep their audio; empty for a private one
+    bool alertFirst = false;      ///< an alert comes before the first document's window
   };
 
-  /// Starts `program` and returns when its first window is there and active. `sound` is what
-  /// reaches the sound server. Null with `error` set (a plain sentence) when it does not come.
+  /// Starts `program` and returns when its first window is there and active, or its first alert
+  /// where that is expected. `sound` is what reaches the sound server. Null with `error` set (a
+  /// plain sentence) when it does not come.
   [[nodiscard]] static std::unique_ptr<RunningOrvo> start(const std::string& program,
                                                           const VirtualScreen& screen,
                                                           const Environment& sound,
@@ -38,7 +40,10 @@ class RunningOrvo {
 
   [[nodiscard]] ChildProcess& process() { return *process_; }
   [[nodiscard]] pid_t pid() const { return process_->pid(); }
+  /// The first document's window; empty until activateWindow() found it.
   [[nodiscard]] const VirtualScreen::Window& window() const { return window_; }
+  /// Waits for the first document's window and gives it the keyboard.
+  [[nodiscard]] bool activateWindow(const VirtualScreen& screen);
 
   /// Paths under which the temporary files of the documents can be opened, oldest document first.
   [[nodiscard]] std::vector<std::string> recordingPaths() const;

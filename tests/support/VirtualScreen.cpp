@@ -1,6 +1,7 @@
 #include "support/VirtualScreen.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 
 namespace support {
@@ -137,6 +138,24 @@ bool VirtualScreen::close(const Window& window) const {
 
 bool VirtualScreen::screenshot(const Window& window, const std::string& path) const {
   return run({"import", "-window", window, path}).status.succeeded();
+}
+
+bool VirtualScreen::screenshotAtRest(const Window& window, const std::string& path) const {
+  const std::string before = folder_.file("before.png");
+  return screenshot(window, before) && eventually([&] {
+           if (!screenshot(window, path)) {
+             return false;
+           }
+           const bool rests = looksLike(before, path);
+           std::filesystem::copy_file(path, before,
+                                      std::filesystem::copy_options::overwrite_existing);
+           return rests;
+         });
+}
+
+bool VirtualScreen::looksLike(const std::string& path, const std::string& otherPath) const {
+  const Finished difference = run({"compare", "-metric", "AE", path, otherPath, "null:"});
+  return difference.status.succeeded() && difference.error == "0";
 }
 
 }  // namespace support

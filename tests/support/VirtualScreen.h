@@ -54,6 +54,10 @@ class VirtualScreen {
 
   /// Takes a picture of a window as a PNG file.
   [[nodiscard]] bool screenshot(const Window& window, const std::string& path) const;
+  /// The same, once two pictures of the window, one after the other, are alike.
+  [[nodiscard]] bool screenshotAtRest(const Window& window, const std::string& path) const;
+  /// Whether two pictures show the same.
+  [[nodiscard]] bool looksLike(const std::string& path, const std::string& otherPath) const;
 
  private:
   VirtualScreen() = default;

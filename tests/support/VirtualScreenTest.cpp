@@ -59,6 +59,18 @@ TEST_F(VirtualScreenTest, ScreenshotHasTheWindowsSize) {
   EXPECT_EQ(size.output, "178x178");
 }
 
+TEST_F(VirtualScreenTest, PicturesAreAlikeOnlyWhenTheyShowTheSame) {
+  const TemporaryFolder folder;
+  ASSERT_TRUE(screen_->screenshotAtRest(window_, folder.file("a.png")));
+  ASSERT_TRUE(screen_->screenshotAtRest(window_, folder.file("b.png")));
+  EXPECT_TRUE(screen_->looksLike(folder.file("a.png"), folder.file("b.png")));
+  ASSERT_TRUE(runToEnd({"convert", folder.file("a.png"), "-negate", folder.file("c.png")},
+                       cleanEnvironment())
+                  .status.succeeded());
+  EXPECT_FALSE(screen_->looksLike(folder.file("a.png"), folder.file("c.png")));
+  EXPECT_FALSE(screen_->looksLike(folder.file("a.png"), folder.file("none.png")));
+}
+
 TEST_F(VirtualScreenTest, CloseAsksTheProgramToCloseItsWindow) {
   ASSERT_TRUE(screen_->isVisible(window_));
   ASSERT_TRUE(screen_->close(window_));

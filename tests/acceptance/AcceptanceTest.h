@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/PrivateSoundServer.h"
+#include "support/RawAudio.h"
+#include "support/RunningOrvo.h"
+#include "support/TemporaryFolder.h"
+#include "support/VirtualScreen.h"
+
+/// What the acceptance tests share: a screen, a sound server, the real program, and what a person
+/// in front of it would do and perceive.
+///
+/// Threads: the test's own.
+class AcceptanceTest : public testing::Test {
+ protected:
+  using Window = support::VirtualScreen::Window;
+
+  AcceptanceTest();
+
+  /// Starts the program; a fatal failure when its window does not come.
+  void startOrvo(const support::RunningOrvo::Options& options = {});
+
+  /// Plays a signal into the microphone's place, to its end.
+  void feed(const support::Samples& signal);
+
+  /// Presses R and waits until the recording grows.
+  void beginRecording();
+  /// Records a signal as a whole, from pressing R to pressing R again.
+  void record(const support::Samples& signal);
+  /// Waits until a document's temporary file holds the signal sample for sample.
+  void expectRecorded(const support::Samples& signal, std::size_t document = 0);
+
+  /// From now on what is played is kept.
+  void listen();
+  [[nodiscard]] support::Samples heard() const;
+  /// Waits until the signal was heard sample for sample.
+  void expectHeard(const support::Samples& signal);
+  /// Presses Space and waits until the server runs the program's stream.
+  void beginPlaying();
+  void waitUntilPlayed();
+
+  /// Alerts on the screen.
+  [[nodiscard]] std::vector<Window> alerts() const;
+  /// Waits for an alert, expects it to be the only one, and presses its button.
+  void expectOneAlertAndDismissIt();
+
+  /// Presses the keys of New Recorder and waits for the further window; empty when none came
+  /// within `patience`.
+  [[nodiscard]] Window openFurtherWindow(std::chrono::milliseconds patience = support::kPatience);
+
+  support::TemporaryFolder folder_;
+  std::unique_ptr<support::VirtualScreen> screen_;
+  std::unique_ptr<support::PrivateSoundServer> server_;
+  std::unique_ptr<support::RunningOrvo> orvo_;
+  std::unique_ptr<support::ChildProcess> listener_;
+  int parts_ = 0;  ///< files written for feeding and listening, for names of their own
+};
+
+/// A second of noise and a piece, at a length that no block size divides.
+[[nodiscard]] support::Samples signalOfSeconds(double seconds, std::uint32_t seed);

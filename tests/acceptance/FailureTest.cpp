@@ -1,0 +1,152 @@
+// What a person meets when the sound server or the disk fails: told once, nothing lost, and the
+// program goes on.
+
+#include <chrono>
+
+#include <unistd.h>
+
+#include "acceptance/AcceptanceTest.h"
+
+using namespace support;
+
+namespace {
+
+/// How long a window may take to react while something below it hangs. The server that hangs
+/// would hold a caller for 30 s.
+constexpr std::chrono::seconds kAtOnce{5};
+
+class Failure : public AcceptanceTest {
+ protected:
+  void startWithoutServer() {
+    RunningOrvo::Options options;
+    options.alertFirst = true;
+    startOrvo(options);
+  }
+
+  /// The window takes commands: no alert stands in front of it, and nothing holds the main thread.
+  void expectUsable() {
+    EXPECT_TRUE(alerts().empty());
+    const Window further = openFurtherWindow(kAtOnce);
+    ASSERT_FALSE(further.empty());
+    ASSERT_TRUE(screen_->close(further));
+    EXPECT_TRUE(eventually([&] { return !screen_->isVisible(further); }, kAtOnce));
+    ASSERT_TRUE(screen_->activate(orvo_->window()));
+    EXPECT_TRUE(alerts().empty());
+  }
+};
+
+TEST_F(Failure, WithoutASoundServerOneAlertIsShownAndTheWindowIsUsable) {
+  server_->kill();
+  ASSERT_NO_FATAL_FAILURE(startWithoutServer());
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertAndDismissIt());
+  ASSERT_NO_FATAL_FAILURE(expectUsable());
+  ASSERT_TRUE(screen_->pressKey("r"));
+  ASSERT_NO_FATAL_FAILURE(expectUsable());
+  EXPECT_EQ(orvo_->recordedFrames(), 0U);
+  EXPECT_TRUE(orvo_->process().isRunning());
+}
+
+TEST_F(Failure, RecordingIsPossibleOnceTheSoundServerIsThere) {
+  const Samples signal = signalOfSeconds(1.0, 11);
+  server_->kill();
+  ASSERT_NO_FATAL_FAILURE(startWithoutServer());
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertAndDismissIt());
+  ASSERT_TRUE(server_->restart());
+  // A failure is remembered for up to a second, so the first press may still find it.
+  ASSERT_TRUE(eventually([&] {
+    return screen_->pressKey("r") &&
+           eventually([&] { return orvo_->recordedFrames() > 0; }, std::chrono::seconds(1));
+  }));
+  ASSERT_NO_FATAL_FAILURE(feed(signal));
+  expectRecorded(signal);
+  EXPECT_TRUE(alerts().empty());
+}
+
+TEST_F(Failure, ServerThatDiesWhileRecordingIsToldOnceAndEverythingIsKept) {
+  const Samples signal = signalOfSeconds(1.5, 12);
+  ASSERT_NO_FATAL_FAILURE(startOrvo());
+  ASSERT_NO_FATAL_FAILURE(beginRecording());
+  ASSERT_NO_FATAL_FAILURE(feed(signal));
+  ASSERT_NO_FATAL_FAILURE(expectRecorded(signal));
+  server_->kill();
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertAndDismissIt());
+  ASSERT_NO_FATAL_FAILURE(expectUsable());
+
+  ASSERT_TRUE(server_->restart());
+  ASSERT_NO_FATAL_FAILURE(listen());
+  ASSERT_TRUE(screen_->pressKey("Return"));
+  ASSERT_TRUE(eventually([&] {
+    return screen_->pressKey("space") &&
+           eventually([&] { return server_->isPlaying(orvo_->pid()); }, std::chrono::seconds(1));
+  }));
+  expectHeard(signal);
+  ASSERT_NO_FATAL_FAILURE(waitUntilPlayed());
+  const Samples more = signalOfSeconds(0.5, 13);
+  ASSERT_NO_FATAL_FAILURE(record(more));
+  expectRecorded(signal);
+  EXPECT_TRUE(alerts().empty());
+}
+
+TEST_F(Failure, WindowReactsAndClosesWhileTheServerHangsDuringARecording) {
+  ASSERT_NO_FATAL_FAILURE(startOrvo());
+  ASSERT_NO_FATAL_FAILURE(beginRecording());
+  server_->freeze();
+  ASSERT_NO_FATAL_FAILURE(expectUsable());
+  ASSERT_TRUE(screen_->pressKey("r"));
+  ASSERT_NO_FATAL_FAILURE(expectUsable());
+  ASSERT_TRUE(screen_->close(orvo_->window()));
+  EXPECT_TRUE(eventually([&] { return !screen_->isVisible(orvo_->window()); }, kAtOnce));
+  EXPECT_EQ(orvo_->process().waitForExit(kAtOnce), (ExitStatus{0, 0}));
+}
+
+TEST_F(Failure, QuittingWorksWhileTheServerHangsDuringPlayback) {
+  ASSERT_NO_FATAL_FAILURE(startOrvo());
+  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(3.0, 15)));
+  ASSERT_NO_FATAL_FAILURE(beginPlaying());
+  server_->freeze();
+  ASSERT_NO_FATAL_FAILURE(expectUsable());
+  ASSERT_TRUE(screen_->pressKey("space"));
+  ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  EXPECT_EQ(orvo_->process().waitForExit(kAtOnce), (ExitStatus{0, 0}));
+}
+
+TEST_F(Failure, ServerThatHangsAtStartUpHoldsNeitherTheWindowNorTheQuit) {
+  server_->freeze();
+  ASSERT_NO_FATAL_FAILURE(startOrvo());
+  ASSERT_NO_FATAL_FAILURE(expectUsable());
+  ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  EXPECT_EQ(orvo_->process().waitForExit(kAtOnce), (ExitStatus{0, 0}));
+}
+
+TEST_F(Failure, FullDiskStopsTheRecordingAndKeepsWhatWasRecorded) {
+  // A disk of one mebibyte, 131,072 frames, for this program alone.
+  const std::string disk = folder_.makeFolder("disk");
+  std::vector<std::string> wrapper{"unshare", "--mount", "--propagation", "private"};
+  if (::geteuid() != 0) {
+    wrapper.emplace_back("--map-root-user");
+  }
+  for (const char* word :
+       {"sh", "-c", "mount -t tmpfs -o size=1m tmpfs \"$0\" && exec \"$@\"", disk.c_str()}) {
+    wrapper.emplace_back(word);
+  }
+  RunningOrvo::Options options;
+  options.wrapper = wrapper;
+  options.temporaryFolder = disk;
+  ASSERT_NO_FATAL_FAILURE(startOrvo(options));
+  const Samples signal = signalOfSeconds(1.0, 16);
+  ASSERT_NO_FATAL_FAILURE(beginRecording());
+  ASSERT_NO_FATAL_FAILURE(feed(signal));
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertAndDismissIt());
+  EXPECT_EQ(orvo_->recordedFrames(), 131072U);
+  ASSERT_NO_FATAL_FAILURE(expectUsable());
+  expectRecorded(signal);
+
+  ASSERT_NO_FATAL_FAILURE(listen());
+  ASSERT_TRUE(screen_->pressKey("Return"));
+  ASSERT_NO_FATAL_FAILURE(beginPlaying());
+  expectHeard(signal);
+  ASSERT_NO_FATAL_FAILURE(waitUntilPlayed());
+  EXPECT_TRUE(alerts().empty());
+}
+
+}  // namespace
