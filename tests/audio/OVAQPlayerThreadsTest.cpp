@@ -227,7 +227,7 @@ TEST_F(OVAQPlayerThreadsTest, AJumpDuringPlaybackIsHeardAfterWhatWasQueued) {
   make(50000);
   play();
   pullUpTo(2048);
-  ASSERT_TRUE(runMainLoopUntil([&] { return delegate_->advancedTo == 5 * 1024; }));
+  ASSERT_TRUE(runMainLoopUntil([&] { return delegate_->advancedTo == 5120; }));
   player_->setReadingPosition(40000 * kFrameBytes);
   EXPECT_THAT(device_->pull(3072), SizeIs(6144));
   ASSERT_TRUE(runMainLoopUntil([&] { return delegate_->advancedTo >= 41024; }));

@@ -12,7 +12,6 @@ namespace {
 
 using support::equalFrames;
 using support::findStart;
-using support::kFramesPerSecond;
 using support::noise;
 using support::Samples;
 using testing::IsEmpty;
@@ -20,6 +19,7 @@ using testing::SizeIs;
 using testserver::blockBufferWith;
 using testserver::duration;
 using testserver::kLongestCall;
+using testserver::kSecond;
 using testserver::withoutSilence;
 
 class CountingDelegate : public OVAQPlayerDelegate {
@@ -69,7 +69,7 @@ class PlayToServerTest : public testserver::ServerTest {
 };
 
 TEST_F(PlayToServerTest, WhatWasRecordedIsHeardToTheLastFrame) {
-  expectHeardWhole(noise(3 * kFramesPerSecond + 123, 5), "long");
+  expectHeardWhole(noise(3 * kSecond + 123, 5), "long");
   EXPECT_THAT(services_->consoleLines(), IsEmpty());
 }
 
@@ -80,7 +80,7 @@ TEST_F(PlayToServerTest, ClipsOf1And500And3000FramesAreHeardWhole) {
 }
 
 TEST_F(PlayToServerTest, PauseAndPlayLoseNoFrame) {
-  const Samples samples = noise(2 * kFramesPerSecond, 7);
+  const Samples samples = noise(2 * kSecond, 7);
   const auto path = folder_.file("paused");
   const auto capture = server_->captureHeard(path);
   ASSERT_NE(capture, nullptr);
@@ -104,7 +104,7 @@ TEST_F(PlayToServerTest, PauseAndPlayLoseNoFrame) {
 }
 
 TEST_F(PlayToServerTest, AServerKilledWhilePlayingIsToldOnceAndEndsThePlayback) {
-  make(noise(20 * kFramesPerSecond, 8));
+  make(noise(20 * kSecond, 8));
   player_->play();
   ASSERT_TRUE(runMainLoopUntil([&] { return player_->readingPosition() > 400'000; }));
   testing::internal::CaptureStderr();  // every failed attempt prints a line
@@ -128,7 +128,7 @@ TEST_F(PlayToServerTest, AServerKilledWhilePlayingIsToldOnceAndEndsThePlayback) 
 }
 
 TEST_F(PlayToServerTest, AServerThatHangsHoldsUpNoCall) {
-  make(noise(20 * kFramesPerSecond, 10));
+  make(noise(20 * kSecond, 10));
   player_->play();
   ASSERT_TRUE(runMainLoopUntil([&] { return player_->readingPosition() > 400'000; }));
   server_->freeze();

@@ -15,14 +15,13 @@ namespace {
 
 using support::equalFrames;
 using support::findStart;
-using support::kFramesPerSecond;
 using support::noise;
 using support::Samples;
 using testing::IsEmpty;
-using testing::SizeIs;
 using testserver::contents;
 using testserver::duration;
 using testserver::kLongestCall;
+using testserver::kSecond;
 using testserver::withoutSilence;
 
 /// Frames of `signal` that stand in `recorded` from the place where it begins there.
@@ -117,11 +116,11 @@ class RecordFromServerTest : public testserver::ServerTest {
 };
 
 TEST_F(RecordFromServerTest, WhatTheSourceCapturesIsRecordedSampleForSampleWithoutAGap) {
-  const Samples signal = noise(4 * kFramesPerSecond, 1);
+  const Samples signal = noise(4 * kSecond, 1);
   recorder_->record();
   const auto player = feed(signal);
   ASSERT_NE(player, nullptr);
-  EXPECT_EQ(recordAll(signal), 4 * kFramesPerSecond);
+  EXPECT_EQ(recordAll(signal), 4 * kSecond);
   recorder_->pause();
   EXPECT_EQ(recorder_->writingPosition(), buffer_->bufferSizeInFrames() * testserver::kFrameBytes);
   EXPECT_EQ(recorder_->queue()->lostFrames(), 0U);
@@ -129,7 +128,7 @@ TEST_F(RecordFromServerTest, WhatTheSourceCapturesIsRecordedSampleForSampleWitho
 }
 
 TEST_F(RecordFromServerTest, AStallOfTheWritingSideOf250MillisecondsLosesNothing) {
-  constexpr std::uint64_t kStallFrames = kFramesPerSecond / 4;
+  constexpr std::uint64_t kStallFrames = kSecond / 4;
   const auto* queue = recorder_->queue();
   const auto delegate = std::make_shared<StallingDelegate>([queue] {
     const auto begin = queue->capturedFrames();
@@ -137,7 +136,7 @@ TEST_F(RecordFromServerTest, AStallOfTheWritingSideOf250MillisecondsLosesNothing
         support::eventually([&] { return queue->capturedFrames() >= begin + kStallFrames; }));
   });
   buffer_->setDelegate(delegate);
-  const Samples signal = noise(2 * kFramesPerSecond, 2);
+  const Samples signal = noise(2 * kSecond, 2);
   const auto player = feed(signal);
   ASSERT_NE(player, nullptr);
   ASSERT_TRUE(awaitSignal());
@@ -153,12 +152,11 @@ TEST_F(RecordFromServerTest, AStallOfTheWritingSideOf250MillisecondsLosesNothing
 TEST_F(RecordFromServerTest, AServerKilledWhileRecordingKeepsEverythingIsToldOnceAndCanReturn) {
   std::atomic<platform::AudioStatus> told{0};
   recorder_->setFailureHandler([&](platform::AudioStatus status) { told = status; });
-  const Samples signal = noise(20 * kFramesPerSecond, 3);
+  const Samples signal = noise(20 * kSecond, 3);
   recorder_->record();
   const auto player = feed(signal);
   ASSERT_NE(player, nullptr);
-  ASSERT_TRUE(
-      support::eventually([&] { return framesFound(signal, recorded()) > kFramesPerSecond / 2; }));
+  ASSERT_TRUE(support::eventually([&] { return framesFound(signal, recorded()) > kSecond / 2; }));
   testing::internal::CaptureStderr();  // every failed attempt prints a line
   server_->kill();
   ASSERT_TRUE(support::eventually([&] { return told != 0; }));
@@ -205,7 +203,7 @@ TEST_F(RecordFromServerTest, AServerThatHangsHoldsUpNoCall) {
 }
 
 TEST_F(RecordFromServerTest, PausesInARowReplaceTheRecorderWithoutClosingTheInput) {
-  const Samples signal = noise(10 * kFramesPerSecond, 4);
+  const Samples signal = noise(10 * kSecond, 4);
   const auto player = feed(signal);
   ASSERT_NE(player, nullptr);
   ASSERT_TRUE(awaitSignal());

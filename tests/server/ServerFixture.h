@@ -26,6 +26,9 @@ namespace testserver {
 
 inline constexpr std::uint64_t kFrameBytes = platform::kWorkingFormat.mBytesPerFrame;
 
+/// Frames of a second of audio.
+inline constexpr std::size_t kSecond = support::kFramesPerSecond;
+
 /// Everything that a buffer holds.
 inline support::Samples contents(OVAudioBufferInterface& buffer) {
   support::Samples samples(buffer.bufferSizeInFrames() * support::kChannels);
