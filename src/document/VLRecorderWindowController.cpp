@@ -11,6 +11,7 @@
 #include "audio/OVAQPlayer.h"
 #include "audio/OVAQRecorder.h"
 #include "controls/OVHoverButton.h"
+#include "controls/OVLoadingIndicator.h"
 #include "controls/OVRecorderWindow.h"
 #include "controls/OVRoundedTransportButton.h"
 #include "controls/OVTransportBackgroundView.h"
@@ -279,13 +280,9 @@ void VLRecorderWindowController::recreateIndicator(bool indeterminate) {
     return;
   }
   QProgressBar* const old = loadingIndicator_;
-  auto* fresh = new QProgressBar(old->parentWidget());
+  auto* fresh = new OVLoadingIndicator(old->parentWidget());
   fresh->setObjectName(old->objectName());
   fresh->setGeometry(old->geometry());
-  fresh->setStyleSheet(old->styleSheet());
-  fresh->setMinimumSize(old->minimumSize());
-  fresh->setMaximumSize(old->maximumSize());
-  fresh->setTextVisible(false);
   fresh->setAccessibleName(old->accessibleName());
   fresh->setRange(0, indeterminate ? 0 : kIndicatorSteps);
   fresh->setValue(0);

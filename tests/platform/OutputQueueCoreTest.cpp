@@ -46,6 +46,7 @@ TEST_F(OutputQueueCoreTest, RequestsOfAnySizeGetEverySampleInOrder) {
   }
   EXPECT_EQ(heard, ramp(1, heard.size() / 2));
   EXPECT_EQ(playback.queue->underrunFrames(), 0U);
+  ASSERT_TRUE(playback.states.awaitCount(1));  // told when no buffer is left to bring back
   EXPECT_EQ(playback.states.values(), States{1});
 }
 
