@@ -131,7 +131,8 @@ bool OVSpectrumStrip::keepsItsSize() const {
 }
 
 bool OVSpectrumStrip::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == window_ && event->type() == QEvent::WindowStateChange) {
+  // It watches nothing but the window, whose last events come when it is no window any more.
+  if (event->type() == QEvent::WindowStateChange) {
     stateChanged();
   }
   return QObject::eventFilter(watched, event);
