@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPointer>
 
 #include "platform/Dispatch.h"
 #include "platform/Localization.h"
@@ -11,16 +12,18 @@
 namespace {
 
 void runAlert(const std::string& title, const std::string& message) {
-  QMessageBox alert(QApplication::activeWindow());
-  alert.setObjectName("modalAlert");
-  alert.setIcon(QMessageBox::Warning);
-  alert.setWindowTitle(platform::localized("Orvo"));
-  alert.setText(QString::fromStdString(title));
-  alert.setInformativeText(QString::fromStdString(message));
-  alert.addButton(platform::localized("OK"), QMessageBox::AcceptRole);
-  alert.setWindowModality(Qt::ApplicationModal);
-  alert.setAttribute(Qt::WA_QuitOnClose, false);  // an alert may be the only window there is
-  alert.exec();
+  // The window may go while the alert runs its loop, and takes the alert along.
+  const QPointer<QMessageBox> alert = new QMessageBox(QApplication::activeWindow());
+  alert->setObjectName("modalAlert");
+  alert->setIcon(QMessageBox::Warning);
+  alert->setWindowTitle(platform::localized("Orvo"));
+  alert->setText(QString::fromStdString(title));
+  alert->setInformativeText(QString::fromStdString(message));
+  alert->addButton(platform::localized("OK"), QMessageBox::AcceptRole);
+  alert->setWindowModality(Qt::ApplicationModal);
+  alert->setAttribute(Qt::WA_QuitOnClose, false);  // an alert may be the only window there is
+  alert->exec();
+  delete alert.data();
 }
 
 }  // namespace

@@ -55,8 +55,8 @@ OVMainMenu::ApplicationCommands VelmarAppDelegate::commands() {
 
 // Quit ------------------------------------------------------------------------------------------
 
-std::vector<OVRecorderWindow*> VelmarAppDelegate::recorderWindows() {
-  std::vector<OVRecorderWindow*> windows;
+std::vector<QPointer<OVRecorderWindow>> VelmarAppDelegate::recorderWindows() {
+  std::vector<QPointer<OVRecorderWindow>> windows;
   for (QWidget* const widget : QApplication::topLevelWidgets()) {
     if (auto* const window = qobject_cast<OVRecorderWindow*>(widget);
         window != nullptr && window->isVisible()) {
@@ -68,8 +68,8 @@ std::vector<OVRecorderWindow*> VelmarAppDelegate::recorderWindows() {
 
 VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate() {
   bool edited = false;
-  for (OVRecorderWindow* const window : recorderWindows()) {
-    if (window->isDocumentEdited()) {
+  for (const auto& window : recorderWindows()) {
+    if (window && window->isDocumentEdited()) {
       edited = true;
       window->performClose();
     }
@@ -89,8 +89,8 @@ void VelmarAppDelegate::checkTermination() {
     terminationCanceled_ = false;
     return;
   }
-  for (const OVRecorderWindow* const window : recorderWindows()) {
-    if (window->isDocumentEdited()) {
+  for (const auto& window : recorderWindows()) {
+    if (window && window->isDocumentEdited()) {
       return;
     }
   }
@@ -106,8 +106,10 @@ void VelmarAppDelegate::cancelTermination() {
 void VelmarAppDelegate::terminate() {
   if (applicationShouldTerminate() == TerminateReply::now) {
     terminationTimer_.reset();
-    for (OVRecorderWindow* const window : recorderWindows()) {
-      window->performClose();
+    for (const auto& window : recorderWindows()) {
+      if (window) {
+        window->performClose();
+      }
     }
     quit_();
   }

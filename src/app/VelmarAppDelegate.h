@@ -57,7 +57,7 @@ class VelmarAppDelegate {
   void showAbout();
 
  private:
-  [[nodiscard]] static std::vector<OVRecorderWindow*> recorderWindows();
+  [[nodiscard]] static std::vector<QPointer<OVRecorderWindow>> recorderWindows();
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
 
   const std::function<void()> quit_;

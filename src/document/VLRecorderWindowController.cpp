@@ -75,6 +75,7 @@ std::shared_ptr<VLRecorderWindowController> VLRecorderWindowController::initWith
 }
 
 VLRecorderWindowController::~VLRecorderWindowController() {
+  const platform::PostedAlertsScope afterwards;
   if (player_) {
     player_->stop();
     player_.reset();
@@ -174,15 +175,21 @@ void VLRecorderWindowController::initBuffer() {
   if (auto blocks = OVBlockBuffer::init()) {
     setBuffer(std::move(blocks));
   }
-  advanceIndicator(0.25);
 }
 
 void VLRecorderWindowController::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
+  if (buffer_) {
+    buffer_->setDelegate({});
+  }
+  if (recorder_) {
+    recorder_->prepareForDestruction();
+  }
   {
     const std::lock_guard lock(sharedObjects_);
-    buffer_ = std::move(buffer);
+    buffer_.swap(buffer);
   }
   buffer_->setDelegate(weak_from_this());
+  advanceIndicator(0.25);
   setRecorder(makeRecorder());
   advanceIndicator(0.25);
   setWaveForm(OVDynamicWaveForm::initWithBuffer(buffer_));
@@ -192,11 +199,15 @@ void VLRecorderWindowController::setBuffer(std::shared_ptr<OVAudioBufferInterfac
   if (vuView_) {
     vuView_->setDatasource(weak_from_this());
   }
+  advanceIndicator(0.25);
 }
 
 void VLRecorderWindowController::windowIsReady() {
-  pollTimer_ =
-      std::make_unique<platform::Timer>(kDisplayInterval, [this] { updatePlaybackMarkerView(); });
+  pollTimer_ = std::make_unique<platform::Timer>(kDisplayInterval, [self = weak_from_this()] {
+    if (const auto controller = self.lock()) {
+      controller->updatePlaybackMarkerView();
+    }
+  });
   showIndicator(false);
   setIndicatorValue(0.0);
 }
@@ -221,14 +232,15 @@ std::shared_ptr<OVAQRecorder> VLRecorderWindowController::makeRecorder() {
   return recorder;
 }
 
+// The old object goes outside the lock: its end may wait for a thread that wants the lock.
 void VLRecorderWindowController::setRecorder(std::shared_ptr<OVAQRecorder> recorder) {
   const std::lock_guard lock(sharedObjects_);
-  recorder_ = std::move(recorder);
+  recorder_.swap(recorder);
 }
 
 void VLRecorderWindowController::setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm) {
   const std::lock_guard lock(sharedObjects_);
-  waveForm_ = std::move(waveForm);
+  waveForm_.swap(waveForm);
 }
 
 // Window ----------------------------------------------------------------------------------------
@@ -357,7 +369,7 @@ void VLRecorderWindowController::audioBufferDidWriteData(const void* data,
     summary->updateWithDataChunk(static_cast<const float*>(data), withSize / 4,
                                  static_cast<double>(start) / length);
   }
-  reportFailedWrite(atByteOffset);
+  reportFailedWrite(recorder, atByteOffset, withSize);
 }
 
 std::vector<std::byte> VLRecorderWindowController::fft_data() const {
@@ -374,22 +386,30 @@ void VLRecorderWindowController::audioBufferFailedToWrite(int error) {
   }
 }
 
-// The first failed write of a recording ends it; `atByteOffset` is where it would have gone.
-void VLRecorderWindowController::reportFailedWrite(std::uint64_t atByteOffset) {
+// The first failed write of a recording ends it; the range is where it would have gone.
+void VLRecorderWindowController::reportFailedWrite(const std::shared_ptr<OVAQRecorder>& recorder,
+                                                   std::uint64_t atByteOffset,
+                                                   std::uint32_t withSize) {
   const int error = writeError_.exchange(0);
   if (error == 0 || writeFailureTold_.exchange(true)) {
     return;
   }
-  platform::mainQueue().async([self = weak_from_this(), error, atByteOffset] {
-    if (const auto controller = self.lock()) {
-      controller->writingFailed(error, atByteOffset);
-    }
-  });
+  platform::mainQueue().async(
+      [self = weak_from_this(), error, failed = std::weak_ptr(recorder), atByteOffset, withSize] {
+        if (const auto controller = self.lock()) {
+          controller->writingFailed(error, failed, atByteOffset, withSize);
+        }
+      });
 }
 
-void VLRecorderWindowController::writingFailed(int error, std::uint64_t atByteOffset) {
-  pauseButton(nullptr);
-  dropLostEnd(atByteOffset);
+void VLRecorderWindowController::writingFailed(int error,
+                                               const std::weak_ptr<OVAQRecorder>& recorder,
+                                               std::uint64_t atByteOffset, std::uint32_t withSize) {
+  const auto failed = recorder.lock();
+  if (failed && failed == recorder_) {
+    pauseButton(nullptr);
+  }
+  dropLostEnd(atByteOffset, withSize);
   ShowModalAlert(platform::localizedUtf8("The recording was stopped"),
                  platform::localized("The audio could not be written to the temporary file: %1.\n\n"
                                      "Everything recorded before is kept.")
@@ -399,14 +419,17 @@ void VLRecorderWindowController::writingFailed(int error, std::uint64_t atByteOf
 
 // A lost chunk at the end of the recording goes, so that it plays to its end. One in the middle
 // stays: undo brings back what stood there.
-void VLRecorderWindowController::dropLostEnd(std::uint64_t atByteOffset) {
+void VLRecorderWindowController::dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize) {
   const std::uint64_t lost = atByteOffset / bytesPerFrame();
-  if (recordingPosition() >= bufferSizeInFrames() && lost < bufferSizeInFrames()) {
-    buffer_->cutoffBufferAfterPosition(lost);
+  if (bufferSizeInFrames() != (atByteOffset + withSize) / bytesPerFrame()) {
+    return;
+  }
+  buffer_->cutoffBufferAfterPosition(lost);
+  if (recordingPosition() > lost) {
     setRecordingPosition(lost);
     setWritingPosition(lost);
-    refreshCompleteUI(true);
   }
+  refreshCompleteUI(true);
 }
 
 void VLRecorderWindowController::inputFailed(const std::weak_ptr<OVAQRecorder>& recorder) {
@@ -436,6 +459,7 @@ void VLRecorderWindowController::playerStoppedPlayback(OVAQPlayer* player) {
 }
 
 std::optional<std::vector<float>> VLRecorderWindowController::dataForVUView(QWidget*) {
+  const platform::PostedAlertsScope afterwards;
   if (isPlaying()) {
     return player_->powerLevels();
   }

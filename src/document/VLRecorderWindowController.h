@@ -117,8 +117,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void undo(QObject* sender);
   void redo(QObject* sender);
 
-  /// The Undo and Redo commands of menu and keys: pause what runs, ask the undo manager, and bring
-  /// positions that now lie behind the end back to it, so that the next recording leaves no hole.
+  /// The Undo and Redo commands of menu and keys: pause what runs, then ask the undo manager.
   void undoCommand();
   void redoCommand();
 
@@ -262,9 +261,11 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] bool isRecording() const;
   [[nodiscard]] bool isPlaying() const;
   void inputFailed(const std::weak_ptr<OVAQRecorder>& recorder);
-  void reportFailedWrite(std::uint64_t atByteOffset);
-  void writingFailed(int error, std::uint64_t atByteOffset);
-  void dropLostEnd(std::uint64_t atByteOffset);
+  void reportFailedWrite(const std::shared_ptr<OVAQRecorder>& recorder, std::uint64_t atByteOffset,
+                         std::uint32_t withSize);
+  void writingFailed(int error, const std::weak_ptr<OVAQRecorder>& recorder,
+                     std::uint64_t atByteOffset, std::uint32_t withSize);
+  void dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize);
   void setReadingPosition(std::uint64_t frames);
   void setWritingPosition(std::uint64_t frames);
 
@@ -275,8 +276,9 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void chooseSummary();
   void replaceSummary(std::function<std::shared_ptr<OVWaveformSummary>()> build);
   void installSummary(const std::shared_ptr<OVWaveformSummary>& summary,
-                      const std::shared_ptr<OVWaveformSummary>& copy);
+                      const std::shared_ptr<OVWaveformSummary>& copy, std::uint64_t epoch);
   void extendSummary();
+  void queueSummaryExtension();
   void moveMarker(double toFraction);
   void updateMarkerLevel();
   void showTime(std::uint64_t currentFrames, bool always);
@@ -295,7 +297,6 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void registerUndo(void (VLRecorderWindowController::*operation)(QObject*),
                     const char* actionName = nullptr);
   void finishRefresh();
-  void clampPositions();
 
   [[nodiscard]] std::uint64_t bytesPerFrame() const;
   [[nodiscard]] std::uint64_t bufferSizeInFrames() const;
@@ -339,6 +340,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::shared_ptr<platform::UndoManager> undoManager_;
   std::shared_ptr<OVWaveformSummary> prevWaveform_;
   bool waveformIsChanging_ = false;
+  std::uint64_t summaryEpoch_ = 0;  // counts edits: a summary of an earlier epoch is out of date
   bool prevSaveState_ = false;
   bool documentEdited_ = false;  // the flag of a document without a window
   bool isFileIOActive_ = false;

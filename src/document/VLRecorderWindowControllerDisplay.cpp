@@ -7,6 +7,7 @@
 #include "audio/OVAQRecorder.h"
 #include "displays/OVTimeView.h"
 #include "document/VLRecorderWindowController.h"
+#include "platform/ApplicationServices.h"
 #include "waveform/OVDynamicWaveForm.h"
 #include "waveform/OVPlaybackMarkerView.h"
 #include "waveform/OVStaticWaveform.h"
@@ -52,12 +53,13 @@ double VLRecorderWindowController::fractionOfBuffer(std::uint64_t frames) const 
 }
 
 double VLRecorderWindowController::secondsOfFrames(std::uint64_t frames) const {
-  return static_cast<double>(frames) / platform::kWorkingFormat.mSampleRate;
+  return buffer_ ? static_cast<double>(frames) / buffer_->format().mSampleRate : 0.0;
 }
 
 // The tick --------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::updatePlaybackMarkerView() {
+  const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a tick
   if (!buffer_) {
     return;
   }
@@ -134,7 +136,7 @@ void VLRecorderWindowController::chooseSummary() {
     }
     return;
   }
-  const double threshold = kStaticSummaryThreshold * platform::kWorkingFormat.mSampleRate;
+  const double threshold = kStaticSummaryThreshold * buffer_->format().mSampleRate;
   if (static_cast<double>(size) > threshold && dynamic &&
       position + _lastNumberOfFramesWritten < size) {
     replaceSummary([dynamic]() -> std::shared_ptr<OVWaveformSummary> {
@@ -146,46 +148,53 @@ void VLRecorderWindowController::chooseSummary() {
 void VLRecorderWindowController::replaceSummary(
     std::function<std::shared_ptr<OVWaveformSummary>()> build) {
   waveformIsChanging_ = true;
-  platform::globalQueue().async([self = weak_from_this(), build = std::move(build)] {
-    const auto summary = build();
-    const std::shared_ptr<OVWaveformSummary> copy = summary->copy();
-    platform::mainQueue().async([self, summary, copy] {
-      if (const auto controller = self.lock()) {
-        controller->installSummary(summary, copy);
-      }
-    });
-  });
+  platform::globalQueue().async(
+      [self = weak_from_this(), build = std::move(build), epoch = summaryEpoch_] {
+        const auto summary = build();
+        const std::shared_ptr<OVWaveformSummary> copy = summary->copy();
+        platform::mainQueue().async([self, summary, copy, epoch] {
+          if (const auto controller = self.lock()) {
+            controller->installSummary(summary, copy, epoch);
+          }
+        });
+      });
 }
 
 void VLRecorderWindowController::installSummary(const std::shared_ptr<OVWaveformSummary>& summary,
-                                                const std::shared_ptr<OVWaveformSummary>& copy) {
+                                                const std::shared_ptr<OVWaveformSummary>& copy,
+                                                std::uint64_t epoch) {
+  waveformIsChanging_ = false;
+  if (epoch != summaryEpoch_) {
+    return;  // an edit or an undo came first: this is a summary of older audio
+  }
   if (wfView_) {
     wfView_->setWaveForm(summary);
   }
   setWaveForm(summary);
   prevWaveform_ = copy;
-  waveformIsChanging_ = false;
 }
 
 void VLRecorderWindowController::extendSummary() {
   if (waveForm_->isRegenerating()) {
     setViewNeedsDisplay(wfView_);
-    return;
+  } else {
+    queueSummaryExtension();
   }
+}
+
+void VLRecorderWindowController::queueSummaryExtension() {
   if (summaryExtensionQueued_.exchange(true)) {
     return;
   }
   fft_queue_.async([self = weak_from_this(), summary = waveForm_] {
-    summary->generate();
-    const auto controller = self.lock();
-    if (!controller) {
-      return;
+    if (const auto controller = self.lock()) {
+      controller->summaryExtensionQueued_ = false;  // what is written from here on asks anew
     }
-    controller->summaryExtensionQueued_ = false;
+    summary->generate();
     platform::mainQueue().async([self] {
-      if (const auto document = self.lock(); document && document->wfView_) {
-        document->wfView_->setShouldRedrawWaveform(true);
-        document->wfView_->update();
+      if (const auto controller = self.lock(); controller && controller->wfView_) {
+        controller->wfView_->setShouldRedrawWaveform(true);
+        setViewNeedsDisplay(controller->wfView_);
       }
     });
   });

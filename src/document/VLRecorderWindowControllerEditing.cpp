@@ -85,7 +85,8 @@ void VLRecorderWindowController::exchangeHistory() {
     wfView_->setShouldRedrawWaveform(true);
     setViewNeedsDisplay(wfView_);
   }
-  refreshCompleteUI(false);
+  // A copy that was taken in the middle of a generation from scratch has to be finished.
+  refreshCompleteUI(waveForm_->isRegenerating());
 }
 
 void VLRecorderWindowController::undoCommand() {
@@ -105,23 +106,12 @@ void VLRecorderWindowController::runHistoryCommand(void (platform::UndoManager::
     pauseButton(pauseButton_);
   }
   (undoManager_.get()->*command)();
-  clampPositions();
-}
-
-void VLRecorderWindowController::clampPositions() {
-  const std::uint64_t end = bufferSizeInFrames();
-  if (playbackPosition() > end) {
-    setPlaybackPosition(end);
-  }
-  if (recordingPosition() > end) {
-    setRecordingPosition(end);
-    setWritingPosition(end);
-  }
 }
 
 // Refresh ---------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::refreshCompleteUI(bool regenerate) {
+  ++summaryEpoch_;
   recreateIndicator(true);
   showIndicator(true);
   platform::globalQueue().async([self = weak_from_this(), summary = waveForm_, regenerate] {

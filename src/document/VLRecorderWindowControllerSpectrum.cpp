@@ -26,7 +26,11 @@ void VLRecorderWindowController::toggleFFT(QObject* /*sender*/) {
   if (fftTimer_) {
     fftTimer_.reset();
   } else {
-    fftTimer_ = std::make_unique<platform::Timer>(kSpectrumInterval, [this] { fireFFT(); });
+    fftTimer_ = std::make_unique<platform::Timer>(kSpectrumInterval, [self = weak_from_this()] {
+      if (const auto controller = self.lock()) {
+        controller->fireFFT();
+      }
+    });
   }
   if (transportBackView_) {
     transportBackView_->setRenderBottomShadow(isSpectrumShown());

@@ -53,12 +53,17 @@ void VLRecorderWindowController::recButton(OVTransportButton* sender) {
 }
 
 void VLRecorderWindowController::recPressed() {
-  if (!recorder_) {
-    setRecorder(makeRecorder());
+  if (!recorder_ || recorder_->failure() != platform::kAudioStatusOk) {
+    replaceRecorder();
   }
   if (!recorder_) {
     setOn(recButton_, false);  // no input device: nothing has changed, the user has been told
     return;
+  }
+  if (recordingPosition() > bufferSizeInFrames()) {
+    // An undo has left it behind the end: a recording there would leave a hole.
+    setRecordingPosition(bufferSizeInFrames());
+    setWritingPosition(recordingPosition());
   }
   setEnabled(playButton_, false);
   buffer_->setWaypoint();
@@ -67,6 +72,7 @@ void VLRecorderWindowController::recPressed() {
   if (wfView_) {
     wfView_->setScrollBack(true);
   }
+  writeError_ = 0;
   writeFailureTold_ = false;
   recorder_->record();
   setDocumentEdited(true);
@@ -103,6 +109,7 @@ void VLRecorderWindowController::playPressed() {
 // Pause, stop, to start, to end -----------------------------------------------------------------
 
 void VLRecorderWindowController::pauseButton(OVTransportButton*) {
+  const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a command
   if (isRecording()) {
     endRecording();
   }
@@ -133,7 +140,8 @@ void VLRecorderWindowController::endRecording() {
   if (const auto blocks = std::dynamic_pointer_cast<OVBlockBuffer>(buffer_)) {
     blocks->optimize();
   }
-  extendSummary();  // the last chunk shows too
+  ++lastPlaybackPosition_;  // the marker leaves the recording position at the next tick
+  queueSummaryExtension();  // the last chunk shows too
 }
 
 void VLRecorderWindowController::restTransportButtons() {

@@ -16,8 +16,7 @@ struct SplitComplex {
 struct ConstSplitComplex {
   ConstSplitComplex(const float* real, const float* imaginary) : realp(real), imagp(imaginary) {}
   // Implicit: what may be written may be read.
-  ConstSplitComplex(const SplitComplex& other)
-      : realp(other.realp), imagp(other.imagp) {}
+  ConstSplitComplex(const SplitComplex& other) : realp(other.realp), imagp(other.imagp) {}
 
   const float* realp;
   const float* imagp;

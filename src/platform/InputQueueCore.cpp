@@ -146,10 +146,7 @@ void InputQueueCore::inputFailed(AudioStatus status) {
 void InputQueueCore::serve() {
   while (!thread_.isEnding() && deliverOne()) {
   }
-  if (const std::uint64_t lost = input_->takeFramesLostInSystem()) {
-    ConsoleLog("Audio input: about %llu frames were lost inside the sound system",
-               static_cast<unsigned long long>(lost));
-  }
+  tellLossInSystem();
   if (!thread_.isEnding()) {
     tellFailure();
   }
@@ -202,7 +199,15 @@ void InputQueueCore::tellLoss(std::uint64_t frames) {
   }
 }
 
+void InputQueueCore::tellLossInSystem() {
+  if (const std::uint64_t lost = input_->takeFramesLostInSystem()) {
+    ConsoleLog("Audio input: about %llu frames were lost inside the sound system",
+               static_cast<unsigned long long>(lost));
+  }
+}
+
 void InputQueueCore::tellLossAtTheEnd() {
+  tellLossInSystem();
   std::uint64_t untold = 0;
   {
     const std::lock_guard lock(mutex_);

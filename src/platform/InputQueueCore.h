@@ -55,6 +55,7 @@ class InputQueueCore final : public InputSink,
   void tellFailure();
 
   [[nodiscard]] bool isDelivered(std::uint64_t frame) const;  // with mutex_ held
+  void tellLossInSystem();
   void tellLossAtTheEnd();
 
   // Fixed after construction.

@@ -254,7 +254,12 @@ void OutputQueueCore::pauseStream(Answer& answer) {
       return;
     }
   }
-  answer.give(stream_ ? stream_->stop() : kAudioStatusOk);
+  const AudioStatus status = stream_ ? stream_->stop() : kAudioStatusOk;
+  if (status == kAudioStatusOk) {
+    answer.give(status);
+  } else {
+    fail(status, &answer);
+  }
 }
 
 void OutputQueueCore::watchDrain() {
@@ -284,11 +289,12 @@ void OutputQueueCore::watchDrain() {
 void OutputQueueCore::endDrained() {
   {
     const std::lock_guard lock(mutex_);
-    if (state_ == State::kRunning) {
-      state_ = State::kEnded;
-      running_ = false;
-      changes_.push_back(false);
+    if (state_ != State::kRunning) {
+      return;  // paused or stopped meanwhile
     }
+    state_ = State::kEnded;
+    running_ = false;
+    changes_.push_back(false);
   }
   thread_.wake();
   stream_.reset();

@@ -72,7 +72,7 @@ void SharedInput::prepare() {
 
 bool SharedInput::takeFailureReport() {
   const std::lock_guard lock(mutex_);
-  return failing_ && !std::exchange(reported_, true);
+  return std::exchange(untold_, false);
 }
 
 void SharedInput::beginOpening() {
@@ -106,14 +106,14 @@ void SharedInput::settle(AudioStatus status) {
   {
     const std::lock_guard lock(mutex_);
     questions.swap(questions_);
-    failing_ = status != kAudioStatusOk;
+    const bool failedBefore = std::exchange(failing_, status != kAudioStatusOk);
     if (failing_) {
+      untold_ = untold_ || !failedBefore;
       state_ = State::kFailed;
       failure_.note(status, clock_->now());
       failedUsers.swap(users_);
     } else {
       state_ = State::kOpen;
-      reported_ = false;
       failure_.clear();
       if (users_.empty()) {
         scheduleClosing();

@@ -103,8 +103,8 @@ class SharedInput final : public AudioInputClient,
   AudioClock::TimePoint openingSince_;
   AudioClock::TimePoint unusedSince_;
   KnownFailure failure_;
-  bool failing_ = false;   // the last try failed, or the device was lost since
-  bool reported_ = false;  // and that was told
+  bool failing_ = false;  // the last try failed, or the device was lost since
+  bool untold_ = false;   // it began to fail and nobody has taken that to tell it
   std::vector<std::shared_ptr<InputUser>> users_;
   std::vector<std::shared_ptr<Answer>> questions_;  // about the opening under way
 };

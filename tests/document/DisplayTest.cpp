@@ -88,6 +88,19 @@ TEST_F(DisplayTest, WhileRecordingTheMarkerShowsTheRecordingPosition) {
   EXPECT_FALSE(marker()->isRecordingMarker());
 }
 
+TEST_F(DisplayTest, AfterARecordingToTheEndMarkerAndTimeJumpBackToTheStart) {
+  openWindow();
+  pressRecord();
+  capture(0.5F);
+  tick();
+  EXPECT_DOUBLE_EQ(marker()->position(), 1.0);
+  document_->pauseButton(nullptr);
+  tick();
+  EXPECT_DOUBLE_EQ(marker()->position(), 0.0);
+  EXPECT_DOUBLE_EQ(time()->currentTimeInSeconds(), 0.0);
+  EXPECT_DOUBLE_EQ(time()->durationInSeconds(), kChunkFrames / 44100.0);
+}
+
 TEST_F(DisplayTest, WhilePlayingTheRecordingPositionFollowsTheMarker) {
   openWindow();
   recordChunks(4);
@@ -198,6 +211,7 @@ TEST_F(DisplayTest, ADragBehavesExactlyLikeASequenceOfClicks) {
     document_->waveFormViewReceivedDrag(waveformView(), {}, fraction);
     EXPECT_EQ(document_->playbackPosition(), clicked);
     EXPECT_EQ(document_->recordingPosition(), clicked);
+    EXPECT_EQ(document_->recorder()->writingPosition(), clicked * kFrameBytes);
   }
 }
 

@@ -122,9 +122,7 @@ class DocumentTest : public testing::Test {
   }
 
   /// Alerts that were shown or are about to be.
-  std::size_t alertCount() {
-    return services_->alerts().size() + services_->postedAlerts().size();
-  }
+  std::size_t alertCount() { return services_->alerts().size() + services_->postedAlerts().size(); }
 
   std::uint64_t length() { return document_->buffer()->bufferSizeInFrames(); }
 

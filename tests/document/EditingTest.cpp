@@ -68,10 +68,37 @@ TEST_F(EditingTest, ARecordingAfterAnUndoneOneLeavesNoHole) {
   recordChunks(2, 0.25F);
   recordChunks(2, 0.5F);
   document_->undoCommand();
-  EXPECT_EQ(document_->recordingPosition(), 2u * kChunkFrames);
   recordChunks(1, 0.75F);
   EXPECT_EQ(samplesAt(0, 3 * kChunkFrames).size(), 6u * kChunkFrames);
   EXPECT_EQ(samplesAt(2 * kChunkFrames, 1), (std::vector{0.75F, 0.75F}));
+}
+
+TEST_F(EditingTest, ARecordingAfterUndoAndRedoIsAppendedAndReplacesNothing) {
+  openWindow();
+  recordChunks(2, 0.25F);
+  recordChunks(2, 0.5F);
+  document_->undoCommand();
+  document_->redoCommand();
+  recordChunks(1, 0.75F);
+  EXPECT_EQ(length(), 5u * kChunkFrames);
+  EXPECT_EQ(samplesAt(2 * kChunkFrames, 1), (std::vector{0.5F, 0.5F}));
+  EXPECT_EQ(samplesAt(4 * kChunkFrames, 1), (std::vector{0.75F, 0.75F}));
+}
+
+TEST_F(EditingTest, ASummaryThatWasUnderWayBeforeAnEditIsNotInstalled) {
+  openWindow();
+  recordChunks(4, 0.25F);
+  settle();
+  document_->prevButton(nullptr);
+  pressRecord();
+  capture(0.5F);
+  document_->updatePlaybackMarkerView();
+  ASSERT_TRUE(document_->waveformIsChanging());
+  document_->undoCommand();  // before the replacement comes back
+  const auto shown = document_->waveForm();
+  settle();
+  EXPECT_FALSE(document_->waveformIsChanging());
+  EXPECT_EQ(document_->waveForm(), shown);
 }
 
 TEST_F(EditingTest, TheOperationsThemselvesTouchNoPosition) {
@@ -80,6 +107,9 @@ TEST_F(EditingTest, TheOperationsThemselvesTouchNoPosition) {
   document_->undo(nullptr);
   EXPECT_EQ(document_->recordingPosition(), 2u * kChunkFrames);
   EXPECT_EQ(length(), 0u);
+  document_->redo(nullptr);
+  EXPECT_EQ(document_->recordingPosition(), 2u * kChunkFrames);
+  EXPECT_EQ(length(), 2u * kChunkFrames);
 }
 
 TEST_F(EditingTest, RemoveAfterMarkerAtTheStartLeavesNothingAndShowsZeroSeconds) {

@@ -295,6 +295,35 @@ TEST_F(TransportTest, ADeviceThatVanishesWhileNothingIsRecordedTakesTheRecorderW
   EXPECT_EQ(alertCount(), 1u);
 }
 
+TEST_F(TransportTest, RecordPressedBeforeALostDeviceWasNoticedRollsBack) {
+  openWindow();
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  queues_.input().failLate(platform::kDeviceLostStatus);  // the main thread has not heard of it
+  pressRecord();
+  EXPECT_FALSE(recording());
+  EXPECT_FALSE(button("recButton")->isOn());
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
+  settle();
+  EXPECT_EQ(alertCount(), 1u);
+}
+
+TEST_F(TransportTest, AFailedWriteDoesNotStopWhatWasStartedAfterThePause) {
+  support::FailingTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  openWindow();
+  pressRecord();
+  capture(0.5F);
+  files.fillUpAfter(0);
+  capture(0.5F);
+  document_->pauseButton(nullptr);  // before the report of the failure arrives
+  files.freeSpace();
+  pressRecord();
+  settle();
+  EXPECT_TRUE(recording());
+  EXPECT_EQ(services_->alerts().size(), 1u);
+}
+
 TEST_F(TransportTest, WithNoOutputDevicePlayRollsBack) {
   openWindow();
   recordChunks(2);

@@ -163,6 +163,17 @@ TEST_F(DocumentTest, AClosedControllerIsFreedThoughNoOneElseHoldsIt) {
   EXPECT_EQ(queues_->queuesAlive, 0);
 }
 
+TEST_F(DocumentTest, ClosingEndsTheDisplayTimerBeforeTheControllerGoes) {
+  openWindow();
+  document_->setLastPlaybackPosition(1);  // a tick would take it to the playback position
+  document_->window()->performClose();
+  bool ticked = false;
+  const platform::Timer later(0.2, [&] { ticked = true; });  // several display intervals
+  ASSERT_TRUE(runMainLoopUntil([&] { return ticked; }));
+  EXPECT_EQ(document_->lastPlaybackPosition(), 1u);
+  document_.reset();
+}
+
 TEST_F(DocumentTest, ClosingWhileRecordingAndWhilePlayingEndsCleanly) {
   openWindow();
   pressRecord();
