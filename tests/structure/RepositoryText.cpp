@@ -78,7 +78,7 @@ std::vector<std::string> filesKnownToGit(const std::string& root) {
   std::istringstream names(list.output);
   for (std::string name; std::getline(names, name, '\0');) {
     // A file that was taken away, but not yet committed as such, is no longer there to be read.
-    if (std::filesystem::is_regular_file(root + "/" + name)) {
+    if (std::filesystem::is_regular_file(std::filesystem::path(root) / name)) {
       files.push_back(name);
     }
   }

@@ -156,12 +156,13 @@ Complaints complaintsAboutPureFiles(const SourceTree& tree, const std::set<std::
 
 Complaints complaintsAboutMissingHeaders(const SourceTree& tree) {
   Complaints complaints;
-  for (const auto& [path, text] : tree) {
+  for (const auto& file : tree) {
+    const std::string& path = file.first;
     if (!path.ends_with(".cpp") || path.ends_with("/main.cpp")) {
       continue;
     }
     const std::string ownHeader = path.substr(0, path.rfind('.')) + ".h";
-    const auto includes = includesOf(text);
+    const auto includes = includesOf(file.second);
     const bool found = std::any_of(includes.begin(), includes.end(), [&](const Include& include) {
       return tree.contains(ownHeader)
                  ? include.name == ownHeader

@@ -76,7 +76,7 @@ struct Launch {
   if (::getppid() == launch.parent) {
     sigset_t none;
     sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
+    ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
     if (::dup2(launch.input, STDIN_FILENO) >= 0 && ::dup2(launch.output, STDOUT_FILENO) >= 0 &&
         ::dup2(launch.error, STDERR_FILENO) >= 0) {
       ::execve(launch.program, launch.arguments, launch.environment);
@@ -114,7 +114,8 @@ std::string findProgram(const std::string& name) {
   const char* path = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe): never set here
   std::istringstream folders(path != nullptr ? path : "/usr/bin:/bin");
   for (std::string folder; std::getline(folders, folder, ':');) {
-    const std::string candidate = folder + "/" + name;
+    std::string candidate = folder;
+    candidate.append("/").append(name);
     if (::access(candidate.c_str(), X_OK) == 0) {
       return candidate;
     }
@@ -159,7 +160,8 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const std::vector<std::string>
   std::vector<std::string> argumentTexts = arguments;
   std::vector<std::string> environmentTexts;
   for (const auto& [name, value] : environment) {
-    environmentTexts.push_back(name + "=" + value);
+    environmentTexts.push_back(name);
+    environmentTexts.back().append("=").append(value);
   }
   const std::vector<char*> argumentPointers = pointersTo(argumentTexts);
   const std::vector<char*> environmentPointers = pointersTo(environmentTexts);

@@ -15,7 +15,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 
 std::unique_ptr<ChildProcess> startShell(const std::string& script,
                                          const Environment& environment = cleanEnvironment()) {

@@ -80,8 +80,9 @@ bool writeWav(const std::string& path, const Samples& samples) {
   append(header, std::uint32_t{16});
   append(header, kFloatFormat);
   append(header, static_cast<std::uint16_t>(kChannels));
-  append(header, kFramesPerSecond);
-  append(header, kFramesPerSecond * kFrameBytes);
+  constexpr auto kRate = static_cast<std::uint32_t>(kFramesPerSecond);
+  append(header, kRate);
+  append(header, kRate * kFrameBytes);
   append(header, static_cast<std::uint16_t>(kFrameBytes));
   append(header, std::uint16_t{32});
   header += "data";

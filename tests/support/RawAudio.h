@@ -12,7 +12,7 @@
 /// Threads: any.
 namespace support {
 
-inline constexpr std::uint32_t kFramesPerSecond = 44100;
+inline constexpr std::size_t kFramesPerSecond = 44100;
 inline constexpr std::size_t kChannels = 2;
 
 using Samples = std::vector<float>;

@@ -71,6 +71,7 @@ std::vector<std::string> RunningOrvo::recordingPaths() const {
   }
   std::sort(descriptors.begin(), descriptors.end());
   std::vector<std::string> paths;
+  paths.reserve(descriptors.size());
   for (const int descriptor : descriptors) {
     paths.push_back(folder + std::to_string(descriptor));
   }

@@ -21,7 +21,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 std::string TemporaryFolder::makeFolder(const std::string& name) const {
-  const std::string folder = file(name);
+  std::string folder = file(name);
   std::filesystem::create_directories(folder);
   std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
   return folder;
