@@ -3,13 +3,6 @@
 # and tests/structure checks each #include against the arrows of the folders.
 function(orvo_library name)
   cmake_parse_arguments(ARG "QT" "" "SOURCES;LINKS" ${ARGN})
-  if(NOT "${ARG_SOURCES}" MATCHES "\\.cpp")
-    # A folder that holds no code yet still stands for what lies below it.
-    add_library(${name} INTERFACE)
-    target_include_directories(${name} INTERFACE "${PROJECT_SOURCE_DIR}/src")
-    target_link_libraries(${name} INTERFACE ${ARG_LINKS})
-    return()
-  endif()
   add_library(${name} STATIC ${ARG_SOURCES})
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE orvo_warnings)
