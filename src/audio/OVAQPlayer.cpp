@@ -203,7 +203,9 @@ void OVAQPlayer::deviceFailed(platform::AudioStatus status, const std::string& l
     isPlaying_.store(false, std::memory_order_release);
   }
   auto none = platform::kAudioStatusOk;
-  if (failure_.compare_exchange_strong(none, status, std::memory_order_acq_rel)) {
+  const bool first = failure_.compare_exchange_strong(none, status, std::memory_order_acq_rel);
+  // Where the input went with it, the recorder may have told already.
+  if (first && (status != platform::kDeviceLostStatus || queues_->takeLossReport())) {
     CheckAudioStatus(status, label, outputFailureReason(status));
   } else {
     CheckAudioStatusWithoutAlert(status, label);

@@ -93,7 +93,9 @@ bool OVAQRecorder::enqueueBuffers(std::uint32_t byteCapacity) {
 }
 
 bool OVAQRecorder::checkDevice(platform::AudioStatus status, const std::string& label) {
-  if (isDeviceFailure(status) && !queues_->takeInputFailureReport()) {
+  const bool lost = status == platform::kDeviceLostStatus;
+  if (isDeviceFailure(status) &&
+      (!queues_->takeInputFailureReport() || (lost && !queues_->takeLossReport()))) {
     return CheckAudioStatusWithoutAlert(status, label);
   }
   return CheckAudioStatus(status, label, inputFailureReason(status));

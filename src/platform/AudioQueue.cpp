@@ -26,6 +26,7 @@ class NoAudioQueues final : public AudioQueues {
     const std::lock_guard lock(mutex_);
     return !std::exchange(reported_, true);
   }
+  bool takeLossReport() override { return true; }
 
  private:
   std::mutex mutex_;

@@ -160,6 +160,11 @@ class AudioQueues {
   /// False until the device's state has changed again, so that one failure is told once however
   /// many recorders meet it.
   [[nodiscard]] virtual bool takeInputFailureReport() = 0;
+
+  /// True for the first caller with a lost device (kDeviceLostStatus) to tell of, false for a
+  /// second after it: a sound server that dies takes input and output along at once, and is told
+  /// once.
+  [[nodiscard]] virtual bool takeLossReport() = 0;
 };
 
 /// The installed maker of queues. Installed by the application (the real device) or by a test

@@ -75,4 +75,14 @@ bool DeviceAudioQueues::takeInputFailureReport() {
   return input_->takeFailureReport();
 }
 
+bool DeviceAudioQueues::takeLossReport() {
+  const std::lock_guard lock(mutex_);
+  const AudioClock::TimePoint now = clock_->now();
+  if (lossToldAt_ && now - *lossToldAt_ < KnownFailure::kMemory) {
+    return false;
+  }
+  lossToldAt_ = now;
+  return true;
+}
+
 }  // namespace platform

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
+#include <optional>
 
 #include "platform/AudioClock.h"
 #include "platform/AudioDevice.h"
@@ -43,6 +45,7 @@ class DeviceAudioQueues final : public AudioQueues {
                                       AudioOutputQueue::Callback callback,
                                       std::unique_ptr<AudioOutputQueue>& queue) override;
   [[nodiscard]] bool takeInputFailureReport() override;
+  [[nodiscard]] bool takeLossReport() override;
 
  private:
   // Fixed after construction.
@@ -50,6 +53,10 @@ class DeviceAudioQueues final : public AudioQueues {
   const std::shared_ptr<AudioControlThread> controlThread_;
   const std::shared_ptr<SharedInput> input_;
   const std::shared_ptr<KnownFailure> outputFailure_;
+
+  std::mutex mutex_;
+  // guarded by mutex_
+  std::optional<AudioClock::TimePoint> lossToldAt_;
 };
 
 }  // namespace platform

@@ -33,14 +33,18 @@ class AcceptanceTest : public testing::Test {
   void beginRecording();
   /// Records a signal as a whole, from pressing R to pressing R again.
   void record(const support::Samples& signal);
-  /// Waits until a document's temporary file holds the signal sample for sample.
+  /// Waits until a document's temporary file holds the signal: every sample in its place, but for
+  /// silence that a busy server put between.
   void expectRecorded(const support::Samples& signal, std::size_t document = 0);
 
   /// From now on what is played is kept.
   void listen();
   [[nodiscard]] support::Samples heard() const;
-  /// Waits until the signal was heard sample for sample.
+  /// Waits until the signal was heard: every sample in its place, but for silence that a busy
+  /// server put between.
   void expectHeard(const support::Samples& signal);
+  /// Whether it was heard without any silence between.
+  [[nodiscard]] bool wasHeardWithoutAGap(const support::Samples& signal) const;
   /// Presses Space and waits until the server runs the program's stream.
   void beginPlaying();
   void waitUntilPlayed();

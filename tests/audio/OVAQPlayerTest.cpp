@@ -450,6 +450,19 @@ TEST_F(OVAQPlayerTest, ADeviceThatFailsWhilePlayingIsToldOnceAndStopsThePlayback
               StartsWith("Core Audio returned the error: AudioQueueStart failed ('gone')\n\n"));
 }
 
+TEST_F(OVAQPlayerTest, ALossThatWasToldOfTheInputIsNotToldAgain) {
+  queues_->lossReportPending = false;
+  make(10000);
+  player_->play();
+  queues_.output().changeRunning(1);
+  queues_->failure = platform::kDeviceLostStatus;
+  queues_.output().changeRunning(0);
+  drainMainQueue();
+  EXPECT_EQ(player_->failure(), platform::kDeviceLostStatus);
+  EXPECT_THAT(delegate_->stopped, ElementsAre(player_.get()));
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
 TEST_F(OVAQPlayerTest, ADeviceThatCannotStartIsToldOnceAndStopsThePlayback) {
   make(10000);
   queues_->fail("start", platform::kDeviceUnavailableStatus);

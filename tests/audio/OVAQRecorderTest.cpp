@@ -391,6 +391,15 @@ TEST_F(OVAQRecorderTest, OneFailureOfTheInputIsAlertedOnceHoweverManyRecordersAr
   EXPECT_THAT(services_->alerts(), SizeIs(2));
 }
 
+TEST_F(OVAQRecorderTest, ALossThatWasToldOfTheOutputIsNotToldAgain) {
+  queues_->lossReportPending = false;
+  queues_->fail("start", platform::kDeviceLostStatus);
+  make();
+  EXPECT_EQ(recorder_, nullptr);
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  EXPECT_FALSE(queues_->inputFailureReportPending);
+}
+
 TEST_F(OVAQRecorderTest, EveryFailureOfTheInputIsPrinted) {
   testing::internal::GetCapturedStderr();
   testing::internal::CaptureStderr();

@@ -32,6 +32,7 @@ struct QueueScript {
   std::uint32_t running = 0;
   AudioStatus failure = platform::kAudioStatusOk;
   bool inputFailureReportPending = true;
+  bool lossReportPending = true;
   int queuesAlive = 0;
   std::function<void(std::uint64_t)> whileWaiting;  ///< inside waitUntilDelivered()
 
@@ -231,6 +232,7 @@ class SteppedAudioQueues : public platform::AudioQueues {
   bool takeInputFailureReport() override {
     return std::exchange(script_->inputFailureReportPending, false);
   }
+  bool takeLossReport() override { return std::exchange(script_->lossReportPending, false); }
 
   SteppedInputQueue* input = nullptr;    ///< the last one made
   SteppedOutputQueue* output = nullptr;  ///< the last one made

@@ -279,6 +279,15 @@ TEST_F(SharedInputTimeTest, OneFailureIsReportedToOneCallerUntilTheDeviceWorkedA
   EXPECT_FALSE(queues->takeInputFailureReport());
 }
 
+TEST_F(SharedInputTimeTest, ALossOfInputAndOutputIsReportedToOneCallerASecond) {
+  EXPECT_TRUE(queues->takeLossReport());
+  clock->advance(milliseconds(999));
+  EXPECT_FALSE(queues->takeLossReport());
+  clock->advance(milliseconds(1));
+  EXPECT_TRUE(queues->takeLossReport());
+  EXPECT_FALSE(queues->takeLossReport());
+}
+
 TEST_F(SharedInputTimeTest, FramesLostInsideTheSoundSystemAreToldOnce) {
   Recording recording;
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);

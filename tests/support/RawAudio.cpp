@@ -121,6 +121,18 @@ std::size_t equalFrames(const Samples& part, const Samples& in, std::size_t star
   return static_cast<std::size_t>(difference - part.begin()) / kChannels;
 }
 
+Samples withoutSilence(const Samples& samples) {
+  Samples sounding;
+  sounding.reserve(samples.size());
+  for (std::size_t i = 0; i + 1 < samples.size(); i += kChannels) {
+    if (samples[i] != 0 || samples[i + 1] != 0) {
+      sounding.push_back(samples[i]);
+      sounding.push_back(samples[i + 1]);
+    }
+  }
+  return sounding;
+}
+
 float peak(const Samples& samples) {
   float largest = 0;
   for (const float sample : samples) {

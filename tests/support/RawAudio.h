@@ -40,6 +40,10 @@ using Samples = std::vector<float>;
 /// How many frames of `part` stand in `in` from frame `start` on without a difference.
 [[nodiscard]] std::size_t equalFrames(const Samples& part, const Samples& in, std::size_t start);
 
+/// The frames of which a sample is not 0. noise() has no other, so what a busy sound server put
+/// between its frames, which is silence, is left out, and whatever it lost or repeated shows.
+[[nodiscard]] Samples withoutSilence(const Samples& samples);
+
 /// Largest magnitude of a sample.
 [[nodiscard]] float peak(const Samples& samples);
 
