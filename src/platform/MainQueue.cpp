@@ -102,11 +102,7 @@ struct MainQueue::State : QObject {
   }
 };
 
-MainQueue::MainQueue() : state_(new State) {
-  if (!isMainThread() && QCoreApplication::instance() != nullptr) {
-    state_->moveToThread(QCoreApplication::instance()->thread());
-  }
-}
+MainQueue::MainQueue() : state_(new State) {}
 
 void MainQueue::async(std::function<void()> block) {
   state_->submit({std::move(block), nullptr});
@@ -141,6 +137,13 @@ MainQueue& mainQueue() {
   static auto* queue = new MainQueue;
   return *queue;
 }
+
+namespace {
+
+// Made before any other thread can ask for it, so that it belongs to the main thread.
+[[maybe_unused]] const MainQueue& kMadeAtStart = mainQueue();
+
+}  // namespace
 
 bool isMainThread() {
   return std::this_thread::get_id() == kMainThread;

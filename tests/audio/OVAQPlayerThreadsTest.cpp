@@ -216,11 +216,14 @@ TEST_F(OVAQPlayerThreadsTest, ALastReferenceThatGoesOnTheQueuesThreadDoesNotDead
   make(20000);
   const std::weak_ptr<OVAQPlayer> watched = player_;
   delegate_->onAdvance = [this] { player_.reset(); };
+  const auto threads = testaudio::threadCount();  // the queue's own comes with play()
   play();
   EXPECT_THAT(device_->pull(1024), SizeIs(2048));
   EXPECT_TRUE(runMainLoopUntil([&] {
-    return watched.expired() && device_->outputsClosed() == 1 && buffer_.use_count() == 1;
+    return watched.expired() && device_->outputsClosed() == 1 && buffer_.use_count() == 1 &&
+           testaudio::threadCount() <= threads;
   }));
+  EXPECT_TRUE(drainMainQueue());  // where the queue goes
 }
 
 TEST_F(OVAQPlayerThreadsTest, AJumpDuringPlaybackIsHeardAfterWhatWasQueued) {

@@ -225,6 +225,7 @@ TEST_F(OVAQRecorderThreadsTest, ALastReferenceThatGoesOnTheQueuesThreadDoesNotDe
   feed(kBlock);
   EXPECT_TRUE(
       runMainLoopUntil([&] { return watched.expired() && testaudio::threadCount() < threads; }));
+  EXPECT_TRUE(drainMainQueue());  // where the queue goes
   EXPECT_EQ(buffer_.use_count(), 1);
 }
 

@@ -60,11 +60,7 @@ class DocumentTest : public testing::Test {
     drainMainQueue();
   }
 
-  static void drainMainQueue() {
-    bool done = false;
-    platform::mainQueue().async([&] { done = true; });
-    EXPECT_TRUE(runMainLoopUntil([&] { return done; }));
-  }
+  static void drainMainQueue() { EXPECT_TRUE(::drainMainQueue()); }
 
   /// The document's button of this name, or one of the test's own where there is no window.
   OVTransportButton* button(const char* name) {

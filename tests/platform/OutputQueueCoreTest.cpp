@@ -1,5 +1,6 @@
 #include <atomic>
 #include <future>
+#include <latch>
 #include <thread>
 
 #include "platform/AudioQueueFixture.h"
@@ -248,16 +249,19 @@ TEST_F(OutputQueueCoreTest, AStopFromInsideTheCallbackOrListenerReturnsAndIsTheL
 TEST_F(OutputQueueCoreTest, AQueueMayBeDestroyedInsideItsOwnListener) {
   ASSERT_EQ(playback.make(*queues), kAudioStatusOk);
   Record<int> ends;
+  std::latch started(1);  // the owner is inside start() until then
   playback.queue->setRunningListener([&](AudioOutputQueue& queue) {
     std::uint32_t running = 9;
     ASSERT_EQ(queue.isRunning(running), kAudioStatusOk);
     if (running == 0) {
+      started.wait();
       playback.queue.reset();
       ends.add(1);
     }
   });
   ASSERT_EQ(playback.queue->stopAfterQueued(), kAudioStatusOk);
-  ASSERT_EQ(playback.queue->start(), kAudioStatusOk);
+  EXPECT_EQ(playback.queue->start(), kAudioStatusOk);
+  started.count_down();
   EXPECT_TRUE(ends.awaitCount(1));
 }
 

@@ -6,6 +6,8 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 
+#include "platform/Dispatch.h"
+
 /// Runs the main loop until a condition holds; false when the deadline passed first.
 /// Threads: main.
 inline bool runMainLoopUntil(const std::function<bool()>& condition,
@@ -18,4 +20,12 @@ inline bool runMainLoopUntil(const std::function<bool()>& condition,
     QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
   }
   return true;
+}
+
+/// Runs everything that was submitted to the main queue before this call.
+/// Threads: main.
+inline bool drainMainQueue() {
+  bool reached = false;
+  platform::mainQueue().async([&reached] { reached = true; });
+  return runMainLoopUntil([&reached] { return reached; });
 }
