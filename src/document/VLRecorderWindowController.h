@@ -131,6 +131,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   /// The display timer's tick.
   void updatePlaybackMarkerView();
+  /// From windowDidLoad() to windowWillClose().
+  [[nodiscard]] bool isDisplayTimerRunning() const { return pollTimer_ != nullptr; }
 
   /// Rebuilds the displays after an edit; with `regenerate` the summary starts from scratch.
   void refreshCompleteUI(bool regenerate);
