@@ -49,6 +49,15 @@ class WatchingDelegate : public OVAQPlayerDelegate {
 
 class OVAQPlayerThreadsTest : public testing::Test {
  protected:
+  // A player that goes while its callback runs leaves its queue to the main thread, which must
+  // still run it.
+  void TearDown() override {
+    if (player_) {
+      player_->stop();
+    }
+    EXPECT_TRUE(drainMainQueue());
+  }
+
   void make(std::uint64_t frames, std::uint64_t fromFrame = 0) {
     buffer_ = std::make_shared<TestAudioBuffer>(ramp(frames));
     makeOver(fromFrame);

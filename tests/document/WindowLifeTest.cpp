@@ -153,5 +153,7 @@ TEST_F(WindowLifeTest, TwoHundredWindowsLeaveNeitherThreadsNorDescriptorsNorTime
   settle();
   EXPECT_TRUE(runMainLoopUntil([&] { return threads() <= threadsBefore; }))
       << threads() << " threads, " << threadsBefore << " before";
-  EXPECT_EQ(descriptors(), descriptorsBefore);
+  // A background job may hold the last recording a moment longer than its window.
+  EXPECT_TRUE(runMainLoopUntil([&] { return descriptors() <= descriptorsBefore; }))
+      << descriptors() << " descriptors, " << descriptorsBefore << " before";
 }
