@@ -1,5 +1,7 @@
 #include "platform/AudioFileDemuxer.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -8,6 +10,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/intreadwrite.h>
 #include <libavutil/mem.h>
 #include <libavutil/opt.h>
 }
@@ -57,7 +60,8 @@ std::unique_ptr<AudioFileDemuxer> AudioFileDemuxer::open(File& file, std::uint64
     error = AVERROR(ENOMEM);
     return nullptr;
   }
-  std::unique_ptr<AudioFileDemuxer> demuxer(new AudioFileDemuxer(std::move(io), interruption));
+  std::unique_ptr<AudioFileDemuxer> demuxer(
+      new AudioFileDemuxer(file, std::move(io), interruption));
   error = demuxer->openContainer(path);
   if (error >= 0) {
     error = demuxer->chooseStream();
@@ -96,6 +100,7 @@ int AudioFileDemuxer::openContainer(const std::string& path) {
   }
   context_.reset(context);
   io_->clearInterruption();
+  headerEnd_ = static_cast<std::uint64_t>(std::max<std::int64_t>(avio_tell(context->pb), 0));
   return 0;
 }
 
@@ -120,6 +125,9 @@ int AudioFileDemuxer::chooseStream() {
         i == static_cast<unsigned>(best) ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
   }
   stream_ = context_->streams[best];
+  const char* const codec = avcodec_get_name(stream_->codecpar->codec_id);
+  isLinearPcm_ = std::strncmp(codec, "pcm_", 4) == 0 &&
+                 av_get_exact_bits_per_sample(stream_->codecpar->codec_id) >= 8;
   return 0;
 }
 
@@ -134,6 +142,9 @@ int AudioFileDemuxer::read(AVPacket& packet) {
       return io_->firstError() != 0 && result != AVERROR_EXIT ? io_->firstError() : result;
     }
     if (packet.stream_index == stream_->index) {
+      if (isLinearPcm_ && stream_->codecpar->block_align > 0) {
+        packet.size -= packet.size % stream_->codecpar->block_align;  // half a frame is none
+      }
       return 0;
     }
     av_packet_unref(&packet);
@@ -149,14 +160,35 @@ bool AudioFileDemuxer::isBareStream() const {
          std::strcmp(context_->iformat->name, "aac") == 0;
 }
 
-bool AudioFileDemuxer::isLinearPcm() const {
-  return av_get_exact_bits_per_sample(stream_->codecpar->codec_id) >= 8 &&
-         avcodec_descriptor_get(stream_->codecpar->codec_id) != nullptr &&
-         std::strncmp(avcodec_get_name(stream_->codecpar->codec_id), "pcm_", 4) == 0;
+// Without a length in the header, or with one beyond the file's end, the libraries guess by the
+// file's size and the rate of bytes.
+bool AudioFileDemuxer::isDurationGuessed() const {
+  return context_->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
 }
 
 std::int64_t AudioFileDemuxer::declaredDuration() const {
-  return stream_->duration == AV_NOPTS_VALUE || stream_->duration < 0 ? 0 : stream_->duration;
+  return isDurationGuessed() || stream_->duration == AV_NOPTS_VALUE || stream_->duration < 0
+             ? 0
+             : stream_->duration;
+}
+
+std::int64_t AudioFileDemuxer::promisedPcmFrames() const {
+  if (stream_->nb_frames > 0) {
+    return stream_->nb_frames;
+  }
+  if (!isDurationGuessed()) {
+    return declaredDuration();  // the time base is a frame
+  }
+  // A WAV whose samples should go on behind its end: their chunk tells how far.
+  constexpr std::size_t kChunkHeader = 8;  // its name, its bytes
+  std::array<std::uint8_t, kChunkHeader> header{};
+  if (headerEnd_ < kChunkHeader || stream_->codecpar->block_align <= 0 ||
+      file_.readAt(header.data(), kChunkHeader, headerEnd_ - kChunkHeader).byteCount !=
+          kChunkHeader ||
+      std::memcmp(header.data(), "data", 4) != 0) {
+    return 0;
+  }
+  return AV_RL32(header.data() + 4) / static_cast<std::uint32_t>(stream_->codecpar->block_align);
 }
 
 }  // namespace platform
