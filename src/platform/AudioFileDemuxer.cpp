@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <limits>
 #include <mutex>
 
 extern "C" {
@@ -24,11 +25,16 @@ using std::chrono::milliseconds;
 // is no sound file would be tried.
 constexpr const char* kContainers = "wav,w64,aiff,caf,mov,mp3,aac";
 
-// Header and first packets of a good file take milliseconds. Together below two seconds.
-constexpr milliseconds kHeaderWork{700};
-constexpr milliseconds kFirstPacketsWork{400};
+// Header and first packets of a good file take milliseconds. Together below one second.
+constexpr milliseconds kHeaderWork{500};
+constexpr milliseconds kFirstPacketsWork{300};
 // More than the index of a day of sound needs.
 constexpr std::int64_t kHeaderBytes = std::int64_t{256} << 20;
+
+// A packet takes microseconds. Longer is only a search through what is no sound, for the next thing
+// that is, and after this time the file counts as ended.
+constexpr milliseconds kPacketWork{500};
+constexpr std::int64_t kPacketBytes = std::numeric_limits<std::int64_t>::max();
 
 // Bounds what a damaged length field can make the libraries allocate at once.
 constexpr std::size_t kLargestAllocation = std::size_t{512} << 20;
@@ -136,7 +142,15 @@ int AudioFileDemuxer::read(AVPacket& packet) {
     if (interruption_.isDue()) {
       return AVERROR_EXIT;
     }
+    const bool limited = interruption_.limitIfNone(kPacketWork, kPacketBytes);
     const int result = av_read_frame(context_.get(), &packet);
+    const bool endless = limited && result == AVERROR_EXIT && !interruption_.isCancelled();
+    if (limited) {
+      interruption_.lift();
+    }
+    if (endless) {
+      return AVERROR_EOF;
+    }
     if (result < 0) {
       // A failing medium looks like the end of the file to some demuxers.
       return io_->firstError() != 0 && result != AVERROR_EXIT ? io_->firstError() : result;

@@ -36,8 +36,9 @@ class AudioFileDemuxer {
 
   [[nodiscard]] const AVStream& stream() const { return *stream_; }
 
-  /// The next packet of the stream: 0, AVERROR_EOF at the end, AVERROR_EXIT when interrupted, or
-  /// the error that ended the file.
+  /// The next packet of the stream: 0, AVERROR_EOF at the end (also when what follows is so long no
+  /// sound that the search for the next packet was given up), AVERROR_EXIT when interrupted, or the
+  /// error that ended the file.
   [[nodiscard]] int read(AVPacket& packet);
 
   /// MPEG-4: its packets bear durations that also tell where the last one's sound ends.
