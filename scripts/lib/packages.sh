@@ -24,5 +24,5 @@ test_packages=(
 sound_server_package=pulseaudio
 
 # The seeds are made by ffmpeg.
-fuzz_packages=(clang-14 ffmpeg)
+fuzz_packages=(clang-14 libclang-rt-14-dev ffmpeg)
 lint_packages=(clang-format-14 clang-tidy-14)
