@@ -1,10 +1,10 @@
+#include "platform/GlobalQueue.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <thread>
-
-#include "platform/Dispatch.h"
 
 namespace platform {
 namespace {
