@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cinttypes>
-#include <filesystem>
 #include <limits>
-#include <system_error>
 #include <utility>
 
 #include "platform/ApplicationServices.h"
@@ -263,8 +261,7 @@ double OVBlockBuffer::powerAtPosition(std::uint64_t position) {
 
 void OVBlockBuffer::removeTempFile(const std::optional<std::string>& path) {
   if (path) {
-    std::error_code ignored;
-    std::filesystem::remove(*path, ignored);
+    platform::deleteFile(*path);
   }
 }
 
