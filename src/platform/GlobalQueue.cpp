@@ -10,8 +10,6 @@ namespace platform {
 namespace {
 
 constexpr std::chrono::seconds kIdleThreadLife{5};
-// A block may wait for a person (an alert), so the number of threads is generous.
-constexpr std::size_t kMaximumThreads = 64;
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 
 namespace platform {
@@ -10,6 +11,9 @@ namespace platform {
 /// Threads: any. Real-time: not safe.
 class GlobalQueue {
  public:
+  /// A block may wait for a person (an alert), so the number of threads is generous.
+  static constexpr std::size_t kMaximumThreads = 64;
+
   void async(std::function<void()> block);
 
   /// Waits until no block is queued or running, at most `seconds`. For the end of the program.
