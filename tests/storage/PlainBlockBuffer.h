@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <vector>
@@ -67,6 +68,17 @@ class PlainBlockBuffer {
       count -= k;
     }
     return result;
+  }
+
+  double power(std::uint64_t frame) const {
+    const auto block = locate(frame * 8);
+    const std::uint64_t in = block ? frame * 8 - block->linear_addr_start() : 0;
+    if (!block || block->size() - in < 8) {
+      return 1.0;
+    }
+    float channels[2];
+    std::memcpy(channels, file.data() + block->file_offset_start() + in, 8);
+    return static_cast<double>(channels[0] + channels[1]) * 0.5;
   }
 
   void optimize() {
