@@ -25,9 +25,18 @@ class PlainBlockBuffer {
   };
 
   void write(const Bytes& data, std::uint64_t o) {
-    const std::uint64_t n = data.size();
-    const OVBlock b(o, file.size(), n);
+    const std::uint64_t fileOffset = file.size();
     file.insert(file.end(), data.begin(), data.end());
+    map(OVBlock(o, fileOffset, data.size()));
+    if (added >= 21) {
+      optimize();
+    }
+  }
+
+  /// What a write does to the list.
+  void map(const OVBlock& b) {
+    const std::uint64_t o = b.linear_addr_start();
+    const std::uint64_t n = b.size();
     live.fillSize = std::max(live.fillSize, o + n);
     removeCovered(o, o + n);
     trimTails(o, o + n);
@@ -35,23 +44,22 @@ class PlainBlockBuffer {
     const auto tails = split(o, o + n, n);
     live.blocks.insert(live.blocks.end(), tails.begin(), tails.end());
     live.blocks.push_back(b);
-    if (++added >= 21) {
-      optimize();
-    }
+    ++added;
   }
 
   /// The first block in list order that holds an address.
-  std::optional<OVBlock> locate(std::uint64_t a) const {
-    if (a >= live.fillSize) {
+  static std::optional<OVBlock> locate(const State& state, std::uint64_t a) {
+    if (a >= state.fillSize) {
       return std::nullopt;
     }
-    for (const OVBlock& x : live.blocks) {
+    for (const OVBlock& x : state.blocks) {
       if (x.linear_addr_start() <= a && a < x.linear_addr_start() + x.size()) {
         return x;
       }
     }
     return std::nullopt;
   }
+  std::optional<OVBlock> locate(std::uint64_t a) const { return locate(live, a); }
 
   Bytes read(std::uint64_t count, std::uint64_t address) const {
     Bytes result;
