@@ -1,7 +1,7 @@
 // A writer, an editor, two readers and a generator of a summary on one block buffer, all at once.
 //
-// Each thread does a fixed amount of work. With ORVO_TEST_SECONDS in the environment all of them go
-// on for so many seconds instead.
+// Whoever writes does a fixed amount of work, and the others go on as long as that takes. With
+// ORVO_TEST_SECONDS in the environment it takes so many seconds.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -104,10 +104,9 @@ void runTogether(const std::vector<std::function<void()>>& jobs) {
   }
 }
 
-/// Extends a summary again and again, from the beginning now and then.
-void generateAgainAndAgain(OVDynamicWaveForm& summary, std::uint64_t count) {
-  Rounds rounds(count);
-  for (std::uint64_t i = 0; rounds.next() && !testing::Test::HasFailure(); ++i) {
+/// Extends a summary as long as `more` says, from the beginning now and then.
+void generateWhile(OVDynamicWaveForm& summary, const std::function<bool()>& more) {
+  for (std::uint64_t i = 0; more() && !testing::Test::HasFailure(); ++i) {
     summary.setShouldRegenerateWaveform(i % 8 == 0);
     summary.generate();
     std::vector<float> elements;
@@ -279,15 +278,16 @@ class BlockBufferTraffic : public testing::Test {
   }
 
   void planEdit(std::mt19937& random) {
-    switch (random() % 6) {
+    if (random() % 30 == 0) {
+      return plan(&OVBlockBuffer::setWaypoint, &PlainBlockBuffer::setWaypoint);
+    }
+    switch (random() % 5) {
       case 0:
         return plan(&OVBlockBuffer::redo, &PlainBlockBuffer::redo);
       case 1:
         return plan(&OVBlockBuffer::undo, &PlainBlockBuffer::undo);
       case 2:
         return plan(&OVBlockBuffer::optimize, &PlainBlockBuffer::optimize);
-      case 3:
-        return plan(&OVBlockBuffer::setWaypoint, &PlainBlockBuffer::setWaypoint);
       default:
         return planCut(random);
     }
@@ -323,17 +323,31 @@ class BlockBufferTraffic : public testing::Test {
   }
 
   // `work` with a random source of its own, so many times.
-  static std::function<void()> rounds(std::uint64_t count, unsigned seed,
-                                      const std::function<void(std::mt19937&)>& work) {
-    return [=] {
+  std::function<void()> changing(std::uint64_t count, unsigned seed,
+                                 const std::function<void(std::mt19937&)>& work) {
+    ++changers_;
+    return [=, this] {
       std::mt19937 random(seed);
-      for (Rounds left(count); left.next() && !HasFailure();) {
+      for (Rounds rounds(count); rounds.next() && !HasFailure();) {
         work(random);
       }
+      --changers_;
     };
   }
 
-  std::mutex changing_;  // whoever changes the buffer
+  // Reads as long as somebody changes something, and once more.
+  std::function<void()> reading(unsigned seed) {
+    return [=, this] {
+      std::mt19937 random(seed);
+      while (changers_ > 0 && !HasFailure()) {
+        readOnce(random);
+      }
+      readOnce(random);
+    };
+  }
+
+  std::mutex changing_;            // held by whoever changes the buffer
+  std::atomic<int> changers_ = 0;  // threads that have not done all their changes
   std::uint64_t written_ = 0;
   const std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
   History history_;
@@ -345,13 +359,10 @@ TEST_F(BlockBufferTraffic, EveryReadGivesWhatStoodThereAtOneMomentOfTheRead) {
   const auto summary = OVDynamicWaveForm::initWithBuffer(buffer_);
   plan(&OVBlockBuffer::setWaypoint, &PlainBlockBuffer::setWaypoint);
   history_.carryOut();
-  const auto read = [this](std::mt19937& random) { readOnce(random); };
-  runTogether({rounds(400, 1, [this](std::mt19937& random) { writeSome(random); }),
-               rounds(300, 2, [this](std::mt19937& random) { editSome(random); }),
-               rounds(2500, 3, read), rounds(2500, 4, read),
-               [&] { generateAgainAndAgain(*summary, 200); }});
-  std::mt19937 random(5);
-  readOnce(random);
+  const auto write = changing(300, 1, [this](std::mt19937& random) { writeSome(random); });
+  const auto edit = changing(300, 2, [this](std::mt19937& random) { editSome(random); });
+  const auto generate = [&] { generateWhile(*summary, [this] { return changers_ > 0; }); };
+  runTogether({write, edit, reading(3), reading(4), generate});
   EXPECT_EQ(buffer_->blocklist(), history_.now().blocks);
   expectFreshSummary(*summary, buffer_);
   RecordProperty("readsBesideChanges", std::to_string(besideChanges_));
@@ -363,10 +374,11 @@ class UnorderedBlockBufferTraffic : public testing::Test {
  protected:
   static constexpr std::uint64_t kWriteFrames = 64;
   static constexpr std::uint64_t kMostWrites = 1 << 20;
+  static constexpr int kMostWaypoints = 500;  // they are kept for good
 
   void write() {
     std::mt19937 random(1);
-    Rounds rounds(4000);
+    Rounds rounds(8000);
     for (std::uint64_t i = 0; i < kMostWrites && rounds.next(); ++i) {
       const std::uint64_t length = buffer_->bufferSizeInFrames();
       const std::uint64_t frame =
@@ -376,11 +388,12 @@ class UnorderedBlockBufferTraffic : public testing::Test {
       const auto frames = stampedFrames(i * kWriteFrames, kWriteFrames);
       buffer_->writeData(frames.data(), frame * kFrameBytes, kWriteFrames * kFrameBytes);
     }
+    isWriting_ = false;
   }
 
   void read(unsigned seed) {
     std::mt19937 random(seed);
-    for (Rounds rounds(3000); rounds.next() && !HasFailure();) {
+    while (isWriting_ && !HasFailure()) {
       const std::uint64_t first = random() % (buffer_->bufferSizeInFrames() + 8);
       std::uint64_t frame = first;
       for (const std::uint64_t number : readNumbers(*buffer_, first, 1000)) {
@@ -392,8 +405,10 @@ class UnorderedBlockBufferTraffic : public testing::Test {
   }
 
   void edit() {
-    for (Rounds rounds(300); rounds.next();) {
-      buffer_->setWaypoint();
+    for (int edits = 0; isWriting_; ++edits) {
+      if (edits < kMostWaypoints) {
+        buffer_->setWaypoint();
+      }
       buffer_->cutoffBufferAfterPosition(buffer_->bufferSizeInFrames() / 2);
       buffer_->undo();
       buffer_->redo();
@@ -407,13 +422,14 @@ class UnorderedBlockBufferTraffic : public testing::Test {
   std::vector<std::atomic<std::uint64_t>> places_ =
       std::vector<std::atomic<std::uint64_t>>(kMostWrites);
   std::atomic<std::uint64_t> begun_{0};  // writes
+  std::atomic<bool> isWriting_ = true;   // the others go on as long as this
 };
 
 TEST_F(UnorderedBlockBufferTraffic, EveryFrameReadWasWrittenAtItsPlace) {
   ASSERT_NE(buffer_, nullptr);
   const auto summary = OVDynamicWaveForm::initWithBuffer(buffer_);
   runTogether({[this] { write(); }, [this] { edit(); }, [this] { read(2); }, [this] { read(3); },
-               [&] { generateAgainAndAgain(*summary, 200); }});
+               [&] { generateWhile(*summary, [this] { return isWriting_.load(); }); }});
   expectFreshSummary(*summary, buffer_);
 }
 
