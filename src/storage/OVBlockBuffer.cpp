@@ -216,7 +216,7 @@ void OVBlockBuffer::restore(const OVBufferState& state) {
 }
 
 void OVBlockBuffer::listChanged() {
-  listIsEmpty_.store(blocklist_.blocks().empty(), std::memory_order_relaxed);
+  listIsEmpty_.store(blocklist_.empty(), std::memory_order_relaxed);
 }
 
 void OVBlockBuffer::lock() {
