@@ -142,7 +142,8 @@ struct Shape {
   unsigned sequences;     // how many are run, seeds 1, 2, 3, …
   unsigned operations;    // in each
   bool wild;              // cuts beyond the end, addresses near 2^64
-  unsigned cuts = 14;     // percent of the operations
+  unsigned cuts = 140;    // in a thousand operations
+  unsigned undos = 60;    // in a thousand operations
 };
 
 void PrintTo(const Shape& shape, std::ostream* out) {
@@ -186,21 +187,26 @@ Step drawWrite(const Shape& shape, std::mt19937_64& random, const PlainBlockBuff
 }
 
 Step drawStep(const Shape& shape, std::mt19937_64& random, const BlockBufferPair& pair) {
-  const std::uint64_t choice = below(random, 100);
-  if (choice < 6) {
-    return {"waypoint"};
+  std::uint64_t choice = below(random, 1000);
+  const auto isOf = [&choice](unsigned share) {
+    const bool is = choice < share;
+    choice -= is ? 0 : share;
+    return is;
+  };
+  if (isOf(shape.cuts)) {
+    return {below(random, 2) == 0 ? "cutAfter" : "cutBefore", drawCut(shape, random, pair.model())};
   }
-  if (choice < 12) {
+  if (isOf(shape.undos)) {
     return {"undo"};
   }
-  if (choice < 15) {
+  if (isOf(shape.undos / 2)) {
     return {"redo"};
   }
-  if (choice < 20) {
-    return {choice < 16 ? "reverse" : "optimize"};
+  if (isOf(60)) {
+    return {"waypoint"};
   }
-  if (choice < 20 + shape.cuts) {
-    return {below(random, 2) == 0 ? "cutAfter" : "cutBefore", drawCut(shape, random, pair.model())};
+  if (isOf(50)) {
+    return {choice < 10 ? "reverse" : "optimize"};
   }
   return drawWrite(shape, random, pair.model());
 }
@@ -219,7 +225,7 @@ INSTANTIATE_TEST_SUITE_P(Shapes, OVBlockBufferBesideItsModel,
                          testing::Values(Shape{"tiny", 64, 24, 8, 1500, 60, false},
                                          Shape{"bytes", 48, 16, 1, 1500, 60, false},
                                          Shape{"long", 4096, 256, 8, 40, 500, false},
-                                         Shape{"many", 60'000, 80, 8, 4, 2500, false, 1},
+                                         Shape{"many", 60'000, 80, 8, 2, 2500, false, 1, 4},
                                          Shape{"wild", 96, 32, 8, 1500, 60, true}),
                          [](const testing::TestParamInfo<Shape>& shape) {
                            return shape.param.name;
