@@ -9,15 +9,15 @@ OVHoverButton::OVHoverButton(QWidget* parent) : OVTrackingButton(parent) {
 }
 
 void OVHoverButton::setOnImage(const QString& name) {
-  onImage_ = OVNamedImage(name);
+  onImage_ = platform::NamedImage(name);
 }
 
 void OVHoverButton::setOffImage(const QString& name) {
-  offImage_ = OVNamedImage(name);
+  offImage_ = platform::NamedImage(name);
 }
 
 void OVHoverButton::setHoverImage(const QString& name) {
-  hoverImage_ = OVNamedImage(name);
+  hoverImage_ = platform::NamedImage(name);
 }
 
 void OVHoverButton::enterEvent(QEnterEvent* event) {
@@ -43,7 +43,7 @@ void OVHoverButton::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void OVHoverButton::drawImage(QPainter& painter) const {
-  const OVNamedImage& whileOff = isHovering_ ? hoverImage_ : offImage_;
+  const platform::NamedImage& whileOff = isHovering_ ? hoverImage_ : offImage_;
   const auto blend = isHighlighted() ? OVIconBlend::plusDarker : OVIconBlend::sourceAtop;
   drawCentredIcon(painter, size(), isOn() ? onImage_ : whileOff, blend, 1.0);
 }

@@ -9,11 +9,11 @@
 OVTransportButton::OVTransportButton(QWidget* parent) : OVTrackingButton(parent) {}
 
 void OVTransportButton::setOnImage(const QString& name) {
-  _onImage = OVNamedImage(name);
+  _onImage = platform::NamedImage(name);
 }
 
 void OVTransportButton::setOffImage(const QString& name) {
-  _offImage = OVNamedImage(name);
+  _offImage = platform::NamedImage(name);
 }
 
 void OVTransportButton::paintEvent(QPaintEvent* /*event*/) {
@@ -32,7 +32,7 @@ void OVTransportButton::drawBezel(QPainter& painter, const QRectF& frame) const 
 }
 
 void OVTransportButton::drawImage(QPainter& painter) const {
-  const OVNamedImage& image = isOn() ? _onImage : _offImage;
+  const platform::NamedImage& image = isOn() ? _onImage : _offImage;
   auto blend = OVIconBlend::sourceAtop;
   qreal opacity = 1.0;
   if (isHighlighted() && isOn()) {

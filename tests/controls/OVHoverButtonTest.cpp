@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ControlsWindow.h"
-#include "controls/OVNamedImage.h"
+#include "platform/NamedImage.h"
 #include "support/Pixels.h"
 
 namespace {
@@ -27,7 +27,7 @@ class HoverButton : public testing::Test {
     ControlsWindow empty;
     QImage expected = empty.picture(empty.bar());
     QPainter painter(&expected);
-    painter.drawImage(200, 15, OVNamedImage(QString::fromLatin1(name)).forRatio(1.0));
+    painter.drawImage(200, 15, platform::NamedImage(QString::fromLatin1(name)).forRatio(1.0));
     painter.end();
     EXPECT_LT(meanDistance(window_.picture(window_.bar()), expected), 0.01) << name;
   }
