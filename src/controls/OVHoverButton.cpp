@@ -4,6 +4,12 @@
 
 #include "controls/OVIconDrawing.h"
 
+namespace {
+
+constexpr double kFocusRadius = 5.0;  // points, around the picture's own corners
+
+}  // namespace
+
 OVHoverButton::OVHoverButton(QWidget* parent) : OVTrackingButton(parent) {
   setIsSwitch(true);
 }
@@ -40,6 +46,7 @@ void OVHoverButton::setHovering(bool isHovering) {
 void OVHoverButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   drawImage(painter);
+  focusRing().draw(painter, rect(), kFocusRadius);
 }
 
 void OVHoverButton::drawImage(QPainter& painter) const {

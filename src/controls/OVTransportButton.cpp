@@ -6,6 +6,12 @@
 #include "controls/OVIconDrawing.h"
 #include "controls/OVTransportArtwork.h"
 
+namespace {
+
+constexpr double kFocusRadius = 4.0;  // points
+
+}  // namespace
+
 OVTransportButton::OVTransportButton(QWidget* parent) : OVTrackingButton(parent) {}
 
 void OVTransportButton::setOnImage(const QString& name) {
@@ -25,6 +31,7 @@ void OVTransportButton::paintEvent(QPaintEvent* /*event*/) {
   drawBezel(painter, reference.bezel);
   painter.restore();
   drawImage(painter);
+  focusRing().draw(painter, QRectF(rect()).adjusted(3.0, 3.0, -3.0, -3.0), kFocusRadius);
 }
 
 void OVTransportButton::drawBezel(QPainter& painter, const QRectF& frame) const {
