@@ -8,7 +8,10 @@
 
 namespace {
 
-constexpr double kFocusRadius = 4.0;  // points
+// The ring around the icon, which fits into the round ends too; points.
+constexpr double kFocusInsetX = 8.0;
+constexpr double kFocusInsetY = 5.0;
+constexpr double kFocusRadius = 5.0;
 
 }  // namespace
 
@@ -31,7 +34,9 @@ void OVTransportButton::paintEvent(QPaintEvent* /*event*/) {
   drawBezel(painter, reference.bezel);
   painter.restore();
   drawImage(painter);
-  focusRing().draw(painter, QRectF(rect()).adjusted(3.0, 3.0, -3.0, -3.0), kFocusRadius);
+  focusRing().draw(
+      painter, QRectF(rect()).adjusted(kFocusInsetX, kFocusInsetY, -kFocusInsetX, -kFocusInsetY),
+      kFocusRadius);
 }
 
 void OVTransportButton::drawBezel(QPainter& painter, const QRectF& frame) const {
