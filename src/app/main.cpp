@@ -1,12 +1,14 @@
 #include <memory>
 
 #include <QApplication>
+#include <QDBusConnection>
 #include <QIcon>
 
 #include "app/OVApplicationServices.h"
 #include "app/VelmarAppDelegate.h"
 #include "platform/AudioQueue.h"
 #include "platform/CubebAudioDevice.h"
+#include "platform/DesktopColours.h"
 #include "platform/DeviceAudioQueues.h"
 #include "platform/Dispatch.h"
 
@@ -46,6 +48,7 @@ int main(int argc, char** argv) {
   const platform::ApplicationServicesInstallation installedServices(servicesOf(delegate));
   delegate.applicationWillFinishLaunching();
   delegate.applicationDidFinishLaunching();
+  const platform::DesktopColours colours(QDBusConnection::sessionBus());  // after the window is up
   const int result = QApplication::exec();
 
   delegate.applicationWillTerminate();
