@@ -5,11 +5,13 @@
 # the libraries that qt6-base-dev needs.
 build_packages=(
   g++ cmake ninja-build pkg-config
-  qt6-base-dev libcubeb-dev libavutil-dev
+  qt6-base-dev libcubeb-dev
+  libavformat-dev libavcodec-dev libswresample-dev libavutil-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 
-# To run the real program where there is no screen and no sound server, and to listen to it.
+# To run the real program where there is no screen and no sound server, and to listen to it; to make
+# audio files and to decode ours a second time.
 # at-spi2-core is the service that screen readers use; gdbus, in libglib2.0-bin, asks it.
 # fonts-liberation has the metrics of the font that the displays ask for.
 test_packages=(
@@ -17,6 +19,7 @@ test_packages=(
   xvfb openbox xdotool wmctrl imagemagick x11-utils
   at-spi2-core dbus-daemon libglib2.0-bin
   fonts-liberation fontconfig procps util-linux git
+  ffmpeg sox
 )
 
 # Installed only where neither kind is there: two sound servers on one machine get in each other's way.

@@ -17,5 +17,6 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   const QTemporaryDir settings;
   QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+  qputenv("XDG_DATA_HOME", settings.path().toUtf8());  // nor the user's list of recent files
   return RUN_ALL_TESTS();
 }

@@ -1,0 +1,93 @@
+#include "audio/OVAudioFileWriter.h"
+
+#include <cstring>
+#include <utility>
+
+#include "audio/AudioFileFailure.h"
+#include "audio/CheckAudioStatus.h"
+#include "platform/AudioFileStatus.h"
+
+namespace {
+
+constexpr std::uint64_t kBytesPerFrame = (32 / 8) * 2;
+
+std::optional<platform::AudioFileKind> kindOf(std::uint32_t outputFormat) {
+  if (outputFormat > OVAudioFileWriter::kAac) {
+    return std::nullopt;
+  }
+  return static_cast<platform::AudioFileKind>(outputFormat);
+}
+
+static_assert(static_cast<std::uint32_t>(platform::AudioFileKind::wave) ==
+              OVAudioFileWriter::kWave);
+static_assert(static_cast<std::uint32_t>(platform::AudioFileKind::aiff) ==
+              OVAudioFileWriter::kAiff);
+static_assert(static_cast<std::uint32_t>(platform::AudioFileKind::caf) == OVAudioFileWriter::kCaf);
+static_assert(static_cast<std::uint32_t>(platform::AudioFileKind::m4a) == OVAudioFileWriter::kAac);
+
+}  // namespace
+
+std::shared_ptr<OVAudioFileWriter> OVAudioFileWriter::initWithFile(const std::string& path,
+                                                                   std::uint32_t outputFormat,
+                                                                   std::string shownName) {
+  auto writer =
+      std::make_shared<OVAudioFileWriter>(Key{}, path, outputFormat, std::move(shownName));
+  return writer->openFile(path) ? writer : nullptr;
+}
+
+std::optional<std::uint64_t> OVAudioFileWriter::maximumFrames(std::uint32_t outputFormat) {
+  const auto kind = kindOf(outputFormat);
+  return kind ? platform::ExtAudioFileOutput::maximumFrames(*kind) : std::nullopt;
+}
+
+OVAudioFileWriter::OVAudioFileWriter(Key, std::string path, std::uint32_t outputFormat,
+                                     std::string shownName)
+    : fileName_(std::move(path)), outputFormat_(outputFormat), shownName_(std::move(shownName)) {}
+
+OVAudioFileWriter::~OVAudioFileWriter() {
+  static_cast<void>(close());
+}
+
+bool OVAudioFileWriter::openFile(const std::string& path) {
+  const auto kind = kindOf(outputFormat_);
+  if (!kind) {
+    return check(platform::kUnsupportedDataFormatStatus, "ExtAudioFileOpen");
+  }
+  auto created = platform::ExtAudioFileOutput::createWithURL(path, *kind);
+  if (!check(created.status, "ExtAudioFileOpen")) {
+    return false;
+  }
+  xafref_ = std::move(created.file);
+  format_ = platform::kWorkingFormat;
+  return check(xafref_->setClientDataFormat(format_), "kExtAudioFileProperty_ClientDataFormat");
+}
+
+std::uint64_t OVAudioFileWriter::sinkData(const void* data, std::uint64_t dataSize) {
+  const std::uint64_t frames = dataSize / kBytesPerFrame;
+  if (frames == 0 || xafref_ == nullptr || isClosed_ || hasFailed_) {
+    return 0;
+  }
+  return check(xafref_->write(static_cast<const float*>(data), frames), "file write")
+             ? frames * kBytesPerFrame
+             : 0;
+}
+
+bool OVAudioFileWriter::close() {
+  if (!isClosed_ && xafref_ != nullptr) {
+    isClosed_ = true;
+    static_cast<void>(check(xafref_->dispose(), "file write"));
+  }
+  return xafref_ != nullptr && !hasFailed_;
+}
+
+bool OVAudioFileWriter::check(platform::AudioStatus status, const std::string& label) {
+  if (status == platform::kAudioStatusOk) {
+    return true;
+  }
+  if (!hasFailed_) {
+    hasFailed_ = true;
+    CheckAudioStatus(status, label,
+                     writingFailureReason(status, shownName_.empty() ? fileName_ : shownName_));
+  }
+  return false;
+}

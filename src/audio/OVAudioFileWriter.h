@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/AudioTypes.h"
+#include "platform/ExtAudioFileOutput.h"
+
+/// Writes an audio file of one of four kinds from sound in the working format. Samples that came
+/// from 16-bit audio are written bit for bit; AAC's length is exact to the frame.
+///
+///   open (or null) --sinkData()--> writing --close() or destruction--> closed
+///
+/// The file is complete only when close() has said so. An existing file is emptied at once and
+/// keeps its permissions, so write beside the file that is to be replaced; to sync and to rename is
+/// left to the caller.
+///
+/// A failure is told exactly once, by the class itself: printed to standard error and shown in an
+/// alert with the shown name and the reason in plain words.
+///
+/// Threads: any, one at a time; fileName() from any thread. The alert is waited for, see
+/// CheckAudioStatus(). Real-time: not safe.
+class OVAudioFileWriter {
+  struct Key {};
+
+ public:
+  /// Kinds of output files.
+  static constexpr std::uint32_t kWave = 0;  ///< WAV, 16 bits; RF64 where it passes 4 GB
+  static constexpr std::uint32_t kAiff = 1;  ///< AIFF, 16 bits; below 4 GB
+  static constexpr std::uint32_t kCaf = 2;   ///< CAF, 16 bits
+  static constexpr std::uint32_t kAac = 3;   ///< AAC at 256 kbit/s in an MPEG-4 file
+
+  /// A writer of the file at `path`, or null when that fails; it was told then.
+  ///
+  /// @param outputFormat  one of the kinds; any other fails
+  /// @param shownName     what alerts call the file where `path` is a temporary name; the path's
+  ///                      last component when empty
+  [[nodiscard]] static std::shared_ptr<OVAudioFileWriter> initWithFile(const std::string& path,
+                                                                       std::uint32_t outputFormat,
+                                                                       std::string shownName = {});
+
+  /// Most frames that a file of a kind can hold; nothing for no limit.
+  [[nodiscard]] static std::optional<std::uint64_t> maximumFrames(std::uint32_t outputFormat);
+
+  /// For initWithFile() only.
+  OVAudioFileWriter(Key, std::string path, std::uint32_t outputFormat, std::string shownName);
+  ~OVAudioFileWriter();  ///< closes
+  OVAudioFileWriter(const OVAudioFileWriter&) = delete;
+  OVAudioFileWriter& operator=(const OVAudioFileWriter&) = delete;
+
+  /// Creates the file. False when that fails; it was told then.
+  [[nodiscard]] bool openFile(const std::string& path);
+
+  /// Appends the whole frames (8 bytes each: left and right float) of `dataSize` bytes. Returns
+  /// the bytes of these frames; 0 for none, after a failure and when closed.
+  [[nodiscard]] std::uint64_t sinkData(const void* data, std::uint64_t dataSize);
+
+  /// Finishes the file. False when it is not complete on disk as far as the system has told, now or
+  /// before; the same again when called again.
+  [[nodiscard]] bool close();
+
+  /// Path of the file. Fixed after construction, so any thread may ask.
+  [[nodiscard]] const std::string& fileName() const { return fileName_; }
+  [[nodiscard]] std::uint32_t outputFormat() const { return outputFormat_; }
+  /// The format of the data taken: the working format.
+  [[nodiscard]] const platform::AudioStreamBasicDescription& format() const { return format_; }
+
+ private:
+  [[nodiscard]] bool check(platform::AudioStatus status, const std::string& label);
+
+  std::unique_ptr<platform::ExtAudioFileOutput> xafref_;  // null: not open, or failed to open
+  platform::AudioStreamBasicDescription format_;
+  const std::string fileName_;
+  const std::uint32_t outputFormat_;
+  const std::string shownName_;
+  bool hasFailed_ = false;
+  bool isClosed_ = false;
+};

@@ -1,0 +1,162 @@
+#include "platform/AudioFileDemuxer.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <mutex>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/mem.h>
+#include <libavutil/opt.h>
+}
+
+namespace platform {
+namespace {
+
+using std::chrono::milliseconds;
+
+// By the names of the libraries' demuxers. Without it playlists, picture lists and much else that
+// is no sound file would be tried.
+constexpr const char* kContainers = "wav,w64,aiff,caf,mov,mp3,aac";
+
+// Header and first packets of a good file take milliseconds. Together below two seconds.
+constexpr milliseconds kHeaderWork{700};
+constexpr milliseconds kFirstPacketsWork{400};
+// More than the index of a day of sound needs.
+constexpr std::int64_t kHeaderBytes = std::int64_t{256} << 20;
+
+// Bounds what a damaged length field can make the libraries allocate at once.
+constexpr std::size_t kLargestAllocation = std::size_t{512} << 20;
+
+constexpr const char* kLargerPackets = "65536";  // bytes; 16 times fewer packets of a WAV
+// Of 16-bit samples the libraries look whether they are a DTS or Dolby stream in disguise. A third
+// of a second of them shows it, and their usual 2,500 packets would cost 0.1 s for every file.
+constexpr int kDisguisePackets = 2;
+
+int refuseSecondFile(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
+  return AVERROR(EPERM);
+}
+
+int interruptionIsDue(void* interruption) {
+  return static_cast<AudioFileInterruption*>(interruption)->isDue() ? 1 : 0;
+}
+
+}  // namespace
+
+std::unique_ptr<AudioFileDemuxer> AudioFileDemuxer::open(File& file, std::uint64_t size,
+                                                         const std::string& path,
+                                                         AudioFileInterruption& interruption,
+                                                         int& error) {
+  static std::once_flag bounded;
+  std::call_once(bounded, [] { av_max_alloc(kLargestAllocation); });
+
+  auto io = AudioFileIo::forReading(file, size, interruption);
+  if (io == nullptr) {
+    error = AVERROR(ENOMEM);
+    return nullptr;
+  }
+  std::unique_ptr<AudioFileDemuxer> demuxer(new AudioFileDemuxer(std::move(io), interruption));
+  error = demuxer->openContainer(path);
+  if (error >= 0) {
+    error = demuxer->chooseStream();
+  }
+  interruption.lift();
+  if (interruption.isCancelled()) {
+    error = AVERROR_EXIT;
+  } else if (error < 0 && demuxer->io_->firstError() != 0) {
+    error = demuxer->io_->firstError();
+  }
+  return error < 0 ? nullptr : std::move(demuxer);
+}
+
+AudioFileDemuxer::~AudioFileDemuxer() = default;
+
+int AudioFileDemuxer::openContainer(const std::string& path) {
+  AVFormatContext* context = avformat_alloc_context();
+  if (context == nullptr) {
+    return AVERROR(ENOMEM);
+  }
+  context->pb = io_->context();
+  context->flags |= AVFMT_FLAG_CUSTOM_IO;
+  context->io_open = refuseSecondFile;
+  context->interrupt_callback = {interruptionIsDue, &interruption_};
+  context->max_probe_packets = kDisguisePackets;
+  context->format_whitelist = av_strdup(kContainers);
+  context->protocol_whitelist = av_strdup("file");
+  AVDictionary* options = nullptr;
+  av_dict_set(&options, "max_size", kLargerPackets, 0);  // WAV's alone
+
+  interruption_.limit(kHeaderWork, kHeaderBytes);
+  const int result = avformat_open_input(&context, path.c_str(), nullptr, &options);
+  av_dict_free(&options);
+  if (result < 0) {
+    return result;  // the context is gone
+  }
+  context_.reset(context);
+  io_->clearInterruption();
+  return 0;
+}
+
+int AudioFileDemuxer::chooseStream() {
+  interruption_.limit(kFirstPacketsWork, kHeaderBytes);
+  for (unsigned i = 0; i < context_->nb_streams; ++i) {
+    AVStream& stream = *context_->streams[i];
+    if (stream.codecpar->codec_type != AVMEDIA_TYPE_AUDIO) {
+      stream.discard = AVDISCARD_ALL;
+    }
+  }
+  if (const int result = avformat_find_stream_info(context_.get(), nullptr); result < 0) {
+    return result;
+  }
+  io_->clearInterruption();
+  const int best = av_find_best_stream(context_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+  if (best < 0) {
+    return AVERROR_STREAM_NOT_FOUND;
+  }
+  for (unsigned i = 0; i < context_->nb_streams; ++i) {
+    context_->streams[i]->discard =
+        i == static_cast<unsigned>(best) ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+  }
+  stream_ = context_->streams[best];
+  return 0;
+}
+
+int AudioFileDemuxer::read(AVPacket& packet) {
+  for (;;) {
+    if (interruption_.isDue()) {
+      return AVERROR_EXIT;
+    }
+    const int result = av_read_frame(context_.get(), &packet);
+    if (result < 0) {
+      // A failing medium looks like the end of the file to some demuxers.
+      return io_->firstError() != 0 && result != AVERROR_EXIT ? io_->firstError() : result;
+    }
+    if (packet.stream_index == stream_->index) {
+      return 0;
+    }
+    av_packet_unref(&packet);
+  }
+}
+
+bool AudioFileDemuxer::isMpeg4() const {
+  return std::strncmp(context_->iformat->name, "mov", 3) == 0;
+}
+
+bool AudioFileDemuxer::isBareStream() const {
+  return std::strcmp(context_->iformat->name, "mp3") == 0 ||
+         std::strcmp(context_->iformat->name, "aac") == 0;
+}
+
+bool AudioFileDemuxer::isLinearPcm() const {
+  return av_get_exact_bits_per_sample(stream_->codecpar->codec_id) >= 8 &&
+         avcodec_descriptor_get(stream_->codecpar->codec_id) != nullptr &&
+         std::strncmp(avcodec_get_name(stream_->codecpar->codec_id), "pcm_", 4) == 0;
+}
+
+std::int64_t AudioFileDemuxer::declaredDuration() const {
+  return stream_->duration == AV_NOPTS_VALUE || stream_->duration < 0 ? 0 : stream_->duration;
+}
+
+}  // namespace platform

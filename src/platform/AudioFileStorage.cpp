@@ -1,0 +1,70 @@
+#include "platform/AudioFileStorage.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <atomic>
+#include <cerrno>
+
+#include "platform/PosixFile.h"
+
+namespace platform {
+namespace {
+
+int errorOfKind(mode_t mode) {
+  if (S_ISREG(mode)) {
+    return 0;
+  }
+  return S_ISDIR(mode) ? EISDIR : ESPIPE;
+}
+
+class PosixAudioFileStorage : public AudioFileStorage {
+ public:
+  Opened openForReading(const std::string& path) override { return open(path, O_RDONLY); }
+
+  Opened createForWriting(const std::string& path) override {
+    return open(path, O_WRONLY | O_CREAT | O_TRUNC);
+  }
+
+ private:
+  static Opened open(const std::string& path, int flags) {
+    constexpr mode_t kUsualPermissions = 0666;  // less the user's mask
+    // Without O_NONBLOCK the opening of a pipe itself would wait; a regular file ignores it.
+    const int descriptor =
+        ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kUsualPermissions);
+    if (descriptor < 0) {
+      return {.file = nullptr, .size = 0, .error = errno};
+    }
+    auto file = std::make_unique<PosixFile>(descriptor);
+    struct stat information = {};
+    const int error =
+        ::fstat(descriptor, &information) != 0 ? errno : errorOfKind(information.st_mode);
+    if (error != 0) {
+      return {.file = nullptr, .size = 0, .error = error};
+    }
+    return {.file = std::move(file),
+            .size = static_cast<std::uint64_t>(information.st_size),
+            .error = 0};
+  }
+};
+
+// The storage put in last; null stands for the operating system's. Written by installations only,
+// before the threads that read it start.
+std::atomic<AudioFileStorage*> installedStorage{nullptr};
+
+}  // namespace
+
+AudioFileStorage& audioFileStorage() {
+  static auto* const posix = new PosixAudioFileStorage;  // never destroyed: threads outlive main
+  AudioFileStorage* const storage = installedStorage.load(std::memory_order_acquire);
+  return storage != nullptr ? *storage : *posix;
+}
+
+AudioFileStorageInstallation::AudioFileStorageInstallation(AudioFileStorage& storage)
+    : previous_(installedStorage.exchange(&storage, std::memory_order_acq_rel)) {}
+
+AudioFileStorageInstallation::~AudioFileStorageInstallation() {
+  installedStorage.store(previous_, std::memory_order_release);
+}
+
+}  // namespace platform

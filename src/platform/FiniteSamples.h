@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+
+/// Samples as conversions and encoders can bear them. One number that is none would spread through
+/// a resampler's filter over its neighbours, and make an encoder fail.
+///
+/// Threads: any. Real-time: safe.
+namespace platform {
+
+/// Sets every sample that is infinite or not a number to 0. True when there was one. Doubles too
+/// large for a float count as infinite.
+bool makeFinite(float* samples, std::size_t count);
+bool makeFinite(double* samples, std::size_t count);
+
+/// Copies `count` samples, those that are not finite as 0, the rest limited to -1 to 1.
+void copyFiniteLimited(const float* samples, std::size_t count, float* destination);
+
+/// Copies `frames` frames of two interleaved channels into an array each, likewise.
+void splitFiniteLimited(const float* interleaved, std::size_t frames, float* left, float* right);
+
+}  // namespace platform

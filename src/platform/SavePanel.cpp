@@ -1,0 +1,103 @@
+#include "platform/SavePanel.h"
+
+#include <algorithm>
+
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLineEdit>
+
+namespace platform {
+namespace {
+
+QString dottedSuffix(const std::string& suffix) {
+  return QLatin1Char('.') + QString::fromStdString(suffix);
+}
+
+bool hasSuffix(const QString& name, const std::vector<std::string>& suffixes) {
+  return std::any_of(suffixes.begin(), suffixes.end(), [&name](const std::string& suffix) {
+    return name.endsWith(dottedSuffix(suffix), Qt::CaseInsensitive);
+  });
+}
+
+}  // namespace
+
+std::string withSuffix(const std::string& path, const std::vector<std::string>& suffixes) {
+  if (suffixes.empty() || hasSuffix(QString::fromStdString(path), suffixes)) {
+    return path;
+  }
+  return path + "." + suffixes.front();
+}
+
+SavePanel::SavePanel(const SavePanelRequest& request)
+    : QFileDialog(request.window, request.title), acceptedSuffixes_(request.acceptedSuffixes) {
+  // Only Qt's own dialog takes an accessory.
+  setOption(QFileDialog::DontUseNativeDialog);
+  setAcceptMode(QFileDialog::AcceptSave);
+  setFileMode(QFileDialog::AnyFile);
+  setWindowModality(Qt::WindowModal);
+  setAttribute(Qt::WA_DeleteOnClose);
+  setObjectName("savePanel");
+  if (!request.directory.empty()) {
+    setDirectory(QString::fromStdString(request.directory));
+  }
+  addAccessory(request.accessoryView);
+  if (acceptedSuffixes_) {
+    suffixes_ = acceptedSuffixes_();
+  }
+  selectFile(QString::fromStdString(withSuffix(request.suggestedName, suffixes_)));
+}
+
+void SavePanel::addAccessory(QWidget* accessory) {
+  if (accessory == nullptr) {
+    return;
+  }
+  if (auto* const grid = qobject_cast<QGridLayout*>(layout())) {
+    grid->addWidget(accessory, grid->rowCount(), 0, 1, -1);
+  }
+  accessory->setParent(this);
+  accessory->show();
+  for (QComboBox* const choice : accessory->findChildren<QComboBox*>()) {
+    connect(choice, &QComboBox::currentIndexChanged, this, &SavePanel::takeOverSuffix);
+  }
+}
+
+QString SavePanel::shownName() const {
+  const auto* const edit = findChild<QLineEdit*>("fileNameEdit");
+  return edit == nullptr ? QString() : edit->text();
+}
+
+void SavePanel::showName(const QString& name) {
+  if (auto* const edit = findChild<QLineEdit*>("fileNameEdit")) {
+    edit->setText(name);
+  }
+}
+
+void SavePanel::takeOverSuffix() {
+  if (!acceptedSuffixes_) {
+    return;
+  }
+  QString name = shownName();
+  for (const std::string& suffix : suffixes_) {
+    if (name.endsWith(dottedSuffix(suffix), Qt::CaseInsensitive)) {
+      name.chop(dottedSuffix(suffix).size());
+      break;
+    }
+  }
+  suffixes_ = acceptedSuffixes_();
+  if (!name.isEmpty()) {
+    showName(QString::fromStdString(withSuffix(name.toStdString(), suffixes_)));
+  }
+}
+
+void SavePanel::accept() {
+  const QString name = shownName();
+  // A folder's name opens the folder, as everywhere.
+  const bool namesFolder =
+      name.isEmpty() || name.endsWith(QLatin1Char('/')) || name.endsWith(QLatin1String(".."));
+  if (!namesFolder && !QFileInfo(directory(), name).isDir()) {
+    showName(QString::fromStdString(withSuffix(name.toStdString(), suffixes_)));
+  }
+  QFileDialog::accept();
+}
+
+}  // namespace platform

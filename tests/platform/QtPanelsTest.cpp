@@ -1,0 +1,180 @@
+#include "platform/QtPanels.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include "support/MainLoop.h"
+#include "support/TemporaryFolder.h"
+
+namespace {
+
+using platform::QtPanels;
+using platform::withSuffix;
+
+class QtPanelsTest : public testing::Test {
+ protected:
+  QtPanelsTest() { window_.show(); }
+
+  template <typename Dialog>
+  Dialog* shown(const char* name) {
+    Dialog* found = nullptr;
+    EXPECT_TRUE(runMainLoopUntil([&] {
+      found = window_.findChild<Dialog*>(name);
+      return found != nullptr && found->isVisible();
+    }));
+    return found;
+  }
+
+  platform::SavePanelRequest saveRequest(const std::string& name) {
+    auto* const accessory = new QWidget;
+    kind_ = new QComboBox(accessory);
+    kind_->addItems({"AIFF", "WAV"});
+    return {.window = &window_,
+            .title = "Save",
+            .directory = folder_.path(),
+            .suggestedName = name,
+            .accessoryView = accessory,
+            .acceptedSuffixes = [this]() -> std::vector<std::string> {
+              return kind_->currentIndex() == 0 ? std::vector<std::string>{"aiff", "aif"}
+                                                : std::vector<std::string>{"wav"};
+            }};
+  }
+
+  QLineEdit* beginSave(const std::string& name) {
+    panels_.beginSavePanel(saveRequest(name), [this](const std::optional<std::string>& path) {
+      ++answers_;
+      saved_ = path;
+    });
+    panel_ = shown<QFileDialog>("savePanel");
+    return panel_->findChild<QLineEdit*>("fileNameEdit");
+  }
+
+  void acceptPanel() { QMetaObject::invokeMethod(panel_, "accept"); }
+
+  support::TemporaryFolder folder_;
+  QWidget window_;
+  QtPanels panels_;
+  QFileDialog* panel_ = nullptr;
+  QComboBox* kind_ = nullptr;
+  int answers_ = 0;
+  std::optional<std::string> saved_;
+};
+
+TEST(WithSuffix, AppendsTheFirstUnlessOneIsThere) {
+  EXPECT_EQ(withSuffix("take", {"aiff", "aif"}), "take.aiff");
+  EXPECT_EQ(withSuffix("take.aif", {"aiff", "aif"}), "take.aif");
+  EXPECT_EQ(withSuffix("take.AIFF", {"aiff", "aif"}), "take.AIFF");
+  EXPECT_EQ(withSuffix("take.wav", {"aiff", "aif"}), "take.wav.aiff");
+  EXPECT_EQ(withSuffix("take 1.2", {"wav"}), "take 1.2.wav");
+  EXPECT_EQ(withSuffix("take", {}), "take");
+}
+
+TEST_F(QtPanelsTest, TheSuffixOfTheNameFollowsTheKind) {
+  QLineEdit* const name = beginSave("take 1");
+  EXPECT_EQ(name->text(), "take 1.aiff");
+  kind_->setCurrentIndex(1);
+  EXPECT_EQ(name->text(), "take 1.wav");
+  name->setText("TAKE.WAV");
+  kind_->setCurrentIndex(0);
+  EXPECT_EQ(name->text(), "TAKE.aiff");
+  panel_->reject();
+  EXPECT_EQ(answers_, 1);
+  EXPECT_EQ(saved_, std::nullopt);
+}
+
+TEST_F(QtPanelsTest, ANameWithoutItsSuffixGetsIt) {
+  beginSave("x")->setText("my take.mp3");
+  acceptPanel();
+  EXPECT_EQ(answers_, 1);
+  EXPECT_EQ(saved_, folder_.file("my take.mp3.aiff"));
+}
+
+TEST_F(QtPanelsTest, ReplacingAFileIsAskedForUnderItsFullName) {
+  std::ofstream(folder_.file("take.aiff")) << "old";
+  beginSave("x")->setText("take");
+  QTimer::singleShot(0, [] {
+    auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    ASSERT_NE(question, nullptr);
+    EXPECT_TRUE(question->text().contains("take.aiff"));
+    question->button(QMessageBox::No)->click();
+  });
+  acceptPanel();
+  EXPECT_EQ(answers_, 0);
+  EXPECT_TRUE(panel_->isVisible());
+  QTimer::singleShot(0, [] {
+    qobject_cast<QMessageBox*>(QApplication::activeModalWidget())
+        ->button(QMessageBox::Yes)
+        ->click();
+  });
+  acceptPanel();
+  EXPECT_EQ(saved_, folder_.file("take.aiff"));
+}
+
+TEST_F(QtPanelsTest, APanelWhoseWindowGoesAnswersNothing) {
+  auto window = std::make_unique<QWidget>();
+  window->show();
+  auto request = saveRequest("take");
+  request.window = window.get();
+  panels_.beginSavePanel(request, [this](const auto&) { ++answers_; });
+  window.reset();
+  EXPECT_TRUE(drainMainQueue());
+  EXPECT_EQ(answers_, 0);
+}
+
+TEST_F(QtPanelsTest, TheOpenPanelOffersTheFileTypesInCapitalsToo) {
+  panels_.beginOpenPanel({.window = &window_,
+                          .title = "Open",
+                          .acceptLabel = "Open",
+                          .allowsMultipleSelection = true,
+                          .fileTypes = {"caf", "wav"}},
+                         [this](const auto&) { ++answers_; });
+  auto* const panel = shown<QFileDialog>("openPanel");
+  EXPECT_EQ(panel->fileMode(), QFileDialog::ExistingFiles);
+  EXPECT_TRUE(panel->nameFilters().front().endsWith("(*.caf *.CAF *.wav *.WAV)"));
+  panel->reject();
+  EXPECT_EQ(answers_, 1);
+}
+
+TEST_F(QtPanelsTest, ASheetAnswersWithTheCodeOfItsButton) {
+  using Role = platform::SheetRequest::Button::Role;
+  const platform::SheetRequest request{.window = &window_,
+                                       .title = "Save?",
+                                       .message = "It would be lost.",
+                                       .buttons = {{"Save", 1, Role::accept},
+                                                   {"Don't Save", 0, Role::destructive},
+                                                   {"Cancel", -1, Role::reject}}};
+  int answer = 99;
+  const auto ask = [&](const std::function<void(QMessageBox*)>& act) {
+    panels_.beginSheet(request, [&](int code) { answer = code; });
+    act(shown<QMessageBox>("sheet"));
+    EXPECT_TRUE(
+        runMainLoopUntil([&] { return window_.findChild<QMessageBox*>("sheet") == nullptr; }));
+    return answer;
+  };
+  EXPECT_EQ(ask([](QMessageBox* sheet) { sheet->defaultButton()->click(); }), 1);
+  EXPECT_EQ(ask([](QMessageBox* sheet) { QTest::keyClick(sheet, Qt::Key_Escape); }), -1);
+  EXPECT_EQ(ask([](QMessageBox* sheet) { sheet->close(); }), -1);
+  EXPECT_EQ(ask([](QMessageBox* sheet) {
+              for (QAbstractButton* const button : sheet->buttons()) {
+                if (button->text() == "Don't Save") {
+                  button->click();
+                  return;
+                }
+              }
+            }),
+            0);
+}
+
+}  // namespace
