@@ -12,10 +12,12 @@ build_packages=(
 
 # To run the real program where there is no screen and no sound server, and to listen to it; to make
 # audio files and to decode ours a second time.
+# at-spi2-core is the service that screen readers use; gdbus, in libglib2.0-bin, asks it.
 # fonts-liberation has the metrics of the font that the displays ask for.
 test_packages=(
   pulseaudio-utils
   xvfb openbox xdotool wmctrl imagemagick x11-utils
+  at-spi2-core dbus-daemon libglib2.0-bin
   fonts-liberation fontconfig procps util-linux git
   ffmpeg sox
 )

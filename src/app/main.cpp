@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <QApplication>
+#include <QDBusConnection>
 #include <QIcon>
 
 #include "app/OVApplicationServices.h"
@@ -11,6 +12,7 @@
 #include "app/VelmarAppDelegate.h"
 #include "platform/AudioQueue.h"
 #include "platform/CubebAudioDevice.h"
+#include "platform/DesktopColours.h"
 #include "platform/DeviceAudioQueues.h"
 #include "platform/Dispatch.h"
 #include "platform/FileAddress.h"
@@ -68,6 +70,7 @@ int main(int argc, char** argv) {
   application.installEventFilter(&openEvents);
   delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has taken its own out
   delegate.applicationDidFinishLaunching();
+  const platform::DesktopColours colours(QDBusConnection::sessionBus());  // after the window is up
   const int result = QApplication::exec();
 
   delegate.applicationWillTerminate();

@@ -21,13 +21,22 @@ class ButtonInterface : public QAccessibleWidget {
   }
 
   QStringList actionNames() const override {
-    return button_->isEnabled() ? QStringList{pressAction()} : QStringList{};
+    if (!button_->isEnabled()) {
+      return {};
+    }
+    return QStringList{pressAction()} + QAccessibleWidget::actionNames();
   }
 
   void doAction(const QString& name) override {
     if (name == pressAction()) {
       button_->performClick();
+    } else {
+      QAccessibleWidget::doAction(name);
     }
+  }
+
+  QStringList keyBindingsForAction(const QString& name) const override {
+    return name == pressAction() ? QStringList{QStringLiteral("Ctrl+Return")} : QStringList{};
   }
 
  private:

@@ -4,20 +4,26 @@
 
 #include "controls/OVIconDrawing.h"
 
+namespace {
+
+constexpr double kFocusRadius = 5.0;  // points, around the picture's own corners
+
+}  // namespace
+
 OVHoverButton::OVHoverButton(QWidget* parent) : OVTrackingButton(parent) {
   setIsSwitch(true);
 }
 
 void OVHoverButton::setOnImage(const QString& name) {
-  onImage_ = OVNamedImage(name);
+  onImage_ = platform::NamedImage(name);
 }
 
 void OVHoverButton::setOffImage(const QString& name) {
-  offImage_ = OVNamedImage(name);
+  offImage_ = platform::NamedImage(name);
 }
 
 void OVHoverButton::setHoverImage(const QString& name) {
-  hoverImage_ = OVNamedImage(name);
+  hoverImage_ = platform::NamedImage(name);
 }
 
 void OVHoverButton::enterEvent(QEnterEvent* event) {
@@ -40,10 +46,11 @@ void OVHoverButton::setHovering(bool isHovering) {
 void OVHoverButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   drawImage(painter);
+  focusRing().draw(painter, rect(), kFocusRadius);
 }
 
 void OVHoverButton::drawImage(QPainter& painter) const {
-  const OVNamedImage& whileOff = isHovering_ ? hoverImage_ : offImage_;
+  const platform::NamedImage& whileOff = isHovering_ ? hoverImage_ : offImage_;
   const auto blend = isHighlighted() ? OVIconBlend::plusDarker : OVIconBlend::sourceAtop;
   drawCentredIcon(painter, size(), isOn() ? onImage_ : whileOff, blend, 1.0);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controls/OVNamedImage.h"
 #include "controls/OVTrackingButton.h"
+#include "platform/NamedImage.h"
 
 /// A button that is a picture and nothing else, with another picture while the mouse is over it. A
 /// switch unless setIsSwitch says otherwise. It looks the same when disabled, and then minds the
@@ -31,8 +31,8 @@ class OVHoverButton : public OVTrackingButton {
   void setHovering(bool isHovering);
   void drawImage(QPainter& painter) const;
 
-  OVNamedImage onImage_;
-  OVNamedImage offImage_;
-  OVNamedImage hoverImage_;
+  platform::NamedImage onImage_;
+  platform::NamedImage offImage_;
+  platform::NamedImage hoverImage_;
   bool isHovering_ = false;
 };

@@ -4,18 +4,13 @@
 
 #include <QPainter>
 
-#include "controls/OVNamedImage.h"
+#include "platform/NamedImage.h"
+#include "platform/ViewDrawing.h"
 
 namespace {
 
 bool hasFraction(qreal value) {
   return value - std::trunc(value) != 0.0;
-}
-
-// Device pixels a point, whatever the painter is really drawing on.
-qreal deviceRatio(const QPainter& painter) {
-  const QTransform& transform = painter.deviceTransform();
-  return std::hypot(transform.m11(), transform.m12());
 }
 
 // Qt has no plus-darker. Adding darknesses is adding light to a negative: turn what is below into
@@ -45,7 +40,7 @@ QPointF centredIconOrigin(const QSizeF& bounds, const QSizeF& icon) {
   return {x, y};
 }
 
-void drawCentredIcon(QPainter& painter, const QSizeF& bounds, const OVNamedImage& image,
+void drawCentredIcon(QPainter& painter, const QSizeF& bounds, const platform::NamedImage& image,
                      OVIconBlend blend, qreal opacity) {
   if (image.isNull()) {
     return;
@@ -53,7 +48,7 @@ void drawCentredIcon(QPainter& painter, const QSizeF& bounds, const OVNamedImage
   const QSizeF size = image.size();
   const QPointF origin = centredIconOrigin(bounds, size);
   const QRectF target(QPointF(origin.x(), bounds.height() - origin.y() - size.height()), size);
-  const QImage& picture = image.forRatio(deviceRatio(painter));
+  const QImage& picture = image.forRatio(platform::devicePixelsPerPoint(painter));
 
   painter.save();
   painter.setRenderHint(QPainter::SmoothPixmapTransform);

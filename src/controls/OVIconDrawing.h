@@ -4,7 +4,9 @@
 #include <QPointF>
 #include <QSizeF>
 
-class OVNamedImage;
+namespace platform {
+class NamedImage;
+}
 class QPainter;
 
 /// How an icon meets what lies below it.
@@ -22,5 +24,5 @@ enum class OVIconBlend {
 /// opacity and needs an opaque picture below, as every window has.
 ///
 /// Threads: main. Real-time: not safe.
-void drawCentredIcon(QPainter& painter, const QSizeF& bounds, const OVNamedImage& image,
+void drawCentredIcon(QPainter& painter, const QSizeF& bounds, const platform::NamedImage& image,
                      OVIconBlend blend, qreal opacity);

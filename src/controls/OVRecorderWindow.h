@@ -13,7 +13,8 @@ class OVRecorderWindowDelegate;
 /// asks the delegate before it closes, and deletes itself once it has closed.
 ///
 /// Shortcuts of menus come first: a key that triggers one never reaches the delegate as key-down.
-/// The views inside take no keyboard focus, so that R, Return and Space are always the window's.
+/// The views inside take the keyboard by Tab alone and pass plain keys on, so that R, Return and
+/// Space are always the window's.
 ///
 /// Threads: main. Real-time: not safe.
 class OVRecorderWindow : public QMainWindow {

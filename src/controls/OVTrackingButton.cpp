@@ -2,11 +2,16 @@
 
 #include <utility>
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 
 #include "controls/OVButtonAccessibility.h"
 
 namespace {
+
+bool isReturn(const QKeyEvent& event) {
+  return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
 
 // Half open, unlike QRect::contains: the pixel right of the last one is outside.
 bool isInside(const QWidget& widget, const QPointF& point) {
@@ -18,7 +23,7 @@ bool isInside(const QWidget& widget, const QPointF& point) {
 
 OVTrackingButton::OVTrackingButton(QWidget* parent) : QWidget(parent) {
   OVInstallButtonAccessibility();
-  setFocusPolicy(Qt::NoFocus);
+  setFocusPolicy(Qt::TabFocus);
 }
 
 void OVTrackingButton::setIsOn(bool isOn) {
@@ -84,6 +89,39 @@ void OVTrackingButton::mouseReleaseEvent(QMouseEvent* event) {
   update();
   if (isInside(*this, event->position())) {
     sendAction();  // last: the action may delete the button
+  }
+}
+
+void OVTrackingButton::keyPressEvent(QKeyEvent* event) {
+  if (!isReturn(*event) || !event->modifiers().testFlag(Qt::ControlModifier)) {
+    event->ignore();
+    return;
+  }
+  if (!event->isAutoRepeat()) {
+    isKeyDown_ = true;
+    performClick();  // last: the action may delete the button
+  }
+}
+
+void OVTrackingButton::keyReleaseEvent(QKeyEvent* event) {
+  // The window, for which Return alone is a command, is not to see half a key press.
+  if (!isKeyDown_ || !isReturn(*event)) {
+    event->ignore();
+  } else if (!event->isAutoRepeat()) {
+    isKeyDown_ = false;
+  }
+}
+
+void OVTrackingButton::focusInEvent(QFocusEvent* event) {
+  if (focusRing_.handle(*event)) {
+    update();
+  }
+}
+
+void OVTrackingButton::focusOutEvent(QFocusEvent* event) {
+  isKeyDown_ = false;
+  if (focusRing_.handle(*event)) {
+    update();
   }
 }
 

@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+#include "platform/FocusRing.h"
+
 /// What the picture buttons of the window share: on and pressed state, following the mouse while
 /// it is down, and sending an action to a target. A subclass draws itself.
 ///
@@ -12,8 +14,9 @@
 /// one, and only a release inside sends the action, which then finds the new state. A push button
 /// never changes isOn(). While disabled (QWidget::setEnabled) the mouse does nothing.
 ///
-/// Takes no keyboard focus, so that the window keeps its transport keys. To assistive technology
-/// it is a button, checkable if it is a switch, that can be pressed.
+/// The keyboard reaches it by Tab and presses it with Ctrl+Return; every other key goes on to the
+/// window, which so keeps its transport keys. A click does not take the keyboard. To assistive
+/// technology it is a button, checkable if it is a switch, that can be pressed.
 ///
 /// Threads: main. Real-time: not safe.
 class OVTrackingButton : public QWidget {
@@ -41,15 +44,22 @@ class OVTrackingButton : public QWidget {
   [[nodiscard]] const Action& action() const { return action_; }
   void setAction(Action action);
 
-  /// A click without a mouse, as assistive technology makes it: turns a switch and sends the
-  /// action. Nothing while disabled.
+  /// A click without a mouse, as keyboard and assistive technology make it: turns a switch and
+  /// sends the action. Nothing while disabled.
   void performClick();
 
  protected:
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
   void changeEvent(QEvent* event) override;
+
+  /// For a subclass to draw above all else.
+  [[nodiscard]] const platform::FocusRing& focusRing() const { return focusRing_; }
 
  private:
   [[nodiscard]] bool tracks(const QMouseEvent* event) const;
@@ -62,4 +72,6 @@ class OVTrackingButton : public QWidget {
   bool isOn_ = false;
   bool prevOn_ = false;  // isOn_ at mouse-down, switches only
   bool isSwitch_ = false;
+  bool isKeyDown_ = false;  // the key that pressed it has not come up yet
+  platform::FocusRing focusRing_;
 };

@@ -6,14 +6,23 @@
 #include "controls/OVIconDrawing.h"
 #include "controls/OVTransportArtwork.h"
 
+namespace {
+
+// The ring around the icon, which fits into the round ends too; points.
+constexpr double kFocusInsetX = 8.0;
+constexpr double kFocusInsetY = 5.0;
+constexpr double kFocusRadius = 5.0;
+
+}  // namespace
+
 OVTransportButton::OVTransportButton(QWidget* parent) : OVTrackingButton(parent) {}
 
 void OVTransportButton::setOnImage(const QString& name) {
-  _onImage = OVNamedImage(name);
+  _onImage = platform::NamedImage(name);
 }
 
 void OVTransportButton::setOffImage(const QString& name) {
-  _offImage = OVNamedImage(name);
+  _offImage = platform::NamedImage(name);
 }
 
 void OVTransportButton::paintEvent(QPaintEvent* /*event*/) {
@@ -25,6 +34,9 @@ void OVTransportButton::paintEvent(QPaintEvent* /*event*/) {
   drawBezel(painter, reference.bezel);
   painter.restore();
   drawImage(painter);
+  focusRing().draw(
+      painter, QRectF(rect()).adjusted(kFocusInsetX, kFocusInsetY, -kFocusInsetX, -kFocusInsetY),
+      kFocusRadius);
 }
 
 void OVTransportButton::drawBezel(QPainter& painter, const QRectF& frame) const {
@@ -32,7 +44,7 @@ void OVTransportButton::drawBezel(QPainter& painter, const QRectF& frame) const 
 }
 
 void OVTransportButton::drawImage(QPainter& painter) const {
-  const OVNamedImage& image = isOn() ? _onImage : _offImage;
+  const platform::NamedImage& image = isOn() ? _onImage : _offImage;
   auto blend = OVIconBlend::sourceAtop;
   qreal opacity = 1.0;
   if (isHighlighted() && isOn()) {

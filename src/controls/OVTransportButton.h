@@ -2,8 +2,8 @@
 
 #include <QImage>
 
-#include "controls/OVNamedImage.h"
 #include "controls/OVTrackingButton.h"
+#include "platform/NamedImage.h"
 
 /// A button of the transport bar: a bezel of its own with an icon centred on it. A push button
 /// unless setIsSwitch says otherwise.
@@ -43,8 +43,8 @@ class OVTransportButton : public OVTrackingButton {
   void drawImage(QPainter& painter) const;
 
  private:
-  OVNamedImage _onImage;
-  OVNamedImage _offImage;
+  platform::NamedImage _onImage;
+  platform::NamedImage _offImage;
   QImage onImage_;   // stays null
   QImage offImage_;  // stays null
   double alpha_ = 1.0;

@@ -133,6 +133,9 @@ void VLRecorderWindowController::connectViews() {
   transportBackView_ = window_->findChild<OVTransportBackgroundView*>("transportBackView");
   fftView_ = window_->findChild<OVFFTView*>("fftView");
   loadingIndicator_ = window_->findChild<QProgressBar*>("loadingIndicator");
+  if (wfView_) {
+    wfView_->setTimeLineText([time = timeView_] { return time ? time->text() : QString(); });
+  }
 }
 
 void VLRecorderWindowController::setupTransportButtons() {

@@ -1,5 +1,7 @@
 #include "platform/ViewDrawing.h"
 
+#include <cmath>
+
 namespace platform {
 
 namespace {
@@ -14,6 +16,11 @@ void useViewCoordinates(QPainter& painter, QSizeF viewSize) {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.translate(0.0, viewSize.height());
   painter.scale(1.0, -1.0);
+}
+
+double devicePixelsPerPoint(const QPainter& painter) {
+  const QTransform& transform = painter.deviceTransform();
+  return std::hypot(transform.m11(), transform.m12());
 }
 
 QPen viewPen(const QColor& color, double width) {

@@ -15,6 +15,9 @@ namespace platform {
 /// antialiasing on.
 void useViewCoordinates(QPainter& painter, QSizeF viewSize);
 
+/// Device pixels to a point where a painter draws, whatever it is really drawing on.
+[[nodiscard]] double devicePixelsPerPoint(const QPainter& painter);
+
 /// A solid pen with flat caps and mitre joins (limit 10). `width` is in points.
 [[nodiscard]] QPen viewPen(const QColor& color, double width);
 

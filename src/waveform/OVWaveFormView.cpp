@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include <QAccessible>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -11,8 +13,13 @@
 #include "platform/Localization.h"
 #include "platform/ViewAccessibility.h"
 #include "platform/ViewDrawing.h"
+#include "waveform/OVPlaybackMarkerView.h"
 
 namespace {
+
+constexpr double kFocusRadius = 3.0;  // points
+constexpr double kKeyStep = 0.01;     // of the width
+constexpr double kPageStep = 0.1;
 
 // Whole pixels that cover a length; a ratio such as 1.1 must not round one up by its last bit.
 int pixelsToCover(int points, double ratio) {
@@ -33,6 +40,7 @@ double fractionOfWidth(const QWidget& view, double x) {
 
 OVWaveFormView::OVWaveFormView(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_OpaquePaintEvent);
+  setFocusPolicy(Qt::TabFocus);
   platform::describeView(this, platform::localized("Waveform"), QAccessible::Graphic);
 }
 
@@ -59,6 +67,14 @@ void OVWaveFormView::setShouldRedrawWaveform(bool should) {
 
 void OVWaveFormView::setDelegate(std::weak_ptr<OVWaveFormViewDelegate> delegate) {
   delegate_ = std::move(delegate);
+}
+
+QString OVWaveFormView::accessibleValue() const {
+  return timeLineText_ ? timeLineText_() : QString();
+}
+
+void OVWaveFormView::setTimeLineText(std::function<QString()> text) {
+  timeLineText_ = std::move(text);
 }
 
 void OVWaveFormView::drawGradient(QPainter& painter) {
@@ -98,6 +114,7 @@ void OVWaveFormView::paintEvent(QPaintEvent* event) {
     return;
   }
   OVWaveFormDrawing::copyPicture(painter, size(), event->region(), image_);
+  focusRing_.draw(painter, rect(), kFocusRadius);
 }
 
 bool OVWaveFormView::needsRendering(std::uint64_t elementCount) const {
@@ -153,5 +170,59 @@ void OVWaveFormView::mouseMoveEvent(QMouseEvent* event) {
   if (delegate) {
     const QPointF position = nearestPointInside(*this, event->position());
     delegate->waveFormViewReceivedDrag(this, position, fractionOfWidth(*this, position.x()));
+  }
+}
+
+double OVWaveFormView::markerPosition() const {
+  const auto* marker = findChild<OVPlaybackMarkerView*>();
+  return marker != nullptr ? marker->position() : 0.0;
+}
+
+std::optional<double> OVWaveFormView::positionAfterKey(const QKeyEvent& event) const {
+  const bool finely = event.modifiers().testFlag(Qt::ShiftModifier);
+  const double step = finely ? fractionOfWidth(*this, 1.0) : kKeyStep;
+  switch (event.key()) {
+    case Qt::Key_Left:
+      return markerPosition() - step;
+    case Qt::Key_Right:
+      return markerPosition() + step;
+    case Qt::Key_PageDown:
+      return markerPosition() - kPageStep;
+    case Qt::Key_PageUp:
+      return markerPosition() + kPageStep;
+    case Qt::Key_Home:
+      return 0.0;
+    case Qt::Key_End:
+      return 1.0;
+    default:
+      return std::nullopt;
+  }
+}
+
+void OVWaveFormView::keyPressEvent(QKeyEvent* event) {
+  constexpr Qt::KeyboardModifiers kCommand =
+      Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+  const auto position = positionAfterKey(*event);
+  if (!isEnabled() || !position || (event->modifiers() & kCommand)) {
+    event->ignore();
+    return;
+  }
+  if (const auto delegate = delegate_.lock()) {
+    const double fraction = std::clamp(*position, 0.0, 1.0);
+    delegate->waveFormViewReceivedDrag(this, {fraction * width(), height() / 2.0}, fraction);
+    QAccessibleEvent moved(this, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&moved);
+  }
+}
+
+void OVWaveFormView::focusInEvent(QFocusEvent* event) {
+  if (focusRing_.handle(*event)) {
+    update();
+  }
+}
+
+void OVWaveFormView::focusOutEvent(QFocusEvent* event) {
+  if (focusRing_.handle(*event)) {
+    update();
   }
 }

@@ -2,8 +2,10 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include <QImage>
@@ -11,6 +13,7 @@
 #include <QSizeF>
 #include <QWidget>
 
+#include "platform/FocusRing.h"
 #include "waveform/OVWaveFormDrawing.h"
 #include "waveform/OVWaveformSummary.h"
 
@@ -38,12 +41,17 @@ class OVWaveFormViewDelegate {
 /// The picture is rendered off screen when the number of elements, the size or the screen's pixel
 /// ratio has changed or a new rendering was asked for, and copied to the screen on every redraw,
 /// the dirty part only. While the summary regenerates, the last picture stays, unless
-/// overrideRegenerationCheck is set. A disabled view passes no mouse input on. Setting a property
-/// does not redraw; who sets it asks for that.
+/// overrideRegenerationCheck is set. A disabled view passes no input on. Setting a property does
+/// not redraw; who sets it asks for that.
+///
+/// Reached by Tab, it moves the marker that is laid over it with the keys: Left and Right by a
+/// hundredth of the width, with Shift by a point, Page Up and Page Down by a tenth, Home and End to
+/// the ends. The delegate is told of each as of a drag. Other keys go on to the window.
 ///
 /// Threads: main, except where said. Real-time: not safe.
 class OVWaveFormView : public QWidget {
   Q_OBJECT
+  Q_PROPERTY(QString accessibleValue READ accessibleValue)
 
  public:
   explicit OVWaveFormView(QWidget* parent = nullptr);
@@ -70,6 +78,10 @@ class OVWaveFormView : public QWidget {
   /// The last rendering, null before the first: the view's size in points times the pixel ratio.
   [[nodiscard]] QImage image() const { return image_; }
 
+  /// Position and length as text, asked for whenever assistive technology wants to read them out.
+  [[nodiscard]] QString accessibleValue() const;
+  void setTimeLineText(std::function<QString()> text);
+
   [[nodiscard]] std::weak_ptr<OVWaveFormViewDelegate> delegate() const { return delegate_; }
   void setDelegate(std::weak_ptr<OVWaveFormViewDelegate> delegate);
 
@@ -90,11 +102,16 @@ class OVWaveFormView : public QWidget {
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
 
  private:
   [[nodiscard]] bool needsRendering(std::uint64_t elementCount) const;
   void render(std::uint64_t elementCount);
   void prepareBitmap();
+  [[nodiscard]] double markerPosition() const;
+  [[nodiscard]] std::optional<double> positionAfterKey(const QKeyEvent& event) const;
 
   // Guarded by waveFormLock_: set by whoever installs a summary, read by the main thread.
   mutable std::mutex waveFormLock_;
@@ -113,6 +130,8 @@ class OVWaveFormView : public QWidget {
   QSizeF prevImageSize_{0.0, 0.0};
   QImage image_;
   std::weak_ptr<OVWaveFormViewDelegate> delegate_;
+  std::function<QString()> timeLineText_;
+  platform::FocusRing focusRing_;
   OVWaveFormDrawing drawing_;
   std::vector<float> elements_;  // memory for the copy of the elements, kept between renderings
 };

@@ -23,7 +23,7 @@ TEST(ButtonAccessibility, AButtonHasItsNameAndRole) {
   EXPECT_EQ(accessible->role(), QAccessible::Button);
   EXPECT_EQ(accessible->text(QAccessible::Name), QStringLiteral("Stop"));
   EXPECT_FALSE(accessible->state().checkable);
-  EXPECT_FALSE(accessible->state().focusable);
+  EXPECT_TRUE(accessible->state().focusable);
 }
 
 TEST(ButtonAccessibility, ASwitchIsCheckableAndSaysWhetherItIsOn) {
@@ -48,7 +48,9 @@ TEST(ButtonAccessibility, ThePressActionClicks) {
   button.setAction([&sent](OVTrackingButton* sender) { sent += sender->isOn() ? 1 : 100; });
   auto* actions = interfaceOf(button)->actionInterface();
   ASSERT_NE(actions, nullptr);
-  EXPECT_EQ(actions->actionNames(), QStringList{QAccessibleActionInterface::pressAction()});
+  EXPECT_EQ(actions->actionNames().value(0), QAccessibleActionInterface::pressAction());
+  EXPECT_EQ(actions->keyBindingsForAction(QAccessibleActionInterface::pressAction()),
+            QStringList{"Ctrl+Return"});
   actions->doAction(QAccessibleActionInterface::pressAction());
   EXPECT_EQ(sent, 1);
   actions->doAction(QStringLiteral("something else"));

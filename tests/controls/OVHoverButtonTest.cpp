@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ControlsWindow.h"
-#include "controls/OVNamedImage.h"
+#include "platform/NamedImage.h"
 #include "support/Pixels.h"
 
 namespace {
@@ -24,12 +24,17 @@ class HoverButton : public testing::Test {
   }
 
   void expectShows(const char* name) {
-    ControlsWindow empty;
-    QImage expected = empty.picture(empty.bar());
-    QPainter painter(&expected);
-    painter.drawImage(200, 15, OVNamedImage(QString::fromLatin1(name)).forRatio(1.0));
-    painter.end();
-    EXPECT_LT(meanDistance(window_.picture(window_.bar()), expected), 0.01) << name;
+    for (const int ratio : {1, 2}) {
+      ControlsWindow empty;
+      QImage expected = empty.picture(empty.bar(), ratio);
+      expected.setDevicePixelRatio(ratio);
+      QPainter painter(&expected);
+      painter.drawImage(QPointF(200, 15),
+                        platform::NamedImage(QString::fromLatin1(name)).forRatio(ratio));
+      painter.end();
+      EXPECT_LT(meanDistance(window_.picture(window_.bar(), ratio), expected), 0.01)
+          << name << " at " << ratio;
+    }
   }
 
   ControlsWindow window_;

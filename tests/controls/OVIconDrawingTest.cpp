@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "controls/OVNamedImage.h"
+#include "platform/NamedImage.h"
 #include "support/Pixels.h"
 
 namespace {
@@ -13,7 +13,7 @@ QImage square(int side, const QColor& color) {
   return image;
 }
 
-QImage drawn(QSize size, double ratio, const QColor& paper, const OVNamedImage& icon,
+QImage drawn(QSize size, double ratio, const QColor& paper, const platform::NamedImage& icon,
              OVIconBlend blend, double opacity) {
   QImage picture = makePicture(size, ratio, paper);
   QPainter painter(&picture);
@@ -38,7 +38,7 @@ TEST(IconDrawing, AnIconLargerThanItsButtonIsSnappedTheSameWay) {
 }
 
 TEST(IconDrawing, AnOddIconCoversWholePixels) {
-  const OVNamedImage icon(square(5, Qt::black));
+  const platform::NamedImage icon(square(5, Qt::black));
   const QImage picture = drawn({10, 10}, 1.0, Qt::white, icon, OVIconBlend::sourceAtop, 1.0);
   // x 2.5 becomes 3; y 2.5 becomes 2, five rows above the bottom edge plus two.
   for (int y = 0; y < 10; ++y) {
@@ -52,7 +52,7 @@ TEST(IconDrawing, AnOddIconCoversWholePixels) {
 TEST(IconDrawing, TheDoubleSizeVersionIsDrawnPixelForPixelAtTwoPixelsAPoint) {
   QImage doubled = square(8, Qt::black);
   doubled.setPixelColor(3, 5, Qt::red);
-  const OVNamedImage icon(square(4, Qt::blue), doubled);
+  const platform::NamedImage icon(square(4, Qt::blue), doubled);
   const QImage picture = drawn({10, 10}, 2.0, Qt::white, icon, OVIconBlend::sourceAtop, 1.0);
   EXPECT_EQ(picture.pixelColor(5, 5), QColor(Qt::white));
   EXPECT_EQ(picture.pixelColor(6, 6), QColor(Qt::black));
@@ -62,20 +62,20 @@ TEST(IconDrawing, TheDoubleSizeVersionIsDrawnPixelForPixelAtTwoPixelsAPoint) {
 }
 
 TEST(IconDrawing, OpacityBlendsTheIconWithWhatIsBelow) {
-  const OVNamedImage icon(square(4, QColor(200, 40, 0)));
+  const platform::NamedImage icon(square(4, QColor(200, 40, 0)));
   const QImage picture =
       drawn({10, 10}, 1.0, QColor(100, 100, 100), icon, OVIconBlend::sourceAtop, 0.5);
   EXPECT_LE(colorDistance(picture.pixelColor(5, 5), QColor(150, 70, 50)), 1);
 }
 
 TEST(IconDrawing, SourceAtopLeavesTransparentPlacesTransparent) {
-  const OVNamedImage icon(square(4, Qt::black));
+  const platform::NamedImage icon(square(4, Qt::black));
   const QImage picture = drawn({10, 10}, 1.0, Qt::transparent, icon, OVIconBlend::sourceAtop, 1.0);
   EXPECT_EQ(picture.pixelColor(5, 5).alpha(), 0);
 }
 
 TEST(IconDrawing, PlusDarkerAddsTheDarknessesOfBoth) {
-  const OVNamedImage icon(square(4, QColor(200, 155, 0)));
+  const platform::NamedImage icon(square(4, QColor(200, 155, 0)));
   const QImage picture =
       drawn({10, 10}, 1.0, QColor(230, 100, 150), icon, OVIconBlend::plusDarker, 1.0);
   // 255 - (255 - below) - (255 - icon), at least 0
@@ -84,7 +84,7 @@ TEST(IconDrawing, PlusDarkerAddsTheDarknessesOfBoth) {
 }
 
 TEST(IconDrawing, PlusDarkerCountsATranslucentIconByItsAlpha) {
-  const OVNamedImage icon(square(4, QColor(55, 155, 255, 128)));
+  const platform::NamedImage icon(square(4, QColor(55, 155, 255, 128)));
   const QImage picture =
       drawn({10, 10}, 1.0, QColor(230, 230, 230), icon, OVIconBlend::plusDarker, 1.0);
   EXPECT_LE(colorDistance(picture.pixelColor(5, 5), QColor(130, 180, 230)), 1);
@@ -93,7 +93,7 @@ TEST(IconDrawing, PlusDarkerCountsATranslucentIconByItsAlpha) {
 TEST(IconDrawing, PlusDarkerIgnoresTheOpacityAndLeavesTheTransparentPartsOfAnIconAlone) {
   QImage image = square(4, Qt::transparent);
   image.setPixelColor(1, 1, QColor(155, 155, 155));
-  const QImage picture = drawn({10, 10}, 1.0, QColor(230, 230, 230), OVNamedImage(image),
+  const QImage picture = drawn({10, 10}, 1.0, QColor(230, 230, 230), platform::NamedImage(image),
                                OVIconBlend::plusDarker, 0.25);
   EXPECT_EQ(picture.pixelColor(4, 4), QColor(130, 130, 130));
   EXPECT_EQ(picture.pixelColor(5, 5), QColor(230, 230, 230));
@@ -101,7 +101,7 @@ TEST(IconDrawing, PlusDarkerIgnoresTheOpacityAndLeavesTheTransparentPartsOfAnIco
 
 TEST(IconDrawing, ANullIconDrawsNothing) {
   for (const auto blend : {OVIconBlend::sourceAtop, OVIconBlend::plusDarker}) {
-    const QImage picture = drawn({10, 10}, 1.0, Qt::gray, OVNamedImage(), blend, 1.0);
+    const QImage picture = drawn({10, 10}, 1.0, Qt::gray, platform::NamedImage(), blend, 1.0);
     EXPECT_EQ(picture, makePicture({10, 10}, 1.0, Qt::gray));
   }
 }

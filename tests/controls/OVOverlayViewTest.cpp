@@ -1,13 +1,15 @@
 #include "controls/OVOverlayView.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "support/Pixels.h"
 
 namespace {
 
-QImage drawn(const QSize& size, const QColor& paper) {
-  QImage picture = makePicture(size, 1.0, paper);
+QImage drawn(const QSize& size, const QColor& paper, int ratio = 1) {
+  QImage picture = makePicture(size, ratio, paper);
   QPainter painter(&picture);
   OVOverlayView::draw(painter, QRectF(QPointF(), QSizeF(size)));
   return picture;
@@ -28,6 +30,36 @@ TEST(OverlayView, LightensWhatLiesBelowByATenth) {
   EXPECT_LE(colorDistance(picture.pixelColor(0, 15), QColor(116, 71, 26)), 1);
   EXPECT_EQ(picture.pixelColor(0, 0), QColor(100, 50, 0));
   EXPECT_LE(colorDistance(picture.pixelColor(7, 0), QColor(116, 71, 26)), 1);
+}
+
+/// Which part of a pixel a panel with the corner radius covers, sampled.
+double coverage(const QSizeF& size, double radius, int x, int y, int ratio) {
+  constexpr int kSamples = 16;
+  int inside = 0;
+  for (int i = 0; i < kSamples * kSamples; ++i) {
+    const double px = (x + (i % kSamples + 0.5) / kSamples) / ratio;
+    const double py = (y + (i / kSamples + 0.5) / kSamples) / ratio;
+    const double dx = std::max({radius - px, px - (size.width() - radius), 0.0});
+    const double dy = std::max({radius - py, py - (size.height() - radius), 0.0});
+    inside += dx * dx + dy * dy <= radius * radius ? 1 : 0;
+  }
+  return inside / static_cast<double>(kSamples * kSamples);
+}
+
+TEST(OverlayView, EveryPixelIsWhiteAtATenthWithinTheRoundCorners) {
+  for (const int ratio : {1, 2}) {
+    for (const QSize size : {QSize(40, 30), QSize(40, 8), QSize(5, 30), QSize(11, 11)}) {
+      const double radius = std::min({size.width() / 2.0, size.height() / 2.0, 6.0});
+      const QImage picture = drawn(size, Qt::black, ratio);
+      for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+          ASSERT_NEAR(picture.pixelColor(x, y).green(), 25.5 * coverage(size, radius, x, y, ratio),
+                      3.0)
+              << x << ", " << y << " of " << size.width() << " x " << size.height();
+        }
+      }
+    }
+  }
 }
 
 TEST(OverlayView, ASmallOverlayIsAPill) {

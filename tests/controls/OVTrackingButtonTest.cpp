@@ -218,10 +218,60 @@ TEST_F(TrackingButton, PressingDraggingAndReleasingRedraw) {
   EXPECT_GT(paints.take(), 0);
 }
 
-TEST_F(TrackingButton, TakesNoKeyboardFocus) {
+TEST_F(TrackingButton, AClickDoesNotTakeTheKeyboard) {
+  button_->clearFocus();  // a window in front gives the keyboard to its first view
   window_.click(button_, kInside);
-  EXPECT_EQ(button_->focusPolicy(), Qt::NoFocus);
   EXPECT_FALSE(button_->hasFocus());
+  EXPECT_EQ(button_->focusPolicy(), Qt::TabFocus);
+}
+
+TEST_F(TrackingButton, CtrlReturnPressesIt) {
+  button_->setIsSwitch(true);
+  QTest::keyClick(button_, Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(sentWhile_, std::vector<bool>{true});
+  QTest::keyClick(button_, Qt::Key_Enter, Qt::ControlModifier);
+  EXPECT_EQ(sentWhile_, (std::vector<bool>{true, false}));
+  button_->setEnabled(false);
+  QTest::keyClick(button_, Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(sentWhile_.size(), 2U);
+}
+
+TEST_F(TrackingButton, AHeldCtrlReturnPressesItOnce) {
+  const auto send = [&](QEvent::Type type, bool repeated) {
+    QKeyEvent event(type, Qt::Key_Return, Qt::ControlModifier, QString(), repeated);
+    QCoreApplication::sendEvent(button_, &event);
+    return event.isAccepted();
+  };
+  EXPECT_TRUE(send(QEvent::KeyPress, false));
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_TRUE(send(QEvent::KeyRelease, true));
+    EXPECT_TRUE(send(QEvent::KeyPress, true));
+  }
+  EXPECT_TRUE(send(QEvent::KeyRelease, false));
+  EXPECT_EQ(sentWhile_.size(), 1U);
+  EXPECT_FALSE(send(QEvent::KeyRelease, false)) << "not its own press";
+}
+
+TEST_F(TrackingButton, PlainKeysGoOnToTheWindow) {
+  for (const int key : {Qt::Key_R, Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+    for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+      QKeyEvent event(type, key, Qt::NoModifier);
+      QCoreApplication::sendEvent(button_, &event);
+      EXPECT_FALSE(event.isAccepted()) << key;
+    }
+  }
+  EXPECT_TRUE(sentWhile_.empty());
+}
+
+TEST_F(TrackingButton, ARingShowsThatTheKeyboardIsThere) {
+  const QImage before = window_.picture(button_);
+  button_->setFocus(Qt::MouseFocusReason);
+  EXPECT_EQ(window_.picture(button_), before);
+  button_->clearFocus();
+  button_->setFocus(Qt::TabFocusReason);
+  EXPECT_NE(window_.picture(button_), before);
+  button_->clearFocus();
+  EXPECT_EQ(window_.picture(button_), before);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "BezelModel.h"
 #include "support/Pixels.h"
 
 namespace {
@@ -95,6 +96,20 @@ TEST_P(TransportArtwork, EveryLayerOfTheHighlightedBezelAddsUp) {
   const QImage picture = draw(drawBezelWithFrame, true);
   for (const double y : {3.0, 4.0, 5.0, 6.0, 7.0, 8.0, 12.0, 16.0, 20.0, 24.0, 28.0}) {
     EXPECT_NEAR(grey(picture, 23.0, y), level(highlightedShade(middle(y))), 2) << "y " << y;
+  }
+}
+
+TEST_P(TransportArtwork, EveryPixelIsWhatTheNumbersOfTheLayersGive) {
+  for (const bool highlighted : {false, true}) {
+    const QImage picture = draw(drawBezelWithFrame, highlighted);
+    const BezelModel model(QRectF(0.0, 0.0, kWidth, kHeight), highlighted, kPaper, ratio());
+    for (int y = 0; y < picture.height(); ++y) {
+      for (int x = 0; x < picture.width(); ++x) {
+        const double tolerance = model.isOnACorner(x, y) ? 12.0 : 2.5;
+        ASSERT_NEAR(picture.pixelColor(x, y).green(), model.greyAt(x, y), tolerance)
+            << x << ", " << y << (highlighted ? ", highlighted" : "");
+      }
+    }
   }
 }
 

@@ -36,7 +36,7 @@ class TransportButton : public testing::TestWithParam<int> {
     button_->setOnImage({});
     button_->setOffImage({});
     const QImage bezel = window_.picture(button_, ratio());
-    const OVNamedImage named((QString::fromLatin1(name)));
+    const platform::NamedImage named((QString::fromLatin1(name)));
     button_->setOnImage(QString::fromLatin1(name));
     button_->setOffImage(QString::fromLatin1(name));
     const QImage shown = window_.picture(button_, ratio());

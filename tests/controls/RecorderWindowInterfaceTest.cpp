@@ -1,10 +1,17 @@
 // The interface file "VNRecorderWindow": every view under its name, at its place.
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
 #include <QAccessible>
 #include <QMenuBar>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include "controls/OVRecorderWindowDelegate.h"
 #include "ui_VNRecorderWindow.h"
 
 namespace {
@@ -116,10 +123,94 @@ TEST_F(RecorderWindowInterface, EveryButtonHasANameForAssistiveTechnology) {
   }
 }
 
-TEST_F(RecorderWindowInterface, NothingInsideTakesTheKeyboardFocus) {
-  for (const QWidget* view : window_.centralWidget()->findChildren<QWidget*>()) {
-    EXPECT_EQ(view->focusPolicy(), Qt::NoFocus) << view->objectName().toStdString();
+TEST_F(RecorderWindowInterface, TabReachesEveryControlInTheOrderOfTheWindowAndBack) {
+  const std::vector<QWidget*> order{ui_.wfView,      ui_.prevButton, ui_.recButton,  ui_.stopButton,
+                                    ui_.pauseButton, ui_.playButton, ui_.nextButton, ui_.fftButton};
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+  ui_.wfView->setFocus(Qt::TabFocusReason);
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    EXPECT_EQ(window_.focusWidget(), order[i]) << i;
+    QTest::keyClick(window_.windowHandle(), Qt::Key_Tab);
   }
+  EXPECT_EQ(window_.focusWidget(), order.front()) << "and round again";
+  QTest::keyClick(window_.windowHandle(), Qt::Key_Tab, Qt::ShiftModifier);
+  EXPECT_EQ(window_.focusWidget(), order.back());
+}
+
+TEST_F(RecorderWindowInterface, NoClickTakesTheKeyboardAndOnlyControlsTakeIt) {
+  for (const QWidget* view : window_.centralWidget()->findChildren<QWidget*>()) {
+    const bool control = view == ui_.wfView || qobject_cast<const OVTrackingButton*>(view);
+    EXPECT_EQ(view->focusPolicy(), control ? Qt::TabFocus : Qt::NoFocus)
+        << view->objectName().toStdString();
+  }
+}
+
+TEST_F(RecorderWindowInterface, TransportKeysReachTheWindowWhereverTheKeyboardIs) {
+  class Delegate final : public OVRecorderWindowDelegate {
+   public:
+    void windowDidReceiveKeyDown(OVRecorderWindow*, std::uint16_t keyCode) override {
+      keys.push_back(keyCode);
+    }
+    void windowDidReceiveKeyUp(OVRecorderWindow*, std::uint16_t keyCode) override {
+      keys.push_back(keyCode);
+    }
+    bool windowShouldClose(OVRecorderWindow*) override { return true; }
+    void windowWillClose(OVRecorderWindow*) override {}
+    std::vector<int> keys;
+  };
+  const auto delegate = std::make_shared<Delegate>();
+  window_.setDelegate(delegate);
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+  for (QWidget* view : std::initializer_list<QWidget*>{ui_.wfView, ui_.recButton, ui_.fftButton}) {
+    view->setFocus(Qt::TabFocusReason);
+    delegate->keys.clear();
+    for (const auto key : {Qt::Key_R, Qt::Key_Return, Qt::Key_Space}) {
+      QTest::keyClick(window_.windowHandle(), key);
+    }
+    EXPECT_EQ(delegate->keys, (std::vector<int>{15, 15, 36, 36, 49, 49}))
+        << view->objectName().toStdString();
+  }
+}
+
+TEST_F(RecorderWindowInterface, AssistiveTechnologyFindsEveryViewWithNameAndRole) {
+  const std::map<QString, QAccessible::Role> roles{{"wfView", QAccessible::Graphic},
+                                                   {"playbackMarkerView", QAccessible::Indicator},
+                                                   {"vuView", QAccessible::Indicator},
+                                                   {"timeView", QAccessible::StaticText},
+                                                   {"loadingIndicator", QAccessible::ProgressBar},
+                                                   {"fftView", QAccessible::Graphic},
+                                                   {"prevButton", QAccessible::Button},
+                                                   {"recButton", QAccessible::Button},
+                                                   {"stopButton", QAccessible::Button},
+                                                   {"pauseButton", QAccessible::Button},
+                                                   {"playButton", QAccessible::Button},
+                                                   {"nextButton", QAccessible::Button},
+                                                   {"fftButton", QAccessible::Button}};
+  for (const auto& [name, role] : roles) {
+    auto* const accessible =
+        QAccessible::queryAccessibleInterface(window_.findChild<QWidget*>(name));
+    ASSERT_NE(accessible, nullptr) << name.toStdString();
+    EXPECT_EQ(accessible->role(), role) << name.toStdString();
+    EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty()) << name.toStdString();
+  }
+}
+
+TEST_F(RecorderWindowInterface, AssistiveTechnologyReachesEveryButtonFromTheWindowDown) {
+  std::vector<QString> pressable;
+  const std::function<void(QAccessibleInterface*)> walk = [&](QAccessibleInterface* at) {
+    auto* const actions = at->actionInterface();
+    if (at->role() == QAccessible::Button && actions != nullptr &&
+        actions->actionNames().contains(QAccessibleActionInterface::pressAction())) {
+      pressable.push_back(at->text(QAccessible::Name));
+    }
+    for (int i = 0; i < at->childCount(); ++i) {
+      walk(at->child(i));
+    }
+  };
+  walk(QAccessible::queryAccessibleInterface(&window_));
+  std::sort(pressable.begin(), pressable.end());
+  EXPECT_EQ(pressable, (std::vector<QString>{"Pause", "Play", "Record", "Spectrum", "Stop",
+                                             "To End", "To Start"}));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
+#include <QAccessible>
 #include <QEvent>
 
 #include "document/DocumentFixture.h"
+#include "platform/Timer.h"
 
 namespace {
 
@@ -54,6 +56,23 @@ TEST_F(DisplayTest, AnIdleDocumentDrawsNothingOnATick) {
   EXPECT_EQ(counter.takePaints(), 0);
 }
 
+TEST_F(DisplayTest, AnIdleWindowIsNotRedrawnByItsOwnTimersEvenWithTheSpectrumShown) {
+  openWindow();
+  recordChunks(2);
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(document_->window()));
+  auto* const strip = document_->window()->findChild<QWidget*>("fftView");
+  document_->toggleFFT(nullptr);
+  ASSERT_TRUE(runMainLoopUntil([&] { return strip->height() == 200 && strip->isVisible(); }));
+  settle();
+  int ticks = 0;  // of a timer as fast as the fastest of the window's
+  const platform::Timer clock(1.0 / 30.0, [&ticks] { ++ticks; });
+  ASSERT_TRUE(runMainLoopUntil([&] { return ticks >= 15; })) << "what moved has arrived";
+  PaintCounter counter(document_->window());
+  ticks = 0;
+  ASSERT_TRUE(runMainLoopUntil([&] { return ticks >= 15; }));
+  EXPECT_EQ(counter.takePaints(), 0);
+}
+
 TEST_F(DisplayTest, AMovedPositionMovesMarkerAndTime) {
   openWindow();
   recordChunks(4);
@@ -64,6 +83,29 @@ TEST_F(DisplayTest, AMovedPositionMovesMarkerAndTime) {
   EXPECT_DOUBLE_EQ(time()->durationInSeconds(), 4.0 * kChunkFrames / 44100.0);
   EXPECT_EQ(document_->lastPlaybackPosition(), kChunkFrames);
   EXPECT_FALSE(marker()->isRecordingMarker());
+}
+
+TEST_F(DisplayTest, TheWaveformReadsPositionAndLengthOut) {
+  openWindow();
+  recordChunks(4);
+  document_->setPlaybackPosition(kChunkFrames);
+  tick();
+  auto* const accessible = QAccessible::queryAccessibleInterface(waveformView());
+  EXPECT_EQ(accessible->text(QAccessible::Value), "00:00:00.09 / 00:00:00.37");
+  EXPECT_EQ(accessible->text(QAccessible::Description), "00:00:00.09 / 00:00:00.37");
+}
+
+TEST_F(DisplayTest, KeysOfTheWaveformMoveTheMarker) {
+  openWindow();
+  recordChunks(4);
+  tick();
+  QTest::keyClick(waveformView(), Qt::Key_End);
+  EXPECT_EQ(document_->playbackPosition(), length());
+  tick();
+  QTest::keyClick(waveformView(), Qt::Key_Left);
+  EXPECT_EQ(document_->playbackPosition(), static_cast<std::uint64_t>(0.99 * 4 * kChunkFrames));
+  QTest::keyClick(waveformView(), Qt::Key_Home);
+  EXPECT_EQ(document_->playbackPosition(), 0U);
 }
 
 TEST_F(DisplayTest, WithAnEmptyBufferTheMarkerStandsAtTheStart) {

@@ -19,6 +19,17 @@ TEST(ViewAccessibility, AViewReadsItsValueOut) {
   EXPECT_EQ(QAccessible::queryAccessibleInterface(&view)->text(QAccessible::Value), "00:00:01.00");
 }
 
+TEST(ViewAccessibility, TheValueIsTheDescriptionTooUnlessThereIsAnother) {
+  QWidget view;
+  platform::describeView(&view, "Time", QAccessible::StaticText);
+  view.setProperty("accessibleValue", "00:00:01.00");
+  const auto* const accessible = QAccessible::queryAccessibleInterface(&view);
+  EXPECT_EQ(accessible->text(QAccessible::Description), "00:00:01.00");
+  view.setAccessibleDescription("Hours, minutes, seconds");
+  EXPECT_EQ(accessible->text(QAccessible::Description), "Hours, minutes, seconds");
+  EXPECT_EQ(accessible->text(QAccessible::Value), "00:00:01.00");
+}
+
 TEST(ViewAccessibility, OtherWidgetsKeepTheirOwnRoles) {
   QWidget described;
   platform::describeView(&described, "Time", QAccessible::StaticText);

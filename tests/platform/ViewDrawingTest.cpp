@@ -65,6 +65,12 @@ TEST_P(ViewDrawing, TextStandsUpright) {
   EXPECT_EQ(picture, expected);
 }
 
+TEST_P(ViewDrawing, APainterKnowsTheDevicePixelsOfAPoint) {
+  drawnPicture({10, 10}, ratio(), Qt::black, [&](QPainter& painter) {
+    EXPECT_DOUBLE_EQ(platform::devicePixelsPerPoint(painter), ratio());
+  });
+}
+
 INSTANTIATE_TEST_SUITE_P(PixelRatios, ViewDrawing, testing::Values(1, 2),
                          testing::PrintToStringParamName());
 

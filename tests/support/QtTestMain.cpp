@@ -5,9 +5,13 @@
 
 #include <gmock/gmock.h>
 
+#ifndef ORVO_TEST_PLATFORM  // a test program may ask for screens of its own
+#define ORVO_TEST_PLATFORM "offscreen"
+#endif
+
 int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QPA_PLATFORM", ORVO_TEST_PLATFORM);
   }
   testing::InitGoogleMock(&argc, argv);
   QApplication application(argc, argv);

@@ -1,8 +1,10 @@
 #include "support/VirtualScreen.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <sstream>
+#include <utility>
 
 namespace support {
 
@@ -129,6 +131,36 @@ bool VirtualScreen::keyUp(const std::string& key) const {
 bool VirtualScreen::click(const Window& window, int x, int y) const {
   return run({"xdotool", "mousemove", "--window", window, std::to_string(x), std::to_string(y),
               "click", "1"})
+      .status.succeeded();
+}
+
+VirtualScreen::Frame VirtualScreen::frameOf(const Window& window) const {
+  const std::string information = run({"xwininfo", "-id", window}).output;
+  const auto number = [&information](const std::string& label) {
+    const auto at = information.find(label);
+    return at == std::string::npos ? 0 : std::atoi(information.c_str() + at + label.size());
+  };
+  return {number("Absolute upper-left X:"), number("Absolute upper-left Y:"), number("Width:"),
+          number("Height:")};
+}
+
+bool VirtualScreen::move(const Window& window, int x, int y) const {
+  const Frame before = frameOf(window);
+  if (!run({"xdotool", "windowmove", window, std::to_string(x), std::to_string(y)})
+           .status.succeeded()) {
+    return false;
+  }
+  Frame last = before;
+  return eventually([&] {
+    const Frame now = frameOf(window);
+    const bool rests = now == std::exchange(last, now);
+    return rests && (now.x != before.x || now.y != before.y);
+  });
+}
+
+bool VirtualScreen::setMaximised(const Window& window, bool maximised) const {
+  return run({"wmctrl", "-i", "-r", window, "-b",
+              std::string(maximised ? "add" : "remove") + ",maximized_vert,maximized_horz"})
       .status.succeeded();
 }
 

@@ -49,6 +49,20 @@ class VirtualScreen {
   /// Clicks at a point of a window, in pixels from its top left, y downward.
   [[nodiscard]] bool click(const Window& window, int x, int y) const;
 
+  /// Where a window's content stands on the screen, in pixels, without its decorations.
+  struct Frame {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    friend bool operator==(const Frame&, const Frame&) = default;
+  };
+  /// All zero for a window that is gone.
+  [[nodiscard]] Frame frameOf(const Window& window) const;
+  /// Moves a window, and returns once it has arrived and rests there.
+  [[nodiscard]] bool move(const Window& window, int x, int y) const;
+  [[nodiscard]] bool setMaximised(const Window& window, bool maximised) const;
+
   /// Asks the window manager to close a window, as a click on its cross would.
   [[nodiscard]] bool close(const Window& window) const;
 

@@ -400,3 +400,77 @@ TEST_F(WaveFormView, IsNamedForAssistiveTechnology) {
   EXPECT_EQ(accessible->text(QAccessible::Name), "Waveform");
   EXPECT_EQ(accessible->role(), QAccessible::Graphic);
 }
+
+TEST_F(WaveFormView, ReadsPositionAndLengthOut) {
+  const auto* const accessible = QAccessible::queryAccessibleInterface(&view_);
+  EXPECT_EQ(accessible->text(QAccessible::Value), "");
+  view_.setTimeLineText([] { return QStringLiteral("00:00:01.00 / 00:00:09.00"); });
+  EXPECT_EQ(accessible->text(QAccessible::Value), "00:00:01.00 / 00:00:09.00");
+  EXPECT_EQ(accessible->text(QAccessible::Description), "00:00:01.00 / 00:00:09.00");
+  EXPECT_TRUE(view_.focusPolicy() == Qt::TabFocus);
+}
+
+namespace {
+
+/// The waveform view with the marker over it, as a window has them.
+class WaveFormKeys : public WaveFormView {
+ protected:
+  WaveFormKeys() { marker_->setPosition(0.5); }
+
+  /// Where a key moves the marker to, reported as a drag; -1 when it is not reported.
+  double reportedAfter(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    delegate_->drags.clear();
+    QTest::keyClick(&view_, static_cast<Qt::Key>(key), modifiers);
+    return delegate_->drags.size() == 1 ? delegate_->drags[0].timeLinePosition : -1.0;
+  }
+
+  OVPlaybackMarkerView* marker_ = new OVPlaybackMarkerView(&view_);
+};
+
+}  // namespace
+
+TEST_F(WaveFormKeys, ArrowsMoveTheMarkerByAHundredthAndPagesByATenth) {
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right), 0.51);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Left), 0.49);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_PageUp), 0.6);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_PageDown), 0.4);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Home), 0.0);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_End), 1.0);
+}
+
+TEST_F(WaveFormKeys, WithShiftArrowsMoveItByAPoint) {
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right, Qt::ShiftModifier), 0.5 + 1.0 / 240.0);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Left, Qt::ShiftModifier), 0.5 - 1.0 / 240.0);
+}
+
+TEST_F(WaveFormKeys, NoKeyMovesItPastTheEnds) {
+  marker_->setPosition(0.05);
+  EXPECT_EQ(reportedAfter(Qt::Key_PageDown), 0.0);
+  marker_->setPosition(0.995);
+  EXPECT_EQ(reportedAfter(Qt::Key_Right), 1.0);
+}
+
+TEST_F(WaveFormKeys, AKeyIsReportedAtItsPlaceInTheView) {
+  static_cast<void>(reportedAfter(Qt::Key_Home));
+  EXPECT_EQ(delegate_->drags.at(0).view, &view_);
+  EXPECT_EQ(delegate_->drags.at(0).position, QPointF(0.0, 50.0));
+  EXPECT_TRUE(delegate_->clicks.empty());
+}
+
+TEST_F(WaveFormKeys, OtherKeysAndThoseOfADisabledViewGoOnToTheWindow) {
+  for (const int key : {Qt::Key_R, Qt::Key_Return, Qt::Key_Space, Qt::Key_Up}) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QCoreApplication::sendEvent(&view_, &event);
+    EXPECT_FALSE(event.isAccepted()) << key;
+  }
+  QKeyEvent command(QEvent::KeyPress, Qt::Key_Left, Qt::ControlModifier);
+  QCoreApplication::sendEvent(&view_, &command);
+  EXPECT_FALSE(command.isAccepted());
+  view_.setEnabled(false);
+  EXPECT_EQ(reportedAfter(Qt::Key_Left), -1.0);
+}
+
+TEST_F(WaveFormKeys, WithoutAMarkerTheKeysStartFromTheBeginning) {
+  delete marker_;
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right), 0.01);
+}

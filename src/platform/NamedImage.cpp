@@ -1,6 +1,8 @@
-#include "controls/OVNamedImage.h"
+#include "platform/NamedImage.h"
 
 #include <QFileInfo>
+
+namespace platform {
 
 namespace {
 
@@ -17,24 +19,26 @@ QString pathOf(const QString& name, const QString& sizeMark) {
 
 }  // namespace
 
-OVNamedImage::OVNamedImage(const QImage& single, const QImage& doubled)
+NamedImage::NamedImage(const QImage& single, const QImage& doubled)
     : single_(readyToDraw(single)), double_(readyToDraw(doubled)) {
   if (!double_.isNull()) {
     double_.setDevicePixelRatio(2.0);
   }
 }
 
-OVNamedImage::OVNamedImage(const QString& name)
-    : OVNamedImage(QImage(pathOf(name, {})), QImage(pathOf(name, QStringLiteral("@2x")))) {}
+NamedImage::NamedImage(const QString& name)
+    : NamedImage(QImage(pathOf(name, {})), QImage(pathOf(name, QStringLiteral("@2x")))) {}
 
-bool OVNamedImage::isNull() const {
+bool NamedImage::isNull() const {
   return single_.isNull();
 }
 
-QSizeF OVNamedImage::size() const {
+QSizeF NamedImage::size() const {
   return single_.deviceIndependentSize();
 }
 
-const QImage& OVNamedImage::forRatio(qreal ratio) const {
+const QImage& NamedImage::forRatio(qreal ratio) const {
   return ratio > 1.0 && !double_.isNull() ? double_ : single_;
 }
+
+}  // namespace platform

@@ -4,18 +4,20 @@
 #include <QSizeF>
 #include <QString>
 
+namespace platform {
+
 /// An image of the program's resources, found by its file name: "stop.png" is ":/images/stop.png"
 /// at one pixel a point and ":/images/stop@2x.png" at two. A name that is not there gives a null
 /// image of no size.
 ///
 /// Threads: main. Real-time: not safe.
-class OVNamedImage {
+class NamedImage {
  public:
-  OVNamedImage() = default;
-  explicit OVNamedImage(const QString& name);
+  NamedImage() = default;
+  explicit NamedImage(const QString& name);
 
   /// The same of pictures at hand; `doubled`, twice as wide and high, may be null.
-  explicit OVNamedImage(const QImage& single, const QImage& doubled = QImage());
+  explicit NamedImage(const QImage& single, const QImage& doubled = QImage());
 
   [[nodiscard]] bool isNull() const;
 
@@ -30,3 +32,5 @@ class OVNamedImage {
   QImage single_;
   QImage double_;  // null if there is none
 };
+
+}  // namespace platform

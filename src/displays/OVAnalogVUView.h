@@ -1,0 +1,29 @@
+#pragma once
+
+#include "displays/OVVUView.h"
+#include "platform/NamedImage.h"
+
+/// A level meter with one dial and needle a channel, over the image "vumeter.png". Polls 60 times a
+/// second. Without a level it draws nothing at all.
+///
+/// The dials stand side by side from the left edge on; a view that shows all of n channels is n
+/// times as wide as dialSize().
+///
+/// Threads: main. Real-time: not safe.
+class OVAnalogVUView : public OVVUView {
+  Q_OBJECT
+
+ public:
+  explicit OVAnalogVUView(QWidget* parent = nullptr);
+
+  /// Width and height of one dial, points.
+  [[nodiscard]] QSizeF dialSize() const { return backgroundImage_.size(); }
+  /// Two dials.
+  [[nodiscard]] QSize sizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  platform::NamedImage backgroundImage_;  // fixed after construction
+};

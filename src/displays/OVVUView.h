@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <QWidget>
+
+#include "displays/OVVUViewDataSource.h"
+#include "displays/OVVUViewDelegate.h"
+#include "platform/Timer.h"
+
+/// What the level meters share: the polling. A subclass draws what it got.
+///
+/// A meter asks its data source on a timer of its own for as long as it lives, and draws what it
+/// answers as it is. An answer without levels draws nothing new: the last picture stays until
+/// something else redraws the view.
+///
+/// Threads: main. Real-time: not safe.
+class OVVUView : public QWidget {
+  Q_OBJECT
+
+ public:
+  ~OVVUView() override;
+
+  [[nodiscard]] std::weak_ptr<OVVUViewDataSource> datasource() const { return datasource_; }
+  void setDatasource(std::weak_ptr<OVVUViewDataSource> datasource);
+
+  /// Stored only.
+  [[nodiscard]] std::weak_ptr<OVVUViewDelegate> delegate() const { return delegate_; }
+  void setDelegate(std::weak_ptr<OVVUViewDelegate> delegate);
+
+  /// Polls a second; setting it starts the timer anew. None at 0 and below.
+  [[nodiscard]] double pollingFrequency() const { return pollingFrequency_; }
+  void setPollingFrequency(double pollingFrequency);
+
+  /// Asks the data source once, and for a redraw on a later pass of the main loop if it answered
+  /// with at least one level.
+  void pollForData();
+
+  /// The last answer, one linear level a channel, or what a redraw has put in its place.
+  [[nodiscard]] const std::optional<std::vector<float>>& levelData() const { return levelData_; }
+
+ protected:
+  OVVUView(QWidget* parent, double pollingFrequency);
+
+  void setLevelData(std::vector<float> levels);
+
+ private:
+  std::weak_ptr<OVVUViewDataSource> datasource_;
+  std::weak_ptr<OVVUViewDelegate> delegate_;
+  double pollingFrequency_ = 0.0;
+  std::optional<std::vector<float>> levelData_;
+  std::unique_ptr<platform::Timer> pollTimer_;
+};

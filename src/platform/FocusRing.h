@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QFocusEvent>
+#include <QPainter>
+#include <QRectF>
+
+namespace platform {
+
+/// The ring around the view that has the keyboard. It shows only where the keyboard itself brought
+/// the focus there: a click, or a window that comes to the front and gives the keyboard to its
+/// first view, shows none.
+///
+/// Threads: main. Real-time: not safe.
+class FocusRing {
+ public:
+  /// Takes a focus event of the view; true if the view is to be redrawn.
+  [[nodiscard]] bool handle(const QFocusEvent& event);
+
+  [[nodiscard]] bool isShown() const { return isShown_; }
+
+  /// Draws the ring, if it is shown, 2 points wide along the inside of `bounds` with corners of
+  /// `radius`. Any coordinates will do; antialiasing is switched on for it.
+  void draw(QPainter& painter, const QRectF& bounds, double radius) const;
+
+ private:
+  bool isShown_ = false;
+};
+
+}  // namespace platform

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <QtTest>
+
+#include "displays/OVVUView.h"
+#include "support/MainLoop.h"
+#include "support/Pixels.h"
+
+/// A data source that answers what a test says.
+class ScriptedLevels final : public OVVUViewDataSource {
+ public:
+  using Levels = std::optional<std::vector<float>>;
+
+  Levels dataForVUView(QWidget* view) override {
+    ++polls;
+    askedBy = view;
+    return answer;
+  }
+
+  Levels answer;
+  int polls = 0;
+  QWidget* askedBy = nullptr;
+};
+
+/// A meter of the given kind with such a source.
+template <typename Meter>
+class MeterTest : public testing::Test {
+ protected:
+  using Levels = ScriptedLevels::Levels;
+
+  class PaintCounter final : public QObject {
+   public:
+    int paints = 0;
+    bool eventFilter(QObject*, QEvent* event) override {
+      paints += event->type() == QEvent::Paint ? 1 : 0;
+      return false;
+    }
+  };
+
+  MeterTest() {
+    view_.resize(60, 30);
+    view_.setDatasource(source_);
+  }
+
+  /// What the view draws over paper of one colour.
+  QImage drawn() {
+    QImage screen = makePicture(view_.size(), 1.0, kPaper);
+    view_.render(&screen, QPoint(), QRegion(), QWidget::DrawChildren);
+    return screen;
+  }
+
+  /// Shows the view with its own timer at rest, so that nothing but a test's polls redraws it.
+  void showAtRest() {
+    view_.setPollingFrequency(0.0);
+    view_.installEventFilter(&counter_);
+    view_.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view_));
+    ASSERT_TRUE(runMainLoopUntil([&] { return counter_.paints > 0; }));
+    QCoreApplication::processEvents();
+  }
+
+  const QColor kPaper{20, 30, 60};
+  std::shared_ptr<ScriptedLevels> source_ = std::make_shared<ScriptedLevels>();
+  PaintCounter counter_;
+  Meter view_;
+};

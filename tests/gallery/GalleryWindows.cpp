@@ -1,0 +1,161 @@
+#include "gallery/GalleryWindows.h"
+
+#include <cmath>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include <QApplication>
+#include <QPalette>
+#include <QProgressBar>
+
+#include "app/OVMainMenu.h"
+#include "audio/SteppedAudioQueues.h"
+#include "controls/OVRecorderWindow.h"
+#include "controls/OVTransportButton.h"
+#include "document/VLRecorderWindowController.h"
+#include "gallery/GalleryScreen.h"
+#include "support/DarkPalette.h"
+#include "support/MainLoop.h"
+#include "support/RecordingServices.h"
+
+namespace {
+
+constexpr std::size_t kChunkFrames = 4096;
+constexpr std::uint64_t kFramesPerSecond = 44100;
+
+/// A document whose sound comes from here.
+class Document {
+ public:
+  explicit Document(double scale) {
+    queues_->levels = {{0.31F, 0.5F}, {0.22F, 0.4F}};
+    controller_ = VLRecorderWindowController::initWithWindowNibName("VNRecorderWindow");
+    new OVMainMenu(controller_, {});  // belongs to the window
+    controller_->showWindow();
+    static_cast<void>(showOnScreenOfScale(window(), scale));
+  }
+  ~Document() {
+    window().performClose();
+    controller_.reset();
+    settle();
+  }
+  Document(const Document&) = delete;
+  Document& operator=(const Document&) = delete;
+
+  [[nodiscard]] OVRecorderWindow& window() const { return *controller_->window(); }
+  [[nodiscard]] VLRecorderWindowController& controller() const { return *controller_; }
+
+  void press(const char* name) {
+    window().findChild<OVTransportButton*>(QString::fromLatin1(name))->performClick();
+    settle();
+  }
+
+  /// Seconds of something like speech, from pressing Record on.
+  void record(double seconds) {
+    press("recButton");
+    const auto chunks = static_cast<int>(seconds * kFramesPerSecond / kChunkFrames);
+    for (int i = 0; i < chunks; ++i) {
+      capture();
+      controller_->updatePlaybackMarkerView();
+      settle();
+    }
+  }
+
+  void showSpectrum() {
+    controller_->toggleFFT(nullptr);
+    auto* const view = window().findChild<QWidget*>("fftView");
+    static_cast<void>(runMainLoopUntil(
+        [&] { return view->isVisible() && view->parentWidget()->height() == view->height(); }));
+    controller_->fireFFT();
+    settle();
+  }
+
+  static void settle() {
+    static_cast<void>(platform::globalQueue().waitUntilIdle(20));
+    static_cast<void>(drainMainQueue());
+    QCoreApplication::processEvents();
+  }
+
+ private:
+  void capture() {
+    std::vector<float> samples(2 * kChunkFrames);
+    for (std::size_t i = 0; i < kChunkFrames; ++i) {
+      const double t = static_cast<double>(captured_ + i) / kFramesPerSecond;
+      const double loudness = std::abs(std::sin(t * 1.9) * std::sin(t * 0.37 + 0.4));
+      double voice = 0.0;
+      for (int k = 1; k <= 24; ++k) {
+        voice += std::sin(t * 6.2831853 * 180.0 * k) / (k * 1.6);
+      }
+      const double noise = static_cast<double>(random_() % 2000U) / 1000.0 - 1.0;
+      const auto sample = static_cast<float>(loudness * (0.35 * voice + 0.25 * noise));
+      samples[2 * i] = sample;
+      samples[2 * i + 1] = 0.8F * sample;
+    }
+    captured_ += kChunkFrames;
+    queues_.input().deliver(samples, captured_);
+    queues_->capturedFrames = captured_;
+  }
+
+  support::InstalledRecordingServices services_;
+  testaudio::InstalledSteppedQueues queues_;
+  std::shared_ptr<VLRecorderWindowController> controller_;
+  std::uint64_t captured_ = 0;
+  std::mt19937 random_{5};
+};
+
+/// A recording that has been stopped, with the marker in its middle.
+void makeRecorded(Document& document) {
+  document.record(6.0);
+  document.press("pauseButton");
+  document.controller().waveFormViewReceivedClick(nullptr, {}, 0.38);
+  document.controller().updatePlaybackMarkerView();
+  Document::settle();
+}
+
+void play(Document& document) {
+  document.press("playButton");
+  const std::uint64_t position = document.controller().playbackPosition();
+  document.controller().playerAdvancedToFrame(position + kFramesPerSecond / 2);
+  document.controller().updatePlaybackMarkerView();
+  Document::settle();
+}
+
+}  // namespace
+
+void forEachGalleryWindow(double scale, const std::function<void(const QString&, QWidget&)>& show) {
+  const auto each = [&](const char* name, const std::function<void(Document&)>& prepare) {
+    Document document(scale);
+    prepare(document);
+    show(QStringLiteral("window-") + QString::fromLatin1(name), document.window());
+  };
+  each("empty", [](Document&) {});
+  each("recorded", makeRecorded);
+  each("recording", [](Document& document) { document.record(3.0); });
+  each("playing", [](Document& document) {
+    makeRecorded(document);
+    play(document);
+  });
+  each("spectrum", [](Document& document) {
+    makeRecorded(document);
+    play(document);
+    document.showSpectrum();
+  });
+  each("recording-spectrum", [](Document& document) {
+    document.record(2.0);
+    document.showSpectrum();
+  });
+  each("smallest", [](Document& document) {
+    makeRecorded(document);
+    document.window().resize(1, 1);
+    Document::settle();
+  });
+  each("loading", [](Document& document) {
+    makeRecorded(document);
+    QProgressBar* const bar = document.controller().loadingIndicator();
+    bar->setRange(0, 100);
+    bar->setValue(42);
+    bar->show();
+  });
+  const support::DarkPalette dark;
+  each("dark-desktop", makeRecorded);
+}

@@ -1,0 +1,37 @@
+// The second net: what the views draw, compared with pictures of a day on which somebody looked at
+// them and found them right. scripts/gallery --renew makes them anew after a change that is meant.
+#include <gtest/gtest.h>
+
+#include "gallery/GalleryPages.h"
+#include "gallery/GalleryScreen.h"
+#include "support/Pixels.h"
+
+namespace {
+
+// Of 255, over a tile. Another rasteriser or font version may differ by so much, no visible change.
+constexpr double kTolerance = 0.6;
+
+class ReferencePictures : public testing::TestWithParam<double> {};
+
+}  // namespace
+
+TEST_P(ReferencePictures, EveryTileOfEveryPageLooksAsItDid) {
+  const double scale = GetParam();
+  for (const auto& page : makeGalleryPages()) {
+    ASSERT_TRUE(showOnScreenOfScale(*page, scale));
+    const QImage now = pictureOfWindow(*page);
+    const QString file =
+        QStringLiteral(ORVO_REFERENCE_PICTURES "/%1-%2x.png").arg(page->name()).arg(scale);
+    const QImage before = QImage(file).convertToFormat(QImage::Format_RGB32);
+    ASSERT_EQ(before.size(), now.size()) << file.toStdString();
+    for (const auto& tile : page->tiles()) {
+      const QRectF points(tile.frame);
+      const QRect pixels(QPointF(points.topLeft() * scale).toPoint(),
+                         QSizeF(points.size() * scale).toSize());
+      EXPECT_LT(meanDistance(before.copy(pixels), now.copy(pixels)), kTolerance)
+          << page->name().toStdString() << ": " << tile.label.toStdString();
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(ScaleFactors, ReferencePictures, testing::Values(1.0, 2.0));

@@ -1,0 +1,157 @@
+// The window at every scale factor of a desktop, and on its way between screens of different ones.
+#include <cmath>
+#include <memory>
+
+#include <gtest/gtest.h>
+#include <QMenuBar>
+
+#include "gallery/GalleryScreen.h"
+#include "support/FakeWaveformSummary.h"
+#include "support/MainLoop.h"
+#include "support/Pixels.h"
+#include "ui_VNRecorderWindow.h"
+
+namespace {
+
+class ScaleFactors : public testing::TestWithParam<double> {
+ protected:
+  void SetUp() override {
+    window_.setAttribute(Qt::WA_DeleteOnClose, false);
+    ui_.setupUi(&window_);
+    window_.menuBar()->addMenu(QStringLiteral("File"));
+    ui_.wfView->setWaveForm(std::make_shared<FakeWaveformSummary>(std::vector<float>(1024, 0.5F)));
+    ui_.timeView->setCurrentTimeInSeconds(83.45);
+    ui_.timeView->setDurationInSeconds(359999.99);
+    ui_.recButton->setOffImage(QStringLiteral("stop.png"));
+  }
+
+  void moveTo(double scale) { ASSERT_TRUE(showOnScreenOfScale(window_, scale)); }
+
+  /// What a view shows, in device pixels.
+  static QImage picture(QWidget* view) { return pictureOfWindow(*view); }
+
+  [[nodiscard]] static QSize pixels(QSize points, double scale) {
+    return {static_cast<int>(std::ceil(points.width() * scale)),
+            static_cast<int>(std::ceil(points.height() * scale))};
+  }
+
+  OVRecorderWindow window_;
+  Ui::VNRecorderWindow ui_;
+};
+
+}  // namespace
+
+TEST_P(ScaleFactors, TheWindowKeepsItsSizeInPoints) {
+  moveTo(GetParam());
+  EXPECT_EQ(window_.centralWidget()->size(), QSize(640, 330));
+  EXPECT_EQ(ui_.wfView->size(), QSize(640, 272));
+  EXPECT_EQ(ui_.recButton->geometry(), QRect(57, 13, 46, 32));
+}
+
+TEST_P(ScaleFactors, TheWaveformIsRenderedInDevicePixelsToTheLastOne) {
+  const double scale = GetParam();
+  moveTo(scale);
+  const QImage rendered = ui_.wfView->image();
+  EXPECT_EQ(rendered.devicePixelRatio(), scale);
+  EXPECT_EQ(rendered.size(), pixels({640, 272}, scale));
+  const QImage shown = picture(ui_.wfView);
+  for (int y = 0; y < shown.height(); ++y) {
+    const QColor last = shown.pixelColor(shown.width() - 1, y);
+    ASSERT_GT(last.blue(), 55) << "row " << y << " is not painted at its end";
+  }
+  for (int x = 0; x < shown.width(); ++x) {
+    ASSERT_GT(shown.pixelColor(x, shown.height() - 1).blue(), 55) << "column " << x;
+  }
+}
+
+TEST_P(ScaleFactors, NoCrackOpensBetweenWaveformAndBarAndBelowTheBar) {
+  const double scale = GetParam();
+  moveTo(scale);
+  window_.resize(640, 400);  // whole device pixels at every factor
+  const QImage shown = pictureOfWindow(window_);
+  const double barTop = (400.0 - 58.0) * scale;
+  const int left = static_cast<int>(6.0 * scale);
+  for (const int x : {left, shown.width() - 1 - left}) {
+    for (int y = static_cast<int>(barTop) - 3; y < shown.height(); ++y) {
+      const int green = shown.pixelColor(x, y).green();
+      EXPECT_GE(green, 36) << "no darker than the waveform's ground, row " << y;
+      if (y > barTop + 2.0 * scale) {
+        EXPECT_GE(green, 210) << "the bar, row " << y;
+      }
+    }
+  }
+}
+
+TEST_P(ScaleFactors, NeighbouringButtonsShareOneBorder) {
+  const double scale = GetParam();
+  moveTo(scale);
+  const QImage bar = picture(ui_.transportBackView);
+  // Between Record and Stop, half-way down: the border of both lies at x = 101.5, one point wide.
+  const int row = static_cast<int>(29.0 * scale);
+  const int begin = static_cast<int>(96.0 * scale);
+  const int end = static_cast<int>(107.0 * scale);
+  double darkness = 0.0;  // of the line, in points of a full one
+  for (int x = begin; x < end; ++x) {
+    darkness += std::max(0, bar.pixelColor(begin, row).green() - bar.pixelColor(x, row).green());
+  }
+  const double fullLine = bar.pixelColor(begin, row).green() - 0.45 * 255.0;
+  EXPECT_NEAR(darkness / fullLine / scale, 1.0, 0.25);
+}
+
+TEST_P(ScaleFactors, IconsAreSharp) {
+  const double scale = GetParam();
+  moveTo(scale);
+  const QImage button = picture(ui_.recButton);  // the stop sign: a dark square, x from 18 to 28
+  const int row = static_cast<int>(16.0 * scale);
+  int blurred = 0;
+  for (int x = static_cast<int>(15.0 * scale); x < static_cast<int>(31.0 * scale); ++x) {
+    const int grey = button.pixelColor(x, row).green();
+    blurred += grey > 110 && grey < 200 ? 1 : 0;
+  }
+  EXPECT_LE(blurred, 4) << "at most two pixels at either edge";
+}
+
+TEST_P(ScaleFactors, TheLongestUsualTimeIsNotClipped) {
+  moveTo(GetParam());
+  const QImage time = picture(ui_.displayWell);
+  // The text begins right of the meter: the columns before the time view show the well alone.
+  const double scale = GetParam();
+  const QColor well = time.pixelColor(static_cast<int>(70.0 * scale), static_cast<int>(14 * scale));
+  for (int x = static_cast<int>(70.0 * scale); x < static_cast<int>(77.0 * scale); ++x) {
+    EXPECT_LE(colorDistance(time.pixelColor(x, static_cast<int>(16 * scale)), well), 6) << x;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Desktop, ScaleFactors, testing::ValuesIn(kScaleFactors));
+
+class MovedWindow : public ScaleFactors {};
+
+TEST_F(MovedWindow, BetweenScreensItIsRenderedAnewForEachAndKeepsItsSize) {
+  for (const double scale : {1.0, 2.0, 1.25, 1.5, 1.0, 1.5, 2.0}) {
+    moveTo(scale);
+    EXPECT_EQ(ui_.wfView->image().devicePixelRatio(), scale);
+    EXPECT_EQ(ui_.wfView->image().size(), pixels({640, 272}, scale));
+    EXPECT_EQ(window_.centralWidget()->size(), QSize(640, 330));
+  }
+}
+
+TEST_F(MovedWindow, ItNeverBecomesSmallerThanEverythingNeeds) {
+  moveTo(1.0);
+  // Some desktops let a window keep its device pixels, which are half as many points here.
+  window_.setScreen(screenOfScale(2.0));
+  window_.move(screenOfScale(2.0)->geometry().topLeft() + QPoint(40, 60));
+  ASSERT_TRUE(runMainLoopUntil([&] { return window_.devicePixelRatioF() == 2.0; }));
+  ASSERT_TRUE(drainMainQueue());
+  QCoreApplication::processEvents();
+  EXPECT_GE(window_.centralWidget()->width(), 580);
+  EXPECT_GE(window_.centralWidget()->height(), 240);
+}
+
+TEST_F(MovedWindow, BackOnItsFirstScreenItLooksAsBefore) {
+  moveTo(1.0);
+  const QImage before = picture(window_.centralWidget());
+  moveTo(2.0);
+  EXPECT_NE(picture(window_.centralWidget()).size(), before.size());
+  moveTo(1.0);
+  EXPECT_EQ(picture(window_.centralWidget()), before);
+}

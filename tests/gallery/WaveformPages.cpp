@@ -1,0 +1,91 @@
+#include <cmath>
+#include <random>
+
+#include <QCoreApplication>
+#include <QFocusEvent>
+#include <QPainter>
+
+#include "gallery/GalleryPages.h"
+#include "platform/NamedImage.h"
+#include "support/FakeWaveformSummary.h"
+#include "waveform/OVPlaybackMarkerView.h"
+#include "waveform/OVWaveFormView.h"
+
+namespace {
+
+constexpr QSize kWaveform(420, 160);
+
+/// Something like speech: noise whose loudness swells and fades.
+std::vector<float> speech(std::size_t count) {
+  std::mt19937 random(3);
+  std::vector<float> elements(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const float noise = 0.3F + static_cast<float>(random() % 1000U) / 1400.0F;
+    const float place = static_cast<float>(i) / static_cast<float>(count);
+    elements[i] = std::abs(std::sin(place * 21.0F)) * noise;
+  }
+  return elements;
+}
+
+OVWaveFormView* addWaveform(GalleryPage& page, const char* label, std::vector<float> elements) {
+  auto* const view = page.addView<OVWaveFormView>(QString::fromUtf8(label), kWaveform);
+  view->setWaveForm(std::make_shared<FakeWaveformSummary>(std::move(elements)));
+  return view;
+}
+
+void addMarker(OVWaveFormView* view, double position, double level) {
+  auto* const marker = new OVPlaybackMarkerView(view);
+  marker->setGeometry(view->rect());
+  marker->setPosition(position);
+  marker->setAudioLevel(level);
+}
+
+std::unique_ptr<GalleryPage> waveformPage() {
+  auto page = std::make_unique<GalleryPage>(QStringLiteral("waveform"));
+  addMarker(addWaveform(*page, "empty, marker at the start", {}), 0.0, 1.0);
+  addWaveform(*page, "silence", std::vector<float>(1024, 0.0F));
+  addMarker(addWaveform(*page, "1024 elements, marker at level 1", speech(1024)), 0.4, 1.0);
+  addMarker(addWaveform(*page, "100 elements, marker at level 0", speech(100)), 0.6, 0.0);
+  addMarker(addWaveform(*page, "full scale, marker at the end", std::vector<float>(64, 1.0F)), 1.0,
+            0.5);
+  auto* const keyboard = addWaveform(*page, "with the keyboard", speech(1024));
+  QFocusEvent focus(QEvent::FocusIn, Qt::TabFocusReason);
+  QCoreApplication::sendEvent(keyboard, &focus);
+  return page;
+}
+
+/// A picture of the program's resources.
+class PictureView : public QWidget {
+ public:
+  explicit PictureView(const QString& name) : image_(name) {}
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(QRectF(QPointF(), image_.size()), image_.forRatio(devicePixelRatioF()));
+  }
+
+ private:
+  platform::NamedImage image_;
+};
+
+std::unique_ptr<GalleryPage> picturePage() {
+  auto page = std::make_unique<GalleryPage>(QStringLiteral("pictures"));
+  for (const char* name : {"rec_on", "rec_off", "play_on", "play_off", "prev", "next", "stop",
+                           "pause", "spectrum_on", "spectrum_off", "spectrum_hover", "orvo-16",
+                           "orvo-32", "orvo-48", "orvo-64", "orvo-128", "orvo-256", "vumeter"}) {
+    const QString label = QString::fromLatin1(name);
+    const QString file = label + QStringLiteral(".png");
+    const QSize size = platform::NamedImage(file).size().toSize();
+    page->addView(label, size, new PictureView(file));
+  }
+  return page;
+}
+
+}  // namespace
+
+void addWaveformPages(GalleryPages& pages) {
+  pages.push_back(waveformPage());
+  pages.push_back(picturePage());
+}
