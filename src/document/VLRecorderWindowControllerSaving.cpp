@@ -104,7 +104,7 @@ void VLRecorderWindowController::makeSaveAccessory(std::int32_t type) {
   fileSaveAccessoryView_->setObjectName("fileSaveAccessoryView");
   auto* const row = new QHBoxLayout(fileSaveAccessoryView_);
   row->setContentsMargins(0, 0, 0, 0);
-  auto* const label = new QLabel(localized("File type:"));
+  auto* const label = new QLabel(localized("File &type:"));
   fileTypeButton_ = new QComboBox;
   fileTypeButton_->setObjectName("fileTypeButton");
   fileTypeButton_->setAccessibleName(localized("File type"));

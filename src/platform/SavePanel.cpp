@@ -6,6 +6,8 @@
 #include <QGridLayout>
 #include <QLineEdit>
 
+#include "platform/Localization.h"
+
 namespace platform {
 namespace {
 
@@ -37,6 +39,7 @@ SavePanel::SavePanel(const SavePanelRequest& request)
   setWindowModality(Qt::WindowModal);
   setAttribute(Qt::WA_DeleteOnClose);
   setObjectName("savePanel");
+  setLabelText(QFileDialog::LookIn, localized("Save in:"));
   if (!request.directory.empty()) {
     setDirectory(QString::fromStdString(request.directory));
   }
@@ -50,6 +53,12 @@ SavePanel::SavePanel(const SavePanelRequest& request)
 void SavePanel::addAccessory(QWidget* accessory) {
   if (accessory == nullptr) {
     return;
+  }
+  // In the place of the dialog's own choice, which filters what is listed and here chooses nothing.
+  for (const char* const name : {"fileTypeLabel", "fileTypeCombo"}) {
+    if (auto* const own = findChild<QWidget*>(name)) {
+      own->hide();
+    }
   }
   if (auto* const grid = qobject_cast<QGridLayout*>(layout())) {
     grid->addWidget(accessory, grid->rowCount(), 0, 1, -1);
