@@ -16,6 +16,7 @@
 #include "platform/DeviceAudioQueues.h"
 #include "platform/Dispatch.h"
 #include "platform/FileAddress.h"
+#include "platform/MediaLibrary.h"
 
 namespace {
 
@@ -71,6 +72,8 @@ int main(int argc, char** argv) {
   delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has taken its own out
   delegate.applicationDidFinishLaunching();
   const platform::DesktopColours colours(QDBusConnection::sessionBus());  // after the window is up
+  // Needed for the first file or spectrum: loaded while the user looks at the window.
+  platform::globalQueue().async([] { static_cast<void>(platform::mediaLibrary::load()); });
   const int result = QApplication::exec();
 
   delegate.applicationWillTerminate();

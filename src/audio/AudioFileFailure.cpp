@@ -40,6 +40,8 @@ const char* openingSentence(platform::AudioStatus status) {
       return "%1 could not be opened, because too many files are open. Close some windows first.";
     case platform::kOutOfMemoryStatus:
       return "There was not enough memory to read %1.";
+    case platform::kMediaLibraryMissingStatus:
+      return "%1 cannot be read: FFmpeg's libraries are missing on this computer.";
     default:
       return "%1 is not a sound file that can be read, or it is damaged.";
   }
@@ -85,6 +87,8 @@ const char* writingSentence(platform::AudioStatus status) {
       return "%1 could not be written, because too many files are open. Close some windows first.";
     case platform::kOutOfMemoryStatus:
       return "There was not enough memory to write %1.";
+    case platform::kMediaLibraryMissingStatus:
+      return "%1 cannot be written: FFmpeg's libraries are missing on this computer.";
     case platform::kUnsupportedDataFormatStatus:
     case platform::kUnsupportedFileTypeStatus:
       return "%1 cannot be written as a file of this kind.";

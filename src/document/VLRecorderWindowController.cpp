@@ -100,7 +100,6 @@ void VLRecorderWindowController::windowDidLoad() {
   if (window_) {
     window_->setTitle(titleWithName(platform::localized("Unnamed")));
   }
-  spectrumAnalyser_ = OVSpectrumAnalyser::create();
   undoManager_ = std::make_shared<platform::UndoManager>();
   undoManager_->setLevelsOfUndo(1);
   showIndicator(false);

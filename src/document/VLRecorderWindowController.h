@@ -347,6 +347,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   // Spectrum
   void setupSpectrum();
+  [[nodiscard]] OVSpectrumAnalyser* spectrumAnalyser();
   void showMagnitudes(std::span<const float> magnitudes);
 
   // Editing
@@ -425,8 +426,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::string currentFilename_;
   std::int32_t currentFiletype_ = -1;
   std::unique_ptr<platform::Timer> pollTimer_;
-  std::unique_ptr<platform::Timer> fftTimer_;  // while the spectrum is shown
-  std::unique_ptr<OVSpectrumAnalyser> spectrumAnalyser_;
+  std::unique_ptr<platform::Timer> fftTimer_;             // while the spectrum is shown
+  std::unique_ptr<OVSpectrumAnalyser> spectrumAnalyser_;  // from the first spectrum on
   std::unique_ptr<OVSpectrumStrip> spectrumStrip_;
   std::uint64_t lastPlaybackPosition_ = 0;
   std::shared_ptr<platform::UndoManager> undoManager_;

@@ -54,15 +54,23 @@ void VLRecorderWindowController::fireFFT() {
   }
 }
 
+// Made when it is first needed: most windows never show a spectrum.
+OVSpectrumAnalyser* VLRecorderWindowController::spectrumAnalyser() {
+  if (!spectrumAnalyser_) {
+    spectrumAnalyser_ = OVSpectrumAnalyser::create();
+  }
+  return spectrumAnalyser_.get();
+}
+
 void VLRecorderWindowController::doFFT() {
-  if (spectrumAnalyser_) {
-    showMagnitudes(spectrumAnalyser_->doFFT(buffer_.get(), playbackPosition()));
+  if (auto* const analyser = spectrumAnalyser()) {
+    showMagnitudes(analyser->doFFT(buffer_.get(), playbackPosition()));
   }
 }
 
 void VLRecorderWindowController::doFFTwithData(const void* data, std::uint32_t size) {
-  if (spectrumAnalyser_) {
-    showMagnitudes(spectrumAnalyser_->doFFTwithData(data, size));
+  if (auto* const analyser = spectrumAnalyser()) {
+    showMagnitudes(analyser->doFFTwithData(data, size));
   }
 }
 

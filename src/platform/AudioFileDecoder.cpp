@@ -4,11 +4,7 @@
 #include <cerrno>
 #include <utility>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/mathematics.h>
-}
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {

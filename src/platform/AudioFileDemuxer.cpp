@@ -8,13 +8,7 @@
 #include <limits>
 #include <mutex>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/intreadwrite.h>
-#include <libavutil/mem.h>
-#include <libavutil/opt.h>
-}
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {
@@ -106,7 +100,8 @@ int AudioFileDemuxer::openContainer(const std::string& path) {
   }
   context_.reset(context);
   io_->clearInterruption();
-  headerEnd_ = static_cast<std::uint64_t>(std::max<std::int64_t>(avio_tell(context->pb), 0));
+  headerEnd_ =
+      static_cast<std::uint64_t>(std::max<std::int64_t>(avio_seek(context->pb, 0, SEEK_CUR), 0));
   return 0;
 }
 

@@ -5,11 +5,7 @@
 #include <cstdio>
 #include <limits>
 
-extern "C" {
-#include <libavformat/avio.h>
-#include <libavutil/error.h>
-#include <libavutil/mem.h>
-}
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {

@@ -4,12 +4,7 @@
 #include <chrono>
 #include <limits>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/intreadwrite.h>
-#include <libavutil/mathematics.h>
-}
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {

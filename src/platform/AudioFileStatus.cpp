@@ -4,9 +4,7 @@
 #include <array>
 #include <cerrno>
 
-extern "C" {
-#include <libavutil/error.h>
-}
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {

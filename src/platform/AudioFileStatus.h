@@ -34,6 +34,8 @@ inline constexpr AudioStatus kFileInputOutputStatus = -36;
 /// The process or the system has too many files open.
 inline constexpr AudioStatus kTooManyOpenFilesStatus = -42;
 inline constexpr AudioStatus kOutOfMemoryStatus = -108;
+/// The libraries that read and write audio files are not there.
+inline constexpr AudioStatus kMediaLibraryMissingStatus = fourCharacterStatus("lib?");
 /// Whoever asked has changed their mind: no failure, never shown.
 inline constexpr AudioStatus kCancelledStatus = -128;
 

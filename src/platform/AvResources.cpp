@@ -1,10 +1,6 @@
 #include "platform/AvResources.h"
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libswresample/swresample.h>
-}
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 

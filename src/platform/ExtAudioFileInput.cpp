@@ -3,13 +3,9 @@
 #include <cerrno>
 #include <utility>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
-
 #include "platform/AudioFileLength.h"
 #include "platform/AudioFileStorage.h"
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {
@@ -34,6 +30,9 @@ std::uint32_t formatId(const AVCodecParameters& parameters, bool isLinearPcm) {
 
 ExtAudioFileInput::Opened ExtAudioFileInput::openURL(
     const std::string& path, std::shared_ptr<const std::atomic<bool>> cancelled) {
+  if (!mediaLibrary::load()) {
+    return {.file = nullptr, .status = kMediaLibraryMissingStatus};
+  }
   std::unique_ptr<ExtAudioFileInput> input(new ExtAudioFileInput(path, std::move(cancelled)));
   if (input->interruption_.isCancelled()) {
     return {.file = nullptr, .status = kCancelledStatus};

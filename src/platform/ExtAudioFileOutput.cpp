@@ -5,17 +5,9 @@
 #include <limits>
 #include <utility>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/channel_layout.h>
-#include <libavutil/dict.h>
-#include <libavutil/opt.h>
-#include <libswresample/swresample.h>
-}
-
 #include "platform/AudioFileStorage.h"
 #include "platform/FiniteSamples.h"
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {
@@ -54,6 +46,9 @@ Encoding encodingOf(AudioFileKind kind) {
 
 ExtAudioFileOutput::Created ExtAudioFileOutput::createWithURL(const std::string& path,
                                                               AudioFileKind kind) {
+  if (!mediaLibrary::load()) {
+    return {.file = nullptr, .status = kMediaLibraryMissingStatus};
+  }
   std::unique_ptr<ExtAudioFileOutput> output(new ExtAudioFileOutput(kind));
   const AudioStatus status = output->start(path);
   if (status != kAudioStatusOk) {

@@ -1,9 +1,6 @@
 #include "platform/FourierTransform.h"
 
-extern "C" {
-#include <libavutil/mem.h>
-#include <libavutil/tx.h>
-}
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 
@@ -23,7 +20,8 @@ void FourierTransform::Release::operator()(Complex* elements) const {
 }
 
 std::unique_ptr<FourierTransform> FourierTransform::create(int log2Length) {
-  if (log2Length < kSmallestLog2Length || log2Length > kLargestLog2Length) {
+  if (log2Length < kSmallestLog2Length || log2Length > kLargestLog2Length ||
+      !mediaLibrary::load()) {
     return nullptr;
   }
   std::unique_ptr<FourierTransform> transform(new FourierTransform(std::size_t{1} << log2Length));

@@ -37,7 +37,8 @@ class FourierTransform {
   static constexpr int kLargestLog2Length = 20;
 
   /// Makes everything ready for a length of 2 to the power of `log2Length`. Null when the exponent
-  /// lies outside 1 to 20, or without memory.
+  /// lies outside 1 to 20, without memory, or where FFmpeg's libraries are missing; the first call
+  /// of all loads them.
   [[nodiscard]] static std::unique_ptr<FourierTransform> create(int log2Length);
 
   ~FourierTransform();

@@ -5,11 +5,8 @@
 #include <mutex>
 #include <utility>
 
-extern "C" {
-#include <libavutil/log.h>
-}
-
 #include "platform/ApplicationServices.h"
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {

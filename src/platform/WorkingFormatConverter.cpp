@@ -6,16 +6,8 @@
 #include <cstring>
 #include <utility>
 
-extern "C" {
-#include <libavutil/channel_layout.h>
-#include <libavutil/frame.h>
-#include <libavutil/mathematics.h>
-#include <libavutil/opt.h>
-#include <libavutil/samplefmt.h>
-#include <libswresample/swresample.h>
-}
-
 #include "platform/FiniteSamples.h"
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {

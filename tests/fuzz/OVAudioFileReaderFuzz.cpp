@@ -41,6 +41,8 @@ class OneFile : public platform::AudioFileStorage {
     platform::FileTransfer writeAt(const void*, std::uint64_t, std::uint64_t) override {
       std::abort();
     }
+    std::uint64_t size() override { return size_; }
+    int setSize(std::uint64_t) override { std::abort(); }
 
    private:
     const std::uint8_t* const bytes_;

@@ -4,9 +4,7 @@
 
 #include <gmock/gmock.h>
 
-extern "C" {
-#include <libavutil/error.h>
-}
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {

@@ -5,11 +5,9 @@
 
 #include <gmock/gmock.h>
 
-extern "C" {
-#include <libavutil/log.h>
-}
-
 #include "support/RecordingServices.h"
+
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {

@@ -109,6 +109,9 @@ class TestAudioFileStorage : public platform::AudioFileStorage {
       return {.byteCount = count, .error = count < byteCount ? storage_.writeError_ : 0};
     }
 
+    std::uint64_t size() override { return storage_.size(); }
+    int setSize(std::uint64_t) override { return ENOTSUP; }  // no audio file is cut
+
    private:
     TestAudioFileStorage& storage_;
   };

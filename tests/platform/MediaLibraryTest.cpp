@@ -1,0 +1,42 @@
+#include "platform/MediaLibrary.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/MediaFunctions.h"
+
+namespace platform {
+namespace {
+
+TEST(MediaLibrary, IsThereAndLoadedOnce) {
+  EXPECT_TRUE(mediaLibrary::load());
+  EXPECT_TRUE(mediaLibrary::load());
+}
+
+TEST(MediaLibrary, HasTheVersionOfTheHeaders) {
+  using Version = unsigned int();
+  const auto majorOf = [](mediaLibrary::Part part, const char* name) {
+    return reinterpret_cast<Version*>(mediaLibrary::functionNamed(part, name))() >> 16U;
+  };
+  EXPECT_EQ(majorOf(mediaLibrary::Part::util, "avutil_version"), LIBAVUTIL_VERSION_MAJOR);
+  EXPECT_EQ(majorOf(mediaLibrary::Part::codec, "avcodec_version"), LIBAVCODEC_VERSION_MAJOR);
+  EXPECT_EQ(majorOf(mediaLibrary::Part::format, "avformat_version"), LIBAVFORMAT_VERSION_MAJOR);
+  EXPECT_EQ(majorOf(mediaLibrary::Part::resample, "swresample_version"),
+            LIBSWRESAMPLE_VERSION_MAJOR);
+}
+
+TEST(MediaLibrary, FunctionsAreCalledUnderTheirOwnNames) {
+  EXPECT_EQ(av_rescale(10, 3, 2), 15);
+  AVPacket* packet = av_packet_alloc();
+  ASSERT_NE(packet, nullptr);
+  av_packet_free(&packet);
+  EXPECT_EQ(packet, nullptr);
+}
+
+TEST(MediaLibrary, AFunctionThatIsNotThereEndsTheProgram) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_DEATH(static_cast<void>(mediaLibrary::functionNamed(mediaLibrary::Part::util, "av_none")),
+               "have no av_none");
+}
+
+}  // namespace
+}  // namespace platform
