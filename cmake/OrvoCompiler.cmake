@@ -21,6 +21,11 @@ elseif(ORVO_SANITIZE)
   message(FATAL_ERROR "ORVO_SANITIZE is \"${ORVO_SANITIZE}\": use address or thread")
 endif()
 
+# The fuzzer is guided by what of our code an input reaches.
+if(ORVO_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # The checkers slow the optimiser down far more than the program.
 if(ORVO_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   add_compile_options(-O1 -g1)

@@ -23,11 +23,11 @@ class FoldedTemporaryFiles : public platform::TemporaryFiles {
   [[nodiscard]] std::string directory() const override { return real_.directory(); }
 
   [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override {
-    Created created = real_.createUnlinked(pathTemplate);
-    if (created.file != nullptr) {
-      created.file = std::make_unique<FoldedFile>(std::move(created.file));
-    }
-    return created;
+    return folded(real_.createUnlinked(pathTemplate));
+  }
+
+  [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
+    return folded(real_.createNamed(pathTemplate));
   }
 
  private:
@@ -53,9 +53,20 @@ class FoldedTemporaryFiles : public platform::TemporaryFiles {
       return {.byteCount = first + tail.byteCount, .error = tail.error};
     }
 
+    // A folded file has no end.
+    std::uint64_t size() override { return file_->size(); }
+    int setSize(std::uint64_t) override { return 0; }
+
    private:
     const std::unique_ptr<platform::File> file_;
   };
+
+  static Created folded(Created created) {
+    if (created.file != nullptr) {
+      created.file = std::make_unique<FoldedFile>(std::move(created.file));
+    }
+    return created;
+  }
 
   platform::TemporaryFiles& real_ = platform::temporaryFiles();
 };

@@ -25,5 +25,6 @@ test_packages=(
 # Installed only where neither kind is there: two sound servers on one machine get in each other's way.
 sound_server_package=pulseaudio
 
-fuzz_packages=(clang-14)
+# The seeds are made by ffmpeg.
+fuzz_packages=(clang-14 libclang-rt-14-dev ffmpeg)
 lint_packages=(clang-format-14 clang-tidy-14)

@@ -6,9 +6,17 @@
 #include <QMenuBar>
 
 #include "controls/OVRecorderWindow.h"
+#include "document/OVFileKinds.h"
 #include "platform/Localization.h"
+#include "platform/RecentDocuments.h"
 
 using platform::localized;
+
+namespace {
+
+constexpr std::size_t kRecentFiles = 10;  // shown in the menu
+
+}  // namespace
 
 OVMainMenu::OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& controller,
                        ApplicationCommands commands)
@@ -21,6 +29,11 @@ OVMainMenu::OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& contro
   addTransportMenu();
   addViewMenu();
   addHelpMenu();
+  controller->setCommandsChangedHandler([menu = QPointer<OVMainMenu>(this)] {
+    if (menu) {
+      menu->update();
+    }
+  });
   if (const auto manager = controller->windowWillReturnUndoManager()) {
     manager->setChangeHandler([menu = QPointer<OVMainMenu>(this)] {
       if (menu) {
@@ -58,8 +71,27 @@ QAction* OVMainMenu::addDocumentCommand(QMenu* menu, const char* title, Controll
 
 void OVMainMenu::addFileMenu() {
   QMenu* const menu = addMenu("&File");
+  using Kind = Controller::MenuAction;
+  const auto add = [&](const char* title, Command command) {
+    return addDocumentCommand(menu, title, Kind::file,
+                              [command](Controller& c) { (c.*command)(nullptr); });
+  };
   addCommand(menu, "New Recorder", commands_.spawnNewRecorderWindow)
       ->setShortcut(QKeySequence::New);
+  addCommand(menu, "Open…", [open = commands_.openFile, window = window_] {
+    open(window);
+  })->setShortcut(QKeySequence::Open);
+  recent_ = menu->addMenu(localized("Open Recent"));
+  recent_->setObjectName("Open Recent");
+  connect(menu, &QMenu::aboutToShow, this, &OVMainMenu::fillRecentMenu);
+  add("Import…", &Controller::importFile)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
+  menu->addSeparator();
+  add("Save", &Controller::saveFile)->setShortcut(QKeySequence::Save);
+  add("Save As…", &Controller::saveFileAs)
+      ->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
+  menu->addSeparator();
+  add("Export Ringtone…", &Controller::exportRingtone);
+  add("Export Waveform Picture…", &Controller::dumpWaveform);
   menu->addSeparator();
   addCommand(menu, "Close", [window = window_] {
     if (window) {
@@ -67,6 +99,20 @@ void OVMainMenu::addFileMenu() {
     }
   })->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
   addCommand(menu, "Quit", commands_.terminate)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+}
+
+void OVMainMenu::fillRecentMenu() {
+  recent_->clear();
+  for (const std::string& path : platform::recentDocuments().recentDocuments(kRecentFiles)) {
+    QString name = QString::fromStdString(lastPathComponent(path));
+    name.replace(QLatin1Char('&'), QLatin1String("&&"));
+    QAction* const action = recent_->addAction(name);
+    action->setToolTip(QString::fromStdString(path));
+    connect(action, &QAction::triggered, this,
+            [open = commands_.openRecentFile, path] { open(path); });
+  }
+  recent_->setToolTipsVisible(true);
+  recent_->setEnabled(!recent_->isEmpty());
 }
 
 void OVMainMenu::addEditMenu() {
@@ -113,6 +159,10 @@ void OVMainMenu::addViewMenu() {
 
 void OVMainMenu::addHelpMenu() {
   QMenu* const menu = addMenu("&Help");
+  addCommand(menu, "Documentation", commands_.openDocumentation)
+      ->setShortcut(QKeySequence::HelpContents);
+  addCommand(menu, "Website", commands_.openWebsite);
+  menu->addSeparator();
   addCommand(menu, "Diagnostics", commands_.showDiagnostics);
   addCommand(menu, "About Orvo", commands_.showAbout);
 }
@@ -127,12 +177,12 @@ void OVMainMenu::update() {
   }
   spectrum_->setChecked(document->isSpectrumShown());
   const auto manager = document->windowWillReturnUndoManager();
-  const auto title = [](const char* verb, const std::string& name) {
-    return name.empty() ? localized(verb)
-                        : localized(verb) + QLatin1Char(' ') + QString::fromStdString(name);
+  const auto title = [](const char* alone, const char* withAction, const std::string& name) {
+    return name.empty() ? localized(alone)
+                        : localized(withAction).arg(QString::fromStdString(name));
   };
   if (manager) {
-    undo_->setText(title("Undo", manager->undoActionName()));
-    redo_->setText(title("Redo", manager->redoActionName()));
+    undo_->setText(title("Undo", "Undo %1", manager->undoActionName()));
+    redo_->setText(title("Redo", "Redo %1", manager->redoActionName()));
   }
 }

@@ -23,7 +23,11 @@ class OVMainMenu : public QObject {
  public:
   struct ApplicationCommands {
     std::function<void()> spawnNewRecorderWindow;
+    std::function<void(QWidget* window)> openFile;
+    std::function<void(const std::string& path)> openRecentFile;
     std::function<void()> terminate;
+    std::function<void()> openDocumentation;
+    std::function<void()> openWebsite;
     std::function<void()> showDiagnostics;
     std::function<void()> showAbout;
   };
@@ -45,6 +49,7 @@ class OVMainMenu : public QObject {
   QAction* addDocumentCommand(QMenu* menu, const char* title, Controller::MenuAction kind,
                               std::function<void(Controller&)> command);
   void addFileMenu();
+  void fillRecentMenu();
   void addEditMenu();
   void addTransportMenu();
   void addViewMenu();
@@ -53,6 +58,7 @@ class OVMainMenu : public QObject {
   std::weak_ptr<Controller> controller_;
   ApplicationCommands commands_;
   QPointer<QMainWindow> window_;
+  QMenu* recent_ = nullptr;
   QAction* undo_ = nullptr;
   QAction* redo_ = nullptr;
   QAction* spectrum_ = nullptr;  // checked while the spectrum is shown

@@ -1,15 +1,22 @@
 #include "app/VelmarAppDelegate.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <utility>
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QUrl>
 
 #include "app/OVDiagnosticsWindow.h"
 #include "controls/OVRecorderWindow.h"
+#include "document/OVFileKinds.h"
 #include "document/VLRecorderWindowController.h"
+#include "platform/ApplicationServices.h"
+#include "platform/DesktopServices.h"
 #include "platform/Localization.h"
+#include "platform/Panels.h"
+#include "platform/RecentDocuments.h"
 
 namespace {
 
@@ -39,18 +46,74 @@ void VelmarAppDelegate::applicationDidFinishLaunching() {
 }
 
 void VelmarAppDelegate::spawnNewRecorderWindow(QObject*) {
-  const auto controller = VLRecorderWindowController::initWithWindowNibName("VNRecorderWindow");
+  makeWindow()->showWindow();
+}
+
+std::shared_ptr<VLRecorderWindowController> VelmarAppDelegate::makeWindow() {
+  auto controller = VLRecorderWindowController::initWithWindowNibName("VNRecorderWindow");
   new OVMainMenu(controller, commands());  // belongs to the window
-  controller->showWindow();
+  controller->window()->setDropHandler(
+      [this](const std::vector<std::string>& paths) { applicationOpenFiles(paths); });
+  return controller;
 }
 
 OVMainMenu::ApplicationCommands VelmarAppDelegate::commands() {
   return {
       .spawnNewRecorderWindow = [this] { spawnNewRecorderWindow(nullptr); },
+      .openFile = [this](QWidget* window) { openFile(window); },
+      .openRecentFile = [this](const std::string& path) { applicationOpenFile(path); },
       .terminate = [this] { terminate(); },
+      .openDocumentation = [this] { openDocumentation(nullptr); },
+      .openWebsite = [this] { openWebsite(nullptr); },
       .showDiagnostics = [this] { showDiagnostics(); },
       .showAbout = [this] { showAbout(); },
   };
+}
+
+bool VelmarAppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
+  if (!hasVisibleWindows) {
+    spawnNewRecorderWindow(nullptr);
+  }
+  return true;
+}
+
+// Open ------------------------------------------------------------------------------------------
+
+bool VelmarAppDelegate::applicationOpenFile(const std::string& path) {
+  return applicationOpenFiles({path});
+}
+
+bool VelmarAppDelegate::applicationOpenFiles(const std::vector<std::string>& paths) {
+  for (const std::string& path : paths) {
+    spawn_rec_ = false;
+    openInNewWindow(path);
+  }
+  return true;
+}
+
+void VelmarAppDelegate::openInNewWindow(const std::string& path) {
+  const std::string absolute = std::filesystem::absolute(path).lexically_normal().string();
+  platform::recentDocuments().noteNewRecentDocument(absolute);
+  const auto controller = makeWindow();
+  controller->showWindow();
+  controller->window()->setTitle(VLRecorderWindowController::titleWithName(
+      QString::fromStdString(lastPathComponent(absolute))));
+  controller->setCurrentFilename(absolute);
+  controller->setCurrentFiletype(-1);
+  controller->openFileNamed(absolute);
+}
+
+void VelmarAppDelegate::openFile(QWidget* window) {
+  platform::panels().beginOpenPanel({.window = window,
+                                     .title = platform::localized("Open"),
+                                     .acceptLabel = platform::localized("Open"),
+                                     .allowsMultipleSelection = true,
+                                     .fileTypes = readableFileTypes()},
+                                    [this](const std::vector<std::string>& paths) {
+                                      for (const std::string& path : paths) {
+                                        openInNewWindow(path);
+                                      }
+                                    });
 }
 
 // Quit ------------------------------------------------------------------------------------------
@@ -77,11 +140,15 @@ VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate(
   if (!edited) {
     return TerminateReply::now;
   }
+  pollTermination();
+  return TerminateReply::cancel;
+}
+
+void VelmarAppDelegate::pollTermination() {
   if (!terminationTimer_) {
     terminationTimer_ =
         std::make_unique<platform::Timer>(kTerminationInterval, [this] { checkTermination(); });
   }
-  return TerminateReply::cancel;
 }
 
 void VelmarAppDelegate::checkTermination() {
@@ -104,15 +171,20 @@ void VelmarAppDelegate::cancelTermination() {
 }
 
 void VelmarAppDelegate::terminate() {
-  if (applicationShouldTerminate() == TerminateReply::now) {
-    terminationTimer_.reset();
-    for (const auto& window : recorderWindows()) {
-      if (window) {
-        window->performClose();
-      }
-    }
-    quit_();
+  if (applicationShouldTerminate() != TerminateReply::now) {
+    return;
   }
+  for (const auto& window : recorderWindows()) {
+    if (window) {
+      window->performClose();
+    }
+  }
+  if (!recorderWindows().empty()) {
+    pollTermination();  // one is just being saved and goes when its file is complete
+    return;
+  }
+  terminationTimer_.reset();
+  quit_();
 }
 
 void VelmarAppDelegate::applicationWillTerminate() {
@@ -131,6 +203,26 @@ void VelmarAppDelegate::registerTempFile(const std::string& path) {
 std::vector<std::string> VelmarAppDelegate::tempfiles() const {
   const std::lock_guard lock(tempfilesMutex_);
   return tempfiles_;
+}
+
+// Pages -----------------------------------------------------------------------------------------
+
+// The address is looked up like any text, so that a language can have pages of its own.
+void VelmarAppDelegate::openDocumentation(QObject*) {
+  openPage("https://orvo.example/help/");
+}
+
+void VelmarAppDelegate::openWebsite(QObject*) {
+  openPage("https://orvo.example/");
+}
+
+void VelmarAppDelegate::openPage(const char* address) {
+  const QString page = platform::localized(address);
+  if (!platform::desktopServices().open(QUrl(page))) {
+    ShowModalAlert(
+        platform::localizedUtf8("The page could not be opened"),
+        platform::localized("No program was found that opens %1.").arg(page).toStdString());
+  }
 }
 
 // Diagnostics and About -------------------------------------------------------------------------

@@ -13,6 +13,7 @@
 
 class OVDiagnosticsWindow;
 class OVRecorderWindow;
+class VLRecorderWindowController;
 
 /// The application: opens recorder windows, keeps the list of temporary files that are deleted at
 /// the end, and runs the quit that waits for documents with unsaved changes.
@@ -32,12 +33,28 @@ class VelmarAppDelegate {
   void applicationDidFinishLaunching();
   void spawnNewRecorderWindow(QObject* sender);
 
+  /// Opens a file, or each of several in order, in a new window of its own, and lists it among the
+  /// desktop's recent documents. The program's arguments, the desktop's open event and files that
+  /// were dropped on a window come here too. True always: what cannot be opened is told.
+  bool applicationOpenFile(const std::string& path);
+  bool applicationOpenFiles(const std::vector<std::string>& paths);
+  /// Asks for files and opens each in a new window. The panel belongs to `window`, which may be
+  /// none.
+  void openFile(QWidget* window);
+  /// The desktop asked for the program again while it runs: a new window if none is visible. True
+  /// always.
+  bool applicationShouldHandleReopen(bool hasVisibleWindows);
+
+  void openDocumentation(QObject* sender);
+  void openWebsite(QObject* sender);
+
   enum class TerminateReply { cancel = 0, now = 1 };
 
   /// Asks every edited window to close; "now" when none is edited. While one is, checkTermination
   /// is called 30 times a second.
   TerminateReply applicationShouldTerminate();
-  /// Ends the wait of a quit: terminates once no window is edited any more.
+  /// Ends the wait of a quit: terminates once no window is edited any more. A window that is just
+  /// being saved is waited for as well.
   void checkTermination();
   /// A document's question was answered with Cancel: the quit is off.
   void cancelTermination();
@@ -58,6 +75,10 @@ class VelmarAppDelegate {
 
  private:
   [[nodiscard]] static std::vector<QPointer<OVRecorderWindow>> recorderWindows();
+  std::shared_ptr<VLRecorderWindowController> makeWindow();
+  void openInNewWindow(const std::string& path);
+  void pollTermination();
+  static void openPage(const char* address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
 
   const std::function<void()> quit_;

@@ -1,16 +1,21 @@
+#include <csignal>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <QApplication>
 #include <QDBusConnection>
 #include <QIcon>
 
 #include "app/OVApplicationServices.h"
+#include "app/OVOpenEvents.h"
 #include "app/VelmarAppDelegate.h"
 #include "platform/AudioQueue.h"
 #include "platform/CubebAudioDevice.h"
 #include "platform/DesktopColours.h"
 #include "platform/DeviceAudioQueues.h"
 #include "platform/Dispatch.h"
+#include "platform/FileAddress.h"
 
 namespace {
 
@@ -25,9 +30,22 @@ std::shared_ptr<OVApplicationServices> servicesOf(VelmarAppDelegate& delegate) {
   });
 }
 
+// Files come as paths, byte for byte, or as addresses: the desktop's list of recent files says so.
+std::vector<std::string> filesOf(int argc, char** argv) {
+  std::vector<std::string> paths;
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    paths.push_back(platform::pathOfFileAddress(argument).value_or(argument));
+  }
+  return paths;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+#if defined(SIGXFSZ)
+  std::signal(SIGXFSZ, SIG_IGN);  // a limit on a file's size is a failed write, not the end
+#endif
   // The microphone begins to open while everything else starts up.
   const auto queues =
       std::make_shared<platform::DeviceAudioQueues>(std::make_shared<platform::CubebAudioDevice>());
@@ -47,6 +65,10 @@ int main(int argc, char** argv) {
   VelmarAppDelegate delegate([] { QCoreApplication::exit(0); });
   const platform::ApplicationServicesInstallation installedServices(servicesOf(delegate));
   delegate.applicationWillFinishLaunching();
+  OVOpenEvents openEvents(
+      [&delegate](const std::string& path) { delegate.applicationOpenFile(path); });
+  application.installEventFilter(&openEvents);
+  delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has taken its own out
   delegate.applicationDidFinishLaunching();
   const platform::DesktopColours colours(QDBusConnection::sessionBus());  // after the window is up
   const int result = QApplication::exec();

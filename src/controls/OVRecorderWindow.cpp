@@ -3,17 +3,32 @@
 #include <utility>
 
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QKeyEvent>
 #include <QLayout>
 #include <QMenuBar>
+#include <QMimeData>
+#include <QUrl>
 
 #include "controls/OVRecorderWindowDelegate.h"
+#include "platform/Dispatch.h"
 #include "platform/KeyCodes.h"
 
 namespace {
 
 constexpr QSize kContentSize(640, 330);             // points
 const QString kEditedMark = QStringLiteral("[*]");  // where Qt shows the mark for unsaved changes
+
+std::vector<std::string> localFiles(const QMimeData& data) {
+  std::vector<std::string> paths;
+  for (const QUrl& address : data.urls()) {
+    if (address.isLocalFile()) {
+      paths.push_back(address.toLocalFile().toStdString());
+    }
+  }
+  return paths;
+}
 
 }  // namespace
 
@@ -109,4 +124,26 @@ void OVRecorderWindow::closeEvent(QCloseEvent* event) {
   }
   closed_ = true;
   delegate->windowWillClose(this);
+}
+
+// Dropped files -----------------------------------------------------------------------------------
+
+void OVRecorderWindow::setDropHandler(DropHandler handler) {
+  dropHandler_ = std::move(handler);
+  setAcceptDrops(dropHandler_ != nullptr);
+}
+
+void OVRecorderWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (!localFiles(*event->mimeData()).empty()) {
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+  }
+}
+
+void OVRecorderWindow::dropEvent(QDropEvent* event) {
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+  // The program that was dragged from waits for the end of this call.
+  const auto paths = localFiles(*event->mimeData());
+  platform::mainQueue().async([handler = dropHandler_, paths] { handler(paths); });
 }

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <QMainWindow>
 
@@ -35,6 +38,10 @@ class OVRecorderWindow : public QMainWindow {
   [[nodiscard]] QString title() const;
   void setTitle(const QString& title);
 
+  /// Called with the local files that were dropped on the window. None: nothing can be dropped.
+  using DropHandler = std::function<void(const std::vector<std::string>& paths)>;
+  void setDropHandler(DropHandler handler);
+
   /// The size at which the content is 640 x 330 points below the menu bar.
   [[nodiscard]] QSize sizeHint() const override;
 
@@ -45,8 +52,11 @@ class OVRecorderWindow : public QMainWindow {
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   std::weak_ptr<OVRecorderWindowDelegate> delegate_;
+  DropHandler dropHandler_;
   bool closed_ = false;
 };

@@ -1,10 +1,10 @@
 #include "document/VLRecorderWindowController.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <random>
-#include <system_error>
 
 #include <QLayout>
 
@@ -21,6 +21,7 @@
 #include "document/OVSpectrumAnalyser.h"
 #include "document/OVSpectrumStrip.h"
 #include "platform/ApplicationServices.h"
+#include "platform/FailureReason.h"
 #include "platform/File.h"
 #include "platform/Localization.h"
 #include "storage/OVBlockBuffer.h"
@@ -97,8 +98,7 @@ VLRecorderWindowController::~VLRecorderWindowController() {
 void VLRecorderWindowController::windowDidLoad() {
   connectViews();
   if (window_) {
-    window_->setTitle(
-        QStringLiteral("%1 - %2").arg(platform::localized("Orvo"), platform::localized("Unnamed")));
+    window_->setTitle(titleWithName(platform::localized("Unnamed")));
   }
   spectrumAnalyser_ = OVSpectrumAnalyser::create();
   undoManager_ = std::make_shared<platform::UndoManager>();
@@ -258,6 +258,11 @@ void VLRecorderWindowController::showWindow() {
   }
 }
 
+// Not one arg() for both: a name may hold the placeholder of the other.
+QString VLRecorderWindowController::titleWithName(const QString& name) {
+  return platform::localized("Orvo") + QStringLiteral(" - ") + name;
+}
+
 bool VLRecorderWindowController::isDocumentEdited() const {
   return window_ ? window_->isDocumentEdited() : documentEdited_;
 }
@@ -269,11 +274,8 @@ void VLRecorderWindowController::setDocumentEdited(bool edited) {
   }
 }
 
-bool VLRecorderWindowController::windowShouldClose(OVRecorderWindow*) {
-  return true;
-}
-
 void VLRecorderWindowController::windowWillClose(OVRecorderWindow*) {
+  *fileJobCancelled_ = true;
   pollTimer_.reset();
   fftTimer_.reset();
   if (player_) {
@@ -299,6 +301,7 @@ void VLRecorderWindowController::recreateIndicator(bool indeterminate) {
   fresh->setObjectName(old->objectName());
   fresh->setGeometry(old->geometry());
   fresh->setAccessibleName(old->accessibleName());
+  indicatorValue_ = 0.0;
   fresh->setRange(0, indeterminate ? 0 : kIndicatorSteps);
   fresh->setValue(0);
   fresh->setVisible(false);
@@ -310,15 +313,15 @@ void VLRecorderWindowController::recreateIndicator(bool indeterminate) {
 }
 
 void VLRecorderWindowController::advanceIndicator(double by) {
-  if (loadingIndicator_) {
-    setIndicatorValue(static_cast<double>(loadingIndicator_->value()) / kIndicatorSteps + by);
-  }
+  setIndicatorValue(indicatorValue_ + by);
 }
 
 void VLRecorderWindowController::setIndicatorValue(double value) {
+  indicatorValue_ = value;
   if (loadingIndicator_) {
     loadingIndicator_->setRange(0, kIndicatorSteps);
-    loadingIndicator_->setValue(static_cast<int>(std::lround(value * kIndicatorSteps)));
+    const double shown = std::clamp(value, 0.0, 1.0);
+    loadingIndicator_->setValue(static_cast<int>(std::lround(shown * kIndicatorSteps)));
   }
 }
 
@@ -386,6 +389,8 @@ void VLRecorderWindowController::audioBufferFailedToWrite(int error) {
   if (recorder && recorder->isRecording()) {
     recorder->stopWriting();  // what cannot be kept is not mapped either
     writeError_ = error;
+  } else if (isLoading_) {
+    writeError_ = error;
   }
 }
 
@@ -414,9 +419,9 @@ void VLRecorderWindowController::writingFailed(int error,
   }
   dropLostEnd(atByteOffset, withSize);
   ShowModalAlert(platform::localizedUtf8("The recording was stopped"),
-                 platform::localized("The audio could not be written to the temporary file: %1.\n\n"
+                 platform::localized("The audio could not be written to the temporary file. %1\n\n"
                                      "Everything recorded before is kept.")
-                     .arg(QString::fromStdString(std::generic_category().message(error)))
+                     .arg(QString::fromStdString(platform::failureReason(error)))
                      .toStdString());
 }
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include <QComboBox>
 #include <QPointer>
 #include <QProgressBar>
 #include <QRectF>
@@ -19,6 +20,7 @@
 #include "controls/OVRecorderWindowDelegate.h"
 #include "displays/OVVUViewDataSource.h"
 #include "document/OVRecordedChunk.h"
+#include "document/OVSaveJob.h"
 #include "platform/AudioTypes.h"
 #include "platform/Dispatch.h"
 #include "platform/Timer.h"
@@ -28,6 +30,7 @@
 
 class OVAQPlayer;
 class OVAQRecorder;
+class OVAudioFileReader;
 class OVCircularVUView;
 class OVFFTView;
 class OVHoverButton;
@@ -54,7 +57,8 @@ class OVWaveformSummary;
 ///
 /// Sources, by concern: VLRecorderWindowController.cpp (set-up, tear-down, callbacks), …Transport
 /// (buttons, menus, keys), …Display (the 25 Hz loop, positions, clicks), …Editing (cuts, undo),
-/// …Spectrum (the spectrum below the transport bar).
+/// …Spectrum (the spectrum below the transport bar), …Loading (open, import), …Saving (save,
+/// exports, the question about unsaved changes).
 ///
 /// Threads: main, except the buffer's and the player's callbacks, the positions, isRendering-
 /// Waveform and the redraw requests, which any thread may call.
@@ -122,8 +126,13 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void redoCommand();
 
   /// The commands of a menu that are not always possible.
-  enum class MenuAction { reverseBuffer, undo, redo, edit, transport, other };
+  enum class MenuAction { reverseBuffer, undo, redo, edit, transport, file, other };
   [[nodiscard]] bool validateMenuItem(MenuAction action) const;
+  /// Called whenever validateMenuItem() may answer otherwise because a file operation began or
+  /// ended; the undo manager tells of its own changes.
+  void setCommandsChangedHandler(std::function<void()> handler) {
+    commandsChanged_ = std::move(handler);
+  }
 
   [[nodiscard]] std::shared_ptr<platform::UndoManager> windowWillReturnUndoManager() const;
 
@@ -184,7 +193,55 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// than 4 bytes.
   void doFFTwithData(const void* data, std::uint32_t size);
 
+  // Opening and importing -----------------------------------------------------------------------
+
+  /// Fills the document with a file, at the recording position, on a background queue. One file
+  /// operation at a time: nothing happens while another runs.
+  void openFileNamed(const std::string& path);
+  /// Asks for a file and writes it into the document at the recording position, undoably. A file
+  /// that cannot be read changes nothing.
+  void importFile(QObject* sender);
+  /// Main thread, after the last chunk: the waveform is built on a background queue.
+  void fileLoadingComplete();
+  /// Main thread, after the waveform: the document is stopped again.
+  void fileLoadingReallyComplete();
+
+  // Saving and exporting ------------------------------------------------------------------------
+
+  /// Saves to the document's file in its kind; asks where for a document that has none.
+  void saveFile(QObject* sender);
+  void saveFileAs(QObject* sender);
+  /// Writes the whole document to `path` on a background queue, beside the target first.
+  /// `withType` is a kind of the file writer, 0 to 3.
+  void saveFileNamed(const std::string& path, std::int32_t withType);
+  /// Main thread, after a save or an export that wrote everything.
+  void fileSavingComplete();
+
+  /// Longest ringtone, in seconds: phones take no longer ones.
+  static constexpr double kRingtoneSeconds = 40.0;
+  /// Asks where and writes at most kRingtoneSeconds from the marker, or from the start when the
+  /// marker is at the end, as AAC in an .m4r file; then opens it with the desktop's program.
+  void exportRingtone(QObject* sender);
+  /// Asks where and writes the waveform's picture as PNG, in the screen's own pixels.
+  void dumpWaveform(QObject* sender);
+  /// Part of the document's commands; does nothing.
+  void revealTempFile(QObject* sender);
+
+  /// Answers of the question about unsaved changes.
+  enum UnsavedChangesAnswer : int { kCancelClosing = -1, kDontSave = 0, kSave = 1 };
+  /// The end of that question. Any other code is a programming error and ends the program.
+  void alertDidEnd(int returnCode);
+
+  /// A load, save or export is running.
+  [[nodiscard]] bool isFileIOActive() const { return isFileIOActive_; }
+  /// A save or export is running: the window stays until it is complete.
+  [[nodiscard]] bool isSaving() const { return isSaving_; }
+  [[nodiscard]] bool isImport() const { return isImport_; }
+
   // Document ------------------------------------------------------------------------------------
+
+  /// The title of a document of this name: the product's name and it.
+  [[nodiscard]] static QString titleWithName(const QString& name);
 
   /// Path of the opened file, empty for a new recording.
   [[nodiscard]] const std::string& currentFilename() const { return currentFilename_; }
@@ -300,6 +357,38 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
                     const char* actionName = nullptr);
   void finishRefresh();
 
+  // Loading
+  struct LoadingRequest;
+  static void load(const LoadingRequest& request);
+  void openForImport(const std::string& path);
+  void beginImport(const std::string& path, const std::shared_ptr<OVAudioFileReader>& reader);
+  void startLoading(const std::string& path, std::shared_ptr<OVAudioFileReader> reader);
+  void loadedChunk(std::uint64_t byteOffset, double step);
+  void loadingEnded(bool opened, std::uint64_t endOffset, int writeError);
+  void keepWhatWasLoaded(std::uint64_t endOffset);
+  void takeImportBack();
+  void beginFileIO();
+  void endFileIO();
+  void setFileIOActive(bool active);
+  void saveIfClosing();
+  void setTransportEnabled(bool enabled);
+
+  // Saving
+  struct SavingRequest;
+  [[nodiscard]] static std::int32_t chosenType(const QPointer<QComboBox>& fileTypeButton);
+  void makeSaveAccessory(std::int32_t type);
+  [[nodiscard]] std::string suggestedName() const;
+  [[nodiscard]] std::int32_t suggestedType() const;
+  void startSaving(SavingRequest request);
+  [[nodiscard]] static std::optional<std::string> refusalOf(const SavingRequest& request);
+  void savingEnded(const SavingRequest& request, const OVSaveJob::Outcome& outcome);
+  void openSavedFile();
+  void saveFailed();
+  static void tellSaveFailed(const std::string& path, const std::string& reason);
+  void exportRingtoneTo(const std::string& path);
+  void writeWaveformPicture(const std::string& path);
+  void askToSave();
+
   [[nodiscard]] std::uint64_t bytesPerFrame() const;
   [[nodiscard]] std::uint64_t bufferSizeInFrames() const;
 
@@ -332,6 +421,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   QPointer<OVTransportBackgroundView> transportBackView_;
   QPointer<OVFFTView> fftView_;
   QPointer<QProgressBar> loadingIndicator_;
+  double indicatorValue_ = 0.0;  // of the progress bar, finer than it shows
   std::string currentFilename_;
   std::int32_t currentFiletype_ = -1;
   std::unique_ptr<platform::Timer> pollTimer_;
@@ -346,6 +436,21 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   bool prevSaveState_ = false;
   bool documentEdited_ = false;  // the flag of a document without a window
   bool isFileIOActive_ = false;
+  bool isSaving_ = false;
+  bool isExport_ = false;  // the save that runs touches neither the edited flag nor the file name
+  bool isImport_ = false;
+  bool importTakenBack_ = false;  // the import that runs could not be stored
+  bool isPanelShown_ = false;     // a panel or a question is attached to the window
+  bool windowShouldCloseAfterSaveSheet_ = false;
+  bool shouldCloseAfterSave_ = false;
+  bool shell_open_file_after_save_ = false;
+  std::string last_saved_file_path_;
+  QPointer<QWidget> fileSaveAccessoryView_;
+  QPointer<QComboBox> fileTypeButton_;
+  // Set when the window closes: a load that runs ends at its next chunk.
+  std::shared_ptr<std::atomic<bool>> fileJobCancelled_ = std::make_shared<std::atomic<bool>>(false);
+  std::function<void()> commandsChanged_;
+  std::function<void()> afterLoading_;  // what is still to be told when the load has ended
 
   // Guarded by their queues.
   std::uint64_t _playbackPosition = 0;
@@ -357,6 +462,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::atomic<bool> isRenderingWaveform_ = false;
   std::atomic<bool> summaryExtensionQueued_ = false;  // one extension in line is enough
   std::atomic<int> writeError_ = 0;                   // errno of the write being reported
+  std::atomic<bool> isLoading_ = false;               // the loading job writes into the buffer
   std::atomic<bool> writeFailureTold_ = false;        // once per recording
 
   // Guards itself: the writer's thread replaces, the spectrum takes.

@@ -243,6 +243,7 @@ bool VLRecorderWindowController::validateMenuItem(MenuAction action) const {
       return !isFileIOActive_ && undoManager_ && undoManager_->canRedo();
     case MenuAction::edit:
     case MenuAction::transport:
+    case MenuAction::file:
       return !isFileIOActive_;
     case MenuAction::other:
       return true;

@@ -150,13 +150,10 @@ void AudioFileDecoder::cutToPacket(AVFrame& frame) const {
 
 void AudioFileDecoder::finish(int error) {
   ended_ = true;
-  endError_ = error == AVERROR_EOF ? 0 : error;
-  if (endError_ != 0) {
-    return;
-  }
   // What stands between or behind the packets of a bare stream is mostly a tag, and no damage.
-  const bool damaged = lostPackets_ && (!demuxer_->isBareStream() || decodedFrames_ == 0);
-  if (damaged || isCutOff()) {
+  const bool rubbish = demuxer_->isBareStream() && decodedFrames_ > 0;
+  endError_ = error == AVERROR_EOF || (rubbish && error == AVERROR_INVALIDDATA) ? 0 : error;
+  if (endError_ == 0 && ((lostPackets_ && !rubbish) || isCutOff())) {
     endError_ = AVERROR_INVALIDDATA;
   }
 }
@@ -164,18 +161,20 @@ void AudioFileDecoder::finish(int error) {
 // Whether the header promised more than there was.
 bool AudioFileDecoder::isCutOff() const {
   const AVStream& stream = demuxer_->stream();
+  if (demuxer_->isLinearPcm()) {
+    const std::int64_t promised = demuxer_->promisedPcmFrames();
+    const std::int64_t bytesPerFrame = std::max(stream.codecpar->block_align, 1);
+    return promised > decodedFrames_ && promised < kPipedBytes / bytesPerFrame;
+  }
   const std::int64_t declared = demuxer_->declaredDuration();
   const int rate = codec_->sample_rate;
-  if (declared == 0 || rate <= 0 || !(demuxer_->isLinearPcm() || demuxer_->isMpeg4())) {
+  // Other containers' lengths take in an encoder's silence.
+  if (declared == 0 || rate <= 0 || !(demuxer_->isMpeg4() || demuxer_->isBareStream())) {
     return false;
   }
   const std::int64_t frames =
       av_rescale_q_rnd(declared, stream.time_base, {1, rate}, AV_ROUND_NEAR_INF);
-  if (demuxer_->isMpeg4()) {
-    return frames - kToleratedFrames > decodedFrames_;
-  }
-  const std::int64_t bytesPerFrame = std::max(stream.codecpar->block_align, 1);
-  return frames > decodedFrames_ && frames < kPipedBytes / bytesPerFrame;
+  return frames - kToleratedFrames > decodedFrames_;
 }
 
 }  // namespace platform

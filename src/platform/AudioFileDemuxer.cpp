@@ -1,13 +1,17 @@
 #include "platform/AudioFileDemuxer.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <limits>
 #include <mutex>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/intreadwrite.h>
 #include <libavutil/mem.h>
 #include <libavutil/opt.h>
 }
@@ -21,11 +25,16 @@ using std::chrono::milliseconds;
 // is no sound file would be tried.
 constexpr const char* kContainers = "wav,w64,aiff,caf,mov,mp3,aac";
 
-// Header and first packets of a good file take milliseconds. Together below two seconds.
-constexpr milliseconds kHeaderWork{700};
-constexpr milliseconds kFirstPacketsWork{400};
+// Header and first packets of a good file take milliseconds. Together below one second.
+constexpr milliseconds kHeaderWork{500};
+constexpr milliseconds kFirstPacketsWork{300};
 // More than the index of a day of sound needs.
 constexpr std::int64_t kHeaderBytes = std::int64_t{256} << 20;
+
+// A packet takes microseconds. Longer is only a search through what is no sound, for the next thing
+// that is, and after this time the file counts as ended.
+constexpr milliseconds kPacketWork{500};
+constexpr std::int64_t kPacketBytes = std::numeric_limits<std::int64_t>::max();
 
 // Bounds what a damaged length field can make the libraries allocate at once.
 constexpr std::size_t kLargestAllocation = std::size_t{512} << 20;
@@ -57,7 +66,8 @@ std::unique_ptr<AudioFileDemuxer> AudioFileDemuxer::open(File& file, std::uint64
     error = AVERROR(ENOMEM);
     return nullptr;
   }
-  std::unique_ptr<AudioFileDemuxer> demuxer(new AudioFileDemuxer(std::move(io), interruption));
+  std::unique_ptr<AudioFileDemuxer> demuxer(
+      new AudioFileDemuxer(file, std::move(io), interruption));
   error = demuxer->openContainer(path);
   if (error >= 0) {
     error = demuxer->chooseStream();
@@ -96,6 +106,7 @@ int AudioFileDemuxer::openContainer(const std::string& path) {
   }
   context_.reset(context);
   io_->clearInterruption();
+  headerEnd_ = static_cast<std::uint64_t>(std::max<std::int64_t>(avio_tell(context->pb), 0));
   return 0;
 }
 
@@ -120,6 +131,9 @@ int AudioFileDemuxer::chooseStream() {
         i == static_cast<unsigned>(best) ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
   }
   stream_ = context_->streams[best];
+  const char* const codec = avcodec_get_name(stream_->codecpar->codec_id);
+  isLinearPcm_ = std::strncmp(codec, "pcm_", 4) == 0 &&
+                 av_get_exact_bits_per_sample(stream_->codecpar->codec_id) >= 8;
   return 0;
 }
 
@@ -128,12 +142,23 @@ int AudioFileDemuxer::read(AVPacket& packet) {
     if (interruption_.isDue()) {
       return AVERROR_EXIT;
     }
+    const bool limited = interruption_.limitIfNone(kPacketWork, kPacketBytes);
     const int result = av_read_frame(context_.get(), &packet);
+    const bool endless = limited && result == AVERROR_EXIT && !interruption_.isCancelled();
+    if (limited) {
+      interruption_.lift();
+    }
+    if (endless) {
+      return AVERROR_EOF;
+    }
     if (result < 0) {
       // A failing medium looks like the end of the file to some demuxers.
       return io_->firstError() != 0 && result != AVERROR_EXIT ? io_->firstError() : result;
     }
     if (packet.stream_index == stream_->index) {
+      if (isLinearPcm_ && stream_->codecpar->block_align > 0) {
+        packet.size -= packet.size % stream_->codecpar->block_align;  // half a frame is none
+      }
       return 0;
     }
     av_packet_unref(&packet);
@@ -149,14 +174,35 @@ bool AudioFileDemuxer::isBareStream() const {
          std::strcmp(context_->iformat->name, "aac") == 0;
 }
 
-bool AudioFileDemuxer::isLinearPcm() const {
-  return av_get_exact_bits_per_sample(stream_->codecpar->codec_id) >= 8 &&
-         avcodec_descriptor_get(stream_->codecpar->codec_id) != nullptr &&
-         std::strncmp(avcodec_get_name(stream_->codecpar->codec_id), "pcm_", 4) == 0;
+// Without a length in the header, or with one beyond the file's end, the libraries guess by the
+// file's size and the rate of bytes.
+bool AudioFileDemuxer::isDurationGuessed() const {
+  return context_->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
 }
 
 std::int64_t AudioFileDemuxer::declaredDuration() const {
-  return stream_->duration == AV_NOPTS_VALUE || stream_->duration < 0 ? 0 : stream_->duration;
+  return isDurationGuessed() || stream_->duration == AV_NOPTS_VALUE || stream_->duration < 0
+             ? 0
+             : stream_->duration;
+}
+
+std::int64_t AudioFileDemuxer::promisedPcmFrames() const {
+  if (stream_->nb_frames > 0) {
+    return stream_->nb_frames;
+  }
+  if (!isDurationGuessed()) {
+    return declaredDuration();  // the time base is a frame
+  }
+  // A WAV whose samples should go on behind its end: their chunk tells how far.
+  constexpr std::size_t kChunkHeader = 8;  // its name, its bytes
+  std::array<std::uint8_t, kChunkHeader> header{};
+  if (headerEnd_ < kChunkHeader || stream_->codecpar->block_align <= 0 ||
+      file_.readAt(header.data(), kChunkHeader, headerEnd_ - kChunkHeader).byteCount !=
+          kChunkHeader ||
+      std::memcmp(header.data(), "data", 4) != 0) {
+    return 0;
+  }
+  return AV_RL32(header.data() + 4) / static_cast<std::uint32_t>(stream_->codecpar->block_align);
 }
 
 }  // namespace platform

@@ -36,8 +36,9 @@ class AudioFileDemuxer {
 
   [[nodiscard]] const AVStream& stream() const { return *stream_; }
 
-  /// The next packet of the stream: 0, AVERROR_EOF at the end, AVERROR_EXIT when interrupted, or
-  /// the error that ended the file.
+  /// The next packet of the stream: 0, AVERROR_EOF at the end (also when what follows is so long no
+  /// sound that the search for the next packet was given up), AVERROR_EXIT when interrupted, or the
+  /// error that ended the file.
   [[nodiscard]] int read(AVPacket& packet);
 
   /// MPEG-4: its packets bear durations that also tell where the last one's sound ends.
@@ -45,23 +46,34 @@ class AudioFileDemuxer {
   /// MP3 or ADTS: a bare row of packets without a table, the length of which nothing tells.
   [[nodiscard]] bool isBareStream() const;
   /// Uncompressed samples: frames of a fixed number of bytes.
-  [[nodiscard]] bool isLinearPcm() const;
+  [[nodiscard]] bool isLinearPcm() const { return isLinearPcm_; }
 
-  /// Length of the stream in units of its time base as the header gives it; 0 when unknown. May
-  /// be any nonsense in a damaged file.
+  /// Length of the stream in units of its time base as the header gives it; 0 when it gives none.
+  /// May be any nonsense in a damaged file.
   [[nodiscard]] std::int64_t declaredDuration() const;
 
+  /// Length in frames that the header of linear PCM promises, whether the file is so long or not;
+  /// 0 when it promises none.
+  [[nodiscard]] std::int64_t promisedPcmFrames() const;
+
+  /// Byte at which the header ended and, in a file of linear PCM, the samples begin.
+  [[nodiscard]] std::uint64_t headerEnd() const { return headerEnd_; }
+
  private:
-  AudioFileDemuxer(std::unique_ptr<AudioFileIo> io, AudioFileInterruption& interruption)
-      : io_(std::move(io)), interruption_(interruption) {}
+  AudioFileDemuxer(File& file, std::unique_ptr<AudioFileIo> io, AudioFileInterruption& interruption)
+      : file_(file), io_(std::move(io)), interruption_(interruption) {}
 
   [[nodiscard]] int openContainer(const std::string& path);
   [[nodiscard]] int chooseStream();
+  [[nodiscard]] bool isDurationGuessed() const;
 
+  File& file_;
   const std::unique_ptr<AudioFileIo> io_;  // outlives the context
   AudioFileInterruption& interruption_;
   AvInput context_;
   AVStream* stream_ = nullptr;  // the context's
+  bool isLinearPcm_ = false;
+  std::uint64_t headerEnd_ = 0;
 };
 
 }  // namespace platform

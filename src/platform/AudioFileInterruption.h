@@ -38,6 +38,14 @@ class AudioFileInterruption {
     deadline_ = Clock::now() + work;
     bytesLeft_ = bytes;
   }
+  /// The same where there is no limit yet; whether it is this one that holds now.
+  bool limitIfNone(std::chrono::milliseconds work, std::int64_t bytes) {
+    if (deadline_) {
+      return false;
+    }
+    limit(work, bytes);
+    return true;
+  }
   void lift() { deadline_.reset(); }
 
   /// A read of the system took so long and gave so many bytes.

@@ -87,7 +87,8 @@ std::int64_t audioFileLengthFrames(const AudioFileDemuxer& demuxer, File& file, 
   std::int64_t duration = demuxer.declaredDuration();
   if (demuxer.isLinearPcm() && stream.codecpar->block_align > 0) {
     // More than the file holds cannot come, whatever its header says. The time base is a frame.
-    const auto most = static_cast<std::int64_t>(size) / stream.codecpar->block_align;
+    const std::uint64_t bytes = size - std::min(size, demuxer.headerEnd());
+    const auto most = static_cast<std::int64_t>(bytes) / stream.codecpar->block_align;
     duration = duration == 0 ? most : std::min(duration, most);
   }
   return workingFrames(duration, stream.time_base);

@@ -1,6 +1,8 @@
 #include "platform/File.h"
 
 #include <atomic>
+#include <filesystem>
+#include <system_error>
 
 #include "platform/PosixFile.h"
 
@@ -16,6 +18,11 @@ std::atomic<TemporaryFiles*> installedFiles{nullptr};
 TemporaryFiles& temporaryFiles() {
   TemporaryFiles* const files = installedFiles.load(std::memory_order_acquire);
   return files != nullptr ? *files : operatingSystemTemporaryFiles();
+}
+
+void deleteFile(const std::string& path) {
+  std::error_code ignored;
+  std::filesystem::remove(path, ignored);
 }
 
 TemporaryFilesInstallation::TemporaryFilesInstallation(TemporaryFiles& files)

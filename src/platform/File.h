@@ -30,6 +30,14 @@ class File {
   /// Writes `byteCount` bytes at `offset`, lengthening the file as needed; fewer when it fails.
   [[nodiscard]] virtual FileTransfer writeAt(const void* data, std::uint64_t byteCount,
                                              std::uint64_t offset) = 0;
+
+  /// Length in bytes; 0 where the system does not tell.
+  [[nodiscard]] virtual std::uint64_t size() = 0;
+
+  /// Makes the file `byteCount` bytes long: what lies behind is gone, what is new is zeros. Gives
+  /// the errno of the failure, 0 for none; a file that could not be made longer or shorter is as it
+  /// was.
+  [[nodiscard]] virtual int setSize(std::uint64_t byteCount) = 0;
 };
 
 /// Makes temporary files. A test puts in one whose files fail, fill up, or keep no zeros.
@@ -41,7 +49,7 @@ class TemporaryFiles {
 
   struct Created {
     std::unique_ptr<File> file;  ///< null when it failed
-    std::string path;            ///< path under which it was created, already unlinked
+    std::string path;            ///< path under which it was created, or was to be
     int error = 0;               ///< errno of the failure
   };
 
@@ -51,7 +59,16 @@ class TemporaryFiles {
   /// Creates and opens a new file from a template that ends in "XXXXXX", readable by the user
   /// alone, and unlinks it at once: its storage is gone when it is closed or the process dies.
   [[nodiscard]] virtual Created createUnlinked(const std::string& pathTemplate) = 0;
+
+  /// The same, from a template in which "XXXXXX" stands before an extension, for a file that keeps
+  /// its name: whoever makes it has it deleted. Never a file that was there before.
+  [[nodiscard]] virtual Created createNamed(const std::string& pathTemplate) = 0;
 };
+
+/// Deletes the file at a path; an error is ignored.
+///
+/// Threads: any. Real-time: not safe.
+void deleteFile(const std::string& path);
 
 /// The installed maker of temporary files; at first the operating system's.
 TemporaryFiles& temporaryFiles();

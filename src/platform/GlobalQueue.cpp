@@ -1,17 +1,15 @@
+#include "platform/GlobalQueue.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <thread>
 
-#include "platform/Dispatch.h"
-
 namespace platform {
 namespace {
 
 constexpr std::chrono::seconds kIdleThreadLife{5};
-// A block may wait for a person (an alert), so the number of threads is generous.
-constexpr std::size_t kMaximumThreads = 64;
 
 }  // namespace
 

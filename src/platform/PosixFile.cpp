@@ -1,6 +1,7 @@
 #include "platform/PosixFile.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #if defined(__linux__)
 #include <linux/magic.h>
@@ -12,6 +13,7 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "platform/ContinuedTransfer.h"
@@ -21,11 +23,24 @@ namespace {
 
 static_assert(sizeof(off_t) == 8, "a recording is longer than 2 GB: build with 64-bit offsets");
 
+constexpr std::string_view kPlaceholders = "XXXXXX";
 constexpr auto kLargestOffset = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
 
 // Whether the system can express every offset of a transfer.
 bool canExpress(std::uint64_t byteCount, std::uint64_t offset) {
   return offset <= kLargestOffset && byteCount <= kLargestOffset - offset;
+}
+
+// A new file from a template whose placeholders stand before an extension of so many characters.
+TemporaryFiles::Created createFrom(const std::string& pathTemplate, std::size_t extensionLength) {
+  std::vector<char> path(pathTemplate.begin(), pathTemplate.end());
+  path.push_back('\0');
+  const int descriptor = ::mkostemps(path.data(), static_cast<int>(extensionLength), O_CLOEXEC);
+  if (descriptor < 0) {
+    const int error = errno;
+    return {.file = nullptr, .path = path.data(), .error = error};
+  }
+  return {.file = std::make_unique<PosixFile>(descriptor), .path = path.data(), .error = 0};
 }
 
 bool isOnDisk(const std::string& directory) {
@@ -71,6 +86,23 @@ FileTransfer PosixFile::writeAt(const void* data, std::uint64_t byteCount, std::
       });
 }
 
+std::uint64_t PosixFile::size() {
+  struct stat information = {};
+  return ::fstat(descriptor_, &information) == 0 ? static_cast<std::uint64_t>(information.st_size)
+                                                 : 0;
+}
+
+int PosixFile::setSize(std::uint64_t byteCount) {
+  if (byteCount > kLargestOffset) {
+    return EFBIG;
+  }
+  int result = 0;
+  do {
+    result = ::ftruncate(descriptor_, static_cast<off_t>(byteCount));
+  } while (result != 0 && errno == EINTR);
+  return result == 0 ? 0 : errno;
+}
+
 std::string chooseTemporaryDirectory(const char* tmpdir, const IsOnDisk& onDisk) {
   std::string directory = tmpdir == nullptr ? "" : tmpdir;
   if (directory.empty()) {
@@ -89,16 +121,20 @@ std::string PosixTemporaryFiles::directory() const {
 }
 
 TemporaryFiles::Created PosixTemporaryFiles::createUnlinked(const std::string& pathTemplate) {
-  std::vector<char> path(pathTemplate.begin(), pathTemplate.end());
-  path.push_back('\0');
-  const int descriptor = ::mkostemp(path.data(), O_CLOEXEC);
-  if (descriptor < 0) {
-    const int error = errno;
-    return {.file = nullptr, .path = path.data(), .error = error};
+  Created created = createFrom(pathTemplate, 0);
+  if (created.file != nullptr) {
+    // A name that could not be removed costs disk space after the end, but no audio: carry on.
+    ::unlink(created.path.c_str());
   }
-  // A name that could not be removed costs disk space after the end, but no audio: carry on.
-  ::unlink(path.data());
-  return {.file = std::make_unique<PosixFile>(descriptor), .path = path.data(), .error = 0};
+  return created;
+}
+
+TemporaryFiles::Created PosixTemporaryFiles::createNamed(const std::string& pathTemplate) {
+  const std::size_t placeholders = pathTemplate.rfind(kPlaceholders);
+  if (placeholders == std::string::npos) {
+    return {.file = nullptr, .path = pathTemplate, .error = EINVAL};
+  }
+  return createFrom(pathTemplate, pathTemplate.size() - placeholders - kPlaceholders.size());
 }
 
 TemporaryFiles& operatingSystemTemporaryFiles() {

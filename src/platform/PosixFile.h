@@ -11,7 +11,7 @@
 namespace platform {
 
 /// A file behind a descriptor, which it owns. Offsets that the system cannot express (from 2^63
-/// on) read as the end of the file and refuse to be written with EFBIG.
+/// on) read as the end of the file and refuse to be written, or to become the end, with EFBIG.
 ///
 /// Threads: any, also at the same time. Real-time: not safe.
 class PosixFile : public File {
@@ -25,18 +25,21 @@ class PosixFile : public File {
                                     std::uint64_t offset) override;
   [[nodiscard]] FileTransfer writeAt(const void* data, std::uint64_t byteCount,
                                      std::uint64_t offset) override;
+  [[nodiscard]] std::uint64_t size() override;
+  [[nodiscard]] int setSize(std::uint64_t byteCount) override;
 
  private:
   const int descriptor_;
 };
 
-/// Temporary files made with mkostemp, closed on exec.
+/// Temporary files made with mkostemps, closed on exec.
 ///
 /// Threads: any. Real-time: not safe.
 class PosixTemporaryFiles : public TemporaryFiles {
  public:
   [[nodiscard]] std::string directory() const override;
   [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override;
+  [[nodiscard]] Created createNamed(const std::string& pathTemplate) override;
 };
 
 /// Whether a directory's files live on a disk. False also for one that cannot be looked at.

@@ -1,3 +1,5 @@
+#include "platform/SerialQueue.h"
+
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
@@ -5,7 +7,7 @@
 #include <mutex>
 #include <thread>
 
-#include "platform/Dispatch.h"
+#include "platform/GlobalQueue.h"
 
 namespace platform {
 namespace {

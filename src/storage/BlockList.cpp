@@ -1,12 +1,9 @@
 #include "storage/BlockList.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <utility>
 
 namespace {
-
-constexpr std::size_t kInitialCapacity = 256;  // blocks; a recording rarely has more
 
 // Makes way for `added` in one block that stood in the list before it. A part behind the added
 // block that must become a block of its own goes to `splitOff`. False when nothing is left of the
@@ -41,83 +38,221 @@ bool followsInBothSpaces(const OVBlock& previous, const OVBlock& block) {
          previous.file_offset_start() + previous.size() == block.file_offset_start();
 }
 
-}  // namespace
-
-BlockList::BlockList() {
-  blocks_.reserve(kInitialCapacity);
+bool standsBefore(const OrderedBlock& left, const OrderedBlock& right) {
+  return left.order < right.order;
 }
 
-BlockList::BlockList(std::vector<OVBlock> blocks) : blocks_(std::move(blocks)), index_(blocks_) {}
+bool startsBefore(const OrderedBlock& left, const OrderedBlock& right) {
+  return left.block.linear_addr_start() < right.block.linear_addr_start();
+}
 
-void BlockList::map(const OVBlock& block) {
-  // Only blocks that it touches make way, and, by the steps' bounds, unreachable ones.
-  const bool allReachable = index_.size() == blocks_.size();
-  const bool free =
-      block.size() > 0 && allReachable && !index_.touches(block.linear_addr_start(), block.end());
-  index_.map(block);
-  if (free) {
-    blocks_.push_back(block);
-    return;
-  }
-  std::vector<OVBlock> splitOff;
-  std::size_t kept = 0;  // blocks_[0, kept) is the list so far
-  for (OVBlock each : blocks_) {
-    if (makeWay(each, block, splitOff)) {
-      blocks_[kept++] = each;
+}  // namespace
+
+BlockList::BlockList(const std::vector<OVBlock>& blocks) : isAllUnsettled_(true) {
+  std::vector<OrderedBlock> ordered;
+  std::vector<OrderedBlock> reachable;
+  for (const OVBlock& block : blocks) {
+    ordered.push_back({block, nextOrder_++});
+    if (isReachable(block)) {
+      reachable.push_back(ordered.back());
+    } else {
+      unreachable_.push_back(ordered.back().order);
     }
   }
-  blocks_.resize(kept);
-  blocks_.insert(blocks_.end(), splitOff.begin(), splitOff.end());
-  blocks_.push_back(block);
+  std::sort(reachable.begin(), reachable.end(), startsBefore);
+  list_ = BlockChunks<ByOrder>(ordered);
+  reachable_ = BlockChunks<ByAddress>(reachable);
+}
+
+std::vector<OVBlock> BlockList::blocks() const {
+  std::vector<OVBlock> result;
+  result.reserve(list_.size());
+  list_.forEach([&result](const OrderedBlock& block) { result.push_back(block.block); });
+  return result;
+}
+
+const OVBlock* BlockList::find(std::uint64_t address) const {
+  auto position = reachable_.lowerBound(address);
+  if (position == reachable_.end() || reachable_[position].block.linear_addr_start() > address) {
+    if (position == reachable_.begin()) {
+      return nullptr;
+    }
+    position = reachable_.previous(position);
+  }
+  const OVBlock& block = reachable_[position].block;
+  return block.contains(address) ? &block : nullptr;
+}
+
+// Writing ---------------------------------------------------------------------------------------
+
+void BlockList::map(const OVBlock& block) {
+  std::vector<OVBlock> splitOff;
+  for (const OrderedBlock& each : inReachOf(block)) {
+    OVBlock left = each.block;
+    if (!makeWay(left, block, splitOff)) {
+      remove(each);
+    } else if (left != each.block) {
+      change(each, left);
+    }
+  }
+  for (const OVBlock& part : splitOff) {
+    add(part);
+  }
+  add(block);
+}
+
+// The blocks that a write can change, in list order: of the reachable ones those that it overlaps
+// or touches; by the bounds of its steps, any of the others.
+std::vector<OrderedBlock> BlockList::inReachOf(const OVBlock& block) const {
+  std::vector<OrderedBlock> result;
+  auto position = reachable_.lowerBound(block.linear_addr_start());
+  if (position != reachable_.begin()) {
+    position = reachable_.previous(position);
+  }
+  for (; position != reachable_.end() &&
+         reachable_[position].block.linear_addr_start() <= block.end();
+       position = reachable_.next(position)) {
+    if (reachable_[position].block.end() >= block.linear_addr_start()) {
+      result.push_back(reachable_[position]);
+    }
+  }
+  for (const std::uint64_t order : unreachable_) {
+    result.push_back(list_[list_.find(order)]);
+  }
+  std::sort(result.begin(), result.end(), standsBefore);
+  return result;
+}
+
+void BlockList::add(const OVBlock& block) {
+  const OrderedBlock added{block, nextOrder_++};
+  list_.insert(added);
+  enter(added);
+  unsettled_.push_back(added.order);
+}
+
+void BlockList::remove(const OrderedBlock& block) {
+  const auto position = list_.find(block.order);
+  unsettleNextTo(position);
+  list_.erase(position);
+  leave(block);
+}
+
+void BlockList::change(const OrderedBlock& from, const OVBlock& to) {
+  const auto position = list_.find(from.order);
+  unsettled_.push_back(from.order);
+  unsettleNextTo(position);
+  list_.replace(position, {to, from.order});
+  leave(from);
+  enter({to, from.order});
+}
+
+void BlockList::unsettleNextTo(BlockChunks<ByOrder>::Position position) {
+  if (const auto next = list_.next(position); next != list_.end()) {
+    unsettled_.push_back(list_[next].order);
+  }
+}
+
+void BlockList::enter(const OrderedBlock& block) {
+  if (isReachable(block.block)) {
+    reachable_.insert(block);
+  } else {
+    unreachable_.insert(std::lower_bound(unreachable_.begin(), unreachable_.end(), block.order),
+                        block.order);
+  }
+}
+
+void BlockList::leave(const OrderedBlock& block) {
+  if (isReachable(block.block)) {
+    reachable_.erase(reachable_.find(block.block.linear_addr_start()));
+  } else {
+    unreachable_.erase(std::lower_bound(unreachable_.begin(), unreachable_.end(), block.order));
+  }
+}
+
+// Cutting ---------------------------------------------------------------------------------------
+
+// `edit` changes a block, or gives false for one that goes. It must keep the order of addresses.
+template <typename Edit>
+void BlockList::editAll(Edit edit) {
+  std::vector<OrderedBlock> kept;
+  kept.reserve(list_.size());
+  unreachable_.clear();
+  list_.forEach([&](OrderedBlock each) {
+    if (edit(each.block)) {
+      kept.push_back(each);
+      if (!isReachable(each.block)) {
+        unreachable_.push_back(each.order);
+      }
+    }
+  });
+  list_ = BlockChunks<ByOrder>(kept);
+  kept.clear();
+  reachable_.forEach([&](OrderedBlock each) {
+    if (edit(each.block) && isReachable(each.block)) {
+      kept.push_back(each);
+    }
+  });
+  reachable_ = BlockChunks<ByAddress>(kept);
+  isAllUnsettled_ = true;
 }
 
 void BlockList::cutAfter(std::uint64_t address) {
-  std::erase_if(blocks_,
-                [address](const OVBlock& block) { return block.linear_addr_start() > address; });
-  for (OVBlock& block : blocks_) {
+  editAll([address](OVBlock& block) {
     if (block.linear_addr_start() < address && block.end() > address) {
       block.setSize(address - block.linear_addr_start());
     }
-  }
-  index_.cutAfter(address);
+    return block.linear_addr_start() <= address;
+  });
 }
 
 void BlockList::cutBefore(std::uint64_t address) {
-  std::erase_if(blocks_, [address](const OVBlock& block) { return block.end() < address; });
-  for (OVBlock& block : blocks_) {
+  editAll([address](OVBlock& block) {
+    if (block.end() < address) {
+      return false;
+    }
     if (block.linear_addr_start() < address && block.end() > address) {
       block.dropFront(address - block.linear_addr_start());
     }
     block.setLinear_addr_start(block.linear_addr_start() - address);
-  }
-  index_.cutBefore(address);
+    return true;
+  });
 }
 
+// Merging ---------------------------------------------------------------------------------------
+
 void BlockList::mergeNeighbours() {
-  std::vector<OVBlock> merging;  // every block of a run, as it stood
-  std::vector<OVBlock> merged;   // what became of each run
-  std::size_t kept = 0;          // blocks_[0, kept) is the merged list so far
-  bool inRun = false;            // its last block is a run that goes on
-  for (const OVBlock block : blocks_) {
-    if (kept > 0 && followsInBothSpaces(blocks_[kept - 1], block)) {
-      OVBlock& head = blocks_[kept - 1];
-      if (!inRun) {
-        merging.push_back(head);
-      }
-      merging.push_back(block);
-      head.setSize(head.size() + block.size());
-      inRun = true;
-    } else {
-      if (inRun) {
-        merged.push_back(blocks_[kept - 1]);
-      }
-      blocks_[kept++] = block;
-      inRun = false;
+  if (isAllUnsettled_) {
+    findNeighbours();
+  }
+  // Whether two are neighbours is a matter of their common edge alone, so the pairs may be merged
+  // one by one, in any order.
+  for (const std::uint64_t order : std::exchange(unsettled_, {})) {
+    const auto position = list_.find(order);
+    if (position == list_.end() || position == list_.begin()) {
+      continue;
+    }
+    const OrderedBlock previous = list_[list_.previous(position)];
+    const OrderedBlock block = list_[position];
+    if (followsInBothSpaces(previous.block, block.block)) {
+      list_.erase(position);
+      leave(block);
+      leave(previous);
+      OrderedBlock merged = previous;
+      merged.block.setSize(previous.block.size() + block.block.size());
+      list_.replace(list_.find(previous.order), merged);
+      enter(merged);
     }
   }
-  if (inRun) {
-    merged.push_back(blocks_[kept - 1]);
-  }
-  blocks_.resize(kept);
-  index_.replace(merging, merged);
+}
+
+void BlockList::findNeighbours() {
+  unsettled_.clear();
+  const OVBlock* previous = nullptr;
+  list_.forEach([&](const OrderedBlock& each) {
+    if (previous != nullptr && followsInBothSpaces(*previous, each.block)) {
+      unsettled_.push_back(each.order);
+    }
+    previous = &each.block;
+  });
+  isAllUnsettled_ = false;
 }

@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cinttypes>
-#include <filesystem>
 #include <limits>
-#include <system_error>
 #include <utility>
 
 #include "platform/ApplicationServices.h"
+#include "storage/TemporaryFileAccess.h"
 
 namespace {
 
@@ -18,21 +17,6 @@ constexpr std::uint64_t kWritesBetweenOptimizing = 21;  // about two seconds of 
 
 constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 constexpr auto kLargestCount = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-
-// Reads what the file gives of one stretch; less than asked only where it has no more.
-std::uint64_t readWhole(platform::File& file, std::byte* destination, std::uint64_t byteCount,
-                        std::uint64_t fileOffset) {
-  std::uint64_t total = 0;
-  while (total < byteCount) {
-    const std::uint64_t got =
-        file.readAt(destination + total, byteCount - total, fileOffset + total).byteCount;
-    if (got == 0) {
-      break;
-    }
-    total += got;
-  }
-  return total;
-}
 
 }  // namespace
 
@@ -51,10 +35,7 @@ std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
   const std::string pathTemplate = files.directory() + "orvoXXXXXX";
   auto created = files.createUnlinked(pathTemplate.substr(0, kLongestPath));
   if (created.file == nullptr) {
-    ShowModalAlert("couldn't open temp file for writing!",
-                   "The file " + pathTemplate +
-                       " couldn't be opened for writing. This shouldn't happen! Check your "
-                       "permissions.");
+    tellThatNoTemporaryFileOpens(pathTemplate);
     return nullptr;
   }
   return std::shared_ptr<OVBlockBuffer>(
@@ -117,7 +98,7 @@ BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t wi
   std::uint64_t total = 0;
   for (const Stretch& stretch : wanted) {
     const std::uint64_t got =
-        readWhole(*f_file_, bytes + total, stretch.byteCount, stretch.fileOffset);
+        readWhole(*f_file_, bytes + total, stretch.byteCount, stretch.fileOffset).byteCount;
     total += got;
     if (got < stretch.byteCount) {
       break;
@@ -235,7 +216,7 @@ void OVBlockBuffer::restore(const OVBufferState& state) {
 }
 
 void OVBlockBuffer::listChanged() {
-  listIsEmpty_.store(blocklist_.blocks().empty(), std::memory_order_relaxed);
+  listIsEmpty_.store(blocklist_.empty(), std::memory_order_relaxed);
 }
 
 void OVBlockBuffer::lock() {
@@ -256,15 +237,13 @@ double OVBlockBuffer::powerAtPosition(std::uint64_t position) {
     return 1.0;
   }
   float channels[2] = {0.0F, 0.0F};  // what a failed read leaves counts as silence
-  static_cast<void>(readWhole(*f_file_, reinterpret_cast<std::byte*>(channels), sizeof channels,
-                              location.fileOffset));
+  static_cast<void>(readWhole(*f_file_, channels, sizeof channels, location.fileOffset));
   return static_cast<double>(channels[0] + channels[1]) * 0.5;
 }
 
 void OVBlockBuffer::removeTempFile(const std::optional<std::string>& path) {
   if (path) {
-    std::error_code ignored;
-    std::filesystem::remove(*path, ignored);
+    platform::deleteFile(*path);
   }
 }
 

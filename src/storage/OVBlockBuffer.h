@@ -107,7 +107,7 @@ class OVBlockBuffer : public OVAudioBufferInterface {
 
   /// The state as it stands. Take no lock: call them between lock() and unlock(), or while no other
   /// thread works on the buffer.
-  [[nodiscard]] const std::vector<OVBlock>& blocklist() const { return blocklist_.blocks(); }
+  [[nodiscard]] std::vector<OVBlock> blocklist() const { return blocklist_.blocks(); }
   [[nodiscard]] std::uint64_t f_write_pos() const { return f_write_pos_; }
   [[nodiscard]] const std::vector<std::shared_ptr<const OVBufferState>>& waypointStack() const {
     return waypointStack_;

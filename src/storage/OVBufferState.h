@@ -23,7 +23,7 @@ class OVBufferState {
       const BlockList& blocklist, std::uint64_t andBufferFillSize);
 
   /// In the order of the list copied.
-  [[nodiscard]] const std::vector<OVBlock>& blocklist() const { return blocklist_.blocks(); }
+  [[nodiscard]] std::vector<OVBlock> blocklist() const { return blocklist_.blocks(); }
   /// Bytes.
   [[nodiscard]] std::uint64_t bufferFillSize() const { return bufferFillSize_; }
 

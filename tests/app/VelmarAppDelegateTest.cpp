@@ -3,61 +3,14 @@
 #include <filesystem>
 #include <fstream>
 
-#include <gtest/gtest.h>
 #include <QAction>
-#include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "audio/SteppedAudioQueues.h"
-#include "controls/OVRecorderWindow.h"
+#include "app/AppFixture.h"
 #include "controls/OVTransportButton.h"
-#include "platform/Dispatch.h"
-#include "support/MainLoop.h"
-#include "support/RecordingServices.h"
-
-class AppDelegateTest : public testing::Test {
- protected:
-  ~AppDelegateTest() override {
-    for (OVRecorderWindow* const window : windows()) {
-      window->performClose();
-    }
-    EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
-    EXPECT_TRUE(runMainLoopUntil([&] { return windows().empty(); }));
-  }
-
-  static std::vector<OVRecorderWindow*> windows() {
-    std::vector<OVRecorderWindow*> found;
-    for (QWidget* const widget : QApplication::topLevelWidgets()) {
-      if (auto* const window = qobject_cast<OVRecorderWindow*>(widget)) {
-        found.push_back(window);
-      }
-    }
-    return found;
-  }
-
-  OVRecorderWindow* spawn() {
-    const auto before = windows();
-    delegate_.spawnNewRecorderWindow(nullptr);
-    for (OVRecorderWindow* const window : windows()) {
-      if (std::find(before.begin(), before.end(), window) == before.end()) {
-        return window;
-      }
-    }
-    return nullptr;
-  }
-
-  static QAction* item(OVRecorderWindow* window, const char* name) {
-    return window->findChild<QAction*>(QString::fromUtf8(name));
-  }
-
-  support::InstalledRecordingServices services_;
-  testaudio::InstalledSteppedQueues queues_;
-  int quits_ = 0;
-  VelmarAppDelegate delegate_{[this] { ++quits_; }};
-};
 
 TEST_F(AppDelegateTest, LaunchingWithoutFilesShowsOneEmptyWindow) {
   delegate_.applicationWillFinishLaunching();

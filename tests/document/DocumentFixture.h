@@ -17,6 +17,7 @@
 #include "storage/OVBlockBuffer.h"
 #include "support/MainLoop.h"
 #include "support/RecordingServices.h"
+#include "support/ScriptedPanels.h"
 #include "waveform/OVDynamicWaveForm.h"
 #include "waveform/OVPlaybackMarkerView.h"
 #include "waveform/OVStaticWaveform.h"
@@ -27,6 +28,8 @@ class DocumentTest : public testing::Test {
   static constexpr std::uint32_t kChunkFrames = 4096;
   static constexpr std::uint64_t kFrameBytes = 8;
 
+  // A test that closes a changed document throws the changes away, unless it asks otherwise.
+  DocumentTest() { panels_->answerEverySheetWith(VLRecorderWindowController::kDontSave); }
   ~DocumentTest() override { closeDocument(); }
 
   void openDocument() {
@@ -124,6 +127,7 @@ class DocumentTest : public testing::Test {
 
   support::InstalledRecordingServices services_;
   testaudio::InstalledSteppedQueues queues_;
+  support::InstalledScriptedPanels panels_;
   std::shared_ptr<VLRecorderWindowController> document_;
   std::uint64_t captured_ = 0;
 

@@ -14,12 +14,14 @@
 #include "platform/ScriptedAudioDevice.h"
 #include "support/MainLoop.h"
 #include "support/RecordingServices.h"
+#include "support/ScriptedPanels.h"
 
 /// Documents on real audio queues over a scripted device.
 class WindowLifeTest : public testing::Test {
  protected:
   static constexpr std::uint32_t kChunkFrames = 4096;
 
+  WindowLifeTest() { panels_->answerEverySheetWith(VLRecorderWindowController::kDontSave); }
   ~WindowLifeTest() override {
     for (QWidget* const widget : QApplication::topLevelWidgets()) {
       if (auto* const window = qobject_cast<OVRecorderWindow*>(widget)) {
@@ -82,6 +84,7 @@ class WindowLifeTest : public testing::Test {
   std::shared_ptr<platform::ScriptedAudioDevice> device_ =
       std::make_shared<platform::ScriptedAudioDevice>();
   support::InstalledRecordingServices services_;
+  support::InstalledScriptedPanels panels_;
   std::shared_ptr<platform::DeviceAudioQueues> queues_ =
       std::make_shared<platform::DeviceAudioQueues>(device_);
   platform::AudioQueuesInstallation installation_{queues_};

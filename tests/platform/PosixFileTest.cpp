@@ -92,6 +92,34 @@ TEST_F(APosixFile, RefusesToWriteAtOffsetsThatTheSystemCannotExpress) {
   EXPECT_EQ(file().readAt(nullptr, 0, 0).byteCount, 0U);
 }
 
+TEST_F(APosixFile, IsAsLongAsTheHighestEndWritten) {
+  EXPECT_EQ(file().size(), 0U);
+  const auto bytes = counting(100);
+  ASSERT_EQ(file().writeAt(bytes.data(), 100, 900).byteCount, 100U);
+  ASSERT_EQ(file().writeAt(bytes.data(), 100, 0).byteCount, 100U);
+  EXPECT_EQ(file().size(), 1000U);
+}
+
+TEST_F(APosixFile, CutsWhatLiesBehindItsNewEnd) {
+  const auto bytes = counting(100);
+  ASSERT_EQ(file().writeAt(bytes.data(), 100, 0).byteCount, 100U);
+  EXPECT_EQ(file().setSize(40), 0);
+  EXPECT_EQ(file().size(), 40U);
+  EXPECT_EQ(file().setSize(60), 0);
+  std::vector<unsigned char> read(100, 0xff);
+  EXPECT_EQ(file().readAt(read.data(), 100, 0).byteCount, 60U);
+  EXPECT_TRUE(std::equal(read.begin(), read.begin() + 40, bytes.begin()));
+  EXPECT_EQ(std::vector(read.begin() + 40, read.begin() + 60), std::vector<unsigned char>(20, 0))
+      << "what was cut does not come back";
+}
+
+TEST_F(APosixFile, CannotEndWhereTheSystemCannotExpressIt) {
+  const unsigned char byte = 7;
+  ASSERT_EQ(file().writeAt(&byte, 1, 0).byteCount, 1U);
+  EXPECT_EQ(file().setSize(std::uint64_t{1} << 63), EFBIG);
+  EXPECT_EQ(file().size(), 1U);
+}
+
 // A limit on the size of files stands in for a disk that fills up in the middle of a write.
 TEST_F(APosixFile, TellsHowMuchOfAWriteWasTakenAndWhyNotMore) {
   struct rlimit before = {};
@@ -119,6 +147,12 @@ TEST(ABrokenPosixFile, ReportsTheSystemsError) {
   const auto result = file.writeAt(&byte, 1, 0);
   EXPECT_EQ(result.byteCount, 0U);
   EXPECT_EQ(result.error, EBADF);
+}
+
+TEST(ABrokenPosixFile, ReportsThatItsSizeCannotBeSet) {
+  PosixFile file(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+  EXPECT_EQ(file.setSize(10), EINVAL);
+  EXPECT_EQ(file.size(), 0U);
 }
 
 TEST(ABrokenPosixFile, ReportsAFailedRead) {
@@ -190,6 +224,46 @@ TEST_F(TemporaryDirectory, TemplateWithoutPlaceholdersGivesNoFile) {
   const auto created = files_.createUnlinked(path_ + "orvoXXX");
   EXPECT_EQ(created.file, nullptr);
   EXPECT_EQ(created.error, EINVAL);
+}
+
+TEST_F(TemporaryDirectory, KeepsTheNameOfAFileThatIsToHaveOne) {
+  const auto created = files_.createNamed(path_ + "orvo_XXXXXX.flt");
+  ASSERT_NE(created.file, nullptr);
+  const std::filesystem::path path(created.path);
+  EXPECT_EQ(path.parent_path().string() + "/", path_);
+  EXPECT_TRUE(path.filename().string().starts_with("orvo_"));
+  EXPECT_EQ(path.extension(), ".flt");
+  EXPECT_EQ(path.filename().string().size(), std::string("orvo_XXXXXX.flt").size());
+  struct stat information = {};
+  ASSERT_EQ(::stat(created.path.c_str(), &information), 0);
+  EXPECT_EQ(information.st_mode & 0777, 0600U);
+  platform::deleteFile(created.path);
+  EXPECT_TRUE(std::filesystem::is_empty(path_));
+}
+
+TEST_F(TemporaryDirectory, GivesEveryNamedFileANameOfItsOwn) {
+  std::set<std::string> paths;
+  for (int i = 0; i < 50; ++i) {
+    paths.insert(files_.createNamed(path_ + "orvo_XXXXXX.flt").path);
+  }
+  EXPECT_EQ(paths.size(), 50U);
+}
+
+TEST_F(TemporaryDirectory, ThatDoesNotExistGivesNoNamedFile) {
+  const auto created = files_.createNamed(path_ + "missing/orvo_XXXXXX.flt");
+  EXPECT_EQ(created.file, nullptr);
+  EXPECT_EQ(created.error, ENOENT);
+  EXPECT_TRUE(created.path.starts_with(path_ + "missing/orvo_"));
+}
+
+TEST_F(TemporaryDirectory, NamedTemplateWithoutPlaceholdersGivesNoFile) {
+  const auto created = files_.createNamed(path_ + "orvo.flt");
+  EXPECT_EQ(created.file, nullptr);
+  EXPECT_EQ(created.error, EINVAL);
+}
+
+TEST(DeleteFile, IgnoresWhatIsNotThere) {
+  EXPECT_NO_THROW(platform::deleteFile("/nowhere/at/all"));
 }
 
 bool everythingOnDisk(const std::string& /*directory*/) {

@@ -1,20 +1,137 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include <limits>
+#include <algorithm>
 #include <memory>
 #include <random>
-#include <sstream>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
+#include "storage/BufferPair.h"
 #include "storage/OVBlockBuffer.h"
 #include "storage/PlainBlockBuffer.h"
-#include "storage/TransferHelpers.h"
-#include "support/FailingTemporaryFiles.h"
+#include "support/ModelTest.h"
 
 namespace {
 
-using storagetest::Bytes;
+using modeltest::below;
+using modeltest::Step;
+using storagetest::kHighestAddress;
 using storagetest::PlainBlockBuffer;
+
+class BlockBufferPair : storagetest::BufferPair {
+ public:
+  static constexpr const char* kName = "BlockBufferPair";
+
+  BlockBufferPair() { watch(*real_); }
+
+  void apply(const Step& step) {
+    if (step.what == "write") {
+      if (step.a <= kHighestAddress - step.b) {
+        model_.write(writeReal(*real_, step.a, step.b, step.c), step.a);
+      }
+    } else if (step.what == "cutAfter") {
+      real_->cutoffBufferAfterPosition(step.a);
+      model_.cutAfter(step.a);
+    } else if (step.what == "cutBefore") {
+      real_->cutoffBufferBeforePosition(step.a);
+      model_.cutBefore(step.a);
+    } else if (step.what == "waypoint") {
+      real_->setWaypoint();
+      model_.setWaypoint();
+    } else if (step.what == "undo") {
+      realThrew_ = throwsOutOfRange([this] { real_->undo(); });
+      modelThrew_ = throwsOutOfRange([this] { model_.undo(); });
+    } else if (step.what == "redo") {
+      real_->redo();
+      model_.redo();
+    } else if (step.what == "optimize") {
+      real_->optimize();
+      model_.optimize();
+    } else if (step.what == "reverse") {
+      real_->reverseBuffer();
+    }
+  }
+
+  std::string difference() {
+    modeltest::Comparison comparison;
+    comparison.tell("out of range", realThrew_, modelThrew_);
+    comparison.tellSequence("block list", real_->blocklist(), model_.live.blocks);
+    comparison.tell("fill size", real_->bufferFillSize(), model_.live.fillSize);
+    comparison.tell("frames", real_->bufferSizeInFrames(), model_.live.fillSize / 8);
+    comparison.tell("filled frames", real_->bufferFillSizeInFrames(), model_.live.fillSize / 8);
+    comparison.tell("end of the file", real_->f_write_pos(), model_.file.size());
+    comparison.tell("waypoints", real_->waypointStack().size(), model_.waypoints.size());
+    comparison.tell("waypoint position", real_->waypointPos(), model_.position);
+    comparison.tell("redo state", real_->redoState() != nullptr, model_.redoable.has_value());
+    comparison.tell("writes since optimizing", real_->blocksAddedSinceOptimization(), model_.added);
+    const std::vector<OVBlock>& blocks = model_.live.blocks;
+    for (std::size_t i = 0; i < blocks.size(); i += 1 + blocks.size() / kLookedUp) {
+      const OVBlock& block = blocks[i];
+      for (const std::uint64_t edge : {block.linear_addr_start(), block.end()}) {
+        for (const std::uint64_t address : {edge - 1, edge, edge + 1}) {
+          compareLookup(comparison, address);
+        }
+      }
+    }
+    compareReads(comparison);
+    compareDelegateCalls(comparison);
+    return comparison.text();
+  }
+
+  [[nodiscard]] const PlainBlockBuffer& model() const { return model_; }
+
+ private:
+  static constexpr std::size_t kLookedUp = 64;  // blocks at most, for each is a scan of the model
+
+  template <typename Call>
+  static bool throwsOutOfRange(Call call) {
+    try {
+      call();
+      return false;
+    } catch (const std::out_of_range&) {
+      return true;
+    }
+  }
+
+  void compareLookup(modeltest::Comparison& comparison, std::uint64_t address) const {
+    const auto expected = model_.locate(address);
+    const BlockLocation location = real_->getFileOffsetForLinearAddress(address);
+    const std::uint64_t in = expected ? address - expected->linear_addr_start() : 0;
+    const std::uint64_t offset = expected ? expected->file_offset_start() + in : 0;
+    const std::uint64_t available = expected ? expected->size() - in : 0;
+    if (location.notFound == expected.has_value() || location.fileOffset != offset ||
+        location.bytesAvailable != available) {
+      const std::string at = " of " + std::to_string(address);
+      comparison.tell("place not found" + at, location.notFound, !expected.has_value());
+      comparison.tell("place" + at, location.fileOffset, offset);
+      comparison.tell("bytes" + at, location.bytesAvailable, available);
+    }
+  }
+
+  // At the start, and at two places that differ from step to step.
+  void compareReads(modeltest::Comparison& comparison) {
+    const std::uint64_t length = std::min<std::uint64_t>(model_.live.fillSize, 20'000);
+    const std::uint64_t some = length == 0 ? 0 : model_.file.size() * 31 % length;
+    for (const auto& [from, count] :
+         {std::pair{std::uint64_t{0}, length + 8}, std::pair{some, some / 2 + 1},
+          std::pair{length / 2, length}}) {
+      comparison.tellSequence("read of " + std::to_string(count) + " at " + std::to_string(from),
+                              storagetest::read(*real_, count, from), model_.read(count, from));
+      const double level = real_->powerAtPosition(from / 8);
+      if (!storagetest::isSameLevel(level, model_.power(from / 8))) {
+        comparison.tell("level of frame " + std::to_string(from / 8), level,
+                        model_.power(from / 8));
+      }
+    }
+  }
+
+  const std::shared_ptr<OVBlockBuffer> real_ = OVBlockBuffer::init();
+  PlainBlockBuffer model_;
+  bool realThrew_ = false;
+  bool modelThrew_ = false;
+};
 
 // How a sequence of operations is drawn. Small spaces make blocks meet at their edges.
 struct Shape {
@@ -25,174 +142,90 @@ struct Shape {
   unsigned sequences;     // how many are run, seeds 1, 2, 3, …
   unsigned operations;    // in each
   bool wild;              // cuts beyond the end, addresses near 2^64
+  unsigned cuts = 140;    // in a thousand operations
+  unsigned undos = 60;    // in a thousand operations
 };
 
 void PrintTo(const Shape& shape, std::ostream* out) {
   *out << shape.name;
 }
 
-class OVBlockBufferBesideItsModel : public testing::TestWithParam<Shape> {
- protected:
-  void start(unsigned seed) {
-    random_.seed(seed);
-    real_ = OVBlockBuffer::init();
-    model_ = PlainBlockBuffer();
-    story_.str("");
-    story_ << "seed " << seed << ":";
+std::uint64_t drawAddress(const Shape& shape, std::mt19937_64& random) {
+  if (shape.wild && below(random, 20) == 0) {
+    return kHighestAddress - below(random, shape.space);
   }
+  return below(random, shape.space / shape.grain) * shape.grain;
+}
 
-  std::uint64_t below(std::uint64_t end) {
-    return std::uniform_int_distribution<std::uint64_t>(0, end - 1)(random_);
+std::uint64_t drawCut(const Shape& shape, std::mt19937_64& random, const PlainBlockBuffer& model) {
+  const std::uint64_t end = model.live.fillSize / 8;
+  switch (below(random, shape.wild ? 12 : 10)) {
+    case 10:
+      return end + below(random, 20);
+    case 11:
+      return kHighestAddress - below(random, 400);
+    case 0:
+      return 0;
+    case 1:
+    case 2:
+    case 3:
+    case 4:  // an edge of a block
+      return model.live.blocks.empty()
+                 ? 0
+                 : model.live.blocks[below(random, model.live.blocks.size())].end() / 8;
+    default:
+      return end == 0 ? 0 : below(random, std::min(end, shape.space) + 1);
   }
+}
 
-  std::uint64_t address() {
-    if (GetParam().wild && below(20) == 0) {
-      return std::numeric_limits<std::uint64_t>::max() - below(GetParam().space);
-    }
-    return below(GetParam().space / GetParam().grain) * GetParam().grain;
+Step drawWrite(const Shape& shape, std::mt19937_64& random, const PlainBlockBuffer& model) {
+  const bool goesOn = below(random, 3) == 0 && model.live.fillSize < 4 * shape.space;
+  const std::uint64_t offset = goesOn ? model.live.fillSize : drawAddress(shape, random);
+  const std::uint64_t size =
+      below(random, 12) == 0 ? 0 : below(random, shape.longest / shape.grain + 1) * shape.grain;
+  return {"write", offset, size, random() % 1000};
+}
+
+Step drawStep(const Shape& shape, std::mt19937_64& random, const BlockBufferPair& pair) {
+  std::uint64_t choice = below(random, 1000);
+  const auto isOf = [&choice](unsigned share) {
+    const bool is = choice < share;
+    choice -= is ? 0 : share;
+    return is;
+  };
+  if (isOf(shape.cuts)) {
+    return {below(random, 2) == 0 ? "cutAfter" : "cutBefore", drawCut(shape, random, pair.model())};
   }
-
-  std::uint64_t cutPosition() {
-    const std::uint64_t end = model_.live.fillSize / 8;
-    switch (below(GetParam().wild ? 12 : 10)) {
-      case 10:
-        return end + below(20);
-      case 11:
-        return std::numeric_limits<std::uint64_t>::max() - below(400);
-      case 0:
-        return 0;
-      case 1:
-      case 2:
-      case 3:
-      case 4:  // an edge of a block
-        return model_.live.blocks.empty()
-                   ? 0
-                   : model_.live.blocks[below(model_.live.blocks.size())].end() / 8;
-      default:
-        return end == 0 ? 0 : below(std::min(end, GetParam().space) + 1);
-    }
+  if (isOf(shape.undos)) {
+    return {"undo"};
   }
-
-  void write() {
-    std::uint64_t offset = address();
-    const std::uint64_t size =
-        below(12) == 0 ? 0 : below(GetParam().longest / GetParam().grain + 1) * GetParam().grain;
-    if (below(3) == 0 && model_.live.fillSize < 4 * GetParam().space) {
-      offset = model_.live.fillSize;  // as a recording goes on
-    }
-    if (offset > std::numeric_limits<std::uint64_t>::max() - size) {
-      return;
-    }
-    story_ << " write " << offset << "+" << size;
-    const Bytes data = storagetest::pattern(size, static_cast<unsigned>(random_()));
-    model_.write(data, offset);
-    storagetest::write(*real_, data, offset);
+  if (isOf(shape.undos / 2)) {
+    return {"redo"};
   }
-
-  void cut() {
-    const std::uint64_t frames = cutPosition();
-    if (below(2) == 0) {
-      story_ << " after " << frames;
-      model_.cutAfter(frames);
-      real_->cutoffBufferAfterPosition(frames);
-    } else {
-      story_ << " before " << frames;
-      model_.cutBefore(frames);
-      real_->cutoffBufferBeforePosition(frames);
-    }
+  if (isOf(60)) {
+    return {"waypoint"};
   }
-
-  void undo() {
-    story_ << " undo";
-    bool threw = false;
-    try {
-      model_.undo();
-    } catch (const std::out_of_range&) {
-      threw = true;
-    }
-    if (threw) {
-      EXPECT_THROW(real_->undo(), std::out_of_range);
-    } else {
-      real_->undo();
-    }
+  if (isOf(50)) {
+    return {choice < 10 ? "reverse" : "optimize"};
   }
+  return drawWrite(shape, random, pair.model());
+}
 
-  void step() {
-    const std::uint64_t choice = below(100);
-    if (choice < 66) {
-      write();
-    } else if (choice < 80) {
-      cut();
-    } else if (choice < 86) {
-      story_ << " waypoint";
-      model_.setWaypoint();
-      real_->setWaypoint();
-    } else if (choice < 92) {
-      undo();
-    } else if (choice < 96) {
-      story_ << " redo";
-      model_.redo();
-      real_->redo();
-    } else {
-      story_ << " optimize";
-      model_.optimize();
-      real_->optimize();
-    }
-  }
-
-  void compareLookup(std::uint64_t address) {
-    const auto expected = model_.locate(address);
-    const BlockLocation location = real_->getFileOffsetForLinearAddress(address);
-    ASSERT_EQ(location.notFound, !expected.has_value()) << address;
-    if (expected) {
-      const std::uint64_t in = address - expected->linear_addr_start();
-      ASSERT_EQ(location.fileOffset, expected->file_offset_start() + in) << address;
-      ASSERT_EQ(location.bytesAvailable, expected->size() - in) << address;
-    }
-  }
-
-  void compare() {
-    ASSERT_EQ(real_->blocklist(), model_.live.blocks);
-    ASSERT_EQ(real_->bufferFillSize(), model_.live.fillSize);
-    ASSERT_EQ(real_->f_write_pos(), model_.file.size());
-    ASSERT_EQ(real_->waypointPos(), model_.position);
-    ASSERT_EQ(real_->blocksAddedSinceOptimization(), model_.added);
-    for (const OVBlock& block : model_.live.blocks) {
-      for (const std::uint64_t edge : {block.linear_addr_start(), block.end()}) {
-        for (const std::uint64_t address : {edge - 1, edge, edge + 1}) {
-          ASSERT_NO_FATAL_FAILURE(compareLookup(address));
-        }
-      }
-    }
-    for (int i = 0; i < 3; ++i) {
-      const std::uint64_t from = i == 0 ? 0 : address();
-      const std::uint64_t count = below(3 * GetParam().space);
-      ASSERT_EQ(storagetest::read(*real_, count, from), model_.read(count, from)) << from;
-    }
-  }
-
-  support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
-  std::mt19937_64 random_;
-  std::shared_ptr<OVBlockBuffer> real_;
-  PlainBlockBuffer model_;
-  std::ostringstream story_;
-};
+class OVBlockBufferBesideItsModel : public testing::TestWithParam<Shape> {};
 
 TEST_P(OVBlockBufferBesideItsModel, DoesTheSameThroughEverySequence) {
-  for (unsigned seed = 1; seed <= GetParam().sequences; ++seed) {
-    start(seed);
-    for (unsigned i = 0; i < GetParam().operations; ++i) {
-      step();
-      ASSERT_NO_FATAL_FAILURE(compare()) << story_.str();
-    }
-  }
+  const Shape& shape = GetParam();
+  const auto draw = [&shape](std::mt19937_64& random, const BlockBufferPair& pair) {
+    return drawStep(shape, random, pair);
+  };
+  EXPECT_TRUE(modeltest::holds<BlockBufferPair>(shape.sequences, shape.operations, draw));
 }
 
 INSTANTIATE_TEST_SUITE_P(Shapes, OVBlockBufferBesideItsModel,
                          testing::Values(Shape{"tiny", 64, 24, 8, 1500, 60, false},
                                          Shape{"bytes", 48, 16, 1, 1500, 60, false},
                                          Shape{"long", 4096, 256, 8, 40, 500, false},
+                                         Shape{"many", 60'000, 80, 8, 2, 2500, false, 1, 4},
                                          Shape{"wild", 96, 32, 8, 1500, 60, true}),
                          [](const testing::TestParamInfo<Shape>& shape) {
                            return shape.param.name;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <vector>
@@ -24,9 +25,18 @@ class PlainBlockBuffer {
   };
 
   void write(const Bytes& data, std::uint64_t o) {
-    const std::uint64_t n = data.size();
-    const OVBlock b(o, file.size(), n);
+    const std::uint64_t fileOffset = file.size();
     file.insert(file.end(), data.begin(), data.end());
+    map(OVBlock(o, fileOffset, data.size()));
+    if (added >= 21) {
+      optimize();
+    }
+  }
+
+  /// What a write does to the list.
+  void map(const OVBlock& b) {
+    const std::uint64_t o = b.linear_addr_start();
+    const std::uint64_t n = b.size();
     live.fillSize = std::max(live.fillSize, o + n);
     removeCovered(o, o + n);
     trimTails(o, o + n);
@@ -34,23 +44,22 @@ class PlainBlockBuffer {
     const auto tails = split(o, o + n, n);
     live.blocks.insert(live.blocks.end(), tails.begin(), tails.end());
     live.blocks.push_back(b);
-    if (++added >= 21) {
-      optimize();
-    }
+    ++added;
   }
 
   /// The first block in list order that holds an address.
-  std::optional<OVBlock> locate(std::uint64_t a) const {
-    if (a >= live.fillSize) {
+  static std::optional<OVBlock> locate(const State& state, std::uint64_t a) {
+    if (a >= state.fillSize) {
       return std::nullopt;
     }
-    for (const OVBlock& x : live.blocks) {
+    for (const OVBlock& x : state.blocks) {
       if (x.linear_addr_start() <= a && a < x.linear_addr_start() + x.size()) {
         return x;
       }
     }
     return std::nullopt;
   }
+  std::optional<OVBlock> locate(std::uint64_t a) const { return locate(live, a); }
 
   Bytes read(std::uint64_t count, std::uint64_t address) const {
     Bytes result;
@@ -67,6 +76,17 @@ class PlainBlockBuffer {
       count -= k;
     }
     return result;
+  }
+
+  double power(std::uint64_t frame) const {
+    const auto block = locate(frame * 8);
+    const std::uint64_t in = block ? frame * 8 - block->linear_addr_start() : 0;
+    if (!block || block->size() - in < 8) {
+      return 1.0;
+    }
+    float channels[2];
+    std::memcpy(channels, file.data() + block->file_offset_start() + in, 8);
+    return static_cast<double>(channels[0] + channels[1]) * 0.5;
   }
 
   void optimize() {

@@ -18,7 +18,8 @@
 namespace support {
 
 /// Temporary files in memory that fail as a test tells them: cannot be created, fill up, take a
-/// write in part, fail or shorten reads, or take their time. Everything is healthy at first.
+/// write in part, fail or shorten reads, keep their size, or take their time. Everything is healthy
+/// at first.
 ///
 /// One plan serves all files of one maker, also those that are open already. Files keep the plan
 /// alive and may outlive their maker. Put in with platform::TemporaryFilesInstallation.
@@ -27,6 +28,8 @@ namespace support {
 class FailingTemporaryFiles : public platform::TemporaryFiles {
  public:
   static constexpr std::uint64_t kUnlimited = std::numeric_limits<std::uint64_t>::max();
+  /// A file cannot be made longer than this, in bytes, by setSize(): it lives in memory.
+  static constexpr std::uint64_t kLargestSize = std::uint64_t{1} << 30;
 
   /// Later creations fail with this errno; 0 makes them succeed again.
   void failCreation(int error) {
@@ -48,6 +51,11 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
   /// Every read fails with this errno and no bytes; 0 makes them succeed again.
   void failReads(int error) {
     change([error](Plan& plan) { plan.readError = error; });
+  }
+
+  /// No file becomes longer or shorter by setSize(), which fails with this errno; 0 ends that.
+  void failSizeChanges(int error) {
+    change([error](Plan& plan) { plan.sizeError = error; });
   }
 
   /// No read gives more than `bytes` bytes at once.
@@ -73,14 +81,12 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
   [[nodiscard]] std::string directory() const override { return "/nowhere/"; }
 
   [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override {
-    const std::lock_guard lock(plan_->mutex);
-    plan_->templates.push_back(pathTemplate);
-    const std::string path = pathTemplate.substr(0, pathTemplate.find("XXXXXX")) + "000001";
-    if (plan_->creationError != 0) {
-      return {.file = nullptr, .path = path, .error = plan_->creationError};
-    }
-    ++plan_->openFiles;
-    return {.file = std::make_unique<MemoryFile>(plan_), .path = path, .error = 0};
+    return create(pathTemplate);
+  }
+
+  /// The name stands nowhere.
+  [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
+    return create(pathTemplate);
   }
 
  private:
@@ -90,6 +96,7 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     std::uint64_t bytesLeft = kUnlimited;
     int writeError = ENOSPC;
     int readError = 0;
+    int sizeError = 0;
     std::uint64_t largestRead = kUnlimited;
     std::function<void()> beforeWrite;
     std::function<void()> beforeRead;
@@ -139,6 +146,20 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
       return {.byteCount = count, .error = count < byteCount ? plan_->writeError : 0};
     }
 
+    std::uint64_t size() override {
+      const std::lock_guard lock(plan_->mutex);
+      return bytes_.size();
+    }
+
+    int setSize(std::uint64_t byteCount) override {
+      const std::lock_guard lock(plan_->mutex);
+      if (plan_->sizeError != 0 || byteCount > kLargestSize) {
+        return plan_->sizeError != 0 ? plan_->sizeError : EFBIG;
+      }
+      bytes_.resize(byteCount);
+      return 0;
+    }
+
    private:
     void run(std::function<void()> Plan::*hook) {
       std::function<void()> call;
@@ -154,6 +175,22 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     const std::shared_ptr<Plan> plan_;
     std::vector<std::byte> bytes_;  // guarded by the plan's mutex
   };
+
+  Created create(const std::string& pathTemplate) {
+    const std::lock_guard lock(plan_->mutex);
+    plan_->templates.push_back(pathTemplate);
+    std::string path = pathTemplate;
+    if (const std::size_t placeholders = path.rfind("XXXXXX"); placeholders != std::string::npos) {
+      const std::string number = std::to_string(plan_->templates.size());
+      path.replace(placeholders + 6 - number.size(), number.size(), number);
+      std::replace(path.begin() + static_cast<std::ptrdiff_t>(placeholders), path.end(), 'X', '0');
+    }
+    if (plan_->creationError != 0) {
+      return {.file = nullptr, .path = path, .error = plan_->creationError};
+    }
+    ++plan_->openFiles;
+    return {.file = std::make_unique<MemoryFile>(plan_), .path = path, .error = 0};
+  }
 
   template <typename Change>
   void change(Change change) {

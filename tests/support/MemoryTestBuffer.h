@@ -46,6 +46,11 @@ class MemoryTestBuffer : public OVAudioBufferInterface {
     const std::lock_guard guard(lock_);
     bytes_.resize(byteCount);
   }
+  void dropFirstBytes(std::uint64_t byteCount) {
+    const std::lock_guard guard(lock_);
+    const auto count = std::min<std::uint64_t>(byteCount, bytes_.size());
+    bytes_.erase(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(count));
+  }
   [[nodiscard]] std::uint64_t byteCount() const {
     const std::lock_guard guard(lock_);
     return bytes_.size();

@@ -26,6 +26,11 @@ class SparseTemporaryFiles : public platform::TemporaryFiles {
     return {.file = std::make_unique<SparseFile>(), .path = pathTemplate, .error = 0};
   }
 
+  /// The name stands nowhere.
+  [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
+    return createUnlinked(pathTemplate);
+  }
+
  private:
   static constexpr std::uint64_t kPageSize = std::uint64_t{64} * 1024;  // bytes
   using Page = std::array<std::byte, kPageSize>;
@@ -65,6 +70,23 @@ class SparseTemporaryFiles : public platform::TemporaryFiles {
       });
       size_ = std::max(size_, offset + byteCount);
       return {.byteCount = byteCount, .error = 0};
+    }
+
+    std::uint64_t size() override {
+      const std::lock_guard lock(mutex_);
+      return size_;
+    }
+
+    int setSize(std::uint64_t byteCount) override {
+      const std::lock_guard lock(mutex_);
+      const std::uint64_t lastPage = byteCount / kPageSize;
+      pages_.erase(pages_.upper_bound(lastPage), pages_.end());
+      if (const auto page = pages_.find(lastPage); page != pages_.end()) {
+        std::fill(page->second->begin() + static_cast<std::ptrdiff_t>(byteCount % kPageSize),
+                  page->second->end(), std::byte{0});
+      }
+      size_ = byteCount;
+      return 0;
     }
 
    private:

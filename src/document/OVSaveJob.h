@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "storage/OVAudioBufferInterface.h"
+
+/// Writes a stretch of a buffer to an audio file: beside the target, to the disk, then in the
+/// target's place. A save that fails leaves the target as it was and nothing beside it.
+///
+/// Threads: run() on any one thread; the buffer must not be edited meanwhile.
+/// Real-time: not safe.
+class OVSaveJob {
+ public:
+  struct Request {
+    std::shared_ptr<OVAudioBufferInterface> buffer;
+    std::uint64_t fromFrame = 0;
+    std::uint64_t frameCount = 0;
+    std::string path;                ///< of the target
+    std::uint32_t outputFormat = 0;  ///< a kind of the file writer, 0 to 3
+  };
+
+  struct Outcome {
+    bool complete = false;               ///< the target holds the whole stretch
+    bool told = false;                   ///< the failure has been shown already
+    int error = 0;                       ///< errno of a failure that has not been shown
+    std::uint64_t unreadableFrames = 0;  ///< frames that storage did not give back; silent
+  };
+
+  /// Called after each chunk with the fraction that is written, 0 to 1.
+  using Progress = std::function<void(double fraction)>;
+
+  /// Frames read and written at a time: six seconds.
+  static constexpr std::uint64_t kChunkFrames = 264600;
+
+  [[nodiscard]] static Outcome run(const Request& request, const Progress& progress);
+};

@@ -1,0 +1,309 @@
+#include <utility>
+
+#include "audio/OVAQRecorder.h"
+#include "audio/OVAudioFileReader.h"
+#include "controls/OVRecorderWindow.h"
+#include "controls/OVTransportButton.h"
+#include "displays/OVCircularVUView.h"
+#include "displays/OVTimeView.h"
+#include "document/OVFileKinds.h"
+#include "document/OVLoadJob.h"
+#include "document/VLRecorderWindowController.h"
+#include "platform/ApplicationServices.h"
+#include "platform/FailureReason.h"
+#include "platform/Localization.h"
+#include "platform/Panels.h"
+#include "waveform/OVWaveFormView.h"
+#include "waveform/OVWaveformSummary.h"
+
+/// What the loading job takes along.
+struct VLRecorderWindowController::LoadingRequest {
+  std::string path;
+  std::shared_ptr<OVAudioFileReader> reader;  // opened already for an import
+  std::weak_ptr<VLRecorderWindowController> controller;
+  std::shared_ptr<OVAudioBufferInterface> buffer;
+  std::uint64_t atByteOffset = 0;
+  std::shared_ptr<std::atomic<bool>> cancelled;
+};
+
+// Open ------------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::openFileNamed(const std::string& path) {
+  if (!isFileIOActive_ && buffer_) {
+    startLoading(path, nullptr);
+  }
+}
+
+void VLRecorderWindowController::startLoading(const std::string& path,
+                                              std::shared_ptr<OVAudioFileReader> reader) {
+  beginFileIO();
+  if (wfView_) {
+    wfView_->setWaveForm(nullptr);
+    wfView_->setOverrideRegenerationCheck(true);
+  }
+  if (vuView_) {
+    vuView_->setDatasource({});
+  }
+  writeError_ = 0;
+  isLoading_ = true;
+  platform::globalQueue().async(
+      [request = LoadingRequest{.path = path,
+                                .reader = std::move(reader),
+                                .controller = weak_from_this(),
+                                .buffer = buffer_,
+                                .atByteOffset = recordingPosition() * bytesPerFrame(),
+                                .cancelled = fileJobCancelled_}] { load(request); });
+}
+
+// On a background queue. A controller that goes meanwhile has set `cancelled`.
+void VLRecorderWindowController::load(const LoadingRequest& request) {
+  const auto reader = request.reader
+                          ? request.reader
+                          : OVAudioFileReader::initWithFile(request.path, request.cancelled);
+  const auto controller = request.controller;
+  OVLoadJob::Outcome outcome{.endOffset = request.atByteOffset};
+  if (reader) {
+    outcome =
+        OVLoadJob::run(*reader, {.buffer = request.buffer,
+                                 .atByteOffset = request.atByteOffset,
+                                 .cancelled = request.cancelled,
+                                 .takeWriteError =
+                                     [&controller] {
+                                       const auto document = controller.lock();
+                                       return document ? document->writeError_.exchange(0) : 0;
+                                     },
+                                 .progress =
+                                     [&controller](std::uint64_t byteOffset, double step) {
+                                       platform::mainQueue().async([controller, byteOffset, step] {
+                                         if (const auto document = controller.lock()) {
+                                           document->loadedChunk(byteOffset, step);
+                                         }
+                                       });
+                                     }});
+  }
+  platform::mainQueue().async([controller, opened = reader != nullptr, outcome] {
+    if (const auto document = controller.lock()) {
+      document->loadingEnded(opened, outcome.endOffset, outcome.writeError);
+    }
+  });
+}
+
+void VLRecorderWindowController::loadedChunk(std::uint64_t byteOffset, double step) {
+  advanceIndicator(step);
+  if (timeView_) {
+    timeView_->setDurationInSeconds(secondsOfFrames(byteOffset / bytesPerFrame()));
+    setViewNeedsDisplay(timeView_);
+  }
+}
+
+void VLRecorderWindowController::loadingEnded(bool opened, std::uint64_t endOffset,
+                                              int writeError) {
+  isLoading_ = false;
+  if (*fileJobCancelled_) {
+    return;  // the window has closed
+  }
+  if (!opened) {
+    // The reader has told why. What the window says of the file is not true.
+    currentFilename_.clear();
+    if (window_) {
+      window_->setTitle(titleWithName(platform::localized("Unnamed")));
+    }
+  }
+  if (writeError != 0) {
+    const std::string reason = platform::failureReason(writeError);
+    if (isImport_) {
+      takeImportBack();
+    } else {
+      keepWhatWasLoaded(endOffset);
+    }
+    afterLoading_ = [reason, imported = isImport_] {
+      ShowModalAlert(
+          platform::localizedUtf8("The file could not be loaded whole"),
+          platform::localized("The audio could not be written to the temporary file. %1\n\n%2")
+              .arg(QString::fromStdString(reason),
+                   platform::localized(imported ? "Nothing was imported."
+                                                : "Everything loaded before is kept."))
+              .toStdString());
+    };
+  }
+  fileLoadingComplete();
+}
+
+// The chunk that storage did not take is behind everything else.
+void VLRecorderWindowController::keepWhatWasLoaded(std::uint64_t endOffset) {
+  buffer_->cutoffBufferAfterPosition(endOffset / bytesPerFrame());
+}
+
+// As if the import had never been asked for.
+void VLRecorderWindowController::takeImportBack() {
+  buffer_->undo();
+  if (undoManager_) {
+    undoManager_->discardLastUndo();
+  }
+  setWaveForm(prevWaveform_);
+  importTakenBack_ = true;
+}
+
+// Import ----------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::importFile(QObject*) {
+  if (isFileIOActive_ || isPanelShown_ || !buffer_) {
+    return;
+  }
+  isPanelShown_ = true;
+  platform::panels().beginOpenPanel({.window = window_.data(),
+                                     .title = platform::localized("Import"),
+                                     .acceptLabel = platform::localized("Import"),
+                                     .allowsMultipleSelection = false,
+                                     .fileTypes = readableFileTypes()},
+                                    [self = weak_from_this()](const auto& paths) {
+                                      if (const auto controller = self.lock()) {
+                                        controller->isPanelShown_ = false;
+                                        if (!paths.empty()) {
+                                          controller->openForImport(paths.front());
+                                        }
+                                      }
+                                    });
+}
+
+// Opening may take a while, on a slow medium or with a damaged file, and nothing may have changed
+// when it fails.
+void VLRecorderWindowController::openForImport(const std::string& path) {
+  if (isFileIOActive_) {
+    return;
+  }
+  setFileIOActive(true);
+  platform::globalQueue().async([self = weak_from_this(), path, cancelled = fileJobCancelled_] {
+    const auto reader = OVAudioFileReader::initWithFile(path, cancelled);
+    platform::mainQueue().async([self, path, reader] {
+      if (const auto controller = self.lock()) {
+        controller->beginImport(path, reader);
+      }
+    });
+  });
+}
+
+void VLRecorderWindowController::beginImport(const std::string& path,
+                                             const std::shared_ptr<OVAudioFileReader>& reader) {
+  if (*fileJobCancelled_) {
+    return;  // the window has closed
+  }
+  setFileIOActive(false);
+  if (!reader) {
+    saveIfClosing();
+    return;
+  }
+  isImport_ = true;
+  registerUndo(&VLRecorderWindowController::undo, "Import File");
+  buffer_->setWaypoint();
+  prevWaveform_ = waveForm_->copy();
+  startLoading(path, reader);
+}
+
+// Completion ------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::fileLoadingComplete() {
+  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_] {
+    if (const auto controller = self.lock()) {
+      controller->setIsRenderingWaveform(true);
+    }
+    platform::mainQueue().async([self] {
+      if (const auto controller = self.lock()) {
+        controller->setIndicatorValue(0.0);
+      }
+    });
+    summary->setShouldRegenerateWaveform(true);
+    summary->generateNoLock();
+    if (const auto controller = self.lock()) {
+      controller->setIsRenderingWaveform(false);
+    }
+    platform::mainQueue().async([self] {
+      if (const auto controller = self.lock()) {
+        controller->fileLoadingReallyComplete();
+      }
+    });
+  });
+}
+
+void VLRecorderWindowController::fileLoadingReallyComplete() {
+  if (*fileJobCancelled_) {
+    return;  // the window has closed
+  }
+  lastPlaybackPosition_ = 0;
+  if (!isImport_) {
+    setPlaybackPosition(0);
+    setRecordingPosition(0);
+    setWritingPosition(0);
+    lastPlaybackPosition_ = 1;  // differs, so the next tick draws the marker
+  } else if (!importTakenBack_) {
+    setDocumentEdited(true);
+  }
+  isImport_ = false;
+  importTakenBack_ = false;
+  if (wfView_) {
+    wfView_->setWaveForm(waveForm_);
+  }
+  if (vuView_) {
+    vuView_->setDatasource(weak_from_this());
+  }
+  if (wfView_) {
+    wfView_->setOverrideRegenerationCheck(false);
+    wfView_->setShouldRedrawWaveform(true);
+    setViewNeedsDisplay(wfView_);
+  }
+  endFileIO();
+  if (timeView_) {
+    timeView_->setDurationInSeconds(secondsOfFrames(bufferSizeInFrames()));
+    setViewNeedsDisplay(timeView_);
+  }
+  if (const auto tell = std::exchange(afterLoading_, nullptr)) {
+    tell();
+  }
+  saveIfClosing();
+}
+
+// The question about unsaved changes may have been answered while the file was loaded.
+void VLRecorderWindowController::saveIfClosing() {
+  if (shouldCloseAfterSave_) {
+    saveFile(nullptr);
+  }
+}
+
+// The state of a load or save --------------------------------------------------------------------
+
+void VLRecorderWindowController::beginFileIO() {
+  if (isRecording() || isPlaying()) {
+    pauseButton(pauseButton_);
+  }
+  setFileIOActive(true);
+  setTransportEnabled(false);
+  recreateIndicator(false);
+  showIndicator(true);
+}
+
+void VLRecorderWindowController::endFileIO() {
+  setFileIOActive(false);
+  setIndicatorValue(0.0);
+  showIndicator(false);
+  setTransportEnabled(true);
+}
+
+void VLRecorderWindowController::setFileIOActive(bool active) {
+  isFileIOActive_ = active;
+  if (commandsChanged_) {
+    commandsChanged_();
+  }
+}
+
+void VLRecorderWindowController::setTransportEnabled(bool enabled) {
+  for (OVTransportButton* const button :
+       {recButton_.data(), playButton_.data(), prevButton_.data(), nextButton_.data(),
+        stopButton_.data(), pauseButton_.data()}) {
+    if (button != nullptr) {
+      button->setEnabled(enabled);
+    }
+  }
+  if (wfView_) {
+    wfView_->setEnabled(enabled);
+  }
+}

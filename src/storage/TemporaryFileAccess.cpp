@@ -1,0 +1,28 @@
+#include "storage/TemporaryFileAccess.h"
+
+#include <cstddef>
+
+#include "platform/ApplicationServices.h"
+
+platform::FileTransfer readWhole(platform::File& file, void* destination, std::uint64_t byteCount,
+                                 std::uint64_t fileOffset) {
+  auto* const bytes = static_cast<std::byte*>(destination);
+  platform::FileTransfer whole;
+  while (whole.byteCount < byteCount) {
+    const auto part = file.readAt(bytes + whole.byteCount, byteCount - whole.byteCount,
+                                  fileOffset + whole.byteCount);
+    whole.byteCount += part.byteCount;
+    whole.error = part.error;
+    if (part.byteCount == 0) {
+      break;
+    }
+  }
+  return whole;
+}
+
+void tellThatNoTemporaryFileOpens(const std::string& path) {
+  ShowModalAlert("couldn't open temp file for writing!",
+                 "The file " + path +
+                     " couldn't be opened for writing. This shouldn't happen! Check your "
+                     "permissions.");
+}

@@ -1,0 +1,117 @@
+#pragma once
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <QAction>
+#include <QApplication>
+
+#include "app/VelmarAppDelegate.h"
+#include "audio/SteppedAudioQueues.h"
+#include "controls/OVRecorderWindow.h"
+#include "document/VLRecorderWindowController.h"
+#include "platform/Dispatch.h"
+#include "platform/RecentDocuments.h"
+#include "support/MainLoop.h"
+#include "support/RecordingDesktop.h"
+#include "support/RecordingServices.h"
+#include "support/ScriptedPanels.h"
+
+/// Recent documents that are kept for the test alone. Threads: main.
+class KeptRecentDocuments : public platform::RecentDocuments {
+ public:
+  void noteNewRecentDocument(const std::string& path) override {
+    noted.insert(noted.begin(), path);
+  }
+  [[nodiscard]] std::vector<std::string> recentDocuments(std::size_t most) const override {
+    return {noted.begin(), noted.begin() + static_cast<long>(std::min(most, noted.size()))};
+  }
+
+  std::vector<std::string> noted;
+
+ private:
+  platform::RecentDocumentsInstallation installation_{*this};
+};
+
+/// The application on sound queues that the test steps by hand, with panels that it answers.
+/// Questions about unsaved changes are answered with Don't Save unless the test says otherwise.
+class AppDelegateTest : public testing::Test {
+ protected:
+  AppDelegateTest() { answerQuestionsWith(VLRecorderWindowController::kDontSave); }
+  ~AppDelegateTest() override {
+    answerQuestionsWith(VLRecorderWindowController::kDontSave);
+    while (panels_->sheets() > 0) {
+      panels_->answerSheet(VLRecorderWindowController::kDontSave);
+    }
+    for (OVRecorderWindow* const window : windows()) {
+      window->performClose();
+    }
+    EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+    EXPECT_TRUE(runMainLoopUntil([&] { return windows().empty(); }));
+  }
+
+  void answerQuestionsWith(std::optional<int> code) { panels_->answerEverySheetWith(code); }
+
+  static std::vector<OVRecorderWindow*> windows() {
+    std::vector<OVRecorderWindow*> found;
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+      if (auto* const window = qobject_cast<OVRecorderWindow*>(widget)) {
+        found.push_back(window);
+      }
+    }
+    return found;
+  }
+
+  OVRecorderWindow* spawn() {
+    const auto before = windows();
+    delegate_.spawnNewRecorderWindow(nullptr);
+    return newcomer(before);
+  }
+
+  /// The window that was not there before.
+  static OVRecorderWindow* newcomer(const std::vector<OVRecorderWindow*>& before) {
+    for (OVRecorderWindow* const window : windows()) {
+      if (std::find(before.begin(), before.end(), window) == before.end()) {
+        return window;
+      }
+    }
+    return nullptr;
+  }
+
+  static std::shared_ptr<VLRecorderWindowController> documentOf(OVRecorderWindow* window) {
+    return std::dynamic_pointer_cast<VLRecorderWindowController>(window->delegate());
+  }
+
+  static void awaitIdle(const VLRecorderWindowController& document) {
+    EXPECT_TRUE(runMainLoopUntil([&] { return !document.isFileIOActive(); }));
+  }
+
+  static QAction* item(OVRecorderWindow* window, const char* name) {
+    return window->findChild<QAction*>(QString::fromUtf8(name));
+  }
+
+  /// Recording services that let the end of a quit through.
+  class Services : public support::RecordingServices {
+   public:
+    explicit Services(VelmarAppDelegate& delegate) : delegate_(delegate) {}
+    void cancelTermination() override {
+      RecordingServices::cancelTermination();
+      delegate_.cancelTermination();
+    }
+
+   private:
+    VelmarAppDelegate& delegate_;
+  };
+
+  int quits_ = 0;
+  VelmarAppDelegate delegate_{[this] { ++quits_; }};
+  std::shared_ptr<Services> services_ = std::make_shared<Services>(delegate_);
+  platform::ApplicationServicesInstallation servicesInstallation_{services_};
+  testaudio::InstalledSteppedQueues queues_;
+  support::InstalledScriptedPanels panels_;
+  support::RecordingDesktop desktop_;
+  KeptRecentDocuments recent_;
+};

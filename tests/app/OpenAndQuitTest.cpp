@@ -1,0 +1,294 @@
+
+#include <gmock/gmock.h>
+#include <QDropEvent>
+#include <QFileOpenEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QUrl>
+#include <filesystem>
+
+#include "app/AppFixture.h"
+#include "app/OVOpenEvents.h"
+#include "audio/OVAQRecorder.h"
+#include "audio/OVAudioFileReader.h"
+#include "audio/OVAudioFileWriter.h"
+#include "support/TemporaryFolder.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+using Reply = VelmarAppDelegate::TerminateReply;
+
+class OpenAndQuitTest : public AppDelegateTest {
+ protected:
+  std::string at(const std::string& name) const { return folder_.file(name); }
+
+  std::string writeFile(const std::string& name, std::uint64_t frames = 1000) {
+    const std::vector<float> samples(2 * frames, 0.25F);
+    const auto writer = OVAudioFileWriter::initWithFile(at(name), OVAudioFileWriter::kWave);
+    EXPECT_EQ(writer->sinkData(samples.data(), samples.size() * sizeof(float)), frames * 8);
+    EXPECT_TRUE(writer->close());
+    return at(name);
+  }
+
+  static std::vector<std::string> titles() {
+    std::vector<std::string> titles;
+    for (const OVRecorderWindow* const window : windows()) {
+      titles.push_back(window->title().toStdString());
+    }
+    return titles;
+  }
+
+  static void awaitAllIdle() {
+    for (OVRecorderWindow* const window : windows()) {
+      awaitIdle(*documentOf(window));
+    }
+  }
+
+  /// A window with audio that is not saved.
+  OVRecorderWindow* spawnEdited() {
+    OVRecorderWindow* const window = spawn();
+    const std::vector<float> samples(2000, 0.5F);
+    documentOf(window)->buffer()->writeData(samples.data(), 0, 8000);
+    window->setDocumentEdited(true);
+    return window;
+  }
+
+  bool awaitQuit() {
+    return runMainLoopUntil([&] { return quits_ == 1; });
+  }
+
+  support::TemporaryFolder folder_;
+};
+
+// Open ------------------------------------------------------------------------------------------
+
+TEST_F(OpenAndQuitTest, LaunchingByOpeningTwoFilesShowsTwoWindowsAndNoEmptyOne) {
+  delegate_.applicationWillFinishLaunching();
+  EXPECT_TRUE(delegate_.applicationOpenFiles({writeFile("one.wav"), writeFile("two.wav")}));
+  delegate_.applicationDidFinishLaunching();
+  EXPECT_THAT(titles(), UnorderedElementsAre("Orvo - one.wav", "Orvo - two.wav"));
+  awaitAllIdle();
+}
+
+TEST_F(OpenAndQuitTest, AFileIsOpenedInAWindowOfItsOwnUnedited) {
+  OVRecorderWindow* const empty = spawn();
+  const auto before = windows();
+  EXPECT_TRUE(delegate_.applicationOpenFile(writeFile("take.wav")));
+  OVRecorderWindow* const window = newcomer(before);
+  ASSERT_NE(window, nullptr);
+  EXPECT_TRUE(window->isVisible());
+  const auto document = documentOf(window);
+  awaitIdle(*document);
+  EXPECT_EQ(document->buffer()->bufferSizeInFrames(), 1000U);
+  EXPECT_EQ(document->currentFilename(), at("take.wav"));
+  EXPECT_EQ(document->currentFiletype(), -1);
+  EXPECT_FALSE(window->isDocumentEdited());
+  EXPECT_EQ(documentOf(empty)->buffer()->bufferSizeInFrames(), 0U);
+}
+
+TEST_F(OpenAndQuitTest, ARelativePathCountsFromTheWorkingFolder) {
+  writeFile("take.wav");
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(folder_.path());
+  delegate_.applicationOpenFile("take.wav");
+  std::filesystem::current_path(before);
+  awaitAllIdle();
+  EXPECT_EQ(documentOf(windows().at(0))->buffer()->bufferSizeInFrames(), 1000U);
+  EXPECT_THAT(recent_.noted, ElementsAre(at("take.wav")));
+}
+
+TEST_F(OpenAndQuitTest, TheOpenPanelOpensEachChosenFile) {
+  OVRecorderWindow* const window = spawn();
+  item(window, "Open…")->trigger();
+  ASSERT_EQ(panels_->openPanels(), 1U);
+  EXPECT_EQ(panels_->openPanel().title, "Open");
+  EXPECT_TRUE(panels_->openPanel().allowsMultipleSelection);
+  EXPECT_THAT(panels_->openPanel().fileTypes,
+              ElementsAre("caf", "aif", "aiff", "wav", "mp3", "mp4", "m4a", "m4r", "aac"));
+  panels_->answerOpen({writeFile("one.wav"), writeFile("two.wav")});
+  EXPECT_EQ(windows().size(), 3U);
+  item(window, "Open…")->trigger();
+  panels_->answerOpen({});
+  EXPECT_EQ(windows().size(), 3U);
+  awaitAllIdle();
+}
+
+TEST_F(OpenAndQuitTest, DroppedFilesAreOpenedEachInAWindowOfItsOwn) {
+  OVRecorderWindow* const window = spawn();
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile(QString::fromStdString(writeFile("one.wav"))),
+                QUrl("https://orvo.example/"),
+                QUrl::fromLocalFile(QString::fromStdString(writeFile("two.wav")))});
+  QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(window, &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(window, &drop);
+  EXPECT_TRUE(runMainLoopUntil([] { return windows().size() == 3; }));
+  awaitAllIdle();
+}
+
+TEST_F(OpenAndQuitTest, WhatIsNoFileCannotBeDropped) {
+  OVRecorderWindow* const window = spawn();
+  QMimeData data;
+  data.setText("a letter");
+  QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  enter.ignore();
+  QApplication::sendEvent(window, &enter);
+  EXPECT_FALSE(enter.isAccepted());
+}
+
+TEST_F(OpenAndQuitTest, TheDesktopsOpenEventOpensItsFile) {
+  std::vector<std::string> opened;
+  OVOpenEvents events([&opened](const std::string& path) { opened.push_back(path); });
+  QFileOpenEvent event(QStringLiteral("/tmp/take.wav"));
+  EXPECT_TRUE(events.eventFilter(nullptr, &event));
+  EXPECT_THAT(opened, ElementsAre("/tmp/take.wav"));
+}
+
+TEST_F(OpenAndQuitTest, OpenRecentListsTheLatestFilesAndOpensThem) {
+  const std::string path = writeFile("salt & pepper.wav");
+  delegate_.applicationOpenFile(path);
+  OVRecorderWindow* const window = windows().at(0);
+  auto* const recent = window->findChild<QMenu*>("Open Recent");
+  ASSERT_NE(recent, nullptr);
+  Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
+  ASSERT_EQ(recent->actions().size(), 1);
+  EXPECT_EQ(recent->actions().at(0)->text(), "salt && pepper.wav");
+  recent->actions().at(0)->trigger();
+  EXPECT_EQ(windows().size(), 2U);
+  awaitAllIdle();
+}
+
+TEST_F(OpenAndQuitTest, OpenRecentIsDisabledWithNothingToShow) {
+  OVRecorderWindow* const window = spawn();
+  auto* const recent = window->findChild<QMenu*>("Open Recent");
+  Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
+  EXPECT_FALSE(recent->isEnabled());
+}
+
+TEST_F(OpenAndQuitTest, AskedForAgainItShowsAWindowOnlyIfNoneIsVisible) {
+  EXPECT_TRUE(delegate_.applicationShouldHandleReopen(false));
+  EXPECT_EQ(windows().size(), 1U);
+  EXPECT_TRUE(delegate_.applicationShouldHandleReopen(true));
+  EXPECT_EQ(windows().size(), 1U);
+}
+
+TEST_F(OpenAndQuitTest, TheItemsOfADocumentFollowItsFileOperations) {
+  OVRecorderWindow* const window = spawnEdited();
+  EXPECT_TRUE(item(window, "Save")->isEnabled());
+  documentOf(window)->saveFileNamed(at("take.wav"), 0);
+  for (const char* const name :
+       {"Save", "Save As…", "Import…", "Export Ringtone…", "Remove After Marker", "Record"}) {
+    EXPECT_FALSE(item(window, name)->isEnabled()) << name;
+  }
+  awaitAllIdle();
+  EXPECT_TRUE(item(window, "Save")->isEnabled());
+}
+
+TEST_F(OpenAndQuitTest, DocumentationAndWebsiteOpenInTheBrowser) {
+  OVRecorderWindow* const window = spawn();
+  item(window, "Documentation")->trigger();
+  item(window, "Website")->trigger();
+  EXPECT_EQ(desktop_.opened.size(), 2U);
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  desktop_.knowsPrograms = false;
+  item(window, "Website")->trigger();
+  EXPECT_EQ(services_->alerts().size(), 1U);
+}
+
+// Quit ------------------------------------------------------------------------------------------
+
+TEST_F(OpenAndQuitTest, CancelKeepsTheProgramAndALaterQuitAsksAgain) {
+  answerQuestionsWith(std::nullopt);
+  OVRecorderWindow* const window = spawnEdited();
+  item(window, "Quit")->trigger();
+  ASSERT_EQ(panels_->sheets(), 1U);
+  EXPECT_TRUE(delegate_.isTerminating());
+  panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+  EXPECT_FALSE(delegate_.isTerminating());
+  EXPECT_TRUE(window->isVisible());
+
+  item(window, "Quit")->trigger();
+  panels_->answerSheet(VLRecorderWindowController::kDontSave);
+  EXPECT_TRUE(awaitQuit());
+  EXPECT_FALSE(delegate_.isTerminating());
+}
+
+TEST_F(OpenAndQuitTest, SaveQuitsWhenTheFileIsComplete) {
+  answerQuestionsWith(std::nullopt);
+  OVRecorderWindow* const window = spawnEdited();
+  item(window, "Quit")->trigger();
+  panels_->answerSheet(VLRecorderWindowController::kSave);
+  panels_->answerSave(at("take.wav"));
+  EXPECT_TRUE(awaitQuit());
+  EXPECT_EQ(OVAudioFileReader::initWithFile(at("take.wav"))->fileSizeInFrames(), 1000);
+}
+
+TEST_F(OpenAndQuitTest, ASaveThatFailsEndsTheQuit) {
+  answerQuestionsWith(std::nullopt);
+  OVRecorderWindow* const window = spawnEdited();
+  item(window, "Quit")->trigger();
+  panels_->answerSheet(VLRecorderWindowController::kSave);
+  panels_->answerSave(at("gone/take.wav"));
+  EXPECT_TRUE(runMainLoopUntil([&] { return !delegate_.isTerminating(); }));
+  EXPECT_TRUE(window->isVisible());
+  EXPECT_TRUE(window->isDocumentEdited());
+  EXPECT_EQ(services_->alerts().size(), 1U);
+}
+
+TEST_F(OpenAndQuitTest, EachOfSeveralEditedWindowsAsks) {
+  answerQuestionsWith(std::nullopt);
+  spawnEdited();
+  spawnEdited();
+  spawn();
+  delegate_.terminate();
+  ASSERT_EQ(panels_->sheets(), 2U);
+  panels_->answerSheet(VLRecorderWindowController::kDontSave);
+  EXPECT_TRUE(runMainLoopUntil([] { return windows().size() == 2; }));
+  EXPECT_EQ(quits_, 0);
+  EXPECT_TRUE(delegate_.isTerminating());
+  panels_->answerSheet(VLRecorderWindowController::kDontSave);
+  EXPECT_TRUE(awaitQuit());
+}
+
+TEST_F(OpenAndQuitTest, CancelInOneOfTwoWindowsKeepsBothAndTheProgram) {
+  answerQuestionsWith(std::nullopt);
+  spawnEdited();
+  spawnEdited();
+  delegate_.terminate();
+  panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+  panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+  EXPECT_FALSE(delegate_.isTerminating());
+  EXPECT_EQ(windows().size(), 2U);
+}
+
+TEST_F(OpenAndQuitTest, QuittingWhileRecordingPausesAndAsks) {
+  answerQuestionsWith(std::nullopt);
+  OVRecorderWindow* const window = spawn();
+  item(window, "Record")->trigger();
+  delegate_.terminate();
+  EXPECT_EQ(panels_->sheets(), 1U);
+  EXPECT_FALSE(documentOf(window)->recorder()->isRecording());
+}
+
+TEST_F(OpenAndQuitTest, AWindowThatIsJustBeingSavedIsWaitedFor) {
+  OVRecorderWindow* const window = spawnEdited();
+  window->setDocumentEdited(false);
+  documentOf(window)->saveFileNamed(at("copy.wav"), 0);
+  delegate_.terminate();
+  EXPECT_EQ(quits_, 0);
+  EXPECT_TRUE(awaitQuit());
+  EXPECT_EQ(OVAudioFileReader::initWithFile(at("copy.wav"))->fileSizeInFrames(), 1000);
+}
+
+TEST_F(OpenAndQuitTest, QuittingWhileAFileIsLoadedEndsAtOnce) {
+  delegate_.applicationOpenFile(writeFile("long.wav", 3'000'000));
+  delegate_.terminate();
+  EXPECT_EQ(quits_, 1);
+}
+
+}  // namespace

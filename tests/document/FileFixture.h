@@ -1,0 +1,115 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "audio/OVAudioFileReader.h"
+#include "audio/OVAudioFileWriter.h"
+#include "document/DocumentFixture.h"
+#include "support/RecordingDesktop.h"
+#include "support/TemporaryFolder.h"
+
+/// A document with files to open and to save to, and panels that the test answers.
+class DocumentFileTest : public DocumentTest {
+ protected:
+  using Samples = std::vector<float>;
+
+  DocumentFileTest() { panels_->answerEverySheetWith(std::nullopt); }
+  ~DocumentFileTest() override {
+    // A question that a failed test left open must not keep the document.
+    panels_->answerEverySheetWith(VLRecorderWindowController::kDontSave);
+    while (panels_->sheets() > 0) {
+      panels_->answerSheet(VLRecorderWindowController::kDontSave);
+    }
+  }
+
+  std::string at(const std::string& name) const { return folder_.file(name); }
+
+  /// Samples that 16 bits hold exactly, different in every frame and channel.
+  static Samples ramp(std::uint64_t frames, int seed = 0) {
+    Samples samples(2 * frames);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+      const int value = static_cast<int>((i * 7 + static_cast<std::size_t>(seed)) % 60000) - 30000;
+      samples[i] = static_cast<float>(value) / 32768.0F;
+    }
+    return samples;
+  }
+
+  std::string writeFile(const std::string& name, const Samples& samples, std::uint32_t kind = 0) {
+    const auto writer = OVAudioFileWriter::initWithFile(at(name), kind);
+    const std::uint64_t size = samples.size() * sizeof(float);
+    EXPECT_EQ(writer->sinkData(samples.data(), size), size);
+    EXPECT_TRUE(writer->close());
+    return at(name);
+  }
+
+  static Samples readFile(const std::string& path) {
+    Samples samples;
+    const auto reader = OVAudioFileReader::initWithFile(path);
+    if (!reader) {
+      ADD_FAILURE() << path << " cannot be read";
+      return samples;
+    }
+    while (const std::uint32_t frames = reader->readFrameChunkWithSize(10000)) {
+      const auto* const floats = reinterpret_cast<const float*>(reader->exposeBuffer());
+      samples.insert(samples.end(), floats, floats + 2 * std::size_t{frames});
+    }
+    return samples;
+  }
+
+  static std::string bytesOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  std::size_t filesInFolder() const {
+    namespace fs = std::filesystem;
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(folder_.path()), fs::directory_iterator()));
+  }
+
+  /// Runs the main loop until no load, save or export runs.
+  void awaitIdle() {
+    EXPECT_TRUE(runMainLoopUntil([&] { return !document_->isFileIOActive(); }));
+    settle();
+  }
+
+  void open(const std::string& path) {
+    document_->openFileNamed(path);
+    awaitIdle();
+  }
+
+  void import(const std::string& path) {
+    document_->importFile(nullptr);
+    panels_->answerOpen({path});
+    awaitIdle();
+  }
+
+  void saveTo(const std::string& path, std::int32_t type = 0) {
+    document_->saveFileNamed(path, type);
+    awaitIdle();
+  }
+
+  Samples audio() { return samplesAt(0, length()); }
+
+  /// Puts audio into the document as a recording does.
+  void fill(const Samples& samples, std::uint64_t atFrame = 0) {
+    document_->buffer()->writeData(samples.data(), atFrame * kFrameBytes,
+                                   static_cast<std::uint32_t>(samples.size() * sizeof(float)));
+  }
+
+  bool transportEnabled() {
+    bool all = true;
+    for (const char* const name :
+         {"recButton", "playButton", "prevButton", "nextButton", "stopButton", "pauseButton"}) {
+      all = all && button(name)->isEnabled();
+    }
+    return all;
+  }
+
+  support::TemporaryFolder folder_;
+  support::RecordingDesktop desktop_;
+};

@@ -1,0 +1,331 @@
+#include <algorithm>
+
+#include <gmock/gmock.h>
+
+#include "document/FileFixture.h"
+#include "document/OVLoadJob.h"
+#include "support/FailingTemporaryFiles.h"
+#include "waveform/OVWaveFormView.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class LoadingTest : public DocumentFileTest {
+ protected:
+  static Samples joined(const Samples& a, const Samples& b) {
+    Samples all = a;
+    all.insert(all.end(), b.begin(), b.end());
+    return all;
+  }
+
+  /// A file that is not audio, under a name that says it is.
+  std::string writeNonsense(const std::string& name) {
+    std::ofstream(at(name)) << "This is a letter, not a sound.\n";
+    return at(name);
+  }
+
+  OVTimeView* timeView() { return document_->window()->findChild<OVTimeView*>("timeView"); }
+};
+
+// Open ------------------------------------------------------------------------------------------
+
+TEST_F(LoadingTest, AFileShorterThanAChunkIsLoadedWhole) {
+  openWindow();
+  const Samples samples = ramp(1000);
+  open(writeFile("short.wav", samples));
+  EXPECT_EQ(audio(), samples);
+  EXPECT_TRUE(transportEnabled());
+  EXPECT_FALSE(document_->loadingIndicator()->isVisibleTo(document_->window()));
+}
+
+TEST_F(LoadingTest, AFileOfSeveralChunksIsLoadedWhole) {
+  openWindow();
+  const Samples samples = ramp(2 * OVLoadJob::kChunkFrames + 77);
+  open(writeFile("long.wav", samples));
+  EXPECT_EQ(audio(), samples);
+  EXPECT_DOUBLE_EQ(timeView()->durationInSeconds(), static_cast<double>(length()) / 44100.0);
+}
+
+TEST_F(LoadingTest, AnEmptyFileLoadsNothingAndCompletes) {
+  openWindow();
+  open(writeFile("empty.wav", {}));
+  EXPECT_EQ(length(), 0U);
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_TRUE(transportEnabled());
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+TEST_F(LoadingTest, OpeningResetsBothPositionsAndLeavesTheDocumentUnedited) {
+  openWindow();
+  open(writeFile("take.wav", ramp(1000)));
+  EXPECT_EQ(document_->playbackPosition(), 0U);
+  EXPECT_EQ(document_->recordingPosition(), 0U);
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
+}
+
+TEST_F(LoadingTest, OpeningWhileRecordingStopsTheRecordingFirst) {
+  openWindow();
+  pressRecord();
+  ASSERT_TRUE(capture(0.25F));
+  const Samples samples = ramp(500);
+  document_->openFileNamed(writeFile("take.wav", samples));
+  EXPECT_FALSE(document_->recorder()->isRecording());
+  awaitIdle();
+  const Samples recorded(2 * std::size_t{kChunkFrames}, 0.25F);
+  EXPECT_EQ(audio(), joined(recorded, samples));
+}
+
+TEST_F(LoadingTest, TheTransportIsDisabledWhileAFileIsLoaded) {
+  openWindow();
+  document_->openFileNamed(writeFile("take.wav", ramp(100'000)));
+  EXPECT_TRUE(document_->isFileIOActive());
+  EXPECT_FALSE(transportEnabled());
+  auto* const view = document_->window()->findChild<OVWaveFormView*>("wfView");
+  EXPECT_FALSE(view->isEnabled());
+  EXPECT_TRUE(document_->loadingIndicator()->isVisibleTo(document_->window()));
+  awaitIdle();
+  EXPECT_TRUE(view->isEnabled());
+}
+
+TEST_F(LoadingTest, ASecondOpenOrImportWhileOneRunsIsIgnored) {
+  openWindow();
+  const Samples samples = ramp(300'000);
+  const std::string first = writeFile("first.wav", samples);
+  const std::string second = writeFile("second.wav", ramp(10));
+  document_->openFileNamed(first);
+  document_->openFileNamed(second);
+  document_->importFile(nullptr);
+  EXPECT_EQ(panels_->openPanels(), 0U);
+  awaitIdle();
+  EXPECT_EQ(audio(), samples);
+}
+
+TEST_F(LoadingTest, TheDurationGrowsAndTheBarMovesWhileAFileIsLoaded) {
+  openWindow();
+  std::vector<double> durations;
+  std::vector<int> values;
+  document_->openFileNamed(writeFile("take.wav", ramp(5 * OVLoadJob::kChunkFrames)));
+  EXPECT_TRUE(runMainLoopUntil([&] {
+    durations.push_back(timeView()->durationInSeconds());
+    values.push_back(document_->loadingIndicator()->value());
+    return !document_->isFileIOActive();
+  }));
+  EXPECT_TRUE(std::is_sorted(durations.begin(), durations.end()));
+  EXPECT_GT(*std::max_element(values.begin(), values.end()), 0);
+  settle();
+}
+
+TEST_F(LoadingTest, TheWaveformOfTheWholeFileIsShownAtTheEnd) {
+  openWindow();
+  open(writeFile("take.wav", ramp(44100)));
+  EXPECT_FALSE(document_->waveForm()->isRegenerating());
+  EXPECT_GT(document_->waveForm()->powerAtPosition(0.5), 0.0);
+}
+
+TEST_F(LoadingTest, DuringTheRegenerationBarAndTimeFollowItsReader) {
+  openWindow();
+  fill(ramp(44100));
+  document_->waveForm()->generate();
+  document_->setIsRenderingWaveform(true);
+  document_->setPlaybackPosition(22050);
+  document_->updatePlaybackMarkerView();
+  EXPECT_DOUBLE_EQ(timeView()->currentTimeInSeconds(),
+                   static_cast<double>(document_->waveForm()->readerPos()) / 44100.0);
+  document_->setIsRenderingWaveform(false);
+}
+
+TEST_F(LoadingTest, AFileThatCannotBeReadIsToldOnceAndLeavesNothingBehind) {
+  openWindow();
+  const std::string path = writeNonsense("letter.wav");
+  document_->setCurrentFilename(path);
+  document_->window()->setTitle("Orvo - letter.wav");
+  open(path);
+  ASSERT_EQ(services_->alerts().size(), 1U);
+  EXPECT_THAT(services_->alerts()[0].message, HasSubstr("letter.wav"));
+  EXPECT_EQ(length(), 0U);
+  EXPECT_TRUE(transportEnabled());
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_EQ(document_->currentFilename(), "");
+  EXPECT_EQ(document_->window()->title(), "Orvo - Unnamed");
+}
+
+TEST_F(LoadingTest, TwoWindowsLoadSideBySide) {
+  const Samples first = ramp(600'000);
+  const Samples second = ramp(700'000, 5);
+  const std::string firstPath = writeFile("first.wav", first);
+  const std::string secondPath = writeFile("second.caf", second, 2);
+  openWindow();
+  auto other = VLRecorderWindowController::initWithWindowNibName("VNRecorderWindow");
+  document_->openFileNamed(firstPath);
+  other->openFileNamed(secondPath);
+  EXPECT_TRUE(runMainLoopUntil([&] { return !other->isFileIOActive(); }));
+  awaitIdle();
+  EXPECT_EQ(audio(), first);
+  std::swap(document_, other);
+  EXPECT_EQ(audio(), second);
+  other->window()->performClose();
+}
+
+TEST_F(LoadingTest, ClosingWhileAFileIsLoadedEndsTheJob) {
+  openWindow();
+  const std::string path = writeFile("take.wav", ramp(20 * OVLoadJob::kChunkFrames));
+  const std::weak_ptr<OVAudioBufferInterface> buffer = document_->buffer();
+  const QPointer<OVRecorderWindow> window = document_->window();
+  document_->openFileNamed(path);
+  window->performClose();
+  document_.reset();
+  settle();
+  EXPECT_TRUE(window.isNull());
+  EXPECT_TRUE(buffer.expired());
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+// Import ----------------------------------------------------------------------------------------
+
+TEST_F(LoadingTest, AnImportGoesToTheRecordingPositionAndMovesNothing) {
+  openWindow();
+  fill(ramp(1000));
+  const Samples samples = ramp(300, 11);
+  document_->setRecordingPosition(400);
+  document_->setPlaybackPosition(200);
+  import(writeFile("part.wav", samples));
+  EXPECT_EQ(samplesAt(400, 300), samples);
+  EXPECT_EQ(length(), 1000U);
+  EXPECT_EQ(document_->recordingPosition(), 400U);
+  EXPECT_EQ(document_->playbackPosition(), 200U);
+  EXPECT_TRUE(document_->isDocumentEdited());
+}
+
+TEST_F(LoadingTest, TheImportPanelTakesOneFileOfTheReadableKinds) {
+  openWindow();
+  document_->importFile(nullptr);
+  ASSERT_EQ(panels_->openPanels(), 1U);
+  EXPECT_EQ(panels_->openPanel().title, "Import");
+  EXPECT_EQ(panels_->openPanel().acceptLabel, "Import");
+  EXPECT_FALSE(panels_->openPanel().allowsMultipleSelection);
+  EXPECT_THAT(panels_->openPanel().fileTypes,
+              ElementsAre("caf", "aif", "aiff", "wav", "mp3", "mp4", "m4a", "m4r", "aac"));
+  panels_->answerOpen({});
+  settle();
+  EXPECT_FALSE(document_->isFileIOActive());
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
+}
+
+TEST_F(LoadingTest, AnImportIsOneUndoableStep) {
+  openWindow();
+  const Samples before = ramp(1000);
+  fill(before);
+  document_->setRecordingPosition(900);
+  const Samples samples = ramp(2 * OVLoadJob::kChunkFrames, 3);
+  import(writeFile("part.wav", samples));
+  const Samples after = audio();
+  EXPECT_EQ(length(), 900 + 2 * OVLoadJob::kChunkFrames);
+  EXPECT_EQ(document_->windowWillReturnUndoManager()->undoActionName(), "Import File");
+  document_->undoCommand();
+  settle();
+  EXPECT_EQ(audio(), before);
+  document_->redoCommand();
+  settle();
+  EXPECT_EQ(audio(), after);
+}
+
+TEST_F(LoadingTest, AnImportThatCannotBeReadChangesNothing) {
+  openWindow();
+  recordChunks(2);
+  document_->setDocumentEdited(false);
+  document_->setPlaybackPosition(100);
+  const Samples before = audio();
+  import(writeNonsense("letter.mp3"));
+  EXPECT_EQ(services_->alerts().size(), 1U);
+  EXPECT_EQ(audio(), before);
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_EQ(document_->windowWillReturnUndoManager()->undoActionName(), "Record");
+  EXPECT_EQ(document_->playbackPosition(), 100U);
+  EXPECT_TRUE(transportEnabled());
+  EXPECT_FALSE(document_->isImport());
+}
+
+TEST_F(LoadingTest, AnImportWhileRecordingKeepsTheRecording) {
+  openWindow();
+  pressRecord();
+  ASSERT_TRUE(capture(0.25F));
+  const Samples samples = ramp(500);
+  import(writeFile("part.wav", samples));
+  const Samples recorded(2 * std::size_t{kChunkFrames}, 0.25F);
+  EXPECT_EQ(audio(), joined(recorded, samples));
+}
+
+TEST_F(LoadingTest, TheQuestionAnsweredWithSaveDuringAnImportSavesWhenItIsDone) {
+  openWindow();
+  recordChunks(1);
+  document_->importFile(nullptr);
+  panels_->answerOpen({writeFile("part.wav", ramp(600'000))});
+  EXPECT_TRUE(runMainLoopUntil([&] { return document_->isImport(); }));
+  document_->window()->performClose();
+  ASSERT_EQ(panels_->sheets(), 1U);
+  panels_->answerSheet(1);
+  EXPECT_TRUE(runMainLoopUntil([&] { return panels_->savePanels() == 1; }));
+  const QPointer<OVRecorderWindow> window = document_->window();
+  panels_->answerSave(at("all.wav"));
+  EXPECT_TRUE(runMainLoopUntil([&] { return window.isNull(); }));
+  EXPECT_EQ(readFile(at("all.wav")).size(), 2 * (600'000U + kChunkFrames));
+}
+
+TEST_F(LoadingTest, DontSaveDuringAnImportClosesAtOnce) {
+  openWindow();
+  recordChunks(1);
+  document_->importFile(nullptr);
+  panels_->answerOpen({writeFile("part.wav", ramp(600'000))});
+  const QPointer<OVRecorderWindow> window = document_->window();
+  window->performClose();
+  panels_->answerSheet(0);
+  document_.reset();
+  EXPECT_TRUE(runMainLoopUntil([&] { return window.isNull(); }));
+  settle();
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+// A full disk under the temporary file ------------------------------------------------------------
+
+class FullDiskLoadingTest : public LoadingTest {
+ protected:
+  support::FailingTemporaryFiles files_;
+  platform::TemporaryFilesInstallation filesInstallation_{files_};
+};
+
+TEST_F(FullDiskLoadingTest, AnOpenKeepsWhatWasStoredAndTellsOnce) {
+  openWindow();
+  const Samples samples = ramp(3 * OVLoadJob::kChunkFrames);
+  const std::string path = writeFile("take.wav", samples);
+  files_.fillUpAfter(2 * OVLoadJob::kChunkFrames * kFrameBytes + 100);
+  open(path);
+  EXPECT_EQ(length(), 2 * OVLoadJob::kChunkFrames);
+  EXPECT_TRUE(
+      std::equal(samples.begin(), samples.begin() + 4 * OVLoadJob::kChunkFrames, audio().begin()));
+  ASSERT_EQ(services_->alerts().size(), 1U);
+  EXPECT_THAT(services_->alerts()[0].message, HasSubstr("The disk is full."));
+  EXPECT_TRUE(transportEnabled());
+}
+
+TEST_F(FullDiskLoadingTest, AnImportIsTakenBackAndToldOnce) {
+  openWindow();
+  const Samples before = ramp(1000);
+  fill(before);
+  document_->setRecordingPosition(500);
+  const std::string path = writeFile("part.wav", ramp(3 * OVLoadJob::kChunkFrames));
+  files_.fillUpAfter(2 * OVLoadJob::kChunkFrames * kFrameBytes);
+  import(path);
+  EXPECT_EQ(audio(), before);
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
+  EXPECT_EQ(document_->recordingPosition(), 500U);
+  EXPECT_EQ(services_->alerts().size(), 1U);
+  EXPECT_TRUE(transportEnabled());
+}
+
+}  // namespace

@@ -1,0 +1,69 @@
+#include "platform/AudioFileInterruption.h"
+
+#include <chrono>
+#include <limits>
+#include <memory>
+
+#include <gmock/gmock.h>
+
+namespace platform {
+namespace {
+
+using std::chrono::hours;
+using std::chrono::milliseconds;
+
+constexpr std::int64_t kAnyBytes = std::numeric_limits<std::int64_t>::max();
+
+TEST(AudioFileInterruption, WithoutALimitOrAFlagItIsNeverDue) {
+  const AudioFileInterruption interruption(nullptr);
+  EXPECT_FALSE(interruption.isDue());
+  EXPECT_FALSE(interruption.isCancelled());
+}
+
+TEST(AudioFileInterruption, AFlagMakesItDueAsLongAsItIsSet) {
+  const auto cancelled = std::make_shared<std::atomic<bool>>(false);
+  const AudioFileInterruption interruption(cancelled);
+  EXPECT_FALSE(interruption.isDue());
+  cancelled->store(true);
+  EXPECT_TRUE(interruption.isDue());
+  EXPECT_TRUE(interruption.isCancelled());
+}
+
+TEST(AudioFileInterruption, WorkBeyondItsLimitMakesItDueUntilLifted) {
+  AudioFileInterruption interruption(nullptr);
+  interruption.limit(milliseconds(0), kAnyBytes);
+  EXPECT_TRUE(interruption.isDue());
+  EXPECT_FALSE(interruption.isCancelled());
+  interruption.lift();
+  EXPECT_FALSE(interruption.isDue());
+  interruption.limit(std::chrono::duration_cast<milliseconds>(hours(1)), kAnyBytes);
+  EXPECT_FALSE(interruption.isDue());
+}
+
+TEST(AudioFileInterruption, WaitingForTheSystemIsGivenBack) {
+  AudioFileInterruption interruption(nullptr);
+  interruption.limit(milliseconds(0), kAnyBytes);
+  ASSERT_TRUE(interruption.isDue());
+  interruption.noteRead(hours(1), 0);
+  EXPECT_FALSE(interruption.isDue());
+}
+
+TEST(AudioFileInterruption, BytesBeyondTheirLimitMakeItDue) {
+  AudioFileInterruption interruption(nullptr);
+  interruption.limit(std::chrono::duration_cast<milliseconds>(hours(1)), 1000);
+  interruption.noteRead(milliseconds(0), 999);
+  EXPECT_FALSE(interruption.isDue());
+  interruption.noteRead(milliseconds(0), 1);
+  EXPECT_TRUE(interruption.isDue());
+}
+
+TEST(AudioFileInterruption, AnInnerLimitGivesWayToTheOneThatHolds) {
+  AudioFileInterruption interruption(nullptr);
+  EXPECT_TRUE(interruption.limitIfNone(milliseconds(0), kAnyBytes));
+  EXPECT_TRUE(interruption.isDue());
+  EXPECT_FALSE(interruption.limitIfNone(std::chrono::duration_cast<milliseconds>(hours(1)), 1));
+  EXPECT_TRUE(interruption.isDue());
+}
+
+}  // namespace
+}  // namespace platform
