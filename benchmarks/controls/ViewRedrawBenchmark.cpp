@@ -90,7 +90,7 @@ void fill(benchmark::State& state) {
   }
 }
 
-const bool registered = [] {
+[[maybe_unused]] const bool registered = [] {
   const std::vector<std::pair<const char*, std::function<Staged()>>> views{
       {"transport button", [] { return button<OVTransportButton>("rec_off.png"); }},
       {"rounded transport button", [] { return button<OVRoundedTransportButton>("prev.png"); }},

@@ -35,6 +35,8 @@ class Document {
     static_cast<void>(showOnScreenOfScale(window(), scale));
   }
   ~Document() {
+    controller_->pauseButton(nullptr);
+    controller_->setDocumentEdited(false);  // or closing would ask
     window().performClose();
     controller_.reset();
     settle();
