@@ -8,6 +8,7 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 #include <libavutil/mathematics.h>
+#include <libavutil/samplefmt.h>
 }
 
 namespace platform {
@@ -19,6 +20,18 @@ constexpr std::int64_t kPipedBytes = 0x7FFF0000;
 
 // Rounding of time scales, and a decoder's own delay: no loss that anyone could hear.
 constexpr std::int64_t kToleratedFrames = 8192;
+
+// Of a damaged packet some decoders fill only a stretch of their frame. The rest is then silence
+// and not whatever the memory held before, which would be heard, and differently each time.
+int silentBuffer(AVCodecContext* codec, AVFrame* frame, int flags) {
+  const int result = avcodec_default_get_buffer2(codec, frame, flags);
+  const auto format = static_cast<AVSampleFormat>(frame->format);
+  if (result >= 0 && codec->codec_type == AVMEDIA_TYPE_AUDIO) {
+    av_samples_set_silence(frame->extended_data, 0, frame->nb_samples, frame->ch_layout.nb_channels,
+                           format);
+  }
+  return result;
+}
 
 }  // namespace
 
@@ -55,6 +68,9 @@ int AudioFileDecoder::start() {
   }
   codec_->pkt_timebase = demuxer_->stream().time_base;  // without it nothing is trimmed
   codec_->thread_count = 1;
+  if (!demuxer_->isLinearPcm()) {
+    codec_->get_buffer2 = silentBuffer;
+  }
   return avcodec_open2(codec_.get(), codec, nullptr);
 }
 
