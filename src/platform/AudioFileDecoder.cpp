@@ -15,8 +15,17 @@ namespace platform {
 namespace {
 
 // Programs that write to a pipe cannot go back to the header and leave a length in it that stands
-// for "until the end". It is never a real one: about 2 and about 4 GB.
-constexpr std::int64_t kPipedBytes = 0x7FFF0000;
+// for "until the end": the largest number of 31 or of 32 bits, less a header or rounded.
+bool standsForUntilTheEnd(std::int64_t frames, std::int64_t bytesPerFrame) {
+  constexpr std::int64_t kRoundedBytes = 0x10000;
+  for (const std::int64_t largest : {std::int64_t{1} << 31, std::int64_t{1} << 32}) {
+    if (frames >= (largest - kRoundedBytes) / bytesPerFrame &&
+        frames <= (largest + kRoundedBytes) / bytesPerFrame) {
+      return true;
+    }
+  }
+  return false;
+}
 
 // Rounding of time scales, and a decoder's own delay: no loss that anyone could hear.
 constexpr std::int64_t kToleratedFrames = 8192;
@@ -180,7 +189,7 @@ bool AudioFileDecoder::isCutOff() const {
   if (demuxer_->isLinearPcm()) {
     const std::int64_t promised = demuxer_->promisedPcmFrames();
     const std::int64_t bytesPerFrame = std::max(stream.codecpar->block_align, 1);
-    return promised > decodedFrames_ && promised < kPipedBytes / bytesPerFrame;
+    return promised > decodedFrames_ && !standsForUntilTheEnd(promised, bytesPerFrame);
   }
   const std::int64_t declared = demuxer_->declaredDuration();
   const int rate = codec_->sample_rate;
