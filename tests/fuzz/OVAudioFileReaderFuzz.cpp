@@ -2,6 +2,7 @@
 // are: no crash, no undefined behaviour, no endless work, finite samples only, the same frames
 // after a rewind, one alert at most.
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -92,7 +93,7 @@ Heard hear(OVAudioFileReader& reader) {
     const auto* const samples = static_cast<const float*>(reader.exposeBuffer());
     for (std::size_t i = 0; i < std::size_t{frames} * 2; ++i) {
       require(std::isfinite(samples[i]), "samples are finite");
-      heard.hash = (heard.hash ^ static_cast<std::uint64_t>(samples[i] * 1e6F)) * 1099511628211U;
+      heard.hash = (heard.hash ^ std::bit_cast<std::uint32_t>(samples[i])) * 1099511628211U;
     }
     heard.frames += frames;
   }
