@@ -9,11 +9,7 @@
 
 #include <gmock/gmock.h>
 
-extern "C" {
-#include <libavformat/avio.h>
-#include <libavutil/error.h>
-}
-
+#include "platform/MediaFunctions.h"
 #include "support/TestAudioFileStorage.h"
 
 namespace platform {

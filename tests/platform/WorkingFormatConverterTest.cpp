@@ -8,11 +8,7 @@
 
 #include <gmock/gmock.h>
 
-extern "C" {
-#include <libavutil/channel_layout.h>
-#include <libavutil/frame.h>
-#include <libavutil/samplefmt.h>
-}
+#include "platform/MediaFunctions.h"
 
 namespace platform {
 namespace {
