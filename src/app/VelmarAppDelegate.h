@@ -9,6 +9,7 @@
 #include <QPointer>
 
 #include "app/OVMainMenu.h"
+#include "app/OVRecentFiles.h"
 #include "platform/Timer.h"
 
 class OVDiagnosticsWindow;
@@ -85,7 +86,9 @@ class VelmarAppDelegate {
   bool spawn_rec_ = true;
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
+  bool cancelledWhileAsking_ = false;  // a window refused while the windows were being asked
   std::unique_ptr<OVDiagnosticsWindow> debugWindow_;
+  OVRecentFiles recentFiles_;
 
   mutable std::mutex tempfilesMutex_;
   std::vector<std::string> tempfiles_;  // guarded by tempfilesMutex_

@@ -6,9 +6,10 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QIcon>
+#include <QSessionManager>
 
+#include "app/OVApplicationEvents.h"
 #include "app/OVApplicationServices.h"
-#include "app/OVOpenEvents.h"
 #include "app/VelmarAppDelegate.h"
 #include "platform/AudioQueue.h"
 #include "platform/CubebAudioDevice.h"
@@ -66,9 +67,19 @@ int main(int argc, char** argv) {
   VelmarAppDelegate delegate([] { QCoreApplication::exit(0); });
   const platform::ApplicationServicesInstallation installedServices(servicesOf(delegate));
   delegate.applicationWillFinishLaunching();
-  OVOpenEvents openEvents(
-      [&delegate](const std::string& path) { delegate.applicationOpenFile(path); });
-  application.installEventFilter(&openEvents);
+  OVApplicationEvents events(
+      {.openFile = [&delegate](const std::string& path) { delegate.applicationOpenFile(path); },
+       .terminate = [&delegate] { delegate.terminate(); }});
+  application.installEventFilter(&events);
+  // The end of the session asks as Quit does, and waits for the answers.
+  QObject::connect(
+      &application, &QGuiApplication::commitDataRequest, &application,
+      [&delegate](QSessionManager& session) {
+        if (delegate.applicationShouldTerminate() == VelmarAppDelegate::TerminateReply::cancel) {
+          session.cancel();
+        }
+      },
+      Qt::DirectConnection);
   delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has taken its own out
   delegate.applicationDidFinishLaunching();
   const platform::DesktopColours colours(QDBusConnection::sessionBus());  // after the window is up
@@ -77,7 +88,7 @@ int main(int argc, char** argv) {
   const int result = QApplication::exec();
 
   delegate.applicationWillTerminate();
+  platform::mainQueue().shutDown();  // first: nobody waits for an alert any more
   platform::globalQueue().waitUntilIdle(kLastWorkSeconds);
-  platform::mainQueue().shutDown();
   return result;
 }
