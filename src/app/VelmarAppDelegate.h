@@ -80,12 +80,13 @@ class VelmarAppDelegate {
   void pollTermination();
   static void openPage(const char* address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
+  OVDiagnosticsWindow& debugWindow();
 
   const std::function<void()> quit_;
   bool spawn_rec_ = true;
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
-  std::unique_ptr<OVDiagnosticsWindow> debugWindow_;
+  std::unique_ptr<OVDiagnosticsWindow> debugWindow_;  // from the first line or look on
 
   mutable std::mutex tempfilesMutex_;
   std::vector<std::string> tempfiles_;  // guarded by tempfilesMutex_
