@@ -194,39 +194,8 @@ void PolylineStroke::fillColumns(const QColor& color, int columnsPerPixel) {
   }
 }
 
-void PolylineStroke::collectIntervals(float x, float height) {
-  while (nextPiece_ < pieces_.size() && pieces_[nextPiece_].left <= x) {
-    active_.push_back(nextPiece_++);
-  }
-  intervals_.clear();
-  std::size_t kept = 0;
-  for (const std::size_t index : active_) {
-    const Piece& piece = pieces_[index];
-    if (piece.right <= x) {
-      continue;
-    }
-    active_[kept++] = index;
-    const Interval cut = slice(piece, x);
-    const Interval inside{std::max(cut.top, 0.0F), std::min(cut.bottom, height)};
-    if (inside.top < inside.bottom) {
-      insertInterval(inside);
-    }
-  }
-  active_.resize(kept);
-}
-
-// A column holds a handful of intervals, nearly in order already.
-void PolylineStroke::insertInterval(Interval interval) {
-  std::size_t place = intervals_.size();
-  intervals_.push_back(interval);
-  for (; place > 0 && intervals_[place - 1].top > interval.top; --place) {
-    intervals_[place] = intervals_[place - 1];
-  }
-  intervals_[place] = interval;
-}
-
 // Without a branch: which edges a column cuts changes from piece to piece.
-PolylineStroke::Interval PolylineStroke::slice(const Piece& piece, float x) {
+inline PolylineStroke::Interval PolylineStroke::slice(const Piece& piece, float x) {
   std::array<float, kCorners> top{};
   std::array<float, kCorners> bottom{};
   for (std::size_t i = 0; i < kCorners; ++i) {
@@ -239,24 +208,55 @@ PolylineStroke::Interval PolylineStroke::slice(const Piece& piece, float x) {
           std::max(std::max(bottom[0], bottom[1]), std::max(bottom[2], bottom[3]))};
 }
 
+void PolylineStroke::collectIntervals(float x, float height) {
+  while (nextPiece_ < pieces_.size() && pieces_[nextPiece_].left <= x) {
+    active_.push_back(&pieces_[nextPiece_++]);
+  }
+  intervals_.resize(std::max(intervals_.size(), active_.size()));
+  Interval* const intervals = intervals_.data();
+  std::size_t count = 0;
+  std::size_t kept = 0;
+  for (const Piece* const piece : active_) {
+    if (piece->right <= x) {
+      continue;
+    }
+    active_[kept++] = piece;
+    const Interval cut = slice(*piece, x);
+    const Interval inside{std::max(cut.top, 0.0F), std::min(cut.bottom, height)};
+    if (inside.top < inside.bottom) {
+      // A column holds a handful of intervals, nearly in order already.
+      std::size_t place = count++;
+      for (; place > 0 && intervals[place - 1].top > inside.top; --place) {
+        intervals[place] = intervals[place - 1];
+      }
+      intervals[place] = inside;
+    }
+  }
+  active_.resize(kept);
+  intervalCount_ = count;
+}
+
 void PolylineStroke::countIntervals(float weight) {
-  for (std::size_t i = 0; i < intervals_.size();) {
+  float* const change = change_.data();
+  Interval touched = touched_;
+  for (std::size_t i = 0; i < intervalCount_;) {
     Interval joined = intervals_[i];
-    for (++i; i < intervals_.size() && intervals_[i].top <= joined.bottom; ++i) {
+    for (++i; i < intervalCount_ && intervals_[i].top <= joined.bottom; ++i) {
       joined.bottom = std::max(joined.bottom, intervals_[i].bottom);
     }
-    touched_.top = std::min(touched_.top, joined.top);
-    touched_.bottom = std::max(touched_.bottom, joined.bottom);
+    touched.top = std::min(touched.top, joined.top);
+    touched.bottom = std::max(touched.bottom, joined.bottom);
     // A row that an end cuts is covered in part: the rest of the change comes a row later.
     const auto top = static_cast<std::size_t>(joined.top);
     const auto bottom = static_cast<std::size_t>(joined.bottom);
     const float topPart = joined.top - static_cast<float>(top);
     const float bottomPart = joined.bottom - static_cast<float>(bottom);
-    change_[top] += weight * (1.0F - topPart);
-    change_[top + 1] += weight * topPart;
-    change_[bottom] -= weight * (1.0F - bottomPart);
-    change_[bottom + 1] -= weight * bottomPart;
+    change[top] += weight * (1.0F - topPart);
+    change[top + 1] += weight * topPart;
+    change[bottom] -= weight * (1.0F - bottomPart);
+    change[bottom + 1] -= weight * bottomPart;
   }
+  touched_ = touched;
 }
 
 }  // namespace platform

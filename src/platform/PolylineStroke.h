@@ -72,14 +72,14 @@ class PolylineStroke {
   void addPiece(std::initializer_list<QPointF> corners);
   void fillColumns(const QColor& color, int columnsPerPixel);
   void collectIntervals(float x, float height);
-  void insertInterval(Interval interval);
   void countIntervals(float weight);
   [[nodiscard]] static Interval slice(const Piece& piece, float x);
 
-  std::vector<Piece> pieces_;        // in the order of their left ends
-  std::vector<std::size_t> active_;  // those that the current column may cut
-  std::size_t nextPiece_ = 0;        // the first that begins right of it
-  std::vector<Interval> intervals_;  // of the current column, in the order of their tops
+  std::vector<Piece> pieces_;         // in the order of their left ends
+  std::vector<const Piece*> active_;  // those that the current column may cut
+  std::size_t nextPiece_ = 0;         // the first that begins right of it
+  std::vector<Interval> intervals_;   // of the current column, in the order of their tops, and room
+  std::size_t intervalCount_ = 0;     // how many of them are in use
   std::vector<float> change_;  // of the current pixel column's coverage, from each row to the next
   Interval touched_;           // rows of the current pixel column whose coverage is not 0
 
