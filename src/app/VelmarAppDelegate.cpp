@@ -24,8 +24,7 @@ constexpr std::size_t kTempfilesCapacity = 10;
 
 }  // namespace
 
-VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit)
-    : quit_(std::move(quit)), debugWindow_(std::make_unique<OVDiagnosticsWindow>()) {}
+VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit) : quit_(std::move(quit)) {}
 
 VelmarAppDelegate::~VelmarAppDelegate() = default;
 
@@ -240,13 +239,21 @@ void VelmarAppDelegate::openPage(const char* address) {
 
 // Diagnostics and About -------------------------------------------------------------------------
 
+// Made when it is first needed: it lays text out, which most starts need not wait for.
+OVDiagnosticsWindow& VelmarAppDelegate::debugWindow() {
+  if (!debugWindow_) {
+    debugWindow_ = std::make_unique<OVDiagnosticsWindow>();
+  }
+  return *debugWindow_;
+}
+
 void VelmarAppDelegate::logToConsole(const std::string& text) {
-  debugWindow_->appendLine(text);
+  debugWindow().appendLine(text);
 }
 
 void VelmarAppDelegate::showDiagnostics() {
-  debugWindow_->show();
-  debugWindow_->raise();
+  debugWindow().show();
+  debugWindow().raise();
 }
 
 void VelmarAppDelegate::showAbout() {

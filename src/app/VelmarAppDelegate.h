@@ -81,13 +81,14 @@ class VelmarAppDelegate {
   void pollTermination();
   static void openPage(const char* address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
+  OVDiagnosticsWindow& debugWindow();
 
   const std::function<void()> quit_;
   bool spawn_rec_ = true;
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
   bool cancelledWhileAsking_ = false;  // a window refused while the windows were being asked
-  std::unique_ptr<OVDiagnosticsWindow> debugWindow_;
+  std::unique_ptr<OVDiagnosticsWindow> debugWindow_;  // from the first line or look on
   OVRecentFiles recentFiles_;
 
   mutable std::mutex tempfilesMutex_;

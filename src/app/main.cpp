@@ -17,6 +17,7 @@
 #include "platform/DeviceAudioQueues.h"
 #include "platform/Dispatch.h"
 #include "platform/FileAddress.h"
+#include "platform/FontPreparation.h"
 #include "platform/MediaLibrary.h"
 
 namespace {
@@ -42,6 +43,14 @@ std::vector<std::string> filesOf(int argc, char** argv) {
   return paths;
 }
 
+QIcon programIcon() {
+  QIcon icon;
+  for (const int size : {16, 32, 48, 64, 128, 256}) {
+    icon.addFile(QStringLiteral(":/images/orvo-%1.png").arg(size));
+  }
+  return icon;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -54,15 +63,12 @@ int main(int argc, char** argv) {
   queues->prepareInput();
   const platform::AudioQueuesInstallation installedQueues(queues);
 
+  platform::FontPreparation fonts;
   QApplication application(argc, argv);
+  fonts.finish();
   QApplication::setApplicationName("Orvo");
   QApplication::setApplicationVersion(ORVO_VERSION);
   QApplication::setDesktopFileName("orvo");
-  QIcon icon;
-  for (const int size : {16, 32, 48, 64, 128, 256}) {
-    icon.addFile(QStringLiteral(":/images/orvo-%1.png").arg(size));
-  }
-  QApplication::setWindowIcon(icon);
 
   VelmarAppDelegate delegate([] { QCoreApplication::exit(0); });
   const platform::ApplicationServicesInstallation installedServices(servicesOf(delegate));
@@ -82,9 +88,13 @@ int main(int argc, char** argv) {
       Qt::DirectConnection);
   delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has taken its own out
   delegate.applicationDidFinishLaunching();
-  const platform::DesktopColours colours(QDBusConnection::sessionBus());  // after the window is up
-  // Needed for the first file or spectrum: loaded while the user looks at the window.
-  platform::globalQueue().async([] { static_cast<void>(platform::mediaLibrary::load()); });
+  std::unique_ptr<platform::DesktopColours> colours;
+  platform::mainQueue().async([&colours] {  // the first window is on its way to the screen
+    QApplication::setWindowIcon(programIcon());
+    colours = std::make_unique<platform::DesktopColours>(QDBusConnection::sessionBus());
+    // Needed for the first file or spectrum: loaded while the user looks at the window.
+    platform::globalQueue().async([] { static_cast<void>(platform::mediaLibrary::load()); });
+  });
   const int result = QApplication::exec();
 
   delegate.applicationWillTerminate();
