@@ -9,6 +9,7 @@
 #include <QPointer>
 
 #include "app/OVMainMenu.h"
+#include "platform/Localization.h"
 #include "platform/Timer.h"
 
 class OVDiagnosticsWindow;
@@ -78,7 +79,7 @@ class VelmarAppDelegate {
   std::shared_ptr<VLRecorderWindowController> makeWindow();
   void openInNewWindow(const std::string& path);
   void pollTermination();
-  static void openPage(const char* address);
+  static void openPage(platform::TextKey address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
 
   const std::function<void()> quit_;

@@ -121,8 +121,9 @@ void VLRecorderWindowController::loadingEnded(bool opened, std::uint64_t endOffs
           platform::localizedUtf8("The file could not be loaded whole"),
           platform::localized("The audio could not be written to the temporary file. %1\n\n%2")
               .arg(QString::fromStdString(reason),
-                   platform::localized(imported ? "Nothing was imported."
-                                                : "Everything loaded before is kept."))
+                   platform::localized(
+                       imported ? platform::textKey("Nothing was imported.")
+                                : platform::textKey("Everything loaded before is kept.")))
               .toStdString());
     };
   }
@@ -194,7 +195,7 @@ void VLRecorderWindowController::beginImport(const std::string& path,
     return;
   }
   isImport_ = true;
-  registerUndo(&VLRecorderWindowController::undo, "Import File");
+  registerUndo(&VLRecorderWindowController::undo, platform::textKey("Import File"));
   buffer_->setWaypoint();
   prevWaveform_ = waveForm_->copy();
   startLoading(path, reader);

@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QImage>
 #include <QLabel>
+#include <QLocale>
 #include <QUrl>
 
 #include "audio/OVAudioFileWriter.h"
@@ -23,6 +24,7 @@
 
 using platform::localized;
 using platform::localizedUtf8;
+using platform::textKey;
 
 namespace {
 
@@ -44,7 +46,7 @@ std::string folderOf(const std::string& path) {
 }
 
 // The file's name comes last: it may itself contain what looks like a placeholder.
-QString sentenceWithName(const char* sentence, const std::string& path) {
+QString sentenceWithName(platform::TextKey sentence, const std::string& path) {
   return localized(sentence).arg(fileName(path));
 }
 
@@ -218,7 +220,7 @@ void VLRecorderWindowController::savingEnded(const SavingRequest& request,
   tellSaveFailed(request.job.path,
                  localized("%1 seconds of the recording could not be read; they are silent in the "
                            "file.")
-                     .arg(secondsOfFrames(outcome.unreadableFrames), 0, 'f', 2)
+                     .arg(QLocale().toString(secondsOfFrames(outcome.unreadableFrames), 'f', 2))
                      .toStdString());
 }
 
@@ -243,9 +245,10 @@ void VLRecorderWindowController::fileSavingComplete() {
 
 void VLRecorderWindowController::openSavedFile() {
   if (!platform::desktopServices().open(fileAddress(last_saved_file_path_))) {
-    ShowModalAlert(localizedUtf8("The file was saved but could not be opened"),
-                   sentenceWithName("No program was found that opens “%1”.", last_saved_file_path_)
-                       .toStdString());
+    ShowModalAlert(
+        localizedUtf8("The file was saved but could not be opened"),
+        sentenceWithName(textKey("No program was found that opens “%1”."), last_saved_file_path_)
+            .toStdString());
   }
 }
 
@@ -259,7 +262,7 @@ void VLRecorderWindowController::saveFailed() {
 
 void VLRecorderWindowController::tellSaveFailed(const std::string& path,
                                                 const std::string& reason) {
-  ShowModalAlert(sentenceWithName("“%1” could not be saved", path).toStdString(), reason);
+  ShowModalAlert(sentenceWithName(textKey("“%1” could not be saved"), path).toStdString(), reason);
 }
 
 // Exports ---------------------------------------------------------------------------------------
