@@ -6,9 +6,11 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QIcon>
+#include <QLocale>
 
 #include "app/OVApplicationServices.h"
 #include "app/OVOpenEvents.h"
+#include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
 #include "platform/AudioQueue.h"
 #include "platform/CubebAudioDevice.h"
@@ -57,6 +59,7 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("Orvo");
   QApplication::setApplicationVersion(ORVO_VERSION);
   QApplication::setDesktopFileName("orvo");
+  const OVTranslations translations(QLocale::system().uiLanguages());
   QIcon icon;
   for (const int size : {16, 32, 48, 64, 128, 256}) {
     icon.addFile(QStringLiteral(":/images/orvo-%1.png").arg(size));
