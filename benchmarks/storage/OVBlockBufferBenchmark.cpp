@@ -1,6 +1,7 @@
 // The block list buffer beside its yardsticks. Read the ratios off pairs of names:
 //   RecorderWrite32KiB            / Yardstick_BareWrite32KiB     at most 1.5
 //   RandomRead64KiB/100000        / RandomRead64KiB/10           at most 4
+//   Play, Summarise, WriteOver: 100,000 blocks                   / the same with 10
 //   CutAfter, CutBefore, Undo, Redo with 10000 blocks            at most 1 ms each
 #include "storage/OVBlockBuffer.h"
 
@@ -13,6 +14,7 @@
 
 #include "platform/File.h"
 #include "storage/FoldedTemporaryFiles.h"
+#include "waveform/OVDynamicWaveForm.h"
 
 namespace {
 
@@ -116,13 +118,48 @@ void WriteOver32KiB(benchmark::State& state) {
 BENCHMARK(WriteOver32KiB)->Name("WriteOver/yardstick: 10 blocks")->Arg(10)->Iterations(1000);
 BENCHMARK(WriteOver32KiB)->Name("WriteOver/100,000 blocks")->Arg(100'000)->Iterations(1000);
 
-// An edit on a buffer of 10,000 blocks; `before` brings about what it needs, off the clock.
+// As the player reads: 1024 frames at a time, one after the other.
+void Play(benchmark::State& state) {
+  benchmarks::FoldedTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  const auto buffer = OVBlockBuffer::init();
+  layOut(*buffer, kChunks, static_cast<std::uint64_t>(state.range(0)), audio(kRecorderBytes));
+  constexpr std::uint64_t kPlayed = 1024 * 8;
+  std::vector<std::byte> destination(kPlayed);
+  std::uint64_t offset = kChunks / 2 * kRecorderBytes + 40;
+  for (auto _ : state) {
+    if (buffer->readDataInto(destination.data(), kPlayed, offset).byteCount != kPlayed) {
+      offset = 40;
+    }
+    offset += kPlayed;
+  }
+}
+BENCHMARK(Play)->Name("Play/yardstick: 10 blocks")->Arg(10);
+BENCHMARK(Play)->Name("Play/100,000 blocks")->Arg(100'000);
+
+// What is drawn after an edit: a summary from scratch, of blocks of 16 frames.
+void Summarise(benchmark::State& state) {
+  const auto buffer = OVBlockBuffer::init();
+  layOut(*buffer, kChunks, static_cast<std::uint64_t>(state.range(0)), audio(128));
+  const auto summary = OVDynamicWaveForm::initWithBuffer(buffer);
+  for (auto _ : state) {
+    summary->setShouldRegenerateWaveform(true);
+    summary->generate();
+  }
+}
+BENCHMARK(Summarise)
+    ->Name("Summarise/yardstick: 10 blocks")
+    ->Arg(10)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(Summarise)->Name("Summarise/100,000 blocks")->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+// An edit on a buffer of so many blocks; `before` brings about what it needs, off the clock.
 template <typename Before, typename Edit>
 void timeEdit(benchmark::State& state, Before before, Edit edit) {
-  constexpr std::uint64_t kBlocks = 10'000;
+  const auto blocks = static_cast<std::uint64_t>(state.range(0));
   const auto buffer = OVBlockBuffer::init();
-  layOut(*buffer, kBlocks, kBlocks, audio(64));
-  if (buffer->blocklist().size() != kBlocks) {
+  layOut(*buffer, blocks, blocks, audio(64));
+  if (buffer->blocklist().size() != blocks) {
     state.SkipWithError("not as many blocks as wanted");
     return;
   }
@@ -136,45 +173,52 @@ void timeEdit(benchmark::State& state, Before before, Edit edit) {
   }
 }
 
-constexpr std::uint64_t kMiddle = 10'000 * 64 / 8 / 2 + 3;  // frames: inside a block
-
-void CutAfter10000Blocks(benchmark::State& state) {
-  timeEdit(
-      state, [](OVBlockBuffer& buffer) { buffer.undo(); },
-      [](OVBlockBuffer& buffer) { buffer.cutoffBufferAfterPosition(kMiddle); });
+// Frames: inside a block.
+std::uint64_t middleOf(const OVBlockBuffer& buffer) {
+  return buffer.bufferSizeInFrames() / 2 + 3;
 }
-BENCHMARK(CutAfter10000Blocks)
-    ->Name("Edit of 10,000 blocks/cut after")
-    ->UseManualTime()
-    ->Unit(benchmark::kMicrosecond);
 
-void CutBefore10000Blocks(benchmark::State& state) {
-  timeEdit(
-      state, [](OVBlockBuffer& buffer) { buffer.undo(); },
-      [](OVBlockBuffer& buffer) { buffer.cutoffBufferBeforePosition(kMiddle); });
+void undo(OVBlockBuffer& buffer) {
+  buffer.undo();
 }
-BENCHMARK(CutBefore10000Blocks)
-    ->Name("Edit of 10,000 blocks/cut before")
-    ->UseManualTime()
-    ->Unit(benchmark::kMicrosecond);
 
-void Undo10000Blocks(benchmark::State& state) {
-  timeEdit(
-      state, [](OVBlockBuffer&) {}, [](OVBlockBuffer& buffer) { buffer.undo(); });
+void CutAfter(benchmark::State& state) {
+  timeEdit(state, undo,
+           [](OVBlockBuffer& buffer) { buffer.cutoffBufferAfterPosition(middleOf(buffer)); });
 }
-BENCHMARK(Undo10000Blocks)
-    ->Name("Edit of 10,000 blocks/undo")
-    ->UseManualTime()
-    ->Unit(benchmark::kMicrosecond);
 
-void Redo10000Blocks(benchmark::State& state) {
-  timeEdit(
-      state, [](OVBlockBuffer& buffer) { buffer.undo(); },
-      [](OVBlockBuffer& buffer) { buffer.redo(); });
+void CutBefore(benchmark::State& state) {
+  timeEdit(state, undo,
+           [](OVBlockBuffer& buffer) { buffer.cutoffBufferBeforePosition(middleOf(buffer)); });
 }
-BENCHMARK(Redo10000Blocks)
-    ->Name("Edit of 10,000 blocks/redo")
-    ->UseManualTime()
-    ->Unit(benchmark::kMicrosecond);
+
+void Undo(benchmark::State& state) {
+  timeEdit(
+      state, [](OVBlockBuffer&) {}, undo);
+}
+
+void Redo(benchmark::State& state) {
+  timeEdit(state, undo, [](OVBlockBuffer& buffer) { buffer.redo(); });
+}
+
+// The first merge after a cut looks at every block.
+void MergeAfterCut(benchmark::State& state) {
+  timeEdit(
+      state,
+      [](OVBlockBuffer& buffer) {
+        buffer.undo();
+        buffer.cutoffBufferBeforePosition(middleOf(buffer));
+      },
+      [](OVBlockBuffer& buffer) { buffer.optimize(); });
+}
+
+void asEdit(benchmark::internal::Benchmark* edit) {
+  edit->Arg(10'000)->Arg(100'000)->UseManualTime()->Unit(benchmark::kMicrosecond);
+}
+BENCHMARK(CutAfter)->Name("Edit of so many blocks/cut after")->Apply(asEdit);
+BENCHMARK(CutBefore)->Name("Edit of so many blocks/cut before")->Apply(asEdit);
+BENCHMARK(Undo)->Name("Edit of so many blocks/undo")->Apply(asEdit);
+BENCHMARK(Redo)->Name("Edit of so many blocks/redo")->Apply(asEdit);
+BENCHMARK(MergeAfterCut)->Name("Edit of so many blocks/merge after cut")->Apply(asEdit);
 
 }  // namespace

@@ -10,11 +10,32 @@ namespace platform {
 namespace {
 
 // Programs that write to a pipe cannot go back to the header and leave a length in it that stands
-// for "until the end". It is never a real one: about 2 and about 4 GB.
-constexpr std::int64_t kPipedBytes = 0x7FFF0000;
+// for "until the end": the largest number of 31 or of 32 bits, less a header or rounded.
+bool standsForUntilTheEnd(std::int64_t frames, std::int64_t bytesPerFrame) {
+  constexpr std::int64_t kRoundedBytes = 0x10000;
+  for (const std::int64_t largest : {std::int64_t{1} << 31, std::int64_t{1} << 32}) {
+    if (frames >= (largest - kRoundedBytes) / bytesPerFrame &&
+        frames <= (largest + kRoundedBytes) / bytesPerFrame) {
+      return true;
+    }
+  }
+  return false;
+}
 
 // Rounding of time scales, and a decoder's own delay: no loss that anyone could hear.
 constexpr std::int64_t kToleratedFrames = 8192;
+
+// Of a damaged packet some decoders fill only a stretch of their frame. The rest is then silence
+// and not whatever the memory held before, which would be heard, and differently each time.
+int silentBuffer(AVCodecContext* codec, AVFrame* frame, int flags) {
+  const int result = avcodec_default_get_buffer2(codec, frame, flags);
+  const auto format = static_cast<AVSampleFormat>(frame->format);
+  if (result >= 0 && codec->codec_type == AVMEDIA_TYPE_AUDIO) {
+    av_samples_set_silence(frame->extended_data, 0, frame->nb_samples, frame->ch_layout.nb_channels,
+                           format);
+  }
+  return result;
+}
 
 }  // namespace
 
@@ -51,6 +72,10 @@ int AudioFileDecoder::start() {
   }
   codec_->pkt_timebase = demuxer_->stream().time_base;  // without it nothing is trimmed
   codec_->thread_count = 1;
+  codec_->thread_type = 0;
+  if (!demuxer_->isLinearPcm()) {
+    codec_->get_buffer2 = silentBuffer;
+  }
   return avcodec_open2(codec_.get(), codec, nullptr);
 }
 
@@ -160,7 +185,7 @@ bool AudioFileDecoder::isCutOff() const {
   if (demuxer_->isLinearPcm()) {
     const std::int64_t promised = demuxer_->promisedPcmFrames();
     const std::int64_t bytesPerFrame = std::max(stream.codecpar->block_align, 1);
-    return promised > decodedFrames_ && promised < kPipedBytes / bytesPerFrame;
+    return promised > decodedFrames_ && !standsForUntilTheEnd(promised, bytesPerFrame);
   }
   const std::int64_t declared = demuxer_->declaredDuration();
   const int rate = codec_->sample_rate;

@@ -41,10 +41,6 @@ class BlockChunks {
     friend bool operator==(const Position&, const Position&) = default;
   };
 
-  BlockChunks() = default;
-  /// Blocks that are sorted already.
-  explicit BlockChunks(const std::vector<OrderedBlock>& sorted) { append(sorted); }
-
   [[nodiscard]] std::size_t size() const { return size_; }
   [[nodiscard]] bool empty() const { return size_ == 0; }
 
@@ -83,18 +79,27 @@ class BlockChunks {
     return position != end() && Key::of((*this)[position]) == key ? position : end();
   }
 
+  /// Puts a block behind all others, as its key demands. Full chunks stay full.
+  void append(const OrderedBlock& block) {
+    ++size_;
+    if (chunks_.empty() || chunks_.back().blocks->size() >= kMost) {
+      startChunk(block);
+    } else {
+      own(chunks_.size() - 1).push_back(block);
+    }
+  }
+
   /// Puts a block in, whose key is not there.
   void insert(const OrderedBlock& block) {
-    ++size_;
-    const std::size_t chunk = chunkOf(Key::of(block));
-    if (chunk == chunks_.size() ||
-        (chunks_[chunk].blocks->size() == kMost && chunk + 1 == chunks_.size() &&
-         Key::of(chunks_[chunk].blocks->back()) < Key::of(block))) {
-      startChunk(block);  // behind everything: full chunks stay full
+    const std::uint64_t key = Key::of(block);
+    if (chunks_.empty() || Key::of(chunks_.back().blocks->back()) < key) {
+      append(block);
       return;
     }
+    ++size_;
+    const std::size_t chunk = chunkOf(key);
     Chunk& blocks = own(chunk);
-    const std::size_t at = placeIn(blocks, Key::of(block));
+    const std::size_t at = placeIn(blocks, key);
     blocks.insert(blocks.begin() + static_cast<std::ptrdiff_t>(at), block);
     chunks_[chunk].firstKey = Key::of(blocks.front());
     if (blocks.size() > kMost) {
@@ -138,17 +143,6 @@ class BlockChunks {
     std::uint64_t firstKey;  // of its blocks: a search looks into one chunk only
     std::shared_ptr<Chunk> blocks;
   };
-
-  void append(const std::vector<OrderedBlock>& sorted) {
-    for (const OrderedBlock& block : sorted) {
-      if (chunks_.empty() || chunks_.back().blocks->size() == kMost) {
-        startChunk(block);
-      } else {
-        chunks_.back().blocks->push_back(block);
-      }
-    }
-    size_ = sorted.size();
-  }
 
   void startChunk(const OrderedBlock& first) {
     auto blocks = std::make_shared<Chunk>();

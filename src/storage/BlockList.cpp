@@ -42,26 +42,12 @@ bool standsBefore(const OrderedBlock& left, const OrderedBlock& right) {
   return left.order < right.order;
 }
 
-bool startsBefore(const OrderedBlock& left, const OrderedBlock& right) {
-  return left.block.linear_addr_start() < right.block.linear_addr_start();
-}
-
 }  // namespace
 
-BlockList::BlockList(const std::vector<OVBlock>& blocks) : isAllUnsettled_(true) {
-  std::vector<OrderedBlock> ordered;
-  std::vector<OrderedBlock> reachable;
+BlockList::BlockList(const std::vector<OVBlock>& blocks) {
   for (const OVBlock& block : blocks) {
-    ordered.push_back({block, nextOrder_++});
-    if (isReachable(block)) {
-      reachable.push_back(ordered.back());
-    } else {
-      unreachable_.push_back(ordered.back().order);
-    }
+    add(block);
   }
-  std::sort(reachable.begin(), reachable.end(), startsBefore);
-  list_ = BlockChunks<ByOrder>(ordered);
-  reachable_ = BlockChunks<ByAddress>(reachable);
 }
 
 std::vector<OVBlock> BlockList::blocks() const {
@@ -174,25 +160,24 @@ void BlockList::leave(const OrderedBlock& block) {
 // `edit` changes a block, or gives false for one that goes. It must keep the order of addresses.
 template <typename Edit>
 void BlockList::editAll(Edit edit) {
-  std::vector<OrderedBlock> kept;
-  kept.reserve(list_.size());
+  BlockChunks<ByOrder> list;
   unreachable_.clear();
   list_.forEach([&](OrderedBlock each) {
     if (edit(each.block)) {
-      kept.push_back(each);
+      list.append(each);
       if (!isReachable(each.block)) {
         unreachable_.push_back(each.order);
       }
     }
   });
-  list_ = BlockChunks<ByOrder>(kept);
-  kept.clear();
+  list_ = std::move(list);
+  BlockChunks<ByAddress> reachable;
   reachable_.forEach([&](OrderedBlock each) {
     if (edit(each.block) && isReachable(each.block)) {
-      kept.push_back(each);
+      reachable.append(each);
     }
   });
-  reachable_ = BlockChunks<ByAddress>(kept);
+  reachable_ = std::move(reachable);
   isAllUnsettled_ = true;
 }
 

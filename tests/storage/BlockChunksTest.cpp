@@ -97,17 +97,18 @@ TEST(BlockChunks, CopiesDoNotSeeEachOthersChanges) {
   EXPECT_EQ(chunks.size(), copy.size());
 }
 
-TEST(BlockChunks, AreMadeOfSortedBlocksAtOnce) {
-  std::vector<OrderedBlock> blocks;
+TEST(BlockChunks, CanBeAddedBehindAllOthers) {
+  Chunks chunks;
   for (std::uint64_t i = 0; i < 2 * kMost + 5; ++i) {
-    blocks.push_back(blockAt(i));
+    chunks.append(blockAt(i));
   }
-  Chunks chunks(blocks);
-  EXPECT_EQ(chunks.size(), blocks.size());
+  EXPECT_EQ(chunks.size(), 2 * kMost + 5);
   EXPECT_EQ(startsForward(chunks), startsIn(chunks));
   EXPECT_EQ(chunks[chunks.find(kMost)], blockAt(kMost));
-  chunks.insert(blockAt(2 * kMost + 5));
-  EXPECT_EQ(startsBackward(chunks).size(), blocks.size() + 1);
+  const Chunks copy = chunks;
+  chunks.append(blockAt(2 * kMost + 5));
+  EXPECT_EQ(startsBackward(chunks).size(), 2 * kMost + 6);
+  EXPECT_EQ(copy.find(2 * kMost + 5), copy.end());
 }
 
 TEST(BlockChunks, DoAsAMapThroughManyChanges) {

@@ -14,7 +14,6 @@ namespace {
 
 using modeltest::below;
 using modeltest::Step;
-using storagetest::Bytes;
 using storagetest::PlainAudioBuffer;
 
 class AudioBufferPair : storagetest::BufferPair {
