@@ -31,6 +31,9 @@ if(ORVO_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   add_compile_options(-O1 -g1)
 endif()
 
+# Texts of interface files are looked up as all others are.
+set(CMAKE_AUTOUIC_OPTIONS -tr platform::localized --include platform/Localization.h)
+
 add_library(orvo_warnings INTERFACE)
 target_compile_options(orvo_warnings INTERFACE
   $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion;-Wnon-virtual-dtor;-Wold-style-cast;-Woverloaded-virtual;-Wundef;-Werror>

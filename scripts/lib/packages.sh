@@ -2,10 +2,11 @@
 # Sourced, not run.
 
 # To build the program, its tests and its benchmarks. Qt's X11 and offscreen platforms come with
-# the libraries that qt6-base-dev needs.
+# the libraries that qt6-base-dev needs. lrelease, in qt6-l10n-tools, compiles the translations;
+# qt6-translations-l10n has the texts of Qt's own dialogs.
 build_packages=(
   g++ cmake ninja-build pkg-config
-  qt6-base-dev libcubeb-dev
+  qt6-base-dev qt6-l10n-tools qt6-translations-l10n libcubeb-dev
   libavformat-dev libavcodec-dev libswresample-dev libavutil-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )

@@ -1,5 +1,6 @@
 #include "app/OVMainMenu.h"
 
+#include <optional>
 #include <utility>
 
 #include <QMainWindow>
@@ -10,6 +11,8 @@
 #include "platform/Localization.h"
 
 using platform::localized;
+using platform::TextKey;
+using platform::textKey;
 
 OVMainMenu::OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& controller,
                        ApplicationCommands commands)
@@ -37,20 +40,20 @@ OVMainMenu::OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& contro
   update();
 }
 
-QMenu* OVMainMenu::addMenu(const char* title) {
+QMenu* OVMainMenu::addMenu(TextKey title) {
   QMenu* const menu = window_->menuBar()->addMenu(localized(title));
   connect(menu, &QMenu::aboutToShow, this, &OVMainMenu::update);
   return menu;
 }
 
-QAction* OVMainMenu::addCommand(QMenu* menu, const char* title, std::function<void()> command) {
+QAction* OVMainMenu::addCommand(QMenu* menu, TextKey title, std::function<void()> command) {
   QAction* const action = menu->addAction(localized(title));
-  action->setObjectName(QString::fromUtf8(title));
+  action->setObjectName(QString::fromUtf8(title.english()));
   connect(action, &QAction::triggered, this, std::move(command));
   return action;
 }
 
-QAction* OVMainMenu::addDocumentCommand(QMenu* menu, const char* title, Controller::MenuAction kind,
+QAction* OVMainMenu::addDocumentCommand(QMenu* menu, TextKey title, Controller::MenuAction kind,
                                         std::function<void(Controller&)> command) {
   QAction* const action =
       addCommand(menu, title, [controller = controller_, command = std::move(command)] {
@@ -63,35 +66,36 @@ QAction* OVMainMenu::addDocumentCommand(QMenu* menu, const char* title, Controll
 }
 
 void OVMainMenu::addFileMenu() {
-  QMenu* const menu = addMenu("&File");
+  QMenu* const menu = addMenu(textKey("&File"));
   using Kind = Controller::MenuAction;
-  const auto add = [&](const char* title, Command command) {
+  const auto add = [&](TextKey title, Command command) {
     return addDocumentCommand(menu, title, Kind::file,
                               [command](Controller& c) { (c.*command)(nullptr); });
   };
-  addCommand(menu, "New Recorder", commands_.spawnNewRecorderWindow)
+  addCommand(menu, textKey("New Recorder"), commands_.spawnNewRecorderWindow)
       ->setShortcut(QKeySequence::New);
-  addCommand(menu, "Open…", [open = commands_.openFile, window = window_] {
+  addCommand(menu, textKey("Open…"), [open = commands_.openFile, window = window_] {
     open(window);
   })->setShortcut(QKeySequence::Open);
   recent_ = menu->addMenu(localized("Open Recent"));
   recent_->setObjectName("Open Recent");
   connect(menu, &QMenu::aboutToShow, this, &OVMainMenu::fillRecentMenu);
-  add("Import…", &Controller::importFile)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
+  add(textKey("Import…"), &Controller::importFile)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
   menu->addSeparator();
-  add("Save", &Controller::saveFile)->setShortcut(QKeySequence::Save);
-  add("Save As…", &Controller::saveFileAs)
+  add(textKey("Save"), &Controller::saveFile)->setShortcut(QKeySequence::Save);
+  add(textKey("Save As…"), &Controller::saveFileAs)
       ->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
   menu->addSeparator();
-  add("Export Ringtone…", &Controller::exportRingtone);
-  add("Export Waveform Picture…", &Controller::dumpWaveform);
+  add(textKey("Export Ringtone…"), &Controller::exportRingtone);
+  add(textKey("Export Waveform Picture…"), &Controller::dumpWaveform);
   menu->addSeparator();
-  addCommand(menu, "Close", [window = window_] {
+  addCommand(menu, textKey("Close"), [window = window_] {
     if (window) {
       window->close();
     }
   })->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
-  addCommand(menu, "Quit", commands_.terminate)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+  addCommand(menu, textKey("Quit"), commands_.terminate)
+      ->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 }
 
 void OVMainMenu::fillRecentMenu() {
@@ -109,55 +113,57 @@ void OVMainMenu::fillRecentMenu() {
 }
 
 void OVMainMenu::addEditMenu() {
-  QMenu* const menu = addMenu("&Edit");
+  QMenu* const menu = addMenu(textKey("&Edit"));
   using Kind = Controller::MenuAction;
-  undo_ = addDocumentCommand(menu, "Undo", Kind::undo, [](Controller& c) { c.undoCommand(); });
+  undo_ =
+      addDocumentCommand(menu, textKey("Undo"), Kind::undo, [](Controller& c) { c.undoCommand(); });
   undo_->setShortcut(QKeySequence::Undo);
-  redo_ = addDocumentCommand(menu, "Redo", Kind::redo, [](Controller& c) { c.redoCommand(); });
+  redo_ =
+      addDocumentCommand(menu, textKey("Redo"), Kind::redo, [](Controller& c) { c.redoCommand(); });
   redo_->setShortcut(QKeySequence::Redo);
   menu->addSeparator();
-  addDocumentCommand(menu, "Remove After Marker", Kind::edit,
+  addDocumentCommand(menu, textKey("Remove After Marker"), Kind::edit,
                      [](Controller& c) { c.removeAfterMarker(nullptr); });
-  addDocumentCommand(menu, "Remove Before Marker", Kind::edit,
+  addDocumentCommand(menu, textKey("Remove Before Marker"), Kind::edit,
                      [](Controller& c) { c.removeBeforeMarker(nullptr); });
-  addDocumentCommand(menu, "Reverse Audio", Kind::reverseBuffer,
+  addDocumentCommand(menu, textKey("Reverse Audio"), Kind::reverseBuffer,
                      [](Controller& c) { c.reverseBuffer(nullptr); });
 }
 
 void OVMainMenu::addTransportMenu() {
-  QMenu* const menu = addMenu("&Transport");
+  QMenu* const menu = addMenu(textKey("&Transport"));
   using Kind = Controller::MenuAction;
-  const auto add = [&](const char* title, const char* keyHint, Command command) {
+  const auto add = [&](TextKey title, std::optional<TextKey> keyHint, Command command) {
     QAction* const action = addDocumentCommand(menu, title, Kind::transport,
                                                [command](Controller& c) { (c.*command)(nullptr); });
-    if (keyHint != nullptr) {
-      action->setText(localized(title) + QLatin1Char('\t') + localized(keyHint));
+    if (keyHint) {
+      action->setText(localized(title) + QLatin1Char('\t') + localized(*keyHint));
     }
   };
-  add("Record", "R", &Controller::recMenu);
-  add("Play", "Space", &Controller::playMenu);
-  add("Pause", nullptr, &Controller::pauseMenu);
-  add("Stop", nullptr, &Controller::stopMenu);
+  add(textKey("Record"), textKey("R"), &Controller::recMenu);
+  add(textKey("Play"), textKey("Space"), &Controller::playMenu);
+  add(textKey("Pause"), std::nullopt, &Controller::pauseMenu);
+  add(textKey("Stop"), std::nullopt, &Controller::stopMenu);
   menu->addSeparator();
-  add("To Start", "Return", &Controller::prevMenu);
-  add("To End", nullptr, &Controller::nextMenu);
+  add(textKey("To Start"), textKey("Return"), &Controller::prevMenu);
+  add(textKey("To End"), std::nullopt, &Controller::nextMenu);
 }
 
 void OVMainMenu::addViewMenu() {
-  QMenu* const menu = addMenu("&View");
-  spectrum_ = addDocumentCommand(menu, "Spectrum", Controller::MenuAction::other,
+  QMenu* const menu = addMenu(textKey("&View"));
+  spectrum_ = addDocumentCommand(menu, textKey("Spectrum"), Controller::MenuAction::other,
                                  [](Controller& c) { c.toggleFFT(nullptr); });
   spectrum_->setCheckable(true);
 }
 
 void OVMainMenu::addHelpMenu() {
-  QMenu* const menu = addMenu("&Help");
-  addCommand(menu, "Documentation", commands_.openDocumentation)
+  QMenu* const menu = addMenu(textKey("&Help"));
+  addCommand(menu, textKey("Documentation"), commands_.openDocumentation)
       ->setShortcut(QKeySequence::HelpContents);
-  addCommand(menu, "Website", commands_.openWebsite);
+  addCommand(menu, textKey("Website"), commands_.openWebsite);
   menu->addSeparator();
-  addCommand(menu, "Diagnostics", commands_.showDiagnostics);
-  addCommand(menu, "About Orvo", commands_.showAbout);
+  addCommand(menu, textKey("Diagnostics"), commands_.showDiagnostics);
+  addCommand(menu, textKey("About Orvo"), commands_.showAbout);
 }
 
 void OVMainMenu::update() {
@@ -170,12 +176,12 @@ void OVMainMenu::update() {
   }
   spectrum_->setChecked(document->isSpectrumShown());
   const auto manager = document->windowWillReturnUndoManager();
-  const auto title = [](const char* alone, const char* withAction, const std::string& name) {
+  const auto title = [](TextKey alone, TextKey withAction, const std::string& name) {
     return name.empty() ? localized(alone)
                         : localized(withAction).arg(QString::fromStdString(name));
   };
   if (manager) {
-    undo_->setText(title("Undo", "Undo %1", manager->undoActionName()));
-    redo_->setText(title("Redo", "Redo %1", manager->redoActionName()));
+    undo_->setText(title(textKey("Undo"), textKey("Undo %1"), manager->undoActionName()));
+    redo_->setText(title(textKey("Redo"), textKey("Redo %1"), manager->redoActionName()));
   }
 }

@@ -10,6 +10,7 @@
 #include <QPointer>
 
 #include "document/VLRecorderWindowController.h"
+#include "platform/Localization.h"
 
 /// The menus of one recorder window. Items of the document go to its controller and are enabled
 /// as it says; items of the application go to the commands given.
@@ -45,9 +46,9 @@ class OVMainMenu : public QObject {
   using Controller = VLRecorderWindowController;
   using Command = void (Controller::*)(QObject*);
 
-  QMenu* addMenu(const char* title);
-  QAction* addCommand(QMenu* menu, const char* title, std::function<void()> command);
-  QAction* addDocumentCommand(QMenu* menu, const char* title, Controller::MenuAction kind,
+  QMenu* addMenu(platform::TextKey title);
+  QAction* addCommand(QMenu* menu, platform::TextKey title, std::function<void()> command);
+  QAction* addDocumentCommand(QMenu* menu, platform::TextKey title, Controller::MenuAction kind,
                               std::function<void(Controller&)> command);
   void addFileMenu();
   void fillRecentMenu();

@@ -221,14 +221,14 @@ std::vector<std::string> VelmarAppDelegate::tempfiles() const {
 
 // The address is looked up like any text, so that a language can have pages of its own.
 void VelmarAppDelegate::openDocumentation(QObject*) {
-  openPage("https://orvo.example/help/");
+  openPage(platform::textKey("https://orvo.example/help/"));
 }
 
 void VelmarAppDelegate::openWebsite(QObject*) {
-  openPage("https://orvo.example/");
+  openPage(platform::textKey("https://orvo.example/"));
 }
 
-void VelmarAppDelegate::openPage(const char* address) {
+void VelmarAppDelegate::openPage(platform::TextKey address) {
   const QString page = platform::localized(address);
   if (!platform::desktopServices().open(QUrl(page))) {
     ShowModalAlert(

@@ -10,6 +10,7 @@
 
 #include "app/OVMainMenu.h"
 #include "app/OVRecentFiles.h"
+#include "platform/Localization.h"
 #include "platform/Timer.h"
 
 class OVDiagnosticsWindow;
@@ -79,7 +80,7 @@ class VelmarAppDelegate {
   std::shared_ptr<VLRecorderWindowController> makeWindow();
   void openInNewWindow(const std::string& path);
   void pollTermination();
-  static void openPage(const char* address);
+  static void openPage(platform::TextKey address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
   OVDiagnosticsWindow& debugWindow();
 

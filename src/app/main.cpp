@@ -6,10 +6,12 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QIcon>
+#include <QLocale>
 #include <QSessionManager>
 
 #include "app/OVApplicationEvents.h"
 #include "app/OVApplicationServices.h"
+#include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
 #include "platform/AudioQueue.h"
 #include "platform/CubebAudioDevice.h"
@@ -69,6 +71,7 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("Orvo");
   QApplication::setApplicationVersion(ORVO_VERSION);
   QApplication::setDesktopFileName("orvo");
+  const OVTranslations translations(QLocale::system().uiLanguages());
 
   VelmarAppDelegate delegate([] { QCoreApplication::exit(0); });
   const platform::ApplicationServicesInstallation installedServices(servicesOf(delegate));

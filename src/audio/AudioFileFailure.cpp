@@ -9,92 +9,103 @@
 namespace {
 
 using platform::localized;
+using platform::TextKey;
+using platform::textKey;
 
 // Filled in as data: a "%1" within the file's name stays as it is.
-std::string withName(const char* sentence, const std::string& path) {
+std::string withName(TextKey sentence, const std::string& path) {
   return localized(sentence).arg(QString::fromStdString(shownFileName(path))).toStdString();
 }
 
-const char* openingSentence(platform::AudioStatus status) {
+TextKey openingSentence(platform::AudioStatus status) {
   switch (status) {
     case platform::kFileNotFoundStatus:
-      return "%1 is no longer there. It may have been moved, renamed or deleted.";
+      return textKey("%1 is no longer there. It may have been moved, renamed or deleted.");
     case platform::kFilePermissionStatus:
-      return "You are not allowed to read %1. Ask its owner, or change its permissions.";
+      return textKey("You are not allowed to read %1. Ask its owner, or change its permissions.");
     case platform::kFolderStatus:
-      return "%1 is a folder. Choose a sound file inside it.";
+      return textKey("%1 is a folder. Choose a sound file inside it.");
     case platform::kNotARegularFileStatus:
-      return "%1 is not an ordinary file, but a device or a connection to another program.";
+      return textKey(
+          "%1 is not an ordinary file, but a device or a connection to another program.");
     case platform::kEmptyFileStatus:
-      return "%1 is empty.";
+      return textKey("%1 is empty.");
     case platform::kBadFileNameStatus:
-      return "The name or the path of %1 is too long.";
+      return textKey("The name or the path of %1 is too long.");
     case platform::kNoAudioStatus:
-      return "There is no sound in %1.";
+      return textKey("There is no sound in %1.");
     case platform::kUnsupportedDataFormatStatus:
-      return "The sound in %1 is encoded in a way that cannot be read. Up to 8 channels and rates "
-             "from 1,000 to 768,000 Hz can be.";
+      return textKey(
+          "The sound in %1 is encoded in a way that cannot be read. Up to 8 channels and rates "
+          "from 1,000 to 768,000 Hz can be.");
     case platform::kFileInputOutputStatus:
-      return "The medium on which %1 is stored reported an error.";
+      return textKey("The medium on which %1 is stored reported an error.");
     case platform::kTooManyOpenFilesStatus:
-      return "%1 could not be opened, because too many files are open. Close some windows first.";
+      return textKey(
+          "%1 could not be opened, because too many files are open. Close some windows first.");
     case platform::kOutOfMemoryStatus:
-      return "There was not enough memory to read %1.";
+      return textKey("There was not enough memory to read %1.");
     case platform::kMediaLibraryMissingStatus:
-      return "%1 cannot be read: FFmpeg's libraries are missing on this computer.";
+      return textKey("%1 cannot be read: FFmpeg's libraries are missing on this computer.");
     default:
-      return "%1 is not a sound file that can be read, or it is damaged.";
+      return textKey("%1 is not a sound file that can be read, or it is damaged.");
   }
 }
 
-const char* readingSentence(platform::AudioStatus status) {
+TextKey readingSentence(platform::AudioStatus status) {
   switch (status) {
     case platform::kFileInputOutputStatus:
-      return "The medium on which %1 is stored reported an error. What could be read before it is "
-             "kept.";
+      return textKey(
+          "The medium on which %1 is stored reported an error. What could be read before it is "
+          "kept.");
     case platform::kOutOfMemoryStatus:
-      return "There was not enough memory to read all of %1. What could be read is kept.";
+      return textKey("There was not enough memory to read all of %1. What could be read is kept.");
     case platform::kUnsupportedDataFormatStatus:
-      return "From some place on the sound in %1 is encoded in a way that cannot be read. What "
-             "came "
-             "before it is kept.";
+      return textKey(
+          "From some place on the sound in %1 is encoded in a way that cannot be read. What "
+          "came "
+          "before it is kept.");
     case platform::kFileNotFoundStatus:
     case platform::kFilePermissionStatus:
-      return "%1 can no longer be read. What could be read of it is kept.";
+      return textKey("%1 can no longer be read. What could be read of it is kept.");
     default:
-      return "%1 is damaged or was cut off. What could be read of it is kept.";
+      return textKey("%1 is damaged or was cut off. What could be read of it is kept.");
   }
 }
 
-const char* writingSentence(platform::AudioStatus status) {
+TextKey writingSentence(platform::AudioStatus status) {
   switch (status) {
     case platform::kFileNotFoundStatus:
-      return "The folder in which %1 was to be written is not there. Choose another one.";
+      return textKey("The folder in which %1 was to be written is not there. Choose another one.");
     case platform::kFilePermissionStatus:
-      return "You are not allowed to write %1. Choose another folder, or change the permissions.";
+      return textKey(
+          "You are not allowed to write %1. Choose another folder, or change the permissions.");
     case platform::kFolderStatus:
-      return "%1 is a folder. Choose another name.";
+      return textKey("%1 is a folder. Choose another name.");
     case platform::kNotARegularFileStatus:
-      return "%1 is not an ordinary file. Choose another name.";
+      return textKey("%1 is not an ordinary file. Choose another name.");
     case platform::kBadFileNameStatus:
-      return "The name or the path of %1 is too long. Choose a shorter one.";
+      return textKey("The name or the path of %1 is too long. Choose a shorter one.");
     case platform::kDiskFullStatus:
-      return "There is not enough room to write %1. Make room, or choose another disk.";
+      return textKey("There is not enough room to write %1. Make room, or choose another disk.");
     case platform::kFileTooLargeStatus:
-      return "%1 would be larger than a file of its kind or on this disk may be. Choose another "
-             "kind of file or another disk.";
+      return textKey(
+          "%1 would be larger than a file of its kind or on this disk may be. Choose another "
+          "kind of file or another disk.");
     case platform::kTooManyOpenFilesStatus:
-      return "%1 could not be written, because too many files are open. Close some windows first.";
+      return textKey(
+          "%1 could not be written, because too many files are open. Close some windows first.");
     case platform::kOutOfMemoryStatus:
-      return "There was not enough memory to write %1.";
+      return textKey("There was not enough memory to write %1.");
     case platform::kMediaLibraryMissingStatus:
-      return "%1 cannot be written: FFmpeg's libraries are missing on this computer.";
+      return textKey("%1 cannot be written: FFmpeg's libraries are missing on this computer.");
     case platform::kUnsupportedDataFormatStatus:
     case platform::kUnsupportedFileTypeStatus:
-      return "%1 cannot be written as a file of this kind.";
+      return textKey("%1 cannot be written as a file of this kind.");
     default:
-      return "The medium on which %1 was to be written reported an error. It may have been "
-             "removed.";
+      return textKey(
+          "The medium on which %1 was to be written reported an error. It may have been "
+          "removed.");
   }
 }
 
@@ -116,7 +127,7 @@ std::string shownFileName(const std::string& path) {
       character = u' ';
     }
   }
-  return (u'“' + name + u'”').toStdString();
+  return localized("“%1”").arg(name).toStdString();
 }
 
 std::string openingFailureReason(platform::AudioStatus status, const std::string& path) {

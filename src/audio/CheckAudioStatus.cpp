@@ -27,7 +27,7 @@ std::string filledIn(std::string format, const std::string& first, const std::st
   return format;
 }
 
-void showAlert(const char* title, std::string message, const std::string& reason) {
+void showAlert(platform::TextKey title, std::string message, const std::string& reason) {
   if (!reason.empty()) {
     message += "\n\n" + reason;
   }
@@ -63,10 +63,10 @@ bool CheckAudioStatus(platform::AudioStatus status, const std::string& label,
     return true;
   }
   if (status == platform::kUnsupportedFileTypeStatus) {
-    showAlert("File Format Error", platform::localizedUtf8("The file is of an unsupported format."),
-              reason);
+    showAlert(platform::textKey("File Format Error"),
+              platform::localizedUtf8("The file is of an unsupported format."), reason);
   } else {
-    showAlert("Core Audio Error",
+    showAlert(platform::textKey("Core Audio Error"),
               filledIn(platform::localizedUtf8("Core Audio returned the error: %s (%s)"), label,
                        AudioStatusCodeText(status)),
               reason);

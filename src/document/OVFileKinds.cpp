@@ -7,16 +7,18 @@
 
 namespace {
 
+using platform::textKey;
+
 constexpr std::array kWavSuffixes{"wav"};
 constexpr std::array kAiffSuffixes{"aiff", "aif"};
 constexpr std::array kCafSuffixes{"caf"};
 constexpr std::array kAacSuffixes{"m4a", "mp4"};
 
 constexpr std::array kKinds{
-    OVFileKind{0, "WAV", kWavSuffixes},
-    OVFileKind{1, "AIFF", kAiffSuffixes},
-    OVFileKind{2, "CAF", kCafSuffixes},
-    OVFileKind{3, "AAC", kAacSuffixes},
+    OVFileKind{0, textKey("WAV"), kWavSuffixes},
+    OVFileKind{1, textKey("AIFF"), kAiffSuffixes},
+    OVFileKind{2, textKey("CAF"), kCafSuffixes},
+    OVFileKind{3, textKey("AAC"), kAacSuffixes},
 };
 
 std::string lowerCaseSuffix(const std::string& path) {

@@ -6,10 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "platform/Localization.h"
+
 /// A kind of file that documents are saved as.
 struct OVFileKind {
   std::int32_t type;                      ///< what the file writer calls it, 0 to 3
-  const char* title;                      ///< shown in the save panel; to be localised
+  platform::TextKey title;                ///< shown in the save panel
   std::span<const char* const> suffixes;  ///< without the dot; the first is the usual one
 };
 

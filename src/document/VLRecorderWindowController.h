@@ -23,6 +23,7 @@
 #include "document/OVSaveJob.h"
 #include "platform/AudioTypes.h"
 #include "platform/Dispatch.h"
+#include "platform/Localization.h"
 #include "platform/Timer.h"
 #include "platform/UndoManager.h"
 #include "storage/OVAudioBufferInterface.h"
@@ -351,11 +352,11 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void showMagnitudes(std::span<const float> magnitudes);
 
   // Editing
-  void cut(void (OVAudioBufferInterface::*cutoff)(std::uint64_t), const char* actionName);
+  void cut(void (OVAudioBufferInterface::*cutoff)(std::uint64_t), platform::TextKey actionName);
   void exchangeHistory();
   void runHistoryCommand(void (platform::UndoManager::*command)());
   void registerUndo(void (VLRecorderWindowController::*operation)(QObject*),
-                    const char* actionName = nullptr);
+                    std::optional<platform::TextKey> actionName = std::nullopt);
   void finishRefresh(std::uint64_t epoch);
   void bringRecordingPositionInside();
   void keepHistory();

@@ -12,15 +12,16 @@
 // Cuts ------------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::removeAfterMarker(QObject*) {
-  cut(&OVAudioBufferInterface::cutoffBufferAfterPosition, "Remove After Marker");
+  cut(&OVAudioBufferInterface::cutoffBufferAfterPosition, platform::textKey("Remove After Marker"));
 }
 
 void VLRecorderWindowController::removeBeforeMarker(QObject*) {
-  cut(&OVAudioBufferInterface::cutoffBufferBeforePosition, "Remove Before Marker");
+  cut(&OVAudioBufferInterface::cutoffBufferBeforePosition,
+      platform::textKey("Remove Before Marker"));
 }
 
 void VLRecorderWindowController::cut(void (OVAudioBufferInterface::*cutoff)(std::uint64_t),
-                                     const char* actionName) {
+                                     platform::TextKey actionName) {
   if (isFileIOActive_ || !buffer_) {
     return;
   }
@@ -45,7 +46,7 @@ void VLRecorderWindowController::reverseBuffer(QObject*) {
   }
   buffer_->reverseBuffer();
   refreshCompleteUI(true);
-  registerUndo(&VLRecorderWindowController::reverseBuffer, "Reverse Audio");
+  registerUndo(&VLRecorderWindowController::reverseBuffer, platform::textKey("Reverse Audio"));
 }
 
 // An undo may have left it behind the end: a recording or an import there would leave a hole.
@@ -65,13 +66,14 @@ void VLRecorderWindowController::keepHistory() {
 // Undo and redo ---------------------------------------------------------------------------------
 
 void VLRecorderWindowController::registerUndo(
-    void (VLRecorderWindowController::*operation)(QObject*), const char* actionName) {
+    void (VLRecorderWindowController::*operation)(QObject*),
+    std::optional<platform::TextKey> actionName) {
   if (!undoManager_) {
     return;
   }
   undoManager_->registerUndo(weak_from_this(), [this, operation] { (this->*operation)(nullptr); });
-  if (actionName != nullptr) {
-    undoManager_->setActionName(platform::localizedUtf8(actionName));
+  if (actionName) {
+    undoManager_->setActionName(platform::localizedUtf8(*actionName));
   }
 }
 

@@ -219,7 +219,7 @@ void VLRecorderWindowController::beginImport(const std::string& path,
   }
   bringRecordingPositionInside();
   isImport_ = true;
-  registerUndo(&VLRecorderWindowController::undo, "Import File");
+  registerUndo(&VLRecorderWindowController::undo, platform::textKey("Import File"));
   buffer_->setWaypoint();
   keepHistory();
   startLoading(path, reader);

@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QImage>
 #include <QLabel>
+#include <QLocale>
 #include <QUrl>
 
 #include "audio/AudioFileFailure.h"
@@ -26,6 +27,7 @@
 
 using platform::localized;
 using platform::localizedUtf8;
+using platform::textKey;
 
 namespace {
 
@@ -46,7 +48,7 @@ std::string folderOf(const std::string& path) {
   return std::filesystem::path(path).parent_path().string();
 }
 
-QString sentenceWithName(const char* sentence, const std::string& path) {
+QString sentenceWithName(platform::TextKey sentence, const std::string& path) {
   return localized(sentence).arg(QString::fromStdString(shownFileName(path)));
 }
 
@@ -239,14 +241,17 @@ void VLRecorderWindowController::takeFileName(const SavingRequest& request) {
 
 // The document keeps counting as unsaved.
 void VLRecorderWindowController::tellGaps(const std::string& path, double seconds, bool saved) {
-  const QString gaps =
-      localized("%1 seconds of the recording could not be read.").arg(seconds, 0, 'f', 2);
+  const QString gaps = localized("%1 seconds of the recording could not be read.")
+                           .arg(QLocale().toString(seconds, 'f', 2));
   const QString outcome = localized(
-      saved ? "They are silent in the file."
-            : "The file that was there was kept. Save under another name to get the rest.");
-  ShowModalAlert(sentenceWithName(saved ? "%1 was saved with gaps" : "%1 could not be saved", path)
-                     .toStdString(),
-                 (gaps + QLatin1Char(' ') + outcome).toStdString());
+      saved
+          ? textKey("They are silent in the file.")
+          : textKey("The file that was there was kept. Save under another name to get the rest."));
+  ShowModalAlert(
+      sentenceWithName(saved ? textKey("%1 was saved with gaps") : textKey("%1 could not be saved"),
+                       path)
+          .toStdString(),
+      (gaps + QLatin1Char(' ') + outcome).toStdString());
 }
 
 void VLRecorderWindowController::fileSavingComplete() {
@@ -271,9 +276,10 @@ void VLRecorderWindowController::fileSavingComplete() {
 
 void VLRecorderWindowController::openSavedFile() {
   if (!platform::desktopServices().open(fileAddress(last_saved_file_path_))) {
-    ShowModalAlert(localizedUtf8("The file was saved but could not be opened"),
-                   sentenceWithName("No program was found that opens %1.", last_saved_file_path_)
-                       .toStdString());
+    ShowModalAlert(
+        localizedUtf8("The file was saved but could not be opened"),
+        sentenceWithName(textKey("No program was found that opens %1."), last_saved_file_path_)
+            .toStdString());
   }
 }
 
@@ -287,7 +293,7 @@ void VLRecorderWindowController::saveFailed() {
 
 void VLRecorderWindowController::tellSaveFailed(const std::string& path,
                                                 const std::string& reason) {
-  ShowModalAlert(sentenceWithName("%1 could not be saved", path).toStdString(), reason);
+  ShowModalAlert(sentenceWithName(textKey("%1 could not be saved"), path).toStdString(), reason);
 }
 
 // Exports ---------------------------------------------------------------------------------------

@@ -3,6 +3,7 @@
 #include "controls/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
 #include "platform/ApplicationServices.h"
+#include "platform/Localization.h"
 #include "storage/OVAudioBuffer.h"
 #include "storage/OVBlockBuffer.h"
 #include "waveform/OVPlaybackMarkerView.h"
@@ -64,7 +65,7 @@ void VLRecorderWindowController::recPressed() {
   setEnabled(playButton_, false);
   buffer_->setWaypoint();
   keepHistory();
-  registerUndo(&VLRecorderWindowController::undo, "Record");
+  registerUndo(&VLRecorderWindowController::undo, platform::textKey("Record"));
   if (wfView_) {
     wfView_->setScrollBack(true);
   }

@@ -11,27 +11,27 @@ namespace {
 
 struct Reason {
   int error;
-  const char* sentence;
+  TextKey sentence;
 };
 
 constexpr std::array kReasons{
-    Reason{EACCES, "You do not have the permission for it."},
-    Reason{EPERM, "You do not have the permission for it."},
-    Reason{ENOSPC, "The disk is full."},
-    Reason{EDQUOT, "You have used up your share of the disk."},
-    Reason{EFBIG, "The file would become larger than the disk allows."},
-    Reason{EROFS, "The disk can only be read."},
-    Reason{ENOENT, "The folder or the file is not there any more."},
-    Reason{ENOTDIR, "The folder or the file is not there any more."},
-    Reason{EISDIR, "There is a folder of this name."},
-    Reason{EINVAL, "It is not an ordinary file."},
-    Reason{EIO, "The disk could not be read or written."},
-    Reason{ENODEV, "The disk has been removed."},
-    Reason{ENXIO, "The disk has been removed."},
-    Reason{ENAMETOOLONG, "The name is too long."},
-    Reason{ELOOP, "The name is a link that leads back to itself."},
-    Reason{EMFILE, "Too many files are open."},
-    Reason{ENFILE, "Too many files are open."},
+    Reason{EACCES, textKey("You do not have the permission for it.")},
+    Reason{EPERM, textKey("You do not have the permission for it.")},
+    Reason{ENOSPC, textKey("The disk is full.")},
+    Reason{EDQUOT, textKey("You have used up your share of the disk.")},
+    Reason{EFBIG, textKey("The file would become larger than the disk allows.")},
+    Reason{EROFS, textKey("The disk can only be read.")},
+    Reason{ENOENT, textKey("The folder or the file is not there any more.")},
+    Reason{ENOTDIR, textKey("The folder or the file is not there any more.")},
+    Reason{EISDIR, textKey("There is a folder of this name.")},
+    Reason{EINVAL, textKey("It is not an ordinary file.")},
+    Reason{EIO, textKey("The disk could not be read or written.")},
+    Reason{ENODEV, textKey("The disk has been removed.")},
+    Reason{ENXIO, textKey("The disk has been removed.")},
+    Reason{ENAMETOOLONG, textKey("The name is too long.")},
+    Reason{ELOOP, textKey("The name is a link that leads back to itself.")},
+    Reason{EMFILE, textKey("Too many files are open.")},
+    Reason{ENFILE, textKey("Too many files are open.")},
 };
 
 }  // namespace

@@ -4,12 +4,16 @@
 
 namespace platform {
 
-QString localized(const char* englishText) {
-  return QCoreApplication::translate("Orvo", englishText);
+QString detail::lookedUp(const char* english) {
+  return QCoreApplication::translate("Orvo", english);
 }
 
-std::string localizedUtf8(const char* englishText) {
-  return localized(englishText).toStdString();
+QString localized(TextKey key) {
+  return detail::lookedUp(key.english());
+}
+
+std::string localizedUtf8(TextKey key) {
+  return localized(key).toStdString();
 }
 
 }  // namespace platform

@@ -1,0 +1,563 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+    <name>Orvo</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>New Recorder</source>
+        <translation>Neuer Rekorder</translation>
+    </message>
+    <message>
+        <source>Open…</source>
+        <translation>Öffnen&#xa0;…</translation>
+    </message>
+    <message>
+        <source>Open Recent</source>
+        <translation>Zuletzt geöffnet</translation>
+    </message>
+    <message>
+        <source>Import…</source>
+        <translation>Importieren&#xa0;…</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Speichern</translation>
+    </message>
+    <message>
+        <source>Save As…</source>
+        <translation>Speichern unter&#xa0;…</translation>
+    </message>
+    <message>
+        <source>Export Ringtone…</source>
+        <translation>Klingelton exportieren&#xa0;…</translation>
+    </message>
+    <message>
+        <source>Export Waveform Picture…</source>
+        <translation>Wellenform als Bild exportieren&#xa0;…</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Rückgängig</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Undo %1</source>
+        <translation>Rückgängig: %1</translation>
+    </message>
+    <message>
+        <source>Redo %1</source>
+        <translation>Wiederherstellen: %1</translation>
+    </message>
+    <message>
+        <source>Remove After Marker</source>
+        <translation>Hinter dem Marker entfernen</translation>
+    </message>
+    <message>
+        <source>Remove Before Marker</source>
+        <translation>Vor dem Marker entfernen</translation>
+    </message>
+    <message>
+        <source>Reverse Audio</source>
+        <translation>Audio umkehren</translation>
+    </message>
+    <message>
+        <source>&amp;Transport</source>
+        <translation>&amp;Transport</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>Aufnahme</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Wiedergabe</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stopp</translation>
+    </message>
+    <message>
+        <source>To Start</source>
+        <translation>Zum Anfang</translation>
+    </message>
+    <message>
+        <source>To End</source>
+        <translation>Zum Ende</translation>
+    </message>
+    <message>
+        <source>R</source>
+        <translation>R</translation>
+    </message>
+    <message>
+        <source>Space</source>
+        <translation>Leertaste</translation>
+    </message>
+    <message>
+        <source>Return</source>
+        <translation>Eingabetaste</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>Spectrum</source>
+        <translation>Spektrum</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>Documentation</source>
+        <translation>Dokumentation</translation>
+    </message>
+    <message>
+        <source>Website</source>
+        <translation>Website</translation>
+    </message>
+    <message>
+        <source>Diagnostics</source>
+        <translation>Diagnose</translation>
+    </message>
+    <message>
+        <source>About Orvo</source>
+        <translation>Über Orvo</translation>
+    </message>
+    <message>
+        <source>Orvo</source>
+        <translation>Orvo</translation>
+    </message>
+    <message>
+        <source>Unnamed</source>
+        <translation>Unbenannt</translation>
+    </message>
+    <message>
+        <source>Orvo Diagnostics</source>
+        <translation>Orvo – Diagnose</translation>
+    </message>
+    <message>
+        <source>Orvo %1
+
+An audio recorder and simple editor.</source>
+        <translation>Orvo %1
+
+Ein Audiorekorder mit einfachem Editor.</translation>
+    </message>
+    <message>
+        <source>https://orvo.example/help/</source>
+        <translation>https://orvo.example/help/</translation>
+    </message>
+    <message>
+        <source>https://orvo.example/</source>
+        <translation>https://orvo.example/</translation>
+    </message>
+    <message>
+        <source>Waveform</source>
+        <translation>Wellenform</translation>
+    </message>
+    <message>
+        <source>Playback marker</source>
+        <translation>Wiedergabemarker</translation>
+    </message>
+    <message>
+        <source>Level meter</source>
+        <translation>Pegelanzeige</translation>
+    </message>
+    <message>
+        <source>Position and length</source>
+        <translation>Position und Länge</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Fortschritt</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Don't Save</source>
+        <translation>Nicht speichern</translation>
+    </message>
+    <message>
+        <source>Do you want to save the changes made to “%1”?</source>
+        <translation>Möchten Sie die Änderungen an „%1“ speichern?</translation>
+    </message>
+    <message>
+        <source>Your changes will be lost if you don't save them.</source>
+        <translation>Wenn Sie nicht speichern, gehen Ihre Änderungen verloren.</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>Importieren</translation>
+    </message>
+    <message>
+        <source>Import File</source>
+        <translation>Datei importieren</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>Speichern unter</translation>
+    </message>
+    <message>
+        <source>Save in:</source>
+        <translation>Speichern in:</translation>
+    </message>
+    <message>
+        <source>File &amp;type:</source>
+        <translation>Datei&amp;typ:</translation>
+    </message>
+    <message>
+        <source>File type</source>
+        <translation>Dateityp</translation>
+    </message>
+    <message>
+        <source>Audio Files</source>
+        <translation>Audiodateien</translation>
+    </message>
+    <message>
+        <source>All Files</source>
+        <translation>Alle Dateien</translation>
+    </message>
+    <message>
+        <source>WAV</source>
+        <translation>WAV</translation>
+    </message>
+    <message>
+        <source>AIFF</source>
+        <translation>AIFF</translation>
+    </message>
+    <message>
+        <source>CAF</source>
+        <translation>CAF</translation>
+    </message>
+    <message>
+        <source>AAC</source>
+        <translation>AAC</translation>
+    </message>
+    <message>
+        <source>Export Ringtone</source>
+        <translation>Klingelton exportieren</translation>
+    </message>
+    <message>
+        <source>A ringtone begins at the marker, or at the start when the marker is at the end, and lasts at most %1 seconds.</source>
+        <translation>Ein Klingelton beginnt am Marker oder, wenn der Marker am Ende steht, am Anfang und dauert höchstens %1&#xa0;Sekunden.</translation>
+    </message>
+    <message>
+        <source>Export Waveform Picture</source>
+        <translation>Wellenform als Bild exportieren</translation>
+    </message>
+    <message>
+        <source>The page could not be opened</source>
+        <translation>Die Seite konnte nicht geöffnet werden</translation>
+    </message>
+    <message>
+        <source>No program was found that opens %1.</source>
+        <translation>Es wurde kein Programm gefunden, das %1 öffnet.</translation>
+    </message>
+    <message>
+        <source>No program was found that opens “%1”.</source>
+        <translation>Es wurde kein Programm gefunden, das „%1“ öffnet.</translation>
+    </message>
+    <message>
+        <source>The recording was stopped</source>
+        <translation>Die Aufnahme wurde angehalten</translation>
+    </message>
+    <message>
+        <source>The audio could not be written to the temporary file. %1
+
+Everything recorded before is kept.</source>
+        <translation>Das Audiomaterial konnte nicht in die temporäre Datei geschrieben werden. %1
+
+Alles zuvor Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The file could not be loaded whole</source>
+        <translation>Die Datei konnte nicht vollständig geladen werden</translation>
+    </message>
+    <message>
+        <source>The audio could not be written to the temporary file. %1
+
+%2</source>
+        <translation>Das Audiomaterial konnte nicht in die temporäre Datei geschrieben werden. %1
+
+%2</translation>
+    </message>
+    <message>
+        <source>Nothing was imported.</source>
+        <translation>Es wurde nichts importiert.</translation>
+    </message>
+    <message>
+        <source>Everything loaded before is kept.</source>
+        <translation>Alles zuvor Geladene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The recording is too long for a file of the type %1. Choose another type.</source>
+        <translation>Die Aufnahme ist zu lang für eine Datei vom Typ %1. Wählen Sie einen anderen Typ.</translation>
+    </message>
+    <message>
+        <source>An AAC file cannot be empty. Record something first.</source>
+        <translation>Eine AAC-Datei kann nicht leer sein. Nehmen Sie zuerst etwas auf.</translation>
+    </message>
+    <message>
+        <source>%1 seconds of the recording could not be read; they are silent in the file.</source>
+        <translation>%1&#xa0;Sekunden der Aufnahme konnten nicht gelesen werden; in der Datei sind sie still.</translation>
+    </message>
+    <message>
+        <source>The file was saved but could not be opened</source>
+        <translation>Die Datei wurde gespeichert, konnte aber nicht geöffnet werden</translation>
+    </message>
+    <message>
+        <source>“%1” could not be saved</source>
+        <translation>„%1“ konnte nicht gespeichert werden</translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <translation>„%1“</translation>
+    </message>
+    <message>
+        <source>You do not have the permission for it.</source>
+        <translation>Ihnen fehlt die Berechtigung dazu.</translation>
+    </message>
+    <message>
+        <source>The disk is full.</source>
+        <translation>Der Datenträger ist voll.</translation>
+    </message>
+    <message>
+        <source>You have used up your share of the disk.</source>
+        <translation>Ihr Speicherplatzkontingent ist aufgebraucht.</translation>
+    </message>
+    <message>
+        <source>The file would become larger than the disk allows.</source>
+        <translation>Die Datei würde größer, als der Datenträger zulässt.</translation>
+    </message>
+    <message>
+        <source>The disk can only be read.</source>
+        <translation>Der Datenträger ist schreibgeschützt.</translation>
+    </message>
+    <message>
+        <source>The folder or the file is not there any more.</source>
+        <translation>Der Ordner oder die Datei ist nicht mehr vorhanden.</translation>
+    </message>
+    <message>
+        <source>There is a folder of this name.</source>
+        <translation>Es gibt einen Ordner mit diesem Namen.</translation>
+    </message>
+    <message>
+        <source>It is not an ordinary file.</source>
+        <translation>Es ist keine gewöhnliche Datei.</translation>
+    </message>
+    <message>
+        <source>The disk could not be read or written.</source>
+        <translation>Der Datenträger konnte nicht gelesen oder beschrieben werden.</translation>
+    </message>
+    <message>
+        <source>The disk has been removed.</source>
+        <translation>Der Datenträger wurde entfernt.</translation>
+    </message>
+    <message>
+        <source>The name is too long.</source>
+        <translation>Der Name ist zu lang.</translation>
+    </message>
+    <message>
+        <source>The name is a link that leads back to itself.</source>
+        <translation>Der Name ist eine Verknüpfung, die auf sich selbst verweist.</translation>
+    </message>
+    <message>
+        <source>Too many files are open.</source>
+        <translation>Es sind zu viele Dateien geöffnet.</translation>
+    </message>
+    <message>
+        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
+        <translation>%1 ist nicht mehr vorhanden. Die Datei wurde möglicherweise verschoben, umbenannt oder gelöscht.</translation>
+    </message>
+    <message>
+        <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
+        <translation>Sie dürfen %1 nicht lesen. Fragen Sie den Eigentümer oder ändern Sie die Zugriffsrechte.</translation>
+    </message>
+    <message>
+        <source>%1 is a folder. Choose a sound file inside it.</source>
+        <translation>%1 ist ein Ordner. Wählen Sie eine Audiodatei darin.</translation>
+    </message>
+    <message>
+        <source>%1 is not an ordinary file, but a device or a connection to another program.</source>
+        <translation>%1 ist keine gewöhnliche Datei, sondern ein Gerät oder eine Verbindung zu einem anderen Programm.</translation>
+    </message>
+    <message>
+        <source>%1 is empty.</source>
+        <translation>%1 ist leer.</translation>
+    </message>
+    <message>
+        <source>The name or the path of %1 is too long.</source>
+        <translation>Der Name oder der Pfad von %1 ist zu lang.</translation>
+    </message>
+    <message>
+        <source>There is no sound in %1.</source>
+        <translation>%1 enthält keinen Ton.</translation>
+    </message>
+    <message>
+        <source>The sound in %1 is encoded in a way that cannot be read. Up to 8 channels and rates from 1,000 to 768,000 Hz can be.</source>
+        <translation>Der Ton in %1 ist so kodiert, dass er nicht gelesen werden kann. Möglich sind bis zu 8 Kanäle und Abtastraten von 1.000 bis 768.000&#xa0;Hz.</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 is stored reported an error.</source>
+        <translation>Der Datenträger, auf dem %1 gespeichert ist, hat einen Fehler gemeldet.</translation>
+    </message>
+    <message>
+        <source>%1 could not be opened, because too many files are open. Close some windows first.</source>
+        <translation>%1 konnte nicht geöffnet werden, weil zu viele Dateien geöffnet sind. Schließen Sie zuerst einige Fenster.</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to read %1.</source>
+        <translation>Der Arbeitsspeicher reicht nicht aus, um %1 zu lesen.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <translation>%1 kann nicht gelesen werden: Auf diesem Computer fehlen die Bibliotheken von FFmpeg.</translation>
+    </message>
+    <message>
+        <source>%1 is not a sound file that can be read, or it is damaged.</source>
+        <translation>%1 ist keine lesbare Audiodatei oder ist beschädigt.</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 is stored reported an error. What could be read before it is kept.</source>
+        <translation>Der Datenträger, auf dem %1 gespeichert ist, hat einen Fehler gemeldet. Was zuvor gelesen werden konnte, bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to read all of %1. What could be read is kept.</source>
+        <translation>Der Arbeitsspeicher reicht nicht aus, um %1 ganz zu lesen. Was gelesen werden konnte, bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>From some place on the sound in %1 is encoded in a way that cannot be read. What came before it is kept.</source>
+        <translation>Ab einer bestimmten Stelle ist der Ton in %1 so kodiert, dass er nicht gelesen werden kann. Was davor liegt, bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>%1 can no longer be read. What could be read of it is kept.</source>
+        <translation>%1 kann nicht mehr gelesen werden. Was gelesen werden konnte, bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>%1 is damaged or was cut off. What could be read of it is kept.</source>
+        <translation>%1 ist beschädigt oder unvollständig. Was gelesen werden konnte, bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The folder in which %1 was to be written is not there. Choose another one.</source>
+        <translation>Der Ordner, in den %1 geschrieben werden sollte, ist nicht vorhanden. Wählen Sie einen anderen.</translation>
+    </message>
+    <message>
+        <source>You are not allowed to write %1. Choose another folder, or change the permissions.</source>
+        <translation>Sie dürfen %1 nicht schreiben. Wählen Sie einen anderen Ordner oder ändern Sie die Zugriffsrechte.</translation>
+    </message>
+    <message>
+        <source>%1 is a folder. Choose another name.</source>
+        <translation>%1 ist ein Ordner. Wählen Sie einen anderen Namen.</translation>
+    </message>
+    <message>
+        <source>%1 is not an ordinary file. Choose another name.</source>
+        <translation>%1 ist keine gewöhnliche Datei. Wählen Sie einen anderen Namen.</translation>
+    </message>
+    <message>
+        <source>The name or the path of %1 is too long. Choose a shorter one.</source>
+        <translation>Der Name oder der Pfad von %1 ist zu lang. Wählen Sie einen kürzeren.</translation>
+    </message>
+    <message>
+        <source>There is not enough room to write %1. Make room, or choose another disk.</source>
+        <translation>Der Speicherplatz reicht nicht aus, um %1 zu schreiben. Schaffen Sie Platz oder wählen Sie einen anderen Datenträger.</translation>
+    </message>
+    <message>
+        <source>%1 would be larger than a file of its kind or on this disk may be. Choose another kind of file or another disk.</source>
+        <translation>%1 würde größer, als eine Datei dieser Art oder auf diesem Datenträger sein darf. Wählen Sie eine andere Dateiart oder einen anderen Datenträger.</translation>
+    </message>
+    <message>
+        <source>%1 could not be written, because too many files are open. Close some windows first.</source>
+        <translation>%1 konnte nicht geschrieben werden, weil zu viele Dateien geöffnet sind. Schließen Sie zuerst einige Fenster.</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to write %1.</source>
+        <translation>Der Arbeitsspeicher reicht nicht aus, um %1 zu schreiben.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <translation>%1 kann nicht geschrieben werden: Auf diesem Computer fehlen die Bibliotheken von FFmpeg.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written as a file of this kind.</source>
+        <translation>%1 kann nicht als Datei dieser Art geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 was to be written reported an error. It may have been removed.</source>
+        <translation>Der Datenträger, auf den %1 geschrieben werden sollte, hat einen Fehler gemeldet. Möglicherweise wurde er entfernt.</translation>
+    </message>
+    <message>
+        <source>File Format Error</source>
+        <translation>Fehler im Dateiformat</translation>
+    </message>
+    <message>
+        <source>The file is of an unsupported format.</source>
+        <translation>Das Dateiformat wird nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>Core Audio Error</source>
+        <translation>Core-Audio-Fehler</translation>
+    </message>
+    <message>
+        <source>Core Audio returned the error: %s (%s)</source>
+        <translation>Core Audio meldet den Fehler: %s (%s)</translation>
+    </message>
+    <message>
+        <source>No sound input could be opened. Connect a microphone or another input, check that sound works on this computer, then press Record again. Everything recorded so far is kept.</source>
+        <translation>Es konnte kein Audioeingang geöffnet werden. Schließen Sie ein Mikrofon oder einen anderen Eingang an, prüfen Sie, ob der Ton auf diesem Computer funktioniert, und drücken Sie dann noch einmal „Aufnahme“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>Der Audioeingang ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Die Aufnahme ist beendet. Schließen Sie den Eingang wieder an und drücken Sie dann „Aufnahme“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>
+        <translation>Es konnte kein Audioausgang geöffnet werden. Schließen Sie Lautsprecher oder Kopfhörer an, prüfen Sie, ob der Ton auf diesem Computer funktioniert, und drücken Sie dann noch einmal „Wiedergabe“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The sound output has gone: it was unplugged, or the sound system stopped. Playback has ended. Connect the output again, then press Play. Everything recorded so far is kept.</source>
+        <translation>Der Audioausgang ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Die Wiedergabe ist beendet. Schließen Sie den Ausgang wieder an und drücken Sie dann „Wiedergabe“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>no queue on record!</source>
+        <translation>Keine Warteschlange für die Aufnahme!</translation>
+    </message>
+    <message>
+        <source>this shouldn't happen. contact </source>
+        <translation>Das sollte nicht vorkommen. Wenden Sie sich an </translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,563 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="es" sourcelanguage="en">
+<context>
+    <name>Orvo</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Archivo</translation>
+    </message>
+    <message>
+        <source>New Recorder</source>
+        <translation>Nueva grabadora</translation>
+    </message>
+    <message>
+        <source>Open…</source>
+        <translation>Abrir…</translation>
+    </message>
+    <message>
+        <source>Open Recent</source>
+        <translation>Abrir reciente</translation>
+    </message>
+    <message>
+        <source>Import…</source>
+        <translation>Importar…</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Guardar</translation>
+    </message>
+    <message>
+        <source>Save As…</source>
+        <translation>Guardar como…</translation>
+    </message>
+    <message>
+        <source>Export Ringtone…</source>
+        <translation>Exportar tono de llamada…</translation>
+    </message>
+    <message>
+        <source>Export Waveform Picture…</source>
+        <translation>Exportar imagen de la forma de onda…</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Cerrar</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Salir</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Editar</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Deshacer</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Rehacer</translation>
+    </message>
+    <message>
+        <source>Undo %1</source>
+        <translation>Deshacer: %1</translation>
+    </message>
+    <message>
+        <source>Redo %1</source>
+        <translation>Rehacer: %1</translation>
+    </message>
+    <message>
+        <source>Remove After Marker</source>
+        <translation>Eliminar después del marcador</translation>
+    </message>
+    <message>
+        <source>Remove Before Marker</source>
+        <translation>Eliminar antes del marcador</translation>
+    </message>
+    <message>
+        <source>Reverse Audio</source>
+        <translation>Invertir audio</translation>
+    </message>
+    <message>
+        <source>&amp;Transport</source>
+        <translation>&amp;Transporte</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>Grabar</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Reproducir</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pausar</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Detener</translation>
+    </message>
+    <message>
+        <source>To Start</source>
+        <translation>Ir al principio</translation>
+    </message>
+    <message>
+        <source>To End</source>
+        <translation>Ir al final</translation>
+    </message>
+    <message>
+        <source>R</source>
+        <translation>R</translation>
+    </message>
+    <message>
+        <source>Space</source>
+        <translation>Espacio</translation>
+    </message>
+    <message>
+        <source>Return</source>
+        <translation>Intro</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ver</translation>
+    </message>
+    <message>
+        <source>Spectrum</source>
+        <translation>Espectro</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>A&amp;yuda</translation>
+    </message>
+    <message>
+        <source>Documentation</source>
+        <translation>Documentación</translation>
+    </message>
+    <message>
+        <source>Website</source>
+        <translation>Sitio web</translation>
+    </message>
+    <message>
+        <source>Diagnostics</source>
+        <translation>Diagnóstico</translation>
+    </message>
+    <message>
+        <source>About Orvo</source>
+        <translation>Acerca de Orvo</translation>
+    </message>
+    <message>
+        <source>Orvo</source>
+        <translation>Orvo</translation>
+    </message>
+    <message>
+        <source>Unnamed</source>
+        <translation>Sin título</translation>
+    </message>
+    <message>
+        <source>Orvo Diagnostics</source>
+        <translation>Diagnóstico de Orvo</translation>
+    </message>
+    <message>
+        <source>Orvo %1
+
+An audio recorder and simple editor.</source>
+        <translation>Orvo %1
+
+Una grabadora de audio con un editor sencillo.</translation>
+    </message>
+    <message>
+        <source>https://orvo.example/help/</source>
+        <translation>https://orvo.example/help/</translation>
+    </message>
+    <message>
+        <source>https://orvo.example/</source>
+        <translation>https://orvo.example/</translation>
+    </message>
+    <message>
+        <source>Waveform</source>
+        <translation>Forma de onda</translation>
+    </message>
+    <message>
+        <source>Playback marker</source>
+        <translation>Marcador de reproducción</translation>
+    </message>
+    <message>
+        <source>Level meter</source>
+        <translation>Medidor de nivel</translation>
+    </message>
+    <message>
+        <source>Position and length</source>
+        <translation>Posición y duración</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Progreso</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>Aceptar</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>Don't Save</source>
+        <translation>No guardar</translation>
+    </message>
+    <message>
+        <source>Do you want to save the changes made to “%1”?</source>
+        <translation>¿Desea guardar los cambios realizados en «%1»?</translation>
+    </message>
+    <message>
+        <source>Your changes will be lost if you don't save them.</source>
+        <translation>Si no los guarda, se perderán los cambios.</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Abrir</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>Importar</translation>
+    </message>
+    <message>
+        <source>Import File</source>
+        <translation>Importar archivo</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>Guardar como</translation>
+    </message>
+    <message>
+        <source>Save in:</source>
+        <translation>Guardar en:</translation>
+    </message>
+    <message>
+        <source>File &amp;type:</source>
+        <translation>&amp;Tipo de archivo:</translation>
+    </message>
+    <message>
+        <source>File type</source>
+        <translation>Tipo de archivo</translation>
+    </message>
+    <message>
+        <source>Audio Files</source>
+        <translation>Archivos de audio</translation>
+    </message>
+    <message>
+        <source>All Files</source>
+        <translation>Todos los archivos</translation>
+    </message>
+    <message>
+        <source>WAV</source>
+        <translation>WAV</translation>
+    </message>
+    <message>
+        <source>AIFF</source>
+        <translation>AIFF</translation>
+    </message>
+    <message>
+        <source>CAF</source>
+        <translation>CAF</translation>
+    </message>
+    <message>
+        <source>AAC</source>
+        <translation>AAC</translation>
+    </message>
+    <message>
+        <source>Export Ringtone</source>
+        <translation>Exportar tono de llamada</translation>
+    </message>
+    <message>
+        <source>A ringtone begins at the marker, or at the start when the marker is at the end, and lasts at most %1 seconds.</source>
+        <translation>Un tono de llamada empieza en el marcador, o al principio si el marcador está al final, y dura como máximo %1&#xa0;segundos.</translation>
+    </message>
+    <message>
+        <source>Export Waveform Picture</source>
+        <translation>Exportar imagen de la forma de onda</translation>
+    </message>
+    <message>
+        <source>The page could not be opened</source>
+        <translation>No se pudo abrir la página</translation>
+    </message>
+    <message>
+        <source>No program was found that opens %1.</source>
+        <translation>No se encontró ningún programa que abra %1.</translation>
+    </message>
+    <message>
+        <source>No program was found that opens “%1”.</source>
+        <translation>No se encontró ningún programa que abra «%1».</translation>
+    </message>
+    <message>
+        <source>The recording was stopped</source>
+        <translation>Se ha detenido la grabación</translation>
+    </message>
+    <message>
+        <source>The audio could not be written to the temporary file. %1
+
+Everything recorded before is kept.</source>
+        <translation>No se pudo escribir el audio en el archivo temporal. %1
+
+Se conserva todo lo grabado hasta entonces.</translation>
+    </message>
+    <message>
+        <source>The file could not be loaded whole</source>
+        <translation>No se pudo cargar el archivo completo</translation>
+    </message>
+    <message>
+        <source>The audio could not be written to the temporary file. %1
+
+%2</source>
+        <translation>No se pudo escribir el audio en el archivo temporal. %1
+
+%2</translation>
+    </message>
+    <message>
+        <source>Nothing was imported.</source>
+        <translation>No se ha importado nada.</translation>
+    </message>
+    <message>
+        <source>Everything loaded before is kept.</source>
+        <translation>Se conserva todo lo cargado hasta entonces.</translation>
+    </message>
+    <message>
+        <source>The recording is too long for a file of the type %1. Choose another type.</source>
+        <translation>La grabación es demasiado larga para un archivo de tipo %1. Elija otro tipo.</translation>
+    </message>
+    <message>
+        <source>An AAC file cannot be empty. Record something first.</source>
+        <translation>Un archivo AAC no puede estar vacío. Grabe algo primero.</translation>
+    </message>
+    <message>
+        <source>%1 seconds of the recording could not be read; they are silent in the file.</source>
+        <translation>No se pudieron leer %1&#xa0;segundos de la grabación; en el archivo quedan en silencio.</translation>
+    </message>
+    <message>
+        <source>The file was saved but could not be opened</source>
+        <translation>El archivo se guardó, pero no se pudo abrir</translation>
+    </message>
+    <message>
+        <source>“%1” could not be saved</source>
+        <translation>No se pudo guardar «%1»</translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <translation>«%1»</translation>
+    </message>
+    <message>
+        <source>You do not have the permission for it.</source>
+        <translation>No tiene permiso para ello.</translation>
+    </message>
+    <message>
+        <source>The disk is full.</source>
+        <translation>El disco está lleno.</translation>
+    </message>
+    <message>
+        <source>You have used up your share of the disk.</source>
+        <translation>Ha agotado su cuota de disco.</translation>
+    </message>
+    <message>
+        <source>The file would become larger than the disk allows.</source>
+        <translation>El archivo superaría el tamaño que permite el disco.</translation>
+    </message>
+    <message>
+        <source>The disk can only be read.</source>
+        <translation>El disco es de solo lectura.</translation>
+    </message>
+    <message>
+        <source>The folder or the file is not there any more.</source>
+        <translation>La carpeta o el archivo ya no existe.</translation>
+    </message>
+    <message>
+        <source>There is a folder of this name.</source>
+        <translation>Ya existe una carpeta con ese nombre.</translation>
+    </message>
+    <message>
+        <source>It is not an ordinary file.</source>
+        <translation>No es un archivo normal.</translation>
+    </message>
+    <message>
+        <source>The disk could not be read or written.</source>
+        <translation>No se pudo leer el disco o escribir en él.</translation>
+    </message>
+    <message>
+        <source>The disk has been removed.</source>
+        <translation>Se ha retirado el disco.</translation>
+    </message>
+    <message>
+        <source>The name is too long.</source>
+        <translation>El nombre es demasiado largo.</translation>
+    </message>
+    <message>
+        <source>The name is a link that leads back to itself.</source>
+        <translation>El nombre es un enlace que remite a sí mismo.</translation>
+    </message>
+    <message>
+        <source>Too many files are open.</source>
+        <translation>Hay demasiados archivos abiertos.</translation>
+    </message>
+    <message>
+        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
+        <translation>%1 ya no existe. Puede que se haya movido, renombrado o eliminado.</translation>
+    </message>
+    <message>
+        <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
+        <translation>No tiene permiso para leer %1. Consulte al propietario o cambie los permisos.</translation>
+    </message>
+    <message>
+        <source>%1 is a folder. Choose a sound file inside it.</source>
+        <translation>%1 es una carpeta. Elija un archivo de audio que esté dentro.</translation>
+    </message>
+    <message>
+        <source>%1 is not an ordinary file, but a device or a connection to another program.</source>
+        <translation>%1 no es un archivo normal, sino un dispositivo o una conexión con otro programa.</translation>
+    </message>
+    <message>
+        <source>%1 is empty.</source>
+        <translation>%1 está vacío.</translation>
+    </message>
+    <message>
+        <source>The name or the path of %1 is too long.</source>
+        <translation>El nombre o la ruta de %1 es demasiado largo.</translation>
+    </message>
+    <message>
+        <source>There is no sound in %1.</source>
+        <translation>%1 no contiene sonido.</translation>
+    </message>
+    <message>
+        <source>The sound in %1 is encoded in a way that cannot be read. Up to 8 channels and rates from 1,000 to 768,000 Hz can be.</source>
+        <translation>El sonido de %1 está codificado de un modo que no se puede leer. Se admiten hasta 8 canales y frecuencias de muestreo de 1000 a 768&#xa0;000&#xa0;Hz.</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 is stored reported an error.</source>
+        <translation>El soporte en el que está guardado %1 ha notificado un error.</translation>
+    </message>
+    <message>
+        <source>%1 could not be opened, because too many files are open. Close some windows first.</source>
+        <translation>No se pudo abrir %1 porque hay demasiados archivos abiertos. Cierre antes algunas ventanas.</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to read %1.</source>
+        <translation>No hay memoria suficiente para leer %1.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <translation>No se puede leer %1: faltan las bibliotecas de FFmpeg en este equipo.</translation>
+    </message>
+    <message>
+        <source>%1 is not a sound file that can be read, or it is damaged.</source>
+        <translation>%1 no es un archivo de audio legible o está dañado.</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 is stored reported an error. What could be read before it is kept.</source>
+        <translation>El soporte en el que está guardado %1 ha notificado un error. Se conserva lo que se pudo leer antes.</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to read all of %1. What could be read is kept.</source>
+        <translation>No hay memoria suficiente para leer %1 por completo. Se conserva lo que se pudo leer.</translation>
+    </message>
+    <message>
+        <source>From some place on the sound in %1 is encoded in a way that cannot be read. What came before it is kept.</source>
+        <translation>A partir de cierto punto, el sonido de %1 está codificado de un modo que no se puede leer. Se conserva lo anterior.</translation>
+    </message>
+    <message>
+        <source>%1 can no longer be read. What could be read of it is kept.</source>
+        <translation>%1 ya no se puede leer. Se conserva lo que se pudo leer.</translation>
+    </message>
+    <message>
+        <source>%1 is damaged or was cut off. What could be read of it is kept.</source>
+        <translation>%1 está dañado o incompleto. Se conserva lo que se pudo leer.</translation>
+    </message>
+    <message>
+        <source>The folder in which %1 was to be written is not there. Choose another one.</source>
+        <translation>La carpeta en la que se iba a escribir %1 no existe. Elija otra.</translation>
+    </message>
+    <message>
+        <source>You are not allowed to write %1. Choose another folder, or change the permissions.</source>
+        <translation>No tiene permiso para escribir %1. Elija otra carpeta o cambie los permisos.</translation>
+    </message>
+    <message>
+        <source>%1 is a folder. Choose another name.</source>
+        <translation>%1 es una carpeta. Elija otro nombre.</translation>
+    </message>
+    <message>
+        <source>%1 is not an ordinary file. Choose another name.</source>
+        <translation>%1 no es un archivo normal. Elija otro nombre.</translation>
+    </message>
+    <message>
+        <source>The name or the path of %1 is too long. Choose a shorter one.</source>
+        <translation>El nombre o la ruta de %1 es demasiado largo. Elija uno más corto.</translation>
+    </message>
+    <message>
+        <source>There is not enough room to write %1. Make room, or choose another disk.</source>
+        <translation>No hay espacio suficiente para escribir %1. Libere espacio o elija otro disco.</translation>
+    </message>
+    <message>
+        <source>%1 would be larger than a file of its kind or on this disk may be. Choose another kind of file or another disk.</source>
+        <translation>%1 superaría el tamaño permitido para un archivo de este tipo o en este disco. Elija otro tipo de archivo u otro disco.</translation>
+    </message>
+    <message>
+        <source>%1 could not be written, because too many files are open. Close some windows first.</source>
+        <translation>No se pudo escribir %1 porque hay demasiados archivos abiertos. Cierre antes algunas ventanas.</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to write %1.</source>
+        <translation>No hay memoria suficiente para escribir %1.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <translation>No se puede escribir %1: faltan las bibliotecas de FFmpeg en este equipo.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written as a file of this kind.</source>
+        <translation>%1 no se puede escribir como archivo de este tipo.</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 was to be written reported an error. It may have been removed.</source>
+        <translation>El soporte en el que se iba a escribir %1 ha notificado un error. Puede que se haya retirado.</translation>
+    </message>
+    <message>
+        <source>File Format Error</source>
+        <translation>Error de formato de archivo</translation>
+    </message>
+    <message>
+        <source>The file is of an unsupported format.</source>
+        <translation>El formato del archivo no es compatible.</translation>
+    </message>
+    <message>
+        <source>Core Audio Error</source>
+        <translation>Error de Core Audio</translation>
+    </message>
+    <message>
+        <source>Core Audio returned the error: %s (%s)</source>
+        <translation>Core Audio ha devuelto el error: %s (%s)</translation>
+    </message>
+    <message>
+        <source>No sound input could be opened. Connect a microphone or another input, check that sound works on this computer, then press Record again. Everything recorded so far is kept.</source>
+        <translation>No se pudo abrir ninguna entrada de sonido. Conecte un micrófono u otra entrada, compruebe que el sonido funciona en este equipo y vuelva a pulsar «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>La entrada de sonido ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. La grabación ha terminado. Vuelva a conectar la entrada y pulse «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>
+        <translation>No se pudo abrir ninguna salida de sonido. Conecte unos altavoces o auriculares, compruebe que el sonido funciona en este equipo y vuelva a pulsar «Reproducir». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>The sound output has gone: it was unplugged, or the sound system stopped. Playback has ended. Connect the output again, then press Play. Everything recorded so far is kept.</source>
+        <translation>La salida de sonido ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. La reproducción ha terminado. Vuelva a conectar la salida y pulse «Reproducir». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>no queue on record!</source>
+        <translation>¡No hay cola para la grabación!</translation>
+    </message>
+    <message>
+        <source>this shouldn't happen. contact </source>
+        <translation>Esto no debería ocurrir. Contacte con </translation>
+    </message>
+</context>
+</TS>

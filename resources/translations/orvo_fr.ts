@@ -1,0 +1,563 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="fr" sourcelanguage="en">
+<context>
+    <name>Orvo</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Fichier</translation>
+    </message>
+    <message>
+        <source>New Recorder</source>
+        <translation>Nouvel enregistreur</translation>
+    </message>
+    <message>
+        <source>Open…</source>
+        <translation>Ouvrir…</translation>
+    </message>
+    <message>
+        <source>Open Recent</source>
+        <translation>Fichiers récents</translation>
+    </message>
+    <message>
+        <source>Import…</source>
+        <translation>Importer…</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Enregistrer</translation>
+    </message>
+    <message>
+        <source>Save As…</source>
+        <translation>Enregistrer sous…</translation>
+    </message>
+    <message>
+        <source>Export Ringtone…</source>
+        <translation>Exporter une sonnerie…</translation>
+    </message>
+    <message>
+        <source>Export Waveform Picture…</source>
+        <translation>Exporter l’image de la forme d’onde…</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Fermer</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Quitter</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>É&amp;dition</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Rétablir</translation>
+    </message>
+    <message>
+        <source>Undo %1</source>
+        <translation>Annuler&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Redo %1</source>
+        <translation>Rétablir&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Remove After Marker</source>
+        <translation>Supprimer après le marqueur</translation>
+    </message>
+    <message>
+        <source>Remove Before Marker</source>
+        <translation>Supprimer avant le marqueur</translation>
+    </message>
+    <message>
+        <source>Reverse Audio</source>
+        <translation>Inverser l’audio</translation>
+    </message>
+    <message>
+        <source>&amp;Transport</source>
+        <translation>&amp;Transport</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>Enregistrement</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Lecture</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Arrêt</translation>
+    </message>
+    <message>
+        <source>To Start</source>
+        <translation>Aller au début</translation>
+    </message>
+    <message>
+        <source>To End</source>
+        <translation>Aller à la fin</translation>
+    </message>
+    <message>
+        <source>R</source>
+        <translation>R</translation>
+    </message>
+    <message>
+        <source>Space</source>
+        <translation>Espace</translation>
+    </message>
+    <message>
+        <source>Return</source>
+        <translation>Entrée</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>Affic&amp;hage</translation>
+    </message>
+    <message>
+        <source>Spectrum</source>
+        <translation>Spectre</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>Aid&amp;e</translation>
+    </message>
+    <message>
+        <source>Documentation</source>
+        <translation>Documentation</translation>
+    </message>
+    <message>
+        <source>Website</source>
+        <translation>Site web</translation>
+    </message>
+    <message>
+        <source>Diagnostics</source>
+        <translation>Diagnostic</translation>
+    </message>
+    <message>
+        <source>About Orvo</source>
+        <translation>À propos d’Orvo</translation>
+    </message>
+    <message>
+        <source>Orvo</source>
+        <translation>Orvo</translation>
+    </message>
+    <message>
+        <source>Unnamed</source>
+        <translation>Sans titre</translation>
+    </message>
+    <message>
+        <source>Orvo Diagnostics</source>
+        <translation>Diagnostic d’Orvo</translation>
+    </message>
+    <message>
+        <source>Orvo %1
+
+An audio recorder and simple editor.</source>
+        <translation>Orvo %1
+
+Un enregistreur audio et éditeur simple.</translation>
+    </message>
+    <message>
+        <source>https://orvo.example/help/</source>
+        <translation>https://orvo.example/help/</translation>
+    </message>
+    <message>
+        <source>https://orvo.example/</source>
+        <translation>https://orvo.example/</translation>
+    </message>
+    <message>
+        <source>Waveform</source>
+        <translation>Forme d’onde</translation>
+    </message>
+    <message>
+        <source>Playback marker</source>
+        <translation>Marqueur de lecture</translation>
+    </message>
+    <message>
+        <source>Level meter</source>
+        <translation>Indicateur de niveau</translation>
+    </message>
+    <message>
+        <source>Position and length</source>
+        <translation>Position et durée</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Progression</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>Don't Save</source>
+        <translation>Ne pas enregistrer</translation>
+    </message>
+    <message>
+        <source>Do you want to save the changes made to “%1”?</source>
+        <translation>Voulez-vous enregistrer les modifications apportées à «&#xa0;%1&#xa0;»&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Your changes will be lost if you don't save them.</source>
+        <translation>Vos modifications seront perdues si vous ne les enregistrez pas.</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Ouvrir</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>Importer</translation>
+    </message>
+    <message>
+        <source>Import File</source>
+        <translation>Importer un fichier</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>Enregistrer sous</translation>
+    </message>
+    <message>
+        <source>Save in:</source>
+        <translation>Enregistrer dans&#xa0;:</translation>
+    </message>
+    <message>
+        <source>File &amp;type:</source>
+        <translation>&amp;Type de fichier&#xa0;:</translation>
+    </message>
+    <message>
+        <source>File type</source>
+        <translation>Type de fichier</translation>
+    </message>
+    <message>
+        <source>Audio Files</source>
+        <translation>Fichiers audio</translation>
+    </message>
+    <message>
+        <source>All Files</source>
+        <translation>Tous les fichiers</translation>
+    </message>
+    <message>
+        <source>WAV</source>
+        <translation>WAV</translation>
+    </message>
+    <message>
+        <source>AIFF</source>
+        <translation>AIFF</translation>
+    </message>
+    <message>
+        <source>CAF</source>
+        <translation>CAF</translation>
+    </message>
+    <message>
+        <source>AAC</source>
+        <translation>AAC</translation>
+    </message>
+    <message>
+        <source>Export Ringtone</source>
+        <translation>Exporter une sonnerie</translation>
+    </message>
+    <message>
+        <source>A ringtone begins at the marker, or at the start when the marker is at the end, and lasts at most %1 seconds.</source>
+        <translation>Une sonnerie commence au marqueur, ou au début si le marqueur se trouve à la fin, et dure au plus %1&#xa0;secondes.</translation>
+    </message>
+    <message>
+        <source>Export Waveform Picture</source>
+        <translation>Exporter l’image de la forme d’onde</translation>
+    </message>
+    <message>
+        <source>The page could not be opened</source>
+        <translation>La page n’a pas pu être ouverte</translation>
+    </message>
+    <message>
+        <source>No program was found that opens %1.</source>
+        <translation>Aucun programme permettant d’ouvrir %1 n’a été trouvé.</translation>
+    </message>
+    <message>
+        <source>No program was found that opens “%1”.</source>
+        <translation>Aucun programme permettant d’ouvrir «&#xa0;%1&#xa0;» n’a été trouvé.</translation>
+    </message>
+    <message>
+        <source>The recording was stopped</source>
+        <translation>L’enregistrement a été arrêté</translation>
+    </message>
+    <message>
+        <source>The audio could not be written to the temporary file. %1
+
+Everything recorded before is kept.</source>
+        <translation>Le son n’a pas pu être écrit dans le fichier temporaire. %1
+
+Tout ce qui a été enregistré auparavant est conservé.</translation>
+    </message>
+    <message>
+        <source>The file could not be loaded whole</source>
+        <translation>Le fichier n’a pas pu être chargé en entier</translation>
+    </message>
+    <message>
+        <source>The audio could not be written to the temporary file. %1
+
+%2</source>
+        <translation>Le son n’a pas pu être écrit dans le fichier temporaire. %1
+
+%2</translation>
+    </message>
+    <message>
+        <source>Nothing was imported.</source>
+        <translation>Rien n’a été importé.</translation>
+    </message>
+    <message>
+        <source>Everything loaded before is kept.</source>
+        <translation>Tout ce qui a été chargé auparavant est conservé.</translation>
+    </message>
+    <message>
+        <source>The recording is too long for a file of the type %1. Choose another type.</source>
+        <translation>L’enregistrement est trop long pour un fichier de type %1. Choisissez un autre type.</translation>
+    </message>
+    <message>
+        <source>An AAC file cannot be empty. Record something first.</source>
+        <translation>Un fichier AAC ne peut pas être vide. Enregistrez d’abord quelque chose.</translation>
+    </message>
+    <message>
+        <source>%1 seconds of the recording could not be read; they are silent in the file.</source>
+        <translation>Une partie de l’enregistrement (%1&#xa0;s) n’a pas pu être lue&#xa0;; elle est silencieuse dans le fichier.</translation>
+    </message>
+    <message>
+        <source>The file was saved but could not be opened</source>
+        <translation>Le fichier a été enregistré, mais n’a pas pu être ouvert</translation>
+    </message>
+    <message>
+        <source>“%1” could not be saved</source>
+        <translation>«&#xa0;%1&#xa0;» n’a pas pu être enregistré</translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <translation>«&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>You do not have the permission for it.</source>
+        <translation>Vous n’en avez pas l’autorisation.</translation>
+    </message>
+    <message>
+        <source>The disk is full.</source>
+        <translation>Le disque est plein.</translation>
+    </message>
+    <message>
+        <source>You have used up your share of the disk.</source>
+        <translation>Votre quota d’espace disque est épuisé.</translation>
+    </message>
+    <message>
+        <source>The file would become larger than the disk allows.</source>
+        <translation>Le fichier dépasserait la taille autorisée par le disque.</translation>
+    </message>
+    <message>
+        <source>The disk can only be read.</source>
+        <translation>Le disque est en lecture seule.</translation>
+    </message>
+    <message>
+        <source>The folder or the file is not there any more.</source>
+        <translation>Le dossier ou le fichier n’existe plus.</translation>
+    </message>
+    <message>
+        <source>There is a folder of this name.</source>
+        <translation>Un dossier porte déjà ce nom.</translation>
+    </message>
+    <message>
+        <source>It is not an ordinary file.</source>
+        <translation>Ce n’est pas un fichier ordinaire.</translation>
+    </message>
+    <message>
+        <source>The disk could not be read or written.</source>
+        <translation>Le disque n’a pas pu être lu ou écrit.</translation>
+    </message>
+    <message>
+        <source>The disk has been removed.</source>
+        <translation>Le disque a été retiré.</translation>
+    </message>
+    <message>
+        <source>The name is too long.</source>
+        <translation>Le nom est trop long.</translation>
+    </message>
+    <message>
+        <source>The name is a link that leads back to itself.</source>
+        <translation>Le nom est un lien qui renvoie à lui-même.</translation>
+    </message>
+    <message>
+        <source>Too many files are open.</source>
+        <translation>Trop de fichiers sont ouverts.</translation>
+    </message>
+    <message>
+        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
+        <translation>%1 n’existe plus. Le fichier a peut-être été déplacé, renommé ou supprimé.</translation>
+    </message>
+    <message>
+        <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
+        <translation>Vous n’êtes pas autorisé à lire %1. Adressez-vous à son propriétaire ou modifiez ses droits d’accès.</translation>
+    </message>
+    <message>
+        <source>%1 is a folder. Choose a sound file inside it.</source>
+        <translation>%1 est un dossier. Choisissez un fichier audio qu’il contient.</translation>
+    </message>
+    <message>
+        <source>%1 is not an ordinary file, but a device or a connection to another program.</source>
+        <translation>%1 n’est pas un fichier ordinaire, mais un périphérique ou une connexion à un autre programme.</translation>
+    </message>
+    <message>
+        <source>%1 is empty.</source>
+        <translation>%1 est vide.</translation>
+    </message>
+    <message>
+        <source>The name or the path of %1 is too long.</source>
+        <translation>Le nom ou le chemin de %1 est trop long.</translation>
+    </message>
+    <message>
+        <source>There is no sound in %1.</source>
+        <translation>%1 ne contient pas de son.</translation>
+    </message>
+    <message>
+        <source>The sound in %1 is encoded in a way that cannot be read. Up to 8 channels and rates from 1,000 to 768,000 Hz can be.</source>
+        <translation>Le codage du son de %1 ne peut pas être lu. Sont acceptés jusqu’à 8 canaux et des fréquences d’échantillonnage de 1&#xa0;000 à 768&#xa0;000&#xa0;Hz.</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 is stored reported an error.</source>
+        <translation>Le support sur lequel %1 est enregistré a signalé une erreur.</translation>
+    </message>
+    <message>
+        <source>%1 could not be opened, because too many files are open. Close some windows first.</source>
+        <translation>%1 n’a pas pu être ouvert, car trop de fichiers sont ouverts. Fermez d’abord quelques fenêtres.</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to read %1.</source>
+        <translation>La mémoire ne suffit pas pour lire %1.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <translation>%1 ne peut pas être lu&#xa0;: les bibliothèques de FFmpeg sont absentes de cet ordinateur.</translation>
+    </message>
+    <message>
+        <source>%1 is not a sound file that can be read, or it is damaged.</source>
+        <translation>%1 n’est pas un fichier audio lisible, ou il est endommagé.</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 is stored reported an error. What could be read before it is kept.</source>
+        <translation>Le support sur lequel %1 est enregistré a signalé une erreur. Ce qui a pu être lu auparavant est conservé.</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to read all of %1. What could be read is kept.</source>
+        <translation>La mémoire ne suffit pas pour lire %1 en entier. Ce qui a pu être lu est conservé.</translation>
+    </message>
+    <message>
+        <source>From some place on the sound in %1 is encoded in a way that cannot be read. What came before it is kept.</source>
+        <translation>À partir d’un certain endroit, le codage du son de %1 ne peut pas être lu. Ce qui précède est conservé.</translation>
+    </message>
+    <message>
+        <source>%1 can no longer be read. What could be read of it is kept.</source>
+        <translation>%1 ne peut plus être lu. Ce qui a pu en être lu est conservé.</translation>
+    </message>
+    <message>
+        <source>%1 is damaged or was cut off. What could be read of it is kept.</source>
+        <translation>%1 est endommagé ou tronqué. Ce qui a pu en être lu est conservé.</translation>
+    </message>
+    <message>
+        <source>The folder in which %1 was to be written is not there. Choose another one.</source>
+        <translation>Le dossier dans lequel %1 devait être écrit n’existe pas. Choisissez-en un autre.</translation>
+    </message>
+    <message>
+        <source>You are not allowed to write %1. Choose another folder, or change the permissions.</source>
+        <translation>Vous n’êtes pas autorisé à écrire %1. Choisissez un autre dossier ou modifiez les droits d’accès.</translation>
+    </message>
+    <message>
+        <source>%1 is a folder. Choose another name.</source>
+        <translation>%1 est un dossier. Choisissez un autre nom.</translation>
+    </message>
+    <message>
+        <source>%1 is not an ordinary file. Choose another name.</source>
+        <translation>%1 n’est pas un fichier ordinaire. Choisissez un autre nom.</translation>
+    </message>
+    <message>
+        <source>The name or the path of %1 is too long. Choose a shorter one.</source>
+        <translation>Le nom ou le chemin de %1 est trop long. Choisissez-en un plus court.</translation>
+    </message>
+    <message>
+        <source>There is not enough room to write %1. Make room, or choose another disk.</source>
+        <translation>L’espace disponible ne suffit pas pour écrire %1. Libérez de l’espace ou choisissez un autre disque.</translation>
+    </message>
+    <message>
+        <source>%1 would be larger than a file of its kind or on this disk may be. Choose another kind of file or another disk.</source>
+        <translation>%1 dépasserait la taille permise pour un fichier de ce type ou sur ce disque. Choisissez un autre type de fichier ou un autre disque.</translation>
+    </message>
+    <message>
+        <source>%1 could not be written, because too many files are open. Close some windows first.</source>
+        <translation>%1 n’a pas pu être écrit, car trop de fichiers sont ouverts. Fermez d’abord quelques fenêtres.</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to write %1.</source>
+        <translation>La mémoire ne suffit pas pour écrire %1.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <translation>%1 ne peut pas être écrit&#xa0;: les bibliothèques de FFmpeg sont absentes de cet ordinateur.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written as a file of this kind.</source>
+        <translation>%1 ne peut pas être écrit comme fichier de ce type.</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 was to be written reported an error. It may have been removed.</source>
+        <translation>Le support sur lequel %1 devait être écrit a signalé une erreur. Il a peut-être été retiré.</translation>
+    </message>
+    <message>
+        <source>File Format Error</source>
+        <translation>Erreur de format de fichier</translation>
+    </message>
+    <message>
+        <source>The file is of an unsupported format.</source>
+        <translation>Le format du fichier n’est pas pris en charge.</translation>
+    </message>
+    <message>
+        <source>Core Audio Error</source>
+        <translation>Erreur Core Audio</translation>
+    </message>
+    <message>
+        <source>Core Audio returned the error: %s (%s)</source>
+        <translation>Core Audio a renvoyé l’erreur&#xa0;: %s (%s)</translation>
+    </message>
+    <message>
+        <source>No sound input could be opened. Connect a microphone or another input, check that sound works on this computer, then press Record again. Everything recorded so far is kept.</source>
+        <translation>Aucune entrée audio n’a pu être ouverte. Branchez un microphone ou une autre entrée, vérifiez que le son fonctionne sur cet ordinateur, puis cliquez de nouveau sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>L’entrée audio a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. L’enregistrement est terminé. Rebranchez l’entrée, puis cliquez sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>
+        <translation>Aucune sortie audio n’a pu être ouverte. Branchez des haut-parleurs ou un casque, vérifiez que le son fonctionne sur cet ordinateur, puis cliquez de nouveau sur «&#xa0;Lecture&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>The sound output has gone: it was unplugged, or the sound system stopped. Playback has ended. Connect the output again, then press Play. Everything recorded so far is kept.</source>
+        <translation>La sortie audio a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. La lecture est terminée. Rebranchez la sortie, puis cliquez sur «&#xa0;Lecture&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>no queue on record!</source>
+        <translation>Aucune file d’attente pour l’enregistrement&#xa0;!</translation>
+    </message>
+    <message>
+        <source>this shouldn't happen. contact </source>
+        <translation>Cela ne devrait pas se produire. Contactez </translation>
+    </message>
+</context>
+</TS>

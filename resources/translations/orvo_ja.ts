@@ -1,0 +1,563 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ja" sourcelanguage="en">
+<context>
+    <name>Orvo</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>ファイル(&amp;F)</translation>
+    </message>
+    <message>
+        <source>New Recorder</source>
+        <translation>新規レコーダー</translation>
+    </message>
+    <message>
+        <source>Open…</source>
+        <translation>開く…</translation>
+    </message>
+    <message>
+        <source>Open Recent</source>
+        <translation>最近使ったファイル</translation>
+    </message>
+    <message>
+        <source>Import…</source>
+        <translation>インポート…</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
+    </message>
+    <message>
+        <source>Save As…</source>
+        <translation>名前を付けて保存…</translation>
+    </message>
+    <message>
+        <source>Export Ringtone…</source>
+        <translation>着信音をエクスポート…</translation>
+    </message>
+    <message>
+        <source>Export Waveform Picture…</source>
+        <translation>波形の画像をエクスポート…</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>閉じる</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>終了</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>編集(&amp;E)</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>元に戻す</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>やり直す</translation>
+    </message>
+    <message>
+        <source>Undo %1</source>
+        <translation>元に戻す: %1</translation>
+    </message>
+    <message>
+        <source>Redo %1</source>
+        <translation>やり直す: %1</translation>
+    </message>
+    <message>
+        <source>Remove After Marker</source>
+        <translation>マーカーより後を削除</translation>
+    </message>
+    <message>
+        <source>Remove Before Marker</source>
+        <translation>マーカーより前を削除</translation>
+    </message>
+    <message>
+        <source>Reverse Audio</source>
+        <translation>オーディオを前後反転</translation>
+    </message>
+    <message>
+        <source>&amp;Transport</source>
+        <translation>トランスポート(&amp;T)</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>録音</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>再生</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>一時停止</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>To Start</source>
+        <translation>先頭へ</translation>
+    </message>
+    <message>
+        <source>To End</source>
+        <translation>末尾へ</translation>
+    </message>
+    <message>
+        <source>R</source>
+        <translation>R</translation>
+    </message>
+    <message>
+        <source>Space</source>
+        <translation>スペース</translation>
+    </message>
+    <message>
+        <source>Return</source>
+        <translation>Return</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>表示(&amp;V)</translation>
+    </message>
+    <message>
+        <source>Spectrum</source>
+        <translation>スペクトラム</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>ヘルプ(&amp;H)</translation>
+    </message>
+    <message>
+        <source>Documentation</source>
+        <translation>ドキュメント</translation>
+    </message>
+    <message>
+        <source>Website</source>
+        <translation>ウェブサイト</translation>
+    </message>
+    <message>
+        <source>Diagnostics</source>
+        <translation>診断</translation>
+    </message>
+    <message>
+        <source>About Orvo</source>
+        <translation>Orvo について</translation>
+    </message>
+    <message>
+        <source>Orvo</source>
+        <translation>Orvo</translation>
+    </message>
+    <message>
+        <source>Unnamed</source>
+        <translation>名称未設定</translation>
+    </message>
+    <message>
+        <source>Orvo Diagnostics</source>
+        <translation>Orvo の診断</translation>
+    </message>
+    <message>
+        <source>Orvo %1
+
+An audio recorder and simple editor.</source>
+        <translation>Orvo %1
+
+オーディオレコーダー兼シンプルなエディターです。</translation>
+    </message>
+    <message>
+        <source>https://orvo.example/help/</source>
+        <translation>https://orvo.example/help/</translation>
+    </message>
+    <message>
+        <source>https://orvo.example/</source>
+        <translation>https://orvo.example/</translation>
+    </message>
+    <message>
+        <source>Waveform</source>
+        <translation>波形</translation>
+    </message>
+    <message>
+        <source>Playback marker</source>
+        <translation>再生マーカー</translation>
+    </message>
+    <message>
+        <source>Level meter</source>
+        <translation>レベルメーター</translation>
+    </message>
+    <message>
+        <source>Position and length</source>
+        <translation>位置と長さ</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>進行状況</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>Don't Save</source>
+        <translation>保存しない</translation>
+    </message>
+    <message>
+        <source>Do you want to save the changes made to “%1”?</source>
+        <translation>「%1」への変更を保存しますか？</translation>
+    </message>
+    <message>
+        <source>Your changes will be lost if you don't save them.</source>
+        <translation>保存しないと、変更内容は失われます。</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>開く</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>インポート</translation>
+    </message>
+    <message>
+        <source>Import File</source>
+        <translation>ファイルのインポート</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>名前を付けて保存</translation>
+    </message>
+    <message>
+        <source>Save in:</source>
+        <translation>保存先:</translation>
+    </message>
+    <message>
+        <source>File &amp;type:</source>
+        <translation>ファイルの種類(&amp;T):</translation>
+    </message>
+    <message>
+        <source>File type</source>
+        <translation>ファイルの種類</translation>
+    </message>
+    <message>
+        <source>Audio Files</source>
+        <translation>オーディオファイル</translation>
+    </message>
+    <message>
+        <source>All Files</source>
+        <translation>すべてのファイル</translation>
+    </message>
+    <message>
+        <source>WAV</source>
+        <translation>WAV</translation>
+    </message>
+    <message>
+        <source>AIFF</source>
+        <translation>AIFF</translation>
+    </message>
+    <message>
+        <source>CAF</source>
+        <translation>CAF</translation>
+    </message>
+    <message>
+        <source>AAC</source>
+        <translation>AAC</translation>
+    </message>
+    <message>
+        <source>Export Ringtone</source>
+        <translation>着信音をエクスポート</translation>
+    </message>
+    <message>
+        <source>A ringtone begins at the marker, or at the start when the marker is at the end, and lasts at most %1 seconds.</source>
+        <translation>着信音はマーカーの位置（マーカーが末尾にあるときは先頭）から始まり、長さは最大 %1 秒です。</translation>
+    </message>
+    <message>
+        <source>Export Waveform Picture</source>
+        <translation>波形の画像をエクスポート</translation>
+    </message>
+    <message>
+        <source>The page could not be opened</source>
+        <translation>ページを開けませんでした</translation>
+    </message>
+    <message>
+        <source>No program was found that opens %1.</source>
+        <translation>%1 を開くプログラムが見つかりませんでした。</translation>
+    </message>
+    <message>
+        <source>No program was found that opens “%1”.</source>
+        <translation>「%1」を開くプログラムが見つかりませんでした。</translation>
+    </message>
+    <message>
+        <source>The recording was stopped</source>
+        <translation>録音が停止されました</translation>
+    </message>
+    <message>
+        <source>The audio could not be written to the temporary file. %1
+
+Everything recorded before is kept.</source>
+        <translation>オーディオを一時ファイルに書き込めませんでした。%1
+
+それまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The file could not be loaded whole</source>
+        <translation>ファイル全体を読み込めませんでした</translation>
+    </message>
+    <message>
+        <source>The audio could not be written to the temporary file. %1
+
+%2</source>
+        <translation>オーディオを一時ファイルに書き込めませんでした。%1
+
+%2</translation>
+    </message>
+    <message>
+        <source>Nothing was imported.</source>
+        <translation>何もインポートされませんでした。</translation>
+    </message>
+    <message>
+        <source>Everything loaded before is kept.</source>
+        <translation>それまでに読み込んだ内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The recording is too long for a file of the type %1. Choose another type.</source>
+        <translation>録音が長すぎるため、%1 形式のファイルには保存できません。別の種類を選んでください。</translation>
+    </message>
+    <message>
+        <source>An AAC file cannot be empty. Record something first.</source>
+        <translation>AAC ファイルを空にすることはできません。まず何か録音してください。</translation>
+    </message>
+    <message>
+        <source>%1 seconds of the recording could not be read; they are silent in the file.</source>
+        <translation>録音のうち %1 秒分を読み取れませんでした。その部分はファイル内で無音になっています。</translation>
+    </message>
+    <message>
+        <source>The file was saved but could not be opened</source>
+        <translation>ファイルは保存されましたが、開けませんでした</translation>
+    </message>
+    <message>
+        <source>“%1” could not be saved</source>
+        <translation>「%1」を保存できませんでした</translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <translation>「%1」</translation>
+    </message>
+    <message>
+        <source>You do not have the permission for it.</source>
+        <translation>必要な権限がありません。</translation>
+    </message>
+    <message>
+        <source>The disk is full.</source>
+        <translation>ディスクがいっぱいです。</translation>
+    </message>
+    <message>
+        <source>You have used up your share of the disk.</source>
+        <translation>ディスクの割り当て容量を使い切りました。</translation>
+    </message>
+    <message>
+        <source>The file would become larger than the disk allows.</source>
+        <translation>ファイルがディスクで許されるサイズを超えてしまいます。</translation>
+    </message>
+    <message>
+        <source>The disk can only be read.</source>
+        <translation>ディスクは読み取り専用です。</translation>
+    </message>
+    <message>
+        <source>The folder or the file is not there any more.</source>
+        <translation>フォルダーまたはファイルがなくなっています。</translation>
+    </message>
+    <message>
+        <source>There is a folder of this name.</source>
+        <translation>同じ名前のフォルダーがあります。</translation>
+    </message>
+    <message>
+        <source>It is not an ordinary file.</source>
+        <translation>通常のファイルではありません。</translation>
+    </message>
+    <message>
+        <source>The disk could not be read or written.</source>
+        <translation>ディスクの読み書きができませんでした。</translation>
+    </message>
+    <message>
+        <source>The disk has been removed.</source>
+        <translation>ディスクが取り外されました。</translation>
+    </message>
+    <message>
+        <source>The name is too long.</source>
+        <translation>名前が長すぎます。</translation>
+    </message>
+    <message>
+        <source>The name is a link that leads back to itself.</source>
+        <translation>名前が、自分自身を指すリンクになっています。</translation>
+    </message>
+    <message>
+        <source>Too many files are open.</source>
+        <translation>開いているファイルが多すぎます。</translation>
+    </message>
+    <message>
+        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
+        <translation>%1 はなくなっています。移動、名前の変更、または削除された可能性があります。</translation>
+    </message>
+    <message>
+        <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
+        <translation>%1 を読み取る権限がありません。所有者に問い合わせるか、アクセス権を変更してください。</translation>
+    </message>
+    <message>
+        <source>%1 is a folder. Choose a sound file inside it.</source>
+        <translation>%1 はフォルダーです。その中のオーディオファイルを選んでください。</translation>
+    </message>
+    <message>
+        <source>%1 is not an ordinary file, but a device or a connection to another program.</source>
+        <translation>%1 は通常のファイルではなく、デバイスまたは別のプログラムへの接続です。</translation>
+    </message>
+    <message>
+        <source>%1 is empty.</source>
+        <translation>%1 は空です。</translation>
+    </message>
+    <message>
+        <source>The name or the path of %1 is too long.</source>
+        <translation>%1 の名前またはパスが長すぎます。</translation>
+    </message>
+    <message>
+        <source>There is no sound in %1.</source>
+        <translation>%1 には音声が含まれていません。</translation>
+    </message>
+    <message>
+        <source>The sound in %1 is encoded in a way that cannot be read. Up to 8 channels and rates from 1,000 to 768,000 Hz can be.</source>
+        <translation>%1 の音声は、読み取れない形式でエンコードされています。対応しているのは 8 チャンネルまで、サンプリング周波数 1,000～768,000 Hz です。</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 is stored reported an error.</source>
+        <translation>%1 が保存されているメディアでエラーが発生しました。</translation>
+    </message>
+    <message>
+        <source>%1 could not be opened, because too many files are open. Close some windows first.</source>
+        <translation>開いているファイルが多すぎるため、%1 を開けませんでした。先にいくつかのウィンドウを閉じてください。</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to read %1.</source>
+        <translation>メモリが足りないため、%1 を読み取れませんでした。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <translation>%1 を読み取れません。このコンピューターに FFmpeg のライブラリがありません。</translation>
+    </message>
+    <message>
+        <source>%1 is not a sound file that can be read, or it is damaged.</source>
+        <translation>%1 は読み取れるオーディオファイルではないか、壊れています。</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 is stored reported an error. What could be read before it is kept.</source>
+        <translation>%1 が保存されているメディアでエラーが発生しました。それまでに読み取れた部分は残っています。</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to read all of %1. What could be read is kept.</source>
+        <translation>メモリが足りないため、%1 全体を読み取れませんでした。読み取れた部分は残っています。</translation>
+    </message>
+    <message>
+        <source>From some place on the sound in %1 is encoded in a way that cannot be read. What came before it is kept.</source>
+        <translation>%1 の音声は、途中から読み取れない形式でエンコードされています。それより前の部分は残っています。</translation>
+    </message>
+    <message>
+        <source>%1 can no longer be read. What could be read of it is kept.</source>
+        <translation>%1 を読み取れなくなりました。読み取れた部分は残っています。</translation>
+    </message>
+    <message>
+        <source>%1 is damaged or was cut off. What could be read of it is kept.</source>
+        <translation>%1 は壊れているか、途中で切れています。読み取れた部分は残っています。</translation>
+    </message>
+    <message>
+        <source>The folder in which %1 was to be written is not there. Choose another one.</source>
+        <translation>%1 の書き込み先のフォルダーがありません。別のフォルダーを選んでください。</translation>
+    </message>
+    <message>
+        <source>You are not allowed to write %1. Choose another folder, or change the permissions.</source>
+        <translation>%1 を書き込む権限がありません。別のフォルダーを選ぶか、アクセス権を変更してください。</translation>
+    </message>
+    <message>
+        <source>%1 is a folder. Choose another name.</source>
+        <translation>%1 はフォルダーです。別の名前を選んでください。</translation>
+    </message>
+    <message>
+        <source>%1 is not an ordinary file. Choose another name.</source>
+        <translation>%1 は通常のファイルではありません。別の名前を選んでください。</translation>
+    </message>
+    <message>
+        <source>The name or the path of %1 is too long. Choose a shorter one.</source>
+        <translation>%1 の名前またはパスが長すぎます。もっと短いものにしてください。</translation>
+    </message>
+    <message>
+        <source>There is not enough room to write %1. Make room, or choose another disk.</source>
+        <translation>%1 を書き込むための空き容量が足りません。空き容量を増やすか、別のディスクを選んでください。</translation>
+    </message>
+    <message>
+        <source>%1 would be larger than a file of its kind or on this disk may be. Choose another kind of file or another disk.</source>
+        <translation>%1 は、この種類のファイルまたはこのディスクで許されるサイズを超えてしまいます。別の種類のファイルか別のディスクを選んでください。</translation>
+    </message>
+    <message>
+        <source>%1 could not be written, because too many files are open. Close some windows first.</source>
+        <translation>開いているファイルが多すぎるため、%1 を書き込めませんでした。先にいくつかのウィンドウを閉じてください。</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to write %1.</source>
+        <translation>メモリが足りないため、%1 を書き込めませんでした。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <translation>%1 を書き込めません。このコンピューターに FFmpeg のライブラリがありません。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written as a file of this kind.</source>
+        <translation>%1 はこの種類のファイルとしては書き込めません。</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 was to be written reported an error. It may have been removed.</source>
+        <translation>%1 の書き込み先のメディアでエラーが発生しました。取り外された可能性があります。</translation>
+    </message>
+    <message>
+        <source>File Format Error</source>
+        <translation>ファイル形式のエラー</translation>
+    </message>
+    <message>
+        <source>The file is of an unsupported format.</source>
+        <translation>このファイル形式には対応していません。</translation>
+    </message>
+    <message>
+        <source>Core Audio Error</source>
+        <translation>Core Audio エラー</translation>
+    </message>
+    <message>
+        <source>Core Audio returned the error: %s (%s)</source>
+        <translation>Core Audio からエラーが返されました: %s (%s)</translation>
+    </message>
+    <message>
+        <source>No sound input could be opened. Connect a microphone or another input, check that sound works on this computer, then press Record again. Everything recorded so far is kept.</source>
+        <translation>サウンド入力を開けませんでした。マイクなどの入力を接続し、このコンピューターでサウンドが使えることを確かめてから、もう一度「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>サウンド入力がなくなりました。取り外されたか、サウンドシステムが停止しました。録音は終了しました。入力を接続し直してから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>
+        <translation>サウンド出力を開けませんでした。スピーカーまたはヘッドホンを接続し、このコンピューターでサウンドが使えることを確かめてから、もう一度「再生」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The sound output has gone: it was unplugged, or the sound system stopped. Playback has ended. Connect the output again, then press Play. Everything recorded so far is kept.</source>
+        <translation>サウンド出力がなくなりました。取り外されたか、サウンドシステムが停止しました。再生は終了しました。出力を接続し直してから「再生」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>no queue on record!</source>
+        <translation>録音用のキューがありません！</translation>
+    </message>
+    <message>
+        <source>this shouldn't happen. contact </source>
+        <translation>これは起こらないはずのエラーです。連絡先: </translation>
+    </message>
+</context>
+</TS>

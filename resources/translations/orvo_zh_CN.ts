@@ -1,0 +1,563 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="zh_CN" sourcelanguage="en">
+<context>
+    <name>Orvo</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>文件(&amp;F)</translation>
+    </message>
+    <message>
+        <source>New Recorder</source>
+        <translation>新建录音机</translation>
+    </message>
+    <message>
+        <source>Open…</source>
+        <translation>打开…</translation>
+    </message>
+    <message>
+        <source>Open Recent</source>
+        <translation>最近打开的文件</translation>
+    </message>
+    <message>
+        <source>Import…</source>
+        <translation>导入…</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
+    </message>
+    <message>
+        <source>Save As…</source>
+        <translation>另存为…</translation>
+    </message>
+    <message>
+        <source>Export Ringtone…</source>
+        <translation>导出铃声…</translation>
+    </message>
+    <message>
+        <source>Export Waveform Picture…</source>
+        <translation>导出波形图片…</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>退出</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>编辑(&amp;E)</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>撤销</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>重做</translation>
+    </message>
+    <message>
+        <source>Undo %1</source>
+        <translation>撤销：%1</translation>
+    </message>
+    <message>
+        <source>Redo %1</source>
+        <translation>重做：%1</translation>
+    </message>
+    <message>
+        <source>Remove After Marker</source>
+        <translation>删除标记之后的内容</translation>
+    </message>
+    <message>
+        <source>Remove Before Marker</source>
+        <translation>删除标记之前的内容</translation>
+    </message>
+    <message>
+        <source>Reverse Audio</source>
+        <translation>反转音频</translation>
+    </message>
+    <message>
+        <source>&amp;Transport</source>
+        <translation>走带(&amp;T)</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>录音</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>播放</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>暂停</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>To Start</source>
+        <translation>转到开头</translation>
+    </message>
+    <message>
+        <source>To End</source>
+        <translation>转到末尾</translation>
+    </message>
+    <message>
+        <source>R</source>
+        <translation>R</translation>
+    </message>
+    <message>
+        <source>Space</source>
+        <translation>空格</translation>
+    </message>
+    <message>
+        <source>Return</source>
+        <translation>回车</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>视图(&amp;V)</translation>
+    </message>
+    <message>
+        <source>Spectrum</source>
+        <translation>频谱</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>帮助(&amp;H)</translation>
+    </message>
+    <message>
+        <source>Documentation</source>
+        <translation>文档</translation>
+    </message>
+    <message>
+        <source>Website</source>
+        <translation>网站</translation>
+    </message>
+    <message>
+        <source>Diagnostics</source>
+        <translation>诊断</translation>
+    </message>
+    <message>
+        <source>About Orvo</source>
+        <translation>关于 Orvo</translation>
+    </message>
+    <message>
+        <source>Orvo</source>
+        <translation>Orvo</translation>
+    </message>
+    <message>
+        <source>Unnamed</source>
+        <translation>未命名</translation>
+    </message>
+    <message>
+        <source>Orvo Diagnostics</source>
+        <translation>Orvo 诊断</translation>
+    </message>
+    <message>
+        <source>Orvo %1
+
+An audio recorder and simple editor.</source>
+        <translation>Orvo %1
+
+录音与简易音频编辑软件。</translation>
+    </message>
+    <message>
+        <source>https://orvo.example/help/</source>
+        <translation>https://orvo.example/help/</translation>
+    </message>
+    <message>
+        <source>https://orvo.example/</source>
+        <translation>https://orvo.example/</translation>
+    </message>
+    <message>
+        <source>Waveform</source>
+        <translation>波形</translation>
+    </message>
+    <message>
+        <source>Playback marker</source>
+        <translation>播放标记</translation>
+    </message>
+    <message>
+        <source>Level meter</source>
+        <translation>电平表</translation>
+    </message>
+    <message>
+        <source>Position and length</source>
+        <translation>位置和长度</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>进度</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Don't Save</source>
+        <translation>不保存</translation>
+    </message>
+    <message>
+        <source>Do you want to save the changes made to “%1”?</source>
+        <translation>要保存对“%1”所做的更改吗？</translation>
+    </message>
+    <message>
+        <source>Your changes will be lost if you don't save them.</source>
+        <translation>如果不保存，您的更改将会丢失。</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>打开</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>导入</translation>
+    </message>
+    <message>
+        <source>Import File</source>
+        <translation>导入文件</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Save in:</source>
+        <translation>保存位置：</translation>
+    </message>
+    <message>
+        <source>File &amp;type:</source>
+        <translation>文件类型(&amp;T)：</translation>
+    </message>
+    <message>
+        <source>File type</source>
+        <translation>文件类型</translation>
+    </message>
+    <message>
+        <source>Audio Files</source>
+        <translation>音频文件</translation>
+    </message>
+    <message>
+        <source>All Files</source>
+        <translation>所有文件</translation>
+    </message>
+    <message>
+        <source>WAV</source>
+        <translation>WAV</translation>
+    </message>
+    <message>
+        <source>AIFF</source>
+        <translation>AIFF</translation>
+    </message>
+    <message>
+        <source>CAF</source>
+        <translation>CAF</translation>
+    </message>
+    <message>
+        <source>AAC</source>
+        <translation>AAC</translation>
+    </message>
+    <message>
+        <source>Export Ringtone</source>
+        <translation>导出铃声</translation>
+    </message>
+    <message>
+        <source>A ringtone begins at the marker, or at the start when the marker is at the end, and lasts at most %1 seconds.</source>
+        <translation>铃声从标记处开始（标记位于末尾时从头开始），最长 %1 秒。</translation>
+    </message>
+    <message>
+        <source>Export Waveform Picture</source>
+        <translation>导出波形图片</translation>
+    </message>
+    <message>
+        <source>The page could not be opened</source>
+        <translation>无法打开网页</translation>
+    </message>
+    <message>
+        <source>No program was found that opens %1.</source>
+        <translation>未找到可打开 %1 的程序。</translation>
+    </message>
+    <message>
+        <source>No program was found that opens “%1”.</source>
+        <translation>未找到可打开“%1”的程序。</translation>
+    </message>
+    <message>
+        <source>The recording was stopped</source>
+        <translation>录音已停止</translation>
+    </message>
+    <message>
+        <source>The audio could not be written to the temporary file. %1
+
+Everything recorded before is kept.</source>
+        <translation>无法将音频写入临时文件。%1
+
+此前录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The file could not be loaded whole</source>
+        <translation>无法完整载入文件</translation>
+    </message>
+    <message>
+        <source>The audio could not be written to the temporary file. %1
+
+%2</source>
+        <translation>无法将音频写入临时文件。%1
+
+%2</translation>
+    </message>
+    <message>
+        <source>Nothing was imported.</source>
+        <translation>未导入任何内容。</translation>
+    </message>
+    <message>
+        <source>Everything loaded before is kept.</source>
+        <translation>此前载入的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The recording is too long for a file of the type %1. Choose another type.</source>
+        <translation>录音过长，无法存为 %1 类型的文件。请选择其他类型。</translation>
+    </message>
+    <message>
+        <source>An AAC file cannot be empty. Record something first.</source>
+        <translation>AAC 文件不能为空。请先录音。</translation>
+    </message>
+    <message>
+        <source>%1 seconds of the recording could not be read; they are silent in the file.</source>
+        <translation>录音中有 %1 秒无法读取，这部分在文件中为静音。</translation>
+    </message>
+    <message>
+        <source>The file was saved but could not be opened</source>
+        <translation>文件已保存，但无法打开</translation>
+    </message>
+    <message>
+        <source>“%1” could not be saved</source>
+        <translation>无法保存“%1”</translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <translation>“%1”</translation>
+    </message>
+    <message>
+        <source>You do not have the permission for it.</source>
+        <translation>您没有相应的权限。</translation>
+    </message>
+    <message>
+        <source>The disk is full.</source>
+        <translation>磁盘已满。</translation>
+    </message>
+    <message>
+        <source>You have used up your share of the disk.</source>
+        <translation>您的磁盘配额已用完。</translation>
+    </message>
+    <message>
+        <source>The file would become larger than the disk allows.</source>
+        <translation>文件将超出磁盘允许的大小。</translation>
+    </message>
+    <message>
+        <source>The disk can only be read.</source>
+        <translation>磁盘为只读。</translation>
+    </message>
+    <message>
+        <source>The folder or the file is not there any more.</source>
+        <translation>文件夹或文件已不存在。</translation>
+    </message>
+    <message>
+        <source>There is a folder of this name.</source>
+        <translation>存在同名文件夹。</translation>
+    </message>
+    <message>
+        <source>It is not an ordinary file.</source>
+        <translation>它不是普通文件。</translation>
+    </message>
+    <message>
+        <source>The disk could not be read or written.</source>
+        <translation>无法读写磁盘。</translation>
+    </message>
+    <message>
+        <source>The disk has been removed.</source>
+        <translation>磁盘已被移除。</translation>
+    </message>
+    <message>
+        <source>The name is too long.</source>
+        <translation>名称过长。</translation>
+    </message>
+    <message>
+        <source>The name is a link that leads back to itself.</source>
+        <translation>该名称是指向自身的链接。</translation>
+    </message>
+    <message>
+        <source>Too many files are open.</source>
+        <translation>打开的文件过多。</translation>
+    </message>
+    <message>
+        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
+        <translation>%1 已不存在，可能已被移动、重命名或删除。</translation>
+    </message>
+    <message>
+        <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
+        <translation>您无权读取 %1。请联系其所有者或更改其权限。</translation>
+    </message>
+    <message>
+        <source>%1 is a folder. Choose a sound file inside it.</source>
+        <translation>%1 是文件夹。请选择其中的音频文件。</translation>
+    </message>
+    <message>
+        <source>%1 is not an ordinary file, but a device or a connection to another program.</source>
+        <translation>%1 不是普通文件，而是设备或与其他程序的连接。</translation>
+    </message>
+    <message>
+        <source>%1 is empty.</source>
+        <translation>%1 是空文件。</translation>
+    </message>
+    <message>
+        <source>The name or the path of %1 is too long.</source>
+        <translation>%1 的名称或路径过长。</translation>
+    </message>
+    <message>
+        <source>There is no sound in %1.</source>
+        <translation>%1 中没有声音。</translation>
+    </message>
+    <message>
+        <source>The sound in %1 is encoded in a way that cannot be read. Up to 8 channels and rates from 1,000 to 768,000 Hz can be.</source>
+        <translation>%1 中声音的编码方式无法读取。最多支持 8 个声道，采样率为 1,000 至 768,000 Hz。</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 is stored reported an error.</source>
+        <translation>存储 %1 的介质报告了错误。</translation>
+    </message>
+    <message>
+        <source>%1 could not be opened, because too many files are open. Close some windows first.</source>
+        <translation>打开的文件过多，无法打开 %1。请先关闭一些窗口。</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to read %1.</source>
+        <translation>内存不足，无法读取 %1。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <translation>无法读取 %1：这台计算机上缺少 FFmpeg 的库。</translation>
+    </message>
+    <message>
+        <source>%1 is not a sound file that can be read, or it is damaged.</source>
+        <translation>%1 不是可读取的音频文件，或者已损坏。</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 is stored reported an error. What could be read before it is kept.</source>
+        <translation>存储 %1 的介质报告了错误。此前已读取的内容予以保留。</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to read all of %1. What could be read is kept.</source>
+        <translation>内存不足，无法完整读取 %1。已读取的内容予以保留。</translation>
+    </message>
+    <message>
+        <source>From some place on the sound in %1 is encoded in a way that cannot be read. What came before it is kept.</source>
+        <translation>%1 中的声音从某处起以无法读取的方式编码。此前的内容予以保留。</translation>
+    </message>
+    <message>
+        <source>%1 can no longer be read. What could be read of it is kept.</source>
+        <translation>%1 已无法继续读取。已读取的内容予以保留。</translation>
+    </message>
+    <message>
+        <source>%1 is damaged or was cut off. What could be read of it is kept.</source>
+        <translation>%1 已损坏或不完整。已读取的内容予以保留。</translation>
+    </message>
+    <message>
+        <source>The folder in which %1 was to be written is not there. Choose another one.</source>
+        <translation>要写入 %1 的文件夹不存在。请另选一个。</translation>
+    </message>
+    <message>
+        <source>You are not allowed to write %1. Choose another folder, or change the permissions.</source>
+        <translation>您无权写入 %1。请选择其他文件夹或更改权限。</translation>
+    </message>
+    <message>
+        <source>%1 is a folder. Choose another name.</source>
+        <translation>%1 是文件夹。请选择其他名称。</translation>
+    </message>
+    <message>
+        <source>%1 is not an ordinary file. Choose another name.</source>
+        <translation>%1 不是普通文件。请选择其他名称。</translation>
+    </message>
+    <message>
+        <source>The name or the path of %1 is too long. Choose a shorter one.</source>
+        <translation>%1 的名称或路径过长。请使用较短的名称或路径。</translation>
+    </message>
+    <message>
+        <source>There is not enough room to write %1. Make room, or choose another disk.</source>
+        <translation>空间不足，无法写入 %1。请释放空间或选择其他磁盘。</translation>
+    </message>
+    <message>
+        <source>%1 would be larger than a file of its kind or on this disk may be. Choose another kind of file or another disk.</source>
+        <translation>%1 将超出此类文件或此磁盘允许的大小。请选择其他文件类型或其他磁盘。</translation>
+    </message>
+    <message>
+        <source>%1 could not be written, because too many files are open. Close some windows first.</source>
+        <translation>打开的文件过多，无法写入 %1。请先关闭一些窗口。</translation>
+    </message>
+    <message>
+        <source>There was not enough memory to write %1.</source>
+        <translation>内存不足，无法写入 %1。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <translation>无法写入 %1：这台计算机上缺少 FFmpeg 的库。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written as a file of this kind.</source>
+        <translation>%1 无法写为此类文件。</translation>
+    </message>
+    <message>
+        <source>The medium on which %1 was to be written reported an error. It may have been removed.</source>
+        <translation>要写入 %1 的介质报告了错误。它可能已被移除。</translation>
+    </message>
+    <message>
+        <source>File Format Error</source>
+        <translation>文件格式错误</translation>
+    </message>
+    <message>
+        <source>The file is of an unsupported format.</source>
+        <translation>不支持该文件格式。</translation>
+    </message>
+    <message>
+        <source>Core Audio Error</source>
+        <translation>Core Audio 错误</translation>
+    </message>
+    <message>
+        <source>Core Audio returned the error: %s (%s)</source>
+        <translation>Core Audio 返回错误：%s (%s)</translation>
+    </message>
+    <message>
+        <source>No sound input could be opened. Connect a microphone or another input, check that sound works on this computer, then press Record again. Everything recorded so far is kept.</source>
+        <translation>无法打开声音输入。请连接麦克风或其他输入设备，确认这台计算机的声音工作正常，然后再次按“录音”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>声音输入已消失：设备被拔出，或声音系统已停止。录音已结束。请重新连接输入设备，然后按“录音”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>
+        <translation>无法打开声音输出。请连接扬声器或耳机，确认这台计算机的声音工作正常，然后再次按“播放”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The sound output has gone: it was unplugged, or the sound system stopped. Playback has ended. Connect the output again, then press Play. Everything recorded so far is kept.</source>
+        <translation>声音输出已消失：设备被拔出，或声音系统已停止。播放已结束。请重新连接输出设备，然后按“播放”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>no queue on record!</source>
+        <translation>没有录音队列！</translation>
+    </message>
+    <message>
+        <source>this shouldn't happen. contact </source>
+        <translation>这种情况本不应发生。请联系 </translation>
+    </message>
+</context>
+</TS>

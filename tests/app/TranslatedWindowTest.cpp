@@ -1,0 +1,308 @@
+// The window and its panels in every language: what they say, and whether it fits.
+#include <map>
+#include <set>
+
+#include <gmock/gmock.h>
+#include <QAbstractButton>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QRegularExpression>
+#include <QToolButton>
+
+#include "app/AppFixture.h"
+#include "app/OVTranslations.h"
+#include "platform/Localization.h"
+#include "platform/QtPanels.h"
+
+namespace {
+
+using testing::ElementsAreArray;
+
+/// What stands where in a language, written down here a second time.
+struct Expected {
+  const char* title;
+  std::vector<std::string> menus;
+  const char* saveAs;
+  const char* undoRecord;
+  const char* toStart;  ///< with the key that is shown beside it
+  const char* recordButton;
+  const char* waveform;
+  const char* question;  ///< about unsaved changes
+  const char* dontSave;
+};
+
+const std::map<std::string, Expected> kExpected{
+    {"",
+     {"Orvo - Unnamed",
+      {"&File", "&Edit", "&Transport", "&View", "&Help"},
+      "Save As…",
+      "Undo Record",
+      "To Start\tReturn",
+      "Record",
+      "Waveform",
+      "Do you want to save the changes made to “Unnamed”?",
+      "Don't Save"}},
+    {"de",
+     {"Orvo - Unbenannt",
+      {"&Datei", "&Bearbeiten", "&Transport", "&Ansicht", "&Hilfe"},
+      "Speichern unter\u00a0…",
+      "Rückgängig: Aufnahme",
+      "Zum Anfang\tEingabetaste",
+      "Aufnahme",
+      "Wellenform",
+      "Möchten Sie die Änderungen an „Unbenannt“ speichern?",
+      "Nicht speichern"}},
+    {"fr",
+     {"Orvo - Sans titre",
+      {"&Fichier", "É&dition", "&Transport", "Affic&hage", "Aid&e"},
+      "Enregistrer sous…",
+      "Annuler\u00a0: Enregistrement",
+      "Aller au début\tEntrée",
+      "Enregistrement",
+      "Forme d’onde",
+      "Voulez-vous enregistrer les modifications apportées à «\u00a0Sans titre\u00a0»\u00a0?",
+      "Ne pas enregistrer"}},
+    {"es",
+     {"Orvo - Sin título",
+      {"&Archivo", "&Editar", "&Transporte", "&Ver", "A&yuda"},
+      "Guardar como…",
+      "Deshacer: Grabar",
+      "Ir al principio\tIntro",
+      "Grabar",
+      "Forma de onda",
+      "¿Desea guardar los cambios realizados en «Sin título»?",
+      "No guardar"}},
+    {"ja",
+     {"Orvo - 名称未設定",
+      {"ファイル(&F)", "編集(&E)", "トランスポート(&T)", "表示(&V)", "ヘルプ(&H)"},
+      "名前を付けて保存…",
+      "元に戻す: 録音",
+      "先頭へ\tReturn",
+      "録音",
+      "波形",
+      "「名称未設定」への変更を保存しますか？",
+      "保存しない"}},
+    {"zh_CN",
+     {"Orvo - 未命名",
+      {"文件(&F)", "编辑(&E)", "走带(&T)", "视图(&V)", "帮助(&H)"},
+      "另存为…",
+      "撤销：录音",
+      "转到开头\t回车",
+      "录音",
+      "波形",
+      "要保存对“未命名”所做的更改吗？",
+      "不保存"}}};
+
+QString translated(const QString& key) {
+  return QCoreApplication::translate("Orvo", key.toUtf8().constData());
+}
+
+/// The letters that reach something from the keyboard, in capitals.
+QStringList keyLettersOf(const QStringList& texts) {
+  static const QRegularExpression kKeyLetter("(?<!&)&(\\p{L})");
+  QStringList letters;
+  for (const QString& text : texts) {
+    const auto match = kKeyLetter.match(text);
+    if (match.hasMatch()) {
+      letters << match.captured(1).toUpper();
+    }
+  }
+  return letters;
+}
+
+bool areAllDifferent(QStringList letters) {
+  return letters.removeDuplicates() == 0;
+}
+
+QStringList textsOf(const QList<QAction*>& actions) {
+  QStringList texts;
+  for (const QAction* const action : actions) {
+    texts << action->text();
+  }
+  return texts;
+}
+
+/// Whatever shows text has the room that it asks for.
+void expectNothingClipped(const QWidget& dialog) {
+  for (const QAbstractButton* const button : dialog.findChildren<QAbstractButton*>()) {
+    if (button->isVisible() && !button->text().isEmpty()) {
+      EXPECT_GE(button->width(), button->minimumSizeHint().width()) << button->text().toStdString();
+    }
+  }
+  for (const QLabel* const label : dialog.findChildren<QLabel*>()) {
+    if (label->isVisible() && !label->text().isEmpty()) {
+      const int height =
+          label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
+      EXPECT_GE(label->height(), height) << label->text().toStdString();
+      EXPECT_TRUE(label->wordWrap() || label->width() >= label->sizeHint().width())
+          << label->text().toStdString();
+    }
+  }
+}
+
+class TranslatedWindow : public AppDelegateTest, public testing::WithParamInterface<std::string> {
+ protected:
+  TranslatedWindow() : window_(spawn()) {}
+
+  [[nodiscard]] static const Expected& expected() { return kExpected.at(GetParam()); }
+  [[nodiscard]] static QString language() { return QString::fromStdString(GetParam()); }
+
+  [[nodiscard]] std::string nameOf(const char* view) const {
+    return window_->findChild<QWidget*>(view)->accessibleName().toStdString();
+  }
+
+  template <typename Dialog>
+  Dialog* shownDialog(const char* name) {
+    Dialog* dialog = nullptr;
+    EXPECT_TRUE(runMainLoopUntil([&] {
+      dialog = window_->findChild<Dialog*>(name);
+      return dialog != nullptr && dialog->isVisible();
+    }));
+    return dialog;
+  }
+
+  OVTranslations translations_{{language().isEmpty() ? QStringLiteral("en") : language()}};
+  OVRecorderWindow* window_;
+};
+
+TEST_P(TranslatedWindow, TitleMenusAndItemsAreInTheLanguage) {
+  EXPECT_EQ(window_->title().toStdString(), expected().title);
+  std::vector<std::string> menus;
+  for (const QAction* const menu : window_->menuBar()->actions()) {
+    menus.push_back(menu->text().toStdString());
+  }
+  EXPECT_THAT(menus, ElementsAreArray(expected().menus));
+  EXPECT_EQ(item(window_, "Save As…")->text().toStdString(), expected().saveAs);
+  EXPECT_EQ(item(window_, "To Start")->text().toStdString(), expected().toStart);
+}
+
+TEST_P(TranslatedWindow, EveryMenuItemIsTheTranslationOfItsName) {
+  int items = 0;
+  for (const QAction* const menu : window_->menuBar()->actions()) {
+    for (const QAction* const action : menu->menu()->actions()) {
+      const QString name =
+          action->menu() != nullptr ? action->menu()->objectName() : action->objectName();
+      if (!action->isSeparator()) {
+        ++items;
+        EXPECT_EQ(action->text().section('\t', 0, 0), translated(name)) << name.toStdString();
+      }
+    }
+  }
+  EXPECT_EQ(items, 26);
+}
+
+TEST_P(TranslatedWindow, UndoNamesTheAction) {
+  item(window_, "Record")->trigger();
+  item(window_, "Record")->trigger();
+  EXPECT_EQ(item(window_, "Undo")->text().toStdString(), expected().undoRecord);
+}
+
+TEST_P(TranslatedWindow, KeyLettersDoNotClashInAnyMenu) {
+  const QStringList bar = keyLettersOf(textsOf(window_->menuBar()->actions()));
+  EXPECT_EQ(bar.size(), window_->menuBar()->actions().size());
+  EXPECT_TRUE(areAllDifferent(bar)) << bar.join(' ').toStdString();
+  for (const QAction* const menu : window_->menuBar()->actions()) {
+    const QStringList letters = keyLettersOf(textsOf(menu->menu()->actions()));
+    EXPECT_TRUE(areAllDifferent(letters)) << menu->text().toStdString();
+  }
+}
+
+TEST_P(TranslatedWindow, MenusFitIntoTheNarrowestWindow) {
+  window_->resize(window_->minimumSizeHint());
+  ASSERT_TRUE(runMainLoopUntil([&] { return window_->width() <= 580; }));
+  QMenuBar* const bar = window_->menuBar();
+  for (QAction* const menu : bar->actions()) {
+    EXPECT_TRUE(bar->rect().contains(bar->actionGeometry(menu))) << menu->text().toStdString();
+  }
+  for (const QToolButton* const more : bar->findChildren<QToolButton*>()) {
+    EXPECT_FALSE(more->isVisible()) << "some menus are hidden";
+  }
+}
+
+TEST_P(TranslatedWindow, AScreenReaderHearsTheLanguage) {
+  EXPECT_EQ(nameOf("recButton"), expected().recordButton);
+  EXPECT_EQ(window_->findChild<QWidget*>("recButton")->toolTip().toStdString(),
+            expected().recordButton);
+  EXPECT_EQ(nameOf("wfView"), expected().waveform);
+  const std::vector<std::pair<const char*, const char*>> names{
+      {"prevButton", "To Start"},
+      {"stopButton", "Stop"},
+      {"pauseButton", "Pause"},
+      {"playButton", "Play"},
+      {"nextButton", "To End"},
+      {"fftButton", "Spectrum"},
+      {"fftView", "Spectrum"},
+      {"vuView", "Level meter"},
+      {"timeView", "Position and length"},
+      {"loadingIndicator", "Progress"},
+      {"playbackMarkerView", "Playback marker"}};
+  for (const auto& [view, key] : names) {
+    EXPECT_EQ(nameOf(view), translated(key).toStdString()) << view;
+  }
+}
+
+TEST_P(TranslatedWindow, TheQuestionAboutUnsavedChangesIsWholeAndQuotesAsTheLanguageDoes) {
+  platform::QtPanels real;
+  const platform::PanelsInstallation installation(real);
+  window_->setDocumentEdited(true);
+  window_->performClose();
+  auto* const sheet = shownDialog<QMessageBox>("sheet");
+  ASSERT_NE(sheet, nullptr);
+  EXPECT_EQ(sheet->text().toStdString(), expected().question);
+  expectNothingClipped(*sheet);
+  QAbstractButton* dontSave = nullptr;
+  for (QAbstractButton* const button : sheet->buttons()) {
+    if (button->text().toStdString() == expected().dontSave) {
+      dontSave = button;
+    }
+  }
+  ASSERT_NE(dontSave, nullptr);
+  dontSave->click();
+}
+
+TEST_P(TranslatedWindow, TheSavePanelIsWholeAndItsKeyLetterIsItsOwn) {
+  platform::QtPanels real;
+  const platform::PanelsInstallation installation(real);
+  item(window_, "Save As…")->trigger();
+  auto* const panel = shownDialog<QFileDialog>("savePanel");
+  ASSERT_NE(panel, nullptr);
+  EXPECT_EQ(panel->windowTitle(), translated("Save As"));
+  expectNothingClipped(*panel);
+  QStringList texts;
+  for (const QLabel* const label : panel->findChildren<QLabel*>()) {
+    texts << label->text();
+  }
+  for (const QAbstractButton* const button : panel->findChildren<QAbstractButton*>()) {
+    texts << button->text();
+  }
+  ASSERT_TRUE(texts.contains(translated("File &type:")));
+  EXPECT_EQ(keyLettersOf(texts).count("T"), 1);
+  panel->reject();
+}
+
+TEST_P(TranslatedWindow, TheRuleOfRingtonesIsWhole) {
+  platform::QtPanels real;
+  const platform::PanelsInstallation installation(real);
+  item(window_, "Export Ringtone…")->trigger();
+  auto* const panel = shownDialog<QFileDialog>("savePanel");
+  ASSERT_NE(panel, nullptr);
+  expectNothingClipped(*panel);
+  panel->reject();
+}
+
+INSTANTIATE_TEST_SUITE_P(InEveryLanguage, TranslatedWindow,
+                         testing::Values("", "de", "fr", "es", "ja", "zh_CN"),
+                         [](const auto& language) {
+                           return language.param.empty() ? std::string("en") : language.param;
+                         });
+
+TEST(TranslatedWindows, EveryLanguageThatThereIsIsTested) {
+  for (const QString& language : OVTranslations::languages()) {
+    EXPECT_EQ(kExpected.count(language.toStdString()), 1U) << language.toStdString();
+  }
+}
+
+}  // namespace

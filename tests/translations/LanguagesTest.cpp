@@ -1,0 +1,161 @@
+// Every text that a person reads, in every language that there is.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <QDir>
+
+#include "translations/SourceTexts.h"
+#include "translations/TranslationFile.h"
+
+namespace translations {
+namespace {
+
+using testing::Contains;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+const std::filesystem::path kRoot = ORVO_REPOSITORY;
+
+// Told in English on purpose.
+const std::vector<std::string> kEnglishOnly{
+    // An alert that comes from below everything that knows of languages.
+    "couldn't open temp file for writing!", "The file ",
+    " couldn't be opened for writing. This shouldn't happen! Check your permissions.",
+    // The name of a call that failed, in the alert about it.
+    "AudioQueueStart failed",
+    // In a line of the console.
+    "It is longer than "};
+
+bool isEnglishOnly(const std::string& complaint) {
+  return std::any_of(kEnglishOnly.begin(), kEnglishOnly.end(), [&](const std::string& text) {
+    return complaint.ends_with("marked: " + text);
+  });
+}
+
+std::string contentOf(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::vector<std::filesystem::path> sources() {
+  std::vector<std::filesystem::path> paths;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(kRoot / "src")) {
+    const auto extension = entry.path().extension();
+    if (entry.is_regular_file() && (extension == ".cpp" || extension == ".h")) {
+      paths.push_back(entry.path());
+    }
+  }
+  return paths;
+}
+
+std::vector<std::filesystem::path> interfaces() {
+  std::vector<std::filesystem::path> paths;
+  for (const auto& entry : std::filesystem::directory_iterator(kRoot / "resources")) {
+    if (entry.path().extension() == ".ui") {
+      paths.push_back(entry.path());
+    }
+  }
+  return paths;
+}
+
+QString toQt(const std::filesystem::path& path) {
+  return QString::fromStdString(path.string());
+}
+
+std::set<QString> allKeys() {
+  std::set<QString> keys;
+  for (const auto& path : sources()) {
+    for (const std::string& key : textsOfSource(contentOf(path)).keys) {
+      keys.insert(QString::fromStdString(key));
+    }
+  }
+  QStringList ignored;
+  for (const auto& path : interfaces()) {
+    keys.merge(textsOfInterface(toQt(path), ignored));
+  }
+  return keys;
+}
+
+/// The languages that there are, by their files' names.
+QStringList languages() {
+  QStringList names;
+  const QDir folder(toQt(kRoot / "resources" / "translations"));
+  for (const QString& file : folder.entryList({"orvo_*.ts"})) {
+    names << file.mid(5).chopped(3);
+  }
+  return names;
+}
+
+TranslationFile translationsInto(const QString& language) {
+  return readTranslations(
+      toQt(kRoot / "resources" / "translations" / ("orvo_" + language.toStdString() + ".ts")));
+}
+
+TEST(Languages, EveryTextOfTheSourcesIsMarkedForTranslation) {
+  for (const auto& path : sources()) {
+    for (const std::string& complaint : textsOfSource(contentOf(path)).complaints) {
+      EXPECT_TRUE(isEnglishOnly(complaint)) << path << ":" << complaint;
+    }
+  }
+}
+
+TEST(Languages, EveryTextOfTheInterfaceFilesIsTranslated) {
+  EXPECT_THAT(interfaces(), SizeIs(testing::Ge(1)));
+  for (const auto& path : interfaces()) {
+    QStringList complaints;
+    EXPECT_THAT(textsOfInterface(toQt(path), complaints), Contains(QString("Record")));
+    EXPECT_THAT(complaints, IsEmpty()) << path;
+  }
+}
+
+TEST(Languages, TextsOfEveryKindAreKnown) {
+  const auto keys = allKeys();
+  for (const char* key : {"Unnamed", "&File", "Progress", "The disk is full.", "Undo %1",
+                          "Core Audio returned the error: %s (%s)", "Waveform"}) {
+    EXPECT_THAT(keys, Contains(QString(key)));
+  }
+  EXPECT_GT(keys.size(), 120U);
+}
+
+TEST(Languages, GermanFrenchSpanishJapaneseAndSimplifiedChineseAreThere) {
+  for (const char* language : {"de", "fr", "es", "ja", "zh_CN"}) {
+    EXPECT_THAT(languages(), Contains(QString(language)));
+  }
+}
+
+TEST(Languages, EachTranslatesEveryTextAndNoOther) {
+  const auto keys = allKeys();
+  for (const QString& language : languages()) {
+    EXPECT_EQ(translationsInto(language).language, language);
+    EXPECT_EQ(complaintsAboutKeys(translationsInto(language), keys).join("\n").toStdString(), "")
+        << language.toStdString();
+  }
+}
+
+TEST(Languages, EachKeepsPlaceholdersKeyLettersAndItsOwnPunctuation) {
+  for (const QString& language : languages()) {
+    for (const Translation& translation : translationsInto(language).translations) {
+      EXPECT_EQ(complaintsAboutText(translation, language).join("\n").toStdString(), "")
+          << language.toStdString();
+    }
+  }
+}
+
+TEST(Languages, EachIsInTheDesktopEntry) {
+  const std::string entry = contentOf(kRoot / "resources" / "orvo.desktop");
+  for (const QString& language : languages()) {
+    for (const char* key : {"GenericName", "Comment"}) {
+      const std::string line = std::string("\n") + key + "[" + language.toStdString() + "]=";
+      EXPECT_THAT(entry, testing::HasSubstr(line));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace translations
