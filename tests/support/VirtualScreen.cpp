@@ -128,6 +128,10 @@ bool VirtualScreen::keyUp(const std::string& key) const {
   return run({"xdotool", "keyup", key}).status.succeeded();
 }
 
+bool VirtualScreen::type(const std::string& text) const {
+  return run({"xdotool", "type", "--delay", "4", "--", text}).status.succeeded();
+}
+
 bool VirtualScreen::click(const Window& window, int x, int y) const {
   return run({"xdotool", "mousemove", "--window", window, std::to_string(x), std::to_string(y),
               "click", "1"})

@@ -46,6 +46,9 @@ class VirtualScreen {
   [[nodiscard]] bool keyDown(const std::string& key) const;
   [[nodiscard]] bool keyUp(const std::string& key) const;
 
+  /// Types a text into what has the keyboard, letters of any language among them.
+  [[nodiscard]] bool type(const std::string& text) const;
+
   /// Clicks at a point of a window, in pixels from its top left, y downward.
   [[nodiscard]] bool click(const Window& window, int x, int y) const;
 
