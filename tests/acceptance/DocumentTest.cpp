@@ -12,19 +12,49 @@ std::string DocumentTest::document(const std::string& name) const {
   return documents_ + "/" + name;
 }
 
-DocumentTest::Window DocumentTest::panel(const std::string& title) {
+DocumentTest::Window DocumentTest::panel(const std::string& title,
+                                         std::chrono::milliseconds patience) {
   Window found;
-  const bool shown = eventually([&] {
+  const auto shown = [&] {
     for (const Window& window : screen_->windowsOf(orvo_->pid(), title)) {
       found = screen_->titleOf(window) == title ? window : found;
     }
     return !found.empty();
-  });
-  return shown && screen_->activate(found) ? found : Window();
+  };
+  return eventually(shown, patience) && screen_->activate(found) ? found : Window();
 }
 
 DocumentTest::Window DocumentTest::openPanel(const std::string& keys, const std::string& title) {
-  return screen_->pressKey(keys) ? panel(title) : Window();
+  constexpr std::chrono::seconds kAgain{1};  // while a file is loaded or saved the keys do nothing
+  Window found;
+  static_cast<void>(eventually([&] {
+    found = screen_->pressKey(keys) ? panel(title, kAgain) : Window();
+    return !found.empty();
+  }));
+  return found;
+}
+
+void DocumentTest::startWith(const std::vector<std::string>& files, std::size_t frames) {
+  RunningOrvo::Options options;
+  options.files = files;
+  ASSERT_NO_FATAL_FAILURE(startOrvo(options));
+  ASSERT_TRUE(orvo_->waitUntilRecorded(frames)) << orvo_->process().errorOutput();
+  // Then comes the summary, and last the picture of it.
+  ASSERT_TRUE(screen_->screenshotAtRest(orvo_->window(), folder_.file("loaded.png")));
+}
+
+DocumentTest::Window DocumentTest::questionToReplace() {
+  // It has the panel's title.
+  const auto panels = [&] { return screen_->windowsOf(orvo_->pid(), "Save As"); };
+  const bool asked = eventually([&] { return panels().size() == 2; });
+  return asked && screen_->activate(panels().back()) ? panels().back() : Window();
+}
+
+void DocumentTest::replaceExisting() {
+  const Window question = questionToReplace();
+  ASSERT_FALSE(question.empty());
+  ASSERT_TRUE(screen_->pressKey("alt+y"));
+  ASSERT_TRUE(screen_->waitUntilGone(question));
 }
 
 void DocumentTest::chooseFile(const std::string& path) {
@@ -104,6 +134,13 @@ void DocumentTest::expectHolds(const std::string& path, const Samples& samples) 
       std::mismatch(held.begin(), held.end(), expected.begin(), expected.end());
   EXPECT_EQ(difference - held.begin(), static_cast<std::ptrdiff_t>(expected.size()))
       << path << ": the first sample that differs";
+}
+
+int DocumentTest::indexOf(const std::string& path, const std::vector<Samples>& expectations) {
+  const auto held = decoded16ByFfmpeg(path);
+  const auto found = std::find_if(expectations.begin(), expectations.end(),
+                                  [&](const Samples& one) { return rounded(one) == held; });
+  return found == expectations.end() ? -1 : static_cast<int>(found - expectations.begin());
 }
 
 double DocumentTest::signalToNoise(const Samples& original, const Samples& coded) {

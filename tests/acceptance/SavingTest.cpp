@@ -97,21 +97,16 @@ TEST_F(Saving, FileThatExistsIsReplacedOnlyAfterAYes) {
   ASSERT_NO_FATAL_FAILURE(recordSome(25));
   const Window shown = openPanel("ctrl+shift+s", "Save As");
   ASSERT_FALSE(shown.empty());
-  for (const bool agreed : {false, true}) {
-    ASSERT_NO_FATAL_FAILURE(chooseFile(path));
-    // The question has the panel's title.
-    ASSERT_TRUE(
-        eventually([&] { return screen_->windowsOf(orvo_->pid(), "Save As").size() == 2; }));
-    const Window question = screen_->windowsOf(orvo_->pid(), "Save As").back();
-    ASSERT_TRUE(screen_->activate(question));
-    ASSERT_TRUE(screen_->pressKey(agreed ? "alt+y" : "alt+n"));
-    ASSERT_TRUE(screen_->waitUntilGone(question));
-    if (!agreed) {
-      EXPECT_TRUE(screen_->isVisible(shown));
-      EXPECT_EQ(fileBytes(path), old);
-      ASSERT_TRUE(screen_->activate(shown));
-    }
-  }
+  ASSERT_NO_FATAL_FAILURE(chooseFile(path));
+  const Window question = questionToReplace();
+  ASSERT_FALSE(question.empty());
+  ASSERT_TRUE(screen_->pressKey("alt+n"));
+  ASSERT_TRUE(screen_->waitUntilGone(question));
+  EXPECT_TRUE(screen_->isVisible(shown));
+  EXPECT_EQ(fileBytes(path), old);
+  ASSERT_TRUE(screen_->activate(shown));
+  ASSERT_NO_FATAL_FAILURE(chooseFile(path));
+  ASSERT_NO_FATAL_FAILURE(replaceExisting());
   ASSERT_TRUE(screen_->waitUntilGone(shown));
   ASSERT_NO_FATAL_FAILURE(expectTitle("take.wav"));
   expectHolds(path, orvo_->recorded());
@@ -123,18 +118,14 @@ TEST_F(Saving, NameMayBeLongAndInAnyLanguage) {
   const std::string lengthy = "[*] 100% %1 " + std::string(220, 'x') + ".wav";
   const Samples old = signalOfSeconds(0.2, 26);
   ASSERT_TRUE(writeWav(document(foreign), old));
-  RunningOrvo::Options options;
-  options.files = {document(foreign)};
-  ASSERT_NO_FATAL_FAILURE(startOrvo(options));
+  ASSERT_NO_FATAL_FAILURE(startWith({document(foreign)}, old.size() / kChannels));
   ASSERT_NO_FATAL_FAILURE(expectTitle(foreign));
-  ASSERT_TRUE(orvo_->waitUntilRecorded(old.size() / kChannels));
   ASSERT_NO_FATAL_FAILURE(saveAs(document(lengthy), Kind::wav));
   expectHolds(document(lengthy), old);
 
   // The virtual keyboard has no keys for the letters of the other name, but the panel proposes it.
   orvo_.reset();
-  ASSERT_NO_FATAL_FAILURE(startOrvo(options));
-  ASSERT_TRUE(orvo_->waitUntilRecorded(old.size() / kChannels));
+  ASSERT_NO_FATAL_FAILURE(startWith({document(foreign)}, old.size() / kChannels));
   const Window shown = openPanel("ctrl+shift+s", "Save As");
   ASSERT_FALSE(shown.empty());
   ASSERT_NO_FATAL_FAILURE(chooseKind(Kind::caf));
