@@ -52,7 +52,8 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   /// Ends recording at the moment of the call: queue buffers that were wholly captured before it
   /// are still written, also when the queue's thread was behind, later ones are not. Returns when
   /// that is done: no write is running and none will come. The queue keeps running. Nothing while
-  /// not recording.
+  /// not recording. There is no limit to the wait: a storage that hangs holds the caller until it
+  /// answers, since what was captured is worth more than a window that reacts.
   void pause();
 
   /// Stops the queue at once, ends recording and drops the recorder's reference to itself. When

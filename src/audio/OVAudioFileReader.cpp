@@ -1,5 +1,6 @@
 #include "audio/OVAudioFileReader.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -79,7 +80,12 @@ std::uint32_t OVAudioFileReader::readFrameChunkWithSize(std::uint64_t frames) {
   std::memset(buffer_.get(), 0, bufferSize_);
   const auto count = static_cast<std::uint32_t>(
       std::min<std::uint64_t>(frames, std::numeric_limits<std::uint32_t>::max()));
-  const auto read = xafref_->read(reinterpret_cast<float*>(buffer_.get()), count);
+  platform::ExtAudioFileInput::Read read;
+  try {
+    read = xafref_->read(reinterpret_cast<float*>(buffer_.get()), count);
+  } catch (const std::bad_alloc&) {
+    read = {.frames = 0, .status = platform::kOutOfMemoryStatus};
+  }
   if (read.status == platform::kCancelledStatus) {
     return 0;
   }

@@ -70,7 +70,8 @@ class OVAudioFileReader {
   /// The working format; its reserved field has the file's value.
   [[nodiscard]] const platform::AudioStreamBasicDescription& format() const { return format_; }
 
-  /// Starts over with the first frame. The same reads give the same frames to the bit.
+  /// Starts over with the first frame. The same reads give the same frames to the bit, except where
+  /// damaged packets of a file leave the decoder guessing.
   void rewind();
 
   /// Closes the file. The chunk buffer stays.

@@ -1,6 +1,6 @@
 #include "audio/OVAudioFileWriter.h"
 
-#include <cstring>
+#include <new>
 #include <utility>
 
 #include "audio/AudioFileFailure.h"
@@ -53,13 +53,17 @@ bool OVAudioFileWriter::openFile(const std::string& path) {
   if (!kind) {
     return check(platform::kUnsupportedDataFormatStatus, "ExtAudioFileOpen");
   }
-  auto created = platform::ExtAudioFileOutput::createWithURL(path, *kind);
-  if (!check(created.status, "ExtAudioFileOpen")) {
-    return false;
+  try {
+    auto created = platform::ExtAudioFileOutput::createWithURL(path, *kind);
+    if (!check(created.status, "ExtAudioFileOpen")) {
+      return false;
+    }
+    xafref_ = std::move(created.file);
+    format_ = platform::kWorkingFormat;
+    return check(xafref_->setClientDataFormat(format_), "kExtAudioFileProperty_ClientDataFormat");
+  } catch (const std::bad_alloc&) {
+    return check(platform::kOutOfMemoryStatus, "ExtAudioFileOpen");
   }
-  xafref_ = std::move(created.file);
-  format_ = platform::kWorkingFormat;
-  return check(xafref_->setClientDataFormat(format_), "kExtAudioFileProperty_ClientDataFormat");
 }
 
 std::uint64_t OVAudioFileWriter::sinkData(const void* data, std::uint64_t dataSize) {

@@ -78,6 +78,10 @@ void ShowModalAlert(const std::string& title, const std::string& message) {
   }
 }
 
+void ShowErrorAlert(const std::error_code& error) {
+  ShowModalAlert(error.message(), std::string());
+}
+
 void ConsoleLog(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);

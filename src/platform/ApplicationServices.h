@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <system_error>
 
 namespace platform {
 
@@ -64,6 +65,9 @@ class PostedAlertsScope {
 ///
 /// Threads: any. Real-time: not safe.
 void ShowModalAlert(const std::string& title, const std::string& message);
+
+/// The same for an error of the system: its text is the title.
+void ShowErrorAlert(const std::error_code& error);
 
 /// Appends a formatted line to the diagnostics console. printf's format and arguments.
 ///

@@ -72,6 +72,7 @@ int AudioFileDecoder::start() {
   }
   codec_->pkt_timebase = demuxer_->stream().time_base;  // without it nothing is trimmed
   codec_->thread_count = 1;
+  codec_->thread_type = 0;
   if (!demuxer_->isLinearPcm()) {
     codec_->get_buffer2 = silentBuffer;
   }

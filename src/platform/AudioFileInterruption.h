@@ -1,5 +1,7 @@
 #pragma once
 
+#include <time.h>
+
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -12,14 +14,12 @@ namespace platform {
 /// their mind, or because a file makes it work without end. A wrapped length field can make a
 /// demuxer search gigabytes for a header's next field.
 ///
-/// The limit counts work, not waiting: the time that the system takes for a read is given back, so
-/// that a sleeping disk does not make a good file bad. The bytes read are limited instead.
+/// The limit counts the processor time of the thread that works: neither a disk that has to wake up
+/// nor a busy machine makes a good file bad. The bytes read are limited beside it.
 ///
 /// Threads: the one that reads; the flag may be set by any thread at any time. Real-time: not safe.
 class AudioFileInterruption {
  public:
-  using Clock = std::chrono::steady_clock;
-
   /// `cancelled` may be null: nobody cancels.
   explicit AudioFileInterruption(std::shared_ptr<const std::atomic<bool>> cancelled)
       : cancelled_(std::move(cancelled)) {}
@@ -30,12 +30,12 @@ class AudioFileInterruption {
 
   /// Whether to end now.
   [[nodiscard]] bool isDue() const {
-    return isCancelled() || (deadline_ && (bytesLeft_ <= 0 || Clock::now() >= *deadline_));
+    return isCancelled() || (deadline_ && (bytesLeft_ <= 0 || workDone() >= *deadline_));
   }
 
   /// From now on at most so much work and so many bytes, until lift().
   void limit(std::chrono::milliseconds work, std::int64_t bytes) {
-    deadline_ = Clock::now() + work;
+    deadline_ = workDone() + work;
     bytesLeft_ = bytes;
   }
   /// The same where there is no limit yet; whether it is this one that holds now.
@@ -48,18 +48,20 @@ class AudioFileInterruption {
   }
   void lift() { deadline_.reset(); }
 
-  /// A read of the system took so long and gave so many bytes.
-  void noteRead(Clock::duration waited, std::uint64_t bytes) {
-    if (deadline_) {
-      *deadline_ += waited;
-      bytesLeft_ -= static_cast<std::int64_t>(bytes);
-    }
-  }
+  /// A read of the system gave so many bytes.
+  void noteRead(std::uint64_t bytes) { bytesLeft_ -= static_cast<std::int64_t>(bytes); }
 
  private:
+  // Processor time of this thread so far.
+  [[nodiscard]] static std::chrono::nanoseconds workDone() {
+    struct timespec time = {};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+  }
+
   // A hint and nothing more is read through the flag, so relaxed order serves.
   const std::shared_ptr<const std::atomic<bool>> cancelled_;
-  std::optional<Clock::time_point> deadline_;  // none: no limit
+  std::optional<std::chrono::nanoseconds> deadline_;  // of workDone(); none: no limit
   std::int64_t bytesLeft_ = 0;
 };
 

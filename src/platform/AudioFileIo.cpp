@@ -55,10 +55,9 @@ int AudioFileIo::readPacket(void* self, std::uint8_t* destination, int byteCount
   if (io.interruption_->isDue()) {
     return AVERROR_EXIT;
   }
-  const auto before = AudioFileInterruption::Clock::now();
   const FileTransfer transfer =
       io.file_.readAt(destination, static_cast<std::uint64_t>(byteCount), io.position_);
-  io.interruption_->noteRead(AudioFileInterruption::Clock::now() - before, transfer.byteCount);
+  io.interruption_->noteRead(transfer.byteCount);
   io.position_ += transfer.byteCount;
   if (transfer.error != 0 && io.firstError_ == 0) {
     io.firstError_ = AVERROR(transfer.error);

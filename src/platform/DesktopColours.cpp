@@ -46,7 +46,7 @@ DesktopColours::DesktopColours(const QDBusConnection& bus, QObject* parent) : QO
   auto* const watcher = new QDBusPendingCallWatcher(connection.asyncCall(question), this);
   QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
     const QDBusPendingReply<QDBusVariant> answer = *watcher;
-    if (!answer.isError()) {
+    if (!answer.isError() && !hasChanged_) {
       follow(answer.value().variant());
     }
     watcher->deleteLater();
@@ -56,6 +56,7 @@ DesktopColours::DesktopColours(const QDBusConnection& bus, QObject* parent) : QO
 void DesktopColours::settingChanged(const QString& group, const QString& key,
                                     const QDBusVariant& value) {
   if (group == kGroup && key == kKey) {
+    hasChanged_ = true;
     follow(value.variant());
   }
 }

@@ -36,6 +36,7 @@ class DesktopColours : public QObject {
   void follow(const QVariant& colorScheme);
 
   bool isDark_ = false;
+  bool hasChanged_ = false;  // the answer to the first question is out of date
 };
 
 }  // namespace platform

@@ -9,11 +9,11 @@
 /// A recording's block list and length at one moment. Because the bytes in the file never change,
 /// this is a complete copy of what the recording held.
 ///
-/// The state owns copies of the blocks; later changes of the list they came from do not reach it.
-/// It never changes and can be restored any number of times.
+/// Later changes of the list that it came from do not reach the state. It never changes and can be
+/// restored any number of times. What of the list has not changed since, the two share: a state
+/// costs next to nothing to make.
 ///
-/// Threads: any, once made. Making one copies the list, which must not change meanwhile.
-/// Real-time: not safe.
+/// Threads: those that hold the lock of the buffer it belongs to. Real-time: not safe.
 class OVBufferState {
  public:
   /// Never null. `bufferFillSize` in bytes.

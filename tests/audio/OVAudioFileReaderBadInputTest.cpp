@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <functional>
 #include <limits>
@@ -32,7 +33,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr std::uint64_t kAnyNumber = std::numeric_limits<std::uint64_t>::max();
-constexpr std::chrono::seconds kPatience{2};
+constexpr std::chrono::milliseconds kPatience{2000};  // of processor time
 constexpr std::int64_t kMegabyte = 1 << 20;
 
 // The checkers keep freed memory for a while.
@@ -109,10 +110,14 @@ std::string half(const std::string& bytes) {
   return bytes.substr(0, bytes.size() / 2 + 1);
 }
 
+// Made in the test that needs them: every other test makes the list of cases, too.
+std::string zeros() {
+  return std::string(50 * kMegabyte, '\0');
+}
+
 std::vector<Case> cases() {
   const std::string unknown = "is not a sound file that can be read, or it is damaged.";
   const std::string damaged = "is damaged or was cut off. What could be read of it is kept.";
-  const std::string zeros(50 * kMegabyte, '\0');
   std::vector<Case> all;
   for (const std::string suffix :
        {"caf", "aif", "aiff", "wav", "mp3", "mp4", "m4a", "m4r", "aac"}) {
@@ -202,13 +207,13 @@ std::vector<Case> cases() {
   add({"PipedWithALengthOf0", "a.wav",
        [](const std::string& path) { write(path, wavThatPromises(0, 250)); }, 250});
   add({"WavBefore50MegabytesOfZeros", "a.wav",
-       [=](const std::string& path) { write(path, wav(250) + zeros); }, 250});
+       [](const std::string& path) { write(path, wav(250) + zeros()); }, 250});
   add({"Mp3Before50MegabytesOfZeros", "a.mp3",
-       [=](const std::string& path) { write(path, encoded("mp3") + zeros); }, kAnyNumber});
+       [](const std::string& path) { write(path, encoded("mp3") + zeros()); }, kAnyNumber});
   add({"AacBefore50MegabytesOfZeros", "a.aac",
-       [=](const std::string& path) { write(path, encoded("aac") + zeros); }, kAnyNumber});
+       [](const std::string& path) { write(path, encoded("aac") + zeros()); }, kAnyNumber});
   add({"M4aBefore50MegabytesOfZeros", "a.m4a",
-       [=](const std::string& path) { write(path, encoded("m4a") + zeros); }, kAnyNumber});
+       [](const std::string& path) { write(path, encoded("m4a") + zeros()); }, kAnyNumber});
   add({"WavInAFileOf8Gigabytes", "a.wav",
        [](const std::string& path) {
          write(path, wav(250));
@@ -270,6 +275,11 @@ class OVAudioFileReaderBadInputTest : public testing::Test {
   void SetUp() override { testing::internal::CaptureStderr(); }
   void TearDown() override { testing::internal::GetCapturedStderr(); }
 
+  // Processor time of this process; a busy machine must not fail a test.
+  static std::chrono::milliseconds workDone() {
+    return std::chrono::milliseconds(std::clock() / (CLOCKS_PER_SEC / 1000));
+  }
+
   // Kilobytes that the process had at its peak.
   static long peakMemory() {
     struct rusage usage = {};
@@ -300,7 +310,7 @@ TEST_P(BadInput, EndsSoonAndClearly) {
   const std::string path = folder_.file(each.file);
   ASSERT_NO_FATAL_FAILURE(each.make(path));
   const long memoryBefore = peakMemory();
-  const auto start = std::chrono::steady_clock::now();
+  const auto start = workDone();
 
   const auto reader = OVAudioFileReader::initWithFile(path);
   if (each.frames == 0) {
@@ -317,7 +327,7 @@ TEST_P(BadInput, EndsSoonAndClearly) {
     EXPECT_EQ(reader->readFrameChunkWithSize(264'600), 0U);
   }
 
-  EXPECT_LT(std::chrono::steady_clock::now() - start, kPatience);
+  EXPECT_LT(workDone() - start, kPatience);
   EXPECT_LT((peakMemory() - memoryBefore) * 1024, kMostMemory);
   const auto alerts = services_->alerts();
   if (each.told.empty()) {

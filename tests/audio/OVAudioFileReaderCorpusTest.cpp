@@ -270,6 +270,22 @@ TEST_F(OVAudioFileReaderCorpusTest, AVideoWithoutSoundSaysSo) {
               testing::HasSubstr("There is no sound in “silent.mp4”."));
 }
 
+TEST_F(OVAudioFileReaderCorpusTest, ADtsStreamInTheDisguiseOfSamplesIsHeardAsSound) {
+  const std::string stream = folder_.file("a.dts");
+  ASSERT_EQ(support::ffmpeg({"-i", source_, "-c:a", "dca", "-strict", "-2", "-b:a", "1411200", "-f",
+                             "dts", stream}),
+            "");
+  const std::string path = folder_.file("dts.wav");
+  ASSERT_TRUE(
+      support::writeBytes(path, support::wavBytes(44'100, 2, 16, support::fileBytes(stream))));
+  const auto reader = OVAudioFileReader::initWithFile(path);
+  ASSERT_NE(reader, nullptr);
+  const Samples read = readAll(*reader);
+  // Samples taken for what they are not would be noise at full scale.
+  EXPECT_NEAR(support::peak(read), support::peak(samples_), 0.05);
+  EXPECT_THAT(services_->consoleLines(), IsEmpty());
+}
+
 TEST_F(OVAudioFileReaderCorpusTest, ARateThatChangesInTheMiddleIsFollowed) {
   const std::string first = folder_.file("1.aac");
   const std::string second = folder_.file("2.aac");

@@ -1,9 +1,11 @@
-// A document of twenty hours, 25 GB, over temporary files that keep no zeros.
+// A document of twenty hours, 25 GB, over temporary files that keep no zeros. Under the thread
+// checker it has two.
 #include <algorithm>
 #include <memory>
 #include <vector>
 
 #include "document/DocumentFixture.h"
+#include "support/Checkers.h"
 #include "support/ProcessMemory.h"
 #include "support/SparseTemporaryFiles.h"
 
