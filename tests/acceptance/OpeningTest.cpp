@@ -26,6 +26,19 @@ class Opening : public DocumentTest {
     })) << testing::PrintToString(shown);
   }
 
+  /// Waits until one of the documents holds the signal of file(), from its first frame to its last.
+  void expectLoaded(double seconds, std::uint32_t seed) {
+    const Samples signal = signalOfSeconds(seconds, seed);
+    EXPECT_TRUE(eventually([&] {
+      for (std::size_t i = 0; i < orvo_->recordingPaths().size(); ++i) {
+        if (orvo_->recorded(i) == signal) {
+          return true;
+        }
+      }
+      return false;
+    })) << seed;
+  }
+
   std::string file(const std::string& name, double seconds, std::uint32_t seed) {
     EXPECT_TRUE(writeWav(document(name), signalOfSeconds(seconds, seed)));
     return document(name);
@@ -37,12 +50,8 @@ TEST_F(Opening, TwoFilesOnTheCommandLineShowTwoWindowsAndNoEmptyOne) {
   options.files = {file("one.wav", 0.5, 51), file("two.wav", 0.7, 52)};
   ASSERT_NO_FATAL_FAILURE(startOrvo(options));
   expectDocuments({"one.wav", "two.wav"});
-  const auto holds = [&](std::size_t document, double seconds, std::uint32_t seed) {
-    return orvo_->recorded(document) == signalOfSeconds(seconds, seed);
-  };
-  EXPECT_TRUE(eventually([&] {  // whichever was the first to make its file
-    return (holds(0, 0.5, 51) && holds(1, 0.7, 52)) || (holds(1, 0.5, 51) && holds(0, 0.7, 52));
-  }));
+  expectLoaded(0.5, 51);
+  expectLoaded(0.7, 52);
   EXPECT_TRUE(alerts().empty());
   ASSERT_TRUE(screen_->pressKey("ctrl+q"));
   EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, 0})) << "nothing is edited";
@@ -56,7 +65,36 @@ TEST_F(Opening, TypedPathIsOpenedInAWindowOfItsOwn) {
   ASSERT_NO_FATAL_FAILURE(chooseFile(path));
   ASSERT_TRUE(screen_->waitUntilGone(shown));
   expectDocuments({"Unnamed", "typed.wav"});
-  EXPECT_TRUE(eventually([&] { return orvo_->recorded(1) == signalOfSeconds(0.5, 53); }));
+  expectLoaded(0.5, 53);
+  EXPECT_TRUE(alerts().empty());
+}
+
+TEST_F(Opening, FilesDroppedOnAWindowGetWindowsOfTheirOwn) {
+  std::string error;
+  ASSERT_NO_FATAL_FAILURE(startOrvo());
+  const auto source =
+      ChildProcess::start({ORVO_DRAG_SOURCE, file("one.wav", 0.5, 55), file("two.wav", 0.7, 56)},
+                          screen_->environment(), error);
+  ASSERT_NE(source, nullptr) << error;
+  const auto tells = [&](const std::string& text) {
+    return eventually([&] { return source->output().find(text) != std::string::npos; });
+  };
+  const Window from = screen_->waitForWindow(source->pid(), "Drag Source");
+  ASSERT_FALSE(from.empty());
+  ASSERT_TRUE(screen_->moveMouse(from, 50, 50) && screen_->mouseDown());
+  ASSERT_TRUE(screen_->moveMouse(from, 70, 60));
+  // Like a hand, the mouse goes on moving until the window below shows that it takes the files.
+  int x = 200;
+  EXPECT_TRUE(eventually([&] {
+    x = x == 200 ? 210 : 200;
+    return screen_->moveMouse(orvo_->window(), x, 120) &&
+           source->output().find("accepted") != std::string::npos;
+  })) << source->output();
+  ASSERT_TRUE(screen_->mouseUp());
+  EXPECT_TRUE(tells("dropped")) << source->output();
+  expectDocuments({"Unnamed", "one.wav", "two.wav"});
+  expectLoaded(0.5, 55);
+  expectLoaded(0.7, 56);
   EXPECT_TRUE(alerts().empty());
 }
 

@@ -138,6 +138,19 @@ bool VirtualScreen::click(const Window& window, int x, int y) const {
       .status.succeeded();
 }
 
+bool VirtualScreen::moveMouse(const Window& window, int x, int y) const {
+  return run({"xdotool", "mousemove", "--window", window, std::to_string(x), std::to_string(y)})
+      .status.succeeded();
+}
+
+bool VirtualScreen::mouseDown() const {
+  return run({"xdotool", "mousedown", "1"}).status.succeeded();
+}
+
+bool VirtualScreen::mouseUp() const {
+  return run({"xdotool", "mouseup", "1"}).status.succeeded();
+}
+
 VirtualScreen::Frame VirtualScreen::frameOf(const Window& window) const {
   const std::string information = run({"xwininfo", "-id", window}).output;
   const auto number = [&information](const std::string& label) {
