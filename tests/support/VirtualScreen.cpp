@@ -1,6 +1,7 @@
 #include "support/VirtualScreen.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
@@ -111,9 +112,15 @@ bool VirtualScreen::waitUntilGone(const Window& window) const {
 }
 
 bool VirtualScreen::activate(const Window& window) const {
-  return run({"xdotool", "windowactivate", "--sync", window}).status.succeeded() && eventually([&] {
-           return run({"xdotool", "getwindowfocus"}).output == window + "\n";
-         });
+  // A window that is shown at the same moment can take the keyboard away again.
+  constexpr std::chrono::milliseconds kAgain{500};
+  const auto hasKeyboard = [&] {
+    return run({"xdotool", "getwindowfocus"}).output == window + "\n";
+  };
+  return eventually([&] {
+    return run({"xdotool", "windowactivate", window}).status.succeeded() &&
+           eventually(hasKeyboard, kAgain);
+  });
 }
 
 bool VirtualScreen::pressKey(const std::string& key) const {
