@@ -54,6 +54,7 @@ void QtPanels::beginOpenPanel(const OpenPanelRequest& request, OpenAnswer answer
   panel->setAcceptMode(QFileDialog::AcceptOpen);
   panel->setFileMode(request.allowsMultipleSelection ? QFileDialog::ExistingFiles
                                                      : QFileDialog::ExistingFile);
+  panel->setOption(QFileDialog::HideNameFilterDetails);  // a list of 18 patterns
   panel->setNameFilters({nameFilter(request.fileTypes), localized("All Files") + " (*)"});
   panel->setLabelText(QFileDialog::Accept, request.acceptLabel);
   QObject::connect(
