@@ -1,42 +1,83 @@
 #include "app/OVApplicationServices.h"
 
+#include <deque>
 #include <utility>
 
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
-#include <QPointer>
+#include <QWindow>
 
 #include "platform/Dispatch.h"
 #include "platform/Localization.h"
 
 namespace {
 
+// Names of files stand in alerts: nothing in them is markup.
+void showPlainText(QMessageBox& alert) {
+  for (QLabel* const label : alert.findChildren<QLabel*>()) {
+    label->setTextFormat(Qt::PlainText);
+  }
+}
+
 void runAlert(const std::string& title, const std::string& message) {
-  // The window may go while the alert runs its loop, and takes the alert along.
-  const QPointer<QMessageBox> alert = new QMessageBox(QApplication::activeWindow());
-  alert->setObjectName("modalAlert");
-  alert->setIcon(QMessageBox::Warning);
-  alert->setWindowTitle(platform::localized("Orvo"));
-  alert->setText(QString::fromStdString(title));
-  alert->setInformativeText(QString::fromStdString(message));
-  alert->addButton(platform::localized("OK"), QMessageBox::AcceptRole);
-  alert->setWindowModality(Qt::ApplicationModal);
-  alert->setAttribute(Qt::WA_QuitOnClose, false);  // an alert may be the only window there is
-  alert->exec();
-  delete alert.data();
+  // Above the window in front, but not its child: it stays when that window closes.
+  const QWidget* const front = QApplication::activeWindow();
+  QMessageBox alert;
+  alert.setObjectName("modalAlert");
+  alert.setIcon(QMessageBox::Warning);
+  alert.setWindowTitle(platform::localized("Orvo"));
+  alert.setText(QString::fromStdString(title));
+  alert.setInformativeText(QString::fromStdString(message));
+  showPlainText(alert);
+  alert.addButton(platform::localized("OK"), QMessageBox::AcceptRole);
+  alert.setWindowModality(Qt::ApplicationModal);
+  alert.setAttribute(Qt::WA_QuitOnClose, false);  // an alert may be the only window there is
+  alert.winId();                                  // makes its window
+  if (front != nullptr && alert.windowHandle() != nullptr) {
+    alert.windowHandle()->setTransientParent(front->windowHandle());
+  }
+  alert.exec();
 }
 
 }  // namespace
 
+// Main thread only. Alerts that were posted are shown one after the other.
+struct OVApplicationServices::PostedAlerts {
+  std::deque<std::pair<std::string, std::string>> waiting;
+  bool isShowing = false;
+
+  void showAll() {
+    if (isShowing) {
+      return;  // from the loop of the one on the screen
+    }
+    isShowing = true;
+    while (!waiting.empty()) {
+      const auto [title, message] = waiting.front();
+      waiting.pop_front();
+      runAlert(title, message);
+    }
+    isShowing = false;
+  }
+};
+
 OVApplicationServices::OVApplicationServices(Receivers receivers)
-    : receivers_(std::move(receivers)) {}
+    : receivers_(std::move(receivers)), posted_(std::make_shared<PostedAlerts>()) {}
 
 void OVApplicationServices::showModalAlert(const std::string& title, const std::string& message) {
+  if (platform::isMainThread()) {
+    runAlert(title, message);
+    return;
+  }
+  const std::lock_guard turn(turnOfThreads_);  // one after the other, too
   platform::mainQueue().sync([title, message] { runAlert(title, message); });
 }
 
 void OVApplicationServices::postModalAlert(const std::string& title, const std::string& message) {
-  platform::mainQueue().async([title, message] { runAlert(title, message); });
+  platform::mainQueue().async([posted = posted_, title, message] {
+    posted->waiting.emplace_back(title, message);
+    posted->showAll();
+  });
 }
 
 void OVApplicationServices::logToConsole(const std::string& text) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <string>
 
 #include "platform/ApplicationServices.h"
@@ -28,5 +30,9 @@ class OVApplicationServices : public platform::ApplicationServices {
   void cancelTermination() override;
 
  private:
+  struct PostedAlerts;
+
   const Receivers receivers_;
+  const std::shared_ptr<PostedAlerts> posted_;
+  std::mutex turnOfThreads_;  // held by the thread, not the main one, whose alert is on the screen
 };

@@ -9,17 +9,10 @@
 #include "controls/OVRecorderWindow.h"
 #include "document/OVFileKinds.h"
 #include "platform/Localization.h"
-#include "platform/RecentDocuments.h"
 
 using platform::localized;
 using platform::TextKey;
 using platform::textKey;
-
-namespace {
-
-constexpr std::size_t kRecentFiles = 10;  // shown in the menu
-
-}  // namespace
 
 OVMainMenu::OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& controller,
                        ApplicationCommands commands)
@@ -107,11 +100,11 @@ void OVMainMenu::addFileMenu() {
 
 void OVMainMenu::fillRecentMenu() {
   recent_->clear();
-  for (const std::string& path : platform::recentDocuments().recentDocuments(kRecentFiles)) {
+  for (const std::string& path : commands_.recentFiles()) {
     QString name = QString::fromStdString(lastPathComponent(path));
     name.replace(QLatin1Char('&'), QLatin1String("&&"));
     QAction* const action = recent_->addAction(name);
-    action->setToolTip(QString::fromStdString(path));
+    action->setToolTip(QString::fromStdString(path).toHtmlEscaped());
     connect(action, &QAction::triggered, this,
             [open = commands_.openRecentFile, path] { open(path); });
   }

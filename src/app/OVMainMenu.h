@@ -25,6 +25,7 @@ class OVMainMenu : public QObject {
   struct ApplicationCommands {
     std::function<void()> spawnNewRecorderWindow;
     std::function<void(QWidget* window)> openFile;
+    std::function<std::vector<std::string>()> recentFiles;  ///< paths, the latest first
     std::function<void(const std::string& path)> openRecentFile;
     std::function<void()> terminate;
     std::function<void()> openDocumentation;

@@ -1,7 +1,6 @@
 #include "app/VelmarAppDelegate.h"
 
 #include <cstdio>
-#include <filesystem>
 #include <utility>
 
 #include <QApplication>
@@ -12,11 +11,11 @@
 #include "controls/OVRecorderWindow.h"
 #include "document/OVFileKinds.h"
 #include "document/VLRecorderWindowController.h"
+#include "platform/AbsolutePath.h"
 #include "platform/ApplicationServices.h"
 #include "platform/DesktopServices.h"
 #include "platform/Localization.h"
 #include "platform/Panels.h"
-#include "platform/RecentDocuments.h"
 
 namespace {
 
@@ -25,8 +24,7 @@ constexpr std::size_t kTempfilesCapacity = 10;
 
 }  // namespace
 
-VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit)
-    : quit_(std::move(quit)), debugWindow_(std::make_unique<OVDiagnosticsWindow>()) {}
+VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit) : quit_(std::move(quit)) {}
 
 VelmarAppDelegate::~VelmarAppDelegate() = default;
 
@@ -43,6 +41,7 @@ void VelmarAppDelegate::applicationDidFinishLaunching() {
   if (spawn_rec_) {
     spawnNewRecorderWindow(nullptr);
   }
+  recentFiles_.refresh();
 }
 
 void VelmarAppDelegate::spawnNewRecorderWindow(QObject*) {
@@ -61,6 +60,11 @@ OVMainMenu::ApplicationCommands VelmarAppDelegate::commands() {
   return {
       .spawnNewRecorderWindow = [this] { spawnNewRecorderWindow(nullptr); },
       .openFile = [this](QWidget* window) { openFile(window); },
+      .recentFiles =
+          [this] {
+            recentFiles_.refresh();  // for the next time
+            return recentFiles_.latest();
+          },
       .openRecentFile = [this](const std::string& path) { applicationOpenFile(path); },
       .terminate = [this] { terminate(); },
       .openDocumentation = [this] { openDocumentation(nullptr); },
@@ -92,8 +96,11 @@ bool VelmarAppDelegate::applicationOpenFiles(const std::vector<std::string>& pat
 }
 
 void VelmarAppDelegate::openInNewWindow(const std::string& path) {
-  const std::string absolute = std::filesystem::absolute(path).lexically_normal().string();
-  platform::recentDocuments().noteNewRecentDocument(absolute);
+  std::string absolute = platform::absolutePathOf(path);
+  if (absolute.empty()) {
+    absolute = path;  // no path at all, or no working folder: the reader tells
+  }
+  recentFiles_.note(absolute);
   const auto controller = makeWindow();
   controller->showWindow();
   controller->window()->setTitle(VLRecorderWindowController::titleWithName(
@@ -131,10 +138,14 @@ std::vector<QPointer<OVRecorderWindow>> VelmarAppDelegate::recorderWindows() {
 
 VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate() {
   bool edited = false;
+  cancelledWhileAsking_ = false;
   for (const auto& window : recorderWindows()) {
     if (window && window->isDocumentEdited()) {
       edited = true;
       window->performClose();
+    }
+    if (cancelledWhileAsking_) {
+      return TerminateReply::cancel;  // this window cannot be asked now
     }
   }
   if (!edited) {
@@ -166,6 +177,7 @@ void VelmarAppDelegate::checkTermination() {
 
 void VelmarAppDelegate::cancelTermination() {
   terminationCanceled_ = true;
+  cancelledWhileAsking_ = true;
   terminationTimer_.reset();
   terminationCanceled_ = false;
 }
@@ -227,13 +239,21 @@ void VelmarAppDelegate::openPage(platform::TextKey address) {
 
 // Diagnostics and About -------------------------------------------------------------------------
 
+// Made when it is first needed: it lays text out, which most starts need not wait for.
+OVDiagnosticsWindow& VelmarAppDelegate::debugWindow() {
+  if (!debugWindow_) {
+    debugWindow_ = std::make_unique<OVDiagnosticsWindow>();
+  }
+  return *debugWindow_;
+}
+
 void VelmarAppDelegate::logToConsole(const std::string& text) {
-  debugWindow_->appendLine(text);
+  debugWindow().appendLine(text);
 }
 
 void VelmarAppDelegate::showDiagnostics() {
-  debugWindow_->show();
-  debugWindow_->raise();
+  debugWindow().show();
+  debugWindow().raise();
 }
 
 void VelmarAppDelegate::showAbout() {

@@ -9,6 +9,7 @@
 #include <QPointer>
 
 #include "app/OVMainMenu.h"
+#include "app/OVRecentFiles.h"
 #include "platform/Localization.h"
 #include "platform/Timer.h"
 
@@ -81,12 +82,15 @@ class VelmarAppDelegate {
   void pollTermination();
   static void openPage(platform::TextKey address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
+  OVDiagnosticsWindow& debugWindow();
 
   const std::function<void()> quit_;
   bool spawn_rec_ = true;
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
-  std::unique_ptr<OVDiagnosticsWindow> debugWindow_;
+  bool cancelledWhileAsking_ = false;  // a window refused while the windows were being asked
+  std::unique_ptr<OVDiagnosticsWindow> debugWindow_;  // from the first line or look on
+  OVRecentFiles recentFiles_;
 
   mutable std::mutex tempfilesMutex_;
   std::vector<std::string> tempfiles_;  // guarded by tempfilesMutex_

@@ -7,9 +7,10 @@
 #include <QDBusConnection>
 #include <QIcon>
 #include <QLocale>
+#include <QSessionManager>
 
+#include "app/OVApplicationEvents.h"
 #include "app/OVApplicationServices.h"
-#include "app/OVOpenEvents.h"
 #include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
 #include "platform/AudioQueue.h"
@@ -18,6 +19,7 @@
 #include "platform/DeviceAudioQueues.h"
 #include "platform/Dispatch.h"
 #include "platform/FileAddress.h"
+#include "platform/FontPreparation.h"
 #include "platform/MediaLibrary.h"
 
 namespace {
@@ -43,6 +45,14 @@ std::vector<std::string> filesOf(int argc, char** argv) {
   return paths;
 }
 
+QIcon programIcon() {
+  QIcon icon;
+  for (const int size : {16, 32, 48, 64, 128, 256}) {
+    icon.addFile(QStringLiteral(":/images/orvo-%1.png").arg(size));
+  }
+  return icon;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -55,32 +65,43 @@ int main(int argc, char** argv) {
   queues->prepareInput();
   const platform::AudioQueuesInstallation installedQueues(queues);
 
+  platform::FontPreparation fonts;
   QApplication application(argc, argv);
+  fonts.finish();
   QApplication::setApplicationName("Orvo");
   QApplication::setApplicationVersion(ORVO_VERSION);
   QApplication::setDesktopFileName("orvo");
   const OVTranslations translations(QLocale::system().uiLanguages());
-  QIcon icon;
-  for (const int size : {16, 32, 48, 64, 128, 256}) {
-    icon.addFile(QStringLiteral(":/images/orvo-%1.png").arg(size));
-  }
-  QApplication::setWindowIcon(icon);
 
   VelmarAppDelegate delegate([] { QCoreApplication::exit(0); });
   const platform::ApplicationServicesInstallation installedServices(servicesOf(delegate));
   delegate.applicationWillFinishLaunching();
-  OVOpenEvents openEvents(
-      [&delegate](const std::string& path) { delegate.applicationOpenFile(path); });
-  application.installEventFilter(&openEvents);
+  OVApplicationEvents events(
+      {.openFile = [&delegate](const std::string& path) { delegate.applicationOpenFile(path); },
+       .terminate = [&delegate] { delegate.terminate(); }});
+  application.installEventFilter(&events);
+  // The end of the session asks as Quit does, and waits for the answers.
+  QObject::connect(
+      &application, &QGuiApplication::commitDataRequest, &application,
+      [&delegate](QSessionManager& session) {
+        if (delegate.applicationShouldTerminate() == VelmarAppDelegate::TerminateReply::cancel) {
+          session.cancel();
+        }
+      },
+      Qt::DirectConnection);
   delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has taken its own out
   delegate.applicationDidFinishLaunching();
-  const platform::DesktopColours colours(QDBusConnection::sessionBus());  // after the window is up
-  // Needed for the first file or spectrum: loaded while the user looks at the window.
-  platform::globalQueue().async([] { static_cast<void>(platform::mediaLibrary::load()); });
+  std::unique_ptr<platform::DesktopColours> colours;
+  platform::mainQueue().async([&colours] {  // the first window is on its way to the screen
+    QApplication::setWindowIcon(programIcon());
+    colours = std::make_unique<platform::DesktopColours>(QDBusConnection::sessionBus());
+    // Needed for the first file or spectrum: loaded while the user looks at the window.
+    platform::globalQueue().async([] { static_cast<void>(platform::mediaLibrary::load()); });
+  });
   const int result = QApplication::exec();
 
   delegate.applicationWillTerminate();
+  platform::mainQueue().shutDown();  // first: nobody waits for an alert any more
   platform::globalQueue().waitUntilIdle(kLastWorkSeconds);
-  platform::mainQueue().shutDown();
   return result;
 }

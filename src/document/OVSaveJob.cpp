@@ -1,6 +1,7 @@
 #include "document/OVSaveJob.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <vector>
 
 #include "audio/OVAudioFileWriter.h"
@@ -61,6 +62,10 @@ OVSaveJob::Outcome OVSaveJob::run(const Request& request, const Progress& progre
   outcome.told = !writer || !writeAll(request, progress, *writer, outcome.unreadableFrames) ||
                  !writer->close();
   if (outcome.told) {
+    return outcome;
+  }
+  // A file with gaps is better than none, but not than one that is there.
+  if (outcome.unreadableFrames > 0 && std::filesystem::exists(request.path)) {
     return outcome;
   }
   outcome.error = replacement.file->commit();

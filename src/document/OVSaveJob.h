@@ -23,10 +23,12 @@ class OVSaveJob {
   };
 
   struct Outcome {
-    bool complete = false;               ///< the target holds the whole stretch
-    bool told = false;                   ///< the failure has been shown already
-    int error = 0;                       ///< errno of a failure that has not been shown
-    std::uint64_t unreadableFrames = 0;  ///< frames that storage did not give back; silent
+    bool complete = false;  ///< the target holds the whole stretch
+    bool told = false;      ///< the failure has been shown already
+    int error = 0;          ///< errno of a failure that has not been shown
+    /// Frames that storage did not give back: they are silent in a new file; one that was there is
+    /// not replaced by a file with gaps.
+    std::uint64_t unreadableFrames = 0;
   };
 
   /// Called after each chunk with the fraction that is written, 0 to 1.

@@ -190,6 +190,7 @@ void VLRecorderWindowController::setBuffer(std::shared_ptr<OVAudioBufferInterfac
     const std::lock_guard lock(sharedObjects_);
     buffer_.swap(buffer);
   }
+  ++summaryEpoch_;
   buffer_->setDelegate(weak_from_this());
   advanceIndicator(0.25);
   setRecorder(makeRecorder());
@@ -428,7 +429,7 @@ void VLRecorderWindowController::writingFailed(int error,
 // stays: undo brings back what stood there.
 void VLRecorderWindowController::dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize) {
   const std::uint64_t lost = atByteOffset / bytesPerFrame();
-  if (bufferSizeInFrames() != (atByteOffset + withSize) / bytesPerFrame()) {
+  if (isFileIOActive_ || bufferSizeInFrames() != (atByteOffset + withSize) / bytesPerFrame()) {
     return;
   }
   buffer_->cutoffBufferAfterPosition(lost);

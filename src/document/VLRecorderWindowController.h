@@ -357,17 +357,22 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void runHistoryCommand(void (platform::UndoManager::*command)());
   void registerUndo(void (VLRecorderWindowController::*operation)(QObject*),
                     std::optional<platform::TextKey> actionName = std::nullopt);
-  void finishRefresh();
+  void finishRefresh(std::uint64_t epoch);
+  void bringRecordingPositionInside();
+  void keepHistory();
 
   // Loading
   struct LoadingRequest;
+  struct LoadingOutcome;
   static void load(const LoadingRequest& request);
   void openForImport(const std::string& path);
   void beginImport(const std::string& path, const std::shared_ptr<OVAudioFileReader>& reader);
   void startLoading(const std::string& path, std::shared_ptr<OVAudioFileReader> reader);
   void loadedChunk(std::uint64_t byteOffset, double step);
-  void loadingEnded(bool opened, std::uint64_t endOffset, int writeError);
+  void loadingEnded(const LoadingRequest& request, const LoadingOutcome& outcome);
   void keepWhatWasLoaded(std::uint64_t endOffset);
+  static void tellNotStored(const std::string& path, int error, bool imported);
+  void forgetFileName();
   void takeImportBack();
   void beginFileIO();
   void endFileIO();
@@ -384,6 +389,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void startSaving(SavingRequest request);
   [[nodiscard]] static std::optional<std::string> refusalOf(const SavingRequest& request);
   void savingEnded(const SavingRequest& request, const OVSaveJob::Outcome& outcome);
+  void takeFileName(const SavingRequest& request);
+  static void tellGaps(const std::string& path, double seconds, bool saved);
   void openSavedFile();
   void saveFailed();
   static void tellSaveFailed(const std::string& path, const std::string& reason);
@@ -443,6 +450,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   bool isImport_ = false;
   bool importTakenBack_ = false;  // the import that runs could not be stored
   bool isPanelShown_ = false;     // a panel or a question is attached to the window
+  bool isQuestionShown_ = false;  // the one about unsaved changes
   bool windowShouldCloseAfterSaveSheet_ = false;
   bool shouldCloseAfterSave_ = false;
   bool shell_open_file_after_save_ = false;

@@ -27,9 +27,9 @@ void VLRecorderWindowController::cut(void (OVAudioBufferInterface::*cutoff)(std:
   }
   pauseButton(pauseButton_);
   buffer_->setWaypoint();
-  prevWaveform_ = waveForm_->copy();
-  (buffer_.get()->*cutoff)(playbackPosition());
-  prevSaveState_ = isDocumentEdited();
+  keepHistory();
+  // An undo may have left the marker behind the end.
+  (buffer_.get()->*cutoff)(std::min(playbackPosition(), bufferSizeInFrames()));
   setDocumentEdited(true);
   setPlaybackPosition(0);
   setReadingPosition(playbackPosition());
@@ -47,6 +47,20 @@ void VLRecorderWindowController::reverseBuffer(QObject*) {
   buffer_->reverseBuffer();
   refreshCompleteUI(true);
   registerUndo(&VLRecorderWindowController::reverseBuffer, platform::textKey("Reverse Audio"));
+}
+
+// An undo may have left it behind the end: a recording or an import there would leave a hole.
+void VLRecorderWindowController::bringRecordingPositionInside() {
+  if (recordingPosition() > bufferSizeInFrames()) {
+    setRecordingPosition(bufferSizeInFrames());
+    setWritingPosition(recordingPosition());
+  }
+}
+
+// What an undo of the step that begins now brings back beside the audio.
+void VLRecorderWindowController::keepHistory() {
+  prevWaveform_ = waveForm_->copy();
+  prevSaveState_ = isDocumentEdited();
 }
 
 // Undo and redo ---------------------------------------------------------------------------------
@@ -116,20 +130,25 @@ void VLRecorderWindowController::refreshCompleteUI(bool regenerate) {
   ++summaryEpoch_;
   recreateIndicator(true);
   showIndicator(true);
-  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_, regenerate] {
-    if (regenerate) {
-      summary->setShouldRegenerateWaveform(true);
-    }
-    summary->generate();
-    platform::mainQueue().async([self] {
-      if (const auto controller = self.lock()) {
-        controller->finishRefresh();
-      }
-    });
-  });
+  if (regenerate) {
+    // At once: a copy that is taken before the task begins has to know it, too.
+    waveForm_->setShouldRegenerateWaveform(true);
+  }
+  platform::globalQueue().async(
+      [self = weak_from_this(), summary = waveForm_, epoch = summaryEpoch_] {
+        summary->generate();
+        platform::mainQueue().async([self, epoch] {
+          if (const auto controller = self.lock()) {
+            controller->finishRefresh(epoch);
+          }
+        });
+      });
 }
 
-void VLRecorderWindowController::finishRefresh() {
+void VLRecorderWindowController::finishRefresh(std::uint64_t epoch) {
+  if (epoch != summaryEpoch_ || isFileIOActive_) {
+    return;  // what came after it shows itself
+  }
   if (wfView_) {
     wfView_->setWaveForm(waveForm_);
     wfView_->setShouldRedrawWaveform(true);

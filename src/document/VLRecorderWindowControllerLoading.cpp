@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "audio/AudioFileFailure.h"
 #include "audio/OVAQRecorder.h"
 #include "audio/OVAudioFileReader.h"
 #include "controls/OVRecorderWindow.h"
@@ -26,6 +27,14 @@ struct VLRecorderWindowController::LoadingRequest {
   std::shared_ptr<std::atomic<bool>> cancelled;
 };
 
+/// What came of it.
+struct VLRecorderWindowController::LoadingOutcome {
+  bool opened = false;          // otherwise the reader has told why not
+  bool yieldedNothing = false;  // opened, but it broke off before the first frame; told, too
+  std::uint64_t endOffset = 0;  // behind the last byte that is stored
+  int writeError = 0;           // errno of a write that storage did not take
+};
+
 // Open ------------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::openFileNamed(const std::string& path) {
@@ -37,6 +46,7 @@ void VLRecorderWindowController::openFileNamed(const std::string& path) {
 void VLRecorderWindowController::startLoading(const std::string& path,
                                               std::shared_ptr<OVAudioFileReader> reader) {
   beginFileIO();
+  ++summaryEpoch_;  // a summary that is being built is one of older audio
   if (wfView_) {
     wfView_->setWaveForm(nullptr);
     wfView_->setOverrideRegenerationCheck(true);
@@ -61,9 +71,9 @@ void VLRecorderWindowController::load(const LoadingRequest& request) {
                           ? request.reader
                           : OVAudioFileReader::initWithFile(request.path, request.cancelled);
   const auto controller = request.controller;
-  OVLoadJob::Outcome outcome{.endOffset = request.atByteOffset};
+  LoadingOutcome outcome{.opened = reader != nullptr, .endOffset = request.atByteOffset};
   if (reader) {
-    outcome =
+    const auto loaded =
         OVLoadJob::run(*reader, {.buffer = request.buffer,
                                  .atByteOffset = request.atByteOffset,
                                  .cancelled = request.cancelled,
@@ -80,10 +90,13 @@ void VLRecorderWindowController::load(const LoadingRequest& request) {
                                          }
                                        });
                                      }});
+    outcome.endOffset = loaded.endOffset;
+    outcome.writeError = loaded.writeError;
+    outcome.yieldedNothing = reader->failed() && loaded.endOffset == request.atByteOffset;
   }
-  platform::mainQueue().async([controller, opened = reader != nullptr, outcome] {
-    if (const auto document = controller.lock()) {
-      document->loadingEnded(opened, outcome.endOffset, outcome.writeError);
+  platform::mainQueue().async([request, outcome] {
+    if (const auto document = request.controller.lock()) {
+      document->loadingEnded(request, outcome);
     }
   });
 }
@@ -96,38 +109,44 @@ void VLRecorderWindowController::loadedChunk(std::uint64_t byteOffset, double st
   }
 }
 
-void VLRecorderWindowController::loadingEnded(bool opened, std::uint64_t endOffset,
-                                              int writeError) {
+void VLRecorderWindowController::loadingEnded(const LoadingRequest& request,
+                                              const LoadingOutcome& outcome) {
   isLoading_ = false;
   if (*fileJobCancelled_) {
     return;  // the window has closed
   }
-  if (!opened) {
-    // The reader has told why. What the window says of the file is not true.
-    currentFilename_.clear();
-    if (window_) {
-      window_->setTitle(titleWithName(platform::localized("Unnamed")));
-    }
+  const bool failed = !outcome.opened || outcome.yieldedNothing || outcome.writeError != 0;
+  if (failed && isImport_) {
+    takeImportBack();
+  } else if (failed) {
+    keepWhatWasLoaded(outcome.endOffset);
+    forgetFileName();
   }
-  if (writeError != 0) {
-    const std::string reason = platform::failureReason(writeError);
-    if (isImport_) {
-      takeImportBack();
-    } else {
-      keepWhatWasLoaded(endOffset);
-    }
-    afterLoading_ = [reason, imported = isImport_] {
-      ShowModalAlert(
-          platform::localizedUtf8("The file could not be loaded whole"),
-          platform::localized("The audio could not be written to the temporary file. %1\n\n%2")
-              .arg(QString::fromStdString(reason),
-                   platform::localized(
-                       imported ? platform::textKey("Nothing was imported.")
-                                : platform::textKey("Everything loaded before is kept.")))
-              .toStdString());
+  if (outcome.writeError != 0) {
+    afterLoading_ = [path = request.path, error = outcome.writeError, imported = isImport_] {
+      tellNotStored(path, error, imported);
     };
   }
   fileLoadingComplete();
+}
+
+void VLRecorderWindowController::tellNotStored(const std::string& path, int error, bool imported) {
+  const QString name = QString::fromStdString(shownFileName(path));
+  const QString kept =
+      platform::localized(imported ? "Nothing was imported." : "Everything loaded before is kept.");
+  ShowModalAlert(
+      platform::localized("%1 could not be loaded whole").arg(name).toStdString(),
+      platform::localized("The audio could not be written to the temporary file. %1\n\n%2")
+          .arg(QString::fromStdString(platform::failureReason(error)), kept)
+          .toStdString());
+}
+
+// The document is not what the file is.
+void VLRecorderWindowController::forgetFileName() {
+  currentFilename_.clear();
+  if (window_) {
+    window_->setTitle(titleWithName(platform::localized("Unnamed")));
+  }
 }
 
 // The chunk that storage did not take is behind everything else.
@@ -135,13 +154,14 @@ void VLRecorderWindowController::keepWhatWasLoaded(std::uint64_t endOffset) {
   buffer_->cutoffBufferAfterPosition(endOffset / bytesPerFrame());
 }
 
-// As if the import had never been asked for.
+// The step before it cannot be undone any more: there is room for one.
 void VLRecorderWindowController::takeImportBack() {
   buffer_->undo();
   if (undoManager_) {
     undoManager_->discardLastUndo();
   }
   setWaveForm(prevWaveform_);
+  ++summaryEpoch_;
   importTakenBack_ = true;
 }
 
@@ -194,10 +214,14 @@ void VLRecorderWindowController::beginImport(const std::string& path,
     saveIfClosing();
     return;
   }
+  if (isRecording() || isPlaying()) {
+    pauseButton(pauseButton_);  // first: what was captured by now is not part of the step
+  }
+  bringRecordingPositionInside();
   isImport_ = true;
   registerUndo(&VLRecorderWindowController::undo, platform::textKey("Import File"));
   buffer_->setWaypoint();
-  prevWaveform_ = waveForm_->copy();
+  keepHistory();
   startLoading(path, reader);
 }
 

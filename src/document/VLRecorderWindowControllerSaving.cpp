@@ -1,13 +1,16 @@
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <utility>
 
+#include <QBuffer>
 #include <QHBoxLayout>
 #include <QImage>
 #include <QLabel>
 #include <QLocale>
 #include <QUrl>
 
+#include "audio/AudioFileFailure.h"
 #include "audio/OVAudioFileWriter.h"
 #include "controls/OVRecorderWindow.h"
 #include "controls/OVTransportButton.h"
@@ -45,9 +48,24 @@ std::string folderOf(const std::string& path) {
   return std::filesystem::path(path).parent_path().string();
 }
 
-// The file's name comes last: it may itself contain what looks like a placeholder.
 QString sentenceWithName(platform::TextKey sentence, const std::string& path) {
-  return localized(sentence).arg(fileName(path));
+  return localized(sentence).arg(QString::fromStdString(shownFileName(path)));
+}
+
+// On a background queue. 0, or the errno of the failure.
+int writePicture(const QImage& picture, const std::string& path) {
+  QByteArray encoded;
+  QBuffer target(&encoded);
+  if (!target.open(QIODevice::WriteOnly) || !picture.save(&target, "PNG")) {
+    return ENOMEM;
+  }
+  const auto replacement = platform::ReplacementFile::beside(path);
+  if (!replacement.file) {
+    return replacement.error;
+  }
+  const int error =
+      replacement.file->write(encoded.constData(), static_cast<std::uint64_t>(encoded.size()));
+  return error != 0 ? error : replacement.file->commit();
 }
 
 }  // namespace
@@ -194,34 +212,46 @@ std::optional<std::string> VLRecorderWindowController::refusalOf(const SavingReq
 void VLRecorderWindowController::savingEnded(const SavingRequest& request,
                                              const OVSaveJob::Outcome& outcome) {
   isSaving_ = false;
-  if (!outcome.complete) {
-    endFileIO();
-    saveFailed();
-    if (!outcome.told) {
-      tellSaveFailed(request.job.path, platform::failureReason(outcome.error));
-    }
-    return;
-  }
-  last_saved_file_path_ = request.job.path;
-  if (!request.isExport) {
-    currentFilename_ = request.job.path;
-    currentFiletype_ = request.type;
-    if (window_) {
-      window_->setTitle(titleWithName(fileName(currentFilename_)));
+  if (outcome.complete) {
+    last_saved_file_path_ = request.job.path;
+    if (!request.isExport) {
+      takeFileName(request);
     }
   }
-  if (outcome.unreadableFrames == 0) {
+  if (outcome.complete && outcome.unreadableFrames == 0) {
     fileSavingComplete();
     return;
   }
-  // The file is the best that can be had; the document keeps counting as unsaved.
   endFileIO();
   saveFailed();
-  tellSaveFailed(request.job.path,
-                 localized("%1 seconds of the recording could not be read; they are silent in the "
-                           "file.")
-                     .arg(QLocale().toString(secondsOfFrames(outcome.unreadableFrames), 'f', 2))
-                     .toStdString());
+  if (outcome.unreadableFrames > 0) {
+    tellGaps(request.job.path, secondsOfFrames(outcome.unreadableFrames), outcome.complete);
+  } else if (!outcome.told) {
+    tellSaveFailed(request.job.path, platform::failureReason(outcome.error));
+  }
+}
+
+void VLRecorderWindowController::takeFileName(const SavingRequest& request) {
+  currentFilename_ = request.job.path;
+  currentFiletype_ = request.type;
+  if (window_) {
+    window_->setTitle(titleWithName(fileName(currentFilename_)));
+  }
+}
+
+// The document keeps counting as unsaved.
+void VLRecorderWindowController::tellGaps(const std::string& path, double seconds, bool saved) {
+  const QString gaps = localized("%1 seconds of the recording could not be read.")
+                           .arg(QLocale().toString(seconds, 'f', 2));
+  const QString outcome = localized(
+      saved
+          ? textKey("They are silent in the file.")
+          : textKey("The file that was there was kept. Save under another name to get the rest."));
+  ShowModalAlert(
+      sentenceWithName(saved ? textKey("%1 was saved with gaps") : textKey("%1 could not be saved"),
+                       path)
+          .toStdString(),
+      (gaps + QLatin1Char(' ') + outcome).toStdString());
 }
 
 void VLRecorderWindowController::fileSavingComplete() {
@@ -233,6 +263,7 @@ void VLRecorderWindowController::fileSavingComplete() {
   endFileIO();
   stopButton(stopButton_);
   if (std::exchange(shell_open_file_after_save_, false)) {
+    const platform::PostedAlertsScope afterwards;  // no main loop runs before the window closes
     openSavedFile();
   }
   if (shouldCloseAfterSave_ && window_) {
@@ -247,7 +278,7 @@ void VLRecorderWindowController::openSavedFile() {
   if (!platform::desktopServices().open(fileAddress(last_saved_file_path_))) {
     ShowModalAlert(
         localizedUtf8("The file was saved but could not be opened"),
-        sentenceWithName(textKey("No program was found that opens “%1”."), last_saved_file_path_)
+        sentenceWithName(textKey("No program was found that opens %1."), last_saved_file_path_)
             .toStdString());
   }
 }
@@ -262,7 +293,7 @@ void VLRecorderWindowController::saveFailed() {
 
 void VLRecorderWindowController::tellSaveFailed(const std::string& path,
                                                 const std::string& reason) {
-  ShowModalAlert(sentenceWithName(textKey("“%1” could not be saved"), path).toStdString(), reason);
+  ShowModalAlert(sentenceWithName(textKey("%1 could not be saved"), path).toStdString(), reason);
 }
 
 // Exports ---------------------------------------------------------------------------------------
@@ -340,16 +371,17 @@ void VLRecorderWindowController::writeWaveformPicture(const std::string& path) {
   if (!wfView_) {
     return;
   }
-  const QImage picture = wfView_->image();
-  const auto replacement = platform::ReplacementFile::beside(path);
-  int error = replacement.error;
-  if (replacement.file) {
-    const bool written = picture.save(QString::fromStdString(replacement.file->path()), "PNG");
-    error = written ? replacement.file->commit() : EIO;
+  QImage picture = wfView_->image();
+  if (picture.isNull()) {
+    picture = wfView_->grab().toImage();  // never painted so far
   }
-  if (error != 0) {
-    tellSaveFailed(path, platform::failureReason(error));
-  }
+  platform::globalQueue().async([picture, path] {
+    const int error = writePicture(picture, path);
+    if (error != 0) {
+      platform::mainQueue().async(
+          [path, error] { tellSaveFailed(path, platform::failureReason(error)); });
+    }
+  });
 }
 
 void VLRecorderWindowController::revealTempFile(QObject*) {}
@@ -370,7 +402,12 @@ bool VLRecorderWindowController::windowShouldClose(OVRecorderWindow*) {
   if (!isDocumentEdited()) {
     return true;
   }
-  if (!isPanelShown_) {
+  if (isPanelShown_ && !isQuestionShown_) {
+    // The panel has to be answered first, and the quit to be asked for again.
+    platform::applicationServices()->cancelTermination();
+    window_->raise();
+    window_->activateWindow();
+  } else if (!isQuestionShown_) {
     askToSave();
   }
   return false;
@@ -379,7 +416,7 @@ bool VLRecorderWindowController::windowShouldClose(OVRecorderWindow*) {
 void VLRecorderWindowController::askToSave() {
   using Role = platform::SheetRequest::Button::Role;
   const QString name = currentFilename_.empty() ? localized("Unnamed") : fileName(currentFilename_);
-  isPanelShown_ = true;
+  isPanelShown_ = isQuestionShown_ = true;
   platform::panels().beginSheet(
       {.window = window_.data(),
        .title = localized("Do you want to save the changes made to “%1”?").arg(name),
@@ -389,7 +426,7 @@ void VLRecorderWindowController::askToSave() {
                    {localized("Cancel"), kCancelClosing, Role::reject}}},
       [self = weak_from_this()](int returnCode) {
         if (const auto controller = self.lock()) {
-          controller->isPanelShown_ = false;
+          controller->isPanelShown_ = controller->isQuestionShown_ = false;
           controller->alertDidEnd(returnCode);
         }
       });

@@ -61,14 +61,10 @@ void VLRecorderWindowController::recPressed() {
     setOn(recButton_, false);  // no input device: nothing has changed, the user has been told
     return;
   }
-  if (recordingPosition() > bufferSizeInFrames()) {
-    // An undo has left it behind the end: a recording there would leave a hole.
-    setRecordingPosition(bufferSizeInFrames());
-    setWritingPosition(recordingPosition());
-  }
+  bringRecordingPositionInside();
   setEnabled(playButton_, false);
   buffer_->setWaypoint();
-  prevWaveform_ = waveForm_->copy();
+  keepHistory();
   registerUndo(&VLRecorderWindowController::undo, platform::textKey("Record"));
   if (wfView_) {
     wfView_->setScrollBack(true);
@@ -242,10 +238,11 @@ bool VLRecorderWindowController::validateMenuItem(MenuAction action) const {
       return !isFileIOActive_ && undoManager_ && undoManager_->canUndo();
     case MenuAction::redo:
       return !isFileIOActive_ && undoManager_ && undoManager_->canRedo();
-    case MenuAction::edit:
     case MenuAction::transport:
-    case MenuAction::file:
       return !isFileIOActive_;
+    case MenuAction::edit:
+    case MenuAction::file:
+      return !isFileIOActive_ && buffer_ != nullptr;
     case MenuAction::other:
       return true;
   }

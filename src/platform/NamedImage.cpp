@@ -19,26 +19,36 @@ QString pathOf(const QString& name, const QString& sizeMark) {
 
 }  // namespace
 
-NamedImage::NamedImage(const QImage& single, const QImage& doubled)
-    : single_(readyToDraw(single)), double_(readyToDraw(doubled)) {
-  if (!double_.isNull()) {
-    double_.setDevicePixelRatio(2.0);
+NamedImage::Version::Version(const QImage& image, double ratio)
+    : image_(readyToDraw(image)), ratio_(ratio) {
+  if (!image_.isNull()) {
+    image_.setDevicePixelRatio(ratio_);
   }
 }
 
+const QImage& NamedImage::Version::image() const {
+  if (!path_.isEmpty()) {
+    image_ = Version(QImage(std::exchange(path_, {})), ratio_).image_;
+  }
+  return image_;
+}
+
+NamedImage::NamedImage(const QImage& single, const QImage& doubled)
+    : single_(single, 1.0), double_(doubled, 2.0) {}
+
 NamedImage::NamedImage(const QString& name)
-    : NamedImage(QImage(pathOf(name, {})), QImage(pathOf(name, QStringLiteral("@2x")))) {}
+    : single_(pathOf(name, {}), 1.0), double_(pathOf(name, QStringLiteral("@2x")), 2.0) {}
 
 bool NamedImage::isNull() const {
-  return single_.isNull();
+  return single_.image().isNull();
 }
 
 QSizeF NamedImage::size() const {
-  return single_.deviceIndependentSize();
+  return single_.image().deviceIndependentSize();
 }
 
 const QImage& NamedImage::forRatio(qreal ratio) const {
-  return ratio > 1.0 && !double_.isNull() ? double_ : single_;
+  return ratio > 1.0 && !double_.image().isNull() ? double_.image() : single_.image();
 }
 
 }  // namespace platform

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include <QImage>
 #include <QSizeF>
 #include <QString>
@@ -8,7 +10,8 @@ namespace platform {
 
 /// An image of the program's resources, found by its file name: "stop.png" is ":/images/stop.png"
 /// at one pixel a point and ":/images/stop@2x.png" at two. A name that is not there gives a null
-/// image of no size.
+/// image of no size. Each version is decoded when it is first asked for: a window is shown before
+/// it is painted.
 ///
 /// Threads: main. Real-time: not safe.
 class NamedImage {
@@ -29,8 +32,23 @@ class NamedImage {
   [[nodiscard]] const QImage& forRatio(qreal ratio) const;
 
  private:
-  QImage single_;
-  QImage double_;  // null if there is none
+  /// A picture, or where it will come from.
+  class Version {
+   public:
+    Version() = default;
+    Version(QString path, double ratio) : path_(std::move(path)), ratio_(ratio) {}
+    Version(const QImage& image, double ratio);
+
+    [[nodiscard]] const QImage& image() const;
+
+   private:
+    mutable QString path_;  // empty once it has been read
+    mutable QImage image_;  // null if there is none
+    double ratio_ = 1.0;
+  };
+
+  Version single_;
+  Version double_;
 };
 
 }  // namespace platform

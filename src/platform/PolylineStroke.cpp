@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace platform {
 
@@ -42,21 +43,50 @@ void PolylineStroke::draw(QPainter& painter, const QRectF& area, std::span<const
   if (pixels.isEmpty()) {
     return;
   }
-  if (layer_.size() != pixels.size()) {
-    layer_ = QImage(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+  const Setting setting{
+      pixels.size(), toDevice * QTransform::fromTranslate(-pixels.x(), -pixels.y()), color, width};
+  if (!isInLayer(setting, points)) {
+    fillLayer(setting, points);
   }
-  layer_.fill(Qt::transparent);
-  const double scale = std::sqrt(std::abs(toDevice.determinant()));
-  collectPieces(points, toDevice * QTransform::fromTranslate(-pixels.x(), -pixels.y()),
-                width * scale / 2.0);
-  fillLayer(color, columnsPerPixel(scale));
-
+  if (firstRow_ >= endRow_) {
+    return;
+  }
+  const QRect filled(0, firstRow_, pixels.width(), endRow_ - firstRow_);
   painter.save();
   const double ratio = painter.device()->devicePixelRatio();
   painter.setWorldTransform(QTransform::fromScale(1.0 / ratio, 1.0 / ratio));
-  const QPointF corner = painter.deviceTransform().inverted().map(QPointF(pixels.topLeft()));
-  painter.drawImage(QRectF(corner, QSizeF(pixels.size())), layer_, QRectF(layer_.rect()));
+  const QPointF corner =
+      painter.deviceTransform().inverted().map(QPointF(pixels.topLeft() + filled.topLeft()));
+  painter.drawImage(QRectF(corner, QSizeF(filled.size())), layer_, QRectF(filled));
   painter.restore();
+}
+
+bool PolylineStroke::isInLayer(const Setting& setting, std::span<const QPointF> points) const {
+  // Bit by bit: the points' own comparison is a fuzzy one.
+  return !layer_.isNull() && setting == layerSetting_ && points.size() == layerPoints_.size() &&
+         (points.empty() ||
+          std::memcmp(points.data(), layerPoints_.data(), points.size_bytes()) == 0);
+}
+
+void PolylineStroke::fillLayer(const Setting& setting, std::span<const QPointF> points) {
+  layerSetting_ = setting;
+  layerPoints_.assign(points.begin(), points.end());
+  clearLayer(setting.size);
+  const double scale = std::sqrt(std::abs(setting.toLayer.determinant()));
+  collectPieces(points, setting.toLayer, setting.width * scale / 2.0);
+  fillColumns(setting.color, columnsPerPixel(scale));
+}
+
+void PolylineStroke::clearLayer(QSize size) {
+  if (layer_.size() != size) {
+    layer_ = QImage(size, QImage::Format_ARGB32_Premultiplied);
+    layer_.fill(Qt::transparent);
+  } else if (firstRow_ < endRow_) {
+    std::memset(layer_.scanLine(firstRow_), 0,
+                static_cast<std::size_t>((endRow_ - firstRow_) * layer_.bytesPerLine()));
+  }
+  firstRow_ = size.height();
+  endRow_ = 0;
 }
 
 void PolylineStroke::collectPieces(std::span<const QPointF> points, const QTransform& toLayer,
@@ -114,22 +144,22 @@ void PolylineStroke::addJoin(QPointF at, QPointF normalBefore, QPointF normalAft
 
 void PolylineStroke::addPiece(std::initializer_list<QPointF> corners) {
   Piece& piece = pieces_.emplace_back();
-  for (const QPointF& corner : corners) {
-    piece.x[piece.corners] = static_cast<float>(corner.x());
-    piece.y[piece.corners] = static_cast<float>(corner.y());
-    ++piece.corners;
+  for (std::size_t i = 0; i < kCorners; ++i) {
+    const QPointF& corner = corners.begin()[std::min(i, corners.size() - 1)];
+    piece.x[i] = static_cast<float>(corner.x());
+    piece.y[i] = static_cast<float>(corner.y());
   }
-  const auto [left, right] = std::minmax_element(piece.x.begin(), piece.x.begin() + corners.size());
+  piece.x[kCorners] = piece.x[0];
+  const auto [left, right] = std::minmax_element(piece.x.begin(), piece.x.end());
   piece.left = *left;
   piece.right = *right;
-  for (std::size_t i = 0; i < piece.corners; ++i) {
-    const std::size_t next = i + 1 < piece.corners ? i + 1 : 0;
-    const float dx = piece.x[next] - piece.x[i];
-    piece.slope[i] = dx == 0.0F ? 0.0F : (piece.y[next] - piece.y[i]) / dx;
+  for (std::size_t i = 0; i < kCorners; ++i) {
+    const float dx = piece.x[i + 1] - piece.x[i];
+    piece.slope[i] = dx == 0.0F ? 0.0F : (piece.y[(i + 1) % kCorners] - piece.y[i]) / dx;
   }
 }
 
-void PolylineStroke::fillLayer(const QColor& color, int columnsPerPixel) {
+void PolylineStroke::fillColumns(const QColor& color, int columnsPerPixel) {
   const int height = layer_.height();
   const std::array<QRgb, 256> colors = coverageColors(color);
   const float weight = 1.0F / static_cast<float>(columnsPerPixel);
@@ -145,9 +175,14 @@ void PolylineStroke::fillLayer(const QColor& color, int columnsPerPixel) {
       collectIntervals(static_cast<float>(x) + center, static_cast<float>(height));
       countIntervals(weight);
     }
+    const int first = static_cast<int>(touched_.top);
     const int last = std::min(height - 1, static_cast<int>(touched_.bottom));
+    if (first <= last) {
+      firstRow_ = std::min(firstRow_, first);
+      endRow_ = std::max(endRow_, last + 1);
+    }
     float coverage = 0.0F;
-    for (int row = static_cast<int>(touched_.top); row <= last; ++row) {
+    for (int row = first; row <= last; ++row) {
       float& change = change_[static_cast<std::size_t>(row)];
       coverage += change;
       change = 0.0F;
@@ -159,68 +194,69 @@ void PolylineStroke::fillLayer(const QColor& color, int columnsPerPixel) {
   }
 }
 
+// Without a branch: which edges a column cuts changes from piece to piece.
+inline PolylineStroke::Interval PolylineStroke::slice(const Piece& piece, float x) {
+  std::array<float, kCorners> top{};
+  std::array<float, kCorners> bottom{};
+  for (std::size_t i = 0; i < kCorners; ++i) {
+    const bool cut = (piece.x[i] <= x) != (piece.x[i + 1] <= x);
+    const float y = piece.y[i] + (x - piece.x[i]) * piece.slope[i];
+    top[i] = cut ? y : HUGE_VALF;
+    bottom[i] = cut ? y : -HUGE_VALF;
+  }
+  return {std::min(std::min(top[0], top[1]), std::min(top[2], top[3])),
+          std::max(std::max(bottom[0], bottom[1]), std::max(bottom[2], bottom[3]))};
+}
+
 void PolylineStroke::collectIntervals(float x, float height) {
   while (nextPiece_ < pieces_.size() && pieces_[nextPiece_].left <= x) {
-    active_.push_back(nextPiece_++);
+    active_.push_back(&pieces_[nextPiece_++]);
   }
-  intervals_.clear();
+  intervals_.resize(std::max(intervals_.size(), active_.size()));
+  Interval* const intervals = intervals_.data();
+  std::size_t count = 0;
   std::size_t kept = 0;
-  for (const std::size_t index : active_) {
-    const Piece& piece = pieces_[index];
-    if (piece.right <= x) {
+  for (const Piece* const piece : active_) {
+    if (piece->right <= x) {
       continue;
     }
-    active_[kept++] = index;
-    const Interval cut = slice(piece, x);
+    active_[kept++] = piece;
+    const Interval cut = slice(*piece, x);
     const Interval inside{std::max(cut.top, 0.0F), std::min(cut.bottom, height)};
     if (inside.top < inside.bottom) {
-      insertInterval(inside);
+      // A column holds a handful of intervals, nearly in order already.
+      std::size_t place = count++;
+      for (; place > 0 && intervals[place - 1].top > inside.top; --place) {
+        intervals[place] = intervals[place - 1];
+      }
+      intervals[place] = inside;
     }
   }
   active_.resize(kept);
-}
-
-// A column holds a handful of intervals, nearly in order already.
-void PolylineStroke::insertInterval(Interval interval) {
-  std::size_t place = intervals_.size();
-  intervals_.push_back(interval);
-  for (; place > 0 && intervals_[place - 1].top > interval.top; --place) {
-    intervals_[place] = intervals_[place - 1];
-  }
-  intervals_[place] = interval;
-}
-
-PolylineStroke::Interval PolylineStroke::slice(const Piece& piece, float x) {
-  Interval cut{HUGE_VALF, -HUGE_VALF};
-  for (std::size_t i = 0; i < piece.corners; ++i) {
-    const std::size_t next = i + 1 < piece.corners ? i + 1 : 0;
-    if ((piece.x[i] <= x) != (piece.x[next] <= x)) {
-      const float y = piece.y[i] + (x - piece.x[i]) * piece.slope[i];
-      cut.top = std::min(cut.top, y);
-      cut.bottom = std::max(cut.bottom, y);
-    }
-  }
-  return cut;
+  intervalCount_ = count;
 }
 
 void PolylineStroke::countIntervals(float weight) {
-  for (std::size_t i = 0; i < intervals_.size();) {
+  float* const change = change_.data();
+  Interval touched = touched_;
+  for (std::size_t i = 0; i < intervalCount_;) {
     Interval joined = intervals_[i];
-    for (++i; i < intervals_.size() && intervals_[i].top <= joined.bottom; ++i) {
+    for (++i; i < intervalCount_ && intervals_[i].top <= joined.bottom; ++i) {
       joined.bottom = std::max(joined.bottom, intervals_[i].bottom);
     }
-    touched_.top = std::min(touched_.top, joined.top);
-    touched_.bottom = std::max(touched_.bottom, joined.bottom);
+    touched.top = std::min(touched.top, joined.top);
+    touched.bottom = std::max(touched.bottom, joined.bottom);
     // A row that an end cuts is covered in part: the rest of the change comes a row later.
     const auto top = static_cast<std::size_t>(joined.top);
     const auto bottom = static_cast<std::size_t>(joined.bottom);
     const float topPart = joined.top - static_cast<float>(top);
     const float bottomPart = joined.bottom - static_cast<float>(bottom);
-    change_[top] += weight * (1.0F - topPart);
-    change_[top + 1] += weight * topPart;
-    change_[bottom] -= weight * (1.0F - bottomPart);
-    change_[bottom + 1] -= weight * bottomPart;
+    change[top] += weight * (1.0F - topPart);
+    change[top + 1] += weight * topPart;
+    change[bottom] -= weight * (1.0F - bottomPart);
+    change[bottom + 1] -= weight * bottomPart;
   }
+  touched_ = touched;
 }
 
 }  // namespace platform

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <QFileDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -53,6 +54,7 @@ void QtPanels::beginOpenPanel(const OpenPanelRequest& request, OpenAnswer answer
   panel->setAcceptMode(QFileDialog::AcceptOpen);
   panel->setFileMode(request.allowsMultipleSelection ? QFileDialog::ExistingFiles
                                                      : QFileDialog::ExistingFile);
+  panel->setOption(QFileDialog::HideNameFilterDetails);  // a list of 18 patterns
   panel->setNameFilters({nameFilter(request.fileTypes), localized("All Files") + " (*)"});
   panel->setLabelText(QFileDialog::Accept, request.acceptLabel);
   QObject::connect(
@@ -83,6 +85,9 @@ void QtPanels::beginSheet(const SheetRequest& request, SheetAnswer answer) {
   sheet->setWindowTitle(localized("Orvo"));
   sheet->setText(request.title);
   sheet->setInformativeText(request.message);
+  for (QLabel* const label : sheet->findChildren<QLabel*>()) {
+    label->setTextFormat(Qt::PlainText);  // names of files stand in it
+  }
   for (const auto& button : request.buttons) {
     QPushButton* const added = sheet->addButton(button.title, roleOf(button.role));
     added->setProperty("returnCode", button.returnCode);

@@ -8,7 +8,7 @@ namespace platform {
 
 /// The documents that were opened lately, in the desktop's own list. Tests put in one of their own.
 ///
-/// Threads: main. Real-time: not safe.
+/// Threads: any, one at a time. Real-time: not safe.
 class RecentDocuments {
  public:
   virtual ~RecentDocuments() = default;

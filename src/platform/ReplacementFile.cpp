@@ -10,6 +10,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/PosixFile.h"
+
 namespace platform {
 namespace {
 
@@ -143,6 +145,14 @@ ReplacementFile::~ReplacementFile() {
   if (!committed_) {
     ::unlink(path_.c_str());
   }
+}
+
+int ReplacementFile::write(const void* data, std::uint64_t byteCount) {
+  const int descriptor = ::open(path_.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+  if (descriptor < 0) {
+    return errno;
+  }
+  return PosixFile(descriptor).writeAt(data, byteCount, 0).error;
 }
 
 int ReplacementFile::commit() {

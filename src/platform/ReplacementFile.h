@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -32,6 +33,9 @@ class ReplacementFile {
 
   /// Path of the new file. What is written there must be closed before commit().
   [[nodiscard]] const std::string& path() const { return path_; }
+
+  /// Replaces what the new file holds. 0, or the errno of the failure.
+  [[nodiscard]] int write(const void* data, std::uint64_t byteCount);
 
   /// Brings the new file to the disk and puts it in the target's place. 0, or the errno of the
   /// failure: then the target is as it was.

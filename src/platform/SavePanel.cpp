@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLineEdit>
@@ -50,18 +51,26 @@ SavePanel::SavePanel(const SavePanelRequest& request)
   selectFile(QString::fromStdString(withSuffix(request.suggestedName, suffixes_)));
 }
 
+// In the place of the dialog's own choice, which filters what is listed and here chooses nothing.
 void SavePanel::addAccessory(QWidget* accessory) {
-  if (accessory == nullptr) {
-    return;
-  }
-  // In the place of the dialog's own choice, which filters what is listed and here chooses nothing.
-  for (const char* const name : {"fileTypeLabel", "fileTypeCombo"}) {
-    if (auto* const own = findChild<QWidget*>(name)) {
+  auto* const filters = findChild<QWidget*>("fileTypeCombo");
+  for (QWidget* const own : {findChild<QWidget*>("fileTypeLabel"), filters}) {
+    if (own != nullptr) {
       own->hide();
     }
   }
+  if (accessory == nullptr) {
+    return;
+  }
   if (auto* const grid = qobject_cast<QGridLayout*>(layout())) {
-    grid->addWidget(accessory, grid->rowCount(), 0, 1, -1);
+    int row = grid->rowCount();
+    int column = 0;
+    int rows = 1;
+    int columns = 1;
+    if (const int place = grid->indexOf(filters); place >= 0) {
+      grid->getItemPosition(place, &row, &column, &rows, &columns);
+    }
+    grid->addWidget(accessory, row, 0, rows, column + columns);
   }
   accessory->setParent(this);
   accessory->show();
@@ -75,7 +84,11 @@ QString SavePanel::shownName() const {
   return edit == nullptr ? QString() : edit->text();
 }
 
+// What is selected in the list would count in place of a name that was not typed.
 void SavePanel::showName(const QString& name) {
+  if (auto* const list = findChild<QAbstractItemView*>("listView")) {
+    list->clearSelection();
+  }
   if (auto* const edit = findChild<QLineEdit*>("fileNameEdit")) {
     edit->setText(name);
   }

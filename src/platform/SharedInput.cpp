@@ -36,7 +36,7 @@ AudioStatus SharedInput::acquire(const std::shared_ptr<InputUser>& user) {
       static_cast<void>(takeFramesLostInSystem());
     }
     users_.push_back(user);
-    if (state_ == State::kOpen) {
+    if (state_ == State::kOpen || (state_ == State::kOpening && preparing_)) {
       return kAudioStatusOk;
     }
     if (state_ != State::kOpening) {
@@ -67,6 +67,7 @@ void SharedInput::prepare() {
   const std::lock_guard lock(mutex_);
   if (state_ == State::kClosed || state_ == State::kFailed) {
     beginOpening();
+    preparing_ = true;
   }
 }
 
@@ -77,6 +78,7 @@ bool SharedInput::takeFailureReport() {
 
 void SharedInput::beginOpening() {
   state_ = State::kOpening;
+  preparing_ = false;
   openingSince_ = clock_->now();
   control_->post([self = shared_from_this()](AudioDevice& device) { self->open(device); });
 }

@@ -41,7 +41,8 @@ class SharedInput final : public AudioInputClient,
                                                            std::shared_ptr<AudioClock> clock);
 
   /// Counts `user` in and opens the device if it is not open. Waits for it until kLongestWait after
-  /// the opening began, then says yes. A failure that it answers has not counted the user in; a
+  /// the opening began, then says yes; an opening that prepare() began is not waited for, so that
+  /// the first window is shown meanwhile. A failure that it answers has not counted the user in; a
   /// later one arrives at the user and counts it out.
   [[nodiscard]] AudioStatus acquire(const std::shared_ptr<InputUser>& user);
 
@@ -100,6 +101,7 @@ class SharedInput final : public AudioInputClient,
   std::mutex mutex_;
   // guarded by mutex_
   State state_ = State::kClosed;
+  bool preparing_ = false;  // the opening under way, if any, was begun by prepare()
   AudioClock::TimePoint openingSince_;
   AudioClock::TimePoint unusedSince_;
   KnownFailure failure_;

@@ -18,6 +18,7 @@
 #include <QDir>
 #include <QFile>
 
+#include "platform/AbsolutePath.h"
 #include "platform/ApplicationServices.h"
 #include "platform/FailureReason.h"
 #include "platform/FileAddress.h"
@@ -125,26 +126,6 @@ void makeFolder(const fs::path& folder) {
   }
   makeFolder(folder.parent_path());
   ::mkdir(folder.c_str(), kPrivateFolder);
-}
-
-// Without "." and "..". Where a name before ".." is a link, only the file system knows what it
-// leads to. Empty for what is no path.
-std::string absolutePathOf(const std::string& path) {
-  if (path.empty() || path.find('\0') != std::string::npos) {
-    return {};
-  }
-  std::error_code error;
-  fs::path absolute = fs::absolute(path, error);
-  if (error) {
-    return {};
-  }
-  if (std::find(absolute.begin(), absolute.end(), "..") != absolute.end()) {
-    const fs::path folder = fs::weakly_canonical(absolute.parent_path(), error);
-    if (!error) {
-      absolute = folder / absolute.filename();
-    }
-  }
-  return absolute.lexically_normal().string();
 }
 
 void reportFailure(const std::string& list, const std::string& reason) {

@@ -20,7 +20,7 @@ namespace platform {
 /// written or is larger than kLargestList is left as it is, with one line to the console for each
 /// document that is not noted. An empty file counts as an empty list.
 ///
-/// Threads: main. Real-time: not safe.
+/// Threads: any, one at a time. Real-time: not safe.
 class XbelRecentDocuments : public RecentDocuments {
  public:
   /// In bytes: ten thousand entries. Desktops keep a thousand at most.

@@ -44,19 +44,61 @@ void OVWaveFormDrawing::drawGradient(QPainter& painter, QSizeF size) {
 }
 
 void OVWaveFormDrawing::drawGrid(QPainter& painter, QSizeF size, double bg_scroll_x) {
-  const double width = size.width();
-  const double height = size.height();
+  drawLevelLines(painter, size);
+  drawUprightLines(painter, size, bg_scroll_x);
+}
+
+void OVWaveFormDrawing::drawLevelLines(QPainter& painter, QSizeF size) {
   lines_.clear();
-  for (int i = 0; i * kGridSpacing < height; ++i) {
+  for (int i = 0; i * kGridSpacing < size.height(); ++i) {
     const double y = i * kGridSpacing;
     // The slight slant belongs to the look.
-    lines_.emplace_back(0.0, y + 12.5, width + 0.5, y + 12.0);
-  }
-  for (int i = 0; i * kGridSpacing < width; ++i) {
-    const double lineX = bg_scroll_x + 0.5 + i * kGridSpacing;
-    lines_.emplace_back(lineX, 0.0, lineX, height);
+    lines_.emplace_back(0.0, y + 12.5, size.width() + 0.5, y + 12.0);
   }
   strokeLines(painter, kGridColor);
+}
+
+void OVWaveFormDrawing::drawUprightLines(QPainter& painter, QSizeF size, double bg_scroll_x) {
+  const auto isWhole = [](double number) { return std::floor(number) == number; };
+  // Where lines fill whole pixels, nothing needs to be smoothed, and a rectangle is the same.
+  const bool fillPixels = isWhole(bg_scroll_x) && isWhole(platform::devicePixelsPerPoint(painter));
+  painter.setRenderHint(QPainter::Antialiasing, !fillPixels);
+  lines_.clear();
+  for (int i = 0; i * kGridSpacing < size.width(); ++i) {
+    const double left = bg_scroll_x + i * kGridSpacing;
+    if (fillPixels) {
+      painter.fillRect(QRectF(left, 0.0, kLineWidth, size.height()), kGridColor);
+    } else {
+      lines_.emplace_back(left + 0.5, 0.0, left + 0.5, size.height());
+    }
+  }
+  painter.setRenderHint(QPainter::Antialiasing);
+  strokeLines(painter, kGridColor);
+}
+
+void OVWaveFormDrawing::drawBackground(QPainter& painter, QSizeF size, double bg_scroll_x) {
+  const double ratio = painter.device()->devicePixelRatio();
+  const QSize pixels(painter.device()->width(), painter.device()->height());
+  if (still_.size() != pixels || still_.devicePixelRatio() != ratio || stillSize_ != size) {
+    renderStill(pixels, ratio, size);
+  }
+  painter.save();
+  painter.resetTransform();
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  painter.drawImage(QPointF(0.0, 0.0), still_);
+  painter.restore();
+  drawUprightLines(painter, size, bg_scroll_x);
+}
+
+void OVWaveFormDrawing::renderStill(QSize pixels, double ratio, QSizeF size) {
+  still_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+  still_.fill(Qt::black);
+  still_.setDevicePixelRatio(ratio);
+  stillSize_ = size;
+  QPainter painter(&still_);
+  platform::useViewCoordinates(painter, size);
+  drawGradient(painter, size);
+  drawLevelLines(painter, size);
 }
 
 void OVWaveFormDrawing::drawWaveform(QPainter& painter, QSizeF size,

@@ -14,7 +14,7 @@
 
 /// The layers of the waveform picture. Each draws into a painter in view coordinates
 /// (platform::useViewCoordinates) for a view of the given size in points. Holds nothing but
-/// memory, reused from one drawing to the next.
+/// memory and what it drew last, used again where it would come out the same.
 ///
 /// Threads: one at a time, the main one in a view. Real-time: not safe.
 class OVWaveFormDrawing {
@@ -32,6 +32,9 @@ class OVWaveFormDrawing {
   /// right. The horizontal ones end half a point lower than they begin.
   void drawGrid(QPainter& painter, QSizeF size, double bg_scroll_x);
 
+  /// The gradient and the grid. What does not move is kept from one drawing to the next.
+  void drawBackground(QPainter& painter, QSizeF size, double bg_scroll_x);
+
   /// One zig-zag through all elements, a bar of 2 × element × 40 % of the height at
   /// (i + 1) × width / n for element i of n, centred on the middle. `alpha`, 0 to 1, holds for
   /// the zig-zag as a whole. Elements that are not numbers count as 0.
@@ -47,9 +50,14 @@ class OVWaveFormDrawing {
                           const QImage& picture);
 
  private:
+  void drawLevelLines(QPainter& painter, QSizeF size);
+  void drawUprightLines(QPainter& painter, QSizeF size, double bg_scroll_x);
+  void renderStill(QSize pixels, double ratio, QSizeF size);
   void collectZigzag(QSizeF size, std::span<const float> elements);
   void strokeLines(QPainter& painter, const QColor& color);
 
+  QImage still_;  // the gradient and the level lines, in device pixels
+  QSizeF stillSize_;
   std::vector<QLineF> lines_;
   std::vector<QPointF> zigzag_;
   platform::PolylineStroke zigzagStroke_;

@@ -82,10 +82,14 @@ void OVWaveFormView::drawGradient(QPainter& painter) {
 }
 
 void OVWaveFormView::drawGrid(QPainter& painter) {
+  scrollGrid();
+  drawing_.drawGrid(painter, size(), bg_scroll_x_);
+}
+
+void OVWaveFormView::scrollGrid() {
   if (scrollBack_) {
     bg_scroll_x_ = OVWaveFormDrawing::nextGridOffset(bg_scroll_x_);
   }
-  drawing_.drawGrid(painter, size(), bg_scroll_x_);
 }
 
 void OVWaveFormView::drawWaveform(QPainter& painter, double alpha) {
@@ -132,8 +136,8 @@ void OVWaveFormView::render(std::uint64_t elementCount) {
   }
   QPainter painter(&image_);
   platform::useViewCoordinates(painter, size());
-  drawGradient(painter);
-  drawGrid(painter);
+  scrollGrid();
+  drawing_.drawBackground(painter, size(), bg_scroll_x_);
   if (elementCount != 0) {
     drawWaveform(painter, 1.0);
   }

@@ -110,6 +110,7 @@ class OVWaveFormView : public QWidget {
   [[nodiscard]] bool needsRendering(std::uint64_t elementCount) const;
   void render(std::uint64_t elementCount);
   void prepareBitmap();
+  void scrollGrid();
   [[nodiscard]] double markerPosition() const;
   [[nodiscard]] std::optional<double> positionAfterKey(const QKeyEvent& event) const;
 

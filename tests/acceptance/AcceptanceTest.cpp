@@ -114,6 +114,27 @@ void AcceptanceTest::expectOneAlertAndDismissIt() {
   ASSERT_TRUE(orvo_->activateWindow(*screen_));
 }
 
+void AcceptanceTest::answerSheet(Answer given) {
+  ASSERT_TRUE(eventually([&] { return alerts().size() == 1; }));
+  ASSERT_NO_FATAL_FAILURE(answer(alerts().front(), given));
+}
+
+void AcceptanceTest::answer(const Window& sheet, Answer answer) {
+  ASSERT_TRUE(screen_->activate(sheet));
+  switch (answer) {
+    case Answer::save:
+      ASSERT_TRUE(screen_->pressKey("Return"));
+      break;
+    case Answer::dontSave:  // the button beside Save
+      ASSERT_TRUE(screen_->pressKey("Tab") && screen_->pressKey("space"));
+      break;
+    case Answer::cancel:
+      ASSERT_TRUE(screen_->pressKey("Escape"));
+      break;
+  }
+  ASSERT_TRUE(screen_->waitUntilGone(sheet));
+}
+
 AcceptanceTest::Window AcceptanceTest::openFurtherWindow(std::chrono::milliseconds patience) {
   const auto before = screen_->windowsOf(orvo_->pid(), "Orvo - ");
   std::vector<Window> now;

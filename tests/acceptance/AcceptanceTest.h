@@ -49,10 +49,18 @@ class AcceptanceTest : public testing::Test {
   void beginPlaying();
   void waitUntilPlayed();
 
-  /// Alerts on the screen.
+  /// Alerts, and questions about unsaved changes, on the screen.
   [[nodiscard]] std::vector<Window> alerts() const;
   /// Waits for an alert, expects it to be the only one, and presses its button.
   void expectOneAlertAndDismissIt();
+
+  /// Answers to the question whether to save the changes.
+  enum class Answer { save, dontSave, cancel };
+  /// Waits for the question whether to save the changes, the only one there is, and answers it by
+  /// its keys.
+  void answerSheet(Answer answer);
+  /// The same for a question that is known.
+  void answer(const Window& sheet, Answer answer);
 
   /// Presses the keys of New Recorder and waits for the further window; empty when none came
   /// within `patience`.

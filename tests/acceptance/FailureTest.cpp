@@ -115,6 +115,8 @@ TEST_F(Failure, WindowReactsAndClosesWhileTheServerHangsDuringARecording) {
   ASSERT_TRUE(screen_->pressKey("r"));
   ASSERT_NO_FATAL_FAILURE(expectUsable());
   ASSERT_TRUE(screen_->close(orvo_->window()));
+  ASSERT_TRUE(eventually([&] { return !alerts().empty(); }, kAtOnce));
+  ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::dontSave));
   EXPECT_TRUE(eventually([&] { return !screen_->isVisible(orvo_->window()); }, kAtOnce));
   EXPECT_EQ(orvo_->process().waitForExit(kAtOnce), (ExitStatus{0, 0}));
 }
@@ -127,6 +129,8 @@ TEST_F(Failure, QuittingWorksWhileTheServerHangsDuringPlayback) {
   ASSERT_NO_FATAL_FAILURE(expectUsable());
   ASSERT_TRUE(screen_->pressKey("space"));
   ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  ASSERT_TRUE(eventually([&] { return !alerts().empty(); }, kAtOnce));
+  ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::dontSave));
   EXPECT_EQ(orvo_->process().waitForExit(kAtOnce), (ExitStatus{0, 0}));
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -20,19 +21,21 @@
 #include "support/RecordingServices.h"
 #include "support/ScriptedPanels.h"
 
-/// Recent documents that are kept for the test alone. Threads: main.
+/// Recent documents that are kept for the test alone. Threads: any.
 class KeptRecentDocuments : public platform::RecentDocuments {
  public:
   void noteNewRecentDocument(const std::string& path) override {
-    noted.insert(noted.begin(), path);
+    const std::lock_guard lock(mutex_);
+    noted_.insert(noted_.begin(), path);
   }
   [[nodiscard]] std::vector<std::string> recentDocuments(std::size_t most) const override {
-    return {noted.begin(), noted.begin() + static_cast<long>(std::min(most, noted.size()))};
+    const std::lock_guard lock(mutex_);
+    return {noted_.begin(), noted_.begin() + static_cast<long>(std::min(most, noted_.size()))};
   }
 
-  std::vector<std::string> noted;
-
  private:
+  mutable std::mutex mutex_;
+  std::vector<std::string> noted_;  // guarded by mutex_
   platform::RecentDocumentsInstallation installation_{*this};
 };
 

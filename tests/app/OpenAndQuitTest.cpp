@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "app/AppFixture.h"
-#include "app/OVOpenEvents.h"
+#include "app/OVApplicationEvents.h"
 #include "audio/OVAQRecorder.h"
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
@@ -97,7 +97,8 @@ TEST_F(OpenAndQuitTest, ARelativePathCountsFromTheWorkingFolder) {
   std::filesystem::current_path(before);
   awaitAllIdle();
   EXPECT_EQ(documentOf(windows().at(0))->buffer()->bufferSizeInFrames(), 1000U);
-  EXPECT_THAT(recent_.noted, ElementsAre(at("take.wav")));
+  EXPECT_TRUE(runMainLoopUntil([&] { return !recent_.recentDocuments(1).empty(); }));
+  EXPECT_THAT(recent_.recentDocuments(9), ElementsAre(at("take.wav")));
 }
 
 TEST_F(OpenAndQuitTest, TheOpenPanelOpensEachChosenFile) {
@@ -143,7 +144,9 @@ TEST_F(OpenAndQuitTest, WhatIsNoFileCannotBeDropped) {
 
 TEST_F(OpenAndQuitTest, TheDesktopsOpenEventOpensItsFile) {
   std::vector<std::string> opened;
-  OVOpenEvents events([&opened](const std::string& path) { opened.push_back(path); });
+  OVApplicationEvents events(
+      {.openFile = [&opened](const std::string& path) { opened.push_back(path); },
+       .terminate = [] {}});
   QFileOpenEvent event(QStringLiteral("/tmp/take.wav"));
   EXPECT_TRUE(events.eventFilter(nullptr, &event));
   EXPECT_THAT(opened, ElementsAre("/tmp/take.wav"));
@@ -155,8 +158,10 @@ TEST_F(OpenAndQuitTest, OpenRecentListsTheLatestFilesAndOpensThem) {
   OVRecorderWindow* const window = windows().at(0);
   auto* const recent = window->findChild<QMenu*>("Open Recent");
   ASSERT_NE(recent, nullptr);
-  Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
-  ASSERT_EQ(recent->actions().size(), 1);
+  EXPECT_TRUE(runMainLoopUntil([&] {
+    Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
+    return recent->actions().size() == 1;
+  }));
   EXPECT_EQ(recent->actions().at(0)->text(), "salt && pepper.wav");
   recent->actions().at(0)->trigger();
   EXPECT_EQ(windows().size(), 2U);
@@ -255,15 +260,48 @@ TEST_F(OpenAndQuitTest, EachOfSeveralEditedWindowsAsks) {
   EXPECT_TRUE(awaitQuit());
 }
 
-TEST_F(OpenAndQuitTest, CancelInOneOfTwoWindowsKeepsBothAndTheProgram) {
+TEST_F(OpenAndQuitTest, CancelInOneOfTwoWindowsKeepsItAndTheProgram) {
   answerQuestionsWith(std::nullopt);
   spawnEdited();
   spawnEdited();
   delegate_.terminate();
   panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
-  panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
   EXPECT_FALSE(delegate_.isTerminating());
-  EXPECT_EQ(windows().size(), 2U);
+  panels_->answerSheet(VLRecorderWindowController::kDontSave);
+  EXPECT_TRUE(runMainLoopUntil([] { return windows().size() == 1; }));
+  EXPECT_EQ(quits_, 0);
+  EXPECT_FALSE(delegate_.isTerminating());
+}
+
+TEST_F(OpenAndQuitTest, AnEditedWindowWithAPanelEndsTheQuit) {
+  answerQuestionsWith(std::nullopt);
+  OVRecorderWindow* const window = spawnEdited();
+  item(window, "Import…")->trigger();
+  delegate_.terminate();
+  EXPECT_EQ(panels_->sheets(), 0U);
+  EXPECT_FALSE(delegate_.isTerminating());
+  panels_->answerOpen({});
+  delegate_.terminate();
+  EXPECT_EQ(panels_->sheets(), 1U);
+}
+
+TEST_F(OpenAndQuitTest, TheDesktopsQuitAsksAsTheCommandDoes) {
+  int asked = 0;
+  OVApplicationEvents events(
+      {.openFile = [](const std::string&) {}, .terminate = [&] { ++asked; }});
+  QEvent quit(QEvent::Quit);
+  EXPECT_TRUE(events.eventFilter(nullptr, &quit));
+  EXPECT_EQ(asked, 1);
+}
+
+TEST_F(OpenAndQuitTest, WhatIsNoPathIsToldAndNotACrash) {
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(folder_.makeFolder("gone"));
+  std::filesystem::remove(at("gone"));
+  delegate_.applicationOpenFiles({"", "take.wav"});
+  std::filesystem::current_path(before);
+  awaitAllIdle();
+  EXPECT_EQ(services_->alerts().size(), 2U);
 }
 
 TEST_F(OpenAndQuitTest, QuittingWhileRecordingPausesAndAsks) {

@@ -2,7 +2,8 @@
 //
 //   orvo_demonstration record FOLDER PROGRAM [FILE…]
 //       On a virtual screen, with a private sound server: records a tune through the window, plays
-//       it, and leaves pictures and what was heard in FOLDER. Ends by itself.
+//       it, saves it through the save panel, opens it again, and leaves pictures, the saved files
+//       and what was heard in FOLDER. Ends by itself.
 //   orvo_demonstration foreground PROGRAM [FILE…]
 //       On the screen that is there, with a private sound server that hears the tune.
 
@@ -50,12 +51,15 @@ std::unique_ptr<PrivateSoundServer> startServer() {
 class Demonstration {
  public:
   Demonstration(std::string folder, std::string program, std::vector<std::string> files)
-      : folder_(std::move(folder)), program_(std::move(program)), files_(std::move(files)) {
+      : folder_(std::move(folder)),
+        program_(std::filesystem::absolute(program)),
+        files_(std::move(files)) {
     std::string error;
     screen_ = VirtualScreen::start(error);
     need(screen_ != nullptr, error);
     server_ = startServer();
     std::filesystem::create_directories(folder_);
+    folder_ = std::filesystem::canonical(folder_);
     need(writeRaw(scratch_.file("tune"), tune_), "the tune cannot be written");
     need(writeWav(folder_ + "/fed.wav", tune_), folder_ + " cannot be written to");
     left("fed.wav", "what was played into the microphone's place");
@@ -63,12 +67,7 @@ class Demonstration {
 
   void run(int scale) {
     scale_ = scale;
-    std::string error;
-    RunningOrvo::Options options;
-    options.files = files_;
-    options.scale = scale;
-    auto started = RunningOrvo::start(program_, *screen_, server_->environment(), options, error);
-    const auto orvo = needed(std::move(started), error);
+    const auto orvo = start(files_);
     const auto capture =
         needed(server_->captureHeard(scratch_.file("heard")), "what is heard cannot be recorded");
     picture(*orvo, "empty", "a new window", true);
@@ -76,10 +75,23 @@ class Demonstration {
     play(*orvo);
     capture->end();
     listen();
-    orvo->process().end();
+    save(*orvo);
+    quitUnsaved(*orvo);
+    open();
   }
 
  private:
+  /// Its panels begin in the folder that everything is left in.
+  std::unique_ptr<RunningOrvo> start(const std::vector<std::string>& files) {
+    std::string error;
+    RunningOrvo::Options options;
+    options.files = files;
+    options.scale = scale_;
+    options.wrapper = {"env", "-C", folder_};
+    auto started = RunningOrvo::start(program_, *screen_, server_->environment(), options, error);
+    return needed(std::move(started), error);
+  }
+
   void record(const RunningOrvo& orvo) {
     need(screen_->pressKey("r") && orvo.waitUntilRecorded(1), "R starts no recording");
     const auto player =
@@ -105,6 +117,68 @@ class Demonstration {
     picture(orvo, "stopped", "after playing", true);
   }
 
+  [[nodiscard]] std::string scaled(const std::string& name, const std::string& suffix) const {
+    return name + "-" + std::to_string(scale_) + "x." + suffix;
+  }
+
+  /// The window of a panel or a question, with the keyboard.
+  [[nodiscard]] VirtualScreen::Window panel(const RunningOrvo& orvo, const std::string& title) {
+    VirtualScreen::Window found;
+    need(eventually([&] {
+           for (const auto& window : screen_->windowsOf(orvo.pid(), title)) {
+             found = screen_->titleOf(window) == title ? window : found;
+           }
+           return !found.empty();
+         }) &&
+             screen_->activate(found),
+         "no window “" + title + "” comes");
+    return found;
+  }
+
+  void save(const RunningOrvo& orvo) {
+    saveAs(orvo, "wav", 0);
+    saveAs(orvo, "m4a", 3);
+  }
+
+  /// Chooses the kind of this number in the save panel and types a name.
+  void saveAs(const RunningOrvo& orvo, const std::string& suffix, int kind) {
+    const std::string name = scaled("take", suffix);
+    std::filesystem::remove(folder_ + "/" + name);  // of the last time: nothing is to be replaced
+    need(screen_->pressKey("ctrl+shift+s"), "the save panel cannot be asked for");
+    const auto shown = panel(orvo, "Save As");
+    bool typed = screen_->pressKey("alt+t") && screen_->pressKey("Home");
+    for (int i = 0; i < kind; ++i) {
+      typed = typed && screen_->pressKey("Down");
+    }
+    typed =
+        typed && screen_->pressKey("alt+n") && screen_->pressKey("ctrl+a") && screen_->type(name);
+    need(typed, "no name can be typed");
+    picture(shown, "save-panel-" + suffix, "the save panel", true);
+    need(screen_->pressKey("Return") &&
+             eventually([&] { return screen_->titleOf(orvo.window()) == "Orvo - " + name; }),
+         name + " is not saved");
+    left(name, "what was saved");
+  }
+
+  void quitUnsaved(RunningOrvo& orvo) {
+    const std::uint64_t before = orvo.recordedFrames();
+    need(screen_->pressKey("r") && orvo.waitUntilRecorded(before + 1), "R starts no recording");
+    need(screen_->pressKey("ctrl+q"), "Quit cannot be asked for");
+    picture(panel(orvo, "Orvo"), "unsaved", "the question about unsaved changes", true);
+    need(screen_->pressKey("Tab") && screen_->pressKey("space") &&
+             orvo.process().waitForExit() == ExitStatus{0, 0},
+         "Don't Save does not end it");
+  }
+
+  void open() {
+    const auto orvo = start({folder_ + "/" + scaled("take", "wav")});
+    need(screen_->screenshotAtRest(orvo->window(), scratch_.file("loaded.png")),
+         "the saved file is not shown");
+    picture(*orvo, "opened", "the saved file, opened again", true);
+    need(screen_->pressKey("ctrl+q") && orvo->process().waitForExit() == ExitStatus{0, 0},
+         "it does not quit");
+  }
+
   /// How many frames of the tune stand there without a difference, from its beginning on.
   [[nodiscard]] std::size_t exactFrames(const Samples& in) const {
     const auto start = findStart(tune_, in);
@@ -112,7 +186,7 @@ class Demonstration {
   }
 
   void listen() {
-    const std::string name = "heard-" + std::to_string(scale_) + "x.wav";
+    const std::string name = scaled("heard", "wav");
     const Samples heard = readRaw(scratch_.file("heard"));
     need(writeWav(folder_ + "/" + name, heard), folder_ + " cannot be written to");
     left(name, "what came out; of the tune's " + std::to_string(frames_) + " frames, " +
@@ -122,10 +196,14 @@ class Demonstration {
 
   void picture(const RunningOrvo& orvo, const std::string& name, const std::string& what,
                bool atRest) {
-    const std::string file = name + "-" + std::to_string(scale_) + "x.png";
+    picture(orvo.window(), name, what, atRest);
+  }
+
+  void picture(const VirtualScreen::Window& window, const std::string& name,
+               const std::string& what, bool atRest) {
+    const std::string file = scaled(name, "png");
     const std::string path = folder_ + "/" + file;
-    need(atRest ? screen_->screenshotAtRest(orvo.window(), path)
-                : screen_->screenshot(orvo.window(), path),
+    need(atRest ? screen_->screenshotAtRest(window, path) : screen_->screenshot(window, path),
          file + " cannot be taken");
     left(file, what);
   }

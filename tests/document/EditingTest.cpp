@@ -192,3 +192,60 @@ TEST_F(EditingTest, TheProgressBarIsSeenDuringARefreshAndHiddenAfterwards) {
   settle();
   EXPECT_FALSE(document_->loadingIndicator()->isVisible());
 }
+
+TEST_F(EditingTest, ACutBeforeAMarkerThatAnUndoLeftBehindTheEndEmptiesTheRecording) {
+  openWindow();
+  recordChunks(1);
+  document_->stopButton(nullptr);
+  recordChunks(1);
+  document_->nextButton(nullptr);
+  document_->undoCommand();
+  settle();
+  ASSERT_EQ(document_->playbackPosition(), 2u * kChunkFrames);
+  document_->removeBeforeMarker(nullptr);
+  settle();
+  EXPECT_EQ(length(), 0u);
+  EXPECT_EQ(document_->recordingPosition(), 0u);
+}
+
+TEST_F(EditingTest, ACutAfterAMarkerThatAnUndoLeftBehindTheEndKeepsTheRecording) {
+  openWindow();
+  recordChunks(1);
+  document_->stopButton(nullptr);
+  recordChunks(1);
+  document_->nextButton(nullptr);
+  document_->undoCommand();
+  settle();
+  document_->removeAfterMarker(nullptr);
+  settle();
+  EXPECT_EQ(length(), kChunkFrames);
+  EXPECT_EQ(samplesAt(0, kChunkFrames).size(), 2u * kChunkFrames);
+}
+
+TEST_F(EditingTest, UndoOfARecordingGivesBackTheEditedFlagOfBeforeIt) {
+  openWindow();
+  recordChunks(2);
+  save();
+  document_->setPlaybackPosition(100);
+  document_->removeAfterMarker(nullptr);  // not saved
+  recordChunks(1);
+  document_->undoCommand();
+  settle();
+  EXPECT_TRUE(document_->isDocumentEdited());
+}
+
+TEST_F(EditingTest, TheEndOfAnOlderRefreshLeavesTheBarOfTheNewerOne) {
+  openWindow();
+  recordChunks(4);
+  settle();
+  document_->refreshCompleteUI(true);
+  EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));  // its end waits in the main queue
+  document_->recreateIndicator(true);
+  document_->refreshCompleteUI(true);
+  bool firstEnded = false;
+  platform::mainQueue().async([&] { firstEnded = true; });
+  EXPECT_TRUE(document_->loadingIndicator()->isVisible());
+  EXPECT_TRUE(runMainLoopUntil([&] { return firstEnded; }));
+  settle();
+  EXPECT_FALSE(document_->loadingIndicator()->isVisible());
+}

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <set>
 
 #include <gmock/gmock.h>
 
@@ -106,16 +107,23 @@ TEST_F(LoadingTest, ASecondOpenOrImportWhileOneRunsIsIgnored) {
 
 TEST_F(LoadingTest, TheDurationGrowsAndTheBarMovesWhileAFileIsLoaded) {
   openWindow();
-  std::vector<double> durations;
-  std::vector<int> values;
-  document_->openFileNamed(writeFile("take.wav", ramp(5 * OVLoadJob::kChunkFrames)));
+  std::set<double> durations;
+  int furthest = 0;  // of the bar, before the waveform is built
+  double last = 0.0;
+  constexpr double kSeconds = 20 * 6.0;
+  document_->openFileNamed(writeFile("take.wav", ramp(20 * OVLoadJob::kChunkFrames)));
   EXPECT_TRUE(runMainLoopUntil([&] {
-    durations.push_back(timeView()->durationInSeconds());
-    values.push_back(document_->loadingIndicator()->value());
+    const double duration = timeView()->durationInSeconds();
+    EXPECT_GE(duration, last);
+    last = duration;
+    durations.insert(duration);
+    if (!document_->isRenderingWaveform() && duration < kSeconds) {
+      furthest = std::max(furthest, document_->loadingIndicator()->value());
+    }
     return !document_->isFileIOActive();
   }));
-  EXPECT_TRUE(std::is_sorted(durations.begin(), durations.end()));
-  EXPECT_GT(*std::max_element(values.begin(), values.end()), 0);
+  EXPECT_GE(durations.size(), 3U);
+  EXPECT_GT(furthest, 0);
   settle();
 }
 
@@ -135,6 +143,7 @@ TEST_F(LoadingTest, DuringTheRegenerationBarAndTimeFollowItsReader) {
   document_->updatePlaybackMarkerView();
   EXPECT_DOUBLE_EQ(timeView()->currentTimeInSeconds(),
                    static_cast<double>(document_->waveForm()->readerPos()) / 44100.0);
+  EXPECT_EQ(document_->loadingIndicator()->value(), document_->loadingIndicator()->maximum());
   document_->setIsRenderingWaveform(false);
 }
 
@@ -260,6 +269,57 @@ TEST_F(LoadingTest, AnImportWhileRecordingKeepsTheRecording) {
   EXPECT_EQ(audio(), joined(recorded, samples));
 }
 
+TEST_F(LoadingTest, AnImportAfterAnUndoLeavesNoHole) {
+  openWindow();
+  recordChunks(2);
+  document_->undoCommand();
+  settle();
+  ASSERT_EQ(length(), 0U);
+  const Samples samples = ramp(500);
+  import(writeFile("part.wav", samples));
+  EXPECT_EQ(audio(), samples);
+}
+
+TEST_F(LoadingTest, UndoOfAnImportDuringARecordingKeepsTheRecording) {
+  openWindow();
+  pressRecord();
+  ASSERT_TRUE(capture(0.25F));
+  import(writeFile("part.wav", ramp(500)));
+  document_->undoCommand();
+  settle();
+  EXPECT_EQ(audio(), Samples(2 * std::size_t{kChunkFrames}, 0.25F));
+}
+
+TEST_F(LoadingTest, UndoOfAnImportGivesBackTheEditedFlagOfBefore) {
+  openWindow();
+  recordChunks(1);
+  import(writeFile("part.wav", ramp(500)));
+  document_->undoCommand();
+  settle();
+  EXPECT_TRUE(document_->isDocumentEdited());
+}
+
+TEST_F(LoadingTest, AnImportThatBreaksOffBeforeItsFirstFrameIsTakenBack) {
+  openWindow();
+  const Samples before = ramp(1000);
+  fill(before);
+  const std::string path = writeFile("part.m4a", ramp(100'000), 3);
+  // The header stays, every sound behind it goes.
+  std::string bytes = bytesOf(path);
+  const std::size_t data = bytes.find("mdat");
+  ASSERT_NE(data, std::string::npos);
+  const std::size_t header = bytes.find("moov");
+  ASSERT_NE(header, std::string::npos);
+  std::fill(bytes.begin() + static_cast<long>(data) + 4,
+            bytes.begin() + static_cast<long>(header) - 4, '\xFF');
+  std::ofstream(path, std::ios::binary) << bytes;
+  import(path);
+  EXPECT_EQ(services_->alerts().size(), 1U);
+  EXPECT_EQ(audio(), before);
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
+}
+
 TEST_F(LoadingTest, TheQuestionAnsweredWithSaveDuringAnImportSavesWhenItIsDone) {
   openWindow();
   recordChunks(1);
@@ -308,7 +368,9 @@ TEST_F(FullDiskLoadingTest, AnOpenKeepsWhatWasStoredAndTellsOnce) {
   EXPECT_TRUE(
       std::equal(samples.begin(), samples.begin() + 4 * OVLoadJob::kChunkFrames, audio().begin()));
   ASSERT_EQ(services_->alerts().size(), 1U);
+  EXPECT_EQ(services_->alerts()[0].title, "“take.wav” could not be loaded whole");
   EXPECT_THAT(services_->alerts()[0].message, HasSubstr("The disk is full."));
+  EXPECT_EQ(document_->window()->title(), "Orvo - Unnamed");
   EXPECT_TRUE(transportEnabled());
 }
 

@@ -232,6 +232,31 @@ TEST_F(SavingTest, WhatStorageDoesNotGiveBackIsSilentInPlaceAndTold) {
   EXPECT_TRUE(document_->isDocumentEdited());
 }
 
+TEST_F(SavingTest, APictureOntoAFullDiskIsToldWithItsCause) {
+  openWindow();
+  const support::FileSizeLimit limit(10);
+  document_->dumpWaveform(nullptr);
+  panels_->answerSave(at("picture.png"));
+  settle();
+  ASSERT_EQ(services_->alerts().size(), 1U);
+  EXPECT_THAT(services_->alerts()[0].message, HasSubstr("larger than the disk allows"));
+  EXPECT_EQ(filesInFolder(), 0U);
+}
+
+TEST_F(SavingTest, AFileThatIsThereIsNotReplacedByOneWithGaps) {
+  openWindow();
+  fill(ramp(1000));
+  fill(ramp(1000), 1500);
+  const std::string path = writeFile("take.wav", ramp(10));
+  const std::string before = bytesOf(path);
+  saveTo(path);
+  EXPECT_EQ(bytesOf(path), before);
+  EXPECT_EQ(filesInFolder(), 1U);
+  EXPECT_EQ(document_->currentFilename(), "");
+  ASSERT_EQ(services_->alerts().size(), 1U);
+  EXPECT_EQ(services_->alerts()[0].title, "“take.wav” could not be saved");
+}
+
 // Closing ---------------------------------------------------------------------------------------
 
 TEST_F(SavingTest, AnUnchangedDocumentClosesWithoutAQuestion) {
@@ -401,7 +426,7 @@ TEST_F(SavingTest, ASavedFileThatNoProgramOpensIsTold) {
   document_->exportRingtone(nullptr);
   panels_->answerSave(at("tone.m4r"));
   awaitIdle();
-  EXPECT_EQ(services_->alerts().size(), 1U);
+  EXPECT_EQ(alertCount(), 1U);
 }
 
 TEST_F(SavingTest, TheWaveformPictureHasTheViewsSizeInThePixelsOfTheScreen) {
@@ -413,6 +438,7 @@ TEST_F(SavingTest, TheWaveformPictureHasTheViewsSizeInThePixelsOfTheScreen) {
   document_->dumpWaveform(nullptr);
   EXPECT_THAT(panels_->savePanel().acceptedSuffixes(), ElementsAre("png"));
   panels_->answerSave(at("picture.png"));
+  settle();
   const QImage picture(QString::fromStdString(at("picture.png")));
   EXPECT_EQ(picture.size(), view->size() * view->devicePixelRatioF());
   EXPECT_EQ(picture.convertToFormat(QImage::Format_ARGB32),
@@ -425,6 +451,7 @@ TEST_F(SavingTest, APictureThatCannotBeWrittenIsTold) {
   openWindow();
   document_->dumpWaveform(nullptr);
   panels_->answerSave(at("gone/picture.png"));
+  settle();
   ASSERT_EQ(services_->alerts().size(), 1U);
   EXPECT_EQ(services_->alerts()[0].title, "“picture.png” could not be saved");
 }

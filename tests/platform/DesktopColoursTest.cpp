@@ -40,6 +40,9 @@ class Portal : public QObject {
 class DesktopColours : public testing::Test {
  protected:
   void SetUp() override {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "Qt's thread for the bus is not built for the thread checker";
+#endif
     const std::string socket = folder_.file("bus");
     std::string error;
     daemon_ = support::ChildProcess::start(
@@ -118,16 +121,17 @@ TEST_F(DesktopColours, ALightDesktopOrOneWithoutAWishKeepsTheColours) {
 }
 
 TEST_F(DesktopColours, AChangeOfTheDesktopIsFollowedThereAndBack) {
+  const QColor light = QApplication::palette().color(QPalette::Window);
+  portal_.colorScheme = 1;
   offerPortal();
   follow();
-  ASSERT_TRUE(runMainLoopUntil([&] { return portal_.questions == 1; }));
-  const QColor light = QApplication::palette().color(QPalette::Window);
-  change(1, "org.example");
-  change(1);
-  ASSERT_TRUE(runMainLoopUntil([&] { return looksDark(); }));
+  ASSERT_TRUE(runMainLoopUntil([&] { return looksDark(); }));  // from here on signals arrive
   change(0);
   ASSERT_TRUE(runMainLoopUntil([&] { return !colours_->isDark(); }));
   EXPECT_EQ(QApplication::palette().color(QPalette::Window), light);
+  change(0, "org.example");
+  change(1);
+  ASSERT_TRUE(runMainLoopUntil([&] { return looksDark(); }));
 }
 
 TEST_F(DesktopColours, AToolkitThatIsDarkByItselfIsLeftAlone) {

@@ -142,6 +142,43 @@ TEST_P(PolylineStroke, AnEarlierStrokeLeavesNoTrace) {
   EXPECT_EQ(draw({20, 20}, line, 1.0), first);
 }
 
+TEST_P(PolylineStroke, EachStrokeIsTheSameToTheBitAsOneOfAFreshStroker) {
+  std::mt19937 random(3);
+  std::vector<QPointF> points = zigzag({40, 30}, 20, 0.8);
+  QColor color = Qt::white;
+  double width = 1.0;
+  QSize size(40, 30);
+  for (int step = 0; step < 200; ++step) {
+    switch (random() % 6) {
+      case 0:
+        points[random() % points.size()].ry() += 1e-13;  // fuzzily the same
+        break;
+      case 1:
+        points[random() % points.size()].setY(static_cast<double>(random() % 60) - 15.0);
+        break;
+      case 2:
+        color.setAlpha(static_cast<int>(random() % 256));
+        break;
+      case 3:
+        width = 1.0 + static_cast<double>(random() % 3);
+        break;
+      case 4:
+        size.setHeight(30 + static_cast<int>(random() % 2));
+        break;
+      default:
+        break;  // again
+    }
+    const QImage picture = draw(size, points, width, color);
+    platform::PolylineStroke fresh;
+    ASSERT_EQ(picture, drawnPicture(size, ratio(), Qt::black,
+                                    [&](QPainter& painter) {
+                                      fresh.draw(painter, QRectF(QPointF(), QSizeF(size)), points,
+                                                 color, width);
+                                    }))
+        << "step " << step;
+  }
+}
+
 TEST_P(PolylineStroke, DrawsAtItsPlaceInAMovedPainter) {
   const std::vector<QPointF> line{{2, 5}, {18, 15}};
   const QImage moved = drawnPicture({40, 40}, ratio(), Qt::black, [&](QPainter& painter) {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QFileDialog>
@@ -94,11 +95,43 @@ TEST_F(QtPanelsTest, TheSuffixOfTheNameFollowsTheKind) {
   EXPECT_EQ(saved_, std::nullopt);
 }
 
+TEST_F(QtPanelsTest, TheSavePanelOffersTheKindsOfItsAccessoryAndNoOthers) {
+  beginSave("x");
+  EXPECT_FALSE(panel_->findChild<QComboBox*>("fileTypeCombo")->isVisible());
+  EXPECT_FALSE(panel_->findChild<QWidget*>("fileTypeLabel")->isVisible());
+  EXPECT_TRUE(kind_->isVisible());
+  panel_->reject();
+}
+
 TEST_F(QtPanelsTest, ANameWithoutItsSuffixGetsIt) {
   beginSave("x")->setText("my take.mp3");
   acceptPanel();
   EXPECT_EQ(answers_, 1);
   EXPECT_EQ(saved_, folder_.file("my take.mp3.aiff"));
+}
+
+TEST_F(QtPanelsTest, AnotherKindForAFileThatExistsNamesAnotherFile) {
+  std::ofstream(folder_.file("take.aiff")) << "old";
+  const QLineEdit* const name = beginSave("take");
+  // On a screen the panel selects the file that has the proposed name.
+  const auto* const list = panel_->findChild<QAbstractItemView*>("listView");
+  ASSERT_TRUE(runMainLoopUntil([&] { return list->model()->rowCount(list->rootIndex()) == 1; }));
+  list->selectionModel()->select(list->model()->index(0, 0, list->rootIndex()),
+                                 QItemSelectionModel::Select | QItemSelectionModel::Rows);
+  ASSERT_EQ(panel_->selectedFiles(),
+            QStringList(QString::fromStdString(folder_.file("take.aiff"))));
+  kind_->setCurrentIndex(1);
+  EXPECT_EQ(name->text(), "take.wav");
+  QTimer refusal;  // of a question that would wait for ever
+  QObject::connect(&refusal, &QTimer::timeout, [] {
+    if (auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+      question->reject();
+    }
+  });
+  refusal.start(0);
+  acceptPanel();
+  EXPECT_EQ(answers_, 1) << "nothing is to be replaced";
+  EXPECT_EQ(saved_, folder_.file("take.wav"));
 }
 
 TEST_F(QtPanelsTest, ReplacingAFileIsAskedForUnderItsFullName) {

@@ -174,6 +174,33 @@ TEST_F(SharedInputTimeTest, ADeviceThatHangsIsWaitedForAQuarterOfASecondInAll) {
   ASSERT_TRUE(second.endFrames.awaitCount(1));
 }
 
+TEST_F(SharedInputTimeTest, AnOpeningAheadIsNotWaitedFor) {
+  device->hang();
+  queues->prepareInput();
+  ASSERT_TRUE(device->awaitHanging());
+  Recording recording;
+  ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);  // the clock stands still
+  device->release();
+  ASSERT_TRUE(device->awaitInputOpen());
+  device->feed(ramp(0, kRecordFrames));
+  EXPECT_TRUE(recording.endFrames.awaitCount(1));
+  EXPECT_EQ(recording.failures.count(), 0U);
+}
+
+TEST_F(SharedInputTimeTest, TheFailureOfAnOpeningAheadArrivesThroughTheQueueOnce) {
+  device->hang();
+  device->failOpeningInput(-5);
+  queues->prepareInput();
+  ASSERT_TRUE(device->awaitHanging());
+  Recording recording;
+  ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
+  device->release();
+  ASSERT_TRUE(recording.failures.awaitCount(1));
+  Recording second;
+  EXPECT_EQ(second.make(*queues), -5);
+  EXPECT_EQ(recording.failures.values(), (std::vector<AudioStatus>{-5}));
+}
+
 TEST_F(SharedInputTimeTest, AFailureThatComesLateArrivesThroughEveryQueueOnce) {
   device->hang();
   Recording recording;

@@ -1,6 +1,7 @@
 #include "support/VirtualScreen.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
@@ -111,9 +112,15 @@ bool VirtualScreen::waitUntilGone(const Window& window) const {
 }
 
 bool VirtualScreen::activate(const Window& window) const {
-  return run({"xdotool", "windowactivate", "--sync", window}).status.succeeded() && eventually([&] {
-           return run({"xdotool", "getwindowfocus"}).output == window + "\n";
-         });
+  // A window that is shown at the same moment can take the keyboard away again.
+  constexpr std::chrono::milliseconds kAgain{500};
+  const auto hasKeyboard = [&] {
+    return run({"xdotool", "getwindowfocus"}).output == window + "\n";
+  };
+  return eventually([&] {
+    return run({"xdotool", "windowactivate", window}).status.succeeded() &&
+           eventually(hasKeyboard, kAgain);
+  });
 }
 
 bool VirtualScreen::pressKey(const std::string& key) const {
@@ -128,10 +135,27 @@ bool VirtualScreen::keyUp(const std::string& key) const {
   return run({"xdotool", "keyup", key}).status.succeeded();
 }
 
+bool VirtualScreen::type(const std::string& text) const {
+  return run({"xdotool", "type", "--delay", "4", "--", text}).status.succeeded();
+}
+
 bool VirtualScreen::click(const Window& window, int x, int y) const {
   return run({"xdotool", "mousemove", "--window", window, std::to_string(x), std::to_string(y),
               "click", "1"})
       .status.succeeded();
+}
+
+bool VirtualScreen::moveMouse(const Window& window, int x, int y) const {
+  return run({"xdotool", "mousemove", "--window", window, std::to_string(x), std::to_string(y)})
+      .status.succeeded();
+}
+
+bool VirtualScreen::mouseDown() const {
+  return run({"xdotool", "mousedown", "1"}).status.succeeded();
+}
+
+bool VirtualScreen::mouseUp() const {
+  return run({"xdotool", "mouseup", "1"}).status.succeeded();
 }
 
 VirtualScreen::Frame VirtualScreen::frameOf(const Window& window) const {

@@ -46,8 +46,17 @@ class VirtualScreen {
   [[nodiscard]] bool keyDown(const std::string& key) const;
   [[nodiscard]] bool keyUp(const std::string& key) const;
 
+  /// Types a text into what has the keyboard, letters of any language among them.
+  [[nodiscard]] bool type(const std::string& text) const;
+
   /// Clicks at a point of a window, in pixels from its top left, y downward.
   [[nodiscard]] bool click(const Window& window, int x, int y) const;
+
+  /// Moves the mouse to a point of a window, as click() does, and presses or lets go its button
+  /// where it stands.
+  [[nodiscard]] bool moveMouse(const Window& window, int x, int y) const;
+  [[nodiscard]] bool mouseDown() const;
+  [[nodiscard]] bool mouseUp() const;
 
   /// Where a window's content stands on the screen, in pixels, without its decorations.
   struct Frame {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -214,6 +215,19 @@ TEST_P(WaveFormDrawing, APictureOfAnotherSizeIsStretchedOverTheWholeView) {
   EXPECT_EQ(screen, makePicture({60, 40}, ratio(), QColor(1, 200, 3)));
 }
 
+TEST_P(WaveFormDrawing, UprightGridLinesAreTheSameToTheBitAsWhenStroked) {
+  const QSize size(100, 10);  // no level line in it
+  for (const double offset : {0.0, 5.0, 23.0}) {
+    const QImage stroked = draw(size, [&](QPainter& painter) {
+      painter.setPen(platform::viewPen(QColor::fromRgbF(0.145F, 0.32F, 0.356F), 1.0));
+      for (double x = offset + 0.5; x < size.width() + offset; x += 24.0) {
+        painter.drawLine(QLineF(x, 0.0, x, size.height()));
+      }
+    });
+    ASSERT_EQ(draw(size, [&](QPainter& p) { drawing_.drawGrid(p, size, offset); }), stroked);
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(PixelRatios, WaveFormDrawing, testing::Values(1, 2),
                          testing::PrintToStringParamName());
 
@@ -240,4 +254,51 @@ TEST(WaveFormPicture, IsCopiedPixelForPixelAtARatioThatIsNoWholeNumber) {
   OVWaveFormDrawing::copyPicture(painter, {41, 20}, QRegion(0, 0, 42, 21), rendered);
   painter.end();
   EXPECT_EQ(screen, rendered);
+}
+
+TEST(WaveFormPicture, IsTheSameToTheBitAsDrawnFromScratchWhateverWasDrawnBefore) {
+  std::mt19937 random(11);
+  const auto below = [&random](int limit) {
+    return static_cast<int>(random() % static_cast<unsigned>(limit));
+  };
+  OVWaveFormDrawing kept;
+  QSize size(120, 60);
+  double ratio = 1.0;
+  double offset = 0.0;
+  std::vector<float> elements;
+  for (int step = 0; step < 300; ++step) {
+    switch (below(8)) {
+      case 0:
+        size = {60 + below(3) * 40, 40 + below(3) * 20};
+        break;
+      case 1:
+        ratio = 1.0 + below(3) * 0.5;
+        break;
+      case 2:
+        elements.resize(elements.size() / 2);
+        break;
+      case 3:
+        if (!elements.empty()) {
+          elements[static_cast<std::size_t>(below(static_cast<int>(elements.size())))] =
+              static_cast<float>(below(100)) / 50.0F;
+        }
+        break;
+      case 4:
+        elements.push_back(static_cast<float>(below(100)) / 100.0F);
+        break;
+      default:
+        offset = OVWaveFormDrawing::nextGridOffset(offset);
+    }
+    const QImage picture = drawnPicture(size, ratio, Qt::black, [&](QPainter& painter) {
+      kept.drawBackground(painter, size, offset);
+      kept.drawWaveform(painter, size, elements, 1.0);
+    });
+    const QImage afresh = drawnPicture(size, ratio, Qt::black, [&](QPainter& painter) {
+      OVWaveFormDrawing drawing;
+      drawing.drawGradient(painter, size);
+      drawing.drawGrid(painter, size, offset);
+      drawing.drawWaveform(painter, size, elements, 1.0);
+    });
+    ASSERT_EQ(picture, afresh) << "step " << step;
+  }
 }

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+
+#include <QObject>
+
+/// What the desktop asks of the program through events: to open a file, at launch or while it runs,
+/// and to quit.
+///
+/// Threads: main. Real-time: not safe.
+class OVApplicationEvents : public QObject {
+  Q_OBJECT
+
+ public:
+  struct Handlers {
+    std::function<void(const std::string& path)> openFile;
+    std::function<void()> terminate;
+  };
+
+  explicit OVApplicationEvents(Handlers handlers) : handlers_(std::move(handlers)) {}
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  const Handlers handlers_;
+};

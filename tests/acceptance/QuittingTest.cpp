@@ -1,0 +1,124 @@
+// Closing and quitting with what is not saved: nothing goes without an answer.
+
+#include <utility>
+
+#include "acceptance/DocumentTest.h"
+#include "support/AudioFileTools.h"
+
+using namespace support;
+
+namespace {
+
+class Quitting : public DocumentTest {
+ protected:
+  void startAndRecord(std::uint32_t seed) {
+    ASSERT_NO_FATAL_FAILURE(startOrvo());
+    ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, seed)));
+    ASSERT_NO_FATAL_FAILURE(expectTitle("Unnamed*"));
+  }
+
+  void expectEnd() { EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, 0})); }
+
+  /// Names the file that is asked for, and expects the program to end with it.
+  void nameItAndExpectEnd(const std::string& path) {
+    ASSERT_FALSE(panel("Save As").empty());
+    ASSERT_NO_FATAL_FAILURE(chooseFile(path));
+    expectEnd();
+  }
+};
+
+TEST_F(Quitting, CancelKeepsEverythingAndDontSaveEndsIt) {
+  ASSERT_NO_FATAL_FAILURE(startAndRecord(31));
+  const Samples recorded = orvo_->recorded();
+  ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::cancel));
+  ASSERT_TRUE(screen_->activate(orvo_->window()));
+  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 32)));  // it goes on as if not asked
+  EXPECT_TRUE(alerts().empty());
+  EXPECT_EQ(equalFrames(recorded, orvo_->recorded(), 0), recorded.size() / kChannels);
+  ASSERT_NO_FATAL_FAILURE(expectTitle("Unnamed*"));
+
+  ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::dontSave));
+  expectEnd();
+}
+
+TEST_F(Quitting, SaveAsksForANameSavesAndEndsIt) {
+  ASSERT_NO_FATAL_FAILURE(startAndRecord(33));
+  const Samples recorded = orvo_->recorded();
+  ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::save));
+  ASSERT_NO_FATAL_FAILURE(nameItAndExpectEnd(document("take.wav")));
+  expectHolds(document("take.wav"), recorded);
+  EXPECT_EQ(names(documents_), std::vector<std::string>{"take.wav"});
+}
+
+TEST_F(Quitting, CancelledNameKeepsTheProgramAndTheDocument) {
+  ASSERT_NO_FATAL_FAILURE(startAndRecord(34));
+  ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::save));
+  const Window shown = panel("Save As");
+  ASSERT_FALSE(shown.empty());
+  ASSERT_TRUE(screen_->pressKey("Escape"));
+  ASSERT_TRUE(screen_->waitUntilGone(shown));
+  ASSERT_TRUE(screen_->activate(orvo_->window()));
+  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 35)));
+  ASSERT_NO_FATAL_FAILURE(expectTitle("Unnamed*"));
+  EXPECT_TRUE(names(documents_).empty());
+}
+
+TEST_F(Quitting, TwoEditedWindowsAreEachAskedFor) {
+  ASSERT_NO_FATAL_FAILURE(startAndRecord(36));
+  const Samples first = orvo_->recorded();
+  const Window second = openFurtherWindow();
+  ASSERT_FALSE(second.empty());
+  ASSERT_TRUE(screen_->activate(second));
+  ASSERT_TRUE(screen_->pressKey("r"));
+  ASSERT_TRUE(orvo_->waitUntilRecorded(1, 1));
+  ASSERT_NO_FATAL_FAILURE(feed(signalOfSeconds(0.3, 37)));
+  ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  ASSERT_TRUE(eventually([&] { return alerts().size() == 2; }));
+  // One is thrown away and the other kept.
+  const auto sheets = alerts();
+  ASSERT_NO_FATAL_FAILURE(answer(sheets[1], Answer::dontSave));
+  ASSERT_TRUE(eventually(
+      [&] { return screen_->isVisible(second) != screen_->isVisible(orvo_->window()); }));
+  ASSERT_NO_FATAL_FAILURE(answer(sheets[0], Answer::cancel));
+  const Window left = screen_->isVisible(second) ? second : orvo_->window();
+  ASSERT_TRUE(screen_->activate(left));
+  EXPECT_TRUE(screen_->titleOf(left).ends_with('*'));
+  ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::save));
+  ASSERT_NO_FATAL_FAILURE(nameItAndExpectEnd(document("kept.wav")));
+  if (left != second) {
+    expectHolds(document("kept.wav"), first);
+  }
+}
+
+TEST_F(Quitting, ClosingWhileRecordingStopsItAsksAndSavesAllOfIt) {
+  const Samples signal = signalOfSeconds(0.5, 38);
+  ASSERT_NO_FATAL_FAILURE(startOrvo());
+  ASSERT_NO_FATAL_FAILURE(beginRecording());
+  ASSERT_NO_FATAL_FAILURE(feed(signal));
+  ASSERT_NO_FATAL_FAILURE(expectRecorded(signal));
+  ASSERT_TRUE(screen_->close(orvo_->window()));
+  ASSERT_TRUE(eventually([&] { return !alerts().empty(); }));
+  std::uint64_t frames = 0;
+  ASSERT_TRUE(eventually([&] {
+    const std::uint64_t last = std::exchange(frames, orvo_->recordedFrames());
+    return last == frames;
+  })) << "it goes on recording behind the question";
+  const Samples recorded = orvo_->recorded();
+  ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::save));
+  ASSERT_NO_FATAL_FAILURE(nameItAndExpectEnd(document("take.wav")));
+  expectHolds(document("take.wav"), recorded);
+}
+
+TEST_F(Quitting, WithNothingToSaveItEndsAtOnce) {
+  ASSERT_NO_FATAL_FAILURE(startOrvo());
+  ASSERT_FALSE(openFurtherWindow().empty());
+  ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  expectEnd();
+}
+
+}  // namespace
