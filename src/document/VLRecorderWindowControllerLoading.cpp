@@ -133,7 +133,8 @@ void VLRecorderWindowController::loadingEnded(const LoadingRequest& request,
 void VLRecorderWindowController::tellNotStored(const std::string& path, int error, bool imported) {
   const QString name = QString::fromStdString(shownFileName(path));
   const QString kept =
-      platform::localized(imported ? "Nothing was imported." : "Everything loaded before is kept.");
+      platform::localized(imported ? platform::textKey("Nothing was imported.")
+                                   : platform::textKey("Everything loaded before is kept."));
   ShowModalAlert(
       platform::localized("%1 could not be loaded whole").arg(name).toStdString(),
       platform::localized("The audio could not be written to the temporary file. %1\n\n%2")
