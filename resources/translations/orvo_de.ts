@@ -288,10 +288,6 @@ Ein Audiorekorder mit einfachem Editor.</translation>
         <translation>Es wurde kein Programm gefunden, das %1 öffnet.</translation>
     </message>
     <message>
-        <source>No program was found that opens “%1”.</source>
-        <translation>Es wurde kein Programm gefunden, das „%1“ öffnet.</translation>
-    </message>
-    <message>
         <source>The recording was stopped</source>
         <translation>Die Aufnahme wurde angehalten</translation>
     </message>
@@ -304,8 +300,8 @@ Everything recorded before is kept.</source>
 Alles zuvor Aufgenommene bleibt erhalten.</translation>
     </message>
     <message>
-        <source>The file could not be loaded whole</source>
-        <translation>Die Datei konnte nicht vollständig geladen werden</translation>
+        <source>%1 could not be loaded whole</source>
+        <translation>%1 konnte nicht vollständig geladen werden</translation>
     </message>
     <message>
         <source>The audio could not be written to the temporary file. %1
@@ -332,16 +328,28 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Eine AAC-Datei kann nicht leer sein. Nehmen Sie zuerst etwas auf.</translation>
     </message>
     <message>
-        <source>%1 seconds of the recording could not be read; they are silent in the file.</source>
-        <translation>%1&#xa0;Sekunden der Aufnahme konnten nicht gelesen werden; in der Datei sind sie still.</translation>
+        <source>%1 seconds of the recording could not be read.</source>
+        <translation>%1&#xa0;Sekunden der Aufnahme konnten nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>They are silent in the file.</source>
+        <translation>Sie sind in der Datei stumm.</translation>
+    </message>
+    <message>
+        <source>The file that was there was kept. Save under another name to get the rest.</source>
+        <translation>Die vorhandene Datei blieb erhalten. Speichern Sie unter einem anderen Namen, um den Rest zu sichern.</translation>
     </message>
     <message>
         <source>The file was saved but could not be opened</source>
         <translation>Die Datei wurde gespeichert, konnte aber nicht geöffnet werden</translation>
     </message>
     <message>
-        <source>“%1” could not be saved</source>
-        <translation>„%1“ konnte nicht gespeichert werden</translation>
+        <source>%1 could not be saved</source>
+        <translation>%1 konnte nicht gespeichert werden</translation>
+    </message>
+    <message>
+        <source>%1 was saved with gaps</source>
+        <translation>%1 wurde mit Lücken gespeichert</translation>
     </message>
     <message>
         <source>“%1”</source>

@@ -288,10 +288,6 @@ Una grabadora de audio con un editor sencillo.</translation>
         <translation>No se encontró ningún programa que abra %1.</translation>
     </message>
     <message>
-        <source>No program was found that opens “%1”.</source>
-        <translation>No se encontró ningún programa que abra «%1».</translation>
-    </message>
-    <message>
         <source>The recording was stopped</source>
         <translation>Se ha detenido la grabación</translation>
     </message>
@@ -304,8 +300,8 @@ Everything recorded before is kept.</source>
 Se conserva todo lo grabado hasta entonces.</translation>
     </message>
     <message>
-        <source>The file could not be loaded whole</source>
-        <translation>No se pudo cargar el archivo completo</translation>
+        <source>%1 could not be loaded whole</source>
+        <translation>No se pudo cargar %1 por completo</translation>
     </message>
     <message>
         <source>The audio could not be written to the temporary file. %1
@@ -332,16 +328,28 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>Un archivo AAC no puede estar vacío. Grabe algo primero.</translation>
     </message>
     <message>
-        <source>%1 seconds of the recording could not be read; they are silent in the file.</source>
-        <translation>No se pudieron leer %1&#xa0;segundos de la grabación; en el archivo quedan en silencio.</translation>
+        <source>%1 seconds of the recording could not be read.</source>
+        <translation>No se pudieron leer %1&#xa0;segundos de la grabación.</translation>
+    </message>
+    <message>
+        <source>They are silent in the file.</source>
+        <translation>En el archivo quedan en silencio.</translation>
+    </message>
+    <message>
+        <source>The file that was there was kept. Save under another name to get the rest.</source>
+        <translation>Se conservó el archivo que ya había. Guarde con otro nombre para obtener el resto.</translation>
     </message>
     <message>
         <source>The file was saved but could not be opened</source>
         <translation>El archivo se guardó, pero no se pudo abrir</translation>
     </message>
     <message>
-        <source>“%1” could not be saved</source>
-        <translation>No se pudo guardar «%1»</translation>
+        <source>%1 could not be saved</source>
+        <translation>No se pudo guardar %1</translation>
+    </message>
+    <message>
+        <source>%1 was saved with gaps</source>
+        <translation>%1 se guardó con huecos</translation>
     </message>
     <message>
         <source>“%1”</source>

@@ -288,10 +288,6 @@ Un enregistreur audio et éditeur simple.</translation>
         <translation>Aucun programme permettant d’ouvrir %1 n’a été trouvé.</translation>
     </message>
     <message>
-        <source>No program was found that opens “%1”.</source>
-        <translation>Aucun programme permettant d’ouvrir «&#xa0;%1&#xa0;» n’a été trouvé.</translation>
-    </message>
-    <message>
         <source>The recording was stopped</source>
         <translation>L’enregistrement a été arrêté</translation>
     </message>
@@ -304,8 +300,8 @@ Everything recorded before is kept.</source>
 Tout ce qui a été enregistré auparavant est conservé.</translation>
     </message>
     <message>
-        <source>The file could not be loaded whole</source>
-        <translation>Le fichier n’a pas pu être chargé en entier</translation>
+        <source>%1 could not be loaded whole</source>
+        <translation>%1 n’a pas pu être chargé en entier</translation>
     </message>
     <message>
         <source>The audio could not be written to the temporary file. %1
@@ -332,16 +328,28 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Un fichier AAC ne peut pas être vide. Enregistrez d’abord quelque chose.</translation>
     </message>
     <message>
-        <source>%1 seconds of the recording could not be read; they are silent in the file.</source>
-        <translation>Une partie de l’enregistrement (%1&#xa0;s) n’a pas pu être lue&#xa0;; elle est silencieuse dans le fichier.</translation>
+        <source>%1 seconds of the recording could not be read.</source>
+        <translation>Une partie de l’enregistrement (%1&#xa0;s) n’a pas pu être lue.</translation>
+    </message>
+    <message>
+        <source>They are silent in the file.</source>
+        <translation>Elle est silencieuse dans le fichier.</translation>
+    </message>
+    <message>
+        <source>The file that was there was kept. Save under another name to get the rest.</source>
+        <translation>Le fichier existant a été conservé. Enregistrez sous un autre nom pour obtenir le reste.</translation>
     </message>
     <message>
         <source>The file was saved but could not be opened</source>
         <translation>Le fichier a été enregistré, mais n’a pas pu être ouvert</translation>
     </message>
     <message>
-        <source>“%1” could not be saved</source>
-        <translation>«&#xa0;%1&#xa0;» n’a pas pu être enregistré</translation>
+        <source>%1 could not be saved</source>
+        <translation>%1 n’a pas pu être enregistré</translation>
+    </message>
+    <message>
+        <source>%1 was saved with gaps</source>
+        <translation>%1 a été enregistré avec des lacunes</translation>
     </message>
     <message>
         <source>“%1”</source>

@@ -288,10 +288,6 @@ An audio recorder and simple editor.</source>
         <translation>%1 を開くプログラムが見つかりませんでした。</translation>
     </message>
     <message>
-        <source>No program was found that opens “%1”.</source>
-        <translation>「%1」を開くプログラムが見つかりませんでした。</translation>
-    </message>
-    <message>
         <source>The recording was stopped</source>
         <translation>録音が停止されました</translation>
     </message>
@@ -304,8 +300,8 @@ Everything recorded before is kept.</source>
 それまでに録音した内容はすべて残っています。</translation>
     </message>
     <message>
-        <source>The file could not be loaded whole</source>
-        <translation>ファイル全体を読み込めませんでした</translation>
+        <source>%1 could not be loaded whole</source>
+        <translation>%1 全体を読み込めませんでした</translation>
     </message>
     <message>
         <source>The audio could not be written to the temporary file. %1
@@ -332,16 +328,28 @@ Everything recorded before is kept.</source>
         <translation>AAC ファイルを空にすることはできません。まず何か録音してください。</translation>
     </message>
     <message>
-        <source>%1 seconds of the recording could not be read; they are silent in the file.</source>
-        <translation>録音のうち %1 秒分を読み取れませんでした。その部分はファイル内で無音になっています。</translation>
+        <source>%1 seconds of the recording could not be read.</source>
+        <translation>録音のうち %1 秒分を読み取れませんでした。</translation>
+    </message>
+    <message>
+        <source>They are silent in the file.</source>
+        <translation>その部分はファイル内で無音になっています。</translation>
+    </message>
+    <message>
+        <source>The file that was there was kept. Save under another name to get the rest.</source>
+        <translation>元のファイルはそのまま残っています。残りの部分を保存するには、別の名前で保存してください。</translation>
     </message>
     <message>
         <source>The file was saved but could not be opened</source>
         <translation>ファイルは保存されましたが、開けませんでした</translation>
     </message>
     <message>
-        <source>“%1” could not be saved</source>
-        <translation>「%1」を保存できませんでした</translation>
+        <source>%1 could not be saved</source>
+        <translation>%1 を保存できませんでした</translation>
+    </message>
+    <message>
+        <source>%1 was saved with gaps</source>
+        <translation>%1 は一部が欠けた状態で保存されました</translation>
     </message>
     <message>
         <source>“%1”</source>

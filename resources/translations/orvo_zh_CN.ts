@@ -288,10 +288,6 @@ An audio recorder and simple editor.</source>
         <translation>未找到可打开 %1 的程序。</translation>
     </message>
     <message>
-        <source>No program was found that opens “%1”.</source>
-        <translation>未找到可打开“%1”的程序。</translation>
-    </message>
-    <message>
         <source>The recording was stopped</source>
         <translation>录音已停止</translation>
     </message>
@@ -304,8 +300,8 @@ Everything recorded before is kept.</source>
 此前录制的内容均已保留。</translation>
     </message>
     <message>
-        <source>The file could not be loaded whole</source>
-        <translation>无法完整载入文件</translation>
+        <source>%1 could not be loaded whole</source>
+        <translation>无法完整载入 %1</translation>
     </message>
     <message>
         <source>The audio could not be written to the temporary file. %1
@@ -332,16 +328,28 @@ Everything recorded before is kept.</source>
         <translation>AAC 文件不能为空。请先录音。</translation>
     </message>
     <message>
-        <source>%1 seconds of the recording could not be read; they are silent in the file.</source>
-        <translation>录音中有 %1 秒无法读取，这部分在文件中为静音。</translation>
+        <source>%1 seconds of the recording could not be read.</source>
+        <translation>录音中有 %1 秒无法读取。</translation>
+    </message>
+    <message>
+        <source>They are silent in the file.</source>
+        <translation>这部分在文件中为静音。</translation>
+    </message>
+    <message>
+        <source>The file that was there was kept. Save under another name to get the rest.</source>
+        <translation>原有文件已保留。请以其他名称保存其余部分。</translation>
     </message>
     <message>
         <source>The file was saved but could not be opened</source>
         <translation>文件已保存，但无法打开</translation>
     </message>
     <message>
-        <source>“%1” could not be saved</source>
-        <translation>无法保存“%1”</translation>
+        <source>%1 could not be saved</source>
+        <translation>无法保存 %1</translation>
+    </message>
+    <message>
+        <source>%1 was saved with gaps</source>
+        <translation>%1 已保存，但有缺失</translation>
     </message>
     <message>
         <source>“%1”</source>
