@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "audio/Gate.h"
 #include "document/FileFixture.h"
 #include "document/OVLoadJob.h"
 #include "support/FailingTemporaryFiles.h"
@@ -320,22 +321,6 @@ TEST_F(LoadingTest, AnImportThatBreaksOffBeforeItsFirstFrameIsTakenBack) {
   EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
 }
 
-TEST_F(LoadingTest, TheQuestionAnsweredWithSaveDuringAnImportSavesWhenItIsDone) {
-  openWindow();
-  recordChunks(1);
-  document_->importFile(nullptr);
-  panels_->answerOpen({writeFile("part.wav", ramp(600'000))});
-  EXPECT_TRUE(runMainLoopUntil([&] { return document_->isImport(); }));
-  document_->window()->performClose();
-  ASSERT_EQ(panels_->sheets(), 1U);
-  panels_->answerSheet(1);
-  EXPECT_TRUE(runMainLoopUntil([&] { return panels_->savePanels() == 1; }));
-  const QPointer<OVRecorderWindow> window = document_->window();
-  panels_->answerSave(at("all.wav"));
-  EXPECT_TRUE(runMainLoopUntil([&] { return window.isNull(); }));
-  EXPECT_EQ(readFile(at("all.wav")).size(), 2 * (600'000U + kChunkFrames));
-}
-
 TEST_F(LoadingTest, DontSaveDuringAnImportClosesAtOnce) {
   openWindow();
   recordChunks(1);
@@ -350,15 +335,16 @@ TEST_F(LoadingTest, DontSaveDuringAnImportClosesAtOnce) {
   EXPECT_THAT(services_->alerts(), IsEmpty());
 }
 
-// A full disk under the temporary file ------------------------------------------------------------
+// A slow or full disk under the temporary file
+// ------------------------------------------------------------
 
-class FullDiskLoadingTest : public LoadingTest {
+class TemporaryDiskLoadingTest : public LoadingTest {
  protected:
   support::FailingTemporaryFiles files_;
   platform::TemporaryFilesInstallation filesInstallation_{files_};
 };
 
-TEST_F(FullDiskLoadingTest, AnOpenKeepsWhatWasStoredAndTellsOnce) {
+TEST_F(TemporaryDiskLoadingTest, AnOpenKeepsWhatWasStoredAndTellsOnce) {
   openWindow();
   const Samples samples = ramp(3 * OVLoadJob::kChunkFrames);
   const std::string path = writeFile("take.wav", samples);
@@ -374,7 +360,7 @@ TEST_F(FullDiskLoadingTest, AnOpenKeepsWhatWasStoredAndTellsOnce) {
   EXPECT_TRUE(transportEnabled());
 }
 
-TEST_F(FullDiskLoadingTest, AnImportIsTakenBackAndToldOnce) {
+TEST_F(TemporaryDiskLoadingTest, AnImportIsTakenBackAndToldOnce) {
   openWindow();
   const Samples before = ramp(1000);
   fill(before);
@@ -388,6 +374,26 @@ TEST_F(FullDiskLoadingTest, AnImportIsTakenBackAndToldOnce) {
   EXPECT_EQ(document_->recordingPosition(), 500U);
   EXPECT_EQ(services_->alerts().size(), 1U);
   EXPECT_TRUE(transportEnabled());
+}
+
+TEST_F(TemporaryDiskLoadingTest, TheQuestionAnsweredWithSaveDuringAnImportSavesWhenItIsDone) {
+  openWindow();
+  recordChunks(1);
+  testaudio::Gate gate;
+  files_.beforeWrites([&gate] { gate.pass(); });
+  document_->importFile(nullptr);
+  panels_->answerOpen({writeFile("part.wav", ramp(600'000))});
+  EXPECT_TRUE(runMainLoopUntil([&] { return document_->isImport(); }));
+  ASSERT_TRUE(gate.awaitArrival());
+  document_->window()->performClose();
+  ASSERT_EQ(panels_->sheets(), 1U);
+  panels_->answerSheet(1);
+  gate.open();
+  EXPECT_TRUE(runMainLoopUntil([&] { return panels_->savePanels() == 1; }));
+  const QPointer<OVRecorderWindow> window = document_->window();
+  panels_->answerSave(at("all.wav"));
+  EXPECT_TRUE(runMainLoopUntil([&] { return window.isNull(); }));
+  EXPECT_EQ(readFile(at("all.wav")).size(), 2 * (600'000U + kChunkFrames));
 }
 
 }  // namespace
