@@ -78,15 +78,6 @@ class DesktopColours : public testing::Test {
     colours_ = std::make_unique<platform::DesktopColours>(connectTo("program"));
   }
 
-  void change(uint colorScheme, const char* group = "org.freedesktop.appearance") {
-    auto signal = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/portal/desktop"),
-                                             QStringLiteral("org.freedesktop.portal.Settings"),
-                                             QStringLiteral("SettingChanged"));
-    signal << QString::fromLatin1(group) << QStringLiteral("color-scheme")
-           << QVariant::fromValue(QDBusVariant(colorScheme));
-    ASSERT_TRUE(connectTo("portal").send(signal));
-  }
-
   static bool looksDark() {
     return QApplication::palette().color(QPalette::Window).lightness() < 100;
   }
@@ -115,24 +106,10 @@ TEST_F(DesktopColours, ALightDesktopOrOneWithoutAWishKeepsTheColours) {
     portal_.questions = 0;
     follow();
     ASSERT_TRUE(runMainLoopUntil([&] { return portal_.questions == 1; }));
-    change(scheme);
     ASSERT_TRUE(drainMainQueue());
     EXPECT_FALSE(colours_->isDark());
     EXPECT_EQ(QApplication::palette(), before);
   }
-}
-
-TEST_F(DesktopColours, AChangeOfTheDesktopIsFollowedThereAndBack) {
-  offerPortal();
-  follow();
-  ASSERT_TRUE(runMainLoopUntil([&] { return portal_.questions == 1; }));
-  const QColor light = QApplication::palette().color(QPalette::Window);
-  change(1, "org.example");
-  change(1);
-  ASSERT_TRUE(runMainLoopUntil([&] { return looksDark(); }));
-  change(0);
-  ASSERT_TRUE(runMainLoopUntil([&] { return !colours_->isDark(); }));
-  EXPECT_EQ(QApplication::palette().color(QPalette::Window), light);
 }
 
 TEST_F(DesktopColours, AToolkitThatIsDarkByItselfIsLeftAlone) {
