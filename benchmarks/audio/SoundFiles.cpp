@@ -47,14 +47,6 @@ std::string made(const std::string& name, std::vector<std::string> arguments) {
   return ffmpeg(arguments) ? path : std::string();
 }
 
-const std::string& tenMinutesOfWav() {
-  static const std::string path =
-      made("ten.wav", {"-f", "lavfi", "-i", "anoisesrc=d=600:c=pink:seed=1:r=44100:a=0.5", "-f",
-                       "lavfi", "-i", "anoisesrc=d=600:c=pink:seed=2:r=44100:a=0.5",
-                       "-filter_complex", "amerge", "-c:a", "pcm_s16le"});
-  return path;
-}
-
 }  // namespace
 
 bool ffmpeg(const std::vector<std::string>& arguments) {
@@ -72,6 +64,20 @@ bool ffmpeg(const std::vector<std::string>& arguments) {
   }
   int status = 0;
   return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+const std::string& tenMinutesOfWav() {
+  static const std::string path =
+      made("ten.wav", {"-f", "lavfi", "-i", "anoisesrc=d=600:c=pink:seed=1:r=44100:a=0.5", "-f",
+                       "lavfi", "-i", "anoisesrc=d=600:c=pink:seed=2:r=44100:a=0.5",
+                       "-filter_complex", "amerge", "-c:a", "pcm_s16le"});
+  return path;
+}
+
+const std::string& threeHoursOfWav() {
+  static const std::string path =
+      made("three.wav", {"-stream_loop", "17", "-i", tenMinutesOfWav(), "-c", "copy"});
+  return path;
 }
 
 const std::string& hourOfWav() {

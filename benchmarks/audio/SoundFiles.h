@@ -13,8 +13,10 @@ namespace benchmarks {
 /// Runs ffmpeg, with one thread; false when it failed or is not there.
 [[nodiscard]] bool ffmpeg(const std::vector<std::string>& arguments);
 
-/// Pink noise, stereo, 44100 Hz: one hour as 16-bit WAV and as raw floats, ten minutes as MP3 and
-/// as AAC in MPEG-4, both of 192 kbit/s. Empty when it could not be made.
+/// Pink noise, stereo, 44100 Hz: ten minutes, one and three hours as 16-bit WAV, one as raw floats,
+/// ten minutes as MP3 and as AAC in MPEG-4, both of 192 kbit/s. Empty when it could not be made.
+[[nodiscard]] const std::string& tenMinutesOfWav();
+[[nodiscard]] const std::string& threeHoursOfWav();
 [[nodiscard]] const std::string& hourOfWav();
 [[nodiscard]] const std::string& hourOfRawFloats();
 [[nodiscard]] const std::string& tenMinutesOfMp3();
