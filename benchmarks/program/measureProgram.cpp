@@ -1,6 +1,6 @@
 // Measures the running program on a virtual screen with a private sound server: the time from its
-// launch to its first window, its processor time idle and recording, and how often its main thread
-// wakes up. docs/performance.md has the budgets.
+// launch to its first window, its processor time idle, recording and playing, and how often its
+// main thread wakes up. docs/performance.md has the budgets.
 //
 //   orvo_measure_program ORVO EMPTY-WINDOW [SECONDS]
 //       SECONDS: how long each state is watched; 10 by default.
@@ -194,21 +194,32 @@ class Measurement {
     watch("idle", *orvo, "at most 0.5", "at most 60");
   }
 
-  void measureRecording() const {
-    const auto orvo = start();
-    const auto height = [&] {
-      return runToEnd({"xdotool", "getwindowgeometry", "--shell", orvo->window()}, environment_)
+  void showSpectrum(const RunningOrvo& orvo) const {
+    const auto geometry = [&] {
+      return runToEnd({"xdotool", "getwindowgeometry", "--shell", orvo.window()}, environment_)
           .output;
     };
-    const std::string small = height();
-    need(orvo->click(*screen_, 612, 320), "the spectrum's button cannot be pressed");
-    need(eventually([&] { return height() != small; }), "the spectrum is not shown");
+    const std::string small = geometry();
+    need(orvo.click(*screen_, 612, 320), "the spectrum's button cannot be pressed");
+    need(eventually([&] { return geometry() != small; }), "the spectrum is not shown");
+  }
+
+  /// Recording, then playing what was recorded.
+  void measureRecording() const {
+    const auto orvo = start();
+    showSpectrum(*orvo);
     need(writeRaw(scratch_.file("tune"), tune(2 * seconds_ + 10)), "the tune cannot be written");
     const auto player = server_->playIntoFeed(scratch_.file("tune"));
     need(player != nullptr, "the tune cannot be fed");
     need(screen_->pressKey("r") && orvo->waitUntilRecorded(kFramesPerSecond),
          "R starts no recording");
     watch("recording, spectrum shown", *orvo, "at most 4", "");
+    // More than is then watched.
+    const double frames = (seconds_ + 2) * kFramesPerSecond;
+    need(orvo->waitUntilRecorded(static_cast<std::uint64_t>(frames)), "the recording has ended");
+    need(screen_->pressKey("r") && screen_->pressKey("space"), "no key can be pressed");
+    need(eventually([&] { return server_->isPlaying(orvo->pid()); }), "Space starts no playback");
+    watch("playing, spectrum shown", *orvo, "", "");
   }
 
   std::string orvo_;
