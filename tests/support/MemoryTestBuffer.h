@@ -60,7 +60,9 @@ class MemoryTestBuffer : public OVAudioBufferInterface {
   void writeData(const void* data, std::uint64_t atByteOffset, std::uint32_t withSize) override {
     const std::lock_guard guard(lock_);
     bytes_.resize(std::max<std::uint64_t>(bytes_.size(), atByteOffset + withSize));
-    std::memcpy(bytes_.data() + atByteOffset, data, withSize);
+    // Not memcpy: a write of nothing may come without an address.
+    std::copy_n(static_cast<const std::byte*>(data), withSize,
+                bytes_.begin() + static_cast<std::ptrdiff_t>(atByteOffset));
   }
 
   [[nodiscard]] BufferReadResult readDataInto(void* destination, std::uint64_t withSize,
