@@ -428,8 +428,12 @@ void VLRecorderWindowController::writingFailed(int error,
 // A lost chunk at the end of the recording goes, so that it plays to its end. One in the middle
 // stays: undo brings back what stood there.
 void VLRecorderWindowController::dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize) {
-  const std::uint64_t lost = atByteOffset / bytesPerFrame();
-  if (isFileIOActive_ || bufferSizeInFrames() != (atByteOffset + withSize) / bytesPerFrame()) {
+  if (isFileIOActive_ || !buffer_) {
+    return;
+  }
+  const std::uint64_t frameSize = buffer_->format().mBytesPerFrame;
+  const std::uint64_t lost = atByteOffset / frameSize;
+  if (bufferSizeInFrames() != (atByteOffset + withSize) / frameSize) {
     return;
   }
   buffer_->cutoffBufferAfterPosition(lost);
