@@ -29,7 +29,7 @@ QString translationName(const QString& uiLanguage) {
 
 QString OVTranslations::languageOf(const QStringList& uiLanguages) {
   for (const QString& uiLanguage : uiLanguages) {
-    const QString name = translationName(uiLanguage);
+    QString name = translationName(uiLanguage);
     if (name == QLatin1String("en")) {
       return {};
     }

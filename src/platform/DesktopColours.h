@@ -32,7 +32,7 @@ class DesktopColours : public QObject {
  private Q_SLOTS:
   void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 
- private:
+ private:  // NOLINT(readability-redundant-access-specifiers): it ends the slots
   void follow(const QVariant& colorScheme);
 
   bool isDark_ = false;
