@@ -84,8 +84,10 @@ class MediaFunction<Result(Arguments..., ...)> {
 #pragma GCC diagnostic ignored "-Wignored-attributes"
 #endif
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are names, not expressions
 #define ORVO_MEDIA_FUNCTION(part, name) \
   inline constinit MediaFunction<decltype(::name)> name{mediaLibrary::Part::part, #name};
+// NOLINTEND(bugprone-macro-parentheses)
 
 ORVO_MEDIA_FUNCTION(util, av_calloc)
 ORVO_MEDIA_FUNCTION(util, av_channel_layout_copy)
