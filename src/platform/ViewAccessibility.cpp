@@ -15,7 +15,7 @@ class AccessibleView final : public QAccessibleWidget {
   AccessibleView(QWidget* view, QAccessible::Role role) : QAccessibleWidget(view, role) {}
 
   [[nodiscard]] QString text(QAccessible::Text kind) const override {
-    const QString own = QAccessibleWidget::text(kind);
+    QString own = QAccessibleWidget::text(kind);
     // Not every desktop hands on the value of a view that is no slider; all hand on descriptions.
     if (kind == QAccessible::Value || (kind == QAccessible::Description && own.isEmpty())) {
       return object()->property(kValueProperty).toString();
