@@ -235,8 +235,6 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   /// A load, save or export is running.
   [[nodiscard]] bool isFileIOActive() const { return isFileIOActive_; }
-  /// A save or export is running: the window stays until it is complete.
-  [[nodiscard]] bool isSaving() const { return isSaving_; }
   [[nodiscard]] bool isImport() const { return isImport_; }
 
   // Document ------------------------------------------------------------------------------------
@@ -445,7 +443,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   bool prevSaveState_ = false;
   bool documentEdited_ = false;  // the flag of a document without a window
   bool isFileIOActive_ = false;
-  bool isSaving_ = false;
+  bool isSaving_ = false;  // a save or export is running: the window stays until it is complete
   bool isExport_ = false;  // the save that runs touches neither the edited flag nor the file name
   bool isImport_ = false;
   bool importTakenBack_ = false;  // the import that runs could not be stored
