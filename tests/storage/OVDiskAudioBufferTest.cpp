@@ -384,13 +384,13 @@ TEST_F(ADiskAudioBuffer, AnyWriteEmptiesTheCache) {
 TEST_F(ADiskAudioBuffer, AWriteDuringAFillLeavesNoStaleBytesInTheCache) {
   write(*buffer_, pattern(8000, 1), 0);
   ClosedGate gate;
-  std::atomic<bool> filling = false;
-  files_.beforeReads([&filling, wait = gate.hook()] {
-    filling = true;
+  const auto filling = std::make_shared<std::atomic<bool>>(false);  // the read below queues a fill
+  files_.beforeReads([filling, wait = gate.hook()] {
+    *filling = true;
     wait();
   });
   auto fill = std::async(std::launch::async, [this] { buffer_->fillCacheFromPosition(0); });
-  ASSERT_TRUE(eventually([&] { return filling.load(); }));
+  ASSERT_TRUE(eventually([&filling] { return filling->load(); }));
   const Bytes later = pattern(8000, 2);
   auto writer = std::async(std::launch::async, [&] { write(*buffer_, later, 0); });
   gate.open();
