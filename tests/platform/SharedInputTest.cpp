@@ -187,6 +187,26 @@ TEST_F(SharedInputTimeTest, AnOpeningAheadIsNotWaitedFor) {
   EXPECT_EQ(recording.failures.count(), 0U);
 }
 
+TEST_F(SharedInputTimeTest, AnOpeningAheadMayWaitForItsStart) {
+  std::promise<void> start;
+  queues->prepareInput(start.get_future());
+  Recording recording;
+  ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);  // the clock stands still
+  EXPECT_EQ(device->inputsOpened(), 0U);
+  start.set_value();
+  ASSERT_TRUE(device->awaitInputOpen());
+  device->feed(ramp(0, kRecordFrames));
+  EXPECT_TRUE(recording.endFrames.awaitCount(1));
+}
+
+TEST_F(SharedInputTimeTest, AnOpeningAheadWhoseStartNeverComesBeginsWhenThatIsClear) {
+  {
+    std::promise<void> start;
+    queues->prepareInput(start.get_future());
+  }
+  EXPECT_TRUE(device->awaitInputOpen());
+}
+
 TEST_F(SharedInputTimeTest, TheFailureOfAnOpeningAheadArrivesThroughTheQueueOnce) {
   device->hang();
   device->failOpeningInput(-5);
