@@ -1,5 +1,6 @@
 #include "platform/ViewDrawing.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace platform {
@@ -9,6 +10,9 @@ namespace {
 // Past this many line widths, a sharp corner is cut off instead of drawn out to its tip. That is
 // how the toolkit's "SVG" mitre join understands the limit; its plain one draws half a tip.
 constexpr double kMiterLimit = 10.0;
+
+// No device is so wide, and columns up to here are told apart.
+constexpr double kFarthestColumn = 1 << 24;
 
 }  // namespace
 
@@ -27,6 +31,28 @@ QPen viewPen(const QColor& color, double width) {
   QPen pen(color, width, Qt::SolidLine, Qt::FlatCap, Qt::SvgMiterJoin);
   pen.setMiterLimit(kMiterLimit);
   return pen;
+}
+
+void fillUprightBar(QPainter& painter, double left, double right, double height,
+                    const QColor& color) {
+  const QTransform toDevice = painter.deviceTransform();
+  const QTransform toView = toDevice.inverted();
+  const double deviceLeft = toDevice.map(QPointF(left, 0.0)).x();
+  const double deviceRight = toDevice.map(QPointF(right, 0.0)).x();
+  if (std::max(std::abs(deviceLeft), std::abs(deviceRight)) > kFarthestColumn) {
+    return;
+  }
+  const bool wasSmoothed = painter.testRenderHint(QPainter::Antialiasing);
+  painter.setRenderHint(QPainter::Antialiasing, false);
+  for (double column = std::floor(deviceLeft); column < deviceRight; ++column) {
+    const double covered = std::min(column + 1.0, deviceRight) - std::max(column, deviceLeft);
+    QColor share = color;
+    share.setAlphaF(color.alphaF() * static_cast<float>(covered));
+    const double from = toView.map(QPointF(column, 0.0)).x();
+    const double to = toView.map(QPointF(column + 1.0, 0.0)).x();
+    painter.fillRect(QRectF(from, 0.0, to - from, height), share);
+  }
+  painter.setRenderHint(QPainter::Antialiasing, wasSmoothed);
 }
 
 void drawUprightText(QPainter& painter, QPointF baseline, const QString& text) {

@@ -21,6 +21,13 @@ void useViewCoordinates(QPainter& painter, QSizeF viewSize);
 /// A solid pen with flat caps and mitre joins (limit 10). `width` is in points.
 [[nodiscard]] QPen viewPen(const QColor& color, double width);
 
+/// Fills the upright bar from `left` to `right` and from 0 to `height`, smoothed at both sides: the
+/// same as an upright line of its width, without the path, its scan and the threads that the
+/// toolkit calls in for a high one. For painters that only move and scale; the ends of the bar are
+/// rounded to whole device pixels.
+void fillUprightBar(QPainter& painter, double left, double right, double height,
+                    const QColor& color);
+
 /// Draws text whose baseline begins at `baseline`, upright although the y axis points upward.
 void drawUprightText(QPainter& painter, QPointF baseline, const QString& text);
 
