@@ -14,6 +14,10 @@ constexpr double kMiterLimit = 10.0;
 // No device is so wide, and columns up to here are told apart.
 constexpr double kFarthestColumn = 1 << 24;
 
+// The toolkit gives a translucent fill of 96 rows and more to helper threads and waits for them,
+// which costs more than the fill.
+constexpr double kRowsAtOnce = 64.0;
+
 }  // namespace
 
 void useViewCoordinates(QPainter& painter, QSizeF viewSize) {
@@ -37,20 +41,21 @@ void fillUprightBar(QPainter& painter, double left, double right, double height,
                     const QColor& color) {
   const QTransform toDevice = painter.deviceTransform();
   const QTransform toView = toDevice.inverted();
-  const double deviceLeft = toDevice.map(QPointF(left, 0.0)).x();
-  const double deviceRight = toDevice.map(QPointF(right, 0.0)).x();
-  if (std::max(std::abs(deviceLeft), std::abs(deviceRight)) > kFarthestColumn) {
+  const QRectF bar = toDevice.mapRect(QRectF(left, 0.0, right - left, height));
+  if (!(std::max(std::abs(bar.left()), std::abs(bar.right())) < kFarthestColumn)) {
     return;
   }
+  const double bottom = std::round(bar.bottom());
   const bool wasSmoothed = painter.testRenderHint(QPainter::Antialiasing);
   painter.setRenderHint(QPainter::Antialiasing, false);
-  for (double column = std::floor(deviceLeft); column < deviceRight; ++column) {
-    const double covered = std::min(column + 1.0, deviceRight) - std::max(column, deviceLeft);
+  for (double column = std::floor(bar.left()); column < bar.right(); ++column) {
+    const double covered = std::min(column + 1.0, bar.right()) - std::max(column, bar.left());
     QColor share = color;
     share.setAlphaF(color.alphaF() * static_cast<float>(covered));
-    const double from = toView.map(QPointF(column, 0.0)).x();
-    const double to = toView.map(QPointF(column + 1.0, 0.0)).x();
-    painter.fillRect(QRectF(from, 0.0, to - from, height), share);
+    for (double row = std::round(bar.top()); row < bottom; row += kRowsAtOnce) {
+      const QRectF pixels(column, row, 1.0, std::min(kRowsAtOnce, bottom - row));
+      painter.fillRect(toView.mapRect(pixels), share);
+    }
   }
   painter.setRenderHint(QPainter::Antialiasing, wasSmoothed);
 }

@@ -37,12 +37,12 @@ TEST_P(ViewDrawing, ALineBetweenPixelsIsSoft) {
 TEST_P(ViewDrawing, AnUprightBarIsALineOfItsWidth) {
   const QColor color = QColor::fromRgbF(1.0F, 0.5F, 0.0F, 0.7F);
   for (const double left : {10.0, 10.25, 10.5, 10.9, -1.0, 29.5}) {
-    const QImage line = drawnPicture({30, 20}, ratio(), Qt::blue, [&](QPainter& painter) {
+    const QImage line = drawnPicture({30, 200}, ratio(), Qt::blue, [&](QPainter& painter) {
       painter.setPen(platform::viewPen(color, 2.0));
-      painter.drawLine(QPointF(left + 1.0, 0.0), QPointF(left + 1.0, 20.0));
+      painter.drawLine(QPointF(left + 1.0, 0.0), QPointF(left + 1.0, 200.0));
     });
-    const QImage bar = drawnPicture({30, 20}, ratio(), Qt::blue, [&](QPainter& painter) {
-      platform::fillUprightBar(painter, left, left + 2.0, 20.0, color);
+    const QImage bar = drawnPicture({30, 200}, ratio(), Qt::blue, [&](QPainter& painter) {
+      platform::fillUprightBar(painter, left, left + 2.0, 200.0, color);
       EXPECT_TRUE(painter.testRenderHint(QPainter::Antialiasing)) << "as it was";
     });
     for (int y = 0; y < bar.height(); ++y) {
