@@ -158,25 +158,42 @@ void OVAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
 
 void OVAudioBuffer::reverseBuffer() {
   const std::lock_guard lock(bufferLock_);
+  constexpr std::size_t kSample = sizeof(std::uint32_t);  // whatever its bits mean
   const std::uint64_t length = std::min<std::uint64_t>(bufferFillSize_, sampleBuffer_.size());
-  std::vector<std::uint32_t> values(length / sizeof(std::uint32_t));
-  if (values.empty()) {
-    return;
+  std::byte* const samples = sampleBuffer_.data();
+  for (std::size_t left = 0, right = length / kSample; left + 1 < right; ++left) {
+    --right;
+    std::swap_ranges(samples + left * kSample, samples + (left + 1) * kSample,
+                     samples + right * kSample);
   }
-  const std::size_t byteCount = values.size() * sizeof(std::uint32_t);
-  std::memcpy(values.data(), sampleBuffer_.data(), byteCount);
-  std::reverse(values.begin(), values.end());
-  std::memcpy(sampleBuffer_.data(), values.data(), byteCount);
 }
 
 void OVAudioBuffer::setWaypoint() {
-  const std::lock_guard lock(bufferLock_);
+  bool copied = false;
+  {
+    const std::lock_guard lock(bufferLock_);
+    copied = makeCopy();
+  }
+  if (!copied) {
+    ConsoleLog("could not keep a copy of %" PRIu64 " bytes for undo: out of memory",
+               bufferCapacity_.load());
+  }
+}
+
+bool OVAudioBuffer::makeCopy() {
   tmpBuffer_.reset();  // before the copy is made: both at once would need the memory thrice
-  tmpBuffer_ = std::make_unique<Samples>(
-      sampleBuffer_.begin(),
-      sampleBuffer_.begin() + static_cast<std::ptrdiff_t>(bufferCapacity_.load()));
+  tmpBufferFillSize_ = 0;
+  tmpBufferCapacity_ = 0;
+  try {
+    tmpBuffer_ = std::make_unique<Samples>(
+        sampleBuffer_.begin(),
+        sampleBuffer_.begin() + static_cast<std::ptrdiff_t>(bufferCapacity_.load()));
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
   tmpBufferFillSize_ = bufferFillSize_;
   tmpBufferCapacity_ = bufferCapacity_;
+  return true;
 }
 
 void OVAudioBuffer::undo() {
