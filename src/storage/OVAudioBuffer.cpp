@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/ApplicationServices.h"
+#include "storage/WriteBounds.h"
 
 namespace {
 
@@ -49,9 +50,7 @@ std::shared_ptr<OVAudioBuffer> OVAudioBuffer::init() {
 
 void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (withSize > kHighestAddress - atByteOffset) {
-    ConsoleLog("refused to write %" PRIu32 " bytes at %" PRIu64 ": past the highest address",
-               withSize, atByteOffset);
+  if (!staysWithinAddresses(atByteOffset, withSize)) {
     return;
   }
   const std::uint64_t end = atByteOffset + withSize;
@@ -66,12 +65,7 @@ void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
       bufferFillSize_ = end;
     }
   }
-  if (const auto delegate = delegate_.get().lock()) {
-    if (!hasRoom) {
-      delegate->audioBufferFailedToWrite(ENOMEM);
-    }
-    delegate->audioBufferDidWriteData(data, atByteOffset, withSize);
-  }
+  delegate_.tellWrite(data, atByteOffset, withSize, hasRoom ? 0 : ENOMEM);
 }
 
 bool OVAudioBuffer::growBeyond(std::uint64_t end) {
