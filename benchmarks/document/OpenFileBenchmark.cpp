@@ -4,12 +4,12 @@
 // may not depend on the length and stays below 80 MB.
 #include <atomic>
 #include <cstdint>
-#include <fstream>
 #include <memory>
 #include <string>
 
 #include <benchmark/benchmark.h>
 
+#include "PeakMemory.h"
 #include "audio/OVAudioFileReader.h"
 #include "audio/SoundFiles.h"
 #include "document/OVLoadJob.h"
@@ -19,24 +19,6 @@
 namespace {
 
 using Path = const std::string& (*)();
-
-// From now on the peak counts anew.
-void forgetPeakMemory() {
-  std::ofstream("/proc/self/clear_refs") << "5";
-}
-
-double peakMegabytes() {
-  std::ifstream status("/proc/self/status");
-  std::string word;
-  double kilobytes = 0.0;
-  while (status >> word) {
-    if (word == "VmHWM:") {
-      status >> kilobytes;
-      break;
-    }
-  }
-  return kilobytes / 1024.0;
-}
 
 // Frames that the document then has.
 std::uint64_t openDocument(const std::string& path) {
@@ -59,14 +41,14 @@ std::uint64_t openDocument(const std::string& path) {
 
 void open(benchmark::State& state, Path file) {
   const std::string& path = file();
-  forgetPeakMemory();
+  benchmarks::forgetPeakMemory();
   for (auto _ : state) {
     if (openDocument(path) == 0) {
       state.SkipWithError("nothing was loaded");
       return;
     }
   }
-  state.counters["peak_MB"] = peakMegabytes();
+  state.counters["peak_MB"] = benchmarks::peakMegabytes();
 }
 
 void yardstick(benchmark::State& state, Path file, bool asRawFloats) {

@@ -1,13 +1,13 @@
 #include "storage/OVBlockBuffer.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cinttypes>
 #include <limits>
 #include <utility>
 
 #include "platform/ApplicationServices.h"
 #include "storage/TemporaryFileAccess.h"
+#include "storage/WriteBounds.h"
 
 namespace {
 
@@ -15,7 +15,6 @@ constexpr std::size_t kWaypointCapacity = 32;           // entries; grows beyond
 constexpr std::size_t kLongestPath = 4095;              // bytes of a template, without its end
 constexpr std::uint64_t kWritesBetweenOptimizing = 21;  // about two seconds of recording
 
-constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 constexpr auto kLargestCount = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
 
 }  // namespace
@@ -44,9 +43,7 @@ std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
 
 void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (withSize > kHighestAddress - atByteOffset) {
-    ConsoleLog("refused to write %" PRIu32 " bytes at %" PRIu64 ": past the highest address",
-               withSize, atByteOffset);
+  if (!staysWithinAddresses(atByteOffset, withSize)) {
     return;
   }
   platform::FileTransfer written;
@@ -60,12 +57,7 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
   if (blocksAdded >= kWritesBetweenOptimizing) {
     optimize();
   }
-  if (const auto delegate = delegate_.get().lock()) {
-    if (written.byteCount < withSize) {
-      delegate->audioBufferFailedToWrite(written.error != 0 ? written.error : EIO);
-    }
-    delegate->audioBufferDidWriteData(data, atByteOffset, withSize);
-  }
+  delegate_.tellWrite(data, atByteOffset, withSize, errorOfTransfer(written, withSize));
 }
 
 // Maps the bytes just appended; gives the number of writes since the list was last optimised.
@@ -242,9 +234,7 @@ double OVBlockBuffer::powerAtPosition(std::uint64_t position) {
 }
 
 void OVBlockBuffer::removeTempFile(const std::optional<std::string>& path) {
-  if (path) {
-    platform::deleteFile(*path);
-  }
+  deleteTemporaryFile(path);
 }
 
 std::weak_ptr<OVAudioBufferDelegate> OVBlockBuffer::delegate() const {
