@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -20,6 +21,14 @@ class DelegateReference {
   void set(std::weak_ptr<OVAudioBufferDelegate> delegate) {
     const std::lock_guard lock(mutex_);
     delegate_ = std::move(delegate);
+  }
+
+  /// Tells the delegate of a read for which storage did not give all bytes back; an errno of 0 is
+  /// told as EIO. Hold no lock of the buffer.
+  void tellFailedRead(int error) const {
+    if (const auto delegate = get().lock()) {
+      delegate->audioBufferFailedToRead(error != 0 ? error : EIO);
+    }
   }
 
  private:
