@@ -560,6 +560,10 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Der Audioausgang ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Die Wiedergabe ist beendet. Schließen Sie den Ausgang wieder an und drücken Sie dann „Wiedergabe“. Alles bisher Aufgenommene bleibt erhalten.</translation>
     </message>
     <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>Das System lässt keinen weiteren Thread zu. Schließen Sie einige Fenster oder andere Programme, und versuchen Sie es dann noch einmal. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
         <source>no queue on record!</source>
         <translation>Keine Warteschlange für die Aufnahme!</translation>
     </message>

@@ -560,6 +560,10 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>La salida de sonido ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. La reproducción ha terminado. Vuelva a conectar la salida y pulse «Reproducir». Se conserva todo lo grabado hasta ahora.</translation>
     </message>
     <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>El sistema no permite más hilos. Cierre algunas ventanas u otros programas y vuelva a intentarlo. Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
         <source>no queue on record!</source>
         <translation>¡No hay cola para la grabación!</translation>
     </message>

@@ -560,6 +560,10 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>La sortie audio a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. La lecture est terminée. Rebranchez la sortie, puis cliquez sur «&#xa0;Lecture&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
     </message>
     <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>Le système n’autorise aucun thread supplémentaire. Fermez quelques fenêtres ou d’autres programmes, puis réessayez. Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
         <source>no queue on record!</source>
         <translation>Aucune file d’attente pour l’enregistrement&#xa0;!</translation>
     </message>

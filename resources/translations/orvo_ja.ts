@@ -560,6 +560,10 @@ Everything recorded before is kept.</source>
         <translation>サウンド出力がなくなりました。取り外されたか、サウンドシステムが停止しました。再生は終了しました。出力を接続し直してから「再生」を押してください。これまでに録音した内容はすべて残っています。</translation>
     </message>
     <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>システムがこれ以上スレッドを作成できません。いくつかのウィンドウまたはほかのプログラムを閉じてから、もう一度お試しください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
         <source>no queue on record!</source>
         <translation>録音用のキューがありません！</translation>
     </message>

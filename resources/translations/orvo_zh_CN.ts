@@ -560,6 +560,10 @@ Everything recorded before is kept.</source>
         <translation>声音输出已消失：设备被拔出，或声音系统已停止。播放已结束。请重新连接输出设备，然后按“播放”。到目前为止录制的内容均已保留。</translation>
     </message>
     <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>系统不允许创建更多线程。请关闭一些窗口或其他程序，然后重试。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
         <source>no queue on record!</source>
         <translation>没有录音队列！</translation>
     </message>

@@ -92,7 +92,7 @@ void OVAQPlayer::play() {
     isPlaying_.store(true, std::memory_order_release);
   }
   const auto status = queue_->start();
-  if (isDeviceFailure(status)) {
+  if (isDeviceFailure(status) || status == platform::kNoThreadStatus) {
     deviceFailed(status, kStartFailed);
     postStoppedPlayback();
   } else {

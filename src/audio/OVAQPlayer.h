@@ -41,9 +41,10 @@ class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
   OVAQPlayer(const OVAQPlayer&) = delete;
   OVAQPlayer& operator=(const OVAQPlayer&) = delete;
 
-  /// Starts or resumes. A failure is reported. When the device has failed, isPlaying() is false
-  /// afterwards and the delegate is told that playback has stopped; the person is told once a
-  /// player. A player that was stopped reports a failure and stays stopped.
+  /// Starts or resumes. A failure is reported. When the device has failed, or the system gives no
+  /// thread, isPlaying() is false afterwards and the delegate is told that playback has stopped;
+  /// the person is told once a player. A player that was stopped reports a failure and stays
+  /// stopped.
   void play();
 
   /// Halts and keeps what is queued; play() resumes sample for sample. A failure is reported.

@@ -53,7 +53,8 @@ class AudioQueue {
   /// of another queue, one that is enqueued already or one with more bytes than it holds.
   [[nodiscard]] virtual AudioStatus enqueueBuffer(AudioQueueBuffer* buffer) = 0;
 
-  /// Starts, or resumes after a pause. A failure that it answers is not told again by a listener.
+  /// Starts, or resumes after a pause. kNoThreadStatus when the system gives no thread for the
+  /// callbacks. A failure that it answers is not told again by a listener.
   /// A queue that has stopped, by whatever cause, is not started again: make a new one.
   [[nodiscard]] virtual AudioStatus start() = 0;
 

@@ -63,10 +63,12 @@ AudioStatus InputQueueCore::start() {
   ring_.emplace(blockFrames, kInputRingFrames / blockFrames);
   producer_.emplace(*ring_);
   consumer_.emplace(*ring_);
-  state_ = State::kRunning;
-  thread_.start([self = shared_from_this()] { self->serve(); });
-  input_->fanOut().add(*this);
-  return kAudioStatusOk;
+  const AudioStatus status = thread_.start([self = shared_from_this()] { self->serve(); });
+  if (status == kAudioStatusOk) {
+    state_ = State::kRunning;
+    input_->fanOut().add(*this);
+  }
+  return status;
 }
 
 void InputQueueCore::stop() {

@@ -94,7 +94,10 @@ AudioStatus OutputQueueCore::start() {
       return kAudioStatusOk;
     }
     if (state_ == State::kCreated) {
-      thread_.start([self = shared_from_this()] { self->serve(); });
+      const AudioStatus status = thread_.start([self = shared_from_this()] { self->serve(); });
+      if (status != kAudioStatusOk) {
+        return status;
+      }
     }
     state_ = State::kRunning;
   }

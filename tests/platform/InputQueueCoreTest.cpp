@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "platform/AudioQueueFixture.h"
+#include "support/NoMoreThreads.h"
 
 namespace platform::test {
 namespace {
@@ -280,6 +281,25 @@ TEST_F(InputQueueCoreTest, StartingWithoutABufferIsRefusedAndTwiceIsOne) {
   feed(0, kRecordFrames);
   ASSERT_TRUE(recording.endFrames.awaitCount(1));
   EXPECT_EQ(recording.queue->capturedFrames(), kRecordFrames);
+}
+
+TEST_F(InputQueueCoreTest, AQueueThatGetsNoThreadIsNotStartedAndMayBeStartedAgain) {
+  Recording recording;
+  ASSERT_EQ(recording.make(*queues), kAudioStatusOk);
+  ASSERT_EQ(recording.prime(), kAudioStatusOk);
+  {
+    const support::NoMoreThreads limit;
+    if (!limit.isInForce()) {
+      GTEST_SKIP() << "no way to make the system refuse a thread";
+    }
+    EXPECT_EQ(recording.queue->start(), kNoThreadStatus);
+  }
+  feed(0, kRecordFrames);
+  EXPECT_EQ(recording.queue->capturedFrames(), 0U);
+  ASSERT_EQ(recording.queue->start(), kAudioStatusOk);
+  feed(500, kRecordFrames);
+  ASSERT_TRUE(recording.endFrames.awaitCount(1));
+  EXPECT_EQ(recording.samples(), ramp(500, kRecordFrames));
 }
 
 TEST_F(InputQueueCoreTest, ABufferLongerThanHalfTheRingIsRefused) {

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "platform/AudioQueueFixture.h"
+#include "support/NoMoreThreads.h"
 
 namespace platform::test {
 namespace {
@@ -399,6 +400,22 @@ TEST_F(OutputQueueCoreTest, LevelsAreThoseOfTheLastBufferGivenToTheDevice) {
   ASSERT_TRUE(playback.returned.awaitCount(2));
   ASSERT_EQ(playback.queue->currentLevels(levels, 2, count), kAudioStatusOk);
   EXPECT_FLOAT_EQ(levels[1].mAveragePower, 0.125F);
+}
+
+TEST_F(OutputQueueCoreTest, AQueueThatGetsNoThreadIsNotStartedAndMayBeStartedAgain) {
+  playback.source = ramp(1, 5000);
+  ASSERT_EQ(playback.make(*queues), kAudioStatusOk);
+  playback.prime();
+  {
+    const support::NoMoreThreads limit;
+    if (!limit.isInForce()) {
+      GTEST_SKIP() << "no way to make the system refuse a thread";
+    }
+    EXPECT_EQ(playback.queue->start(), kNoThreadStatus);
+  }
+  EXPECT_EQ(running(), 0U);
+  ASSERT_EQ(playback.queue->start(), kAudioStatusOk);
+  EXPECT_EQ(device->pull(1000), ramp(1, 1000));
 }
 
 TEST_F(OutputQueueCoreTest, NoBufferIsTakenAfterTheEndWasAnnounced) {
