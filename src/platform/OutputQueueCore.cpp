@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/ApplicationServices.h"
+
 namespace platform {
 
 std::shared_ptr<OutputQueueCore> OutputQueueCore::create(AudioOutputQueue& owner,
@@ -145,8 +147,17 @@ void OutputQueueCore::stop() {
   feeder_.close();
   if (first) {
     control_->post([self = shared_from_this()](AudioDevice&) { self->stream_.reset(); });
+    tellUnderruns();
   }
   thread_.end();
+}
+
+void OutputQueueCore::tellUnderruns() const {
+  if (const std::uint64_t frames = underrunFrames()) {
+    ConsoleLog(
+        "Audio output: %llu frames of silence came in between, the audio was not there in time",
+        static_cast<unsigned long long>(frames));
+  }
 }
 
 void OutputQueueCore::dispose() {
