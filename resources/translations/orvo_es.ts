@@ -300,6 +300,14 @@ Everything recorded before is kept.</source>
 Se conserva todo lo grabado hasta entonces.</translation>
     </message>
     <message>
+        <source>Playing was stopped</source>
+        <translation>Se ha detenido la reproducción</translation>
+    </message>
+    <message>
+        <source>The audio could not be read from the temporary file. %1</source>
+        <translation>No se pudo leer el audio del archivo temporal. %1</translation>
+    </message>
+    <message>
         <source>%1 could not be loaded whole</source>
         <translation>No se pudo cargar %1 por completo</translation>
     </message>
@@ -552,16 +560,16 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>La entrada de sonido ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. La grabación ha terminado. Vuelva a conectar la entrada y pulse «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
     </message>
     <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>El sistema no permite más hilos. Cierre algunas ventanas u otros programas y vuelva a intentarlo. Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
         <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>
         <translation>No se pudo abrir ninguna salida de sonido. Conecte unos altavoces o auriculares, compruebe que el sonido funciona en este equipo y vuelva a pulsar «Reproducir». Se conserva todo lo grabado hasta ahora.</translation>
     </message>
     <message>
         <source>The sound output has gone: it was unplugged, or the sound system stopped. Playback has ended. Connect the output again, then press Play. Everything recorded so far is kept.</source>
         <translation>La salida de sonido ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. La reproducción ha terminado. Vuelva a conectar la salida y pulse «Reproducir». Se conserva todo lo grabado hasta ahora.</translation>
-    </message>
-    <message>
-        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
-        <translation>El sistema no permite más hilos. Cierre algunas ventanas u otros programas y vuelva a intentarlo. Se conserva todo lo grabado hasta ahora.</translation>
     </message>
     <message>
         <source>no queue on record!</source>

@@ -300,6 +300,14 @@ Everything recorded before is kept.</source>
 Tout ce qui a été enregistré auparavant est conservé.</translation>
     </message>
     <message>
+        <source>Playing was stopped</source>
+        <translation>La lecture a été arrêtée</translation>
+    </message>
+    <message>
+        <source>The audio could not be read from the temporary file. %1</source>
+        <translation>Le son n’a pas pu être lu dans le fichier temporaire. %1</translation>
+    </message>
+    <message>
         <source>%1 could not be loaded whole</source>
         <translation>%1 n’a pas pu être chargé en entier</translation>
     </message>
@@ -552,16 +560,16 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>L’entrée audio a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. L’enregistrement est terminé. Rebranchez l’entrée, puis cliquez sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
     </message>
     <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>Le système n’autorise aucun thread supplémentaire. Fermez quelques fenêtres ou d’autres programmes, puis réessayez. Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
         <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>
         <translation>Aucune sortie audio n’a pu être ouverte. Branchez des haut-parleurs ou un casque, vérifiez que le son fonctionne sur cet ordinateur, puis cliquez de nouveau sur «&#xa0;Lecture&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
     </message>
     <message>
         <source>The sound output has gone: it was unplugged, or the sound system stopped. Playback has ended. Connect the output again, then press Play. Everything recorded so far is kept.</source>
         <translation>La sortie audio a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. La lecture est terminée. Rebranchez la sortie, puis cliquez sur «&#xa0;Lecture&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
-    </message>
-    <message>
-        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
-        <translation>Le système n’autorise aucun thread supplémentaire. Fermez quelques fenêtres ou d’autres programmes, puis réessayez. Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
     </message>
     <message>
         <source>no queue on record!</source>
