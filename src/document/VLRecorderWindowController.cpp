@@ -363,6 +363,7 @@ void VLRecorderWindowController::audioBufferDidWriteData(const void* data,
   if (!recorder || !recorder->isRecording()) {
     return;
   }
+  writtenSincePress_ = true;
   fft_data_.capture(data, withSize);
   const std::uint64_t frameSize = buffer->format().mBytesPerFrame;
   const std::uint64_t frames = withSize / frameSize;
@@ -450,11 +451,31 @@ void VLRecorderWindowController::inputFailed(const std::weak_ptr<OVAQRecorder>& 
     return;
   }
   if (isRecording()) {
+    const std::uint64_t marker = playbackPosition();
     pauseButton(nullptr);
+    if (!writtenSincePress_) {
+      takeRecordingBack(marker);
+    }
   } else {
     setRecorder(nullptr);
     failed->prepareForDestruction();
   }
+}
+
+// The answer that there is no input came after the press: as if Record had never been pressed. The
+// step before it cannot be undone any more: there is room for one.
+void VLRecorderWindowController::takeRecordingBack(std::uint64_t marker) {
+  buffer_->undo();
+  if (undoManager_) {
+    undoManager_->discardLastUndo();
+  }
+  setDocumentEdited(prevSaveState_);
+  setPlaybackPosition(marker);
+}
+
+// Looked at when the player has stopped: what it had read by then is heard first.
+void VLRecorderWindowController::audioBufferFailedToRead(int error) {
+  readError_ = error;
 }
 
 void VLRecorderWindowController::playerAdvancedToFrame(std::uint64_t frame) {
@@ -464,10 +485,24 @@ void VLRecorderWindowController::playerAdvancedToFrame(std::uint64_t frame) {
 void VLRecorderWindowController::playerStoppedPlayback(OVAQPlayer* player) {
   if (playbackPosition() >= bufferSizeInFrames()) {
     stopButton(stopButton_);
-  } else if (player != nullptr && player == player_.get() &&
-             player->failure() != platform::kAudioStatusOk) {
-    pauseButton(nullptr);  // the device went away: the marker stays where playing broke off
+    return;
   }
+  if (player == nullptr || player != player_.get()) {
+    return;
+  }
+  if (player->failure() != platform::kAudioStatusOk) {
+    pauseButton(nullptr);  // the device went away: the marker stays where playing broke off
+  } else if (const int error = readError_.exchange(0)) {
+    pauseButton(nullptr);
+    tellReadingFailed(error);
+  }
+}
+
+void VLRecorderWindowController::tellReadingFailed(int error) {
+  ShowModalAlert(platform::localizedUtf8("Playing was stopped"),
+                 platform::localized("The audio could not be read from the temporary file. %1")
+                     .arg(QString::fromStdString(platform::failureReason(error)))
+                     .toStdString());
 }
 
 std::optional<std::vector<float>> VLRecorderWindowController::dataForVUView(QWidget*) {

@@ -277,6 +277,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void audioBufferDidWriteData(const void* data, std::uint64_t atByteOffset,
                                std::uint32_t withSize) override;
   void audioBufferFailedToWrite(int error) override;
+  void audioBufferFailedToRead(int error) override;
   void playerAdvancedToFrame(std::uint64_t frame) override;
   void playerStoppedPlayback(OVAQPlayer* player) override;
   std::optional<std::vector<float>> dataForVUView(QWidget* view) override;
@@ -319,6 +320,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] bool isRecording() const;
   [[nodiscard]] bool isPlaying() const;
   void inputFailed(const std::weak_ptr<OVAQRecorder>& recorder);
+  void takeRecordingBack(std::uint64_t marker);
+  static void tellReadingFailed(int error);
   void reportFailedWrite(const std::shared_ptr<OVAQRecorder>& recorder, std::uint64_t atByteOffset,
                          std::uint32_t withSize);
   void writingFailed(int error, const std::weak_ptr<OVAQRecorder>& recorder,
@@ -472,6 +475,9 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::atomic<int> writeError_ = 0;                   // errno of the write being reported
   std::atomic<bool> isLoading_ = false;               // the loading job writes into the buffer
   std::atomic<bool> writeFailureTold_ = false;        // once per recording
+  std::atomic<bool> writtenSincePress_ = false;       // the recording has something to keep
+  // errno of the last read that failed since Play was pressed; any reader's thread writes.
+  std::atomic<int> readError_ = 0;
 
   // Guards itself: the writer's thread replaces, the spectrum takes.
   OVRecordedChunk fft_data_;

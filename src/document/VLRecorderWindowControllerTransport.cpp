@@ -71,6 +71,7 @@ void VLRecorderWindowController::recPressed() {
   }
   writeError_ = 0;
   writeFailureTold_ = false;
+  writtenSincePress_ = false;
   recorder_->record();
   setDocumentEdited(true);
 }
@@ -90,6 +91,7 @@ void VLRecorderWindowController::playPressed() {
   }
   const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a command
   setEnabled(recButton_, false);
+  readError_ = 0;
   if (!player_) {
     player_ = OVAQPlayer::initWithBuffer(buffer_, playbackPosition() * bytesPerFrame());
     if (!player_) {

@@ -70,7 +70,8 @@ class InputQueueCore final : public InputSink,
   // Made by start(), under mutex_, before the real-time thread and the queue's thread know of this
   // queue; then fixed.
   std::optional<InputRing> ring_;
-  std::optional<InputRingProducer> producer_;  // real-time thread only
+  // Real-time thread only; once that has left for good, inputFailed() under mutex_.
+  std::optional<InputRingProducer> producer_;
 
   mutable std::mutex mutex_;
   std::condition_variable progress_;  // something that isDelivered() looks at has changed
@@ -81,6 +82,7 @@ class InputQueueCore final : public InputSink,
   std::optional<InputRingConsumer> consumer_;
   std::optional<std::uint64_t> inCallback_;  // endFrame of the buffer that the callback has
   AudioStatus failure_ = kAudioStatusOk;
+  bool captureEnded_ = false;  // by the failure: the last frames are in the ring
   bool failureTold_ = false;
   std::uint64_t lossTold_ = 0;  // frames
 };

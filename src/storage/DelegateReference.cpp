@@ -1,5 +1,7 @@
 #include "storage/DelegateReference.h"
 
+#include <cerrno>
+
 void DelegateReference::tellWrite(const void* data, std::uint64_t atByteOffset,
                                   std::uint32_t withSize, int error) const {
   const auto delegate = get().lock();
@@ -15,5 +17,11 @@ void DelegateReference::tellWrite(const void* data, std::uint64_t atByteOffset,
 void DelegateReference::tellFailure(int error) const {
   if (const auto delegate = get().lock()) {
     delegate->audioBufferFailedToWrite(error);
+  }
+}
+
+void DelegateReference::tellFailedRead(int error) const {
+  if (const auto delegate = get().lock()) {
+    delegate->audioBufferFailedToRead(error != 0 ? error : EIO);
   }
 }

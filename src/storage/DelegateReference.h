@@ -32,6 +32,10 @@ class DelegateReference {
   /// Tells it only of a failure that no write follows.
   void tellFailure(int error) const;
 
+  /// Tells it of a read for which storage did not give all bytes back; an errno of 0 is told as
+  /// EIO. Hold no lock of the buffer.
+  void tellFailedRead(int error) const;
+
  private:
   mutable std::mutex mutex_;  // guards delegate_
   std::weak_ptr<OVAudioBufferDelegate> delegate_;

@@ -51,6 +51,11 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
   {
     const std::lock_guard appending(appendLock_);
     written = f_file_->writeAt(data, withSize, f_write_pos_);
+    if (written.byteCount < withSize) {
+      // Silence takes no room: reads go on behind the lost stretch. Where the file cannot be made
+      // longer either, they end in it until a later write has done that.
+      static_cast<void>(f_file_->setSize(f_write_pos_ + withSize));
+    }
     const std::lock_guard lock(bufferLock_);
     blocksAdded = mapAppended(atByteOffset, withSize);
   }
@@ -89,10 +94,10 @@ BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t wi
   auto* const bytes = static_cast<std::byte*>(destination);
   std::uint64_t total = 0;
   for (const Stretch& stretch : wanted) {
-    const std::uint64_t got =
-        readWhole(*f_file_, bytes + total, stretch.byteCount, stretch.fileOffset).byteCount;
-    total += got;
-    if (got < stretch.byteCount) {
+    const auto got = readWhole(*f_file_, bytes + total, stretch.byteCount, stretch.fileOffset);
+    total += got.byteCount;
+    if (got.byteCount < stretch.byteCount) {
+      delegate_.tellFailedRead(got.error);
       break;
     }
   }

@@ -106,13 +106,20 @@ BufferReadResult OVDiskAudioBuffer::readDataInto(void* destination, std::uint64_
 
 BufferReadResult OVDiskAudioBuffer::readDataIntoNoCache(void* destination, std::uint64_t withSize,
                                                         std::uint64_t fromOffset) {
-  const std::lock_guard lock(bufferLock_);
-  const std::uint64_t end = f_size();
-  const std::uint64_t available = fromOffset < end ? end - fromOffset : 0;
   const std::uint64_t frameBytes = format_.mBytesPerFrame;
-  const std::uint64_t wanted = std::min(withSize, available) / frameBytes * frameBytes;
-  const std::uint64_t got = readWhole(*f_file_, destination, wanted, fromOffset).byteCount;
-  return resultOf(destination, got / frameBytes * frameBytes);
+  std::uint64_t wanted = 0;
+  platform::FileTransfer read;
+  {
+    const std::lock_guard lock(bufferLock_);
+    const std::uint64_t end = f_size();
+    const std::uint64_t available = fromOffset < end ? end - fromOffset : 0;
+    wanted = std::min(withSize, available) / frameBytes * frameBytes;
+    read = readWhole(*f_file_, destination, wanted, fromOffset);
+  }
+  if (read.byteCount < wanted) {
+    delegate_.tellFailedRead(read.error);
+  }
+  return resultOf(destination, read.byteCount / frameBytes * frameBytes);
 }
 
 BufferReadResult OVDiskAudioBuffer::resultOf(void* destination, std::uint64_t byteCount) const {

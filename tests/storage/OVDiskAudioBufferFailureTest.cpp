@@ -56,6 +56,25 @@ TEST_F(ADiskBufferOnAFailingDisk, AFailedReadGivesNothingAndEndsItsFill) {
   EXPECT_EQ(read(*buffer_, 80, 0), pattern(80, 1));
 }
 
+TEST_F(ADiskBufferOnAFailingDisk, TellsAFailedReadOnceARead) {
+  buffer_->setDelegate(delegate_);
+  write(*buffer_, pattern(80, 1), 0);
+  files_.failReads(ENXIO);
+  EXPECT_THAT(read(*buffer_, 80, 0), IsEmpty());
+  waitForTheFill();
+  EXPECT_THAT(delegate_->readErrors(), ElementsAre(ENXIO)) << "the fill's own reader tells";
+  EXPECT_THAT(readNoCache(80, 0), IsEmpty());
+  EXPECT_THAT(delegate_->readErrors(), ElementsAre(ENXIO, ENXIO));
+}
+
+TEST_F(ADiskBufferOnAFailingDisk, AReadThatEndsWhereTheRecordingDoesIsNoFailure) {
+  buffer_->setDelegate(delegate_);
+  write(*buffer_, pattern(80, 1), 0);
+  EXPECT_THAT(readNoCache(200, 40), SizeIs(40));
+  EXPECT_THAT(readNoCache(8, 80), IsEmpty());
+  EXPECT_THAT(delegate_->readErrors(), IsEmpty());
+}
+
 TEST_F(ADiskBufferOnAFailingDisk, ContinuesShortReads) {
   const Bytes bytes = pattern(800, 1);
   write(*buffer_, bytes, 0);
