@@ -58,8 +58,8 @@ class OVWaveformSummary;
 ///
 /// Sources, by concern: VLRecorderWindowController.cpp (set-up, tear-down, callbacks), …Transport
 /// (buttons, menus, keys), …Display (the 25 Hz loop, positions, clicks), …Editing (cuts, undo),
-/// …Spectrum (the spectrum below the transport bar), …Loading (open, import), …Saving (save,
-/// exports, the question about unsaved changes).
+/// …Spectrum (the spectrum below the transport bar), …Loading (open, import), …Saving,
+/// …Exporting (ringtone, picture), …Closing (the question about unsaved changes).
 ///
 /// Threads: main, except the buffer's and the player's callbacks, the positions, isRendering-
 /// Waveform and the redraw requests, which any thread may call.
