@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cerrno>
+#include <new>
 
 #include <QBuffer>
 #include <QImage>
@@ -27,8 +28,8 @@ namespace {
 constexpr const char* kRingtoneSuffix = "m4r";
 constexpr const char* kPictureSuffix = "png";
 
-// On a background queue. 0, or the errno of the failure.
-int writePicture(const QImage& picture, const std::string& path) {
+// On a background queue, which lets no exception out. 0, or the errno of the failure.
+int writePicture(const QImage& picture, const std::string& path) try {
   QByteArray encoded;
   QBuffer target(&encoded);
   if (!target.open(QIODevice::WriteOnly) || !picture.save(&target, "PNG")) {
@@ -41,6 +42,8 @@ int writePicture(const QImage& picture, const std::string& path) {
   const int error =
       replacement.file->write(encoded.constData(), static_cast<std::uint64_t>(encoded.size()));
   return error != 0 ? error : replacement.file->commit();
+} catch (const std::bad_alloc&) {
+  return ENOMEM;
 }
 
 }  // namespace
