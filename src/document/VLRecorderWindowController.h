@@ -236,6 +236,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// A load, save or export is running.
   [[nodiscard]] bool isFileIOActive() const { return isFileIOActive_; }
   [[nodiscard]] bool isImport() const { return isImport_; }
+  /// A save or export is running.
+  [[nodiscard]] bool isSaving() const { return isSaving_; }
 
   // Document ------------------------------------------------------------------------------------
 
@@ -394,6 +396,9 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   static void tellSaveFailed(const std::string& path, const std::string& reason);
   void exportRingtoneTo(const std::string& path);
   void writeWaveformPicture(const std::string& path);
+
+  // Closing
+  void bringToFront();
   void askToSave();
 
   [[nodiscard]] std::uint64_t bytesPerFrame() const;

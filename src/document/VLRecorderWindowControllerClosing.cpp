@@ -27,15 +27,23 @@ bool VLRecorderWindowController::windowShouldClose(OVRecorderWindow*) {
   if (!isDocumentEdited()) {
     return true;
   }
+  bringToFront();
   if (isPanelShown_ && !isQuestionShown_) {
     // The panel has to be answered first, and the quit to be asked for again.
     platform::applicationServices()->cancelTermination();
-    window_->raise();
-    window_->activateWindow();
   } else if (!isQuestionShown_) {
     askToSave();
   }
   return false;
+}
+
+// What the window asks has to be seen: a quit waits for the answer.
+void VLRecorderWindowController::bringToFront() {
+  if (window_) {
+    window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
+    window_->raise();
+    window_->activateWindow();
+  }
 }
 
 void VLRecorderWindowController::askToSave() {

@@ -127,4 +127,49 @@ TEST_F(ClosingTest, AnUnknownAnswerOfTheQuestionIsAProgrammingError) {
   EXPECT_DEATH(document_->alertDidEnd(7), "Unknown button return: 7");
 }
 
+TEST_F(ClosingTest, TheQuestionIsAskedWhereItCanBeSeen) {
+  openWindow();
+  document_->setDocumentEdited(true);
+  document_->window()->showMinimized();
+  ASSERT_TRUE(runMainLoopUntil([&] { return document_->window()->isMinimized(); }));
+  document_->window()->performClose();
+  ASSERT_EQ(panels_->sheets(), 1U);
+  EXPECT_FALSE(document_->window()->isMinimized());
+  EXPECT_TRUE(document_->window()->isVisible());
+}
+
+TEST_F(ClosingTest, TheQuestionThatIsThereAlreadyIsShownAgain) {
+  openWindow();
+  document_->setDocumentEdited(true);
+  document_->window()->performClose();
+  document_->window()->showMinimized();
+  document_->window()->performClose();
+  EXPECT_EQ(panels_->sheets(), 1U);
+  EXPECT_FALSE(document_->window()->isMinimized());
+}
+
+TEST_F(ClosingTest, APanelThatHasToBeAnsweredFirstIsShown) {
+  openWindow();
+  document_->setDocumentEdited(true);
+  document_->importFile(nullptr);
+  document_->window()->showMinimized();
+  document_->window()->performClose();
+  EXPECT_EQ(panels_->sheets(), 0U);
+  EXPECT_FALSE(document_->window()->isMinimized());
+  panels_->answerOpen({});
+}
+
+TEST_F(ClosingTest, AChangedDocumentWithoutAWindowStaysWhileAPanelIsAnswered) {
+  openDocument();
+  document_->setDocumentEdited(true);
+  document_->importFile(nullptr);
+  EXPECT_FALSE(document_->windowShouldClose(nullptr));
+  EXPECT_EQ(services_->cancelledTerminations(), 1U);
+  panels_->answerOpen({});
+  EXPECT_FALSE(document_->windowShouldClose(nullptr));
+  EXPECT_EQ(panels_->sheets(), 1U);
+  panels_->answerSheet(VLRecorderWindowController::kDontSave);
+  EXPECT_TRUE(document_->windowShouldClose(nullptr));
+}
+
 }  // namespace
