@@ -183,10 +183,10 @@ void VLRecorderWindowController::savingEnded(const SavingRequest& request,
   }
   endFileIO();
   saveFailed();
-  if (outcome.unreadableFrames > 0) {
-    tellGaps(request.job.path, secondsOfFrames(outcome.unreadableFrames), outcome.complete);
-  } else if (!outcome.told) {
+  if (outcome.error != 0) {
     tellSaveFailed(request.job.path, platform::failureReason(outcome.error));
+  } else if (!outcome.told) {
+    tellGaps(request.job.path, secondsOfFrames(outcome.unreadableFrames), outcome.complete);
   }
 }
 
@@ -218,6 +218,7 @@ void VLRecorderWindowController::fileSavingComplete() {
   const bool isExport = std::exchange(isExport_, false);
   if (!isExport) {
     setDocumentEdited(false);
+    prevSaveState_ = true;  // what undo or redo brings back differs from the file
   }
   endFileIO();
   stopButton(stopButton_);

@@ -1,9 +1,21 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cmath>
+#include <semaphore>
+#include <utility>
+
 #include <gmock/gmock.h>
 #include <QComboBox>
+#include <QProgressBar>
 
 #include "document/FileFixture.h"
 #include "document/OVSaveJob.h"
+#include "platform/AudioFileStorage.h"
+#include "support/FailingTemporaryFiles.h"
 #include "support/FileSizeLimit.h"
+#include "support/TestAudioFileStorage.h"
 
 namespace {
 
@@ -238,6 +250,209 @@ TEST_F(SavingTest, AFileThatIsThereIsNotReplacedByOneWithGaps) {
   EXPECT_EQ(document_->currentFilename(), "");
   ASSERT_EQ(services_->alerts().size(), 1U);
   EXPECT_EQ(services_->alerts()[0].title, "“take.wav” could not be saved");
+}
+
+TEST_F(SavingTest, AFailedSaveOfARecordingWithGapsIsToldOnce) {
+  openWindow();
+  fill(ramp(1000));
+  fill(ramp(1000), 1500);
+  const support::FileSizeLimit limit(10);
+  saveTo(at("take.wav"));
+  EXPECT_EQ(services_->alerts().size(), 1U);
+  EXPECT_THAT(services_->alerts().at(0).message, HasSubstr("on this disk may be"));
+  EXPECT_EQ(filesInFolder(), 0U);
+}
+
+// Undo and redo after a save -------------------------------------------------------------------
+
+TEST_F(SavingTest, UndoAfterASaveOfACutDiffersFromTheFileAndRedoDoesNot) {
+  const std::string path = writeFile("take.wav", ramp(1000));
+  openWindow();
+  document_->setCurrentFilename(path);
+  open(path);
+  document_->setPlaybackPosition(400);
+  document_->removeAfterMarker(nullptr);
+  settle();
+  saveTo(path);
+  ASSERT_FALSE(document_->isDocumentEdited());
+  document_->undoCommand();
+  EXPECT_EQ(length(), 1000U);
+  EXPECT_TRUE(document_->isDocumentEdited());
+  EXPECT_FALSE(document_->windowShouldClose(document_->window()));
+  document_->redoCommand();
+  EXPECT_EQ(audio(), readFile(path));
+  EXPECT_FALSE(document_->isDocumentEdited());
+  document_->undoCommand();
+  EXPECT_TRUE(document_->isDocumentEdited());
+}
+
+TEST_F(SavingTest, RedoAfterASaveOfWhatWasUndoneDiffersFromTheFile) {
+  openWindow();
+  recordChunks(1);
+  saveTo(at("take.wav"));
+  recordChunks(1, 0.5F);
+  document_->undoCommand();
+  saveTo(at("take.wav"));
+  document_->redoCommand();
+  EXPECT_EQ(length(), 2U * kChunkFrames);
+  EXPECT_TRUE(document_->isDocumentEdited());
+}
+
+TEST_F(SavingTest, UndoAfterASaveOfARecordingOrAnImportDiffersFromTheFile) {
+  openWindow();
+  recordChunks(2);
+  saveTo(at("take.wav"));
+  document_->undoCommand();
+  EXPECT_EQ(length(), 0U);
+  EXPECT_TRUE(document_->isDocumentEdited());
+  document_->redoCommand();
+  EXPECT_FALSE(document_->isDocumentEdited());
+
+  import(writeFile("other.wav", ramp(100)));
+  ASSERT_TRUE(document_->isDocumentEdited());
+  saveTo(at("take.wav"));
+  document_->undoCommand();
+  EXPECT_EQ(length(), 2U * kChunkFrames);
+  EXPECT_TRUE(document_->isDocumentEdited());
+}
+
+TEST_F(SavingTest, AnExportOrAFailedSaveLeavesToUndoWhatItHadToSay) {
+  openWindow();
+  recordChunks(2);
+  document_->exportRingtone(nullptr);
+  panels_->answerSave(at("tone.m4r"));
+  awaitIdle();
+  saveTo(at("gone/take.wav"));
+  EXPECT_TRUE(document_->isDocumentEdited());
+  document_->undoCommand();
+  EXPECT_FALSE(document_->isDocumentEdited());  // the empty document of before
+}
+
+// Progress ---------------------------------------------------------------------------------------
+
+TEST_F(SavingTest, TheBarMovesWhileTheFileIsWritten) {
+  support::FailingTemporaryFiles disk;
+  const platform::TemporaryFilesInstallation installed(disk);
+  openWindow();
+  const Samples chunk(2 * OVSaveJob::kChunkFrames, 0.25F);
+  for (std::uint64_t i = 0; i < 4; ++i) {
+    fill(chunk, i * OVSaveJob::kChunkFrames);
+  }
+  std::counting_semaphore<> turns(0);
+  disk.beforeReads([&turns] { turns.acquire(); });  // one read for each chunk
+  document_->saveFileNamed(at("take.wav"), 0);
+  const auto value = [this] {
+    const QProgressBar* const bar = document_->loadingIndicator();
+    return static_cast<double>(bar->value() - bar->minimum()) / (bar->maximum() - bar->minimum());
+  };
+  EXPECT_EQ(value(), 0.0);
+  for (const double written : {0.25, 0.5, 0.75}) {
+    turns.release();
+    EXPECT_TRUE(runMainLoopUntil([&] { return std::abs(value() - written) < 0.01; }))
+        << value() << " instead of " << written;
+    EXPECT_TRUE(document_->loadingIndicator()->isVisibleTo(document_->window()));
+  }
+  disk.beforeReads(nullptr);
+  turns.release();
+  awaitIdle();
+  EXPECT_EQ(document_->loadingIndicator()->value(), document_->loadingIndicator()->minimum());
+}
+
+// Media ------------------------------------------------------------------------------------------
+
+class MediaTest : public SavingTest {
+ protected:
+  ~MediaTest() override {
+    if (dropped_) {
+      EXPECT_EQ(::seteuid(0), 0);
+    }
+    ::chmod(folder_.path().c_str(), 0700);
+  }
+
+  // The administrator may write everywhere; permissions show only to somebody else.
+  void becomeOrdinaryUser() {
+    constexpr uid_t kNobody = 65534;
+    if (::geteuid() == 0) {
+      ASSERT_EQ(::seteuid(kNobody), 0);
+      dropped_ = true;
+    }
+  }
+
+  /// A document that is called take.wav and has changes that are not in the file of this name.
+  void openChanged() {
+    const std::string path = writeFile("take.wav", ramp(100));
+    openWindow();
+    document_->setCurrentFilename(path);
+    open(path);
+    document_->setCurrentFiletype(0);
+    document_->window()->setTitle(VLRecorderWindowController::titleWithName("take.wav"));
+    recordChunks(1);
+    recorded_ = audio();
+    before_ = bytesOf(path);
+  }
+
+  /// The save was told once, for this reason; the document is as it was, and so is the file.
+  void expectTold(const std::string& reason) {
+    ASSERT_EQ(services_->alerts().size(), 1U);
+    EXPECT_THAT(services_->alerts()[0].title + services_->alerts()[0].message,
+                HasSubstr("“take.wav”"));
+    EXPECT_THAT(services_->alerts()[0].message, HasSubstr(reason));
+    EXPECT_TRUE(document_->isDocumentEdited());
+    EXPECT_EQ(document_->currentFilename(), at("take.wav"));
+    EXPECT_EQ(document_->window()->title(), "Orvo - take.wav");
+    EXPECT_EQ(audio(), recorded_);
+    EXPECT_TRUE(transportEnabled());
+    EXPECT_EQ(bytesOf(at("take.wav")), before_);
+    EXPECT_EQ(filesInFolder(), 1U);
+  }
+
+  Samples recorded_;
+  std::string before_;
+  bool dropped_ = false;
+};
+
+TEST_F(MediaTest, AFolderThatMayNotBeWrittenIsTold) {
+  openChanged();
+  ASSERT_EQ(::chmod(folder_.path().c_str(), 0555), 0);
+  becomeOrdinaryUser();
+  document_->saveFile(nullptr);
+  awaitIdle();
+  expectTold("You do not have the permission for it.");
+}
+
+TEST_F(MediaTest, AFileThatMayNotBeWrittenIsTold) {
+  openChanged();
+  ASSERT_EQ(::chmod(at("take.wav").c_str(), 0444), 0);
+  ASSERT_EQ(::chmod(folder_.path().c_str(), 0777), 0);
+  becomeOrdinaryUser();
+  document_->saveFile(nullptr);
+  awaitIdle();
+  expectTold("You do not have the permission for it.");
+}
+
+TEST_F(MediaTest, ADiskThatCanOnlyBeReadIsTold) {
+  openChanged();
+  support::TestAudioFileStorage disk;
+  disk.failOpening(EROFS);
+  const platform::AudioFileStorageInstallation installed(disk);
+  document_->saveFile(nullptr);
+  awaitIdle();
+  expectTold("You are not allowed to write");
+}
+
+TEST_F(MediaTest, AMediumThatIsPulledWhileItIsWrittenIsTold) {
+  for (const int error : {ENODEV, EIO}) {
+    services_->clear();
+    openChanged();
+    support::TestAudioFileStorage disk;
+    disk.fillUpAfter(10'000, error);
+    const platform::AudioFileStorageInstallation installed(disk);
+    document_->saveFile(nullptr);
+    awaitIdle();
+    expectTold("It may have been removed.");
+    document_->setDocumentEdited(false);
+    closeDocument();
+  }
 }
 
 }  // namespace
