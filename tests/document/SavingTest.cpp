@@ -252,6 +252,36 @@ TEST_F(SavingTest, AFileThatIsThereIsNotReplacedByOneWithGaps) {
   EXPECT_EQ(services_->alerts()[0].title, "“take.wav” could not be saved");
 }
 
+TEST_F(SavingTest, ANameMayHoldQuotesAndLineBreaks) {
+  openWindow();
+  recordChunks(1);
+  const std::string path = at("\"two\"\nlines %1.wav");
+  saveAs(path, 0);
+  EXPECT_EQ(readFile(path), audio());
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(SavingTest, ANameThatIsTooLongIsToldAndLeavesNothing) {
+  openWindow();
+  recordChunks(1);
+  std::string threeBytesEach;
+  for (int i = 0; i < 85; ++i) {
+    threeBytesEach += "録";
+  }
+  for (const std::string& name : {std::string(252, 'x'), std::string(400, 'x'), threeBytesEach}) {
+    services_->clear();
+    saveAs(at(name + ".wav"), 0);
+    ASSERT_EQ(services_->alerts().size(), 1U);
+    EXPECT_EQ(services_->alerts()[0].message, "The name is too long.");
+    EXPECT_TRUE(document_->isDocumentEdited());
+    EXPECT_EQ(document_->currentFilename(), "");
+  }
+  EXPECT_EQ(filesInFolder(), 0U);
+  saveAs(at(std::string(251, 'x') + ".wav"), 0);
+  EXPECT_FALSE(document_->isDocumentEdited());
+}
+
 TEST_F(SavingTest, AFailedSaveOfARecordingWithGapsIsToldOnce) {
   openWindow();
   fill(ramp(1000));
