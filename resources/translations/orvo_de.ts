@@ -388,6 +388,10 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Der Ordner oder die Datei ist nicht mehr vorhanden.</translation>
     </message>
     <message>
+        <source>“%1” already exists. Do you want to replace it?</source>
+        <translation>„%1“ gibt es schon. Soll die Datei ersetzt werden?</translation>
+    </message>
+    <message>
         <source>There is a folder of this name.</source>
         <translation>Es gibt einen Ordner mit diesem Namen.</translation>
     </message>

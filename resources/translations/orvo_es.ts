@@ -388,6 +388,10 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>La carpeta o el archivo ya no existe.</translation>
     </message>
     <message>
+        <source>“%1” already exists. Do you want to replace it?</source>
+        <translation>«%1» ya existe. ¿Desea reemplazar el archivo?</translation>
+    </message>
+    <message>
         <source>There is a folder of this name.</source>
         <translation>Ya existe una carpeta con ese nombre.</translation>
     </message>

@@ -388,6 +388,10 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Le dossier ou le fichier n’existe plus.</translation>
     </message>
     <message>
+        <source>“%1” already exists. Do you want to replace it?</source>
+        <translation>«&#xa0;%1&#xa0;» existe déjà. Voulez-vous remplacer ce fichier&#xa0;?</translation>
+    </message>
+    <message>
         <source>There is a folder of this name.</source>
         <translation>Un dossier porte déjà ce nom.</translation>
     </message>

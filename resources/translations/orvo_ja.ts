@@ -388,6 +388,10 @@ Everything recorded before is kept.</source>
         <translation>フォルダーまたはファイルがなくなっています。</translation>
     </message>
     <message>
+        <source>“%1” already exists. Do you want to replace it?</source>
+        <translation>「%1」はすでに存在します。置き換えますか？</translation>
+    </message>
+    <message>
         <source>There is a folder of this name.</source>
         <translation>同じ名前のフォルダーがあります。</translation>
     </message>

@@ -388,6 +388,10 @@ Everything recorded before is kept.</source>
         <translation>文件夹或文件已不存在。</translation>
     </message>
     <message>
+        <source>“%1” already exists. Do you want to replace it?</source>
+        <translation>“%1”已存在。要替换它吗？</translation>
+    </message>
+    <message>
         <source>There is a folder of this name.</source>
         <translation>存在同名文件夹。</translation>
     </message>

@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QPointer>
@@ -52,8 +53,9 @@ class VelmarAppDelegate {
 
   enum class TerminateReply { cancel = 0, now = 1 };
 
-  /// Asks every edited window to close; "now" when none is edited. While one is, checkTermination
-  /// is called 30 times a second.
+  /// Asks every edited window to close, in the order in which they were made; "now" when none is
+  /// edited. While one is, checkTermination is called 30 times a second, unless one of them cannot
+  /// be asked because another panel stands in front of it.
   TerminateReply applicationShouldTerminate();
   /// Ends the wait of a quit: terminates once no window is edited any more. A window that is just
   /// being saved is waited for as well.
@@ -61,11 +63,18 @@ class VelmarAppDelegate {
   /// A document's question was answered with Cancel: the quit is off.
   void cancelTermination();
   [[nodiscard]] bool isTerminating() const { return terminationTimer_ != nullptr; }
+  /// The timer that calls checkTermination; null while nothing is waited for.
+  [[nodiscard]] const platform::Timer* terminationTimer() const { return terminationTimer_.get(); }
+  /// The desktop's session is about to end: asks as a quit does. False while something is asked or
+  /// a window is being saved: the session has to wait.
+  [[nodiscard]] bool applicationMayEndSession();
   /// Deletes every registered temporary file; failures are ignored.
   void applicationWillTerminate();
 
   /// The Quit command.
   void terminate();
+  /// A quit waits while this says that an alert is on the screen or on its way there.
+  void setAlertsPendingCheck(std::function<bool()> check) { alertsPending_ = std::move(check); }
 
   /// Any thread.
   void registerTempFile(const std::string& path);
@@ -76,7 +85,7 @@ class VelmarAppDelegate {
   void showAbout();
 
  private:
-  [[nodiscard]] static std::vector<QPointer<OVRecorderWindow>> recorderWindows();
+  [[nodiscard]] std::vector<QPointer<OVRecorderWindow>> recorderWindows() const;
   std::shared_ptr<VLRecorderWindowController> makeWindow();
   void openInNewWindow(const std::string& path);
   void pollTermination();
@@ -85,6 +94,8 @@ class VelmarAppDelegate {
   OVDiagnosticsWindow& debugWindow();
 
   const std::function<void()> quit_;
+  std::function<bool()> alertsPending_;
+  std::vector<QPointer<OVRecorderWindow>> windows_;  // as they were made; gone ones are null
   bool spawn_rec_ = true;
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;

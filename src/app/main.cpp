@@ -13,6 +13,7 @@
 #include "app/OVApplicationEvents.h"
 #include "app/OVApplicationServices.h"
 #include "app/OVFirstWindow.h"
+#include "app/OVSessionEnd.h"
 #include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
 #include "platform/AudioQueue.h"
@@ -23,6 +24,7 @@
 #include "platform/FileAddress.h"
 #include "platform/FontPreparation.h"
 #include "platform/MediaLibrary.h"
+#include "platform/TerminationSignals.h"
 
 namespace {
 
@@ -77,21 +79,22 @@ int main(int argc, char** argv) {
   const OVTranslations translations(QLocale::system().uiLanguages());
 
   VelmarAppDelegate delegate([] { QCoreApplication::exit(0); });
-  const platform::ApplicationServicesInstallation installedServices(servicesOf(delegate));
+  const auto services = servicesOf(delegate);
+  const platform::ApplicationServicesInstallation installedServices(services);
+  delegate.setAlertsPendingCheck([services] { return services->hasAlerts(); });
   delegate.applicationWillFinishLaunching();
   OVApplicationEvents events(
       {.openFile = [&delegate](const std::string& path) { delegate.applicationOpenFile(path); },
        .terminate = [&delegate] { delegate.terminate(); }});
   application.installEventFilter(&events);
-  // The end of the session asks as Quit does, and waits for the answers.
+  // The end of the session, and a signal that asks for the end, ask as Quit does.
   QObject::connect(
       &application, &QGuiApplication::commitDataRequest, &application,
       [&delegate](QSessionManager& session) {
-        if (delegate.applicationShouldTerminate() == VelmarAppDelegate::TerminateReply::cancel) {
-          session.cancel();
-        }
+        askAtSessionEnd(session, [&delegate] { return delegate.applicationMayEndSession(); });
       },
       Qt::DirectConnection);
+  const platform::TerminationSignals signals([&delegate] { delegate.terminate(); });
   delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has taken its own out
   delegate.applicationDidFinishLaunching();
   std::unique_ptr<platform::DesktopColours> colours;

@@ -58,8 +58,8 @@ class OVWaveformSummary;
 ///
 /// Sources, by concern: VLRecorderWindowController.cpp (set-up, tear-down, callbacks), …Transport
 /// (buttons, menus, keys), …Display (the 25 Hz loop, positions, clicks), …Editing (cuts, undo),
-/// …Spectrum (the spectrum below the transport bar), …Loading (open, import), …Saving (save,
-/// exports, the question about unsaved changes).
+/// …Spectrum (the spectrum below the transport bar), …Loading (open, import), …Saving,
+/// …Exporting (ringtone, picture), …Closing (the question about unsaved changes).
 ///
 /// Threads: main, except the buffer's and the player's callbacks, the positions, isRendering-
 /// Waveform and the redraw requests, which any thread may call.
@@ -236,6 +236,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// A load, save or export is running.
   [[nodiscard]] bool isFileIOActive() const { return isFileIOActive_; }
   [[nodiscard]] bool isImport() const { return isImport_; }
+  /// A save or export is running.
+  [[nodiscard]] bool isSaving() const { return isSaving_; }
 
   // Document ------------------------------------------------------------------------------------
 
@@ -397,6 +399,9 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   static void tellSaveFailed(const std::string& path, const std::string& reason);
   void exportRingtoneTo(const std::string& path);
   void writeWaveformPicture(const std::string& path);
+
+  // Closing
+  void bringToFront();
   void askToSave();
 
   [[nodiscard]] std::uint64_t bytesPerFrame() const;

@@ -253,6 +253,18 @@ TEST_F(OVApplicationServicesTest, WhatWasPostedOutlivesTheServices) {
   EXPECT_THAT(received_->lines, ElementsAre(std::pair(std::string("a line"), mainThread_)));
 }
 
+TEST_F(OVApplicationServicesTest, AlertsCountFromTheirPostingUntilTheyAreDismissed) {
+  EXPECT_FALSE(services_->hasAlerts());
+  services_->postModalAlert("One", "Message");
+  EXPECT_TRUE(services_->hasAlerts());
+  Person person([this](const QMessageBox&) { EXPECT_TRUE(services_->hasAlerts()); });
+  EXPECT_TRUE(runMainLoopUntil([&] { return person.seen().size() == 1; }));
+  EXPECT_TRUE(drainMainQueue());
+  EXPECT_FALSE(services_->hasAlerts());
+  services_->showModalAlert("Two", "Message");
+  EXPECT_FALSE(services_->hasAlerts());
+}
+
 // The rest
 
 TEST_F(OVApplicationServicesTest, LinesReachTheConsoleOnTheMainThreadInTheirOrder) {

@@ -17,6 +17,7 @@
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 using Reply = VelmarAppDelegate::TerminateReply;
@@ -283,6 +284,87 @@ TEST_F(OpenAndQuitTest, AnEditedWindowWithAPanelEndsTheQuit) {
   panels_->answerOpen({});
   delegate_.terminate();
   EXPECT_EQ(panels_->sheets(), 1U);
+}
+
+TEST_F(OpenAndQuitTest, APanelInOneWindowStillLetsEachOtherEditedWindowAsk) {
+  answerQuestionsWith(std::nullopt);
+  std::vector<OVRecorderWindow*> edited;
+  for (int i = 0; i < 5; ++i) {
+    edited.push_back(spawnEdited());
+    edited.back()->setTitle(QString::number(i));
+    documentOf(edited.back())->setCurrentFilename(at(std::to_string(i)));
+  }
+  item(edited[2], "Import…")->trigger();
+  delegate_.terminate();
+  EXPECT_FALSE(delegate_.isTerminating());
+  std::vector<std::string> asked;
+  while (panels_->sheets() > 0) {
+    asked.push_back(panels_->sheet().title.toStdString());
+    panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+  }
+  // In the order in which the windows were made.
+  EXPECT_THAT(asked,
+              ElementsAre(HasSubstr("“0”"), HasSubstr("“1”"), HasSubstr("“3”"), HasSubstr("“4”")));
+  panels_->answerOpen({});
+  EXPECT_EQ(quits_, 0);
+}
+
+TEST_F(OpenAndQuitTest, AMinimisedWindowIsShownWithItsQuestion) {
+  answerQuestionsWith(std::nullopt);
+  OVRecorderWindow* const minimised = spawnEdited();
+  OVRecorderWindow* const front = spawnEdited();
+  minimised->showMinimized();
+  ASSERT_TRUE(runMainLoopUntil([&] { return minimised->isMinimized(); }));
+  item(front, "Quit")->trigger();
+  EXPECT_EQ(panels_->sheets(), 2U);
+  EXPECT_FALSE(minimised->isMinimized());
+}
+
+TEST_F(OpenAndQuitTest, TheTerminationIsCheckedThirtyTimesASecond) {
+  answerQuestionsWith(std::nullopt);
+  EXPECT_EQ(delegate_.terminationTimer(), nullptr);
+  spawnEdited();
+  delegate_.terminate();
+  ASSERT_NE(delegate_.terminationTimer(), nullptr);
+  EXPECT_DOUBLE_EQ(delegate_.terminationTimer()->intervalInSeconds(), 0.033);
+  delegate_.terminate();  // the timer that is there stays the only one
+  panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+  EXPECT_EQ(delegate_.terminationTimer(), nullptr);
+}
+
+TEST_F(OpenAndQuitTest, TheSessionMayEndOnlyWithNothingUnsavedAndNothingBeingSaved) {
+  answerQuestionsWith(std::nullopt);
+  EXPECT_TRUE(delegate_.applicationMayEndSession());
+  OVRecorderWindow* const window = spawnEdited();
+  EXPECT_FALSE(delegate_.applicationMayEndSession());
+  ASSERT_EQ(panels_->sheets(), 1U);
+  panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+
+  window->setDocumentEdited(false);
+  documentOf(window)->saveFileNamed(at("copy.wav"), 0);
+  EXPECT_FALSE(delegate_.applicationMayEndSession());
+  awaitAllIdle();
+  EXPECT_TRUE(delegate_.applicationMayEndSession());
+  EXPECT_EQ(quits_, 0) << "the session ends the program, not we";
+}
+
+TEST_F(OpenAndQuitTest, AFileThatIsBeingOpenedDoesNotHoldTheSession) {
+  delegate_.applicationOpenFile(writeFile("long.wav", 100'000));
+  EXPECT_TRUE(delegate_.applicationMayEndSession());
+  awaitAllIdle();
+}
+
+TEST_F(OpenAndQuitTest, AnAlertOnItsWayIsWaitedFor) {
+  bool pending = true;
+  delegate_.setAlertsPendingCheck([&pending] { return pending; });
+  spawn();
+  delegate_.terminate();
+  EXPECT_TRUE(runMainLoopUntil([] { return windows().empty(); }));
+  EXPECT_TRUE(delegate_.isTerminating());
+  EXPECT_EQ(quits_, 0);
+  pending = false;
+  EXPECT_TRUE(awaitQuit());
+  EXPECT_FALSE(delegate_.isTerminating());
 }
 
 TEST_F(OpenAndQuitTest, TheDesktopsQuitAsksAsTheCommandDoes) {
