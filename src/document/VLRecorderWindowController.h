@@ -455,7 +455,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::string last_saved_file_path_;
   QPointer<QWidget> fileSaveAccessoryView_;
   QPointer<QComboBox> fileTypeButton_;
-  // Set when the window closes: a load that runs ends at its next chunk.
+  // Set when the window closes: a load ends at its next chunk, a summary with its batch.
   std::shared_ptr<std::atomic<bool>> fileJobCancelled_ = std::make_shared<std::atomic<bool>>(false);
   std::function<void()> commandsChanged_;
   std::function<void()> afterLoading_;  // what is still to be told when the load has ended

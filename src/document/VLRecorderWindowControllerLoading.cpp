@@ -229,7 +229,8 @@ void VLRecorderWindowController::beginImport(const std::string& path,
 // Completion ------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::fileLoadingComplete() {
-  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_] {
+  const auto cancelled = fileJobCancelled_;
+  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_, cancelled] {
     if (const auto controller = self.lock()) {
       controller->setIsRenderingWaveform(true);
     }
@@ -239,7 +240,7 @@ void VLRecorderWindowController::fileLoadingComplete() {
       }
     });
     summary->setShouldRegenerateWaveform(true);
-    summary->generateNoLock();
+    summary->generateNoLock(cancelled.get());
     if (const auto controller = self.lock()) {
       controller->setIsRenderingWaveform(false);
     }

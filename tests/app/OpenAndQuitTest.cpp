@@ -9,9 +9,12 @@
 
 #include "app/AppFixture.h"
 #include "app/OVApplicationEvents.h"
+#include "audio/Gate.h"
 #include "audio/OVAQRecorder.h"
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
+#include "platform/File.h"
+#include "support/FailingTemporaryFiles.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -323,10 +326,35 @@ TEST_F(OpenAndQuitTest, AWindowThatIsJustBeingSavedIsWaitedFor) {
   EXPECT_EQ(OVAudioFileReader::initWithFile(at("copy.wav"))->fileSizeInFrames(), 1000);
 }
 
+// At once is: with the piece of work that runs just then as the last.
 TEST_F(OpenAndQuitTest, QuittingWhileAFileIsLoadedEndsAtOnce) {
+  support::FailingTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  testaudio::Gate gate;
+  files.beforeWrites([&gate] { gate.pass(); });
   delegate_.applicationOpenFile(writeFile("long.wav", 3'000'000));
+  ASSERT_TRUE(gate.awaitArrival());
   delegate_.terminate();
   EXPECT_EQ(quits_, 1);
+  gate.open();
+  EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+  EXPECT_EQ(files.writes(), 1U);
+}
+
+TEST_F(OpenAndQuitTest, QuittingWhileTheWaveformOfALoadedFileIsBuiltEndsAtOnce) {
+  support::FailingTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  testaudio::Gate gate;
+  files.beforeReads([&gate] { gate.pass(); });
+  delegate_.applicationOpenFile(writeFile("long.wav", 3'000'000));
+  const auto document = documentOf(windows().at(0));
+  ASSERT_TRUE(runMainLoopUntil([&] { return document->isRenderingWaveform(); }));
+  ASSERT_TRUE(gate.awaitArrival());
+  delegate_.terminate();
+  EXPECT_EQ(quits_, 1);
+  gate.open();
+  EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+  EXPECT_EQ(files.reads(), 1U);
 }
 
 }  // namespace

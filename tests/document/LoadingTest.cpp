@@ -180,20 +180,6 @@ TEST_F(LoadingTest, TwoWindowsLoadSideBySide) {
   other->window()->performClose();
 }
 
-TEST_F(LoadingTest, ClosingWhileAFileIsLoadedEndsTheJob) {
-  openWindow();
-  const std::string path = writeFile("take.wav", ramp(20 * OVLoadJob::kChunkFrames));
-  const std::weak_ptr<OVAudioBufferInterface> buffer = document_->buffer();
-  const QPointer<OVRecorderWindow> window = document_->window();
-  document_->openFileNamed(path);
-  window->performClose();
-  document_.reset();
-  settle();
-  EXPECT_TRUE(window.isNull());
-  EXPECT_TRUE(buffer.expired());
-  EXPECT_THAT(services_->alerts(), IsEmpty());
-}
-
 // Import ----------------------------------------------------------------------------------------
 
 TEST_F(LoadingTest, AnImportGoesToTheRecordingPositionAndMovesNothing) {
