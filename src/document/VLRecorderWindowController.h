@@ -372,7 +372,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   static void tellNotStored(const std::string& path, int error, bool imported);
   void forgetFileName();
   void takeImportBack();
-  void beginFileIO();
+  void beginFileIO(bool indeterminate = false);
   void endFileIO();
   void setFileIOActive(bool active);
   void saveIfClosing();
@@ -445,6 +445,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   bool isFileIOActive_ = false;
   bool isSaving_ = false;  // a save or export is running: the window stays until it is complete
   bool isExport_ = false;  // the save that runs touches neither the edited flag nor the file name
+  bool isOpeningImport_ = false;  // a file operation that does not touch the audio yet
   bool isImport_ = false;
   bool importTakenBack_ = false;  // the import that runs could not be stored
   bool isPanelShown_ = false;     // a panel or a question is attached to the window

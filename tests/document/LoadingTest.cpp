@@ -37,8 +37,14 @@ class LoadingTest : public DocumentFileTest {
 TEST_F(LoadingTest, AFileShorterThanAChunkIsLoadedWhole) {
   openWindow();
   const Samples samples = ramp(1000);
-  open(writeFile("short.wav", samples));
+  document_->openFileNamed(writeFile("short.wav", samples));
+  int furthest = 0;  // its one step is 264.6 times the whole bar
+  QObject::connect(document_->loadingIndicator(), &QProgressBar::valueChanged,
+                   [&furthest](int value) { furthest = std::max(furthest, value); });
+  const int whole = document_->loadingIndicator()->maximum();
+  awaitIdle();
   EXPECT_EQ(audio(), samples);
+  EXPECT_EQ(furthest, whole);
   EXPECT_TRUE(transportEnabled());
   EXPECT_FALSE(document_->loadingIndicator()->isVisibleTo(document_->window()));
 }
