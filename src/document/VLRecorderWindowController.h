@@ -127,7 +127,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void redoCommand();
 
   /// The commands of a menu that are not always possible.
-  enum class MenuAction { reverseBuffer, undo, redo, edit, transport, file, other };
+  enum class MenuAction { reverseBuffer, undo, redo, edit, transport, open, file, other };
   [[nodiscard]] bool validateMenuItem(MenuAction action) const;
   /// Called whenever validateMenuItem() may answer otherwise because a file operation began or
   /// ended; the undo manager tells of its own changes.

@@ -161,6 +161,7 @@ TEST_F(OpenAndQuitTest, OpenRecentListsTheLatestFilesAndOpensThem) {
   OVRecorderWindow* const window = windows().at(0);
   auto* const recent = window->findChild<QMenu*>("Open Recent");
   ASSERT_NE(recent, nullptr);
+  awaitAllIdle();
   EXPECT_TRUE(runMainLoopUntil([&] {
     Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
     return recent->actions().size() == 1;
@@ -195,6 +196,38 @@ TEST_F(OpenAndQuitTest, TheItemsOfADocumentFollowItsFileOperations) {
   }
   awaitAllIdle();
   EXPECT_TRUE(item(window, "Save")->isEnabled());
+}
+
+TEST_F(OpenAndQuitTest, NothingIsOpenedFromAWindowWhoseFileOperationRuns) {
+  delegate_.applicationOpenFile(writeFile("take.wav"));
+  OVRecorderWindow* const window = windows().at(0);
+  auto* const recent = window->findChild<QMenu*>("Open Recent");
+  awaitAllIdle();
+  EXPECT_TRUE(runMainLoopUntil([&] {
+    Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
+    return recent->isEnabled();
+  }));
+  EXPECT_TRUE(item(window, "Open…")->isEnabled());
+  QAction* const latest = recent->actions().at(0);
+  documentOf(window)->saveFileNamed(at("copy.wav"), 0);
+  EXPECT_FALSE(item(window, "Open…")->isEnabled());
+  EXPECT_FALSE(recent->isEnabled());
+  Q_EMIT item(window, "Open…")->triggered();
+  EXPECT_EQ(panels_->openPanels(), 0U);
+  Q_EMIT latest->triggered();
+  EXPECT_EQ(windows().size(), 1U);
+  awaitAllIdle();
+  EXPECT_TRUE(item(window, "Open…")->isEnabled());
+  EXPECT_TRUE(recent->isEnabled());
+}
+
+TEST_F(OpenAndQuitTest, AFileCanBeOpenedFromAWindowWithoutStorage) {
+  support::FailingTemporaryFiles files;
+  files.failCreation(ENOSPC);
+  const platform::TemporaryFilesInstallation installation(files);
+  OVRecorderWindow* const window = spawn();
+  EXPECT_FALSE(item(window, "Save")->isEnabled());
+  EXPECT_TRUE(item(window, "Open…")->isEnabled());
 }
 
 TEST_F(OpenAndQuitTest, DocumentationAndWebsiteOpenInTheBrowser) {
