@@ -14,6 +14,7 @@
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
 #include "platform/File.h"
+#include "platform/FileAddress.h"
 #include "support/FailingTemporaryFiles.h"
 #include "support/TemporaryFolder.h"
 
@@ -133,6 +134,24 @@ TEST_F(OpenAndQuitTest, DroppedFilesAreOpenedEachInAWindowOfItsOwn) {
   QApplication::sendEvent(window, &drop);
   EXPECT_TRUE(runMainLoopUntil([] { return windows().size() == 3; }));
   awaitAllIdle();
+}
+
+TEST_F(OpenAndQuitTest, ADroppedFileIsOpenedByTheBytesOfItsName) {
+  OVRecorderWindow* const window = spawn();
+  const std::string name = "caf\xE9 100%41 \xFF.wav";  // no UTF-8, and no escape
+  QMimeData data;
+  const std::string address = platform::fileAddressOf(writeFile(name));
+  data.setData("text/uri-list", QByteArray::fromStdString("# a list\r\n" + address + "\r\n"));
+  QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(window, &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(window, &drop);
+  EXPECT_TRUE(runMainLoopUntil([] { return windows().size() == 2; }));
+  awaitAllIdle();
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  EXPECT_EQ(documentOf(newcomer({window}))->currentFilename(), at(name));
+  EXPECT_EQ(documentOf(newcomer({window}))->buffer()->bufferSizeInFrames(), 1000U);
 }
 
 TEST_F(OpenAndQuitTest, WhatIsNoFileCannotBeDropped) {
