@@ -26,11 +26,17 @@ constexpr std::size_t kTempfilesCapacity = 10;
 
 }  // namespace
 
-VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit) : quit_(std::move(quit)) {}
+VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit) : quit_(std::move(quit)) {
+  awakeFromNib();
+}
 
 VelmarAppDelegate::~VelmarAppDelegate() = default;
 
 // Launch ----------------------------------------------------------------------------------------
+
+void VelmarAppDelegate::awakeFromNib() {
+  spawn_rec_ = true;
+}
 
 void VelmarAppDelegate::applicationWillFinishLaunching() {
   const std::lock_guard lock(tempfilesMutex_);
@@ -253,20 +259,25 @@ void VelmarAppDelegate::openPage(platform::TextKey address) {
 // Diagnostics and About -------------------------------------------------------------------------
 
 // Made when it is first needed: it lays text out, which most starts need not wait for.
-OVDiagnosticsWindow& VelmarAppDelegate::debugWindow() {
-  if (!debugWindow_) {
-    debugWindow_ = std::make_unique<OVDiagnosticsWindow>();
-  }
-  return *debugWindow_;
+void VelmarAppDelegate::makeDebugWindow() {
+  auto window = std::make_unique<OVDiagnosticsWindow>();
+  setDebugConsole(window->console());
+  setDebugWindow(std::move(window));
 }
 
 void VelmarAppDelegate::logToConsole(const std::string& text) {
-  debugWindow().appendLine(text);
+  if (!debugConsole_) {
+    makeDebugWindow();
+  }
+  debugConsole_->appendPlainText(QString::fromStdString(text));
 }
 
 void VelmarAppDelegate::showDiagnostics() {
-  debugWindow().show();
-  debugWindow().raise();
+  if (!debugWindow_) {
+    makeDebugWindow();
+  }
+  debugWindow_->show();
+  debugWindow_->raise();
 }
 
 void VelmarAppDelegate::showAbout() {

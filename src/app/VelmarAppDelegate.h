@@ -7,14 +7,15 @@
 #include <utility>
 #include <vector>
 
+#include <QPlainTextEdit>
 #include <QPointer>
+#include <QWidget>
 
 #include "app/OVMainMenu.h"
 #include "app/OVRecentFiles.h"
 #include "platform/Localization.h"
 #include "platform/Timer.h"
 
-class OVDiagnosticsWindow;
 class OVRecorderWindow;
 class VLRecorderWindowController;
 
@@ -31,6 +32,8 @@ class VelmarAppDelegate {
   VelmarAppDelegate(const VelmarAppDelegate&) = delete;
   VelmarAppDelegate& operator=(const VelmarAppDelegate&) = delete;
 
+  /// Before anything else, by the constructor: an empty window is wanted unless a file is opened.
+  void awakeFromNib();
   void applicationWillFinishLaunching();
   /// Opens an empty recorder window unless a file was opened.
   void applicationDidFinishLaunching();
@@ -80,8 +83,17 @@ class VelmarAppDelegate {
   void registerTempFile(const std::string& path);
   [[nodiscard]] std::vector<std::string> tempfiles() const;
 
+  /// Appends a line to the debug console.
   void logToConsole(const std::string& text);
   void showDiagnostics();
+
+  /// The diagnostics window and the text view inside it; null before the first line or look, when
+  /// both are made, and for a text view that is gone. A window that is set belongs to the
+  /// delegate.
+  [[nodiscard]] QWidget* debugWindow() const { return debugWindow_.get(); }
+  void setDebugWindow(std::unique_ptr<QWidget> window) { debugWindow_ = std::move(window); }
+  [[nodiscard]] QPlainTextEdit* debugConsole() const { return debugConsole_; }
+  void setDebugConsole(QPlainTextEdit* console) { debugConsole_ = console; }
   void showAbout();
 
  private:
@@ -91,16 +103,17 @@ class VelmarAppDelegate {
   void pollTermination();
   static void openPage(platform::TextKey address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
-  OVDiagnosticsWindow& debugWindow();
+  void makeDebugWindow();
 
   const std::function<void()> quit_;
   std::function<bool()> alertsPending_;
   std::vector<QPointer<OVRecorderWindow>> windows_;  // as they were made; gone ones are null
-  bool spawn_rec_ = true;
+  bool spawn_rec_ = false;
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
   bool cancelledWhileAsking_ = false;  // a window refused while the windows were being asked
-  std::unique_ptr<OVDiagnosticsWindow> debugWindow_;  // from the first line or look on
+  std::unique_ptr<QWidget> debugWindow_;
+  QPointer<QPlainTextEdit> debugConsole_;
   OVRecentFiles recentFiles_;
 
   mutable std::mutex tempfilesMutex_;

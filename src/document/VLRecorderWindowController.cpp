@@ -429,7 +429,7 @@ void VLRecorderWindowController::writingFailed(int error,
 // A lost chunk at the end of the recording goes, so that it plays to its end. One in the middle
 // stays: undo brings back what stood there.
 void VLRecorderWindowController::dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize) {
-  if (isFileIOActive_ || !buffer_) {
+  if ((isFileIOActive_ && !isOpeningImport_) || !buffer_) {
     return;
   }
   const std::uint64_t frameSize = buffer_->format().mBytesPerFrame;

@@ -127,7 +127,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void redoCommand();
 
   /// The commands of a menu that are not always possible.
-  enum class MenuAction { reverseBuffer, undo, redo, edit, transport, file, other };
+  enum class MenuAction { reverseBuffer, undo, redo, edit, transport, open, file, other };
   [[nodiscard]] bool validateMenuItem(MenuAction action) const;
   /// Called whenever validateMenuItem() may answer otherwise because a file operation began or
   /// ended; the undo manager tells of its own changes.
@@ -377,7 +377,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   static void tellNotStored(const std::string& path, int error, bool imported);
   void forgetFileName();
   void takeImportBack();
-  void beginFileIO();
+  void beginFileIO(bool indeterminate = false);
   void endFileIO();
   void setFileIOActive(bool active);
   void saveIfClosing();
@@ -453,6 +453,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   bool isFileIOActive_ = false;
   bool isSaving_ = false;  // a save or export is running: the window stays until it is complete
   bool isExport_ = false;  // the save that runs touches neither the edited flag nor the file name
+  bool isOpeningImport_ = false;  // a file operation that does not touch the audio yet
   bool isImport_ = false;
   bool importTakenBack_ = false;  // the import that runs could not be stored
   bool isPanelShown_ = false;     // a panel or a question is attached to the window
@@ -463,7 +464,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::string last_saved_file_path_;
   QPointer<QWidget> fileSaveAccessoryView_;
   QPointer<QComboBox> fileTypeButton_;
-  // Set when the window closes: a load that runs ends at its next chunk.
+  // Set when the window closes: a load ends at its next chunk, a summary with its batch.
   std::shared_ptr<std::atomic<bool>> fileJobCancelled_ = std::make_shared<std::atomic<bool>>(false);
   std::function<void()> commandsChanged_;
   std::function<void()> afterLoading_;  // what is still to be told when the load has ended

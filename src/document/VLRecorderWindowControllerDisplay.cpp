@@ -128,9 +128,10 @@ void VLRecorderWindowController::chooseSummary() {
   const auto dynamic = std::dynamic_pointer_cast<OVDynamicWaveForm>(waveForm_);
   if (position >= size) {
     if (!dynamic) {
-      replaceSummary([buffer = buffer_]() -> std::shared_ptr<OVWaveformSummary> {
+      replaceSummary([buffer = buffer_,
+                      cancelled = fileJobCancelled_]() -> std::shared_ptr<OVWaveformSummary> {
         auto summary = OVDynamicWaveForm::initWithBuffer(buffer);
-        summary->generate();
+        summary->generate(cancelled.get());
         return summary;
       });
     }
@@ -186,11 +187,11 @@ void VLRecorderWindowController::queueSummaryExtension() {
   if (summaryExtensionQueued_.exchange(true)) {
     return;
   }
-  fft_queue_.async([self = weak_from_this(), summary = waveForm_] {
+  fft_queue_.async([self = weak_from_this(), summary = waveForm_, cancelled = fileJobCancelled_] {
     if (const auto controller = self.lock()) {
       controller->summaryExtensionQueued_ = false;  // what is written from here on asks anew
     }
-    summary->generate();
+    summary->generate(cancelled.get());
     platform::mainQueue().async([self] {
       if (const auto controller = self.lock(); controller && controller->wfView_) {
         controller->wfView_->setShouldRedrawWaveform(true);

@@ -134,9 +134,10 @@ void VLRecorderWindowController::refreshCompleteUI(bool regenerate) {
     // At once: a copy that is taken before the task begins has to know it, too.
     waveForm_->setShouldRegenerateWaveform(true);
   }
+  const auto cancelled = fileJobCancelled_;
   platform::globalQueue().async(
-      [self = weak_from_this(), summary = waveForm_, epoch = summaryEpoch_] {
-        summary->generate();
+      [self = weak_from_this(), summary = waveForm_, epoch = summaryEpoch_, cancelled] {
+        summary->generate(cancelled.get());
         platform::mainQueue().async([self, epoch] {
           if (const auto controller = self.lock()) {
             controller->finishRefresh(epoch);

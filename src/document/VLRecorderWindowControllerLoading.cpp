@@ -188,13 +188,15 @@ void VLRecorderWindowController::importFile(QObject*) {
                                     });
 }
 
-// Opening may take a while, on a slow medium or with a damaged file, and nothing may have changed
-// when it fails.
+// Opening may take a while, on a slow medium or with a damaged file: the document is in a file
+// operation from here on, and as it was again when it fails. What recorded or played is paused
+// first, so what was captured by now is not part of the undoable step.
 void VLRecorderWindowController::openForImport(const std::string& path) {
   if (isFileIOActive_) {
     return;
   }
-  setFileIOActive(true);
+  beginFileIO(true);
+  isOpeningImport_ = true;
   platform::globalQueue().async([self = weak_from_this(), path, cancelled = fileJobCancelled_] {
     const auto reader = OVAudioFileReader::initWithFile(path, cancelled);
     platform::mainQueue().async([self, path, reader] {
@@ -210,13 +212,11 @@ void VLRecorderWindowController::beginImport(const std::string& path,
   if (*fileJobCancelled_) {
     return;  // the window has closed
   }
-  setFileIOActive(false);
+  isOpeningImport_ = false;
   if (!reader) {
+    endFileIO();
     saveIfClosing();
     return;
-  }
-  if (isRecording() || isPlaying()) {
-    pauseButton(pauseButton_);  // first: what was captured by now is not part of the step
   }
   bringRecordingPositionInside();
   isImport_ = true;
@@ -229,7 +229,8 @@ void VLRecorderWindowController::beginImport(const std::string& path,
 // Completion ------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::fileLoadingComplete() {
-  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_] {
+  const auto cancelled = fileJobCancelled_;
+  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_, cancelled] {
     if (const auto controller = self.lock()) {
       controller->setIsRenderingWaveform(true);
     }
@@ -239,7 +240,7 @@ void VLRecorderWindowController::fileLoadingComplete() {
       }
     });
     summary->setShouldRegenerateWaveform(true);
-    summary->generateNoLock();
+    summary->generateNoLock(cancelled.get());
     if (const auto controller = self.lock()) {
       controller->setIsRenderingWaveform(false);
     }
@@ -297,13 +298,13 @@ void VLRecorderWindowController::saveIfClosing() {
 
 // The state of a load or save --------------------------------------------------------------------
 
-void VLRecorderWindowController::beginFileIO() {
+void VLRecorderWindowController::beginFileIO(bool indeterminate) {
   if (isRecording() || isPlaying()) {
     pauseButton(pauseButton_);
   }
   setFileIOActive(true);
   setTransportEnabled(false);
-  recreateIndicator(false);
+  recreateIndicator(indeterminate);
   showIndicator(true);
 }
 

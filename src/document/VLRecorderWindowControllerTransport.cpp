@@ -241,6 +241,7 @@ bool VLRecorderWindowController::validateMenuItem(MenuAction action) const {
     case MenuAction::redo:
       return !isFileIOActive_ && undoManager_ && undoManager_->canRedo();
     case MenuAction::transport:
+    case MenuAction::open:  // in a window of its own: needs nothing of this document
       return !isFileIOActive_;
     case MenuAction::edit:
     case MenuAction::file:

@@ -20,6 +20,40 @@ TEST_F(AppDelegateTest, LaunchingWithoutFilesShowsOneEmptyWindow) {
   EXPECT_TRUE(windows()[0]->isVisible());
 }
 
+TEST_F(AppDelegateTest, AFreshOneWantsAnEmptyWindowAndAFileThatWasOpenedNone) {
+  delegate_.applicationOpenFile("/nowhere/gone.wav");
+  delegate_.applicationDidFinishLaunching();
+  EXPECT_EQ(windows().size(), 1u);
+  delegate_.awakeFromNib();
+  delegate_.applicationDidFinishLaunching();
+  EXPECT_EQ(windows().size(), 2u);
+}
+
+TEST_F(AppDelegateTest, LinesGoToTheConsoleInTheDebugWindow) {
+  EXPECT_EQ(delegate_.debugWindow(), nullptr);
+  EXPECT_EQ(delegate_.debugConsole(), nullptr);
+  delegate_.logToConsole("one");
+  delegate_.logToConsole("two");
+  ASSERT_NE(delegate_.debugConsole(), nullptr);
+  EXPECT_EQ(delegate_.debugConsole()->toPlainText(), "one\ntwo");
+  EXPECT_TRUE(delegate_.debugConsole()->isReadOnly());
+  EXPECT_TRUE(delegate_.debugWindow()->isAncestorOf(delegate_.debugConsole()));
+  EXPECT_FALSE(delegate_.debugWindow()->isVisible());
+  delegate_.showDiagnostics();
+  EXPECT_TRUE(delegate_.debugWindow()->isVisible());
+}
+
+TEST_F(AppDelegateTest, AConsoleThatIsSetGetsTheLines) {
+  auto window = std::make_unique<QWidget>();
+  auto* const shown = window.get();
+  auto* const console = new QPlainTextEdit(shown);
+  delegate_.setDebugWindow(std::move(window));
+  delegate_.setDebugConsole(console);
+  delegate_.logToConsole("one");
+  EXPECT_EQ(console->toPlainText(), "one");
+  EXPECT_EQ(delegate_.debugWindow(), shown);
+}
+
 TEST_F(AppDelegateTest, QuittingWithNoWindowsOrNoneEditedIsAnsweredAtOnce) {
   EXPECT_EQ(delegate_.applicationShouldTerminate(), VelmarAppDelegate::TerminateReply::now);
   spawn();
