@@ -59,7 +59,7 @@ void VLRecorderWindowController::bringRecordingPositionInside() {
 
 // What an undo of the step that begins now brings back beside the audio.
 void VLRecorderWindowController::keepHistory() {
-  prevWaveform_ = waveForm_->copy();
+  summaries_->keep();
   prevSaveState_ = isDocumentEdited();
 }
 
@@ -93,16 +93,9 @@ void VLRecorderWindowController::exchangeHistory() {
   const bool edited = isDocumentEdited();
   setDocumentEdited(prevSaveState_);
   prevSaveState_ = edited;
-  const auto shown = waveForm_;
-  setWaveForm(prevWaveform_);
-  prevWaveform_ = shown;
-  if (wfView_) {
-    wfView_->setWaveForm(waveForm_);
-    wfView_->setShouldRedrawWaveform(true);
-    setViewNeedsDisplay(wfView_);
-  }
+  summaries_->exchange();
   // A copy that was taken in the middle of a generation from scratch has to be finished.
-  refreshCompleteUI(waveForm_->isRegenerating());
+  refreshCompleteUI(waveForm()->isRegenerating());
 }
 
 void VLRecorderWindowController::undoCommand() {
@@ -127,33 +120,16 @@ void VLRecorderWindowController::runHistoryCommand(void (platform::UndoManager::
 // Refresh ---------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::refreshCompleteUI(bool regenerate) {
-  ++summaryEpoch_;
   recreateIndicator(true);
   showIndicator(true);
-  if (regenerate) {
-    // At once: a copy that is taken before the task begins has to know it, too.
-    waveForm_->setShouldRegenerateWaveform(true);
-  }
-  platform::globalQueue().async(
-      [self = weak_from_this(), summary = waveForm_, epoch = summaryEpoch_] {
-        summary->generate();
-        platform::mainQueue().async([self, epoch] {
-          if (const auto controller = self.lock()) {
-            controller->finishRefresh(epoch);
-          }
-        });
-      });
+  summaries_->refresh(regenerate);
 }
 
-void VLRecorderWindowController::finishRefresh(std::uint64_t epoch) {
-  if (epoch != summaryEpoch_ || isFileIOActive_) {
+void VLRecorderWindowController::finishRefresh() {
+  if (isFileIOActive_) {
     return;  // what came after it shows itself
   }
-  if (wfView_) {
-    wfView_->setWaveForm(waveForm_);
-    wfView_->setShouldRedrawWaveform(true);
-    setViewNeedsDisplay(wfView_);
-  }
+  summaries_->show();
   if (timeView_) {
     timeView_->setDurationInSeconds(secondsOfFrames(bufferSizeInFrames()));
     timeView_->setCurrentTimeInSeconds(secondsOfFrames(playbackPosition()));

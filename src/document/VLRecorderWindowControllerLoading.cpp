@@ -46,7 +46,7 @@ void VLRecorderWindowController::openFileNamed(const std::string& path) {
 void VLRecorderWindowController::startLoading(const std::string& path,
                                               std::shared_ptr<OVAudioFileReader> reader) {
   beginFileIO();
-  ++summaryEpoch_;  // a summary that is being built is one of older audio
+  summaries_->abandonWork();
   if (wfView_) {
     wfView_->setWaveForm(nullptr);
     wfView_->setOverrideRegenerationCheck(true);
@@ -54,8 +54,7 @@ void VLRecorderWindowController::startLoading(const std::string& path,
   if (vuView_) {
     vuView_->setDatasource({});
   }
-  writeError_ = 0;
-  isLoading_ = true;
+  writeFailures_.loadingBegins();
   platform::globalQueue().async(
       [request = LoadingRequest{.path = path,
                                 .reader = std::move(reader),
@@ -73,23 +72,23 @@ void VLRecorderWindowController::load(const LoadingRequest& request) {
   const auto controller = request.controller;
   LoadingOutcome outcome{.opened = reader != nullptr, .endOffset = request.atByteOffset};
   if (reader) {
-    const auto loaded =
-        OVLoadJob::run(*reader, {.buffer = request.buffer,
-                                 .atByteOffset = request.atByteOffset,
-                                 .cancelled = request.cancelled,
-                                 .takeWriteError =
-                                     [&controller] {
-                                       const auto document = controller.lock();
-                                       return document ? document->writeError_.exchange(0) : 0;
-                                     },
-                                 .progress =
-                                     [&controller](std::uint64_t byteOffset, double step) {
-                                       platform::mainQueue().async([controller, byteOffset, step] {
-                                         if (const auto document = controller.lock()) {
-                                           document->loadedChunk(byteOffset, step);
-                                         }
-                                       });
-                                     }});
+    const auto loaded = OVLoadJob::run(
+        *reader, {.buffer = request.buffer,
+                  .atByteOffset = request.atByteOffset,
+                  .cancelled = request.cancelled,
+                  .takeWriteError =
+                      [&controller] {
+                        const auto document = controller.lock();
+                        return document ? document->writeFailures_.takeLoadingError() : 0;
+                      },
+                  .progress =
+                      [&controller](std::uint64_t byteOffset, double step) {
+                        platform::mainQueue().async([controller, byteOffset, step] {
+                          if (const auto document = controller.lock()) {
+                            document->loadedChunk(byteOffset, step);
+                          }
+                        });
+                      }});
     outcome.endOffset = loaded.endOffset;
     outcome.writeError = loaded.writeError;
     outcome.yieldedNothing = reader->failed() && loaded.endOffset == request.atByteOffset;
@@ -111,7 +110,7 @@ void VLRecorderWindowController::loadedChunk(std::uint64_t byteOffset, double st
 
 void VLRecorderWindowController::loadingEnded(const LoadingRequest& request,
                                               const LoadingOutcome& outcome) {
-  isLoading_ = false;
+  writeFailures_.loadingEnded();
   if (*fileJobCancelled_) {
     return;  // the window has closed
   }
@@ -161,8 +160,7 @@ void VLRecorderWindowController::takeImportBack() {
   if (undoManager_) {
     undoManager_->discardLastUndo();
   }
-  setWaveForm(prevWaveform_);
-  ++summaryEpoch_;
+  summaries_->takeBack();
   importTakenBack_ = true;
 }
 
@@ -229,7 +227,7 @@ void VLRecorderWindowController::beginImport(const std::string& path,
 // Completion ------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::fileLoadingComplete() {
-  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_] {
+  platform::globalQueue().async([self = weak_from_this(), summary = waveForm()] {
     if (const auto controller = self.lock()) {
       controller->setIsRenderingWaveform(true);
     }
@@ -267,7 +265,7 @@ void VLRecorderWindowController::fileLoadingReallyComplete() {
   isImport_ = false;
   importTakenBack_ = false;
   if (wfView_) {
-    wfView_->setWaveForm(waveForm_);
+    wfView_->setWaveForm(waveForm());
   }
   if (vuView_) {
     vuView_->setDatasource(weak_from_this());
