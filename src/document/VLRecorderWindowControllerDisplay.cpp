@@ -108,7 +108,7 @@ void VLRecorderWindowController::updateRecording() {
     setRecordingPosition(playbackPosition());
   }
   updateMarkerLevel();
-  showTime(position, true);
+  showTime(recordingPosition(), true);
 }
 
 // Marker and time -------------------------------------------------------------------------------
