@@ -209,6 +209,9 @@ void VLRecorderWindowController::setBuffer(std::shared_ptr<OVAudioBufferInterfac
     vuView_->setDatasource(weak_from_this());
   }
   advanceIndicator(0.25);
+  if (commandsChanged_) {
+    commandsChanged_();
+  }
 }
 
 void VLRecorderWindowController::windowIsReady() {
