@@ -19,17 +19,16 @@ constexpr double kStaticSummaryThreshold = 0.0;
 
 OVDocumentSummaries::OVDocumentSummaries(std::function<void()> refreshed)
     : refreshed_(std::move(refreshed)),
+      work_(std::make_shared<OVSummaryWork>()),
       extensionQueued_(std::make_shared<std::atomic<bool>>(false)) {}
 
 OVDocumentSummaries::~OVDocumentSummaries() = default;
 
 void OVDocumentSummaries::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
-  ++epoch_;
+  abandonWork();
   buffer_ = std::move(buffer);
   setWaveForm(OVDynamicWaveForm::initWithBuffer(buffer_));
-  if (view_) {
-    view_->setWaveForm(waveForm_);
-  }
+  putIntoView();
 }
 
 std::shared_ptr<OVWaveformSummary> OVDocumentSummaries::waveForm() const {
@@ -43,9 +42,15 @@ void OVDocumentSummaries::setWaveForm(std::shared_ptr<OVWaveformSummary> waveFor
   waveForm_.swap(waveForm);
 }
 
-void OVDocumentSummaries::show() {
+void OVDocumentSummaries::putIntoView() {
   if (view_) {
     view_->setWaveForm(waveForm_);
+  }
+}
+
+void OVDocumentSummaries::show() {
+  putIntoView();
+  if (view_) {
     view_->setShouldRedrawWaveform(true);
     requestRedraw(view_);
   }
@@ -55,38 +60,61 @@ void OVDocumentSummaries::show() {
 
 void OVDocumentSummaries::keep() {
   prevWaveform_ = waveForm_->copy();
+  prevIsStale_ = false;
+  keptInARefresh_ = isRefreshing_;
+  if (waveForm_->readerPos() > buffer_->bufferSizeInFrames()) {
+    // The undo of an undo may leave it ahead of the audio: what comes now would not get in.
+    waveForm_->setShouldRegenerateWaveform(true);
+  }
 }
 
-void OVDocumentSummaries::exchange() {
+void OVDocumentSummaries::willExchange() {
+  // What is under way reads on in the audio that comes, and what is being built never gets in.
+  leavingIsStale_ = work_->isGenerating(*waveForm_) || waveformIsChanging_;
+  abandonWork();
+}
+
+bool OVDocumentSummaries::exchange() {
   const auto shown = waveForm_;
   setWaveForm(prevWaveform_);
   prevWaveform_ = shown;
   show();
+  return std::exchange(prevIsStale_, leavingIsStale_) || waveForm_->isRegenerating();
 }
 
 void OVDocumentSummaries::takeBack() {
   setWaveForm(prevWaveform_);
-  ++epoch_;
+  abandonWork();
+}
+
+void OVDocumentSummaries::abandonWork() {
+  work_->beginEpoch();
+  isRefreshing_ = false;
+  extensionQueued_ = std::make_shared<std::atomic<bool>>(false);
 }
 
 void OVDocumentSummaries::refresh(bool regenerate) {
-  ++epoch_;
+  abandonWork();
+  isRefreshing_ = true;
   if (regenerate) {
     // At once: a copy that is taken before the task begins has to know it, too.
     waveForm_->setShouldRegenerateWaveform(true);
   }
-  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_, epoch = epoch_] {
-    summary->generate();
-    platform::mainQueue().async([self, epoch] {
-      if (const auto summaries = self.lock()) {
-        summaries->refreshEnded(epoch);
-      }
-    });
-  });
+  platform::globalQueue().async(
+      [self = weak_from_this(), summary = waveForm_, work = work_, epoch = work_->epoch()] {
+        if (work->generate(*summary, epoch)) {
+          platform::mainQueue().async([self, epoch] {
+            if (const auto summaries = self.lock()) {
+              summaries->refreshEnded(epoch);
+            }
+          });
+        }
+      });
 }
 
 void OVDocumentSummaries::refreshEnded(std::uint64_t epoch) {
-  if (epoch == epoch_) {  // what came after it shows itself
+  if (epoch == work_->epoch()) {  // what came after it shows itself
+    isRefreshing_ = false;
     refreshed_();
   }
 }
@@ -110,63 +138,78 @@ void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFram
   const auto dynamic = std::dynamic_pointer_cast<OVDynamicWaveForm>(waveForm_);
   if (position >= size) {
     if (!dynamic) {
-      replace([buffer = buffer_]() -> std::shared_ptr<OVWaveformSummary> {
-        auto summary = OVDynamicWaveForm::initWithBuffer(buffer);
-        summary->generate();
-        return summary;
-      });
+      replace({.build =
+                   [buffer = buffer_] {
+                     auto summary = OVDynamicWaveForm::initWithBuffer(buffer);
+                     summary->generate();
+                     return summary;
+                   },
+               .holdsNewAudio = true});
     }
     return;
   }
   const double threshold = kStaticSummaryThreshold * buffer_->format().mSampleRate;
   if (static_cast<double>(size) > threshold && dynamic && position + chunkFrames < size) {
-    replace([dynamic]() -> std::shared_ptr<OVWaveformSummary> {
-      return OVStaticWaveform::initWithDynamicWaveform(dynamic);
-    });
+    // One that is still being generated is waited for, and takes in what is recorded meanwhile.
+    const bool unfinished = isRefreshing_ || keptInARefresh_;
+    replace({.build = [dynamic, work = work_,
+                       epoch = work_->epoch()]() -> std::shared_ptr<OVWaveformSummary> {
+               return work->generate(*dynamic, epoch)
+                          ? OVStaticWaveform::initWithDynamicWaveform(dynamic)
+                          : nullptr;
+             },
+             .mayMissChunks = unfinished,
+             .holdsNewAudio = unfinished});
   }
 }
 
-void OVDocumentSummaries::replace(Build build) {
+void OVDocumentSummaries::replace(Replacement replacement) {
   waveformIsChanging_ = true;
   platform::globalQueue().async(
-      [self = weak_from_this(), build = std::move(build), epoch = epoch_] {
-        const auto summary = build();
-        const std::shared_ptr<OVWaveformSummary> copy = summary->copy();
-        platform::mainQueue().async([self, summary, copy, epoch] {
+      [self = weak_from_this(), replacement = std::move(replacement), epoch = work_->epoch()] {
+        const auto summary = replacement.build();
+        const auto copy = summary ? summary->copy() : nullptr;
+        platform::mainQueue().async([self, replacement, summary, copy, epoch] {
           if (const auto summaries = self.lock()) {
-            summaries->install(summary, copy, epoch);
+            summaries->waveformIsChanging_ = false;
+            // Otherwise an edit or an undo came first: this is a summary of older audio.
+            if (summary && epoch == summaries->work_->epoch()) {
+              summaries->install(replacement, summary, copy);
+            }
           }
         });
       });
 }
 
-void OVDocumentSummaries::install(const std::shared_ptr<OVWaveformSummary>& summary,
-                                  const std::shared_ptr<OVWaveformSummary>& copy,
-                                  std::uint64_t epoch) {
-  waveformIsChanging_ = false;
-  if (epoch != epoch_) {
-    return;  // an edit or an undo came first: this is a summary of older audio
-  }
-  if (view_) {
-    view_->setWaveForm(summary);
-  }
+void OVDocumentSummaries::install(const Replacement& replacement,
+                                  const std::shared_ptr<OVWaveformSummary>& summary,
+                                  const std::shared_ptr<OVWaveformSummary>& copy) {
   setWaveForm(summary);
+  putIntoView();
   prevWaveform_ = copy;
+  prevIsStale_ = replacement.holdsNewAudio;
+  extensionQueued_ = std::make_shared<std::atomic<bool>>(false);
+  if (replacement.mayMissChunks) {
+    summary->setShouldRegenerateWaveform(true);
+    extend();
+  }
 }
 
 void OVDocumentSummaries::extend() {
   if (extensionQueued_->exchange(true)) {
     return;
   }
-  fft_queue_.async([view = view_, summary = waveForm_, queued = extensionQueued_] {
+  fft_queue_.async([view = view_, summary = waveForm_, queued = extensionQueued_, work = work_,
+                    epoch = work_->epoch()] {
     *queued = false;  // what is written from here on asks anew
-    summary->generate();
-    platform::mainQueue().async([view] {
-      if (view) {
-        view->setShouldRedrawWaveform(true);
-        requestRedraw(view);
-      }
-    });
+    if (work->generate(*summary, epoch)) {
+      platform::mainQueue().async([view] {
+        if (view) {
+          view->setShouldRedrawWaveform(true);
+          requestRedraw(view);
+        }
+      });
+    }
   });
 }
 

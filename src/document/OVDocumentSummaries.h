@@ -8,11 +8,11 @@
 
 #include <QPointer>
 
+#include "document/OVSummaryWork.h"
 #include "platform/SerialQueue.h"
 #include "waveform/OVWaveFormView.h"
 
 class OVAudioBufferInterface;
-class OVDynamicWaveForm;
 class OVWaveformSummary;
 
 /// The waveform summaries of one document: the one that is shown, the one that an undo brings back,
@@ -23,8 +23,9 @@ class OVWaveformSummary;
 /// is ready, one at a time. What is recorded is added on a serial queue, so that two additions
 /// never overlap. After an edit the whole summary is generated on the global queue.
 ///
-/// An epoch is counted on with every edit, undo and load: what was begun in an earlier one is of
-/// older audio and is not put in.
+/// Undo and redo exchange the two. One that comes back is made again if it was kept in the middle
+/// of a generation, if it was being generated or replaced when its audio went, or if it was kept
+/// with audio in it that came later.
 ///
 /// Threads: main, except where said. Real-time: not safe.
 class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummaries> {
@@ -49,19 +50,27 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   /// A summary of the other kind is being built.
   [[nodiscard]] bool isChanging() const { return waveformIsChanging_; }
 
-  /// Puts the summary into the view and has it drawn anew.
+  /// A refresh of the present audio has not ended.
+  [[nodiscard]] bool isRefreshing() const { return isRefreshing_; }
+
+  /// Puts the summary into the view.
+  void putIntoView();
+  /// The same, and has it drawn anew.
   void show();
 
   // Edits ---------------------------------------------------------------------------------------
 
   /// Before an undoable step: keeps a copy for its undo.
   void keep();
-  /// Undo or redo: exchanges the summary and the kept one, and shows it.
-  void exchange();
+  /// Before an undo or redo changes the audio.
+  void willExchange();
+  /// After it: exchanges the summary and the kept one, and shows it. True if it has to be
+  /// generated from scratch.
+  [[nodiscard]] bool exchange();
   /// The step is taken back for good: the kept summary is the document's again.
   void takeBack();
   /// Audio is going to be loaded: what was begun is void.
-  void abandonWork() { ++epoch_; }
+  void abandonWork();
   /// Brings the summary up to date in the background; with `regenerate` from scratch.
   void refresh(bool regenerate);
 
@@ -78,21 +87,27 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   void chunkWritten(const float* chunk, std::uint32_t byteCount, std::uint64_t position);
 
  private:
-  using Build = std::function<std::shared_ptr<OVWaveformSummary>()>;
+  /// How a summary of the other kind is made while recording.
+  struct Replacement {
+    /// Runs in the background; yields null when an edit came first.
+    std::function<std::shared_ptr<OVWaveformSummary>()> build;
+    /// Chunks may have been written behind its reading: it is generated once more when it is in.
+    bool mayMissChunks = false;
+    /// It may hold some of what is being recorded, which its copy must not show after an undo.
+    bool holdsNewAudio = false;
+  };
 
   void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm);
   void choose(std::uint64_t position, std::uint64_t chunkFrames);
-  void replace(Build build);
-  void install(const std::shared_ptr<OVWaveformSummary>& summary,
-               const std::shared_ptr<OVWaveformSummary>& copy, std::uint64_t epoch);
+  void replace(Replacement replacement);
+  void install(const Replacement& replacement, const std::shared_ptr<OVWaveformSummary>& summary,
+               const std::shared_ptr<OVWaveformSummary>& copy);
   void refreshEnded(std::uint64_t epoch);
 
   // Fixed after construction.
   const std::function<void()> refreshed_;
   platform::SerialQueue fft_queue_{"fft"};
-  // One extension in line is enough. Set on the main thread, cleared by the queue's block before it
-  // reads the audio.
-  const std::shared_ptr<std::atomic<bool>> extensionQueued_;
+  const std::shared_ptr<OVSummaryWork> work_;
 
   // Written on the main thread under the lock, read there without it and elsewhere with it.
   mutable std::mutex waveFormLock_;
@@ -102,6 +117,12 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   QPointer<OVWaveFormView> view_;
   std::shared_ptr<OVAudioBufferInterface> buffer_;
   std::shared_ptr<OVWaveformSummary> prevWaveform_;
+  bool prevIsStale_ = false;     // the kept one does not describe the audio that comes with it
+  bool leavingIsStale_ = false;  // the same of the one that is going to be exchanged for it
+  bool keptInARefresh_ = false;  // the last undoable step began before a refresh had ended
+  bool isRefreshing_ = false;
   bool waveformIsChanging_ = false;
-  std::uint64_t epoch_ = 0;  // counts edits: a summary of an earlier epoch is out of date
+  // One extension in line is enough, for each summary and epoch. The flag is set on the main thread
+  // and cleared by the queue's block before it reads the audio.
+  std::shared_ptr<std::atomic<bool>> extensionQueued_;
 };

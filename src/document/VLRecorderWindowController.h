@@ -416,7 +416,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   QPointer<OVTransportBackgroundView> transportBackView_;
   QPointer<OVFFTView> fftView_;
   QPointer<QProgressBar> loadingIndicator_;
-  double indicatorValue_ = 0.0;  // of the progress bar, finer than it shows
+  double indicatorValue_ = 0.0;      // of the progress bar, finer than it shows
+  bool indicatorIsFileIOs_ = false;  // a load or save shows it, so a refresh leaves it alone
   std::string currentFilename_;
   std::int32_t currentFiletype_ = -1;
   std::unique_ptr<platform::Timer> pollTimer_;

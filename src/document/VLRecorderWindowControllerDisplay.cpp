@@ -75,10 +75,8 @@ void VLRecorderWindowController::updateRendering() {
   }
   const std::uint64_t rendered = waveForm()->readerPos();
   setIndicatorValue(fractionOfBuffer(rendered));
-  if (wfView_) {
-    wfView_->setWaveForm(waveForm());
-    setViewNeedsDisplay(wfView_);
-  }
+  summaries_->putIntoView();
+  setViewNeedsDisplay(wfView_);
   showTime(rendered, true);
 }
 

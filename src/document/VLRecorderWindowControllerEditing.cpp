@@ -6,8 +6,6 @@
 #include "displays/OVTimeView.h"
 #include "document/VLRecorderWindowController.h"
 #include "platform/Localization.h"
-#include "waveform/OVWaveFormView.h"
-#include "waveform/OVWaveformSummary.h"
 
 // Cuts ------------------------------------------------------------------------------------------
 
@@ -79,12 +77,14 @@ void VLRecorderWindowController::registerUndo(
 
 void VLRecorderWindowController::undo(QObject*) {
   registerUndo(&VLRecorderWindowController::redo);
+  summaries_->willExchange();
   buffer_->undo();
   exchangeHistory();
 }
 
 void VLRecorderWindowController::redo(QObject*) {
   registerUndo(&VLRecorderWindowController::undo);
+  summaries_->willExchange();
   buffer_->redo();
   exchangeHistory();
 }
@@ -93,9 +93,7 @@ void VLRecorderWindowController::exchangeHistory() {
   const bool edited = isDocumentEdited();
   setDocumentEdited(prevSaveState_);
   prevSaveState_ = edited;
-  summaries_->exchange();
-  // A copy that was taken in the middle of a generation from scratch has to be finished.
-  refreshCompleteUI(waveForm()->isRegenerating());
+  refreshCompleteUI(summaries_->exchange());
 }
 
 void VLRecorderWindowController::undoCommand() {
@@ -126,9 +124,6 @@ void VLRecorderWindowController::refreshCompleteUI(bool regenerate) {
 }
 
 void VLRecorderWindowController::finishRefresh() {
-  if (isFileIOActive_) {
-    return;  // what came after it shows itself
-  }
   summaries_->show();
   if (timeView_) {
     timeView_->setDurationInSeconds(secondsOfFrames(bufferSizeInFrames()));
@@ -139,6 +134,8 @@ void VLRecorderWindowController::finishRefresh() {
   if (pollTimer_) {
     updatePlaybackMarkerView();
   }
-  setIndicatorValue(0.0);
-  showIndicator(false);
+  if (!indicatorIsFileIOs_) {
+    setIndicatorValue(0.0);
+    showIndicator(false);
+  }
 }

@@ -1,3 +1,4 @@
+#include <mutex>
 #include <utility>
 
 #include "audio/AudioFileFailure.h"
@@ -236,8 +237,11 @@ void VLRecorderWindowController::fileLoadingComplete() {
         controller->setIndicatorValue(0.0);
       }
     });
-    summary->setShouldRegenerateWaveform(true);
-    summary->generateNoLock();
+    {
+      const std::lock_guard generation(*summary);  // the refresh of an edit may still hold it
+      summary->setShouldRegenerateWaveform(true);
+      summary->generateNoLock();
+    }
     if (const auto controller = self.lock()) {
       controller->setIsRenderingWaveform(false);
     }
@@ -264,17 +268,13 @@ void VLRecorderWindowController::fileLoadingReallyComplete() {
   }
   isImport_ = false;
   importTakenBack_ = false;
-  if (wfView_) {
-    wfView_->setWaveForm(waveForm());
-  }
   if (vuView_) {
     vuView_->setDatasource(weak_from_this());
   }
   if (wfView_) {
     wfView_->setOverrideRegenerationCheck(false);
-    wfView_->setShouldRedrawWaveform(true);
-    setViewNeedsDisplay(wfView_);
   }
+  summaries_->show();
   endFileIO();
   if (timeView_) {
     timeView_->setDurationInSeconds(secondsOfFrames(bufferSizeInFrames()));
@@ -301,14 +301,20 @@ void VLRecorderWindowController::beginFileIO() {
   }
   setFileIOActive(true);
   setTransportEnabled(false);
+  indicatorIsFileIOs_ = true;
   recreateIndicator(false);
   showIndicator(true);
 }
 
 void VLRecorderWindowController::endFileIO() {
   setFileIOActive(false);
+  indicatorIsFileIOs_ = false;
   setIndicatorValue(0.0);
   showIndicator(false);
+  if (summaries_->isRefreshing()) {
+    recreateIndicator(true);  // of an edit before a save that was the quicker of the two
+    showIndicator(true);
+  }
   setTransportEnabled(true);
 }
 
