@@ -69,9 +69,9 @@ void OVDocumentSummaries::keep() {
 }
 
 void OVDocumentSummaries::willExchange() {
+  abandonWork();  // first: from here on nothing begins
   // What is under way reads on in the audio that comes, and what is being built never gets in.
   leavingIsStale_ = work_->isGenerating(*waveForm_) || waveformIsChanging_;
-  abandonWork();
 }
 
 bool OVDocumentSummaries::exchange() {

@@ -11,7 +11,7 @@ class OVWaveformSummary;
 /// An epoch ends with every change of the audio. A generation that was asked for in an epoch and
 /// has not begun when it ends never begins: it would read other audio than it was meant for. One
 /// that is under way then goes on, and what it yields is a mixture: who keeps the summary has to
-/// ask for that before the audio changes.
+/// ask for that when the epoch has begun and the audio has not changed yet.
 ///
 /// Threads: any, except where said. Real-time: not safe.
 class OVSummaryWork {
