@@ -19,8 +19,11 @@
 #include "audio/OVAQPlayerDelegate.h"
 #include "controls/OVRecorderWindowDelegate.h"
 #include "displays/OVVUViewDataSource.h"
+#include "document/OVDocumentSummaries.h"
 #include "document/OVRecordedChunk.h"
 #include "document/OVSaveJob.h"
+#include "document/OVWriteFailures.h"
+#include "document/ViewRedraw.h"
 #include "platform/AudioTypes.h"
 #include "platform/Dispatch.h"
 #include "platform/Localization.h"
@@ -156,19 +159,11 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// Any thread: the view, if it is still there, is asked to redraw from the main queue.
   template <typename View>
   static void setViewNeedsDisplay(const QPointer<View>& view) {
-    platform::mainQueue().async([view] {
-      if (view) {
-        view->update();
-      }
-    });
+    requestRedraw(view);
   }
   template <typename View>
   static void setViewNeedsDisplay(const QPointer<View>& view, const QRectF& inRect) {
-    platform::mainQueue().async([view, rect = inRect.toAlignedRect()] {
-      if (view) {
-        view->update(rect);
-      }
-    });
+    requestRedraw(view, inRect);
   }
 
   [[nodiscard]] std::uint64_t lastPlaybackPosition() const { return lastPlaybackPosition_; }
@@ -254,9 +249,13 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const { return buffer_; }
   [[nodiscard]] std::shared_ptr<OVAQRecorder> recorder() const { return recorder_; }
   [[nodiscard]] std::shared_ptr<OVAQPlayer> player() const { return player_; }
-  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const { return waveForm_; }
-  [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const { return prevWaveform_; }
-  [[nodiscard]] bool waveformIsChanging() const { return waveformIsChanging_; }
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const {
+    return summaries_->waveForm();
+  }
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const {
+    return summaries_->prevWaveform();
+  }
+  [[nodiscard]] bool waveformIsChanging() const { return summaries_->isChanging(); }
   [[nodiscard]] QProgressBar* loadingIndicator() const { return loadingIndicator_; }
   /// Copy of the chunk recorded last, for the spectrum. Any thread.
   [[nodiscard]] std::vector<std::byte> fft_data() const;
@@ -306,7 +305,6 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void windowIsReady();
   std::shared_ptr<OVAQRecorder> makeRecorder();
   void setRecorder(std::shared_ptr<OVAQRecorder> recorder);
-  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm);
   void advanceIndicator(double by);
   void setIndicatorValue(double value);
   void showIndicator(bool shown);
@@ -324,10 +322,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void inputFailed(const std::weak_ptr<OVAQRecorder>& recorder);
   void takeRecordingBack(std::uint64_t marker);
   static void tellReadingFailed(int error);
-  void reportFailedWrite(const std::shared_ptr<OVAQRecorder>& recorder, std::uint64_t atByteOffset,
-                         std::uint32_t withSize);
-  void writingFailed(int error, const std::weak_ptr<OVAQRecorder>& recorder,
-                     std::uint64_t atByteOffset, std::uint32_t withSize);
+  void writingFailed(const OVWriteFailures::Failure& failure);
   void dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize);
   void setReadingPosition(std::uint64_t frames);
   void setWritingPosition(std::uint64_t frames);
@@ -336,12 +331,6 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void updateRendering();
   void updatePlayback();
   void updateRecording();
-  void chooseSummary();
-  void replaceSummary(std::function<std::shared_ptr<OVWaveformSummary>()> build);
-  void installSummary(const std::shared_ptr<OVWaveformSummary>& summary,
-                      const std::shared_ptr<OVWaveformSummary>& copy, std::uint64_t epoch);
-  void extendSummary();
-  void queueSummaryExtension();
   void moveMarker(double toFraction);
   void updateMarkerLevel();
   void showTime(std::uint64_t currentFrames, bool always);
@@ -360,7 +349,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void runHistoryCommand(void (platform::UndoManager::*command)());
   void registerUndo(void (VLRecorderWindowController::*operation)(QObject*),
                     std::optional<platform::TextKey> actionName = std::nullopt);
-  void finishRefresh(std::uint64_t epoch);
+  void finishRefresh();
   void bringRecordingPositionInside();
   void keepHistory();
 
@@ -409,14 +398,13 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   // Fixed after construction.
   std::shared_ptr<VLRecorderWindowController> selfretaining_reference_;  // until windowWillClose
-  mutable platform::SerialQueue fft_queue_{"fft"};
+  std::shared_ptr<OVDocumentSummaries> summaries_;
   mutable platform::SerialQueue playbackPosQueue_{"playback queue"};
   mutable platform::SerialQueue recordingPosQueue_{"recording queue"};
 
   // Written on the main thread under sharedObjects_, read there without it and elsewhere with it.
   mutable std::mutex sharedObjects_;
   std::shared_ptr<OVAQRecorder> recorder_;
-  std::shared_ptr<OVWaveformSummary> waveForm_;
   std::shared_ptr<OVAudioBufferInterface> buffer_;
 
   // Main thread only.
@@ -436,7 +424,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   QPointer<OVTransportBackgroundView> transportBackView_;
   QPointer<OVFFTView> fftView_;
   QPointer<QProgressBar> loadingIndicator_;
-  double indicatorValue_ = 0.0;  // of the progress bar, finer than it shows
+  double indicatorValue_ = 0.0;      // of the progress bar, finer than it shows
+  bool indicatorIsFileIOs_ = false;  // a load or save shows it, so a refresh leaves it alone
   std::string currentFilename_;
   std::int32_t currentFiletype_ = -1;
   std::unique_ptr<platform::Timer> pollTimer_;
@@ -445,9 +434,6 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::unique_ptr<OVSpectrumStrip> spectrumStrip_;
   std::uint64_t lastPlaybackPosition_ = 0;
   std::shared_ptr<platform::UndoManager> undoManager_;
-  std::shared_ptr<OVWaveformSummary> prevWaveform_;
-  bool waveformIsChanging_ = false;
-  std::uint64_t summaryEpoch_ = 0;  // counts edits: a summary of an earlier epoch is out of date
   bool prevSaveState_ = false;
   bool documentEdited_ = false;  // the flag of a document without a window
   bool isFileIOActive_ = false;
@@ -477,14 +463,11 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   // would do.
   std::atomic<std::uint64_t> _lastNumberOfFramesWritten = 0;
   std::atomic<bool> isRenderingWaveform_ = false;
-  std::atomic<bool> summaryExtensionQueued_ = false;  // one extension in line is enough
-  std::atomic<int> writeError_ = 0;                   // errno of the write being reported
-  std::atomic<bool> isLoading_ = false;               // the loading job writes into the buffer
-  std::atomic<bool> writeFailureTold_ = false;        // once per recording
-  std::atomic<bool> writtenSincePress_ = false;       // the recording has something to keep
+  std::atomic<bool> writtenSincePress_ = false;  // the recording has something to keep
   // errno of the last read that failed since Play was pressed; any reader's thread writes.
   std::atomic<int> readError_ = 0;
 
-  // Guards itself: the writer's thread replaces, the spectrum takes.
+  // Guard themselves: the writer's thread fills, the main thread takes.
   OVRecordedChunk fft_data_;
+  OVWriteFailures writeFailures_;
 };

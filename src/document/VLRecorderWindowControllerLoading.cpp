@@ -1,3 +1,4 @@
+#include <mutex>
 #include <utility>
 
 #include "audio/AudioFileFailure.h"
@@ -46,7 +47,7 @@ void VLRecorderWindowController::openFileNamed(const std::string& path) {
 void VLRecorderWindowController::startLoading(const std::string& path,
                                               std::shared_ptr<OVAudioFileReader> reader) {
   beginFileIO();
-  ++summaryEpoch_;  // a summary that is being built is one of older audio
+  summaries_->abandonWork();
   if (wfView_) {
     wfView_->setWaveForm(nullptr);
     wfView_->setOverrideRegenerationCheck(true);
@@ -54,8 +55,7 @@ void VLRecorderWindowController::startLoading(const std::string& path,
   if (vuView_) {
     vuView_->setDatasource({});
   }
-  writeError_ = 0;
-  isLoading_ = true;
+  writeFailures_.loadingBegins();
   platform::globalQueue().async(
       [request = LoadingRequest{.path = path,
                                 .reader = std::move(reader),
@@ -73,23 +73,23 @@ void VLRecorderWindowController::load(const LoadingRequest& request) {
   const auto controller = request.controller;
   LoadingOutcome outcome{.opened = reader != nullptr, .endOffset = request.atByteOffset};
   if (reader) {
-    const auto loaded =
-        OVLoadJob::run(*reader, {.buffer = request.buffer,
-                                 .atByteOffset = request.atByteOffset,
-                                 .cancelled = request.cancelled,
-                                 .takeWriteError =
-                                     [&controller] {
-                                       const auto document = controller.lock();
-                                       return document ? document->writeError_.exchange(0) : 0;
-                                     },
-                                 .progress =
-                                     [&controller](std::uint64_t byteOffset, double step) {
-                                       platform::mainQueue().async([controller, byteOffset, step] {
-                                         if (const auto document = controller.lock()) {
-                                           document->loadedChunk(byteOffset, step);
-                                         }
-                                       });
-                                     }});
+    const auto loaded = OVLoadJob::run(
+        *reader, {.buffer = request.buffer,
+                  .atByteOffset = request.atByteOffset,
+                  .cancelled = request.cancelled,
+                  .takeWriteError =
+                      [&controller] {
+                        const auto document = controller.lock();
+                        return document ? document->writeFailures_.takeLoadingError() : 0;
+                      },
+                  .progress =
+                      [&controller](std::uint64_t byteOffset, double step) {
+                        platform::mainQueue().async([controller, byteOffset, step] {
+                          if (const auto document = controller.lock()) {
+                            document->loadedChunk(byteOffset, step);
+                          }
+                        });
+                      }});
     outcome.endOffset = loaded.endOffset;
     outcome.writeError = loaded.writeError;
     outcome.yieldedNothing = reader->failed() && loaded.endOffset == request.atByteOffset;
@@ -111,7 +111,7 @@ void VLRecorderWindowController::loadedChunk(std::uint64_t byteOffset, double st
 
 void VLRecorderWindowController::loadingEnded(const LoadingRequest& request,
                                               const LoadingOutcome& outcome) {
-  isLoading_ = false;
+  writeFailures_.loadingEnded();
   if (*fileJobCancelled_) {
     return;  // the window has closed
   }
@@ -161,8 +161,7 @@ void VLRecorderWindowController::takeImportBack() {
   if (undoManager_) {
     undoManager_->discardLastUndo();
   }
-  setWaveForm(prevWaveform_);
-  ++summaryEpoch_;
+  summaries_->takeBack();
   importTakenBack_ = true;
 }
 
@@ -230,7 +229,7 @@ void VLRecorderWindowController::beginImport(const std::string& path,
 
 void VLRecorderWindowController::fileLoadingComplete() {
   const auto cancelled = fileJobCancelled_;
-  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_, cancelled] {
+  platform::globalQueue().async([self = weak_from_this(), summary = waveForm(), cancelled] {
     if (const auto controller = self.lock()) {
       controller->setIsRenderingWaveform(true);
     }
@@ -239,8 +238,11 @@ void VLRecorderWindowController::fileLoadingComplete() {
         controller->setIndicatorValue(0.0);
       }
     });
-    summary->setShouldRegenerateWaveform(true);
-    summary->generateNoLock(cancelled.get());
+    {
+      const std::lock_guard generation(*summary);  // the refresh of an edit may still hold it
+      summary->setShouldRegenerateWaveform(true);
+      summary->generateNoLock(cancelled.get());
+    }
     if (const auto controller = self.lock()) {
       controller->setIsRenderingWaveform(false);
     }
@@ -267,17 +269,13 @@ void VLRecorderWindowController::fileLoadingReallyComplete() {
   }
   isImport_ = false;
   importTakenBack_ = false;
-  if (wfView_) {
-    wfView_->setWaveForm(waveForm_);
-  }
   if (vuView_) {
     vuView_->setDatasource(weak_from_this());
   }
   if (wfView_) {
     wfView_->setOverrideRegenerationCheck(false);
-    wfView_->setShouldRedrawWaveform(true);
-    setViewNeedsDisplay(wfView_);
   }
+  summaries_->show();
   endFileIO();
   if (timeView_) {
     timeView_->setDurationInSeconds(secondsOfFrames(bufferSizeInFrames()));
@@ -304,14 +302,20 @@ void VLRecorderWindowController::beginFileIO(bool indeterminate) {
   }
   setFileIOActive(true);
   setTransportEnabled(false);
+  indicatorIsFileIOs_ = true;
   recreateIndicator(indeterminate);
   showIndicator(true);
 }
 
 void VLRecorderWindowController::endFileIO() {
   setFileIOActive(false);
+  indicatorIsFileIOs_ = false;
   setIndicatorValue(0.0);
   showIndicator(false);
+  if (summaries_->isRefreshing()) {
+    recreateIndicator(true);  // of an edit before a save that was the quicker of the two
+    showIndicator(true);
+  }
   setTransportEnabled(true);
 }
 

@@ -69,8 +69,7 @@ void VLRecorderWindowController::recPressed() {
   if (wfView_) {
     wfView_->setScrollBack(true);
   }
-  writeError_ = 0;
-  writeFailureTold_ = false;
+  writeFailures_.recordingBegins();
   writtenSincePress_ = false;
   recorder_->record();
   setDocumentEdited(true);
@@ -140,7 +139,7 @@ void VLRecorderWindowController::endRecording() {
     blocks->optimize();
   }
   ++lastPlaybackPosition_;  // the marker leaves the recording position at the next tick
-  queueSummaryExtension();  // the last chunk shows too
+  summaries_->extend();     // the last chunk shows too
 }
 
 void VLRecorderWindowController::restTransportButtons() {

@@ -112,6 +112,46 @@ TEST_F(LoadingTest, ASecondOpenOrImportWhileOneRunsIsIgnored) {
   EXPECT_EQ(audio(), samples);
 }
 
+TEST_F(LoadingTest, NothingIsEditedUndoneOrRedoneWhileAFileIsLoaded) {
+  openWindow();
+  recordChunks(1, 0.25F);
+  recordChunks(1, 0.5F);
+  document_->undoCommand();
+  settle();
+  ASSERT_TRUE(document_->windowWillReturnUndoManager()->canRedo());
+  document_->setPlaybackPosition(kChunkFrames / 2);
+  document_->setRecordingPosition(kChunkFrames);
+  document_->setDocumentEdited(false);
+  const Samples samples = ramp(300'000);
+  document_->openFileNamed(writeFile("take.wav", samples));
+  document_->removeAfterMarker(nullptr);
+  document_->removeBeforeMarker(nullptr);
+  document_->reverseBuffer(nullptr);
+  document_->redoCommand();
+  document_->undoCommand();
+  EXPECT_EQ(document_->playbackPosition(), kChunkFrames / 2);
+  EXPECT_TRUE(document_->windowWillReturnUndoManager()->canRedo());
+  EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
+  awaitIdle();
+  EXPECT_EQ(audio(), joined(Samples(2 * std::size_t{kChunkFrames}, 0.25F), samples));
+  EXPECT_FALSE(document_->isDocumentEdited());
+}
+
+TEST_F(LoadingTest, NothingIsUndoneWhileAFileIsImported) {
+  openWindow();
+  recordChunks(1, 0.25F);
+  const Samples samples = ramp(300'000);
+  document_->importFile(nullptr);
+  panels_->answerOpen({writeFile("part.wav", samples)});
+  document_->undoCommand();  // while the file is being opened
+  EXPECT_TRUE(runMainLoopUntil([&] { return document_->isImport(); }));
+  document_->undoCommand();  // and while it is being read
+  document_->removeBeforeMarker(nullptr);
+  awaitIdle();
+  EXPECT_EQ(audio(), joined(Samples(2 * std::size_t{kChunkFrames}, 0.25F), samples));
+  EXPECT_EQ(document_->windowWillReturnUndoManager()->undoActionName(), "Import File");
+}
+
 TEST_F(LoadingTest, TheDurationGrowsAndTheBarMovesWhileAFileIsLoaded) {
   openWindow();
   std::set<double> durations;

@@ -155,7 +155,11 @@ TEST_F(SavingTest, WhileASaveRunsNothingElseStarts) {
   document_->openFileNamed(other);
   document_->exportRingtone(nullptr);
   document_->removeAfterMarker(nullptr);
+  document_->removeBeforeMarker(nullptr);
+  document_->reverseBuffer(nullptr);
   document_->undoCommand();
+  document_->redoCommand();
+  EXPECT_EQ(document_->windowWillReturnUndoManager()->undoActionName(), "Record");
   EXPECT_EQ(panels_->savePanels(), 0U);
   EXPECT_EQ(panels_->openPanels(), 0U);
   using Action = VLRecorderWindowController::MenuAction;
