@@ -137,21 +137,6 @@ TEST_F(LoadingTest, NothingIsEditedUndoneOrRedoneWhileAFileIsLoaded) {
   EXPECT_FALSE(document_->isDocumentEdited());
 }
 
-TEST_F(LoadingTest, NothingIsUndoneWhileAFileIsImported) {
-  openWindow();
-  recordChunks(1, 0.25F);
-  const Samples samples = ramp(300'000);
-  document_->importFile(nullptr);
-  panels_->answerOpen({writeFile("part.wav", samples)});
-  document_->undoCommand();  // while the file is being opened
-  EXPECT_TRUE(runMainLoopUntil([&] { return document_->isImport(); }));
-  document_->undoCommand();  // and while it is being read
-  document_->removeBeforeMarker(nullptr);
-  awaitIdle();
-  EXPECT_EQ(audio(), joined(Samples(2 * std::size_t{kChunkFrames}, 0.25F), samples));
-  EXPECT_EQ(document_->windowWillReturnUndoManager()->undoActionName(), "Import File");
-}
-
 TEST_F(LoadingTest, TheDurationGrowsAndTheBarMovesWhileAFileIsLoaded) {
   openWindow();
   std::set<double> durations;
@@ -406,6 +391,25 @@ TEST_F(TemporaryDiskLoadingTest, AnImportIsTakenBackAndToldOnce) {
   EXPECT_EQ(document_->recordingPosition(), 500U);
   EXPECT_EQ(services_->alerts().size(), 1U);
   EXPECT_TRUE(transportEnabled());
+}
+
+TEST_F(TemporaryDiskLoadingTest, NothingIsUndoneWhileAFileIsImported) {
+  openWindow();
+  recordChunks(1, 0.25F);
+  const Samples samples = ramp(300'000);
+  testaudio::Gate gate;
+  files_.beforeWrites([&gate] { gate.pass(); });
+  document_->importFile(nullptr);
+  panels_->answerOpen({writeFile("part.wav", samples)});
+  document_->undoCommand();  // while the file is being opened
+  EXPECT_TRUE(runMainLoopUntil([&] { return document_->isImport(); }));
+  ASSERT_TRUE(gate.awaitArrival());
+  document_->undoCommand();  // and while it is being read
+  document_->removeBeforeMarker(nullptr);
+  gate.open();
+  awaitIdle();
+  EXPECT_EQ(audio(), joined(Samples(2 * std::size_t{kChunkFrames}, 0.25F), samples));
+  EXPECT_EQ(document_->windowWillReturnUndoManager()->undoActionName(), "Import File");
 }
 
 TEST_F(TemporaryDiskLoadingTest, TheQuestionAnsweredWithSaveDuringAnImportSavesWhenItIsDone) {
