@@ -31,8 +31,9 @@ class UndoManager {
   [[nodiscard]] bool isUndoing() const { return mode_ == Mode::undoing; }
   [[nodiscard]] bool isRedoing() const { return mode_ == Mode::redoing; }
 
-  /// Runs the last operation of a side; nothing when it is empty or an operation is running. What an
-  /// operation throws is passed on; it is off its side by then, and the manager goes on as before.
+  /// Runs the last operation of a side; nothing when it is empty or an operation is running. What
+  /// an operation throws is passed on; it is off its side by then, and the manager goes on as
+  /// before.
   void undo();
   void redo();
 

@@ -55,13 +55,12 @@ class AudioFileDecoderTest : public AudioFileTest {
   }
 
   static std::string damaged(std::string bytes, std::size_t place, std::size_t count) {
-    const std::string rubbish = support::fileBytes("/proc/self/exe").substr(4096, count);
-    return bytes.replace(place, count, rubbish);
+    return bytes.replace(place, count, rubbish(count));
   }
 };
 
 TEST_F(AudioFileDecoderTest, GivesTheSoundOnceAndStaysAtItsEnd) {
-  const std::string sound = support::fileBytes("/proc/self/exe").substr(0, 400'000);
+  const std::string sound = rubbish(400'000);
   put(support::wavBytes(44100, 2, 16, sound));
   const auto opened = decoder();
   ASSERT_NE(opened, nullptr);

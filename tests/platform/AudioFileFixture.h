@@ -36,7 +36,18 @@ class AudioFileTest : public testing::Test {
     return support::wavBytes(rate, 2, 16, std::string(frames * 4, 'x'));
   }
 
-  /// The same with another number of bytes in the header of its samples.
+  /// So many bytes without an order, the same every time.
+  static std::string rubbish(std::size_t count) {
+    std::string bytes(count, '\0');
+    std::uint32_t state = 1;
+    for (char& byte : bytes) {
+      state = state * 1664525U + 1013904223U;
+      byte = static_cast<char>(state >> 24);
+    }
+    return bytes;
+  }
+
+  /// A wav() with another number of bytes in the header of its samples.
   static std::string wavThatPromises(std::uint32_t bytes, std::size_t frames) {
     constexpr std::size_t kPlace = 40;
     std::string file = wav(frames);
