@@ -162,15 +162,19 @@ void InputQueueCore::serve() {
   }
 }
 
+bool InputQueueCore::canDeliver() const {
+  return state_ == State::kRunning && consumer_->front() != nullptr && !enqueued_.empty();
+}
+
 bool InputQueueCore::deliverOne() {
   AudioQueueBuffer* buffer = nullptr;
   std::uint64_t lost = 0;
   {
     const std::lock_guard lock(mutex_);
-    const InputRing::Block* block = consumer_->front();
-    if (state_ != State::kRunning || block == nullptr || enqueued_.empty()) {
+    if (!canDeliver()) {
       return false;
     }
+    const InputRing::Block* block = consumer_->front();
     buffer = enqueued_.front();
     enqueued_.pop_front();
     buffers_.markReturned(buffer);
@@ -233,7 +237,8 @@ void InputQueueCore::tellFailure() {
   AudioStatus status = kAudioStatusOk;
   {
     const std::lock_guard lock(mutex_);
-    if (!captureEnded_ || std::exchange(failureTold_, true)) {
+    // What came after the last look at the ring goes first; its wake-up is under way.
+    if (!captureEnded_ || canDeliver() || std::exchange(failureTold_, true)) {
       return;
     }
     status = failure_;

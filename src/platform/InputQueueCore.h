@@ -54,7 +54,10 @@ class InputQueueCore final : public InputSink,
   void tellLoss(std::uint64_t frames);
   void tellFailure();
 
-  [[nodiscard]] bool isDelivered(std::uint64_t frame) const;  // with mutex_ held
+  // With mutex_ held.
+  [[nodiscard]] bool isDelivered(std::uint64_t frame) const;
+  [[nodiscard]] bool canDeliver() const;
+
   void tellLossInSystem();
   void tellLossAtTheEnd();
 

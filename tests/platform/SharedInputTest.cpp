@@ -123,6 +123,7 @@ TEST_F(SharedInputTimeTest, PreparingOpensAheadAndClosesAgainWhenNobodyCame) {
   Recording recording;
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   EXPECT_EQ(device->inputsOpened(), 1U);
+  settle();  // the opening is known to have succeeded
   recording.queue.reset();
   clock->advance(seconds(3));
   ASSERT_TRUE(device->awaitInputClosed());
