@@ -89,11 +89,11 @@ TEST_F(ApplicationWithAlertsTest, ALineOfAnyThreadStandsInTheDiagnosticsWindow) 
   item(window, "Diagnostics")->trigger();
   ASSERT_NE(diagnostics(), nullptr);
   EXPECT_TRUE(diagnostics()->isVisible());
-  EXPECT_EQ(diagnostics()->toPlainText().toStdString(),
+  EXPECT_EQ(diagnostics()->console()->toPlainText().toStdString(),
             "lost 7 frames of “take”\nand <i>went on</i>");
   ConsoleLog("later");
   EXPECT_TRUE(drainMainQueue());
-  EXPECT_TRUE(diagnostics()->toPlainText().endsWith("\nlater"));
+  EXPECT_TRUE(diagnostics()->console()->toPlainText().endsWith("\nlater"));
 }
 
 TEST_F(ApplicationWithAlertsTest, TheDiagnosticsWindowNeitherCountsAsADocumentNorHoldsAQuit) {

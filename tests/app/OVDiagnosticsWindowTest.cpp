@@ -1,7 +1,5 @@
 #include "app/OVDiagnosticsWindow.h"
 
-#include <string>
-
 #include <gtest/gtest.h>
 #include <QTest>
 
@@ -9,27 +7,27 @@ namespace {
 
 TEST(OVDiagnosticsWindow, ShowsLinesAsTheyStandTheNewestLast) {
   OVDiagnosticsWindow window;
-  window.appendLine("one");
-  window.appendLine("<b>two</b> “%1”");
-  EXPECT_EQ(window.toPlainText(), "one\n<b>two</b> “%1”");
+  window.console()->appendPlainText("one");
+  window.console()->appendPlainText("<b>two</b> “%1”");
+  EXPECT_EQ(window.console()->toPlainText(), "one\n<b>two</b> “%1”");
 }
 
 TEST(OVDiagnosticsWindow, CanBeReadAndCopiedButNotChanged) {
   OVDiagnosticsWindow window;
-  window.appendLine("one");
+  window.console()->appendPlainText("one");
   window.show();
-  QTest::keyClicks(&window, "typed");
-  EXPECT_EQ(window.toPlainText(), "one");
-  EXPECT_TRUE(window.textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
+  QTest::keyClicks(window.console(), "typed");
+  EXPECT_EQ(window.console()->toPlainText(), "one");
+  EXPECT_TRUE(window.console()->textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
 }
 
 TEST(OVDiagnosticsWindow, KeepsTheLastLinesOnly) {
   OVDiagnosticsWindow window;
   for (int i = 0; i <= OVDiagnosticsWindow::kMaximumLines; ++i) {
-    window.appendLine(std::to_string(i));
+    window.console()->appendPlainText(QString::number(i));
   }
-  EXPECT_EQ(window.blockCount(), OVDiagnosticsWindow::kMaximumLines);
-  EXPECT_TRUE(window.toPlainText().startsWith("1\n"));
+  EXPECT_EQ(window.console()->blockCount(), OVDiagnosticsWindow::kMaximumLines);
+  EXPECT_TRUE(window.console()->toPlainText().startsWith("1\n"));
 }
 
 TEST(OVDiagnosticsWindow, IsAWindowThatDoesNotKeepTheProgram) {
