@@ -31,6 +31,14 @@ void OVFFTView::setData(const float* magnitudes) {
   data_.assign(magnitudes, magnitudes + size_);
 }
 
+void OVFFTView::drawGradient(QPainter& painter) {
+  OVFFTDrawing::drawGradient(painter, size());
+}
+
+void OVFFTView::drawGrid(QPainter& painter) {
+  OVFFTDrawing::drawGrid(painter, size());
+}
+
 void OVFFTView::paintEvent(QPaintEvent* /*event*/) {
   {
     const std::lock_guard lock(lock_);
