@@ -35,6 +35,7 @@ class OVAudioFileReader;
 class OVCircularVUView;
 class OVFFTView;
 class OVHoverButton;
+class OVLoadingPanel;
 class OVPlaybackMarkerView;
 class OVRecorderWindow;
 class OVSpectrumAnalyser;
@@ -269,8 +270,10 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// Deletes a file; nothing for an empty path, errors are ignored.
   static void removeTempFile(const std::string& path);
 
-  /// Replaces the progress bar by a fresh one in the same place.
-  void recreateIndicator(bool indeterminate);
+  /// Replaces the progress bar by a fresh one in the same place. `activity` is what it is for: the
+  /// words beside it and its name.
+  void recreateIndicator(bool indeterminate,
+                         platform::TextKey activity = platform::textKey("Progress"));
 
   // Callbacks -----------------------------------------------------------------------------------
 
@@ -307,6 +310,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void advanceIndicator(double by);
   void setIndicatorValue(double value);
   void showIndicator(bool shown);
+  void tellActivity(platform::TextKey activity);
 
   // Transport
   void recPressed();
@@ -372,7 +376,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   static void tellNotStored(const std::string& path, int error, bool imported);
   void forgetFileName();
   void takeImportBack();
-  void beginFileIO();
+  void beginFileIO(platform::TextKey activity);
   void endFileIO();
   void setFileIOActive(bool active);
   void saveIfClosing();
@@ -427,6 +431,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   QPointer<OVHoverButton> fftButton_;
   QPointer<OVTransportBackgroundView> transportBackView_;
   QPointer<OVFFTView> fftView_;
+  QPointer<OVLoadingPanel> loadingPanel_;
   QPointer<QProgressBar> loadingIndicator_;
   double indicatorValue_ = 0.0;  // of the progress bar, finer than it shows
   std::string currentFilename_;

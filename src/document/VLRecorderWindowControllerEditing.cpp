@@ -128,7 +128,7 @@ void VLRecorderWindowController::runHistoryCommand(void (platform::UndoManager::
 
 void VLRecorderWindowController::refreshCompleteUI(bool regenerate) {
   ++summaryEpoch_;
-  recreateIndicator(true);
+  recreateIndicator(true, platform::textKey("Drawing the waveform"));
   showIndicator(true);
   if (regenerate) {
     // At once: a copy that is taken before the task begins has to know it, too.

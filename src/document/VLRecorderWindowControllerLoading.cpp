@@ -45,7 +45,7 @@ void VLRecorderWindowController::openFileNamed(const std::string& path) {
 
 void VLRecorderWindowController::startLoading(const std::string& path,
                                               std::shared_ptr<OVAudioFileReader> reader) {
-  beginFileIO();
+  beginFileIO(isImport_ ? platform::textKey("Importing") : platform::textKey("Loading"));
   ++summaryEpoch_;  // a summary that is being built is one of older audio
   if (wfView_) {
     wfView_->setWaveForm(nullptr);
@@ -236,6 +236,7 @@ void VLRecorderWindowController::fileLoadingComplete() {
     platform::mainQueue().async([self] {
       if (const auto controller = self.lock()) {
         controller->setIndicatorValue(0.0);
+        controller->tellActivity(platform::textKey("Drawing the waveform"));
       }
     });
     summary->setShouldRegenerateWaveform(true);
@@ -297,13 +298,13 @@ void VLRecorderWindowController::saveIfClosing() {
 
 // The state of a load or save --------------------------------------------------------------------
 
-void VLRecorderWindowController::beginFileIO() {
+void VLRecorderWindowController::beginFileIO(platform::TextKey activity) {
   if (isRecording() || isPlaying()) {
     pauseButton(pauseButton_);
   }
   setFileIOActive(true);
   setTransportEnabled(false);
-  recreateIndicator(false);
+  recreateIndicator(false, activity);
   showIndicator(true);
 }
 
