@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <functional>
@@ -17,6 +18,7 @@
 #include <QWidget>
 
 #include "audio/OVAQPlayerDelegate.h"
+#include "controls/OVFocusKeeper.h"
 #include "controls/OVRecorderWindowDelegate.h"
 #include "displays/OVVUViewDataSource.h"
 #include "document/OVRecordedChunk.h"
@@ -380,6 +382,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void endFileIO();
   void setFileIOActive(bool active);
   void saveIfClosing();
+  [[nodiscard]] std::array<QWidget*, 7> transportControls() const;
   void setTransportEnabled(bool enabled);
 
   // Saving
@@ -460,6 +463,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::string last_saved_file_path_;
   QPointer<QWidget> fileSaveAccessoryView_;
   QPointer<QComboBox> fileTypeButton_;
+  OVFocusKeeper focusKeeper_;  // for the controls that a file operation disables
   // Set when the window closes: a load that runs ends at its next chunk.
   std::shared_ptr<std::atomic<bool>> fileJobCancelled_ = std::make_shared<std::atomic<bool>>(false);
   std::function<void()> commandsChanged_;

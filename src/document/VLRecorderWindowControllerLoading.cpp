@@ -1,3 +1,4 @@
+#include <array>
 #include <utility>
 
 #include "audio/AudioFileFailure.h"
@@ -303,6 +304,7 @@ void VLRecorderWindowController::beginFileIO(platform::TextKey activity) {
     pauseButton(pauseButton_);
   }
   setFileIOActive(true);
+  focusKeeper_.takeFrom(window_, transportControls());
   setTransportEnabled(false);
   recreateIndicator(false, activity);
   showIndicator(true);
@@ -313,6 +315,7 @@ void VLRecorderWindowController::endFileIO() {
   setIndicatorValue(0.0);
   showIndicator(false);
   setTransportEnabled(true);
+  focusKeeper_.giveBack(window_);
 }
 
 void VLRecorderWindowController::setFileIOActive(bool active) {
@@ -322,15 +325,14 @@ void VLRecorderWindowController::setFileIOActive(bool active) {
   }
 }
 
+std::array<QWidget*, 7> VLRecorderWindowController::transportControls() const {
+  return {recButton_, playButton_, prevButton_, nextButton_, stopButton_, pauseButton_, wfView_};
+}
+
 void VLRecorderWindowController::setTransportEnabled(bool enabled) {
-  for (OVTransportButton* const button :
-       {recButton_.data(), playButton_.data(), prevButton_.data(), nextButton_.data(),
-        stopButton_.data(), pauseButton_.data()}) {
-    if (button != nullptr) {
-      button->setEnabled(enabled);
+  for (QWidget* const control : transportControls()) {
+    if (control != nullptr) {
+      control->setEnabled(enabled);
     }
-  }
-  if (wfView_) {
-    wfView_->setEnabled(enabled);
   }
 }

@@ -1,4 +1,4 @@
-// What is shown while a document is busy: the bar and the words beside it.
+// What is shown while a document is busy: the bar, the words beside it, and who has the keyboard.
 #include <atomic>
 
 #include <QAccessible>
@@ -128,6 +128,58 @@ TEST_F(ProgressTest, AnImportThatCannotBeReadShowsNone) {
   std::ofstream(at("letter.wav")) << "This is a letter, not a sound.\n";
   import(at("letter.wav"));
   expectNothingShown();
+}
+
+TEST_F(ProgressTest, TheControlThatHadTheKeyboardHasItAgainAfterwards) {
+  openWindow();
+  for (const char* const name : {"recButton", "nextButton", "wfView", "fftButton"}) {
+    view(name)->setFocus(Qt::TabFocusReason);
+    ASSERT_EQ(document_->window()->focusWidget(), view(name)) << name;
+    saveTo(at("take.wav"));
+    EXPECT_EQ(document_->window()->focusWidget(), view(name)) << name;
+    open(writeFile("part.wav", ramp(100)));
+    EXPECT_EQ(document_->window()->focusWidget(), view(name)) << name;
+  }
+}
+
+TEST_F(ProgressTest, NoRingAppearsAroundAControlThatHadNone) {
+  openWindow();
+  auto* const waveform = view("wfView");
+  waveform->setFocus(Qt::ActiveWindowFocusReason);  // as in a new window
+  const QImage before = waveform->grab().toImage();
+  saveTo(at("take.wav"));
+  ASSERT_EQ(document_->window()->focusWidget(), waveform);
+  EXPECT_EQ(waveform->grab().toImage(), before);
+  waveform->clearFocus();
+  waveform->setFocus(Qt::TabFocusReason);
+  const QImage withRing = waveform->grab().toImage();
+  ASSERT_NE(withRing, before);
+  saveTo(at("take.wav"));
+  EXPECT_EQ(waveform->grab().toImage(), withRing);
+}
+
+TEST_F(ProgressTest, AKeyboardThatWasMovedMeanwhileStaysWhereItIs) {
+  openWindow();
+  view("recButton")->setFocus(Qt::TabFocusReason);
+  fill(ramp(10'000));
+  stopAtTheFirstRead();
+  document_->saveFileNamed(at("take.wav"), 0);
+  EXPECT_EQ(document_->window()->focusWidget(), nullptr);
+  auto* const other = new QWidget(document_->window());
+  other->setFocusPolicy(Qt::TabFocus);
+  other->show();
+  other->setFocus(Qt::TabFocusReason);
+  letGo();
+  EXPECT_EQ(document_->window()->focusWidget(), other);
+}
+
+TEST_F(ProgressTest, WhereNothingHadTheKeyboardNothingHasItAfterwards) {
+  openWindow();
+  if (QWidget* const had = document_->window()->focusWidget()) {
+    had->clearFocus();
+  }
+  saveTo(at("take.wav"));
+  EXPECT_EQ(document_->window()->focusWidget(), nullptr);
 }
 
 }  // namespace
