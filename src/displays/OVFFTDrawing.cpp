@@ -40,6 +40,10 @@ void OVFFTDrawing::drawSpectrum(QPainter& painter, QSizeF size, std::span<const 
   graphStroke_.draw(painter, QRectF(QPointF(0.0, 0.0), size), graph_, kGraphColor, kLineWidth);
 }
 
+QColor OVFFTDrawing::background() {
+  return kBackground;
+}
+
 void OVFFTDrawing::drawGradient(QPainter& painter, QSizeF size) {
   platform::drawViewGradient(painter, size, kGradientBottom, kGradientTop);
 }

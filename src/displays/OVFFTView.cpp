@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include "platform/Localization.h"
+#include "platform/OpaqueGround.h"
 #include "platform/ViewAccessibility.h"
 #include "platform/ViewDrawing.h"
 
@@ -45,6 +46,7 @@ void OVFFTView::paintEvent(QPaintEvent* /*event*/) {
     drawnData_ = data_;
   }
   QPainter painter(this);
+  platform::paintOpaqueGround(painter, rect(), OVFFTDrawing::background());
   platform::useViewCoordinates(painter, size());
   drawing_.drawSpectrum(painter, size(), drawnData_);
 }
