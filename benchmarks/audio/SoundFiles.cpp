@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <utility>
 
 extern char** environ;
 
@@ -40,6 +41,21 @@ const Folder& folder() {
   return only;
 }
 
+bool run(std::vector<std::string> command) {
+  std::vector<char*> pointers;
+  pointers.reserve(command.size() + 1);
+  for (std::string& word : command) {
+    pointers.push_back(word.data());
+  }
+  pointers.push_back(nullptr);
+  pid_t child = 0;
+  if (::posix_spawnp(&child, pointers.front(), nullptr, nullptr, pointers.data(), environ) != 0) {
+    return false;
+  }
+  int status = 0;
+  return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
 // Runs ffmpeg once with these arguments and the file's path behind them.
 std::string made(const std::string& name, std::vector<std::string> arguments) {
   std::string path = folder().file(name);
@@ -52,18 +68,11 @@ std::string made(const std::string& name, std::vector<std::string> arguments) {
 bool ffmpeg(const std::vector<std::string>& arguments) {
   std::vector<std::string> command{"ffmpeg", "-v", "error", "-nostdin", "-y", "-threads", "1"};
   command.insert(command.end(), arguments.begin(), arguments.end());
-  std::vector<char*> pointers;
-  pointers.reserve(command.size() + 1);
-  for (std::string& word : command) {
-    pointers.push_back(word.data());
-  }
-  pointers.push_back(nullptr);
-  pid_t child = 0;
-  if (::posix_spawnp(&child, "ffmpeg", nullptr, nullptr, pointers.data(), environ) != 0) {
-    return false;
-  }
-  int status = 0;
-  return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  return run(std::move(command));
+}
+
+bool copyFile(const std::string& from, const std::string& to) {
+  return run({"cp", "--reflink=never", from, to});
 }
 
 const std::string& tenMinutesOfWav() {

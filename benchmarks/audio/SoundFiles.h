@@ -13,6 +13,9 @@ namespace benchmarks {
 /// Runs ffmpeg, with one thread; false when it failed or is not there.
 [[nodiscard]] bool ffmpeg(const std::vector<std::string>& arguments);
 
+/// Copies a file byte for byte with the cp program; false when it failed.
+[[nodiscard]] bool copyFile(const std::string& from, const std::string& to);
+
 /// Pink noise, stereo, 44100 Hz: ten minutes, one and three hours as 16-bit WAV, one as raw floats,
 /// ten minutes as MP3 and as AAC in MPEG-4, both of 192 kbit/s. Empty when it could not be made.
 [[nodiscard]] const std::string& tenMinutesOfWav();

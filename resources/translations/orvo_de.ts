@@ -320,6 +320,14 @@ Everything recorded before is kept.</source>
 Alles zuvor Aufgenommene bleibt erhalten.</translation>
     </message>
     <message>
+        <source>Playing was stopped</source>
+        <translation>Die Wiedergabe wurde angehalten</translation>
+    </message>
+    <message>
+        <source>The audio could not be read from the temporary file. %1</source>
+        <translation>Das Audiomaterial konnte nicht aus der temporären Datei gelesen werden. %1</translation>
+    </message>
+    <message>
         <source>%1 could not be loaded whole</source>
         <translation>%1 konnte nicht vollständig geladen werden</translation>
     </message>
@@ -398,6 +406,10 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
     <message>
         <source>The folder or the file is not there any more.</source>
         <translation>Der Ordner oder die Datei ist nicht mehr vorhanden.</translation>
+    </message>
+    <message>
+        <source>“%1” already exists. Do you want to replace it?</source>
+        <translation>„%1“ gibt es schon. Soll die Datei ersetzt werden?</translation>
     </message>
     <message>
         <source>There is a folder of this name.</source>
@@ -570,6 +582,10 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
     <message>
         <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
         <translation>Der Audioeingang ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Die Aufnahme ist beendet. Schließen Sie den Eingang wieder an und drücken Sie dann „Aufnahme“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>Das System lässt keinen weiteren Thread zu. Schließen Sie einige Fenster oder andere Programme, und versuchen Sie es dann noch einmal. Alles bisher Aufgenommene bleibt erhalten.</translation>
     </message>
     <message>
         <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>

@@ -320,6 +320,14 @@ Everything recorded before is kept.</source>
 Se conserva todo lo grabado hasta entonces.</translation>
     </message>
     <message>
+        <source>Playing was stopped</source>
+        <translation>Se ha detenido la reproducción</translation>
+    </message>
+    <message>
+        <source>The audio could not be read from the temporary file. %1</source>
+        <translation>No se pudo leer el audio del archivo temporal. %1</translation>
+    </message>
+    <message>
         <source>%1 could not be loaded whole</source>
         <translation>No se pudo cargar %1 por completo</translation>
     </message>
@@ -398,6 +406,10 @@ Se conserva todo lo grabado hasta entonces.</translation>
     <message>
         <source>The folder or the file is not there any more.</source>
         <translation>La carpeta o el archivo ya no existe.</translation>
+    </message>
+    <message>
+        <source>“%1” already exists. Do you want to replace it?</source>
+        <translation>«%1» ya existe. ¿Desea reemplazar el archivo?</translation>
     </message>
     <message>
         <source>There is a folder of this name.</source>
@@ -570,6 +582,10 @@ Se conserva todo lo grabado hasta entonces.</translation>
     <message>
         <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
         <translation>La entrada de sonido ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. La grabación ha terminado. Vuelva a conectar la entrada y pulse «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>El sistema no permite más hilos. Cierre algunas ventanas u otros programas y vuelva a intentarlo. Se conserva todo lo grabado hasta ahora.</translation>
     </message>
     <message>
         <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>

@@ -320,6 +320,14 @@ Everything recorded before is kept.</source>
 Tout ce qui a été enregistré auparavant est conservé.</translation>
     </message>
     <message>
+        <source>Playing was stopped</source>
+        <translation>La lecture a été arrêtée</translation>
+    </message>
+    <message>
+        <source>The audio could not be read from the temporary file. %1</source>
+        <translation>Le son n’a pas pu être lu dans le fichier temporaire. %1</translation>
+    </message>
+    <message>
         <source>%1 could not be loaded whole</source>
         <translation>%1 n’a pas pu être chargé en entier</translation>
     </message>
@@ -398,6 +406,10 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
     <message>
         <source>The folder or the file is not there any more.</source>
         <translation>Le dossier ou le fichier n’existe plus.</translation>
+    </message>
+    <message>
+        <source>“%1” already exists. Do you want to replace it?</source>
+        <translation>«&#xa0;%1&#xa0;» existe déjà. Voulez-vous remplacer ce fichier&#xa0;?</translation>
     </message>
     <message>
         <source>There is a folder of this name.</source>
@@ -570,6 +582,10 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
     <message>
         <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
         <translation>L’entrée audio a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. L’enregistrement est terminé. Rebranchez l’entrée, puis cliquez sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>Le système n’autorise aucun thread supplémentaire. Fermez quelques fenêtres ou d’autres programmes, puis réessayez. Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
     </message>
     <message>
         <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>

@@ -320,6 +320,14 @@ Everything recorded before is kept.</source>
 それまでに録音した内容はすべて残っています。</translation>
     </message>
     <message>
+        <source>Playing was stopped</source>
+        <translation>再生が停止されました</translation>
+    </message>
+    <message>
+        <source>The audio could not be read from the temporary file. %1</source>
+        <translation>一時ファイルからオーディオを読み取れませんでした。%1</translation>
+    </message>
+    <message>
         <source>%1 could not be loaded whole</source>
         <translation>%1 全体を読み込めませんでした</translation>
     </message>
@@ -398,6 +406,10 @@ Everything recorded before is kept.</source>
     <message>
         <source>The folder or the file is not there any more.</source>
         <translation>フォルダーまたはファイルがなくなっています。</translation>
+    </message>
+    <message>
+        <source>“%1” already exists. Do you want to replace it?</source>
+        <translation>「%1」はすでに存在します。置き換えますか？</translation>
     </message>
     <message>
         <source>There is a folder of this name.</source>
@@ -570,6 +582,10 @@ Everything recorded before is kept.</source>
     <message>
         <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
         <translation>サウンド入力がなくなりました。取り外されたか、サウンドシステムが停止しました。録音は終了しました。入力を接続し直してから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>システムがこれ以上スレッドを作成できません。いくつかのウィンドウまたはほかのプログラムを閉じてから、もう一度お試しください。これまでに録音した内容はすべて残っています。</translation>
     </message>
     <message>
         <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>

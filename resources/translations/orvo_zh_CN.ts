@@ -320,6 +320,14 @@ Everything recorded before is kept.</source>
 此前录制的内容均已保留。</translation>
     </message>
     <message>
+        <source>Playing was stopped</source>
+        <translation>播放已停止</translation>
+    </message>
+    <message>
+        <source>The audio could not be read from the temporary file. %1</source>
+        <translation>无法从临时文件读取音频。%1</translation>
+    </message>
+    <message>
         <source>%1 could not be loaded whole</source>
         <translation>无法完整载入 %1</translation>
     </message>
@@ -398,6 +406,10 @@ Everything recorded before is kept.</source>
     <message>
         <source>The folder or the file is not there any more.</source>
         <translation>文件夹或文件已不存在。</translation>
+    </message>
+    <message>
+        <source>“%1” already exists. Do you want to replace it?</source>
+        <translation>“%1”已存在。要替换它吗？</translation>
     </message>
     <message>
         <source>There is a folder of this name.</source>
@@ -570,6 +582,10 @@ Everything recorded before is kept.</source>
     <message>
         <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
         <translation>声音输入已消失：设备被拔出，或声音系统已停止。录音已结束。请重新连接输入设备，然后按“录音”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
+        <translation>系统不允许创建更多线程。请关闭一些窗口或其他程序，然后重试。到目前为止录制的内容均已保留。</translation>
     </message>
     <message>
         <source>No sound output could be opened. Connect loudspeakers or headphones, check that sound works on this computer, then press Play again. Everything recorded so far is kept.</source>

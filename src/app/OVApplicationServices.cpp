@@ -40,11 +40,30 @@ void runAlert(const std::string& title, const std::string& message) {
   alert.exec();
 }
 
+// Counts an alert for as long as it lives.
+class Counted {
+ public:
+  explicit Counted(std::shared_ptr<std::atomic<int>> alerts) : alerts_(std::move(alerts)) {
+    ++*alerts_;
+  }
+  ~Counted() { --*alerts_; }
+  Counted(const Counted&) = delete;
+  Counted& operator=(const Counted&) = delete;
+
+ private:
+  const std::shared_ptr<std::atomic<int>> alerts_;
+};
+
 }  // namespace
 
 // Main thread only. Alerts that were posted are shown one after the other.
 struct OVApplicationServices::PostedAlerts {
-  std::deque<std::pair<std::string, std::string>> waiting;
+  struct Alert {
+    std::string title;
+    std::string message;
+    std::shared_ptr<Counted> counted;
+  };
+  std::deque<Alert> waiting;
   bool isShowing = false;
 
   void showAll() {
@@ -53,9 +72,9 @@ struct OVApplicationServices::PostedAlerts {
     }
     isShowing = true;
     while (!waiting.empty()) {
-      const auto [title, message] = waiting.front();
+      const Alert alert = std::move(waiting.front());
       waiting.pop_front();
-      runAlert(title, message);
+      runAlert(alert.title, alert.message);
     }
     isShowing = false;
   }
@@ -65,6 +84,7 @@ OVApplicationServices::OVApplicationServices(Receivers receivers)
     : receivers_(std::move(receivers)), posted_(std::make_shared<PostedAlerts>()) {}
 
 void OVApplicationServices::showModalAlert(const std::string& title, const std::string& message) {
+  const Counted counted(alerts_);
   if (platform::isMainThread()) {
     runAlert(title, message);
     return;
@@ -74,10 +94,11 @@ void OVApplicationServices::showModalAlert(const std::string& title, const std::
 }
 
 void OVApplicationServices::postModalAlert(const std::string& title, const std::string& message) {
-  platform::mainQueue().async([posted = posted_, title, message] {
-    posted->waiting.emplace_back(title, message);
-    posted->showAll();
-  });
+  platform::mainQueue().async(
+      [posted = posted_, title, message, counted = std::make_shared<Counted>(alerts_)]() mutable {
+        posted->waiting.push_back({title, message, std::move(counted)});
+        posted->showAll();
+      });
 }
 
 void OVApplicationServices::logToConsole(const std::string& text) {

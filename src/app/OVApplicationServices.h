@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -29,9 +30,15 @@ class OVApplicationServices : public platform::ApplicationServices {
   void registerTempFile(const std::string& path) override;
   void cancelTermination() override;
 
+  /// An alert is on the screen or on its way there.
+  [[nodiscard]] bool hasAlerts() const { return *alerts_ > 0; }
+
  private:
   struct PostedAlerts;
 
+  // Counted from the request on, so that nothing ends between it and the screen. Relaxed order
+  // would do: it stands for itself. Shared with what the main queue still holds.
+  const std::shared_ptr<std::atomic<int>> alerts_ = std::make_shared<std::atomic<int>>(0);
   const Receivers receivers_;
   const std::shared_ptr<PostedAlerts> posted_;
   std::mutex turnOfThreads_;  // held by the thread, not the main one, whose alert is on the screen

@@ -1,14 +1,13 @@
 #pragma once
 
-#include <string>
-
 #include <QPlainTextEdit>
+#include <QWidget>
 
-/// The diagnostics console: a read-only list of lines, the newest last. It keeps the last
+/// The diagnostics window: a read-only list of lines, the newest last. It keeps the last
 /// kMaximumLines.
 ///
 /// Threads: main. Real-time: not safe.
-class OVDiagnosticsWindow : public QPlainTextEdit {
+class OVDiagnosticsWindow : public QWidget {
   Q_OBJECT
 
  public:
@@ -16,5 +15,9 @@ class OVDiagnosticsWindow : public QPlainTextEdit {
 
   explicit OVDiagnosticsWindow(QWidget* parent = nullptr);
 
-  void appendLine(const std::string& text);
+  /// The text view inside, which lines are appended to.
+  [[nodiscard]] QPlainTextEdit* console() const { return console_; }
+
+ private:
+  QPlainTextEdit* const console_;
 };

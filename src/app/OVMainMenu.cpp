@@ -74,9 +74,13 @@ void OVMainMenu::addFileMenu() {
   };
   addCommand(menu, textKey("New Recorder"), commands_.spawnNewRecorderWindow)
       ->setShortcut(QKeySequence::New);
-  addCommand(menu, textKey("Open…"), [open = commands_.openFile, window = window_] {
-    open(window);
-  })->setShortcut(QKeySequence::Open);
+  QAction* const open = addCommand(menu, textKey("Open…"), [this] {
+    if (canOpen()) {
+      commands_.openFile(window_);
+    }
+  });
+  open->setShortcut(QKeySequence::Open);
+  validated_.emplace_back(open, Kind::open);
   recent_ = menu->addMenu(localized("Open Recent"));
   recent_->setObjectName("Open Recent");
   connect(menu, &QMenu::aboutToShow, this, &OVMainMenu::fillRecentMenu);
@@ -105,11 +109,19 @@ void OVMainMenu::fillRecentMenu() {
     name.replace(QLatin1Char('&'), QLatin1String("&&"));
     QAction* const action = recent_->addAction(name);
     action->setToolTip(QString::fromStdString(path).toHtmlEscaped());
-    connect(action, &QAction::triggered, this,
-            [open = commands_.openRecentFile, path] { open(path); });
+    connect(action, &QAction::triggered, this, [this, path] {
+      if (canOpen()) {
+        commands_.openRecentFile(path);
+      }
+    });
   }
   recent_->setToolTipsVisible(true);
-  recent_->setEnabled(!recent_->isEmpty());
+  recent_->setEnabled(!recent_->isEmpty() && canOpen());
+}
+
+bool OVMainMenu::canOpen() const {
+  const auto document = controller_.lock();
+  return document && document->validateMenuItem(Controller::MenuAction::open);
 }
 
 void OVMainMenu::addEditMenu() {
@@ -174,6 +186,7 @@ void OVMainMenu::update() {
   for (const auto& [action, kind] : validated_) {
     action->setEnabled(document->validateMenuItem(kind));
   }
+  recent_->setEnabled(!recent_->isEmpty() && canOpen());
   spectrum_->setChecked(document->isSpectrumShown());
   const auto manager = document->windowWillReturnUndoManager();
   const auto title = [](TextKey alone, TextKey withAction, const std::string& name) {

@@ -52,6 +52,7 @@ class OVMainMenu : public QObject {
                               std::function<void(Controller&)> command);
   void addFileMenu();
   void fillRecentMenu();
+  [[nodiscard]] bool canOpen() const;
   void addEditMenu();
   void addTransportMenu();
   void addViewMenu();

@@ -1,6 +1,8 @@
 #include "app/VelmarAppDelegate.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <utility>
 
 #include <QApplication>
@@ -24,11 +26,17 @@ constexpr std::size_t kTempfilesCapacity = 10;
 
 }  // namespace
 
-VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit) : quit_(std::move(quit)) {}
+VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit) : quit_(std::move(quit)) {
+  awakeFromNib();
+}
 
 VelmarAppDelegate::~VelmarAppDelegate() = default;
 
 // Launch ----------------------------------------------------------------------------------------
+
+void VelmarAppDelegate::awakeFromNib() {
+  spawn_rec_ = true;
+}
 
 void VelmarAppDelegate::applicationWillFinishLaunching() {
   const std::lock_guard lock(tempfilesMutex_);
@@ -50,6 +58,8 @@ void VelmarAppDelegate::spawnNewRecorderWindow(QObject*) {
 
 std::shared_ptr<VLRecorderWindowController> VelmarAppDelegate::makeWindow() {
   auto controller = VLRecorderWindowController::initWithWindowNibName("VNRecorderWindow");
+  std::erase_if(windows_, [](const auto& window) { return window.isNull(); });
+  windows_.emplace_back(controller->window());
   new OVMainMenu(controller, commands());  // belongs to the window
   controller->window()->setDropHandler(
       [this](const std::vector<std::string>& paths) { applicationOpenFiles(paths); });
@@ -125,15 +135,12 @@ void VelmarAppDelegate::openFile(QWidget* window) {
 
 // Quit ------------------------------------------------------------------------------------------
 
-std::vector<QPointer<OVRecorderWindow>> VelmarAppDelegate::recorderWindows() {
-  std::vector<QPointer<OVRecorderWindow>> windows;
-  for (QWidget* const widget : QApplication::topLevelWidgets()) {
-    if (auto* const window = qobject_cast<OVRecorderWindow*>(widget);
-        window != nullptr && window->isVisible()) {
-      windows.push_back(window);
-    }
-  }
-  return windows;
+// A copy: a window that is asked to close may be gone afterwards.
+std::vector<QPointer<OVRecorderWindow>> VelmarAppDelegate::recorderWindows() const {
+  std::vector<QPointer<OVRecorderWindow>> shown;
+  std::copy_if(windows_.begin(), windows_.end(), std::back_inserter(shown),
+               [](const auto& window) { return window && window->isVisible(); });
+  return shown;
 }
 
 VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate() {
@@ -144,15 +151,25 @@ VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate(
       edited = true;
       window->performClose();
     }
-    if (cancelledWhileAsking_) {
-      return TerminateReply::cancel;  // this window cannot be asked now
-    }
   }
   if (!edited) {
     return TerminateReply::now;
   }
-  pollTermination();
+  if (!cancelledWhileAsking_) {  // otherwise one of them cannot be asked now
+    pollTermination();
+  }
   return TerminateReply::cancel;
+}
+
+bool VelmarAppDelegate::applicationMayEndSession() {
+  if (applicationShouldTerminate() == TerminateReply::cancel) {
+    return false;
+  }
+  const auto windows = recorderWindows();
+  return std::none_of(windows.begin(), windows.end(), [](const auto& window) {
+    const auto document = std::dynamic_pointer_cast<VLRecorderWindowController>(window->delegate());
+    return document && document->isSaving();
+  });
 }
 
 void VelmarAppDelegate::pollTermination() {
@@ -191,8 +208,10 @@ void VelmarAppDelegate::terminate() {
       window->performClose();
     }
   }
-  if (!recorderWindows().empty()) {
-    pollTermination();  // one is just being saved and goes when its file is complete
+  const bool alertsPending = alertsPending_ && alertsPending_();
+  if (!recorderWindows().empty() || alertsPending) {
+    // A window that is just being saved goes when its file is complete, an alert when it was read.
+    pollTermination();
     return;
   }
   terminationTimer_.reset();
@@ -240,20 +259,25 @@ void VelmarAppDelegate::openPage(platform::TextKey address) {
 // Diagnostics and About -------------------------------------------------------------------------
 
 // Made when it is first needed: it lays text out, which most starts need not wait for.
-OVDiagnosticsWindow& VelmarAppDelegate::debugWindow() {
-  if (!debugWindow_) {
-    debugWindow_ = std::make_unique<OVDiagnosticsWindow>();
-  }
-  return *debugWindow_;
+void VelmarAppDelegate::makeDebugWindow() {
+  auto window = std::make_unique<OVDiagnosticsWindow>();
+  setDebugConsole(window->console());
+  setDebugWindow(std::move(window));
 }
 
 void VelmarAppDelegate::logToConsole(const std::string& text) {
-  debugWindow().appendLine(text);
+  if (!debugConsole_) {
+    makeDebugWindow();
+  }
+  debugConsole_->appendPlainText(QString::fromStdString(text));
 }
 
 void VelmarAppDelegate::showDiagnostics() {
-  debugWindow().show();
-  debugWindow().raise();
+  if (!debugWindow_) {
+    makeDebugWindow();
+  }
+  debugWindow_->show();
+  debugWindow_->raise();
 }
 
 void VelmarAppDelegate::showAbout() {

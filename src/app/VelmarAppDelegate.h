@@ -4,16 +4,18 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include <QPlainTextEdit>
 #include <QPointer>
+#include <QWidget>
 
 #include "app/OVMainMenu.h"
 #include "app/OVRecentFiles.h"
 #include "platform/Localization.h"
 #include "platform/Timer.h"
 
-class OVDiagnosticsWindow;
 class OVRecorderWindow;
 class VLRecorderWindowController;
 
@@ -30,6 +32,8 @@ class VelmarAppDelegate {
   VelmarAppDelegate(const VelmarAppDelegate&) = delete;
   VelmarAppDelegate& operator=(const VelmarAppDelegate&) = delete;
 
+  /// Before anything else, by the constructor: an empty window is wanted unless a file is opened.
+  void awakeFromNib();
   void applicationWillFinishLaunching();
   /// Opens an empty recorder window unless a file was opened.
   void applicationDidFinishLaunching();
@@ -52,8 +56,9 @@ class VelmarAppDelegate {
 
   enum class TerminateReply { cancel = 0, now = 1 };
 
-  /// Asks every edited window to close; "now" when none is edited. While one is, checkTermination
-  /// is called 30 times a second.
+  /// Asks every edited window to close, in the order in which they were made; "now" when none is
+  /// edited. While one is, checkTermination is called 30 times a second, unless one of them cannot
+  /// be asked because another panel stands in front of it.
   TerminateReply applicationShouldTerminate();
   /// Ends the wait of a quit: terminates once no window is edited any more. A window that is just
   /// being saved is waited for as well.
@@ -61,35 +66,54 @@ class VelmarAppDelegate {
   /// A document's question was answered with Cancel: the quit is off.
   void cancelTermination();
   [[nodiscard]] bool isTerminating() const { return terminationTimer_ != nullptr; }
+  /// The timer that calls checkTermination; null while nothing is waited for.
+  [[nodiscard]] const platform::Timer* terminationTimer() const { return terminationTimer_.get(); }
+  /// The desktop's session is about to end: asks as a quit does. False while something is asked or
+  /// a window is being saved: the session has to wait.
+  [[nodiscard]] bool applicationMayEndSession();
   /// Deletes every registered temporary file; failures are ignored.
   void applicationWillTerminate();
 
   /// The Quit command.
   void terminate();
+  /// A quit waits while this says that an alert is on the screen or on its way there.
+  void setAlertsPendingCheck(std::function<bool()> check) { alertsPending_ = std::move(check); }
 
   /// Any thread.
   void registerTempFile(const std::string& path);
   [[nodiscard]] std::vector<std::string> tempfiles() const;
 
+  /// Appends a line to the debug console.
   void logToConsole(const std::string& text);
   void showDiagnostics();
+
+  /// The diagnostics window and the text view inside it; null before the first line or look, when
+  /// both are made, and for a text view that is gone. A window that is set belongs to the
+  /// delegate.
+  [[nodiscard]] QWidget* debugWindow() const { return debugWindow_.get(); }
+  void setDebugWindow(std::unique_ptr<QWidget> window) { debugWindow_ = std::move(window); }
+  [[nodiscard]] QPlainTextEdit* debugConsole() const { return debugConsole_; }
+  void setDebugConsole(QPlainTextEdit* console) { debugConsole_ = console; }
   void showAbout();
 
  private:
-  [[nodiscard]] static std::vector<QPointer<OVRecorderWindow>> recorderWindows();
+  [[nodiscard]] std::vector<QPointer<OVRecorderWindow>> recorderWindows() const;
   std::shared_ptr<VLRecorderWindowController> makeWindow();
   void openInNewWindow(const std::string& path);
   void pollTermination();
   static void openPage(platform::TextKey address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
-  OVDiagnosticsWindow& debugWindow();
+  void makeDebugWindow();
 
   const std::function<void()> quit_;
-  bool spawn_rec_ = true;
+  std::function<bool()> alertsPending_;
+  std::vector<QPointer<OVRecorderWindow>> windows_;  // as they were made; gone ones are null
+  bool spawn_rec_ = false;
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
   bool cancelledWhileAsking_ = false;  // a window refused while the windows were being asked
-  std::unique_ptr<OVDiagnosticsWindow> debugWindow_;  // from the first line or look on
+  std::unique_ptr<QWidget> debugWindow_;
+  QPointer<QPlainTextEdit> debugConsole_;
   OVRecentFiles recentFiles_;
 
   mutable std::mutex tempfilesMutex_;

@@ -1,4 +1,5 @@
 #include <csignal>
+#include <future>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,6 +12,8 @@
 
 #include "app/OVApplicationEvents.h"
 #include "app/OVApplicationServices.h"
+#include "app/OVFirstWindow.h"
+#include "app/OVSessionEnd.h"
 #include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
 #include "platform/AudioQueue.h"
@@ -21,6 +24,7 @@
 #include "platform/FileAddress.h"
 #include "platform/FontPreparation.h"
 #include "platform/MediaLibrary.h"
+#include "platform/TerminationSignals.h"
 
 namespace {
 
@@ -59,40 +63,43 @@ int main(int argc, char** argv) {
 #if defined(SIGXFSZ)
   std::signal(SIGXFSZ, SIG_IGN);  // a limit on a file's size is a failed write, not the end
 #endif
-  // The microphone begins to open while everything else starts up.
-  const auto queues =
-      std::make_shared<platform::DeviceAudioQueues>(std::make_shared<platform::CubebAudioDevice>());
-  queues->prepareInput();
-  const platform::AudioQueuesInstallation installedQueues(queues);
-
   platform::FontPreparation fonts;
   QApplication application(argc, argv);
   fonts.finish();
+  // To load the sound library and to open the microphone is as much work as to show a window, so
+  // one begins when the other is done; the recorder does not wait for it.
+  const auto queues =
+      std::make_shared<platform::DeviceAudioQueues>(std::make_shared<platform::CubebAudioDevice>());
+  std::promise<void> firstWindowShown;
+  queues->prepareInput(firstWindowShown.get_future());
+  const platform::AudioQueuesInstallation installedQueues(queues);
   QApplication::setApplicationName("Orvo");
   QApplication::setApplicationVersion(ORVO_VERSION);
   QApplication::setDesktopFileName("orvo");
   const OVTranslations translations(QLocale::system().uiLanguages());
 
   VelmarAppDelegate delegate([] { QCoreApplication::exit(0); });
-  const platform::ApplicationServicesInstallation installedServices(servicesOf(delegate));
+  const auto services = servicesOf(delegate);
+  const platform::ApplicationServicesInstallation installedServices(services);
+  delegate.setAlertsPendingCheck([services] { return services->hasAlerts(); });
   delegate.applicationWillFinishLaunching();
   OVApplicationEvents events(
       {.openFile = [&delegate](const std::string& path) { delegate.applicationOpenFile(path); },
        .terminate = [&delegate] { delegate.terminate(); }});
   application.installEventFilter(&events);
-  // The end of the session asks as Quit does, and waits for the answers.
+  // The end of the session, and a signal that asks for the end, ask as Quit does.
   QObject::connect(
       &application, &QGuiApplication::commitDataRequest, &application,
       [&delegate](QSessionManager& session) {
-        if (delegate.applicationShouldTerminate() == VelmarAppDelegate::TerminateReply::cancel) {
-          session.cancel();
-        }
+        askAtSessionEnd(session, [&delegate] { return delegate.applicationMayEndSession(); });
       },
       Qt::DirectConnection);
+  const platform::TerminationSignals signals([&delegate] { delegate.terminate(); });
   delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has taken its own out
   delegate.applicationDidFinishLaunching();
   std::unique_ptr<platform::DesktopColours> colours;
-  platform::mainQueue().async([&colours] {  // the first window is on its way to the screen
+  const OVFirstWindow firstWindow([&] {
+    firstWindowShown.set_value();
     QApplication::setWindowIcon(programIcon());
     colours = std::make_unique<platform::DesktopColours>(QDBusConnection::sessionBus());
     // Needed for the first file or spectrum: loaded while the user looks at the window.

@@ -44,6 +44,12 @@ void ChannelLevels::setChannelCount(std::uint32_t channels) {
   chan_lvls_.resize(std::max<std::size_t>(channels, kMeterReadChannels));
 }
 
+std::optional<std::vector<float>> ChannelLevels::powerLevels(const platform::AudioQueue* queue,
+                                                             platform::AudioStatus failure) {
+  return queue == nullptr || failure != platform::kAudioStatusOk ? std::nullopt
+                                                                 : powerLevels(*queue);
+}
+
 std::optional<std::vector<float>> ChannelLevels::powerLevels(const platform::AudioQueue& queue) {
   const auto cleared = std::min(channelNumbers_.size(), chan_lvls_.size());
   std::fill_n(chan_lvls_.begin(), cleared, platform::AudioQueueLevelMeterState{});

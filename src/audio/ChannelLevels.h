@@ -33,6 +33,11 @@ class ChannelLevels {
   /// succeeds again: meters poll many times a second.
   [[nodiscard]] std::optional<std::vector<float>> powerLevels(const platform::AudioQueue& queue);
 
+  /// The same for a queue that may be missing, or whose device may have ended it with a status
+  /// other than 0: then none, and the meter is not asked, since that failure was reported.
+  [[nodiscard]] std::optional<std::vector<float>> powerLevels(const platform::AudioQueue* queue,
+                                                              platform::AudioStatus failure);
+
   [[nodiscard]] const std::vector<int>& channelNumbers() const { return channelNumbers_; }
 
  private:

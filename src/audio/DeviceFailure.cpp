@@ -2,9 +2,22 @@
 
 #include "platform/Localization.h"
 
+namespace {
+
+// What a failure that has nothing to do with the device's direction means; empty for none.
+std::string commonFailureReason(platform::AudioStatus status) {
+  return status == platform::kNoThreadStatus
+             ? platform::localizedUtf8(
+                   "The system allows no further thread. Close some windows or other programs, "
+                   "then try again. Everything recorded so far is kept.")
+             : std::string();
+}
+
+}  // namespace
+
 bool isDeviceFailure(platform::AudioStatus status) {
   return status != platform::kAudioStatusOk && status != platform::kInvalidParameterStatus &&
-         status != platform::kInvalidQueueStateStatus;
+         status != platform::kInvalidQueueStateStatus && status != platform::kNoThreadStatus;
 }
 
 std::string inputFailureReason(platform::AudioStatus status) {
@@ -19,7 +32,7 @@ std::string inputFailureReason(platform::AudioStatus status) {
           "The sound input has gone: it was unplugged, or the sound system stopped. Recording has "
           "ended. Connect the input again, then press Record. Everything recorded so far is kept.");
     default:
-      return {};
+      return commonFailureReason(status);
   }
 }
 
@@ -34,6 +47,6 @@ std::string outputFailureReason(platform::AudioStatus status) {
           "The sound output has gone: it was unplugged, or the sound system stopped. Playback has "
           "ended. Connect the output again, then press Play. Everything recorded so far is kept.");
     default:
-      return {};
+      return commonFailureReason(status);
   }
 }

@@ -9,10 +9,11 @@
 /// Threads: any. Real-time: not safe.
 
 /// Whether a status of making or starting a queue comes from the device or its sound system.
-/// False for success and for the queue's own refusals (wrong parameter, wrong state).
+/// False for success, for the queue's own refusals (wrong parameter, wrong state), and where the
+/// system gave no thread.
 [[nodiscard]] bool isDeviceFailure(platform::AudioStatus status);
 
-/// Plain, localised words for a failed input or output device: what happened, what to do, what is
-/// kept. Empty for a status that says nothing about a device.
+/// Plain, localised words for a failed input or output: what happened, what to do, what is kept.
+/// Empty for a status that says nothing to a person.
 [[nodiscard]] std::string inputFailureReason(platform::AudioStatus status);
 [[nodiscard]] std::string outputFailureReason(platform::AudioStatus status);

@@ -41,12 +41,7 @@ bool OVAQPlayer::initializePlayer() {
   if (!CheckAudioStatus(queue_->enableLevelMetering(true), "couldn't enable metering")) {
     return false;
   }
-  const auto listener = [owner = this, weak = weak_from_this()](platform::AudioOutputQueue& queue) {
-    const QueueCallbackScope scope(owner);
-    if (const auto self = weak.lock()) {
-      self->runningChanged(queue);
-    }
-  };
+  const auto listener = queueCallback(this, &OVAQPlayer::runningChanged);
   if (!CheckAudioStatus(queue_->setRunningListener(listener), "couldn't install listener")) {
     return false;
   }
@@ -56,15 +51,8 @@ bool OVAQPlayer::initializePlayer() {
 
 bool OVAQPlayer::makeQueue(const platform::AudioStreamBasicDescription& format) {
   queues_ = platform::audioQueues();
-  // A callback holds the player while it runs, and finds out by itself when it has gone.
-  const auto callback = [owner = this, weak = weak_from_this()](
-                            platform::AudioOutputQueue& queue, platform::AudioQueueBuffer& buffer) {
-    const QueueCallbackScope scope(owner);
-    if (const auto self = weak.lock()) {
-      self->outputCallback(queue, buffer);
-    }
-  };
-  const auto status = queues_->newOutput(format, callback, queue_);
+  const auto status =
+      queues_->newOutput(format, queueCallback(this, &OVAQPlayer::outputCallback), queue_);
   return CheckAudioStatus(status, "AudioQueueNewOutput failed", outputFailureReason(status));
 }
 
@@ -92,7 +80,7 @@ void OVAQPlayer::play() {
     isPlaying_.store(true, std::memory_order_release);
   }
   const auto status = queue_->start();
-  if (isDeviceFailure(status)) {
+  if (isDeviceFailure(status) || status == platform::kNoThreadStatus) {
     deviceFailed(status, kStartFailed);
     postStoppedPlayback();
   } else {
@@ -132,11 +120,7 @@ void OVAQPlayer::stop() {
 }
 
 std::optional<std::vector<float>> OVAQPlayer::powerLevels() {
-  // A device that has failed was reported; its meter is not asked, and so not reported, again.
-  if (!queue_ || failure() != platform::kAudioStatusOk) {
-    return std::nullopt;
-  }
-  return levels_.powerLevels(*queue_);
+  return levels_.powerLevels(queue_.get(), failure());
 }
 
 void OVAQPlayer::outputCallback(platform::AudioOutputQueue& queue,
@@ -219,17 +203,6 @@ void OVAQPlayer::check(platform::AudioStatus status, const std::string& label) {
   } else {
     CheckAudioStatus(status, label, outputFailureReason(status));
   }
-}
-
-std::shared_ptr<OVAudioBufferInterface> OVAQPlayer::buffer() const {
-  const std::lock_guard lock(mutex_);
-  return buffer_;
-}
-
-void OVAQPlayer::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
-  std::shared_ptr<OVAudioBufferInterface> previous;  // released outside the lock
-  const std::lock_guard lock(mutex_);
-  previous = std::exchange(buffer_, std::move(buffer));
 }
 
 std::shared_ptr<OVAQPlayerDelegate> OVAQPlayer::delegate() const {

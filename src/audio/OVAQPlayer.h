@@ -6,8 +6,10 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "audio/BufferReference.h"
 #include "audio/ChannelLevels.h"
 #include "audio/OVAQPlayerDelegate.h"
 #include "platform/AudioQueue.h"
@@ -41,9 +43,10 @@ class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
   OVAQPlayer(const OVAQPlayer&) = delete;
   OVAQPlayer& operator=(const OVAQPlayer&) = delete;
 
-  /// Starts or resumes. A failure is reported. When the device has failed, isPlaying() is false
-  /// afterwards and the delegate is told that playback has stopped; the person is told once a
-  /// player. A player that was stopped reports a failure and stays stopped.
+  /// Starts or resumes. A failure is reported. When the device has failed, or the system gives no
+  /// thread, isPlaying() is false afterwards and the delegate is told that playback has stopped;
+  /// the person is told once a player. A player that was stopped reports a failure and stays
+  /// stopped.
   void play();
 
   /// Halts and keeps what is queued; play() resumes sample for sample. A failure is reported.
@@ -75,8 +78,8 @@ class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
   [[nodiscard]] platform::AudioOutputQueue* queue() const { return queue_.get(); }
 
   /// What is played; null once stopped. Any thread.
-  [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const;
-  void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer);
+  [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const { return buffer_.get(); }
+  void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) { buffer_.set(std::move(buffer)); }
 
   /// Not owned: a delegate that has gone is not called. Any thread.
   [[nodiscard]] std::shared_ptr<OVAQPlayerDelegate> delegate() const;
@@ -117,9 +120,10 @@ class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
   // First failure of the device. Any thread.
   std::atomic<platform::AudioStatus> failure_{platform::kAudioStatusOk};
 
+  BufferReference buffer_;  // guards itself
+
   mutable std::mutex mutex_;  // guards everything below, and the writes of isPlaying_
   // Set by pause(): a report of the running state that was on its way must not undo it.
   bool isPaused_ = false;
-  std::shared_ptr<OVAudioBufferInterface> buffer_;
   std::weak_ptr<OVAQPlayerDelegate> delegate_;
 };

@@ -62,20 +62,8 @@ bool OVAQRecorder::initAudioQueue() {
 }
 
 bool OVAQRecorder::makeQueue(const platform::AudioStreamBasicDescription& format) {
-  // A callback holds the recorder while it runs, and finds out by itself when it has gone.
-  const auto callback = [owner = this, weak = weak_from_this()](
-                            platform::AudioInputQueue& queue, platform::AudioQueueBuffer& buffer) {
-    const QueueCallbackScope scope(owner);
-    if (const auto self = weak.lock()) {
-      self->inputCallback(queue, buffer);
-    }
-  };
-  const auto failed = [owner = this, weak = weak_from_this()](platform::AudioStatus status) {
-    const QueueCallbackScope scope(owner);
-    if (const auto self = weak.lock()) {
-      self->deviceFailed(status);
-    }
-  };
+  const auto callback = queueCallback(this, &OVAQRecorder::inputCallback);
+  const auto failed = queueCallback(this, &OVAQRecorder::deviceFailed);
   return checkDevice(queues_->newInput(format, callback, failed, queue_),
                      "lul AudioQueueNewInput failed");
 }
@@ -161,11 +149,7 @@ void OVAQRecorder::destroyAudioQueue() {
 }
 
 std::optional<std::vector<float>> OVAQRecorder::powerLevels() {
-  // A device that has failed was reported; its meter is not asked, and so not reported, again.
-  if (!queue_ || failure() != platform::kAudioStatusOk) {
-    return std::nullopt;
-  }
-  return levels_.powerLevels(*queue_);
+  return levels_.powerLevels(queue_.get(), failure());
 }
 
 void OVAQRecorder::inputCallback(platform::AudioInputQueue& queue,
@@ -231,15 +215,4 @@ void OVAQRecorder::setFailureHandler(FailureHandler handler) {
 platform::AudioStatus OVAQRecorder::failure() const {
   const std::lock_guard lock(mutex_);
   return failure_;
-}
-
-std::shared_ptr<OVAudioBufferInterface> OVAQRecorder::buffer() const {
-  const std::lock_guard lock(mutex_);
-  return buffer_;
-}
-
-void OVAQRecorder::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
-  std::shared_ptr<OVAudioBufferInterface> previous;  // released outside the lock
-  const std::lock_guard lock(mutex_);
-  previous = std::exchange(buffer_, std::move(buffer));
 }

@@ -8,8 +8,10 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "audio/BufferReference.h"
 #include "audio/ChannelLevels.h"
 #include "platform/AudioQueue.h"
 #include "platform/AudioTypes.h"
@@ -77,8 +79,8 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   [[nodiscard]] platform::AudioInputQueue* queue() const { return queue_.get(); }
 
   /// Where captured data goes. Any thread.
-  [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const;
-  void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer);
+  [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const { return buffer_.get(); }
+  void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) { buffer_.set(std::move(buffer)); }
 
   /// Byte offset in the buffer of the next captured data. A position that is set while a captured
   /// buffer is being written stays: that write does not advance it. Any thread.
@@ -135,8 +137,9 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   // meanwhile wins.
   std::atomic<std::uint64_t> writingPosition_{0};
 
+  BufferReference buffer_;  // guards itself
+
   mutable std::mutex mutex_;  // guards everything below
-  std::shared_ptr<OVAudioBufferInterface> buffer_;
   Span span_;
   bool writingStopped_ = false;
   platform::AudioStatus failure_ = platform::kAudioStatusOk;

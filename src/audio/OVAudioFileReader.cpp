@@ -33,6 +33,8 @@ OVAudioFileReader::~OVAudioFileReader() {
 
 bool OVAudioFileReader::openFile(const std::string& path) {
   path_ = path;
+  failed_ = false;  // what became of the file before is no matter of this one
+  hasReported_ = false;
   try {
     return openSteps(path);
   } catch (const std::bad_alloc&) {

@@ -19,8 +19,8 @@
 ///
 /// A failure is told exactly once, by the class itself: printed to standard error and shown in an
 /// alert, with the file's name and the reason in plain words. A reader that has told one stays
-/// silent about whatever follows. Null from initWithFile() was told already, unless it was
-/// cancelled; a cancel is no failure and never shown.
+/// silent about whatever follows, until it opens another file. Null from initWithFile() was told
+/// already, unless it was cancelled; a cancel is no failure and never shown.
 ///
 /// Of a damaged or cut-off file everything that can be decoded is delivered first. That it is
 /// damaged is told by the read after the last delivered frame, which returns 0, and by failed().
@@ -48,7 +48,8 @@ class OVAudioFileReader {
   OVAudioFileReader(const OVAudioFileReader&) = delete;
   OVAudioFileReader& operator=(const OVAudioFileReader&) = delete;
 
-  /// Opens the file, in place of one that is open. False when that fails; it was told then.
+  /// Opens the file, in place of one that is open, and forgets what became of that one. False when
+  /// it fails; it was told then.
   [[nodiscard]] bool openFile(const std::string& path);
 
   /// Length of the sound in frames of the working format; 0 when nothing tells or nothing is open.

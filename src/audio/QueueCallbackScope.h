@@ -26,6 +26,18 @@ class QueueCallbackScope {
   const void* previous_;
 };
 
+/// What a queue is given to call: `function` of the owner, inside a scope. It holds the owner while
+/// it runs, and does nothing once the owner has gone.
+template <typename Owner, typename... Arguments>
+auto queueCallback(Owner* owner, void (Owner::*function)(Arguments...)) {
+  return [owner, weak = owner->weak_from_this(), function](Arguments... arguments) {
+    const QueueCallbackScope scope(owner);
+    if (const auto self = weak.lock()) {
+      ((*self).*function)(std::forward<Arguments>(arguments)...);
+    }
+  };
+}
+
 /// Destroys a stopped queue: here, or on the main thread's next turn when this is a thread of that
 /// queue. `maker` outlives it.
 template <typename Queue>

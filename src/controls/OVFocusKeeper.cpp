@@ -4,9 +4,8 @@
 
 void OVFocusKeeper::takeFrom(const QWidget* window, std::span<QWidget* const> controls) {
   QWidget* const had = window == nullptr ? nullptr : window->focusWidget();
-  const bool isTaken = had != nullptr && std::ranges::find(controls, had) != controls.end();
-  former_ = isTaken ? had : nullptr;
-  if (isTaken) {
+  if (had != nullptr && std::ranges::find(controls, had) != controls.end()) {
+    former_ = had;
     had->clearFocus();
   }
 }

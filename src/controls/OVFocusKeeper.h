@@ -12,7 +12,8 @@
 class OVFocusKeeper {
  public:
   /// Call before `controls` are disabled: takes the keyboard from the one that has it, if any.
-  /// Nothing of the window has it then. The window may be null, and so may each of the controls.
+  /// Nothing of the window has it then, and a second call changes nothing. The window may be null,
+  /// and so may each of the controls.
   void takeFrom(const QWidget* window, std::span<QWidget* const> controls);
 
   /// Call when they are enabled again. Nothing if something else has the keyboard by now.

@@ -9,10 +9,10 @@
 #include <QLayout>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QUrl>
 
 #include "controls/OVRecorderWindowDelegate.h"
 #include "platform/Dispatch.h"
+#include "platform/FileAddress.h"
 #include "platform/KeyCodes.h"
 
 namespace {
@@ -20,11 +20,12 @@ namespace {
 constexpr QSize kContentSize(640, 330);             // points
 const QString kEditedMark = QStringLiteral("[*]");  // where Qt shows the mark for unsaved changes
 
+// From the addresses as they were sent: a QUrl replaces the bytes of a name that is no UTF-8.
 std::vector<std::string> localFiles(const QMimeData& data) {
   std::vector<std::string> paths;
-  for (const QUrl& address : data.urls()) {
-    if (address.isLocalFile()) {
-      paths.push_back(address.toLocalFile().toStdString());
+  for (const QByteArray& line : data.data(QStringLiteral("text/uri-list")).split('\n')) {
+    if (auto path = platform::pathOfFileAddress(line.trimmed().toStdString())) {
+      paths.push_back(*std::move(path));
     }
   }
   return paths;

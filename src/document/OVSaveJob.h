@@ -25,7 +25,7 @@ class OVSaveJob {
   struct Outcome {
     bool complete = false;  ///< the target holds the whole stretch
     bool told = false;      ///< the failure has been shown already
-    int error = 0;          ///< errno of a failure that has not been shown
+    int error = 0;          ///< errno of a failure that has not been shown; 0 for none
     /// Frames that storage did not give back: they are silent in a new file; one that was there is
     /// not replaced by a file with gaps.
     std::uint64_t unreadableFrames = 0;
@@ -37,5 +37,6 @@ class OVSaveJob {
   /// Frames read and written at a time: six seconds.
   static constexpr std::uint64_t kChunkFrames = 264600;
 
+  /// Lets no exception out: without memory the save fails with ENOMEM.
   [[nodiscard]] static Outcome run(const Request& request, const Progress& progress);
 };

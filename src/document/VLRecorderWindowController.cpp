@@ -27,9 +27,7 @@
 #include "platform/Localization.h"
 #include "storage/OVBlockBuffer.h"
 #include "ui_VNRecorderWindow.h"
-#include "waveform/OVDynamicWaveForm.h"
 #include "waveform/OVPlaybackMarkerView.h"
-#include "waveform/OVStaticWaveform.h"
 #include "waveform/OVWaveFormView.h"
 
 namespace {
@@ -53,7 +51,19 @@ void deleteOnMainThread(VLRecorderWindowController* controller) {
 // Life ------------------------------------------------------------------------------------------
 
 VLRecorderWindowController::VLRecorderWindowController(OVRecorderWindow* window)
-    : window_(window) {}
+    : summaries_(std::make_shared<OVDocumentSummaries>([this] {
+        if (const auto self = weak_from_this().lock()) {
+          finishRefresh();
+        }
+      })),
+      window_(window),
+      writeFailures_([this](const OVWriteFailures::Failure& failure) {
+        platform::mainQueue().async([self = weak_from_this(), failure] {
+          if (const auto controller = self.lock()) {
+            controller->writingFailed(failure);
+          }
+        });
+      }) {}
 
 std::shared_ptr<VLRecorderWindowController> VLRecorderWindowController::initWithWindow(
     OVRecorderWindow* window) {
@@ -134,6 +144,7 @@ void VLRecorderWindowController::connectViews() {
   fftView_ = window_->findChild<OVFFTView*>("fftView");
   loadingPanel_ = window_->findChild<OVLoadingPanel*>("loadingPanel");
   loadingIndicator_ = window_->findChild<QProgressBar*>("loadingIndicator");
+  summaries_->setView(wfView_);
   if (wfView_) {
     wfView_->setTimeLineText([time = timeView_] { return time ? time->text() : QString(); });
   }
@@ -192,19 +203,18 @@ void VLRecorderWindowController::setBuffer(std::shared_ptr<OVAudioBufferInterfac
     const std::lock_guard lock(sharedObjects_);
     buffer_.swap(buffer);
   }
-  ++summaryEpoch_;
   buffer_->setDelegate(weak_from_this());
   advanceIndicator(0.25);
   setRecorder(makeRecorder());
   advanceIndicator(0.25);
-  setWaveForm(OVDynamicWaveForm::initWithBuffer(buffer_));
-  if (wfView_) {
-    wfView_->setWaveForm(waveForm_);
-  }
+  summaries_->setBuffer(buffer_);
   if (vuView_) {
     vuView_->setDatasource(weak_from_this());
   }
   advanceIndicator(0.25);
+  if (commandsChanged_) {
+    commandsChanged_();
+  }
 }
 
 void VLRecorderWindowController::windowIsReady() {
@@ -243,11 +253,6 @@ void VLRecorderWindowController::setRecorder(std::shared_ptr<OVAQRecorder> recor
   recorder_.swap(recorder);
 }
 
-void VLRecorderWindowController::setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm) {
-  const std::lock_guard lock(sharedObjects_);
-  waveForm_.swap(waveForm);
-}
-
 // Window ----------------------------------------------------------------------------------------
 
 OVRecorderWindow* VLRecorderWindowController::window() const {
@@ -278,6 +283,7 @@ void VLRecorderWindowController::setDocumentEdited(bool edited) {
 
 void VLRecorderWindowController::windowWillClose(OVRecorderWindow*) {
   *fileJobCancelled_ = true;
+  summaries_->cancelWork();
   pollTimer_.reset();
   fftTimer_.reset();
   if (player_) {
@@ -368,25 +374,20 @@ void VLRecorderWindowController::audioBufferDidWriteData(const void* data,
                                                          std::uint32_t withSize) {
   std::unique_lock objects(sharedObjects_);
   const auto recorder = recorder_;
-  const auto waveForm = waveForm_;
   const auto buffer = buffer_;
   objects.unlock();
   if (!recorder || !recorder->isRecording()) {
     return;
   }
+  writtenSincePress_ = true;
   fft_data_.capture(data, withSize);
   const std::uint64_t frameSize = buffer->format().mBytesPerFrame;
   const std::uint64_t frames = withSize / frameSize;
   const std::uint64_t position = (atByteOffset + withSize) / frameSize;
   setRecordingPosition(position);
   _lastNumberOfFramesWritten = frames;
-  if (const auto summary = std::dynamic_pointer_cast<OVStaticWaveform>(waveForm)) {
-    const std::uint64_t start = position >= 2 * frames ? position - 2 * frames : 0;
-    const auto length = static_cast<double>(buffer->bufferFillSizeInFrames());
-    summary->updateWithDataChunk(static_cast<const float*>(data), withSize / 4,
-                                 static_cast<double>(start) / length);
-  }
-  reportFailedWrite(recorder, atByteOffset, withSize);
+  summaries_->chunkWritten(static_cast<const float*>(data), withSize, position);
+  writeFailures_.chunkWritten(recorder, atByteOffset, withSize);
 }
 
 std::vector<std::byte> VLRecorderWindowController::fft_data() const {
@@ -397,49 +398,22 @@ void VLRecorderWindowController::audioBufferFailedToWrite(int error) {
   std::unique_lock objects(sharedObjects_);
   const auto recorder = recorder_;
   objects.unlock();
-  if (recorder && recorder->isRecording()) {
-    recorder->stopWriting();  // what cannot be kept is not mapped either
-    writeError_ = error;
-  } else if (isLoading_) {
-    writeError_ = error;
-  }
+  writeFailures_.failedToWrite(error, recorder);
 }
 
-// The first failed write of a recording ends it; the range is where it would have gone.
-void VLRecorderWindowController::reportFailedWrite(const std::shared_ptr<OVAQRecorder>& recorder,
-                                                   std::uint64_t atByteOffset,
-                                                   std::uint32_t withSize) {
-  const int error = writeError_.exchange(0);
-  if (error == 0 || writeFailureTold_.exchange(true)) {
-    return;
-  }
-  platform::mainQueue().async(
-      [self = weak_from_this(), error, failed = std::weak_ptr(recorder), atByteOffset, withSize] {
-        if (const auto controller = self.lock()) {
-          controller->writingFailed(error, failed, atByteOffset, withSize);
-        }
-      });
-}
-
-void VLRecorderWindowController::writingFailed(int error,
-                                               const std::weak_ptr<OVAQRecorder>& recorder,
-                                               std::uint64_t atByteOffset, std::uint32_t withSize) {
-  const auto failed = recorder.lock();
+void VLRecorderWindowController::writingFailed(const OVWriteFailures::Failure& failure) {
+  const auto failed = failure.recorder.lock();
   if (failed && failed == recorder_) {
     pauseButton(nullptr);
   }
-  dropLostEnd(atByteOffset, withSize);
-  ShowModalAlert(platform::localizedUtf8("The recording was stopped"),
-                 platform::localized("The audio could not be written to the temporary file. %1\n\n"
-                                     "Everything recorded before is kept.")
-                     .arg(QString::fromStdString(platform::failureReason(error)))
-                     .toStdString());
+  dropLostEnd(failure.atByteOffset, failure.withSize);
+  OVWriteFailures::tellRecordingStopped(failure.error);
 }
 
 // A lost chunk at the end of the recording goes, so that it plays to its end. One in the middle
 // stays: undo brings back what stood there.
 void VLRecorderWindowController::dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize) {
-  if (isFileIOActive_ || !buffer_) {
+  if ((isFileIOActive_ && !isOpeningImport_) || !buffer_) {
     return;
   }
   const std::uint64_t frameSize = buffer_->format().mBytesPerFrame;
@@ -461,11 +435,31 @@ void VLRecorderWindowController::inputFailed(const std::weak_ptr<OVAQRecorder>& 
     return;
   }
   if (isRecording()) {
+    const std::uint64_t marker = playbackPosition();
     pauseButton(nullptr);
+    if (!writtenSincePress_) {
+      takeRecordingBack(marker);
+    }
   } else {
     setRecorder(nullptr);
     failed->prepareForDestruction();
   }
+}
+
+// The answer that there is no input came after the press: as if Record had never been pressed. The
+// step before it cannot be undone any more: there is room for one.
+void VLRecorderWindowController::takeRecordingBack(std::uint64_t marker) {
+  buffer_->undo();
+  if (undoManager_) {
+    undoManager_->discardLastUndo();
+  }
+  setDocumentEdited(prevSaveState_);
+  setPlaybackPosition(marker);
+}
+
+// Looked at when the player has stopped: what it had read by then is heard first.
+void VLRecorderWindowController::audioBufferFailedToRead(int error) {
+  readError_ = error;
 }
 
 void VLRecorderWindowController::playerAdvancedToFrame(std::uint64_t frame) {
@@ -475,10 +469,24 @@ void VLRecorderWindowController::playerAdvancedToFrame(std::uint64_t frame) {
 void VLRecorderWindowController::playerStoppedPlayback(OVAQPlayer* player) {
   if (playbackPosition() >= bufferSizeInFrames()) {
     stopButton(stopButton_);
-  } else if (player != nullptr && player == player_.get() &&
-             player->failure() != platform::kAudioStatusOk) {
-    pauseButton(nullptr);  // the device went away: the marker stays where playing broke off
+    return;
   }
+  if (player == nullptr || player != player_.get()) {
+    return;
+  }
+  if (player->failure() != platform::kAudioStatusOk) {
+    pauseButton(nullptr);  // the device went away: the marker stays where playing broke off
+  } else if (const int error = readError_.exchange(0)) {
+    pauseButton(nullptr);
+    tellReadingFailed(error);
+  }
+}
+
+void VLRecorderWindowController::tellReadingFailed(int error) {
+  ShowModalAlert(platform::localizedUtf8("Playing was stopped"),
+                 platform::localized("The audio could not be read from the temporary file. %1")
+                     .arg(QString::fromStdString(platform::failureReason(error)))
+                     .toStdString());
 }
 
 std::optional<std::vector<float>> VLRecorderWindowController::dataForVUView(QWidget*) {

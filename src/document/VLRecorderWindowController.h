@@ -21,8 +21,11 @@
 #include "controls/OVFocusKeeper.h"
 #include "controls/OVRecorderWindowDelegate.h"
 #include "displays/OVVUViewDataSource.h"
+#include "document/OVDocumentSummaries.h"
 #include "document/OVRecordedChunk.h"
 #include "document/OVSaveJob.h"
+#include "document/OVWriteFailures.h"
+#include "document/ViewRedraw.h"
 #include "platform/AudioTypes.h"
 #include "platform/Dispatch.h"
 #include "platform/Localization.h"
@@ -61,8 +64,8 @@ class OVWaveformSummary;
 ///
 /// Sources, by concern: VLRecorderWindowController.cpp (set-up, tear-down, callbacks), …Transport
 /// (buttons, menus, keys), …Display (the 25 Hz loop, positions, clicks), …Editing (cuts, undo),
-/// …Spectrum (the spectrum below the transport bar), …Loading (open, import), …Saving (save,
-/// exports, the question about unsaved changes).
+/// …Spectrum (the spectrum below the transport bar), …Loading (open, import), …Saving,
+/// …Exporting (ringtone, picture), …Closing (the question about unsaved changes).
 ///
 /// Threads: main, except the buffer's and the player's callbacks, the positions, isRendering-
 /// Waveform and the redraw requests, which any thread may call.
@@ -130,7 +133,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void redoCommand();
 
   /// The commands of a menu that are not always possible.
-  enum class MenuAction { reverseBuffer, undo, redo, edit, transport, file, other };
+  enum class MenuAction { reverseBuffer, undo, redo, edit, transport, open, file, other };
   [[nodiscard]] bool validateMenuItem(MenuAction action) const;
   /// Called whenever validateMenuItem() may answer otherwise because a file operation began or
   /// ended; the undo manager tells of its own changes.
@@ -159,19 +162,11 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// Any thread: the view, if it is still there, is asked to redraw from the main queue.
   template <typename View>
   static void setViewNeedsDisplay(const QPointer<View>& view) {
-    platform::mainQueue().async([view] {
-      if (view) {
-        view->update();
-      }
-    });
+    requestRedraw(view);
   }
   template <typename View>
   static void setViewNeedsDisplay(const QPointer<View>& view, const QRectF& inRect) {
-    platform::mainQueue().async([view, rect = inRect.toAlignedRect()] {
-      if (view) {
-        view->update(rect);
-      }
-    });
+    requestRedraw(view, inRect);
   }
 
   [[nodiscard]] std::uint64_t lastPlaybackPosition() const { return lastPlaybackPosition_; }
@@ -239,6 +234,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// A load, save or export is running.
   [[nodiscard]] bool isFileIOActive() const { return isFileIOActive_; }
   [[nodiscard]] bool isImport() const { return isImport_; }
+  /// A save or export is running.
+  [[nodiscard]] bool isSaving() const { return isSaving_; }
 
   // Document ------------------------------------------------------------------------------------
 
@@ -255,9 +252,13 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const { return buffer_; }
   [[nodiscard]] std::shared_ptr<OVAQRecorder> recorder() const { return recorder_; }
   [[nodiscard]] std::shared_ptr<OVAQPlayer> player() const { return player_; }
-  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const { return waveForm_; }
-  [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const { return prevWaveform_; }
-  [[nodiscard]] bool waveformIsChanging() const { return waveformIsChanging_; }
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const {
+    return summaries_->waveForm();
+  }
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const {
+    return summaries_->prevWaveform();
+  }
+  [[nodiscard]] bool waveformIsChanging() const { return summaries_->isChanging(); }
   [[nodiscard]] QProgressBar* loadingIndicator() const { return loadingIndicator_; }
   /// Copy of the chunk recorded last, for the spectrum. Any thread.
   [[nodiscard]] std::vector<std::byte> fft_data() const;
@@ -282,6 +283,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void audioBufferDidWriteData(const void* data, std::uint64_t atByteOffset,
                                std::uint32_t withSize) override;
   void audioBufferFailedToWrite(int error) override;
+  void audioBufferFailedToRead(int error) override;
   void playerAdvancedToFrame(std::uint64_t frame) override;
   void playerStoppedPlayback(OVAQPlayer* player) override;
   std::optional<std::vector<float>> dataForVUView(QWidget* view) override;
@@ -308,7 +310,6 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void windowIsReady();
   std::shared_ptr<OVAQRecorder> makeRecorder();
   void setRecorder(std::shared_ptr<OVAQRecorder> recorder);
-  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm);
   void advanceIndicator(double by);
   void setIndicatorValue(double value);
   void showIndicator(bool shown);
@@ -325,10 +326,9 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] bool isRecording() const;
   [[nodiscard]] bool isPlaying() const;
   void inputFailed(const std::weak_ptr<OVAQRecorder>& recorder);
-  void reportFailedWrite(const std::shared_ptr<OVAQRecorder>& recorder, std::uint64_t atByteOffset,
-                         std::uint32_t withSize);
-  void writingFailed(int error, const std::weak_ptr<OVAQRecorder>& recorder,
-                     std::uint64_t atByteOffset, std::uint32_t withSize);
+  void takeRecordingBack(std::uint64_t marker);
+  static void tellReadingFailed(int error);
+  void writingFailed(const OVWriteFailures::Failure& failure);
   void dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize);
   void setReadingPosition(std::uint64_t frames);
   void setWritingPosition(std::uint64_t frames);
@@ -337,12 +337,6 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void updateRendering();
   void updatePlayback();
   void updateRecording();
-  void chooseSummary();
-  void replaceSummary(std::function<std::shared_ptr<OVWaveformSummary>()> build);
-  void installSummary(const std::shared_ptr<OVWaveformSummary>& summary,
-                      const std::shared_ptr<OVWaveformSummary>& copy, std::uint64_t epoch);
-  void extendSummary();
-  void queueSummaryExtension();
   void moveMarker(double toFraction);
   void updateMarkerLevel();
   void showTime(std::uint64_t currentFrames, bool always);
@@ -361,7 +355,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void runHistoryCommand(void (platform::UndoManager::*command)());
   void registerUndo(void (VLRecorderWindowController::*operation)(QObject*),
                     std::optional<platform::TextKey> actionName = std::nullopt);
-  void finishRefresh(std::uint64_t epoch);
+  void finishRefresh();
   void bringRecordingPositionInside();
   void keepHistory();
 
@@ -378,7 +372,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   static void tellNotStored(const std::string& path, int error, bool imported);
   void forgetFileName();
   void takeImportBack();
-  void beginFileIO(platform::TextKey activity);
+  void beginFileIO(platform::TextKey activity, bool indeterminate = false);
   void endFileIO();
   void setFileIOActive(bool active);
   void saveIfClosing();
@@ -401,6 +395,9 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   static void tellSaveFailed(const std::string& path, const std::string& reason);
   void exportRingtoneTo(const std::string& path);
   void writeWaveformPicture(const std::string& path);
+
+  // Closing
+  void bringToFront();
   void askToSave();
 
   [[nodiscard]] std::uint64_t bytesPerFrame() const;
@@ -408,14 +405,13 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   // Fixed after construction.
   std::shared_ptr<VLRecorderWindowController> selfretaining_reference_;  // until windowWillClose
-  mutable platform::SerialQueue fft_queue_{"fft"};
+  std::shared_ptr<OVDocumentSummaries> summaries_;
   mutable platform::SerialQueue playbackPosQueue_{"playback queue"};
   mutable platform::SerialQueue recordingPosQueue_{"recording queue"};
 
   // Written on the main thread under sharedObjects_, read there without it and elsewhere with it.
   mutable std::mutex sharedObjects_;
   std::shared_ptr<OVAQRecorder> recorder_;
-  std::shared_ptr<OVWaveformSummary> waveForm_;
   std::shared_ptr<OVAudioBufferInterface> buffer_;
 
   // Main thread only.
@@ -436,7 +432,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   QPointer<OVFFTView> fftView_;
   QPointer<OVLoadingPanel> loadingPanel_;
   QPointer<QProgressBar> loadingIndicator_;
-  double indicatorValue_ = 0.0;  // of the progress bar, finer than it shows
+  double indicatorValue_ = 0.0;      // of the progress bar, finer than it shows
+  bool indicatorIsFileIOs_ = false;  // a load or save shows it, so a refresh leaves it alone
   std::string currentFilename_;
   std::int32_t currentFiletype_ = -1;
   std::unique_ptr<platform::Timer> pollTimer_;
@@ -445,14 +442,12 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::unique_ptr<OVSpectrumStrip> spectrumStrip_;
   std::uint64_t lastPlaybackPosition_ = 0;
   std::shared_ptr<platform::UndoManager> undoManager_;
-  std::shared_ptr<OVWaveformSummary> prevWaveform_;
-  bool waveformIsChanging_ = false;
-  std::uint64_t summaryEpoch_ = 0;  // counts edits: a summary of an earlier epoch is out of date
   bool prevSaveState_ = false;
   bool documentEdited_ = false;  // the flag of a document without a window
   bool isFileIOActive_ = false;
   bool isSaving_ = false;  // a save or export is running: the window stays until it is complete
   bool isExport_ = false;  // the save that runs touches neither the edited flag nor the file name
+  bool isOpeningImport_ = false;  // a file operation that does not touch the audio yet
   bool isImport_ = false;
   bool importTakenBack_ = false;  // the import that runs could not be stored
   bool isPanelShown_ = false;     // a panel or a question is attached to the window
@@ -464,7 +459,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   QPointer<QWidget> fileSaveAccessoryView_;
   QPointer<QComboBox> fileTypeButton_;
   OVFocusKeeper focusKeeper_;  // for the controls that a file operation disables
-  // Set when the window closes: a load that runs ends at its next chunk.
+  // Set when the window closes: a load ends at its next chunk, a summary with its batch.
   std::shared_ptr<std::atomic<bool>> fileJobCancelled_ = std::make_shared<std::atomic<bool>>(false);
   std::function<void()> commandsChanged_;
   std::function<void()> afterLoading_;  // what is still to be told when the load has ended
@@ -477,11 +472,11 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   // would do.
   std::atomic<std::uint64_t> _lastNumberOfFramesWritten = 0;
   std::atomic<bool> isRenderingWaveform_ = false;
-  std::atomic<bool> summaryExtensionQueued_ = false;  // one extension in line is enough
-  std::atomic<int> writeError_ = 0;                   // errno of the write being reported
-  std::atomic<bool> isLoading_ = false;               // the loading job writes into the buffer
-  std::atomic<bool> writeFailureTold_ = false;        // once per recording
+  std::atomic<bool> writtenSincePress_ = false;  // the recording has something to keep
+  // errno of the last read that failed since Play was pressed; any reader's thread writes.
+  std::atomic<int> readError_ = 0;
 
-  // Guards itself: the writer's thread replaces, the spectrum takes.
+  // Guard themselves: the writer's thread fills, the main thread takes.
   OVRecordedChunk fft_data_;
+  OVWriteFailures writeFailures_;
 };

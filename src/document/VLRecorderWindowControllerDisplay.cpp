@@ -8,19 +8,14 @@
 #include "displays/OVTimeView.h"
 #include "document/VLRecorderWindowController.h"
 #include "platform/ApplicationServices.h"
-#include "waveform/OVDynamicWaveForm.h"
 #include "waveform/OVPlaybackMarkerView.h"
-#include "waveform/OVStaticWaveform.h"
 #include "waveform/OVWaveFormView.h"
+#include "waveform/OVWaveformSummary.h"
 
 namespace {
 
 constexpr double kMarkerStripWidth = 8.0;  // points, around the marker's line
 constexpr double kMarkerStripLeft = 4.0;   // points, from the strip's left edge to the line
-
-// Recordings longer than this many seconds are drawn from a static summary when they are recorded
-// over: all of them.
-constexpr double kStaticSummaryThreshold = 0.0;
 
 QRectF markerStrip(const QWidget& view, double fraction) {
   return {fraction * view.width() - kMarkerStripLeft, 0.0, kMarkerStripWidth,
@@ -78,12 +73,10 @@ void VLRecorderWindowController::updateRendering() {
   if (playbackMarkerView_) {
     playbackMarkerView_->setIsRecordingMarker(false);
   }
-  const std::uint64_t rendered = waveForm_->readerPos();
+  const std::uint64_t rendered = waveForm()->readerPos();
   setIndicatorValue(fractionOfBuffer(rendered));
-  if (wfView_) {
-    wfView_->setWaveForm(waveForm_);
-    setViewNeedsDisplay(wfView_);
-  }
+  summaries_->putIntoView();
+  setViewNeedsDisplay(wfView_);
   showTime(rendered, true);
 }
 
@@ -102,10 +95,7 @@ void VLRecorderWindowController::updatePlayback() {
 }
 
 void VLRecorderWindowController::updateRecording() {
-  if (!waveformIsChanging_) {
-    chooseSummary();
-  }
-  extendSummary();
+  summaries_->follow(recordingPosition(), _lastNumberOfFramesWritten);
   if (playbackMarkerView_) {
     playbackMarkerView_->setIsRecordingMarker(true);
   }
@@ -116,88 +106,7 @@ void VLRecorderWindowController::updateRecording() {
     setRecordingPosition(playbackPosition());
   }
   updateMarkerLevel();
-  showTime(position, true);
-}
-
-// The summary while recording -------------------------------------------------------------------
-
-// A growing summary while appending, one of fixed size while recording over what is there.
-void VLRecorderWindowController::chooseSummary() {
-  const std::uint64_t position = recordingPosition();
-  const std::uint64_t size = bufferSizeInFrames();
-  const auto dynamic = std::dynamic_pointer_cast<OVDynamicWaveForm>(waveForm_);
-  if (position >= size) {
-    if (!dynamic) {
-      replaceSummary([buffer = buffer_]() -> std::shared_ptr<OVWaveformSummary> {
-        auto summary = OVDynamicWaveForm::initWithBuffer(buffer);
-        summary->generate();
-        return summary;
-      });
-    }
-    return;
-  }
-  const double threshold = kStaticSummaryThreshold * buffer_->format().mSampleRate;
-  if (static_cast<double>(size) > threshold && dynamic &&
-      position + _lastNumberOfFramesWritten < size) {
-    replaceSummary([dynamic]() -> std::shared_ptr<OVWaveformSummary> {
-      return OVStaticWaveform::initWithDynamicWaveform(dynamic);
-    });
-  }
-}
-
-void VLRecorderWindowController::replaceSummary(
-    std::function<std::shared_ptr<OVWaveformSummary>()> build) {
-  waveformIsChanging_ = true;
-  platform::globalQueue().async(
-      [self = weak_from_this(), build = std::move(build), epoch = summaryEpoch_] {
-        const auto summary = build();
-        const std::shared_ptr<OVWaveformSummary> copy = summary->copy();
-        platform::mainQueue().async([self, summary, copy, epoch] {
-          if (const auto controller = self.lock()) {
-            controller->installSummary(summary, copy, epoch);
-          }
-        });
-      });
-}
-
-void VLRecorderWindowController::installSummary(const std::shared_ptr<OVWaveformSummary>& summary,
-                                                const std::shared_ptr<OVWaveformSummary>& copy,
-                                                std::uint64_t epoch) {
-  waveformIsChanging_ = false;
-  if (epoch != summaryEpoch_) {
-    return;  // an edit or an undo came first: this is a summary of older audio
-  }
-  if (wfView_) {
-    wfView_->setWaveForm(summary);
-  }
-  setWaveForm(summary);
-  prevWaveform_ = copy;
-}
-
-void VLRecorderWindowController::extendSummary() {
-  if (waveForm_->isRegenerating()) {
-    setViewNeedsDisplay(wfView_);
-  } else {
-    queueSummaryExtension();
-  }
-}
-
-void VLRecorderWindowController::queueSummaryExtension() {
-  if (summaryExtensionQueued_.exchange(true)) {
-    return;
-  }
-  fft_queue_.async([self = weak_from_this(), summary = waveForm_] {
-    if (const auto controller = self.lock()) {
-      controller->summaryExtensionQueued_ = false;  // what is written from here on asks anew
-    }
-    summary->generate();
-    platform::mainQueue().async([self] {
-      if (const auto controller = self.lock(); controller && controller->wfView_) {
-        controller->wfView_->setShouldRedrawWaveform(true);
-        setViewNeedsDisplay(controller->wfView_);
-      }
-    });
-  });
+  showTime(recordingPosition(), true);
 }
 
 // Marker and time -------------------------------------------------------------------------------
@@ -265,7 +174,7 @@ void VLRecorderWindowController::moveToTimeLinePosition(double fraction) {
   setRecordingPosition(frames);
   setWritingPosition(frames);
   if (playbackMarkerView_) {
-    playbackMarkerView_->setAudioLevel(waveForm_->powerAtPosition(clamped));
+    playbackMarkerView_->setAudioLevel(waveForm()->powerAtPosition(clamped));
   }
   if (!isRecording()) {
     doFFT();  // the spectrum of the place that was clicked

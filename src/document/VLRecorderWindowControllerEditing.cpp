@@ -6,8 +6,6 @@
 #include "displays/OVTimeView.h"
 #include "document/VLRecorderWindowController.h"
 #include "platform/Localization.h"
-#include "waveform/OVWaveFormView.h"
-#include "waveform/OVWaveformSummary.h"
 
 // Cuts ------------------------------------------------------------------------------------------
 
@@ -59,7 +57,7 @@ void VLRecorderWindowController::bringRecordingPositionInside() {
 
 // What an undo of the step that begins now brings back beside the audio.
 void VLRecorderWindowController::keepHistory() {
-  prevWaveform_ = waveForm_->copy();
+  summaries_->keep();
   prevSaveState_ = isDocumentEdited();
 }
 
@@ -79,12 +77,14 @@ void VLRecorderWindowController::registerUndo(
 
 void VLRecorderWindowController::undo(QObject*) {
   registerUndo(&VLRecorderWindowController::redo);
+  summaries_->willExchange();
   buffer_->undo();
   exchangeHistory();
 }
 
 void VLRecorderWindowController::redo(QObject*) {
   registerUndo(&VLRecorderWindowController::undo);
+  summaries_->willExchange();
   buffer_->redo();
   exchangeHistory();
 }
@@ -93,16 +93,7 @@ void VLRecorderWindowController::exchangeHistory() {
   const bool edited = isDocumentEdited();
   setDocumentEdited(prevSaveState_);
   prevSaveState_ = edited;
-  const auto shown = waveForm_;
-  setWaveForm(prevWaveform_);
-  prevWaveform_ = shown;
-  if (wfView_) {
-    wfView_->setWaveForm(waveForm_);
-    wfView_->setShouldRedrawWaveform(true);
-    setViewNeedsDisplay(wfView_);
-  }
-  // A copy that was taken in the middle of a generation from scratch has to be finished.
-  refreshCompleteUI(waveForm_->isRegenerating());
+  refreshCompleteUI(summaries_->exchange());
 }
 
 void VLRecorderWindowController::undoCommand() {
@@ -127,33 +118,13 @@ void VLRecorderWindowController::runHistoryCommand(void (platform::UndoManager::
 // Refresh ---------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::refreshCompleteUI(bool regenerate) {
-  ++summaryEpoch_;
   recreateIndicator(true, platform::textKey("Drawing the waveform"));
   showIndicator(true);
-  if (regenerate) {
-    // At once: a copy that is taken before the task begins has to know it, too.
-    waveForm_->setShouldRegenerateWaveform(true);
-  }
-  platform::globalQueue().async(
-      [self = weak_from_this(), summary = waveForm_, epoch = summaryEpoch_] {
-        summary->generate();
-        platform::mainQueue().async([self, epoch] {
-          if (const auto controller = self.lock()) {
-            controller->finishRefresh(epoch);
-          }
-        });
-      });
+  summaries_->refresh(regenerate);
 }
 
-void VLRecorderWindowController::finishRefresh(std::uint64_t epoch) {
-  if (epoch != summaryEpoch_ || isFileIOActive_) {
-    return;  // what came after it shows itself
-  }
-  if (wfView_) {
-    wfView_->setWaveForm(waveForm_);
-    wfView_->setShouldRedrawWaveform(true);
-    setViewNeedsDisplay(wfView_);
-  }
+void VLRecorderWindowController::finishRefresh() {
+  summaries_->show();
   if (timeView_) {
     timeView_->setDurationInSeconds(secondsOfFrames(bufferSizeInFrames()));
     timeView_->setCurrentTimeInSeconds(secondsOfFrames(playbackPosition()));
@@ -163,6 +134,8 @@ void VLRecorderWindowController::finishRefresh(std::uint64_t epoch) {
   if (pollTimer_) {
     updatePlaybackMarkerView();
   }
-  setIndicatorValue(0.0);
-  showIndicator(false);
+  if (!indicatorIsFileIOs_) {
+    setIndicatorValue(0.0);
+    showIndicator(false);
+  }
 }

@@ -1,4 +1,5 @@
 #include <array>
+#include <mutex>
 #include <utility>
 
 #include "audio/AudioFileFailure.h"
@@ -47,7 +48,7 @@ void VLRecorderWindowController::openFileNamed(const std::string& path) {
 void VLRecorderWindowController::startLoading(const std::string& path,
                                               std::shared_ptr<OVAudioFileReader> reader) {
   beginFileIO(isImport_ ? platform::textKey("Importing") : platform::textKey("Loading"));
-  ++summaryEpoch_;  // a summary that is being built is one of older audio
+  summaries_->abandonWork();
   if (wfView_) {
     wfView_->setWaveForm(nullptr);
     wfView_->setOverrideRegenerationCheck(true);
@@ -55,8 +56,7 @@ void VLRecorderWindowController::startLoading(const std::string& path,
   if (vuView_) {
     vuView_->setDatasource({});
   }
-  writeError_ = 0;
-  isLoading_ = true;
+  writeFailures_.loadingBegins();
   platform::globalQueue().async(
       [request = LoadingRequest{.path = path,
                                 .reader = std::move(reader),
@@ -74,23 +74,23 @@ void VLRecorderWindowController::load(const LoadingRequest& request) {
   const auto controller = request.controller;
   LoadingOutcome outcome{.opened = reader != nullptr, .endOffset = request.atByteOffset};
   if (reader) {
-    const auto loaded =
-        OVLoadJob::run(*reader, {.buffer = request.buffer,
-                                 .atByteOffset = request.atByteOffset,
-                                 .cancelled = request.cancelled,
-                                 .takeWriteError =
-                                     [&controller] {
-                                       const auto document = controller.lock();
-                                       return document ? document->writeError_.exchange(0) : 0;
-                                     },
-                                 .progress =
-                                     [&controller](std::uint64_t byteOffset, double step) {
-                                       platform::mainQueue().async([controller, byteOffset, step] {
-                                         if (const auto document = controller.lock()) {
-                                           document->loadedChunk(byteOffset, step);
-                                         }
-                                       });
-                                     }});
+    const auto loaded = OVLoadJob::run(
+        *reader, {.buffer = request.buffer,
+                  .atByteOffset = request.atByteOffset,
+                  .cancelled = request.cancelled,
+                  .takeWriteError =
+                      [&controller] {
+                        const auto document = controller.lock();
+                        return document ? document->writeFailures_.takeLoadingError() : 0;
+                      },
+                  .progress =
+                      [&controller](std::uint64_t byteOffset, double step) {
+                        platform::mainQueue().async([controller, byteOffset, step] {
+                          if (const auto document = controller.lock()) {
+                            document->loadedChunk(byteOffset, step);
+                          }
+                        });
+                      }});
     outcome.endOffset = loaded.endOffset;
     outcome.writeError = loaded.writeError;
     outcome.yieldedNothing = reader->failed() && loaded.endOffset == request.atByteOffset;
@@ -112,7 +112,7 @@ void VLRecorderWindowController::loadedChunk(std::uint64_t byteOffset, double st
 
 void VLRecorderWindowController::loadingEnded(const LoadingRequest& request,
                                               const LoadingOutcome& outcome) {
-  isLoading_ = false;
+  writeFailures_.loadingEnded();
   if (*fileJobCancelled_) {
     return;  // the window has closed
   }
@@ -162,8 +162,7 @@ void VLRecorderWindowController::takeImportBack() {
   if (undoManager_) {
     undoManager_->discardLastUndo();
   }
-  setWaveForm(prevWaveform_);
-  ++summaryEpoch_;
+  summaries_->takeBack();
   importTakenBack_ = true;
 }
 
@@ -189,13 +188,15 @@ void VLRecorderWindowController::importFile(QObject*) {
                                     });
 }
 
-// Opening may take a while, on a slow medium or with a damaged file, and nothing may have changed
-// when it fails.
+// Opening may take a while, on a slow medium or with a damaged file: the document is in a file
+// operation from here on, and as it was again when it fails. What recorded or played is paused
+// first, so what was captured by now is not part of the undoable step.
 void VLRecorderWindowController::openForImport(const std::string& path) {
   if (isFileIOActive_) {
     return;
   }
-  setFileIOActive(true);
+  beginFileIO(platform::textKey("Importing"), true);
+  isOpeningImport_ = true;
   platform::globalQueue().async([self = weak_from_this(), path, cancelled = fileJobCancelled_] {
     const auto reader = OVAudioFileReader::initWithFile(path, cancelled);
     platform::mainQueue().async([self, path, reader] {
@@ -211,13 +212,11 @@ void VLRecorderWindowController::beginImport(const std::string& path,
   if (*fileJobCancelled_) {
     return;  // the window has closed
   }
-  setFileIOActive(false);
+  isOpeningImport_ = false;
   if (!reader) {
+    endFileIO();
     saveIfClosing();
     return;
-  }
-  if (isRecording() || isPlaying()) {
-    pauseButton(pauseButton_);  // first: what was captured by now is not part of the step
   }
   bringRecordingPositionInside();
   isImport_ = true;
@@ -230,7 +229,8 @@ void VLRecorderWindowController::beginImport(const std::string& path,
 // Completion ------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::fileLoadingComplete() {
-  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_] {
+  const auto cancelled = fileJobCancelled_;
+  platform::globalQueue().async([self = weak_from_this(), summary = waveForm(), cancelled] {
     if (const auto controller = self.lock()) {
       controller->setIsRenderingWaveform(true);
     }
@@ -240,8 +240,11 @@ void VLRecorderWindowController::fileLoadingComplete() {
         controller->tellActivity(platform::textKey("Drawing the waveform"));
       }
     });
-    summary->setShouldRegenerateWaveform(true);
-    summary->generateNoLock();
+    {
+      const std::lock_guard generation(*summary);  // the refresh of an edit may still hold it
+      summary->setShouldRegenerateWaveform(true);
+      summary->generateNoLock(cancelled.get());
+    }
     if (const auto controller = self.lock()) {
       controller->setIsRenderingWaveform(false);
     }
@@ -268,17 +271,13 @@ void VLRecorderWindowController::fileLoadingReallyComplete() {
   }
   isImport_ = false;
   importTakenBack_ = false;
-  if (wfView_) {
-    wfView_->setWaveForm(waveForm_);
-  }
   if (vuView_) {
     vuView_->setDatasource(weak_from_this());
   }
   if (wfView_) {
     wfView_->setOverrideRegenerationCheck(false);
-    wfView_->setShouldRedrawWaveform(true);
-    setViewNeedsDisplay(wfView_);
   }
+  summaries_->show();
   endFileIO();
   if (timeView_) {
     timeView_->setDurationInSeconds(secondsOfFrames(bufferSizeInFrames()));
@@ -299,21 +298,28 @@ void VLRecorderWindowController::saveIfClosing() {
 
 // The state of a load or save --------------------------------------------------------------------
 
-void VLRecorderWindowController::beginFileIO(platform::TextKey activity) {
+void VLRecorderWindowController::beginFileIO(platform::TextKey activity, bool indeterminate) {
   if (isRecording() || isPlaying()) {
     pauseButton(pauseButton_);
   }
   setFileIOActive(true);
   focusKeeper_.takeFrom(window_, transportControls());
   setTransportEnabled(false);
-  recreateIndicator(false, activity);
+  indicatorIsFileIOs_ = true;
+  recreateIndicator(indeterminate, activity);
   showIndicator(true);
 }
 
 void VLRecorderWindowController::endFileIO() {
   setFileIOActive(false);
+  indicatorIsFileIOs_ = false;
   setIndicatorValue(0.0);
   showIndicator(false);
+  if (summaries_->isRefreshing()) {
+    // Of an edit before a save that was the quicker of the two.
+    recreateIndicator(true, platform::textKey("Drawing the waveform"));
+    showIndicator(true);
+  }
   setTransportEnabled(true);
   focusKeeper_.giveBack(window_);
 }

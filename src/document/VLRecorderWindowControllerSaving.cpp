@@ -1,14 +1,9 @@
-#include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <utility>
 
-#include <QBuffer>
 #include <QHBoxLayout>
-#include <QImage>
 #include <QLabel>
 #include <QLocale>
-#include <QUrl>
 
 #include "audio/AudioFileFailure.h"
 #include "audio/OVAudioFileWriter.h"
@@ -17,13 +12,11 @@
 #include "document/OVFileKinds.h"
 #include "document/OVSaveJob.h"
 #include "document/VLRecorderWindowController.h"
+#include "document/VLRecorderWindowControllerSaving.h"
 #include "platform/ApplicationServices.h"
-#include "platform/DesktopServices.h"
 #include "platform/FailureReason.h"
 #include "platform/Localization.h"
 #include "platform/Panels.h"
-#include "platform/ReplacementFile.h"
-#include "waveform/OVWaveFormView.h"
 
 using platform::localized;
 using platform::localizedUtf8;
@@ -32,17 +25,8 @@ using platform::textKey;
 namespace {
 
 constexpr std::int32_t kUsualType = 0;  // WAV
-constexpr std::int32_t kAacType = 3;
-constexpr const char* kRingtoneSuffix = "m4r";
-constexpr const char* kPictureSuffix = "png";
 
-QString fileName(const std::string& path) {
-  return QString::fromStdString(lastPathComponent(path));
-}
-
-QUrl fileAddress(const std::string& path) {
-  return QUrl::fromLocalFile(QString::fromStdString(path));
-}
+}  // namespace
 
 std::string folderOf(const std::string& path) {
   return std::filesystem::path(path).parent_path().string();
@@ -51,31 +35,6 @@ std::string folderOf(const std::string& path) {
 QString sentenceWithName(platform::TextKey sentence, const std::string& path) {
   return localized(sentence).arg(QString::fromStdString(shownFileName(path)));
 }
-
-// On a background queue. 0, or the errno of the failure.
-int writePicture(const QImage& picture, const std::string& path) {
-  QByteArray encoded;
-  QBuffer target(&encoded);
-  if (!target.open(QIODevice::WriteOnly) || !picture.save(&target, "PNG")) {
-    return ENOMEM;
-  }
-  const auto replacement = platform::ReplacementFile::beside(path);
-  if (!replacement.file) {
-    return replacement.error;
-  }
-  const int error =
-      replacement.file->write(encoded.constData(), static_cast<std::uint64_t>(encoded.size()));
-  return error != 0 ? error : replacement.file->commit();
-}
-
-}  // namespace
-
-/// What a save or an export writes, and what becomes of the document afterwards.
-struct VLRecorderWindowController::SavingRequest {
-  OVSaveJob::Request job;
-  std::int32_t type = -1;
-  bool isExport = false;
-};
 
 // Save ------------------------------------------------------------------------------------------
 
@@ -224,10 +183,10 @@ void VLRecorderWindowController::savingEnded(const SavingRequest& request,
   }
   endFileIO();
   saveFailed();
-  if (outcome.unreadableFrames > 0) {
-    tellGaps(request.job.path, secondsOfFrames(outcome.unreadableFrames), outcome.complete);
-  } else if (!outcome.told) {
+  if (outcome.error != 0) {
     tellSaveFailed(request.job.path, platform::failureReason(outcome.error));
+  } else if (!outcome.told) {
+    tellGaps(request.job.path, secondsOfFrames(outcome.unreadableFrames), outcome.complete);
   }
 }
 
@@ -235,7 +194,7 @@ void VLRecorderWindowController::takeFileName(const SavingRequest& request) {
   currentFilename_ = request.job.path;
   currentFiletype_ = request.type;
   if (window_) {
-    window_->setTitle(titleWithName(fileName(currentFilename_)));
+    window_->setTitle(titleWithName(QString::fromStdString(lastPathComponent(currentFilename_))));
   }
 }
 
@@ -259,6 +218,7 @@ void VLRecorderWindowController::fileSavingComplete() {
   const bool isExport = std::exchange(isExport_, false);
   if (!isExport) {
     setDocumentEdited(false);
+    prevSaveState_ = true;  // what undo or redo brings back differs from the file
   }
   endFileIO();
   stopButton(stopButton_);
@@ -274,15 +234,6 @@ void VLRecorderWindowController::fileSavingComplete() {
   }
 }
 
-void VLRecorderWindowController::openSavedFile() {
-  if (!platform::desktopServices().open(fileAddress(last_saved_file_path_))) {
-    ShowModalAlert(
-        localizedUtf8("The file was saved but could not be opened"),
-        sentenceWithName(textKey("No program was found that opens %1."), last_saved_file_path_)
-            .toStdString());
-  }
-}
-
 // The document stays as it is, and so does the program if it was about to quit.
 void VLRecorderWindowController::saveFailed() {
   isExport_ = false;
@@ -294,161 +245,4 @@ void VLRecorderWindowController::saveFailed() {
 void VLRecorderWindowController::tellSaveFailed(const std::string& path,
                                                 const std::string& reason) {
   ShowModalAlert(sentenceWithName(textKey("%1 could not be saved"), path).toStdString(), reason);
-}
-
-// Exports ---------------------------------------------------------------------------------------
-
-void VLRecorderWindowController::exportRingtone(QObject*) {
-  if (isFileIOActive_ || isPanelShown_ || !buffer_) {
-    return;
-  }
-  auto* const rule = new QLabel(
-      localized("A ringtone begins at the marker, or at the start when the marker is at the end, "
-                "and lasts at most %1 seconds.")
-          .arg(kRingtoneSeconds));
-  rule->setWordWrap(true);
-  isPanelShown_ = true;
-  platform::panels().beginSavePanel(
-      {.window = window_.data(),
-       .title = localized("Export Ringtone"),
-       .directory = folderOf(currentFilename_),
-       .suggestedName = suggestedName(),
-       .accessoryView = rule,
-       .acceptedSuffixes = [] { return std::vector<std::string>{kRingtoneSuffix}; }},
-      [self = weak_from_this()](const std::optional<std::string>& path) {
-        if (const auto controller = self.lock()) {
-          controller->isPanelShown_ = false;
-          if (path) {
-            controller->exportRingtoneTo(*path);
-          }
-        }
-      });
-}
-
-void VLRecorderWindowController::exportRingtoneTo(const std::string& path) {
-  if (isFileIOActive_) {
-    return;
-  }
-  if (isRecording()) {
-    pauseButton(pauseButton_);
-  }
-  const std::uint64_t length = bufferSizeInFrames();
-  const std::uint64_t marker = playbackPosition();
-  const std::uint64_t from = marker < length ? marker : 0;
-  const auto most = static_cast<std::uint64_t>(kRingtoneSeconds * buffer_->format().mSampleRate);
-  shell_open_file_after_save_ = true;
-  startSaving({.job = {.buffer = buffer_,
-                       .fromFrame = from,
-                       .frameCount = std::min(length - from, most),
-                       .path = path,
-                       .outputFormat = static_cast<std::uint32_t>(kAacType)},
-               .type = kAacType,
-               .isExport = true});
-}
-
-void VLRecorderWindowController::dumpWaveform(QObject*) {
-  if (!wfView_ || isPanelShown_) {
-    return;
-  }
-  isPanelShown_ = true;
-  platform::panels().beginSavePanel(
-      {.window = window_.data(),
-       .title = localized("Export Waveform Picture"),
-       .directory = folderOf(currentFilename_),
-       .suggestedName = suggestedName(),
-       .acceptedSuffixes = [] { return std::vector<std::string>{kPictureSuffix}; }},
-      [self = weak_from_this()](const std::optional<std::string>& path) {
-        if (const auto controller = self.lock()) {
-          controller->isPanelShown_ = false;
-          if (path) {
-            controller->writeWaveformPicture(*path);
-          }
-        }
-      });
-}
-
-void VLRecorderWindowController::writeWaveformPicture(const std::string& path) {
-  if (!wfView_) {
-    return;
-  }
-  QImage picture = wfView_->image();
-  if (picture.isNull()) {
-    picture = wfView_->grab().toImage();  // never painted so far
-  }
-  platform::globalQueue().async([picture, path] {
-    const int error = writePicture(picture, path);
-    if (error != 0) {
-      platform::mainQueue().async(
-          [path, error] { tellSaveFailed(path, platform::failureReason(error)); });
-    }
-  });
-}
-
-void VLRecorderWindowController::revealTempFile(QObject*) {}
-
-// Unsaved changes -------------------------------------------------------------------------------
-
-bool VLRecorderWindowController::windowShouldClose(OVRecorderWindow*) {
-  if (isRecording()) {
-    pauseButton(pauseButton_);
-  }
-  if (windowShouldCloseAfterSaveSheet_) {
-    return true;
-  }
-  if (isSaving_) {
-    shouldCloseAfterSave_ = true;  // the window goes when the file is complete
-    return false;
-  }
-  if (!isDocumentEdited()) {
-    return true;
-  }
-  if (isPanelShown_ && !isQuestionShown_) {
-    // The panel has to be answered first, and the quit to be asked for again.
-    platform::applicationServices()->cancelTermination();
-    window_->raise();
-    window_->activateWindow();
-  } else if (!isQuestionShown_) {
-    askToSave();
-  }
-  return false;
-}
-
-void VLRecorderWindowController::askToSave() {
-  using Role = platform::SheetRequest::Button::Role;
-  const QString name = currentFilename_.empty() ? localized("Unnamed") : fileName(currentFilename_);
-  isPanelShown_ = isQuestionShown_ = true;
-  platform::panels().beginSheet(
-      {.window = window_.data(),
-       .title = localized("Do you want to save the changes made to “%1”?").arg(name),
-       .message = localized("Your changes will be lost if you don't save them."),
-       .buttons = {{localized("Save"), kSave, Role::accept},
-                   {localized("Don't Save"), kDontSave, Role::destructive},
-                   {localized("Cancel"), kCancelClosing, Role::reject}}},
-      [self = weak_from_this()](int returnCode) {
-        if (const auto controller = self.lock()) {
-          controller->isPanelShown_ = controller->isQuestionShown_ = false;
-          controller->alertDidEnd(returnCode);
-        }
-      });
-}
-
-void VLRecorderWindowController::alertDidEnd(int returnCode) {
-  switch (returnCode) {
-    case kCancelClosing:
-      platform::applicationServices()->cancelTermination();
-      return;
-    case kDontSave:
-      windowShouldCloseAfterSaveSheet_ = true;
-      if (window_) {
-        window_->performClose();
-      }
-      return;
-    case kSave:
-      shouldCloseAfterSave_ = true;
-      saveFile(nullptr);
-      return;
-    default:
-      std::fprintf(stderr, "Unknown button return: %i\n", returnCode);
-      std::abort();
-  }
 }

@@ -69,8 +69,8 @@ void VLRecorderWindowController::recPressed() {
   if (wfView_) {
     wfView_->setScrollBack(true);
   }
-  writeError_ = 0;
-  writeFailureTold_ = false;
+  writeFailures_.recordingBegins();
+  writtenSincePress_ = false;
   recorder_->record();
   setDocumentEdited(true);
 }
@@ -90,6 +90,7 @@ void VLRecorderWindowController::playPressed() {
   }
   const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a command
   setEnabled(recButton_, false);
+  readError_ = 0;
   if (!player_) {
     player_ = OVAQPlayer::initWithBuffer(buffer_, playbackPosition() * bytesPerFrame());
     if (!player_) {
@@ -138,7 +139,7 @@ void VLRecorderWindowController::endRecording() {
     blocks->optimize();
   }
   ++lastPlaybackPosition_;  // the marker leaves the recording position at the next tick
-  queueSummaryExtension();  // the last chunk shows too
+  summaries_->extend();     // the last chunk shows too
 }
 
 void VLRecorderWindowController::restTransportButtons() {
@@ -239,6 +240,7 @@ bool VLRecorderWindowController::validateMenuItem(MenuAction action) const {
     case MenuAction::redo:
       return !isFileIOActive_ && undoManager_ && undoManager_->canRedo();
     case MenuAction::transport:
+    case MenuAction::open:  // in a window of its own: needs nothing of this document
       return !isFileIOActive_;
     case MenuAction::edit:
     case MenuAction::file:

@@ -13,8 +13,9 @@ struct AVStream;
 
 namespace platform {
 
-/// The packets of the first sound stream of a file, from its beginning to its end, once. Pictures,
-/// video and further streams are left out.
+/// The packets of a file's sound stream, from its beginning to its end, once. Of several streams it
+/// is the one that the file marks as its default, without a mark the one with most in it. The
+/// others, pictures and video are left out.
 ///
 /// Threads: any, one at a time. Several demuxers may read the same File. Real-time: not safe.
 class AudioFileDemuxer {

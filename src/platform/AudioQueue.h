@@ -53,7 +53,8 @@ class AudioQueue {
   /// of another queue, one that is enqueued already or one with more bytes than it holds.
   [[nodiscard]] virtual AudioStatus enqueueBuffer(AudioQueueBuffer* buffer) = 0;
 
-  /// Starts, or resumes after a pause. A failure that it answers is not told again by a listener.
+  /// Starts, or resumes after a pause. kNoThreadStatus when the system gives no thread for the
+  /// callbacks. A failure that it answers is not told again by a listener.
   /// A queue that has stopped, by whatever cause, is not started again: make a new one.
   [[nodiscard]] virtual AudioStatus start() = 0;
 
@@ -80,13 +81,15 @@ class AudioQueue {
 
 class AudioInputQueue : public AudioQueue {
  public:
-  /// Called on the queue's thread with each filled buffer, in the order of capture.
+  /// Called on the queue's thread with each filled buffer, in the order of capture. Only the last
+  /// one before the failure listener may be filled in part.
   using Callback = std::function<void(AudioInputQueue&, AudioQueueBuffer&)>;
-  /// Called on the queue's thread, at most once, when the device fails or vanishes.
+  /// Called on the queue's thread, at most once, when the device fails or vanishes; after the last
+  /// frames that it gave, as long as there are buffers to deliver them into.
   using FailureListener = std::function<void(AudioStatus)>;
 
   /// Frames captured by the device since start() that already lie in whole buffers' worth of the
-  /// ring, delivered or not. Any thread.
+  /// ring, delivered or not; all of them once the device has failed. Any thread.
   [[nodiscard]] virtual std::uint64_t capturedFrames() const = 0;
 
   /// Waits until the callback has returned from every buffer whose endFrame is at most `frame`,

@@ -36,6 +36,8 @@ inline constexpr AudioStatus kDeviceLostStatus = fourCharacterStatus("gone");
 inline constexpr AudioStatus kInvalidParameterStatus = -50;
 /// The queue was disposed of, or is in a state that forbids the call.
 inline constexpr AudioStatus kInvalidQueueStateStatus = fourCharacterStatus("!que");
+/// The system lets no further thread be made.
+inline constexpr AudioStatus kNoThreadStatus = fourCharacterStatus("!thr");
 
 inline constexpr std::uint32_t kLinearPcmFormat = fourCharacterCode("lpcm");
 inline constexpr std::uint32_t kFloatFormatFlag = 1;

@@ -7,6 +7,9 @@
 namespace platform {
 
 std::shared_ptr<CubebConnection> CubebConnection::make() {
+  if (!cubebLibrary.load()) {
+    return nullptr;  // told by the library
+  }
   cubeb* context = nullptr;
   const int result = cubeb_init(&context, "Orvo", nullptr);
   if (result != CUBEB_OK) {

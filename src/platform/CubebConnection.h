@@ -3,9 +3,8 @@
 #include <atomic>
 #include <memory>
 
-#include <cubeb/cubeb.h>
-
 #include "platform/AudioTypes.h"
+#include "platform/CubebFunctions.h"
 
 namespace platform {
 
@@ -15,7 +14,7 @@ namespace platform {
 /// is safe.
 class CubebConnection {
  public:
-  /// Null when the library finds nothing to talk to.
+  /// Null when the library is missing or finds nothing to talk to.
   [[nodiscard]] static std::shared_ptr<CubebConnection> make();
 
   explicit CubebConnection(cubeb* context) : context_(context) {}

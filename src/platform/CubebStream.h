@@ -5,10 +5,9 @@
 #include <memory>
 #include <utility>
 
-#include <cubeb/cubeb.h>
-
 #include "platform/AudioTypes.h"
 #include "platform/CubebConnection.h"
+#include "platform/CubebFunctions.h"
 
 namespace platform {
 

@@ -25,7 +25,10 @@ DeviceAudioQueues::DeviceAudioQueues(std::shared_ptr<AudioDevice> device,
 
 DeviceAudioQueues::~DeviceAudioQueues() = default;
 
-void DeviceAudioQueues::prepareInput() {
+void DeviceAudioQueues::prepareInput(std::future<void> start) {
+  if (start.valid()) {
+    controlThread_->control()->post([start = start.share()](AudioDevice&) { start.wait(); });
+  }
   input_->prepare();
   controlThread_->control()->post([](AudioDevice& device) { device.prepare(); });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <future>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -32,9 +33,11 @@ class DeviceAudioQueues final : public AudioQueues {
   /// thread that hangs is left behind with all that it may still touch, and ends with the process.
   ~DeviceAudioQueues() override;
 
-  /// Begins to open the input device and to connect to the sound system, ahead of the first queue;
-  /// returns at once. Without a queue in the next 3 s the input is closed again.
-  void prepareInput();
+  /// Begins to open the input device and to connect to the sound system, ahead of the first queue,
+  /// which then does not wait for it; returns at once. With a `start` it begins when that is ready
+  /// or its promise is gone, and whatever else the device is to do comes after it. Without a queue
+  /// in the 3 s after the opening the input is closed again.
+  void prepareInput(std::future<void> start = {});
 
   [[nodiscard]] AudioStatus completeFormat(AudioStreamBasicDescription& format) const override;
   [[nodiscard]] AudioStatus newInput(const AudioStreamBasicDescription& format,

@@ -3,7 +3,8 @@
 namespace platform {
 namespace {
 
-constexpr std::string_view kScheme = "file://";
+constexpr std::string_view kScheme = "file:";
+constexpr std::string_view kMachineFollows = "//";
 constexpr std::string_view kThisMachine = "localhost";
 constexpr std::string_view kKeptMarks = "!$&'()*+,-./:=@_~";
 constexpr std::string_view kHexDigits = "0123456789ABCDEF";
@@ -41,6 +42,7 @@ int digitOf(char c) {
 
 std::string fileAddressOf(std::string_view path) {
   std::string address(kScheme);
+  address += kMachineFollows;
   for (const char c : path) {
     if (isKept(c)) {
       address += c;
@@ -58,7 +60,9 @@ std::optional<std::string> pathOfFileAddress(std::string_view address) {
   if (!takePrefix(address, kScheme)) {
     return std::nullopt;
   }
-  takePrefix(address, kThisMachine);
+  if (takePrefix(address, kMachineFollows)) {
+    takePrefix(address, kThisMachine);
+  }
   if (!address.starts_with('/') || address.find_first_of("?#") != std::string_view::npos) {
     return std::nullopt;
   }

@@ -4,7 +4,9 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
-#include <thread>
+#include <system_error>
+
+#include "platform/ThreadStart.h"
 
 namespace platform {
 namespace {
@@ -21,14 +23,37 @@ struct GlobalQueue::State {
   std::size_t threads = 0;                   // guarded by mutex
   std::size_t idle = 0;                      // guarded by mutex
 
+  // With the mutex held. False when the system gives no thread: those that are there do the work.
+  bool addThread() {
+    ++threads;
+    try {
+      startThread([this] { work(); });
+      return true;
+    } catch (const std::system_error&) {
+      --threads;
+      return false;
+    }
+  }
+
+  // False when nothing came for a while. The last thread stays: it does the work when the system
+  // has no thread to give.
+  bool waitForWork(std::unique_lock<std::mutex>& lock) {
+    while (!workCame.wait_for(lock, kIdleThreadLife, [&] { return !blocks.empty(); })) {
+      if (threads > 1) {
+        return false;
+      }
+    }
+    return true;
+  }
+
   void work() {
     std::unique_lock lock(mutex);
     for (;;) {
       ++idle;
       workDone.notify_all();
-      const bool work = workCame.wait_for(lock, kIdleThreadLife, [&] { return !blocks.empty(); });
+      const bool isNeeded = waitForWork(lock);
       --idle;
-      if (!work) {
+      if (!isNeeded) {
         --threads;
         workDone.notify_all();
         return;
@@ -48,10 +73,8 @@ GlobalQueue::GlobalQueue() : state_(new State) {}
 void GlobalQueue::async(std::function<void()> block) {
   const std::lock_guard lock(state_->mutex);
   state_->blocks.push_back(std::move(block));
-  if (state_->idle < state_->blocks.size() && state_->threads < kMaximumThreads) {
-    ++state_->threads;
-    std::thread([state = state_] { state->work(); }).detach();
-  } else {
+  const bool oneMore = state_->idle < state_->blocks.size() && state_->threads < kMaximumThreads;
+  if (!oneMore || !state_->addThread()) {
     state_->workCame.notify_one();
   }
 }

@@ -5,8 +5,9 @@
 
 namespace platform {
 
-/// The concurrent queue of default priority. Its threads come with the work and go after a while
-/// without any.
+/// The concurrent queue of default priority. Its threads come with the work, and all but one go
+/// after a while without any; work for which the system gives no thread waits for one of those that
+/// are there.
 ///
 /// Threads: any. Real-time: not safe.
 class GlobalQueue {

@@ -63,10 +63,12 @@ AudioStatus InputQueueCore::start() {
   ring_.emplace(blockFrames, kInputRingFrames / blockFrames);
   producer_.emplace(*ring_);
   consumer_.emplace(*ring_);
-  state_ = State::kRunning;
-  thread_.start([self = shared_from_this()] { self->serve(); });
-  input_->fanOut().add(*this);
-  return kAudioStatusOk;
+  const AudioStatus status = thread_.start([self = shared_from_this()] { self->serve(); });
+  if (status == kAudioStatusOk) {
+    state_ = State::kRunning;
+    input_->fanOut().add(*this);
+  }
+  return status;
 }
 
 void InputQueueCore::stop() {
@@ -140,6 +142,14 @@ void InputQueueCore::inputFailed(AudioStatus status) {
     failure_ = status;
   }
   input_->fanOut().remove(*this);
+  {
+    // The real-time thread is out of here: what it left unfinished is the last of the capture.
+    const std::lock_guard lock(mutex_);
+    if (producer_) {
+      producer_->finish();
+    }
+    captureEnded_ = true;
+  }
   thread_.wake();
 }
 
@@ -152,15 +162,19 @@ void InputQueueCore::serve() {
   }
 }
 
+bool InputQueueCore::canDeliver() const {
+  return state_ == State::kRunning && consumer_->front() != nullptr && !enqueued_.empty();
+}
+
 bool InputQueueCore::deliverOne() {
   AudioQueueBuffer* buffer = nullptr;
   std::uint64_t lost = 0;
   {
     const std::lock_guard lock(mutex_);
-    const InputRing::Block* block = consumer_->front();
-    if (state_ != State::kRunning || block == nullptr || enqueued_.empty()) {
+    if (!canDeliver()) {
       return false;
     }
+    const InputRing::Block* block = consumer_->front();
     buffer = enqueued_.front();
     enqueued_.pop_front();
     buffers_.markReturned(buffer);
@@ -185,7 +199,7 @@ bool InputQueueCore::deliverOne() {
 }
 
 void InputQueueCore::fill(AudioQueueBuffer& buffer) {
-  const std::uint32_t bytes = ring_->blockFrames() * kWorkingFormat.mBytesPerFrame;
+  const std::uint32_t bytes = consumer_->front()->frames() * kWorkingFormat.mBytesPerFrame;
   std::memcpy(buffer.mAudioData, consumer_->frontSamples(), bytes);
   buffer.mAudioDataByteSize = bytes;
   buffer.mPacketDescriptionCount = 0;
@@ -223,7 +237,8 @@ void InputQueueCore::tellFailure() {
   AudioStatus status = kAudioStatusOk;
   {
     const std::lock_guard lock(mutex_);
-    if (failure_ == kAudioStatusOk || std::exchange(failureTold_, true)) {
+    // What came after the last look at the ring goes first; its wake-up is under way.
+    if (!captureEnded_ || canDeliver() || std::exchange(failureTold_, true)) {
       return;
     }
     status = failure_;

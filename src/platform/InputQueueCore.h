@@ -54,7 +54,10 @@ class InputQueueCore final : public InputSink,
   void tellLoss(std::uint64_t frames);
   void tellFailure();
 
-  [[nodiscard]] bool isDelivered(std::uint64_t frame) const;  // with mutex_ held
+  // With mutex_ held.
+  [[nodiscard]] bool isDelivered(std::uint64_t frame) const;
+  [[nodiscard]] bool canDeliver() const;
+
   void tellLossInSystem();
   void tellLossAtTheEnd();
 
@@ -70,7 +73,8 @@ class InputQueueCore final : public InputSink,
   // Made by start(), under mutex_, before the real-time thread and the queue's thread know of this
   // queue; then fixed.
   std::optional<InputRing> ring_;
-  std::optional<InputRingProducer> producer_;  // real-time thread only
+  // Real-time thread only; once that has left for good, inputFailed() under mutex_.
+  std::optional<InputRingProducer> producer_;
 
   mutable std::mutex mutex_;
   std::condition_variable progress_;  // something that isDelivered() looks at has changed
@@ -81,6 +85,7 @@ class InputQueueCore final : public InputSink,
   std::optional<InputRingConsumer> consumer_;
   std::optional<std::uint64_t> inCallback_;  // endFrame of the buffer that the callback has
   AudioStatus failure_ = kAudioStatusOk;
+  bool captureEnded_ = false;  // by the failure: the last frames are in the ring
   bool failureTold_ = false;
   std::uint64_t lossTold_ = 0;  // frames
 };

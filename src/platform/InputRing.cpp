@@ -68,6 +68,12 @@ std::uint32_t InputRingProducer::write(const float* samples, std::uint32_t frame
   return completed;
 }
 
+void InputRingProducer::finish() noexcept {
+  if (filled_ > 0) {
+    endBlock();
+  }
+}
+
 const InputRing::Block* InputRingConsumer::front() const noexcept {
   const std::uint64_t tail = ring_.tail_.load(std::memory_order_relaxed);
   if (ring_.head_.load(std::memory_order_acquire) == tail) {

@@ -14,12 +14,17 @@ namespace platform {
 /// Real-time: the counters are safe.
 class InputRing {
  public:
-  /// What is known of a full block. Frames are counted from the producer's first one, those that
-  /// were lost included.
+  /// What is known of a finished block. Frames are counted from the producer's first one, those
+  /// that were lost included.
   struct Block {
     std::uint64_t firstFrame = 0;
     std::uint64_t endFrame = 0;    ///< one past the last frame
     std::uint64_t lostBefore = 0;  ///< frames lost between the block before and this one
+
+    /// blockFrames(), but for the last block of a capture that ended in the middle of it.
+    [[nodiscard]] std::uint32_t frames() const {
+      return static_cast<std::uint32_t>(endFrame - firstFrame);
+    }
   };
 
   /// `blockFrames` frames a block, at least 1; `blockCount` blocks, at least 2.
@@ -28,7 +33,7 @@ class InputRing {
   [[nodiscard]] std::uint32_t blockFrames() const { return blockFrames_; }
   [[nodiscard]] std::uint32_t blockCount() const { return blockCount_; }
 
-  /// End of the newest full block, in frames.
+  /// End of the newest finished block, in frames.
   [[nodiscard]] std::uint64_t publishedEndFrame() const {
     return publishedEndFrame_.load(std::memory_order_acquire);
   }
@@ -46,7 +51,7 @@ class InputRing {
   const std::uint32_t blockFrames_;
   const std::uint32_t blockCount_;
 
-  // Blocks numbered [tail_, head_) are full and belong to the consumer; the others, at most
+  // Blocks numbered [tail_, head_) are finished and belong to the consumer; the others, at most
   // blockCount_ less these, belong to the producer. Block n lies at n modulo blockCount_.
   std::vector<Block> blocks_;
   std::vector<float> samples_;
@@ -62,7 +67,8 @@ class InputRing {
 
 /// The writing end.
 ///
-/// Threads: the device's real-time thread. Real-time: safe.
+/// Threads: the device's real-time thread; finish() on whoever knows that this thread does not
+/// write any more. Real-time: safe.
 class InputRingProducer {
  public:
   explicit InputRingProducer(InputRing& ring) : ring_(ring) {}
@@ -70,6 +76,10 @@ class InputRingProducer {
   /// Appends `frames` interleaved frames; those that find no room are counted as lost. Returns the
   /// number of blocks that became full.
   std::uint32_t write(const float* samples, std::uint32_t frames) noexcept;
+
+  /// No more frames will come: gives out the block in work, if there is one, with the frames that
+  /// it has.
+  void finish() noexcept;
 
  private:
   [[nodiscard]] bool beginBlock() noexcept;
@@ -89,13 +99,13 @@ class InputRingConsumer {
  public:
   explicit InputRingConsumer(InputRing& ring) : ring_(ring) {}
 
-  /// The oldest full block, null when there is none. Valid until pop().
+  /// The oldest finished block, null when there is none. Valid until pop().
   [[nodiscard]] const InputRing::Block* front() const noexcept;
 
-  /// The blockFrames() interleaved frames of the oldest full block.
+  /// The interleaved frames of the oldest finished block, Block::frames() of them.
   [[nodiscard]] const float* frontSamples() const noexcept;
 
-  /// Gives the oldest full block back to the producer.
+  /// Gives the oldest finished block back to the producer.
   void pop() noexcept;
 
  private:

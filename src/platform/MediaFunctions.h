@@ -1,7 +1,5 @@
 #pragma once
 
-#include <atomic>
-
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
@@ -19,6 +17,7 @@ extern "C" {
 #include <libswresample/swresample.h>
 }
 
+#include "platform/LateFunction.h"
 #include "platform/MediaLibrary.h"
 
 /// The functions of FFmpeg that the platform layer calls, under their own names: inside namespace
@@ -31,52 +30,6 @@ extern "C" {
 /// Real-time: as the function itself, once it has been called.
 namespace platform {
 
-template <typename Function>
-class MediaFunction;
-
-template <typename Result, typename... Arguments>
-class MediaFunction<Result(Arguments...)> {
- public:
-  using Pointer = Result (*)(Arguments...);
-
-  constexpr MediaFunction(mediaLibrary::Part part, const char* name) : part_(part), name_(name) {}
-
-  Result operator()(Arguments... arguments) const { return pointer()(arguments...); }
-
-  [[nodiscard]] Pointer pointer() const {
-    void* address = address_.load(std::memory_order_relaxed);  // code: nothing goes along with it
-    if (address == nullptr) {
-      address = mediaLibrary::functionNamed(part_, name_);
-      address_.store(address, std::memory_order_relaxed);
-    }
-    return reinterpret_cast<Pointer>(address);
-  }
-
- private:
-  const mediaLibrary::Part part_;
-  const char* const name_;
-  mutable std::atomic<void*> address_ = nullptr;
-};
-
-/// A function with further arguments after the declared ones.
-template <typename Result, typename... Arguments>
-class MediaFunction<Result(Arguments..., ...)> {
- public:
-  using Pointer = Result (*)(Arguments..., ...);
-
-  constexpr MediaFunction(mediaLibrary::Part part, const char* name) : part_(part), name_(name) {}
-
-  template <typename... Further>
-  Result operator()(Arguments... arguments, Further... further) const {
-    const auto function = reinterpret_cast<Pointer>(mediaLibrary::functionNamed(part_, name_));
-    return function(arguments..., further...);
-  }
-
- private:
-  const mediaLibrary::Part part_;
-  const char* const name_;
-};
-
 // Hints for the optimizer at the libraries' declarations have no place in a type; to lose them here
 // is no loss.
 #if defined(__GNUC__) && !defined(__clang__)
@@ -84,10 +37,7 @@ class MediaFunction<Result(Arguments..., ...)> {
 #pragma GCC diagnostic ignored "-Wignored-attributes"
 #endif
 
-// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are names, not expressions
-#define ORVO_MEDIA_FUNCTION(part, name) \
-  inline constinit MediaFunction<decltype(::name)> name{mediaLibrary::Part::part, #name};
-// NOLINTEND(bugprone-macro-parentheses)
+#define ORVO_MEDIA_FUNCTION(part, name) ORVO_LATE_FUNCTION(mediaLibrary::part, name)
 
 ORVO_MEDIA_FUNCTION(util, av_calloc)
 ORVO_MEDIA_FUNCTION(util, av_channel_layout_copy)

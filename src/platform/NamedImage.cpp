@@ -1,6 +1,7 @@
 #include "platform/NamedImage.h"
 
 #include <QFileInfo>
+#include <QImageReader>
 
 namespace platform {
 
@@ -9,6 +10,17 @@ namespace {
 // Drawing blends premultiplied pixels; converting once here spares every paint the conversion.
 QImage readyToDraw(const QImage& image) {
   return image.isNull() ? image : image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+// All are PNG, which the toolkit reads itself: left to guess, it would load every other format's
+// plugin first.
+QImage decoded(const QString& path) {
+  if (!QFileInfo::exists(path)) {
+    return {};
+  }
+  QImageReader reader(path, "png");
+  reader.setAutoDetectImageFormat(false);
+  return reader.read();
 }
 
 QString pathOf(const QString& name, const QString& sizeMark) {
@@ -28,7 +40,7 @@ NamedImage::Version::Version(const QImage& image, double ratio)
 
 const QImage& NamedImage::Version::image() const {
   if (!path_.isEmpty()) {
-    image_ = Version(QImage(std::exchange(path_, {})), ratio_).image_;
+    image_ = Version(decoded(std::exchange(path_, {})), ratio_).image_;
   }
   return image_;
 }

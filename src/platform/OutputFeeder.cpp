@@ -62,21 +62,33 @@ std::uint32_t OutputFeeder::fill(float* samples, std::uint32_t frames) noexcept 
       closed_.load(std::memory_order_seq_cst) ? 0 : take(samples, frames, emptied);
   section_.leave();
 
-  std::fill(samples + filled * kChannels, samples + frames * kChannels, 0.0F);
   const std::uint64_t before = given_.load(std::memory_order_relaxed);
-  if (filled > 0) {
-    realEnd_.store(before + filled, std::memory_order_release);
+  const bool begins = filled > 0 && realEnd_.load(std::memory_order_relaxed) == 0;
+  if (begins && filled < frames && !draining_.load(std::memory_order_relaxed)) {
+    // More is to come: silence before the first frame is not heard as a gap, behind the last it is.
+    std::copy_backward(samples, samples + filled * kChannels, samples + frames * kChannels);
+    std::fill_n(samples, (frames - filled) * kChannels, 0.0F);
+    realEnd_.store(before + frames, std::memory_order_release);
+  } else {
+    std::fill(samples + filled * kChannels, samples + frames * kChannels, 0.0F);
+    if (filled > 0) {
+      realEnd_.store(before + filled, std::memory_order_release);
+    }
+    countUnderrun(frames - filled);
   }
   given_.store(before + frames, std::memory_order_release);
-  const bool begun = realEnd_.load(std::memory_order_relaxed) > 0;
-  if (filled < frames && begun && !draining_.load(std::memory_order_relaxed) &&
-      !closed_.load(std::memory_order_relaxed)) {
-    underruns_.store(underruns_.load(std::memory_order_relaxed) + (frames - filled),
-                     std::memory_order_relaxed);
-  }
   emptiedBuffers_.store(emptiedBuffers_.load(std::memory_order_relaxed) + emptied,
                         std::memory_order_release);
   return emptied;
+}
+
+void OutputFeeder::countUnderrun(std::uint32_t frames) noexcept {
+  const bool begun = realEnd_.load(std::memory_order_relaxed) > 0;
+  if (begun && !draining_.load(std::memory_order_relaxed) &&
+      !closed_.load(std::memory_order_relaxed)) {
+    underruns_.store(underruns_.load(std::memory_order_relaxed) + frames,
+                     std::memory_order_relaxed);
+  }
 }
 
 }  // namespace platform

@@ -54,7 +54,9 @@ class OutputFeeder {
 
   // --- The device's side.
 
-  /// Fills all `frames` interleaved frames. Returns the number of buffers that were emptied.
+  /// Fills all `frames` interleaved frames. Where there are fewer, silence follows them; at the
+  /// beginning of audio whose end is not announced yet, it stands before them, so that the audio
+  /// goes on without a gap. Returns the number of buffers that were emptied.
   ///
   /// Threads: the device's real-time thread. Real-time: safe.
   std::uint32_t fill(float* samples, std::uint32_t frames) noexcept;
@@ -62,6 +64,7 @@ class OutputFeeder {
  private:
   [[nodiscard]] std::uint32_t take(float* samples, std::uint32_t frames,
                                    std::uint32_t& emptied) noexcept;
+  void countUnderrun(std::uint32_t frames) noexcept;
 
   SpscQueue<AudioQueueBuffer*, QueueBuffers::kMost> waiting_;  // to the real-time thread
   SpscQueue<AudioQueueBuffer*, QueueBuffers::kMost> taken_;    // and back

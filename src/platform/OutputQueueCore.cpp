@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/ApplicationServices.h"
+
 namespace platform {
 
 std::shared_ptr<OutputQueueCore> OutputQueueCore::create(AudioOutputQueue& owner,
@@ -94,7 +96,10 @@ AudioStatus OutputQueueCore::start() {
       return kAudioStatusOk;
     }
     if (state_ == State::kCreated) {
-      thread_.start([self = shared_from_this()] { self->serve(); });
+      const AudioStatus status = thread_.start([self = shared_from_this()] { self->serve(); });
+      if (status != kAudioStatusOk) {
+        return status;
+      }
     }
     state_ = State::kRunning;
   }
@@ -142,8 +147,17 @@ void OutputQueueCore::stop() {
   feeder_.close();
   if (first) {
     control_->post([self = shared_from_this()](AudioDevice&) { self->stream_.reset(); });
+    tellUnderruns();
   }
   thread_.end();
+}
+
+void OutputQueueCore::tellUnderruns() const {
+  if (const std::uint64_t frames = underrunFrames()) {
+    ConsoleLog(
+        "Audio output: %llu frames of silence came in between, the audio was not there in time",
+        static_cast<unsigned long long>(frames));
+  }
 }
 
 void OutputQueueCore::dispose() {

@@ -66,6 +66,7 @@ class OutputQueueCore final : public AudioOutputClient,
                   std::shared_ptr<KnownFailure> known);
 
   [[nodiscard]] AudioStatus ask(void (OutputQueueCore::*task)(Answer&));
+  void tellUnderruns() const;
 
   // On the control thread.
   void openStream(AudioDevice& device, Answer& answer);

@@ -69,9 +69,8 @@ void QtPanels::beginSavePanel(const SavePanelRequest& request, SaveAnswer answer
   auto* const panel = new SavePanel(request);
   QObject::connect(panel, &QDialog::finished, panel,
                    [panel, answer = std::move(answer)](int result) {
-                     const QStringList files = panel->selectedFiles();
-                     const bool accepted = result == QDialog::Accepted && !files.isEmpty();
-                     answer(accepted ? std::optional(files.front().toStdString()) : std::nullopt);
+                     const bool accepted = result == QDialog::Accepted;
+                     answer(accepted ? std::optional(panel->path()) : std::nullopt);
                    });
   panel->open();
 }

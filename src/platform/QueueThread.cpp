@@ -1,5 +1,6 @@
 #include "platform/QueueThread.h"
 
+#include <system_error>
 #include <utility>
 
 #include "platform/ApplicationServices.h"
@@ -18,8 +19,13 @@ QueueThread::~QueueThread() {
   }
 }
 
-void QueueThread::start(std::function<void()> serve) {
-  thread_ = std::thread([shared = shared_, its = std::move(serve)] { run(shared, its); });
+AudioStatus QueueThread::start(std::function<void()> serve) {
+  try {
+    thread_ = std::thread([shared = shared_, its = std::move(serve)] { run(shared, its); });
+  } catch (const std::system_error&) {
+    return kNoThreadStatus;
+  }
+  return kAudioStatusOk;
 }
 
 void QueueThread::run(const std::shared_ptr<Shared>& shared, const std::function<void()>& serve) {

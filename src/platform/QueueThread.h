@@ -5,6 +5,7 @@
 #include <memory>
 #include <thread>
 
+#include "platform/AudioTypes.h"
 #include "platform/Semaphore.h"
 
 namespace platform {
@@ -22,8 +23,9 @@ class QueueThread {
   QueueThread& operator=(const QueueThread&) = delete;
 
   /// Begins to run `serve` once for every wake-up. What `serve` holds is released on the thread
-  /// when that ends, which may be after the end of this object.
-  void start(std::function<void()> serve);
+  /// when that ends, which may be after the end of this object. kNoThreadStatus when the system
+  /// gives no thread; it may be tried again.
+  [[nodiscard]] AudioStatus start(std::function<void()> serve);
 
   void wake() noexcept { shared_->wake.post(); }
 

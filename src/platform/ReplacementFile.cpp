@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <random>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "platform/PosixFile.h"
@@ -131,7 +132,8 @@ ReplacementFile::Result ReplacementFile::beside(const std::string& target) {
   if (const int error = checkTarget(file.string())) {
     return {.file = nullptr, .error = error};
   }
-  const bool replaces = std::filesystem::exists(file);
+  std::error_code unknown;
+  const bool replaces = std::filesystem::exists(file, unknown) || unknown;
   std::string path;
   const int error = createBeside(file.string(), replaces ? kPrivateMode : kNewFileMode, path);
   if (error != 0) {

@@ -4,8 +4,14 @@
 
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
+#include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
 
 #include "platform/Localization.h"
 
@@ -45,6 +51,9 @@ SavePanel::SavePanel(const SavePanelRequest& request)
     setDirectory(QString::fromStdString(request.directory));
   }
   addAccessory(request.accessoryView);
+  if (auto* const edit = findChild<QLineEdit*>("fileNameEdit")) {
+    connect(edit, &QLineEdit::textChanged, this, &SavePanel::enableSaving);
+  }
   if (acceptedSuffixes_) {
     suffixes_ = acceptedSuffixes_();
   }
@@ -111,15 +120,64 @@ void SavePanel::takeOverSuffix() {
   }
 }
 
+// The dialog knows no names with quotes in them, and none that are too long.
+void SavePanel::enableSaving() {
+  if (auto* const buttons = findChild<QDialogButtonBox*>("buttonBox")) {
+    if (auto* const save = buttons->button(QDialogButtonBox::Save)) {
+      save->setEnabled(!shownName().isEmpty());
+    }
+  }
+}
+
+QString SavePanel::pathOf(const QString& name) const {
+  if (name == QLatin1String("~") || name.startsWith(QLatin1String("~/"))) {
+    return QDir::homePath() + name.mid(1);
+  }
+  return directory().absoluteFilePath(name);
+}
+
 void SavePanel::accept() {
   const QString name = shownName();
-  // A folder's name opens the folder, as everywhere.
-  const bool namesFolder =
-      name.isEmpty() || name.endsWith(QLatin1Char('/')) || name.endsWith(QLatin1String(".."));
-  if (!namesFolder && !QFileInfo(directory(), name).isDir()) {
-    showName(QString::fromStdString(withSuffix(name.toStdString(), suffixes_)));
+  if (name.isEmpty()) {
+    return;
   }
-  QFileDialog::accept();
+  if (const QString folder = pathOf(name); QFileInfo(folder).isDir()) {
+    openFolder(folder);
+    return;
+  }
+  showName(QString::fromStdString(withSuffix(name.toStdString(), suffixes_)));
+  path_ = pathOf(shownName()).toStdString();
+  const QFileInfo there(QString::fromStdString(path_));
+  if (there.exists() && !there.isDir()) {
+    askToReplace();
+  } else {
+    QDialog::accept();  // whoever saves tells of a folder
+  }
+}
+
+void SavePanel::openFolder(const QString& path) {
+  setDirectory(path);
+  showName({});
+}
+
+void SavePanel::askToReplace() {
+  auto* const question =
+      new QMessageBox(QMessageBox::Warning, windowTitle(),
+                      localized("“%1” already exists. Do you want to replace it?")
+                          .arg(QFileInfo(QString::fromStdString(path_)).fileName()),
+                      QMessageBox::Yes | QMessageBox::No, this);
+  question->setDefaultButton(QMessageBox::No);
+  question->setAttribute(Qt::WA_DeleteOnClose);
+  question->setWindowModality(Qt::WindowModal);
+  for (QLabel* const label : question->findChildren<QLabel*>()) {
+    label->setTextFormat(Qt::PlainText);  // a file's name stands in it
+  }
+  connect(question, &QDialog::finished, this, [this](int answer) {
+    if (answer == QMessageBox::Yes) {
+      QDialog::accept();
+    }
+  });
+  question->open();
 }
 
 }  // namespace platform

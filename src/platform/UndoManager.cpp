@@ -64,9 +64,18 @@ void UndoManager::run(Stack& stack, Mode mode) {
   stack.pop_back();
   mode_ = mode;
   runningName_ = action.name;
-  if (const auto target = action.target.lock()) {
-    action.operation();
+  try {
+    if (const auto target = action.target.lock()) {
+      action.operation();
+    }
+  } catch (...) {
+    endRun();
+    throw;
   }
+  endRun();
+}
+
+void UndoManager::endRun() {
   mode_ = Mode::normal;
   tellChange();
 }

@@ -31,7 +31,9 @@ class UndoManager {
   [[nodiscard]] bool isUndoing() const { return mode_ == Mode::undoing; }
   [[nodiscard]] bool isRedoing() const { return mode_ == Mode::redoing; }
 
-  /// Runs the last operation of a side; nothing when it is empty or an operation is running.
+  /// Runs the last operation of a side; nothing when it is empty or an operation is running. What
+  /// an operation throws is passed on; it is off its side by then, and the manager goes on as
+  /// before.
   void undo();
   void redo();
 
@@ -56,6 +58,7 @@ class UndoManager {
 
   Stack& registrationStack();
   void run(Stack& stack, Mode mode);
+  void endRun();
   void trim(Stack& stack) const;
   void tellChange() const;
 

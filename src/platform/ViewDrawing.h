@@ -33,6 +33,13 @@ inline constexpr double kViewGridSpacing = 24.0;
 void drawViewGridLevels(QPainter& painter, QSizeF size);
 void drawViewGridUprights(QPainter& painter, QSizeF size, double offset);
 
+/// Fills the upright bar from `left` to `right` and from 0 to `height`, smoothed at both sides: the
+/// same as an upright line of its width, without the path, its scan and the threads that the
+/// toolkit calls in for a high one. For painters that only move and scale; the ends of the bar are
+/// rounded to whole device pixels.
+void fillUprightBar(QPainter& painter, double left, double right, double height,
+                    const QColor& color);
+
 /// Draws text whose baseline begins at `baseline`, upright although the y axis points upward.
 void drawUprightText(QPainter& painter, QPointF baseline, const QString& text);
 

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/ApplicationServices.h"
+#include "storage/WriteBounds.h"
 
 namespace {
 
@@ -49,9 +50,7 @@ std::shared_ptr<OVAudioBuffer> OVAudioBuffer::init() {
 
 void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (withSize > kHighestAddress - atByteOffset) {
-    ConsoleLog("refused to write %" PRIu32 " bytes at %" PRIu64 ": past the highest address",
-               withSize, atByteOffset);
+  if (!staysWithinAddresses(atByteOffset, withSize)) {
     return;
   }
   const std::uint64_t end = atByteOffset + withSize;
@@ -66,12 +65,7 @@ void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
       bufferFillSize_ = end;
     }
   }
-  if (const auto delegate = delegate_.get().lock()) {
-    if (!hasRoom) {
-      delegate->audioBufferFailedToWrite(ENOMEM);
-    }
-    delegate->audioBufferDidWriteData(data, atByteOffset, withSize);
-  }
+  delegate_.tellWrite(data, atByteOffset, withSize, hasRoom ? 0 : ENOMEM);
 }
 
 bool OVAudioBuffer::growBeyond(std::uint64_t end) {
@@ -158,25 +152,42 @@ void OVAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
 
 void OVAudioBuffer::reverseBuffer() {
   const std::lock_guard lock(bufferLock_);
+  constexpr std::size_t kSample = sizeof(std::uint32_t);  // whatever its bits mean
   const std::uint64_t length = std::min<std::uint64_t>(bufferFillSize_, sampleBuffer_.size());
-  std::vector<std::uint32_t> values(length / sizeof(std::uint32_t));
-  if (values.empty()) {
-    return;
+  std::byte* const samples = sampleBuffer_.data();
+  for (std::size_t left = 0, right = length / kSample; left + 1 < right; ++left) {
+    --right;
+    std::swap_ranges(samples + left * kSample, samples + (left + 1) * kSample,
+                     samples + right * kSample);
   }
-  const std::size_t byteCount = values.size() * sizeof(std::uint32_t);
-  std::memcpy(values.data(), sampleBuffer_.data(), byteCount);
-  std::reverse(values.begin(), values.end());
-  std::memcpy(sampleBuffer_.data(), values.data(), byteCount);
 }
 
 void OVAudioBuffer::setWaypoint() {
-  const std::lock_guard lock(bufferLock_);
+  bool copied = false;
+  {
+    const std::lock_guard lock(bufferLock_);
+    copied = makeCopy();
+  }
+  if (!copied) {
+    ConsoleLog("could not keep a copy of %" PRIu64 " bytes for undo: out of memory",
+               bufferCapacity_.load());
+  }
+}
+
+bool OVAudioBuffer::makeCopy() {
   tmpBuffer_.reset();  // before the copy is made: both at once would need the memory thrice
-  tmpBuffer_ = std::make_unique<Samples>(
-      sampleBuffer_.begin(),
-      sampleBuffer_.begin() + static_cast<std::ptrdiff_t>(bufferCapacity_.load()));
+  tmpBufferFillSize_ = 0;
+  tmpBufferCapacity_ = 0;
+  try {
+    tmpBuffer_ = std::make_unique<Samples>(
+        sampleBuffer_.begin(),
+        sampleBuffer_.begin() + static_cast<std::ptrdiff_t>(bufferCapacity_.load()));
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
   tmpBufferFillSize_ = bufferFillSize_;
   tmpBufferCapacity_ = bufferCapacity_;
+  return true;
 }
 
 void OVAudioBuffer::undo() {

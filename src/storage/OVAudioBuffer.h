@@ -55,7 +55,8 @@ class OVAudioBuffer : public OVAudioBufferInterface {
   /// Reverses the order of the samples, not of the frames: left and right change places.
   void reverseBuffer() override;
 
-  /// Copies the whole capacity, once; replaces the copy made before.
+  /// Copies the whole capacity, once; replaces the copy made before. Without the memory for it
+  /// there is then no copy at all, and a console line says so.
   void setWaypoint() override;
   /// Both exchange the recording and the copy of the last waypoint; nothing without one.
   void undo() override;
@@ -87,9 +88,10 @@ class OVAudioBuffer : public OVAudioBufferInterface {
 
   OVAudioBuffer();
 
-  // The first two with bufferLock held.
+  // The first three with bufferLock held.
   [[nodiscard]] bool growBeyond(std::uint64_t end);
   [[nodiscard]] std::uint64_t readableFrom(std::uint64_t offset, std::uint64_t byteCount) const;
+  [[nodiscard]] bool makeCopy();
   void exchangeWithCopy();
 
   const platform::AudioStreamBasicDescription format_;

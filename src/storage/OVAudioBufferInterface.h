@@ -12,7 +12,7 @@ struct BufferReadResult {
   std::uint64_t byteCount = 0;   ///< bytes read
 };
 
-/// Told of every write to a buffer.
+/// Told of every write to a buffer, and of what its storage cannot take or give back.
 class OVAudioBufferDelegate {
  public:
   virtual ~OVAudioBufferDelegate() = default;
@@ -35,6 +35,14 @@ class OVAudioBufferDelegate {
   /// Threads: the writer's, after the buffer's lock was released.
   /// Real-time: not safe.
   virtual void audioBufferFailedToWrite(int error) { static_cast<void>(error); }
+
+  /// The storage could not give back bytes that it holds (`error` is an errno value, EIO where the
+  /// system gives no reason); the read ends before them. Called for every read that fails, whoever
+  /// reads: the delegate decides how often a person is told.
+  ///
+  /// Threads: the reader's, after the buffer's lock was released.
+  /// Real-time: not safe.
+  virtual void audioBufferFailedToRead(int error) { static_cast<void>(error); }
 };
 
 /// The audio of one document, behind which every kind of storage is interchangeable.

@@ -1,13 +1,13 @@
 #include "storage/OVBlockBuffer.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cinttypes>
 #include <limits>
 #include <utility>
 
 #include "platform/ApplicationServices.h"
 #include "storage/TemporaryFileAccess.h"
+#include "storage/WriteBounds.h"
 
 namespace {
 
@@ -15,7 +15,6 @@ constexpr std::size_t kWaypointCapacity = 32;           // entries; grows beyond
 constexpr std::size_t kLongestPath = 4095;              // bytes of a template, without its end
 constexpr std::uint64_t kWritesBetweenOptimizing = 21;  // about two seconds of recording
 
-constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 constexpr auto kLargestCount = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
 
 }  // namespace
@@ -44,9 +43,7 @@ std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
 
 void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (withSize > kHighestAddress - atByteOffset) {
-    ConsoleLog("refused to write %" PRIu32 " bytes at %" PRIu64 ": past the highest address",
-               withSize, atByteOffset);
+  if (!staysWithinAddresses(atByteOffset, withSize)) {
     return;
   }
   platform::FileTransfer written;
@@ -54,18 +51,18 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
   {
     const std::lock_guard appending(appendLock_);
     written = f_file_->writeAt(data, withSize, f_write_pos_);
+    if (written.byteCount < withSize) {
+      // Silence takes no room: reads go on behind the lost stretch. Where the file cannot be made
+      // longer either, they end in it until a later write has done that.
+      static_cast<void>(f_file_->setSize(f_write_pos_ + withSize));
+    }
     const std::lock_guard lock(bufferLock_);
     blocksAdded = mapAppended(atByteOffset, withSize);
   }
   if (blocksAdded >= kWritesBetweenOptimizing) {
     optimize();
   }
-  if (const auto delegate = delegate_.get().lock()) {
-    if (written.byteCount < withSize) {
-      delegate->audioBufferFailedToWrite(written.error != 0 ? written.error : EIO);
-    }
-    delegate->audioBufferDidWriteData(data, atByteOffset, withSize);
-  }
+  delegate_.tellWrite(data, atByteOffset, withSize, errorOfTransfer(written, withSize));
 }
 
 // Maps the bytes just appended; gives the number of writes since the list was last optimised.
@@ -97,10 +94,10 @@ BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t wi
   auto* const bytes = static_cast<std::byte*>(destination);
   std::uint64_t total = 0;
   for (const Stretch& stretch : wanted) {
-    const std::uint64_t got =
-        readWhole(*f_file_, bytes + total, stretch.byteCount, stretch.fileOffset).byteCount;
-    total += got;
-    if (got < stretch.byteCount) {
+    const auto got = readWhole(*f_file_, bytes + total, stretch.byteCount, stretch.fileOffset);
+    total += got.byteCount;
+    if (got.byteCount < stretch.byteCount) {
+      delegate_.tellFailedRead(got.error);
       break;
     }
   }
@@ -242,9 +239,7 @@ double OVBlockBuffer::powerAtPosition(std::uint64_t position) {
 }
 
 void OVBlockBuffer::removeTempFile(const std::optional<std::string>& path) {
-  if (path) {
-    platform::deleteFile(*path);
-  }
+  deleteTemporaryFile(path);
 }
 
 std::weak_ptr<OVAudioBufferDelegate> OVBlockBuffer::delegate() const {

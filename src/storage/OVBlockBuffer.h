@@ -50,12 +50,14 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   /// Appends the bytes to the file and maps them at the offset; every 21st write merges
   /// neighbouring blocks. A write of no bytes maps an empty block. Bytes that the disk does not
   /// take are mapped all the same: the file's end moves on by the whole count, so that the lost
-  /// stretch reads as silence or not at all, never as other audio, and the delegate hears of the
-  /// errno first. A write that would end past the highest address is refused with a console line.
+  /// stretch reads as silence, never as other audio (where the file cannot be made longer either,
+  /// it ends a read until a later write succeeds), and the delegate hears of the errno first. A
+  /// write that would end past the highest address is refused with a console line.
   void writeData(const void* data, std::uint64_t atByteOffset, std::uint32_t withSize) override;
 
-  /// Ends at the recording's end, at a hole, and where the file answers with no bytes. A count of
-  /// 2^63 and more is refused with a console line. At or past the end it takes no lock.
+  /// Ends at the recording's end, at a hole, and where the file answers with no bytes, which the
+  /// delegate hears of. A count of 2^63 and more is refused with a console line. At or past the end
+  /// it takes no lock.
   [[nodiscard]] BufferReadResult readDataInto(void* destination, std::uint64_t withSize,
                                               std::uint64_t fromOffset) override;
 

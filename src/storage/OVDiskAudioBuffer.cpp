@@ -1,27 +1,21 @@
 #include "storage/OVDiskAudioBuffer.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cinttypes>
 #include <cstring>
-#include <limits>
 #include <system_error>
 #include <utility>
 
 #include "platform/ApplicationServices.h"
 #include "storage/TemporaryFileAccess.h"
+#include "storage/WriteBounds.h"
 
 namespace {
 
-constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t kCopiedAtOnce = std::uint64_t{1} << 20;  // bytes; memory, not a measure
 
 static_assert(static_cast<double>(OVDiskAudioBuffer::kCacheCapacity) ==
               platform::kWorkingFormat.mBytesPerFrame * platform::kWorkingFormat.mSampleRate * 10);
-
-int errorOf(const platform::FileTransfer& transfer) {
-  return transfer.error != 0 ? transfer.error : EIO;
-}
 
 // Copies what lies from a position on to the start of another file. The errno of a failure.
 int copyTail(platform::File& from, std::uint64_t position, platform::File& to) {
@@ -34,12 +28,12 @@ int copyTail(platform::File& from, std::uint64_t position, platform::File& to) {
   for (std::uint64_t done = 0; done < kept;) {
     const std::uint64_t count = std::min<std::uint64_t>(bytes.size(), kept - done);
     const auto read = readWhole(from, bytes.data(), count, position + done);
-    if (read.byteCount < count) {
-      return errorOf(read);
+    if (const int error = errorOfTransfer(read, count); error != 0) {
+      return error;
     }
     const auto written = to.writeAt(bytes.data(), count, done);
-    if (written.byteCount < count) {
-      return errorOf(written);
+    if (const int error = errorOfTransfer(written, count); error != 0) {
+      return error;
     }
     done += count;
   }
@@ -81,9 +75,7 @@ platform::TemporaryFiles::Created OVDiskAudioBuffer::createFile() {
 
 void OVDiskAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                                   std::uint32_t withSize) {
-  if (withSize > kHighestAddress - atByteOffset) {
-    ConsoleLog("refused to write %" PRIu32 " bytes at %" PRIu64 ": past the highest address",
-               withSize, atByteOffset);
+  if (!staysWithinAddresses(atByteOffset, withSize)) {
     return;
   }
   platform::FileTransfer written;
@@ -93,12 +85,7 @@ void OVDiskAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
     f_size_.store(std::max(f_size(), atByteOffset + withSize), std::memory_order_relaxed);
   }
   discardCache();
-  if (const auto delegate = delegate_.get().lock()) {
-    if (written.byteCount < withSize) {
-      delegate->audioBufferFailedToWrite(errorOf(written));
-    }
-    delegate->audioBufferDidWriteData(data, atByteOffset, withSize);
-  }
+  delegate_.tellWrite(data, atByteOffset, withSize, errorOfTransfer(written, withSize));
 }
 
 BufferReadResult OVDiskAudioBuffer::readDataInto(void* destination, std::uint64_t withSize,
@@ -119,13 +106,20 @@ BufferReadResult OVDiskAudioBuffer::readDataInto(void* destination, std::uint64_
 
 BufferReadResult OVDiskAudioBuffer::readDataIntoNoCache(void* destination, std::uint64_t withSize,
                                                         std::uint64_t fromOffset) {
-  const std::lock_guard lock(bufferLock_);
-  const std::uint64_t end = f_size();
-  const std::uint64_t available = fromOffset < end ? end - fromOffset : 0;
   const std::uint64_t frameBytes = format_.mBytesPerFrame;
-  const std::uint64_t wanted = std::min(withSize, available) / frameBytes * frameBytes;
-  const std::uint64_t got = readWhole(*f_file_, destination, wanted, fromOffset).byteCount;
-  return resultOf(destination, got / frameBytes * frameBytes);
+  std::uint64_t wanted = 0;
+  platform::FileTransfer read;
+  {
+    const std::lock_guard lock(bufferLock_);
+    const std::uint64_t end = f_size();
+    const std::uint64_t available = fromOffset < end ? end - fromOffset : 0;
+    wanted = std::min(withSize, available) / frameBytes * frameBytes;
+    read = readWhole(*f_file_, destination, wanted, fromOffset);
+  }
+  if (read.byteCount < wanted) {
+    delegate_.tellFailedRead(read.error);
+  }
+  return resultOf(destination, read.byteCount / frameBytes * frameBytes);
 }
 
 BufferReadResult OVDiskAudioBuffer::resultOf(void* destination, std::uint64_t byteCount) const {
@@ -243,9 +237,7 @@ void OVDiskAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
   other.file.reset();
   removeTempFile(other.path);
   if (error != 0) {
-    if (const auto delegate = delegate_.get().lock()) {
-      delegate->audioBufferFailedToWrite(error);
-    }
+    delegate_.tellFailure(error);
   }
 }
 
@@ -274,9 +266,7 @@ double OVDiskAudioBuffer::powerAtPosition(std::uint64_t position) {
 }
 
 void OVDiskAudioBuffer::removeTempFile(const std::optional<std::string>& path) {
-  if (path) {
-    platform::deleteFile(*path);
-  }
+  deleteTemporaryFile(path);
 }
 
 std::weak_ptr<OVAudioBufferDelegate> OVDiskAudioBuffer::delegate() const {

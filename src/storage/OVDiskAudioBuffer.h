@@ -60,12 +60,13 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
   /// console line.
   void writeData(const void* data, std::uint64_t atByteOffset, std::uint32_t withSize) override;
 
-  /// From the cache where it holds all that is asked for, to the byte; otherwise from the file, in
-  /// whole frames, and a fill of the cache from `fromOffset` on is put into the queue unless one
-  /// stands there.
+  /// From the cache where it holds all that is asked for, to the byte; otherwise as
+  /// readDataIntoNoCache(), and a fill of the cache from `fromOffset` on is put into the queue
+  /// unless one stands there.
   [[nodiscard]] BufferReadResult readDataInto(void* destination, std::uint64_t withSize,
                                               std::uint64_t fromOffset) override;
-  /// From the file, in whole frames; the cache stays as it is.
+  /// From the file, in whole frames; the cache stays as it is. The delegate hears of what the file
+  /// does not give back.
   [[nodiscard]] BufferReadResult readDataIntoNoCache(void* destination, std::uint64_t withSize,
                                                      std::uint64_t fromOffset);
 

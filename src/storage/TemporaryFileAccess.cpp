@@ -1,5 +1,6 @@
 #include "storage/TemporaryFileAccess.h"
 
+#include <cerrno>
 #include <cstddef>
 
 #include "platform/ApplicationServices.h"
@@ -18,6 +19,19 @@ platform::FileTransfer readWhole(platform::File& file, void* destination, std::u
     }
   }
   return whole;
+}
+
+int errorOfTransfer(const platform::FileTransfer& transfer, std::uint64_t byteCount) {
+  if (transfer.byteCount >= byteCount) {
+    return 0;
+  }
+  return transfer.error != 0 ? transfer.error : EIO;
+}
+
+void deleteTemporaryFile(const std::optional<std::string>& path) {
+  if (path) {
+    platform::deleteFile(*path);
+  }
 }
 
 void tellThatNoTemporaryFileOpens(const std::string& path) {

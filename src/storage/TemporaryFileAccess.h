@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "platform/File.h"
@@ -11,6 +12,17 @@
 /// Threads: any. Real-time: not safe.
 [[nodiscard]] platform::FileTransfer readWhole(platform::File& file, void* destination,
                                                std::uint64_t byteCount, std::uint64_t fileOffset);
+
+/// Why a transfer moved fewer bytes than it should have: its errno, EIO where it has none; 0 when
+/// it moved them all.
+///
+/// Threads: any. Real-time: safe.
+[[nodiscard]] int errorOfTransfer(const platform::FileTransfer& transfer, std::uint64_t byteCount);
+
+/// Deletes the file at a path, if one is given; an error is ignored.
+///
+/// Threads: any. Real-time: not safe.
+void deleteTemporaryFile(const std::optional<std::string>& path);
 
 /// Tells in a modal alert that a temporary file could not be made at a path. Hold no lock.
 ///

@@ -70,12 +70,12 @@ std::shared_ptr<OVDynamicWaveForm> OVDynamicWaveForm::initWithBuffer(
 OVDynamicWaveForm::OVDynamicWaveForm(Passkey, std::shared_ptr<OVAudioBufferInterface> audioBuffer)
     : audioBuffer_(std::move(audioBuffer)) {}
 
-void OVDynamicWaveForm::generate() {
+void OVDynamicWaveForm::generate(const std::atomic<bool>* cancelled) {
   const std::lock_guard generation(bufferLock_);
-  generateNoLock();
+  generateNoLock(cancelled);
 }
 
-void OVDynamicWaveForm::generateNoLock() {
+void OVDynamicWaveForm::generateNoLock(const std::atomic<bool>* cancelled) {
   // Acquired from the setter: the edit that it followed is seen by the reads below.
   if (regenerate_.load(std::memory_order_acquire)) {
     reset();
@@ -84,8 +84,14 @@ void OVDynamicWaveForm::generateNoLock() {
     // One read size for the whole call, also when elements double during it.
     SummaryReader reader(*audioBuffer_, chunksize());
     ReadPoint next = readPoint();
-    for (auto blocks = reader.readBlocks(next.byteOffset); !blocks.empty();
-         blocks = reader.readBlocks(next.byteOffset)) {
+    for (;;) {
+      if (isSet(cancelled)) {
+        return;  // isRegenerating() stays: what is missing is taken in by the next one
+      }
+      const auto blocks = reader.readBlocks(next.byteOffset);
+      if (blocks.empty()) {
+        break;
+      }
       next = publish(blocks, next);
     }
   }

@@ -58,8 +58,10 @@ class OVDynamicWaveForm final : public OVWaveformSummary {
   OVDynamicWaveForm(const OVDynamicWaveForm&) = delete;
   OVDynamicWaveForm& operator=(const OVDynamicWaveForm&) = delete;
 
-  void generate() override;
-  void generateNoLock() override;
+  using OVWaveformSummary::generate;
+  using OVWaveformSummary::generateNoLock;
+  void generate(const std::atomic<bool>* cancelled) override;
+  void generateNoLock(const std::atomic<bool>* cancelled) override;
 
   /// The next generation starts from the beginning. One that is running is not cut short, and the
   /// request outlasts it.

@@ -22,6 +22,6 @@ void drawPlaybackMarker(QPainter& painter, QSizeF size, double position, double 
     return;
   }
   const auto alpha = static_cast<float>(markerAlpha(audioLevel));
-  painter.setPen(platform::viewPen(QColor::fromRgbF(1.0F, 1.0F, 1.0F, alpha), kLineWidth));
-  painter.drawLine(QPointF(x, 0.0), QPointF(x, size.height()));
+  platform::fillUprightBar(painter, x - kLineWidth / 2.0, x + kLineWidth / 2.0, size.height(),
+                           QColor::fromRgbF(1.0F, 1.0F, 1.0F, alpha));
 }

@@ -54,14 +54,14 @@ OVStaticWaveform::OVStaticWaveform(Passkey, std::shared_ptr<OVAudioBufferInterfa
                                    std::shared_ptr<OVDynamicWaveForm> dynamicWaveform)
     : audioBuffer_(std::move(audioBuffer)), dynwaveform_(std::move(dynamicWaveform)) {}
 
-void OVStaticWaveform::regenerate() {
+void OVStaticWaveform::regenerate(const std::atomic<bool>* cancelled) {
   // The flag already stands while the lock is waited for.
   isRegenerating_.store(true, std::memory_order_relaxed);
   const std::lock_guard generation(bufferLock_);
-  regenerateNoLock();
+  regenerateNoLock(cancelled);
 }
 
-void OVStaticWaveform::regenerateNoLock() {
+void OVStaticWaveform::regenerateNoLock(const std::atomic<bool>* cancelled) {
   isRegenerating_.store(true, std::memory_order_relaxed);
   // An exchange, not a store: a request that it swallows is one whose edit the reads that follow
   // do see.
@@ -77,17 +77,24 @@ void OVStaticWaveform::regenerateNoLock() {
     const auto length = static_cast<double>(audioBuffer_->bufferSizeInFrames());
     const auto framesPerElement = static_cast<std::uint64_t>(length * (1.0 / kSlots));
     if (framesPerElement > 0) {
-      summariseInBlocksOf(framesPerElement);
+      summariseInBlocksOf(framesPerElement, cancelled);
     }
+  }
+  if (isSet(cancelled)) {
+    setShouldRegenerateWaveform(true);
   }
   isRegenerating_.store(false, std::memory_order_relaxed);
 }
 
-void OVStaticWaveform::summariseInBlocksOf(std::uint64_t frameCount) {
+void OVStaticWaveform::summariseInBlocksOf(std::uint64_t frameCount,
+                                           const std::atomic<bool>* cancelled) {
   SummaryReader reader(*audioBuffer_, frameCount);
   std::uint64_t byteOffset = 0;
-  for (auto blocks = reader.readBlocks(byteOffset); !blocks.empty() && publish(blocks);
-       blocks = reader.readBlocks(byteOffset)) {
+  while (!isSet(cancelled)) {
+    const auto blocks = reader.readBlocks(byteOffset);
+    if (blocks.empty() || !publish(blocks)) {
+      return;
+    }
     for (const SummaryReader::Block& block : blocks) {
       byteOffset += block.byteCount;
     }
@@ -113,15 +120,15 @@ bool OVStaticWaveform::publish(std::span<const SummaryReader::Block> blocks) {
   return elements_.buffer_pos < kElementCount;
 }
 
-void OVStaticWaveform::generate() {
+void OVStaticWaveform::generate(const std::atomic<bool>* cancelled) {
   if (shouldRegenerateWaveform()) {
-    regenerate();
+    regenerate(cancelled);
   }
 }
 
-void OVStaticWaveform::generateNoLock() {
+void OVStaticWaveform::generateNoLock(const std::atomic<bool>* cancelled) {
   if (shouldRegenerateWaveform()) {
-    regenerateNoLock();
+    regenerateNoLock(cancelled);
   }
 }
 

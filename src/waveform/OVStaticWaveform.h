@@ -53,11 +53,14 @@ class OVStaticWaveform final : public OVWaveformSummary {
   /// Summarises the whole buffer: each element covers the buffer's length divided by 1024, rounded
   /// down. The frames that the division leaves over are not summarised, and with less than 1024
   /// frames, or beyond a hole, elements stay as they were.
-  void regenerate();
+  /// A cancelled one asks for another.
+  void regenerate(const std::atomic<bool>* cancelled = nullptr);
 
   /// regenerate() if shouldRegenerateWaveform() is set, else nothing.
-  void generate() override;
-  void generateNoLock() override;
+  using OVWaveformSummary::generate;
+  using OVWaveformSummary::generateNoLock;
+  void generate(const std::atomic<bool>* cancelled) override;
+  void generateNoLock(const std::atomic<bool>* cancelled) override;
   void setShouldRegenerateWaveform(bool should) override;
   [[nodiscard]] bool shouldRegenerateWaveform() const;
   [[nodiscard]] bool isRegenerating() const override;
@@ -113,8 +116,8 @@ class OVStaticWaveform final : public OVWaveformSummary {
     std::uint64_t buffer_pos = 0;  ///< write index of a generation
   };
 
-  void regenerateNoLock();
-  void summariseInBlocksOf(std::uint64_t frameCount);
+  void regenerateNoLock(const std::atomic<bool>* cancelled);
+  void summariseInBlocksOf(std::uint64_t frameCount, const std::atomic<bool>* cancelled);
   [[nodiscard]] bool publish(std::span<const SummaryReader::Block> blocks);
   static void fillPatch(Patch& patch, const float* samples, std::uint64_t sampleCount,
                         std::uint64_t samplesPerElement, double slotsPerStep, double slot);

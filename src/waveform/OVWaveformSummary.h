@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -20,9 +21,16 @@ class OVWaveformSummary {
   virtual ~OVWaveformSummary() = default;
 
   /// Brings the summary up to date with the audio under the lock.
-  virtual void generate() = 0;
+  ///
+  /// @param cancelled  once any thread has set it, the generation ends with the batch that it is at
+  ///                   and leaves the summary unfinished: the next generation completes it. May be
+  ///                   null; must outlive the call
+  virtual void generate(const std::atomic<bool>* cancelled) = 0;
   /// The same without taking the lock: the caller holds it, or knows that no one else generates.
-  virtual void generateNoLock() = 0;
+  virtual void generateNoLock(const std::atomic<bool>* cancelled) = 0;
+  /// Both to their end.
+  void generate() { generate(nullptr); }
+  void generateNoLock() { generateNoLock(nullptr); }
   /// Makes the next generate() start from the beginning of the audio.
   virtual void setShouldRegenerateWaveform(bool should) = 0;
   /// A generation from scratch is under way.
@@ -50,4 +58,9 @@ class OVWaveformSummary {
 
   virtual void lock() = 0;
   virtual void unlock() = 0;
+
+ protected:
+  [[nodiscard]] static bool isSet(const std::atomic<bool>* cancelled) {
+    return cancelled != nullptr && *cancelled;
+  }
 };

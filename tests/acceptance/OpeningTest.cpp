@@ -39,6 +39,21 @@ class Opening : public DocumentTest {
     })) << seed;
   }
 
+  /// Opens the File menu by its keys and in it the list of recent files, as soon as there is one.
+  void openRecentMenu() {
+    constexpr std::chrono::seconds kAgain{2};
+    const auto popUps = [this] {
+      return screen_->windowsOf(orvo_->pid(), "").size() -
+             screen_->windowsOf(orvo_->pid(), "Orvo - ").size();
+    };
+    ASSERT_TRUE(eventually([&] {
+      static_cast<void>(screen_->pressKey("Escape") && screen_->pressKey("Escape"));
+      return screen_->pressKey("alt+f") && eventually([&] { return popUps() == 1; }, kAgain) &&
+             screen_->pressKey("Down") && screen_->pressKey("Down") && screen_->pressKey("Right") &&
+             eventually([&] { return popUps() == 2; }, kAgain);
+    }));
+  }
+
   std::string file(const std::string& name, double seconds, std::uint32_t seed) {
     EXPECT_TRUE(writeWav(document(name), signalOfSeconds(seconds, seed)));
     return document(name);
@@ -69,11 +84,39 @@ TEST_F(Opening, TypedPathIsOpenedInAWindowOfItsOwn) {
   EXPECT_TRUE(alerts().empty());
 }
 
+TEST_F(Opening, SeveralFilesNamedInThePanelGetWindowsOfTheirOwn) {
+  const std::string one = file("one.wav", 0.5, 57);
+  const std::string two = file("two.wav", 0.7, 58);
+  static_cast<void>(file("three.wav", 0.3, 59));
+  ASSERT_NO_FATAL_FAILURE(startOrvo());
+  const Window shown = openPanel("ctrl+o", "Open");
+  ASSERT_FALSE(shown.empty());
+  ASSERT_NO_FATAL_FAILURE(chooseFile('"' + one + "\" \"" + two + '"'));
+  ASSERT_TRUE(screen_->waitUntilGone(shown));
+  expectDocuments({"Unnamed", "one.wav", "two.wav"});
+  expectLoaded(0.5, 57);
+  expectLoaded(0.7, 58);
+  EXPECT_TRUE(alerts().empty());
+}
+
+TEST_F(Opening, OpenRecentOpensAFileAgain) {
+  RunningOrvo::Options options;
+  options.files = {file("take & more.wav", 0.5, 60)};
+  ASSERT_NO_FATAL_FAILURE(startOrvo(options));
+  expectDocuments({"take & more.wav"});
+  ASSERT_NO_FATAL_FAILURE(openRecentMenu());
+  ASSERT_TRUE(screen_->pressKey("Return"));
+  expectDocuments({"take & more.wav", "take & more.wav"});
+  expectLoaded(0.5, 60);
+  EXPECT_TRUE(alerts().empty());
+}
+
 TEST_F(Opening, FilesDroppedOnAWindowGetWindowsOfTheirOwn) {
+  const std::string noUtf8 = "two \xFF.wav";
   std::string error;
   ASSERT_NO_FATAL_FAILURE(startOrvo());
   const auto source =
-      ChildProcess::start({ORVO_DRAG_SOURCE, file("one.wav", 0.5, 55), file("two.wav", 0.7, 56)},
+      ChildProcess::start({ORVO_DRAG_SOURCE, file("one.wav", 0.5, 55), file(noUtf8, 0.7, 56)},
                           screen_->environment(), error);
   ASSERT_NE(source, nullptr) << error;
   const auto tells = [&](const std::string& text) {
@@ -92,7 +135,7 @@ TEST_F(Opening, FilesDroppedOnAWindowGetWindowsOfTheirOwn) {
   })) << source->output();
   ASSERT_TRUE(screen_->mouseUp());
   EXPECT_TRUE(tells("dropped")) << source->output();
-  expectDocuments({"Unnamed", "one.wav", "two.wav"});
+  expectDocuments({"Unnamed", "one.wav", "two \xEF\xBF\xBD.wav"});
   expectLoaded(0.5, 55);
   expectLoaded(0.7, 56);
   EXPECT_TRUE(alerts().empty());

@@ -1,5 +1,6 @@
 // Closing and quitting with what is not saved: nothing goes without an answer.
 
+#include <csignal>
 #include <utility>
 
 #include "acceptance/DocumentTest.h"
@@ -18,6 +19,15 @@ class Quitting : public DocumentTest {
   }
 
   void expectEnd() { EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, 0})); }
+
+  /// Behind the question nothing is recorded any more.
+  void waitUntilNoFurtherFrame(std::size_t document) {
+    std::uint64_t frames = 0;
+    ASSERT_TRUE(eventually([&] {
+      const std::uint64_t last = std::exchange(frames, orvo_->recordedFrames(document));
+      return last == frames && frames > 0;
+    })) << "it goes on recording behind the question";
+  }
 
   /// Names the file that is asked for, and expects the program to end with it.
   void nameItAndExpectEnd(const std::string& path) {
@@ -75,9 +85,13 @@ TEST_F(Quitting, TwoEditedWindowsAreEachAskedFor) {
   ASSERT_TRUE(screen_->activate(second));
   ASSERT_TRUE(screen_->pressKey("r"));
   ASSERT_TRUE(orvo_->waitUntilRecorded(1, 1));
-  ASSERT_NO_FATAL_FAILURE(feed(signalOfSeconds(0.3, 37)));
+  const Samples signal = signalOfSeconds(0.3, 37);
+  ASSERT_NO_FATAL_FAILURE(feed(signal));
+  ASSERT_NO_FATAL_FAILURE(expectRecorded(signal, 1));
   ASSERT_TRUE(screen_->pressKey("ctrl+q"));
   ASSERT_TRUE(eventually([&] { return alerts().size() == 2; }));
+  ASSERT_NO_FATAL_FAILURE(waitUntilNoFurtherFrame(1));
+  const Samples other = orvo_->recorded(1);
   // One is thrown away and the other kept.
   const auto sheets = alerts();
   ASSERT_NO_FATAL_FAILURE(answer(sheets[1], Answer::dontSave));
@@ -90,9 +104,7 @@ TEST_F(Quitting, TwoEditedWindowsAreEachAskedFor) {
   ASSERT_TRUE(screen_->pressKey("ctrl+q"));
   ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::save));
   ASSERT_NO_FATAL_FAILURE(nameItAndExpectEnd(document("kept.wav")));
-  if (left != second) {
-    expectHolds(document("kept.wav"), first);
-  }
+  expectHolds(document("kept.wav"), left == second ? other : first);
 }
 
 TEST_F(Quitting, ClosingWhileRecordingStopsItAsksAndSavesAllOfIt) {
@@ -103,11 +115,7 @@ TEST_F(Quitting, ClosingWhileRecordingStopsItAsksAndSavesAllOfIt) {
   ASSERT_NO_FATAL_FAILURE(expectRecorded(signal));
   ASSERT_TRUE(screen_->close(orvo_->window()));
   ASSERT_TRUE(eventually([&] { return !alerts().empty(); }));
-  std::uint64_t frames = 0;
-  ASSERT_TRUE(eventually([&] {
-    const std::uint64_t last = std::exchange(frames, orvo_->recordedFrames());
-    return last == frames;
-  })) << "it goes on recording behind the question";
+  ASSERT_NO_FATAL_FAILURE(waitUntilNoFurtherFrame(0));
   const Samples recorded = orvo_->recorded();
   ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::save));
   ASSERT_NO_FATAL_FAILURE(nameItAndExpectEnd(document("take.wav")));
@@ -119,6 +127,41 @@ TEST_F(Quitting, WithNothingToSaveItEndsAtOnce) {
   ASSERT_FALSE(openFurtherWindow().empty());
   ASSERT_TRUE(screen_->pressKey("ctrl+q"));
   expectEnd();
+}
+
+TEST_F(Quitting, MinimisedWindowIsShownWithItsQuestion) {
+  ASSERT_NO_FATAL_FAILURE(startAndRecord(39));
+  const Window second = openFurtherWindow();
+  ASSERT_FALSE(second.empty());
+  ASSERT_TRUE(screen_->minimise(orvo_->window()));
+  ASSERT_TRUE(screen_->activate(second));
+  ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  EXPECT_TRUE(eventually([&] { return screen_->isVisible(orvo_->window()); }));
+  ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::dontSave));
+  expectEnd();
+}
+
+// Signals ----------------------------------------------------------------------------------------
+
+TEST_F(Quitting, SignalAsksAsQuitDoes) {
+  ASSERT_NO_FATAL_FAILURE(startAndRecord(40));
+  orvo_->process().signal(SIGTERM);
+  ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::dontSave));
+  expectEnd();
+}
+
+TEST_F(Quitting, SignalWithNothingToSaveEndsItAtOnce) {
+  ASSERT_NO_FATAL_FAILURE(startOrvo());
+  orvo_->process().signal(SIGINT);
+  expectEnd();
+}
+
+TEST_F(Quitting, SameSignalASecondTimeEndsItWithoutAnAnswer) {
+  ASSERT_NO_FATAL_FAILURE(startAndRecord(41));
+  orvo_->process().signal(SIGHUP);
+  ASSERT_TRUE(eventually([&] { return !alerts().empty(); }));
+  orvo_->process().signal(SIGHUP);
+  EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, SIGHUP}));
 }
 
 }  // namespace

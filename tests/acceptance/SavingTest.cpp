@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <unistd.h>
+
 #include "acceptance/DocumentTest.h"
 #include "support/AudioFileTools.h"
 
@@ -136,6 +138,48 @@ TEST_F(Saving, NameMayBeLongAndInAnyLanguage) {
   expectHolds(document(other), old);
   EXPECT_EQ(names(documents_).size(), 3U);
   EXPECT_TRUE(alerts().empty());
+}
+
+TEST_F(Saving, NameMayHoldQuotes) {
+  const std::string name = "say \"hi\" 'there'.wav";
+  ASSERT_NO_FATAL_FAILURE(recordSome(27));
+  ASSERT_NO_FATAL_FAILURE(saveAs(document(name), Kind::wav));
+  expectHolds(document(name), orvo_->recorded());
+  EXPECT_EQ(names(documents_), std::vector<std::string>{name});
+}
+
+TEST_F(Saving, NameThatIsTooLongIsToldAndAnotherOneCanBeGiven) {
+  ASSERT_NO_FATAL_FAILURE(recordSome(28));
+  const Window shown = openPanel("ctrl+shift+s", "Save As");
+  ASSERT_FALSE(shown.empty());
+  ASSERT_NO_FATAL_FAILURE(chooseFile(document(std::string(255, 'x'))));
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertAndDismissIt());
+  ASSERT_NO_FATAL_FAILURE(expectTitle("Unnamed*"));
+  EXPECT_TRUE(names(documents_).empty());
+  ASSERT_NO_FATAL_FAILURE(saveAs(document("short.wav"), Kind::wav));
+  expectHolds(document("short.wav"), orvo_->recorded());
+}
+
+TEST_F(Saving, DiskThatCanOnlyBeReadIsToldAndAnotherPlaceCanBeChosen) {
+  const std::string disk = folder_.makeFolder("disk");
+  RunningOrvo::Options options;
+  options.wrapper = {"unshare", "--mount", "--propagation", "private"};
+  if (::geteuid() != 0) {
+    options.wrapper.emplace_back("--map-root-user");
+  }
+  for (const char* word :
+       {"sh", "-c", "mount -t tmpfs -o ro tmpfs \"$0\" && exec \"$@\"", disk.c_str()}) {
+    options.wrapper.emplace_back(word);
+  }
+  ASSERT_NO_FATAL_FAILURE(startOrvo(options));
+  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 29)));
+  const Window shown = openPanel("ctrl+shift+s", "Save As");
+  ASSERT_FALSE(shown.empty());
+  ASSERT_NO_FATAL_FAILURE(chooseFile(disk + "/take.wav"));
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertAndDismissIt());
+  ASSERT_NO_FATAL_FAILURE(expectTitle("Unnamed*"));
+  ASSERT_NO_FATAL_FAILURE(saveAs(document("take.wav"), Kind::wav));
+  expectHolds(document("take.wav"), orvo_->recorded());
 }
 
 }  // namespace

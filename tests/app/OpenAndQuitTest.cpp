@@ -9,14 +9,19 @@
 
 #include "app/AppFixture.h"
 #include "app/OVApplicationEvents.h"
+#include "audio/Gate.h"
 #include "audio/OVAQRecorder.h"
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
+#include "platform/File.h"
+#include "platform/FileAddress.h"
+#include "support/FailingTemporaryFiles.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 using Reply = VelmarAppDelegate::TerminateReply;
@@ -132,6 +137,24 @@ TEST_F(OpenAndQuitTest, DroppedFilesAreOpenedEachInAWindowOfItsOwn) {
   awaitAllIdle();
 }
 
+TEST_F(OpenAndQuitTest, ADroppedFileIsOpenedByTheBytesOfItsName) {
+  OVRecorderWindow* const window = spawn();
+  const std::string name = "caf\xE9 100%41 \xFF.wav";  // no UTF-8, and no escape
+  QMimeData data;
+  const std::string address = platform::fileAddressOf(writeFile(name));
+  data.setData("text/uri-list", QByteArray::fromStdString("# a list\r\n" + address + "\r\n"));
+  QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(window, &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(window, &drop);
+  EXPECT_TRUE(runMainLoopUntil([] { return windows().size() == 2; }));
+  awaitAllIdle();
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  EXPECT_EQ(documentOf(newcomer({window}))->currentFilename(), at(name));
+  EXPECT_EQ(documentOf(newcomer({window}))->buffer()->bufferSizeInFrames(), 1000U);
+}
+
 TEST_F(OpenAndQuitTest, WhatIsNoFileCannotBeDropped) {
   OVRecorderWindow* const window = spawn();
   QMimeData data;
@@ -158,6 +181,7 @@ TEST_F(OpenAndQuitTest, OpenRecentListsTheLatestFilesAndOpensThem) {
   OVRecorderWindow* const window = windows().at(0);
   auto* const recent = window->findChild<QMenu*>("Open Recent");
   ASSERT_NE(recent, nullptr);
+  awaitAllIdle();
   EXPECT_TRUE(runMainLoopUntil([&] {
     Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
     return recent->actions().size() == 1;
@@ -192,6 +216,38 @@ TEST_F(OpenAndQuitTest, TheItemsOfADocumentFollowItsFileOperations) {
   }
   awaitAllIdle();
   EXPECT_TRUE(item(window, "Save")->isEnabled());
+}
+
+TEST_F(OpenAndQuitTest, NothingIsOpenedFromAWindowWhoseFileOperationRuns) {
+  delegate_.applicationOpenFile(writeFile("take.wav"));
+  OVRecorderWindow* const window = windows().at(0);
+  auto* const recent = window->findChild<QMenu*>("Open Recent");
+  awaitAllIdle();
+  EXPECT_TRUE(runMainLoopUntil([&] {
+    Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
+    return recent->isEnabled();
+  }));
+  EXPECT_TRUE(item(window, "Open…")->isEnabled());
+  QAction* const latest = recent->actions().at(0);
+  documentOf(window)->saveFileNamed(at("copy.wav"), 0);
+  EXPECT_FALSE(item(window, "Open…")->isEnabled());
+  EXPECT_FALSE(recent->isEnabled());
+  Q_EMIT item(window, "Open…")->triggered();
+  EXPECT_EQ(panels_->openPanels(), 0U);
+  Q_EMIT latest->triggered();
+  EXPECT_EQ(windows().size(), 1U);
+  awaitAllIdle();
+  EXPECT_TRUE(item(window, "Open…")->isEnabled());
+  EXPECT_TRUE(recent->isEnabled());
+}
+
+TEST_F(OpenAndQuitTest, AFileCanBeOpenedFromAWindowWithoutStorage) {
+  support::FailingTemporaryFiles files;
+  files.failCreation(ENOSPC);
+  const platform::TemporaryFilesInstallation installation(files);
+  OVRecorderWindow* const window = spawn();
+  EXPECT_FALSE(item(window, "Save")->isEnabled());
+  EXPECT_TRUE(item(window, "Open…")->isEnabled());
 }
 
 TEST_F(OpenAndQuitTest, DocumentationAndWebsiteOpenInTheBrowser) {
@@ -285,6 +341,87 @@ TEST_F(OpenAndQuitTest, AnEditedWindowWithAPanelEndsTheQuit) {
   EXPECT_EQ(panels_->sheets(), 1U);
 }
 
+TEST_F(OpenAndQuitTest, APanelInOneWindowStillLetsEachOtherEditedWindowAsk) {
+  answerQuestionsWith(std::nullopt);
+  std::vector<OVRecorderWindow*> edited;
+  for (int i = 0; i < 5; ++i) {
+    edited.push_back(spawnEdited());
+    edited.back()->setTitle(QString::number(i));
+    documentOf(edited.back())->setCurrentFilename(at(std::to_string(i)));
+  }
+  item(edited[2], "Import…")->trigger();
+  delegate_.terminate();
+  EXPECT_FALSE(delegate_.isTerminating());
+  std::vector<std::string> asked;
+  while (panels_->sheets() > 0) {
+    asked.push_back(panels_->sheet().title.toStdString());
+    panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+  }
+  // In the order in which the windows were made.
+  EXPECT_THAT(asked,
+              ElementsAre(HasSubstr("“0”"), HasSubstr("“1”"), HasSubstr("“3”"), HasSubstr("“4”")));
+  panels_->answerOpen({});
+  EXPECT_EQ(quits_, 0);
+}
+
+TEST_F(OpenAndQuitTest, AMinimisedWindowIsShownWithItsQuestion) {
+  answerQuestionsWith(std::nullopt);
+  OVRecorderWindow* const minimised = spawnEdited();
+  OVRecorderWindow* const front = spawnEdited();
+  minimised->showMinimized();
+  ASSERT_TRUE(runMainLoopUntil([&] { return minimised->isMinimized(); }));
+  item(front, "Quit")->trigger();
+  EXPECT_EQ(panels_->sheets(), 2U);
+  EXPECT_FALSE(minimised->isMinimized());
+}
+
+TEST_F(OpenAndQuitTest, TheTerminationIsCheckedThirtyTimesASecond) {
+  answerQuestionsWith(std::nullopt);
+  EXPECT_EQ(delegate_.terminationTimer(), nullptr);
+  spawnEdited();
+  delegate_.terminate();
+  ASSERT_NE(delegate_.terminationTimer(), nullptr);
+  EXPECT_DOUBLE_EQ(delegate_.terminationTimer()->intervalInSeconds(), 0.033);
+  delegate_.terminate();  // the timer that is there stays the only one
+  panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+  EXPECT_EQ(delegate_.terminationTimer(), nullptr);
+}
+
+TEST_F(OpenAndQuitTest, TheSessionMayEndOnlyWithNothingUnsavedAndNothingBeingSaved) {
+  answerQuestionsWith(std::nullopt);
+  EXPECT_TRUE(delegate_.applicationMayEndSession());
+  OVRecorderWindow* const window = spawnEdited();
+  EXPECT_FALSE(delegate_.applicationMayEndSession());
+  ASSERT_EQ(panels_->sheets(), 1U);
+  panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+
+  window->setDocumentEdited(false);
+  documentOf(window)->saveFileNamed(at("copy.wav"), 0);
+  EXPECT_FALSE(delegate_.applicationMayEndSession());
+  awaitAllIdle();
+  EXPECT_TRUE(delegate_.applicationMayEndSession());
+  EXPECT_EQ(quits_, 0) << "the session ends the program, not we";
+}
+
+TEST_F(OpenAndQuitTest, AFileThatIsBeingOpenedDoesNotHoldTheSession) {
+  delegate_.applicationOpenFile(writeFile("long.wav", 100'000));
+  EXPECT_TRUE(delegate_.applicationMayEndSession());
+  awaitAllIdle();
+}
+
+TEST_F(OpenAndQuitTest, AnAlertOnItsWayIsWaitedFor) {
+  bool pending = true;
+  delegate_.setAlertsPendingCheck([&pending] { return pending; });
+  spawn();
+  delegate_.terminate();
+  EXPECT_TRUE(runMainLoopUntil([] { return windows().empty(); }));
+  EXPECT_TRUE(delegate_.isTerminating());
+  EXPECT_EQ(quits_, 0);
+  pending = false;
+  EXPECT_TRUE(awaitQuit());
+  EXPECT_FALSE(delegate_.isTerminating());
+}
+
 TEST_F(OpenAndQuitTest, TheDesktopsQuitAsksAsTheCommandDoes) {
   int asked = 0;
   OVApplicationEvents events(
@@ -323,10 +460,35 @@ TEST_F(OpenAndQuitTest, AWindowThatIsJustBeingSavedIsWaitedFor) {
   EXPECT_EQ(OVAudioFileReader::initWithFile(at("copy.wav"))->fileSizeInFrames(), 1000);
 }
 
+// At once is: with the piece of work that runs just then as the last.
 TEST_F(OpenAndQuitTest, QuittingWhileAFileIsLoadedEndsAtOnce) {
+  support::FailingTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  testaudio::Gate gate;
+  files.beforeWrites([&gate] { gate.pass(); });
   delegate_.applicationOpenFile(writeFile("long.wav", 3'000'000));
+  ASSERT_TRUE(gate.awaitArrival());
   delegate_.terminate();
   EXPECT_EQ(quits_, 1);
+  gate.open();
+  EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+  EXPECT_EQ(files.writes(), 1U);
+}
+
+TEST_F(OpenAndQuitTest, QuittingWhileTheWaveformOfALoadedFileIsBuiltEndsAtOnce) {
+  support::FailingTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  testaudio::Gate gate;
+  files.beforeReads([&gate] { gate.pass(); });
+  delegate_.applicationOpenFile(writeFile("long.wav", 3'000'000));
+  const auto document = documentOf(windows().at(0));
+  ASSERT_TRUE(runMainLoopUntil([&] { return document->isRenderingWaveform(); }));
+  ASSERT_TRUE(gate.awaitArrival());
+  delegate_.terminate();
+  EXPECT_EQ(quits_, 1);
+  gate.open();
+  EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+  EXPECT_EQ(files.reads(), 1U);
 }
 
 }  // namespace

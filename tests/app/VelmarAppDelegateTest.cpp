@@ -10,7 +10,10 @@
 #include <QTest>
 
 #include "app/AppFixture.h"
+#include "audio/OVAudioFileWriter.h"
 #include "controls/OVTransportButton.h"
+#include "storage/OVAudioBuffer.h"
+#include "support/TemporaryFolder.h"
 
 TEST_F(AppDelegateTest, LaunchingWithoutFilesShowsOneEmptyWindow) {
   delegate_.applicationWillFinishLaunching();
@@ -18,6 +21,40 @@ TEST_F(AppDelegateTest, LaunchingWithoutFilesShowsOneEmptyWindow) {
   delegate_.applicationDidFinishLaunching();
   ASSERT_EQ(windows().size(), 1u);
   EXPECT_TRUE(windows()[0]->isVisible());
+}
+
+TEST_F(AppDelegateTest, AFreshOneWantsAnEmptyWindowAndAFileThatWasOpenedNone) {
+  delegate_.applicationOpenFile("/nowhere/gone.wav");
+  delegate_.applicationDidFinishLaunching();
+  EXPECT_EQ(windows().size(), 1u);
+  delegate_.awakeFromNib();
+  delegate_.applicationDidFinishLaunching();
+  EXPECT_EQ(windows().size(), 2u);
+}
+
+TEST_F(AppDelegateTest, LinesGoToTheConsoleInTheDebugWindow) {
+  EXPECT_EQ(delegate_.debugWindow(), nullptr);
+  EXPECT_EQ(delegate_.debugConsole(), nullptr);
+  delegate_.logToConsole("one");
+  delegate_.logToConsole("two");
+  ASSERT_NE(delegate_.debugConsole(), nullptr);
+  EXPECT_EQ(delegate_.debugConsole()->toPlainText(), "one\ntwo");
+  EXPECT_TRUE(delegate_.debugConsole()->isReadOnly());
+  EXPECT_TRUE(delegate_.debugWindow()->isAncestorOf(delegate_.debugConsole()));
+  EXPECT_FALSE(delegate_.debugWindow()->isVisible());
+  delegate_.showDiagnostics();
+  EXPECT_TRUE(delegate_.debugWindow()->isVisible());
+}
+
+TEST_F(AppDelegateTest, AConsoleThatIsSetGetsTheLines) {
+  auto window = std::make_unique<QWidget>();
+  auto* const shown = window.get();
+  auto* const console = new QPlainTextEdit(shown);
+  delegate_.setDebugWindow(std::move(window));
+  delegate_.setDebugConsole(console);
+  delegate_.logToConsole("one");
+  EXPECT_EQ(console->toPlainText(), "one");
+  EXPECT_EQ(delegate_.debugWindow(), shown);
 }
 
 TEST_F(AppDelegateTest, QuittingWithNoWindowsOrNoneEditedIsAnsweredAtOnce) {
@@ -110,6 +147,56 @@ TEST_F(AppDelegateTest, EveryWindowHasTheMenusAndSaysWhatCanBeUndone) {
   EXPECT_FALSE(item(window, "Undo")->isEnabled());
   EXPECT_EQ(item(window, "Undo")->text(), "Undo");
   EXPECT_EQ(item(window, "Redo")->text(), "Redo Record");
+}
+
+TEST_F(AppDelegateTest, TheMenuNamesEveryActionThatCanBeUndoneAndRedone) {
+  OVRecorderWindow* const window = spawn();
+  const auto document = documentOf(window);
+  const auto expectUndoAndRedoOf = [&](const QString& action) {
+    EXPECT_EQ(item(window, "Undo")->text(), "Undo " + action);
+    EXPECT_TRUE(item(window, "Undo")->isEnabled());
+    item(window, "Undo")->trigger();
+    EXPECT_EQ(item(window, "Redo")->text(), "Redo " + action);
+    EXPECT_TRUE(item(window, "Redo")->isEnabled());
+    item(window, "Redo")->trigger();
+    EXPECT_EQ(item(window, "Undo")->text(), "Undo " + action);
+    EXPECT_EQ(item(window, "Redo")->text(), "Redo");
+    EXPECT_FALSE(item(window, "Redo")->isEnabled());
+  };
+  item(window, "Record")->trigger();
+  item(window, "Record")->trigger();
+  expectUndoAndRedoOf("Record");
+  item(window, "Remove After Marker")->trigger();
+  expectUndoAndRedoOf("Remove After Marker");
+  item(window, "Remove Before Marker")->trigger();
+  expectUndoAndRedoOf("Remove Before Marker");
+
+  const support::TemporaryFolder folder;
+  const std::string path = folder.file("part.wav");
+  ASSERT_TRUE(OVAudioFileWriter::initWithFile(path, 0)->close());
+  item(window, "Import…")->trigger();
+  panels_->answerOpen({path});
+  awaitIdle(*document);
+  expectUndoAndRedoOf("Import File");
+}
+
+TEST_F(AppDelegateTest, ReverseAudioIsEnabledAsSoonAsADocumentIsKeptInMemory) {
+  OVRecorderWindow* const window = spawn();
+  const auto document = documentOf(window);
+  const auto memory = OVAudioBuffer::init();
+  document->setBuffer(memory);
+  EXPECT_TRUE(item(window, "Reverse Audio")->isEnabled());
+  const std::vector<float> samples = {0.1F, 0.2F, 0.3F, 0.4F};
+  memory->writeData(samples.data(), 0, 16);
+  item(window, "Reverse Audio")->trigger();
+  std::vector<float> read(4);
+  EXPECT_EQ(memory->readDataInto(read.data(), 16, 0).byteCount, 16u);
+  EXPECT_EQ(read, (std::vector{0.4F, 0.3F, 0.2F, 0.1F}));
+  EXPECT_EQ(item(window, "Undo")->text(), "Undo Reverse Audio");
+  item(window, "Undo")->trigger();
+  EXPECT_EQ(item(window, "Redo")->text(), "Redo Reverse Audio");
+  EXPECT_EQ(memory->readDataInto(read.data(), 16, 0).byteCount, 16u);
+  EXPECT_EQ(read, samples);
 }
 
 TEST_F(AppDelegateTest, NewRecorderOpensAnotherWindowOfItsOwn) {

@@ -473,6 +473,17 @@ TEST_F(OVAQPlayerTest, ADeviceThatCannotStartIsToldOnceAndStopsThePlayback) {
   EXPECT_THAT(delegate_->stopped, ElementsAre(player_.get()));
 }
 
+TEST_F(OVAQPlayerTest, ASystemWithoutAThreadToGiveIsToldInWordsAndStopsThePlayback) {
+  make(10000);
+  queues_->fail("start", platform::kNoThreadStatus);
+  player_->play();
+  EXPECT_FALSE(player_->isPlaying());
+  ASSERT_THAT(services_->alerts(), SizeIs(1));
+  EXPECT_THAT(services_->alerts()[0].message, HasSubstr("The system allows no further thread."));
+  drainMainQueue();
+  EXPECT_THAT(delegate_->stopped, ElementsAre(player_.get()));
+}
+
 TEST_F(OVAQPlayerTest, ADeviceThatFailedBeforePlayIsToldOnce) {
   make(10000);
   queues_->failure = platform::kDeviceLostStatus;

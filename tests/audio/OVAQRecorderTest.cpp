@@ -418,6 +418,17 @@ TEST_F(OVAQRecorderTest, AWrongCallIsAlertedAlthoughTheDevicesFailureWasToldAlre
   EXPECT_THAT(services_->alerts(), SizeIs(1));
 }
 
+TEST_F(OVAQRecorderTest, ASystemWithoutAThreadToGiveIsToldInWordsWhateverTheDevicesState) {
+  queues_->inputFailureReportPending = false;
+  queues_->fail("start", platform::kNoThreadStatus);
+  make();
+  EXPECT_EQ(recorder_, nullptr);
+  ASSERT_THAT(services_->alerts(), SizeIs(1));
+  EXPECT_THAT(services_->alerts()[0].message,
+              AllOf(StartsWith("Core Audio returned the error: AudioQueueStart failed ('!thr')"),
+                    HasSubstr("The system allows no further thread.")));
+}
+
 TEST_F(OVAQRecorderTest, AnInputThatIsLostIsToldOnceThenTheOwnerLearnsOfIt) {
   make();
   std::vector<AudioStatus> told;

@@ -165,7 +165,7 @@ TEST_F(OVAQRecorderThreadsTest, AnInputLostWhileRecordingKeepsEverythingAndIsTol
     told = status;
   });
   recorder_->record();
-  feed(3 * kBlock);
+  feed(3 * kBlock + 1000);
   testing::internal::CaptureStderr();
   device_->failInput(platform::kDeviceLostStatus);
   ASSERT_TRUE(runMainLoopUntil([&] { return told != 0; }));
@@ -174,7 +174,8 @@ TEST_F(OVAQRecorderThreadsTest, AnInputLostWhileRecordingKeepsEverythingAndIsTol
   EXPECT_EQ(recorder_->powerLevels(), std::nullopt);
   recorder_->pause();
   EXPECT_FALSE(recorder_->isRecording());
-  EXPECT_EQ(buffer_->samples(), ramp(3 * kBlock));
+  EXPECT_EQ(buffer_->samples(), ramp(3 * kBlock + 1000));
+  EXPECT_EQ(recorder_->writingPosition(), (3 * kBlock + 1000) * kFrameBytes);
   EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
   EXPECT_THAT(services_->alerts(), IsEmpty());
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: AudioQueueStart failed ('gone')\n");

@@ -334,6 +334,26 @@ TEST_F(OVAudioFileReaderTest, AFailingMediumIsToldOnceAfterWhatCameBeforeIt) {
             "“pulled.wav” is stored reported an error. What could be read before it is kept.");
 }
 
+TEST_F(OVAudioFileReaderTest, AnotherFileOpenedAfterAFailureIsReadAndToldOfLikeTheFirst) {
+  support::TestAudioFileStorage storage;
+  const platform::AudioFileStorageInstallation installation(storage);
+  storage.setBytes(support::wavBytes(44100, 2, 16, std::string(800'000, 'x')));
+  storage.failReadsFrom(400'044);
+  const auto reader = OVAudioFileReader::initWithFile("a/pulled.wav");
+  ASSERT_NE(reader, nullptr);
+  readAll(*reader);
+  ASSERT_TRUE(reader->failed());
+  storage.failReadsFrom(support::TestAudioFileStorage::kUnlimited);
+  ASSERT_TRUE(reader->openFile("b/good.wav"));
+  EXPECT_FALSE(reader->failed());
+  EXPECT_EQ(readAll(*reader).size() / 2, 200'000U);
+  EXPECT_THAT(services_->alerts(), SizeIs(1));
+  storage.failOpening(EACCES);
+  EXPECT_FALSE(reader->openFile("c/secret.wav"));
+  ASSERT_THAT(services_->alerts(), SizeIs(2));
+  EXPECT_THAT(services_->alerts()[1].message, HasSubstr("secret.wav"));
+}
+
 TEST_F(OVAudioFileReaderTest, AMediumThatFailsWhileOpeningIsTold) {
   support::TestAudioFileStorage storage;
   const platform::AudioFileStorageInstallation installation(storage);

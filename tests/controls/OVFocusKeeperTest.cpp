@@ -36,6 +36,14 @@ TEST_F(FocusKeeper, AControlThatWasDisabledGetsTheKeyboardBackAndNobodyHasItMean
   EXPECT_EQ(window_.focusWidget(), first_.get());
 }
 
+TEST_F(FocusKeeper, DisablingASecondTimeForgetsNothing) {
+  disable(first_.get());
+  disable(first_.get());
+  first_->setEnabled(true);
+  keeper_.giveBack(&window_);
+  EXPECT_EQ(window_.focusWidget(), first_.get());
+}
+
 TEST_F(FocusKeeper, AnotherControlKeepsTheKeyboardAllTheTime) {
   disable(second_.get());
   EXPECT_EQ(window_.focusWidget(), first_.get());

@@ -130,6 +130,22 @@ TEST_F(DisplayTest, WhileRecordingTheMarkerShowsTheRecordingPosition) {
   EXPECT_FALSE(marker()->isRecordingMarker());
 }
 
+TEST_F(DisplayTest, WhileBothRecordAndPlayTheTimeShowsThePositionOfThePlayer) {
+  openWindow();
+  recordChunks(4);
+  document_->prevButton(nullptr);
+  pressRecord();
+  capture(0.5F);
+  document_->setPlaybackPosition(2 * kChunkFrames);
+  pressPlay();
+  const auto playing = document_->playbackPosition();
+  ASSERT_GT(playing, 2u * kChunkFrames);
+  tick();
+  EXPECT_EQ(document_->recordingPosition(), playing);
+  EXPECT_DOUBLE_EQ(marker()->position(), 0.25);  // where the recording was
+  EXPECT_DOUBLE_EQ(time()->currentTimeInSeconds(), static_cast<double>(playing) / 44100.0);
+}
+
 TEST_F(DisplayTest, AfterARecordingToTheEndMarkerAndTimeJumpBackToTheStart) {
   openWindow();
   pressRecord();

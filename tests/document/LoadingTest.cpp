@@ -37,8 +37,14 @@ class LoadingTest : public DocumentFileTest {
 TEST_F(LoadingTest, AFileShorterThanAChunkIsLoadedWhole) {
   openWindow();
   const Samples samples = ramp(1000);
-  open(writeFile("short.wav", samples));
+  document_->openFileNamed(writeFile("short.wav", samples));
+  int furthest = 0;  // its one step is 264.6 times the whole bar
+  QObject::connect(document_->loadingIndicator(), &QProgressBar::valueChanged,
+                   [&furthest](int value) { furthest = std::max(furthest, value); });
+  const int whole = document_->loadingIndicator()->maximum();
+  awaitIdle();
   EXPECT_EQ(audio(), samples);
+  EXPECT_EQ(furthest, whole);
   EXPECT_TRUE(transportEnabled());
   EXPECT_FALSE(document_->loadingIndicator()->isVisibleTo(document_->window()));
 }
@@ -104,6 +110,31 @@ TEST_F(LoadingTest, ASecondOpenOrImportWhileOneRunsIsIgnored) {
   EXPECT_EQ(panels_->openPanels(), 0U);
   awaitIdle();
   EXPECT_EQ(audio(), samples);
+}
+
+TEST_F(LoadingTest, NothingIsEditedUndoneOrRedoneWhileAFileIsLoaded) {
+  openWindow();
+  recordChunks(1, 0.25F);
+  recordChunks(1, 0.5F);
+  document_->undoCommand();
+  settle();
+  ASSERT_TRUE(document_->windowWillReturnUndoManager()->canRedo());
+  document_->setPlaybackPosition(kChunkFrames / 2);
+  document_->setRecordingPosition(kChunkFrames);
+  document_->setDocumentEdited(false);
+  const Samples samples = ramp(300'000);
+  document_->openFileNamed(writeFile("take.wav", samples));
+  document_->removeAfterMarker(nullptr);
+  document_->removeBeforeMarker(nullptr);
+  document_->reverseBuffer(nullptr);
+  document_->redoCommand();
+  document_->undoCommand();
+  EXPECT_EQ(document_->playbackPosition(), kChunkFrames / 2);
+  EXPECT_TRUE(document_->windowWillReturnUndoManager()->canRedo());
+  EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
+  awaitIdle();
+  EXPECT_EQ(audio(), joined(Samples(2 * std::size_t{kChunkFrames}, 0.25F), samples));
+  EXPECT_FALSE(document_->isDocumentEdited());
 }
 
 TEST_F(LoadingTest, TheDurationGrowsAndTheBarMovesWhileAFileIsLoaded) {
@@ -178,20 +209,6 @@ TEST_F(LoadingTest, TwoWindowsLoadSideBySide) {
   std::swap(document_, other);
   EXPECT_EQ(audio(), second);
   other->window()->performClose();
-}
-
-TEST_F(LoadingTest, ClosingWhileAFileIsLoadedEndsTheJob) {
-  openWindow();
-  const std::string path = writeFile("take.wav", ramp(20 * OVLoadJob::kChunkFrames));
-  const std::weak_ptr<OVAudioBufferInterface> buffer = document_->buffer();
-  const QPointer<OVRecorderWindow> window = document_->window();
-  document_->openFileNamed(path);
-  window->performClose();
-  document_.reset();
-  settle();
-  EXPECT_TRUE(window.isNull());
-  EXPECT_TRUE(buffer.expired());
-  EXPECT_THAT(services_->alerts(), IsEmpty());
 }
 
 // Import ----------------------------------------------------------------------------------------
@@ -374,6 +391,25 @@ TEST_F(TemporaryDiskLoadingTest, AnImportIsTakenBackAndToldOnce) {
   EXPECT_EQ(document_->recordingPosition(), 500U);
   EXPECT_EQ(services_->alerts().size(), 1U);
   EXPECT_TRUE(transportEnabled());
+}
+
+TEST_F(TemporaryDiskLoadingTest, NothingIsUndoneWhileAFileIsImported) {
+  openWindow();
+  recordChunks(1, 0.25F);
+  const Samples samples = ramp(300'000);
+  testaudio::Gate gate;
+  files_.beforeWrites([&gate] { gate.pass(); });
+  document_->importFile(nullptr);
+  panels_->answerOpen({writeFile("part.wav", samples)});
+  document_->undoCommand();  // while the file is being opened
+  EXPECT_TRUE(runMainLoopUntil([&] { return document_->isImport(); }));
+  ASSERT_TRUE(gate.awaitArrival());
+  document_->undoCommand();  // and while it is being read
+  document_->removeBeforeMarker(nullptr);
+  gate.open();
+  awaitIdle();
+  EXPECT_EQ(audio(), joined(Samples(2 * std::size_t{kChunkFrames}, 0.25F), samples));
+  EXPECT_EQ(document_->windowWillReturnUndoManager()->undoActionName(), "Import File");
 }
 
 TEST_F(TemporaryDiskLoadingTest, TheQuestionAnsweredWithSaveDuringAnImportSavesWhenItIsDone) {

@@ -1,15 +1,21 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
+#include <cmath>
+#include <semaphore>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <QComboBox>
-#include <QFileInfo>
-#include <QImage>
-#include <QLabel>
+#include <QProgressBar>
 
 #include "document/FileFixture.h"
 #include "document/OVSaveJob.h"
+#include "platform/AudioFileStorage.h"
+#include "support/FailingTemporaryFiles.h"
 #include "support/FileSizeLimit.h"
-#include "waveform/OVWaveFormView.h"
+#include "support/TestAudioFileStorage.h"
 
 namespace {
 
@@ -149,7 +155,11 @@ TEST_F(SavingTest, WhileASaveRunsNothingElseStarts) {
   document_->openFileNamed(other);
   document_->exportRingtone(nullptr);
   document_->removeAfterMarker(nullptr);
+  document_->removeBeforeMarker(nullptr);
+  document_->reverseBuffer(nullptr);
   document_->undoCommand();
+  document_->redoCommand();
+  EXPECT_EQ(document_->windowWillReturnUndoManager()->undoActionName(), "Record");
   EXPECT_EQ(panels_->savePanels(), 0U);
   EXPECT_EQ(panels_->openPanels(), 0U);
   using Action = VLRecorderWindowController::MenuAction;
@@ -232,17 +242,6 @@ TEST_F(SavingTest, WhatStorageDoesNotGiveBackIsSilentInPlaceAndTold) {
   EXPECT_TRUE(document_->isDocumentEdited());
 }
 
-TEST_F(SavingTest, APictureOntoAFullDiskIsToldWithItsCause) {
-  openWindow();
-  const support::FileSizeLimit limit(10);
-  document_->dumpWaveform(nullptr);
-  panels_->answerSave(at("picture.png"));
-  settle();
-  ASSERT_EQ(services_->alerts().size(), 1U);
-  EXPECT_THAT(services_->alerts()[0].message, HasSubstr("larger than the disk allows"));
-  EXPECT_EQ(filesInFolder(), 0U);
-}
-
 TEST_F(SavingTest, AFileThatIsThereIsNotReplacedByOneWithGaps) {
   openWindow();
   fill(ramp(1000));
@@ -257,213 +256,237 @@ TEST_F(SavingTest, AFileThatIsThereIsNotReplacedByOneWithGaps) {
   EXPECT_EQ(services_->alerts()[0].title, "“take.wav” could not be saved");
 }
 
-// Closing ---------------------------------------------------------------------------------------
-
-TEST_F(SavingTest, AnUnchangedDocumentClosesWithoutAQuestion) {
-  openWindow();
-  EXPECT_TRUE(document_->windowShouldClose(document_->window()));
-  EXPECT_EQ(panels_->sheets(), 0U);
-}
-
-TEST_F(SavingTest, AChangedDocumentAsksOnceAndStaysWhileItAsks) {
-  openWindow();
-  document_->setCurrentFilename("/tmp/50%1 off.wav");
-  document_->setDocumentEdited(true);
-  EXPECT_FALSE(document_->windowShouldClose(document_->window()));
-  EXPECT_FALSE(document_->windowShouldClose(document_->window()));
-  ASSERT_EQ(panels_->sheets(), 1U);
-  EXPECT_THAT(panels_->sheet().title.toStdString(), HasSubstr("“50%1 off.wav”"));
-  ASSERT_EQ(panels_->sheet().buttons.size(), 3U);
-  EXPECT_EQ(panels_->sheet().buttons[0].returnCode, 1);
-  EXPECT_EQ(panels_->sheet().buttons[1].returnCode, 0);
-  EXPECT_EQ(panels_->sheet().buttons[2].returnCode, -1);
-}
-
-TEST_F(SavingTest, CancelKeepsTheWindowAndEndsAQuit) {
-  openWindow();
-  document_->setDocumentEdited(true);
-  document_->window()->performClose();
-  panels_->answerSheet(-1);
-  EXPECT_TRUE(document_->window()->isVisible());
-  EXPECT_EQ(services_->cancelledTerminations(), 1U);
-  document_->window()->performClose();
-  EXPECT_EQ(panels_->sheets(), 1U);
-}
-
-TEST_F(SavingTest, DontSaveClosesTheWindow) {
-  openWindow();
-  document_->setDocumentEdited(true);
-  const QPointer<OVRecorderWindow> window = document_->window();
-  window->performClose();
-  panels_->answerSheet(0);
-  EXPECT_TRUE(runMainLoopUntil([&] { return window.isNull(); }));
-}
-
-TEST_F(SavingTest, SaveClosesTheWindowWhenTheFileIsComplete) {
-  openWindow();
-  recordChunks(2);
-  const Samples samples = audio();
-  const QPointer<OVRecorderWindow> window = document_->window();
-  window->performClose();
-  panels_->answerSheet(1);
-  ASSERT_EQ(panels_->savePanels(), 1U);
-  EXPECT_TRUE(window->isVisible());
-  panels_->answerSave(at("take.wav"));
-  EXPECT_TRUE(runMainLoopUntil([&] { return window.isNull(); }));
-  EXPECT_EQ(readFile(at("take.wav")), samples);
-}
-
-TEST_F(SavingTest, SaveWithACancelledPanelKeepsTheWindow) {
+TEST_F(SavingTest, ANameMayHoldQuotesAndLineBreaks) {
   openWindow();
   recordChunks(1);
-  document_->window()->performClose();
-  panels_->answerSheet(1);
-  panels_->answerSave(std::nullopt);
-  EXPECT_EQ(services_->cancelledTerminations(), 1U);
-  saveTo(at("take.wav"));
-  EXPECT_TRUE(document_->window()->isVisible());  // the wish to close went with the panel
+  const std::string path = at("\"two\"\nlines %1.wav");
+  saveAs(path, 0);
+  EXPECT_EQ(readFile(path), audio());
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_EQ(filesInFolder(), 1U);
 }
 
-TEST_F(SavingTest, SaveThatFailsKeepsTheWindow) {
+TEST_F(SavingTest, ANameThatIsTooLongIsToldAndLeavesNothing) {
   openWindow();
   recordChunks(1);
-  document_->window()->performClose();
-  panels_->answerSheet(1);
-  panels_->answerSave(at("gone/take.wav"));
-  awaitIdle();
-  EXPECT_TRUE(document_->window()->isVisible());
-  EXPECT_TRUE(document_->isDocumentEdited());
-  EXPECT_EQ(services_->alerts().size(), 1U);
-  EXPECT_EQ(services_->cancelledTerminations(), 1U);
-}
-
-TEST_F(SavingTest, ClosingWhileRecordingPausesAndAsks) {
-  openWindow();
-  pressRecord();
-  ASSERT_TRUE(capture(0.25F));
-  document_->window()->performClose();
-  EXPECT_FALSE(document_->recorder()->isRecording());
-  EXPECT_EQ(panels_->sheets(), 1U);
-  panels_->answerSheet(-1);
-  EXPECT_EQ(length(), kChunkFrames);
-}
-
-TEST_F(SavingTest, AWindowThatIsBeingSavedClosesWhenTheFileIsComplete) {
-  openWindow();
-  recordChunks(2);
-  const Samples samples = audio();
-  const QPointer<OVRecorderWindow> window = document_->window();
-  document_->saveFileNamed(at("take.wav"), 0);
-  window->performClose();
-  EXPECT_TRUE(window->isVisible());
-  EXPECT_EQ(panels_->sheets(), 0U);
-  EXPECT_TRUE(runMainLoopUntil([&] { return window.isNull(); }));
-  EXPECT_EQ(readFile(at("take.wav")), samples);
-}
-
-TEST_F(SavingTest, AChangedWindowThatIsBeingExportedAsksWhenTheFileIsComplete) {
-  openWindow();
-  recordChunks(2);
-  document_->exportRingtone(nullptr);
-  panels_->answerSave(at("tone.m4r"));
-  document_->window()->performClose();
-  EXPECT_EQ(panels_->sheets(), 0U);
-  awaitIdle();
-  EXPECT_EQ(panels_->sheets(), 1U);
-}
-
-TEST_F(SavingTest, AnUnknownAnswerOfTheQuestionIsAProgrammingError) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  openDocument();
-  EXPECT_DEATH(document_->alertDidEnd(7), "Unknown button return: 7");
-}
-
-// Exports ---------------------------------------------------------------------------------------
-
-TEST_F(SavingTest, ARingtoneBeginsAtTheMarkerAndLastsAtMostFortySeconds) {
-  openWindow();
-  fill(ramp(50 * 44100));
-  document_->setPlaybackPosition(5 * 44100);
-  document_->setDocumentEdited(true);
-  document_->exportRingtone(nullptr);
-  const auto* const rule = qobject_cast<QLabel*>(panels_->savePanel().accessoryView);
-  ASSERT_NE(rule, nullptr);
-  EXPECT_THAT(rule->text().toStdString(), HasSubstr("at most 40 seconds"));
-  EXPECT_THAT(panels_->savePanel().acceptedSuffixes(), ElementsAre("m4r"));
-  panels_->answerSave(at("tone.m4r"));
-  awaitIdle();
-  EXPECT_EQ(readFile(at("tone.m4r")).size(), 2U * 40 * 44100);
-  EXPECT_THAT(desktop_.opened, ElementsAre("file://" + at("tone.m4r")));
-  EXPECT_TRUE(document_->isDocumentEdited());
-  EXPECT_EQ(document_->currentFilename(), "");
-}
-
-TEST_F(SavingTest, ARingtoneWithTheMarkerAtTheEndBeginsAtTheStart) {
-  openDocument();
-  fill(ramp(44100));
-  document_->setPlaybackPosition(44100);
-  document_->exportRingtone(nullptr);
-  panels_->answerSave(at("tone.m4r"));
-  awaitIdle();
-  EXPECT_EQ(readFile(at("tone.m4r")).size(), 2U * 44100);
-}
-
-TEST_F(SavingTest, ARingtoneThatFailsIsNotOpened) {
-  openDocument();
-  fill(ramp(44100));
-  document_->exportRingtone(nullptr);
-  panels_->answerSave(at("gone/tone.m4r"));
-  awaitIdle();
-  saveTo(at("take.wav"));
-  EXPECT_THAT(desktop_.opened, IsEmpty());
-  EXPECT_EQ(services_->alerts().size(), 1U);
-}
-
-TEST_F(SavingTest, ASavedFileThatNoProgramOpensIsTold) {
-  openDocument();
-  fill(ramp(44100));
-  desktop_.knowsPrograms = false;
-  document_->exportRingtone(nullptr);
-  panels_->answerSave(at("tone.m4r"));
-  awaitIdle();
-  EXPECT_EQ(alertCount(), 1U);
-}
-
-TEST_F(SavingTest, TheWaveformPictureHasTheViewsSizeInThePixelsOfTheScreen) {
-  openWindow();
-  fill(ramp(44100));
-  auto* const view = document_->window()->findChild<OVWaveFormView*>("wfView");
-  view->grab();
-  document_->setDocumentEdited(true);
-  document_->dumpWaveform(nullptr);
-  EXPECT_THAT(panels_->savePanel().acceptedSuffixes(), ElementsAre("png"));
-  panels_->answerSave(at("picture.png"));
-  settle();
-  const QImage picture(QString::fromStdString(at("picture.png")));
-  EXPECT_EQ(picture.size(), view->size() * view->devicePixelRatioF());
-  EXPECT_EQ(picture.convertToFormat(QImage::Format_ARGB32),
-            view->image().convertToFormat(QImage::Format_ARGB32));
-  EXPECT_TRUE(document_->isDocumentEdited());
-  EXPECT_EQ(document_->currentFilename(), "");
-}
-
-TEST_F(SavingTest, APictureThatCannotBeWrittenIsTold) {
-  openWindow();
-  document_->dumpWaveform(nullptr);
-  panels_->answerSave(at("gone/picture.png"));
-  settle();
-  ASSERT_EQ(services_->alerts().size(), 1U);
-  EXPECT_EQ(services_->alerts()[0].title, "“picture.png” could not be saved");
-}
-
-TEST_F(SavingTest, ACancelledExportChangesNothing) {
-  openWindow();
-  document_->exportRingtone(nullptr);
-  panels_->answerSave(std::nullopt);
-  document_->dumpWaveform(nullptr);
-  panels_->answerSave(std::nullopt);
+  std::string threeBytesEach;
+  for (int i = 0; i < 85; ++i) {
+    threeBytesEach += "録";
+  }
+  for (const std::string& name : {std::string(252, 'x'), std::string(400, 'x'), threeBytesEach}) {
+    services_->clear();
+    saveAs(at(name + ".wav"), 0);
+    ASSERT_EQ(services_->alerts().size(), 1U);
+    EXPECT_EQ(services_->alerts()[0].message, "The name is too long.");
+    EXPECT_TRUE(document_->isDocumentEdited());
+    EXPECT_EQ(document_->currentFilename(), "");
+  }
   EXPECT_EQ(filesInFolder(), 0U);
-  EXPECT_EQ(services_->cancelledTerminations(), 0U);
+  saveAs(at(std::string(251, 'x') + ".wav"), 0);
+  EXPECT_FALSE(document_->isDocumentEdited());
+}
+
+TEST_F(SavingTest, AFailedSaveOfARecordingWithGapsIsToldOnce) {
+  openWindow();
+  fill(ramp(1000));
+  fill(ramp(1000), 1500);
+  const support::FileSizeLimit limit(10);
+  saveTo(at("take.wav"));
+  EXPECT_EQ(services_->alerts().size(), 1U);
+  EXPECT_THAT(services_->alerts().at(0).message, HasSubstr("on this disk may be"));
+  EXPECT_EQ(filesInFolder(), 0U);
+}
+
+// Undo and redo after a save -------------------------------------------------------------------
+
+TEST_F(SavingTest, UndoAfterASaveOfACutDiffersFromTheFileAndRedoDoesNot) {
+  const std::string path = writeFile("take.wav", ramp(1000));
+  openWindow();
+  document_->setCurrentFilename(path);
+  open(path);
+  document_->setPlaybackPosition(400);
+  document_->removeAfterMarker(nullptr);
+  settle();
+  saveTo(path);
+  ASSERT_FALSE(document_->isDocumentEdited());
+  document_->undoCommand();
+  EXPECT_EQ(length(), 1000U);
+  EXPECT_TRUE(document_->isDocumentEdited());
+  EXPECT_FALSE(document_->windowShouldClose(document_->window()));
+  document_->redoCommand();
+  EXPECT_EQ(audio(), readFile(path));
+  EXPECT_FALSE(document_->isDocumentEdited());
+  document_->undoCommand();
+  EXPECT_TRUE(document_->isDocumentEdited());
+}
+
+TEST_F(SavingTest, RedoAfterASaveOfWhatWasUndoneDiffersFromTheFile) {
+  openWindow();
+  recordChunks(1);
+  saveTo(at("take.wav"));
+  recordChunks(1, 0.5F);
+  document_->undoCommand();
+  saveTo(at("take.wav"));
+  document_->redoCommand();
+  EXPECT_EQ(length(), 2U * kChunkFrames);
+  EXPECT_TRUE(document_->isDocumentEdited());
+}
+
+TEST_F(SavingTest, UndoAfterASaveOfARecordingOrAnImportDiffersFromTheFile) {
+  openWindow();
+  recordChunks(2);
+  saveTo(at("take.wav"));
+  document_->undoCommand();
+  EXPECT_EQ(length(), 0U);
+  EXPECT_TRUE(document_->isDocumentEdited());
+  document_->redoCommand();
+  EXPECT_FALSE(document_->isDocumentEdited());
+
+  import(writeFile("other.wav", ramp(100)));
+  ASSERT_TRUE(document_->isDocumentEdited());
+  saveTo(at("take.wav"));
+  document_->undoCommand();
+  EXPECT_EQ(length(), 2U * kChunkFrames);
+  EXPECT_TRUE(document_->isDocumentEdited());
+}
+
+TEST_F(SavingTest, AnExportOrAFailedSaveLeavesToUndoWhatItHadToSay) {
+  openWindow();
+  recordChunks(2);
+  document_->exportRingtone(nullptr);
+  panels_->answerSave(at("tone.m4r"));
+  awaitIdle();
+  saveTo(at("gone/take.wav"));
+  EXPECT_TRUE(document_->isDocumentEdited());
+  document_->undoCommand();
+  EXPECT_FALSE(document_->isDocumentEdited());  // the empty document of before
+}
+
+// Progress ---------------------------------------------------------------------------------------
+
+TEST_F(SavingTest, TheBarMovesWhileTheFileIsWritten) {
+  support::FailingTemporaryFiles disk;
+  const platform::TemporaryFilesInstallation installed(disk);
+  openWindow();
+  const Samples chunk(2 * OVSaveJob::kChunkFrames, 0.25F);
+  for (std::uint64_t i = 0; i < 4; ++i) {
+    fill(chunk, i * OVSaveJob::kChunkFrames);
+  }
+  std::counting_semaphore<> turns(0);
+  disk.beforeReads([&turns] { turns.acquire(); });  // one read for each chunk
+  document_->saveFileNamed(at("take.wav"), 0);
+  const auto value = [this] {
+    const QProgressBar* const bar = document_->loadingIndicator();
+    return static_cast<double>(bar->value() - bar->minimum()) / (bar->maximum() - bar->minimum());
+  };
+  EXPECT_EQ(value(), 0.0);
+  for (const double written : {0.25, 0.5, 0.75}) {
+    turns.release();
+    EXPECT_TRUE(runMainLoopUntil([&] { return std::abs(value() - written) < 0.01; }))
+        << value() << " instead of " << written;
+    EXPECT_TRUE(document_->loadingIndicator()->isVisibleTo(document_->window()));
+  }
+  disk.beforeReads(nullptr);
+  turns.release();
+  awaitIdle();
+  EXPECT_EQ(document_->loadingIndicator()->value(), document_->loadingIndicator()->minimum());
+}
+
+// Media ------------------------------------------------------------------------------------------
+
+class MediaTest : public SavingTest {
+ protected:
+  ~MediaTest() override {
+    if (dropped_) {
+      EXPECT_EQ(::seteuid(0), 0);
+    }
+    ::chmod(folder_.path().c_str(), 0700);
+  }
+
+  // The administrator may write everywhere; permissions show only to somebody else.
+  void becomeOrdinaryUser() {
+    constexpr uid_t kNobody = 65534;
+    if (::geteuid() == 0) {
+      ASSERT_EQ(::seteuid(kNobody), 0);
+      dropped_ = true;
+    }
+  }
+
+  /// A document that is called take.wav and has changes that are not in the file of this name.
+  void openChanged() {
+    const std::string path = writeFile("take.wav", ramp(100));
+    openWindow();
+    document_->setCurrentFilename(path);
+    open(path);
+    document_->setCurrentFiletype(0);
+    document_->window()->setTitle(VLRecorderWindowController::titleWithName("take.wav"));
+    recordChunks(1);
+    recorded_ = audio();
+    before_ = bytesOf(path);
+  }
+
+  /// The save was told once, for this reason; the document is as it was, and so is the file.
+  void expectTold(const std::string& reason) {
+    ASSERT_EQ(services_->alerts().size(), 1U);
+    EXPECT_THAT(services_->alerts()[0].title + services_->alerts()[0].message,
+                HasSubstr("“take.wav”"));
+    EXPECT_THAT(services_->alerts()[0].message, HasSubstr(reason));
+    EXPECT_TRUE(document_->isDocumentEdited());
+    EXPECT_EQ(document_->currentFilename(), at("take.wav"));
+    EXPECT_EQ(document_->window()->title(), "Orvo - take.wav");
+    EXPECT_EQ(audio(), recorded_);
+    EXPECT_TRUE(transportEnabled());
+    EXPECT_EQ(bytesOf(at("take.wav")), before_);
+    EXPECT_EQ(filesInFolder(), 1U);
+  }
+
+  Samples recorded_;
+  std::string before_;
+  bool dropped_ = false;
+};
+
+TEST_F(MediaTest, AFolderThatMayNotBeWrittenIsTold) {
+  openChanged();
+  ASSERT_EQ(::chmod(folder_.path().c_str(), 0555), 0);
+  becomeOrdinaryUser();
+  document_->saveFile(nullptr);
+  awaitIdle();
+  expectTold("You do not have the permission for it.");
+}
+
+TEST_F(MediaTest, AFileThatMayNotBeWrittenIsTold) {
+  openChanged();
+  ASSERT_EQ(::chmod(at("take.wav").c_str(), 0444), 0);
+  ASSERT_EQ(::chmod(folder_.path().c_str(), 0777), 0);
+  becomeOrdinaryUser();
+  document_->saveFile(nullptr);
+  awaitIdle();
+  expectTold("You do not have the permission for it.");
+}
+
+TEST_F(MediaTest, ADiskThatCanOnlyBeReadIsTold) {
+  openChanged();
+  support::TestAudioFileStorage disk;
+  disk.failOpening(EROFS);
+  const platform::AudioFileStorageInstallation installed(disk);
+  document_->saveFile(nullptr);
+  awaitIdle();
+  expectTold("You are not allowed to write");
+}
+
+TEST_F(MediaTest, AMediumThatIsPulledWhileItIsWrittenIsTold) {
+  for (const int error : {ENODEV, EIO}) {
+    services_->clear();
+    openChanged();
+    support::TestAudioFileStorage disk;
+    disk.fillUpAfter(10'000, error);
+    const platform::AudioFileStorageInstallation installed(disk);
+    document_->saveFile(nullptr);
+    awaitIdle();
+    expectTold("It may have been removed.");
+    document_->setDocumentEdited(false);
+    closeDocument();
+  }
 }
 
 }  // namespace

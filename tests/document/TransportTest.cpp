@@ -1,3 +1,5 @@
+#include <cerrno>
+
 #include "document/DocumentFixture.h"
 #include "support/FailingTemporaryFiles.h"
 
@@ -302,7 +304,43 @@ TEST_F(TransportTest, ADeviceThatVanishesWhileRecordingStopsWithEverythingKept) 
   EXPECT_FALSE(button("recButton")->isOn());
   EXPECT_EQ(length(), 2u * kChunkFrames);
   EXPECT_EQ(document_->recordingPosition(), 2u * kChunkFrames);
+  EXPECT_TRUE(document_->isDocumentEdited());
+  EXPECT_TRUE(document_->windowWillReturnUndoManager()->canUndo());
   EXPECT_EQ(alertCount(), 1u);
+}
+
+TEST_F(TransportTest, ALateAnswerThatThereIsNoInputRollsRecordBack) {
+  openWindow();
+  pressRecord();
+  ASSERT_TRUE(recording());
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  queues_.input().failLate(platform::kDeviceUnavailableStatus);
+  ASSERT_TRUE(runMainLoopUntil([&] { return document_->recorder() == nullptr; }));
+  EXPECT_FALSE(button("recButton")->isOn());
+  EXPECT_TRUE(button("playButton")->isEnabled());
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
+  const auto blocks = std::dynamic_pointer_cast<OVBlockBuffer>(document_->buffer());
+  EXPECT_EQ(blocks->waypointPos(), 0u);
+  EXPECT_EQ(alertCount(), 1u);
+}
+
+TEST_F(TransportTest, RollingALateFailureBackLeavesEarlierAudioMarkerAndEditedFlagAsTheyWere) {
+  openWindow();
+  recordChunks(3);
+  document_->setDocumentEdited(false);
+  document_->nextButton(nullptr);
+  pressRecord();
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  queues_.input().failLate(platform::kDeviceLostStatus);
+  ASSERT_TRUE(runMainLoopUntil([&] { return document_->recorder() == nullptr; }));
+  settle();
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_EQ(document_->playbackPosition(), length());
+  EXPECT_EQ(document_->recordingPosition(), length());
+  EXPECT_EQ(samplesAt(0, 3 * kChunkFrames), std::vector<float>(6 * kChunkFrames, 0.25F));
+  const auto blocks = std::dynamic_pointer_cast<OVBlockBuffer>(document_->buffer());
+  EXPECT_EQ(blocks->waypointPos(), 1u) << "the one of the recording before";
 }
 
 TEST_F(TransportTest, ADeviceThatVanishesWhileNothingIsRecordedTakesTheRecorderWithIt) {
@@ -392,4 +430,86 @@ TEST_F(TransportTest, AFullDiskWhileRecordingOverAudioKeepsTheRestAndUndoBringsA
   document_->undoCommand();
   settle();
   EXPECT_EQ(samplesAt(0, 4 * kChunkFrames), std::vector<float>(8 * kChunkFrames, 0.25F));
+}
+
+TEST_F(TransportTest, PlayingRunsAcrossTheStretchThatAFullDiskLostInTheMiddle) {
+  support::FailingTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  openWindow();
+  recordChunks(4, 0.25F);
+  document_->prevButton(nullptr);
+  pressRecord();
+  capture(0.5F);
+  files.fillUpAfter(0);
+  capture(0.5F);
+  ASSERT_TRUE(runMainLoopUntil([&] { return !recording(); }));
+  settle();
+  document_->prevButton(nullptr);
+  pressPlay();
+  queues_.output().changeRunning(1);
+  std::vector<float> played;
+  while (!queues_.output().enqueued.empty()) {
+    const auto part = queues_.output().playOne();
+    played.insert(played.end(), part.begin(), part.end());
+  }
+  queues_.output().changeRunning(0);
+  settle();
+  std::vector<float> expected(2 * kChunkFrames, 0.5F);
+  expected.resize(4 * kChunkFrames, 0.0F);
+  expected.resize(8 * kChunkFrames, 0.25F);
+  EXPECT_EQ(played, expected);
+  EXPECT_FALSE(button("playButton")->isOn());
+  EXPECT_TRUE(button("recButton")->isEnabled());
+  EXPECT_EQ(alertCount(), 1u);
+}
+
+TEST_F(TransportTest, ADiskThatCannotBeReadWhilePlayingPausesAndIsToldOnceAPlayback) {
+  support::FailingTemporaryFiles files;
+  const platform::TemporaryFilesInstallation installation(files);
+  openWindow();
+  recordChunks(4);
+  settle();
+  document_->prevButton(nullptr);
+  pressPlay();
+  queues_.output().changeRunning(1);
+  files.failReads(EIO);
+  while (!queues_.output().playOne().empty()) {
+  }
+  EXPECT_TRUE(services_->alerts().empty()) << "what was read is still heard";
+  queues_.output().changeRunning(0);
+  settle();
+  EXPECT_EQ(document_->player(), nullptr);
+  EXPECT_FALSE(button("playButton")->isOn());
+  EXPECT_TRUE(button("recButton")->isEnabled());
+  EXPECT_EQ(document_->playbackPosition(), 3u * 1024u);
+  ASSERT_EQ(alertCount(), 1u);
+  EXPECT_EQ(services_->alerts()[0].title, "Playing was stopped");
+  EXPECT_EQ(services_->alerts()[0].message,
+            "The audio could not be read from the temporary file. The disk could not be read or "
+            "written.");
+
+  pressPlay();  // nothing can be read from the first buffer on
+  queues_.output().changeRunning(1);
+  queues_.output().changeRunning(0);
+  settle();
+  EXPECT_FALSE(button("playButton")->isOn());
+  EXPECT_EQ(alertCount(), 2u);
+
+  files.failReads(0);
+  pressPlay();
+  EXPECT_TRUE(playing());
+  EXPECT_GT(queues_.output().playOne().size(), 0u);
+  EXPECT_EQ(alertCount(), 2u);
+}
+
+TEST_F(TransportTest, AReadThatFailsElsewhereDoesNotEndAPlaybackThatGoesOn) {
+  openWindow();
+  recordChunks(4);
+  document_->prevButton(nullptr);
+  pressPlay();
+  queues_.output().changeRunning(1);
+  document_->audioBufferFailedToRead(EIO);  // the waveform's, say
+  settle();
+  EXPECT_TRUE(playing());
+  EXPECT_EQ(alertCount(), 0u);
 }

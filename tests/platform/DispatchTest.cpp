@@ -9,7 +9,6 @@
 
 #include "support/MainLoop.h"
 
-using platform::globalQueue;
 using platform::isMainThread;
 using platform::mainQueue;
 using platform::SerialQueue;
@@ -122,25 +121,4 @@ TEST(MainQueue, BlocksRunInOrderAndALoopInsideABlockServesTheRest) {
   mainQueue().async([&] { order.push_back(3); });
   EXPECT_TRUE(runMainLoopUntil([&] { return order.size() == 4; }));
   EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
-}
-
-TEST(GlobalQueue, RunsBlocksOffTheMainThreadAndSeveralAtOnce) {
-  std::latch together(4);
-  std::atomic<int> offMain = 0;
-  for (int i = 0; i < 4; ++i) {
-    globalQueue().async([&] {
-      offMain += isMainThread() ? 0 : 1;
-      together.arrive_and_wait();
-    });
-  }
-  EXPECT_TRUE(globalQueue().waitUntilIdle(20));
-  EXPECT_EQ(offMain, 4);
-}
-
-TEST(GlobalQueue, WaitingForIdleGivesUpAtItsDeadline) {
-  std::latch release(1);
-  globalQueue().async([&] { release.wait(); });
-  EXPECT_FALSE(globalQueue().waitUntilIdle(0.01));
-  release.count_down();
-  EXPECT_TRUE(globalQueue().waitUntilIdle(20));
 }

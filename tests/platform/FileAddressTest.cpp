@@ -33,6 +33,7 @@ TEST(AFileAddress, GivesBackEveryByteOfThePath) {
 TEST(AFileAddress, IsReadInTheFormsThatOtherProgramsWrite) {
   EXPECT_EQ(pathOfFileAddress("file://localhost/a.wav"), "/a.wav");
   EXPECT_EQ(pathOfFileAddress("FILE:///a.wav"), "/a.wav");
+  EXPECT_EQ(pathOfFileAddress("file:/a.wav"), "/a.wav");
   EXPECT_EQ(pathOfFileAddress("file:///%e5%BD%95.wav"), "/\xE5\xBD\x95.wav");
   EXPECT_EQ(pathOfFileAddress("file:///\xE5\xBD\x95 (1).wav"), "/\xE5\xBD\x95 (1).wav");
 }

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "platform/AudioQueueFixture.h"
+#include "support/NoMoreThreads.h"
 
 namespace platform::test {
 namespace {
@@ -135,6 +136,59 @@ TEST_F(InputQueueCoreTest, BlocksWaitInTheRingUntilABufferIsEnqueuedAgain) {
   ASSERT_EQ(recording.queue->enqueueBuffer(first), kAudioStatusOk);
   ASSERT_TRUE(recording.endFrames.awaitCount(4));
   EXPECT_EQ(recording.samples(), ramp(0, 4 * kRecordFrames));
+}
+
+TEST_F(InputQueueCoreTest, ADeviceThatVanishesLosesNoneOfTheFramesThatItGave) {
+  Recording recording;
+  ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
+  feed(0, 3 * kRecordFrames - 1);
+  device->failInput(kDeviceLostStatus);
+  ASSERT_TRUE(recording.failures.awaitCount(1));
+  EXPECT_EQ(recording.samples(), ramp(0, 3 * kRecordFrames - 1));
+  EXPECT_EQ(recording.endFrames.values().back(), 3 * kRecordFrames - 1);
+  EXPECT_EQ(recording.queue->capturedFrames(), 3 * kRecordFrames - 1);
+  EXPECT_EQ(recording.queue->lostFrames(), 0U);
+}
+
+TEST_F(InputQueueCoreTest, AFailureIsToldAfterTheLastFramesAlsoWhenTheQueueIsBehind) {
+  Door door;
+  Recording recording;
+  recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) {
+    EXPECT_EQ(recording.failures.count(), 0U);
+    door.pass();
+  };
+  ASSERT_EQ(recording.begin(*queues, 64), kAudioStatusOk);
+  feed(0, 10 * 64 + 5);
+  ASSERT_TRUE(door.awaitArrival());
+  device->failInput(kDeviceLostStatus);
+  door.open();
+  ASSERT_TRUE(recording.failures.awaitCount(1));
+  EXPECT_EQ(recording.endFrames.values().back(), 10U * 64 + 5);
+  EXPECT_EQ(recording.samples(), ramp(0, 10 * 64 + 5));
+}
+
+TEST_F(InputQueueCoreTest, AFailureWhileFramesArriveLosesNoneOfThem) {
+  for (int round = 0; round < 50; ++round) {
+    Recording recording;
+    ASSERT_EQ(recording.begin(*queues, 64), kAudioStatusOk);
+    ASSERT_TRUE(device->awaitInputOpen());
+    std::uint64_t fed = 0;
+    std::thread microphone([&] {
+      while (device->feed(ramp(fed, 37))) {
+        fed += 37;
+        while (fed > recording.endFrames.count() * 64 + kInputRingFrames / 2) {
+          std::this_thread::yield();  // a full ring would lose frames of its own
+        }
+      }
+    });
+    ASSERT_TRUE(recording.endFrames.awaitCount(static_cast<std::size_t>(round % 5)));
+    device->failInput(kDeviceLostStatus);
+    microphone.join();
+    ASSERT_TRUE(recording.failures.awaitCount(1));
+    EXPECT_EQ(recording.samples(), ramp(0, fed));
+    recording.queue.reset();
+    queues = std::make_shared<DeviceAudioQueues>(device);  // forgets the failure
+  }
 }
 
 TEST_F(InputQueueCoreTest, WaitingForWhatWasCapturedSeesEveryWholeBufferOfAQueueThatIsBehind) {
@@ -280,6 +334,25 @@ TEST_F(InputQueueCoreTest, StartingWithoutABufferIsRefusedAndTwiceIsOne) {
   feed(0, kRecordFrames);
   ASSERT_TRUE(recording.endFrames.awaitCount(1));
   EXPECT_EQ(recording.queue->capturedFrames(), kRecordFrames);
+}
+
+TEST_F(InputQueueCoreTest, AQueueThatGetsNoThreadIsNotStartedAndMayBeStartedAgain) {
+  Recording recording;
+  ASSERT_EQ(recording.make(*queues), kAudioStatusOk);
+  ASSERT_EQ(recording.prime(), kAudioStatusOk);
+  {
+    const support::NoMoreThreads limit;
+    if (!limit.isInForce()) {
+      GTEST_SKIP() << "no way to make the system refuse a thread";
+    }
+    EXPECT_EQ(recording.queue->start(), kNoThreadStatus);
+  }
+  feed(0, kRecordFrames);
+  EXPECT_EQ(recording.queue->capturedFrames(), 0U);
+  ASSERT_EQ(recording.queue->start(), kAudioStatusOk);
+  feed(500, kRecordFrames);
+  ASSERT_TRUE(recording.endFrames.awaitCount(1));
+  EXPECT_EQ(recording.samples(), ramp(500, kRecordFrames));
 }
 
 TEST_F(InputQueueCoreTest, ABufferLongerThanHalfTheRingIsRefused) {

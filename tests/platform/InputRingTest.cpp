@@ -98,6 +98,24 @@ TEST(InputRingTest, AStretchOfLossIsToldByOneBlockOnly) {
   EXPECT_EQ(consumer.front()->lostBefore, 0U);
 }
 
+TEST(InputRingTest, FinishingGivesOutTheBlockInWorkWithItsTrueSize) {
+  InputRing ring(4, 3);
+  InputRingProducer producer(ring);
+  InputRingConsumer consumer(ring);
+  EXPECT_EQ(producer.write(ramp(0, 6).data(), 6), 1U);
+  producer.finish();
+  EXPECT_EQ(ring.publishedEndFrame(), 6U);
+  consumer.pop();
+  const auto* block = consumer.front();
+  ASSERT_NE(block, nullptr);
+  EXPECT_EQ(block->firstFrame, 4U);
+  EXPECT_EQ(block->frames(), 2U);
+  EXPECT_EQ(std::vector<float>(consumer.frontSamples(), consumer.frontSamples() + 4), ramp(4, 2));
+  consumer.pop();
+  producer.finish();
+  EXPECT_EQ(consumer.front(), nullptr) << "nothing is in work";
+}
+
 TEST(InputRingTest, TwoThreadsNeverShowATornOrMisplacedFrame) {
   InputRing ring(16, 4);
   std::atomic<bool> finished{false};

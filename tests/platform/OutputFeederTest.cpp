@@ -66,17 +66,39 @@ TEST_F(OutputFeederTest, AnEmptyBufferComesBackAtOnce) {
 TEST_F(OutputFeederTest, SilenceFillsTheRestAndIsCountedFromTheFirstDataOn) {
   EXPECT_EQ(fill(5), std::vector<float>(10, 0));
   EXPECT_EQ(feeder_.underrunFrames(), 0U);
-  push(1, 3);
-  auto expected = ramp(1, 3);
+  push(1, 8);
+  EXPECT_EQ(fill(5), ramp(1, 5));
+  auto expected = ramp(6, 3);
   expected.resize(10);
   EXPECT_EQ(fill(5), expected);
   EXPECT_EQ(feeder_.underrunFrames(), 2U);
-  EXPECT_EQ(feeder_.realEndFrame(), 8U);
-  EXPECT_EQ(feeder_.givenFrames(), 10U);
+  EXPECT_EQ(feeder_.realEndFrame(), 13U);
+  EXPECT_EQ(feeder_.givenFrames(), 15U);
   feeder_.beginDraining();
   fill(5);
   EXPECT_EQ(feeder_.underrunFrames(), 2U);
-  EXPECT_EQ(feeder_.realEndFrame(), 8U);
+  EXPECT_EQ(feeder_.realEndFrame(), 13U);
+}
+
+TEST_F(OutputFeederTest, AFirstRequestForMoreThanThereIsHasItsSilenceBeforeTheFirstFrame) {
+  push(1, 3);
+  std::vector<float> expected(4, 0);
+  const auto first = ramp(1, 3);
+  expected.insert(expected.end(), first.begin(), first.end());
+  EXPECT_EQ(fill(5), expected);
+  push(4, 7);
+  EXPECT_EQ(fill(5), ramp(4, 5)) << "the audio goes on without a gap";
+  EXPECT_EQ(feeder_.underrunFrames(), 0U);
+  EXPECT_EQ(feeder_.realEndFrame(), 10U);
+}
+
+TEST_F(OutputFeederTest, AShortClipWhoseEndIsKnownBeginsAtOnce) {
+  push(1, 3);
+  feeder_.beginDraining();
+  auto expected = ramp(1, 3);
+  expected.resize(10);
+  EXPECT_EQ(fill(5), expected);
+  EXPECT_EQ(feeder_.realEndFrame(), 3U);
 }
 
 TEST_F(OutputFeederTest, ClosedGivesSilenceAndReturnsNothing) {

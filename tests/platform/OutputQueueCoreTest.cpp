@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "platform/AudioQueueFixture.h"
+#include "support/NoMoreThreads.h"
 
 namespace platform::test {
 namespace {
@@ -170,9 +171,10 @@ TEST_F(OutputQueueCoreTest, SilenceFromLackOfABufferIsCountedFromTheFirstDataToT
   playback.source = ramp(1, 6000);
   playback.inCallback = [&](AudioOutputQueue&) { door.pass(); };
   ASSERT_EQ(playback.begin(*queues), kAudioStatusOk);
-  auto expected = ramp(1, 3072);
-  expected.resize(4000 * 2);
-  EXPECT_EQ(device->pull(4000), expected);
+  EXPECT_EQ(device->pull(1000), ramp(1, 1000));
+  auto expected = ramp(1001, 2072);
+  expected.resize(3000 * 2);
+  EXPECT_EQ(device->pull(3000), expected);
   EXPECT_EQ(playback.queue->underrunFrames(), 928U);
   door.open();
   ASSERT_TRUE(playback.returned.awaitCount(3));
@@ -182,6 +184,36 @@ TEST_F(OutputQueueCoreTest, SilenceFromLackOfABufferIsCountedFromTheFirstDataToT
   ASSERT_TRUE(playback.done);
   device->pull(100);
   EXPECT_EQ(playback.queue->underrunFrames(), 928U + 5000 - (6000 - 3072));
+}
+
+TEST_F(OutputQueueCoreTest, SilenceInsideTheAudioIsToldOnTheConsoleOnceWhenTheQueueEnds) {
+  playback.source = ramp(1, 6000);
+  playback.inCallback = [&](AudioOutputQueue&) { door.pass(); };
+  ASSERT_EQ(playback.begin(*queues), kAudioStatusOk);
+  device->pull(1000);
+  device->pull(3000);
+  door.open();
+  EXPECT_EQ(services->consoleLinesWith("silence"), 0U);
+  EXPECT_EQ(playback.queue->stopImmediately(), kAudioStatusOk);
+  EXPECT_EQ(services->consoleLinesWith("928 frames of silence"), 1U);
+  EXPECT_EQ(playback.queue->dispose(), kAudioStatusOk);
+  EXPECT_EQ(services->consoleLinesWith("silence"), 1U);
+}
+
+TEST_F(OutputQueueCoreTest, AFirstRequestForMoreThanIsQueuedHearsTheAudioWithoutAGap) {
+  playback.source = ramp(1, 10000);
+  ASSERT_EQ(playback.begin(*queues), kAudioStatusOk);
+  auto heard = device->pull(4096);
+  ASSERT_TRUE(playback.returned.awaitCount(3));
+  const auto more = device->pull(1024);
+  heard.insert(heard.end(), more.begin(), more.end());
+  std::vector<float> expected(1024 * 2, 0.0F);
+  const auto played = ramp(1, 4096);
+  expected.insert(expected.end(), played.begin(), played.end());
+  EXPECT_EQ(heard, expected);
+  EXPECT_EQ(playback.queue->underrunFrames(), 0U);
+  EXPECT_EQ(playback.queue->dispose(), kAudioStatusOk);
+  EXPECT_EQ(services->consoleLinesWith("silence"), 0U);
 }
 
 TEST_F(OutputQueueCoreTest, SilenceBeforeTheFirstDataIsNoUnderrun) {
@@ -399,6 +431,22 @@ TEST_F(OutputQueueCoreTest, LevelsAreThoseOfTheLastBufferGivenToTheDevice) {
   ASSERT_TRUE(playback.returned.awaitCount(2));
   ASSERT_EQ(playback.queue->currentLevels(levels, 2, count), kAudioStatusOk);
   EXPECT_FLOAT_EQ(levels[1].mAveragePower, 0.125F);
+}
+
+TEST_F(OutputQueueCoreTest, AQueueThatGetsNoThreadIsNotStartedAndMayBeStartedAgain) {
+  playback.source = ramp(1, 5000);
+  ASSERT_EQ(playback.make(*queues), kAudioStatusOk);
+  playback.prime();
+  {
+    const support::NoMoreThreads limit;
+    if (!limit.isInForce()) {
+      GTEST_SKIP() << "no way to make the system refuse a thread";
+    }
+    EXPECT_EQ(playback.queue->start(), kNoThreadStatus);
+  }
+  EXPECT_EQ(running(), 0U);
+  ASSERT_EQ(playback.queue->start(), kAudioStatusOk);
+  EXPECT_EQ(device->pull(1000), ramp(1, 1000));
 }
 
 TEST_F(OutputQueueCoreTest, NoBufferIsTakenAfterTheEndWasAnnounced) {

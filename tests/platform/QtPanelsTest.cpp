@@ -8,8 +8,11 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialogButtonBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -64,12 +67,35 @@ class QtPanelsTest : public testing::Test {
 
   void acceptPanel() { QMetaObject::invokeMethod(panel_, "accept"); }
 
+  QPushButton* saveButton() {
+    return panel_->findChild<QDialogButtonBox*>("buttonBox")->button(QDialogButtonBox::Save);
+  }
+
+  /// Presses a button of the question whether to replace a file, which has to name it, as soon as
+  /// it is on the screen.
+  void answerQuestion(QMessageBox::StandardButton button, const std::string& fileName) {
+    QTimer::singleShot(0, &window_, [this, button, fileName] {
+      auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      if (question == nullptr) {
+        answerQuestion(button, fileName);
+        return;
+      }
+      ++questions_;
+      EXPECT_TRUE(question->text().contains(QString::fromStdString(fileName)));
+      for (const QLabel* const label : question->findChildren<QLabel*>()) {
+        EXPECT_EQ(label->textFormat(), Qt::PlainText);
+      }
+      question->button(button)->click();
+    });
+  }
+
   support::TemporaryFolder folder_;
   QWidget window_;
   QtPanels panels_;
   QFileDialog* panel_ = nullptr;
   QComboBox* kind_ = nullptr;
   int answers_ = 0;
+  int questions_ = 0;
   std::optional<std::string> saved_;
 };
 
@@ -137,22 +163,88 @@ TEST_F(QtPanelsTest, AnotherKindForAFileThatExistsNamesAnotherFile) {
 TEST_F(QtPanelsTest, ReplacingAFileIsAskedForUnderItsFullName) {
   std::ofstream(folder_.file("take.aiff")) << "old";
   beginSave("x")->setText("take");
-  QTimer::singleShot(0, [] {
-    auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    ASSERT_NE(question, nullptr);
-    EXPECT_TRUE(question->text().contains("take.aiff"));
-    question->button(QMessageBox::No)->click();
-  });
+  answerQuestion(QMessageBox::No, "take.aiff");
+  acceptPanel();
+  EXPECT_TRUE(runMainLoopUntil([&] { return questions_ == 1; }));
+  EXPECT_EQ(answers_, 0);
+  EXPECT_TRUE(panel_->isVisible());
+  answerQuestion(QMessageBox::Yes, "take.aiff");
+  acceptPanel();
+  EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
+  EXPECT_EQ(saved_, folder_.file("take.aiff"));
+}
+
+TEST_F(QtPanelsTest, TheQuestionBeforeReplacingShowsANameAsItStands) {
+  std::ofstream(folder_.file("<b>a \"b\".aiff")) << "old";
+  beginSave("x")->setText("<b>a \"b\"");
+  answerQuestion(QMessageBox::Yes, "<b>a \"b\".aiff");
+  acceptPanel();
+  EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
+  EXPECT_EQ(questions_, 1);
+  EXPECT_EQ(saved_, folder_.file("<b>a \"b\".aiff"));
+}
+
+TEST_F(QtPanelsTest, NamesAreTakenLetterByLetter) {
+  for (const char* const name :
+       {"say \"hi\"", "\"", "\"a\" \"b\"", "two\nlines", " a ", "x..", "a\\b", "100% %1"}) {
+    answers_ = 0;
+    beginSave(name);
+    acceptPanel();
+    EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; })) << name;
+    EXPECT_EQ(saved_, folder_.file(std::string(name) + ".aiff"));
+    EXPECT_TRUE(
+        runMainLoopUntil([&] { return window_.findChild<QFileDialog*>("savePanel") == nullptr; }));
+  }
+}
+
+// What the file system says to such a name is told by whoever saves.
+TEST_F(QtPanelsTest, ANameThatIsTooLongIsHandedOn) {
+  for (const std::size_t length : {251U, 255U, 256U, 400U}) {
+    answers_ = 0;
+    const std::string name(length, 'x');
+    beginSave("x")->setText(QString::fromStdString(name));
+    EXPECT_TRUE(saveButton()->isEnabled());
+    saveButton()->click();
+    EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; })) << length;
+    EXPECT_EQ(saved_, folder_.file(name + ".aiff"));
+    EXPECT_TRUE(
+        runMainLoopUntil([&] { return window_.findChild<QFileDialog*>("savePanel") == nullptr; }));
+  }
+}
+
+TEST_F(QtPanelsTest, APathLeadsElsewhereAndAFoldersNameIntoIt) {
+  folder_.makeFolder("in \"it\"");
+  QLineEdit* const name = beginSave("x");
+  name->setText("in \"it\"");
+  acceptPanel();
+  EXPECT_EQ(answers_, 0);
+  EXPECT_EQ(panel_->directory().absolutePath().toStdString(), folder_.file("in \"it\""));
+  name->setText("..");
+  acceptPanel();
+  EXPECT_EQ(panel_->directory().absolutePath().toStdString(), folder_.path());
+  name->setText("in \"it\"/take");
+  acceptPanel();
+  EXPECT_EQ(answers_, 1);
+  EXPECT_EQ(saved_, folder_.file("in \"it\"/take.aiff"));
+}
+
+TEST_F(QtPanelsTest, AnAbsolutePathAndTheHomeFolderAreUnderstood) {
+  beginSave("x")->setText(QString::fromStdString(folder_.file("else")));
+  acceptPanel();
+  EXPECT_EQ(saved_, folder_.file("else.aiff"));
+  EXPECT_TRUE(
+      runMainLoopUntil([&] { return window_.findChild<QFileDialog*>("savePanel") == nullptr; }));
+  beginSave("x")->setText("~/no such folder/take");
+  acceptPanel();
+  EXPECT_EQ(saved_, QDir::homePath().toStdString() + "/no such folder/take.aiff");
+}
+
+TEST_F(QtPanelsTest, WithoutANameNothingCanBeSaved) {
+  beginSave("x")->clear();
+  EXPECT_FALSE(saveButton()->isEnabled());
   acceptPanel();
   EXPECT_EQ(answers_, 0);
   EXPECT_TRUE(panel_->isVisible());
-  QTimer::singleShot(0, [] {
-    qobject_cast<QMessageBox*>(QApplication::activeModalWidget())
-        ->button(QMessageBox::Yes)
-        ->click();
-  });
-  acceptPanel();
-  EXPECT_EQ(saved_, folder_.file("take.aiff"));
 }
 
 TEST_F(QtPanelsTest, APanelWhoseWindowGoesAnswersNothing) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/AudioQueueFixture.h"
+#include "support/NoMoreThreads.h"
 
 namespace platform::test {
 namespace {
@@ -13,7 +14,7 @@ TEST(QueueThreadTest, ServesOnceForEveryWakeUpAlsoForThoseBeforeItsStart) {
   QueueThread thread;
   Record<bool> served;
   thread.wake();
-  thread.start([&] { served.add(thread.isCurrent()); });
+  ASSERT_EQ(thread.start([&] { served.add(thread.isCurrent()); }), kAudioStatusOk);
   thread.wake();
   ASSERT_TRUE(served.awaitCount(2));
   thread.end();
@@ -25,10 +26,11 @@ TEST(QueueThreadTest, EndWaitsForTheServingThatRuns) {
   QueueThread thread;
   Door door;
   std::atomic<bool> finished{false};
-  thread.start([&] {
+  ASSERT_EQ(thread.start([&] {
     door.pass();
     finished = true;
-  });
+  }),
+            kAudioStatusOk);
   thread.wake();
   ASSERT_TRUE(door.awaitArrival());
   std::thread opener([&] { door.open(); });
@@ -40,11 +42,12 @@ TEST(QueueThreadTest, EndWaitsForTheServingThatRuns) {
 TEST(QueueThreadTest, EndingAndDestroyingItFromItsOwnThreadIsAllowed) {
   auto thread = std::make_unique<QueueThread>();
   Record<int> served;
-  thread->start([&] {
+  ASSERT_EQ(thread->start([&] {
     thread->end();
     thread.reset();
     served.add(1);
-  });
+  }),
+            kAudioStatusOk);
   thread->wake();
   EXPECT_TRUE(served.awaitCount(1));
 }
@@ -54,19 +57,36 @@ TEST(QueueThreadTest, EndWithoutAStartAndTwiceDoesNothing) {
   thread.end();
   thread.end();
   QueueThread started;
-  started.start([] {});
+  ASSERT_EQ(started.start([] {}), kAudioStatusOk);
   started.end();
   started.end();
+}
+
+TEST(QueueThreadTest, ASystemWithoutAThreadToGiveIsAnsweredAndMayBeAskedAgain) {
+  QueueThread thread;
+  Record<int> served;
+  {
+    const support::NoMoreThreads limit;
+    if (!limit.isInForce()) {
+      GTEST_SKIP() << "no way to make the system refuse a thread";
+    }
+    EXPECT_EQ(thread.start([&] { served.add(1); }), kNoThreadStatus);
+  }
+  ASSERT_EQ(thread.start([&] { served.add(2); }), kAudioStatusOk);
+  thread.wake();
+  ASSERT_TRUE(served.awaitCount(1));
+  EXPECT_EQ(served.values(), std::vector<int>{2});
 }
 
 TEST(QueueThreadTest, AlertsOnItArePostedAndNotWaitedFor) {
   const support::InstalledRecordingServices services;
   QueueThread thread;
   Record<int> served;
-  thread.start([&] {
+  ASSERT_EQ(thread.start([&] {
     ShowModalAlert("title", "message");
     served.add(1);
-  });
+  }),
+            kAudioStatusOk);
   thread.wake();
   ASSERT_TRUE(served.awaitCount(1));
   EXPECT_EQ(services->alerts().size(), 0U);

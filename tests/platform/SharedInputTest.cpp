@@ -123,6 +123,7 @@ TEST_F(SharedInputTimeTest, PreparingOpensAheadAndClosesAgainWhenNobodyCame) {
   Recording recording;
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   EXPECT_EQ(device->inputsOpened(), 1U);
+  settle();  // the opening is known to have succeeded
   recording.queue.reset();
   clock->advance(seconds(3));
   ASSERT_TRUE(device->awaitInputClosed());
@@ -187,6 +188,26 @@ TEST_F(SharedInputTimeTest, AnOpeningAheadIsNotWaitedFor) {
   EXPECT_EQ(recording.failures.count(), 0U);
 }
 
+TEST_F(SharedInputTimeTest, AnOpeningAheadMayWaitForItsStart) {
+  std::promise<void> start;
+  queues->prepareInput(start.get_future());
+  Recording recording;
+  ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);  // the clock stands still
+  EXPECT_EQ(device->inputsOpened(), 0U);
+  start.set_value();
+  ASSERT_TRUE(device->awaitInputOpen());
+  device->feed(ramp(0, kRecordFrames));
+  EXPECT_TRUE(recording.endFrames.awaitCount(1));
+}
+
+TEST_F(SharedInputTimeTest, AnOpeningAheadWhoseStartNeverComesBeginsWhenThatIsClear) {
+  {
+    std::promise<void> start;
+    queues->prepareInput(start.get_future());
+  }
+  EXPECT_TRUE(device->awaitInputOpen());
+}
+
 TEST_F(SharedInputTimeTest, TheFailureOfAnOpeningAheadArrivesThroughTheQueueOnce) {
   device->hang();
   device->failOpeningInput(-5);
@@ -243,8 +264,9 @@ TEST_F(SharedInputTimeTest, ALostDeviceEndsEveryQueueOnceAndTheNextQueueOpensAfr
   ASSERT_TRUE(one.failures.awaitCount(1));
   ASSERT_TRUE(two.failures.awaitCount(1));
   ASSERT_TRUE(device->awaitInputClosed());
-  // What was captured whole before the loss has been delivered before it was told.
-  EXPECT_EQ(one.endFrames.count(), 1U);
+  // All that was captured before the loss has been delivered before it was told.
+  EXPECT_EQ(one.samples(), ramp(0, kRecordFrames + 5));
+  EXPECT_EQ(two.samples(), ramp(0, kRecordFrames + 5));
   clock->advance(seconds(1));
   Recording three;
   ASSERT_EQ(three.begin(*queues), kAudioStatusOk);
@@ -252,7 +274,7 @@ TEST_F(SharedInputTimeTest, ALostDeviceEndsEveryQueueOnceAndTheNextQueueOpensAfr
   device->feed(ramp(0, kRecordFrames));
   ASSERT_TRUE(three.endFrames.awaitCount(1));
   one.queue->waitUntilDelivered(one.queue->capturedFrames());
-  EXPECT_EQ(one.endFrames.count(), 1U);  // stays ended
+  EXPECT_EQ(one.endFrames.count(), 2U);  // stays ended
   EXPECT_EQ(one.failures.values(), (std::vector<AudioStatus>{kDeviceLostStatus}));
   EXPECT_EQ(two.failures.values(), (std::vector<AudioStatus>{kDeviceLostStatus}));
   EXPECT_EQ(three.failures.count(), 0U);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 using platform::UndoManager;
 
 namespace {
@@ -108,4 +110,39 @@ TEST(UndoManager, ADiscardedRegistrationCannotBeUndone) {
   manager.discardLastUndo();
   EXPECT_FALSE(manager.canUndo());
   EXPECT_FALSE(manager.canRedo());
+}
+
+TEST(UndoManager, AnOperationThatThrowsIsTakenOffAndLeavesTheManagerUsable) {
+  UndoManager manager;
+  UndoableNumber number(manager);
+  int changes = 0;
+  manager.setChangeHandler([&] { ++changes; });
+  number.set(1, "One");
+  const auto target = std::make_shared<int>(0);
+  manager.registerUndo(target, [] { throw std::runtime_error("no memory"); });
+  const int before = changes;
+  EXPECT_THROW(manager.undo(), std::runtime_error);
+  EXPECT_FALSE(manager.isUndoing());
+  EXPECT_GT(changes, before) << "what can be undone has changed all the same";
+  EXPECT_EQ(manager.undoActionName(), "One");
+
+  manager.undo();
+  EXPECT_EQ(number.value(), 0);
+  manager.redo();
+  EXPECT_EQ(number.value(), 1);
+}
+
+TEST(UndoManager, ARedoThatThrowsLeavesTheManagerUsable) {
+  UndoManager manager;
+  UndoableNumber number(manager);
+  const auto target = std::make_shared<int>(0);
+  manager.registerUndo(
+      target, [&] { manager.registerUndo(target, [] { throw std::runtime_error("no memory"); }); });
+  manager.undo();
+  EXPECT_THROW(manager.redo(), std::runtime_error);
+  EXPECT_FALSE(manager.isRedoing());
+  EXPECT_FALSE(manager.canRedo());
+  number.set(1, "One");
+  manager.undo();
+  EXPECT_EQ(number.value(), 0);
 }

@@ -34,6 +34,46 @@ TEST_P(ViewDrawing, ALineBetweenPixelsIsSoft) {
   EXPECT_LT(edge, 235);
 }
 
+TEST_P(ViewDrawing, AnUprightBarIsALineOfItsWidth) {
+  const QColor color = QColor::fromRgbF(1.0F, 0.5F, 0.0F, 0.7F);
+  for (const double left : {10.0, 10.25, 10.5, 10.9, -1.0, 29.5}) {
+    const QImage line = drawnPicture({30, 200}, ratio(), Qt::blue, [&](QPainter& painter) {
+      painter.setPen(platform::viewPen(color, 2.0));
+      painter.drawLine(QPointF(left + 1.0, 0.0), QPointF(left + 1.0, 200.0));
+    });
+    const QImage bar = drawnPicture({30, 200}, ratio(), Qt::blue, [&](QPainter& painter) {
+      platform::fillUprightBar(painter, left, left + 2.0, 200.0, color);
+      EXPECT_TRUE(painter.testRenderHint(QPainter::Antialiasing)) << "as it was";
+    });
+    for (int y = 0; y < bar.height(); ++y) {
+      for (int x = 0; x < bar.width(); ++x) {
+        ASSERT_LE(colorDistance(bar.pixelColor(x, y), line.pixelColor(x, y)), 2)
+            << left << ": " << x << ", " << y;
+      }
+    }
+  }
+}
+
+TEST(UprightBar, OfAFractionOfAPixelIsAsFaintAsIsWide) {
+  const QImage bar = drawnPicture({8, 80}, 1.25, Qt::black, [](QPainter& painter) {
+    platform::fillUprightBar(painter, 2.0, 3.0, 80.0, Qt::white);  // pixels 2.5 to 3.75
+  });
+  for (int y = 0; y < bar.height(); ++y) {
+    EXPECT_EQ(bar.pixelColor(1, y).red(), 0) << y;
+    EXPECT_NEAR(bar.pixelColor(2, y).red(), 128, 1) << y;
+    EXPECT_NEAR(bar.pixelColor(3, y).red(), 191, 1) << y;
+    EXPECT_EQ(bar.pixelColor(4, y).red(), 0) << y;
+  }
+}
+
+TEST(UprightBar, FarOutsideDrawsNothing) {
+  const QImage bar = drawnPicture({8, 8}, 1.0, Qt::black, [](QPainter& painter) {
+    platform::fillUprightBar(painter, 1e17, 1e17 + 64.0, 8.0, Qt::white);
+    platform::fillUprightBar(painter, -1e300, -1e300, 8.0, Qt::white);
+  });
+  EXPECT_EQ(bar, makePicture({8, 8}, 1.0, Qt::black));
+}
+
 TEST_P(ViewDrawing, PensEndWhereTheLineEnds) {
   const QImage picture = drawnPicture({30, 20}, ratio(), Qt::black, [](QPainter& painter) {
     painter.setPen(platform::viewPen(Qt::white, 4.0));

@@ -6,6 +6,8 @@
 #include <limits>
 
 #include "storage/TransferHelpers.h"
+#include "support/AddressSpaceLimit.h"
+#include "support/Checkers.h"
 #include "support/RecordingDelegate.h"
 #include "support/RecordingServices.h"
 
@@ -22,15 +24,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kCheckedAllocations = true;
-#elif defined(__has_feature)
-constexpr bool kCheckedAllocations =
-    __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-constexpr bool kCheckedAllocations = false;
-#endif
 
 constexpr auto kHighest = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t kTenSeconds = 3528000;  // bytes
@@ -323,7 +316,7 @@ TEST_F(AnAudioBuffer, ReportsAWriteThatNoMemoryCanHold) {
 }
 
 TEST_F(AnAudioBuffer, ReportsAWriteForWhichThereIsNoMemory) {
-  if (kCheckedAllocations) {
+  if (support::kAnyChecker) {
     GTEST_SKIP() << "the checkers end the program at such an allocation";
   }
   const auto delegate = std::make_shared<support::RecordingDelegate>();
@@ -332,6 +325,74 @@ TEST_F(AnAudioBuffer, ReportsAWriteForWhichThereIsNoMemory) {
   ASSERT_THAT(delegate->calls(), SizeIs(2));
   EXPECT_EQ(delegate->calls()[0].error, ENOMEM);
   EXPECT_EQ(buffer_->bufferCapacity(), kTenSeconds);
+}
+
+// A recording that takes much memory, on a machine that has none left for a second one.
+class AnAudioBufferWithoutMemory : public AnAudioBuffer {
+ protected:
+  static constexpr std::uint64_t kLong = std::uint64_t{96} << 20;   // bytes
+  static constexpr std::uint64_t kSpare = std::uint64_t{16} << 20;  // bytes
+
+  void SetUp() override {
+    if (support::kAnyChecker) {
+      GTEST_SKIP() << "the checkers end the program at such an allocation";
+    }
+    write(*buffer_, first_, kLong - first_.size());
+  }
+
+  Bytes lastBytes() { return read(*buffer_, 2 * first_.size(), kLong - first_.size()); }
+
+  const Bytes first_ = pattern(80, 1);
+  const Bytes second_ = pattern(80, 2);
+};
+
+TEST_F(AnAudioBufferWithoutMemory, GoesOnWithoutAWaypoint) {
+  {
+    const support::AddressSpaceLimit limit(kSpare);
+    EXPECT_NO_THROW(buffer_->setWaypoint());
+  }
+  EXPECT_EQ(services_->consoleLinesWith("could not keep a copy"), 1U);
+  write(*buffer_, second_, kLong - second_.size());
+  buffer_->undo();
+  buffer_->redo();
+  EXPECT_EQ(lastBytes(), second_) << "there is nothing to go back to";
+  EXPECT_EQ(buffer_->bufferFillSize(), kLong);
+}
+
+TEST_F(AnAudioBufferWithoutMemory, ForgetsTheWaypointBeforeTheOneThatFailed) {
+  buffer_->cutoffBufferAfterPosition(10);
+  buffer_->setWaypoint();
+  write(*buffer_, first_, kLong - first_.size());
+  {
+    const support::AddressSpaceLimit limit(kSpare);
+    EXPECT_NO_THROW(buffer_->setWaypoint());
+  }
+  buffer_->undo();
+  EXPECT_EQ(buffer_->bufferFillSize(), kLong) << "the older copy belongs to an older edit";
+}
+
+TEST_F(AnAudioBufferWithoutMemory, HasAWaypointAgainOnceThereIsMemory) {
+  {
+    const support::AddressSpaceLimit limit(kSpare);
+    EXPECT_NO_THROW(buffer_->setWaypoint());
+  }
+  buffer_->setWaypoint();
+  write(*buffer_, second_, kLong - second_.size());
+  buffer_->undo();
+  EXPECT_EQ(lastBytes(), first_);
+}
+
+TEST_F(AnAudioBufferWithoutMemory, IsReversed) {
+  const float samples[] = {1.0F, 2.0F, 3.0F};
+  buffer_->writeData(samples, 0, sizeof samples);
+  {
+    const support::AddressSpaceLimit limit(kSpare);
+    EXPECT_NO_THROW(buffer_->reverseBuffer());
+  }
+  float reversed[3] = {};
+  ASSERT_EQ(buffer_->readDataInto(reversed, sizeof reversed, kLong - sizeof reversed).byteCount,
+            sizeof reversed);
+  EXPECT_THAT(reversed, ElementsAre(3.0F, 2.0F, 1.0F));
 }
 
 TEST_F(AnAudioBuffer, KeepsTheFramesToPlayForItsCallers) {

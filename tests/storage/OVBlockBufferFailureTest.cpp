@@ -82,7 +82,23 @@ TEST_F(AFailingDisk, AWriteTakenInPartIsMappedWholeAndMovesTheEndByItsWholeCount
   EXPECT_EQ(buffer_->f_write_pos(), 80U);
   EXPECT_EQ(buffer_->bufferFillSize(), 80U);
   EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 80)));
-  EXPECT_EQ(read(*buffer_, 80, 0), part(bytes, 0, 30)) << "a read ends where the file does";
+  EXPECT_EQ(read(*buffer_, 80, 0), part(bytes, 0, 30) + Bytes(50, 0)) << "the rest is silence";
+}
+
+TEST_F(AFailingDisk, AReadPassesTheLostStretchToTheAudioBehindIt) {
+  write(*buffer_, pattern(240, 1), 0);
+  files_.fillUpAfter(20);
+  const Bytes lost = pattern(80, 2);
+  write(*buffer_, lost, 80);
+  EXPECT_EQ(read(*buffer_, 240, 0), part(pattern(240, 1), 0, 80) + part(lost, 0, 20) +
+                                        Bytes(60, 0) + part(pattern(240, 1), 160, 240));
+}
+
+TEST_F(AFailingDisk, ALostWriteAfterAnotherIsSilenceToo) {
+  files_.fillUpAfter(0);
+  write(*buffer_, pattern(80, 1), 0);
+  write(*buffer_, pattern(80, 2), 80);
+  EXPECT_EQ(read(*buffer_, 160, 0), Bytes(160, 0));
 }
 
 TEST_F(AFailingDisk, TheLostStretchNeverShowsOtherAudio) {
@@ -126,6 +142,35 @@ TEST_F(AFailingDisk, AFailedReadGivesNothingAndDoesNotLoop) {
   EXPECT_EQ(read(*buffer_, 80, 0), pattern(80, 1));
 }
 
+TEST_F(AFailingDisk, AFailedReadIsToldWithItsErrorOutsideTheLock) {
+  write(*buffer_, pattern(80, 1), 0);
+  files_.failReads(ENXIO);
+  delegate_->during([this] {
+    buffer_->lock();
+    buffer_->unlock();
+  });
+  float destination[20];
+  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 80, 0)));
+  EXPECT_THAT(delegate_->readErrors(), ElementsAre(ENXIO));
+  EXPECT_THAT(services_->alerts(), IsEmpty()) << "how often a person is told is the delegate's";
+}
+
+TEST_F(AFailingDisk, BytesThatTheFileDoesNotHoldAreAnInputOutputErrorToTheirReader) {
+  files_.fillUpAfter(30);
+  files_.failSizeChanges(EIO);
+  write(*buffer_, pattern(80, 1), 0);
+  EXPECT_EQ(read(*buffer_, 80, 0).size(), 30U);
+  EXPECT_THAT(delegate_->readErrors(), ElementsAre(EIO));
+}
+
+TEST_F(AFailingDisk, AReadThatEndsWhereTheRecordingDoesIsNoFailure) {
+  write(*buffer_, pattern(80, 1), 0);
+  files_.shortenReads(7);
+  EXPECT_EQ(read(*buffer_, 200, 40).size(), 40U);
+  EXPECT_TRUE(read(*buffer_, 8, 80).empty());
+  EXPECT_THAT(delegate_->readErrors(), IsEmpty());
+}
+
 TEST_F(AFailingDisk, ShortReadsAreContinued) {
   const Bytes first = pattern(80, 1);
   const Bytes second = pattern(80, 2);
@@ -139,6 +184,7 @@ TEST_F(AFailingDisk, AReadEndsAtTheFirstStretchThatTheFileDoesNotHold) {
   const Bytes first = pattern(80, 1);
   write(*buffer_, first, 160);
   files_.fillUpAfter(20);
+  files_.failSizeChanges(EIO);
   const Bytes lost = pattern(80, 2);
   write(*buffer_, lost, 80);
   EXPECT_EQ(read(*buffer_, 160, 80), part(lost, 0, 20)) << "the block behind it is not reached";
@@ -158,7 +204,7 @@ TEST_F(AFailingDisk, UndoBringsBackWhatWasThereBeforeTheDiskFilledUp) {
   buffer_->setWaypoint();
   files_.fillUpAfter(0);
   write(*buffer_, pattern(80, 2), 0);
-  EXPECT_THAT(read(*buffer_, 80, 0), IsEmpty());
+  EXPECT_EQ(read(*buffer_, 80, 0), Bytes(80, 0));
   buffer_->undo();
   EXPECT_EQ(read(*buffer_, 80, 0), before);
 }

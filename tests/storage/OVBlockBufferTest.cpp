@@ -2,15 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <limits>
 
-#include "storage/TransferHelpers.h"
-#include "support/FailingTemporaryFiles.h"
+#include "storage/BlockBufferTest.h"
 #include "support/RecordingDelegate.h"
-#include "support/RecordingServices.h"
 
 namespace {
 
@@ -26,26 +23,8 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr auto kHighest = std::numeric_limits<std::uint64_t>::max();
-constexpr std::uint64_t kTwo64 = 0;  // 2^64 in unsigned arithmetic
 
-class ABlockBuffer : public testing::Test {
- protected:
-  // `count` writes of `size` bytes, one behind the other from address 0 on; gives all their bytes.
-  Bytes writeSequence(std::size_t count, std::size_t size) {
-    Bytes all;
-    for (std::size_t i = 0; i < count; ++i) {
-      const Bytes chunk = pattern(size, static_cast<unsigned>(i + 1));
-      write(*buffer_, chunk, i * size);
-      all = std::move(all) + chunk;
-    }
-    return all;
-  }
-
-  support::InstalledRecordingServices services_;
-  support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
-  std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
-};
+class ABlockBuffer : public storagetest::BlockBufferTest {};
 
 TEST_F(ABlockBuffer, IsEmptyAtFirst) {
   EXPECT_THAT(buffer_->blocklist(), IsEmpty());
@@ -289,118 +268,6 @@ TEST_F(ABlockBuffer, LocatesAddresses) {
     EXPECT_EQ(location.bytesAvailable, 0U);
     EXPECT_TRUE(location.notFound);
   }
-}
-
-TEST_F(ABlockBuffer, CutAfterAPositionEndsTheRecordingThere) {
-  const Bytes all = writeSequence(4, 80);
-  buffer_->cutoffBufferAfterPosition(25);
-  EXPECT_EQ(buffer_->bufferFillSize(), 200U);
-  EXPECT_THAT(buffer_->blocklist(),
-              ElementsAre(OVBlock(0, 0, 80), OVBlock(80, 80, 80), OVBlock(160, 160, 40)));
-  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 0, 200));
-}
-
-TEST_F(ABlockBuffer, CutAfterABlockBoundaryKeepsTheBlockButHidesIt) {
-  const Bytes all = writeSequence(3, 80);
-  buffer_->cutoffBufferAfterPosition(10);
-  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 80), OVBlock(80, 80, 80)));
-  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 0, 80));
-  float destination[4];
-  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 80)));
-}
-
-TEST_F(ABlockBuffer, ABlockHiddenByACutIsHeardAgainWhenTheRecordingGrowsPastIt) {
-  const Bytes all = writeSequence(3, 80);
-  buffer_->cutoffBufferAfterPosition(10);
-  const Bytes later = pattern(80, 9);
-  write(*buffer_, later, 160);
-  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 0, 160) + later);
-}
-
-TEST_F(ABlockBuffer, ABlockHiddenByACutGoesWhenItIsWrittenOver) {
-  writeSequence(3, 80);
-  buffer_->cutoffBufferAfterPosition(10);
-  write(*buffer_, pattern(80, 9), 80);
-  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 80), OVBlock(80, 240, 80)));
-}
-
-TEST_F(ABlockBuffer, ABlockHiddenByACutIsTrimmedWhenItIsPartlyWrittenOver) {
-  writeSequence(3, 80);
-  buffer_->cutoffBufferAfterPosition(10);
-  write(*buffer_, pattern(24, 9), 80);
-  EXPECT_THAT(buffer_->blocklist(),
-              ElementsAre(OVBlock(0, 0, 80), OVBlock(104, 104, 56), OVBlock(80, 240, 24)));
-  EXPECT_EQ(buffer_->bufferFillSize(), 104U);
-}
-
-TEST_F(ABlockBuffer, CutAfterBeyondTheEndLengthensTheRecordingWithAHole) {
-  const Bytes all = writeSequence(1, 80);
-  buffer_->cutoffBufferAfterPosition(100);
-  EXPECT_EQ(buffer_->bufferFillSize(), 800U);
-  EXPECT_EQ(read(*buffer_, 800, 0), all);
-}
-
-TEST_F(ABlockBuffer, CutAfterZeroEmptiesTheRecording) {
-  writeSequence(3, 80);
-  buffer_->cutoffBufferAfterPosition(0);
-  EXPECT_EQ(buffer_->bufferSizeInFrames(), 0U);
-  EXPECT_THAT(read(*buffer_, 100, 0), IsEmpty());
-}
-
-TEST_F(ABlockBuffer, CutBeforeAPositionMovesTheRestToTheStart) {
-  const Bytes all = writeSequence(4, 80);
-  buffer_->cutoffBufferBeforePosition(25);
-  EXPECT_EQ(buffer_->bufferFillSize(), 120U);
-  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 200, 40), OVBlock(40, 240, 80)));
-  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 200, 320));
-}
-
-TEST_F(ABlockBuffer, CutBeforeABlockBoundaryLeavesTheBlockThatEndsThereWrapped) {
-  const Bytes all = writeSequence(3, 80);
-  buffer_->cutoffBufferBeforePosition(20);
-  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(kTwo64 - 80, 80, 80), OVBlock(0, 160, 80)));
-  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 160, 240));
-}
-
-TEST_F(ABlockBuffer, OptimizeMergesTheStartIntoTheWrappedBlockAndHidesIt) {
-  writeSequence(3, 80);
-  buffer_->cutoffBufferBeforePosition(20);
-  buffer_->optimize();
-  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(kTwo64 - 80, 80, 160)));
-  float destination[4];
-  EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 0)));
-  EXPECT_EQ(buffer_->bufferFillSize(), 80U);
-}
-
-TEST_F(ABlockBuffer, AWriteRemovesTheWrappedBlock) {
-  const Bytes all = writeSequence(3, 80);
-  buffer_->cutoffBufferBeforePosition(20);
-  const Bytes later = pattern(8, 9);
-  write(*buffer_, later, 80);
-  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 160, 80), OVBlock(80, 240, 8)));
-  EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 160, 240) + later);
-}
-
-TEST_F(ABlockBuffer, CutBeforeTheWholeRecordingLeavesItEmpty) {
-  writeSequence(1, 80);
-  buffer_->cutoffBufferBeforePosition(10);
-  EXPECT_EQ(buffer_->bufferFillSize(), 0U);
-  EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(kTwo64 - 80, 0, 80)));
-  EXPECT_THAT(read(*buffer_, 100, 0), IsEmpty());
-}
-
-TEST_F(ABlockBuffer, CutBeforeAPositionPastTheEndUnderflowsTheLength) {
-  writeSequence(1, 80);
-  buffer_->cutoffBufferBeforePosition(11);
-  EXPECT_EQ(buffer_->bufferFillSize(), kTwo64 - 8);
-  EXPECT_THAT(buffer_->blocklist(), IsEmpty());
-  EXPECT_THAT(read(*buffer_, 100, 0), IsEmpty());
-}
-
-TEST_F(ABlockBuffer, CutPositionsWrapAsTheyAreTurnedIntoBytes) {
-  writeSequence(1, 80);
-  buffer_->cutoffBufferAfterPosition((std::uint64_t{1} << 61) + 5);
-  EXPECT_EQ(buffer_->bufferFillSize(), 40U);
 }
 
 TEST_F(ABlockBuffer, ReversingDoesNothing) {

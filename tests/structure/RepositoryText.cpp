@@ -1,7 +1,6 @@
 #include "structure/RepositoryText.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <filesystem>
 #include <regex>
@@ -23,7 +22,6 @@ struct Rule {
 
 constexpr char kMachine[] = "a folder of someone's machine";
 constexpr char kHost[] = "a host from which packages come";
-constexpr char kPapers[] = "papers that are not in the repository";
 
 std::regex anyCase(const std::string& pattern) {
   return std::regex(pattern, std::regex::ECMAScript | std::regex::icase | std::regex::optimize);
@@ -37,8 +35,6 @@ Rule machineFolder(const std::string& name) {
 }
 
 const std::vector<Rule>& rules() {
-  static const std::string paper = std::string("sp") + "ec";
-  static const std::string maker = std::string("implement") + "er";
   static const std::vector<Rule> all{
       machineFolder("home"),
       machineFolder("users"),
@@ -46,21 +42,8 @@ const std::vector<Rule>& rules() {
       machineFolder("work"),
       {"debian.", anyCase("\\b(deb|ftp|snapshot|security)\\.debian\\.[a-z]+"), kHost},
       {"registry.", anyCase("\\bregistry\\.[a-z0-9.-]+\\.[a-z]+"), kHost},
-      {paper, anyCase("\\b(" + paper + "\\.md|the " + paper + "|" + paper + "ification)\\b"),
-       kPapers},
-      {"part", std::regex("\\bParts? [0-9]|\\bparts? [0-9]+\\.[0-9]"), kPapers},
-      {maker, anyCase("\\b" + maker + "s?\\b"), kPapers},
-      {"shared/", anyCase("\\bshared/(" + paper + "|design|rulings|facts|look|examples)"), kPapers},
   };
   return all;
-}
-
-/// Public standards of the desktop have papers of their own, which may be named.
-bool namesAPublicStandard(const std::string& lowerCaseLine) {
-  constexpr std::array kStandards{"desktop entry", "freedesktop", "xdg", "appstream"};
-  return std::any_of(kStandards.begin(), kStandards.end(), [&](const char* name) {
-    return lowerCaseLine.find(name) != std::string::npos;
-  });
 }
 
 std::string lowerCase(std::string text) {
@@ -114,8 +97,7 @@ std::vector<std::string> complaintsAboutText(const std::string& text) {
     ++number;
     const std::string lower = lowerCase(line);
     for (const Rule& rule : rules()) {
-      if (lower.find(rule.trigger) == std::string::npos || !std::regex_search(line, rule.pattern) ||
-          (rule.reason == kPapers && namesAPublicStandard(lower))) {
+      if (lower.find(rule.trigger) == std::string::npos || !std::regex_search(line, rule.pattern)) {
         continue;
       }
       complaints.push_back(std::to_string(number) + ": names " + rule.reason);
@@ -123,13 +105,6 @@ std::vector<std::string> complaintsAboutText(const std::string& text) {
     }
   }
   return complaints;
-}
-
-std::vector<std::string> complaintsAboutName(const std::string& path) {
-  static const std::regex pattern =
-      anyCase(std::string("(^|/)sp") + "ec([._-]|$)|(^|[/_-])part[_-]?[0-9]");
-  return std::regex_search(path, pattern) ? std::vector{path + ": names " + kPapers}
-                                          : std::vector<std::string>{};
 }
 
 }  // namespace structure

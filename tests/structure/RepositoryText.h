@@ -12,11 +12,8 @@ namespace structure {
 /// take, or, in a copy without git, all but what is built.
 [[nodiscard]] std::vector<std::string> repositoryFiles(const std::string& root);
 
-/// Lines of a text that name a folder of someone's machine, a host from which packages come, or
-/// papers that a reader of the repository does not have. One complaint a line, with its number.
+/// Lines of a text that name a folder of someone's machine or a host from which packages come. One
+/// complaint a line, with its number.
 [[nodiscard]] std::vector<std::string> complaintsAboutText(const std::string& text);
-
-/// The same for a file's path.
-[[nodiscard]] std::vector<std::string> complaintsAboutName(const std::string& path);
 
 }  // namespace structure

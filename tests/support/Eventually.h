@@ -8,7 +8,7 @@ namespace support {
 
 /// How long a test waits at most for something that usually takes milliseconds. Generous, since a
 /// busy machine must not fail a test; it is only used up when something is broken.
-inline constexpr std::chrono::seconds kPatience{20};
+inline constexpr std::chrono::seconds kPatience{60};
 
 /// Looks at `condition` again and again until it holds; false when `patience` ran out first.
 ///

@@ -22,8 +22,8 @@ class FakeWaveformSummary final : public OVWaveformSummary {
   [[nodiscard]] int copiesTaken() const { return copiesTaken_; }
   [[nodiscard]] const float* lastDestination() const { return lastDestination_; }
 
-  void generate() override {}
-  void generateNoLock() override {}
+  void generate(const std::atomic<bool>*) override {}
+  void generateNoLock(const std::atomic<bool>*) override {}
   void setShouldRegenerateWaveform(bool) override {}
   [[nodiscard]] bool isRegenerating() const override { return isRegenerating_; }
   void reset() override {}

@@ -20,7 +20,7 @@ struct DelegateCall {
   friend bool operator==(const DelegateCall&, const DelegateCall&) = default;
 };
 
-/// Keeps every report of a buffer, failures and writes in one order.
+/// Keeps every report of a buffer: writes and their failures in one order, failed reads in another.
 ///
 /// Threads: any.
 class RecordingDelegate : public OVAudioBufferDelegate {
@@ -32,12 +32,30 @@ class RecordingDelegate : public OVAudioBufferDelegate {
 
   void audioBufferFailedToWrite(int error) override { add({nullptr, 0, 0, error}); }
 
+  void audioBufferFailedToRead(int error) override {
+    std::function<void()> hook;
+    {
+      const std::lock_guard lock(mutex_);
+      readErrors_.push_back(error);
+      hook = hook_;
+    }
+    if (hook) {
+      hook();
+    }
+  }
+
   std::vector<DelegateCall> calls() const {
     const std::lock_guard lock(mutex_);
     return calls_;
   }
 
-  /// Runs inside every call: on the writer's thread, outside the buffer's lock.
+  /// Errnos of the reads that failed.
+  std::vector<int> readErrors() const {
+    const std::lock_guard lock(mutex_);
+    return readErrors_;
+  }
+
+  /// Runs inside every call: on the writer's or reader's thread, outside the buffer's lock.
   void during(std::function<void()> hook) {
     const std::lock_guard lock(mutex_);
     hook_ = std::move(hook);
@@ -58,6 +76,7 @@ class RecordingDelegate : public OVAudioBufferDelegate {
 
   mutable std::mutex mutex_;  // guards everything below
   std::vector<DelegateCall> calls_;
+  std::vector<int> readErrors_;
   std::function<void()> hook_;
 };
 

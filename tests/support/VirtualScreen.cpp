@@ -188,6 +188,10 @@ bool VirtualScreen::setMaximised(const Window& window, bool maximised) const {
       .status.succeeded();
 }
 
+bool VirtualScreen::minimise(const Window& window) const {
+  return run({"xdotool", "windowminimize", window}).status.succeeded() && waitUntilGone(window);
+}
+
 bool VirtualScreen::close(const Window& window) const {
   return run({"wmctrl", "-i", "-c", window}).status.succeeded();
 }

@@ -71,6 +71,8 @@ class VirtualScreen {
   /// Moves a window, and returns once it has arrived and rests there.
   [[nodiscard]] bool move(const Window& window, int x, int y) const;
   [[nodiscard]] bool setMaximised(const Window& window, bool maximised) const;
+  /// Puts a window away, and returns once it is no longer to be seen.
+  [[nodiscard]] bool minimise(const Window& window) const;
 
   /// Asks the window manager to close a window, as a click on its cross would.
   [[nodiscard]] bool close(const Window& window) const;

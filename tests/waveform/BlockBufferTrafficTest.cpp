@@ -1,7 +1,7 @@
 // A writer, an editor, two readers and a generator of a summary on one block buffer, all at once.
 //
 // Whoever writes does a fixed amount of work, and the others go on as long as that takes. With
-// ORVO_TEST_SECONDS in the environment it takes so many seconds.
+// ORVO_TEST_SECONDS in the environment it takes so many seconds (scripts/test --traffic).
 #include <gtest/gtest.h>
 
 #include <array>

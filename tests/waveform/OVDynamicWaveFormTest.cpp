@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <future>
 #include <limits>
 #include <memory>
@@ -456,6 +457,23 @@ TEST_F(OVDynamicWaveFormTest, TwoGenerationsWithoutTheLockTakeInEveryByteOnce) {
   audio_->beforeRead = nullptr;
   EXPECT_EQ(summary_->elementCount(), 1000U);
   EXPECT_EQ(summary_->readerPos(), 64U * 1000);
+}
+
+TEST_F(OVDynamicWaveFormTest, ACancelledGenerationEndsWithItsBatchAndTheNextOneCompletesIt) {
+  audio_->append(test_audio::risingBlocks(0, 1500, 1500));
+  std::atomic<bool> cancelled = false;
+  audio_->beforeRead = [&](std::uint64_t) { cancelled = true; };
+  summary_->generate(&cancelled);
+  audio_->beforeRead = nullptr;
+  summary_->generateNoLock(&cancelled);  // cancelled before it begins
+  EXPECT_EQ(audio_->readCount(), 1U);
+  EXPECT_EQ(summary_->readerPos(), 32768U);
+  EXPECT_TRUE(summary_->isRegenerating());
+  summary_->generate();
+  const auto fresh = OVDynamicWaveForm::initWithBuffer(audio_);
+  fresh->generate();
+  EXPECT_EQ(elementsOf(*summary_), elementsOf(*fresh));
+  EXPECT_FALSE(summary_->isRegenerating());
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <future>
 #include <limits>
 #include <memory>
@@ -468,6 +469,25 @@ TEST_F(OVStaticWaveformTest, TheLockIsHeldForAWholeGeneration) {
   gate.open();
   EXPECT_EQ(waiter.get(), 0.25);
   generation.get();
+}
+
+TEST_F(OVStaticWaveformTest, ACancelledGenerationEndsWithItsBatchAndAsksForAnother) {
+  const auto summary = summaryOf(test_audio::silence(102400));
+  audio_->resizeInBytes(0);
+  audio_->append(numberedBlocks(1024, 100));
+  const std::uint64_t readsBefore = audio_->readCount();
+  std::atomic<bool> cancelled = false;
+  audio_->beforeRead = [&](std::uint64_t) { cancelled = true; };
+  summary->setShouldRegenerateWaveform(true);
+  summary->generate(&cancelled);
+  audio_->beforeRead = nullptr;
+  EXPECT_EQ(audio_->readCount(), readsBefore + 1);
+  EXPECT_EQ(summary->powerAtPosition(1.0), 0.0);
+  EXPECT_FALSE(summary->isRegenerating());
+  EXPECT_TRUE(summary->shouldRegenerateWaveform());
+  summary->generate();
+  EXPECT_EQ(summary->powerAtPosition(1.0), 0.25);
+  EXPECT_FALSE(summary->shouldRegenerateWaveform());
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// A window like one of a file manager: files can be dragged out of it.
+// A window like one of a file manager: files can be dragged out of it, under addresses that keep
+// every byte of their names.
 //
 //   orvo_drag_source FILE…
 //
@@ -11,14 +12,13 @@
 #include <QApplication>
 #include <QDrag>
 #include <QMimeData>
-#include <QUrl>
 #include <QWidget>
 
 namespace {
 
 class DragSource : public QWidget {
  public:
-  explicit DragSource(QList<QUrl> files) : files_(std::move(files)) {
+  explicit DragSource(QByteArray addresses) : addresses_(std::move(addresses)) {
     setWindowTitle("Drag Source");
     setGeometry(20, 40, 200, 100);
   }
@@ -27,7 +27,7 @@ class DragSource : public QWidget {
   void mouseMoveEvent(QMouseEvent*) override {
     auto* const drag = new QDrag(this);  // deleted by Qt when it is over
     auto* const mimeData = new QMimeData;
-    mimeData->setUrls(files_);
+    mimeData->setData("text/uri-list", addresses_);
     drag->setMimeData(mimeData);
     connect(drag, &QDrag::actionChanged, this, [](Qt::DropAction action) {
       tell(action == Qt::IgnoreAction ? "refused" : "accepted");
@@ -38,18 +38,18 @@ class DragSource : public QWidget {
  private:
   static void tell(const char* text) { std::cout << text << '\n' << std::flush; }
 
-  const QList<QUrl> files_;
+  const QByteArray addresses_;
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
   const QApplication application(argc, argv);
-  QList<QUrl> files;
-  for (const QString& path : QApplication::arguments().mid(1)) {
-    files.append(QUrl::fromLocalFile(path));
+  QByteArray addresses;
+  for (int i = 1; i < argc; ++i) {
+    addresses += "file://" + QByteArray(argv[i]).toPercentEncoding("/") + "\r\n";
   }
-  DragSource source(files);
+  DragSource source(addresses);
   source.show();
   return QApplication::exec();
 }

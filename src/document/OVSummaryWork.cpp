@@ -1,0 +1,47 @@
+#include "document/OVSummaryWork.h"
+
+#include <algorithm>
+
+#include "waveform/OVWaveformSummary.h"
+
+std::uint64_t OVSummaryWork::epoch() const {
+  const std::lock_guard lock(mutex_);
+  return epoch_;
+}
+
+void OVSummaryWork::beginEpoch() {
+  const std::lock_guard lock(mutex_);
+  ++epoch_;
+}
+
+void OVSummaryWork::cancel() {
+  cancelled_ = true;
+}
+
+bool OVSummaryWork::generate(OVWaveformSummary& summary, std::uint64_t epoch) {
+  if (!begin(summary, epoch)) {
+    return false;
+  }
+  summary.generate(&cancelled_);
+  return end(summary, epoch);
+}
+
+bool OVSummaryWork::isGenerating(const OVWaveformSummary& summary) const {
+  const std::lock_guard lock(mutex_);
+  return std::find(underWay_.begin(), underWay_.end(), &summary) != underWay_.end();
+}
+
+bool OVSummaryWork::begin(const OVWaveformSummary& summary, std::uint64_t epoch) {
+  const std::lock_guard lock(mutex_);
+  if (cancelled_ || epoch != epoch_) {
+    return false;
+  }
+  underWay_.push_back(&summary);
+  return true;
+}
+
+bool OVSummaryWork::end(const OVWaveformSummary& summary, std::uint64_t epoch) {
+  const std::lock_guard lock(mutex_);
+  underWay_.erase(std::find(underWay_.begin(), underWay_.end(), &summary));
+  return !cancelled_ && epoch == epoch_;
+}

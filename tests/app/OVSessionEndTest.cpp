@@ -1,0 +1,48 @@
+#include "app/OVSessionEnd.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// A session manager: what is said to it counts only after it allowed it.
+struct Session {
+  bool allows = true;
+  bool interacting = false;
+  int cancelled = 0;
+  int released = 0;
+
+  bool allowsInteraction() { return interacting = allows; }
+  void cancel() {
+    cancelled += interacting ? 1 : 0;
+    interacting = false;
+  }
+  void release() {
+    released += interacting ? 1 : 0;
+    interacting = false;
+  }
+};
+
+TEST(TheEndOfTheSession, IsCancelledWhileSomethingIsAskedOrSaved) {
+  Session session;
+  askAtSessionEnd(session, [] { return false; });
+  EXPECT_EQ(session.cancelled, 1);
+  EXPECT_EQ(session.released, 0);
+}
+
+TEST(TheEndOfTheSession, GoesOnWhereNothingIsUnsaved) {
+  Session session;
+  askAtSessionEnd(session, [] { return true; });
+  EXPECT_EQ(session.cancelled, 0);
+  EXPECT_EQ(session.released, 1);
+}
+
+TEST(TheEndOfTheSession, AsksNothingWhereNobodyMayBeAsked) {
+  Session session{.allows = false};
+  askAtSessionEnd(session, [] {
+    ADD_FAILURE() << "asked";
+    return false;
+  });
+  EXPECT_EQ(session.cancelled + session.released, 0);
+}
+
+}  // namespace

@@ -1,0 +1,105 @@
+// A window that closes while a background queue works for it: the work ends with the piece that it
+// is at, nothing is told, and nothing is kept.
+#include <gmock/gmock.h>
+
+#include "audio/Gate.h"
+#include "document/FileFixture.h"
+#include "document/OVLoadJob.h"
+#include "support/FailingTemporaryFiles.h"
+
+namespace {
+
+using testing::IsEmpty;
+
+/// Two minutes of sound: a write for each chunk, and more than a hundred reads for its summary.
+constexpr std::uint64_t kManyChunks = 20;
+
+class CancelledWorkTest : public DocumentFileTest {
+ protected:
+  std::string writeLongFile() {
+    return writeFile("take.wav", ramp(kManyChunks * OVLoadJob::kChunkFrames));
+  }
+
+  /// Closes the window while its work stands at the gate, and lets the work go on.
+  void closeAndOpenTheGate() {
+    const std::weak_ptr<OVAudioBufferInterface> buffer = document_->buffer();
+    const QPointer<OVRecorderWindow> window = document_->window();
+    document_->setDocumentEdited(false);  // nothing to ask
+    window->performClose();
+    document_.reset();
+    gate_.open();
+    settle();
+    EXPECT_TRUE(window.isNull());
+    EXPECT_TRUE(buffer.expired());
+    EXPECT_THAT(services_->alerts(), IsEmpty());
+  }
+
+  testaudio::Gate gate_;
+  support::FailingTemporaryFiles files_;
+  platform::TemporaryFilesInstallation filesInstallation_{files_};
+};
+
+TEST_F(CancelledWorkTest, WhileAFileIsLoadedTheChunkBeingStoredIsTheLast) {
+  openWindow();
+  files_.beforeWrites([this] { gate_.pass(); });
+  document_->openFileNamed(writeLongFile());
+  ASSERT_TRUE(gate_.awaitArrival());
+  closeAndOpenTheGate();
+  EXPECT_EQ(files_.writes(), 1U);
+}
+
+TEST_F(CancelledWorkTest, WhileTheWaveformOfALoadedFileIsBuiltTheReadThatRunsIsTheLast) {
+  openWindow();
+  files_.beforeReads([this] { gate_.pass(); });
+  document_->openFileNamed(writeLongFile());
+  ASSERT_TRUE(runMainLoopUntil([this] { return document_->isRenderingWaveform(); }));
+  ASSERT_TRUE(gate_.awaitArrival());
+  closeAndOpenTheGate();
+  EXPECT_EQ(files_.reads(), 1U);
+}
+
+TEST_F(CancelledWorkTest, WhileAnEditIsRefreshedTheReadThatRunsIsTheLast) {
+  openWindow();
+  fill(ramp(kManyChunks * OVLoadJob::kChunkFrames));
+  files_.beforeReads([this] { gate_.pass(); });
+  document_->refreshCompleteUI(true);
+  ASSERT_TRUE(gate_.awaitArrival());
+  closeAndOpenTheGate();
+  EXPECT_EQ(files_.reads(), 1U);
+}
+
+TEST_F(CancelledWorkTest, WhileARecordingTakesInWhatIsThereTheReadThatRunsIsTheLast) {
+  openWindow();
+  fill(ramp(kManyChunks * OVLoadJob::kChunkFrames));
+  document_->nextButton(nullptr);
+  files_.beforeReads([this] { gate_.pass(); });
+  pressRecord();
+  ASSERT_TRUE(capture(0.25F));
+  document_->updatePlaybackMarkerView();  // extends the summary, which has seen nothing so far
+  ASSERT_TRUE(gate_.awaitArrival());
+  closeAndOpenTheGate();
+  EXPECT_EQ(files_.reads(), 1U);
+}
+
+TEST_F(CancelledWorkTest, WhileARecordingGetsAGrowingSummaryAgainTheStretchBeingReadIsTheLast) {
+  openWindow();
+  fill(ramp(kManyChunks * OVLoadJob::kChunkFrames));
+  document_->waveForm()->generate();
+  pressRecord();
+  ASSERT_TRUE(capture(0.25F));
+  document_->updatePlaybackMarkerView();
+  settle();
+  ASSERT_TRUE(summaryIsStatic());
+  document_->pauseButton(nullptr);
+  settle();
+  document_->nextButton(nullptr);
+  const std::uint64_t readsBefore = files_.reads();
+  files_.beforeReads([this] { gate_.pass(); });
+  pressRecord();
+  document_->updatePlaybackMarkerView();
+  ASSERT_TRUE(gate_.awaitArrival());
+  closeAndOpenTheGate();
+  EXPECT_EQ(files_.reads(), readsBefore + 2);  // of what was recorded, and of what stands behind it
+}
+
+}  // namespace

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <utility>
+
+#include "storage/OVBlockBuffer.h"
+#include "storage/TransferHelpers.h"
+#include "support/FailingTemporaryFiles.h"
+#include "support/RecordingServices.h"
+
+namespace storagetest {
+
+/// A block list buffer over temporary files in memory.
+class BlockBufferTest : public testing::Test {
+ protected:
+  /// `count` writes of `size` bytes, one behind the other from address 0 on; gives all their bytes.
+  Bytes writeSequence(std::size_t count, std::size_t size) {
+    Bytes all;
+    for (std::size_t i = 0; i < count; ++i) {
+      const Bytes chunk = pattern(size, static_cast<unsigned>(i + 1));
+      write(*buffer_, chunk, i * size);
+      all = std::move(all) + chunk;
+    }
+    return all;
+  }
+
+  support::InstalledRecordingServices services_;
+  support::FailingTemporaryFiles files_;
+  platform::TemporaryFilesInstallation installation_{files_};
+  std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
+};
+
+}  // namespace storagetest

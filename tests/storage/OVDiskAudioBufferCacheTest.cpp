@@ -1,0 +1,207 @@
+// The read cache of the disk buffer: what it serves, when it is filled, and what empties it.
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <future>
+#include <memory>
+
+#include "platform/GlobalQueue.h"
+#include "storage/DiskBufferTest.h"
+
+namespace {
+
+using storagetest::Bytes;
+using storagetest::part;
+using storagetest::pattern;
+using storagetest::read;
+using storagetest::write;
+using storagetest::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
+using support::eventually;
+using testing::SizeIs;
+
+constexpr std::uint64_t kCache = OVDiskAudioBuffer::kCacheCapacity;
+
+class TheCacheOfADiskBuffer : public storagetest::DiskBufferTest {};
+
+TEST_F(TheCacheOfADiskBuffer, ServesAReadInsideTheCachedRangeFromTheCacheToTheByte) {
+  const Bytes bytes = recordAndCache(8000);
+  const std::uint64_t reads = files_.reads();
+  Bytes destination(999);
+  const auto result = buffer_->readDataInto(destination.data(), 999, 17);
+  EXPECT_EQ(result.data, reinterpret_cast<float*>(destination.data()));
+  EXPECT_EQ(result.byteCount, 999U);
+  EXPECT_EQ(result.frameCount, 124U);
+  EXPECT_EQ(destination, part(bytes, 17, 1016));
+  EXPECT_EQ(files_.reads(), reads) << "the file was not asked";
+  EXPECT_FALSE(buffer_->cacheFilling());
+}
+
+TEST_F(TheCacheOfADiskBuffer, ReadsWhatCrossesTheCachesEndFromTheFileAndQueuesOneFill) {
+  const Bytes bytes = pattern(kCache + 4096, 1);
+  write(*buffer_, bytes, 0);
+  buffer_->fillCacheFromPosition(0);
+  ASSERT_EQ(buffer_->cache_fillsize(), kCache);
+  EXPECT_EQ(read(*buffer_, 800, kCache - 400), part(bytes, kCache - 400, kCache + 400));
+  waitForTheFill();
+  EXPECT_EQ(buffer_->cached_position(), kCache - 400);
+  EXPECT_EQ(buffer_->cache_fillsize(), 4496U);
+}
+
+// Holds every transfer of the disk until it is opened.
+class ClosedGate {
+ public:
+  std::function<void()> hook() {
+    return [opened = opened_] { opened.wait(); };
+  }
+  void open() { promise_.set_value(); }
+
+ private:
+  std::promise<void> promise_;
+  std::shared_future<void> opened_ = promise_.get_future().share();
+};
+
+// All threads of the global queue stand at the gate: what is submitted to a queue stays there.
+class StoppedQueues {
+ public:
+  StoppedQueues() {
+    for (std::size_t i = 0; i < platform::GlobalQueue::kMaximumThreads; ++i) {
+      platform::globalQueue().async([hook = gate_.hook(), standing = standing_] {
+        ++*standing;
+        hook();
+      });
+    }
+    EXPECT_TRUE(
+        eventually([this] { return *standing_ == platform::GlobalQueue::kMaximumThreads; }));
+  }
+  void go() { gate_.open(); }
+
+ private:
+  ClosedGate gate_;
+  std::shared_ptr<std::atomic<std::size_t>> standing_ =
+      std::make_shared<std::atomic<std::size_t>>(0);
+};
+
+TEST_F(TheCacheOfADiskBuffer, QueuesOneFillForManyMisses) {
+  const Bytes bytes = pattern(8000, 1);
+  write(*buffer_, bytes, 0);
+  StoppedQueues queues;
+  for (std::uint64_t offset = 800; offset < 8000; offset += 800) {
+    EXPECT_EQ(read(*buffer_, 800, offset), part(bytes, offset, offset + 800));
+    EXPECT_TRUE(buffer_->cacheFilling());
+  }
+  EXPECT_EQ(files_.reads(), 9U) << "no fill has run";
+  queues.go();
+  waitForTheFill();
+  EXPECT_EQ(files_.reads(), 10U);
+  EXPECT_EQ(buffer_->cached_position(), 800U) << "where the first miss was";
+  EXPECT_EQ(buffer_->cache_fillsize(), 7200U);
+}
+
+TEST_F(TheCacheOfADiskBuffer, IsReadWhileAFillWaitsForASlowDisk) {
+  const Bytes bytes = recordAndCache(8000);
+  ClosedGate gate;
+  files_.beforeReads(gate.hook());
+  auto fill = std::async(std::launch::async, [this] { buffer_->fillCacheFromPosition(4000); });
+  ASSERT_TRUE(eventually([this] { return buffer_->cached_position() == 4000; }));
+  EXPECT_TRUE(buffer_->cacheFilling());
+  Bytes destination(80);
+  EXPECT_EQ(buffer_->getDataFromCache(destination.data(), 4000, 80), 0U)
+      << "the cache is empty while it is being filled";
+  gate.open();
+  fill.get();
+  EXPECT_EQ(buffer_->getDataFromCache(destination.data(), 4000, 80), 80U);
+  EXPECT_EQ(destination, part(bytes, 4000, 4080));
+}
+
+TEST_F(TheCacheOfADiskBuffer, MissesWhatBeginsBeforeOrEndsBehindTheCache) {
+  recordAndCache(8000);
+  buffer_->fillCacheFromPosition(800);
+  Bytes destination(8000);
+  EXPECT_EQ(buffer_->getDataFromCache(destination.data(), 799, 8), 0U);
+  EXPECT_EQ(buffer_->getDataFromCache(destination.data(), 7993, 8), 0U);
+  EXPECT_EQ(buffer_->getDataFromCache(destination.data(), 800, 7201), 0U);
+  EXPECT_EQ(buffer_->getDataFromCache(destination.data(), 800, 7200), 7200U);
+}
+
+TEST_F(TheCacheOfADiskBuffer, FillsAheadWhenLessThanFourReadsRemain) {
+  write(*buffer_, pattern(kCache + 80000, 1), 0);
+  buffer_->fillCacheFromPosition(0);
+  Bytes destination(800);
+  const std::uint64_t exactlyFour = kCache - 5 * 800;
+  ASSERT_EQ(buffer_->getDataFromCache(destination.data(), exactlyFour, 800), 800U);
+  EXPECT_EQ(buffer_->cached_position(), 0U) << "four remain: enough";
+  ASSERT_EQ(buffer_->getDataFromCache(destination.data(), exactlyFour + 1, 800), 800U);
+  EXPECT_EQ(buffer_->cached_position(), exactlyFour + 1) << "filled before the call returned";
+  EXPECT_EQ(buffer_->cache_fillsize(), kCache + 80000 - exactlyFour - 1);
+  EXPECT_FALSE(buffer_->cacheFilling());
+}
+
+TEST_F(TheCacheOfADiskBuffer, FillsNotAheadWhileAFillStandsInTheQueue) {
+  write(*buffer_, pattern(8000, 1), 0);
+  buffer_->fillCacheFromPosition(4000);
+  StoppedQueues queues;
+  ASSERT_THAT(read(*buffer_, 800, 0), SizeIs(800)) << "a miss";
+  EXPECT_THAT(read(*buffer_, 800, 7200), SizeIs(800)) << "the last of the cache";
+  EXPECT_EQ(buffer_->cached_position(), 4000U);
+  EXPECT_EQ(buffer_->cache_fillsize(), 4000U);
+  queues.go();
+  waitForTheFill();
+  EXPECT_EQ(buffer_->cached_position(), 0U);
+  EXPECT_THAT(read(*buffer_, 800, 7200), SizeIs(800));
+  EXPECT_EQ(buffer_->cached_position(), 7200U) << "now it fills ahead";
+}
+
+TEST_F(TheCacheOfADiskBuffer, AnyWriteEmptiesTheCache) {
+  const Bytes bytes = recordAndCache(8000);
+  write(*buffer_, {}, 100000);
+  EXPECT_EQ(buffer_->cache_fillsize(), 0U) << "even one of no bytes far away";
+  buffer_->fillCacheFromPosition(0);
+  const Bytes later = pattern(80, 2);
+  write(*buffer_, later, 0);
+  EXPECT_EQ(buffer_->cache_fillsize(), 0U);
+  EXPECT_EQ(buffer_->cached_position(), 0U);
+  EXPECT_EQ(read(*buffer_, 160, 0), later + part(bytes, 80, 160));
+}
+
+TEST_F(TheCacheOfADiskBuffer, AWriteDuringAFillLeavesNoStaleBytesInTheCache) {
+  write(*buffer_, pattern(8000, 1), 0);
+  ClosedGate gate;
+  const auto filling = std::make_shared<std::atomic<bool>>(false);  // the read below queues a fill
+  files_.beforeReads([filling, wait = gate.hook()] {
+    *filling = true;
+    wait();
+  });
+  auto fill = std::async(std::launch::async, [this] { buffer_->fillCacheFromPosition(0); });
+  ASSERT_TRUE(eventually([&filling] { return filling->load(); }));
+  const Bytes later = pattern(8000, 2);
+  auto writer = std::async(std::launch::async, [&] { write(*buffer_, later, 0); });
+  gate.open();
+  fill.get();
+  writer.get();
+  EXPECT_EQ(read(*buffer_, 800, 0), part(later, 0, 800));
+}
+
+TEST_F(TheCacheOfADiskBuffer, SequentialReadsGiveTheWholeRecording) {
+  const Bytes bytes = pattern(2 * kCache + 12345 * 8, 3);
+  write(*buffer_, bytes, 0);
+  Bytes all;
+  for (std::uint64_t at = 0; at < bytes.size(); at += 65536) {
+    const Bytes some = read(*buffer_, 65536, at);
+    all.insert(all.end(), some.begin(), some.end());
+  }
+  waitForTheFill();
+  EXPECT_EQ(all.size(), bytes.size());
+  EXPECT_TRUE(all == bytes);
+}
+
+TEST_F(TheCacheOfADiskBuffer, MayEndWhileItsFillStandsInTheQueue) {
+  write(*buffer_, pattern(8000, 1), 0);
+  const std::weak_ptr<OVDiskAudioBuffer> weak = buffer_;
+  ASSERT_THAT(read(*buffer_, 80, 0), SizeIs(80));
+  buffer_.reset();
+  EXPECT_TRUE(eventually([&] { return weak.expired() && files_.openFiles() == 0; }));
+}
+
+}  // namespace

@@ -1,0 +1,35 @@
+#include "storage/WriteBounds.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <limits>
+
+#include "support/RecordingServices.h"
+
+namespace {
+
+constexpr auto kHighest = std::numeric_limits<std::uint64_t>::max();
+constexpr auto kLargestWrite = std::numeric_limits<std::uint32_t>::max();
+
+TEST(WriteBounds, AWriteMayEndAtTheHighestAddress) {
+  const support::InstalledRecordingServices services;
+  EXPECT_TRUE(staysWithinAddresses(0, 0));
+  EXPECT_TRUE(staysWithinAddresses(kHighest, 0));
+  EXPECT_TRUE(staysWithinAddresses(kHighest - 16, 16));
+  EXPECT_TRUE(staysWithinAddresses(kHighest - kLargestWrite, kLargestWrite));
+  EXPECT_THAT(services->consoleLines(), testing::IsEmpty());
+}
+
+TEST(WriteBounds, AWriteThatWouldPassItIsToldOnTheConsole) {
+  const support::InstalledRecordingServices services;
+  EXPECT_FALSE(staysWithinAddresses(kHighest - 15, 16));
+  EXPECT_FALSE(staysWithinAddresses(kHighest, kLargestWrite));
+  EXPECT_THAT(services->consoleLines(),
+              testing::ElementsAre(
+                  "refused to write 16 bytes at 18446744073709551600: past the highest address",
+                  "refused to write 4294967295 bytes at 18446744073709551615: past the highest "
+                  "address"));
+}
+
+}  // namespace

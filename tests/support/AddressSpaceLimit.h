@@ -1,0 +1,47 @@
+#pragma once
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <fstream>
+#include <stdexcept>
+
+namespace support {
+
+/// For as long as it lives this process gets only so many more bytes of address space: allocations
+/// beyond fail as they do where memory has run out. Not for the checkers, which end the program
+/// then. Take 64 MiB and more for what has to fail: smaller allocations may find room that the
+/// process has already.
+///
+/// Threads: main.
+class AddressSpaceLimit {
+ public:
+  explicit AddressSpaceLimit(std::uint64_t moreBytes) {
+    if (::getrlimit(RLIMIT_AS, &before_) != 0) {
+      throw std::runtime_error("getrlimit");
+    }
+    rlimit limited = before_;
+    limited.rlim_cur = bytesInUse() + moreBytes;
+    if (::setrlimit(RLIMIT_AS, &limited) != 0) {
+      throw std::runtime_error("setrlimit");
+    }
+  }
+  ~AddressSpaceLimit() { ::setrlimit(RLIMIT_AS, &before_); }
+  AddressSpaceLimit(const AddressSpaceLimit&) = delete;
+  AddressSpaceLimit& operator=(const AddressSpaceLimit&) = delete;
+
+ private:
+  static rlim_t bytesInUse() {
+    std::ifstream file("/proc/self/statm");
+    rlim_t pages = 0;
+    if (!(file >> pages)) {
+      throw std::runtime_error("/proc/self/statm");
+    }
+    return pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE));
+  }
+
+  rlimit before_ = {};
+};
+
+}  // namespace support
