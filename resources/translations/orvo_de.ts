@@ -196,6 +196,26 @@ Ein Audiorekorder mit einfachem Editor.</translation>
         <translation>Fortschritt</translation>
     </message>
     <message>
+        <source>Loading</source>
+        <translation>Wird geladen</translation>
+    </message>
+    <message>
+        <source>Importing</source>
+        <translation>Wird importiert</translation>
+    </message>
+    <message>
+        <source>Saving</source>
+        <translation>Wird gespeichert</translation>
+    </message>
+    <message>
+        <source>Exporting</source>
+        <translation>Wird exportiert</translation>
+    </message>
+    <message>
+        <source>Drawing the waveform</source>
+        <translation>Wellenform wird gezeichnet</translation>
+    </message>
+    <message>
         <source>OK</source>
         <translation>OK</translation>
     </message>

@@ -196,6 +196,26 @@ Una grabadora de audio con un editor sencillo.</translation>
         <translation>Progreso</translation>
     </message>
     <message>
+        <source>Loading</source>
+        <translation>Cargando</translation>
+    </message>
+    <message>
+        <source>Importing</source>
+        <translation>Importando</translation>
+    </message>
+    <message>
+        <source>Saving</source>
+        <translation>Guardando</translation>
+    </message>
+    <message>
+        <source>Exporting</source>
+        <translation>Exportando</translation>
+    </message>
+    <message>
+        <source>Drawing the waveform</source>
+        <translation>Dibujando la forma de onda</translation>
+    </message>
+    <message>
         <source>OK</source>
         <translation>Aceptar</translation>
     </message>

@@ -196,6 +196,26 @@ Un enregistreur audio et éditeur simple.</translation>
         <translation>Progression</translation>
     </message>
     <message>
+        <source>Loading</source>
+        <translation>Chargement</translation>
+    </message>
+    <message>
+        <source>Importing</source>
+        <translation>Importation</translation>
+    </message>
+    <message>
+        <source>Saving</source>
+        <translation>Enregistrement du fichier</translation>
+    </message>
+    <message>
+        <source>Exporting</source>
+        <translation>Exportation</translation>
+    </message>
+    <message>
+        <source>Drawing the waveform</source>
+        <translation>Tracé de la forme d’onde</translation>
+    </message>
+    <message>
         <source>OK</source>
         <translation>OK</translation>
     </message>

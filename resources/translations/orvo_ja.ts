@@ -196,6 +196,26 @@ An audio recorder and simple editor.</source>
         <translation>進行状況</translation>
     </message>
     <message>
+        <source>Loading</source>
+        <translation>読み込み中</translation>
+    </message>
+    <message>
+        <source>Importing</source>
+        <translation>インポート中</translation>
+    </message>
+    <message>
+        <source>Saving</source>
+        <translation>保存中</translation>
+    </message>
+    <message>
+        <source>Exporting</source>
+        <translation>エクスポート中</translation>
+    </message>
+    <message>
+        <source>Drawing the waveform</source>
+        <translation>波形を描画中</translation>
+    </message>
+    <message>
         <source>OK</source>
         <translation>OK</translation>
     </message>

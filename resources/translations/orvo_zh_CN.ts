@@ -196,6 +196,26 @@ An audio recorder and simple editor.</source>
         <translation>进度</translation>
     </message>
     <message>
+        <source>Loading</source>
+        <translation>正在载入</translation>
+    </message>
+    <message>
+        <source>Importing</source>
+        <translation>正在导入</translation>
+    </message>
+    <message>
+        <source>Saving</source>
+        <translation>正在保存</translation>
+    </message>
+    <message>
+        <source>Exporting</source>
+        <translation>正在导出</translation>
+    </message>
+    <message>
+        <source>Drawing the waveform</source>
+        <translation>正在绘制波形</translation>
+    </message>
+    <message>
         <source>OK</source>
         <translation>确定</translation>
     </message>

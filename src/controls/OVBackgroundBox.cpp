@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include "controls/OVPanelDrawing.h"
+#include "platform/OpaqueGround.h"
 
 OVBackgroundBox::OVBackgroundBox(QWidget* parent) : QFrame(parent) {
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -10,5 +11,6 @@ OVBackgroundBox::OVBackgroundBox(QWidget* parent) : QFrame(parent) {
 
 void OVBackgroundBox::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
+  platform::paintOpaqueGround(painter, rect(), panelGround());
   drawPanel(painter, size(), false);
 }

@@ -13,17 +13,32 @@ bool hasFraction(qreal value) {
   return value - std::trunc(value) != 0.0;
 }
 
+// The pixels that `area` covers, wholly or in part, as the painter sees them.
+QRectF coveredPixels(const QPainter& painter, const QRectF& area) {
+  const QTransform& toPixels = painter.deviceTransform();
+  const QRectF pixels(toPixels.mapRect(area).toAlignedRect());
+  return toPixels.inverted().mapRect(pixels);
+}
+
+// Whole pixels only: half a negative of a half-covered pixel cannot be turned back.
+void turnIntoNegative(QPainter& painter, const QRectF& area) {
+  const bool antialiasing = painter.testRenderHint(QPainter::Antialiasing);
+  painter.setRenderHint(QPainter::Antialiasing, false);
+  painter.setCompositionMode(QPainter::CompositionMode_Difference);
+  painter.fillRect(area, Qt::white);
+  painter.setRenderHint(QPainter::Antialiasing, antialiasing);
+}
+
 // Qt has no plus-darker. Adding darknesses is adding light to a negative: turn what is below into
 // its negative, add the negative of the icon, and turn back.
 void drawPlusDarker(QPainter& painter, const QRectF& target, const QImage& image) {
   QImage negative = image;
   negative.invertPixels(QImage::InvertRgb);
-  painter.setCompositionMode(QPainter::CompositionMode_Difference);
-  painter.fillRect(target, Qt::white);
+  const QRectF area = coveredPixels(painter, target);
+  turnIntoNegative(painter, area);
   painter.setCompositionMode(QPainter::CompositionMode_Plus);
   painter.drawImage(target, negative);
-  painter.setCompositionMode(QPainter::CompositionMode_Difference);
-  painter.fillRect(target, Qt::white);
+  turnIntoNegative(painter, area);
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ constexpr qreal kPiece = 0.3;       // length of the running piece, of the whole
 
 OVLoadingIndicator::OVLoadingIndicator(QWidget* parent) : QProgressBar(parent) {
   setTextVisible(false);
+  setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
 QSize OVLoadingIndicator::sizeHint() const {

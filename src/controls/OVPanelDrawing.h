@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QSizeF>
 
 class QPainter;
@@ -10,3 +11,6 @@ class QPainter;
 ///
 /// Threads: main. Real-time: not safe.
 void drawPanel(QPainter& painter, const QSizeF& bounds, bool bottomShadow);
+
+/// The panel's darker end, for what lies below it.
+[[nodiscard]] QColor panelGround();

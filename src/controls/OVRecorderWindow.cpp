@@ -88,10 +88,31 @@ void OVRecorderWindow::setVisible(bool visible) {
   QMainWindow::setVisible(visible);
 }
 
+// A key that repeats is down only if its first press was handed on as such: Ctrl+Space goes on as
+// Space alone when Control comes up first.
+std::uint16_t OVRecorderWindow::codeOfPress(const QKeyEvent& event) {
+  const std::uint16_t code = platform::hardwareKeyCode(event);
+  if (event.isAutoRepeat()) {
+    return keysDown_.count(code) > 0 ? code : platform::kKeyCodeUnmapped;
+  }
+  if (code == platform::kKeyCodeUnmapped) {
+    keysDown_.erase(platform::plainKeyCode(event));
+  } else {
+    keysDown_.insert(code);
+  }
+  return code;
+}
+
+std::uint16_t OVRecorderWindow::codeOfRelease(const QKeyEvent& event) {
+  const std::uint16_t code = platform::hardwareKeyCode(event);
+  return keysDown_.erase(code) > 0 ? code : platform::kKeyCodeUnmapped;
+}
+
 void OVRecorderWindow::keyPressEvent(QKeyEvent* event) {
   event->accept();
+  const std::uint16_t code = codeOfPress(*event);
   if (const auto delegate = delegate_.lock()) {
-    delegate->windowDidReceiveKeyDown(this, platform::hardwareKeyCode(*event));
+    delegate->windowDidReceiveKeyDown(this, code);
   }
 }
 
@@ -101,9 +122,17 @@ void OVRecorderWindow::keyReleaseEvent(QKeyEvent* event) {
   if (event->isAutoRepeat()) {
     return;
   }
+  const std::uint16_t code = codeOfRelease(*event);
   if (const auto delegate = delegate_.lock()) {
-    delegate->windowDidReceiveKeyUp(this, platform::hardwareKeyCode(*event));
+    delegate->windowDidReceiveKeyUp(this, code);
   }
+}
+
+bool OVRecorderWindow::event(QEvent* event) {
+  if (event->type() == QEvent::WindowDeactivate) {
+    keysDown_.clear();  // whatever comes up now comes up elsewhere
+  }
+  return QMainWindow::event(event);
 }
 
 void OVRecorderWindow::closeEvent(QCloseEvent* event) {

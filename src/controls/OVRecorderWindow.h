@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,6 +15,8 @@ class OVRecorderWindowDelegate;
 /// asks the delegate before it closes, and deletes itself once it has closed.
 ///
 /// Shortcuts of menus come first: a key that triggers one never reaches the delegate as key-down.
+/// A transport key reaches it as key-up only after its key-down: where the press was a command's, a
+/// menu's or another window's, its repetitions and its release are handed on as unmapped.
 /// The views inside take the keyboard by Tab alone and pass plain keys on, so that R, Return and
 /// Space are always the window's.
 ///
@@ -51,12 +55,17 @@ class OVRecorderWindow : public QMainWindow {
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
 
  private:
+  [[nodiscard]] std::uint16_t codeOfPress(const QKeyEvent& event);
+  [[nodiscard]] std::uint16_t codeOfRelease(const QKeyEvent& event);
+
   std::weak_ptr<OVRecorderWindowDelegate> delegate_;
+  std::set<std::uint16_t> keysDown_;  // transport keys that the delegate knows to be down
   DropHandler dropHandler_;
   bool closed_ = false;
 };

@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include "controls/OVPanelDrawing.h"
+#include "platform/OpaqueGround.h"
 
 OVTransportBackgroundView::OVTransportBackgroundView(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -10,5 +11,6 @@ OVTransportBackgroundView::OVTransportBackgroundView(QWidget* parent) : QWidget(
 
 void OVTransportBackgroundView::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
+  platform::paintOpaqueGround(painter, rect(), panelGround());
   drawPanel(painter, size(), renderBottomShadow_);
 }

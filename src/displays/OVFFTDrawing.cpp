@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include <QLineF>
-#include <QLinearGradient>
-
 #include "platform/ViewDrawing.h"
 
 namespace {
@@ -14,10 +11,8 @@ const QColor kBackground = QColor::fromRgbF(0.14F, 0.21F, 0.28F);
 const QColor kGraphColor = QColor::fromRgbF(0.16F, 0.435F, 0.49F);
 const QColor kGradientBottom = QColor::fromRgbF(0.13725F, 0.14510F, 0.24314F);
 const QColor kGradientTop = QColor::fromRgbF(0.14118F, 0.21176F, 0.27843F);
-const QColor kGridColor = QColor::fromRgbF(0.145F, 0.32F, 0.356F);
 
 constexpr double kLineWidth = 1.0;
-constexpr double kGridSpacing = 24.0;  // points
 // A magnitude of 1 reaches this part of the height.
 constexpr double kUnitHeight = 0.9;
 // Far outside every view, where lines are still exact.
@@ -45,26 +40,15 @@ void OVFFTDrawing::drawSpectrum(QPainter& painter, QSizeF size, std::span<const 
   graphStroke_.draw(painter, QRectF(QPointF(0.0, 0.0), size), graph_, kGraphColor, kLineWidth);
 }
 
+QColor OVFFTDrawing::background() {
+  return kBackground;
+}
+
 void OVFFTDrawing::drawGradient(QPainter& painter, QSizeF size) {
-  QLinearGradient gradient(0.0, 0.0, 0.0, size.height());
-  gradient.setColorAt(0.0, kGradientBottom);
-  gradient.setColorAt(1.0, kGradientTop);
-  painter.fillRect(QRectF(QPointF(0.0, 0.0), size), gradient);
+  platform::drawViewGradient(painter, size, kGradientBottom, kGradientTop);
 }
 
 void OVFFTDrawing::drawGrid(QPainter& painter, QSizeF size) {
-  const double width = size.width();
-  const double height = size.height();
-  std::vector<QLineF> lines;
-  for (int i = 0; i * kGridSpacing < height; ++i) {
-    const double y = i * kGridSpacing;
-    // The slight slant belongs to the look.
-    lines.emplace_back(0.0, y + 12.5, width + 0.5, y + 12.0);
-  }
-  for (int i = 0; i * kGridSpacing < width; ++i) {
-    const double x = i * kGridSpacing + 0.5;
-    lines.emplace_back(x, 0.0, x, height);
-  }
-  painter.setPen(platform::viewPen(kGridColor, kLineWidth));
-  painter.drawLines(lines.data(), static_cast<int>(lines.size()));
+  platform::drawViewGridLevels(painter, size);
+  platform::drawViewGridUprights(painter, size, 0.0);
 }

@@ -22,6 +22,9 @@ class OVFFTDrawing {
   /// view at the top; values that are not numbers count as 0.
   void drawSpectrum(QPainter& painter, QSizeF size, std::span<const float> data);
 
+  /// The colour of the background.
+  [[nodiscard]] static QColor background();
+
   /// A linear gradient from (35, 37, 62) at the bottom to (36, 54, 71) at the top, the reverse of
   /// the waveform's. Not part of the spectrum's picture.
   static void drawGradient(QPainter& painter, QSizeF size);

@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include "platform/Localization.h"
+#include "platform/OpaqueGround.h"
 #include "platform/ViewAccessibility.h"
 #include "platform/ViewDrawing.h"
 
@@ -31,12 +32,21 @@ void OVFFTView::setData(const float* magnitudes) {
   data_.assign(magnitudes, magnitudes + size_);
 }
 
+void OVFFTView::drawGradient(QPainter& painter) {
+  OVFFTDrawing::drawGradient(painter, size());
+}
+
+void OVFFTView::drawGrid(QPainter& painter) {
+  OVFFTDrawing::drawGrid(painter, size());
+}
+
 void OVFFTView::paintEvent(QPaintEvent* /*event*/) {
   {
     const std::lock_guard lock(lock_);
     drawnData_ = data_;
   }
   QPainter painter(this);
+  platform::paintOpaqueGround(painter, rect(), OVFFTDrawing::background());
   platform::useViewCoordinates(painter, size());
   drawing_.drawSpectrum(painter, size(), drawnData_);
 }

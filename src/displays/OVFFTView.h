@@ -30,6 +30,11 @@ class OVFFTView : public QWidget {
   /// Copies as many values as setSize() told. The array stays the caller's.
   void setData(const float* magnitudes);
 
+  /// The ground of the waveform's look, drawn for the view's size into a painter in view
+  /// coordinates. Not part of the view's own drawing.
+  void drawGradient(QPainter& painter);
+  void drawGrid(QPainter& painter);
+
  protected:
   void paintEvent(QPaintEvent* event) override;
 

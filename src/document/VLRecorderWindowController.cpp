@@ -12,6 +12,7 @@
 #include "audio/OVAQRecorder.h"
 #include "controls/OVHoverButton.h"
 #include "controls/OVLoadingIndicator.h"
+#include "controls/OVLoadingPanel.h"
 #include "controls/OVRecorderWindow.h"
 #include "controls/OVRoundedTransportButton.h"
 #include "controls/OVTransportBackgroundView.h"
@@ -141,6 +142,7 @@ void VLRecorderWindowController::connectViews() {
   fftButton_ = window_->findChild<OVHoverButton*>("fftButton");
   transportBackView_ = window_->findChild<OVTransportBackgroundView*>("transportBackView");
   fftView_ = window_->findChild<OVFFTView*>("fftView");
+  loadingPanel_ = window_->findChild<OVLoadingPanel*>("loadingPanel");
   loadingIndicator_ = window_->findChild<QProgressBar*>("loadingIndicator");
   summaries_->setView(wfView_);
   if (wfView_) {
@@ -298,7 +300,7 @@ std::shared_ptr<platform::UndoManager> VLRecorderWindowController::windowWillRet
 
 // Progress bar ----------------------------------------------------------------------------------
 
-void VLRecorderWindowController::recreateIndicator(bool indeterminate) {
+void VLRecorderWindowController::recreateIndicator(bool indeterminate, platform::TextKey activity) {
   if (!loadingIndicator_) {
     return;
   }
@@ -306,7 +308,6 @@ void VLRecorderWindowController::recreateIndicator(bool indeterminate) {
   auto* fresh = new OVLoadingIndicator(old->parentWidget());
   fresh->setObjectName(old->objectName());
   fresh->setGeometry(old->geometry());
-  fresh->setAccessibleName(old->accessibleName());
   indicatorValue_ = 0.0;
   fresh->setRange(0, indeterminate ? 0 : kIndicatorSteps);
   fresh->setValue(0);
@@ -316,6 +317,13 @@ void VLRecorderWindowController::recreateIndicator(bool indeterminate) {
   }
   loadingIndicator_ = fresh;
   delete old;
+  tellActivity(activity);
+}
+
+void VLRecorderWindowController::tellActivity(platform::TextKey activity) {
+  if (loadingPanel_) {
+    loadingPanel_->setActivity(platform::localized(activity));
+  }
 }
 
 void VLRecorderWindowController::advanceIndicator(double by) {
@@ -334,6 +342,9 @@ void VLRecorderWindowController::setIndicatorValue(double value) {
 void VLRecorderWindowController::showIndicator(bool shown) {
   if (loadingIndicator_) {
     loadingIndicator_->setVisible(shown);
+  }
+  if (loadingPanel_) {
+    loadingPanel_->setVisible(shown);
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <functional>
@@ -17,6 +18,7 @@
 #include <QWidget>
 
 #include "audio/OVAQPlayerDelegate.h"
+#include "controls/OVFocusKeeper.h"
 #include "controls/OVRecorderWindowDelegate.h"
 #include "displays/OVVUViewDataSource.h"
 #include "document/OVDocumentSummaries.h"
@@ -38,6 +40,7 @@ class OVAudioFileReader;
 class OVCircularVUView;
 class OVFFTView;
 class OVHoverButton;
+class OVLoadingPanel;
 class OVPlaybackMarkerView;
 class OVRecorderWindow;
 class OVSpectrumAnalyser;
@@ -270,8 +273,10 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// Deletes a file; nothing for an empty path, errors are ignored.
   static void removeTempFile(const std::string& path);
 
-  /// Replaces the progress bar by a fresh one in the same place.
-  void recreateIndicator(bool indeterminate);
+  /// Replaces the progress bar by a fresh one in the same place. `activity` is what it is for: the
+  /// words beside it and its name.
+  void recreateIndicator(bool indeterminate,
+                         platform::TextKey activity = platform::textKey("Progress"));
 
   // Callbacks -----------------------------------------------------------------------------------
 
@@ -308,6 +313,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void advanceIndicator(double by);
   void setIndicatorValue(double value);
   void showIndicator(bool shown);
+  void tellActivity(platform::TextKey activity);
 
   // Transport
   void recPressed();
@@ -366,10 +372,11 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   static void tellNotStored(const std::string& path, int error, bool imported);
   void forgetFileName();
   void takeImportBack();
-  void beginFileIO(bool indeterminate = false);
+  void beginFileIO(platform::TextKey activity, bool indeterminate = false);
   void endFileIO();
   void setFileIOActive(bool active);
   void saveIfClosing();
+  [[nodiscard]] std::array<QWidget*, 7> transportControls() const;
   void setTransportEnabled(bool enabled);
 
   // Saving
@@ -423,6 +430,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   QPointer<OVHoverButton> fftButton_;
   QPointer<OVTransportBackgroundView> transportBackView_;
   QPointer<OVFFTView> fftView_;
+  QPointer<OVLoadingPanel> loadingPanel_;
   QPointer<QProgressBar> loadingIndicator_;
   double indicatorValue_ = 0.0;      // of the progress bar, finer than it shows
   bool indicatorIsFileIOs_ = false;  // a load or save shows it, so a refresh leaves it alone
@@ -450,6 +458,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   std::string last_saved_file_path_;
   QPointer<QWidget> fileSaveAccessoryView_;
   QPointer<QComboBox> fileTypeButton_;
+  OVFocusKeeper focusKeeper_;  // for the controls that a file operation disables
   // Set when the window closes: a load ends at its next chunk, a summary with its batch.
   std::shared_ptr<std::atomic<bool>> fileJobCancelled_ = std::make_shared<std::atomic<bool>>(false);
   std::function<void()> commandsChanged_;

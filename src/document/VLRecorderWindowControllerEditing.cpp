@@ -118,7 +118,7 @@ void VLRecorderWindowController::runHistoryCommand(void (platform::UndoManager::
 // Refresh ---------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::refreshCompleteUI(bool regenerate) {
-  recreateIndicator(true);
+  recreateIndicator(true, platform::textKey("Drawing the waveform"));
   showIndicator(true);
   summaries_->refresh(regenerate);
 }

@@ -1,3 +1,4 @@
+#include <array>
 #include <mutex>
 #include <utility>
 
@@ -46,7 +47,7 @@ void VLRecorderWindowController::openFileNamed(const std::string& path) {
 
 void VLRecorderWindowController::startLoading(const std::string& path,
                                               std::shared_ptr<OVAudioFileReader> reader) {
-  beginFileIO();
+  beginFileIO(isImport_ ? platform::textKey("Importing") : platform::textKey("Loading"));
   summaries_->abandonWork();
   if (wfView_) {
     wfView_->setWaveForm(nullptr);
@@ -194,7 +195,7 @@ void VLRecorderWindowController::openForImport(const std::string& path) {
   if (isFileIOActive_) {
     return;
   }
-  beginFileIO(true);
+  beginFileIO(platform::textKey("Importing"), true);
   isOpeningImport_ = true;
   platform::globalQueue().async([self = weak_from_this(), path, cancelled = fileJobCancelled_] {
     const auto reader = OVAudioFileReader::initWithFile(path, cancelled);
@@ -236,6 +237,7 @@ void VLRecorderWindowController::fileLoadingComplete() {
     platform::mainQueue().async([self] {
       if (const auto controller = self.lock()) {
         controller->setIndicatorValue(0.0);
+        controller->tellActivity(platform::textKey("Drawing the waveform"));
       }
     });
     {
@@ -296,14 +298,15 @@ void VLRecorderWindowController::saveIfClosing() {
 
 // The state of a load or save --------------------------------------------------------------------
 
-void VLRecorderWindowController::beginFileIO(bool indeterminate) {
+void VLRecorderWindowController::beginFileIO(platform::TextKey activity, bool indeterminate) {
   if (isRecording() || isPlaying()) {
     pauseButton(pauseButton_);
   }
   setFileIOActive(true);
+  focusKeeper_.takeFrom(window_, transportControls());
   setTransportEnabled(false);
   indicatorIsFileIOs_ = true;
-  recreateIndicator(indeterminate);
+  recreateIndicator(indeterminate, activity);
   showIndicator(true);
 }
 
@@ -313,10 +316,12 @@ void VLRecorderWindowController::endFileIO() {
   setIndicatorValue(0.0);
   showIndicator(false);
   if (summaries_->isRefreshing()) {
-    recreateIndicator(true);  // of an edit before a save that was the quicker of the two
+    // Of an edit before a save that was the quicker of the two.
+    recreateIndicator(true, platform::textKey("Drawing the waveform"));
     showIndicator(true);
   }
   setTransportEnabled(true);
+  focusKeeper_.giveBack(window_);
 }
 
 void VLRecorderWindowController::setFileIOActive(bool active) {
@@ -326,15 +331,14 @@ void VLRecorderWindowController::setFileIOActive(bool active) {
   }
 }
 
+std::array<QWidget*, 7> VLRecorderWindowController::transportControls() const {
+  return {recButton_, playButton_, prevButton_, nextButton_, stopButton_, pauseButton_, wfView_};
+}
+
 void VLRecorderWindowController::setTransportEnabled(bool enabled) {
-  for (OVTransportButton* const button :
-       {recButton_.data(), playButton_.data(), prevButton_.data(), nextButton_.data(),
-        stopButton_.data(), pauseButton_.data()}) {
-    if (button != nullptr) {
-      button->setEnabled(enabled);
+  for (QWidget* const control : transportControls()) {
+    if (control != nullptr) {
+      control->setEnabled(enabled);
     }
-  }
-  if (wfView_) {
-    wfView_->setEnabled(enabled);
   }
 }

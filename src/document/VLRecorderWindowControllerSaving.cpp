@@ -135,7 +135,7 @@ void VLRecorderWindowController::startSaving(SavingRequest request) {
     tellSaveFailed(request.job.path, *refusal);
     return;
   }
-  beginFileIO();
+  beginFileIO(request.isExport ? textKey("Exporting") : textKey("Saving"));
   isSaving_ = true;
   isExport_ = request.isExport;
   platform::globalQueue().async([self = weak_from_this(), request = std::move(request)] {

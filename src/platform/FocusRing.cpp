@@ -22,7 +22,9 @@ bool FocusRing::handle(const QFocusEvent& event) {
   if (back) {
     return isShown_;
   }
-  const bool shown = event.gotFocus() && byKeyboard;
+  const bool byProgram = reason == Qt::OtherFocusReason;
+  const bool shown = event.gotFocus() && (byKeyboard || (byProgram && wasShown_));
+  wasShown_ = byProgram && event.lostFocus() && isShown_;
   return std::exchange(isShown_, shown) != shown;
 }
 

@@ -8,7 +8,8 @@ namespace platform {
 
 /// The ring around the view that has the keyboard. It shows only where the keyboard itself brought
 /// the focus there: a click, or a window that comes to the front and gives the keyboard to its
-/// first view, shows none.
+/// first view, shows none. A view from which the program takes the keyboard shows its ring again
+/// when the program gives it back.
 ///
 /// Threads: main. Real-time: not safe.
 class FocusRing {
@@ -24,6 +25,7 @@ class FocusRing {
 
  private:
   bool isShown_ = false;
+  bool wasShown_ = false;  // when the program took the keyboard away
 };
 
 }  // namespace platform

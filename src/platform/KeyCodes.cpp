@@ -33,6 +33,10 @@ std::uint16_t hardwareKeyCode(const QKeyEvent& event) {
   if (event.type() != QEvent::KeyRelease && (event.modifiers() & kCommand)) {
     return kKeyCodeUnmapped;
   }
+  return plainKeyCode(event);
+}
+
+std::uint16_t plainKeyCode(const QKeyEvent& event) {
   return codeOfKey(event.key(), event.nativeScanCode());
 }
 

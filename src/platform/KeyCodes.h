@@ -22,4 +22,9 @@ inline constexpr std::uint16_t kKeyCodeUnmapped = 0xFFFF;  ///< every other key
 /// Threads: any. Real-time: not safe.
 [[nodiscard]] std::uint16_t hardwareKeyCode(const QKeyEvent& event);
 
+/// The same code, whatever is held beside the key.
+///
+/// Threads: any. Real-time: not safe.
+[[nodiscard]] std::uint16_t plainKeyCode(const QKeyEvent& event);
+
 }  // namespace platform

@@ -5,7 +5,7 @@
 #include <QPen>
 #include <QSizeF>
 
-/// What all views share when they draw: their coordinates and their pens.
+/// What views share when they draw: their coordinates, their pens, and the ground with its grid.
 ///
 /// Threads: main. Real-time: not safe.
 namespace platform {
@@ -20,6 +20,18 @@ void useViewCoordinates(QPainter& painter, QSizeF viewSize);
 
 /// A solid pen with flat caps and mitre joins (limit 10). `width` is in points.
 [[nodiscard]] QPen viewPen(const QColor& color, double width);
+
+/// Fills a view of `size`, points, with a gradient from `bottom` to `top`.
+void drawViewGradient(QPainter& painter, QSizeF size, const QColor& bottom, const QColor& top);
+
+/// Distance of the grid's lines, points.
+inline constexpr double kViewGridSpacing = 24.0;
+
+/// The grid of a view of `size`, points: level lines, which end half a point lower than they begin,
+/// and upright ones, which `offset`, 0 to the spacing (excluded), moves to the right. All stroked
+/// one point wide.
+void drawViewGridLevels(QPainter& painter, QSizeF size);
+void drawViewGridUprights(QPainter& painter, QSizeF size, double offset);
 
 /// Fills the upright bar from `left` to `right` and from 0 to `height`, smoothed at both sides: the
 /// same as an upright line of its width, without the path, its scan and the threads that the

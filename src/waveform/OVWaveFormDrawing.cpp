@@ -3,15 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
-#include <QLinearGradient>
-
-#include "platform/ViewDrawing.h"
+#include <QLineF>
 
 namespace {
 
 const QColor kGradientBottom = QColor::fromRgb(36, 54, 71);
 const QColor kGradientTop = QColor::fromRgb(35, 37, 62);
-const QColor kGridColor = QColor::fromRgbF(0.145F, 0.32F, 0.356F);
 const QColor kWaveformColor = QColor::fromRgbF(0.16F, 0.435F, 0.49F);
 const QColor kTickColor = QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.6F);
 
@@ -37,43 +34,12 @@ double OVWaveFormDrawing::nextGridOffset(double bg_scroll_x) {
 }
 
 void OVWaveFormDrawing::drawGradient(QPainter& painter, QSizeF size) {
-  QLinearGradient gradient(0.0, 0.0, 0.0, size.height());
-  gradient.setColorAt(0.0, kGradientBottom);
-  gradient.setColorAt(1.0, kGradientTop);
-  painter.fillRect(QRectF(QPointF(0.0, 0.0), size), gradient);
+  platform::drawViewGradient(painter, size, kGradientBottom, kGradientTop);
 }
 
 void OVWaveFormDrawing::drawGrid(QPainter& painter, QSizeF size, double bg_scroll_x) {
-  drawLevelLines(painter, size);
-  drawUprightLines(painter, size, bg_scroll_x);
-}
-
-void OVWaveFormDrawing::drawLevelLines(QPainter& painter, QSizeF size) {
-  lines_.clear();
-  for (int i = 0; i * kGridSpacing < size.height(); ++i) {
-    const double y = i * kGridSpacing;
-    // The slight slant belongs to the look.
-    lines_.emplace_back(0.0, y + 12.5, size.width() + 0.5, y + 12.0);
-  }
-  strokeLines(painter, kGridColor);
-}
-
-void OVWaveFormDrawing::drawUprightLines(QPainter& painter, QSizeF size, double bg_scroll_x) {
-  const auto isWhole = [](double number) { return std::floor(number) == number; };
-  // Where lines fill whole pixels, nothing needs to be smoothed, and a rectangle is the same.
-  const bool fillPixels = isWhole(bg_scroll_x) && isWhole(platform::devicePixelsPerPoint(painter));
-  painter.setRenderHint(QPainter::Antialiasing, !fillPixels);
-  lines_.clear();
-  for (int i = 0; i * kGridSpacing < size.width(); ++i) {
-    const double left = bg_scroll_x + i * kGridSpacing;
-    if (fillPixels) {
-      painter.fillRect(QRectF(left, 0.0, kLineWidth, size.height()), kGridColor);
-    } else {
-      lines_.emplace_back(left + 0.5, 0.0, left + 0.5, size.height());
-    }
-  }
-  painter.setRenderHint(QPainter::Antialiasing);
-  strokeLines(painter, kGridColor);
+  platform::drawViewGridLevels(painter, size);
+  platform::drawViewGridUprights(painter, size, bg_scroll_x);
 }
 
 void OVWaveFormDrawing::drawBackground(QPainter& painter, QSizeF size, double bg_scroll_x) {
@@ -87,7 +53,7 @@ void OVWaveFormDrawing::drawBackground(QPainter& painter, QSizeF size, double bg
   painter.setCompositionMode(QPainter::CompositionMode_Source);
   painter.drawImage(QPointF(0.0, 0.0), still_);
   painter.restore();
-  drawUprightLines(painter, size, bg_scroll_x);
+  platform::drawViewGridUprights(painter, size, bg_scroll_x);
 }
 
 void OVWaveFormDrawing::renderStill(QSize pixels, double ratio, QSizeF size) {
@@ -98,7 +64,7 @@ void OVWaveFormDrawing::renderStill(QSize pixels, double ratio, QSizeF size) {
   QPainter painter(&still_);
   platform::useViewCoordinates(painter, size);
   drawGradient(painter, size);
-  drawLevelLines(painter, size);
+  platform::drawViewGridLevels(painter, size);
 }
 
 void OVWaveFormDrawing::drawWaveform(QPainter& painter, QSizeF size,
@@ -115,14 +81,15 @@ void OVWaveFormDrawing::drawWaveform(QPainter& painter, QSizeF size,
 void OVWaveFormDrawing::drawTimescale(QPainter& painter, QSizeF size) {
   const double width = size.width();
   const double step = width / kTicks;
-  lines_.clear();
+  std::vector<QLineF> ticks;
   for (int i = 0; i < kTicks; ++i) {
     const double x = i * step;
     const int tickHeight = (static_cast<int>(x) % 20) / 2 + 5;
-    lines_.emplace_back(x + 0.5, 0.0, x + 0.5, tickHeight);
+    ticks.emplace_back(x + 0.5, 0.0, x + 0.5, tickHeight);
   }
-  lines_.emplace_back(width - 0.5, 0.0, width - 0.5, 10.0);
-  strokeLines(painter, kTickColor);
+  ticks.emplace_back(width - 0.5, 0.0, width - 0.5, 10.0);
+  painter.setPen(platform::viewPen(kTickColor, kLineWidth));
+  painter.drawLines(ticks.data(), static_cast<int>(ticks.size()));
 }
 
 void OVWaveFormDrawing::copyPicture(QPainter& painter, QSizeF viewSize, const QRegion& dirty,
@@ -158,9 +125,4 @@ void OVWaveFormDrawing::collectZigzag(QSizeF size, std::span<const float> elemen
     zigzag_.emplace_back(x, middle + reach);
     zigzag_.emplace_back(x, middle - reach);
   }
-}
-
-void OVWaveFormDrawing::strokeLines(QPainter& painter, const QColor& color) {
-  painter.setPen(platform::viewPen(color, kLineWidth));
-  painter.drawLines(lines_.data(), static_cast<int>(lines_.size()));
 }

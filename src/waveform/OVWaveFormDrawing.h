@@ -4,13 +4,13 @@
 #include <vector>
 
 #include <QImage>
-#include <QLineF>
 #include <QPainter>
 #include <QPointF>
 #include <QRegion>
 #include <QSizeF>
 
 #include "platform/PolylineStroke.h"
+#include "platform/ViewDrawing.h"
 
 /// The layers of the waveform picture. Each draws into a painter in view coordinates
 /// (platform::useViewCoordinates) for a view of the given size in points. Holds nothing but
@@ -20,17 +20,17 @@
 class OVWaveFormDrawing {
  public:
   /// Distance of the grid lines, points; the vertical ones repeat after as many scroll steps.
-  static constexpr double kGridSpacing = 24.0;
+  static constexpr double kGridSpacing = platform::kViewGridSpacing;
 
   /// The next value of the grid's horizontal offset: one point on, 0 again from 24 on.
   [[nodiscard]] static double nextGridOffset(double bg_scroll_x);
 
   /// A linear gradient from (36, 54, 71) at the bottom to (35, 37, 62) at the top.
-  void drawGradient(QPainter& painter, QSizeF size);
+  static void drawGradient(QPainter& painter, QSizeF size);
 
   /// Lines every 24 points. `bg_scroll_x`, 0 to 24 (excluded), moves the vertical ones to the
   /// right. The horizontal ones end half a point lower than they begin.
-  void drawGrid(QPainter& painter, QSizeF size, double bg_scroll_x);
+  static void drawGrid(QPainter& painter, QSizeF size, double bg_scroll_x);
 
   /// The gradient and the grid. What does not move is kept from one drawing to the next.
   void drawBackground(QPainter& painter, QSizeF size, double bg_scroll_x);
@@ -41,7 +41,7 @@ class OVWaveFormDrawing {
   void drawWaveform(QPainter& painter, QSizeF size, std::span<const float> elements, double alpha);
 
   /// 20 ticks along the bottom edge and one at the right end.
-  void drawTimescale(QPainter& painter, QSizeF size);
+  static void drawTimescale(QPainter& painter, QSizeF size);
 
   /// Copies the parts of a rendered picture that lie in `dirty` (points, y downward) to the same
   /// place, without blending. The painter stands in Qt's coordinates. A picture of another size
@@ -50,15 +50,11 @@ class OVWaveFormDrawing {
                           const QImage& picture);
 
  private:
-  void drawLevelLines(QPainter& painter, QSizeF size);
-  void drawUprightLines(QPainter& painter, QSizeF size, double bg_scroll_x);
   void renderStill(QSize pixels, double ratio, QSizeF size);
   void collectZigzag(QSizeF size, std::span<const float> elements);
-  void strokeLines(QPainter& painter, const QColor& color);
 
   QImage still_;  // the gradient and the level lines, in device pixels
   QSizeF stillSize_;
-  std::vector<QLineF> lines_;
   std::vector<QPointF> zigzag_;
   platform::PolylineStroke zigzagStroke_;
 };

@@ -78,12 +78,12 @@ void OVWaveFormView::setTimeLineText(std::function<QString()> text) {
 }
 
 void OVWaveFormView::drawGradient(QPainter& painter) {
-  drawing_.drawGradient(painter, size());
+  OVWaveFormDrawing::drawGradient(painter, size());
 }
 
 void OVWaveFormView::drawGrid(QPainter& painter) {
   scrollGrid();
-  drawing_.drawGrid(painter, size(), bg_scroll_x_);
+  OVWaveFormDrawing::drawGrid(painter, size(), bg_scroll_x_);
 }
 
 void OVWaveFormView::scrollGrid() {
@@ -100,7 +100,7 @@ void OVWaveFormView::drawWaveform(QPainter& painter, double alpha) {
 }
 
 void OVWaveFormView::drawTimescale(QPainter& painter) {
-  drawing_.drawTimescale(painter, size());
+  OVWaveFormDrawing::drawTimescale(painter, size());
 }
 
 void OVWaveFormView::paintEvent(QPaintEvent* event) {

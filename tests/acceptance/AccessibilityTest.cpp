@@ -1,25 +1,34 @@
 // What a screen reader finds in the real program, and what it can do there.
 #include <algorithm>
 
-#include "acceptance/AcceptanceTest.h"
+#include "acceptance/DocumentTest.h"
 #include "support/AccessibilityBus.h"
+#include "support/AudioFileTools.h"
 
 using namespace support;
 
 namespace {
 
-constexpr int kChecked = 4;  // of the accessibility service's states
+// Of the accessibility service's states.
+constexpr int kChecked = 4;
+constexpr int kFocused = 12;
 
-class Accessibility : public AcceptanceTest {
+/// The position of a text like "00:00:03.60 / 00:00:04.00" within its first minute; -1 for others.
+int hundredthsOf(const std::string& text) {
+  return text.size() < 11 ? -1 : 100 * std::stoi(text.substr(6, 2)) + std::stoi(text.substr(9, 2));
+}
+
+class Accessibility : public DocumentTest {
  protected:
   using Node = AccessibilityBus::Node;
 
-  void startWithBus() {
+  void startWithBus(const std::vector<std::string>& files = {}) {
     std::string error;
     bus_ = AccessibilityBus::start(error);
     ASSERT_NE(bus_, nullptr) << error;
     // The screen's environment has no message bus.
     RunningOrvo::Options options;
+    options.files = files;
     options.wrapper = {"env"};
     for (const auto& [name, value] : bus_->environment()) {
       options.wrapper.push_back(name + "=" + value);
@@ -46,6 +55,22 @@ class Accessibility : public AcceptanceTest {
       }
     }
     return {};
+  }
+
+  /// A recording of so many seconds that 16 bits hold exactly.
+  [[nodiscard]] std::string writeTake(const std::string& name, double seconds) const {
+    const std::string path = document(name);
+    const std::string raw = folder_.file("take.raw");
+    const Samples samples = noise16(static_cast<std::size_t>(seconds * kFramesPerSecond), 3);
+    EXPECT_TRUE(writeRaw(raw, samples));
+    EXPECT_EQ(ffmpeg({"-f", "f32le", "-ar", "44100", "-ac", "2", "-i", raw, path}), "");
+    return path;
+  }
+
+  /// What is read out of the waveform now: position and length.
+  [[nodiscard]] std::string waveformTells() const {
+    const auto nodes = bus_->nodesFrom(named("Waveform"));
+    return nodes.empty() ? std::string() : nodes.front().description;
   }
 
   std::unique_ptr<AccessibilityBus> bus_;
@@ -83,6 +108,51 @@ TEST_F(Accessibility, AScreenReaderRecordsAndReadsPositionAndLengthOut) {
   EXPECT_EQ(told.substr(0, 14), "00:00:00.00 / ") << "back at the start";
   EXPECT_GE(told.substr(14), "00:00:01.00") << told;
   EXPECT_EQ(named("Position and length").description, told);
+}
+
+TEST_F(Accessibility, TheWaveformsKeysMoveTheMarkerAndTheNewPositionIsReadOut) {
+  const std::string take = writeTake("take.wav", 4.0);
+  ASSERT_NO_FATAL_FAILURE(startWithBus({take}));
+  ASSERT_TRUE(eventually([&] { return waveformTells() == "00:00:00.00 / 00:00:04.00"; }));
+  for (int i = 0; i < 10 && !bus_->hasState(named("Waveform"), kFocused); ++i) {
+    ASSERT_TRUE(screen_->pressKey("Tab"));
+  }
+  ASSERT_TRUE(bus_->hasState(named("Waveform"), kFocused));
+  const std::vector<std::pair<std::string, int>> steps{{"Right", 4}, {"Prior", 44}, {"Left", 40},
+                                                       {"End", 400}, {"Next", 360}, {"Home", 0}};
+  for (const auto& [key, position] : steps) {
+    ASSERT_TRUE(screen_->pressKey(key));
+    std::string told;
+    EXPECT_TRUE(eventually([&] {
+      told = waveformTells();
+      const int hundredths = hundredthsOf(told);
+      // A step may end a frame short, and hundredths are cut off.
+      return hundredths == position || hundredths == position - 1;
+    })) << key
+        << ": " << told;
+  }
+}
+
+TEST_F(Accessibility, AProgressBarTellsWhatGoesOnAndIsGoneAfterwards) {
+  const std::string take = writeTake("take.wav", 480.0);  // encoding it takes a while
+  ASSERT_NO_FATAL_FAILURE(startWithBus({take}));
+  ASSERT_TRUE(eventually([&] { return waveformTells() == "00:00:00.00 / 00:08:00.00"; }));
+  const Window panel = openPanel("ctrl+shift+s", "Save As");
+  ASSERT_FALSE(panel.empty());
+  ASSERT_NO_FATAL_FAILURE(chooseKind(Kind::aac));
+  ASSERT_NO_FATAL_FAILURE(chooseFile(document("take.m4a")));
+  const auto shownBar = [&] {
+    constexpr int kShowing = 25;
+    for (const Node& node : bus_->nodesFrom(named("Waveform"))) {
+      if (node.role == "progress bar" && bus_->hasState(node, kShowing)) {
+        return node.name;
+      }
+    }
+    return std::string();
+  };
+  EXPECT_TRUE(eventually([&] { return shownBar() == "Saving"; }));
+  ASSERT_NO_FATAL_FAILURE(expectTitle("take.m4a"));
+  EXPECT_TRUE(eventually([&] { return shownBar().empty(); }));
 }
 
 }  // namespace

@@ -88,6 +88,23 @@ TEST_F(RecordAndPlay, RecordingOverTheMiddleLeavesBothEnds) {
   EXPECT_TRUE(found);
 }
 
+TEST_F(RecordAndPlay, CommandsAndMenusThatAreReachedWithSpaceLeaveARecordingRunning) {
+  ASSERT_NO_FATAL_FAILURE(startOrvo());
+  ASSERT_NO_FATAL_FAILURE(beginRecording());
+  const auto stillGrows = [&] {
+    return orvo_->waitUntilRecorded(orvo_->recordedFrames() + kFramesPerSecond / 2);
+  };
+  ASSERT_TRUE(screen_->pressKey("ctrl+space"));
+  EXPECT_TRUE(stillGrows());
+  // The item of the Transport menu that goes to the start.
+  ASSERT_TRUE(screen_->pressKey("alt+t"));
+  ASSERT_TRUE(screen_->pressKey("Up"));
+  ASSERT_TRUE(screen_->pressKey("Up"));
+  ASSERT_TRUE(screen_->pressKey("space"));
+  EXPECT_TRUE(stillGrows());
+  ASSERT_TRUE(screen_->pressKey("space"));
+}
+
 TEST_F(RecordAndPlay, UndoTakesTheLastRecordingAwayAndRedoBringsItBack) {
   const Samples first = signalOfSeconds(0.5, 7);
   const Samples second = signalOfSeconds(0.5, 17);

@@ -14,6 +14,7 @@
 
 #include "app/AppFixture.h"
 #include "app/OVTranslations.h"
+#include "controls/OVLoadingPanel.h"
 #include "platform/Localization.h"
 #include "platform/QtPanels.h"
 
@@ -242,6 +243,26 @@ TEST_P(TranslatedWindow, AScreenReaderHearsTheLanguage) {
   for (const auto& [view, key] : names) {
     EXPECT_EQ(nameOf(view), translated(key).toStdString()) << view;
   }
+}
+
+TEST_P(TranslatedWindow, WhatGoesOnIsWholeBesideTheBarInTheNarrowestWindow) {
+  window_->resize(window_->minimumSizeHint());
+  auto* const panel = window_->findChild<OVLoadingPanel*>();
+  auto* const label = window_->findChild<QLabel*>("loadingLabel");
+  auto* const bar = window_->findChild<QWidget*>("loadingIndicator");
+  bar->show();
+  panel->show();
+  std::set<std::string> different;
+  for (const char* const key :
+       {"Loading", "Importing", "Saving", "Exporting", "Drawing the waveform"}) {
+    panel->setActivity(translated(key));
+    QCoreApplication::sendPostedEvents();
+    different.insert(label->text().toStdString());
+    EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
+    EXPECT_LT(label->geometry().right(), bar->geometry().left());
+    EXPECT_LT(panel->width(), 340) << "half the window at most";
+  }
+  EXPECT_EQ(different.size(), 5U);
 }
 
 TEST_P(TranslatedWindow, TheQuestionAboutUnsavedChangesIsWholeAndQuotesAsTheLanguageDoes) {

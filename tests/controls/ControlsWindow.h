@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <memory>
 
 #include <QCoreApplication>
@@ -42,16 +43,23 @@ class ControlsWindow {
     release(view, at);
   }
 
-  /// What the window shows in the rectangle of `view`.
-  [[nodiscard]] QImage picture(const QWidget* view, int ratio = 1) {
-    QImage whole(content_.size() * ratio, QImage::Format_ARGB32_Premultiplied);
+  /// What the window shows in the rectangle of `view`, on a screen of `ratio` pixels a point.
+  /// Pixels that the rectangle covers in part only are not in the picture.
+  [[nodiscard]] QImage picture(const QWidget* view, double ratio = 1.0) {
+    const QSizeF pixels = QSizeF(content_.size()) * ratio;
+    QImage whole(static_cast<int>(std::ceil(pixels.width())),
+                 static_cast<int>(std::ceil(pixels.height())), QImage::Format_ARGB32_Premultiplied);
     whole.setDevicePixelRatio(ratio);
     whole.fill(Qt::white);
     QPainter painter(&whole);
     content_.render(&painter);
     painter.end();
-    const QRect part(view->mapTo(&content_, QPoint()) * ratio, view->size() * ratio);
-    return whole.copy(part);
+    const QPointF topLeft = QPointF(view->mapTo(&content_, QPoint())) * ratio;
+    const QPointF bottomRight = topLeft + QPointF(view->width(), view->height()) * ratio;
+    const QPoint first(static_cast<int>(std::ceil(topLeft.x())),
+                       static_cast<int>(std::ceil(topLeft.y())));
+    const QPoint end(static_cast<int>(bottomRight.x()), static_cast<int>(bottomRight.y()));
+    return whole.copy(QRect(first, end - QPoint(1, 1)));
   }
 
  private:

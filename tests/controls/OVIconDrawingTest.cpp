@@ -99,6 +99,36 @@ TEST(IconDrawing, PlusDarkerIgnoresTheOpacityAndLeavesTheTransparentPartsOfAnIco
   EXPECT_EQ(picture.pixelColor(5, 5), QColor(230, 230, 230));
 }
 
+TEST(IconDrawing, PlusDarkerOfATransparentIconChangesNoPixelWhereverItStands) {
+  const platform::NamedImage icon(square(4, Qt::transparent));
+  const QColor paper(230, 100, 150);
+  for (const double ratio : {1.0, 1.25, 1.5, 1.7, 2.0, 3.0}) {
+    for (const double offset : {0.0, 0.3, 0.5, 0.9}) {
+      QImage picture = makePicture({12, 12}, ratio, paper);
+      const QImage before = picture.copy();
+      QPainter painter(&picture);
+      painter.setRenderHint(QPainter::Antialiasing);
+      painter.translate(offset, offset);
+      drawCentredIcon(painter, QSizeF(11, 11), icon, OVIconBlend::plusDarker, 1.0);
+      painter.end();
+      EXPECT_EQ(picture, before) << ratio << ", " << offset;
+    }
+  }
+}
+
+TEST(IconDrawing, PlusDarkerStaysInsideTheClip) {
+  const platform::NamedImage icon(square(6, Qt::black));
+  QImage picture = makePicture({10, 10}, 1.5, QColor(230, 230, 230));
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setClipRect(QRect(0, 0, 4, 10));
+  drawCentredIcon(painter, QSizeF(10, 10), icon, OVIconBlend::plusDarker, 1.0);
+  painter.end();
+  EXPECT_EQ(picture.pixelColor(5, 7), QColor(Qt::black));
+  EXPECT_EQ(picture.pixelColor(6, 7), QColor(230, 230, 230));
+  EXPECT_EQ(picture.pixelColor(10, 7), QColor(230, 230, 230));
+}
+
 TEST(IconDrawing, ANullIconDrawsNothing) {
   for (const auto blend : {OVIconBlend::sourceAtop, OVIconBlend::plusDarker}) {
     const QImage picture = drawn({10, 10}, 1.0, Qt::gray, platform::NamedImage(), blend, 1.0);

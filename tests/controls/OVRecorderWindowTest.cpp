@@ -63,8 +63,9 @@ class RecorderWindow : public testing::Test {
   void TearDown() override { delete window_; }
 
   // As the window system delivers it.
-  void send(QEvent::Type type, int key, bool autoRepeat = false) {
-    QKeyEvent event(type, key, Qt::NoModifier, QString(), autoRepeat);
+  void send(QEvent::Type type, int key, bool autoRepeat = false,
+            Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QKeyEvent event(type, key, modifiers, QString(), autoRepeat);
     QCoreApplication::sendEvent(window_->windowHandle(), &event);
   }
 
@@ -130,6 +131,59 @@ TEST_F(RecorderWindow, ACommandKeyIsNoTransportKey) {
   QTest::keyPress(window_->windowHandle(), Qt::Key_R, Qt::ControlModifier);
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'d', 0xFFFF}}));  // Control, and R with it
   QTest::keyRelease(window_->windowHandle(), Qt::Key_R, Qt::ControlModifier);
+}
+
+TEST_F(RecorderWindow, TheReleaseOfACommandKeyIsNoTransportKeyEither) {
+  for (const auto key : {Qt::Key_R, Qt::Key_Return, Qt::Key_Space}) {
+    delegate_->keys.clear();
+    send(QEvent::KeyPress, key, false, Qt::ControlModifier);
+    send(QEvent::KeyRelease, key);  // Control has come up first
+    EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'u', 0xFFFF}})) << key;
+  }
+}
+
+TEST_F(RecorderWindow, AReleaseWhosePressWentElsewhereIsUnmapped) {
+  send(QEvent::KeyRelease, Qt::Key_Space);  // a menu closed at the press
+  EXPECT_EQ(delegate_->keys, (Keys{{'u', 0xFFFF}}));
+}
+
+TEST_F(RecorderWindow, AHeldKeyWhosePressWentElsewhereStaysUnmapped) {
+  send(QEvent::KeyPress, Qt::Key_Space, false, Qt::ControlModifier);
+  send(QEvent::KeyRelease, Qt::Key_Space, true);
+  send(QEvent::KeyPress, Qt::Key_Space, true);  // Control has come up, Space repeats
+  send(QEvent::KeyRelease, Qt::Key_Space);
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'d', 0xFFFF}, {'u', 0xFFFF}}));
+}
+
+TEST_F(RecorderWindow, AKeyThatWentDownPlainComesUpUnderAModifierToo) {
+  send(QEvent::KeyPress, Qt::Key_Space);
+  send(QEvent::KeyRelease, Qt::Key_Space, true, Qt::ControlModifier);
+  send(QEvent::KeyPress, Qt::Key_Space, true, Qt::ControlModifier);
+  send(QEvent::KeyRelease, Qt::Key_Space, false, Qt::ControlModifier);
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'d', 0xFFFF}, {'u', 49}}));
+}
+
+TEST_F(RecorderWindow, APlainPressIsForgottenWhenItsReleaseWentElsewhere) {
+  send(QEvent::KeyPress, Qt::Key_Space);
+  QEvent deactivate(QEvent::WindowDeactivate);
+  QCoreApplication::sendEvent(window_, &deactivate);
+  send(QEvent::KeyRelease, Qt::Key_Space);
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'u', 0xFFFF}}));
+}
+
+TEST_F(RecorderWindow, ACommandTakesThePlaceOfAPlainPressWhoseReleaseWasLost) {
+  send(QEvent::KeyPress, Qt::Key_Space);
+  send(QEvent::KeyPress, Qt::Key_Space, false, Qt::ControlModifier);
+  send(QEvent::KeyRelease, Qt::Key_Space);
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'d', 0xFFFF}, {'u', 0xFFFF}}));
+}
+
+TEST_F(RecorderWindow, TwoKeysHeldTogetherEachComeUp) {
+  send(QEvent::KeyPress, Qt::Key_R);
+  send(QEvent::KeyPress, Qt::Key_Space);
+  send(QEvent::KeyRelease, Qt::Key_R);
+  send(QEvent::KeyRelease, Qt::Key_Space);
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 15}, {'d', 49}, {'u', 15}, {'u', 49}}));
 }
 
 TEST_F(RecorderWindow, WithoutADelegateKeysDoNothing) {

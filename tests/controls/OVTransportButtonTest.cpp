@@ -133,6 +133,73 @@ TEST_P(TransportButton, TheBezelCoversExactlyTheButtonInTheBar) {
 
 INSTANTIATE_TEST_SUITE_P(AtOneAndTwoPixelsAPoint, TransportButton, testing::Values(1, 2));
 
+// Where points and pixels do not meet, an icon covers the pixels at its edges in part.
+class TransportButtonBetweenPixels : public testing::TestWithParam<double> {
+ protected:
+  TransportButtonBetweenPixels() : button_(new OVTransportButton(window_.bar())) {
+    button_->setGeometry(kFrame);
+  }
+
+  void setImages(const QString& name) {
+    button_->setOnImage(name);
+    button_->setOffImage(name);
+  }
+
+  [[nodiscard]] QImage bar() { return window_.picture(window_.bar(), GetParam()); }
+
+  // The icon alone, with its share of each pixel as alpha, where the bar shows it.
+  [[nodiscard]] QImage iconOnTheBar(const QString& name, QSize pixels) const {
+    QImage picture(pixels, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    picture.setDevicePixelRatio(GetParam());
+    QPainter painter(&picture);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.drawImage(QRectF(57 + 14, 13 + 7, 18, 18),
+                      platform::NamedImage(name).forRatio(GetParam()));
+    return picture;
+  }
+
+  // Compares the whole bar with the bezel and `expected(bezel pixel, icon pixel)`.
+  template <typename Expected>
+  void expectIcon(const QString& name, Expected expected) {
+    setImages({});
+    const QImage bezel = bar();
+    const QImage icon = iconOnTheBar(name, bezel.size());
+    setImages(name);
+    const QImage shown = bar();
+    for (int y = 0; y < shown.height(); ++y) {
+      for (int x = 0; x < shown.width(); ++x) {
+        ASSERT_LE(colorDistance(shown.pixelColor(x, y),
+                                expected(bezel.pixelColor(x, y), icon.pixelColor(x, y))),
+                  4)
+            << x << ", " << y;
+      }
+    }
+  }
+
+  ControlsWindow window_;
+  OVTransportButton* button_;
+};
+
+TEST_P(TransportButtonBetweenPixels, AnEnabledButtonBlendsItsIconWithTheBezelAndNothingElse) {
+  expectIcon(QStringLiteral("rec_on.png"), atFull);
+}
+
+TEST_P(TransportButtonBetweenPixels, ADisabledButtonShowsItsIconAtHalfOpacity) {
+  button_->setEnabled(false);
+  expectIcon(QStringLiteral("rec_on.png"), atHalf);
+}
+
+TEST_P(TransportButtonBetweenPixels, AHighlightedButtonThatIsOnDarkensItsIconAndNothingElse) {
+  button_->setIsHighlighted(true);
+  button_->setIsOn(true);
+  expectIcon(QStringLiteral("rec_on.png"), plusDarker);
+  expectIcon(QStringLiteral("stop.png"), plusDarker);
+}
+
+INSTANTIATE_TEST_SUITE_P(AtScaleFactors, TransportButtonBetweenPixels,
+                         testing::Values(1.0, 1.25, 1.5, 1.75, 2.0));
+
 TEST(TransportButtonFields, TheImageGettersStayEmpty) {
   OVTransportButton button;
   button.setOnImage(QStringLiteral("stop.png"));

@@ -47,7 +47,7 @@ TEST_F(RecorderWindowInterface, EveryViewIsThereUnderItsName) {
   for (const char* name :
        {"wfView", "playbackMarkerView", "transportBackView", "prevButton", "recButton",
         "stopButton", "pauseButton", "playButton", "nextButton", "displayWell", "vuView",
-        "timeView", "loadingIndicator", "fftButton", "menuBar"}) {
+        "timeView", "loadingPanel", "loadingLabel", "loadingIndicator", "fftButton", "menuBar"}) {
     EXPECT_NE(window_.findChild<QWidget*>(QString::fromLatin1(name)), nullptr) << name;
   }
 }
@@ -93,8 +93,45 @@ TEST_F(RecorderWindowInterface, TheSmallestWindowStillShowsEverything) {
 
 TEST_F(RecorderWindowInterface, TheProgressBarStartsHiddenAndTheButtonsShown) {
   EXPECT_TRUE(ui_.loadingIndicator->isHidden());
+  EXPECT_TRUE(ui_.loadingPanel->isHidden());
   EXPECT_TRUE(ui_.fftButton->isVisible());
   EXPECT_TRUE(ui_.recButton->isVisible());
+}
+
+TEST_F(RecorderWindowInterface,
+       TheProgressPanelStandsInTheWaveformAboveTheDisplaysAndFitsItsWords) {
+  const QWidget* content = window_.centralWidget();
+  for (const QSize size : {QSize(0, 0), QSize(640, 330), QSize(1200, 700)}) {
+    window_.resize(size + QSize(0, window_.menuBar()->height()));
+    for (const char* const words : {"Saving", "A rather long account of what is going on"}) {
+      ui_.loadingIndicator->show();
+      ui_.loadingPanel->show();
+      QCoreApplication::sendPostedEvents();  // the window's new size
+      ui_.loadingPanel->setActivity(QString::fromLatin1(words));
+      const QRect panel = frameIn(content, ui_.loadingPanel);
+      EXPECT_EQ(panel.right(), frameIn(content, ui_.displayWell).right());
+      EXPECT_EQ(panel.bottom(), frameIn(content, ui_.wfView).bottom() - 6);
+      EXPECT_TRUE(frameIn(content, ui_.wfView).contains(panel));
+      EXPECT_LE(panel.height(), 24);
+      const QRect label = frameIn(content, ui_.loadingLabel);
+      const QRect bar = frameIn(content, ui_.loadingIndicator);
+      EXPECT_GE(label.width(), ui_.loadingLabel->sizeHint().width()) << words;
+      EXPECT_GE(label.height(), ui_.loadingLabel->sizeHint().height()) << words;
+      EXPECT_EQ(bar.size(), QSize(150, 4));
+      EXPECT_LT(label.right(), bar.left());
+      EXPECT_TRUE(panel.contains(label) && panel.contains(bar)) << words;
+      EXPECT_EQ(ui_.loadingIndicator->accessibleName(), QString::fromLatin1(words));
+    }
+  }
+}
+
+TEST_F(RecorderWindowInterface, AClickOnTheProgressPanelReachesTheWaveform) {
+  ui_.loadingIndicator->show();
+  ui_.loadingPanel->show();
+  ui_.loadingPanel->setActivity(QStringLiteral("Saving"));
+  QCoreApplication::sendPostedEvents();
+  const QPoint middle = frameIn(&window_, ui_.loadingPanel).center();
+  EXPECT_EQ(window_.childAt(middle), window_.childAt(middle - QPoint(0, 60)));
 }
 
 TEST_F(RecorderWindowInterface, HidingTheSpectrumButtonMovesNothing) {

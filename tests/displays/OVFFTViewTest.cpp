@@ -56,6 +56,17 @@ class FFTView : public testing::Test {
 
 }  // namespace
 
+TEST_F(FFTView, GradientAndGridAreDrawnForTheViewsSize) {
+  const QSize size = view_.size();
+  EXPECT_EQ(
+      drawnPicture(size, 1, Qt::magenta, [&](QPainter& painter) { view_.drawGradient(painter); }),
+      drawnPicture(size, 1, Qt::magenta,
+                   [&](QPainter& painter) { OVFFTDrawing::drawGradient(painter, size); }));
+  EXPECT_EQ(drawnPicture(size, 1, Qt::magenta, [&](QPainter& painter) { view_.drawGrid(painter); }),
+            drawnPicture(size, 1, Qt::magenta,
+                         [&](QPainter& painter) { OVFFTDrawing::drawGrid(painter, size); }));
+}
+
 TEST_F(FFTView, BeforeTheFirstDataShowsOnlyItsBackground) {
   EXPECT_EQ(view_.dataSize(), 0U);
   const QImage picture = pictureOf(view_);

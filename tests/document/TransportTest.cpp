@@ -182,6 +182,23 @@ TEST_F(TransportTest, SpaceStopsARecording) {
   EXPECT_FALSE(button("recButton")->isHighlighted());
 }
 
+TEST_F(TransportTest, ASpaceThatWasPressedAsACommandOrInAMenuLeavesTheRecordingRunning) {
+  openWindow();
+  pressRecord();
+  const auto send = [&](QEvent::Type type, Qt::KeyboardModifiers modifiers) {
+    QKeyEvent event(type, Qt::Key_Space, modifiers);
+    QCoreApplication::sendEvent(document_->window(), &event);
+  };
+  send(QEvent::KeyPress, Qt::ControlModifier);
+  send(QEvent::KeyRelease, Qt::ControlModifier);
+  EXPECT_TRUE(recording());
+  send(QEvent::KeyRelease, Qt::NoModifier);  // the menu took the press and closed
+  EXPECT_TRUE(recording());
+  send(QEvent::KeyPress, Qt::NoModifier);
+  send(QEvent::KeyRelease, Qt::NoModifier);
+  EXPECT_FALSE(recording());
+}
+
 TEST_F(TransportTest, RTogglesRecordingOnRelease) {
   openWindow();
   keyDown(kKeyR);

@@ -1,12 +1,15 @@
 #include <QCoreApplication>
 #include <QEnterEvent>
 #include <QFocusEvent>
+#include <QHBoxLayout>
 
 #include "controls/OVBackgroundBox.h"
 #include "controls/OVDisplayWell.h"
 #include "controls/OVHoverButton.h"
 #include "controls/OVLeftTransportButtonCell.h"
 #include "controls/OVLoadingIndicator.h"
+#include "controls/OVLoadingLabel.h"
+#include "controls/OVLoadingPanel.h"
 #include "controls/OVOverlayView.h"
 #include "controls/OVRightTransportButtonCell.h"
 #include "controls/OVRoundedTransportButton.h"
@@ -146,6 +149,19 @@ std::unique_ptr<GalleryPage> cellPage() {
   return page;
 }
 
+void addLoadingPanel(GalleryPage& page, const QString& words) {
+  auto* const panel = new OVLoadingPanel;
+  auto* const row = new QHBoxLayout(panel);
+  row->setContentsMargins(10, 4, 10, 3);
+  row->setSpacing(10);
+  row->addWidget(new OVLoadingLabel);
+  auto* const bar = new OVLoadingIndicator;
+  bar->setValue(42);
+  row->addWidget(bar);
+  panel->setActivity(words);
+  page.addView(QStringLiteral("progress"), panel->sizeHint(), panel, kDark);
+}
+
 std::unique_ptr<GalleryPage> panelPage() {
   auto page = std::make_unique<GalleryPage>(QStringLiteral("panels"));
   page->addView<OVTransportBackgroundView>(QStringLiteral("transport bar"), {200, 58});
@@ -161,6 +177,10 @@ std::unique_ptr<GalleryPage> panelPage() {
   for (const int value : {0, 2, 37, 100}) {
     page->addView<OVLoadingIndicator>(QStringLiteral("%1 %").arg(value), {150, 4}, kDark)
         ->setValue(value);
+  }
+  page->newRow();
+  for (const char* words : {"Loading", "Drawing the waveform"}) {
+    addLoadingPanel(*page, QString::fromLatin1(words));
   }
   return page;
 }

@@ -29,6 +29,8 @@ Shown showWindow(double scale) {
   ui.wfView->setWaveForm(std::make_shared<FakeWaveformSummary>(std::vector<float>(1024, 0.5F)));
   ui.loadingIndicator->setValue(40);
   ui.loadingIndicator->show();
+  ui.loadingPanel->show();
+  ui.loadingPanel->setActivity(QStringLiteral("Saving"));
   ui.fftStrip->setFixedHeight(200);
   EXPECT_TRUE(showOnScreenOfScale(window, scale));
   return {pictureOfWindow(*window.centralWidget()), pictureOfWindow(*window.menuBar())};
@@ -46,6 +48,12 @@ std::pair<int, int> range(const QImage& picture) {
     }
   }
   return {lightest, darkest};
+}
+
+/// A page without its last row and column, which it may cover in part only.
+QImage wholePixelsOf(QWidget& page) {
+  const QImage picture = pictureOfWindow(page);
+  return picture.copy(0, 0, picture.width() - 1, picture.height() - 1);
 }
 
 class DesktopColours : public testing::TestWithParam<double> {};
@@ -72,14 +80,14 @@ TEST_P(DesktopColours, EveryViewOfTheGalleryLooksTheSame) {
   std::vector<QImage> light;
   for (const auto& page : makeGalleryPages()) {
     ASSERT_TRUE(showOnScreenOfScale(*page, GetParam()));
-    light.push_back(pictureOfWindow(*page));
+    light.push_back(wholePixelsOf(*page));
   }
   const support::DarkPalette dark;
   const GalleryPages pages = makeGalleryPages();
   for (std::size_t i = 0; i < pages.size(); ++i) {
     ASSERT_TRUE(showOnScreenOfScale(*pages[i], GetParam()));
-    EXPECT_EQ(pictureOfWindow(*pages[i]), light[i]) << pages[i]->name().toStdString();
+    EXPECT_EQ(wholePixelsOf(*pages[i]), light[i]) << pages[i]->name().toStdString();
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(ScaleFactors, DesktopColours, testing::Values(1.0, 2.0));
+INSTANTIATE_TEST_SUITE_P(ScaleFactors, DesktopColours, testing::ValuesIn(kScaleFactors));

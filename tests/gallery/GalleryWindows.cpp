@@ -1,21 +1,27 @@
 #include "gallery/GalleryWindows.h"
 
+#include <atomic>
 #include <cmath>
 #include <memory>
 #include <random>
+#include <string>
 #include <vector>
 
 #include <QApplication>
 #include <QPalette>
-#include <QProgressBar>
+#include <QTemporaryDir>
 
 #include "app/OVMainMenu.h"
+#include "app/OVTranslations.h"
+#include "audio/Gate.h"
+#include "audio/OVAudioFileWriter.h"
 #include "audio/SteppedAudioQueues.h"
 #include "controls/OVRecorderWindow.h"
 #include "controls/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
 #include "gallery/GalleryScreen.h"
 #include "support/DarkPalette.h"
+#include "support/FailingTemporaryFiles.h"
 #include "support/MainLoop.h"
 #include "support/RecordingServices.h"
 
@@ -23,6 +29,36 @@ namespace {
 
 constexpr std::size_t kChunkFrames = 4096;
 constexpr std::uint64_t kFramesPerSecond = 44100;
+
+/// A disk that lets so many transfers pass and then holds the next one until it is told to go on.
+class Disk {
+ public:
+  enum class Transfer { read, write };
+
+  void stopAt(Transfer transfer, int number) {
+    left_ = number;
+    const auto hook = [this] {
+      if (--left_ == 0) {
+        stopped_ = true;
+        gate_.pass();
+      }
+    };
+    if (transfer == Transfer::read) {
+      files_.beforeReads(hook);
+    } else {
+      files_.beforeWrites(hook);
+    }
+  }
+  [[nodiscard]] bool hasStopped() const { return stopped_; }
+  void goOn() { gate_.open(); }
+
+ private:
+  support::FailingTemporaryFiles files_;
+  platform::TemporaryFilesInstallation installation_{files_};
+  testaudio::Gate gate_;
+  std::atomic<int> left_ = 0;
+  std::atomic<bool> stopped_ = false;
+};
 
 /// A document whose sound comes from here.
 class Document {
@@ -35,6 +71,8 @@ class Document {
     static_cast<void>(showOnScreenOfScale(window(), scale));
   }
   ~Document() {
+    disk_.goOn();
+    static_cast<void>(runMainLoopUntil([&] { return !controller_->isFileIOActive(); }));
     controller_->pauseButton(nullptr);
     controller_->setDocumentEdited(false);  // or closing would ask
     window().performClose();
@@ -72,6 +110,22 @@ class Document {
     settle();
   }
 
+  /// Begins a job that is held at a transfer of the disk, and shows how far it has come by then.
+  template <typename Begin>
+  void holdAt(Disk::Transfer transfer, int number, Begin begin) {
+    disk_.stopAt(transfer, number);
+    begin();
+    static_cast<void>(runMainLoopUntil([&] { return disk_.hasStopped(); }));
+    static_cast<void>(drainMainQueue());
+    controller_->updatePlaybackMarkerView();
+    static_cast<void>(drainMainQueue());
+    QCoreApplication::processEvents();
+  }
+
+  [[nodiscard]] std::string file(const char* name) const {
+    return folder_.filePath(QString::fromLatin1(name)).toStdString();
+  }
+
   static void settle() {
     static_cast<void>(platform::globalQueue().waitUntilIdle(20));
     static_cast<void>(drainMainQueue());
@@ -100,6 +154,8 @@ class Document {
 
   support::InstalledRecordingServices services_;
   testaudio::InstalledSteppedQueues queues_;
+  const QTemporaryDir folder_;
+  Disk disk_;
   std::shared_ptr<VLRecorderWindowController> controller_;
   std::uint64_t captured_ = 0;
   std::mt19937 random_{5};
@@ -120,6 +176,50 @@ void play(Document& document) {
   document.controller().playerAdvancedToFrame(position + kFramesPerSecond / 2);
   document.controller().updatePlaybackMarkerView();
   Document::settle();
+}
+
+/// A minute of the same as a file.
+void writeFile(const std::string& path) {
+  const auto writer = OVAudioFileWriter::initWithFile(path, 0);
+  std::vector<float> second(2 * kFramesPerSecond);
+  std::mt19937 random(7);
+  for (int i = 0; i < 60; ++i) {
+    const double loudness = 0.3 + 0.25 * std::sin(i * 0.7);
+    for (float& sample : second) {
+      sample =
+          static_cast<float>(loudness * (static_cast<double>(random() % 2000U) / 1000.0 - 1.0));
+    }
+    static_cast<void>(writer->sinkData(second.data(), second.size() * sizeof(float)));
+  }
+  static_cast<void>(writer->close());
+}
+
+void load(Document& document, Disk::Transfer until, int number) {
+  const std::string path = document.file("speech.wav");
+  writeFile(path);
+  document.holdAt(until, number, [&] { document.controller().openFileNamed(path); });
+}
+
+void save(Document& document) {
+  const std::string path = document.file("speech.wav");
+  writeFile(path);
+  document.controller().openFileNamed(path);
+  static_cast<void>(runMainLoopUntil([&] { return !document.controller().isFileIOActive(); }));
+  document.controller().waveFormViewReceivedClick(nullptr, {}, 0.62);  // a line below the words
+  document.holdAt(Disk::Transfer::read, 5,
+                  [&] { document.controller().saveFileNamed(document.file("take.wav"), 0); });
+}
+
+void cut(Document& document) {
+  makeRecorded(document);
+  document.holdAt(Disk::Transfer::read, 1,
+                  [&] { document.controller().removeAfterMarker(nullptr); });
+}
+
+void makeSmallest(Document& document) {
+  document.window().resize(1, 1);
+  static_cast<void>(drainMainQueue());
+  QCoreApplication::processEvents();
 }
 
 }  // namespace
@@ -148,16 +248,24 @@ void forEachGalleryWindow(double scale, const std::function<void(const QString&,
   });
   each("smallest", [](Document& document) {
     makeRecorded(document);
-    document.window().resize(1, 1);
-    Document::settle();
+    makeSmallest(document);
   });
-  each("loading", [](Document& document) {
-    makeRecorded(document);
-    QProgressBar* const bar = document.controller().loadingIndicator();
-    bar->setRange(0, 100);
-    bar->setValue(42);
-    bar->show();
+  each("loading", [](Document& document) { load(document, Disk::Transfer::write, 5); });
+  each("drawing", [](Document& document) { load(document, Disk::Transfer::read, 8); });
+  each("saving", save);
+  each("saving-smallest", [](Document& document) {
+    save(document);
+    makeSmallest(document);
   });
+  each("refreshing", cut);
+  for (const QString& language : OVTranslations::languages()) {
+    const OVTranslations translations({language});
+    each(("drawing-" + language.toStdString()).c_str(), [](Document& document) {
+      load(document, Disk::Transfer::read, 8);
+      makeSmallest(document);
+    });
+  }
   const support::DarkPalette dark;
   each("dark-desktop", makeRecorded);
+  each("dark-desktop-saving", save);
 }

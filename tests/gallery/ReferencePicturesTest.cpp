@@ -34,4 +34,4 @@ TEST_P(ReferencePictures, EveryTileOfEveryPageLooksAsItDid) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(ScaleFactors, ReferencePictures, testing::Values(1.0, 2.0));
+INSTANTIATE_TEST_SUITE_P(Desktop, ReferencePictures, testing::ValuesIn(kScaleFactors));

@@ -1,10 +1,13 @@
 // The window at every scale factor of a desktop, and on its way between screens of different ones.
+#include <algorithm>
 #include <cmath>
 #include <memory>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <QMenuBar>
 
+#include "document/OVSpectrumStrip.h"
 #include "gallery/GalleryScreen.h"
 #include "support/FakeWaveformSummary.h"
 #include "support/MainLoop.h"
@@ -122,6 +125,71 @@ TEST_P(ScaleFactors, TheLongestUsualTimeIsNotClipped) {
   }
 }
 
+// On the bar between pixels an icon must not bring a frame of its own along.
+TEST_P(ScaleFactors, PressingAButtonThatIsOnChangesNothingRoundItsIcon) {
+  const double scale = GetParam();
+  moveTo(scale);
+  ui_.playButton->setOnImage(QStringLiteral("stop.png"));
+  ui_.playButton->setIsHighlighted(true);
+  ui_.playButton->update();
+  const QImage off = picture(ui_.transportBackView);
+  ui_.playButton->setIsOn(true);
+  const QImage on = picture(ui_.transportBackView);
+  // The icon has 18 x 18 points from (200, 20) on, its outermost point all round is empty.
+  const auto isRim = [&](int x, int y) {
+    const QRectF icon(QPointF(200.0, 20.0) * scale, QSizeF(18.0, 18.0) * scale);
+    const QRectF inside = icon.adjusted(scale, scale, -scale, -scale);
+    const QRectF pixel(x, y, 1.0, 1.0);
+    return !inside.intersects(pixel);
+  };
+  const int left = static_cast<int>(195.0 * scale);
+  const int right = static_cast<int>(223.0 * scale);
+  for (int y = static_cast<int>(16.0 * scale); y < static_cast<int>(42.0 * scale); ++y) {
+    for (int x = left; x < right; ++x) {
+      if (isRim(x, y)) {
+        ASSERT_EQ(on.pixelColor(x, y), off.pixelColor(x, y)) << x << ", " << y;
+      }
+    }
+  }
+  EXPECT_NE(on, off) << "the icon itself is darker";
+}
+
+TEST_P(ScaleFactors, TheProgressPanelsWordsAreReadable) {
+  const double scale = GetParam();
+  moveTo(scale);
+  ui_.loadingIndicator->setRange(0, 100);
+  ui_.loadingIndicator->setValue(40);
+  ui_.loadingIndicator->show();
+  ui_.loadingPanel->show();
+  ui_.loadingPanel->setActivity(QStringLiteral("Drawing the waveform"));
+  QCoreApplication::processEvents();
+  // What is below it, the waveform and the marker's line, does not show through enough to matter.
+  ui_.playbackMarkerView->setPosition((ui_.loadingPanel->x() + 40.0) / 640.0);
+  const QImage panel = picture(ui_.wfView)
+                           .copy(QRectF(QPointF(ui_.loadingPanel->pos()) * scale,
+                                        QSizeF(ui_.loadingPanel->size()) * scale)
+                                     .toAlignedRect());
+  const int words = static_cast<int>((ui_.loadingLabel->geometry().right() + 1) * scale);
+  int lightest = 0;
+  std::vector<int> ground;
+  for (int y = 1; y < panel.height() - 1; ++y) {
+    for (int x = static_cast<int>(7.0 * scale); x < words; ++x) {
+      lightest = std::max(lightest, panel.pixelColor(x, y).green());
+    }
+    ground.push_back(panel.pixelColor(words + static_cast<int>(4.0 * scale), y).green());
+  }
+  EXPECT_GT(lightest, 170);
+  EXPECT_LT(*std::max_element(ground.begin(), ground.end()), 95);
+  // The bar: full to four tenths, then its track.
+  const int bar = panel.height() / 2;
+  const auto at = [&](double share) {
+    return panel.pixelColor(static_cast<int>((ui_.loadingIndicator->x() + 150.0 * share) * scale),
+                            bar);
+  };
+  EXPECT_GT(at(0.2).green(), 150);
+  EXPECT_LT(at(0.8).green(), 110);
+}
+
 INSTANTIATE_TEST_SUITE_P(Desktop, ScaleFactors, testing::ValuesIn(kScaleFactors));
 
 class MovedWindow : public ScaleFactors {};
@@ -132,6 +200,68 @@ TEST_F(MovedWindow, BetweenScreensItIsRenderedAnewForEachAndKeepsItsSize) {
     EXPECT_EQ(ui_.wfView->image().devicePixelRatio(), scale);
     EXPECT_EQ(ui_.wfView->image().size(), pixels({640, 272}, scale));
     EXPECT_EQ(window_.centralWidget()->size(), QSize(640, 330));
+  }
+}
+
+/// A window with its spectrum below the bar.
+class MovedWindowWithSpectrum : public MovedWindow {
+ protected:
+  void SetUp() override {
+    MovedWindow::SetUp();
+    const std::vector<float> magnitudes(512, 0.5F);
+    ui_.fftView->setSize(magnitudes.size());
+    ui_.fftView->setData(magnitudes.data());
+    moveTo(1.0);
+    strip_ = std::make_unique<OVSpectrumStrip>(&window_, ui_.fftStrip);
+    setShown(true);
+  }
+
+  void setShown(bool shown) {
+    strip_->setShown(shown);
+    ASSERT_TRUE(runMainLoopUntil([&] { return !strip_->isMoving(); }));
+    ASSERT_TRUE(drainMainQueue());
+  }
+
+  std::unique_ptr<OVSpectrumStrip> strip_;
+};
+
+TEST_F(MovedWindowWithSpectrum, BetweenScreensTheStripKeepsItsHeightAndIsPaintedToTheLastPixel) {
+  for (const double scale : {2.0, 1.25, 1.5, 1.0, 2.0}) {
+    moveTo(scale);
+    EXPECT_EQ(window_.centralWidget()->size(), QSize(640, 330 + OVSpectrumStrip::kHeight)) << scale;
+    EXPECT_EQ(ui_.wfView->size(), QSize(640, 272)) << scale;
+    EXPECT_EQ(ui_.wfView->image().size(), pixels({640, 272}, scale)) << scale;
+    EXPECT_EQ(ui_.fftView->size(), QSize(640, OVSpectrumStrip::kHeight)) << scale;
+    const QImage shown = picture(ui_.fftView);
+    EXPECT_EQ(shown.size(), pixels({640, OVSpectrumStrip::kHeight}, scale));
+    const auto isSpectrum = [&](int x, int y) {
+      const QColor pixel = shown.pixelColor(x, y);
+      return pixel.blue() > 55 && pixel.blue() < 140 && pixel.red() < 60;
+    };
+    for (int x = 0; x < shown.width(); ++x) {
+      ASSERT_TRUE(isSpectrum(x, 0) && isSpectrum(x, shown.height() - 1)) << x << " at " << scale;
+    }
+    for (int y = 0; y < shown.height(); ++y) {
+      ASSERT_TRUE(isSpectrum(0, y) && isSpectrum(shown.width() - 1, y)) << y << " at " << scale;
+    }
+    // The curve of one value lies at nine tenths of it, whatever the scale.
+    const int curve = static_cast<int>((1.0 - 0.5 * 0.9) * OVSpectrumStrip::kHeight * scale);
+    int brightest = 0;
+    for (int y = curve - 2; y <= curve + 2; ++y) {
+      brightest = std::max(brightest, shown.pixelColor(shown.width() / 2, y).green());
+    }
+    EXPECT_GT(brightest, 80) << scale;
+  }
+}
+
+TEST_F(MovedWindowWithSpectrum, OnAnotherScreenHidingTakesTheStripAwayAndNothingElse) {
+  for (const double scale : {2.0, 1.5, 1.25, 1.0}) {
+    moveTo(scale);
+    setShown(false);
+    EXPECT_EQ(window_.centralWidget()->size(), QSize(640, 330)) << scale;
+    EXPECT_EQ(ui_.wfView->size(), QSize(640, 272)) << scale;
+    setShown(true);
+    EXPECT_EQ(window_.centralWidget()->size(), QSize(640, 330 + OVSpectrumStrip::kHeight)) << scale;
   }
 }
 

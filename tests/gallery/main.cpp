@@ -1,7 +1,7 @@
 // Leaves pictures of every view in every state, and of the whole window, in a folder.
 //
-//   orvo_gallery pictures FOLDER     everything at 1x and 2x, the windows also at 1.25x and 1.5x
-//   orvo_gallery references FOLDER   what the tests compare with: the pages alone, at 1x and 2x
+//   orvo_gallery pictures FOLDER     everything, at 1x, 1.25x, 1.5x and 2x
+//   orvo_gallery references FOLDER   what the tests compare with: the pages alone
 #include <cstdio>
 
 #include <QApplication>
@@ -27,7 +27,7 @@ bool save(QWidget& window, const QString& folder, const QString& name, double sc
 }
 
 bool savePages(const QString& folder) {
-  for (const double scale : {1.0, 2.0}) {
+  for (const double scale : kScaleFactors) {
     for (const auto& page : makeGalleryPages()) {
       if (!showOnScreenOfScale(*page, scale) || !save(*page, folder, page->name(), scale)) {
         return false;

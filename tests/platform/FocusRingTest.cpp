@@ -43,6 +43,25 @@ TEST(FocusRing, OutlastsAWindowInFrontAndAMenu) {
   }
 }
 
+TEST(FocusRing, ShowsAgainWhenTheProgramGivesBackTheKeyboardThatItTook) {
+  platform::FocusRing ring;
+  ASSERT_TRUE(handle(ring, QEvent::FocusIn, Qt::TabFocusReason));
+  EXPECT_TRUE(handle(ring, QEvent::FocusOut, Qt::OtherFocusReason));
+  EXPECT_FALSE(ring.isShown());
+  EXPECT_TRUE(handle(ring, QEvent::FocusIn, Qt::OtherFocusReason));
+  EXPECT_TRUE(ring.isShown());
+}
+
+TEST(FocusRing, DoesNotShowAgainWhenSomethingElseHappenedInBetween) {
+  platform::FocusRing ring;
+  ASSERT_TRUE(handle(ring, QEvent::FocusIn, Qt::TabFocusReason));
+  ASSERT_TRUE(handle(ring, QEvent::FocusOut, Qt::OtherFocusReason));
+  EXPECT_FALSE(handle(ring, QEvent::FocusIn, Qt::MouseFocusReason));
+  EXPECT_FALSE(handle(ring, QEvent::FocusOut, Qt::OtherFocusReason));
+  EXPECT_FALSE(handle(ring, QEvent::FocusIn, Qt::OtherFocusReason));
+  EXPECT_FALSE(ring.isShown());
+}
+
 TEST(FocusRing, IsTwoPointsWideAlongTheInsideAndNothingWhileItIsNotShown) {
   for (const int ratio : {1, 2}) {
     platform::FocusRing ring;

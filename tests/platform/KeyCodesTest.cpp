@@ -51,6 +51,11 @@ TEST(KeyCodes, AReleaseKeepsItsCodeWhateverWasHeldMeanwhile) {
   EXPECT_EQ(hardwareKeyCode(release(Qt::Key_Space, Qt::AltModifier)), 49);
 }
 
+TEST(KeyCodes, ThePlainCodeTakesNoNoticeOfModifiers) {
+  EXPECT_EQ(platform::plainKeyCode(press(Qt::Key_Space, Qt::ControlModifier)), 49);
+  EXPECT_EQ(platform::plainKeyCode(press(Qt::Key_S, Qt::ControlModifier)), 0xFFFF);
+}
+
 TEST(KeyCodes, ANonLatinLetterIsReadByItsPosition) {
   EXPECT_EQ(hardwareKeyCode(pressAtPosition(0x041A, 27)), 15);  // Cyrillic Ka, on the R key
   EXPECT_EQ(hardwareKeyCode(pressAtPosition(0x041A, 28)), 0xFFFF);

@@ -117,6 +117,12 @@ std::vector<AccessibilityBus::Node> AccessibilityBus::nodesOf(pid_t pid) const {
   return nodes;
 }
 
+std::vector<AccessibilityBus::Node> AccessibilityBus::nodesFrom(const Node& node) const {
+  std::vector<Node> nodes;
+  collect({node.bus, node.path}, nodes, kDeepest);
+  return nodes;
+}
+
 bool AccessibilityBus::hasState(const Node& node, int state) const {
   // Two words of 32 bits: "([uint32 1090519296, 0],)".
   const std::string answer = ask({node.bus, node.path}, std::string(kAccessible) + "GetState");

@@ -36,6 +36,9 @@ class AccessibilityBus {
   /// it is not on the bus.
   [[nodiscard]] std::vector<Node> nodesOf(pid_t pid) const;
 
+  /// A thing as it is now, and everything inside it.
+  [[nodiscard]] std::vector<Node> nodesFrom(const Node& node) const;
+
   /// Whether a thing is in the state of this number of the accessibility service (4 is checked).
   [[nodiscard]] bool hasState(const Node& node, int state) const;
 

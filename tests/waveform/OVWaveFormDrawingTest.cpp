@@ -38,15 +38,13 @@ class WaveFormDrawing : public testing::TestWithParam<int> {
       OVWaveFormDrawing().drawWaveform(painter, size, elements, alpha);
     });
   }
-
-  OVWaveFormDrawing drawing_;
 };
 
 }  // namespace
 
 TEST_P(WaveFormDrawing, GradientRunsFromTheBottomColourToTheTopColour) {
   const QSize size(40, 272);
-  const QImage picture = draw(size, [&](QPainter& p) { drawing_.drawGradient(p, size); });
+  const QImage picture = draw(size, [&](QPainter& p) { OVWaveFormDrawing::drawGradient(p, size); });
   for (int row = 0; row < picture.height(); ++row) {
     const double height = 1.0 - (row + 0.5) / picture.height();
     for (const int x : {0, picture.width() - 1}) {
@@ -58,7 +56,8 @@ TEST_P(WaveFormDrawing, GradientRunsFromTheBottomColourToTheTopColour) {
 
 TEST_P(WaveFormDrawing, VerticalGridLinesFillWholePixelsEvery24Points) {
   const QSize size(100, 60);
-  const QImage picture = draw(size, [&](QPainter& p) { drawing_.drawGrid(p, size, 3.0); });
+  const QImage picture =
+      draw(size, [&](QPainter& p) { OVWaveFormDrawing::drawGrid(p, size, 3.0); });
   const int row = rowAt(picture, 30.5);
   for (int x = 0; x < picture.width(); ++x) {
     const bool onLine = (x / ratio()) % 24 == 3;
@@ -68,7 +67,8 @@ TEST_P(WaveFormDrawing, VerticalGridLinesFillWholePixelsEvery24Points) {
 
 TEST_P(WaveFormDrawing, HorizontalGridLinesEndHalfAPointLowerThanTheyBegin) {
   const QSize size(640, 60);
-  const QImage picture = draw(size, [&](QPainter& p) { drawing_.drawGrid(p, size, 20.0); });
+  const QImage picture =
+      draw(size, [&](QPainter& p) { OVWaveFormDrawing::drawGrid(p, size, 20.0); });
   for (const double line : {12.0, 36.0}) {
     const auto center = [&](int column) {
       double weight = 0.0;
@@ -92,7 +92,8 @@ TEST_P(WaveFormDrawing, HorizontalGridLinesEndHalfAPointLowerThanTheyBegin) {
 TEST_P(WaveFormDrawing, TheTopmostHorizontalLineLiesBelowTheTopEdge) {
   // 24 points: one line only, at 12; a further one would begin at y = 24, which is no longer < 24.
   const QSize size(30, 24);
-  const QImage picture = draw(size, [&](QPainter& p) { drawing_.drawGrid(p, size, 20.0); });
+  const QImage picture =
+      draw(size, [&](QPainter& p) { OVWaveFormDrawing::drawGrid(p, size, 20.0); });
   EXPECT_EQ(picture.pixelColor(5, 0), kPaper);
   EXPECT_LE(colorDistance(picture.pixelColor(5, rowAt(picture, 12.25)), kGrid), 20);
 }
@@ -173,7 +174,8 @@ TEST_P(WaveFormDrawing, ElementsThatAreNoNumbersOrBeyondAllBoundsDoNoHarm) {
 
 TEST_P(WaveFormDrawing, TimescaleTicksStandOnTheBottomEdge) {
   const QSize size(200, 40);
-  const QImage picture = draw(size, [&](QPainter& p) { drawing_.drawTimescale(p, size); });
+  const QImage picture =
+      draw(size, [&](QPainter& p) { OVWaveFormDrawing::drawTimescale(p, size); });
   const QColor tick = blended(kPaper, Qt::white, 0.6);
   const auto heightAt = [&](int x) {
     int rows = 0;
@@ -224,7 +226,8 @@ TEST_P(WaveFormDrawing, UprightGridLinesAreTheSameToTheBitAsWhenStroked) {
         painter.drawLine(QLineF(x, 0.0, x, size.height()));
       }
     });
-    ASSERT_EQ(draw(size, [&](QPainter& p) { drawing_.drawGrid(p, size, offset); }), stroked);
+    ASSERT_EQ(draw(size, [&](QPainter& p) { OVWaveFormDrawing::drawGrid(p, size, offset); }),
+              stroked);
   }
 }
 
@@ -295,8 +298,8 @@ TEST(WaveFormPicture, IsTheSameToTheBitAsDrawnFromScratchWhateverWasDrawnBefore)
     });
     const QImage afresh = drawnPicture(size, ratio, Qt::black, [&](QPainter& painter) {
       OVWaveFormDrawing drawing;
-      drawing.drawGradient(painter, size);
-      drawing.drawGrid(painter, size, offset);
+      OVWaveFormDrawing::drawGradient(painter, size);
+      OVWaveFormDrawing::drawGrid(painter, size, offset);
       drawing.drawWaveform(painter, size, elements, 1.0);
     });
     ASSERT_EQ(picture, afresh) << "step " << step;

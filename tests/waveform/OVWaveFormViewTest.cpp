@@ -83,11 +83,10 @@ class WaveFormView : public testing::Test {
   }
 
   [[nodiscard]] QImage pictureWithoutWaveform() {
-    OVWaveFormDrawing drawing;
     const QSize size = view_.size();
     return drawnPicture(size, 1.0, Qt::black, [&](QPainter& painter) {
-      drawing.drawGradient(painter, size);
-      drawing.drawGrid(painter, size, view_.bg_scroll_x());
+      OVWaveFormDrawing::drawGradient(painter, size);
+      OVWaveFormDrawing::drawGrid(painter, size, view_.bg_scroll_x());
     });
   }
 
