@@ -62,6 +62,7 @@ void OVDocumentSummaries::keep() {
   prevWaveform_ = waveForm_->copy();
   prevIsStale_ = false;
   keptInARefresh_ = isRefreshing_;
+  keptLength_ = buffer_->bufferSizeInFrames();
   if (waveForm_->readerPos() > buffer_->bufferSizeInFrames()) {
     // The undo of an undo may leave it ahead of the audio: what comes now would not get in.
     waveForm_->setShouldRegenerateWaveform(true);
@@ -159,7 +160,8 @@ void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFram
                           : nullptr;
              },
              .mayMissChunks = unfinished,
-             .holdsNewAudio = unfinished});
+             // Also when the recording went past the end before it was moved back.
+             .holdsNewAudio = unfinished || size > keptLength_});
   }
 }
 
@@ -187,7 +189,7 @@ void OVDocumentSummaries::install(const Replacement& replacement,
   setWaveForm(summary);
   putIntoView();
   prevWaveform_ = copy;
-  prevIsStale_ = replacement.holdsNewAudio;
+  prevIsStale_ = prevIsStale_ || replacement.holdsNewAudio;
   extensionQueued_ = std::make_shared<std::atomic<bool>>(false);
   if (replacement.mayMissChunks) {
     summary->setShouldRegenerateWaveform(true);

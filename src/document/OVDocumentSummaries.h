@@ -119,9 +119,10 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   QPointer<OVWaveFormView> view_;
   std::shared_ptr<OVAudioBufferInterface> buffer_;
   std::shared_ptr<OVWaveformSummary> prevWaveform_;
-  bool prevIsStale_ = false;     // the kept one does not describe the audio that comes with it
-  bool leavingIsStale_ = false;  // the same of the one that is going to be exchanged for it
-  bool keptInARefresh_ = false;  // the last undoable step began before a refresh had ended
+  bool prevIsStale_ = false;      // the kept one does not describe the audio that comes with it
+  bool leavingIsStale_ = false;   // the same of the one that is going to be exchanged for it
+  bool keptInARefresh_ = false;   // the last undoable step began before a refresh had ended
+  std::uint64_t keptLength_ = 0;  // of the audio when that step began, in frames
   bool isRefreshing_ = false;
   bool waveformIsChanging_ = false;
   // One extension in line is enough, for each summary and epoch. The flag is set on the main thread

@@ -1,7 +1,9 @@
 #include "document/OVSummaryWork.h"
 
 #include <algorithm>
+#include <new>
 
+#include "platform/ApplicationServices.h"
 #include "waveform/OVWaveformSummary.h"
 
 std::uint64_t OVSummaryWork::epoch() const {
@@ -22,7 +24,14 @@ bool OVSummaryWork::generate(OVWaveformSummary& summary, std::uint64_t epoch) {
   if (!begin(summary, epoch)) {
     return false;
   }
-  summary.generate(&cancelled_);
+  try {
+    summary.generate(&cancelled_);
+  } catch (const std::bad_alloc&) {
+    ConsoleLog("no memory to draw the waveform");
+    summary.setShouldRegenerateWaveform(true);
+    static_cast<void>(end(summary, epoch));
+    return false;
+  }
   return end(summary, epoch);
 }
 

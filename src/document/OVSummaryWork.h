@@ -27,7 +27,8 @@ class OVSummaryWork {
   [[nodiscard]] const std::atomic<bool>& cancelled() const { return cancelled_; }
 
   /// Runs the summary's generate() unless `epoch` is over. True if it was not over at the end
-  /// either: the summary is one of the present audio.
+  /// either: the summary is one of the present audio. False also when there was no memory for it;
+  /// the summary then asks to be made again.
   [[nodiscard]] bool generate(OVWaveformSummary& summary, std::uint64_t epoch);
 
   /// A generation of this summary is under way, whatever its epoch.

@@ -432,8 +432,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   QPointer<OVFFTView> fftView_;
   QPointer<OVLoadingPanel> loadingPanel_;
   QPointer<QProgressBar> loadingIndicator_;
-  double indicatorValue_ = 0.0;      // of the progress bar, finer than it shows
-  bool indicatorIsFileIOs_ = false;  // a load or save shows it, so a refresh leaves it alone
+  double indicatorValue_ = 0.0;  // of the progress bar, finer than it shows
   std::string currentFilename_;
   std::int32_t currentFiletype_ = -1;
   std::unique_ptr<platform::Timer> pollTimer_;

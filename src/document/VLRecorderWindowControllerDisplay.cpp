@@ -95,7 +95,9 @@ void VLRecorderWindowController::updatePlayback() {
 }
 
 void VLRecorderWindowController::updateRecording() {
-  summaries_->follow(recordingPosition(), _lastNumberOfFramesWritten);
+  if (writtenSincePress_) {  // before that, Record may still be taken back as if never pressed
+    summaries_->follow(recordingPosition(), _lastNumberOfFramesWritten);
+  }
   if (playbackMarkerView_) {
     playbackMarkerView_->setIsRecordingMarker(true);
   }

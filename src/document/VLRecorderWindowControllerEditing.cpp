@@ -118,8 +118,10 @@ void VLRecorderWindowController::runHistoryCommand(void (platform::UndoManager::
 // Refresh ---------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::refreshCompleteUI(bool regenerate) {
-  recreateIndicator(true, platform::textKey("Drawing the waveform"));
-  showIndicator(true);
+  if (!isFileIOActive_) {  // a file operation shows its own progress
+    recreateIndicator(true, platform::textKey("Drawing the waveform"));
+    showIndicator(true);
+  }
   summaries_->refresh(regenerate);
 }
 
@@ -134,7 +136,7 @@ void VLRecorderWindowController::finishRefresh() {
   if (pollTimer_) {
     updatePlaybackMarkerView();
   }
-  if (!indicatorIsFileIOs_) {
+  if (!isFileIOActive_) {
     setIndicatorValue(0.0);
     showIndicator(false);
   }

@@ -305,14 +305,12 @@ void VLRecorderWindowController::beginFileIO(platform::TextKey activity, bool in
   setFileIOActive(true);
   focusKeeper_.takeFrom(window_, transportControls());
   setTransportEnabled(false);
-  indicatorIsFileIOs_ = true;
   recreateIndicator(indeterminate, activity);
   showIndicator(true);
 }
 
 void VLRecorderWindowController::endFileIO() {
   setFileIOActive(false);
-  indicatorIsFileIOs_ = false;
   setIndicatorValue(0.0);
   showIndicator(false);
   if (summaries_->isRefreshing()) {

@@ -175,6 +175,7 @@ void VLRecorderWindowController::savingEnded(const SavingRequest& request,
     last_saved_file_path_ = request.job.path;
     if (!request.isExport) {
       takeFileName(request);
+      prevSaveState_ = true;  // what undo or redo brings back differs from the file
     }
   }
   if (outcome.complete && outcome.unreadableFrames == 0) {

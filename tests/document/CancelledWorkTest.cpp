@@ -96,6 +96,7 @@ TEST_F(CancelledWorkTest, WhileARecordingGetsAGrowingSummaryAgainTheStretchBeing
   const std::uint64_t readsBefore = files_.reads();
   files_.beforeReads([this] { gate_.pass(); });
   pressRecord();
+  ASSERT_TRUE(capture(0.25F));
   document_->updatePlaybackMarkerView();
   ASSERT_TRUE(gate_.awaitArrival());
   closeAndOpenTheGate();

@@ -327,6 +327,54 @@ TEST_F(OVDocumentSummariesTest, UndoOfARecordingFromTheMiddleToTheVeryEndShowsTh
   EXPECT_EQ(elements(), before);
 }
 
+// A recording that goes past the end and is then moved back -------------------------------------
+
+TEST_F(OVDocumentSummariesTest, UndoOfARecordingAtTheEndThatWasMovedBackShowsTheOldAudioAgain) {
+  openWindow();
+  recordNoise(4, 1);
+  document_->nextButton(nullptr);
+  pressRecord();
+  const auto recordOn = [this](std::uint32_t seed) {
+    ASSERT_TRUE(captureNoise(seed));
+    document_->updatePlaybackMarkerView();
+    ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
+  };
+  recordOn(11);
+  recordOn(12);
+  document_->prevButton(nullptr);
+  recordOn(13);
+  ASSERT_TRUE(summaryIsStatic());
+  document_->pauseButton(nullptr);
+  settle();
+  document_->undoCommand();
+  settle();
+  EXPECT_EQ(length(), 4u * kChunkFrames);
+  EXPECT_EQ(elements(), elementsMadeAnew());
+}
+
+TEST_F(OVDocumentSummariesTest, UndoOfARecordingPastTheEndThatWasMovedBackShowsTheOldAudioAgain) {
+  openWindow();
+  recordNoise(2, 1);
+  document_->prevButton(nullptr);
+  pressRecord();
+  for (const std::uint32_t seed : {11U, 12U, 13U, 14U}) {
+    ASSERT_TRUE(captureNoise(seed));
+    document_->updatePlaybackMarkerView();
+    ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
+  }
+  ASSERT_FALSE(summaryIsStatic());
+  document_->prevButton(nullptr);
+  ASSERT_TRUE(captureNoise(15));
+  document_->updatePlaybackMarkerView();
+  ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
+  document_->pauseButton(nullptr);
+  settle();
+  document_->undoCommand();
+  settle();
+  EXPECT_EQ(length(), 2u * kChunkFrames);
+  EXPECT_EQ(elements(), elementsMadeAnew());
+}
+
 TEST_F(OVDocumentSummariesTest, UndoRedoUndoShowsTheWaveformBeforeTheLastActionAndNewAudioAnother) {
   openWindow();
   recordNoise(2, 1);

@@ -1,6 +1,7 @@
 #include "document/OVSummaryWork.h"
 
 #include <memory>
+#include <new>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -28,6 +29,28 @@ TEST_F(OVSummaryWorkTest, OneOfAnEarlierEpochNeverBegins) {
   audio_->beforeRead = [&reads](std::uint64_t) { ++reads; };
   EXPECT_FALSE(work_.generate(*summary_, epoch));
   EXPECT_EQ(reads, 0);
+}
+
+TEST_F(OVSummaryWorkTest, OneWithoutMemoryEndsAndIsAskedForAgain) {
+  audio_->beforeRead = [](std::uint64_t) { throw std::bad_alloc(); };
+  EXPECT_FALSE(work_.generate(*summary_, work_.epoch()));
+  EXPECT_FALSE(work_.isGenerating(*summary_));
+  EXPECT_TRUE(summary_->isRegenerating());
+  audio_->beforeRead = nullptr;
+  EXPECT_TRUE(work_.generate(*summary_, work_.epoch()));
+  EXPECT_FALSE(summary_->isRegenerating());
+}
+
+TEST_F(OVSummaryWorkTest, OneThatIsCancelledYieldsNothingAndNoneFollows) {
+  ReadGate gate(*audio_);
+  bool useful = true;
+  std::thread other([&] { useful = work_.generate(*summary_, work_.epoch()); });
+  EXPECT_TRUE(gate.waitUntilReached());
+  work_.cancel();
+  gate.open();
+  other.join();
+  EXPECT_FALSE(useful);
+  EXPECT_FALSE(work_.generate(*summary_, work_.epoch()));
 }
 
 TEST_F(OVSummaryWorkTest, OneThatAnEpochEndsUnderIsSeenAndYieldsNothingOfUse) {

@@ -242,6 +242,20 @@ TEST_F(SavingTest, WhatStorageDoesNotGiveBackIsSilentInPlaceAndTold) {
   EXPECT_TRUE(document_->isDocumentEdited());
 }
 
+TEST_F(SavingTest, UndoAfterASaveWithGapsDiffersFromTheFile) {
+  openWindow();
+  fill(ramp(1000));
+  fill(ramp(1000), 1500);
+  document_->setPlaybackPosition(2400);
+  document_->removeAfterMarker(nullptr);
+  settle();
+  saveTo(at("take.wav"));
+  ASSERT_EQ(services_->alerts().size(), 1U);
+  document_->undoCommand();
+  settle();
+  EXPECT_TRUE(document_->isDocumentEdited());
+}
+
 TEST_F(SavingTest, AFileThatIsThereIsNotReplacedByOneWithGaps) {
   openWindow();
   fill(ramp(1000));

@@ -343,6 +343,21 @@ TEST_F(TransportTest, RollingALateFailureBackLeavesEarlierAudioMarkerAndEditedFl
   EXPECT_EQ(blocks->waypointPos(), 1u) << "the one of the recording before";
 }
 
+TEST_F(TransportTest, RollingALateFailureBackInTheMiddleLeavesTheSummaryAsItWas) {
+  openWindow();
+  recordChunks(3);
+  document_->prevButton(nullptr);
+  const auto summary = document_->waveForm();
+  pressRecord();
+  document_->updatePlaybackMarkerView();
+  settle();
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  queues_.input().failLate(platform::kDeviceLostStatus);
+  ASSERT_TRUE(runMainLoopUntil([&] { return document_->recorder() == nullptr; }));
+  settle();
+  EXPECT_EQ(document_->waveForm(), summary);
+}
+
 TEST_F(TransportTest, ADeviceThatVanishesWhileNothingIsRecordedTakesTheRecorderWithIt) {
   openWindow();
   queues_.input().failLate(platform::kDeviceLostStatus);
