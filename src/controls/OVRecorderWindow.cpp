@@ -96,7 +96,7 @@ std::uint16_t OVRecorderWindow::codeOfPress(const QKeyEvent& event) {
     return keysDown_.count(code) > 0 ? code : platform::kKeyCodeUnmapped;
   }
   if (code == platform::kKeyCodeUnmapped) {
-    keysDown_.erase(platform::plainKeyCode(event));
+    cancelKey(platform::plainKeyCode(event));  // its release was lost
   } else {
     keysDown_.insert(code);
   }
@@ -106,6 +106,13 @@ std::uint16_t OVRecorderWindow::codeOfPress(const QKeyEvent& event) {
 std::uint16_t OVRecorderWindow::codeOfRelease(const QKeyEvent& event) {
   const std::uint16_t code = platform::hardwareKeyCode(event);
   return keysDown_.erase(code) > 0 ? code : platform::kKeyCodeUnmapped;
+}
+
+void OVRecorderWindow::cancelKey(std::uint16_t code) {
+  const bool wasDown = keysDown_.erase(code) > 0;
+  if (const auto delegate = delegate_.lock(); delegate != nullptr && wasDown) {
+    delegate->windowDidCancelKey(this, code);
+  }
 }
 
 void OVRecorderWindow::keyPressEvent(QKeyEvent* event) {
@@ -130,7 +137,9 @@ void OVRecorderWindow::keyReleaseEvent(QKeyEvent* event) {
 
 bool OVRecorderWindow::event(QEvent* event) {
   if (event->type() == QEvent::WindowDeactivate) {
-    keysDown_.clear();  // whatever comes up now comes up elsewhere
+    while (!keysDown_.empty()) {
+      cancelKey(*keysDown_.begin());  // whatever comes up now comes up elsewhere
+    }
   }
   return QMainWindow::event(event);
 }

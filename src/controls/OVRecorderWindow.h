@@ -16,9 +16,10 @@ class OVRecorderWindowDelegate;
 ///
 /// Shortcuts of menus come first: a key that triggers one never reaches the delegate as key-down.
 /// A transport key reaches it as key-up only after its key-down: where the press was a command's, a
-/// menu's or another window's, its repetitions and its release are handed on as unmapped.
-/// The views inside take the keyboard by Tab alone and pass plain keys on, so that R, Return and
-/// Space are always the window's.
+/// menu's or another window's, its repetitions and its release are handed on as unmapped. A key
+/// that is down when the window loses the keyboard is cancelled instead. The views inside take the
+/// keyboard by Tab alone and pass plain keys on, so that R, Return and Space are always the
+/// window's.
 ///
 /// Threads: main. Real-time: not safe.
 class OVRecorderWindow : public QMainWindow {
@@ -63,6 +64,7 @@ class OVRecorderWindow : public QMainWindow {
  private:
   [[nodiscard]] std::uint16_t codeOfPress(const QKeyEvent& event);
   [[nodiscard]] std::uint16_t codeOfRelease(const QKeyEvent& event);
+  void cancelKey(std::uint16_t code);
 
   std::weak_ptr<OVRecorderWindowDelegate> delegate_;
   std::set<std::uint16_t> keysDown_;  // transport keys that the delegate knows to be down

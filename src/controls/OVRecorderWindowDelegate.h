@@ -18,6 +18,11 @@ class OVRecorderWindowDelegate {
   /// The key came up again: once for each physical release.
   virtual void windowDidReceiveKeyUp(OVRecorderWindow* window, std::uint16_t keyCode) = 0;
 
+  /// A transport key that went down will not be reported as coming up: the window lost the
+  /// keyboard, or the key was pressed again as a command's. What its key-down showed is to be taken
+  /// back, without the command of its key-up. Once for each such key.
+  virtual void windowDidCancelKey(OVRecorderWindow* window, std::uint16_t keyCode) = 0;
+
   /// Asked each time the window is about to close; false keeps it open.
   [[nodiscard]] virtual bool windowShouldClose(OVRecorderWindow* window) = 0;
 

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -293,6 +294,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
                                 double timeLinePosition) override;
   void windowDidReceiveKeyDown(OVRecorderWindow* window, std::uint16_t keyCode) override;
   void windowDidReceiveKeyUp(OVRecorderWindow* window, std::uint16_t keyCode) override;
+  void windowDidCancelKey(OVRecorderWindow* window, std::uint16_t keyCode) override;
   bool windowShouldClose(OVRecorderWindow* window) override;
   void windowWillClose(OVRecorderWindow* window) override;
 
@@ -321,8 +323,10 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void endRecording();
   void restTransportButtons();
   void replaceRecorder();
-  void pressKey(OVTransportButton* button, bool toggles);
-  bool releaseKey(OVTransportButton* button, bool toggles);
+  void pressKey(std::uint16_t keyCode, OVTransportButton* button, bool toggles);
+  bool releaseKey(std::uint16_t keyCode, OVTransportButton* button, bool toggles);
+  void takeBackKey(std::uint16_t keyCode);
+  static void takeBackPress(OVTransportButton* button, bool isOn = false);
   [[nodiscard]] bool isRecording() const;
   [[nodiscard]] bool isPlaying() const;
   void inputFailed(const std::weak_ptr<OVAQRecorder>& recorder);
@@ -432,7 +436,12 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   QPointer<OVFFTView> fftView_;
   QPointer<OVLoadingPanel> loadingPanel_;
   QPointer<QProgressBar> loadingIndicator_;
-  double indicatorValue_ = 0.0;  // of the progress bar, finer than it shows
+  struct KeyPress {
+    QPointer<OVTransportButton> button;
+    bool wasOn = false;  // what the button shows again if the key is cancelled
+  };
+  std::map<std::uint16_t, KeyPress> keyPresses_;  // by key: what its key-down highlighted
+  double indicatorValue_ = 0.0;                   // of the progress bar, finer than it shows
   std::string currentFilename_;
   std::int32_t currentFiletype_ = -1;
   std::unique_ptr<platform::Timer> pollTimer_;

@@ -335,8 +335,12 @@ std::array<QWidget*, 7> VLRecorderWindowController::transportControls() const {
 
 void VLRecorderWindowController::setTransportEnabled(bool enabled) {
   for (QWidget* const control : transportControls()) {
-    if (control != nullptr) {
-      control->setEnabled(enabled);
+    if (control == nullptr) {
+      continue;
     }
+    if (!enabled) {
+      takeBackPress(qobject_cast<OVTransportButton*>(control));
+    }
+    control->setEnabled(enabled);
   }
 }

@@ -62,6 +62,7 @@ void VLRecorderWindowController::recPressed() {
     return;
   }
   bringRecordingPositionInside();
+  takeBackPress(playButton_);
   setEnabled(playButton_, false);
   buffer_->setWaypoint();
   keepHistory();
@@ -89,6 +90,7 @@ void VLRecorderWindowController::playPressed() {
     return;
   }
   const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a command
+  takeBackPress(recButton_);
   setEnabled(recButton_, false);
   readError_ = 0;
   if (!player_) {
@@ -146,6 +148,9 @@ void VLRecorderWindowController::restTransportButtons() {
   for (OVTransportButton* const button : {recButton_.data(), playButton_.data()}) {
     setEnabled(button, true);
     setOn(button, false);
+  }
+  for (auto& [keyCode, press] : keyPresses_) {
+    press.wasOn = false;
   }
   setEnabled(prevButton_, true);
   setEnabled(nextButton_, true);
@@ -255,37 +260,44 @@ bool VLRecorderWindowController::validateMenuItem(MenuAction action) const {
 
 void VLRecorderWindowController::windowDidReceiveKeyDown(OVRecorderWindow*, std::uint16_t keyCode) {
   if (keyCode == kKeyR) {
-    pressKey(recButton_, true);
+    pressKey(keyCode, recButton_, true);
   } else if (keyCode == kKeyReturn) {
-    pressKey(prevButton_, false);
+    pressKey(keyCode, prevButton_, false);
   } else if (keyCode == kKeySpace) {
-    pressKey(enabled(recButton_) && isRecording() ? recButton_ : playButton_, true);
+    pressKey(keyCode, enabled(recButton_) && isRecording() ? recButton_ : playButton_, true);
   }
 }
 
 void VLRecorderWindowController::windowDidReceiveKeyUp(OVRecorderWindow*, std::uint16_t keyCode) {
   if (keyCode == kKeyR) {
-    if (releaseKey(recButton_, true)) {
+    if (releaseKey(keyCode, recButton_, true)) {
       recMenu(recButton_);
     }
   } else if (keyCode == kKeyReturn) {
-    if (releaseKey(prevButton_, false)) {
+    if (releaseKey(keyCode, prevButton_, false)) {
       prevMenu(prevButton_);
     }
   } else if (keyCode == kKeySpace) {
     if (enabled(recButton_) && isRecording()) {
-      releaseKey(recButton_, true);
+      releaseKey(keyCode, recButton_, true);
       recMenu(recButton_);
-    } else if (releaseKey(playButton_, true)) {
+    } else if (releaseKey(keyCode, playButton_, true)) {
       playMenu(playButton_);
     }
   }
 }
 
-void VLRecorderWindowController::pressKey(OVTransportButton* button, bool toggles) {
+void VLRecorderWindowController::windowDidCancelKey(OVRecorderWindow*, std::uint16_t keyCode) {
+  takeBackKey(keyCode);
+}
+
+void VLRecorderWindowController::pressKey(std::uint16_t keyCode, OVTransportButton* button,
+                                          bool toggles) {
   if (!enabled(button) || button->isHighlighted()) {
     return;
   }
+  takeBackKey(keyCode);  // a held Space becomes Play's when the recording ends by itself
+  keyPresses_[keyCode] = {button, button->isOn()};
   if (toggles) {
     button->setIsOn(!button->isOn());
   }
@@ -293,14 +305,33 @@ void VLRecorderWindowController::pressKey(OVTransportButton* button, bool toggle
   setViewNeedsDisplay(QPointer<OVTransportButton>(button));
 }
 
-bool VLRecorderWindowController::releaseKey(OVTransportButton* button, bool toggles) {
-  if (!enabled(button) || !button->isHighlighted()) {
-    return false;
+bool VLRecorderWindowController::releaseKey(std::uint16_t keyCode, OVTransportButton* button,
+                                            bool toggles) {
+  const bool released = enabled(button) && button->isHighlighted();
+  if (released) {
+    if (toggles) {
+      button->setIsOn(!button->isOn());
+    }
+    button->setIsHighlighted(false);
+    setViewNeedsDisplay(QPointer<OVTransportButton>(button));
   }
-  if (toggles) {
-    button->setIsOn(!button->isOn());
+  takeBackKey(keyCode);  // where it went down on another button, or this one is disabled
+  return released;
+}
+
+// Without the key's command; nothing is left to do where its button was released.
+void VLRecorderWindowController::takeBackKey(std::uint16_t keyCode) {
+  if (const auto press = keyPresses_.extract(keyCode)) {
+    takeBackPress(press.mapped().button, press.mapped().wasOn);
   }
+}
+
+// A button that is to be disabled would not see the release, of a key as little as of the mouse.
+void VLRecorderWindowController::takeBackPress(OVTransportButton* button, bool isOn) {
+  if (button == nullptr || !button->isHighlighted()) {
+    return;
+  }
+  button->setIsOn(isOn);
   button->setIsHighlighted(false);
   setViewNeedsDisplay(QPointer<OVTransportButton>(button));
-  return true;
 }

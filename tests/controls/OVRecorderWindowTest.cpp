@@ -17,7 +17,7 @@
 
 namespace {
 
-using Keys = std::vector<std::pair<char, int>>;  // 'd' or 'u', and the code
+using Keys = std::vector<std::pair<char, int>>;  // 'd', 'u' or 'c' for cancelled, and the code
 
 class Delegate : public OVRecorderWindowDelegate {
  public:
@@ -26,6 +26,9 @@ class Delegate : public OVRecorderWindowDelegate {
   }
   void windowDidReceiveKeyUp(OVRecorderWindow* /*window*/, std::uint16_t keyCode) override {
     keys.emplace_back('u', keyCode);
+  }
+  void windowDidCancelKey(OVRecorderWindow* /*window*/, std::uint16_t keyCode) override {
+    keys.emplace_back('c', keyCode);
   }
   bool windowShouldClose(OVRecorderWindow* window) override {
     ++asked;
@@ -67,6 +70,11 @@ class RecorderWindow : public testing::Test {
             Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     QKeyEvent event(type, key, modifiers, QString(), autoRepeat);
     QCoreApplication::sendEvent(window_->windowHandle(), &event);
+  }
+
+  void loseTheKeyboard() {
+    QEvent deactivate(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(window_, &deactivate);
   }
 
   static void deleteWhatIsDue() {
@@ -163,10 +171,42 @@ TEST_F(RecorderWindow, AKeyThatWentDownPlainComesUpUnderAModifierToo) {
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'d', 0xFFFF}, {'u', 49}}));
 }
 
-TEST_F(RecorderWindow, APlainPressIsForgottenWhenItsReleaseWentElsewhere) {
+TEST_F(RecorderWindow, APlainPressIsCancelledWhenTheWindowLosesTheKeyboard) {
   send(QEvent::KeyPress, Qt::Key_Space);
-  QEvent deactivate(QEvent::WindowDeactivate);
-  QCoreApplication::sendEvent(window_, &deactivate);
+  loseTheKeyboard();
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'c', 49}}));
+  send(QEvent::KeyRelease, Qt::Key_Space);
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'c', 49}, {'u', 0xFFFF}}));
+}
+
+TEST_F(RecorderWindow, EveryKeyThatIsDownIsCancelledOnceAndNoOther) {
+  send(QEvent::KeyPress, Qt::Key_Return);
+  send(QEvent::KeyRelease, Qt::Key_Return);
+  send(QEvent::KeyPress, Qt::Key_R);
+  send(QEvent::KeyPress, Qt::Key_X);
+  send(QEvent::KeyPress, Qt::Key_Space);
+  delegate_->keys.clear();
+  loseTheKeyboard();
+  loseTheKeyboard();
+  EXPECT_THAT(delegate_->keys,
+              testing::UnorderedElementsAre(std::pair('c', 15), std::pair('c', 49)));
+}
+
+TEST_F(RecorderWindow, ACancelledKeyThatIsStillHeldRepeatsAsUnmapped) {
+  send(QEvent::KeyPress, Qt::Key_Space);
+  loseTheKeyboard();
+  delegate_->keys.clear();
+  send(QEvent::KeyRelease, Qt::Key_Space, true);
+  send(QEvent::KeyPress, Qt::Key_Space, true);
+  send(QEvent::KeyRelease, Qt::Key_Space);
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'u', 0xFFFF}}));
+}
+
+TEST_F(RecorderWindow, LosingTheKeyboardWithoutADelegateForgetsTheKey) {
+  send(QEvent::KeyPress, Qt::Key_Space);
+  window_->setDelegate({});
+  loseTheKeyboard();
+  window_->setDelegate(delegate_);
   send(QEvent::KeyRelease, Qt::Key_Space);
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'u', 0xFFFF}}));
 }
@@ -175,7 +215,7 @@ TEST_F(RecorderWindow, ACommandTakesThePlaceOfAPlainPressWhoseReleaseWasLost) {
   send(QEvent::KeyPress, Qt::Key_Space);
   send(QEvent::KeyPress, Qt::Key_Space, false, Qt::ControlModifier);
   send(QEvent::KeyRelease, Qt::Key_Space);
-  EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'d', 0xFFFF}, {'u', 0xFFFF}}));
+  EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'c', 49}, {'d', 0xFFFF}, {'u', 0xFFFF}}));
 }
 
 TEST_F(RecorderWindow, TwoKeysHeldTogetherEachComeUp) {

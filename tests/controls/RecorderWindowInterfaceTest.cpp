@@ -191,6 +191,7 @@ TEST_F(RecorderWindowInterface, TransportKeysReachTheWindowWhereverTheKeyboardIs
     void windowDidReceiveKeyUp(OVRecorderWindow*, std::uint16_t keyCode) override {
       keys.push_back(keyCode);
     }
+    void windowDidCancelKey(OVRecorderWindow*, std::uint16_t) override {}
     bool windowShouldClose(OVRecorderWindow*) override { return true; }
     void windowWillClose(OVRecorderWindow*) override {}
     std::vector<int> keys;
