@@ -20,8 +20,7 @@ TEST(MediaLibrary, HasTheVersionOfTheHeaders) {
   EXPECT_EQ(majorOf(mediaLibrary::util, "avutil_version"), LIBAVUTIL_VERSION_MAJOR);
   EXPECT_EQ(majorOf(mediaLibrary::codec, "avcodec_version"), LIBAVCODEC_VERSION_MAJOR);
   EXPECT_EQ(majorOf(mediaLibrary::format, "avformat_version"), LIBAVFORMAT_VERSION_MAJOR);
-  EXPECT_EQ(majorOf(mediaLibrary::resample, "swresample_version"),
-            LIBSWRESAMPLE_VERSION_MAJOR);
+  EXPECT_EQ(majorOf(mediaLibrary::resample, "swresample_version"), LIBSWRESAMPLE_VERSION_MAJOR);
 }
 
 TEST(MediaLibrary, FunctionsAreCalledUnderTheirOwnNames) {
