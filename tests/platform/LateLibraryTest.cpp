@@ -18,7 +18,7 @@ using testing::HasSubstr;
 
 TEST(LateLibrary, ThatIsMissingSaysSoOnceAndFailsEveryTime) {
   const support::InstalledRecordingServices services;
-  LateLibrary missing("orvo-there-is-none", 7);
+  static LateLibrary missing("orvo-there-is-none", 7);  // it never gives back what it has loaded
   EXPECT_FALSE(missing.load());
   EXPECT_FALSE(missing.load());
   EXPECT_THAT(services->consoleLines(), ElementsAre(HasSubstr("orvo-there-is-none")));
@@ -26,7 +26,8 @@ TEST(LateLibrary, ThatIsMissingSaysSoOnceAndFailsEveryTime) {
 
 TEST(LateLibrary, InAVersionThatIsNotThereCountsAsMissing) {
   const support::InstalledRecordingServices services;
-  LateLibrary later("m", 4711);  // no library that another test loads: the toolkit shares them
+  // Not a library that another test loads: the toolkit shares them.
+  static LateLibrary later("m", 4711);
   EXPECT_FALSE(later.load());
 }
 
