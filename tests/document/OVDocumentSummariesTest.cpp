@@ -61,13 +61,18 @@ class OVDocumentSummariesTest : public DocumentFileTest {
     return delivered;
   }
 
+  /// One chunk more of a recording, a tick of the display loop, and the summary that it asks for.
+  void recordOn(std::uint32_t seed) {
+    ASSERT_TRUE(captureNoise(seed));
+    document_->updatePlaybackMarkerView();
+    ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
+  }
+
   /// A recording of so many chunks, with a tick of the display loop after each.
   void recordNoise(int chunks, std::uint32_t seed) {
     pressRecord();
     for (int i = 0; i < chunks; ++i) {
-      ASSERT_TRUE(captureNoise(seed + static_cast<std::uint32_t>(i)));
-      document_->updatePlaybackMarkerView();
-      ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
+      recordOn(seed + static_cast<std::uint32_t>(i));
     }
     document_->pauseButton(nullptr);
     settle();
@@ -334,11 +339,6 @@ TEST_F(OVDocumentSummariesTest, UndoOfARecordingAtTheEndThatWasMovedBackShowsThe
   recordNoise(4, 1);
   document_->nextButton(nullptr);
   pressRecord();
-  const auto recordOn = [this](std::uint32_t seed) {
-    ASSERT_TRUE(captureNoise(seed));
-    document_->updatePlaybackMarkerView();
-    ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
-  };
   recordOn(11);
   recordOn(12);
   document_->prevButton(nullptr);
@@ -358,15 +358,11 @@ TEST_F(OVDocumentSummariesTest, UndoOfARecordingPastTheEndThatWasMovedBackShowsT
   document_->prevButton(nullptr);
   pressRecord();
   for (const std::uint32_t seed : {11U, 12U, 13U, 14U}) {
-    ASSERT_TRUE(captureNoise(seed));
-    document_->updatePlaybackMarkerView();
-    ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
+    recordOn(seed);
   }
   ASSERT_FALSE(summaryIsStatic());
   document_->prevButton(nullptr);
-  ASSERT_TRUE(captureNoise(15));
-  document_->updatePlaybackMarkerView();
-  ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
+  recordOn(15);
   document_->pauseButton(nullptr);
   settle();
   document_->undoCommand();
