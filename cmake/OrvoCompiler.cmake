@@ -32,7 +32,7 @@ if(ORVO_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
 endif()
 
 # Texts of interface files are looked up as all others are.
-set(CMAKE_AUTOUIC_OPTIONS -tr platform::localized --include platform/Localization.h)
+set(CMAKE_AUTOUIC_OPTIONS -tr platform::localized --include platform/mainloop/Localization.h)
 
 add_library(orvo_warnings INTERFACE)
 target_compile_options(orvo_warnings INTERFACE

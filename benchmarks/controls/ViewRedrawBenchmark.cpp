@@ -9,17 +9,17 @@
 #include <QPainter>
 
 #include "controls/OVDisplayWell.h"
-#include "controls/OVHoverButton.h"
 #include "controls/OVLoadingIndicator.h"
 #include "controls/OVOverlayView.h"
-#include "controls/OVRoundedTransportButton.h"
+#include "controls/buttons/OVHoverButton.h"
+#include "controls/buttons/OVRoundedTransportButton.h"
 #include "controls/OVTransportBackgroundView.h"
-#include "controls/OVTransportButton.h"
-#include "controls/OVTransportButtonCell.h"
+#include "controls/buttons/OVTransportButton.h"
+#include "controls/buttons/OVTransportButtonCell.h"
 #include "displays/OVAnalogVUView.h"
 #include "displays/OVCircularVUView.h"
 #include "displays/OVTimeView.h"
-#include "waveform/OVPlaybackMarkerView.h"
+#include "waveform/views/OVPlaybackMarkerView.h"
 
 namespace {
 

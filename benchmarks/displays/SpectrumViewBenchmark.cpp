@@ -10,7 +10,7 @@
 #include <QPainter>
 
 #include "displays/OVFFTDrawing.h"
-#include "platform/ViewDrawing.h"
+#include "platform/views/ViewDrawing.h"
 
 namespace {
 

@@ -20,14 +20,14 @@
 #include <QCoreApplication>
 
 #include "PeakMemory.h"
-#include "controls/OVTransportButton.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
-#include "platform/AudioQueue.h"
-#include "platform/DeviceAudioQueues.h"
-#include "platform/Dispatch.h"
-#include "platform/File.h"
-#include "platform/ScriptedAudioDevice.h"
+#include "platform/files/File.h"
+#include "platform/mainloop/MainQueue.h"
+#include "platform/sound/AudioQueue.h"
+#include "platform/sound/DeviceAudioQueues.h"
 #include "storage/FoldedTemporaryFiles.h"
+#include "support/fakes/ScriptedAudioDevice.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include "PeakMemory.h"
 #include "audio/OVAudioFileReader.h"
 #include "audio/SoundFiles.h"
-#include "document/OVLoadJob.h"
+#include "document/files/OVLoadJob.h"
 #include "storage/OVBlockBuffer.h"
 #include "waveform/OVDynamicWaveForm.h"
 

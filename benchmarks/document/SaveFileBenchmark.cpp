@@ -12,8 +12,8 @@
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
 #include "audio/SoundFiles.h"
-#include "document/OVLoadJob.h"
-#include "document/OVSaveJob.h"
+#include "document/files/OVLoadJob.h"
+#include "document/files/OVSaveJob.h"
 #include "storage/OVBlockBuffer.h"
 
 namespace {

@@ -4,8 +4,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include "document/OVSpectrumAnalyser.h"
-#include "platform/MediaFunctions.h"
+#include "document/spectrum/OVSpectrumAnalyser.h"
+#include "platform/media/MediaFunctions.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/File.h"
+#include "platform/files/File.h"
 
 namespace benchmarks {
 

@@ -12,7 +12,7 @@
 #include <random>
 #include <vector>
 
-#include "platform/File.h"
+#include "platform/files/File.h"
 #include "storage/FoldedTemporaryFiles.h"
 #include "waveform/OVDynamicWaveForm.h"
 

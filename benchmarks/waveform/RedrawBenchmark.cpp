@@ -9,8 +9,8 @@
 #include <QLineF>
 #include <QPainter>
 
-#include "platform/ViewDrawing.h"
-#include "waveform/OVWaveFormDrawing.h"
+#include "platform/views/ViewDrawing.h"
+#include "waveform/views/OVWaveFormDrawing.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <QMessageBox>
 #include <QWindow>
 
-#include "platform/Dispatch.h"
-#include "platform/Localization.h"
+#include "platform/mainloop/Localization.h"
+#include "platform/mainloop/MainQueue.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <string>
 
-#include "platform/ApplicationServices.h"
+#include "platform/base/ApplicationServices.h"
 
 /// The application's side of what the layers below ask for: modal alerts on the main thread, the
 /// diagnostics console, the registry of temporary files, the end of a quit that waits.

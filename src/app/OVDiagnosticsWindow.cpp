@@ -3,7 +3,7 @@
 #include <QFontDatabase>
 #include <QVBoxLayout>
 
-#include "platform/Localization.h"
+#include "platform/mainloop/Localization.h"
 
 OVDiagnosticsWindow::OVDiagnosticsWindow(QWidget* parent)
     : QWidget(parent, Qt::Window), console_(new QPlainTextEdit) {

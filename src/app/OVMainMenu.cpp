@@ -6,9 +6,9 @@
 #include <QMainWindow>
 #include <QMenuBar>
 
+#include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
-#include "document/OVFileKinds.h"
-#include "platform/Localization.h"
+#include "platform/mainloop/Localization.h"
 
 using platform::localized;
 using platform::TextKey;

@@ -10,7 +10,7 @@
 #include <QPointer>
 
 #include "document/VLRecorderWindowController.h"
-#include "platform/Localization.h"
+#include "platform/mainloop/Localization.h"
 
 /// The menus of one recorder window. Items of the document go to its controller and are enabled
 /// as it says; items of the application go to the commands given.

@@ -1,7 +1,7 @@
 #include "app/OVRecentFiles.h"
 
-#include "platform/Dispatch.h"
-#include "platform/RecentDocuments.h"
+#include "platform/desktop/RecentDocuments.h"
+#include "platform/mainloop/MainQueue.h"
 
 void OVRecentFiles::note(const std::string& path) {
   queue_.async([path] { platform::recentDocuments().noteNewRecentDocument(path); });

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/SerialQueue.h"
+#include "platform/base/SerialQueue.h"
 
 /// The recently opened files as the menu shows them: a copy of what the desktop's list says of
 /// Orvo, which is read and written on a queue of its own, so that no window waits for a disk.

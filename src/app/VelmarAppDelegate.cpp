@@ -10,14 +10,14 @@
 #include <QUrl>
 
 #include "app/OVDiagnosticsWindow.h"
+#include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
-#include "document/OVFileKinds.h"
 #include "document/VLRecorderWindowController.h"
-#include "platform/AbsolutePath.h"
-#include "platform/ApplicationServices.h"
-#include "platform/DesktopServices.h"
-#include "platform/Localization.h"
-#include "platform/Panels.h"
+#include "platform/base/ApplicationServices.h"
+#include "platform/desktop/DesktopServices.h"
+#include "platform/desktop/FileDialogs.h"
+#include "platform/files/AbsolutePath.h"
+#include "platform/mainloop/Localization.h"
 
 namespace {
 
@@ -121,16 +121,16 @@ void VelmarAppDelegate::openInNewWindow(const std::string& path) {
 }
 
 void VelmarAppDelegate::openFile(QWidget* window) {
-  platform::panels().beginOpenPanel({.window = window,
-                                     .title = platform::localized("Open"),
-                                     .acceptLabel = platform::localized("Open"),
-                                     .allowsMultipleSelection = true,
-                                     .fileTypes = readableFileTypes()},
-                                    [this](const std::vector<std::string>& paths) {
-                                      for (const std::string& path : paths) {
-                                        openInNewWindow(path);
-                                      }
-                                    });
+  platform::fileDialogs().beginOpenPanel({.window = window,
+                                          .title = platform::localized("Open"),
+                                          .acceptLabel = platform::localized("Open"),
+                                          .allowsMultipleSelection = true,
+                                          .fileTypes = readableFileTypes()},
+                                         [this](const std::vector<std::string>& paths) {
+                                           for (const std::string& path : paths) {
+                                             openInNewWindow(path);
+                                           }
+                                         });
 }
 
 // Quit ------------------------------------------------------------------------------------------

@@ -13,8 +13,8 @@
 
 #include "app/OVMainMenu.h"
 #include "app/OVRecentFiles.h"
-#include "platform/Localization.h"
-#include "platform/Timer.h"
+#include "platform/mainloop/Localization.h"
+#include "platform/mainloop/Timer.h"
 
 class OVRecorderWindow;
 class VLRecorderWindowController;

@@ -12,19 +12,19 @@
 
 #include "app/OVApplicationEvents.h"
 #include "app/OVApplicationServices.h"
-#include "app/OVFirstWindow.h"
+#include "app/OVFirstWindowWatcher.h"
 #include "app/OVSessionEnd.h"
 #include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
-#include "platform/AudioQueue.h"
-#include "platform/CubebAudioDevice.h"
-#include "platform/DesktopColours.h"
-#include "platform/DeviceAudioQueues.h"
-#include "platform/Dispatch.h"
-#include "platform/FileAddress.h"
-#include "platform/FontPreparation.h"
-#include "platform/MediaLibrary.h"
-#include "platform/TerminationSignals.h"
+#include "platform/cubeb/CubebAudioDevice.h"
+#include "platform/desktop/DesktopColours.h"
+#include "platform/desktop/FileAddress.h"
+#include "platform/mainloop/FontPreparation.h"
+#include "platform/mainloop/MainQueue.h"
+#include "platform/mainloop/TerminationSignals.h"
+#include "platform/media/MediaLibrary.h"
+#include "platform/sound/AudioQueue.h"
+#include "platform/sound/DeviceAudioQueues.h"
 
 namespace {
 
@@ -98,7 +98,7 @@ int main(int argc, char** argv) {
   delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has taken its own out
   delegate.applicationDidFinishLaunching();
   std::unique_ptr<platform::DesktopColours> colours;
-  const OVFirstWindow firstWindow([&] {
+  const OVFirstWindowWatcher firstWindow([&] {
     firstWindowShown.set_value();
     QApplication::setWindowIcon(programIcon());
     colours = std::make_unique<platform::DesktopColours>(QDBusConnection::sessionBus());

@@ -3,8 +3,8 @@
 #include <QChar>
 #include <QString>
 
-#include "platform/AudioFileStatus.h"
-#include "platform/Localization.h"
+#include "platform/mainloop/Localization.h"
+#include "platform/media/AudioFileStatus.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/AudioTypes.h"
+#include "platform/base/AudioTypes.h"
 
 /// Plain, localised words for an audio file that could not be read or written: the file's name,
 /// what happened, what to do. They stand below the message of CheckAudioStatus().

@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "platform/AudioQueue.h"
-#include "platform/AudioTypes.h"
+#include "platform/base/AudioTypes.h"
+#include "platform/sound/AudioQueue.h"
 
 /// The average powers of the listed channels, in the order of the list.
 ///

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "platform/ApplicationServices.h"
-#include "platform/Localization.h"
+#include "platform/base/ApplicationServices.h"
+#include "platform/mainloop/Localization.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/AudioTypes.h"
+#include "platform/base/AudioTypes.h"
 
 /// The text of a status between the parentheses of a report: its four bytes, most significant
 /// first, between single quotes when all of them are printable ('wht?'), else the signed decimal

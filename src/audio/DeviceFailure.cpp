@@ -1,6 +1,6 @@
 #include "audio/DeviceFailure.h"
 
-#include "platform/Localization.h"
+#include "platform/mainloop/Localization.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/AudioTypes.h"
+#include "platform/base/AudioTypes.h"
 
 /// Failures of the sound device itself, as opposed to a wrong call.
 ///

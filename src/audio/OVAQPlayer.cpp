@@ -5,7 +5,7 @@
 #include "audio/CheckAudioStatus.h"
 #include "audio/DeviceFailure.h"
 #include "audio/QueueCallbackScope.h"
-#include "platform/Dispatch.h"
+#include "platform/mainloop/MainQueue.h"
 
 namespace {
 
@@ -189,7 +189,7 @@ void OVAQPlayer::deviceFailed(platform::AudioStatus status, const std::string& l
   auto none = platform::kAudioStatusOk;
   const bool first = failure_.compare_exchange_strong(none, status, std::memory_order_acq_rel);
   // Where the input went with it, the recorder may have told already.
-  if (first && (status != platform::kDeviceLostStatus || queues_->takeLossReport())) {
+  if (first && (status != platform::kDeviceLostStatus || queues_->claimDeviceLossAlert())) {
     CheckAudioStatus(status, label, outputFailureReason(status));
   } else {
     CheckAudioStatusWithoutAlert(status, label);

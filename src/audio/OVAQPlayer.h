@@ -12,8 +12,8 @@
 #include "audio/BufferReference.h"
 #include "audio/ChannelLevels.h"
 #include "audio/OVAQPlayerDelegate.h"
-#include "platform/AudioQueue.h"
-#include "platform/AudioTypes.h"
+#include "platform/base/AudioTypes.h"
+#include "platform/sound/AudioQueue.h"
 #include "storage/OVAudioBufferInterface.h"
 
 /// Plays a document's buffer from a byte position to the end of the data and tells its delegate

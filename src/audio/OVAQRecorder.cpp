@@ -5,8 +5,8 @@
 #include "audio/CheckAudioStatus.h"
 #include "audio/DeviceFailure.h"
 #include "audio/QueueCallbackScope.h"
-#include "platform/ApplicationServices.h"
-#include "platform/Localization.h"
+#include "platform/base/ApplicationServices.h"
+#include "platform/mainloop/Localization.h"
 
 namespace {
 
@@ -83,7 +83,7 @@ bool OVAQRecorder::enqueueBuffers(std::uint32_t byteCapacity) {
 bool OVAQRecorder::checkDevice(platform::AudioStatus status, const std::string& label) {
   const bool lost = status == platform::kDeviceLostStatus;
   if (isDeviceFailure(status) &&
-      (!queues_->takeInputFailureReport() || (lost && !queues_->takeLossReport()))) {
+      (!queues_->claimInputFailureAlert() || (lost && !queues_->claimDeviceLossAlert()))) {
     return CheckAudioStatusWithoutAlert(status, label);
   }
   return CheckAudioStatus(status, label, inputFailureReason(status));

@@ -13,8 +13,8 @@
 
 #include "audio/BufferReference.h"
 #include "audio/ChannelLevels.h"
-#include "platform/AudioQueue.h"
-#include "platform/AudioTypes.h"
+#include "platform/base/AudioTypes.h"
+#include "platform/sound/AudioQueue.h"
 #include "storage/OVAudioBufferInterface.h"
 
 /// Captures the default input into a document's buffer.

@@ -8,7 +8,7 @@
 
 #include "audio/AudioFileFailure.h"
 #include "audio/CheckAudioStatus.h"
-#include "platform/AudioFileStatus.h"
+#include "platform/media/AudioFileStatus.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/AudioTypes.h"
-#include "platform/ExtAudioFileInput.h"
+#include "platform/base/AudioTypes.h"
+#include "platform/media/ExtAudioFileInput.h"
 
 /// Reads an audio file of any kind that can be decoded (CAF, AIFF, WAV, MP3, MPEG-4 with its
 /// suffixes mp4, m4a and m4r, AAC; the content counts, not the name) and delivers it chunk by chunk

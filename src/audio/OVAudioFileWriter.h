@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/AudioTypes.h"
-#include "platform/ExtAudioFileOutput.h"
+#include "platform/base/AudioTypes.h"
+#include "platform/media/ExtAudioFileOutput.h"
 
 /// Writes an audio file of one of four kinds from sound in the working format. Samples that came
 /// from 16-bit audio are written bit for bit; AAC's length is exact to the frame.

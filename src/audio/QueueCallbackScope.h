@@ -3,8 +3,8 @@
 #include <memory>
 #include <utility>
 
-#include "platform/AudioQueue.h"
-#include "platform/Dispatch.h"
+#include "platform/mainloop/MainQueue.h"
+#include "platform/sound/AudioQueue.h"
 
 /// Marks that the calling thread runs a callback of the queue that `owner` owns. The owner's last
 /// reference may go inside such a callback; its queue must then not be destroyed there, since the

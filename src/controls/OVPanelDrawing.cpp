@@ -3,7 +3,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 
-#include "platform/ViewDrawing.h"
+#include "platform/views/ViewDrawing.h"
 
 namespace {
 

@@ -11,9 +11,9 @@
 #include <QMimeData>
 
 #include "controls/OVRecorderWindowDelegate.h"
-#include "platform/Dispatch.h"
-#include "platform/FileAddress.h"
-#include "platform/KeyCodes.h"
+#include "platform/desktop/FileAddress.h"
+#include "platform/mainloop/MainQueue.h"
+#include "platform/views/KeyCodes.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "platform/ViewDrawing.h"
+#include "platform/views/ViewDrawing.h"
 
 namespace {
 

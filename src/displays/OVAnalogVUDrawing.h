@@ -5,7 +5,7 @@
 #include <QPainter>
 #include <QPointF>
 
-#include "platform/NamedImage.h"
+#include "platform/views/NamedImage.h"
 
 /// The angle of the needle from the vertical, in radians, to the right positive: 60 × level − 45
 /// degrees, so −45° at silence, upright at 0.75, 15° at full scale and on beyond it without a stop.

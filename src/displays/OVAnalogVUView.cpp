@@ -3,7 +3,7 @@
 #include <QPainter>
 
 #include "displays/OVAnalogVUDrawing.h"
-#include "platform/ViewDrawing.h"
+#include "platform/views/ViewDrawing.h"
 
 namespace {
 

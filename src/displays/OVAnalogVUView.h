@@ -1,7 +1,7 @@
 #pragma once
 
 #include "displays/OVVUView.h"
-#include "platform/NamedImage.h"
+#include "platform/views/NamedImage.h"
 
 /// A level meter with one dial and needle a channel, over the image "vumeter.png". Polls 60 times a
 /// second. Without a level it draws nothing at all.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/ViewDrawing.h"
+#include "platform/views/ViewDrawing.h"
 
 namespace {
 

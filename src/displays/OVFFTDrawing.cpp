@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/ViewDrawing.h"
+#include "platform/views/ViewDrawing.h"
 
 namespace {
 
@@ -16,11 +16,10 @@ constexpr double kLineWidth = 1.0;
 // A magnitude of 1 reaches this part of the height.
 constexpr double kUnitHeight = 0.9;
 // Far outside every view, where lines are still exact.
-constexpr float kLargestValue = 100.0F;
+constexpr float kMaxValue = 100.0F;
 
 double drawable(float value) {
-  return std::isnan(value) ? 0.0
-                           : static_cast<double>(std::clamp(value, -kLargestValue, kLargestValue));
+  return std::isnan(value) ? 0.0 : static_cast<double>(std::clamp(value, -kMaxValue, kMaxValue));
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <QPointF>
 #include <QSizeF>
 
-#include "platform/PolylineStroke.h"
+#include "platform/views/PolylineStroke.h"
 
 /// The layers of the spectrum picture. Each draws into a painter in view coordinates
 /// (platform::useViewCoordinates) for a view of the given size in points. Holds nothing but memory,

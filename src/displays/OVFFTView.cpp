@@ -2,10 +2,10 @@
 
 #include <QPainter>
 
-#include "platform/Localization.h"
-#include "platform/OpaqueGround.h"
-#include "platform/ViewAccessibility.h"
-#include "platform/ViewDrawing.h"
+#include "platform/mainloop/Localization.h"
+#include "platform/views/OpaqueGround.h"
+#include "platform/views/ViewAccessibility.h"
+#include "platform/views/ViewDrawing.h"
 
 OVFFTView::OVFFTView(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_OpaquePaintEvent);

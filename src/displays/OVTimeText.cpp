@@ -8,7 +8,7 @@
 
 #include <QFontMetricsF>
 
-#include "platform/ViewDrawing.h"
+#include "platform/views/ViewDrawing.h"
 
 namespace {
 

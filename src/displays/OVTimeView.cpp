@@ -2,9 +2,9 @@
 
 #include <QPainter>
 
-#include "platform/Localization.h"
-#include "platform/ViewAccessibility.h"
-#include "platform/ViewDrawing.h"
+#include "platform/mainloop/Localization.h"
+#include "platform/views/ViewAccessibility.h"
+#include "platform/views/ViewDrawing.h"
 
 OVTimeView::OVTimeView(QWidget* parent) : QWidget(parent) {
   platform::describeView(this, platform::localized("Position and length"), QAccessible::StaticText);

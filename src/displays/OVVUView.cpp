@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/Localization.h"
-#include "platform/ViewAccessibility.h"
+#include "platform/mainloop/Localization.h"
+#include "platform/views/ViewAccessibility.h"
 
 namespace {
 
-constexpr double kLongestInterval = 1e6;  // seconds; a timer counts milliseconds in 31 bits
+constexpr double kMaxInterval = 1e6;  // seconds; a timer counts milliseconds in 31 bits
 
 }  // namespace
 
@@ -31,7 +31,7 @@ void OVVUView::setPollingFrequency(double pollingFrequency) {
   pollingFrequency_ = pollingFrequency;
   pollTimer_.reset();
   if (pollingFrequency > 0.0) {
-    const double interval = std::min(1.0 / pollingFrequency, kLongestInterval);
+    const double interval = std::min(1.0 / pollingFrequency, kMaxInterval);
     pollTimer_ = std::make_unique<platform::Timer>(interval, [this] { pollForData(); });
   }
 }

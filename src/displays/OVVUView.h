@@ -8,7 +8,7 @@
 
 #include "displays/OVVUViewDataSource.h"
 #include "displays/OVVUViewDelegate.h"
-#include "platform/Timer.h"
+#include "platform/mainloop/Timer.h"
 
 /// What the level meters share: the polling. A subclass draws what it got.
 ///

@@ -22,18 +22,18 @@
 #include "controls/OVFocusKeeper.h"
 #include "controls/OVRecorderWindowDelegate.h"
 #include "displays/OVVUViewDataSource.h"
-#include "document/OVDocumentSummaries.h"
-#include "document/OVRecordedChunk.h"
-#include "document/OVSaveJob.h"
-#include "document/OVWriteFailures.h"
-#include "document/ViewRedraw.h"
-#include "platform/AudioTypes.h"
-#include "platform/Dispatch.h"
-#include "platform/Localization.h"
-#include "platform/Timer.h"
-#include "platform/UndoManager.h"
+#include "document/files/OVSaveJob.h"
+#include "document/files/OVWriteFailures.h"
+#include "document/spectrum/OVRecordedChunk.h"
+#include "document/summaries/OVDocumentSummaries.h"
+#include "platform/base/AudioTypes.h"
+#include "platform/base/UndoManager.h"
+#include "platform/mainloop/Localization.h"
+#include "platform/mainloop/MainQueue.h"
+#include "platform/mainloop/Timer.h"
+#include "platform/views/ViewRedraw.h"
 #include "storage/OVAudioBufferInterface.h"
-#include "waveform/OVWaveFormView.h"
+#include "waveform/views/OVWaveFormView.h"
 
 class OVAQPlayer;
 class OVAQRecorder;
@@ -318,8 +318,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void tellActivity(platform::TextKey activity);
 
   // Transport
-  void recPressed();
-  void playPressed();
+  void beginRecording();
+  void beginPlaying();
   void endRecording();
   void restTransportButtons();
   void replaceRecorder();

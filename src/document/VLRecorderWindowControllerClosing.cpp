@@ -1,13 +1,13 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
-#include "controls/OVTransportButton.h"
-#include "document/OVFileKinds.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
-#include "platform/ApplicationServices.h"
-#include "platform/Localization.h"
-#include "platform/Panels.h"
+#include "platform/base/ApplicationServices.h"
+#include "platform/desktop/FileDialogs.h"
+#include "platform/mainloop/Localization.h"
 
 using platform::localized;
 
@@ -52,7 +52,7 @@ void VLRecorderWindowController::askToSave() {
                            ? localized("Unnamed")
                            : QString::fromStdString(lastPathComponent(currentFilename_));
   isPanelShown_ = isQuestionShown_ = true;
-  platform::panels().beginSheet(
+  platform::fileDialogs().beginSheet(
       {.window = window_.data(),
        .title = localized("Do you want to save the changes made to “%1”?").arg(name),
        .message = localized("Your changes will be lost if you don't save them."),

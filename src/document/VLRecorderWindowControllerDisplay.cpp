@@ -7,10 +7,10 @@
 #include "audio/OVAQRecorder.h"
 #include "displays/OVTimeView.h"
 #include "document/VLRecorderWindowController.h"
-#include "platform/ApplicationServices.h"
-#include "waveform/OVPlaybackMarkerView.h"
-#include "waveform/OVWaveFormView.h"
+#include "platform/base/ApplicationServices.h"
 #include "waveform/OVWaveformSummary.h"
+#include "waveform/views/OVPlaybackMarkerView.h"
+#include "waveform/views/OVWaveFormView.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 
 #include "audio/OVAQPlayer.h"
 #include "audio/OVAQRecorder.h"
-#include "controls/OVTransportButton.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "displays/OVTimeView.h"
 #include "document/VLRecorderWindowController.h"
-#include "platform/Localization.h"
+#include "platform/mainloop/Localization.h"
 
 // Cuts ------------------------------------------------------------------------------------------
 

@@ -8,16 +8,16 @@
 #include <QUrl>
 
 #include "controls/OVRecorderWindow.h"
-#include "controls/OVTransportButton.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
 #include "document/VLRecorderWindowControllerSaving.h"
-#include "platform/ApplicationServices.h"
-#include "platform/DesktopServices.h"
-#include "platform/FailureReason.h"
-#include "platform/Localization.h"
-#include "platform/Panels.h"
-#include "platform/ReplacementFile.h"
-#include "waveform/OVWaveFormView.h"
+#include "platform/base/ApplicationServices.h"
+#include "platform/desktop/DesktopServices.h"
+#include "platform/desktop/FileDialogs.h"
+#include "platform/files/ReplacementFile.h"
+#include "platform/mainloop/FailureReason.h"
+#include "platform/mainloop/Localization.h"
+#include "waveform/views/OVWaveFormView.h"
 
 using platform::localized;
 using platform::localizedUtf8;
@@ -60,7 +60,7 @@ void VLRecorderWindowController::exportRingtone(QObject*) {
           .arg(kRingtoneSeconds));
   rule->setWordWrap(true);
   isPanelShown_ = true;
-  platform::panels().beginSavePanel(
+  platform::fileDialogs().beginSavePanel(
       {.window = window_.data(),
        .title = localized("Export Ringtone"),
        .directory = folderOf(currentFilename_),
@@ -115,7 +115,7 @@ void VLRecorderWindowController::dumpWaveform(QObject*) {
     return;
   }
   isPanelShown_ = true;
-  platform::panels().beginSavePanel(
+  platform::fileDialogs().beginSavePanel(
       {.window = window_.data(),
        .title = localized("Export Waveform Picture"),
        .directory = folderOf(currentFilename_),

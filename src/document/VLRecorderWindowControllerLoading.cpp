@@ -5,19 +5,19 @@
 #include "audio/AudioFileFailure.h"
 #include "audio/OVAQRecorder.h"
 #include "audio/OVAudioFileReader.h"
+#include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
-#include "controls/OVTransportButton.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "displays/OVCircularVUView.h"
 #include "displays/OVTimeView.h"
-#include "document/OVFileKinds.h"
-#include "document/OVLoadJob.h"
 #include "document/VLRecorderWindowController.h"
-#include "platform/ApplicationServices.h"
-#include "platform/FailureReason.h"
-#include "platform/Localization.h"
-#include "platform/Panels.h"
-#include "waveform/OVWaveFormView.h"
+#include "document/files/OVLoadJob.h"
+#include "platform/base/ApplicationServices.h"
+#include "platform/desktop/FileDialogs.h"
+#include "platform/mainloop/FailureReason.h"
+#include "platform/mainloop/Localization.h"
 #include "waveform/OVWaveformSummary.h"
+#include "waveform/views/OVWaveFormView.h"
 
 /// What the loading job takes along.
 struct VLRecorderWindowController::LoadingRequest {
@@ -173,19 +173,19 @@ void VLRecorderWindowController::importFile(QObject*) {
     return;
   }
   isPanelShown_ = true;
-  platform::panels().beginOpenPanel({.window = window_.data(),
-                                     .title = platform::localized("Import"),
-                                     .acceptLabel = platform::localized("Import"),
-                                     .allowsMultipleSelection = false,
-                                     .fileTypes = readableFileTypes()},
-                                    [self = weak_from_this()](const auto& paths) {
-                                      if (const auto controller = self.lock()) {
-                                        controller->isPanelShown_ = false;
-                                        if (!paths.empty()) {
-                                          controller->openForImport(paths.front());
-                                        }
-                                      }
-                                    });
+  platform::fileDialogs().beginOpenPanel({.window = window_.data(),
+                                          .title = platform::localized("Import"),
+                                          .acceptLabel = platform::localized("Import"),
+                                          .allowsMultipleSelection = false,
+                                          .fileTypes = readableFileTypes()},
+                                         [self = weak_from_this()](const auto& paths) {
+                                           if (const auto controller = self.lock()) {
+                                             controller->isPanelShown_ = false;
+                                             if (!paths.empty()) {
+                                               controller->openForImport(paths.front());
+                                             }
+                                           }
+                                         });
 }
 
 // Opening may take a while, on a slow medium or with a damaged file: the document is in a file

@@ -7,16 +7,16 @@
 
 #include "audio/AudioFileFailure.h"
 #include "audio/OVAudioFileWriter.h"
+#include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
-#include "controls/OVTransportButton.h"
-#include "document/OVFileKinds.h"
-#include "document/OVSaveJob.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
 #include "document/VLRecorderWindowControllerSaving.h"
-#include "platform/ApplicationServices.h"
-#include "platform/FailureReason.h"
-#include "platform/Localization.h"
-#include "platform/Panels.h"
+#include "document/files/OVSaveJob.h"
+#include "platform/base/ApplicationServices.h"
+#include "platform/desktop/FileDialogs.h"
+#include "platform/mainloop/FailureReason.h"
+#include "platform/mainloop/Localization.h"
 
 using platform::localized;
 using platform::localizedUtf8;
@@ -55,7 +55,7 @@ void VLRecorderWindowController::saveFileAs(QObject*) {
   }
   makeSaveAccessory(suggestedType());
   isPanelShown_ = true;
-  platform::panels().beginSavePanel(
+  platform::fileDialogs().beginSavePanel(
       {.window = window_.data(),
        .title = localized("Save As"),
        .directory = folderOf(currentFilename_),

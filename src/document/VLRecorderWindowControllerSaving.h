@@ -5,9 +5,9 @@
 
 #include <QString>
 
-#include "document/OVSaveJob.h"
 #include "document/VLRecorderWindowController.h"
-#include "platform/Localization.h"
+#include "document/files/OVSaveJob.h"
+#include "platform/mainloop/Localization.h"
 
 // What the controller's sources for saving, exporting and closing share.
 

@@ -1,10 +1,10 @@
-#include "controls/OVHoverButton.h"
 #include "controls/OVRecorderWindow.h"
+#include "controls/OVSpectrumStrip.h"
+#include "controls/buttons/OVHoverButton.h"
 #include "controls/OVTransportBackgroundView.h"
 #include "displays/OVFFTView.h"
-#include "document/OVSpectrumAnalyser.h"
-#include "document/OVSpectrumStrip.h"
 #include "document/VLRecorderWindowController.h"
+#include "document/spectrum/OVSpectrumAnalyser.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 #include "audio/OVAQPlayer.h"
 #include "audio/OVAQRecorder.h"
-#include "controls/OVTransportButton.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
-#include "platform/ApplicationServices.h"
-#include "platform/Localization.h"
+#include "platform/base/ApplicationServices.h"
+#include "platform/mainloop/Localization.h"
 #include "storage/OVAudioBuffer.h"
 #include "storage/OVBlockBuffer.h"
-#include "waveform/OVPlaybackMarkerView.h"
-#include "waveform/OVWaveFormView.h"
 #include "waveform/OVWaveformSummary.h"
+#include "waveform/views/OVPlaybackMarkerView.h"
+#include "waveform/views/OVWaveFormView.h"
 
 namespace {
 
@@ -47,13 +47,13 @@ bool VLRecorderWindowController::isPlaying() const {
 
 void VLRecorderWindowController::recButton(OVTransportButton* sender) {
   if (sender != nullptr && sender->isOn()) {
-    recPressed();
+    beginRecording();
   } else {
     pauseButton(pauseButton_);
   }
 }
 
-void VLRecorderWindowController::recPressed() {
+void VLRecorderWindowController::beginRecording() {
   if (!recorder_ || recorder_->failure() != platform::kAudioStatusOk) {
     replaceRecorder();
   }
@@ -78,13 +78,13 @@ void VLRecorderWindowController::recPressed() {
 
 void VLRecorderWindowController::playButton(OVTransportButton* sender) {
   if (sender != nullptr && sender->isOn()) {
-    playPressed();
+    beginPlaying();
   } else {
     pauseButton(pauseButton_);
   }
 }
 
-void VLRecorderWindowController::playPressed() {
+void VLRecorderWindowController::beginPlaying() {
   if (!buffer_) {
     setOn(playButton_, false);
     return;

@@ -132,7 +132,7 @@ void BlockList::change(const OrderedBlock& from, const OVBlock& to) {
   enter({to, from.order});
 }
 
-void BlockList::unsettleNextTo(BlockChunks<ByOrder>::Position position) {
+void BlockList::unsettleNextTo(CowBlockSequence<ByOrder>::Position position) {
   if (const auto next = list_.next(position); next != list_.end()) {
     unsettled_.push_back(list_[next].order);
   }
@@ -160,7 +160,7 @@ void BlockList::leave(const OrderedBlock& block) {
 // `edit` changes a block, or gives false for one that goes. It must keep the order of addresses.
 template <typename Edit>
 void BlockList::editAll(Edit edit) {
-  BlockChunks<ByOrder> list;
+  CowBlockSequence<ByOrder> list;
   unreachable_.clear();
   list_.forEach([&](OrderedBlock each) {
     if (edit(each.block)) {
@@ -171,7 +171,7 @@ void BlockList::editAll(Edit edit) {
     }
   });
   list_ = std::move(list);
-  BlockChunks<ByAddress> reachable;
+  CowBlockSequence<ByAddress> reachable;
   reachable_.forEach([&](OrderedBlock each) {
     if (edit(each.block) && isReachable(each.block)) {
       reachable.append(each);

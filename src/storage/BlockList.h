@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "storage/BlockChunks.h"
+#include "storage/CowBlockSequence.h"
 #include "storage/OVBlock.h"
 
 /// The blocks of a recording in the order in which they were added, and the arithmetic of writing
@@ -76,7 +76,7 @@ class BlockList {
   void add(const OVBlock& block);
   void remove(const OrderedBlock& block);
   void change(const OrderedBlock& from, const OVBlock& to);
-  void unsettleNextTo(BlockChunks<ByOrder>::Position position);
+  void unsettleNextTo(CowBlockSequence<ByOrder>::Position position);
   void enter(const OrderedBlock& block);
   void leave(const OrderedBlock& block);
 
@@ -84,11 +84,11 @@ class BlockList {
   void editAll(Edit edit);
   void findNeighbours();
 
-  BlockChunks<ByOrder> list_;
+  CowBlockSequence<ByOrder> list_;
   std::uint64_t nextOrder_ = 0;
 
   // Each block of list_ is in one of these two.
-  BlockChunks<ByAddress> reachable_;
+  CowBlockSequence<ByAddress> reachable_;
   std::vector<std::uint64_t> unreachable_;  // orders, ascending
 
   // Orders of the blocks that may be neighbours of the one before them; the others are not. Some

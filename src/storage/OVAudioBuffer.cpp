@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "platform/ApplicationServices.h"
+#include "platform/base/ApplicationServices.h"
 #include "storage/WriteBounds.h"
 
 namespace {
@@ -50,7 +50,7 @@ std::shared_ptr<OVAudioBuffer> OVAudioBuffer::init() {
 
 void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (!staysWithinAddresses(atByteOffset, withSize)) {
+  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   const std::uint64_t end = atByteOffset + withSize;

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/AudioTypes.h"
+#include "platform/base/AudioTypes.h"
 
 /// Result of a read. All three fields are zero, the pointer included, when nothing was read.
 struct BufferReadResult {

@@ -5,17 +5,17 @@
 #include <limits>
 #include <utility>
 
-#include "platform/ApplicationServices.h"
+#include "platform/base/ApplicationServices.h"
 #include "storage/TemporaryFileAccess.h"
 #include "storage/WriteBounds.h"
 
 namespace {
 
 constexpr std::size_t kWaypointCapacity = 32;           // entries; grows beyond
-constexpr std::size_t kLongestPath = 4095;              // bytes of a template, without its end
+constexpr std::size_t kMaxPath = 4095;                  // bytes of a template, without its end
 constexpr std::uint64_t kWritesBetweenOptimizing = 21;  // about two seconds of recording
 
-constexpr auto kLargestCount = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+constexpr auto kMaxCount = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
 
 }  // namespace
 
@@ -32,7 +32,7 @@ OVBlockBuffer::~OVBlockBuffer() = default;
 std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
   platform::TemporaryFiles& files = platform::temporaryFiles();
   const std::string pathTemplate = files.directory() + "orvoXXXXXX";
-  auto created = files.createUnlinked(pathTemplate.substr(0, kLongestPath));
+  auto created = files.createUnlinked(pathTemplate.substr(0, kMaxPath));
   if (created.file == nullptr) {
     tellThatNoTemporaryFileOpens(pathTemplate);
     return nullptr;
@@ -43,7 +43,7 @@ std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
 
 void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (!staysWithinAddresses(atByteOffset, withSize)) {
+  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   platform::FileTransfer written;
@@ -78,7 +78,7 @@ std::uint64_t OVBlockBuffer::mapAppended(std::uint64_t atByteOffset, std::uint32
 
 BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t withSize,
                                              std::uint64_t fromOffset) {
-  if (withSize > kLargestCount) {
+  if (withSize > kMaxCount) {
     ConsoleLog("refused to read %" PRIu64 " bytes at %" PRIu64 ": not a count", withSize,
                fromOffset);
     return {};

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/File.h"
+#include "platform/files/File.h"
 #include "storage/BlockList.h"
 #include "storage/DelegateReference.h"
 #include "storage/OVAudioBufferInterface.h"

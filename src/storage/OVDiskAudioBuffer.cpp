@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/ApplicationServices.h"
+#include "platform/base/ApplicationServices.h"
 #include "storage/TemporaryFileAccess.h"
 #include "storage/WriteBounds.h"
 
@@ -75,7 +75,7 @@ platform::TemporaryFiles::Created OVDiskAudioBuffer::createFile() {
 
 void OVDiskAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                                   std::uint32_t withSize) {
-  if (!staysWithinAddresses(atByteOffset, withSize)) {
+  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   platform::FileTransfer written;

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/File.h"
-#include "platform/SerialQueue.h"
+#include "platform/base/SerialQueue.h"
+#include "platform/files/File.h"
 #include "storage/DelegateReference.h"
 #include "storage/OVAudioBufferInterface.h"
 

@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <cstddef>
 
-#include "platform/ApplicationServices.h"
+#include "platform/base/ApplicationServices.h"
 
 platform::FileTransfer readWhole(platform::File& file, void* destination, std::uint64_t byteCount,
                                  std::uint64_t fileOffset) {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/File.h"
+#include "platform/files/File.h"
 
 /// Reads what the file gives of one stretch, going on after short reads; less than asked only where
 /// it has no more, or fails.

@@ -3,9 +3,9 @@
 #include <cinttypes>
 #include <limits>
 
-#include "platform/ApplicationServices.h"
+#include "platform/base/ApplicationServices.h"
 
-bool staysWithinAddresses(std::uint64_t atByteOffset, std::uint32_t withSize) {
+bool refuseIfPastAddressSpace(std::uint64_t atByteOffset, std::uint32_t withSize) {
   if (withSize <= std::numeric_limits<std::uint64_t>::max() - atByteOffset) {
     return true;
   }

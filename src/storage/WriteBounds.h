@@ -6,4 +6,4 @@
 /// does not is to be refused, and a console line says so.
 ///
 /// Threads: any. Real-time: not safe.
-[[nodiscard]] bool staysWithinAddresses(std::uint64_t atByteOffset, std::uint32_t withSize);
+[[nodiscard]] bool refuseIfPastAddressSpace(std::uint64_t atByteOffset, std::uint32_t withSize);

@@ -7,11 +7,11 @@
 
 #include <gtest/gtest.h>
 
-#include "support/PrivateSoundServer.h"
 #include "support/RawAudio.h"
-#include "support/RunningOrvo.h"
 #include "support/TemporaryFolder.h"
-#include "support/VirtualScreen.h"
+#include "support/programs/PrivateSoundServer.h"
+#include "support/programs/RunningOrvo.h"
+#include "support/programs/VirtualScreen.h"
 
 /// What the acceptance tests share: a screen, a sound server, the real program, and what a person
 /// in front of it would do and perceive.

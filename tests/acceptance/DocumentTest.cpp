@@ -4,7 +4,7 @@
 #include <cmath>
 #include <filesystem>
 
-#include "support/AudioFileTools.h"
+#include "support/programs/AudioFileTools.h"
 
 using namespace support;
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "acceptance/DocumentTest.h"
-#include "support/AudioFileTools.h"
+#include "support/programs/AudioFileTools.h"
 
 using namespace support;
 

@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include "acceptance/DocumentTest.h"
-#include "support/AudioFileTools.h"
+#include "support/programs/AudioFileTools.h"
 
 using namespace support;
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "acceptance/DocumentTest.h"
-#include "support/AccessibilityBus.h"
-#include "support/AudioFileTools.h"
+#include "support/programs/AccessibilityBus.h"
+#include "support/programs/AudioFileTools.h"
 
 using namespace support;
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "acceptance/DocumentTest.h"
-#include "support/AudioFileTools.h"
+#include "support/programs/AudioFileTools.h"
 
 using namespace support;
 

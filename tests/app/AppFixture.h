@@ -14,12 +14,12 @@
 #include "audio/SteppedAudioQueues.h"
 #include "controls/OVRecorderWindow.h"
 #include "document/VLRecorderWindowController.h"
-#include "platform/Dispatch.h"
-#include "platform/RecentDocuments.h"
+#include "platform/desktop/RecentDocuments.h"
+#include "platform/mainloop/MainQueue.h"
 #include "support/MainLoop.h"
-#include "support/RecordingDesktop.h"
-#include "support/RecordingServices.h"
-#include "support/ScriptedPanels.h"
+#include "support/fakes/RecordingDesktop.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/fakes/ScriptedFileDialogs.h"
 
 /// Recent documents that are kept for the test alone. Threads: any.
 class KeptRecentDocuments : public platform::RecentDocuments {

@@ -10,10 +10,10 @@
 #include <QTimer>
 
 #include "app/AppFixture.h"
-#include "controls/OVTransportButton.h"
-#include "platform/File.h"
-#include "support/FailingTemporaryFiles.h"
+#include "controls/buttons/OVTransportButton.h"
+#include "platform/files/File.h"
 #include "support/TemporaryFolder.h"
+#include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
 
@@ -23,9 +23,9 @@ using testing::SizeIs;
 
 // The checkers slow everything down.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::chrono::seconds kLongestStandstill{20};
+constexpr std::chrono::seconds kMaxStandstill{20};
 #else
-constexpr std::chrono::seconds kLongestStandstill{2};
+constexpr std::chrono::seconds kMaxStandstill{2};
 #endif
 
 /// Measures how long the main loop stands still at most, while it lives.
@@ -97,7 +97,7 @@ TEST_P(BadFilesTest, LeavesAWindowAsGoodAsAny) {
   OVRecorderWindow* const window = windows().at(0);
   const auto document = documentOf(window);
   awaitIdle(*document);
-  EXPECT_LT(heartbeat.longestStandstill(), kLongestStandstill);
+  EXPECT_LT(heartbeat.longestStandstill(), kMaxStandstill);
 
   const std::uint64_t length = document->buffer()->bufferSizeInFrames();
   if (each.frames == BadFile::kAnyNumber) {

@@ -22,7 +22,7 @@
 #include <QTimer>
 #include <QWindow>
 
-#include "platform/Dispatch.h"
+#include "platform/mainloop/MainQueue.h"
 #include "support/MainLoop.h"
 
 namespace {

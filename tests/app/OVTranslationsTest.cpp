@@ -5,7 +5,7 @@
 #include <QFile>
 #include <QLibraryInfo>
 
-#include "platform/Localization.h"
+#include "platform/mainloop/Localization.h"
 
 namespace {
 

@@ -13,10 +13,10 @@
 #include "audio/OVAQRecorder.h"
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
-#include "platform/File.h"
-#include "platform/FileAddress.h"
-#include "support/FailingTemporaryFiles.h"
+#include "platform/desktop/FileAddress.h"
+#include "platform/files/File.h"
 #include "support/TemporaryFolder.h"
+#include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
 

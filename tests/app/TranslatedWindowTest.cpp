@@ -15,8 +15,8 @@
 #include "app/AppFixture.h"
 #include "app/OVTranslations.h"
 #include "controls/OVLoadingPanel.h"
-#include "platform/Localization.h"
-#include "platform/QtPanels.h"
+#include "platform/desktop/QtFileDialogs.h"
+#include "platform/mainloop/Localization.h"
 
 namespace {
 
@@ -266,8 +266,8 @@ TEST_P(TranslatedWindow, WhatGoesOnIsWholeBesideTheBarInTheNarrowestWindow) {
 }
 
 TEST_P(TranslatedWindow, TheQuestionAboutUnsavedChangesIsWholeAndQuotesAsTheLanguageDoes) {
-  platform::QtPanels real;
-  const platform::PanelsInstallation installation(real);
+  platform::QtFileDialogs real;
+  const platform::FileDialogsInstallation installation(real);
   window_->setDocumentEdited(true);
   window_->performClose();
   auto* const sheet = shownDialog<QMessageBox>("sheet");
@@ -285,8 +285,8 @@ TEST_P(TranslatedWindow, TheQuestionAboutUnsavedChangesIsWholeAndQuotesAsTheLang
 }
 
 TEST_P(TranslatedWindow, TheSavePanelIsWholeAndItsKeyLetterIsItsOwn) {
-  platform::QtPanels real;
-  const platform::PanelsInstallation installation(real);
+  platform::QtFileDialogs real;
+  const platform::FileDialogsInstallation installation(real);
   item(window_, "Save As…")->trigger();
   auto* const panel = shownDialog<QFileDialog>("savePanel");
   ASSERT_NE(panel, nullptr);
@@ -305,8 +305,8 @@ TEST_P(TranslatedWindow, TheSavePanelIsWholeAndItsKeyLetterIsItsOwn) {
 }
 
 TEST_P(TranslatedWindow, TheRuleOfRingtonesIsWhole) {
-  platform::QtPanels real;
-  const platform::PanelsInstallation installation(real);
+  platform::QtFileDialogs real;
+  const platform::FileDialogsInstallation installation(real);
   item(window_, "Export Ringtone…")->trigger();
   auto* const panel = shownDialog<QFileDialog>("savePanel");
   ASSERT_NE(panel, nullptr);

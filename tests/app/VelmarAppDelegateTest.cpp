@@ -11,7 +11,7 @@
 
 #include "app/AppFixture.h"
 #include "audio/OVAudioFileWriter.h"
-#include "controls/OVTransportButton.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "storage/OVAudioBuffer.h"
 #include "support/TemporaryFolder.h"
 

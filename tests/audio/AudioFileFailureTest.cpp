@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/AudioFileStatus.h"
+#include "platform/media/AudioFileStatus.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
-#include "support/AudioFileTools.h"
 #include "support/RawAudio.h"
 #include "support/TemporaryFolder.h"
+#include "support/programs/AudioFileTools.h"
 
 std::ostream& operator<<(std::ostream& stream, const BadFile& each) {
   return stream << each.name;

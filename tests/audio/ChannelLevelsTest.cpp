@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "audio/SteppedAudioQueues.h"
-#include "support/RecordingServices.h"
+#include "support/fakes/RecordingServices.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include <gmock/gmock.h>
 
-#include "support/RecordingServices.h"
+#include "support/fakes/RecordingServices.h"
 
 namespace {
 

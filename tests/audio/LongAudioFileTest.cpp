@@ -7,8 +7,8 @@
 
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
-#include "support/RecordingServices.h"
-#include "support/TestAudioFileStorage.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/fakes/TestUserAudioFiles.h"
 
 namespace {
 
@@ -48,7 +48,7 @@ class LongAudioFileTest : public testing::Test {
   }
 
   support::InstalledRecordingServices services_;
-  support::TestAudioFileStorage storage_;
+  support::TestUserAudioFiles storage_;
   platform::AudioFileStorageInstallation installation_{storage_};
 };
 

@@ -12,9 +12,9 @@
 
 #include "audio/SteppedAudioQueues.h"
 #include "audio/TestAudioBuffer.h"
-#include "platform/Dispatch.h"
+#include "platform/mainloop/MainQueue.h"
 #include "support/MainLoop.h"
-#include "support/RecordingServices.h"
+#include "support/fakes/RecordingServices.h"
 
 // The player over queues that a test steps by hand: order of calls, every failing call, and what
 // one callback does. OVAQPlayerThreadsTest.cpp runs it over real queues.

@@ -12,11 +12,11 @@
 #include "audio/OVAQPlayer.h"
 #include "audio/TestAudioBuffer.h"
 #include "audio/Threads.h"
-#include "platform/DeviceAudioQueues.h"
-#include "platform/Dispatch.h"
-#include "platform/ScriptedAudioDevice.h"
+#include "platform/mainloop/MainQueue.h"
+#include "platform/sound/DeviceAudioQueues.h"
 #include "support/MainLoop.h"
-#include "support/RecordingServices.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/fakes/ScriptedAudioDevice.h"
 
 // The player over the real audio queues on a scripted device: its callback runs on the queue's
 // own thread.

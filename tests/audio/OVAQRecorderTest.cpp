@@ -12,7 +12,7 @@
 #include "audio/SteppedAudioQueues.h"
 #include "audio/TestAudioBuffer.h"
 #include "support/MainLoop.h"
-#include "support/RecordingServices.h"
+#include "support/fakes/RecordingServices.h"
 
 // The recorder over queues that a test steps by hand: order of calls, every failing call, and
 // what one callback does. OVAQRecorderThreadsTest.cpp runs it over real queues.

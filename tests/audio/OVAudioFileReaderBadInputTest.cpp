@@ -15,11 +15,11 @@
 #include <gmock/gmock.h>
 
 #include "audio/BadFiles.h"
-#include "support/AudioFileTools.h"
 #include "support/RawAudio.h"
-#include "support/RecordingServices.h"
 #include "support/TemporaryFolder.h"
-#include "support/TestAudioFileStorage.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/fakes/TestUserAudioFiles.h"
+#include "support/programs/AudioFileTools.h"
 
 namespace {
 
@@ -33,10 +33,10 @@ constexpr std::int64_t kMegabyte = 1 << 20;
 // processor's.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr std::chrono::milliseconds kPatience{20'000};
-constexpr std::int64_t kMostMemory = 1000 * kMegabyte;
+constexpr std::int64_t kMaxMemory = 1000 * kMegabyte;
 #else
 constexpr std::chrono::milliseconds kPatience{2000};
-constexpr std::int64_t kMostMemory = 100 * kMegabyte;
+constexpr std::int64_t kMaxMemory = 100 * kMegabyte;
 #endif
 
 std::string wav(std::size_t frames) {
@@ -102,7 +102,7 @@ TEST_P(BadInput, EndsSoonAndClearly) {
   }
 
   EXPECT_LT(workDone() - start, kPatience);
-  EXPECT_LT((peakMemory() - memoryBefore) * 1024, kMostMemory);
+  EXPECT_LT((peakMemory() - memoryBefore) * 1024, kMaxMemory);
   const auto alerts = services_->alerts();
   if (each.told.empty()) {
     EXPECT_THAT(alerts, IsEmpty());
@@ -144,7 +144,7 @@ TEST_F(OVAudioFileReaderBadInputTest, AnUnreadableFileIsTold) {
 }
 
 TEST_F(OVAudioFileReaderBadInputTest, WhateverTheSystemRefusesIsToldInWords) {
-  support::TestAudioFileStorage storage;
+  support::TestUserAudioFiles storage;
   const platform::AudioFileStorageInstallation installation(storage);
   for (const auto& [error, words] :
        std::vector<std::pair<int, std::string>>{{EACCES, "You are not allowed to read “a.wav”."},

@@ -10,10 +10,10 @@
 
 #include <gmock/gmock.h>
 
-#include "support/AudioFileTools.h"
 #include "support/RawAudio.h"
-#include "support/RecordingServices.h"
 #include "support/TemporaryFolder.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/programs/AudioFileTools.h"
 
 namespace {
 

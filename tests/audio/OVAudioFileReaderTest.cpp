@@ -15,12 +15,12 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/ApplicationServices.h"
-#include "support/AudioFileTools.h"
+#include "platform/base/ApplicationServices.h"
 #include "support/RawAudio.h"
-#include "support/RecordingServices.h"
 #include "support/TemporaryFolder.h"
-#include "support/TestAudioFileStorage.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/fakes/TestUserAudioFiles.h"
+#include "support/programs/AudioFileTools.h"
 
 namespace {
 
@@ -314,7 +314,7 @@ TEST_F(OVAudioFileReaderTest, AFileDeletedAfterOpeningIsReadToItsEndAndRewound) 
 // The medium.
 
 TEST_F(OVAudioFileReaderTest, AFailingMediumIsToldOnceAfterWhatCameBeforeIt) {
-  support::TestAudioFileStorage storage;
+  support::TestUserAudioFiles storage;
   const platform::AudioFileStorageInstallation installation(storage);
   storage.setBytes(support::wavBytes(44100, 2, 16, std::string(800'000, 'x')));
   storage.failReadsFrom(400'044);
@@ -335,7 +335,7 @@ TEST_F(OVAudioFileReaderTest, AFailingMediumIsToldOnceAfterWhatCameBeforeIt) {
 }
 
 TEST_F(OVAudioFileReaderTest, AnotherFileOpenedAfterAFailureIsReadAndToldOfLikeTheFirst) {
-  support::TestAudioFileStorage storage;
+  support::TestUserAudioFiles storage;
   const platform::AudioFileStorageInstallation installation(storage);
   storage.setBytes(support::wavBytes(44100, 2, 16, std::string(800'000, 'x')));
   storage.failReadsFrom(400'044);
@@ -343,7 +343,7 @@ TEST_F(OVAudioFileReaderTest, AnotherFileOpenedAfterAFailureIsReadAndToldOfLikeT
   ASSERT_NE(reader, nullptr);
   readAll(*reader);
   ASSERT_TRUE(reader->failed());
-  storage.failReadsFrom(support::TestAudioFileStorage::kUnlimited);
+  storage.failReadsFrom(support::TestUserAudioFiles::kUnlimited);
   ASSERT_TRUE(reader->openFile("b/good.wav"));
   EXPECT_FALSE(reader->failed());
   EXPECT_EQ(readAll(*reader).size() / 2, 200'000U);
@@ -355,7 +355,7 @@ TEST_F(OVAudioFileReaderTest, AnotherFileOpenedAfterAFailureIsReadAndToldOfLikeT
 }
 
 TEST_F(OVAudioFileReaderTest, AMediumThatFailsWhileOpeningIsTold) {
-  support::TestAudioFileStorage storage;
+  support::TestUserAudioFiles storage;
   const platform::AudioFileStorageInstallation installation(storage);
   storage.setBytes(support::wavBytes(44100, 2, 16, std::string(8000, 'x')));
   storage.failReadsFrom(0);
@@ -376,7 +376,7 @@ TEST_F(OVAudioFileReaderTest, OnTheThreadOfAnAudioQueueTheAlertIsPosted) {
 class OVAudioFileReaderCancelTest : public OVAudioFileReaderTest {
  protected:
   std::shared_ptr<std::atomic<bool>> cancelled_ = std::make_shared<std::atomic<bool>>(false);
-  support::TestAudioFileStorage storage_;
+  support::TestUserAudioFiles storage_;
   platform::AudioFileStorageInstallation installation_{storage_};
 };
 

@@ -14,11 +14,11 @@
 #include <gmock/gmock.h>
 
 #include "audio/OVAudioFileReader.h"
-#include "support/AudioFileTools.h"
 #include "support/RawAudio.h"
-#include "support/RecordingServices.h"
 #include "support/TemporaryFolder.h"
-#include "support/TestAudioFileStorage.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/fakes/TestUserAudioFiles.h"
+#include "support/programs/AudioFileTools.h"
 
 namespace {
 
@@ -308,14 +308,14 @@ TEST_F(OVAudioFileWriterTest, AFolderAPipeAndALongNameAreToldAsWhatTheyAre) {
 
 class OVAudioFileWriterFullDiskTest : public OVAudioFileWriterTest {
  protected:
-  support::TestAudioFileStorage storage_;
+  support::TestUserAudioFiles storage_;
   platform::AudioFileStorageInstallation installation_{storage_};
 };
 
 TEST_F(OVAudioFileWriterFullDiskTest, WhereverItFillsUpIsToldExactlyOnceAndNeverCalledComplete) {
   const Samples samples = support::tune(4.0);
   for (const std::uint32_t kind : kKinds) {
-    storage_.fillUpAfter(support::TestAudioFileStorage::kUnlimited);
+    storage_.fillUpAfter(support::TestUserAudioFiles::kUnlimited);
     {
       const auto writer = OVAudioFileWriter::initWithFile("a", kind);
       ASSERT_GT(sink(*writer, samples), 0U);

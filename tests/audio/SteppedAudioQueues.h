@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/AudioQueue.h"
+#include "platform/sound/AudioQueue.h"
 
 /// Audio queues without a thread: a test steps them call by call, sees the order of the calls and
 /// makes any single one fail.
@@ -229,10 +229,10 @@ class SteppedAudioQueues : public platform::AudioQueues {
     }
     return status;
   }
-  bool takeInputFailureReport() override {
+  bool claimInputFailureAlert() override {
     return std::exchange(script_->inputFailureReportPending, false);
   }
-  bool takeLossReport() override { return std::exchange(script_->lossReportPending, false); }
+  bool claimDeviceLossAlert() override { return std::exchange(script_->lossReportPending, false); }
 
   SteppedInputQueue* input = nullptr;    ///< the last one made
   SteppedOutputQueue* output = nullptr;  ///< the last one made

@@ -13,7 +13,7 @@
 #include <gmock/gmock.h>
 
 #include "controls/OVRecorderWindowDelegate.h"
-#include "controls/OVTransportButton.h"
+#include "controls/buttons/OVTransportButton.h"
 
 namespace {
 

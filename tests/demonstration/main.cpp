@@ -17,10 +17,10 @@
 
 #include <unistd.h>
 
-#include "support/PrivateSoundServer.h"
 #include "support/RawAudio.h"
-#include "support/RunningOrvo.h"
-#include "support/VirtualScreen.h"
+#include "support/programs/PrivateSoundServer.h"
+#include "support/programs/RunningOrvo.h"
+#include "support/programs/VirtualScreen.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include "audio/Gate.h"
 #include "document/FileFixture.h"
-#include "document/OVLoadJob.h"
-#include "support/FailingTemporaryFiles.h"
+#include "document/files/OVLoadJob.h"
+#include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <QEvent>
 
 #include "document/DocumentFixture.h"
-#include "platform/Timer.h"
+#include "platform/mainloop/Timer.h"
 
 namespace {
 

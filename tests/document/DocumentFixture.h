@@ -11,16 +11,16 @@
 #include "audio/OVAQRecorder.h"
 #include "audio/SteppedAudioQueues.h"
 #include "controls/OVRecorderWindow.h"
-#include "controls/OVTransportButton.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "displays/OVTimeView.h"
 #include "document/VLRecorderWindowController.h"
 #include "storage/OVBlockBuffer.h"
 #include "support/MainLoop.h"
-#include "support/RecordingServices.h"
-#include "support/ScriptedPanels.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/fakes/ScriptedFileDialogs.h"
 #include "waveform/OVDynamicWaveForm.h"
-#include "waveform/OVPlaybackMarkerView.h"
 #include "waveform/OVStaticWaveform.h"
+#include "waveform/views/OVPlaybackMarkerView.h"
 
 /// A document on sound queues that the test steps by hand, with or without a window.
 class DocumentTest : public testing::Test {

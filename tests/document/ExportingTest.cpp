@@ -4,7 +4,7 @@
 
 #include "document/FileFixture.h"
 #include "support/FileSizeLimit.h"
-#include "waveform/OVWaveFormView.h"
+#include "waveform/views/OVWaveFormView.h"
 
 namespace {
 

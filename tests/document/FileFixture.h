@@ -9,8 +9,8 @@
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
 #include "document/DocumentFixture.h"
-#include "support/RecordingDesktop.h"
 #include "support/TemporaryFolder.h"
+#include "support/fakes/RecordingDesktop.h"
 
 /// A document with files to open and to save to, and panels that the test answers.
 class DocumentFileTest : public DocumentTest {

@@ -5,7 +5,7 @@
 #include <QKeyEvent>
 
 #include "document/FileFixture.h"
-#include "support/FailingTemporaryFiles.h"
+#include "support/fakes/FailingTemporaryFiles.h"
 
 class HeldKeyTest : public DocumentFileTest {
  protected:

@@ -4,10 +4,10 @@
 
 #include "audio/Gate.h"
 #include "document/FileFixture.h"
-#include "support/AudioFileTools.h"
-#include "support/FailingTemporaryFiles.h"
-#include "support/TestAudioFileStorage.h"
-#include "waveform/OVWaveFormView.h"
+#include "support/fakes/FailingTemporaryFiles.h"
+#include "support/fakes/TestUserAudioFiles.h"
+#include "support/programs/AudioFileTools.h"
+#include "waveform/views/OVWaveFormView.h"
 
 namespace {
 
@@ -49,7 +49,7 @@ class ImportOpeningTest : public DocumentFileTest {
   testaudio::Gate gate_;
   support::FailingTemporaryFiles files_;
   platform::TemporaryFilesInstallation filesInstallation_{files_};
-  support::TestAudioFileStorage storage_;
+  support::TestUserAudioFiles storage_;
   platform::AudioFileStorageInstallation storageInstallation_{storage_};
 };
 

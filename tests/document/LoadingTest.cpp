@@ -5,9 +5,9 @@
 
 #include "audio/Gate.h"
 #include "document/FileFixture.h"
-#include "document/OVLoadJob.h"
-#include "support/FailingTemporaryFiles.h"
-#include "waveform/OVWaveFormView.h"
+#include "document/files/OVLoadJob.h"
+#include "support/fakes/FailingTemporaryFiles.h"
+#include "waveform/views/OVWaveFormView.h"
 
 namespace {
 

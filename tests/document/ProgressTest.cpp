@@ -6,7 +6,7 @@
 
 #include "audio/Gate.h"
 #include "document/FileFixture.h"
-#include "support/FailingTemporaryFiles.h"
+#include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
 

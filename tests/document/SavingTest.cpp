@@ -11,11 +11,11 @@
 #include <QProgressBar>
 
 #include "document/FileFixture.h"
-#include "document/OVSaveJob.h"
-#include "platform/AudioFileStorage.h"
-#include "support/FailingTemporaryFiles.h"
+#include "document/files/OVSaveJob.h"
+#include "platform/files/UserAudioFiles.h"
 #include "support/FileSizeLimit.h"
-#include "support/TestAudioFileStorage.h"
+#include "support/fakes/FailingTemporaryFiles.h"
+#include "support/fakes/TestUserAudioFiles.h"
 
 namespace {
 
@@ -480,7 +480,7 @@ TEST_F(MediaTest, AFileThatMayNotBeWrittenIsTold) {
 
 TEST_F(MediaTest, ADiskThatCanOnlyBeReadIsTold) {
   openChanged();
-  support::TestAudioFileStorage disk;
+  support::TestUserAudioFiles disk;
   disk.failOpening(EROFS);
   const platform::AudioFileStorageInstallation installed(disk);
   document_->saveFile(nullptr);
@@ -492,7 +492,7 @@ TEST_F(MediaTest, AMediumThatIsPulledWhileItIsWrittenIsTold) {
   for (const int error : {ENODEV, EIO}) {
     services_->clear();
     openChanged();
-    support::TestAudioFileStorage disk;
+    support::TestUserAudioFiles disk;
     disk.fillUpAfter(10'000, error);
     const platform::AudioFileStorageInstallation installed(disk);
     document_->saveFile(nullptr);

@@ -1,11 +1,11 @@
 #include <gmock/gmock.h>
 
-#include "controls/OVHoverButton.h"
+#include "controls/buttons/OVHoverButton.h"
 #include "controls/OVTransportBackgroundView.h"
 #include "displays/OVFFTView.h"
 #include "document/DocumentFixture.h"
-#include "document/OVSpectrumAnalyser.h"
-#include "support/FailingTemporaryFiles.h"
+#include "document/spectrum/OVSpectrumAnalyser.h"
+#include "support/fakes/FailingTemporaryFiles.h"
 
 using testing::Each;
 using testing::IsEmpty;

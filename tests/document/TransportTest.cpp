@@ -1,7 +1,7 @@
 #include <cerrno>
 
 #include "document/DocumentFixture.h"
-#include "support/FailingTemporaryFiles.h"
+#include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
 

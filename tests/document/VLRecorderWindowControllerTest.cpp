@@ -5,8 +5,8 @@
 #include <fstream>
 
 #include "document/DocumentFixture.h"
-#include "platform/ApplicationServices.h"
-#include "support/FailingTemporaryFiles.h"
+#include "platform/base/ApplicationServices.h"
+#include "support/fakes/FailingTemporaryFiles.h"
 
 TEST_F(DocumentTest, ANewWindowHasNoFileNoLengthAndAHiddenProgressBar) {
   openWindow();

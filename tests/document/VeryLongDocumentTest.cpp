@@ -8,8 +8,8 @@
 #include "document/DocumentFixture.h"
 #include "support/Checkers.h"
 #include "support/ProcessMemory.h"
-#include "support/SparseTemporaryFiles.h"
-#include "support/TestAudioFileStorage.h"
+#include "support/fakes/SparseTemporaryFiles.h"
+#include "support/fakes/TestUserAudioFiles.h"
 
 class VeryLongDocumentTest : public DocumentTest {
  protected:
@@ -95,7 +95,7 @@ class VeryLongDocumentTest : public DocumentTest {
     EXPECT_EQ(document_->waveForm()->readerPos(), frames);
   }
 
-  support::TestAudioFileStorage storage_;
+  support::TestUserAudioFiles storage_;
   platform::AudioFileStorageInstallation storageInstallation_{storage_};
   support::SparseTemporaryFiles files_;
   platform::TemporaryFilesInstallation installation_{files_};

@@ -7,14 +7,14 @@
 #include "audio/OVAQPlayer.h"
 #include "audio/OVAQRecorder.h"
 #include "controls/OVRecorderWindow.h"
-#include "controls/OVTransportButton.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
-#include "platform/DeviceAudioQueues.h"
-#include "platform/Dispatch.h"
-#include "platform/ScriptedAudioDevice.h"
+#include "platform/mainloop/MainQueue.h"
+#include "platform/sound/DeviceAudioQueues.h"
 #include "support/MainLoop.h"
-#include "support/RecordingServices.h"
-#include "support/ScriptedPanels.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/fakes/ScriptedAudioDevice.h"
+#include "support/fakes/ScriptedFileDialogs.h"
 
 /// Documents on real audio queues over a scripted device.
 class WindowLifeTest : public testing::Test {

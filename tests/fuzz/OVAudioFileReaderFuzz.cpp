@@ -12,12 +12,12 @@
 #include <string>
 
 #include "audio/OVAudioFileReader.h"
-#include "platform/ApplicationServices.h"
-#include "platform/AudioFileStorage.h"
+#include "platform/base/ApplicationServices.h"
+#include "platform/files/UserAudioFiles.h"
 
 namespace {
 
-class OneFile : public platform::AudioFileStorage {
+class OneFile : public platform::UserAudioFiles {
  public:
   OneFile(const std::uint8_t* bytes, std::size_t size) : bytes_(bytes), size_(size) {}
 
@@ -72,12 +72,12 @@ void require(bool holds, const char* what) {
 }
 
 constexpr std::uint64_t kChunk = 10'000;
-constexpr std::uint64_t kMostFrames = 3'000'000;  // a minute; a few bytes can stand for hours
+constexpr std::uint64_t kMaxFrames = 3'000'000;  // a minute; a few bytes can stand for hours
 
 // How many frames there are.
 std::uint64_t hear(OVAudioFileReader& reader) {
   std::uint64_t all = 0;
-  while (all < kMostFrames) {
+  while (all < kMaxFrames) {
     const std::uint32_t frames = reader.readFrameChunkWithSize(kChunk);
     if (frames == 0) {
       break;

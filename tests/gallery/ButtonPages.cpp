@@ -5,16 +5,16 @@
 
 #include "controls/OVBackgroundBox.h"
 #include "controls/OVDisplayWell.h"
-#include "controls/OVHoverButton.h"
-#include "controls/OVLeftTransportButtonCell.h"
 #include "controls/OVLoadingIndicator.h"
 #include "controls/OVLoadingLabel.h"
 #include "controls/OVLoadingPanel.h"
 #include "controls/OVOverlayView.h"
-#include "controls/OVRightTransportButtonCell.h"
-#include "controls/OVRoundedTransportButton.h"
+#include "controls/buttons/OVHoverButton.h"
+#include "controls/buttons/OVLeftTransportButtonCell.h"
+#include "controls/buttons/OVRightTransportButtonCell.h"
+#include "controls/buttons/OVRoundedTransportButton.h"
 #include "controls/OVTransportBackgroundView.h"
-#include "controls/OVTransportButton.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "gallery/GalleryPages.h"
 
 namespace {

@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 #include <QMenuBar>
 
-#include "controls/OVTransportButtonCell.h"
+#include "controls/buttons/OVTransportButtonCell.h"
 #include "gallery/GalleryPages.h"
 #include "gallery/GalleryScreen.h"
 #include "support/DarkPalette.h"
-#include "support/FakeWaveformSummary.h"
 #include "support/Pixels.h"
+#include "support/fakes/FakeWaveformSummary.h"
 #include "ui_VNRecorderWindow.h"
 
 namespace {

@@ -10,7 +10,7 @@ namespace {
 constexpr int kMargin = 14;       // points, around tiles
 constexpr int kLabelHeight = 14;  // points, below a tile
 constexpr int kLabelSize = 9;
-constexpr int kLongestRow = 900;  // points
+constexpr int kMaxRow = 900;  // points
 
 QFont labelFont() {
   QFont font(QStringLiteral("Arial"));
@@ -30,7 +30,7 @@ GalleryPage::GalleryPage(QString name) : name_(std::move(name)), next_(kMargin, 
 
 void GalleryPage::place(const QString& label, QSize size, QWidget* tile) {
   const int labelWidth = QFontMetrics(labelFont()).horizontalAdvance(label);
-  if (next_.x() > kMargin && next_.x() + std::max(size.width(), labelWidth) > kLongestRow) {
+  if (next_.x() > kMargin && next_.x() + std::max(size.width(), labelWidth) > kMaxRow) {
     newRow();
   }
   tile->setParent(this);

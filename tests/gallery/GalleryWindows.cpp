@@ -17,13 +17,13 @@
 #include "audio/OVAudioFileWriter.h"
 #include "audio/SteppedAudioQueues.h"
 #include "controls/OVRecorderWindow.h"
-#include "controls/OVTransportButton.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
 #include "gallery/GalleryScreen.h"
 #include "support/DarkPalette.h"
-#include "support/FailingTemporaryFiles.h"
 #include "support/MainLoop.h"
-#include "support/RecordingServices.h"
+#include "support/fakes/FailingTemporaryFiles.h"
+#include "support/fakes/RecordingServices.h"
 
 namespace {
 

@@ -7,11 +7,11 @@
 #include <gtest/gtest.h>
 #include <QMenuBar>
 
-#include "document/OVSpectrumStrip.h"
+#include "controls/OVSpectrumStrip.h"
 #include "gallery/GalleryScreen.h"
-#include "support/FakeWaveformSummary.h"
 #include "support/MainLoop.h"
 #include "support/Pixels.h"
+#include "support/fakes/FakeWaveformSummary.h"
 #include "ui_VNRecorderWindow.h"
 
 namespace {

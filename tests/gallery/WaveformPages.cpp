@@ -6,10 +6,10 @@
 #include <QPainter>
 
 #include "gallery/GalleryPages.h"
-#include "platform/NamedImage.h"
-#include "support/FakeWaveformSummary.h"
-#include "waveform/OVPlaybackMarkerView.h"
-#include "waveform/OVWaveFormView.h"
+#include "platform/views/NamedImage.h"
+#include "support/fakes/FakeWaveformSummary.h"
+#include "waveform/views/OVPlaybackMarkerView.h"
+#include "waveform/views/OVWaveFormView.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include "platform/CubebAudioDevice.h"
+#include "platform/cubeb/CubebAudioDevice.h"
 
 #include <cstdlib>
 #include <string>
 
-#include "platform/AudioQueueFixture.h"
-#include "support/PrivateSoundServer.h"
+#include "platform/sound/AudioQueueFixture.h"
 #include "support/RawAudio.h"
+#include "support/programs/PrivateSoundServer.h"
 
 namespace platform::test {
 namespace {
@@ -167,7 +167,7 @@ TEST_F(CubebAudioDeviceTest, AServerThatDiesEndsTheQueuesAndTheNextServerIsFound
   ASSERT_TRUE(playback.states.awaitCount(2));
   EXPECT_EQ(recording.failures.values()[0], kDeviceLostStatus);
   EXPECT_EQ(playback.queue->failure(), kDeviceLostStatus);
-  EXPECT_TRUE(queues_->takeInputFailureReport());
+  EXPECT_TRUE(queues_->claimInputFailureAlert());
   // Still no server: a plain refusal, within the known second and beyond.
   Recording refused;
   EXPECT_EQ(refused.make(*queues_), kDeviceLostStatus);
@@ -176,7 +176,7 @@ TEST_F(CubebAudioDeviceTest, AServerThatDiesEndsTheQueuesAndTheNextServerIsFound
     EXPECT_NE(status, kAudioStatusOk);
     return status == kDeviceUnavailableStatus;
   }));
-  EXPECT_FALSE(queues_->takeInputFailureReport());
+  EXPECT_FALSE(queues_->claimInputFailureAlert());
   ASSERT_TRUE(server_->restart());
   Recording again;
   ASSERT_TRUE(support::eventually([&] { return again.begin(*queues_) == kAudioStatusOk; }));

@@ -18,7 +18,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using testserver::blockBufferWith;
 using testserver::duration;
-using testserver::kLongestCall;
+using testserver::kMaxCall;
 using testserver::kSecond;
 using testserver::withoutSilence;
 
@@ -112,13 +112,13 @@ TEST_F(PlayToServerTest, AServerKilledWhilePlayingIsToldOnceAndEndsThePlayback) 
   ASSERT_TRUE(runMainLoopUntil([&] { return delegate_->stopped > 0; }));
   EXPECT_FALSE(player_->isPlaying());
   EXPECT_EQ(player_->failure(), platform::kDeviceLostStatus);
-  EXPECT_LE(duration([&] { player_->stop(); }), kLongestCall);
+  EXPECT_LE(duration([&] { player_->stop(); }), kMaxCall);
   EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
   EXPECT_THAT(services_->alerts(), IsEmpty());
   EXPECT_LE(duration([&] {
               EXPECT_EQ(OVAQPlayer::initWithBuffer(blockBufferWith(noise(1000, 9)), 0), nullptr);
             }),
-            kLongestCall);
+            kMaxCall);
   ASSERT_TRUE(server_->restart());
   EXPECT_TRUE(support::eventually([&] {
     player_ = OVAQPlayer::initWithBuffer(blockBufferWith(noise(1000, 9)), 0);
@@ -132,15 +132,15 @@ TEST_F(PlayToServerTest, AServerThatHangsHoldsUpNoCall) {
   player_->play();
   ASSERT_TRUE(runMainLoopUntil([&] { return player_->readingPosition() > 400'000; }));
   server_->freeze();
-  EXPECT_LE(duration([&] { static_cast<void>(player_->powerLevels()); }), kLongestCall);
-  EXPECT_LE(duration([&] { player_->pause(); }), kLongestCall);
-  EXPECT_LE(duration([&] { player_->play(); }), kLongestCall);
-  EXPECT_LE(duration([&] { player_->stop(); }), kLongestCall);
-  EXPECT_LE(duration([&] { player_.reset(); }), kLongestCall);
+  EXPECT_LE(duration([&] { static_cast<void>(player_->powerLevels()); }), kMaxCall);
+  EXPECT_LE(duration([&] { player_->pause(); }), kMaxCall);
+  EXPECT_LE(duration([&] { player_->play(); }), kMaxCall);
+  EXPECT_LE(duration([&] { player_->stop(); }), kMaxCall);
+  EXPECT_LE(duration([&] { player_.reset(); }), kMaxCall);
   for (int i = 0; i < 2; ++i) {
-    EXPECT_LE(duration([&] { make(noise(5000, 11)); }), kLongestCall);
-    EXPECT_LE(duration([&] { player_->play(); }), kLongestCall);
-    EXPECT_LE(duration([&] { player_->stop(); }), kLongestCall);
+    EXPECT_LE(duration([&] { make(noise(5000, 11)); }), kMaxCall);
+    EXPECT_LE(duration([&] { player_->play(); }), kMaxCall);
+    EXPECT_LE(duration([&] { player_->stop(); }), kMaxCall);
   }
   server_->thaw();
   expectHeardWhole(noise(5000, 12), "thawed");

@@ -20,7 +20,7 @@ using support::Samples;
 using testing::IsEmpty;
 using testserver::contents;
 using testserver::duration;
-using testserver::kLongestCall;
+using testserver::kMaxCall;
 using testserver::kSecond;
 using testserver::withoutSilence;
 
@@ -161,15 +161,14 @@ TEST_F(RecordFromServerTest, AServerKilledWhileRecordingKeepsEverythingIsToldOnc
   server_->kill();
   ASSERT_TRUE(support::eventually([&] { return told != 0; }));
   EXPECT_EQ(told, platform::kDeviceLostStatus);
-  EXPECT_LE(duration([&] { recorder_->pause(); }), kLongestCall);
+  EXPECT_LE(duration([&] { recorder_->pause(); }), kMaxCall);
 
   expectPartOf(signal);
   EXPECT_EQ(recorder_->writingPosition(), buffer_->bufferSizeInFrames() * testserver::kFrameBytes);
 
-  EXPECT_LE(duration([&] { recorder_->prepareForDestruction(); }), kLongestCall);
+  EXPECT_LE(duration([&] { recorder_->prepareForDestruction(); }), kMaxCall);
   recorder_.reset();
-  EXPECT_LE(duration([&] { EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_), nullptr); }),
-            kLongestCall);
+  EXPECT_LE(duration([&] { EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_), nullptr); }), kMaxCall);
   EXPECT_EQ(services_->alerts().size() + services_->postedAlerts().size(), 1U);
 
   ASSERT_TRUE(server_->restart());
@@ -186,17 +185,17 @@ TEST_F(RecordFromServerTest, AServerThatHangsHoldsUpNoCall) {
   recorder_->record();
   ASSERT_TRUE(support::eventually([&] { return buffer_->bufferSizeInFrames() > 0; }));
   server_->freeze();
-  EXPECT_LE(duration([&] { static_cast<void>(recorder_->powerLevels()); }), kLongestCall);
-  EXPECT_LE(duration([&] { recorder_->pause(); }), kLongestCall);
+  EXPECT_LE(duration([&] { static_cast<void>(recorder_->powerLevels()); }), kMaxCall);
+  EXPECT_LE(duration([&] { recorder_->pause(); }), kMaxCall);
   for (int i = 0; i < 3; ++i) {
-    EXPECT_LE(duration([&] { recorder_->prepareForDestruction(); }), kLongestCall);
-    EXPECT_LE(duration([&] { recorder_.reset(); }), kLongestCall);
-    EXPECT_LE(duration([&] { recorder_ = OVAQRecorder::initWithBuffer(buffer_); }), kLongestCall);
+    EXPECT_LE(duration([&] { recorder_->prepareForDestruction(); }), kMaxCall);
+    EXPECT_LE(duration([&] { recorder_.reset(); }), kMaxCall);
+    EXPECT_LE(duration([&] { recorder_ = OVAQRecorder::initWithBuffer(buffer_); }), kMaxCall);
     ASSERT_NE(recorder_, nullptr);
   }
   const auto before = buffer_->bufferSizeInFrames();
   recorder_->setWritingPosition(before * testserver::kFrameBytes);
-  EXPECT_LE(duration([&] { recorder_->record(); }), kLongestCall);
+  EXPECT_LE(duration([&] { recorder_->record(); }), kMaxCall);
   server_->thaw();
   EXPECT_TRUE(support::eventually([&] { return buffer_->bufferSizeInFrames() > before; }));
   EXPECT_THAT(services_->alerts(), IsEmpty());

@@ -13,14 +13,14 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/AudioQueue.h"
-#include "platform/CubebAudioDevice.h"
-#include "platform/DeviceAudioQueues.h"
+#include "platform/cubeb/CubebAudioDevice.h"
+#include "platform/sound/AudioQueue.h"
+#include "platform/sound/DeviceAudioQueues.h"
 #include "storage/OVBlockBuffer.h"
-#include "support/PrivateSoundServer.h"
 #include "support/RawAudio.h"
-#include "support/RecordingServices.h"
 #include "support/TemporaryFolder.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/programs/PrivateSoundServer.h"
 
 namespace testserver {
 
@@ -59,7 +59,7 @@ inline support::Samples withoutSilence(const support::Samples& samples) {
 
 /// No call may wait for the sound system for more than 250 ms; the rest is for a busy machine. What
 /// is caught are the waits of a library that asks a hanging server: 30 s and more.
-inline constexpr std::chrono::milliseconds kLongestCall{1000};
+inline constexpr std::chrono::milliseconds kMaxCall{1000};
 
 /// How long a call takes.
 inline std::chrono::milliseconds duration(const std::function<void()>& call) {

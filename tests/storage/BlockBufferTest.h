@@ -7,8 +7,8 @@
 
 #include "storage/OVBlockBuffer.h"
 #include "storage/TransferHelpers.h"
-#include "support/FailingTemporaryFiles.h"
-#include "support/RecordingServices.h"
+#include "support/fakes/FailingTemporaryFiles.h"
+#include "support/fakes/RecordingServices.h"
 
 namespace storagetest {
 

@@ -9,9 +9,9 @@
 
 #include "storage/OVAudioBufferInterface.h"
 #include "storage/TransferHelpers.h"
-#include "support/FailingTemporaryFiles.h"
 #include "support/ModelTest.h"
-#include "support/RecordingDelegate.h"
+#include "support/fakes/FailingTemporaryFiles.h"
+#include "support/fakes/RecordingDelegate.h"
 
 namespace storagetest {
 

@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <memory>
 
-#include "support/RecordingDelegate.h"
+#include "support/fakes/RecordingDelegate.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include "storage/OVDiskAudioBuffer.h"
 #include "storage/TransferHelpers.h"
 #include "support/Eventually.h"
-#include "support/FailingTemporaryFiles.h"
-#include "support/RecordingDelegate.h"
-#include "support/RecordingServices.h"
+#include "support/fakes/FailingTemporaryFiles.h"
+#include "support/fakes/RecordingDelegate.h"
+#include "support/fakes/RecordingServices.h"
 
 namespace storagetest {
 

@@ -4,7 +4,7 @@
 #include <random>
 #include <string>
 
-#include "platform/ApplicationServices.h"
+#include "platform/base/ApplicationServices.h"
 #include "storage/BufferPair.h"
 #include "storage/OVAudioBuffer.h"
 #include "storage/PlainBuffers.h"

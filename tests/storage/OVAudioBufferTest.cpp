@@ -8,8 +8,8 @@
 #include "storage/TransferHelpers.h"
 #include "support/AddressSpaceLimit.h"
 #include "support/Checkers.h"
-#include "support/RecordingDelegate.h"
-#include "support/RecordingServices.h"
+#include "support/fakes/RecordingDelegate.h"
+#include "support/fakes/RecordingServices.h"
 
 namespace {
 

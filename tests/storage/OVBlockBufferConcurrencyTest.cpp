@@ -10,8 +10,8 @@
 
 #include "storage/OVBlockBuffer.h"
 #include "storage/TransferHelpers.h"
-#include "support/FailingTemporaryFiles.h"
-#include "support/RecordingDelegate.h"
+#include "support/fakes/FailingTemporaryFiles.h"
+#include "support/fakes/RecordingDelegate.h"
 
 namespace {
 

@@ -2,13 +2,13 @@
 
 #include <cerrno>
 
-#include "platform/ApplicationServices.h"
+#include "platform/base/ApplicationServices.h"
 #include "storage/OVBlockBuffer.h"
 #include "storage/TransferHelpers.h"
-#include "support/FailingTemporaryFiles.h"
-#include "support/RecordingDelegate.h"
-#include "support/RecordingServices.h"
-#include "support/SparseTemporaryFiles.h"
+#include "support/fakes/FailingTemporaryFiles.h"
+#include "support/fakes/RecordingDelegate.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/fakes/SparseTemporaryFiles.h"
 
 namespace {
 

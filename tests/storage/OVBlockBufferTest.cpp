@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "storage/BlockBufferTest.h"
-#include "support/RecordingDelegate.h"
+#include "support/fakes/RecordingDelegate.h"
 
 namespace {
 

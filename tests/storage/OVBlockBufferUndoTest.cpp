@@ -4,7 +4,7 @@
 
 #include "storage/OVBlockBuffer.h"
 #include "storage/TransferHelpers.h"
-#include "support/FailingTemporaryFiles.h"
+#include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
 

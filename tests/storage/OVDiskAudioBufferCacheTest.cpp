@@ -7,7 +7,7 @@
 #include <future>
 #include <memory>
 
-#include "platform/GlobalQueue.h"
+#include "platform/base/GlobalQueue.h"
 #include "storage/DiskBufferTest.h"
 
 namespace {

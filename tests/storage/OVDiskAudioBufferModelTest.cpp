@@ -10,7 +10,7 @@
 #include "storage/PlainBuffers.h"
 #include "support/Eventually.h"
 #include "support/ModelTest.h"
-#include "support/RecordingServices.h"
+#include "support/fakes/RecordingServices.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/PosixFile.h"
+#include "platform/files/PosixFile.h"
 #include "storage/DiskBufferTest.h"
 #include "support/TemporaryFolder.h"
 

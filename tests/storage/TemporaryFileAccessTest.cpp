@@ -9,9 +9,9 @@
 #include <optional>
 #include <string>
 
-#include "support/FailingTemporaryFiles.h"
-#include "support/RecordingServices.h"
 #include "support/TemporaryFolder.h"
+#include "support/fakes/FailingTemporaryFiles.h"
+#include "support/fakes/RecordingServices.h"
 
 namespace {
 

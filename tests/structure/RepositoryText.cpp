@@ -6,7 +6,7 @@
 #include <regex>
 #include <sstream>
 
-#include "support/ChildProcess.h"
+#include "support/programs/ChildProcess.h"
 
 namespace structure {
 

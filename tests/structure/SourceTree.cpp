@@ -13,17 +13,57 @@ namespace structure {
 
 namespace {
 
-std::string folderOf(const std::string& path) {
-  return path.substr(0, path.find('/'));
+/// What a file of each room may include besides its own room. A room is a folder that stands here;
+/// the folders below it belong to it.
+const std::map<std::string, std::set<std::string>>& arrows() {
+  static const std::map<std::string, std::set<std::string>> below{
+      {"platform/base", {}},
+      {"platform/files", {"platform/base"}},
+      {"platform/sound", {"platform/base"}},
+      {"platform/cubeb", {"platform/sound"}},
+      {"platform/media", {"platform/files"}},
+      {"platform/mainloop", {"platform/base"}},
+      {"platform/views", {"platform/mainloop"}},
+      {"platform/desktop", {"platform/mainloop", "platform/files"}},
+      {"storage", {"platform/files"}},
+      {"waveform", {"storage"}},
+      {"waveform/views", {"waveform", "platform/views"}},
+      {"audio", {"storage", "platform/sound", "platform/media", "platform/mainloop"}},
+      {"displays", {"platform/views"}},
+      {"controls/buttons", {"platform/views"}},
+      {"controls", {"controls/buttons", "platform/views", "platform/desktop"}},
+      {"document/summaries", {"waveform/views"}},
+      {"document/spectrum", {"storage", "platform/media"}},
+      {"document/files", {"audio"}},
+      {"document",
+       {"document/summaries", "document/spectrum", "document/files", "controls", "displays",
+        "waveform/views", "audio", "platform/desktop"}},
+      {"app", {"document", "platform/cubeb"}},
+  };
+  return below;
 }
 
-/// Height of a folder in the house; a file may include what stands lower.
-std::optional<int> heightOf(const std::string& folder) {
-  static const std::map<std::string, int> heights{{"platform", 0}, {"storage", 1},  {"audio", 2},
-                                                  {"waveform", 2}, {"displays", 2}, {"controls", 2},
-                                                  {"document", 3}, {"app", 4}};
-  const auto found = heights.find(folder);
-  return found == heights.end() ? std::nullopt : std::optional<int>(found->second);
+/// The room of a file: the longest of its folders that is one. Empty for none.
+std::string roomOf(const std::string& path) {
+  std::string folder = path;
+  while (!folder.empty() && !arrows().contains(folder)) {
+    const std::size_t slash = folder.rfind('/');
+    folder.resize(slash == std::string::npos ? 0 : slash);
+  }
+  return folder;
+}
+
+/// Whether a room may include another one, in one step or over rooms between them.
+bool mayInclude(const std::string& room, const std::string& other) {
+  const auto& below = arrows().at(room);
+  return room == other || std::any_of(below.begin(), below.end(), [&](const std::string& next) {
+           return mayInclude(next, other);
+         });
+}
+
+/// A header and its source are one unit.
+std::string unitOf(const std::string& path) {
+  return path.substr(0, path.rfind('.'));
 }
 
 /// Headers that the build makes: interface files and the meta-object compiler's output.
@@ -89,9 +129,9 @@ std::vector<Include> includesOf(const std::string& text) {
 Complaints complaintsAboutArrows(const SourceTree& tree) {
   Complaints complaints;
   for (const auto& [path, text] : tree) {
-    const auto height = heightOf(folderOf(path));
-    if (!height) {
-      complaints.push_back(path + ": stands in no folder of the house");
+    const std::string room = roomOf(path);
+    if (room.empty()) {
+      complaints.push_back(path + ": stands in no room of the house");
       continue;
     }
     for (const Include& include : includesOf(text)) {
@@ -100,8 +140,8 @@ Complaints complaintsAboutArrows(const SourceTree& tree) {
       }
       if (!tree.contains(include.name)) {
         complaints.push_back(path + ": includes \"" + include.name + "\", which is not there");
-      } else if (const auto other = heightOf(folderOf(include.name));
-                 folderOf(include.name) != folderOf(path) && (!other || *other >= *height)) {
+      } else if (const std::string other = roomOf(include.name);
+                 other.empty() || !mayInclude(room, other)) {
         complaints.push_back(path + ": includes \"" + include.name + "\" against the arrows");
       }
     }
@@ -110,27 +150,33 @@ Complaints complaintsAboutArrows(const SourceTree& tree) {
 }
 
 Complaints complaintsAboutCircles(const SourceTree& tree) {
+  std::map<std::string, std::set<std::string>> units;
+  for (const auto& [path, text] : tree) {
+    auto& included = units[unitOf(path)];
+    for (const Include& include : includesOf(text)) {
+      if (include.own && tree.contains(include.name)) {
+        included.insert(unitOf(include.name));
+      }
+    }
+  }
   enum class Visit { kOpen, kDone };
   std::map<std::string, Visit> visits;
   Complaints complaints;
-  const std::function<void(const std::string&)> visit = [&](const std::string& path) {
-    visits[path] = Visit::kOpen;
-    for (const Include& include : includesOf(tree.at(path))) {
-      if (!include.own || !tree.contains(include.name)) {
-        continue;
-      }
-      const auto seen = visits.find(include.name);
+  const std::function<void(const std::string&)> visit = [&](const std::string& unit) {
+    visits[unit] = Visit::kOpen;
+    for (const std::string& other : units.at(unit)) {
+      const auto seen = visits.find(other);
       if (seen == visits.end()) {
-        visit(include.name);
-      } else if (seen->second == Visit::kOpen) {
-        complaints.push_back(path + ": \"" + include.name + "\" leads back here");
+        visit(other);
+      } else if (seen->second == Visit::kOpen && other != unit) {
+        complaints.push_back(unit + ": \"" + other + "\" leads back here");
       }
     }
-    visits[path] = Visit::kDone;
+    visits[unit] = Visit::kDone;
   };
-  for (const auto& [path, text] : tree) {
-    if (!visits.contains(path)) {
-      visit(path);
+  for (const auto& [unit, included] : units) {
+    if (!visits.contains(unit)) {
+      visit(unit);
     }
   }
   return complaints;
@@ -166,7 +212,7 @@ Complaints complaintsAboutMissingHeaders(const SourceTree& tree) {
     const bool found = std::any_of(includes.begin(), includes.end(), [&](const Include& include) {
       return tree.contains(ownHeader)
                  ? include.name == ownHeader
-                 : tree.contains(include.name) && folderOf(include.name) == folderOf(path);
+                 : tree.contains(include.name) && roomOf(include.name) == roomOf(path);
     });
     if (!found) {
       complaints.push_back(path + ": does not include the header that it belongs to");

@@ -29,12 +29,12 @@ struct Include {
 };
 [[nodiscard]] std::vector<Include> includesOf(const std::string& text);
 
-/// Includes that go against app → document → {controls, displays, waveform, audio} → storage →
-/// platform, name no file of the tree, or come from a folder that stands nowhere in it. Folders
-/// side by side do not include each other.
+/// Includes that go against the arrows between the rooms, name no file of the tree, or come from a
+/// folder that is no room. Rooms side by side do not include each other.
 [[nodiscard]] Complaints complaintsAboutArrows(const SourceTree& tree);
 
-/// Chains of includes that lead back to where they began.
+/// Chains of includes that lead back to the unit where they began. A unit is a header with its
+/// source.
 [[nodiscard]] Complaints complaintsAboutCircles(const SourceTree& tree);
 
 /// Files among `pure` that include more than the standard library, POSIX and one another.

@@ -33,7 +33,7 @@ TEST_F(Product, IncludesMakeNoCircle) {
 
 TEST_F(Product, StorageAndSummariesSeeTheStandardLibraryAlone) {
   const auto pure = readFileList(ORVO_PURE_FILES, kSources);
-  ASSERT_THAT(pure, testing::Contains("platform/AudioTypes.h"));
+  ASSERT_THAT(pure, testing::Contains("platform/base/AudioTypes.h"));
   EXPECT_THAT(complaintsAboutPureFiles(tree_, pure), IsEmpty());
 }
 
@@ -65,9 +65,10 @@ TEST(SourceTree, FoldersSideBySideDoNotIncludeEachOther) {
 }
 
 TEST(SourceTree, HigherFolderMayIncludeAnyLowerOneAndItsOwn) {
-  const SourceTree tree{{"document/A.h", "#include \"platform/B.h\"\n#include \"document/C.h\"\n"},
-                        {"platform/B.h", ""},
-                        {"document/C.h", "#include \"ui_Window.h\"\n"}};
+  const SourceTree tree{
+      {"document/A.h", "#include \"platform/base/B.h\"\n#include \"document/C.h\"\n"},
+      {"platform/base/B.h", ""},
+      {"document/C.h", "#include \"ui_Window.h\"\n"}};
   EXPECT_THAT(complaintsAboutArrows(tree), IsEmpty());
 }
 
@@ -84,7 +85,33 @@ TEST(SourceTree, CircleOfThreeHeadersIsFound) {
   const SourceTree tree{{"audio/A.h", "#include \"audio/B.h\"\n"},
                         {"audio/B.h", "#include \"audio/C.h\"\n"},
                         {"audio/C.h", "#include \"audio/A.h\"\n"}};
-  EXPECT_THAT(complaintsAboutCircles(tree), ElementsAre(HasSubstr("audio/C.h")));
+  EXPECT_THAT(complaintsAboutCircles(tree), ElementsAre(HasSubstr("audio/C")));
+}
+
+TEST(SourceTree, CircleOfAHeaderAndASourceIsFound) {
+  const SourceTree tree{{"audio/A.h", ""},
+                        {"audio/A.cpp", "#include \"audio/A.h\"\n#include \"audio/B.h\"\n"},
+                        {"audio/B.h", "#include \"audio/A.h\"\n"}};
+  EXPECT_THAT(complaintsAboutCircles(tree), ElementsAre(HasSubstr("audio/B")));
+}
+
+TEST(SourceTree, RoomThatIncludesTheRoomBesideItIsFound) {
+  const SourceTree tree{{"platform/sound/A.h", "#include \"platform/files/B.h\"\n"},
+                        {"platform/files/B.h", ""}};
+  EXPECT_THAT(complaintsAboutArrows(tree), ElementsAre(HasSubstr("platform/sound/A.h")));
+}
+
+TEST(SourceTree, RoomBelowAnotherIsNotPartOfIt) {
+  const SourceTree tree{{"waveform/A.h", "#include \"waveform/views/B.h\"\n"},
+                        {"waveform/views/B.h", ""}};
+  EXPECT_THAT(complaintsAboutArrows(tree), ElementsAre(HasSubstr("waveform/A.h")));
+}
+
+TEST(SourceTree, FolderInsideARoomBelongsToIt) {
+  const SourceTree tree{{"platform/sound/A.h", "#include \"platform/sound/realtime/B.h\"\n"},
+                        {"platform/sound/realtime/B.h", "#include \"platform/base/C.h\"\n"},
+                        {"platform/base/C.h", ""}};
+  EXPECT_THAT(complaintsAboutArrows(tree), IsEmpty());
 }
 
 TEST(SourceTree, HeaderIncludedOnTwoWaysIsNoCircle) {

@@ -6,7 +6,7 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 
-#include "platform/Dispatch.h"
+#include "platform/mainloop/MainQueue.h"
 
 /// Runs the main loop until a condition holds; false when the deadline passed first.
 /// Threads: main.

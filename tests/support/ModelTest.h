@@ -95,11 +95,11 @@ class Shrinking {
   }
 
  private:
-  static constexpr unsigned kMostTries = 20'000;  // of a sequence; more is not worth the wait
+  static constexpr unsigned kMaxTries = 20'000;  // of a sequence; more is not worth the wait
 
   // Steps behind the first difference go, too.
   bool keepIfDifferent(Steps candidate) {
-    if (++tries_ > kMostTries) {
+    if (++tries_ > kMaxTries) {
       return false;
     }
     const auto difference = find<Pair>(candidate);

@@ -9,7 +9,7 @@
 #include <QPainter>
 #include <QSize>
 
-#include "platform/ViewDrawing.h"
+#include "platform/views/ViewDrawing.h"
 
 /// Pictures and colours for tests that look at single pixels. Rows count from the top.
 

@@ -55,7 +55,7 @@ TEST(SourceTexts, UnmarkedTextOnItsWayToAPersonIsFoundWithItsLine) {
            "alert.addButton(\"Wait\", Role::accept);",
            "ShowModalAlert(\"Wait\", localizedUtf8(\"key\"));",
            "QMessageBox::about(window, \"Wait\", text);",
-           "panels().beginSheet({.window = w, .title = \"Wait\"}, answer);",
+           "fileDialogs().beginSheet({.window = w, .title = \"Wait\"}, answer);",
            "ShowModalAlert(title, std::string(\"Wait\") + \"!\");",
            "describeView(this, \"Wait\", QAccessible::Graphic);",
        }) {

@@ -31,7 +31,7 @@ using storagetest::PlainBlockBuffer;
 using State = PlainBlockBuffer::State;
 
 constexpr std::uint64_t kFrameBytes = 8;
-constexpr std::uint64_t kLongestWrite = 64;     // frames
+constexpr std::uint64_t kMaxWrite = 64;         // frames
 constexpr std::uint64_t kLongRecording = 4000;  // frames: from here on it does not grow
 
 // A frame says where in the file it was written: its number there, 16 bits in each sample.
@@ -233,7 +233,7 @@ class BlockBufferTraffic : public testing::Test {
     const std::uint64_t length = history_.now().fillSize / kFrameBytes;
     const bool inside = random() % 3 != 0 || length > kLongRecording;
     const std::uint64_t frame = inside ? random() % (length + 1) : length;
-    const std::uint64_t count = random() % 20 == 0 ? 0 : 1 + random() % kLongestWrite;
+    const std::uint64_t count = random() % 20 == 0 ? 0 : 1 + random() % kMaxWrite;
     const OVBlock block(frame * kFrameBytes, written_ * kFrameBytes, count * kFrameBytes);
     history_.plan(
         [this, block, frames = stampedFrames(written_, count)] {
@@ -373,13 +373,13 @@ TEST_F(BlockBufferTraffic, EveryReadGivesWhatStoodThereAtOneMomentOfTheRead) {
 class UnorderedBlockBufferTraffic : public testing::Test {
  protected:
   static constexpr std::uint64_t kWriteFrames = 64;
-  static constexpr std::uint64_t kMostWrites = 1 << 20;
-  static constexpr int kMostWaypoints = 500;  // they are kept for good
+  static constexpr std::uint64_t kMaxWrites = 1 << 20;
+  static constexpr int kMaxWaypoints = 500;  // they are kept for good
 
   void write() {
     std::mt19937 random(1);
     Rounds rounds(8000);
-    for (std::uint64_t i = 0; i < kMostWrites && rounds.next(); ++i) {
+    for (std::uint64_t i = 0; i < kMaxWrites && rounds.next(); ++i) {
       const std::uint64_t length = buffer_->bufferSizeInFrames();
       const std::uint64_t frame =
           random() % 3 == 0 || length > 40'000 ? random() % (length + 1) : length;
@@ -406,7 +406,7 @@ class UnorderedBlockBufferTraffic : public testing::Test {
 
   void edit() {
     for (int edits = 0; isWriting_; ++edits) {
-      if (edits < kMostWaypoints) {
+      if (edits < kMaxWaypoints) {
         buffer_->setWaypoint();
       }
       buffer_->cutoffBufferAfterPosition(buffer_->bufferSizeInFrames() / 2);
@@ -420,7 +420,7 @@ class UnorderedBlockBufferTraffic : public testing::Test {
   const std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
   // Frames: where each write went.
   std::vector<std::atomic<std::uint64_t>> places_ =
-      std::vector<std::atomic<std::uint64_t>>(kMostWrites);
+      std::vector<std::atomic<std::uint64_t>>(kMaxWrites);
   std::atomic<std::uint64_t> begun_{0};  // writes
   std::atomic<bool> isWriting_ = true;   // the others go on as long as this
 };

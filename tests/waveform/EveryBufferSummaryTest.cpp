@@ -8,8 +8,8 @@
 #include "storage/OVAudioBuffer.h"
 #include "storage/OVBlockBuffer.h"
 #include "storage/OVDiskAudioBuffer.h"
-#include "support/RecordingServices.h"
 #include "support/TestAudio.h"
+#include "support/fakes/RecordingServices.h"
 #include "waveform/OVDynamicWaveForm.h"
 #include "waveform/OVStaticWaveform.h"
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "support/MemoryTestBuffer.h"
+#include "support/fakes/MemoryTestBuffer.h"
 
 /// Both summaries once more, in the plainest form: one read of the buffer for each block, one
 /// sample at a time, no locks. The tests compare the real ones with these to the bit.

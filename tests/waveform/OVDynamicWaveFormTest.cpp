@@ -8,9 +8,9 @@
 #include <memory>
 #include <vector>
 
-#include "support/MemoryTestBuffer.h"
-#include "support/ReadGate.h"
 #include "support/TestAudio.h"
+#include "support/fakes/MemoryTestBuffer.h"
+#include "support/fakes/ReadGate.h"
 
 namespace {
 

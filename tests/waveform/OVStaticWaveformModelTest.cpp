@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "LiteralSummaries.h"
-#include "support/MemoryTestBuffer.h"
 #include "support/ModelTest.h"
 #include "support/TestAudio.h"
+#include "support/fakes/MemoryTestBuffer.h"
 #include "waveform/OVStaticWaveform.h"
 
 namespace {

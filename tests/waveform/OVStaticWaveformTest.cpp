@@ -9,9 +9,9 @@
 #include <memory>
 #include <vector>
 
-#include "support/MemoryTestBuffer.h"
-#include "support/ReadGate.h"
 #include "support/TestAudio.h"
+#include "support/fakes/MemoryTestBuffer.h"
+#include "support/fakes/ReadGate.h"
 #include "waveform/OVDynamicWaveForm.h"
 
 namespace {

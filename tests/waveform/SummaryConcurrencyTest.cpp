@@ -8,8 +8,8 @@
 #include <thread>
 #include <vector>
 
-#include "support/MemoryTestBuffer.h"
 #include "support/TestAudio.h"
+#include "support/fakes/MemoryTestBuffer.h"
 #include "waveform/OVDynamicWaveForm.h"
 #include "waveform/OVStaticWaveform.h"
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "LiteralSummaries.h"
-#include "support/MemoryTestBuffer.h"
 #include "support/TestAudio.h"
+#include "support/fakes/MemoryTestBuffer.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include "storage/OVBlockBuffer.h"
 #include "support/Checkers.h"
 #include "support/ProcessMemory.h"
-#include "support/SparseTemporaryFiles.h"
+#include "support/fakes/SparseTemporaryFiles.h"
 #include "waveform/OVDynamicWaveForm.h"
 #include "waveform/OVStaticWaveform.h"
 

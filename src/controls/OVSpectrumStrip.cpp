@@ -1,0 +1,162 @@
+#include "controls/OVSpectrumStrip.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QEvent>
+#include <QLayout>
+#include <QScreen>
+#include <QStyle>
+
+#include "platform/mainloop/MainQueue.h"
+
+OVSpectrumStrip::OVSpectrumStrip(QMainWindow* window, QWidget* strip)
+    : window_(window),
+      strip_(strip),
+      minimumHeightWithout_(window->centralWidget()->minimumHeight()) {
+  setStripHeight(0);
+  window->installEventFilter(this);
+  animation_.setStartValue(0);
+  animation_.setEndValue(kHeight);
+  animation_.setDuration(kDuration);
+  animation_.setEasingCurve(QEasingCurve::InOutQuad);
+  connect(&animation_, &QVariantAnimation::valueChanged, this,
+          [this](const QVariant& height) { stepTo(height.toInt()); });
+}
+
+void OVSpectrumStrip::setShown(bool shown) {
+  if (shown == shown_ || !window_ || !strip_) {
+    return;
+  }
+  shown_ = shown;
+  if (keepsItsSize()) {
+    chooseFrames(normalFrame_.value_or(window_->normalGeometry()));
+    normalFrame_ = shown_ ? shownFrame_ : hiddenFrame_;
+    setStripHeight(shown_ ? kHeight : 0);
+    return;
+  }
+  if (!isMoving()) {
+    const QRect outer = window_->frameGeometry();
+    const QRect inner = window_->geometry();
+    decorations_ = {0, inner.top() - outer.top(), 0, outer.bottom() - inner.bottom()};
+    chooseFrames(normalFrame_.value_or(window_->geometry()));
+    normalFrame_.reset();
+  }
+  startMoving();
+}
+
+void OVSpectrumStrip::startMoving() {
+  const bool animated =
+      window_->isVisible() &&
+      window_->style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, window_) > 0;
+  if (!animated) {
+    stepTo(shown_ ? kHeight : 0);
+    return;
+  }
+  // One that is running turns where it is.
+  animation_.setDirection(shown_ ? QAbstractAnimation::Forward : QAbstractAnimation::Backward);
+  if (!isMoving()) {
+    animation_.start();
+  }
+}
+
+void OVSpectrumStrip::stepTo(int height) {
+  if (!window_ || !strip_) {
+    return;
+  }
+  setStripHeight(height);
+  place(frameAt(height));
+}
+
+// Nothing is painted between this and the change of the window's height that belongs to it.
+void OVSpectrumStrip::setStripHeight(int height) {
+  strip_->setFixedHeight(height);
+  strip_->setVisible(height > 0);
+  window_->centralWidget()->setMinimumHeight(minimumHeightWithout_ + height);
+  if (QLayout* const layout = window_->layout()) {
+    layout->activate();  // else the window would still be held at the minimum from before
+  }
+}
+
+void OVSpectrumStrip::place(const QRect& frame) {
+  if (frame.topLeft() == window_->geometry().topLeft()) {
+    window_->resize(frame.size());
+  } else {
+    window_->setGeometry(frame);
+  }
+}
+
+// Frames ----------------------------------------------------------------------------------------
+
+void OVSpectrumStrip::chooseFrames(const QRect& current) {
+  if (shown_) {
+    hiddenFrame_ = current;
+    shownFrame_ = grown(current);
+  } else {
+    hiddenFrame_ = shrunk(current);
+    shownFrame_ = current;
+  }
+}
+
+QRect OVSpectrumStrip::grown(const QRect& frame) const {
+  const QRect screen = window_->screen()->availableGeometry();
+  const int below = std::max(0, frame.bottom() + kHeight + decorations_.bottom() - screen.bottom());
+  const int above = std::max(0, frame.top() - decorations_.top() - screen.top());
+  const int up = std::min(below, above);
+  const int least = window_->minimumSizeHint().height() + kHeight - strip_->maximumHeight();
+  const int height = std::max({frame.height() + kHeight - (below - up), frame.height(), least});
+  return {frame.left(), frame.top() - up, frame.width(), height};
+}
+
+QRect OVSpectrumStrip::shrunk(const QRect& frame) const {
+  const bool untouched = frame.top() == shownFrame_.top() && frame.bottom() == shownFrame_.bottom();
+  const int top = untouched ? hiddenFrame_.top() : frame.top();
+  const int height = frame.height() - (shownFrame_.height() - hiddenFrame_.height());
+  return {frame.left(), top, frame.width(), height};
+}
+
+QRect OVSpectrumStrip::frameAt(int height) const {
+  const double part = static_cast<double>(height) / kHeight;
+  const auto between = [part](int hidden, int shown) {
+    return hidden + static_cast<int>(std::lround((shown - hidden) * part));
+  };
+  return {hiddenFrame_.left(), between(hiddenFrame_.top(), shownFrame_.top()), hiddenFrame_.width(),
+          between(hiddenFrame_.height(), shownFrame_.height())};
+}
+
+// Maximised and full-screen windows -------------------------------------------------------------
+
+bool OVSpectrumStrip::keepsItsSize() const {
+  return window_->isMaximized() || window_->isFullScreen();
+}
+
+bool OVSpectrumStrip::eventFilter(QObject* watched, QEvent* event) {
+  // It watches nothing but the window, whose last events come when it is no window any more.
+  if (event->type() == QEvent::WindowStateChange) {
+    stateChanged();
+  }
+  return QObject::eventFilter(watched, event);
+}
+
+void OVSpectrumStrip::stateChanged() {
+  if (isMoving()) {
+    animation_.stop();
+    setStripHeight(shown_ ? kHeight : 0);
+    normalFrame_ = shown_ ? shownFrame_ : hiddenFrame_;
+  }
+  if (normalFrame_ && !keepsItsSize()) {
+    // Later: the frame that the window returns to by itself may not have arrived yet.
+    platform::mainQueue().async([self = QPointer(this)] {
+      if (self) {
+        self->returnToNormalFrame();
+      }
+    });
+  }
+}
+
+void OVSpectrumStrip::returnToNormalFrame() {
+  if (window_ && normalFrame_ && !keepsItsSize()) {
+    place(*normalFrame_);
+    normalFrame_.reset();
+  }
+}

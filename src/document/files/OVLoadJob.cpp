@@ -1,0 +1,26 @@
+#include "document/files/OVLoadJob.h"
+
+#include "audio/OVAudioFileReader.h"
+
+OVLoadJob::Outcome OVLoadJob::run(OVAudioFileReader& reader, const Request& request) {
+  Outcome outcome{.endOffset = request.atByteOffset};
+  const auto length = reader.fileSizeInFrames();
+  const double step =
+      length > 0 ? static_cast<double>(kChunkFrames) / static_cast<double>(length) : 1.0;
+  while (!*request.cancelled) {
+    const std::uint32_t frames = reader.readFrameChunkWithSize(kChunkFrames);
+    if (frames == 0 || *request.cancelled) {
+      break;
+    }
+    const auto size = static_cast<std::uint32_t>(frames * kReaderFrameBytes);
+    request.buffer->writeData(reader.exposeBuffer(), outcome.endOffset, size);
+    outcome.writeError = request.takeWriteError();
+    if (outcome.writeError != 0) {
+      break;
+    }
+    outcome.endOffset += size;
+    request.progress(outcome.endOffset, step);
+  }
+  reader.close();
+  return outcome;
+}

@@ -1,0 +1,141 @@
+#include "document/files/OVSaveJob.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <new>
+#include <system_error>
+#include <vector>
+
+#include "audio/OVAudioFileWriter.h"
+#include "audio/OVFileKinds.h"
+#include "platform/files/ReplacementFile.h"
+
+namespace {
+
+// What the smallest gap is taken for at first: a disk loses at least a page of 4 KiB.
+constexpr std::uint64_t kPageFrames = 512;
+
+// Reads a stretch of a buffer whole. What storage does not give back becomes silence, so that
+// everything behind it stays in its place; the frames that are missing are counted. A failing disk
+// answers slowly: the end of a gap is looked for in growing steps and then between the last two.
+class StretchReader {
+ public:
+  explicit StretchReader(OVAudioBufferInterface& buffer)
+      : buffer_(buffer), frameBytes_(buffer.format().mBytesPerFrame) {}
+
+  void read(std::uint64_t fromFrame, std::uint64_t frames, std::vector<float>& samples) {
+    const std::uint64_t channels = buffer_.format().mChannelsPerFrame;
+    samples.assign(frames * channels, 0.0F);
+    for (std::uint64_t done = 0; done < frames;) {
+      const std::uint64_t got =
+          framesRead(samples.data() + done * channels, fromFrame + done, frames - done);
+      if (got > 0) {
+        done += got;
+        step_ = kPageFrames;
+      } else {
+        const std::uint64_t next = endOfGap(fromFrame + done, fromFrame + frames) - fromFrame;
+        missing_ += next - done;
+        done = next;
+      }
+    }
+  }
+
+  [[nodiscard]] std::uint64_t missing() const { return missing_; }
+
+ private:
+  std::uint64_t framesRead(float* samples, std::uint64_t fromFrame, std::uint64_t frames) {
+    return buffer_.readDataInto(samples, frames * frameBytes_, fromFrame * frameBytes_).byteCount /
+           frameBytes_;
+  }
+
+  bool canBeRead(std::uint64_t frame) {
+    frame_.resize(buffer_.format().mChannelsPerFrame);
+    return framesRead(frame_.data(), frame, 1) > 0;
+  }
+
+  // The frame behind a gap that begins with `lost`, or `end` where the gap goes on beyond it.
+  std::uint64_t endOfGap(std::uint64_t lost, std::uint64_t end) {
+    std::uint64_t found = std::min(lost + step_, end - 1);
+    while (!canBeRead(found)) {
+      lost = found;
+      if (found == end - 1) {
+        return end;
+      }
+      step_ = std::min(2 * step_, OVSaveJob::kChunkFrames);
+      found = std::min(lost + step_, end - 1);
+    }
+    while (found - lost > 1) {
+      const std::uint64_t middle = lost + (found - lost) / 2;
+      (canBeRead(middle) ? found : lost) = middle;
+    }
+    return found;
+  }
+
+  OVAudioBufferInterface& buffer_;
+  const std::uint64_t frameBytes_;
+  std::vector<float> frame_;
+  std::uint64_t step_ = kPageFrames;  // grows while a gap goes on, also from chunk to chunk
+  std::uint64_t missing_ = 0;
+};
+
+bool writeAll(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
+              OVAudioFileWriter& writer, std::uint64_t& unreadable) {
+  const std::uint64_t frameBytes = request.buffer->format().mBytesPerFrame;
+  StretchReader reader(*request.buffer);
+  std::vector<float> samples;
+  for (std::uint64_t done = 0; done < request.frameCount;) {
+    const std::uint64_t frames = std::min(OVSaveJob::kChunkFrames, request.frameCount - done);
+    reader.read(request.fromFrame + done, frames, samples);
+    unreadable = reader.missing();
+    if (writer.sinkData(samples.data(), frames * frameBytes) != frames * frameBytes) {
+      return false;
+    }
+    done += frames;
+    progress(static_cast<double>(done) / static_cast<double>(request.frameCount));
+  }
+  return true;
+}
+
+// Whether a file is there; yes where that cannot be told.
+bool mayExist(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::exists(path, error) || error;
+}
+
+void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
+           OVSaveJob::Outcome& outcome) {
+  const auto replacement = platform::ReplacementFile::beside(request.path);
+  if (!replacement.file) {
+    outcome.error = replacement.error;
+    return;
+  }
+  const auto writer = OVAudioFileWriter::initWithFile(
+      replacement.file->path(), request.outputFormat, lastPathComponent(request.path));
+  // The writer has told what it could not do.
+  outcome.told = !writer || !writeAll(request, progress, *writer, outcome.unreadableFrames) ||
+                 !writer->close();
+  if (outcome.told) {
+    return;
+  }
+  // A file with gaps is better than none, but not than one that is there.
+  if (outcome.unreadableFrames > 0 && mayExist(request.path)) {
+    return;
+  }
+  outcome.error = replacement.file->commit();
+  outcome.complete = outcome.error == 0;
+}
+
+}  // namespace
+
+OVSaveJob::Outcome OVSaveJob::run(const Request& request, const Progress& progress) {
+  Outcome outcome;
+  try {
+    write(request, progress, outcome);
+  } catch (const std::bad_alloc&) {
+    outcome.error = ENOMEM;
+  } catch (const std::system_error& failure) {
+    outcome.error = failure.code().value();
+  }
+  return outcome;
+}

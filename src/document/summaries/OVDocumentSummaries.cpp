@@ -1,0 +1,230 @@
+#include "document/summaries/OVDocumentSummaries.h"
+
+#include <utility>
+
+#include "platform/base/AudioTypes.h"
+#include "platform/mainloop/MainQueue.h"
+#include "platform/views/ViewRedraw.h"
+#include "storage/OVAudioBufferInterface.h"
+#include "waveform/OVDynamicWaveForm.h"
+#include "waveform/OVStaticWaveform.h"
+
+namespace {
+
+// Recordings longer than this many seconds are drawn from a static summary when they are recorded
+// over: all of them.
+constexpr double kStaticSummaryThreshold = 0.0;
+
+}  // namespace
+
+OVDocumentSummaries::OVDocumentSummaries(std::function<void()> refreshed)
+    : refreshed_(std::move(refreshed)),
+      work_(std::make_shared<OVSummaryWork>()),
+      extensionQueued_(std::make_shared<std::atomic<bool>>(false)) {}
+
+OVDocumentSummaries::~OVDocumentSummaries() = default;
+
+void OVDocumentSummaries::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
+  abandonWork();
+  buffer_ = std::move(buffer);
+  setWaveForm(OVDynamicWaveForm::initWithBuffer(buffer_));
+  putIntoView();
+}
+
+std::shared_ptr<OVWaveformSummary> OVDocumentSummaries::waveForm() const {
+  const std::lock_guard lock(waveFormLock_);
+  return waveForm_;
+}
+
+// The former summary leaves with the parameter, after the lock.
+void OVDocumentSummaries::setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm) {
+  const std::lock_guard lock(waveFormLock_);
+  waveForm_.swap(waveForm);
+}
+
+void OVDocumentSummaries::putIntoView() {
+  if (view_) {
+    view_->setWaveForm(waveForm_);
+  }
+}
+
+void OVDocumentSummaries::show() {
+  putIntoView();
+  if (view_) {
+    view_->setShouldRedrawWaveform(true);
+    requestRedraw(view_);
+  }
+}
+
+// Edits -----------------------------------------------------------------------------------------
+
+void OVDocumentSummaries::keep() {
+  prevWaveform_ = waveForm_->copy();
+  prevIsStale_ = false;
+  keptInARefresh_ = isRefreshing_;
+  keptLength_ = buffer_->bufferSizeInFrames();
+  if (waveForm_->readerPos() > buffer_->bufferSizeInFrames()) {
+    // The undo of an undo may leave it ahead of the audio: what comes now would not get in.
+    waveForm_->setShouldRegenerateWaveform(true);
+  }
+}
+
+void OVDocumentSummaries::willExchange() {
+  abandonWork();  // first: from here on nothing begins
+  // What is under way reads on in the audio that comes, and what is being built never gets in.
+  leavingIsStale_ = work_->isGenerating(*waveForm_) || waveformIsChanging_;
+}
+
+bool OVDocumentSummaries::exchange() {
+  const auto shown = waveForm_;
+  setWaveForm(prevWaveform_);
+  prevWaveform_ = shown;
+  show();
+  return std::exchange(prevIsStale_, leavingIsStale_) || waveForm_->isRegenerating();
+}
+
+void OVDocumentSummaries::takeBack() {
+  setWaveForm(prevWaveform_);
+  abandonWork();
+}
+
+void OVDocumentSummaries::abandonWork() {
+  work_->beginEpoch();
+  isRefreshing_ = false;
+  extensionQueued_ = std::make_shared<std::atomic<bool>>(false);
+}
+
+void OVDocumentSummaries::refresh(bool regenerate) {
+  abandonWork();
+  isRefreshing_ = true;
+  if (regenerate) {
+    // At once: a copy that is taken before the task begins has to know it, too.
+    waveForm_->setShouldRegenerateWaveform(true);
+  }
+  platform::globalQueue().async(
+      [self = weak_from_this(), summary = waveForm_, work = work_, epoch = work_->epoch()] {
+        if (work->generate(*summary, epoch)) {
+          platform::mainQueue().async([self, epoch] {
+            if (const auto summaries = self.lock()) {
+              summaries->refreshEnded(epoch);
+            }
+          });
+        }
+      });
+}
+
+void OVDocumentSummaries::refreshEnded(std::uint64_t epoch) {
+  if (epoch == work_->epoch()) {  // what came after it shows itself
+    isRefreshing_ = false;
+    refreshed_();
+  }
+}
+
+// Recording -------------------------------------------------------------------------------------
+
+void OVDocumentSummaries::follow(std::uint64_t position, std::uint64_t chunkFrames) {
+  if (!waveformIsChanging_) {
+    choose(position, chunkFrames);
+  }
+  if (waveForm_->isRegenerating()) {
+    requestRedraw(view_);
+  } else {
+    extend();
+  }
+}
+
+// A growing summary while appending, one of fixed size while recording over what is there.
+void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFrames) {
+  const std::uint64_t size = buffer_->bufferSizeInFrames();
+  const auto dynamic = std::dynamic_pointer_cast<OVDynamicWaveForm>(waveForm_);
+  if (position >= size) {
+    if (!dynamic) {
+      replace({.build =
+                   [buffer = buffer_, work = work_] {
+                     auto summary = OVDynamicWaveForm::initWithBuffer(buffer);
+                     summary->generate(&work->cancelled());
+                     return summary;
+                   },
+               .holdsNewAudio = true});
+    }
+    return;
+  }
+  const double threshold = kStaticSummaryThreshold * buffer_->format().mSampleRate;
+  if (static_cast<double>(size) > threshold && dynamic && position + chunkFrames < size) {
+    // One that is still being generated is waited for, and takes in what is recorded meanwhile.
+    const bool unfinished = isRefreshing_ || keptInARefresh_;
+    replace({.build = [dynamic, work = work_,
+                       epoch = work_->epoch()]() -> std::shared_ptr<OVWaveformSummary> {
+               return work->generate(*dynamic, epoch)
+                          ? OVStaticWaveform::initWithDynamicWaveform(dynamic)
+                          : nullptr;
+             },
+             .mayMissChunks = unfinished,
+             // Also when the recording went past the end before it was moved back.
+             .holdsNewAudio = unfinished || size > keptLength_});
+  }
+}
+
+void OVDocumentSummaries::replace(Replacement replacement) {
+  waveformIsChanging_ = true;
+  platform::globalQueue().async(
+      [self = weak_from_this(), replacement = std::move(replacement), epoch = work_->epoch()] {
+        const auto summary = replacement.build();
+        const auto copy = summary ? summary->copy() : nullptr;
+        platform::mainQueue().async([self, replacement, summary, copy, epoch] {
+          if (const auto summaries = self.lock()) {
+            summaries->waveformIsChanging_ = false;
+            // Otherwise an edit or an undo came first: this is a summary of older audio.
+            if (summary && epoch == summaries->work_->epoch()) {
+              summaries->install(replacement, summary, copy);
+            }
+          }
+        });
+      });
+}
+
+void OVDocumentSummaries::install(const Replacement& replacement,
+                                  const std::shared_ptr<OVWaveformSummary>& summary,
+                                  const std::shared_ptr<OVWaveformSummary>& copy) {
+  setWaveForm(summary);
+  putIntoView();
+  prevWaveform_ = copy;
+  prevIsStale_ = prevIsStale_ || replacement.holdsNewAudio;
+  extensionQueued_ = std::make_shared<std::atomic<bool>>(false);
+  if (replacement.mayMissChunks) {
+    summary->setShouldRegenerateWaveform(true);
+    extend();
+  }
+}
+
+void OVDocumentSummaries::extend() {
+  if (extensionQueued_->exchange(true)) {
+    return;
+  }
+  fft_queue_.async([view = view_, summary = waveForm_, queued = extensionQueued_, work = work_,
+                    epoch = work_->epoch()] {
+    *queued = false;  // what is written from here on asks anew
+    if (work->generate(*summary, epoch)) {
+      platform::mainQueue().async([view] {
+        if (view) {
+          view->setShouldRedrawWaveform(true);
+          requestRedraw(view);
+        }
+      });
+    }
+  });
+}
+
+void OVDocumentSummaries::chunkWritten(const float* chunk, std::uint32_t byteCount,
+                                       std::uint64_t position) {
+  const auto summary = std::dynamic_pointer_cast<OVStaticWaveform>(waveForm());
+  if (!summary) {
+    return;
+  }
+  const auto buffer = summary->audioBuffer();
+  const std::uint64_t frames = byteCount / buffer->format().mBytesPerFrame;
+  const std::uint64_t start = position >= 2 * frames ? position - 2 * frames : 0;
+  const auto length = static_cast<double>(buffer->bufferFillSizeInFrames());
+  summary->updateWithDataChunk(chunk, byteCount / sizeof(float),
+                               static_cast<double>(start) / length);
+}

@@ -1,0 +1,131 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+#include <QPointer>
+
+#include "document/summaries/OVSummaryWork.h"
+#include "platform/base/SerialQueue.h"
+#include "waveform/views/OVWaveFormView.h"
+
+class OVAudioBufferInterface;
+class OVWaveformSummary;
+
+/// The waveform summaries of one document: the one that is shown, the one that an undo brings back,
+/// and the work in the background that keeps them true to the audio.
+///
+/// The kind follows the recording: growing while audio is appended, of fixed size while it goes
+/// over what is there. A summary of the other kind is built on the global queue and put in when it
+/// is ready, one at a time. What is recorded is added on a serial queue, so that two additions
+/// never overlap. After an edit the whole summary is generated on the global queue.
+///
+/// Undo and redo exchange the two. One that comes back is made again if it was kept in the middle
+/// of a generation, if it was being generated or replaced when its audio went, or if it was kept
+/// with audio in it that came later.
+///
+/// Threads: main, except where said. Real-time: not safe.
+class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummaries> {
+ public:
+  /// `refreshed` is called when the last refresh has ended.
+  explicit OVDocumentSummaries(std::function<void()> refreshed);
+  ~OVDocumentSummaries();
+  OVDocumentSummaries(const OVDocumentSummaries&) = delete;
+  OVDocumentSummaries& operator=(const OVDocumentSummaries&) = delete;
+
+  /// The view that shows the summary, if there is one.
+  void setView(const QPointer<OVWaveFormView>& view) { view_ = view; }
+
+  /// Starts over with a growing summary of this audio, nothing of which is summarised so far.
+  void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer);
+
+  /// The summary of the document's audio; null before setBuffer().
+  /// Threads: any.
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const;
+  /// What the next undo or redo brings back; null before the first undoable step.
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const { return prevWaveform_; }
+  /// A summary of the other kind is being built.
+  [[nodiscard]] bool isChanging() const { return waveformIsChanging_; }
+
+  /// A refresh of the present audio has not ended.
+  [[nodiscard]] bool isRefreshing() const { return isRefreshing_; }
+
+  /// Puts the summary into the view.
+  void putIntoView();
+  /// The same, and has it drawn anew.
+  void show();
+
+  // Edits ---------------------------------------------------------------------------------------
+
+  /// Before an undoable step: keeps a copy for its undo.
+  void keep();
+  /// Before an undo or redo changes the audio.
+  void willExchange();
+  /// After it: exchanges the summary and the kept one, and shows it. True if it has to be
+  /// generated from scratch.
+  [[nodiscard]] bool exchange();
+  /// The step is taken back for good: the kept summary is the document's again.
+  void takeBack();
+  /// Audio is going to be loaded: what was begun is void.
+  void abandonWork();
+  /// The document closes: what is under way ends soon, and nothing begins any more.
+  void cancelWork() { work_->cancel(); }
+  /// Brings the summary up to date in the background; with `regenerate` from scratch.
+  void refresh(bool regenerate);
+
+  // Recording -----------------------------------------------------------------------------------
+
+  /// A tick of the display loop while recording: chooses the kind of summary, and adds what has
+  /// been written. `position`, in frames, is the end of the last chunk written, and `chunkFrames`
+  /// the length of that chunk.
+  void follow(std::uint64_t position, std::uint64_t chunkFrames);
+  /// Adds in the background what is not summarised so far, then has the view drawn anew.
+  void extend();
+  /// A chunk that was written up to the frame `position` goes into a summary of fixed size at once.
+  /// Threads: the writer's.
+  void chunkWritten(const float* chunk, std::uint32_t byteCount, std::uint64_t position);
+
+ private:
+  /// How a summary of the other kind is made while recording.
+  struct Replacement {
+    /// Runs in the background; yields null when an edit came first.
+    std::function<std::shared_ptr<OVWaveformSummary>()> build;
+    /// Chunks may have been written behind its reading: it is generated once more when it is in.
+    bool mayMissChunks = false;
+    /// It may hold some of what is being recorded, which its copy must not show after an undo.
+    bool holdsNewAudio = false;
+  };
+
+  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm);
+  void choose(std::uint64_t position, std::uint64_t chunkFrames);
+  void replace(Replacement replacement);
+  void install(const Replacement& replacement, const std::shared_ptr<OVWaveformSummary>& summary,
+               const std::shared_ptr<OVWaveformSummary>& copy);
+  void refreshEnded(std::uint64_t epoch);
+
+  // Fixed after construction.
+  const std::function<void()> refreshed_;
+  platform::SerialQueue fft_queue_{"fft"};
+  const std::shared_ptr<OVSummaryWork> work_;
+
+  // Written on the main thread under the lock, read there without it and elsewhere with it.
+  mutable std::mutex waveFormLock_;
+  std::shared_ptr<OVWaveformSummary> waveForm_;
+
+  // Main thread only.
+  QPointer<OVWaveFormView> view_;
+  std::shared_ptr<OVAudioBufferInterface> buffer_;
+  std::shared_ptr<OVWaveformSummary> prevWaveform_;
+  bool prevIsStale_ = false;      // the kept one does not describe the audio that comes with it
+  bool leavingIsStale_ = false;   // the same of the one that is going to be exchanged for it
+  bool keptInARefresh_ = false;   // the last undoable step began before a refresh had ended
+  std::uint64_t keptLength_ = 0;  // of the audio when that step began, in frames
+  bool isRefreshing_ = false;
+  bool waveformIsChanging_ = false;
+  // One extension in line is enough, for each summary and epoch. The flag is set on the main thread
+  // and cleared by the queue's block before it reads the audio.
+  std::shared_ptr<std::atomic<bool>> extensionQueued_;
+};

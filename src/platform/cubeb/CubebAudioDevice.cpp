@@ -1,0 +1,104 @@
+#include "platform/cubeb/CubebAudioDevice.h"
+
+#include <utility>
+
+#include "platform/cubeb/CubebConnection.h"
+#include "platform/cubeb/CubebStream.h"
+
+namespace platform {
+
+namespace {
+
+void captured(void* client, const void* samples, void*, std::uint32_t frames) noexcept {
+  static_cast<AudioInputClient*>(client)->deviceCaptured(static_cast<const float*>(samples),
+                                                         frames);
+}
+
+void inputDied(void* client) noexcept {
+  static_cast<AudioInputClient*>(client)->deviceInputFailed(kDeviceLostStatus);
+}
+
+void wanted(void* client, const void*, void* samples, std::uint32_t frames) noexcept {
+  static_cast<AudioOutputClient*>(client)->deviceWants(static_cast<float*>(samples), frames);
+}
+
+void outputDied(void* client) noexcept {
+  static_cast<AudioOutputClient*>(client)->deviceOutputFailed(kDeviceLostStatus);
+}
+
+class CubebInput final : public AudioInputStream {
+ public:
+  CubebInput(AudioInputClient& client, std::shared_ptr<CubebConnection> connection)
+      : stream_(std::move(connection), CubebStream::Direction::kInput, &client, captured,
+                inputDied) {}
+
+  [[nodiscard]] CubebStream& stream() { return stream_; }
+
+ private:
+  CubebStream stream_;
+};
+
+class CubebOutput final : public AudioOutputStream {
+ public:
+  CubebOutput(AudioOutputClient& client, std::shared_ptr<CubebConnection> connection)
+      : stream_(std::move(connection), CubebStream::Direction::kOutput, &client, wanted,
+                outputDied) {}
+
+  [[nodiscard]] CubebStream& stream() { return stream_; }
+
+  [[nodiscard]] AudioStatus start() override { return stream_.start(); }
+  [[nodiscard]] AudioStatus stop() override { return stream_.stop(); }
+  [[nodiscard]] std::uint64_t position() override { return stream_.position(); }
+
+ private:
+  CubebStream stream_;
+};
+
+/// Makes `connection` one on which a stream can be tried.
+void connect(std::shared_ptr<CubebConnection>& connection) {
+  if (connection && connection->isBroken()) {
+    connection.reset();
+  }
+  if (!connection) {
+    connection = CubebConnection::make();
+  }
+}
+
+template <typename Stream, typename Client>
+std::unique_ptr<Stream> open(std::shared_ptr<CubebConnection>& connection, const char* direction,
+                             Client& client, AudioStatus& status) {
+  connect(connection);
+  if (!connection) {
+    status = kDeviceUnavailableStatus;
+    return nullptr;
+  }
+  auto opened = std::make_unique<Stream>(client, connection);
+  status = opened->stream().open(CubebAudioDevice::kLatencyFrames);
+  if (status != kAudioStatusOk) {
+    connection->tellFailure(direction, status);
+    opened.reset();
+    connection.reset();
+  }
+  return opened;
+}
+
+}  // namespace
+
+CubebAudioDevice::CubebAudioDevice() = default;
+CubebAudioDevice::~CubebAudioDevice() = default;
+
+std::unique_ptr<AudioInputStream> CubebAudioDevice::openInput(AudioInputClient& client,
+                                                              AudioStatus& status) {
+  return open<CubebInput>(input_, "input", client, status);
+}
+
+std::unique_ptr<AudioOutputStream> CubebAudioDevice::openOutput(AudioOutputClient& client,
+                                                                AudioStatus& status) {
+  return open<CubebOutput>(output_, "output", client, status);
+}
+
+void CubebAudioDevice::prepare() {
+  connect(output_);
+}
+
+}  // namespace platform

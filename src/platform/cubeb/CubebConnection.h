@@ -1,0 +1,41 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "platform/base/AudioTypes.h"
+#include "platform/cubeb/CubebFunctions.h"
+
+namespace platform {
+
+/// A connection to the sound system. Its streams share it; it ends with the last reference.
+///
+/// Threads: the control thread of the audio queues, except markBroken(). Real-time: markBroken()
+/// is safe.
+class CubebConnection {
+ public:
+  /// Null when the library is missing or finds nothing to talk to.
+  [[nodiscard]] static std::shared_ptr<CubebConnection> make();
+
+  explicit CubebConnection(cubeb* context) : context_(context) {}
+  ~CubebConnection() { cubeb_destroy(context_); }
+  CubebConnection(const CubebConnection&) = delete;
+  CubebConnection& operator=(const CubebConnection&) = delete;
+
+  [[nodiscard]] cubeb* context() const { return context_; }
+
+  /// Something failed on it: it may belong to a server that has died, or to a fallback that was
+  /// chosen while there was no server. No new stream is opened on it.
+  void markBroken() noexcept { broken_.store(true); }
+  [[nodiscard]] bool isBroken() const { return broken_.load(); }
+
+  /// Tells on the diagnostics console that no stream could be opened.
+  void tellFailure(const char* direction, AudioStatus status) const;
+
+ private:
+  cubeb* const context_;
+  // Only ever becomes true, by any thread.
+  std::atomic<bool> broken_{false};
+};
+
+}  // namespace platform

@@ -1,0 +1,101 @@
+#include "platform/files/UserAudioFiles.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <atomic>
+#include <cerrno>
+
+#include "platform/files/PosixFile.h"
+
+namespace platform {
+namespace {
+
+int errorOfKind(mode_t mode) {
+  if (S_ISREG(mode)) {
+    return 0;
+  }
+  return S_ISDIR(mode) ? EISDIR : ESPIPE;
+}
+
+// A file that is written from begin to end: its disk begins to write while the sound is still being
+// encoded, so that the sync after it has little left to wait for.
+class WriteBehindFile : public PosixFile {
+ public:
+  explicit WriteBehindFile(int descriptor) : PosixFile(descriptor), hintedDescriptor_(descriptor) {}
+
+  [[nodiscard]] FileTransfer writeAt(const void* data, std::uint64_t byteCount,
+                                     std::uint64_t offset) override {
+    const FileTransfer transfer = PosixFile::writeAt(data, byteCount, offset);
+#if defined(__linux__)
+    if (offset + transfer.byteCount >= hinted_ + kStretch) {
+      const std::uint64_t stretch = offset + transfer.byteCount - hinted_;
+      // A hint alone: a failure is met again, and told, by the sync.
+      static_cast<void>(::sync_file_range(hintedDescriptor_, static_cast<off_t>(hinted_),
+                                          static_cast<off_t>(stretch), SYNC_FILE_RANGE_WRITE));
+      hinted_ += stretch;
+    }
+#endif
+    return transfer;
+  }
+
+ private:
+  static constexpr std::uint64_t kStretch = std::uint64_t{8} << 20;  // bytes
+
+  const int hintedDescriptor_;  // the base's, which owns it
+  std::uint64_t hinted_ = 0;    // bytes from the begin on; the thread that writes
+};
+
+class PosixAudioFileStorage : public UserAudioFiles {
+ public:
+  Opened openForReading(const std::string& path) override {
+    return open<PosixFile>(path, O_RDONLY);
+  }
+
+  Opened createForWriting(const std::string& path) override {
+    return open<WriteBehindFile>(path, O_WRONLY | O_CREAT | O_TRUNC);
+  }
+
+ private:
+  template <typename SystemFile>
+  static Opened open(const std::string& path, int flags) {
+    constexpr mode_t kUsualPermissions = 0666;  // less the user's mask
+    // Without O_NONBLOCK the opening of a pipe itself would wait; a regular file ignores it.
+    const int descriptor =
+        ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kUsualPermissions);
+    if (descriptor < 0) {
+      return {.file = nullptr, .size = 0, .error = errno};
+    }
+    auto file = std::make_unique<SystemFile>(descriptor);
+    struct stat information = {};
+    const int error =
+        ::fstat(descriptor, &information) != 0 ? errno : errorOfKind(information.st_mode);
+    if (error != 0) {
+      return {.file = nullptr, .size = 0, .error = error};
+    }
+    return {.file = std::move(file),
+            .size = static_cast<std::uint64_t>(information.st_size),
+            .error = 0};
+  }
+};
+
+// The storage put in last; null stands for the operating system's. Written by installations only,
+// before the threads that read it start.
+std::atomic<UserAudioFiles*> installedStorage{nullptr};
+
+}  // namespace
+
+UserAudioFiles& audioFileStorage() {
+  static auto* const posix = new PosixAudioFileStorage;  // never destroyed: threads outlive main
+  UserAudioFiles* const storage = installedStorage.load(std::memory_order_acquire);
+  return storage != nullptr ? *storage : *posix;
+}
+
+AudioFileStorageInstallation::AudioFileStorageInstallation(UserAudioFiles& storage)
+    : previous_(installedStorage.exchange(&storage, std::memory_order_acq_rel)) {}
+
+AudioFileStorageInstallation::~AudioFileStorageInstallation() {
+  installedStorage.store(previous_, std::memory_order_release);
+}
+
+}  // namespace platform

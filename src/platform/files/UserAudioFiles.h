@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/files/File.h"
+
+namespace platform {
+
+/// Opens the files that a person reads sound from and writes sound to. A test puts in one whose
+/// files fail, fill up, hang or keep no zeros.
+///
+/// Only regular files are opened: a pipe or a device could hold its reader for ever. The errno that
+/// stands for anything else is EISDIR for a folder and ESPIPE for the rest.
+///
+/// Threads: any. Real-time: not safe.
+class UserAudioFiles {
+ public:
+  virtual ~UserAudioFiles() = default;
+
+  struct Opened {
+    std::unique_ptr<File> file;  ///< null when it failed
+    std::uint64_t size = 0;      ///< bytes, at the moment of opening
+    int error = 0;               ///< errno of the failure
+  };
+
+  [[nodiscard]] virtual Opened openForReading(const std::string& path) = 0;
+
+  /// Makes the file, or empties the one that is there, which keeps its permissions.
+  [[nodiscard]] virtual Opened createForWriting(const std::string& path) = 0;
+};
+
+/// The installed storage; at first the operating system's.
+UserAudioFiles& audioFileStorage();
+
+/// Puts another storage in for as long as the installation lives. For tests; install before the
+/// threads that use it start.
+class AudioFileStorageInstallation {
+ public:
+  explicit AudioFileStorageInstallation(UserAudioFiles& storage);
+  ~AudioFileStorageInstallation();
+  AudioFileStorageInstallation(const AudioFileStorageInstallation&) = delete;
+  AudioFileStorageInstallation& operator=(const AudioFileStorageInstallation&) = delete;
+
+ private:
+  UserAudioFiles* previous_;
+};
+
+}  // namespace platform

@@ -1,0 +1,23 @@
+#include "platform/mainloop/FontPreparation.h"
+
+#include <QLibrary>
+
+namespace platform {
+
+// The library is there already, since the toolkit is linked to it: this loads nothing.
+FontPreparation::FontPreparation() {
+  using Initialise = int (*)();
+  const auto initialise =
+      reinterpret_cast<Initialise>(QLibrary::resolve("fontconfig", 1, "FcInit"));
+  if (initialise != nullptr) {
+    prepared_ = std::async(std::launch::async, [initialise] { static_cast<void>(initialise()); });
+  }
+}
+
+void FontPreparation::finish() {
+  if (prepared_.valid()) {
+    prepared_.get();
+  }
+}
+
+}  // namespace platform

@@ -1,0 +1,152 @@
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QObject>
+
+#include "platform/mainloop/MainQueue.h"
+
+namespace platform {
+namespace {
+
+// Static initialisation runs on the main thread.
+const std::thread::id kMainThread = std::this_thread::get_id();
+
+// The fate of a block that another thread waits for.
+struct Waiting {
+  std::mutex mutex;
+  std::condition_variable finished;
+  bool done = false;  // guarded by mutex: run or dropped
+
+  void finish() {
+    const std::lock_guard lock(mutex);
+    done = true;
+    finished.notify_all();
+  }
+  void wait() {
+    std::unique_lock lock(mutex);
+    finished.wait(lock, [this] { return done; });
+  }
+};
+
+struct Item {
+  std::function<void()> block;
+  std::shared_ptr<Waiting> waiting;
+};
+
+}  // namespace
+
+// The blocks cross under our own mutex; Qt is only woken. So the thread checker sees every
+// hand-over, though the system's Qt is not built for it.
+struct MainQueue::State : QObject {
+  std::mutex mutex;
+  std::deque<Item> items;   // guarded by mutex
+  bool wakePosted = false;  // guarded by mutex: an event is on its way
+  bool closed = false;      // guarded by mutex
+
+  static QEvent::Type wakeType() {
+    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
+    return type;
+  }
+
+  // With the mutex held, so that the event's memory is ordered before its deletion.
+  void wake() {
+    if (!wakePosted && QCoreApplication::instance() != nullptr) {
+      wakePosted = true;
+      QCoreApplication::postEvent(this, new QEvent(wakeType()));
+    }
+  }
+
+  bool submit(Item item) {
+    const std::lock_guard lock(mutex);
+    if (closed) {
+      return false;
+    }
+    items.push_back(std::move(item));
+    wake();
+    return true;
+  }
+
+  std::optional<Item> next() {
+    const std::lock_guard lock(mutex);
+    wakePosted = false;
+    if (items.empty()) {
+      return std::nullopt;
+    }
+    Item item = std::move(items.front());
+    items.pop_front();
+    if (!items.empty()) {
+      wake();  // a block may run a loop of its own: the rest must not wait for its end
+    }
+    return item;
+  }
+
+  bool event(QEvent* event) override {
+    {
+      const std::lock_guard lock(mutex);  // orders the event's making before its reading
+    }
+    if (event->type() != wakeType()) {
+      return QObject::event(event);
+    }
+    if (auto item = next()) {
+      item->block();
+      if (item->waiting) {
+        item->waiting->finish();
+      }
+    }
+    return true;
+  }
+};
+
+MainQueue::MainQueue() : state_(new State) {}
+
+void MainQueue::async(std::function<void()> block) {
+  state_->submit({std::move(block), nullptr});
+}
+
+void MainQueue::sync(const std::function<void()>& block) {
+  if (isMainThread()) {
+    block();
+    return;
+  }
+  const auto waiting = std::make_shared<Waiting>();
+  if (state_->submit({block, waiting})) {
+    waiting->wait();
+  }
+}
+
+void MainQueue::shutDown() {
+  std::deque<Item> dropped;
+  {
+    const std::lock_guard lock(state_->mutex);
+    state_->closed = true;
+    dropped.swap(state_->items);
+  }
+  for (const Item& item : dropped) {
+    if (item.waiting) {
+      item.waiting->finish();
+    }
+  }
+}
+
+MainQueue& mainQueue() {
+  static auto* queue = new MainQueue;
+  return *queue;
+}
+
+namespace {
+
+// Made before any other thread can ask for it, so that it belongs to the main thread.
+[[maybe_unused]] const MainQueue& kMadeAtStart = mainQueue();
+
+}  // namespace
+
+bool isMainThread() {
+  return std::this_thread::get_id() == kMainThread;
+}
+
+}  // namespace platform

@@ -1,0 +1,19 @@
+#include "platform/mainloop/Timer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace platform {
+
+Timer::Timer(double intervalInSeconds, std::function<void()> tick) {
+  timer_.setInterval(std::max(1, static_cast<int>(std::lround(intervalInSeconds * 1000.0))));
+  QObject::connect(&timer_, &QTimer::timeout, &timer_, std::move(tick));
+  timer_.start();
+}
+
+double Timer::intervalInSeconds() const {
+  return timer_.interval() / 1000.0;
+}
+
+}  // namespace platform

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+struct AVTXContext;
+
+namespace platform {
+
+/// An array of complex numbers whose real and imaginary parts lie in arrays of their own.
+struct SplitComplex {
+  float* realp = nullptr;
+  float* imagp = nullptr;
+};
+
+struct ConstSplitComplex {
+  ConstSplitComplex(const float* real, const float* imaginary) : realp(real), imagp(imaginary) {}
+  // Implicit: what may be written may be read.
+  ConstSplitComplex(const SplitComplex& other) : realp(other.realp), imagp(other.imagp) {}
+
+  const float* realp;
+  const float* imagp;
+};
+
+/// The forward Fourier transform of complex numbers for one fixed power of two:
+///
+///     X[k] = sum over i = 0 … n − 1 of x[i] · exp(−2πj · i · k / n),   k = 0 … n − 1
+///
+/// without any scaling: n times 1 gives n in bin 0. In single precision; the error of a bin stays
+/// below 1e-6 of the sum of the input's magnitudes.
+///
+/// Threads: any, one at a time for each object.
+/// Real-time: forward() is safe; it neither allocates nor locks.
+class FourierTransform {
+ public:
+  static constexpr int kSmallestLog2Length = 1;
+  static constexpr int kMaxLog2Length = 20;
+
+  /// Makes everything ready for a length of 2 to the power of `log2Length`. Null when the exponent
+  /// lies outside 1 to 20, without memory, or where FFmpeg's libraries are missing; the first call
+  /// of all loads them.
+  [[nodiscard]] static std::unique_ptr<FourierTransform> create(int log2Length);
+
+  ~FourierTransform();
+  FourierTransform(const FourierTransform&) = delete;
+  FourierTransform& operator=(const FourierTransform&) = delete;
+
+  /// Number of elements, n.
+  [[nodiscard]] std::size_t length() const { return length_; }
+
+  /// Transforms the elements 0, s, 2s, … (n − 1)s of the input, s being its stride, into the
+  /// elements 0, t, 2t, … (n − 1)t of the output, t being that one's. Strides count floats and are
+  /// at least 1. No alignment is needed; input and output may be the same arrays.
+  void forward(ConstSplitComplex input, std::size_t inputStride, SplitComplex output,
+               std::size_t outputStride);
+
+ private:
+  struct Complex {
+    float re;
+    float im;
+  };
+  struct Release {
+    void operator()(AVTXContext* context) const;
+    void operator()(Complex* elements) const;
+  };
+  using Function = void (*)(AVTXContext*, void* out, void* in, std::ptrdiff_t stride);
+
+  explicit FourierTransform(std::size_t length) : length_(length) {}
+  [[nodiscard]] bool prepare();
+
+  // Fixed after construction.
+  const std::size_t length_;
+  std::unique_ptr<AVTXContext, Release> context_;
+  Function function_ = nullptr;
+
+  // The library wants its elements interleaved and aligned to its vector registers.
+  std::unique_ptr<Complex, Release> interleavedInput_;
+  std::unique_ptr<Complex, Release> interleavedOutput_;
+};
+
+}  // namespace platform

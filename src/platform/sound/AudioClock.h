@@ -1,0 +1,38 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+
+#include "platform/sound/realtime/Semaphore.h"
+
+namespace platform {
+
+/// The time by which the audio queues measure: answers that are overdue, the input device's last
+/// seconds, the watch over a draining output. The real one is the system's monotonic clock; a test
+/// turns a ManualAudioClock by hand.
+///
+/// Threads: any. Real-time: now() is safe, waitUntil() is not.
+class AudioClock {
+ public:
+  using TimePoint = std::chrono::steady_clock::time_point;
+
+  virtual ~AudioClock() = default;
+
+  [[nodiscard]] virtual TimePoint now() const noexcept = 0;
+
+  /// Waits for `semaphore`; false when `deadline` passed first.
+  [[nodiscard]] virtual bool waitUntil(Semaphore& semaphore, TimePoint deadline) = 0;
+};
+
+/// The system's monotonic clock. It stands still while the machine sleeps.
+///
+/// Threads: any. Real-time: now() is safe, waitUntil() is not.
+class SteadyAudioClock final : public AudioClock {
+ public:
+  [[nodiscard]] TimePoint now() const noexcept override { return std::chrono::steady_clock::now(); }
+  [[nodiscard]] bool waitUntil(Semaphore& semaphore, TimePoint deadline) override {
+    return semaphore.waitUntil(deadline);
+  }
+};
+
+}  // namespace platform

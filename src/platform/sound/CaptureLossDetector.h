@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+#include "platform/sound/AudioClock.h"
+
+namespace platform {
+
+/// Notices frames that vanished before they reached us, inside the sound server say, by comparing
+/// the number captured with a monotonic clock.
+///
+/// The lag, frames that should have come by now less frames that came, jumps about with every
+/// callback; its minimum over a window of two seconds does not. It moves slowly with the drift of
+/// the device's clock (1000 ppm are 88 frames a window) and only stays up when frames are missing:
+/// after a stall that lost nothing the late frames arrive in a burst. The first window is not
+/// looked at, since streams start unevenly.
+///
+/// Threads: the device's real-time thread. Real-time: safe.
+class CaptureLossDetector {
+ public:
+  /// Smallest loss that is noticed, in frames: 100 ms, more than a device's buffering changes by.
+  static constexpr std::int64_t kThresholdFrames = 4410;
+
+  /// `frames` came at `now`. Returns the number of frames found missing, nearly always 0.
+  std::uint64_t captured(std::uint32_t frames, AudioClock::TimePoint now) noexcept;
+
+  /// Starts over, with a new stream.
+  void reset() noexcept { *this = CaptureLossDetector(); }
+
+ private:
+  static constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::max();
+
+  [[nodiscard]] std::uint64_t closeWindow() noexcept;
+
+  bool begun_ = false;
+  AudioClock::TimePoint origin_;
+  AudioClock::TimePoint windowStart_;
+  std::int64_t captured_ = 0;         // frames since origin_
+  std::int64_t windowLag_ = kNone;    // smallest lag in this window, frames
+  std::int64_t baselineLag_ = kNone;  // smallest lag in the window before
+  std::uint32_t windowCalls_ = 0;
+  std::uint32_t windows_ = 0;
+};
+
+}  // namespace platform

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "platform/sound/AudioQueue.h"
+#include "platform/sound/DeviceThread.h"
+#include "platform/sound/InputQueueCore.h"
+#include "platform/sound/OutputQueueCore.h"
+
+namespace platform {
+
+/// What the input and the output queues of DeviceAudioQueues share: a thin object over its core.
+///
+/// The destructor of the queue itself calls dispose(), not this one: a callback that still runs
+/// then may call whatever the queue offers.
+///
+/// @tparam Interface  AudioInputQueue or AudioOutputQueue
+/// @tparam Core       InputQueueCore or OutputQueueCore
+///
+/// Threads, Real-time: as AudioQueue.
+template <typename Interface, typename Core>
+class DeviceQueue : public Interface {
+ public:
+  [[nodiscard]] AudioStatus allocateBuffer(std::uint32_t byteCapacity,
+                                           AudioQueueBuffer*& buffer) override {
+    return core_->allocate(byteCapacity, buffer);
+  }
+  [[nodiscard]] AudioStatus enqueueBuffer(AudioQueueBuffer* buffer) override {
+    return core_->enqueue(buffer);
+  }
+  [[nodiscard]] AudioStatus start() override { return core_->start(); }
+  [[nodiscard]] AudioStatus stopImmediately() override {
+    core_->stop();
+    return kAudioStatusOk;
+  }
+  [[nodiscard]] AudioStatus dispose() override {
+    core_->dispose();
+    return kAudioStatusOk;
+  }
+  [[nodiscard]] AudioStatus streamDescription(
+      AudioStreamBasicDescription& description) const override {
+    description = kWorkingFormat;
+    return kAudioStatusOk;
+  }
+  [[nodiscard]] AudioStatus enableLevelMetering(bool enabled) override {
+    core_->levels().enable(enabled);
+    return kAudioStatusOk;
+  }
+  [[nodiscard]] AudioStatus currentLevels(AudioQueueLevelMeterState* levels, std::size_t capacity,
+                                          std::size_t& count) const override {
+    count = core_->levels().read(levels, capacity);
+    return kAudioStatusOk;
+  }
+
+ protected:
+  /// `makeCore` makes the core of the queue that it is given.
+  template <typename MakeCore>
+  DeviceQueue(std::shared_ptr<DeviceThread> deviceThread, MakeCore makeCore)
+      : deviceThread_(std::move(deviceThread)), core_(makeCore(static_cast<Interface&>(*this))) {}
+
+  [[nodiscard]] Core& core() const { return *core_; }
+
+ private:
+  // Keeps the control thread until this queue has given up the device.
+  const std::shared_ptr<DeviceThread> deviceThread_;
+  const std::shared_ptr<Core> core_;
+};
+
+/// An input queue of DeviceAudioQueues.
+///
+/// Threads, Real-time: as AudioInputQueue.
+class DeviceInputQueue final : public DeviceQueue<AudioInputQueue, InputQueueCore> {
+ public:
+  DeviceInputQueue(Callback callback, FailureListener failed,
+                   std::shared_ptr<DeviceThread> deviceThread, std::shared_ptr<SharedInput> input)
+      : DeviceQueue(std::move(deviceThread), [&](AudioInputQueue& queue) {
+          return std::make_shared<InputQueueCore>(queue, std::move(callback), std::move(failed),
+                                                  std::move(input));
+        }) {}
+  ~DeviceInputQueue() override { core().dispose(); }
+
+  [[nodiscard]] AudioStatus acquireDevice() { return core().acquireDevice(); }
+
+  [[nodiscard]] std::uint64_t capturedFrames() const override { return core().capturedFrames(); }
+  void waitUntilDelivered(std::uint64_t frame) override { core().waitUntilDelivered(frame); }
+  [[nodiscard]] std::uint64_t lostFrames() const override { return core().lostFrames(); }
+};
+
+/// An output queue of DeviceAudioQueues.
+///
+/// Threads, Real-time: as AudioOutputQueue.
+class DeviceOutputQueue final : public DeviceQueue<AudioOutputQueue, OutputQueueCore> {
+ public:
+  DeviceOutputQueue(Callback callback, std::shared_ptr<DeviceThread> deviceThread,
+                    std::shared_ptr<AudioClock> clock, std::shared_ptr<RecentFailure> known)
+      : DeviceQueue(deviceThread, [&](AudioOutputQueue& queue) {
+          return OutputQueueCore::create(queue, std::move(callback), deviceThread->control(),
+                                         std::move(clock), std::move(known));
+        }) {}
+  ~DeviceOutputQueue() override { core().dispose(); }
+
+  [[nodiscard]] AudioStatus open() { return core().open(); }
+
+  [[nodiscard]] AudioStatus pause() override { return core().pause(); }
+  [[nodiscard]] AudioStatus stopAfterQueued() override { return core().stopAfterQueued(); }
+  [[nodiscard]] AudioStatus isRunning(std::uint32_t& running) const override {
+    running = core().isRunning() ? 1 : 0;
+    return kAudioStatusOk;
+  }
+  AudioStatus setRunningListener(RunningListener listener) override {
+    return core().setRunningListener(std::move(listener));
+  }
+  [[nodiscard]] AudioStatus failure() const override { return core().failure(); }
+  [[nodiscard]] std::uint64_t underrunFrames() const override { return core().underrunFrames(); }
+};
+
+}  // namespace platform

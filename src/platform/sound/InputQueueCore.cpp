@@ -1,0 +1,251 @@
+#include "platform/sound/InputQueueCore.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "platform/base/ApplicationServices.h"
+
+namespace platform {
+
+InputQueueCore::InputQueueCore(AudioInputQueue& owner, AudioInputQueue::Callback callback,
+                               AudioInputQueue::FailureListener failed,
+                               std::shared_ptr<SharedInput> input)
+    : owner_(owner),
+      input_(std::move(input)),
+      callback_(std::move(callback)),
+      failed_(std::move(failed)) {}
+
+AudioStatus InputQueueCore::allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) {
+  const std::lock_guard lock(mutex_);
+  if (state_ != State::kCreated) {
+    return kInvalidQueueStateStatus;
+  }
+  if (byteCapacity / kWorkingFormat.mBytesPerFrame > kInputRingFrames / 2) {
+    buffer = nullptr;
+    return kInvalidParameterStatus;
+  }
+  return buffers_.allocate(byteCapacity, buffer);
+}
+
+AudioStatus InputQueueCore::enqueue(AudioQueueBuffer* buffer) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (state_ == State::kStopped) {
+      return kInvalidQueueStateStatus;
+    }
+    const AudioStatus status = buffers_.markEnqueued(buffer);
+    if (status != kAudioStatusOk) {
+      return status;
+    }
+    enqueued_.push_back(buffer);
+  }
+  thread_.wake();
+  return kAudioStatusOk;
+}
+
+AudioStatus InputQueueCore::start() {
+  const std::lock_guard lock(mutex_);
+  if (state_ == State::kStopped) {
+    return kInvalidQueueStateStatus;
+  }
+  if (failure_ != kAudioStatusOk) {
+    failureTold_ = true;
+    return failure_;
+  }
+  if (state_ == State::kRunning) {
+    return kAudioStatusOk;
+  }
+  const std::uint32_t blockFrames = buffers_.smallestFrames();
+  if (blockFrames == 0) {
+    return kInvalidQueueStateStatus;  // without a buffer there is no block size
+  }
+  ring_.emplace(blockFrames, kInputRingFrames / blockFrames);
+  producer_.emplace(*ring_);
+  consumer_.emplace(*ring_);
+  const AudioStatus status = thread_.start([self = shared_from_this()] { self->serve(); });
+  if (status == kAudioStatusOk) {
+    state_ = State::kRunning;
+    input_->fanOut().add(*this);
+  }
+  return status;
+}
+
+void InputQueueCore::stop() {
+  {
+    const std::lock_guard lock(mutex_);
+    state_ = State::kStopped;
+  }
+  input_->fanOut().remove(*this);
+  input_->release(*this);
+  progress_.notify_all();
+  thread_.end();
+  if (!thread_.isCurrent()) {
+    tellLossAtTheEnd();
+  }
+}
+
+void InputQueueCore::dispose() {
+  stop();
+  if (thread_.isCurrent()) {
+    return;  // buffers and callbacks are still in use; they go with the thread
+  }
+  // Let go outside the lock: they may hold the last reference to the owner of this queue.
+  const auto callback = std::exchange(callback_, nullptr);
+  const auto failed = std::exchange(failed_, nullptr);
+  const std::lock_guard lock(mutex_);
+  enqueued_.clear();
+  buffers_.clear();
+}
+
+std::uint64_t InputQueueCore::capturedFrames() const {
+  const std::lock_guard lock(mutex_);
+  return ring_ ? ring_->publishedEndFrame() : 0;
+}
+
+std::uint64_t InputQueueCore::lostFrames() const {
+  const std::lock_guard lock(mutex_);
+  return ring_ ? ring_->lostFrames() : 0;
+}
+
+bool InputQueueCore::isDelivered(std::uint64_t frame) const {
+  if (state_ != State::kRunning) {
+    return true;
+  }
+  if (inCallback_) {
+    return *inCallback_ > frame;
+  }
+  const InputRing::Block* next = consumer_->front();
+  return next == nullptr || next->endFrame > frame || enqueued_.empty();
+}
+
+void InputQueueCore::waitUntilDelivered(std::uint64_t frame) {
+  if (thread_.isCurrent()) {
+    return;  // would wait for itself
+  }
+  std::unique_lock lock(mutex_);
+  progress_.wait(lock, [&] { return isDelivered(frame); });
+}
+
+void InputQueueCore::captured(const float* samples, std::uint32_t frames) noexcept {
+  if (producer_->write(samples, frames) > 0) {
+    thread_.wake();
+  }
+}
+
+void InputQueueCore::inputFailed(AudioStatus status) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (failure_ != kAudioStatusOk) {
+      return;
+    }
+    failure_ = status;
+  }
+  input_->fanOut().remove(*this);
+  {
+    // The real-time thread is out of here: what it left unfinished is the last of the capture.
+    const std::lock_guard lock(mutex_);
+    if (producer_) {
+      producer_->finish();
+    }
+    captureEnded_ = true;
+  }
+  thread_.wake();
+}
+
+void InputQueueCore::serve() {
+  while (!thread_.isEnding() && deliverOne()) {
+  }
+  tellLossInSystem();
+  if (!thread_.isEnding()) {
+    tellFailure();
+  }
+}
+
+bool InputQueueCore::canDeliver() const {
+  return state_ == State::kRunning && consumer_->front() != nullptr && !enqueued_.empty();
+}
+
+bool InputQueueCore::deliverOne() {
+  AudioQueueBuffer* buffer = nullptr;
+  std::uint64_t lost = 0;
+  {
+    const std::lock_guard lock(mutex_);
+    if (!canDeliver()) {
+      return false;
+    }
+    const InputRing::Block* block = consumer_->front();
+    buffer = enqueued_.front();
+    enqueued_.pop_front();
+    buffers_.markReturned(buffer);
+    inCallback_ = block->endFrame;
+    lost = block->lostBefore;
+    lossTold_ += lost;
+    fill(*buffer);
+    consumer_->pop();
+  }
+  tellLoss(lost);
+  levels_.measure(reinterpret_cast<const float*>(buffer->mAudioData),
+                  buffer->mAudioDataByteSize / kWorkingFormat.mBytesPerFrame);
+  if (callback_) {
+    callback_(owner_, *buffer);
+  }
+  {
+    const std::lock_guard lock(mutex_);
+    inCallback_.reset();
+  }
+  progress_.notify_all();
+  return true;
+}
+
+void InputQueueCore::fill(AudioQueueBuffer& buffer) {
+  const std::uint32_t bytes = consumer_->front()->frames() * kWorkingFormat.mBytesPerFrame;
+  std::memcpy(buffer.mAudioData, consumer_->frontSamples(), bytes);
+  buffer.mAudioDataByteSize = bytes;
+  buffer.mPacketDescriptionCount = 0;
+  buffer.endFrame = consumer_->front()->endFrame;
+}
+
+void InputQueueCore::tellLoss(std::uint64_t frames) {
+  if (frames > 0) {
+    ConsoleLog("Audio input: %llu frames were lost, their receiver was held up for too long",
+               static_cast<unsigned long long>(frames));
+  }
+}
+
+void InputQueueCore::tellLossInSystem() {
+  if (const std::uint64_t lost = input_->takeFramesLostInSystem()) {
+    ConsoleLog("Audio input: about %llu frames were lost inside the sound system",
+               static_cast<unsigned long long>(lost));
+  }
+}
+
+void InputQueueCore::tellLossAtTheEnd() {
+  tellLossInSystem();
+  std::uint64_t untold = 0;
+  {
+    const std::lock_guard lock(mutex_);
+    if (ring_) {
+      untold = ring_->lostFrames() - lossTold_;
+      lossTold_ += untold;
+    }
+  }
+  tellLoss(untold);
+}
+
+void InputQueueCore::tellFailure() {
+  AudioStatus status = kAudioStatusOk;
+  {
+    const std::lock_guard lock(mutex_);
+    // What came after the last look at the ring goes first; its wake-up is under way.
+    if (!captureEnded_ || canDeliver() || std::exchange(failureTold_, true)) {
+      return;
+    }
+    status = failure_;
+  }
+  if (failed_) {
+    failed_(status);
+  }
+}
+
+}  // namespace platform

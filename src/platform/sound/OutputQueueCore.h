@@ -1,0 +1,119 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "platform/sound/AudioQueue.h"
+#include "platform/sound/DeviceThread.h"
+#include "platform/sound/LevelMeter.h"
+#include "platform/sound/OutputFeeder.h"
+#include "platform/sound/QueueBuffers.h"
+#include "platform/sound/QueueThread.h"
+#include "platform/sound/RecentFailure.h"
+#include "platform/sound/TimedReply.h"
+
+namespace platform {
+
+/// What an output queue is made of. It outlives its DeviceOutputQueue for as long as its thread,
+/// or a stream on the control thread, still needs it.
+///
+/// Threads: as AudioOutputQueue, except where said. Real-time: only deviceWants() is safe.
+class OutputQueueCore final : public AudioOutputClient,
+                              public std::enable_shared_from_this<OutputQueueCore> {
+ public:
+  /// Time between looks at the playing position of a queue that drains.
+  static constexpr std::chrono::milliseconds kDrainLook{10};
+  /// Frames of silence, given behind the last real frame, after which a drain ends whatever the
+  /// position says: 2 s, for a device whose position stands still.
+  static constexpr std::uint64_t kMaxDrainFrames = 88200;
+
+  static std::shared_ptr<OutputQueueCore> create(AudioOutputQueue& owner,
+                                                 AudioOutputQueue::Callback callback,
+                                                 std::shared_ptr<DeviceTasks> control,
+                                                 std::shared_ptr<AudioClock> clock,
+                                                 std::shared_ptr<RecentFailure> known);
+
+  /// Opens the stream; waits at most kMaxWait, then says yes.
+  [[nodiscard]] AudioStatus open();
+
+  [[nodiscard]] AudioStatus allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer);
+  [[nodiscard]] AudioStatus enqueue(AudioQueueBuffer* buffer);
+  [[nodiscard]] AudioStatus start();
+  [[nodiscard]] AudioStatus pause();
+  [[nodiscard]] AudioStatus stopAfterQueued();
+  void stop();
+  void dispose();
+  [[nodiscard]] AudioStatus setRunningListener(AudioOutputQueue::RunningListener listener);
+  [[nodiscard]] bool isRunning() const;
+  [[nodiscard]] AudioStatus failure() const;
+  [[nodiscard]] std::uint64_t underrunFrames() const { return feeder_.underrunFrames(); }
+  [[nodiscard]] LevelMeter& levels() { return levels_; }
+
+  void deviceWants(float* samples, std::uint32_t frames) noexcept override;
+  void deviceOutputFailed(AudioStatus status) noexcept override;
+
+ private:
+  // kEnded: drained or failed.
+  enum class State { kCreated, kRunning, kPaused, kEnded, kStopped };
+
+  OutputQueueCore(AudioOutputQueue& owner, AudioOutputQueue::Callback callback,
+                  std::shared_ptr<DeviceTasks> control, std::shared_ptr<AudioClock> clock,
+                  std::shared_ptr<RecentFailure> known);
+
+  [[nodiscard]] AudioStatus ask(void (OutputQueueCore::*task)(TimedReply&));
+  void tellUnderruns() const;
+
+  // On the control thread.
+  void openStream(AudioDevice& device, TimedReply& answer);
+  void startStream(TimedReply& answer);
+  void pauseStream(TimedReply& answer);
+  void watchDrain();
+  void endDrained();
+  void fail(AudioStatus status, TimedReply* answer);
+
+  // On the queue's thread.
+  void serve();
+  void returnTaken();
+  void tell(bool running);
+
+  // Fixed after construction.
+  AudioOutputQueue& owner_;
+  const std::shared_ptr<DeviceTasks> control_;
+  const std::shared_ptr<AudioClock> clock_;
+  const std::shared_ptr<RecentFailure> known_;
+  const AudioClock::TimePoint created_;
+  AudioOutputQueue::Callback callback_;  // let go by dispose(), when no callback runs any more
+  std::shared_ptr<DeviceTasks::Signal> failureSignal_;
+
+  LevelMeter levels_;
+  QueueThread thread_;
+  OutputFeeder feeder_;
+
+  // Set by a thread of the device, taken by the control thread; 0 is none.
+  std::atomic<AudioStatus> pendingFailure_{kAudioStatusOk};
+
+  // Control thread only.
+  std::unique_ptr<AudioOutputStream> stream_;
+  bool watching_ = false;  // a look at the drain is posted
+
+  // Queue's thread only: what the listener that runs is being told.
+  std::optional<bool> telling_;
+
+  mutable std::mutex mutex_;
+  // guarded by mutex_
+  State state_ = State::kCreated;
+  bool draining_ = false;
+  bool running_ = false;      // the running state as the device has it
+  bool openSettled_ = false;  // the opening has succeeded or failed
+  AudioStatus failure_ = kAudioStatusOk;
+  std::deque<bool> changes_;  // of the running state, still to be told
+  AudioOutputQueue::RunningListener listener_;
+  QueueBuffers buffers_;
+};
+
+}  // namespace platform

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <chrono>
+#include <mutex>
+
+#include "platform/base/AudioTypes.h"
+#include "platform/sound/AudioClock.h"
+
+namespace platform {
+
+/// Remembers for one second that the device failed, so that what is asked meanwhile is answered at
+/// once; after that it is tried anew, since the device may be back.
+///
+/// Threads: any. Real-time: not safe.
+class RecentFailure {
+ public:
+  static constexpr std::chrono::seconds kMemory{1};
+
+  void note(AudioStatus status, AudioClock::TimePoint now) {
+    const std::lock_guard lock(mutex_);
+    status_ = status;
+    since_ = now;
+  }
+
+  void clear() {
+    const std::lock_guard lock(mutex_);
+    status_ = kAudioStatusOk;
+  }
+
+  /// The failure if it is known for less than a second at `now`, otherwise kAudioStatusOk.
+  [[nodiscard]] AudioStatus recent(AudioClock::TimePoint now) const {
+    const std::lock_guard lock(mutex_);
+    return now - since_ < kMemory ? status_ : kAudioStatusOk;
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  // guarded by mutex_
+  AudioStatus status_ = kAudioStatusOk;
+  AudioClock::TimePoint since_;
+};
+
+}  // namespace platform

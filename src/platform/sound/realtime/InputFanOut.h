@@ -1,0 +1,58 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "platform/sound/realtime/RealTimeGracePeriod.h"
+
+namespace platform {
+
+/// Takes captured samples on the device's real-time thread.
+class InputSink {
+ public:
+  virtual ~InputSink() = default;
+
+  /// Threads: the device's real-time thread. Real-time: must be safe.
+  virtual void captured(const float* samples, std::uint32_t frames) noexcept = 0;
+};
+
+/// Hands every captured chunk to all sinks of a set that changes while the device runs.
+///
+/// The real-time thread reads an immutable list through an atomic pointer; add() and remove()
+/// publish a new list and free the old one once the real-time thread cannot hold it any more.
+///
+/// Threads: distribute() on the real-time thread, the rest on any other.
+/// Real-time: distribute() is safe.
+class InputFanOut {
+ public:
+  InputFanOut();
+  ~InputFanOut();
+  InputFanOut(const InputFanOut&) = delete;
+  InputFanOut& operator=(const InputFanOut&) = delete;
+
+  /// The sink gets every chunk from the next one on.
+  void add(InputSink& sink);
+
+  /// When it has returned the sink is not called any more. Without effect for one not in the set.
+  void remove(InputSink& sink);
+
+  void distribute(const float* samples, std::uint32_t frames) noexcept;
+
+ private:
+  using Sinks = std::vector<InputSink*>;
+
+  void publish(std::unique_ptr<const Sinks> sinks);
+
+  RealTimeGracePeriod section_;
+
+  // What the real-time thread reads; points to *owned_. Only writer: publish().
+  std::atomic<const Sinks*> current_;
+
+  std::mutex mutex_;
+  std::unique_ptr<const Sinks> owned_;  // guarded by mutex_
+};
+
+}  // namespace platform

@@ -1,0 +1,46 @@
+#include "platform/views/ViewAccessibility.h"
+
+#include <QAccessibleWidget>
+#include <QVariant>
+
+namespace platform {
+
+namespace {
+
+constexpr char kRoleProperty[] = "accessibleRole";
+constexpr char kValueProperty[] = "accessibleValue";
+
+class AccessibleView final : public QAccessibleWidget {
+ public:
+  AccessibleView(QWidget* view, QAccessible::Role role) : QAccessibleWidget(view, role) {}
+
+  [[nodiscard]] QString text(QAccessible::Text kind) const override {
+    QString own = QAccessibleWidget::text(kind);
+    // Not every desktop hands on the value of a view that is no slider; all hand on descriptions.
+    if (kind == QAccessible::Value || (kind == QAccessible::Description && own.isEmpty())) {
+      return object()->property(kValueProperty).toString();
+    }
+    return own;
+  }
+};
+
+QAccessibleInterface* makeAccessibleView(const QString&, QObject* object) {
+  auto* view = qobject_cast<QWidget*>(object);
+  const QVariant role = view == nullptr ? QVariant() : view->property(kRoleProperty);
+  if (!role.isValid()) {
+    return nullptr;
+  }
+  return new AccessibleView(view, static_cast<QAccessible::Role>(role.toInt()));
+}
+
+}  // namespace
+
+void describeView(QWidget* view, const QString& name, QAccessible::Role role) {
+  // Before the name: naming a view makes its interface, which is then kept. Installing the same
+  // factory again changes nothing.
+  QAccessible::installFactory(makeAccessibleView);
+  view->setProperty(kRoleProperty, static_cast<int>(role));
+  view->setAccessibleName(name);
+}
+
+}  // namespace platform

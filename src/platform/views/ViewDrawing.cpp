@@ -1,0 +1,121 @@
+#include "platform/views/ViewDrawing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include <QLineF>
+#include <QLinearGradient>
+
+namespace platform {
+
+namespace {
+
+// Past this many line widths, a sharp corner is cut off instead of drawn out to its tip. That is
+// how the toolkit's "SVG" mitre join understands the limit; its plain one draws half a tip.
+constexpr double kMiterLimit = 10.0;
+
+// No device is so wide, and columns up to here are told apart.
+constexpr double kFarthestColumn = 1 << 24;
+
+// The toolkit gives a translucent fill of 96 rows and more to helper threads and waits for them,
+// which costs more than the fill.
+constexpr double kRowsAtOnce = 64.0;
+
+const QColor kGridColor = QColor::fromRgbF(0.145F, 0.32F, 0.356F);
+constexpr double kGridLineWidth = 1.0;  // points
+
+bool isWhole(double number) {
+  return std::floor(number) == number;
+}
+
+void strokeGrid(QPainter& painter, const std::vector<QLineF>& lines) {
+  painter.setPen(viewPen(kGridColor, kGridLineWidth));
+  painter.drawLines(lines.data(), static_cast<int>(lines.size()));
+}
+
+}  // namespace
+
+void useViewCoordinates(QPainter& painter, QSizeF viewSize) {
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.translate(0.0, viewSize.height());
+  painter.scale(1.0, -1.0);
+}
+
+double devicePixelsPerPoint(const QPainter& painter) {
+  const QTransform& transform = painter.deviceTransform();
+  return std::hypot(transform.m11(), transform.m12());
+}
+
+QPen viewPen(const QColor& color, double width) {
+  QPen pen(color, width, Qt::SolidLine, Qt::FlatCap, Qt::SvgMiterJoin);
+  pen.setMiterLimit(kMiterLimit);
+  return pen;
+}
+
+void drawViewGradient(QPainter& painter, QSizeF size, const QColor& bottom, const QColor& top) {
+  QLinearGradient gradient(0.0, 0.0, 0.0, size.height());
+  gradient.setColorAt(0.0, bottom);
+  gradient.setColorAt(1.0, top);
+  painter.fillRect(QRectF(QPointF(0.0, 0.0), size), gradient);
+}
+
+void drawViewGridLevels(QPainter& painter, QSizeF size) {
+  std::vector<QLineF> lines;
+  for (int i = 0; i * kViewGridSpacing < size.height(); ++i) {
+    const double y = i * kViewGridSpacing;
+    // The slight slant belongs to the look.
+    lines.emplace_back(0.0, y + 12.5, size.width() + 0.5, y + 12.0);
+  }
+  strokeGrid(painter, lines);
+}
+
+void drawViewGridUprights(QPainter& painter, QSizeF size, double offset) {
+  // Where lines fill whole pixels, nothing needs to be smoothed, and a rectangle is the same.
+  const bool fillPixels = isWhole(offset) && isWhole(devicePixelsPerPoint(painter));
+  painter.setRenderHint(QPainter::Antialiasing, !fillPixels);
+  std::vector<QLineF> lines;
+  for (int i = 0; i * kViewGridSpacing < size.width(); ++i) {
+    const double left = offset + i * kViewGridSpacing;
+    if (fillPixels) {
+      painter.fillRect(QRectF(left, 0.0, kGridLineWidth, size.height()), kGridColor);
+    } else {
+      lines.emplace_back(left + 0.5, 0.0, left + 0.5, size.height());
+    }
+  }
+  painter.setRenderHint(QPainter::Antialiasing);
+  strokeGrid(painter, lines);
+}
+
+void fillUprightBar(QPainter& painter, double left, double right, double height,
+                    const QColor& color) {
+  const QTransform toDevice = painter.deviceTransform();
+  const QTransform toView = toDevice.inverted();
+  const QRectF bar = toDevice.mapRect(QRectF(left, 0.0, right - left, height));
+  if (!(std::max(std::abs(bar.left()), std::abs(bar.right())) < kFarthestColumn)) {
+    return;
+  }
+  const double bottom = std::round(bar.bottom());
+  const bool wasSmoothed = painter.testRenderHint(QPainter::Antialiasing);
+  painter.setRenderHint(QPainter::Antialiasing, false);
+  for (double column = std::floor(bar.left()); column < bar.right(); ++column) {
+    const double covered = std::min(column + 1.0, bar.right()) - std::max(column, bar.left());
+    QColor share = color;
+    share.setAlphaF(color.alphaF() * static_cast<float>(covered));
+    for (double row = std::round(bar.top()); row < bottom; row += kRowsAtOnce) {
+      const QRectF pixels(column, row, 1.0, std::min(kRowsAtOnce, bottom - row));
+      painter.fillRect(toView.mapRect(pixels), share);
+    }
+  }
+  painter.setRenderHint(QPainter::Antialiasing, wasSmoothed);
+}
+
+void drawUprightText(QPainter& painter, QPointF baseline, const QString& text) {
+  painter.save();
+  painter.translate(baseline);
+  painter.scale(1.0, -1.0);
+  painter.drawText(QPointF(0.0, 0.0), text);
+  painter.restore();
+}
+
+}  // namespace platform

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QPointer>
+#include <QRectF>
+#include <QWidget>
+
+#include "platform/mainloop/MainQueue.h"
+
+/// Asks a view, if it is still there, to redraw from the main queue.
+/// Threads: any. Real-time: not safe.
+template <typename View>
+void requestRedraw(const QPointer<View>& view) {
+  platform::mainQueue().async([view] {
+    if (view) {
+      view->update();
+    }
+  });
+}
+
+/// The same for a part of it, in points, widened to whole ones.
+/// Threads: any. Real-time: not safe.
+template <typename View>
+void requestRedraw(const QPointer<View>& view, const QRectF& inRect) {
+  platform::mainQueue().async([view, rect = inRect.toAlignedRect()] {
+    if (view) {
+      view->update(rect);
+    }
+  });
+}

@@ -1,0 +1,138 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include <QImage>
+#include <QPointF>
+#include <QSizeF>
+#include <QWidget>
+
+#include "platform/views/FocusRing.h"
+#include "waveform/OVWaveformSummary.h"
+#include "waveform/views/OVWaveFormDrawing.h"
+
+class OVWaveFormView;
+
+/// Told of clicks and drags in a waveform view.
+///
+/// Threads: main. Real-time: not safe.
+class OVWaveFormViewDelegate {
+ public:
+  virtual ~OVWaveFormViewDelegate() = default;
+
+  /// `atPosition` is in the view's coordinates (points, origin bottom left) and never outside the
+  /// view: a click beyond an edge counts as that edge. `timeLinePosition` is its x as a fraction
+  /// of the view's width, 0 to 1.
+  virtual void waveFormViewReceivedClick(OVWaveFormView* view, QPointF atPosition,
+                                         double timeLinePosition) = 0;
+  virtual void waveFormViewReceivedDrag(OVWaveFormView* view, QPointF atPosition,
+                                        double timeLinePosition) = 0;
+};
+
+/// Shows a waveform summary over a dark blue gradient with a grid, and turns clicks and drags into
+/// positions on the time line.
+///
+/// The picture is rendered off screen when the number of elements, the size or the screen's pixel
+/// ratio has changed or a new rendering was asked for, and copied to the screen on every redraw,
+/// the dirty part only. While the summary regenerates, the last picture stays, unless
+/// overrideRegenerationCheck is set. A disabled view passes no input on. Setting a property does
+/// not redraw; who sets it asks for that.
+///
+/// Reached by Tab, it moves the marker that is laid over it with the keys: Left and Right by a
+/// hundredth of the width, with Shift by a point, Page Up and Page Down by a tenth, Home and End to
+/// the ends. The delegate is told of each as of a drag. Other keys go on to the window.
+///
+/// Threads: main, except where said. Real-time: not safe.
+class OVWaveFormView : public QWidget {
+  Q_OBJECT
+  Q_PROPERTY(QString accessibleValue READ accessibleValue)
+
+ public:
+  explicit OVWaveFormView(QWidget* parent = nullptr);
+  ~OVWaveFormView() override;
+
+  /// What is drawn; may be null.
+  /// Threads: any.
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const;
+  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm);
+
+  /// The grid moves one point to the right at each rendering.
+  [[nodiscard]] bool scrollBack() const { return scrollBack_; }
+  void setScrollBack(bool scrollBack) { scrollBack_ = scrollBack; }
+
+  /// The next redraw renders anew.
+  /// Threads: any.
+  [[nodiscard]] bool shouldRedrawWaveform() const;
+  void setShouldRedrawWaveform(bool should);
+
+  /// Render even while the summary regenerates.
+  [[nodiscard]] bool overrideRegenerationCheck() const { return overrideRegenerationCheck_; }
+  void setOverrideRegenerationCheck(bool override) { overrideRegenerationCheck_ = override; }
+
+  /// The last rendering, null before the first: the view's size in points times the pixel ratio.
+  [[nodiscard]] QImage image() const { return image_; }
+
+  /// Position and length as text, asked for whenever assistive technology wants to read them out.
+  [[nodiscard]] QString accessibleValue() const;
+  void setTimeLineText(std::function<QString()> text);
+
+  [[nodiscard]] std::weak_ptr<OVWaveFormViewDelegate> delegate() const { return delegate_; }
+  void setDelegate(std::weak_ptr<OVWaveFormViewDelegate> delegate);
+
+  /// Horizontal offset of the vertical grid lines, points, 0 to 24 (excluded).
+  [[nodiscard]] double bg_scroll_x() const { return bg_scroll_x_; }
+  /// Number of elements and size of the view, points, at the last rendering.
+  [[nodiscard]] std::uint64_t prevBufsize() const { return prevBufsize_; }
+  [[nodiscard]] QSizeF prevImageSize() const { return prevImageSize_; }
+
+  /// The layers, drawn for the view's size into a painter in view coordinates. drawGrid() moves
+  /// the grid on when scrollBack is set. The time scale is not part of the view's own drawing.
+  void drawGradient(QPainter& painter);
+  void drawGrid(QPainter& painter);
+  void drawWaveform(QPainter& painter, double alpha);
+  void drawTimescale(QPainter& painter);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+
+ private:
+  [[nodiscard]] bool needsRendering(std::uint64_t elementCount) const;
+  void render(std::uint64_t elementCount);
+  void prepareBitmap();
+  void scrollGrid();
+  [[nodiscard]] double markerPosition() const;
+  [[nodiscard]] std::optional<double> positionAfterKey(const QKeyEvent& event) const;
+
+  // Guarded by waveFormLock_: set by whoever installs a summary, read by the main thread.
+  mutable std::mutex waveFormLock_;
+  std::shared_ptr<OVWaveformSummary> waveForm_;
+
+  // Set by whichever thread has generated; cleared by the main thread alone, before it reads the
+  // elements, so that a generation in between asks for one rendering more, never for one less.
+  // Relaxed: the elements have a lock of their own.
+  std::atomic<bool> shouldRedrawWaveform_{true};
+
+  // Main thread only.
+  double bg_scroll_x_ = 0.0;
+  bool scrollBack_ = false;
+  bool overrideRegenerationCheck_ = false;
+  std::uint64_t prevBufsize_ = 0;
+  QSizeF prevImageSize_{0.0, 0.0};
+  QImage image_;
+  std::weak_ptr<OVWaveFormViewDelegate> delegate_;
+  std::function<QString()> timeLineText_;
+  platform::FocusRing focusRing_;
+  OVWaveFormDrawing drawing_;
+  std::vector<float> elements_;  // memory for the copy of the elements, kept between renderings
+};

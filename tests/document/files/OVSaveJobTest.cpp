@@ -1,0 +1,137 @@
+#include "document/files/OVSaveJob.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <new>
+
+#include <gmock/gmock.h>
+
+#include "document/FileFixture.h"
+#include "support/fakes/MemoryTestBuffer.h"
+
+namespace {
+
+using testing::ElementsAre;
+namespace fs = std::filesystem;
+
+constexpr std::uint64_t kBytesPerFrame = 8;
+constexpr std::uint64_t kPageFrames = 512;  // what a disk loses at least: 4 KiB
+
+class OVSaveJobTest : public DocumentFileTest {
+ protected:
+  OVSaveJob::Outcome save(std::uint64_t frames) {
+    return OVSaveJob::run({.buffer = audio_,
+                           .fromFrame = 0,
+                           .frameCount = frames,
+                           .path = at("take.wav"),
+                           .outputFormat = OVAudioFileWriter::kWave},
+                          [this](double fraction) { progress_.push_back(fraction); });
+  }
+
+  void lose(std::uint64_t firstFrame, std::uint64_t frames) {
+    audio_->addHole(firstFrame * kBytesPerFrame, (firstFrame + frames) * kBytesPerFrame);
+  }
+
+  /// `samples` with silence in the place of some frames.
+  static Samples silenced(Samples samples, std::uint64_t firstFrame, std::uint64_t frames) {
+    const auto begin = samples.begin() + static_cast<std::ptrdiff_t>(2 * firstFrame);
+    std::fill(begin, begin + static_cast<std::ptrdiff_t>(2 * frames), 0.0F);
+    return samples;
+  }
+
+  const std::shared_ptr<MemoryTestBuffer> audio_ = std::make_shared<MemoryTestBuffer>();
+  std::vector<double> progress_;
+};
+
+TEST_F(OVSaveJobTest, ProgressGrowsFromChunkToChunkUpToTheWhole) {
+  const std::uint64_t frames = 2 * OVSaveJob::kChunkFrames + OVSaveJob::kChunkFrames / 2;
+  audio_->append(Samples(2 * frames));
+  EXPECT_TRUE(save(frames).complete);
+  EXPECT_THAT(progress_, ElementsAre(0.4, 0.8, 1.0));
+}
+
+// What storage does not give back ----------------------------------------------------------------
+
+TEST_F(OVSaveJobTest, ABadPageCostsAFewReadsAndNothingBesideItself) {
+  const Samples samples = ramp(20'000);
+  audio_->append(samples);
+  lose(3000, kPageFrames);  // does not begin where a page of the recording would
+  const auto outcome = save(20'000);
+  EXPECT_TRUE(outcome.complete);
+  EXPECT_EQ(outcome.unreadableFrames, kPageFrames);
+  EXPECT_LT(audio_->readCount(), 20U);
+  EXPECT_EQ(readFile(at("take.wav")), silenced(samples, 3000, kPageFrames));
+}
+
+TEST_F(OVSaveJobTest, ALongLossCostsAFewReadsAndEndsAtItsLastFrame) {
+  const std::uint64_t frames = 3 * OVSaveJob::kChunkFrames;
+  const std::uint64_t lost = 2 * OVSaveJob::kChunkFrames - 300;
+  const Samples samples = ramp(frames);
+  audio_->append(samples);
+  lose(100, lost);
+  const auto outcome = save(frames);
+  EXPECT_TRUE(outcome.complete);
+  EXPECT_EQ(outcome.unreadableFrames, lost);
+  EXPECT_LT(audio_->readCount(), 80U);
+  EXPECT_EQ(readFile(at("take.wav")), silenced(samples, 100, lost));
+}
+
+TEST_F(OVSaveJobTest, ALossAtTheEndIsSilentUpToTheEnd) {
+  const Samples samples = ramp(1000);
+  audio_->append(samples);
+  lose(990, 10);
+  const auto outcome = save(1000);
+  EXPECT_EQ(outcome.unreadableFrames, 10U);
+  EXPECT_EQ(readFile(at("take.wav")), silenced(samples, 990, 10));
+}
+
+TEST_F(OVSaveJobTest, SeveralBadPagesAreEachFoundAndTheGoodOnesBetweenKept) {
+  Samples samples = ramp(60'000);
+  audio_->append(samples);
+  for (std::uint64_t frame = 2048; frame < 50'000; frame += 6 * kPageFrames) {
+    lose(frame, kPageFrames);
+    samples = silenced(samples, frame, kPageFrames);
+  }
+  EXPECT_TRUE(save(60'000).complete);
+  EXPECT_EQ(readFile(at("take.wav")), samples);
+}
+
+TEST_F(OVSaveJobTest, AWholeRecordingThatIsLostIsSilentAndCostsAFewReads) {
+  const std::uint64_t frames = 4 * OVSaveJob::kChunkFrames;
+  audio_->append(Samples(2 * frames, 0.5F));
+  lose(0, frames);
+  const auto outcome = save(frames);
+  EXPECT_EQ(outcome.unreadableFrames, frames);
+  EXPECT_LT(audio_->readCount(), 40U);
+  EXPECT_EQ(readFile(at("take.wav")), Samples(2 * frames, 0.0F));
+}
+
+// What no job may let out: it would end the program, and every recording with it ------------------
+
+TEST_F(OVSaveJobTest, WithoutMemoryItFailsAndLeavesNothing) {
+  audio_->append(ramp(1000));
+  audio_->beforeRead = [](std::uint64_t) { throw std::bad_alloc(); };
+  OVSaveJob::Outcome outcome;
+  ASSERT_NO_THROW(outcome = save(1000));
+  EXPECT_FALSE(outcome.complete);
+  EXPECT_FALSE(outcome.told);
+  EXPECT_EQ(outcome.error, ENOMEM);
+  EXPECT_EQ(filesInFolder(), 0U);
+}
+
+TEST_F(OVSaveJobTest, ATargetThatCannotBeLookedAtAnyMoreIsKept) {
+  audio_->append(ramp(1000));
+  lose(500, 10);
+  audio_->beforeRead = [this](std::uint64_t) {
+    std::error_code there;
+    fs::create_symlink("take.wav", at("take.wav"), there);  // a link that leads back to itself
+  };
+  OVSaveJob::Outcome outcome;
+  ASSERT_NO_THROW(outcome = save(1000));
+  EXPECT_FALSE(outcome.complete);
+  EXPECT_EQ(outcome.unreadableFrames, 10U);
+  EXPECT_TRUE(fs::is_symlink(at("take.wav")));
+  EXPECT_EQ(filesInFolder(), 1U);
+}
+
+}  // namespace

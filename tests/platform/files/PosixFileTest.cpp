@@ -1,0 +1,300 @@
+#include "platform/files/PosixFile.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <filesystem>
+#include <limits>
+#include <numeric>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+using platform::chooseTemporaryDirectory;
+using platform::PosixFile;
+using platform::PosixTemporaryFiles;
+using platform::TemporaryFiles;
+
+std::vector<unsigned char> counting(std::size_t count) {
+  std::vector<unsigned char> bytes(count);
+  std::iota(bytes.begin(), bytes.end(), static_cast<unsigned char>(1));
+  return bytes;
+}
+
+class APosixFile : public testing::Test {
+ protected:
+  void SetUp() override {
+    created_ = files_.createUnlinked(files_.directory() + "orvoXXXXXX");
+    ASSERT_NE(created_.file, nullptr);
+  }
+
+  platform::File& file() { return *created_.file; }
+
+  PosixTemporaryFiles files_;
+  TemporaryFiles::Created created_;
+};
+
+TEST_F(APosixFile, GivesBackWhatWasWrittenAtEachPosition) {
+  const auto bytes = counting(1000);
+  EXPECT_EQ(file().writeAt(bytes.data(), 600, 400).byteCount, 600U);
+  EXPECT_EQ(file().writeAt(bytes.data(), 400, 0).byteCount, 400U);
+
+  std::vector<unsigned char> read(1000);
+  const auto result = file().readAt(read.data(), 1000, 0);
+  EXPECT_EQ(result.byteCount, 1000U);
+  EXPECT_EQ(result.error, 0);
+  EXPECT_TRUE(std::equal(read.begin(), read.begin() + 400, bytes.begin()));
+  EXPECT_TRUE(std::equal(read.begin() + 400, read.end(), bytes.begin()));
+}
+
+TEST_F(APosixFile, ReadsShortAtItsEndWithoutAnError) {
+  const auto bytes = counting(100);
+  ASSERT_EQ(file().writeAt(bytes.data(), 100, 0).byteCount, 100U);
+  std::vector<unsigned char> read(100);
+  const auto result = file().readAt(read.data(), 100, 60);
+  EXPECT_EQ(result.byteCount, 40U);
+  EXPECT_EQ(result.error, 0);
+  EXPECT_EQ(file().readAt(read.data(), 100, 100).byteCount, 0U);
+  EXPECT_EQ(file().readAt(read.data(), 100, 5000).byteCount, 0U);
+}
+
+TEST_F(APosixFile, HoldsZerosWhereNothingWasWritten) {
+  const auto bytes = counting(10);
+  ASSERT_EQ(file().writeAt(bytes.data(), 10, 50).byteCount, 10U);
+  std::vector<unsigned char> read(50, 0xff);
+  EXPECT_EQ(file().readAt(read.data(), 50, 0).byteCount, 50U);
+  EXPECT_EQ(read, std::vector<unsigned char>(50, 0));
+}
+
+TEST_F(APosixFile, ReadsOffsetsThatTheSystemCannotExpressAsItsEnd) {
+  unsigned char byte = 7;
+  for (const std::uint64_t offset :
+       {std::uint64_t{1} << 63, std::numeric_limits<std::uint64_t>::max()}) {
+    const auto result = file().readAt(&byte, 1, offset);
+    EXPECT_EQ(result.byteCount, 0U);
+    EXPECT_EQ(result.error, 0);
+  }
+  EXPECT_EQ(byte, 7);
+}
+
+TEST_F(APosixFile, RefusesToWriteAtOffsetsThatTheSystemCannotExpress) {
+  const unsigned char byte = 7;
+  EXPECT_EQ(file().writeAt(&byte, 1, std::uint64_t{1} << 63).error, EFBIG);
+  EXPECT_EQ(file().writeAt(&byte, 2, (std::uint64_t{1} << 63) - 2).error, EFBIG);
+  EXPECT_EQ(file().readAt(nullptr, 0, 0).byteCount, 0U);
+}
+
+TEST_F(APosixFile, IsAsLongAsTheHighestEndWritten) {
+  EXPECT_EQ(file().size(), 0U);
+  const auto bytes = counting(100);
+  ASSERT_EQ(file().writeAt(bytes.data(), 100, 900).byteCount, 100U);
+  ASSERT_EQ(file().writeAt(bytes.data(), 100, 0).byteCount, 100U);
+  EXPECT_EQ(file().size(), 1000U);
+}
+
+TEST_F(APosixFile, CutsWhatLiesBehindItsNewEnd) {
+  const auto bytes = counting(100);
+  ASSERT_EQ(file().writeAt(bytes.data(), 100, 0).byteCount, 100U);
+  EXPECT_EQ(file().setSize(40), 0);
+  EXPECT_EQ(file().size(), 40U);
+  EXPECT_EQ(file().setSize(60), 0);
+  std::vector<unsigned char> read(100, 0xff);
+  EXPECT_EQ(file().readAt(read.data(), 100, 0).byteCount, 60U);
+  EXPECT_TRUE(std::equal(read.begin(), read.begin() + 40, bytes.begin()));
+  EXPECT_EQ(std::vector(read.begin() + 40, read.begin() + 60), std::vector<unsigned char>(20, 0))
+      << "what was cut does not come back";
+}
+
+TEST_F(APosixFile, CannotEndWhereTheSystemCannotExpressIt) {
+  const unsigned char byte = 7;
+  ASSERT_EQ(file().writeAt(&byte, 1, 0).byteCount, 1U);
+  EXPECT_EQ(file().setSize(std::uint64_t{1} << 63), EFBIG);
+  EXPECT_EQ(file().size(), 1U);
+}
+
+// A limit on the size of files stands in for a disk that fills up in the middle of a write.
+TEST_F(APosixFile, TellsHowMuchOfAWriteWasTakenAndWhyNotMore) {
+  struct rlimit before = {};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
+  struct rlimit limited = before;
+  limited.rlim_cur = 4096;
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limited), 0);
+
+  const auto bytes = counting(10000);
+  const auto result = file().writeAt(bytes.data(), bytes.size(), 0);
+  const auto beyond = file().writeAt(bytes.data(), 1, 5000);
+
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(result.byteCount, 4096U);
+  EXPECT_EQ(result.error, EFBIG);
+  EXPECT_EQ(beyond.byteCount, 0U);
+  EXPECT_EQ(beyond.error, EFBIG);
+}
+
+TEST(ABrokenPosixFile, ReportsTheSystemsError) {
+  PosixFile file(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+  const unsigned char byte = 1;
+  const auto result = file.writeAt(&byte, 1, 0);
+  EXPECT_EQ(result.byteCount, 0U);
+  EXPECT_EQ(result.error, EBADF);
+}
+
+TEST(ABrokenPosixFile, ReportsThatItsSizeCannotBeSet) {
+  PosixFile file(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+  EXPECT_EQ(file.setSize(10), EINVAL);
+  EXPECT_EQ(file.size(), 0U);
+}
+
+TEST(ABrokenPosixFile, ReportsAFailedRead) {
+  PosixFile directory(::open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  unsigned char byte = 1;
+  EXPECT_EQ(directory.readAt(&byte, 1, 0).error, EISDIR);
+}
+
+class TemporaryDirectory : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string path = std::filesystem::temp_directory_path() / "orvo-test-XXXXXX";
+    ASSERT_NE(::mkdtemp(path.data()), nullptr);
+    path_ = path + "/";
+  }
+  void TearDown() override { std::filesystem::remove_all(path_); }
+
+  std::string path_;
+  PosixTemporaryFiles files_;
+};
+
+TEST_F(TemporaryDirectory, KeepsNoNameOfAnOpenTemporaryFile) {
+  const auto created = files_.createUnlinked(path_ + "orvoXXXXXX");
+  ASSERT_NE(created.file, nullptr);
+  EXPECT_EQ(created.error, 0);
+  EXPECT_TRUE(created.path.starts_with(path_ + "orvo"));
+  EXPECT_NE(created.path, path_ + "orvoXXXXXX");
+  EXPECT_FALSE(std::filesystem::exists(created.path));
+  EXPECT_TRUE(std::filesystem::is_empty(path_));
+}
+
+// Descriptors of this process that are open on unlinked files of a directory.
+std::set<int> descriptorsIn(const std::string& directory) {
+  std::set<int> found;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code ignored;
+    const auto target = std::filesystem::read_symlink(entry.path(), ignored);
+    if (target.string().starts_with(directory)) {
+      found.insert(std::stoi(entry.path().filename().string()));
+    }
+  }
+  return found;
+}
+
+TEST_F(TemporaryDirectory, MakesFilesForTheUserAloneThatNoChildProcessInherits) {
+  if (!std::filesystem::exists("/proc/self/fd")) {
+    GTEST_SKIP() << "no list of this process's descriptors";
+  }
+  {
+    const auto created = files_.createUnlinked(path_ + "orvoXXXXXX");
+    const auto open = descriptorsIn(path_);
+    ASSERT_EQ(open.size(), 1U);
+    EXPECT_NE(::fcntl(*open.begin(), F_GETFD) & FD_CLOEXEC, 0);
+    struct stat information = {};
+    ASSERT_EQ(::fstat(*open.begin(), &information), 0);
+    EXPECT_EQ(information.st_mode & 0777, 0600U);
+    EXPECT_EQ(information.st_nlink, 0U);
+  }
+  EXPECT_TRUE(descriptorsIn(path_).empty()) << "closing a file must release its storage";
+}
+
+TEST_F(TemporaryDirectory, ThatDoesNotExistGivesNoFile) {
+  const auto created = files_.createUnlinked(path_ + "missing/orvoXXXXXX");
+  EXPECT_EQ(created.file, nullptr);
+  EXPECT_EQ(created.error, ENOENT);
+}
+
+TEST_F(TemporaryDirectory, TemplateWithoutPlaceholdersGivesNoFile) {
+  const auto created = files_.createUnlinked(path_ + "orvoXXX");
+  EXPECT_EQ(created.file, nullptr);
+  EXPECT_EQ(created.error, EINVAL);
+}
+
+TEST_F(TemporaryDirectory, KeepsTheNameOfAFileThatIsToHaveOne) {
+  const auto created = files_.createNamed(path_ + "orvo_XXXXXX.flt");
+  ASSERT_NE(created.file, nullptr);
+  const std::filesystem::path path(created.path);
+  EXPECT_EQ(path.parent_path().string() + "/", path_);
+  EXPECT_TRUE(path.filename().string().starts_with("orvo_"));
+  EXPECT_EQ(path.extension(), ".flt");
+  EXPECT_EQ(path.filename().string().size(), std::string("orvo_XXXXXX.flt").size());
+  struct stat information = {};
+  ASSERT_EQ(::stat(created.path.c_str(), &information), 0);
+  EXPECT_EQ(information.st_mode & 0777, 0600U);
+  platform::deleteFile(created.path);
+  EXPECT_TRUE(std::filesystem::is_empty(path_));
+}
+
+TEST_F(TemporaryDirectory, GivesEveryNamedFileANameOfItsOwn) {
+  std::set<std::string> paths;
+  for (int i = 0; i < 50; ++i) {
+    paths.insert(files_.createNamed(path_ + "orvo_XXXXXX.flt").path);
+  }
+  EXPECT_EQ(paths.size(), 50U);
+}
+
+TEST_F(TemporaryDirectory, ThatDoesNotExistGivesNoNamedFile) {
+  const auto created = files_.createNamed(path_ + "missing/orvo_XXXXXX.flt");
+  EXPECT_EQ(created.file, nullptr);
+  EXPECT_EQ(created.error, ENOENT);
+  EXPECT_TRUE(created.path.starts_with(path_ + "missing/orvo_"));
+}
+
+TEST_F(TemporaryDirectory, NamedTemplateWithoutPlaceholdersGivesNoFile) {
+  const auto created = files_.createNamed(path_ + "orvo.flt");
+  EXPECT_EQ(created.file, nullptr);
+  EXPECT_EQ(created.error, EINVAL);
+}
+
+TEST(DeleteFile, IgnoresWhatIsNotThere) {
+  EXPECT_NO_THROW(platform::deleteFile("/nowhere/at/all"));
+}
+
+bool everythingOnDisk(const std::string& /*directory*/) {
+  return true;
+}
+
+TEST(ChooseTemporaryDirectory, TakesTheUsersChoiceAsItStands) {
+  const auto nothingOnDisk = [](const std::string&) { return false; };
+  EXPECT_EQ(chooseTemporaryDirectory("/home/me/tmp", nothingOnDisk), "/home/me/tmp/");
+  EXPECT_EQ(chooseTemporaryDirectory("/home/me/tmp/", nothingOnDisk), "/home/me/tmp/");
+  EXPECT_EQ(chooseTemporaryDirectory("/", nothingOnDisk), "/");
+}
+
+TEST(ChooseTemporaryDirectory, IsTmpWithoutAChoice) {
+  EXPECT_EQ(chooseTemporaryDirectory(nullptr, everythingOnDisk), "/tmp/");
+  EXPECT_EQ(chooseTemporaryDirectory("", everythingOnDisk), "/tmp/");
+}
+
+TEST(ChooseTemporaryDirectory, AvoidsATmpInMemoryWhereVarTmpIsOnDisk) {
+  const auto varTmpOnly = [](const std::string& directory) { return directory == "/var/tmp"; };
+  EXPECT_EQ(chooseTemporaryDirectory(nullptr, varTmpOnly), "/var/tmp/");
+}
+
+TEST(ChooseTemporaryDirectory, StaysInTmpWhereNothingIsOnDisk) {
+  EXPECT_EQ(chooseTemporaryDirectory(nullptr, [](const std::string&) { return false; }), "/tmp/");
+}
+
+TEST(PosixTemporaryFiles, DirectoryEndsInASeparatorAndExists) {
+  const std::string directory = PosixTemporaryFiles().directory();
+  EXPECT_EQ(directory.back(), '/');
+  EXPECT_TRUE(std::filesystem::is_directory(directory));
+}
+
+}  // namespace

@@ -1,0 +1,209 @@
+#include "platform/files/ReplacementFile.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "support/TemporaryFolder.h"
+
+namespace {
+
+using platform::ReplacementFile;
+namespace fs = std::filesystem;
+
+constexpr uid_t kNobody = 65534;
+
+void put(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+std::string contentsOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class AReplacementFile : public testing::Test {
+ protected:
+  ~AReplacementFile() override {
+    if (dropped_) {
+      EXPECT_EQ(::seteuid(0), 0);
+    }
+  }
+
+  std::string at(const std::string& name) const { return folder_.file(name); }
+
+  std::size_t filesInFolder() const {
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(folder_.path()), fs::directory_iterator()));
+  }
+
+  int replace(const std::string& name, const std::string& text) {
+    const auto result = ReplacementFile::beside(at(name));
+    if (!result.file) {
+      return result.error;
+    }
+    put(result.file->path(), text);
+    return result.file->commit();
+  }
+
+  // The administrator may write everywhere; permissions show only to somebody else.
+  void becomeOrdinaryUser() {
+    if (::geteuid() == 0) {
+      ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+      ASSERT_EQ(::seteuid(kNobody), 0);
+      dropped_ = true;
+    }
+  }
+
+  support::TemporaryFolder folder_;
+  bool dropped_ = false;
+};
+
+TEST_F(AReplacementFile, MakesAFileThatWasNotThere) {
+  EXPECT_EQ(replace("take.wav", "new"), 0);
+  EXPECT_EQ(contentsOf(at("take.wav")), "new");
+  EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(AReplacementFile, LeavesTheOldFileWholeUntilItIsCommitted) {
+  put(at("take.wav"), "old");
+  auto result = ReplacementFile::beside(at("take.wav"));
+  ASSERT_NE(result.file, nullptr);
+  put(result.file->path(), "new");
+  EXPECT_EQ(contentsOf(at("take.wav")), "old");
+  EXPECT_EQ(result.file->commit(), 0);
+  EXPECT_EQ(contentsOf(at("take.wav")), "new");
+}
+
+TEST_F(AReplacementFile, LeavesNothingBehindWhenItIsNotCommitted) {
+  put(at("take.wav"), "old");
+  auto result = ReplacementFile::beside(at("take.wav"));
+  ASSERT_NE(result.file, nullptr);
+  EXPECT_EQ(filesInFolder(), 2U);
+  result.file.reset();
+  EXPECT_EQ(filesInFolder(), 1U);
+  EXPECT_EQ(contentsOf(at("take.wav")), "old");
+}
+
+TEST_F(AReplacementFile, KeepsThePermissionsOfTheOldFile) {
+  put(at("take.wav"), "old");
+  ASSERT_EQ(::chmod(at("take.wav").c_str(), 0604), 0);
+  EXPECT_EQ(replace("take.wav", "new"), 0);
+  struct stat status = {};
+  ASSERT_EQ(::stat(at("take.wav").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0604U);
+}
+
+TEST_F(AReplacementFile, GivesANewFileWhatTheUsersMaskLeaves) {
+  const mode_t before = ::umask(027);
+  EXPECT_EQ(replace("take.wav", "new"), 0);
+  ::umask(before);
+  struct stat status = {};
+  ASSERT_EQ(::stat(at("take.wav").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0640U);
+}
+
+TEST_F(AReplacementFile, IsReadableByTheUserAloneBeforeItHasTheOldFilesRights) {
+  put(at("take.wav"), "old");
+  ASSERT_EQ(::chmod(at("take.wav").c_str(), 0600), 0);
+  const auto result = ReplacementFile::beside(at("take.wav"));
+  ASSERT_NE(result.file, nullptr);
+  struct stat status = {};
+  ASSERT_EQ(::stat(result.file->path().c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0077, 0U);
+}
+
+TEST_F(AReplacementFile, ReplacesWhatASymbolicLinkPointsToAndKeepsTheLink) {
+  folder_.makeFolder("elsewhere");
+  put(at("elsewhere/real.wav"), "old");
+  fs::create_symlink("elsewhere/real.wav", at("middle.wav"));
+  fs::create_symlink("middle.wav", at("take.wav"));
+  EXPECT_EQ(replace("take.wav", "new"), 0);
+  EXPECT_TRUE(fs::is_symlink(at("take.wav")));
+  EXPECT_TRUE(fs::is_symlink(at("middle.wav")));
+  EXPECT_FALSE(fs::is_symlink(at("elsewhere/real.wav")));
+  EXPECT_EQ(contentsOf(at("elsewhere/real.wav")), "new");
+}
+
+TEST_F(AReplacementFile, MakesTheFileThatADanglingLinkPointsTo) {
+  fs::create_symlink("missing.wav", at("take.wav"));
+  EXPECT_EQ(replace("take.wav", "new"), 0);
+  EXPECT_TRUE(fs::is_symlink(at("take.wav")));
+  EXPECT_EQ(contentsOf(at("missing.wav")), "new");
+}
+
+TEST_F(AReplacementFile, RefusesLinksThatGoInACircle) {
+  fs::create_symlink("b.wav", at("a.wav"));
+  fs::create_symlink("a.wav", at("b.wav"));
+  EXPECT_EQ(replace("a.wav", "new"), ELOOP);
+}
+
+TEST_F(AReplacementFile, RefusesAFolderAndWhatIsNoFile) {
+  folder_.makeFolder("folder.wav");
+  EXPECT_EQ(replace("folder.wav", "new"), EISDIR);
+  ASSERT_EQ(::mkfifo(at("pipe.wav").c_str(), 0600), 0);
+  EXPECT_EQ(replace("pipe.wav", "new"), EINVAL);
+  EXPECT_EQ(filesInFolder(), 2U);
+}
+
+TEST_F(AReplacementFile, RefusesAFileThatMayNotBeWritten) {
+  put(at("take.wav"), "old");
+  ASSERT_EQ(::chmod(folder_.path().c_str(), 0777), 0);
+  ASSERT_EQ(::chmod(at("take.wav").c_str(), 0444), 0);
+  if (::geteuid() == 0) {
+    ASSERT_EQ(::seteuid(kNobody), 0);
+    dropped_ = true;
+  }
+  EXPECT_EQ(replace("take.wav", "new"), EACCES);
+  EXPECT_EQ(contentsOf(at("take.wav")), "old");
+  EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(AReplacementFile, FailsInAFolderWithoutPermission) {
+  const std::string locked = folder_.makeFolder("locked");
+  ASSERT_EQ(::chmod(locked.c_str(), 0500), 0);
+  becomeOrdinaryUser();
+  EXPECT_EQ(replace("locked/take.wav", "new"), EACCES);
+}
+
+TEST_F(AReplacementFile, FailsInAFolderThatIsGone) {
+  EXPECT_EQ(replace("gone/take.wav", "new"), ENOENT);
+}
+
+TEST_F(AReplacementFile, ToldWhenItsFolderVanishedMeanwhile) {
+  const std::string medium = folder_.makeFolder("medium");
+  const auto result = ReplacementFile::beside(medium + "/take.wav");
+  ASSERT_NE(result.file, nullptr);
+  fs::remove_all(medium);
+  EXPECT_EQ(result.file->commit(), ENOENT);
+}
+
+TEST_F(AReplacementFile, TakesNamesOfEveryKindUpTo255Bytes) {
+  for (const std::string& name :
+       {std::string(251, 'x') + ".wav", std::string("two\nlines.wav"), std::string("100%s %n.wav"),
+        std::string("\xE5\xBD\x95\xE9\x9F\xB3 \xD7\xA9.wav"), std::string("-rf .wav"),
+        std::string(" "), std::string("file:not a scheme.wav")}) {
+    EXPECT_EQ(replace(name, "new"), 0) << name;
+    EXPECT_EQ(contentsOf(at(name)), "new") << name;
+  }
+  EXPECT_EQ(replace(std::string(256, 'x'), "new"), ENAMETOOLONG);
+}
+
+TEST_F(AReplacementFile, TakesATargetInTheWorkingFolder) {
+  const fs::path before = fs::current_path();
+  fs::current_path(folder_.path());
+  const auto result = ReplacementFile::beside("take.wav");
+  ASSERT_NE(result.file, nullptr);
+  put(result.file->path(), "new");
+  EXPECT_EQ(result.file->commit(), 0);
+  fs::current_path(before);
+  EXPECT_EQ(contentsOf(at("take.wav")), "new");
+}
+
+}  // namespace

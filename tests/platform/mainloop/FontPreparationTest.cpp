@@ -1,0 +1,18 @@
+#include "platform/mainloop/FontPreparation.h"
+
+#include <gtest/gtest.h>
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QStringList>
+
+TEST(FontPreparation, FontsAreThereAfterwardsAndASecondFinishDoesNothing) {
+  platform::FontPreparation fonts;
+  fonts.finish();
+  fonts.finish();
+  EXPECT_FALSE(QFontDatabase::families().isEmpty());
+  EXPECT_GT(QFontMetricsF(QFont()).horizontalAdvance("Orvo"), 0.0);
+}
+
+TEST(FontPreparation, MayBeLeftUnfinished) {
+  const platform::FontPreparation fonts;
+}

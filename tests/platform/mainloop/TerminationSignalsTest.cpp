@@ -1,0 +1,103 @@
+#include "platform/mainloop/TerminationSignals.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "support/MainLoop.h"
+
+namespace {
+
+using platform::TerminationSignals;
+
+constexpr std::array kSignals{SIGTERM, SIGINT, SIGHUP};
+
+using Handler = void (*)(int);
+
+Handler handlerOf(int signal) {
+  struct sigaction action = {};
+  EXPECT_EQ(::sigaction(signal, nullptr, &action), 0);
+  return action.sa_handler;
+}
+
+TEST(ATerminationSignal, BecomesOneCallFromTheMainLoop) {
+  for (const int signal : kSignals) {
+    int calls = 0;
+    const TerminationSignals signals([&calls] { ++calls; });
+    ASSERT_EQ(std::raise(signal), 0);
+    EXPECT_EQ(calls, 0) << "within the handler";
+    EXPECT_TRUE(runMainLoopUntil([&calls] { return calls > 0; }));
+    EXPECT_TRUE(drainMainQueue());
+    EXPECT_EQ(calls, 1);
+  }
+}
+
+TEST(ATerminationSignal, OfAnotherKindIsACallOfItsOwn) {
+  int calls = 0;
+  const TerminationSignals signals([&calls] { ++calls; });
+  ASSERT_EQ(std::raise(SIGINT), 0);
+  EXPECT_TRUE(runMainLoopUntil([&calls] { return calls == 1; }));
+  ASSERT_EQ(std::raise(SIGTERM), 0);
+  EXPECT_TRUE(runMainLoopUntil([&calls] { return calls == 2; }));
+}
+
+TEST(ATerminationSignal, ThatAnotherThreadTakesArrivesAllTheSameAndLeavesErrno) {
+  int calls = 0;
+  const TerminationSignals signals([&calls] { ++calls; });
+  std::thread([] {
+    errno = EDOM;
+    EXPECT_EQ(std::raise(SIGTERM), 0);
+    EXPECT_EQ(errno, EDOM);
+  }).join();
+  EXPECT_TRUE(runMainLoopUntil([&calls] { return calls == 1; }));
+}
+
+TEST(ATerminationSignal, ThatCameBeforeTheMainLoopIsNotForgotten) {
+  int calls = 0;
+  const TerminationSignals signals([&calls] { ++calls; });
+  ASSERT_EQ(std::raise(SIGHUP), 0);
+  ASSERT_EQ(std::raise(SIGTERM), 0);
+  EXPECT_TRUE(runMainLoopUntil([&calls] { return calls > 0; }));
+}
+
+TEST(ATerminationSignalDeathTest, EndsTheProgramTheSecondTime) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  for (const int signal : kSignals) {
+    EXPECT_EXIT(
+        {
+          const TerminationSignals signals([] {});
+          std::raise(signal);
+          std::raise(signal);
+        },
+        testing::KilledBySignal(signal), "");
+  }
+}
+
+TEST(ATerminationSignal, ThatWasIgnoredStaysIgnored) {
+  const Handler before = std::signal(SIGHUP, SIG_IGN);
+  {
+    const TerminationSignals signals([] { ADD_FAILURE() << "called"; });
+    EXPECT_EQ(handlerOf(SIGHUP), SIG_IGN);
+    ASSERT_EQ(std::raise(SIGHUP), 0);
+    EXPECT_TRUE(drainMainQueue());
+  }
+  EXPECT_EQ(handlerOf(SIGHUP), SIG_IGN);
+  std::signal(SIGHUP, before);
+}
+
+TEST(TheTerminationSignals, AreAgainWhatTheyWere) {
+  std::array<Handler, kSignals.size()> before{};
+  std::transform(kSignals.begin(), kSignals.end(), before.begin(), handlerOf);
+  {
+    const TerminationSignals signals([] {});
+  }
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    EXPECT_EQ(handlerOf(kSignals[i]), before[i]);
+  }
+}
+
+}  // namespace

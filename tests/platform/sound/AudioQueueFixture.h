@@ -1,0 +1,255 @@
+#pragma once
+
+#include <algorithm>
+#include <condition_variable>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "platform/sound/DeviceAudioQueues.h"
+#include "support/Eventually.h"
+#include "support/fakes/ManualAudioClock.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/fakes/ScriptedAudioDevice.h"
+
+namespace platform::test {
+
+inline constexpr std::uint32_t kRecordFrames = 4096;
+inline constexpr std::uint32_t kPlayFrames = 1024;
+
+/// Interleaved stereo frames numbered from `first`: left is the number, right its negative. A torn
+/// or shifted frame shows.
+inline std::vector<float> ramp(std::uint64_t first, std::size_t frames) {
+  std::vector<float> samples(frames * 2);
+  for (std::size_t i = 0; i < frames; ++i) {
+    const auto number = static_cast<float>((first + i) % (1U << 24));
+    samples[2 * i] = number;
+    samples[2 * i + 1] = -number;
+  }
+  return samples;
+}
+
+/// What happened on other threads, in order, and a way to wait for it.
+template <typename Value>
+class Record {
+ public:
+  void add(Value value) {
+    // Notified under the lock: whoever waits may destroy this as soon as it has the lock.
+    const std::lock_guard lock(mutex_);
+    values_.push_back(std::move(value));
+    changed_.notify_all();
+  }
+  [[nodiscard]] bool awaitCount(std::size_t count) const {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, support::kPatience, [&] { return values_.size() >= count; });
+  }
+  [[nodiscard]] std::vector<Value> values() const {
+    const std::lock_guard lock(mutex_);
+    return values_;
+  }
+  [[nodiscard]] std::size_t count() const {
+    const std::lock_guard lock(mutex_);
+    return values_.size();
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  mutable std::condition_variable changed_;
+  std::vector<Value> values_;  // guarded by mutex_
+};
+
+/// A door at which a thread waits until the test opens it.
+class Door {
+ public:
+  void open() {
+    const std::lock_guard lock(mutex_);
+    open_ = true;
+    changed_.notify_all();
+  }
+  void pass() {
+    std::unique_lock lock(mutex_);
+    ++arrived_;
+    changed_.notify_all();
+    changed_.wait_for(lock, support::kPatience, [&] { return open_; });
+  }
+  [[nodiscard]] bool awaitArrival(int count = 1) {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, support::kPatience, [&] { return arrived_ >= count; });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool open_ = false;  // guarded by mutex_
+  int arrived_ = 0;    // guarded by mutex_
+};
+
+/// An input queue with the recorder's buffers, whose callback keeps everything.
+struct Recording {
+  Recording() = default;
+  Recording(const Recording&) = delete;
+  Recording& operator=(const Recording&) = delete;
+  ~Recording() { queue.reset(); }  // before what its callbacks use
+
+  std::unique_ptr<AudioInputQueue> queue;
+  Record<std::uint64_t> endFrames;
+  Record<AudioStatus> failures;
+  bool reenqueue = true;
+  std::function<void(AudioInputQueue&, AudioQueueBuffer&)> also;
+
+  AudioStatus make(AudioQueues& queues) {
+    return queues.newInput(
+        kWorkingFormat,
+        [this](AudioInputQueue& its, AudioQueueBuffer& buffer) {
+          const auto* samples = reinterpret_cast<const float*>(buffer.mAudioData);
+          {
+            const std::lock_guard lock(mutex);
+            kept.insert(kept.end(), samples, samples + buffer.mAudioDataByteSize / sizeof(float));
+          }
+          if (also) {
+            also(its, buffer);
+          }
+          if (reenqueue) {
+            static_cast<void>(its.enqueueBuffer(&buffer));
+          }
+          endFrames.add(buffer.endFrame);
+        },
+        [this](AudioStatus status) { failures.add(status); }, queue);
+  }
+  AudioStatus prime(std::uint32_t frames = kRecordFrames) {
+    for (int i = 0; i < 3; ++i) {
+      AudioQueueBuffer* buffer = nullptr;
+      AudioStatus status = queue->allocateBuffer(frames * 8, buffer);
+      if (status == kAudioStatusOk) {
+        status = queue->enqueueBuffer(buffer);
+      }
+      if (status != kAudioStatusOk) {
+        return status;
+      }
+    }
+    return kAudioStatusOk;
+  }
+  AudioStatus begin(AudioQueues& queues, std::uint32_t frames = kRecordFrames) {
+    AudioStatus status = make(queues);
+    if (status == kAudioStatusOk) {
+      status = prime(frames);
+    }
+    return status == kAudioStatusOk ? queue->start() : status;
+  }
+  std::vector<float> samples() {
+    const std::lock_guard lock(mutex);
+    return kept;
+  }
+
+  std::mutex mutex;
+  std::vector<float> kept;  // guarded by mutex
+};
+
+/// An output queue that plays a given sequence of samples in the player's buffers, and ends as the
+/// player does.
+struct Playback {
+  Playback() = default;
+  Playback(const Playback&) = delete;
+  Playback& operator=(const Playback&) = delete;
+  ~Playback() { queue.reset(); }  // before what its callbacks use
+
+  std::vector<float> source;
+  std::size_t readAt = 0;  // samples
+  bool done = false;
+  std::unique_ptr<AudioOutputQueue> queue;
+  Record<std::uint32_t> states;    // what the listener was told
+  Record<std::uint32_t> returned;  // frames of each buffer that came back, after its refill
+  std::function<void(AudioOutputQueue&)> inCallback;
+  std::function<void(AudioOutputQueue&)> inListener;
+
+  AudioStatus make(AudioQueues& queues) {
+    const AudioStatus status = queues.newOutput(
+        kWorkingFormat,
+        [this](AudioOutputQueue& its, AudioQueueBuffer& buffer) {
+          const std::uint32_t frames = buffer.mAudioDataByteSize / 8;
+          if (inCallback) {
+            inCallback(its);
+          }
+          refill(its, buffer);
+          returned.add(frames);
+        },
+        queue);
+    if (status == kAudioStatusOk) {
+      queue->setRunningListener([this](AudioOutputQueue& its) {
+        std::uint32_t running = 9;
+        static_cast<void>(its.isRunning(running));
+        states.add(running);
+        if (inListener) {
+          inListener(its);
+        }
+      });
+    }
+    return status;
+  }
+  void refill(AudioOutputQueue& its, AudioQueueBuffer& buffer) {
+    if (done) {
+      return;
+    }
+    const std::size_t room = buffer.mAudioDataBytesCapacity / sizeof(float);
+    const std::size_t count = std::min(room, source.size() - readAt);
+    if (count == 0) {
+      static_cast<void>(its.stopAfterQueued());
+      done = true;
+      return;
+    }
+    std::memcpy(buffer.mAudioData, &source[readAt], count * sizeof(float));
+    buffer.mAudioDataByteSize = static_cast<std::uint32_t>(count * sizeof(float));
+    readAt += count;
+    static_cast<void>(its.enqueueBuffer(&buffer));
+  }
+  AudioStatus begin(AudioQueues& queues) {
+    const AudioStatus status = make(queues);
+    if (status != kAudioStatusOk) {
+      return status;
+    }
+    prime();
+    return queue->start();
+  }
+  void prime(std::uint32_t frames = kPlayFrames) {
+    for (int i = 0; i < 3 && !done; ++i) {
+      AudioQueueBuffer* buffer = nullptr;
+      ASSERT_EQ(queue->allocateBuffer(frames * 8, buffer), kAudioStatusOk);
+      refill(*queue, *buffer);
+    }
+  }
+};
+
+/// Queues on a scripted device. Uses the system's clock; see TurnedClock for the other.
+class AudioQueuesTest : public testing::Test {
+ protected:
+  ~AudioQueuesTest() override { device->release(); }
+
+  support::InstalledRecordingServices services;
+  std::shared_ptr<ScriptedAudioDevice> device = std::make_shared<ScriptedAudioDevice>();
+  std::shared_ptr<DeviceAudioQueues> queues = std::make_shared<DeviceAudioQueues>(device);
+};
+
+/// The same with a clock that the test turns.
+class TurnedClockTest : public testing::Test {
+ protected:
+  ~TurnedClockTest() override { device->release(); }
+
+  /// Returns when the control thread has done all that was due.
+  void settle() {
+    const std::size_t before = device->preparations();
+    queues->prepareInput();
+    ASSERT_TRUE(support::eventually([&] { return device->preparations() > before; }));
+  }
+
+  support::InstalledRecordingServices services;
+  std::shared_ptr<ManualAudioClock> clock = std::make_shared<ManualAudioClock>();
+  std::shared_ptr<ScriptedAudioDevice> device = std::make_shared<ScriptedAudioDevice>();
+  std::shared_ptr<DeviceAudioQueues> queues = std::make_shared<DeviceAudioQueues>(device, clock);
+};
+
+}  // namespace platform::test

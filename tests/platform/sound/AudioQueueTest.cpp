@@ -1,0 +1,65 @@
+#include "platform/sound/AudioQueue.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/sound/AudioQueueFixture.h"
+
+namespace platform::test {
+namespace {
+
+TEST(AudioQueueTest, WithNoneInstalledEveryQueueIsRefusedAndThatIsNotReportedTwice) {
+  std::unique_ptr<AudioInputQueue> input;
+  std::unique_ptr<AudioOutputQueue> output;
+  EXPECT_EQ(audioQueues()->newInput(kWorkingFormat, {}, {}, input), kDeviceUnavailableStatus);
+  EXPECT_EQ(audioQueues()->newOutput(kWorkingFormat, {}, output), kDeviceUnavailableStatus);
+  EXPECT_EQ(input, nullptr);
+  EXPECT_EQ(output, nullptr);
+  static_cast<void>(audioQueues()->claimInputFailureAlert());  // true once in this process
+  EXPECT_FALSE(audioQueues()->claimInputFailureAlert());
+}
+
+TEST(AudioQueueTest, InstallationsNest) {
+  const auto before = audioQueues();
+  const auto device = std::make_shared<ScriptedAudioDevice>();
+  {
+    const auto outer = std::make_shared<DeviceAudioQueues>(device);
+    const AudioQueuesInstallation installedOuter(outer);
+    EXPECT_EQ(audioQueues(), outer);
+    {
+      const auto inner = std::make_shared<DeviceAudioQueues>(device);
+      const AudioQueuesInstallation installedInner(inner);
+      EXPECT_EQ(audioQueues(), inner);
+    }
+    EXPECT_EQ(audioQueues(), outer);
+  }
+  EXPECT_EQ(audioQueues(), before);
+}
+
+TEST(AudioQueueTest, CompletingAFormatFillsWhatFollowsFromTheRest) {
+  AudioStreamBasicDescription format;
+  format.mSampleRate = 44100;
+  format.mFormatID = kLinearPcmFormat;
+  format.mFormatFlags = kFloatFormatFlag | kPackedFormatFlag;
+  format.mChannelsPerFrame = 2;
+  EXPECT_EQ(completeWorkingFormat(format), kAudioStatusOk);
+  EXPECT_EQ(format, kWorkingFormat);
+  EXPECT_EQ(completeWorkingFormat(format), kAudioStatusOk);
+}
+
+TEST(AudioQueueTest, OtherFormatsAreRefusedAndLeftAsTheyAre) {
+  AudioStreamBasicDescription zero;
+  EXPECT_EQ(completeWorkingFormat(zero), kInvalidParameterStatus);
+  EXPECT_EQ(zero, AudioStreamBasicDescription{});
+  auto mono = kWorkingFormat;
+  mono.mChannelsPerFrame = 1;
+  EXPECT_EQ(completeWorkingFormat(mono), kInvalidParameterStatus);
+  auto fast = kWorkingFormat;
+  fast.mSampleRate = 48000;
+  EXPECT_EQ(completeWorkingFormat(fast), kInvalidParameterStatus);
+  auto integers = kWorkingFormat;
+  integers.mFormatFlags = kPackedFormatFlag;
+  EXPECT_EQ(completeWorkingFormat(integers), kInvalidParameterStatus);
+}
+
+}  // namespace
+}  // namespace platform::test

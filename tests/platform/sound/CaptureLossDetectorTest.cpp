@@ -1,0 +1,81 @@
+#include "platform/sound/CaptureLossDetector.h"
+
+#include <gtest/gtest.h>
+
+namespace platform::test {
+namespace {
+
+/// A device that captures at its own rate, and what the detector says about it.
+class CaptureLossDetectorTest : public testing::Test {
+ protected:
+  /// Time in which `frames` are captured by a device that is `ppm` millionths too slow.
+  void pass(std::uint32_t frames, double ppm = 0) {
+    now_ += std::chrono::duration_cast<AudioClock::TimePoint::duration>(
+        std::chrono::duration<double>(frames / (44100.0 * (1 - ppm * 1e-6))));
+  }
+  void deliver(std::uint32_t frames) { reported_ += detector_.captured(frames, now_); }
+
+  void run(int seconds, double ppm = 0) {
+    for (int i = 0; i < seconds * 43; ++i) {
+      const std::uint32_t chunk = i % 3 == 0 ? 3 : 1537;  // unevenly, 1025.67 on average
+      pass(chunk, ppm);
+      deliver(chunk);
+    }
+  }
+
+  CaptureLossDetector detector_;
+  AudioClock::TimePoint now_{std::chrono::hours(1)};
+  std::uint64_t reported_ = 0;
+};
+
+TEST_F(CaptureLossDetectorTest, ASteadyDeviceRaisesNoAlarm) {
+  run(600);
+  EXPECT_EQ(reported_, 0U);
+}
+
+TEST_F(CaptureLossDetectorTest, ADriftingDeviceRaisesNoAlarm) {
+  run(3600, 1000);
+  EXPECT_EQ(reported_, 0U);
+}
+
+TEST_F(CaptureLossDetectorTest, AStallWhoseFramesArriveLateRaisesNoAlarm) {
+  run(60);
+  for (int i = 0; i < 10; ++i) {
+    for (int late = 0; late < 129; ++late) {
+      pass(1024);
+    }
+    for (int late = 0; late < 129; ++late) {
+      deliver(1024);
+    }
+    run(7);
+  }
+  EXPECT_EQ(reported_, 0U);
+}
+
+TEST_F(CaptureLossDetectorTest, FramesThatNeverArriveAreReportedOnceInTheirNumber) {
+  run(60);
+  for (int i = 0; i < 338; ++i) {
+    pass(1024);  // nothing of it arrives
+  }
+  run(60);
+  EXPECT_NEAR(static_cast<double>(reported_), 338 * 1024, 2000);
+}
+
+TEST_F(CaptureLossDetectorTest, ABurstAtTheStartOfAStreamRaisesNoAlarm) {
+  for (int i = 0; i < 20; ++i) {
+    deliver(1024);  // what the server had kept
+  }
+  run(60);
+  EXPECT_EQ(reported_, 0U);
+}
+
+TEST_F(CaptureLossDetectorTest, ANewStreamStartsAfresh) {
+  run(60);
+  detector_.reset();
+  now_ += std::chrono::seconds(100);
+  run(60);
+  EXPECT_EQ(reported_, 0U);
+}
+
+}  // namespace
+}  // namespace platform::test

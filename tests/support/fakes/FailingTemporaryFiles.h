@@ -1,0 +1,210 @@
+#pragma once
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/files/File.h"
+
+namespace support {
+
+/// Temporary files in memory that fail as a test tells them: cannot be created, fill up, take a
+/// write in part, fail or shorten reads, keep their size, or take their time. Everything is healthy
+/// at first.
+///
+/// One plan serves all files of one maker, also those that are open already. Files keep the plan
+/// alive and may outlive their maker. Put in with platform::TemporaryFilesInstallation.
+///
+/// Threads: any, also while files are in use.
+class FailingTemporaryFiles : public platform::TemporaryFiles {
+ public:
+  static constexpr std::uint64_t kUnlimited = std::numeric_limits<std::uint64_t>::max();
+  /// A file cannot be made longer than this, in bytes, by setSize(): it lives in memory.
+  static constexpr std::uint64_t kMaxSize = std::uint64_t{1} << 30;
+
+  /// Later creations fail with this errno; 0 makes them succeed again.
+  void failCreation(int error) {
+    change([error](Plan& plan) { plan.creationError = error; });
+  }
+
+  /// A disk that takes `bytes` more bytes in all; the write that passes them is taken in part and
+  /// ends with `error`.
+  void fillUpAfter(std::uint64_t bytes, int error = ENOSPC) {
+    change([=](Plan& plan) {
+      plan.bytesLeft = bytes;
+      plan.writeError = error;
+    });
+  }
+
+  /// The disk has room again.
+  void freeSpace() { fillUpAfter(kUnlimited); }
+
+  /// Every read fails with this errno and no bytes; 0 makes them succeed again.
+  void failReads(int error) {
+    change([error](Plan& plan) { plan.readError = error; });
+  }
+
+  /// No file becomes longer or shorter by setSize(), which fails with this errno; 0 ends that.
+  void failSizeChanges(int error) {
+    change([error](Plan& plan) { plan.sizeError = error; });
+  }
+
+  /// No read gives more than `bytes` bytes at once.
+  void shortenReads(std::uint64_t bytes) {
+    change([bytes](Plan& plan) { plan.largestRead = bytes; });
+  }
+
+  /// Runs before each transfer, on its thread and outside every lock: a slow disk.
+  void beforeWrites(std::function<void()> hook) {
+    change([&hook](Plan& plan) { plan.beforeWrite = std::move(hook); });
+  }
+  void beforeReads(std::function<void()> hook) {
+    change([&hook](Plan& plan) { plan.beforeRead = std::move(hook); });
+  }
+
+  std::uint64_t reads() const { return look(&Plan::reads); }
+  std::uint64_t writes() const { return look(&Plan::writes); }
+  /// Files created and not yet closed.
+  std::uint64_t openFiles() const { return look(&Plan::openFiles); }
+  /// Templates of all creations that were asked for, failed ones included.
+  std::vector<std::string> templates() const { return look(&Plan::templates); }
+
+  [[nodiscard]] std::string directory() const override { return "/nowhere/"; }
+
+  [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override {
+    return create(pathTemplate);
+  }
+
+  /// The name stands nowhere.
+  [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
+    return create(pathTemplate);
+  }
+
+ private:
+  struct Plan {
+    std::mutex mutex;  // guards everything below
+    int creationError = 0;
+    std::uint64_t bytesLeft = kUnlimited;
+    int writeError = ENOSPC;
+    int readError = 0;
+    int sizeError = 0;
+    std::uint64_t largestRead = kUnlimited;
+    std::function<void()> beforeWrite;
+    std::function<void()> beforeRead;
+    std::uint64_t reads = 0;
+    std::uint64_t writes = 0;
+    std::uint64_t openFiles = 0;
+    std::vector<std::string> templates;
+  };
+
+  class MemoryFile : public platform::File {
+   public:
+    explicit MemoryFile(std::shared_ptr<Plan> plan) : plan_(std::move(plan)) {}
+    ~MemoryFile() override {
+      const std::lock_guard lock(plan_->mutex);
+      --plan_->openFiles;
+    }
+
+    platform::FileTransfer readAt(void* destination, std::uint64_t byteCount,
+                                  std::uint64_t offset) override {
+      run(&Plan::beforeRead);
+      const std::lock_guard lock(plan_->mutex);
+      ++plan_->reads;
+      if (plan_->readError != 0) {
+        return {.byteCount = 0, .error = plan_->readError};
+      }
+      const std::uint64_t available = offset < bytes_.size() ? bytes_.size() - offset : 0;
+      const std::uint64_t count = std::min({byteCount, available, plan_->largestRead});
+      if (count > 0) {
+        std::memcpy(destination, bytes_.data() + offset, count);
+      }
+      return {.byteCount = count, .error = 0};
+    }
+
+    platform::FileTransfer writeAt(const void* data, std::uint64_t byteCount,
+                                   std::uint64_t offset) override {
+      run(&Plan::beforeWrite);
+      const std::lock_guard lock(plan_->mutex);
+      ++plan_->writes;
+      const std::uint64_t count = std::min(byteCount, plan_->bytesLeft);
+      if (plan_->bytesLeft != kUnlimited) {
+        plan_->bytesLeft -= count;
+      }
+      if (count > 0) {
+        bytes_.resize(std::max<std::uint64_t>(bytes_.size(), offset + count));
+        std::memcpy(bytes_.data() + offset, data, count);
+      }
+      return {.byteCount = count, .error = count < byteCount ? plan_->writeError : 0};
+    }
+
+    std::uint64_t size() override {
+      const std::lock_guard lock(plan_->mutex);
+      return bytes_.size();
+    }
+
+    int setSize(std::uint64_t byteCount) override {
+      const std::lock_guard lock(plan_->mutex);
+      if (plan_->sizeError != 0 || byteCount > kMaxSize) {
+        return plan_->sizeError != 0 ? plan_->sizeError : EFBIG;
+      }
+      bytes_.resize(byteCount);
+      return 0;
+    }
+
+   private:
+    void run(std::function<void()> Plan::*hook) {
+      std::function<void()> call;
+      {
+        const std::lock_guard lock(plan_->mutex);
+        call = (*plan_).*hook;
+      }
+      if (call) {
+        call();
+      }
+    }
+
+    const std::shared_ptr<Plan> plan_;
+    std::vector<std::byte> bytes_;  // guarded by the plan's mutex
+  };
+
+  Created create(const std::string& pathTemplate) {
+    const std::lock_guard lock(plan_->mutex);
+    plan_->templates.push_back(pathTemplate);
+    std::string path = pathTemplate;
+    if (const std::size_t placeholders = path.rfind("XXXXXX"); placeholders != std::string::npos) {
+      const std::string number = std::to_string(plan_->templates.size());
+      path.replace(placeholders + 6 - number.size(), number.size(), number);
+      std::replace(path.begin() + static_cast<std::ptrdiff_t>(placeholders), path.end(), 'X', '0');
+    }
+    if (plan_->creationError != 0) {
+      return {.file = nullptr, .path = path, .error = plan_->creationError};
+    }
+    ++plan_->openFiles;
+    return {.file = std::make_unique<MemoryFile>(plan_), .path = path, .error = 0};
+  }
+
+  template <typename Change>
+  void change(Change change) {
+    const std::lock_guard lock(plan_->mutex);
+    change(*plan_);
+  }
+
+  template <typename T>
+  T look(T Plan::*member) const {
+    const std::lock_guard lock(plan_->mutex);
+    return (*plan_).*member;
+  }
+
+  const std::shared_ptr<Plan> plan_ = std::make_shared<Plan>();
+};
+
+}  // namespace support

@@ -1,0 +1,130 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "platform/sound/AudioDevice.h"
+
+namespace platform {
+
+/// A sound device that does nothing by itself: a test feeds it what the microphone hears, takes
+/// what the loudspeaker plays, moves the playing position, and makes it fail or hang.
+///
+///     auto device = std::make_shared<ScriptedAudioDevice>();
+///     auto queues = std::make_shared<DeviceAudioQueues>(device);
+///     AudioQueuesInstallation installation(queues);
+///     … make a recorder …
+///     ASSERT_TRUE(device->awaitInputOpen());
+///     device->feed(samples);          // whole blocks of 4096 frames reach the recorder
+///
+///     … make a player, play() …
+///     ASSERT_TRUE(device->awaitOutputRunning());
+///     auto played = device->pull(1024);   // the player's callback runs for what was taken
+///     device->hearEverything();           // and a drain ends
+///
+/// feed() and pull() run the real-time callback on the calling thread and return when it has
+/// returned; the queue's own thread runs the recorder's or player's callback a moment later, so a
+/// test waits for what it expects (AudioInputQueue::waitUntilDelivered(), or a condition).
+/// The control thread of the queues opens, starts and closes streams on its own account: the
+/// await… functions wait for that, up to 20 s of real time, and say whether it came.
+///
+/// Output streams are numbered from 0 in the order of opening; kNewest is the one opened last
+/// among those still open.
+///
+/// Threads: any, also several at once; feed() on one thread at a time, as with a real device.
+/// Real-time: not safe.
+class ScriptedAudioDevice final : public AudioDevice {
+ public:
+  static constexpr std::size_t kNewest = static_cast<std::size_t>(-1);
+
+  ScriptedAudioDevice();
+  ~ScriptedAudioDevice() override;
+
+  // --- What the queues call.
+
+  [[nodiscard]] std::unique_ptr<AudioInputStream> openInput(AudioInputClient& client,
+                                                            AudioStatus& status) override;
+  [[nodiscard]] std::unique_ptr<AudioOutputStream> openOutput(AudioOutputClient& client,
+                                                              AudioStatus& status) override;
+  void prepare() override;
+
+  // --- Input.
+
+  /// The microphone hears `frames` interleaved stereo frames, any number. False, and nothing is
+  /// captured, while no input stream is open.
+  bool feed(const float* samples, std::uint32_t frames);
+  bool feed(const std::vector<float>& samples);
+
+  /// `frames` frames with the same two sample values.
+  bool feedConstant(std::uint32_t frames, float left, float right);
+
+  /// The open input stream ends by itself with `status`, as when the device is pulled.
+  void failInput(AudioStatus status);
+
+  /// Every openInput() from now on fails with `status`; kAudioStatusOk lets them succeed again.
+  void failOpeningInput(AudioStatus status);
+
+  [[nodiscard]] bool isInputOpen() const;
+  [[nodiscard]] bool awaitInputOpen() const;
+  [[nodiscard]] bool awaitInputClosed() const;
+
+  /// Streams opened, and closed again, since the beginning; and openInput() calls that failed.
+  [[nodiscard]] std::size_t inputsOpened() const;
+  [[nodiscard]] std::size_t inputsClosed() const;
+  [[nodiscard]] std::size_t inputsRefused() const;
+
+  // --- Output.
+
+  /// The device wants `frames` frames; returns the 2 × `frames` samples that it got. Empty when
+  /// the stream does not exist or is not running.
+  std::vector<float> pull(std::uint32_t frames, std::size_t stream = kNewest);
+
+  /// `frames` more frames have been heard: moves AudioOutputStream::position(), at most up to what
+  /// was pulled.
+  void hear(std::uint64_t frames, std::size_t stream = kNewest);
+  void hearEverything(std::size_t stream = kNewest);
+
+  /// The open output stream ends by itself with `status`.
+  void failOutput(AudioStatus status, std::size_t stream = kNewest);
+
+  /// Every openOutput(), or start() of an output, from now on fails with `status`;
+  /// kAudioStatusOk lets them succeed again.
+  void failOpeningOutput(AudioStatus status);
+  void failStartingOutput(AudioStatus status);
+
+  /// Whether the stream is open and started.
+  [[nodiscard]] bool isOutputRunning(std::size_t stream = kNewest) const;
+  [[nodiscard]] bool awaitOutputRunning(std::size_t stream = kNewest) const;
+  [[nodiscard]] bool awaitOutputStopped(std::size_t stream = kNewest) const;
+
+  [[nodiscard]] std::size_t outputsOpened() const;
+  [[nodiscard]] std::size_t outputsClosed() const;
+  [[nodiscard]] bool awaitOutputsClosed(std::size_t count) const;
+
+  // --- Both.
+
+  /// From now on every call to the device or its streams (opening, starting, stopping, closing,
+  /// asking the position) blocks until release(), as with a server that hangs. Release before the
+  /// test ends: the control thread blocks inside, and would be left behind.
+  void hang();
+  void release();
+
+  /// Waits until a call blocks.
+  [[nodiscard]] bool awaitHanging() const;
+
+  /// Calls of prepare() since the beginning.
+  [[nodiscard]] std::size_t preparations() const;
+
+ private:
+  struct Script;
+  struct InputEnd;
+  struct OutputEnd;
+  class InputStream;
+  class OutputStream;
+
+  const std::shared_ptr<Script> script_;
+};
+
+}  // namespace platform

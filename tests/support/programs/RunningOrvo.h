@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/RawAudio.h"
+#include "support/TemporaryFolder.h"
+#include "support/programs/ChildProcess.h"
+#include "support/programs/VirtualScreen.h"
+
+namespace support {
+
+/// The real program on a virtual screen, with its first window in front.
+///
+/// What it records is looked at where it lies: in the temporary file of each document, which has
+/// no name but can be reached through the process's open files.
+///
+/// Threads: the one that started it.
+class RunningOrvo {
+ public:
+  struct Options {
+    std::vector<std::string> files;  ///< to be opened
+    int scale = 1;                   ///< device pixels per point: 1 or 2
+    std::vector<std::string>
+        wrapper;                  ///< program and arguments that at last exec what follows them
+    std::string temporaryFolder;  ///< where documents keep their audio; empty for a private one
+    bool alertFirst = false;      ///< an alert comes before the first document's window
+  };
+
+  /// Starts `program` and returns when its first window is there and active, or its first alert
+  /// where that is expected. `sound` is what reaches the sound server. Null with `error` set (a
+  /// plain sentence) when it does not come.
+  [[nodiscard]] static std::unique_ptr<RunningOrvo> start(const std::string& program,
+                                                          const VirtualScreen& screen,
+                                                          const Environment& sound,
+                                                          const Options& options,
+                                                          std::string& error);
+
+  [[nodiscard]] ChildProcess& process() { return *process_; }
+  [[nodiscard]] pid_t pid() const { return process_->pid(); }
+  /// The first document's window; empty until activateWindow() found it.
+  [[nodiscard]] const VirtualScreen::Window& window() const { return window_; }
+  /// Waits for the first document's window and gives it the keyboard.
+  [[nodiscard]] bool activateWindow(const VirtualScreen& screen);
+
+  /// Paths under which the temporary files of the documents can be opened, oldest document first.
+  [[nodiscard]] std::vector<std::string> recordingPaths() const;
+  /// Frames in the temporary file of a document; 0 when there is none.
+  [[nodiscard]] std::uint64_t recordedFrames(std::size_t document = 0) const;
+  /// The whole temporary file of a document: all that it ever recorded, in the order of recording.
+  [[nodiscard]] Samples recorded(std::size_t document = 0) const;
+  /// Waits until a document has recorded so many frames.
+  [[nodiscard]] bool waitUntilRecorded(std::uint64_t frames, std::size_t document = 0) const;
+
+  /// Clicks at a point of the window that is given in points, whatever the scale.
+  [[nodiscard]] bool click(const VirtualScreen& screen, int x, int y) const;
+
+ private:
+  RunningOrvo() = default;
+
+  TemporaryFolder folder_;
+  std::unique_ptr<ChildProcess> process_;
+  VirtualScreen::Window window_;
+  int scale_ = 1;
+};
+
+}  // namespace support

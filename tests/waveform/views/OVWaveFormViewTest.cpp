@@ -1,0 +1,475 @@
+#include "waveform/views/OVWaveFormView.h"
+
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <QAccessible>
+#include <QtTest>
+
+#include "support/MainLoop.h"
+#include "support/Pixels.h"
+#include "support/fakes/FakeWaveformSummary.h"
+#include "waveform/views/OVPlaybackMarkerView.h"
+
+namespace {
+
+class RecordingDelegate final : public OVWaveFormViewDelegate {
+ public:
+  struct Call {
+    OVWaveFormView* view = nullptr;
+    QPointF position;
+    double timeLinePosition = -1.0;
+  };
+
+  void waveFormViewReceivedClick(OVWaveFormView* view, QPointF atPosition,
+                                 double timeLinePosition) override {
+    clicks.push_back({view, atPosition, timeLinePosition});
+  }
+  void waveFormViewReceivedDrag(OVWaveFormView* view, QPointF atPosition,
+                                double timeLinePosition) override {
+    drags.push_back({view, atPosition, timeLinePosition});
+  }
+
+  std::vector<Call> clicks;
+  std::vector<Call> drags;
+};
+
+/// A view on a screen of any pixel ratio.
+class ViewOnScreen final : public OVWaveFormView {
+ public:
+  int ratio = 1;
+
+ protected:
+  [[nodiscard]] int metric(PaintDeviceMetric kind) const override {
+    if (kind == PdmDevicePixelRatio) {
+      return ratio;
+    }
+    if (kind == PdmDevicePixelRatioScaled) {
+      return static_cast<int>(ratio * devicePixelRatioFScale());
+    }
+    return OVWaveFormView::metric(kind);
+  }
+};
+
+class WaveFormView : public testing::Test {
+ protected:
+  WaveFormView() {
+    view_.resize(240, 100);
+    view_.setWaveForm(summary_);
+    view_.setDelegate(delegate_);
+    view_.setScrollBack(true);  // the grid's offset then counts the renderings
+  }
+
+  /// Redraws the whole view; the number of renderings it took.
+  double renderingsOfARedraw() {
+    const double before = view_.bg_scroll_x();
+    screen_ = view_.grab().toImage();
+    return view_.bg_scroll_x() - before;
+  }
+
+  void press(QPointF position, Qt::MouseButton button = Qt::LeftButton) {
+    QMouseEvent event(QEvent::MouseButtonPress, position, view_.mapToGlobal(position), button,
+                      button, Qt::NoModifier);
+    QCoreApplication::sendEvent(&view_, &event);
+  }
+
+  void move(QPointF position, Qt::MouseButtons buttons = Qt::LeftButton) {
+    QMouseEvent event(QEvent::MouseMove, position, view_.mapToGlobal(position), Qt::NoButton,
+                      buttons, Qt::NoModifier);
+    QCoreApplication::sendEvent(&view_, &event);
+  }
+
+  [[nodiscard]] QImage pictureWithoutWaveform() {
+    const QSize size = view_.size();
+    return drawnPicture(size, 1.0, Qt::black, [&](QPainter& painter) {
+      OVWaveFormDrawing::drawGradient(painter, size);
+      OVWaveFormDrawing::drawGrid(painter, size, view_.bg_scroll_x());
+    });
+  }
+
+  std::shared_ptr<FakeWaveformSummary> summary_ =
+      std::make_shared<FakeWaveformSummary>(std::vector<float>(64, 0.5F));
+  std::shared_ptr<RecordingDelegate> delegate_ = std::make_shared<RecordingDelegate>();
+  ViewOnScreen view_;
+  QImage screen_;
+};
+
+}  // namespace
+
+TEST_F(WaveFormView, BeginsWithNothingRenderedAndARenderingDue) {
+  const OVWaveFormView fresh;
+  EXPECT_FALSE(fresh.scrollBack());
+  EXPECT_EQ(fresh.prevBufsize(), 0U);
+  EXPECT_EQ(fresh.prevImageSize(), QSizeF(0.0, 0.0));
+  EXPECT_TRUE(fresh.shouldRedrawWaveform());
+  EXPECT_FALSE(fresh.overrideRegenerationCheck());
+  EXPECT_TRUE(fresh.isEnabled());
+  EXPECT_TRUE(fresh.image().isNull());
+  EXPECT_EQ(fresh.waveForm(), nullptr);
+  EXPECT_TRUE(fresh.testAttribute(Qt::WA_OpaquePaintEvent));
+}
+
+TEST_F(WaveFormView, EmptySummaryRendersGradientAndGridOnly) {
+  summary_->setElements({});
+  EXPECT_EQ(renderingsOfARedraw(), 1.0);
+  EXPECT_EQ(view_.image(), pictureWithoutWaveform());
+  EXPECT_EQ(view_.prevBufsize(), 0U);
+}
+
+TEST_F(WaveFormView, NoSummaryRendersGradientAndGridOnly) {
+  renderingsOfARedraw();
+  ASSERT_NE(view_.image(), pictureWithoutWaveform());
+  view_.setWaveForm(nullptr);
+  EXPECT_EQ(renderingsOfARedraw(), 1.0) << "the number of elements went from 64 to 0";
+  EXPECT_EQ(view_.image(), pictureWithoutWaveform());
+}
+
+TEST_F(WaveFormView, ResizingForcesARenderingAtTheNewSize) {
+  EXPECT_EQ(renderingsOfARedraw(), 1.0);
+  EXPECT_EQ(view_.image().size(), QSize(240, 100));
+  view_.resize(300, 120);
+  EXPECT_EQ(renderingsOfARedraw(), 1.0);
+  EXPECT_EQ(view_.image().size(), QSize(300, 120));
+  EXPECT_EQ(view_.prevImageSize(), QSizeF(300.0, 120.0));
+  EXPECT_EQ(renderingsOfARedraw(), 0.0);
+}
+
+TEST_F(WaveFormView, AnotherPixelRatioForcesARenderingInDevicePixels) {
+  renderingsOfARedraw();
+  view_.ratio = 2;
+  EXPECT_EQ(renderingsOfARedraw(), 1.0);
+  EXPECT_EQ(view_.image().size(), QSize(480, 200));
+  EXPECT_EQ(view_.image().devicePixelRatio(), 2.0);
+  EXPECT_EQ(view_.image().deviceIndependentSize(), QSizeF(240.0, 100.0));
+  EXPECT_EQ(renderingsOfARedraw(), 0.0);
+  view_.ratio = 1;
+  EXPECT_EQ(renderingsOfARedraw(), 1.0);
+  EXPECT_EQ(view_.image().size(), QSize(240, 100));
+}
+
+TEST_F(WaveFormView, RedrawsWithoutAChangeCopyTheCachedPicture) {
+  renderingsOfARedraw();
+  const QImage rendered = view_.image();
+  EXPECT_EQ(renderingsOfARedraw(), 0.0);
+  EXPECT_EQ(summary_->copiesTaken(), 1);
+  EXPECT_EQ(screen_.convertToFormat(rendered.format()), rendered);
+}
+
+TEST_F(WaveFormView, AChangedNumberOfElementsForcesARendering) {
+  renderingsOfARedraw();
+  summary_->setElements(std::vector<float>(65, 0.5F));
+  EXPECT_EQ(renderingsOfARedraw(), 1.0);
+  EXPECT_EQ(view_.prevBufsize(), 65U);
+}
+
+TEST_F(WaveFormView, ElementsThatChangeInValueWaitUntilARenderingIsAskedFor) {
+  renderingsOfARedraw();
+  const QImage before = view_.image();
+  summary_->setElements(std::vector<float>(64, 0.9F));
+  EXPECT_EQ(renderingsOfARedraw(), 0.0);
+  EXPECT_EQ(view_.image(), before);
+  view_.setShouldRedrawWaveform(true);
+  EXPECT_EQ(renderingsOfARedraw(), 1.0);
+  EXPECT_FALSE(view_.shouldRedrawWaveform());
+  EXPECT_NE(view_.image(), before);
+}
+
+TEST_F(WaveFormView, AnotherThreadMayAskForARenderingAndExchangeTheSummary) {
+  renderingsOfARedraw();
+  const auto other = std::make_shared<FakeWaveformSummary>(std::vector<float>(64, 0.1F));
+  std::thread generation([&] {
+    view_.setWaveForm(other);
+    view_.setShouldRedrawWaveform(true);
+  });
+  renderingsOfARedraw();
+  generation.join();
+  renderingsOfARedraw();
+  EXPECT_FALSE(view_.shouldRedrawWaveform());
+  EXPECT_EQ(view_.waveForm(), other);
+}
+
+TEST_F(WaveFormView, KeepsTheLastPictureWhileTheSummaryRegenerates) {
+  renderingsOfARedraw();
+  const QImage before = view_.image();
+  summary_->setRegenerating(true);
+  summary_->setElements(std::vector<float>(10, 0.9F));
+  view_.setShouldRedrawWaveform(true);
+  EXPECT_EQ(renderingsOfARedraw(), 0.0);
+  EXPECT_EQ(screen_.convertToFormat(before.format()), before);
+  EXPECT_TRUE(view_.shouldRedrawWaveform()) << "still due when the summary is done";
+  summary_->setRegenerating(false);
+  EXPECT_EQ(renderingsOfARedraw(), 1.0);
+}
+
+TEST_F(WaveFormView, RendersDuringARegenerationWhenToldTo) {
+  renderingsOfARedraw();
+  summary_->setRegenerating(true);
+  summary_->setElements(std::vector<float>(10, 0.9F));
+  view_.setOverrideRegenerationCheck(true);
+  EXPECT_EQ(renderingsOfARedraw(), 1.0);
+  EXPECT_EQ(view_.prevBufsize(), 10U);
+}
+
+TEST_F(WaveFormView, AFirstRedrawDuringARegenerationLeavesNoPixelUnpainted) {
+  summary_->setRegenerating(true);
+  EXPECT_EQ(renderingsOfARedraw(), 0.0);
+  EXPECT_TRUE(view_.image().isNull());
+  EXPECT_LE(colorDistance(screen_.pixelColor(120, 99), QColor(36, 54, 71)), 1);
+  EXPECT_LE(colorDistance(screen_.pixelColor(120, 0), QColor(35, 37, 62)), 1);
+}
+
+TEST_F(WaveFormView, TheGridStandsStillUnlessItScrollsBack) {
+  view_.setScrollBack(false);
+  for (int i = 0; i < 3; ++i) {
+    view_.setShouldRedrawWaveform(true);
+    view_.grab();
+  }
+  EXPECT_EQ(view_.bg_scroll_x(), 0.0);
+}
+
+TEST_F(WaveFormView, TheGridRepeatsEvery24Renderings) {
+  summary_->setElements({});
+  renderingsOfARedraw();
+  const QImage first = view_.image();
+  for (int i = 1; i <= 24; ++i) {
+    view_.setShouldRedrawWaveform(true);
+    view_.grab();
+    EXPECT_EQ(view_.bg_scroll_x(), (i + 1) % 24);
+    EXPECT_EQ(view_.image() == first, i == 24) << i;
+  }
+}
+
+TEST_F(WaveFormView, TakesElementsIntoTheSameMemoryAtEveryRendering) {
+  renderingsOfARedraw();
+  const float* memory = summary_->lastDestination();
+  for (int i = 0; i < 3; ++i) {
+    view_.setShouldRedrawWaveform(true);
+    EXPECT_EQ(renderingsOfARedraw(), 1.0);
+    EXPECT_EQ(summary_->lastDestination(), memory);
+  }
+}
+
+TEST_F(WaveFormView, AViewWithoutAreaDrawsNothingAndReports0) {
+  view_.resize(0, 0);
+  view_.setShouldRedrawWaveform(true);
+  view_.grab();
+  press({0.0, 0.0});
+  ASSERT_EQ(delegate_->clicks.size(), 1U);
+  EXPECT_EQ(delegate_->clicks[0].timeLinePosition, 0.0);
+}
+
+TEST_F(WaveFormView, AClickIsReportedFromTheBottomLeftAndAsAFraction) {
+  press({60.0, 30.0});
+  ASSERT_EQ(delegate_->clicks.size(), 1U);
+  EXPECT_EQ(delegate_->clicks[0].view, &view_);
+  EXPECT_EQ(delegate_->clicks[0].position, QPointF(60.0, 70.0));
+  EXPECT_EQ(delegate_->clicks[0].timeLinePosition, 0.25);
+  EXPECT_TRUE(delegate_->drags.empty());
+}
+
+TEST_F(WaveFormView, AClickAtTheRightEdgeReports1) {
+  press({240.0, 50.0});
+  ASSERT_EQ(delegate_->clicks.size(), 1U);
+  EXPECT_EQ(delegate_->clicks[0].timeLinePosition, 1.0);
+}
+
+TEST_F(WaveFormView, ADragIsReportedLikeAClick) {
+  press({60.0, 30.0});
+  move({120.0, 40.0});
+  ASSERT_EQ(delegate_->drags.size(), 1U);
+  EXPECT_EQ(delegate_->drags[0].view, &view_);
+  EXPECT_EQ(delegate_->drags[0].position, QPointF(120.0, 60.0));
+  EXPECT_EQ(delegate_->drags[0].timeLinePosition, 0.5);
+  EXPECT_EQ(delegate_->clicks.size(), 1U);
+}
+
+TEST_F(WaveFormView, ADragBeyondAnEdgeCountsAsTheNearestEdge) {
+  press({60.0, 30.0});
+  move({-50.0, 500.0});
+  move({1000.0, -3.0});
+  ASSERT_EQ(delegate_->drags.size(), 2U);
+  EXPECT_EQ(delegate_->drags[0].position, QPointF(0.0, 0.0));
+  EXPECT_EQ(delegate_->drags[0].timeLinePosition, 0.0);
+  EXPECT_EQ(delegate_->drags[1].position, QPointF(240.0, 100.0));
+  EXPECT_EQ(delegate_->drags[1].timeLinePosition, 1.0);
+}
+
+TEST_F(WaveFormView, DisabledItPassesNeitherClicksNorDragsOn) {
+  view_.setEnabled(false);
+  press({60.0, 30.0});
+  move({120.0, 40.0});
+  EXPECT_TRUE(delegate_->clicks.empty());
+  EXPECT_TRUE(delegate_->drags.empty());
+  view_.setEnabled(true);
+  press({60.0, 30.0});
+  EXPECT_EQ(delegate_->clicks.size(), 1U);
+}
+
+TEST_F(WaveFormView, OtherButtonsAndMovesWithoutAButtonAreNoInput) {
+  press({60.0, 30.0}, Qt::RightButton);
+  move({60.0, 30.0}, Qt::NoButton);
+  move({60.0, 30.0}, Qt::RightButton);
+  EXPECT_TRUE(delegate_->clicks.empty());
+  EXPECT_TRUE(delegate_->drags.empty());
+}
+
+TEST_F(WaveFormView, ADelegateThatIsGoneIsNotAsked) {
+  delegate_.reset();
+  press({60.0, 30.0});
+  move({120.0, 40.0});
+  EXPECT_TRUE(view_.delegate().expired());
+}
+
+TEST_F(WaveFormView, ClicksReachItThroughTheMarkerLaidOverIt) {
+  OVPlaybackMarkerView marker(&view_);
+  marker.setGeometry(view_.rect());
+  view_.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&view_));
+  QTest::mouseClick(view_.window()->windowHandle(), Qt::LeftButton, Qt::NoModifier, {60, 30});
+  ASSERT_EQ(delegate_->clicks.size(), 1U);
+  EXPECT_EQ(delegate_->clicks[0].timeLinePosition, 0.25);
+}
+
+TEST_F(WaveFormView, MovingTheMarkerDoesNotRenderTheWaveformAnew) {
+  OVPlaybackMarkerView marker(&view_);
+  marker.setGeometry(view_.rect());
+  view_.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&view_));
+  class PaintCounter final : public QObject {
+   public:
+    int paints = 0;
+    bool eventFilter(QObject*, QEvent* event) override {
+      paints += event->type() == QEvent::Paint ? 1 : 0;
+      return false;
+    }
+  } counter;
+  view_.installEventFilter(&counter);
+  ASSERT_TRUE(runMainLoopUntil([&] { return summary_->copiesTaken() == 1; }));
+  for (int i = 1; i <= 10; ++i) {
+    const int paintsBefore = counter.paints;
+    const auto strip = [&] { return QRect(qRound(marker.position() * 240.0) - 4, 0, 8, 100); };
+    marker.update(strip());
+    marker.setPosition(i / 10.0);
+    marker.update(strip());
+    ASSERT_TRUE(runMainLoopUntil([&] { return counter.paints > paintsBefore; }));
+  }
+  EXPECT_EQ(summary_->copiesTaken(), 1);
+  EXPECT_EQ(view_.bg_scroll_x(), 1.0);
+}
+
+TEST_F(WaveFormView, SettingPropertiesDoesNotRedraw) {
+  view_.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&view_));
+  ASSERT_TRUE(runMainLoopUntil([&] { return summary_->copiesTaken() == 1; }));
+  view_.setWaveForm(std::make_shared<FakeWaveformSummary>(std::vector<float>(3, 0.2F)));
+  view_.setShouldRedrawWaveform(true);
+  view_.setOverrideRegenerationCheck(true);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(view_.prevBufsize(), 64U);
+  view_.update();
+  EXPECT_TRUE(runMainLoopUntil([&] { return view_.prevBufsize() == 3U; }));
+}
+
+TEST_F(WaveFormView, APictureHandedOutStaysAsItWas) {
+  renderingsOfARedraw();
+  const QImage exported = view_.image();
+  const QImage copy = exported.copy();
+  summary_->setElements(std::vector<float>(20, 1.0F));
+  EXPECT_EQ(renderingsOfARedraw(), 1.0);
+  EXPECT_EQ(exported, copy);
+}
+
+TEST_F(WaveFormView, TheTimeScaleIsNotPartOfItsOwnDrawing) {
+  summary_->setElements({});
+  renderingsOfARedraw();
+  QImage withTimescale = view_.image();
+  QPainter painter(&withTimescale);
+  platform::useViewCoordinates(painter, view_.size());
+  view_.drawTimescale(painter);
+  painter.end();
+  EXPECT_NE(withTimescale, view_.image());
+}
+
+TEST_F(WaveFormView, IsNamedForAssistiveTechnology) {
+  QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&view_);
+  ASSERT_NE(accessible, nullptr);
+  EXPECT_EQ(accessible->text(QAccessible::Name), "Waveform");
+  EXPECT_EQ(accessible->role(), QAccessible::Graphic);
+}
+
+TEST_F(WaveFormView, ReadsPositionAndLengthOut) {
+  const auto* const accessible = QAccessible::queryAccessibleInterface(&view_);
+  EXPECT_EQ(accessible->text(QAccessible::Value), "");
+  view_.setTimeLineText([] { return QStringLiteral("00:00:01.00 / 00:00:09.00"); });
+  EXPECT_EQ(accessible->text(QAccessible::Value), "00:00:01.00 / 00:00:09.00");
+  EXPECT_EQ(accessible->text(QAccessible::Description), "00:00:01.00 / 00:00:09.00");
+  EXPECT_TRUE(view_.focusPolicy() == Qt::TabFocus);
+}
+
+namespace {
+
+/// The waveform view with the marker over it, as a window has them.
+class WaveFormKeys : public WaveFormView {
+ protected:
+  WaveFormKeys() { marker_->setPosition(0.5); }
+
+  /// Where a key moves the marker to, reported as a drag; -1 when it is not reported.
+  double reportedAfter(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    delegate_->drags.clear();
+    QTest::keyClick(&view_, static_cast<Qt::Key>(key), modifiers);
+    return delegate_->drags.size() == 1 ? delegate_->drags[0].timeLinePosition : -1.0;
+  }
+
+  OVPlaybackMarkerView* marker_ = new OVPlaybackMarkerView(&view_);
+};
+
+}  // namespace
+
+TEST_F(WaveFormKeys, ArrowsMoveTheMarkerByAHundredthAndPagesByATenth) {
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right), 0.51);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Left), 0.49);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_PageUp), 0.6);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_PageDown), 0.4);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Home), 0.0);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_End), 1.0);
+}
+
+TEST_F(WaveFormKeys, WithShiftArrowsMoveItByAPoint) {
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right, Qt::ShiftModifier), 0.5 + 1.0 / 240.0);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Left, Qt::ShiftModifier), 0.5 - 1.0 / 240.0);
+}
+
+TEST_F(WaveFormKeys, NoKeyMovesItPastTheEnds) {
+  marker_->setPosition(0.05);
+  EXPECT_EQ(reportedAfter(Qt::Key_PageDown), 0.0);
+  marker_->setPosition(0.995);
+  EXPECT_EQ(reportedAfter(Qt::Key_Right), 1.0);
+}
+
+TEST_F(WaveFormKeys, AKeyIsReportedAtItsPlaceInTheView) {
+  static_cast<void>(reportedAfter(Qt::Key_Home));
+  EXPECT_EQ(delegate_->drags.at(0).view, &view_);
+  EXPECT_EQ(delegate_->drags.at(0).position, QPointF(0.0, 50.0));
+  EXPECT_TRUE(delegate_->clicks.empty());
+}
+
+TEST_F(WaveFormKeys, OtherKeysAndThoseOfADisabledViewGoOnToTheWindow) {
+  for (const int key : {Qt::Key_R, Qt::Key_Return, Qt::Key_Space, Qt::Key_Up}) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QCoreApplication::sendEvent(&view_, &event);
+    EXPECT_FALSE(event.isAccepted()) << key;
+  }
+  QKeyEvent command(QEvent::KeyPress, Qt::Key_Left, Qt::ControlModifier);
+  QCoreApplication::sendEvent(&view_, &command);
+  EXPECT_FALSE(command.isAccepted());
+  view_.setEnabled(false);
+  EXPECT_EQ(reportedAfter(Qt::Key_Left), -1.0);
+}
+
+TEST_F(WaveFormKeys, WithoutAMarkerTheKeysStartFromTheBeginning) {
+  delete marker_;
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right), 0.01);
+}
