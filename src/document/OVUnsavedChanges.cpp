@@ -33,7 +33,7 @@ bool OVUnsavedChanges::mayClose() {
   if (state_ == State::savePending) {
     return false;
   }
-  if (!parts_.history.isEdited() && !parts_.transport.isRecording()) {
+  if (!parts_.history.isEdited()) {
     return true;
   }
   bringToFront();

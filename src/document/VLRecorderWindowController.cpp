@@ -317,6 +317,10 @@ void VLRecorderWindowController::setCommandsChangedHandler(std::function<void()>
 
 // Display loop ----------------------------------------------------------------------------------
 
+void VLRecorderWindowController::recreateIndicator(bool indeterminate, platform::TextKey activity) {
+  parts_.progress.recreate(indeterminate, activity);
+}
+
 void VLRecorderWindowController::waveFormViewReceivedClick(OVWaveFormView*, QPointF,
                                                            double timeLinePosition) {
   moveToTimeLinePosition(timeLinePosition);

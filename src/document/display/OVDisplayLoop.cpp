@@ -48,8 +48,10 @@ void OVDisplayLoop::updateRendering() {
 }
 
 void OVDisplayLoop::updatePlayback() {
+  const std::uint64_t position = parts_.positions.playback();
   parts_.markerAndTime.setIsRecordingMarker(false);
-  show(parts_.positions.playback(), false);
+  show(position);
+  parts_.markerAndTime.showTime(position);
 }
 
 void OVDisplayLoop::updateRecording() {
@@ -58,10 +60,11 @@ void OVDisplayLoop::updateRecording() {
     parts_.summaries.follow(position, _lastNumberOfFramesWritten);
   }
   parts_.markerAndTime.setIsRecordingMarker(true);
-  show(position, true);
+  show(position);
+  parts_.markerAndTime.showTime(parts_.positions.recording(), true);
 }
 
-void OVDisplayLoop::show(std::uint64_t markerFrame, bool always) {
+void OVDisplayLoop::show(std::uint64_t markerFrame) {
   const std::uint64_t playback = parts_.positions.playback();
   parts_.markerAndTime.moveTo(markerFrame);
   parts_.markerAndTime.setLastPlaybackPosition(playback);
@@ -69,7 +72,6 @@ void OVDisplayLoop::show(std::uint64_t markerFrame, bool always) {
     parts_.positions.setRecording(playback);
   }
   parts_.markerAndTime.setLevels(parts_.transport.powerLevels(OVTransportState::recording));
-  parts_.markerAndTime.showTime(markerFrame, always);
 }
 
 void OVDisplayLoop::refresh(bool regenerate) {

@@ -61,7 +61,7 @@ class OVDisplayLoop {
   void updateRendering();
   void updatePlayback();
   void updateRecording();
-  void show(std::uint64_t markerFrame, bool always);
+  void show(std::uint64_t markerFrame);
   void refreshed();
 
   const Parts parts_;

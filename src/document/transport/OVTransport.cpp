@@ -1,5 +1,6 @@
 #include "document/transport/OVTransport.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "audio/OVAQPlayer.h"
@@ -271,13 +272,14 @@ void OVTransport::playbackEnded(const OVAQPlayer* player) {
   if (parts_.operation.isActive() || (player != nullptr && !isCurrent)) {
     return;  // a late report of a playback that has been ended already
   }
-  if (isCurrent) {
-    parts_.positions.setPlayback(player->readingPosition() / parts_.audio.bytesPerFrame());
-  }
-  if (parts_.positions.playback() >= parts_.audio.sizeInFrames()) {
+  // The last report of its advance may have come before To End set both positions.
+  const std::uint64_t place =
+      isCurrent ? player->readingPosition() / parts_.audio.bytesPerFrame() : 0;
+  if (std::max(place, parts_.positions.playback()) >= parts_.audio.sizeInFrames()) {
     stop();
   } else if (isCurrent) {
-    // The marker stays where playing broke off.
+    parts_.positions.setPlayback(place);  // where playing broke off
+    parts_.positions.setRecording(place);
     const bool deviceFailed = player->failure() != platform::kAudioStatusOk;
     const int error = readError_.exchange(0);
     pause();
