@@ -204,13 +204,3 @@ void OVAQPlayer::check(platform::AudioStatus status, const std::string& label) {
     CheckAudioStatus(status, label, outputFailureReason(status));
   }
 }
-
-std::shared_ptr<OVAQPlayerDelegate> OVAQPlayer::delegate() const {
-  const std::lock_guard lock(mutex_);
-  return delegate_.lock();
-}
-
-void OVAQPlayer::setDelegate(std::weak_ptr<OVAQPlayerDelegate> delegate) {
-  const std::lock_guard lock(mutex_);
-  delegate_ = std::move(delegate);
-}

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
+#include "storage/DelegateNotification.h"
 #include "storage/WriteBounds.h"
 
 namespace {
@@ -65,7 +66,7 @@ void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
       bufferFillSize_ = end;
     }
   }
-  delegate_.tellWrite(data, atByteOffset, withSize, hasRoom ? 0 : ENOMEM);
+  notifyOfWrite(delegate_.get(), data, atByteOffset, withSize, hasRoom ? 0 : ENOMEM);
 }
 
 bool OVAudioBuffer::growBeyond(std::uint64_t end) {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
+#include "storage/DelegateNotification.h"
 #include "storage/TemporaryFileAccess.h"
 #include "storage/WriteBounds.h"
 
@@ -62,7 +63,7 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
   if (blocksAdded >= kWritesBetweenOptimizing) {
     optimize();
   }
-  delegate_.tellWrite(data, atByteOffset, withSize, errorOfTransfer(written, withSize));
+  notifyOfWrite(delegate_.get(), data, atByteOffset, withSize, errorOfTransfer(written, withSize));
 }
 
 // Maps the bytes just appended; gives the number of writes since the list was last optimised.
@@ -97,7 +98,7 @@ BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t wi
     const auto got = readWhole(*f_file_, bytes + total, stretch.byteCount, stretch.fileOffset);
     total += got.byteCount;
     if (got.byteCount < stretch.byteCount) {
-      delegate_.tellFailedRead(got.error);
+      notifyOfFailedRead(delegate_.get(), got.error);
       break;
     }
   }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
+#include "storage/DelegateNotification.h"
 #include "storage/TemporaryFileAccess.h"
 #include "storage/WriteBounds.h"
 
@@ -85,7 +86,7 @@ void OVDiskAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
     f_size_.store(std::max(f_size(), atByteOffset + withSize), std::memory_order_relaxed);
   }
   discardCache();
-  delegate_.tellWrite(data, atByteOffset, withSize, errorOfTransfer(written, withSize));
+  notifyOfWrite(delegate_.get(), data, atByteOffset, withSize, errorOfTransfer(written, withSize));
 }
 
 BufferReadResult OVDiskAudioBuffer::readDataInto(void* destination, std::uint64_t withSize,
@@ -117,7 +118,7 @@ BufferReadResult OVDiskAudioBuffer::readDataIntoNoCache(void* destination, std::
     read = readWhole(*f_file_, destination, wanted, fromOffset);
   }
   if (read.byteCount < wanted) {
-    delegate_.tellFailedRead(read.error);
+    notifyOfFailedRead(delegate_.get(), read.error);
   }
   return resultOf(destination, read.byteCount / frameBytes * frameBytes);
 }
@@ -237,7 +238,7 @@ void OVDiskAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
   other.file.reset();
   removeTempFile(other.path);
   if (error != 0) {
-    delegate_.tellFailure(error);
+    notifyOfFailedWrite(delegate_.get(), error);
   }
 }
 

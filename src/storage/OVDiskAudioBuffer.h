@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/base/GuardedPointer.h"
 #include "platform/base/SerialQueue.h"
 #include "platform/files/File.h"
-#include "storage/DelegateReference.h"
 #include "storage/OVAudioBufferInterface.h"
 
 /// The audio of a recording, flat in a temporary file: the byte at an offset of the recording is
@@ -161,6 +161,6 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
   std::atomic<bool> cacheFilling_{false};
 
   std::atomic<std::uint64_t> framesToPlay_{0};
-  DelegateReference delegate_;
+  platform::GuardedPointer<std::weak_ptr<OVAudioBufferDelegate>> delegate_;
   platform::SerialQueue q_{"disk buffer"};
 };
