@@ -14,9 +14,6 @@ namespace {
 
 constexpr std::uint64_t kCopiedAtOnce = std::uint64_t{1} << 20;  // bytes; memory, not a measure
 
-static_assert(static_cast<double>(OVDiskAudioBuffer::kCacheCapacity) ==
-              platform::kWorkingFormat.mBytesPerFrame * platform::kWorkingFormat.mSampleRate * 10);
-
 // Copies what lies from a position on to the start of another file. The errno of a failure.
 int copyTail(platform::File& from, std::uint64_t position, platform::File& to) {
   const std::uint64_t end = from.size();
@@ -234,8 +231,8 @@ void OVDiskAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
       f_size_.store(f_file_->size(), std::memory_order_relaxed);
     }
   }
-  other.file.reset();
-  removeTempFile(other.path);
+  other->file.reset();
+  removeTempFile(other->path);
   if (error != 0) {
     notifyOfFailedWrite(delegate_.get(), error);
   }
