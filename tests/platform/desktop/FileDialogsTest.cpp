@@ -16,13 +16,18 @@ TEST(FileDialogs, WithNoneInstalledAreCancelledLaterAndSaySo) {
   bool openIsCancelled = false;
   bool saveIsCancelled = false;
   std::optional<int> code;
+  platform::OpenPanelRequest open;
+  open.title = "Open";
+  platform::SavePanelRequest save;
+  save.title = "Save";
+  save.accessoryView = accessory.data();
+  platform::SheetRequest question;
+  question.title = "Question";
   testing::internal::CaptureStderr();
   const auto dialogs = platform::fileDialogs();
-  dialogs->beginOpenPanel({.title = "Open"},
-                          [&](const auto& paths) { openIsCancelled = paths.empty(); });
-  dialogs->beginSavePanel({.title = "Save", .accessoryView = accessory.data()},
-                          [&](const auto& path) { saveIsCancelled = !path; });
-  dialogs->beginSheet({.title = "Question"}, [&](int returnCode) { code = returnCode; });
+  dialogs->beginOpenPanel(open, [&](const auto& paths) { openIsCancelled = paths.empty(); });
+  dialogs->beginSavePanel(save, [&](const auto& path) { saveIsCancelled = !path; });
+  dialogs->beginSheet(question, [&](int returnCode) { code = returnCode; });
   EXPECT_FALSE(openIsCancelled || saveIsCancelled || code);
   EXPECT_TRUE(runMainLoopUntil([&] { return code.has_value(); }));
   const std::string written = testing::internal::GetCapturedStderr();
