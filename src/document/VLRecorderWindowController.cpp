@@ -13,7 +13,7 @@
 #include "displays/OVCircularVUView.h"
 #include "document/files/OVWaveformPicture.h"
 #include "platform/base/ApplicationServices.h"
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 #include "platform/mainloop/MainQueue.h"
 #include "storage/OVAudioBuffer.h"
 #include "storage/OVBlockBuffer.h"
@@ -403,7 +403,7 @@ std::string VLRecorderWindowController::createTempFile() {
   static constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
   std::random_device random;
   std::uniform_int_distribution<std::size_t> letter(0, sizeof(kLetters) - 2);
-  std::string path = platform::temporaryFiles().directory() + "velmar_";
+  std::string path = platform::temporaryFiles()->directory() + "velmar_";
   for (int i = 0; i < 12; ++i) {
     path += kLetters[letter(random)];
   }

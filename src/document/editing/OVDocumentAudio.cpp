@@ -1,18 +1,5 @@
 #include "document/editing/OVDocumentAudio.h"
 
-#include <utility>
-
-std::shared_ptr<OVAudioBufferInterface> OVDocumentAudio::buffer() const {
-  const std::lock_guard lock(mutex_);
-  return buffer_;
-}
-
-// The former buffer is released with the parameter, after the lock.
-void OVDocumentAudio::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
-  const std::lock_guard lock(mutex_);
-  buffer_.swap(buffer);
-}
-
 std::uint64_t OVDocumentAudio::bytesPerFrame() const {
   const auto audio = buffer();
   return audio ? audio->format().mBytesPerFrame : 0;

@@ -2,8 +2,9 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
+#include <utility>
 
+#include "platform/base/GuardedPointer.h"
 #include "storage/OVAudioBufferInterface.h"
 
 /// The audio of a document, and its lengths in frames, bytes and seconds. Without a buffer, which
@@ -12,9 +13,9 @@
 /// Threads: any, except where said. Real-time: not safe.
 class OVDocumentAudio {
  public:
-  [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const;
+  [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const { return buffer_.get(); }
   /// Threads: main.
-  void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer);
+  void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) { buffer_.set(std::move(buffer)); }
 
   [[nodiscard]] std::uint64_t bytesPerFrame() const;
   [[nodiscard]] std::uint64_t sizeInFrames() const;
@@ -23,6 +24,5 @@ class OVDocumentAudio {
   [[nodiscard]] double fractionOfFrames(std::uint64_t frames) const;
 
  private:
-  mutable std::mutex mutex_;
-  std::shared_ptr<OVAudioBufferInterface> buffer_;  // guarded by mutex_
+  platform::GuardedPointer<std::shared_ptr<OVAudioBufferInterface>> buffer_;
 };

@@ -19,16 +19,16 @@ void OVDocumentPanels::open(platform::OpenPanelRequest request,
   auto answer = shown(request, [chosen = std::move(chosen)](const std::vector<std::string>& paths) {
     chosen(paths.empty() ? std::nullopt : std::optional(paths.front()));
   });
-  platform::fileDialogs().beginOpenPanel(request, std::move(answer));
+  platform::fileDialogs()->beginOpenPanel(request, std::move(answer));
 }
 
 void OVDocumentPanels::save(platform::SavePanelRequest request,
                             std::function<void(const std::optional<std::string>&)> chosen) {
   auto answer = shown(request, std::move(chosen));
-  platform::fileDialogs().beginSavePanel(request, std::move(answer));
+  platform::fileDialogs()->beginSavePanel(request, std::move(answer));
 }
 
 void OVDocumentPanels::ask(platform::SheetRequest request, std::function<void(int)> answered) {
   auto answer = shown(request, std::move(answered));
-  platform::fileDialogs().beginSheet(request, std::move(answer));
+  platform::fileDialogs()->beginSheet(request, std::move(answer));
 }

@@ -141,7 +141,7 @@ void OVFileSaving::exportRingtoneTo(const std::string& path) {
 }
 
 void OVFileSaving::openSavedFile() const {
-  if (!platform::desktopServices().open(
+  if (!platform::desktopServices()->open(
           QUrl::fromLocalFile(QString::fromStdString(last_saved_file_path_)))) {
     ShowModalAlert(
         localizedUtf8("The file was saved but could not be opened"),

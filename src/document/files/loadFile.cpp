@@ -2,12 +2,6 @@
 
 #include "audio/OVAudioFileReader.h"
 
-namespace {
-
-constexpr std::uint64_t kReaderFrameBytes = 8;  // two channels of four bytes
-
-}  // namespace
-
 LoadOutcome loadFile(OVAudioFileReader& reader, const LoadRequest& request) {
   LoadOutcome outcome{.endOffset = request.atByteOffset};
   const auto length = reader.fileSizeInFrames();
@@ -18,7 +12,7 @@ LoadOutcome loadFile(OVAudioFileReader& reader, const LoadRequest& request) {
     if (frames == 0 || *request.cancelled) {
       break;
     }
-    const auto size = static_cast<std::uint32_t>(frames * kReaderFrameBytes);
+    const auto size = static_cast<std::uint32_t>(frames * platform::kWorkingFrameBytes);
     request.buffer->writeData(reader.exposeBuffer(), outcome.endOffset, size);
     outcome.writeError = request.takeWriteError();
     if (outcome.writeError != 0) {

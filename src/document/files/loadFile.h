@@ -5,12 +5,13 @@
 #include <functional>
 #include <memory>
 
+#include "platform/base/AudioTypes.h"
 #include "storage/OVAudioBufferInterface.h"
 
 class OVAudioFileReader;
 
 /// Frames read and written at a time: six seconds.
-inline constexpr std::uint64_t kLoadChunkFrames = 264600;
+inline constexpr std::uint64_t kLoadChunkFrames = platform::kFileChunkFrames;
 
 struct LoadRequest {
   std::shared_ptr<OVAudioBufferInterface> buffer;

@@ -38,24 +38,13 @@ OVDocumentSummaries::~OVDocumentSummaries() = default;
 void OVDocumentSummaries::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
   abandonWork();
   buffer_ = std::move(buffer);
-  setWaveForm(OVDynamicWaveForm::initWithBuffer(buffer_));
+  waveForm_.set(OVDynamicWaveForm::initWithBuffer(buffer_));
   putIntoView();
-}
-
-std::shared_ptr<OVWaveformSummary> OVDocumentSummaries::waveForm() const {
-  const std::lock_guard lock(waveFormLock_);
-  return waveForm_;
-}
-
-// The former summary leaves with the parameter, after the lock.
-void OVDocumentSummaries::setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm) {
-  const std::lock_guard lock(waveFormLock_);
-  waveForm_.swap(waveForm);
 }
 
 void OVDocumentSummaries::putIntoView() {
   if (view_) {
-    view_->setWaveForm(waveForm_);
+    view_->setWaveForm(waveForm());
   }
 }
 
@@ -72,24 +61,24 @@ void OVDocumentSummaries::show() {
 void OVDocumentSummaries::keep() {
   const std::uint64_t length = buffer_->bufferSizeInFrames();
   formerKept_ = std::exchange(
-      kept_, {.summary = waveForm_->copy(), .inARefresh = isRefreshing_, .length = length});
-  if (waveForm_->readerPos() > length) {
+      kept_, {.summary = waveForm()->copy(), .inARefresh = isRefreshing_, .length = length});
+  if (waveForm()->readerPos() > length) {
     // The undo of an undo may leave it ahead of the audio: what comes now would not get in.
-    waveForm_->setShouldRegenerateWaveform(true);
+    waveForm()->setShouldRegenerateWaveform(true);
   }
 }
 
 void OVDocumentSummaries::willExchange() {
   abandonWork();  // first: from here on nothing begins
   // What is under way reads on in the audio that comes, and what is being built never gets in.
-  leavingIsStale_ = work_->isGenerating(*waveForm_) || waveformIsChanging_;
+  leavingIsStale_ = work_->isGenerating(*waveForm()) || waveformIsChanging_;
 }
 
 bool OVDocumentSummaries::exchange() {
-  const auto shown = waveForm_;
-  setWaveForm(std::exchange(kept_.summary, shown));
+  const auto shown = waveForm();
+  waveForm_.set(std::exchange(kept_.summary, shown));
   show();
-  return std::exchange(kept_.isStale, leavingIsStale_) || waveForm_->isRegenerating();
+  return std::exchange(kept_.isStale, leavingIsStale_) || waveForm()->isRegenerating();
 }
 
 void OVDocumentSummaries::abandonWork() {
@@ -103,9 +92,9 @@ void OVDocumentSummaries::refresh(bool regenerate, std::function<void()> ended) 
   isRefreshing_ = true;
   if (regenerate) {
     // At once: a copy that is taken before the task begins has to know it, too.
-    waveForm_->setShouldRegenerateWaveform(true);
+    waveForm()->setShouldRegenerateWaveform(true);
   }
-  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_, work = work_,
+  platform::globalQueue().async([self = weak_from_this(), summary = waveForm(), work = work_,
                                  epoch = work_->epoch(), ended = std::move(ended)] {
     static_cast<void>(work->generate(*summary, epoch));  // the main thread asks for the epoch
     platform::mainQueue().async([self, epoch, ended] {
@@ -129,7 +118,7 @@ void OVDocumentSummaries::follow(std::uint64_t position, std::uint64_t chunkFram
   if (!waveformIsChanging_) {
     choose(position, chunkFrames);
   }
-  if (waveForm_->isRegenerating()) {
+  if (waveForm()->isRegenerating()) {
     requestRedraw(view_);
   } else {
     extend();
@@ -139,7 +128,7 @@ void OVDocumentSummaries::follow(std::uint64_t position, std::uint64_t chunkFram
 // A growing summary while appending, one of fixed size while recording over what is there.
 void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFrames) {
   const std::uint64_t size = buffer_->bufferSizeInFrames();
-  const auto dynamic = std::dynamic_pointer_cast<OVDynamicWaveForm>(waveForm_);
+  const auto dynamic = std::dynamic_pointer_cast<OVDynamicWaveForm>(waveForm());
   if (position >= size) {
     if (!dynamic) {
       replace({.build =
@@ -188,7 +177,7 @@ void OVDocumentSummaries::replace(Replacement replacement) {
 void OVDocumentSummaries::install(const Replacement& replacement,
                                   const std::shared_ptr<OVWaveformSummary>& summary,
                                   const std::shared_ptr<OVWaveformSummary>& copy) {
-  setWaveForm(summary);
+  waveForm_.set(summary);
   putIntoView();
   kept_.summary = copy;
   kept_.isStale = kept_.isStale || replacement.holdsNewAudio;
@@ -203,7 +192,7 @@ void OVDocumentSummaries::extend() {
   if (extensionQueued_->exchange(true)) {
     return;
   }
-  fft_queue_.async([view = view_, summary = waveForm_, queued = extensionQueued_, work = work_,
+  fft_queue_.async([view = view_, summary = waveForm(), queued = extensionQueued_, work = work_,
                     epoch = work_->epoch()] {
     *queued = false;  // what is written from here on asks anew
     if (work->generate(*summary, epoch)) {

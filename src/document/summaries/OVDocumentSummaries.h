@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 
 #include <QPointer>
 
 #include "document/summaries/OVSummaryWork.h"
+#include "platform/base/GuardedPointer.h"
 #include "platform/base/SerialQueue.h"
 #include "waveform/views/OVWaveFormView.h"
 
@@ -43,7 +43,7 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
 
   /// The summary of the document's audio; null before setBuffer().
   /// Threads: any.
-  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const;
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const { return waveForm_.get(); }
   /// What the next undo or redo brings back; null before the first undoable step.
   [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const { return kept_.summary; }
   /// A summary of the other kind is being built.
@@ -108,7 +108,6 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
     bool holdsNewAudio = false;
   };
 
-  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm);
   void choose(std::uint64_t position, std::uint64_t chunkFrames);
   void replace(Replacement replacement);
   void install(const Replacement& replacement, const std::shared_ptr<OVWaveformSummary>& summary,
@@ -119,9 +118,8 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   platform::SerialQueue fft_queue_{"fft"};
   const std::shared_ptr<OVSummaryWork> work_;
 
-  // Written on the main thread under the lock, read there without it and elsewhere with it.
-  mutable std::mutex waveFormLock_;
-  std::shared_ptr<OVWaveformSummary> waveForm_;
+  // Replaced on the main thread; any thread reads it.
+  platform::GuardedPointer<std::shared_ptr<OVWaveformSummary>> waveForm_;
 
   // Main thread only.
   QPointer<OVWaveFormView> view_;

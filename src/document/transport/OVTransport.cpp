@@ -42,16 +42,17 @@ OVTransport::~OVTransport() {
     player_->stop();
     player_.reset();
   }
-  if (recorder_) {
-    recorder_->pause();
-    recorder_->prepareForDestruction();
+  if (const auto last = recorder()) {
+    last->pause();
+    last->prepareForDestruction();
   }
 }
 
 // State -----------------------------------------------------------------------------------------
 
 bool OVTransport::isRecording() const {
-  return recorder_ && recorder_->isRecording();
+  const auto current = recorder();
+  return current && current->isRecording();
 }
 
 bool OVTransport::isPlaying() const {
@@ -65,15 +66,10 @@ OVTransportState OVTransport::state() const {
   return isPlaying() ? OVTransportState::playing : OVTransportState::resting;
 }
 
-std::shared_ptr<OVAQRecorder> OVTransport::recorder() const {
-  const std::lock_guard lock(recorderLock_);
-  return recorder_;
-}
-
 std::optional<std::vector<float>> OVTransport::powerLevels(OVTransportState first) const {
   const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a tick
   if (isRecording() && (first == OVTransportState::recording || !isPlaying())) {
-    return recorder_->powerLevels();
+    return recorder()->powerLevels();
   }
   return isPlaying() ? player_->powerLevels() : std::nullopt;
 }
@@ -91,16 +87,16 @@ void OVTransport::record() {
     changed();
     return;
   }
-  if (!recorder_ || recorder_->failure() != platform::kAudioStatusOk) {
+  if (const auto former = recorder(); !former || former->failure() != platform::kAudioStatusOk) {
     replaceRecorder();
   }
-  if (recorder_) {  // otherwise nothing has changed, and the user has been told
+  if (const auto input = recorder()) {  // otherwise nothing has changed, and the user has been told
     bringRecordingPositionInside();
     parts_.history.beginStep(platform::textKey("Record"));
     recordingRevision_ = parts_.history.revision();
     writeFailures_->recordingBegins();
     writtenSincePress_ = false;
-    recorder_->record();
+    input->record();
     parts_.history.setEdited(true);
   }
   changed();
@@ -149,9 +145,10 @@ void OVTransport::pauseIfRunning() {
 }
 
 void OVTransport::endRecording() {
-  recorder_->pause();  // from here on writingPosition stands still
+  const auto input = recorder();
+  input->pause();  // from here on writingPosition stands still
   const auto buffer = parts_.audio.buffer();
-  const std::uint64_t end = recorder_->writingPosition() / parts_.audio.bytesPerFrame();
+  const std::uint64_t end = input->writingPosition() / parts_.audio.bytesPerFrame();
   parts_.positions.setRecording(end);
   parts_.positions.setPlayback(end >= buffer->bufferFillSizeInFrames() ? 0 : end);
   if (const auto blocks = std::dynamic_pointer_cast<OVBlockBuffer>(buffer)) {
@@ -204,8 +201,8 @@ void OVTransport::setPlaybackPosition(std::uint64_t frames) {
 
 void OVTransport::setRecordingPosition(std::uint64_t frames) {
   parts_.positions.setRecording(frames);
-  if (recorder_) {
-    recorder_->setWritingPosition(frames * parts_.audio.bytesPerFrame());
+  if (const auto input = recorder()) {
+    input->setWritingPosition(frames * parts_.audio.bytesPerFrame());
   }
 }
 
@@ -219,13 +216,13 @@ void OVTransport::bringRecordingPositionInside() {
 // Recorder --------------------------------------------------------------------------------------
 
 void OVTransport::prepareForNewBuffer() {
-  if (recorder_) {
-    recorder_->prepareForDestruction();
+  if (const auto former = recorder()) {
+    former->prepareForDestruction();
   }
 }
 
 void OVTransport::bufferChanged() {
-  setRecorder(makeRecorder());
+  recorder_.set(makeRecorder());
 }
 
 void OVTransport::close() {
@@ -252,17 +249,11 @@ std::shared_ptr<OVAQRecorder> OVTransport::makeRecorder() {
 }
 
 void OVTransport::replaceRecorder() {
-  if (recorder_) {
-    recorder_->pause();
-    recorder_->prepareForDestruction();
+  if (const auto former = recorder()) {
+    former->pause();
+    former->prepareForDestruction();
   }
-  setRecorder(makeRecorder());
-}
-
-// The old one is released outside the lock: its end may wait for a thread that wants the lock.
-void OVTransport::setRecorder(std::shared_ptr<OVAQRecorder> recorder) {
-  const std::lock_guard lock(recorderLock_);
-  recorder_.swap(recorder);
+  recorder_.set(makeRecorder());
 }
 
 // Reports ---------------------------------------------------------------------------------------
@@ -306,11 +297,11 @@ void OVTransport::failedToWrite(int error) {
 
 void OVTransport::inputFailed(const std::weak_ptr<OVAQRecorder>& recorder) {
   const auto failed = recorder.lock();
-  if (!failed || failed != recorder_) {
+  if (!failed || failed != this->recorder()) {
     return;
   }
   if (!isRecording()) {
-    setRecorder(nullptr);
+    recorder_.set(nullptr);
     failed->prepareForDestruction();
     return;
   }
@@ -325,7 +316,7 @@ void OVTransport::inputFailed(const std::weak_ptr<OVAQRecorder>& recorder) {
 
 void OVTransport::writingFailed(const OVWriteFailures::Failure& failure) {
   const auto failed = failure.recorder.lock();
-  if (failed && failed == recorder_) {
+  if (failed && failed == recorder()) {
     pause();
   }
   // Otherwise an edit or an undo came first: what stands there now is other audio.

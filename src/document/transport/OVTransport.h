@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <vector>
 
 #include "audio/OVAQPlayerDelegate.h"
 #include "document/transport/OVWriteFailures.h"
+#include "platform/base/GuardedPointer.h"
 
 class OVAQRecorder;
 class OVDocumentAudio;
@@ -54,7 +54,7 @@ class OVTransport {
   [[nodiscard]] bool isRecording() const;
   [[nodiscard]] bool isPlaying() const;
   /// Threads: any.
-  [[nodiscard]] std::shared_ptr<OVAQRecorder> recorder() const;
+  [[nodiscard]] std::shared_ptr<OVAQRecorder> recorder() const { return recorder_.get(); }
   [[nodiscard]] std::shared_ptr<OVAQPlayer> player() const { return player_; }
   /// The running recording has written something.
   [[nodiscard]] bool hasRecorded() const { return writtenSincePress_; }
@@ -113,7 +113,6 @@ class OVTransport {
  private:
   std::shared_ptr<OVAQRecorder> makeRecorder();
   void replaceRecorder();
-  void setRecorder(std::shared_ptr<OVAQRecorder> recorder);
   void endRecording();
   void endPlaying();
   void inputFailed(const std::weak_ptr<OVAQRecorder>& recorder);
@@ -130,9 +129,8 @@ class OVTransport {
   std::shared_ptr<OVAQPlayer> player_;
   std::uint64_t recordingRevision_ = 0;  // of the history, with the last recording's step begun
 
-  // Written on the main thread under the lock, read there without it and elsewhere with it.
-  mutable std::mutex recorderLock_;
-  std::shared_ptr<OVAQRecorder> recorder_;
+  // Replaced on the main thread; any thread reads it.
+  platform::GuardedPointer<std::shared_ptr<OVAQRecorder>> recorder_;
 
   // The writer's thread sets it, the main thread reads and clears it: it stands for itself.
   std::atomic<bool> writtenSincePress_ = false;

@@ -45,17 +45,6 @@ OVWaveFormView::OVWaveFormView(QWidget* parent) : QWidget(parent) {
 
 OVWaveFormView::~OVWaveFormView() = default;
 
-std::shared_ptr<OVWaveformSummary> OVWaveFormView::waveForm() const {
-  const std::lock_guard guard(waveFormLock_);
-  return waveForm_;
-}
-
-void OVWaveFormView::setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm) {
-  const std::lock_guard guard(waveFormLock_);
-  // The former summary leaves with the parameter, after the lock.
-  waveForm_.swap(waveForm);
-}
-
 bool OVWaveFormView::shouldRedrawWaveform() const {
   return shouldRedrawWaveform_.load(std::memory_order_relaxed);
 }

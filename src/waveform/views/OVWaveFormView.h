@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <QImage>
@@ -13,6 +13,7 @@
 #include <QSizeF>
 #include <QWidget>
 
+#include "platform/base/GuardedPointer.h"
 #include "platform/views/FocusRing.h"
 #include "waveform/OVWaveformSummary.h"
 #include "waveform/views/OVWaveFormDrawing.h"
@@ -63,8 +64,10 @@ class OVWaveFormView : public QWidget {
 
   /// What is drawn; may be null.
   /// Threads: any.
-  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const;
-  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm);
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const { return waveForm_.get(); }
+  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm) {
+    waveForm_.set(std::move(waveForm));
+  }
 
   /// The grid moves one point to the right at each rendering.
   [[nodiscard]] bool scrollBack() const { return scrollBack_; }
@@ -118,9 +121,7 @@ class OVWaveFormView : public QWidget {
   [[nodiscard]] double markerPosition();
   [[nodiscard]] std::optional<double> positionAfterKey(const QKeyEvent& event);
 
-  // Guarded by waveFormLock_: set by whoever installs a summary, read by the main thread.
-  mutable std::mutex waveFormLock_;
-  std::shared_ptr<OVWaveformSummary> waveForm_;
+  platform::GuardedPointer<std::shared_ptr<OVWaveformSummary>> waveForm_;
 
   // Set by whichever thread has generated; cleared by the main thread alone, before it reads the
   // elements, so that a generation in between asks for one rendering more, never for one less.
