@@ -14,15 +14,15 @@
 #include "controls/OVLoadingPanel.h"
 #include "controls/OVRecorderWindow.h"
 #include "controls/OVSpectrumStrip.h"
+#include "controls/OVTransportBackgroundView.h"
 #include "controls/buttons/OVHoverButton.h"
 #include "controls/buttons/OVRoundedTransportButton.h"
-#include "controls/OVTransportBackgroundView.h"
 #include "displays/OVCircularVUView.h"
 #include "displays/OVFFTView.h"
 #include "displays/OVTimeView.h"
 #include "document/spectrum/OVSpectrumAnalyser.h"
 #include "platform/base/ApplicationServices.h"
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
 #include "storage/OVBlockBuffer.h"
@@ -354,7 +354,7 @@ std::string VLRecorderWindowController::createTempFile() {
   static constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
   std::random_device random;
   std::uniform_int_distribution<std::size_t> letter(0, sizeof(kLetters) - 2);
-  std::string path = platform::temporaryFiles().directory() + "velmar_";
+  std::string path = platform::temporaryFiles()->directory() + "velmar_";
   for (int i = 0; i < 12; ++i) {
     path += kLetters[letter(random)];
   }

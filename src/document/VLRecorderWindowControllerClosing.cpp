@@ -52,7 +52,7 @@ void VLRecorderWindowController::askToSave() {
                            ? localized("Unnamed")
                            : QString::fromStdString(lastPathComponent(currentFilename_));
   isPanelShown_ = isQuestionShown_ = true;
-  platform::fileDialogs().beginSheet(
+  platform::fileDialogs()->beginSheet(
       {.window = window_.data(),
        .title = localized("Do you want to save the changes made to “%1”?").arg(name),
        .message = localized("Your changes will be lost if you don't save them."),

@@ -60,7 +60,7 @@ void VLRecorderWindowController::exportRingtone(QObject*) {
           .arg(kRingtoneSeconds));
   rule->setWordWrap(true);
   isPanelShown_ = true;
-  platform::fileDialogs().beginSavePanel(
+  platform::fileDialogs()->beginSavePanel(
       {.window = window_.data(),
        .title = localized("Export Ringtone"),
        .directory = folderOf(currentFilename_),
@@ -99,7 +99,7 @@ void VLRecorderWindowController::exportRingtoneTo(const std::string& path) {
 }
 
 void VLRecorderWindowController::openSavedFile() {
-  if (!platform::desktopServices().open(
+  if (!platform::desktopServices()->open(
           QUrl::fromLocalFile(QString::fromStdString(last_saved_file_path_)))) {
     ShowModalAlert(
         localizedUtf8("The file was saved but could not be opened"),
@@ -115,7 +115,7 @@ void VLRecorderWindowController::dumpWaveform(QObject*) {
     return;
   }
   isPanelShown_ = true;
-  platform::fileDialogs().beginSavePanel(
+  platform::fileDialogs()->beginSavePanel(
       {.window = window_.data(),
        .title = localized("Export Waveform Picture"),
        .directory = folderOf(currentFilename_),

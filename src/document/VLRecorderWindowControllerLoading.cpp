@@ -173,19 +173,19 @@ void VLRecorderWindowController::importFile(QObject*) {
     return;
   }
   isPanelShown_ = true;
-  platform::fileDialogs().beginOpenPanel({.window = window_.data(),
-                                          .title = platform::localized("Import"),
-                                          .acceptLabel = platform::localized("Import"),
-                                          .allowsMultipleSelection = false,
-                                          .fileTypes = readableFileTypes()},
-                                         [self = weak_from_this()](const auto& paths) {
-                                           if (const auto controller = self.lock()) {
-                                             controller->isPanelShown_ = false;
-                                             if (!paths.empty()) {
-                                               controller->openForImport(paths.front());
-                                             }
-                                           }
-                                         });
+  platform::fileDialogs()->beginOpenPanel({.window = window_.data(),
+                                           .title = platform::localized("Import"),
+                                           .acceptLabel = platform::localized("Import"),
+                                           .allowsMultipleSelection = false,
+                                           .fileTypes = readableFileTypes()},
+                                          [self = weak_from_this()](const auto& paths) {
+                                            if (const auto controller = self.lock()) {
+                                              controller->isPanelShown_ = false;
+                                              if (!paths.empty()) {
+                                                controller->openForImport(paths.front());
+                                              }
+                                            }
+                                          });
 }
 
 // Opening may take a while, on a slow medium or with a damaged file: the document is in a file

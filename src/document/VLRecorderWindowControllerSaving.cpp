@@ -55,7 +55,7 @@ void VLRecorderWindowController::saveFileAs(QObject*) {
   }
   makeSaveAccessory(suggestedType());
   isPanelShown_ = true;
-  platform::fileDialogs().beginSavePanel(
+  platform::fileDialogs()->beginSavePanel(
       {.window = window_.data(),
        .title = localized("Save As"),
        .directory = folderOf(currentFilename_),

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
+#include "platform/files/TemporaryFiles.h"
 #include "storage/DelegateNotification.h"
 #include "storage/TemporaryFileAccess.h"
 #include "storage/WriteBounds.h"
@@ -31,9 +32,9 @@ OVBlockBuffer::OVBlockBuffer(std::unique_ptr<platform::File> file, std::string f
 OVBlockBuffer::~OVBlockBuffer() = default;
 
 std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
-  platform::TemporaryFiles& files = platform::temporaryFiles();
-  const std::string pathTemplate = files.directory() + "orvoXXXXXX";
-  auto created = files.createUnlinked(pathTemplate.substr(0, kMaxPath));
+  const auto files = platform::temporaryFiles();
+  const std::string pathTemplate = files->directory() + "orvoXXXXXX";
+  auto created = files->createUnlinked(pathTemplate.substr(0, kMaxPath));
   if (created.file == nullptr) {
     tellThatNoTemporaryFileOpens(pathTemplate);
     return nullptr;

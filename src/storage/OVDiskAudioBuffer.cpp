@@ -64,8 +64,8 @@ std::shared_ptr<OVDiskAudioBuffer> OVDiskAudioBuffer::init() {
 
 // Tells when there is none. Hold no lock.
 platform::TemporaryFiles::Created OVDiskAudioBuffer::createFile() {
-  platform::TemporaryFiles& files = platform::temporaryFiles();
-  auto created = files.createNamed(files.directory() + "orvo_XXXXXX.flt");
+  const auto files = platform::temporaryFiles();
+  auto created = files->createNamed(files->directory() + "orvo_XXXXXX.flt");
   if (created.file == nullptr) {
     tellThatNoTemporaryFileOpens(created.path);
   } else {

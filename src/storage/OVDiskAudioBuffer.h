@@ -11,7 +11,7 @@
 
 #include "platform/base/GuardedPointer.h"
 #include "platform/base/SerialQueue.h"
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 #include "storage/OVAudioBufferInterface.h"
 
 /// The audio of a recording, flat in a temporary file: the byte at an offset of the recording is

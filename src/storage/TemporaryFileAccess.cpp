@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "platform/base/ApplicationServices.h"
+#include "platform/files/TemporaryFiles.h"
 
 platform::FileTransfer readWhole(platform::File& file, void* destination, std::uint64_t byteCount,
                                  std::uint64_t fileOffset) {

@@ -258,7 +258,7 @@ class InstalledSteppedQueues {
  private:
   std::shared_ptr<QueueScript> script_ = std::make_shared<QueueScript>();
   std::shared_ptr<SteppedAudioQueues> queues_ = std::make_shared<SteppedAudioQueues>(script_);
-  platform::AudioQueuesInstallation installation_{queues_};
+  platform::Installed<platform::AudioQueues>::Scope installation_{queues_};
 };
 
 }  // namespace testaudio

@@ -36,7 +36,7 @@ class CancelledWorkTest : public DocumentFileTest {
 
   testaudio::Gate gate_;
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation filesInstallation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
 };
 
 TEST_F(CancelledWorkTest, WhileAFileIsLoadedTheChunkBeingStoredIsTheLast) {

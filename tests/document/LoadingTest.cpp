@@ -358,7 +358,7 @@ TEST_F(LoadingTest, DontSaveDuringAnImportClosesAtOnce) {
 class TemporaryDiskLoadingTest : public LoadingTest {
  protected:
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation filesInstallation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
 };
 
 TEST_F(TemporaryDiskLoadingTest, AnOpenKeepsWhatWasStoredAndTellsOnce) {

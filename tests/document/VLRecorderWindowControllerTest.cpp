@@ -226,7 +226,7 @@ TEST_F(DocumentTest, TemporaryPathsAreFreshAndRemovingNoneDoesNothing) {
 
 TEST_F(DocumentTest, ADocumentWithoutATemporaryFileTellsOnceAndStaysUsable) {
   support::FailingTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   files.failCreation(EACCES);
   openWindow();
   EXPECT_EQ(document_->buffer(), nullptr);

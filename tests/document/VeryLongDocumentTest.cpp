@@ -96,9 +96,9 @@ class VeryLongDocumentTest : public DocumentTest {
   }
 
   support::TestUserAudioFiles storage_;
-  platform::AudioFileStorageInstallation storageInstallation_{storage_};
+  platform::Installed<platform::UserAudioFiles>::Scope storageInstallation_{storage_};
   support::SparseTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
 };
 
 TEST_F(VeryLongDocumentTest, IsOpenedCutInItsMiddleUndoneRedoneAndPlayedWithoutMoreMemory) {

@@ -31,7 +31,7 @@ class UndoOfABlockBuffer : public testing::Test {
   }
 
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
   std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
 };
 

@@ -243,25 +243,4 @@ std::vector<std::string> XbelRecentDocuments::recentDocuments(std::size_t most) 
   return paths;
 }
 
-namespace {
-
-RecentDocuments*& installed() {
-  static XbelRecentDocuments desktop(XbelRecentDocuments::desktopFile());
-  static RecentDocuments* documents = &desktop;
-  return documents;
-}
-
-}  // namespace
-
-RecentDocuments& recentDocuments() {
-  return *installed();
-}
-
-RecentDocumentsInstallation::RecentDocumentsInstallation(RecentDocuments& documents)
-    : previous_(std::exchange(installed(), &documents)) {}
-
-RecentDocumentsInstallation::~RecentDocumentsInstallation() {
-  installed() = previous_;
-}
-
 }  // namespace platform

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <atomic>
 #include <cerrno>
 
 #include "platform/files/PosixFile.h"
@@ -46,7 +45,7 @@ class WriteBehindFile : public PosixFile {
   std::uint64_t hinted_ = 0;    // bytes from the begin on; the thread that writes
 };
 
-class PosixAudioFileStorage : public UserAudioFiles {
+class PosixUserAudioFiles : public UserAudioFiles {
  public:
   Opened openForReading(const std::string& path) override {
     return open<PosixFile>(path, O_RDONLY);
@@ -79,23 +78,10 @@ class PosixAudioFileStorage : public UserAudioFiles {
   }
 };
 
-// The storage put in last; null stands for the operating system's. Written by installations only,
-// before the threads that read it start.
-std::atomic<UserAudioFiles*> installedStorage{nullptr};
-
 }  // namespace
 
-UserAudioFiles& audioFileStorage() {
-  static auto* const posix = new PosixAudioFileStorage;  // never destroyed: threads outlive main
-  UserAudioFiles* const storage = installedStorage.load(std::memory_order_acquire);
-  return storage != nullptr ? *storage : *posix;
-}
-
-AudioFileStorageInstallation::AudioFileStorageInstallation(UserAudioFiles& storage)
-    : previous_(installedStorage.exchange(&storage, std::memory_order_acq_rel)) {}
-
-AudioFileStorageInstallation::~AudioFileStorageInstallation() {
-  installedStorage.store(previous_, std::memory_order_release);
+std::shared_ptr<UserAudioFiles> UserAudioFiles::whenNoneIsInstalled() {
+  return std::make_shared<PosixUserAudioFiles>();
 }
 
 }  // namespace platform

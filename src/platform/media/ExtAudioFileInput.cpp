@@ -37,7 +37,7 @@ ExtAudioFileInput::Opened ExtAudioFileInput::openURL(
   if (input->interruption_.isCancelled()) {
     return {.file = nullptr, .status = kCancelledStatus};
   }
-  auto opened = audioFileStorage().openForReading(path);
+  auto opened = userAudioFiles()->openForReading(path);
   if (opened.file == nullptr) {
     return {.file = nullptr,
             .status = audioFileStatus(AudioFileStage::opening, AVERROR(opened.error))};

@@ -71,7 +71,7 @@ ExtAudioFileOutput::~ExtAudioFileOutput() {
 
 AudioStatus ExtAudioFileOutput::start(const std::string& path) {
   const MediaLibraryLog::Scope scope(log_);
-  auto created = audioFileStorage().createForWriting(path);
+  auto created = userAudioFiles()->createForWriting(path);
   if (created.file == nullptr) {
     return keep(AVERROR(created.error));
   }

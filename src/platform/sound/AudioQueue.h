@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/base/AudioTypes.h"
+#include "platform/base/Installed.h"
 
 /// Audio queues: buffers that travel between a program and the sound device. A recorder or player
 /// allocates a few buffers, enqueues them, and is called back on the queue's own thread with each
@@ -136,11 +137,14 @@ class AudioOutputQueue : public AudioQueue {
 [[nodiscard]] AudioStatus completeWorkingFormat(AudioStreamBasicDescription& format);
 
 /// Makes queues. One serves the whole process; it shares one input stream among all input queues.
+/// The application installs those of the real device, a test those of the scripted one; with none
+/// installed every queue is refused with kDeviceUnavailableStatus and a line on standard error.
 ///
 /// Threads: any. Real-time: not safe.
 class AudioQueues {
  public:
   virtual ~AudioQueues() = default;
+  static std::shared_ptr<AudioQueues> whenNoneIsInstalled();
 
   /// Completes a description whose identifying fields are set; kInvalidParameterStatus for one
   /// that is not interleaved float PCM of kWorkingFormat's shape (an all-zero one, say).
@@ -170,20 +174,8 @@ class AudioQueues {
   [[nodiscard]] virtual bool claimDeviceLossAlert() = 0;
 };
 
-/// The installed maker of queues. Installed by the application (the real device) or by a test
-/// (the scripted one); with none installed every newInput and newOutput gives
-/// kDeviceUnavailableStatus.
-std::shared_ptr<AudioQueues> audioQueues();
-
-class AudioQueuesInstallation {
- public:
-  explicit AudioQueuesInstallation(std::shared_ptr<AudioQueues> queues);
-  ~AudioQueuesInstallation();
-  AudioQueuesInstallation(const AudioQueuesInstallation&) = delete;
-  AudioQueuesInstallation& operator=(const AudioQueuesInstallation&) = delete;
-
- private:
-  std::shared_ptr<AudioQueues> previous_;
-};
+inline std::shared_ptr<AudioQueues> audioQueues() {
+  return Installed<AudioQueues>::get();
+}
 
 }  // namespace platform

@@ -42,7 +42,7 @@ class OVLoadJobTest : public testing::Test {
 
   support::InstalledRecordingServices services_;
   support::TestUserAudioFiles storage_;
-  platform::AudioFileStorageInstallation installation_{storage_};
+  platform::Installed<platform::UserAudioFiles>::Scope installation_{storage_};
   std::shared_ptr<OVAudioBufferInterface> buffer_ = OVAudioBuffer::init();
   std::shared_ptr<std::atomic<bool>> cancelled_ = std::make_shared<std::atomic<bool>>(false);
   int writeError_ = 0;

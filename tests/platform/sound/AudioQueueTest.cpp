@@ -18,23 +18,6 @@ TEST(AudioQueueTest, WithNoneInstalledEveryQueueIsRefusedAndThatIsNotReportedTwi
   EXPECT_FALSE(audioQueues()->claimInputFailureAlert());
 }
 
-TEST(AudioQueueTest, InstallationsNest) {
-  const auto before = audioQueues();
-  const auto device = std::make_shared<ScriptedAudioDevice>();
-  {
-    const auto outer = std::make_shared<DeviceAudioQueues>(device);
-    const AudioQueuesInstallation installedOuter(outer);
-    EXPECT_EQ(audioQueues(), outer);
-    {
-      const auto inner = std::make_shared<DeviceAudioQueues>(device);
-      const AudioQueuesInstallation installedInner(inner);
-      EXPECT_EQ(audioQueues(), inner);
-    }
-    EXPECT_EQ(audioQueues(), outer);
-  }
-  EXPECT_EQ(audioQueues(), before);
-}
-
 TEST(AudioQueueTest, CompletingAFormatFillsWhatFollowsFromTheRest) {
   AudioStreamBasicDescription format;
   format.mSampleRate = 44100;

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 
 namespace support {
 
@@ -22,7 +22,7 @@ namespace support {
 /// at first.
 ///
 /// One plan serves all files of one maker, also those that are open already. Files keep the plan
-/// alive and may outlive their maker. Put in with platform::TemporaryFilesInstallation.
+/// alive and may outlive their maker. Put in with platform::Installed.
 ///
 /// Threads: any, also while files are in use.
 class FailingTemporaryFiles : public platform::TemporaryFiles {

@@ -14,7 +14,7 @@ namespace platform {
 ///
 ///     auto device = std::make_shared<ScriptedAudioDevice>();
 ///     auto queues = std::make_shared<DeviceAudioQueues>(device);
-///     AudioQueuesInstallation installation(queues);
+///     Installed<AudioQueues>::Scope installation(queues);
 ///     … make a recorder …
 ///     ASSERT_TRUE(device->awaitInputOpen());
 ///     device->feed(samples);          // whole blocks of 4096 frames reach the recorder

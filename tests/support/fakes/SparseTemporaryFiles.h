@@ -10,7 +10,7 @@
 #include <mutex>
 #include <string>
 
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 
 namespace support {
 
