@@ -71,8 +71,8 @@ class FoldedTemporaryFiles : public platform::TemporaryFiles {
   };
 
   [[nodiscard]] Created folded(Created created) const {
-    if (created.file != nullptr) {
-      created.file = std::make_unique<FoldedFile>(std::move(created.file), kept_);
+    if (created) {
+      created->file = std::make_unique<FoldedFile>(std::move(created->file), kept_);
     }
     return created;
   }

@@ -38,7 +38,7 @@ void Yardstick_BareWrite32KiB(benchmark::State& state) {
   const auto bytes = audio(kRecorderBytes);
   std::uint64_t offset = 0;
   for (auto _ : state) {
-    if (created.file->writeAt(bytes.data(), kRecorderBytes, offset).byteCount != kRecorderBytes) {
+    if (created->file->writeAt(bytes.data(), kRecorderBytes, offset).byteCount != kRecorderBytes) {
       state.SkipWithError("the disk is full");
       break;
     }

@@ -36,12 +36,12 @@ int writePicture(const QImage& picture, const std::string& path) try {
     return ENOMEM;
   }
   const auto replacement = platform::ReplacementFile::beside(path);
-  if (!replacement.file) {
-    return replacement.error;
+  if (!replacement) {
+    return replacement.error();
   }
   const int error =
-      replacement.file->write(encoded.constData(), static_cast<std::uint64_t>(encoded.size()));
-  return error != 0 ? error : replacement.file->commit();
+      replacement->write(encoded.constData(), static_cast<std::uint64_t>(encoded.size()));
+  return error != 0 ? error : replacement->commit();
 } catch (const std::bad_alloc&) {
   return ENOMEM;
 }

@@ -35,12 +35,12 @@ std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
   const auto files = platform::temporaryFiles();
   const std::string pathTemplate = files->directory() + "orvoXXXXXX";
   auto created = files->createUnlinked(pathTemplate.substr(0, kMaxPath));
-  if (created.file == nullptr) {
+  if (!created) {
     tellThatNoTemporaryFileOpens(pathTemplate);
     return nullptr;
   }
   return std::shared_ptr<OVBlockBuffer>(
-      new OVBlockBuffer(std::move(created.file), std::move(created.path)));
+      new OVBlockBuffer(std::move(created->file), std::move(created->path)));
 }
 
 void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,

@@ -43,7 +43,7 @@ int copyTail(platform::File& from, std::uint64_t position, platform::File& to) {
 
 }  // namespace
 
-OVDiskAudioBuffer::OVDiskAudioBuffer(platform::TemporaryFiles::Created created)
+OVDiskAudioBuffer::OVDiskAudioBuffer(platform::TemporaryFile created)
     : format_(platform::kWorkingFormat),
       f_file_(std::move(created.file)),
       f_file_name_(std::move(created.path)),
@@ -56,20 +56,20 @@ OVDiskAudioBuffer::~OVDiskAudioBuffer() {
 
 std::shared_ptr<OVDiskAudioBuffer> OVDiskAudioBuffer::init() {
   auto created = createFile();
-  if (created.file == nullptr) {
+  if (!created) {
     return nullptr;
   }
-  return std::shared_ptr<OVDiskAudioBuffer>(new OVDiskAudioBuffer(std::move(created)));
+  return std::shared_ptr<OVDiskAudioBuffer>(new OVDiskAudioBuffer(*std::move(created)));
 }
 
 // Tells when there is none. Hold no lock.
 platform::TemporaryFiles::Created OVDiskAudioBuffer::createFile() {
   const auto files = platform::temporaryFiles();
   auto created = files->createNamed(files->directory() + "orvo_XXXXXX.flt");
-  if (created.file == nullptr) {
-    tellThatNoTemporaryFileOpens(created.path);
+  if (created) {
+    platform::applicationServices()->registerTempFile(created->path);
   } else {
-    platform::applicationServices()->registerTempFile(created.path);
+    tellThatNoTemporaryFileOpens(created.error().path);
   }
   return created;
 }
@@ -222,21 +222,21 @@ void OVDiskAudioBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
 
 void OVDiskAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
   auto other = createFile();  // becomes the old file below
-  if (other.file == nullptr) {
+  if (!other) {
     return;
   }
   int error = 0;
   {
     const std::lock_guard lock(bufferLock_);
-    error = copyTail(*f_file_, frames * format_.mBytesPerFrame, *other.file);
+    error = copyTail(*f_file_, frames * format_.mBytesPerFrame, *other->file);
     if (error == 0) {
-      std::swap(f_file_, other.file);
-      std::swap(f_file_name_, other.path);
+      std::swap(f_file_, other->file);
+      std::swap(f_file_name_, other->path);
       f_size_.store(f_file_->size(), std::memory_order_relaxed);
     }
   }
-  other.file.reset();
-  removeTempFile(other.path);
+  other->file.reset();
+  removeTempFile(other->path);
   if (error != 0) {
     notifyOfFailedWrite(delegate_.get(), error);
   }

@@ -131,7 +131,7 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
   [[nodiscard]] bool cacheFilling() const { return cacheFilling_; }
 
  private:
-  explicit OVDiskAudioBuffer(platform::TemporaryFiles::Created created);
+  explicit OVDiskAudioBuffer(platform::TemporaryFile created);
 
   [[nodiscard]] static platform::TemporaryFiles::Created createFile();
   [[nodiscard]] BufferReadResult resultOf(void* destination, std::uint64_t byteCount) const;

@@ -27,7 +27,7 @@ class VeryLongDocumentTest : public DocumentTest {
 
   // Silence, with a second of sound from the middle on.
   void makeFile(std::uint64_t frames) {
-    const auto file = storage_.createForWriting("a.wav").file;
+    const auto file = *storage_.createForWriting("a.wav");
     const std::string header = rf64Header(frames * kFileFrameBytes);
     const std::vector<std::int16_t> sound(std::size_t{2} * 44100, 0x4000);
     const char lastByte = 0;

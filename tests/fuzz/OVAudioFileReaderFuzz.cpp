@@ -22,7 +22,7 @@ class OneFile : public platform::UserAudioFiles {
   OneFile(const std::uint8_t* bytes, std::size_t size) : bytes_(bytes), size_(size) {}
 
   [[nodiscard]] Opened openForReading(const std::string&) override {
-    return {.file = std::make_unique<Bytes>(bytes_, size_), .size = size_, .error = 0};
+    return std::make_unique<Bytes>(bytes_, size_);
   }
   [[nodiscard]] Opened createForWriting(const std::string&) override { std::abort(); }
 

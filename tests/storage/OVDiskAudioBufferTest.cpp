@@ -110,9 +110,9 @@ TEST(ADiskAudioBufferOnADisk, ShortensItsFileWithACutAfter) {
 TEST(ADiskAudioBufferOnADisk, DeletesAFileByItsPathAndIgnoresNone) {
   FilesInAFolder files;
   const auto created = files.createNamed(files.directory() + "orvo_XXXXXX.flt");
-  OVDiskAudioBuffer::removeTempFile(created.path);
+  OVDiskAudioBuffer::removeTempFile(created->path);
   EXPECT_THAT(files.names(), IsEmpty());
-  OVDiskAudioBuffer::removeTempFile(created.path);
+  OVDiskAudioBuffer::removeTempFile(created->path);
   OVDiskAudioBuffer::removeTempFile(std::nullopt);
 }
 

@@ -26,7 +26,8 @@ class ATemporaryFileOfABuffer : public testing::Test {
   }
 
   support::FailingTemporaryFiles files_;
-  std::unique_ptr<platform::File> file_ = files_.createUnlinked("/nowhere/aXXXXXX").file;
+  std::unique_ptr<platform::File> file_ =
+      std::move(files_.createUnlinked("/nowhere/aXXXXXX")->file);
 };
 
 TEST_F(ATemporaryFileOfABuffer, IsReadWholeInShortSteps) {

@@ -29,9 +29,9 @@ TemporaryFiles::Created createFrom(const std::string& pathTemplate, std::size_t 
   const int descriptor = ::mkostemps(path.data(), static_cast<int>(extensionLength), O_CLOEXEC);
   if (descriptor < 0) {
     const int error = errno;
-    return {.file = nullptr, .path = path.data(), .error = error};
+    return NoTemporaryFile{.error = error, .path = path.data()};
   }
-  return {.file = std::make_unique<PosixFile>(descriptor), .path = path.data(), .error = 0};
+  return TemporaryFile{.file = std::make_unique<PosixFile>(descriptor), .path = path.data()};
 }
 
 bool isOnDisk(const std::string& directory) {
@@ -57,9 +57,9 @@ class PosixTemporaryFiles : public TemporaryFiles {
 
   [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override {
     Created created = createFrom(pathTemplate, 0);
-    if (created.file != nullptr) {
+    if (created) {
       // A name that could not be removed costs disk space after the end, but no audio: carry on.
-      ::unlink(created.path.c_str());
+      ::unlink(created->path.c_str());
     }
     return created;
   }
@@ -67,7 +67,7 @@ class PosixTemporaryFiles : public TemporaryFiles {
   [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
     const std::size_t placeholders = pathTemplate.rfind(kPlaceholders);
     if (placeholders == std::string::npos) {
-      return {.file = nullptr, .path = pathTemplate, .error = EINVAL};
+      return NoTemporaryFile{.error = EINVAL, .path = pathTemplate};
     }
     return createFrom(pathTemplate, pathTemplate.size() - placeholders - kPlaceholders.size());
   }

@@ -5,9 +5,20 @@
 #include <string>
 
 #include "platform/base/Installed.h"
+#include "platform/base/Result.h"
 #include "platform/files/File.h"
 
 namespace platform {
+
+struct TemporaryFile {
+  std::unique_ptr<File> file;
+  std::string path;  ///< under which it was created
+};
+
+struct NoTemporaryFile {
+  int error = 0;     ///< errno
+  std::string path;  ///< under which it was to be created
+};
 
 /// Makes temporary files, with none installed the operating system's. A test installs one whose
 /// files fail, fill up, or keep no zeros.
@@ -18,11 +29,7 @@ class TemporaryFiles {
   virtual ~TemporaryFiles() = default;
   static std::shared_ptr<TemporaryFiles> whenNoneIsInstalled();
 
-  struct Created {
-    std::unique_ptr<File> file;  ///< null when it failed
-    std::string path;            ///< path under which it was created, or was to be
-    int error = 0;               ///< errno of the failure
-  };
+  using Created = Result<TemporaryFile, NoTemporaryFile>;
 
   /// The user's temporary directory, ending in a separator.
   [[nodiscard]] virtual std::string directory() const = 0;

@@ -63,18 +63,16 @@ class PosixUserAudioFiles : public UserAudioFiles {
     const int descriptor =
         ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kUsualPermissions);
     if (descriptor < 0) {
-      return {.file = nullptr, .size = 0, .error = errno};
+      return errno;
     }
     auto file = std::make_unique<SystemFile>(descriptor);
     struct stat information = {};
     const int error =
         ::fstat(descriptor, &information) != 0 ? errno : errorOfKind(information.st_mode);
     if (error != 0) {
-      return {.file = nullptr, .size = 0, .error = error};
+      return error;
     }
-    return {.file = std::move(file),
-            .size = static_cast<std::uint64_t>(information.st_size),
-            .error = 0};
+    return file;
   }
 };
 

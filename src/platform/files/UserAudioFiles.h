@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
 
 #include "platform/base/Installed.h"
+#include "platform/base/Result.h"
 #include "platform/files/File.h"
 
 namespace platform {
@@ -21,11 +21,7 @@ class UserAudioFiles {
   virtual ~UserAudioFiles() = default;
   static std::shared_ptr<UserAudioFiles> whenNoneIsInstalled();
 
-  struct Opened {
-    std::unique_ptr<File> file;  ///< null when it failed
-    std::uint64_t size = 0;      ///< bytes, at the moment of opening
-    int error = 0;               ///< errno of the failure
-  };
+  using Opened = Result<std::unique_ptr<File>>;
 
   [[nodiscard]] virtual Opened openForReading(const std::string& path) = 0;
 

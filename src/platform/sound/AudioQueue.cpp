@@ -13,14 +13,12 @@ class NoAudioQueues final : public AudioQueues {
   AudioStatus completeFormat(AudioStreamBasicDescription& format) const override {
     return completeWorkingFormat(format);
   }
-  AudioStatus newInput(const AudioStreamBasicDescription&, AudioInputQueue::Callback,
-                       AudioInputQueue::FailureListener,
-                       std::unique_ptr<AudioInputQueue>&) override {
+  NewInput newInput(const AudioStreamBasicDescription&, AudioInputQueue::Callback,
+                    AudioInputQueue::FailureListener) override {
     std::fputs("no sound input\n", stderr);
     return kDeviceUnavailableStatus;
   }
-  AudioStatus newOutput(const AudioStreamBasicDescription&, AudioOutputQueue::Callback,
-                        std::unique_ptr<AudioOutputQueue>&) override {
+  NewOutput newOutput(const AudioStreamBasicDescription&, AudioOutputQueue::Callback) override {
     std::fputs("no sound output\n", stderr);
     return kDeviceUnavailableStatus;
   }

@@ -16,16 +16,15 @@ InputQueueCore::InputQueueCore(AudioInputQueue& owner, AudioInputQueue::Callback
       callback_(std::move(callback)),
       failed_(std::move(failed)) {}
 
-AudioStatus InputQueueCore::allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) {
+Result<AudioQueueBuffer*, AudioStatus> InputQueueCore::allocate(std::uint32_t byteCapacity) {
   const std::lock_guard lock(mutex_);
   if (state_ != State::kCreated) {
     return kInvalidQueueStateStatus;
   }
   if (byteCapacity / kWorkingFormat.mBytesPerFrame > kInputRingFrames / 2) {
-    buffer = nullptr;
     return kInvalidParameterStatus;
   }
-  return buffers_.allocate(byteCapacity, buffer);
+  return buffers_.allocate(byteCapacity);
 }
 
 AudioStatus InputQueueCore::enqueue(AudioQueueBuffer* buffer) {

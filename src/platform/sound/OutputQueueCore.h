@@ -41,7 +41,7 @@ class OutputQueueCore final : public AudioOutputClient,
   /// Opens the stream; waits at most kMaxWait, then says yes.
   [[nodiscard]] AudioStatus open();
 
-  [[nodiscard]] AudioStatus allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer);
+  [[nodiscard]] Result<AudioQueueBuffer*, AudioStatus> allocate(std::uint32_t byteCapacity);
   [[nodiscard]] AudioStatus enqueue(AudioQueueBuffer* buffer);
   [[nodiscard]] AudioStatus start();
   [[nodiscard]] AudioStatus pause();

@@ -28,13 +28,14 @@ class APosixFile : public testing::Test {
  protected:
   void SetUp() override {
     const auto files = platform::TemporaryFiles::whenNoneIsInstalled();
-    created_ = files->createUnlinked(files->directory() + "orvoXXXXXX");
-    ASSERT_NE(created_.file, nullptr);
+    auto created = files->createUnlinked(files->directory() + "orvoXXXXXX");
+    ASSERT_TRUE(created);
+    file_ = std::move(created->file);
   }
 
-  platform::File& file() { return *created_.file; }
+  platform::File& file() { return *file_; }
 
-  platform::TemporaryFiles::Created created_;
+  std::unique_ptr<platform::File> file_;
 };
 
 TEST_F(APosixFile, GivesBackWhatWasWrittenAtEachPosition) {

@@ -31,11 +31,10 @@ class TemporaryDirectory : public testing::Test {
 
 TEST_F(TemporaryDirectory, KeepsNoNameOfAnOpenTemporaryFile) {
   const auto created = files_->createUnlinked(path_ + "orvoXXXXXX");
-  ASSERT_NE(created.file, nullptr);
-  EXPECT_EQ(created.error, 0);
-  EXPECT_TRUE(created.path.starts_with(path_ + "orvo"));
-  EXPECT_NE(created.path, path_ + "orvoXXXXXX");
-  EXPECT_FALSE(std::filesystem::exists(created.path));
+  ASSERT_TRUE(created);
+  EXPECT_TRUE(created->path.starts_with(path_ + "orvo"));
+  EXPECT_NE(created->path, path_ + "orvoXXXXXX");
+  EXPECT_FALSE(std::filesystem::exists(created->path));
   EXPECT_TRUE(std::filesystem::is_empty(path_));
 }
 
@@ -71,50 +70,50 @@ TEST_F(TemporaryDirectory, MakesFilesForTheUserAloneThatNoChildProcessInherits) 
 
 TEST_F(TemporaryDirectory, ThatDoesNotExistGivesNoFile) {
   const auto created = files_->createUnlinked(path_ + "missing/orvoXXXXXX");
-  EXPECT_EQ(created.file, nullptr);
-  EXPECT_EQ(created.error, ENOENT);
+  EXPECT_FALSE(created);
+  EXPECT_EQ(created.error().error, ENOENT);
 }
 
 TEST_F(TemporaryDirectory, TemplateWithoutPlaceholdersGivesNoFile) {
   const auto created = files_->createUnlinked(path_ + "orvoXXX");
-  EXPECT_EQ(created.file, nullptr);
-  EXPECT_EQ(created.error, EINVAL);
+  EXPECT_FALSE(created);
+  EXPECT_EQ(created.error().error, EINVAL);
 }
 
 TEST_F(TemporaryDirectory, KeepsTheNameOfAFileThatIsToHaveOne) {
   const auto created = files_->createNamed(path_ + "orvo_XXXXXX.flt");
-  ASSERT_NE(created.file, nullptr);
-  const std::filesystem::path path(created.path);
+  ASSERT_TRUE(created);
+  const std::filesystem::path path(created->path);
   EXPECT_EQ(path.parent_path().string() + "/", path_);
   EXPECT_TRUE(path.filename().string().starts_with("orvo_"));
   EXPECT_EQ(path.extension(), ".flt");
   EXPECT_EQ(path.filename().string().size(), std::string("orvo_XXXXXX.flt").size());
   struct stat information = {};
-  ASSERT_EQ(::stat(created.path.c_str(), &information), 0);
+  ASSERT_EQ(::stat(created->path.c_str(), &information), 0);
   EXPECT_EQ(information.st_mode & 0777, 0600U);
-  platform::deleteFile(created.path);
+  platform::deleteFile(created->path);
   EXPECT_TRUE(std::filesystem::is_empty(path_));
 }
 
 TEST_F(TemporaryDirectory, GivesEveryNamedFileANameOfItsOwn) {
   std::set<std::string> paths;
   for (int i = 0; i < 50; ++i) {
-    paths.insert(files_->createNamed(path_ + "orvo_XXXXXX.flt").path);
+    paths.insert(files_->createNamed(path_ + "orvo_XXXXXX.flt")->path);
   }
   EXPECT_EQ(paths.size(), 50U);
 }
 
 TEST_F(TemporaryDirectory, ThatDoesNotExistGivesNoNamedFile) {
   const auto created = files_->createNamed(path_ + "missing/orvo_XXXXXX.flt");
-  EXPECT_EQ(created.file, nullptr);
-  EXPECT_EQ(created.error, ENOENT);
-  EXPECT_TRUE(created.path.starts_with(path_ + "missing/orvo_"));
+  EXPECT_FALSE(created);
+  EXPECT_EQ(created.error().error, ENOENT);
+  EXPECT_TRUE(created.error().path.starts_with(path_ + "missing/orvo_"));
 }
 
 TEST_F(TemporaryDirectory, NamedTemplateWithoutPlaceholdersGivesNoFile) {
   const auto created = files_->createNamed(path_ + "orvo.flt");
-  EXPECT_EQ(created.file, nullptr);
-  EXPECT_EQ(created.error, EINVAL);
+  EXPECT_FALSE(created);
+  EXPECT_EQ(created.error().error, EINVAL);
 }
 
 TEST(DeleteFile, IgnoresWhatIsNotThere) {

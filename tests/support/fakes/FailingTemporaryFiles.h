@@ -186,10 +186,10 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
       std::replace(path.begin() + static_cast<std::ptrdiff_t>(placeholders), path.end(), 'X', '0');
     }
     if (plan_->creationError != 0) {
-      return {.file = nullptr, .path = path, .error = plan_->creationError};
+      return platform::NoTemporaryFile{.error = plan_->creationError, .path = path};
     }
     ++plan_->openFiles;
-    return {.file = std::make_unique<MemoryFile>(plan_), .path = path, .error = 0};
+    return platform::TemporaryFile{.file = std::make_unique<MemoryFile>(plan_), .path = path};
   }
 
   template <typename Change>

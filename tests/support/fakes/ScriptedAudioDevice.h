@@ -44,10 +44,8 @@ class ScriptedAudioDevice final : public AudioDevice {
 
   // --- What the queues call.
 
-  [[nodiscard]] std::unique_ptr<AudioInputStream> openInput(AudioInputClient& client,
-                                                            AudioStatus& status) override;
-  [[nodiscard]] std::unique_ptr<AudioOutputStream> openOutput(AudioOutputClient& client,
-                                                              AudioStatus& status) override;
+  [[nodiscard]] Input openInput(AudioInputClient& client) override;
+  [[nodiscard]] Output openOutput(AudioOutputClient& client) override;
   void prepare() override;
 
   // --- Input.
