@@ -11,8 +11,8 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
+#include "storage/BufferTransfer.h"
 #include "storage/DelegateNotification.h"
-#include "storage/WriteBounds.h"
 
 namespace {
 
@@ -51,7 +51,7 @@ std::shared_ptr<OVAudioBuffer> OVAudioBuffer::init() {
 
 void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
+  if (refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   const std::uint64_t end = atByteOffset + withSize;

@@ -7,9 +7,8 @@
 
 #include "platform/base/ApplicationServices.h"
 #include "platform/files/TemporaryFiles.h"
+#include "storage/BufferTransfer.h"
 #include "storage/DelegateNotification.h"
-#include "storage/TemporaryFileAccess.h"
-#include "storage/WriteBounds.h"
 
 namespace {
 
@@ -36,7 +35,7 @@ std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
   const std::string pathTemplate = files->directory() + "orvoXXXXXX";
   auto created = files->createUnlinked(pathTemplate.substr(0, kMaxPath));
   if (!created) {
-    tellThatNoTemporaryFileOpens(pathTemplate);
+    alertThatNoTemporaryFileOpens(pathTemplate);
     return nullptr;
   }
   return std::shared_ptr<OVBlockBuffer>(
@@ -45,7 +44,7 @@ std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
 
 void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
+  if (refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   platform::FileTransfer written;

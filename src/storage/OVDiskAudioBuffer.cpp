@@ -7,9 +7,8 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
+#include "storage/BufferTransfer.h"
 #include "storage/DelegateNotification.h"
-#include "storage/TemporaryFileAccess.h"
-#include "storage/WriteBounds.h"
 
 namespace {
 
@@ -69,14 +68,14 @@ platform::TemporaryFiles::Created OVDiskAudioBuffer::createFile() {
   if (created) {
     platform::applicationServices()->registerTempFile(created->path);
   } else {
-    tellThatNoTemporaryFileOpens(created.error().path);
+    alertThatNoTemporaryFileOpens(created.error().path);
   }
   return created;
 }
 
 void OVDiskAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                                   std::uint32_t withSize) {
-  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
+  if (refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   platform::FileTransfer written;

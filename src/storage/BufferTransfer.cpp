@@ -1,7 +1,9 @@
-#include "storage/TemporaryFileAccess.h"
+#include "storage/BufferTransfer.h"
 
 #include <cerrno>
+#include <cinttypes>
 #include <cstddef>
+#include <limits>
 
 #include "platform/base/ApplicationServices.h"
 #include "platform/files/TemporaryFiles.h"
@@ -35,9 +37,18 @@ void deleteTemporaryFile(const std::optional<std::string>& path) {
   }
 }
 
-void tellThatNoTemporaryFileOpens(const std::string& path) {
+void alertThatNoTemporaryFileOpens(const std::string& path) {
   ShowModalAlert("couldn't open temp file for writing!",
                  "The file " + path +
                      " couldn't be opened for writing. This shouldn't happen! Check your "
                      "permissions.");
+}
+
+bool refuseIfPastAddressSpace(std::uint64_t atByteOffset, std::uint32_t withSize) {
+  if (withSize <= std::numeric_limits<std::uint64_t>::max() - atByteOffset) {
+    return false;
+  }
+  ConsoleLog("refused to write %" PRIu32 " bytes at %" PRIu64 ": past the highest address",
+             withSize, atByteOffset);
+  return true;
 }

@@ -24,7 +24,13 @@
 /// Threads: any. Real-time: not safe.
 void deleteTemporaryFile(const std::optional<std::string>& path);
 
-/// Tells in a modal alert that a temporary file could not be made at a path. Hold no lock.
+/// Shows a modal alert that a temporary file could not be made at a path. Hold no lock.
 ///
 /// Threads: any. Real-time: not safe.
-void tellThatNoTemporaryFileOpens(const std::string& path);
+void alertThatNoTemporaryFileOpens(const std::string& path);
+
+/// Whether a write of so many bytes at a byte offset would end past the highest address; then the
+/// console says that it is refused.
+///
+/// Threads: any. Real-time: not safe.
+[[nodiscard]] bool refuseIfPastAddressSpace(std::uint64_t atByteOffset, std::uint32_t withSize);

@@ -1,10 +1,12 @@
-#include "storage/TemporaryFileAccess.h"
+#include "storage/BufferTransfer.h"
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +16,9 @@
 #include "support/fakes/RecordingServices.h"
 
 namespace {
+
+constexpr auto kHighest = std::numeric_limits<std::uint64_t>::max();
+constexpr auto kMaxWrite = std::numeric_limits<std::uint32_t>::max();
 
 class ATemporaryFileOfABuffer : public testing::Test {
  protected:
@@ -68,7 +73,7 @@ TEST(AnErrorOfATransfer, IsTheReasonOrAFailureOfTheMedium) {
 
 TEST(ATemporaryFileThatCannotBeMade, IsToldWithItsPath) {
   const support::InstalledRecordingServices services;
-  tellThatNoTemporaryFileOpens("/nowhere/a");
+  alertThatNoTemporaryFileOpens("/nowhere/a");
   EXPECT_THAT(services->alerts(),
               testing::ElementsAre(support::RecordedAlert{
                   "couldn't open temp file for writing!",
@@ -84,6 +89,26 @@ TEST(ATemporaryFileOnADisk, IsDeletedByItsPathAndNoneIsIgnored) {
   EXPECT_FALSE(std::filesystem::exists(path));
   deleteTemporaryFile(path);
   deleteTemporaryFile(std::nullopt);
+}
+
+TEST(AWrite, MayEndAtTheHighestAddress) {
+  const support::InstalledRecordingServices services;
+  EXPECT_FALSE(refuseIfPastAddressSpace(0, 0));
+  EXPECT_FALSE(refuseIfPastAddressSpace(kHighest, 0));
+  EXPECT_FALSE(refuseIfPastAddressSpace(kHighest - 16, 16));
+  EXPECT_FALSE(refuseIfPastAddressSpace(kHighest - kMaxWrite, kMaxWrite));
+  EXPECT_THAT(services->consoleLines(), testing::IsEmpty());
+}
+
+TEST(AWrite, ThatWouldPassTheHighestAddressIsRefusedOnTheConsole) {
+  const support::InstalledRecordingServices services;
+  EXPECT_TRUE(refuseIfPastAddressSpace(kHighest - 15, 16));
+  EXPECT_TRUE(refuseIfPastAddressSpace(kHighest, kMaxWrite));
+  EXPECT_THAT(services->consoleLines(),
+              testing::ElementsAre(
+                  "refused to write 16 bytes at 18446744073709551600: past the highest address",
+                  "refused to write 4294967295 bytes at 18446744073709551615: past the highest "
+                  "address"));
 }
 
 }  // namespace
