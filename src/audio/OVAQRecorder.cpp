@@ -11,7 +11,6 @@
 namespace {
 
 constexpr int kQueueBufferCount = 3;
-constexpr std::uint32_t kFramesPerQueueBuffer = 4096;  // 92.9 ms at 44100 Hz
 constexpr const char* kSupportMailAddress = "support@orvo.example";
 
 }  // namespace
@@ -46,7 +45,8 @@ bool OVAQRecorder::initAudioQueue() {
       return false;
     }
   }
-  if (!makeQueue(format) || !enqueueBuffers(format.mBytesPerFrame * kFramesPerQueueBuffer)) {
+  if (!makeQueue(format) ||
+      !enqueueBuffers(format.mBytesPerFrame * platform::kRecordingChunkFrames)) {
     return false;
   }
   if (!CheckAudioStatus(queue_->streamDescription(format), "couldn't get stream description")) {

@@ -18,9 +18,9 @@ namespace {
 
 constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 
-// Ten seconds, in bytes: 3528000.
-constexpr auto kInitialCapacity = static_cast<std::uint64_t>(
-    platform::kWorkingFormat.mBytesPerFrame * platform::kWorkingFormat.mSampleRate * 10.0);
+// Ten seconds, in bytes.
+constexpr std::uint64_t kInitialCapacity =
+    10 * platform::kWorkingRate * platform::kWorkingFrameBytes;
 
 // The capacity that exceeds `end`, grown by half again and again; 0 when there is none.
 std::uint64_t capacityBeyond(std::uint64_t capacity, std::uint64_t end) {

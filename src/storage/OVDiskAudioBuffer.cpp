@@ -14,9 +14,6 @@ namespace {
 
 constexpr std::uint64_t kCopiedAtOnce = std::uint64_t{1} << 20;  // bytes; memory, not a measure
 
-static_assert(static_cast<double>(OVDiskAudioBuffer::kCacheCapacity) ==
-              platform::kWorkingFormat.mBytesPerFrame * platform::kWorkingFormat.mSampleRate * 10);
-
 // Copies what lies from a position on to the start of another file. The errno of a failure.
 int copyTail(platform::File& from, std::uint64_t position, platform::File& to) {
   const std::uint64_t end = from.size();

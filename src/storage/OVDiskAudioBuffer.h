@@ -42,7 +42,8 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
                           public std::enable_shared_from_this<OVDiskAudioBuffer> {
  public:
   /// Ten seconds, in bytes.
-  static constexpr std::uint64_t kCacheCapacity = 3528000;
+  static constexpr std::uint64_t kCacheCapacity =
+      10 * platform::kWorkingRate * platform::kWorkingFrameBytes;
   /// A cut before a position that would keep fewer bytes keeps none: the audio that stays is
   /// thought of as 512 chunks of whole bytes, and with less than that a chunk has none.
   static constexpr std::uint64_t kSmallestKept = 512;

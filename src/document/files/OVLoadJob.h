@@ -15,9 +15,9 @@ class OVAudioFileReader;
 class OVLoadJob {
  public:
   /// Frames read and written at a time: six seconds.
-  static constexpr std::uint64_t kChunkFrames = 264600;
+  static constexpr std::uint64_t kChunkFrames = platform::kFileChunkFrames;
   /// Bytes of a frame as the reader delivers it: two channels of four bytes, whatever the buffer.
-  static constexpr std::uint64_t kReaderFrameBytes = 8;
+  static constexpr std::uint64_t kReaderFrameBytes = platform::kWorkingFrameBytes;
 
   struct Request {
     std::shared_ptr<OVAudioBufferInterface> buffer;

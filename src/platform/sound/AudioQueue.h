@@ -20,9 +20,8 @@
 /// counted and told on the diagnostics console.
 namespace platform {
 
-/// Frames that the ring of one input queue holds while the queue's thread is held up: 64 buffers
-/// of 4096 frames, nearly 6 s.
-inline constexpr std::uint32_t kInputRingFrames = 64 * 4096;
+/// Frames that the ring of one input queue holds while the queue's thread is held up: nearly 6 s.
+inline constexpr std::uint32_t kInputRingFrames = 64 * kRecordingChunkFrames;
 
 /// One buffer of a queue. The queue owns it; the pointer is valid until the queue is disposed of.
 struct AudioQueueBuffer {

@@ -21,7 +21,7 @@ Result<AudioQueueBuffer*, AudioStatus> InputQueueCore::allocate(std::uint32_t by
   if (state_ != State::kCreated) {
     return kInvalidQueueStateStatus;
   }
-  if (byteCapacity / kWorkingFormat.mBytesPerFrame > kInputRingFrames / 2) {
+  if (byteCapacity / kWorkingFrameBytes > kInputRingFrames / 2) {
     return kInvalidParameterStatus;
   }
   return buffers_.allocate(byteCapacity);
@@ -185,7 +185,7 @@ bool InputQueueCore::deliverOne() {
   }
   tellLoss(lost);
   levels_.measure(reinterpret_cast<const float*>(buffer->mAudioData),
-                  buffer->mAudioDataByteSize / kWorkingFormat.mBytesPerFrame);
+                  buffer->mAudioDataByteSize / kWorkingFrameBytes);
   if (callback_) {
     callback_(owner_, *buffer);
   }
@@ -198,7 +198,7 @@ bool InputQueueCore::deliverOne() {
 }
 
 void InputQueueCore::fill(AudioQueueBuffer& buffer) {
-  const std::uint32_t bytes = consumer_->front()->frames() * kWorkingFormat.mBytesPerFrame;
+  const std::uint32_t bytes = consumer_->front()->frames() * kWorkingFrameBytes;
   std::memcpy(buffer.mAudioData, consumer_->frontSamples(), bytes);
   buffer.mAudioDataByteSize = bytes;
   buffer.mPacketDescriptionCount = 0;

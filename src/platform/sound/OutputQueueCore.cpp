@@ -366,7 +366,7 @@ void OutputQueueCore::returnTaken() {
       return;
     }
     levels_.measure(reinterpret_cast<const float*>(buffer->mAudioData),
-                    buffer->mAudioDataByteSize / kWorkingFormat.mBytesPerFrame);
+                    buffer->mAudioDataByteSize / kWorkingFrameBytes);
     {
       const std::lock_guard lock(mutex_);
       buffers_.markReturned(buffer);

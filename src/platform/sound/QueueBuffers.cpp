@@ -6,7 +6,7 @@
 namespace platform {
 
 Result<AudioQueueBuffer*, AudioStatus> QueueBuffers::allocate(std::uint32_t byteCapacity) {
-  if (byteCapacity == 0 || byteCapacity % kWorkingFormat.mBytesPerFrame != 0 ||
+  if (byteCapacity == 0 || byteCapacity % kWorkingFrameBytes != 0 ||
       buffers_.size() == kMaxBuffers) {
     return kInvalidParameterStatus;
   }
@@ -46,7 +46,7 @@ std::uint32_t QueueBuffers::smallestFrames() const {
     const std::uint32_t capacity = owned->buffer.mAudioDataBytesCapacity;
     bytes = bytes == 0 ? capacity : std::min(bytes, capacity);
   }
-  return bytes / kWorkingFormat.mBytesPerFrame;
+  return bytes / kWorkingFrameBytes;
 }
 
 }  // namespace platform
