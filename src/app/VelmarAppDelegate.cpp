@@ -39,7 +39,7 @@ void VelmarAppDelegate::awakeFromNib() {
 }
 
 void VelmarAppDelegate::applicationWillFinishLaunching() {
-  const std::lock_guard lock(tempfilesMutex_);
+  const platform::MutexLock lock(tempfilesMutex_);
   tempfiles_.clear();
   tempfiles_.reserve(kTempfilesCapacity);
   spawn_rec_ = true;
@@ -227,12 +227,12 @@ void VelmarAppDelegate::applicationWillTerminate() {
 // Temporary files -------------------------------------------------------------------------------
 
 void VelmarAppDelegate::registerTempFile(const std::string& path) {
-  const std::lock_guard lock(tempfilesMutex_);
+  const platform::MutexLock lock(tempfilesMutex_);
   tempfiles_.push_back(path);
 }
 
 std::vector<std::string> VelmarAppDelegate::tempfiles() const {
-  const std::lock_guard lock(tempfilesMutex_);
+  const platform::MutexLock lock(tempfilesMutex_);
   return tempfiles_;
 }
 

@@ -3,9 +3,9 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <vector>
 
+#include "platform/base/Mutex.h"
 #include "platform/sound/realtime/RealTimeGracePeriod.h"
 
 namespace platform {
@@ -44,15 +44,15 @@ class InputFanOut {
  private:
   using Sinks = std::vector<InputSink*>;
 
-  void publish(std::unique_ptr<const Sinks> sinks);
+  void publish(std::unique_ptr<const Sinks> sinks) REQUIRES(mutex_);
 
   RealTimeGracePeriod section_;
 
   // What the real-time thread reads; points to *owned_. Only writer: publish().
   std::atomic<const Sinks*> current_;
 
-  std::mutex mutex_;
-  std::unique_ptr<const Sinks> owned_;  // guarded by mutex_
+  Mutex mutex_;
+  std::unique_ptr<const Sinks> owned_ GUARDED_BY(mutex_);
 };
 
 }  // namespace platform
