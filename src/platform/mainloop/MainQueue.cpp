@@ -1,6 +1,5 @@
 #include <deque>
 #include <optional>
-#include <thread>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -12,9 +11,6 @@
 
 namespace platform {
 namespace {
-
-// Static initialisation runs on the main thread.
-const std::thread::id kMainThread = std::this_thread::get_id();
 
 // The fate of a block that another thread waits for.
 struct Waiting {
@@ -122,6 +118,7 @@ void MainQueue::sync(const std::function<void()>& block) {
 }
 
 void MainQueue::shutDown() {
+  assertMainThread();
   std::deque<Item> dropped;
   {
     const MutexLock lock(state_->mutex);
@@ -146,9 +143,5 @@ namespace {
 [[maybe_unused]] const MainQueue& kMadeAtStart = mainQueue();
 
 }  // namespace
-
-bool isMainThread() {
-  return std::this_thread::get_id() == kMainThread;
-}
 
 }  // namespace platform
