@@ -18,12 +18,12 @@ void onAnotherThread(void (*operation)()) {
   std::thread(operation).join();
 }
 
-TEST(MainThread, IsTheOneThatRunsMain) {
+TEST(MainThreadTest, IsTheOneThatRunsMain) {
   EXPECT_TRUE(isMainThread());
   EXPECT_FALSE(std::async(std::launch::async, isMainThread).get());
 }
 
-TEST(MainThread, LetsItsOwnOperationsPass) {
+TEST(MainThreadTest, LetsItsOwnOperationsPass) {
   onlyOnTheMainThread();
 }
 

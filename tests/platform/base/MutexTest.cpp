@@ -16,7 +16,7 @@ struct Counter {
   int value GUARDED_BY(mutex) = 0;
 };
 
-TEST(Mutex, LetsOneThreadAtATimeChangeWhatItGuards) {
+TEST(MutexTest, LetsOneThreadAtATimeChangeWhatItGuards) {
   Counter counter;
   std::vector<std::jthread> threads;
   for (int thread = 0; thread < 4; ++thread) {
@@ -32,7 +32,7 @@ TEST(Mutex, LetsOneThreadAtATimeChangeWhatItGuards) {
   EXPECT_EQ(counter.value, 40000);
 }
 
-TEST(MutexLock, LetsOthersInAfterItsUnlock) {
+TEST(MutexTest, ALockThatIsGivenUpEarlyLetsOthersIn) {
   Counter counter;
   MutexLock lock(counter.mutex);
   lock.unlock();
@@ -44,7 +44,7 @@ TEST(MutexLock, LetsOthersInAfterItsUnlock) {
   EXPECT_EQ(counter.value, 1);
 }
 
-TEST(Condition, EndsAWaitWhenAnotherThreadNotifies) {
+TEST(MutexTest, AConditionEndsAWaitWhenAnotherThreadNotifies) {
   Counter counter;
   const std::jthread setter([&counter] {
     const MutexLock lock(counter.mutex);
@@ -58,7 +58,7 @@ TEST(Condition, EndsAWaitWhenAnotherThreadNotifies) {
   EXPECT_EQ(counter.value, 1);
 }
 
-TEST(Condition, HoldsTheLockWhenTheDeadlineHasPassed) {
+TEST(MutexTest, AConditionHoldsTheLockWhenTheDeadlineHasPassed) {
   Counter counter;
   MutexLock lock(counter.mutex);
   EXPECT_FALSE(counter.changed.waitUntil(counter.mutex, std::chrono::steady_clock::now()));

@@ -10,7 +10,7 @@
 namespace platform::test {
 namespace {
 
-TEST(RealTimeGracePeriod, NobodyWaitsWhileTheRealTimeThreadIsOutside) {
+TEST(RealTimeGracePeriodTest, NobodyWaitsWhileTheRealTimeThreadIsOutside) {
   RealTimeGracePeriod period;
   period.waitUntilLeft();
   period.enter();
@@ -18,7 +18,7 @@ TEST(RealTimeGracePeriod, NobodyWaitsWhileTheRealTimeThreadIsOutside) {
   period.waitUntilLeft();
 }
 
-TEST(RealTimeGracePeriod, AWaitEndsAfterTheSectionAndNotBefore) {
+TEST(RealTimeGracePeriodTest, AWaitEndsAfterTheSectionAndNotBefore) {
   for (int round = 0; round < 100; ++round) {
     RealTimeGracePeriod period;
     std::promise<void> entered;
@@ -43,7 +43,7 @@ TEST(RealTimeGracePeriod, AWaitEndsAfterTheSectionAndNotBefore) {
   }
 }
 
-TEST(RealTimeGracePeriod, AWaitEndsThoughTheRealTimeThreadKeepsComingBack) {
+TEST(RealTimeGracePeriodTest, AWaitEndsThoughTheRealTimeThreadKeepsComingBack) {
   RealTimeGracePeriod period;
   std::atomic<bool> done{false};
   const std::jthread realTime([&] {
@@ -64,7 +64,7 @@ struct Pair {
   int right = 0;
 };
 
-TEST(RealTimeGracePeriod, WhatWasReplacedBeforeTheWaitIsNotLookedAtAfterIt) {
+TEST(RealTimeGracePeriodTest, WhatWasReplacedBeforeTheWaitIsNotLookedAtAfterIt) {
   RealTimeGracePeriod period;
   auto owned = std::make_unique<Pair>();
   std::atomic<const Pair*> current{owned.get()};

@@ -17,7 +17,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 template <typename Tested>
-class ASemaphore : public ::testing::Test {};
+class SemaphoreTest : public ::testing::Test {};
 
 struct Names {
   template <typename Tested>
@@ -27,9 +27,9 @@ struct Names {
 };
 
 using Tested = ::testing::Types<Semaphore, ConditionSemaphore>;
-TYPED_TEST_SUITE(ASemaphore, Tested, Names);
+TYPED_TEST_SUITE(SemaphoreTest, Tested, Names);
 
-TYPED_TEST(ASemaphore, EveryPostIsTakenOnce) {
+TYPED_TEST(SemaphoreTest, EveryPostIsTakenOnce) {
   TypeParam semaphore;
   EXPECT_FALSE(semaphore.tryWait());
   semaphore.post();
@@ -41,7 +41,7 @@ TYPED_TEST(ASemaphore, EveryPostIsTakenOnce) {
   EXPECT_FALSE(semaphore.tryWait());
 }
 
-TYPED_TEST(ASemaphore, APostIsTakenThoughTheDeadlineHasPassed) {
+TYPED_TEST(SemaphoreTest, APostIsTakenThoughTheDeadlineHasPassed) {
   TypeParam semaphore;
   semaphore.post();
   EXPECT_TRUE(semaphore.waitUntil(Clock::now() - std::chrono::hours(1)));
@@ -49,7 +49,7 @@ TYPED_TEST(ASemaphore, APostIsTakenThoughTheDeadlineHasPassed) {
   EXPECT_FALSE(semaphore.waitUntil(Clock::time_point::min()));
 }
 
-TYPED_TEST(ASemaphore, AWaitWithoutAPostEndsAtItsDeadlineAndNotBefore) {
+TYPED_TEST(SemaphoreTest, AWaitWithoutAPostEndsAtItsDeadlineAndNotBefore) {
   TypeParam semaphore;
   const auto deadline = Clock::now() + std::chrono::milliseconds(2);
   EXPECT_FALSE(semaphore.waitUntil(deadline));
@@ -59,13 +59,13 @@ TYPED_TEST(ASemaphore, AWaitWithoutAPostEndsAtItsDeadlineAndNotBefore) {
   EXPECT_FALSE(semaphore.tryWait());
 }
 
-TYPED_TEST(ASemaphore, AWaitThatMayLastForeverEndsWithThePost) {
+TYPED_TEST(SemaphoreTest, AWaitThatMayLastForeverEndsWithThePost) {
   TypeParam semaphore;
   const std::jthread poster([&semaphore] { semaphore.post(); });
   EXPECT_TRUE(semaphore.waitUntil(Clock::time_point::max()));
 }
 
-TYPED_TEST(ASemaphore, WhatWasDoneBeforeAPostIsSeenAfterTheWait) {
+TYPED_TEST(SemaphoreTest, WhatWasDoneBeforeAPostIsSeenAfterTheWait) {
   TypeParam asked;
   TypeParam answered;
   int value = 0;  // no atomic: the semaphores alone order it
@@ -86,7 +86,7 @@ TYPED_TEST(ASemaphore, WhatWasDoneBeforeAPostIsSeenAfterTheWait) {
   EXPECT_EQ(wrong, 0);
 }
 
-TYPED_TEST(ASemaphore, ManyWaitersTakeAsManyPostsAsThereWere) {
+TYPED_TEST(SemaphoreTest, ManyWaitersTakeAsManyPostsAsThereWere) {
   constexpr int kThreads = 4;
   constexpr int kPosts = 2000;  // of each thread
   TypeParam semaphore;
@@ -111,7 +111,7 @@ TYPED_TEST(ASemaphore, ManyWaitersTakeAsManyPostsAsThereWere) {
   EXPECT_FALSE(semaphore.tryWait());
 }
 
-TYPED_TEST(ASemaphore, PostsAndDeadlinesThatComeTogetherLoseNoPost) {
+TYPED_TEST(SemaphoreTest, PostsAndDeadlinesThatComeTogetherLoseNoPost) {
   constexpr int kPosts = 2000;
   TypeParam semaphore;
   const std::jthread poster([&semaphore] {
@@ -126,7 +126,7 @@ TYPED_TEST(ASemaphore, PostsAndDeadlinesThatComeTogetherLoseNoPost) {
   EXPECT_FALSE(semaphore.tryWait());
 }
 
-TYPED_TEST(ASemaphore, MayGoAsSoonAsItsLastPostIsTaken) {
+TYPED_TEST(SemaphoreTest, MayGoAsSoonAsItsLastPostIsTaken) {
   for (int round = 0; round < 500; ++round) {
     auto semaphore = std::make_unique<TypeParam>();
     const std::jthread poster([posted = semaphore.get()] { posted->post(); });

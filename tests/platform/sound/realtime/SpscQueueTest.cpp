@@ -8,14 +8,14 @@
 namespace platform::test {
 namespace {
 
-TEST(SpscQueue, AnEmptyQueueGivesNothingAndLeavesTheValueAlone) {
+TEST(SpscQueueTest, AnEmptyQueueGivesNothingAndLeavesTheValueAlone) {
   SpscQueue<int, 2> queue;
   int value = 7;
   EXPECT_FALSE(queue.pop(value));
   EXPECT_EQ(value, 7);
 }
 
-TEST(SpscQueue, ValuesComeOutInTheOrderInWhichTheyWentIn) {
+TEST(SpscQueueTest, ValuesComeOutInTheOrderInWhichTheyWentIn) {
   SpscQueue<int, 3> queue;
   for (int value = 1; value <= 3; ++value) {
     EXPECT_TRUE(queue.push(value));
@@ -28,7 +28,7 @@ TEST(SpscQueue, ValuesComeOutInTheOrderInWhichTheyWentIn) {
   EXPECT_FALSE(queue.pop(out));
 }
 
-TEST(SpscQueue, AFullQueueRefusesAValueUntilOneIsTaken) {
+TEST(SpscQueueTest, AFullQueueRefusesAValueUntilOneIsTaken) {
   SpscQueue<int, 2> queue;
   EXPECT_TRUE(queue.push(1));
   EXPECT_TRUE(queue.push(2));
@@ -43,7 +43,7 @@ TEST(SpscQueue, AFullQueueRefusesAValueUntilOneIsTaken) {
   EXPECT_EQ(out, 4) << "the refused value must not have gone in";
 }
 
-TEST(SpscQueue, KeepsItsOrderManyTimesRound) {
+TEST(SpscQueueTest, KeepsItsOrderManyTimesRound) {
   SpscQueue<int, 3> queue;
   int out = 0;
   for (int value = 0; value < 1000; ++value) {
@@ -68,7 +68,7 @@ struct Wide {
   }
 };
 
-TEST(SpscQueue, TwoThreadsNeverShowATornLostOrRepeatedValue) {
+TEST(SpscQueueTest, TwoThreadsNeverShowATornLostOrRepeatedValue) {
   constexpr std::uint64_t kValues = 100000;
   SpscQueue<Wide, 5> queue;
   const std::jthread producer([&queue] {
