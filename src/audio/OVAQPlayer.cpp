@@ -77,7 +77,7 @@ void OVAQPlayer::play() {
     return;
   }
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     isPaused_ = false;
     isPlaying_.store(true, std::memory_order_release);
   }
@@ -97,7 +97,7 @@ void OVAQPlayer::pause() {
   }
   const auto status = queue_->pause();
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     isPaused_ = true;
     isPlaying_.store(false, std::memory_order_release);
   }
@@ -112,7 +112,7 @@ void OVAQPlayer::stop() {
   const auto status = queue_->stopImmediately();
   isDone_.store(true, std::memory_order_release);
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     isPlaying_.store(false, std::memory_order_release);
   }
   static_cast<void>(queue_->dispose());
@@ -162,7 +162,7 @@ void OVAQPlayer::runningChanged(platform::AudioOutputQueue& queue) {
     running = 0;
   }
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     isPlaying_.store((running & 0xffU) != 0 && !isPaused_, std::memory_order_release);
   }
   if (running != 0) {
@@ -185,7 +185,7 @@ void OVAQPlayer::postStoppedPlayback() {
 
 void OVAQPlayer::deviceFailed(platform::AudioStatus status, const std::string& label) {
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     isPlaying_.store(false, std::memory_order_release);
   }
   auto none = platform::kAudioStatusOk;

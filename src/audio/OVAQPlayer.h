@@ -3,7 +3,6 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -13,6 +12,7 @@
 #include "audio/OVAQPlayerDelegate.h"
 #include "platform/base/AudioTypes.h"
 #include "platform/base/GuardedPointer.h"
+#include "platform/base/Mutex.h"
 #include "platform/sound/AudioQueue.h"
 #include "storage/OVAudioBufferInterface.h"
 
@@ -127,7 +127,7 @@ class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
   platform::GuardedPointer<std::shared_ptr<OVAudioBufferInterface>> buffer_;
   platform::GuardedPointer<std::weak_ptr<OVAQPlayerDelegate>> delegate_;
 
-  mutable std::mutex mutex_;  // guards everything below, and the writes of isPlaying_
+  mutable platform::Mutex mutex_;  // also for the writes of isPlaying_
   // Set by pause(): a report of the running state that was on its way must not undo it.
-  bool isPaused_ = false;
+  bool isPaused_ GUARDED_BY(mutex_) = false;
 };

@@ -102,7 +102,7 @@ void OVAQRecorder::record() {
     return;
   }
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     span_ = Span{.after = queue_->capturedFrames()};
     writingStopped_ = false;
   }
@@ -118,7 +118,7 @@ void OVAQRecorder::pause() {
     // within the span's new end and is waited for, every later one is judged by that end.
     std::uint64_t pressed = 0;
     {
-      const std::lock_guard lock(mutex_);
+      const platform::MutexLock lock(mutex_);
       pressed = queue_->capturedFrames();
       span_.until = pressed;
     }
@@ -178,12 +178,12 @@ void OVAQRecorder::write(OVAudioBufferInterface& destination,
 }
 
 bool OVAQRecorder::isWanted(const platform::AudioQueueBuffer& captured) const {
-  const std::lock_guard lock(mutex_);
+  const platform::MutexLock lock(mutex_);
   return !writingStopped_ && captured.endFrame > span_.after && captured.endFrame <= span_.until;
 }
 
 void OVAQRecorder::stopWriting() {
-  const std::lock_guard lock(mutex_);
+  const platform::MutexLock lock(mutex_);
   writingStopped_ = true;
 }
 
@@ -191,7 +191,7 @@ void OVAQRecorder::deviceFailed(platform::AudioStatus status) {
   static_cast<void>(checkDevice(status, "AudioQueueStart failed"));
   FailureHandler handler;
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     failure_ = status;
     handler = std::exchange(failureHandler_, nullptr);
   }
@@ -203,7 +203,7 @@ void OVAQRecorder::deviceFailed(platform::AudioStatus status) {
 void OVAQRecorder::setFailureHandler(FailureHandler handler) {
   platform::AudioStatus failed = platform::kAudioStatusOk;
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     failed = failure_;
     if (failed == platform::kAudioStatusOk) {
       failureHandler_ = std::exchange(handler, nullptr);
@@ -215,6 +215,6 @@ void OVAQRecorder::setFailureHandler(FailureHandler handler) {
 }
 
 platform::AudioStatus OVAQRecorder::failure() const {
-  const std::lock_guard lock(mutex_);
+  const platform::MutexLock lock(mutex_);
   return failure_;
 }

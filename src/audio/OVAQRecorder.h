@@ -5,7 +5,6 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -14,6 +13,7 @@
 #include "audio/ChannelLevels.h"
 #include "platform/base/AudioTypes.h"
 #include "platform/base/GuardedPointer.h"
+#include "platform/base/Mutex.h"
 #include "platform/sound/AudioQueue.h"
 #include "storage/OVAudioBufferInterface.h"
 
@@ -139,9 +139,9 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
 
   platform::GuardedPointer<std::shared_ptr<OVAudioBufferInterface>> buffer_;
 
-  mutable std::mutex mutex_;  // guards everything below
-  Span span_;
-  bool writingStopped_ = false;
-  platform::AudioStatus failure_ = platform::kAudioStatusOk;
-  FailureHandler failureHandler_;
+  mutable platform::Mutex mutex_;
+  Span span_ GUARDED_BY(mutex_);
+  bool writingStopped_ GUARDED_BY(mutex_) = false;
+  platform::AudioStatus failure_ GUARDED_BY(mutex_) = platform::kAudioStatusOk;
+  FailureHandler failureHandler_ GUARDED_BY(mutex_);
 };

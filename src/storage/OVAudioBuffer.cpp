@@ -57,7 +57,7 @@ void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
   const std::uint64_t end = atByteOffset + withSize;
   bool hasRoom = true;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     hasRoom = end < bufferCapacity_ || growBeyond(end);
     if (hasRoom && withSize > 0) {
       std::memcpy(sampleBuffer_.data() + atByteOffset, data, withSize);
@@ -89,7 +89,7 @@ BufferReadResult OVAudioBuffer::readDataInto(void* destination, std::uint64_t wi
   if (fillSize == 0 || fromOffset >= fillSize) {
     return {};
   }
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   const std::uint64_t count = readableFrom(fromOffset, withSize);
   if (count == 0) {
     return {};
@@ -129,7 +129,7 @@ std::uint64_t OVAudioBuffer::bufferFillSizeInFrames() const {
 }
 
 void OVAudioBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   const std::uint64_t position = frames * format_.mBytesPerFrame;
   if (position > bufferCapacity_) {
     return;
@@ -141,7 +141,7 @@ void OVAudioBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
 }
 
 void OVAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   const std::uint64_t position = frames * format_.mBytesPerFrame;
   if (position >= bufferCapacity_) {
     return;
@@ -152,7 +152,7 @@ void OVAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
 }
 
 void OVAudioBuffer::reverseBuffer() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   constexpr std::size_t kSample = sizeof(std::uint32_t);  // whatever its bits mean
   const std::uint64_t length = std::min<std::uint64_t>(bufferFillSize_, sampleBuffer_.size());
   std::byte* const samples = sampleBuffer_.data();
@@ -166,7 +166,7 @@ void OVAudioBuffer::reverseBuffer() {
 void OVAudioBuffer::setWaypoint() {
   bool copied = false;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     copied = makeCopy();
   }
   if (!copied) {
@@ -200,7 +200,7 @@ void OVAudioBuffer::redo() {
 }
 
 void OVAudioBuffer::exchangeWithCopy() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   if (tmpBuffer_ == nullptr) {
     return;
   }

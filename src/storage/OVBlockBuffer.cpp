@@ -50,14 +50,14 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
   platform::FileTransfer written;
   std::uint64_t blocksAdded = 0;
   {
-    const std::lock_guard appending(appendLock_);
+    const platform::MutexLock appending(appendLock_);
     written = f_file_->writeAt(data, withSize, f_write_pos_);
     if (written.byteCount < withSize) {
       // Silence takes no room: reads go on behind the lost stretch. Where the file cannot be made
       // longer either, they end in it until a later write has done that.
       static_cast<void>(f_file_->setSize(f_write_pos_ + withSize));
     }
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     blocksAdded = mapAppended(atByteOffset, withSize);
   }
   if (blocksAdded >= kWritesBetweenOptimizing) {
@@ -89,7 +89,7 @@ BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t wi
   }
   std::vector<Stretch> wanted;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     wanted = stretches(fromOffset, withSize);
   }
   auto* const bytes = static_cast<std::byte*>(destination);
@@ -148,7 +148,7 @@ BlockLocation OVBlockBuffer::getFileOffsetForLinearAddress(std::uint64_t address
 }
 
 void OVBlockBuffer::optimize() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   blocklist_.mergeNeighbours();
   blocksAddedSinceOptimization_ = 0;
 }
@@ -166,7 +166,7 @@ std::uint64_t OVBlockBuffer::bufferFillSizeInFrames() const {
 }
 
 void OVBlockBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   const std::uint64_t position = frames * format_.mBytesPerFrame;
   blocklist_.cutAfter(position);
   bufferFillSize_.store(position, std::memory_order_relaxed);
@@ -174,7 +174,7 @@ void OVBlockBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
 }
 
 void OVBlockBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   const std::uint64_t position = frames * format_.mBytesPerFrame;
   blocklist_.cutBefore(position);
   bufferFillSize_.store(bufferFillSize() - position, std::memory_order_relaxed);
@@ -184,14 +184,14 @@ void OVBlockBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
 void OVBlockBuffer::reverseBuffer() {}
 
 void OVBlockBuffer::setWaypoint() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   waypointStack_.insert(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_),
                         OVBufferState::initWithBlocklist(blocklist_, bufferFillSize()));
   ++waypointPos_;
 }
 
 void OVBlockBuffer::undo() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   redoState_ = OVBufferState::initWithBlocklist(blocklist_, bufferFillSize());
   prevWaypointPos_ = waypointPos_;
   if (waypointPos_ > 0) {
@@ -201,14 +201,14 @@ void OVBlockBuffer::undo() {
 }
 
 void OVBlockBuffer::redo() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   if (const auto state = std::exchange(redoState_, nullptr)) {
     restore(*state);
   }
 }
 
 void OVBlockBuffer::rollBack() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   restore(*waypointStack_.at(waypointPos_ - 1));
   --waypointPos_;
   waypointStack_.erase(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_));
@@ -235,7 +235,7 @@ void OVBlockBuffer::unlock() {
 double OVBlockBuffer::powerAtPosition(std::uint64_t position) {
   BlockLocation location;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     location = getFileOffsetForLinearAddress(position * format_.mBytesPerFrame);
   }
   if (location.bytesAvailable < format_.mBytesPerFrame) {

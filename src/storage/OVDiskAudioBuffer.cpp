@@ -77,7 +77,7 @@ void OVDiskAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
   }
   platform::FileTransfer written;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     written = f_file_->writeAt(data, withSize, atByteOffset);
     f_size_.store(std::max(f_size(), atByteOffset + withSize), std::memory_order_relaxed);
   }
@@ -107,7 +107,7 @@ BufferReadResult OVDiskAudioBuffer::readDataIntoNoCache(void* destination, std::
   std::uint64_t wanted = 0;
   platform::FileTransfer read;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     const std::uint64_t end = f_size();
     const std::uint64_t available = fromOffset < end ? end - fromOffset : 0;
     wanted = std::min(withSize, available) / frameBytes * frameBytes;
@@ -132,7 +132,7 @@ std::uint64_t OVDiskAudioBuffer::getDataFromCache(void* destination, std::uint64
                                                   std::uint64_t withSize) {
   std::uint64_t left = 0;
   {
-    const std::lock_guard lock(cacheLock_);
+    const platform::MutexLock lock(cacheLock_);
     const std::uint64_t inCache = fromPosition - cached_position_;
     if (cached_position_ > fromPosition || inCache > cache_fillsize_ ||
         withSize > cache_fillsize_ - inCache) {
@@ -153,13 +153,13 @@ void OVDiskAudioBuffer::fillCacheFromPosition(std::uint64_t byteOffset) {
   cacheFilling_ = true;
   emptyCacheAt(byteOffset);
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     emptyCacheAt(byteOffset);  // again: another fill may have ended while this one waited
     const std::uint64_t end = f_size();
     const std::uint64_t wanted =
         std::min(kCacheCapacity, byteOffset < end ? end - byteOffset : std::uint64_t{0});
     const auto read = readWhole(*f_file_, cacheBuffer_.data(), wanted, byteOffset);
-    const std::lock_guard cacheLock(cacheLock_);
+    const platform::MutexLock cacheLock(cacheLock_);
     cache_fillsize_ = read.byteCount;
     cached_position_ = byteOffset;  // again: the cache may have been discarded meanwhile
   }
@@ -171,18 +171,18 @@ void OVDiskAudioBuffer::discardCache() {
 }
 
 void OVDiskAudioBuffer::emptyCacheAt(std::uint64_t position) {
-  const std::lock_guard lock(cacheLock_);
+  const platform::MutexLock lock(cacheLock_);
   cache_fillsize_ = 0;
   cached_position_ = position;
 }
 
 std::uint64_t OVDiskAudioBuffer::cache_fillsize() const {
-  const std::lock_guard lock(cacheLock_);
+  const platform::MutexLock lock(cacheLock_);
   return cache_fillsize_;
 }
 
 std::uint64_t OVDiskAudioBuffer::cached_position() const {
-  const std::lock_guard lock(cacheLock_);
+  const platform::MutexLock lock(cacheLock_);
   return cached_position_;
 }
 
@@ -205,7 +205,7 @@ std::uint64_t OVDiskAudioBuffer::bufferFillSizeInFrames() const {
 void OVDiskAudioBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
   int error = 0;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     const std::uint64_t position = frames * format_.mBytesPerFrame;
     error = f_file_->setSize(position);
     f_size_.store(position, std::memory_order_relaxed);
@@ -223,7 +223,7 @@ void OVDiskAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
   }
   int error = 0;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     error = copyTail(*f_file_, frames * format_.mBytesPerFrame, *other->file);
     if (error == 0) {
       std::swap(f_file_, other->file);
@@ -256,7 +256,7 @@ void OVDiskAudioBuffer::unlock() {
 
 double OVDiskAudioBuffer::powerAtPosition(std::uint64_t position) {
   float channels[2] = {0.0F, 0.0F};  // what the file does not give counts as silence
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   static_cast<void>(
       readWhole(*f_file_, channels, sizeof channels, position * format_.mBytesPerFrame));
   return static_cast<double>(channels[0] + channels[1]) * 0.5;

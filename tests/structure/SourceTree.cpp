@@ -95,7 +95,8 @@ bool mayIncludePosix(const std::string& path, const std::string& header) {
          (exception != exceptions.end() && exception->second.contains(header));
 }
 
-/// Headers of the language and of POSIX have a lower-case name without a library's folder in front.
+/// Headers of the language and of the system have a lower-case name without a library's folder in
+/// front.
 bool isSystemHeader(const std::string& name) {
   if (name.empty() || std::isupper(static_cast<unsigned char>(name.front())) != 0) {
     return false;
@@ -103,7 +104,7 @@ bool isSystemHeader(const std::string& name) {
   const std::size_t slash = name.find('/');
   const std::string folder = slash == std::string::npos ? std::string() : name.substr(0, slash);
   return folder.empty() ? !name.starts_with("cubeb") && !name.starts_with("qt")
-                        : folder == "sys" || folder == "linux";
+                        : folder == "sys" || folder == "linux" || folder == "dispatch";
 }
 
 }  // namespace

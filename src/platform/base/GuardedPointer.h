@@ -1,8 +1,9 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <utility>
+
+#include "platform/base/Mutex.h"
 
 namespace platform {
 
@@ -17,7 +18,7 @@ class GuardedPointer {
   explicit GuardedPointer(Pointer pointer) : pointer_(std::move(pointer)) {}
 
   [[nodiscard]] Pointer get() const {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     return pointer_;
   }
 
@@ -25,14 +26,14 @@ class GuardedPointer {
 
   /// Returns the former value.
   [[nodiscard]] Pointer exchange(Pointer pointer) {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     pointer_.swap(pointer);
     return pointer;
   }
 
  private:
-  mutable std::mutex mutex_;
-  Pointer pointer_;  // guarded by mutex_
+  mutable Mutex mutex_;
+  Pointer pointer_ GUARDED_BY(mutex_);
 };
 
 }  // namespace platform

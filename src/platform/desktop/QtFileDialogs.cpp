@@ -7,6 +7,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "platform/base/MainThread.h"
 #include "platform/desktop/SavePanel.h"
 #include "platform/mainloop/Localization.h"
 
@@ -45,6 +46,7 @@ QMessageBox::ButtonRole roleOf(SheetRequest::Button::Role role) {
 }  // namespace
 
 void QtFileDialogs::beginOpenPanel(const OpenPanelRequest& request, OpenAnswer answer) {
+  assertMainThread();
   auto* const panel = new QFileDialog(request.window, request.title);
   panel->setObjectName("openPanel");
   panel->setAttribute(Qt::WA_DeleteOnClose);
@@ -64,6 +66,7 @@ void QtFileDialogs::beginOpenPanel(const OpenPanelRequest& request, OpenAnswer a
 }
 
 void QtFileDialogs::beginSavePanel(const SavePanelRequest& request, SaveAnswer answer) {
+  assertMainThread();
   auto* const panel = new SavePanel(request);
   QObject::connect(panel, &QDialog::finished, panel,
                    [panel, answer = std::move(answer)](int result) {
@@ -74,6 +77,7 @@ void QtFileDialogs::beginSavePanel(const SavePanelRequest& request, SaveAnswer a
 }
 
 void QtFileDialogs::beginSheet(const SheetRequest& request, SheetAnswer answer) {
+  assertMainThread();
   auto* const sheet = new QMessageBox(request.window);
   sheet->setObjectName("sheet");
   sheet->setAttribute(Qt::WA_DeleteOnClose);

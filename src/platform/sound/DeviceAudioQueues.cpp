@@ -71,7 +71,7 @@ bool DeviceAudioQueues::claimInputFailureAlert() {
 }
 
 bool DeviceAudioQueues::claimDeviceLossAlert() {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   const AudioClock::TimePoint now = clock_->now();
   if (lossToldAt_ && now - *lossToldAt_ < RecentFailure::kMemory) {
     return false;

@@ -2,9 +2,9 @@
 
 #include <future>
 #include <memory>
-#include <mutex>
 #include <optional>
 
+#include "platform/base/Mutex.h"
 #include "platform/sound/AudioClock.h"
 #include "platform/sound/AudioDevice.h"
 #include "platform/sound/AudioQueue.h"
@@ -55,9 +55,8 @@ class DeviceAudioQueues final : public AudioQueues {
   const std::shared_ptr<SharedInput> input_;
   const std::shared_ptr<RecentFailure> outputFailure_;
 
-  std::mutex mutex_;
-  // guarded by mutex_
-  std::optional<AudioClock::TimePoint> lossToldAt_;
+  Mutex mutex_;
+  std::optional<AudioClock::TimePoint> lossToldAt_ GUARDED_BY(mutex_);
 };
 
 }  // namespace platform

@@ -6,7 +6,7 @@
 namespace platform {
 
 void LevelMeter::enable(bool enabled) {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   enabled_ = enabled;
   if (!enabled) {
     levels_ = {};
@@ -15,7 +15,7 @@ void LevelMeter::enable(bool enabled) {
 
 void LevelMeter::measure(const float* samples, std::size_t frames) {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (!enabled_ || frames == 0) {
       return;
     }
@@ -30,7 +30,7 @@ void LevelMeter::measure(const float* samples, std::size_t frames) {
       peaks[channel] = std::max(peaks[channel], magnitude);
     }
   }
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   if (!enabled_) {
     return;
   }
@@ -41,7 +41,7 @@ void LevelMeter::measure(const float* samples, std::size_t frames) {
 }
 
 std::size_t LevelMeter::read(AudioQueueLevelMeterState* levels, std::size_t capacity) const {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   const std::size_t count = std::min(capacity, kWorkingChannels);
   std::copy_n(levels_.begin(), count, levels);
   return count;

@@ -3,9 +3,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 
 #include "platform/base/AudioTypes.h"
+#include "platform/base/Mutex.h"
 
 namespace platform {
 
@@ -25,10 +25,9 @@ class LevelMeter {
   std::size_t read(AudioQueueLevelMeterState* levels, std::size_t capacity) const;
 
  private:
-  mutable std::mutex mutex_;
-  // guarded by mutex_
-  bool enabled_ = false;
-  std::array<AudioQueueLevelMeterState, kWorkingChannels> levels_{};
+  mutable Mutex mutex_;
+  bool enabled_ GUARDED_BY(mutex_) = false;
+  std::array<AudioQueueLevelMeterState, kWorkingChannels> levels_ GUARDED_BY(mutex_){};
 };
 
 }  // namespace platform
