@@ -55,19 +55,20 @@ class CubebOutput final : public AudioOutputStream {
 };
 
 /// Makes `connection` one on which a stream can be tried.
-void connect(std::shared_ptr<CubebConnection>& connection) {
+void connect(std::shared_ptr<CubebConnection>& connection, ModuleConsole* consoleLog) {
   if (connection && connection->isBroken()) {
     connection.reset();
   }
   if (!connection) {
-    connection = CubebConnection::make();
+    connection = CubebConnection::make(consoleLog);
   }
 }
 
 template <typename Stream, typename Client>
-std::unique_ptr<Stream> open(std::shared_ptr<CubebConnection>& connection, const char* direction,
-                             Client& client, AudioStatus& status) {
-  connect(connection);
+std::unique_ptr<Stream> open(std::shared_ptr<CubebConnection>& connection,
+                             ModuleConsole* consoleLog, const char* direction, Client& client,
+                             AudioStatus& status) {
+  connect(connection, consoleLog);
   if (!connection) {
     status = kDeviceUnavailableStatus;
     return nullptr;
@@ -75,7 +76,7 @@ std::unique_ptr<Stream> open(std::shared_ptr<CubebConnection>& connection, const
   auto opened = std::make_unique<Stream>(client, connection);
   status = opened->stream().open(CubebAudioDevice::kLatencyFrames);
   if (status != kAudioStatusOk) {
-    connection->tellFailure(direction, status);
+    connection->logFailure(direction, status);
     opened.reset();
     connection.reset();
   }
@@ -84,21 +85,21 @@ std::unique_ptr<Stream> open(std::shared_ptr<CubebConnection>& connection, const
 
 }  // namespace
 
-CubebAudioDevice::CubebAudioDevice() = default;
+CubebAudioDevice::CubebAudioDevice(ModuleConsole* consoleLog) : consoleLog_(consoleLog) {}
 CubebAudioDevice::~CubebAudioDevice() = default;
 
 std::unique_ptr<AudioInputStream> CubebAudioDevice::openInput(AudioInputClient& client,
                                                               AudioStatus& status) {
-  return open<CubebInput>(input_, "input", client, status);
+  return open<CubebInput>(input_, consoleLog_, "input", client, status);
 }
 
 std::unique_ptr<AudioOutputStream> CubebAudioDevice::openOutput(AudioOutputClient& client,
                                                                 AudioStatus& status) {
-  return open<CubebOutput>(output_, "output", client, status);
+  return open<CubebOutput>(output_, consoleLog_, "output", client, status);
 }
 
 void CubebAudioDevice::prepare() {
-  connect(output_);
+  connect(output_, consoleLog_);
 }
 
 }  // namespace platform
