@@ -43,8 +43,7 @@ endfunction()
 # Programs find the modules by their run path, in the build tree and where they are installed.
 include(GNUInstallDirs)
 set(ORVO_MODULE_FOLDER "${PROJECT_BINARY_DIR}/lib/orvo")
-set(CMAKE_BUILD_RPATH "${ORVO_MODULE_FOLDER}")
-set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_BUILD_RPATH "$ORIGIN/../lib/orvo" "$ORIGIN/../../lib/orvo")  # benchmarks/, src/app/
 file(RELATIVE_PATH installed_modules "${CMAKE_INSTALL_FULL_BINDIR}"
   "${CMAKE_INSTALL_FULL_LIBDIR}/orvo")
 set(CMAKE_INSTALL_RPATH "$ORIGIN/${installed_modules}")
