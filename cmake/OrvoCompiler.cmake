@@ -26,6 +26,11 @@ if(ORVO_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+# The sanitizers' own dlopen would look along their library's run path instead of the program's.
+if(ORVO_SANITIZE)
+  add_link_options(LINKER:--disable-new-dtags)
+endif()
+
 # The checkers slow the optimiser down far more than the program.
 if(ORVO_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   add_compile_options(-O1 -g1)

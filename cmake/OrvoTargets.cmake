@@ -21,3 +21,29 @@ function(orvo_library name)
     target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS)
   endif()
 endfunction()
+
+# orvo_module(NAME LINKS …): a module of the program, orvo-NAME.so, from the sources of the current
+# folder: what is loaded late links its libraries here, where packaging tools see them. It links
+# none of ours, whose state the process must have once. Tests may link the archive, orvo_NAME.
+function(orvo_module name)
+  orvo_library(orvo_${name} ${ARGN})
+  set_target_properties(orvo_${name} PROPERTIES
+    CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  add_library(orvo-${name} MODULE $<TARGET_OBJECTS:orvo_${name}>)
+  set_target_properties(orvo-${name} PROPERTIES PREFIX "" LINKER_LANGUAGE CXX
+    LIBRARY_OUTPUT_DIRECTORY "${ORVO_MODULE_FOLDER}" BUILD_RPATH "" INSTALL_RPATH "")
+  target_link_libraries(orvo-${name} PRIVATE ${ARG_LINKS})
+  if(NOT APPLE AND NOT ORVO_SANITIZE)  # clang's sanitizers leave symbols to the program
+    target_link_options(orvo-${name} PRIVATE LINKER:-z,defs)
+  endif()
+  install(TARGETS orvo-${name} LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/orvo")
+endfunction()
+
+# Programs find the modules by their run path, in the build tree and where they are installed.
+include(GNUInstallDirs)
+set(ORVO_MODULE_FOLDER "${PROJECT_BINARY_DIR}/lib/orvo")
+set(CMAKE_BUILD_RPATH "$ORIGIN/../lib/orvo" "$ORIGIN/../../lib/orvo")  # benchmarks/, src/app/
+file(RELATIVE_PATH installed_modules "${CMAKE_INSTALL_FULL_BINDIR}"
+  "${CMAKE_INSTALL_FULL_LIBDIR}/orvo")
+set(CMAKE_INSTALL_RPATH "$ORIGIN/${installed_modules}")

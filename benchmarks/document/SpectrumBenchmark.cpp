@@ -5,7 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include "document/spectrum/OVSpectrumAnalyser.h"
-#include "platform/media/MediaFunctions.h"
+#include "platform/ffmpeg/Ffmpeg.h"
 
 namespace {
 
@@ -25,14 +25,12 @@ void bareTransform(benchmark::State& state) {
   AVTXContext* context = nullptr;
   av_tx_fn transform = nullptr;
   const float scale = 1.0F;
-  if (platform::av_tx_init(&context, &transform, AV_TX_FLOAT_FFT, 0, kLength, &scale, 0) < 0) {
+  if (av_tx_init(&context, &transform, AV_TX_FLOAT_FFT, 0, kLength, &scale, 0) < 0) {
     state.SkipWithError("no transform");
     return;
   }
-  auto* const in =
-      static_cast<AVComplexFloat*>(platform::av_calloc(kLength, sizeof(AVComplexFloat)));
-  auto* const out =
-      static_cast<AVComplexFloat*>(platform::av_calloc(kLength, sizeof(AVComplexFloat)));
+  auto* const in = static_cast<AVComplexFloat*>(av_calloc(kLength, sizeof(AVComplexFloat)));
+  auto* const out = static_cast<AVComplexFloat*>(av_calloc(kLength, sizeof(AVComplexFloat)));
   const auto samples = noise(2 * kLength);
   for (std::size_t i = 0; i < kLength; ++i) {
     in[i] = {samples[2 * i], samples[2 * i + 1]};
@@ -42,9 +40,9 @@ void bareTransform(benchmark::State& state) {
     benchmark::DoNotOptimize(out);
     benchmark::ClobberMemory();
   }
-  platform::av_free(in);
-  platform::av_free(out);
-  platform::av_tx_uninit(&context);
+  av_free(in);
+  av_free(out);
+  av_tx_uninit(&context);
 }
 BENCHMARK(bareTransform)->Name("Spectrum/yardstick: the bare transform");
 

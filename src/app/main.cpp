@@ -16,7 +16,6 @@
 #include "app/OVSessionEnd.h"
 #include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
-#include "platform/cubeb/CubebAudioDevice.h"
 #include "platform/desktop/DesktopColours.h"
 #include "platform/desktop/FileAddress.h"
 #include "platform/desktop/QtDesktopServices.h"
@@ -25,9 +24,10 @@
 #include "platform/mainloop/FontPreparation.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/mainloop/TerminationSignals.h"
-#include "platform/media/MediaLibrary.h"
+#include "platform/media/FfmpegModule.h"
 #include "platform/sound/AudioQueue.h"
 #include "platform/sound/DeviceAudioQueues.h"
+#include "platform/sound/LateAudioDevice.h"
 
 namespace {
 
@@ -69,10 +69,9 @@ int main(int argc, char** argv) {
   platform::FontPreparation fonts;
   QApplication application(argc, argv);
   fonts.finish();
-  // To load the sound library and to open the microphone is as much work as to show a window, so
-  // one begins when the other is done; the recorder does not wait for it.
-  const auto queues =
-      std::make_shared<platform::DeviceAudioQueues>(std::make_shared<platform::CubebAudioDevice>());
+  // To load cubeb and to open the microphone is as much work as to show a window, so one begins
+  // when the other is done; the recorder does not wait for it.
+  const auto queues = std::make_shared<platform::DeviceAudioQueues>(platform::lateAudioDevice());
   std::promise<void> firstWindowShown;
   queues->prepareInput(firstWindowShown.get_future());
   const platform::Installed<platform::AudioQueues>::Scope installedQueues(queues);
@@ -113,7 +112,7 @@ int main(int argc, char** argv) {
     QApplication::setWindowIcon(programIcon());
     colours = std::make_unique<platform::DesktopColours>(QDBusConnection::sessionBus());
     // Needed for the first file or spectrum: loaded while the user looks at the window.
-    platform::globalQueue().async([] { static_cast<void>(platform::mediaLibrary::load()); });
+    platform::globalQueue().async([] { static_cast<void>(platform::ffmpegModule()); });
   });
   const int result = QApplication::exec();
 

@@ -45,7 +45,7 @@ TextKey openingSentence(platform::AudioStatus status) {
           "%1 could not be opened, because too many files are open. Close some windows first.");
     case platform::kOutOfMemoryStatus:
       return textKey("There was not enough memory to read %1.");
-    case platform::kMediaLibraryMissingStatus:
+    case platform::kFfmpegMissingStatus:
       return textKey("%1 cannot be read: FFmpeg's libraries are missing on this computer.");
     default:
       return textKey("%1 is not a sound file that can be read, or it is damaged.");
@@ -97,7 +97,7 @@ TextKey writingSentence(platform::AudioStatus status) {
           "%1 could not be written, because too many files are open. Close some windows first.");
     case platform::kOutOfMemoryStatus:
       return textKey("There was not enough memory to write %1.");
-    case platform::kMediaLibraryMissingStatus:
+    case platform::kFfmpegMissingStatus:
       return textKey("%1 cannot be written: FFmpeg's libraries are missing on this computer.");
     case platform::kUnsupportedDataFormatStatus:
     case platform::kUnsupportedFileTypeStatus:

@@ -1,9 +1,8 @@
-#include "platform/cubeb/CubebAudioDevice.h"
-
 #include <cstdlib>
 #include <string>
 
 #include "platform/sound/AudioQueueFixture.h"
+#include "platform/sound/LateAudioDevice.h"
 #include "support/RawAudio.h"
 #include "support/programs/PrivateSoundServer.h"
 
@@ -23,7 +22,7 @@ class CubebAudioDeviceTest : public testing::Test {
       // Before the first thread of the queues.
       ASSERT_EQ(setenv(name.c_str(), value.c_str(), 1), 0);  // NOLINT(concurrency-mt-unsafe)
     }
-    queues_ = std::make_shared<DeviceAudioQueues>(std::make_shared<CubebAudioDevice>());
+    queues_ = std::make_shared<DeviceAudioQueues>(lateAudioDevice());
   }
 
   void TearDown() override {
@@ -210,7 +209,7 @@ TEST(CubebAudioDeviceWithoutServerTest, QueuesAreRefusedWithoutDelay) {
   const std::string address = "unix:" + folder.file("none");
   ASSERT_EQ(setenv("PULSE_SERVER", address.c_str(), 1), 0);             // NOLINT(*-mt-unsafe)
   ASSERT_EQ(setenv("XDG_RUNTIME_DIR", folder.file("").c_str(), 1), 0);  // NOLINT(*-mt-unsafe)
-  DeviceAudioQueues queues(std::make_shared<CubebAudioDevice>());
+  DeviceAudioQueues queues(lateAudioDevice());
   Recording recording;
   Playback playback;
   EXPECT_EQ(recording.make(queues), kDeviceUnavailableStatus);

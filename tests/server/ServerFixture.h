@@ -13,9 +13,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/cubeb/CubebAudioDevice.h"
 #include "platform/sound/AudioQueue.h"
 #include "platform/sound/DeviceAudioQueues.h"
+#include "platform/sound/LateAudioDevice.h"
 #include "storage/OVBlockBuffer.h"
 #include "support/RawAudio.h"
 #include "support/TemporaryFolder.h"
@@ -82,8 +82,7 @@ class ServerTest : public testing::Test {
       ASSERT_EQ(setenv(name.c_str(), value.c_str(), 1), 0);  // NOLINT(concurrency-mt-unsafe)
     }
     queues_ = std::make_unique<platform::Installed<platform::AudioQueues>::Scope>(
-        std::make_shared<platform::DeviceAudioQueues>(
-            std::make_shared<platform::CubebAudioDevice>()));
+        std::make_shared<platform::DeviceAudioQueues>(platform::lateAudioDevice()));
   }
 
   void TearDown() override {

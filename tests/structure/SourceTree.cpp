@@ -22,6 +22,7 @@ const std::map<std::string, std::set<std::string>>& arrows() {
       {"platform/sound", {"platform/base"}},
       {"platform/cubeb", {"platform/sound"}},
       {"platform/media", {"platform/files"}},
+      {"platform/ffmpeg", {"platform/media"}},
       {"platform/mainloop", {"platform/base"}},
       {"platform/views", {"platform/mainloop"}},
       {"platform/desktop", {"platform/mainloop", "platform/files"}},
@@ -39,7 +40,7 @@ const std::map<std::string, std::set<std::string>>& arrows() {
       {"document/spectrum", {"storage", "platform/media", "controls", "displays"}},
       {"document/files", {"document/display", "platform/desktop"}},
       {"document", {"document/files", "document/spectrum"}},
-      {"app", {"document", "platform/cubeb"}},
+      {"app", {"document"}},
   };
   return below;
 }
@@ -168,6 +169,25 @@ Complaints complaintsAboutArrows(const SourceTree& tree) {
       } else if (const std::string other = roomOf(include.name);
                  other.empty() || !mayInclude(room, other)) {
         complaints.push_back(path + ": includes \"" + include.name + "\" against the arrows");
+      }
+    }
+  }
+  return complaints;
+}
+
+Complaints complaintsAboutLateLibraries(const SourceTree& tree) {
+  const auto homeOf = [](const std::string& name) -> std::string {
+    if (name.starts_with("libav") || name.starts_with("libsw")) {
+      return "platform/ffmpeg";
+    }
+    return name.starts_with("cubeb") ? "platform/cubeb" : "";
+  };
+  Complaints complaints;
+  for (const auto& [path, text] : tree) {
+    for (const Include& include : includesOf(text)) {
+      const std::string home = include.own ? "" : homeOf(include.name);
+      if (!home.empty() && roomOf(path) != home) {
+        complaints.push_back(path + ": includes <" + include.name + "> outside its module");
       }
     }
   }

@@ -33,6 +33,9 @@ struct Include {
 /// folder that is no room. Rooms side by side do not include each other.
 [[nodiscard]] Complaints complaintsAboutArrows(const SourceTree& tree);
 
+/// Includes of FFmpeg's or cubeb's headers outside the room whose module links the library.
+[[nodiscard]] Complaints complaintsAboutLateLibraries(const SourceTree& tree);
+
 /// Chains of includes that lead back to the unit where they began. A unit is a header with its
 /// source.
 [[nodiscard]] Complaints complaintsAboutCircles(const SourceTree& tree);

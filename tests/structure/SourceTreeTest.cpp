@@ -27,6 +27,10 @@ TEST_F(Product, IncludesFollowTheArrows) {
   EXPECT_THAT(complaintsAboutArrows(tree_), IsEmpty());
 }
 
+TEST_F(Product, LibrariesOfModulesAreSeenByTheirModulesAlone) {
+  EXPECT_THAT(complaintsAboutLateLibraries(tree_), IsEmpty());
+}
+
 TEST_F(Product, IncludesMakeNoCircle) {
   EXPECT_THAT(complaintsAboutCircles(tree_), IsEmpty());
 }
@@ -83,6 +87,15 @@ TEST(SourceTree, IncludeOfAFileThatIsNotThereIsFound) {
 
 TEST(SourceTree, FileOutsideTheFoldersIsFound) {
   EXPECT_THAT(complaintsAboutArrows({{"misc/A.h", ""}}), SizeIs(1));
+}
+
+TEST(SourceTree, LibraryOfAModuleThatIsSeenElsewhereIsFound) {
+  const SourceTree tree{{"platform/media/A.h", "#include <libavutil/tx.h>\n"},
+                        {"platform/ffmpeg/B.h", "#include <libavutil/tx.h>\n"},
+                        {"platform/sound/C.h", "#include <cubeb/cubeb.h>\n"},
+                        {"platform/cubeb/D.h", "#include <cubeb/cubeb.h>\n"}};
+  EXPECT_THAT(complaintsAboutLateLibraries(tree),
+              ElementsAre(HasSubstr("media/A.h"), HasSubstr("sound/C.h")));
 }
 
 TEST(SourceTree, CircleOfThreeHeadersIsFound) {

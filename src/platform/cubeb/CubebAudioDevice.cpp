@@ -55,26 +55,27 @@ class CubebOutput final : public AudioOutputStream {
 };
 
 /// Makes `connection` one on which a stream can be tried.
-void connect(std::shared_ptr<CubebConnection>& connection) {
+void connect(std::shared_ptr<CubebConnection>& connection, ModuleConsole* consoleLog) {
   if (connection && connection->isBroken()) {
     connection.reset();
   }
   if (!connection) {
-    connection = CubebConnection::make();
+    connection = CubebConnection::make(consoleLog);
   }
 }
 
 template <typename Stream, typename Interface, typename Client>
 Result<std::unique_ptr<Interface>, AudioStatus> open(std::shared_ptr<CubebConnection>& connection,
+                                                     ModuleConsole* consoleLog,
                                                      const char* direction, Client& client) {
-  connect(connection);
+  connect(connection, consoleLog);
   if (!connection) {
     return kDeviceUnavailableStatus;
   }
   auto opened = std::make_unique<Stream>(client, connection);
   const AudioStatus status = opened->stream().open(CubebAudioDevice::kLatencyFrames);
   if (status != kAudioStatusOk) {
-    connection->tellFailure(direction, status);
+    connection->logFailure(direction, status);
     opened.reset();
     connection.reset();
     return status;
@@ -84,19 +85,19 @@ Result<std::unique_ptr<Interface>, AudioStatus> open(std::shared_ptr<CubebConnec
 
 }  // namespace
 
-CubebAudioDevice::CubebAudioDevice() = default;
+CubebAudioDevice::CubebAudioDevice(ModuleConsole* consoleLog) : consoleLog_(consoleLog) {}
 CubebAudioDevice::~CubebAudioDevice() = default;
 
 AudioDevice::Input CubebAudioDevice::openInput(AudioInputClient& client) {
-  return open<CubebInput, AudioInputStream>(input_, "input", client);
+  return open<CubebInput, AudioInputStream>(input_, consoleLog_, "input", client);
 }
 
 AudioDevice::Output CubebAudioDevice::openOutput(AudioOutputClient& client) {
-  return open<CubebOutput, AudioOutputStream>(output_, "output", client);
+  return open<CubebOutput, AudioOutputStream>(output_, consoleLog_, "output", client);
 }
 
 void CubebAudioDevice::prepare() {
-  connect(output_);
+  connect(output_, consoleLog_);
 }
 
 }  // namespace platform

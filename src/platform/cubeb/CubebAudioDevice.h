@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/base/LateModule.h"
 #include "platform/sound/AudioDevice.h"
 
 namespace platform {
@@ -15,7 +16,7 @@ class CubebConnection;
 /// its own. A connection on which anything failed is not used again: it may belong to a server that
 /// has died, or to a fallback that was chosen while there was none.
 ///
-/// What failed is told on the diagnostics console, since a status says little; the library's own
+/// What failed is logged to `consoleLog`, since a status says little; the library's own
 /// log stays off, because it would be written on the audio threads.
 ///
 /// Threads: the control thread of the audio queues; every call may block for long (a server that
@@ -26,7 +27,7 @@ class CubebAudioDevice final : public AudioDevice {
   /// dropouts beside other load.
   static constexpr std::uint32_t kLatencyFrames = 4096;
 
-  CubebAudioDevice();
+  explicit CubebAudioDevice(ModuleConsole* consoleLog);
 
   /// Disconnects, once the streams are gone as well.
   ~CubebAudioDevice() override;
@@ -38,6 +39,7 @@ class CubebAudioDevice final : public AudioDevice {
   void prepare() override;
 
  private:
+  ModuleConsole* const consoleLog_;
   // Control thread only. Null until connected, or when the last one failed.
   std::shared_ptr<CubebConnection> input_;
   std::shared_ptr<CubebConnection> output_;

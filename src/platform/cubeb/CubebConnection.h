@@ -3,8 +3,10 @@
 #include <atomic>
 #include <memory>
 
+#include <cubeb/cubeb.h>
+
 #include "platform/base/AudioTypes.h"
-#include "platform/cubeb/CubebFunctions.h"
+#include "platform/base/LateModule.h"
 
 namespace platform {
 
@@ -14,10 +16,11 @@ namespace platform {
 /// is safe.
 class CubebConnection {
  public:
-  /// Null when the library is missing or finds nothing to talk to.
-  [[nodiscard]] static std::shared_ptr<CubebConnection> make();
+  /// Null when cubeb finds nothing to talk to. Logs to `consoleLog`, here and later.
+  [[nodiscard]] static std::shared_ptr<CubebConnection> make(ModuleConsole* consoleLog);
 
-  explicit CubebConnection(cubeb* context) : context_(context) {}
+  CubebConnection(cubeb* context, ModuleConsole* consoleLog)
+      : context_(context), consoleLog_(consoleLog) {}
   ~CubebConnection() { cubeb_destroy(context_); }
   CubebConnection(const CubebConnection&) = delete;
   CubebConnection& operator=(const CubebConnection&) = delete;
@@ -29,11 +32,12 @@ class CubebConnection {
   void markBroken() noexcept { broken_.store(true); }
   [[nodiscard]] bool isBroken() const { return broken_.load(); }
 
-  /// Tells on the diagnostics console that no stream could be opened.
-  void tellFailure(const char* direction, AudioStatus status) const;
+  /// Logs that no stream could be opened.
+  void logFailure(const char* direction, AudioStatus status) const;
 
  private:
   cubeb* const context_;
+  ModuleConsole* const consoleLog_;
   // Only ever becomes true, by any thread.
   std::atomic<bool> broken_{false};
 };

@@ -5,9 +5,10 @@
 #include <memory>
 #include <utility>
 
+#include <cubeb/cubeb.h>
+
 #include "platform/base/AudioTypes.h"
 #include "platform/cubeb/CubebConnection.h"
-#include "platform/cubeb/CubebFunctions.h"
 
 namespace platform {
 

@@ -2,7 +2,7 @@
 
 #include "platform/base/AudioTypes.h"
 
-/// Statuses of audio files, and the one place where errors of FFmpeg and of the system become them.
+/// Statuses of audio files.
 ///
 /// Threads: any. Real-time: safe.
 namespace platform {
@@ -34,21 +34,9 @@ inline constexpr AudioStatus kFileInputOutputStatus = -36;
 /// The process or the system has too many files open.
 inline constexpr AudioStatus kTooManyOpenFilesStatus = -42;
 inline constexpr AudioStatus kOutOfMemoryStatus = -108;
-/// The libraries that read and write audio files are not there.
-inline constexpr AudioStatus kMediaLibraryMissingStatus = fourCharacterStatus("lib?");
+/// FFmpeg, which reads and writes audio files, is not there.
+inline constexpr AudioStatus kFfmpegMissingStatus = fourCharacterStatus("lib?");
 /// Whoever asked has changed their mind: no failure, never shown.
 inline constexpr AudioStatus kCancelledStatus = -128;
-
-/// What was being done when an error came: the same error means different things.
-enum class AudioFileStage {
-  opening,  ///< finding out what a file is
-  reading,  ///< reading and decoding what was found
-  writing,  ///< creating, encoding, finishing
-};
-
-/// The status of an error of the stage. `error` is an errno, negative as FFmpeg's AVERROR() gives
-/// it, or one of FFmpeg's own codes. 0 and positive numbers are kAudioStatusOk. Never
-/// kCancelledStatus.
-[[nodiscard]] AudioStatus audioFileStatus(AudioFileStage stage, int error);
 
 }  // namespace platform

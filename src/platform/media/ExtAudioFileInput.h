@@ -6,17 +6,12 @@
 #include <string>
 
 #include "platform/base/AudioTypes.h"
-#include "platform/files/File.h"
-#include "platform/media/AudioFileDecoder.h"
 #include "platform/media/AudioFileStatus.h"
-#include "platform/media/DecodingBudget.h"
-#include "platform/media/MediaLibraryLog.h"
-#include "platform/media/WorkingFormatConverter.h"
 
 namespace platform {
 
 /// An audio file that is read in the working format, whatever it is encoded in: what the platform's
-/// extended audio files are to a reader, over FFmpeg's libraries.
+/// extended audio files are to a reader, over FFmpeg.
 ///
 /// Threads: any, one at a time; the flag of a cancel may be set by any thread at any time, and a
 /// call that runs then ends within a fraction of a second with kCancelledStatus.
@@ -33,20 +28,19 @@ class ExtAudioFileInput {
   [[nodiscard]] static Opened openURL(const std::string& path,
                                       std::shared_ptr<const std::atomic<bool>> cancelled);
 
-  ~ExtAudioFileInput();
-  ExtAudioFileInput(const ExtAudioFileInput&) = delete;
-  ExtAudioFileInput& operator=(const ExtAudioFileInput&) = delete;
+  virtual ~ExtAudioFileInput() = default;
 
   /// How the file's sound is encoded. Fields that its encoding has no value for are 0.
-  [[nodiscard]] AudioStreamBasicDescription fileDataFormat() const;
+  [[nodiscard]] virtual AudioStreamBasicDescription fileDataFormat() const = 0;
 
   /// Sets the format of what read() gives. kWorkingFormat is the only one there is; of the file's
   /// sound everything from 1 to 8 channels and 1,000 to 768,000 Hz can be converted to it.
-  [[nodiscard]] AudioStatus setClientDataFormat(const AudioStreamBasicDescription& format) const;
+  [[nodiscard]] virtual AudioStatus setClientDataFormat(
+      const AudioStreamBasicDescription& format) const = 0;
 
   /// Length in frames of the client format, rounded; 0 when nothing tells. A hint only. Counting
   /// an MP3 or ADTS file takes half a second at most, once.
-  [[nodiscard]] std::int64_t fileLengthFrames();
+  [[nodiscard]] virtual std::int64_t fileLengthFrames() = 0;
 
   struct Read {
     std::uint32_t frames = 0;
@@ -57,30 +51,11 @@ class ExtAudioFileInput {
   /// decoded comes first, with kAudioStatusOk; the call after it gives 0 frames and says why the
   /// sound has ended: kAudioStatusOk for the end of the file, kInvalidFileStatus when it is damaged
   /// or cut off, kFileInputOutputStatus when the medium failed.
-  [[nodiscard]] Read read(float* destination, std::uint32_t frames);
+  [[nodiscard]] virtual Read read(float* destination, std::uint32_t frames) = 0;
 
   /// Begins anew with the first frame. The file is decoded anew from its begin: only so are the
   /// same frames read to the bit.
-  [[nodiscard]] AudioStatus seekToStart();
-
- private:
-  ExtAudioFileInput(std::string path, std::shared_ptr<const std::atomic<bool>> cancelled)
-      : path_(std::move(path)), interruption_(std::move(cancelled)) {}
-
-  [[nodiscard]] AudioStatus start();
-  [[nodiscard]] AudioStatus statusOf(AudioFileStage stage, int error) const;
-  void end(AudioStatus status);
-
-  const std::string path_;
-  DecodingBudget interruption_;
-  MediaLibraryLog::Budget log_;
-  std::unique_ptr<File> file_;
-  std::uint64_t size_ = 0;                     // bytes
-  std::unique_ptr<AudioFileDecoder> decoder_;  // null when starting over failed
-  WorkingFormatConverter converter_;
-  bool ended_ = false;
-  AudioStatus endStatus_ = kAudioStatusOk;
-  std::int64_t lengthFrames_ = -1;  // below 0: not asked yet
+  [[nodiscard]] virtual AudioStatus seekToStart() = 0;
 };
 
 }  // namespace platform

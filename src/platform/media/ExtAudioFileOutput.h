@@ -1,17 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/base/AudioTypes.h"
-#include "platform/files/File.h"
-#include "platform/media/AudioFileIo.h"
 #include "platform/media/AudioFileStatus.h"
-#include "platform/media/AvResources.h"
-#include "platform/media/MediaLibraryLog.h"
 
 namespace platform {
 
@@ -20,7 +16,7 @@ namespace platform {
 enum class AudioFileKind : std::uint32_t { wave = 0, aiff = 1, caf = 2, m4a = 3 };
 
 /// An audio file that is written in the working format and encoded on the way: what the platform's
-/// extended audio files are to a writer, over FFmpeg's libraries.
+/// extended audio files are to a writer, over FFmpeg.
 ///
 ///  - A sample s of 16-bit audio, s / 32768 as a float, comes out as s, for all 65,536 of them: no
 ///    dither. Others are rounded to the nearest.
@@ -43,55 +39,30 @@ class ExtAudioFileOutput {
   [[nodiscard]] static Created createWithURL(const std::string& path, AudioFileKind kind);
 
   /// Most frames that a file of the kind can hold; nothing for no limit.
-  [[nodiscard]] static std::optional<std::uint64_t> maximumFrames(AudioFileKind kind);
+  [[nodiscard]] static constexpr std::optional<std::uint64_t> maximumFrames(AudioFileKind kind) {
+    // AIFF's length fields have 32 bits. What stands beside the samples takes less than this.
+    constexpr std::uint64_t kHeaderBytes = 4096;
+    constexpr std::uint64_t kBytesPerFrame = 4;
+    return kind != AudioFileKind::aiff
+               ? std::nullopt
+               : std::optional((std::numeric_limits<std::uint32_t>::max() - kHeaderBytes) /
+                               kBytesPerFrame);
+  }
 
   /// Disposes of the file if that was not done.
-  ~ExtAudioFileOutput();
-  ExtAudioFileOutput(const ExtAudioFileOutput&) = delete;
-  ExtAudioFileOutput& operator=(const ExtAudioFileOutput&) = delete;
+  virtual ~ExtAudioFileOutput() = default;
 
   /// The only format there is, kWorkingFormat.
-  [[nodiscard]] AudioStatus setClientDataFormat(const AudioStreamBasicDescription& format) const;
+  [[nodiscard]] virtual AudioStatus setClientDataFormat(
+      const AudioStreamBasicDescription& format) const = 0;
 
   /// Appends frames (interleaved pairs of float). Frames that would pass the kind's limit are
   /// refused as a whole with kFileTooLargeStatus.
-  [[nodiscard]] AudioStatus write(const float* frames, std::uint64_t count);
+  [[nodiscard]] virtual AudioStatus write(const float* frames, std::uint64_t count) = 0;
 
   /// Writes what the encoder holds back and finishes the header. The file is complete, as far as
   /// the system has told, only when this gives kAudioStatusOk; nothing can be written afterwards.
-  [[nodiscard]] AudioStatus dispose();
-
- private:
-  explicit ExtAudioFileOutput(AudioFileKind kind) : kind_(kind) {}
-
-  [[nodiscard]] AudioStatus start(const std::string& path);
-  [[nodiscard]] int openEncoder();
-  [[nodiscard]] int openConverter();
-  [[nodiscard]] int openMuxer();
-  [[nodiscard]] int makeFrame();
-  [[nodiscard]] int append(const float* frames, std::uint64_t count);
-  [[nodiscard]] int fill(const float* frames, int count);
-  [[nodiscard]] int encodeFilled();
-  [[nodiscard]] int encode(const AVFrame* frame);
-  [[nodiscard]] int finish();
-  [[nodiscard]] AudioStatus keep(int error);
-
-  const AudioFileKind kind_;
-  MediaLibraryLog::Budget log_;
-  std::unique_ptr<File> file_;
-  std::unique_ptr<AudioFileIo> io_;
-  AvOutput muxer_;
-  AvCodec encoder_;
-  AvConverter converter_;  // to 16 bits; null for AAC
-  AvFrame frame_;          // being filled
-  AvPacket packet_;
-  std::vector<float> prepared_;     // interleaved
-  int filled_ = 0;                  // frames of frame_
-  int capacity_ = 0;                // frames that frame_ can hold
-  std::uint64_t frameCount_ = 0;    // taken by write()
-  std::int64_t encodedFrames_ = 0;  // given to the encoder
-  AudioStatus firstFailure_ = kAudioStatusOk;
-  bool isDisposed_ = false;
+  [[nodiscard]] virtual AudioStatus dispose() = 0;
 };
 
 }  // namespace platform

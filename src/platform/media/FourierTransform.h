@@ -3,8 +3,6 @@
 #include <cstddef>
 #include <memory>
 
-struct AVTXContext;
-
 namespace platform {
 
 /// An array of complex numbers whose real and imaginary parts lie in arrays of their own.
@@ -37,45 +35,20 @@ class FourierTransform {
   static constexpr int kMaxLog2Length = 20;
 
   /// Makes everything ready for a length of 2 to the power of `log2Length`. Null when the exponent
-  /// lies outside 1 to 20, without memory, or where FFmpeg's libraries are missing; the first call
-  /// of all loads them.
+  /// lies outside 1 to 20, without memory, or where FFmpeg is missing; the first call of all loads
+  /// it.
   [[nodiscard]] static std::unique_ptr<FourierTransform> create(int log2Length);
 
-  ~FourierTransform();
-  FourierTransform(const FourierTransform&) = delete;
-  FourierTransform& operator=(const FourierTransform&) = delete;
+  virtual ~FourierTransform() = default;
 
   /// Number of elements, n.
-  [[nodiscard]] std::size_t length() const { return length_; }
+  [[nodiscard]] virtual std::size_t length() const = 0;
 
   /// Transforms the elements 0, s, 2s, … (n − 1)s of the input, s being its stride, into the
   /// elements 0, t, 2t, … (n − 1)t of the output, t being that one's. Strides count floats and are
   /// at least 1. No alignment is needed; input and output may be the same arrays.
-  void forward(ConstSplitComplex input, std::size_t inputStride, SplitComplex output,
-               std::size_t outputStride);
-
- private:
-  struct Complex {
-    float re;
-    float im;
-  };
-  struct Release {
-    void operator()(AVTXContext* context) const;
-    void operator()(Complex* elements) const;
-  };
-  using Function = void (*)(AVTXContext*, void* out, void* in, std::ptrdiff_t stride);
-
-  explicit FourierTransform(std::size_t length) : length_(length) {}
-  [[nodiscard]] bool prepare();
-
-  // Fixed after construction.
-  const std::size_t length_;
-  std::unique_ptr<AVTXContext, Release> context_;
-  Function function_ = nullptr;
-
-  // The library wants its elements interleaved and aligned to its vector registers.
-  std::unique_ptr<Complex, Release> interleavedInput_;
-  std::unique_ptr<Complex, Release> interleavedOutput_;
+  virtual void forward(ConstSplitComplex input, std::size_t inputStride, SplitComplex output,
+                       std::size_t outputStride) = 0;
 };
 
 }  // namespace platform

@@ -1,0 +1,209 @@
+#include "platform/ffmpeg/AudioFileDecoder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "platform/ffmpeg/Ffmpeg.h"
+
+namespace platform {
+namespace {
+
+// Programs that write to a pipe cannot go back to the header and leave a length in it that stands
+// for "until the end": the largest number of 31 or of 32 bits, less a header or rounded.
+bool standsForUntilTheEnd(std::int64_t frames, std::int64_t bytesPerFrame) {
+  constexpr std::int64_t kRoundedBytes = 0x10000;
+  for (const std::int64_t largest : {std::int64_t{1} << 31, std::int64_t{1} << 32}) {
+    if (frames >= (largest - kRoundedBytes) / bytesPerFrame &&
+        frames <= (largest + kRoundedBytes) / bytesPerFrame) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// Rounding of time scales, and a decoder's own delay: no loss that anyone could hear.
+constexpr std::int64_t kToleratedFrames = 8192;
+
+// Of a damaged packet some decoders fill only a stretch of their frame. The rest is then silence
+// and not whatever the memory held before, which would be heard, and differently each time.
+int silentBuffer(AVCodecContext* codec, AVFrame* frame, int flags) {
+  const int result = avcodec_default_get_buffer2(codec, frame, flags);
+  const auto format = static_cast<AVSampleFormat>(frame->format);
+  if (result >= 0 && codec->codec_type == AVMEDIA_TYPE_AUDIO) {
+    av_samples_set_silence(frame->extended_data, 0, frame->nb_samples, frame->ch_layout.nb_channels,
+                           format);
+  }
+  return result;
+}
+
+// In units of the stream's time base.
+std::int64_t durationOf(const AVFrame& frame) {
+#if LIBAVUTIL_VERSION_INT >= AV_VERSION_INT(57, 30, 100)
+  return frame.duration;
+#else
+  return frame.pkt_duration;
+#endif
+}
+
+}  // namespace
+
+std::unique_ptr<AudioFileDecoder> AudioFileDecoder::open(File& file, std::uint64_t size,
+                                                         const std::string& path,
+                                                         DecodingBudget& interruption, int& error) {
+  std::unique_ptr<AudioFileDecoder> decoder(new AudioFileDecoder);
+  decoder->demuxer_ = AudioFileDemuxer::open(file, size, path, interruption, error);
+  if (decoder->demuxer_ == nullptr) {
+    return nullptr;
+  }
+  error = decoder->start();
+  return error < 0 ? nullptr : std::move(decoder);
+}
+
+AudioFileDecoder::~AudioFileDecoder() = default;
+
+int AudioFileDecoder::start() {
+  const AVCodecParameters* const parameters = demuxer_->stream().codecpar;
+  const AVCodec* const codec = avcodec_find_decoder(parameters->codec_id);
+  if (codec == nullptr) {
+    return AVERROR_DECODER_NOT_FOUND;
+  }
+  codec_.reset(avcodec_alloc_context3(codec));
+  packet_.reset(av_packet_alloc());
+  current_.reset(av_frame_alloc());
+  ahead_.reset(av_frame_alloc());
+  if (codec_ == nullptr || packet_ == nullptr || current_ == nullptr || ahead_ == nullptr) {
+    return AVERROR(ENOMEM);
+  }
+  if (const int result = avcodec_parameters_to_context(codec_.get(), parameters); result < 0) {
+    return result;
+  }
+  codec_->pkt_timebase = demuxer_->stream().time_base;  // without it nothing is trimmed
+  codec_->thread_count = 1;
+  codec_->thread_type = 0;
+  if (!demuxer_->isLinearPcm()) {
+    codec_->get_buffer2 = silentBuffer;
+  }
+  return avcodec_open2(codec_.get(), codec, nullptr);
+}
+
+AVFrame* AudioFileDecoder::next() {
+  if (ended_) {
+    return nullptr;
+  }
+  if (!primed_) {
+    primed_ = true;
+    if (const int result = decode(*ahead_); result < 0) {
+      finish(result);
+      return nullptr;
+    }
+  }
+  if (aheadError_ != 0) {
+    finish(aheadError_);
+    return nullptr;
+  }
+  std::swap(current_, ahead_);
+  av_frame_unref(ahead_.get());
+  aheadError_ = decode(*ahead_);
+  if (aheadError_ == AVERROR_EXIT) {
+    finish(aheadError_);
+    return nullptr;
+  }
+  if (aheadError_ != 0) {
+    cutToPacket(*current_);
+  }
+  decodedFrames_ += current_->nb_samples;
+  return current_.get();
+}
+
+// Gives 0 with a frame of one sample or more, else what ended the file.
+int AudioFileDecoder::decode(AVFrame& frame) {
+  for (;;) {
+    const int result = avcodec_receive_frame(codec_.get(), &frame);
+    if (result == 0) {
+      if (frame.nb_samples > 0) {
+        return 0;
+      }
+      av_frame_unref(&frame);
+      continue;
+    }
+    if (result == AVERROR_EOF) {
+      return inputError_ != 0 ? inputError_ : AVERROR_EOF;
+    }
+    if (result != AVERROR(EAGAIN)) {
+      if (result == AVERROR(ENOMEM)) {
+        return result;
+      }
+      lostPackets_ = true;
+      if (inputError_ != 0) {
+        return inputError_;
+      }
+    }
+    if (!feed()) {
+      return inputError_;
+    }
+  }
+}
+
+// One more packet to the decoder, or the news that there is none. False when it was interrupted.
+bool AudioFileDecoder::feed() {
+  if (inputError_ != 0) {
+    return false;
+  }
+  const int result = demuxer_->read(*packet_);
+  if (result < 0) {
+    inputError_ = result;
+    if (result == AVERROR_EXIT) {
+      return false;
+    }
+    avcodec_send_packet(codec_.get(), nullptr);
+    return true;
+  }
+  const int sent = avcodec_send_packet(codec_.get(), packet_.get());
+  av_packet_unref(packet_.get());
+  lostPackets_ = lostPackets_ || sent < 0;
+  return true;
+}
+
+// An MPEG-4 file tells in the duration of its last packet how much of it is sound.
+void AudioFileDecoder::cutToPacket(AVFrame& frame) const {
+  if (!demuxer_->isMpeg4() || durationOf(frame) <= 0 || frame.sample_rate <= 0) {
+    return;
+  }
+  const std::int64_t frames = av_rescale_q_rnd(durationOf(frame), demuxer_->stream().time_base,
+                                               {1, frame.sample_rate}, AV_ROUND_NEAR_INF);
+  if (frames > 0 && frames < frame.nb_samples) {
+    frame.nb_samples = static_cast<int>(frames);
+  }
+}
+
+void AudioFileDecoder::finish(int error) {
+  ended_ = true;
+  // What stands between or behind the packets of a bare stream is mostly a tag, and no damage.
+  const bool rubbish = demuxer_->isBareStream() && decodedFrames_ > 0;
+  endError_ = error == AVERROR_EOF || (rubbish && error == AVERROR_INVALIDDATA) ? 0 : error;
+  if (endError_ == 0 && ((lostPackets_ && !rubbish) || isCutOff())) {
+    endError_ = AVERROR_INVALIDDATA;
+  }
+}
+
+// Whether the header promised more than there was.
+bool AudioFileDecoder::isCutOff() const {
+  const AVStream& stream = demuxer_->stream();
+  if (demuxer_->isLinearPcm()) {
+    const std::int64_t promised = demuxer_->promisedPcmFrames();
+    const std::int64_t bytesPerFrame = std::max(stream.codecpar->block_align, 1);
+    return promised > decodedFrames_ && !standsForUntilTheEnd(promised, bytesPerFrame);
+  }
+  const std::int64_t declared = demuxer_->declaredDuration();
+  const int rate = codec_->sample_rate;
+  // Other containers' lengths take in an encoder's silence.
+  if (declared == 0 || rate <= 0 || !(demuxer_->isMpeg4() || demuxer_->isBareStream())) {
+    return false;
+  }
+  const std::int64_t frames =
+      av_rescale_q_rnd(declared, stream.time_base, {1, rate}, AV_ROUND_NEAR_INF);
+  return frames - kToleratedFrames > decodedFrames_;
+}
+
+}  // namespace platform

@@ -1,0 +1,202 @@
+#include "platform/ffmpeg/AudioFileDemuxer.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <limits>
+#include <mutex>
+
+#include "platform/ffmpeg/Ffmpeg.h"
+
+namespace platform {
+namespace {
+
+using std::chrono::milliseconds;
+
+// By the names of the libraries' demuxers. Without it playlists, picture lists and much else that
+// is no sound file would be tried.
+constexpr const char* kContainers = "wav,w64,aiff,caf,mov,mp3,aac";
+
+// Header and first packets of a good file take milliseconds. Together below one second.
+constexpr milliseconds kHeaderWork{500};
+constexpr milliseconds kFirstPacketsWork{300};
+// More than the index of a day of sound needs.
+constexpr std::int64_t kHeaderBytes = std::int64_t{256} << 20;
+
+// A packet takes microseconds. Longer is only a search through what is no sound, for the next thing
+// that is, and after this time the file counts as ended.
+constexpr milliseconds kPacketWork{500};
+constexpr std::int64_t kPacketBytes = std::numeric_limits<std::int64_t>::max();
+
+// Bounds what a damaged length field can make the libraries allocate at once.
+constexpr std::size_t kMaxAllocation = std::size_t{512} << 20;
+
+constexpr const char* kLargerPackets = "65536";  // bytes; 16 times fewer packets of a WAV
+// Of 16-bit samples the libraries look whether they are a DTS or Dolby stream in disguise. A third
+// of a second of them shows it, and their usual 2,500 packets would cost 0.1 s for every file.
+constexpr int kDisguisePackets = 2;
+
+int refuseSecondFile(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
+  return AVERROR(EPERM);
+}
+
+int interruptionIsDue(void* interruption) {
+  return static_cast<DecodingBudget*>(interruption)->isDue() ? 1 : 0;
+}
+
+}  // namespace
+
+std::unique_ptr<AudioFileDemuxer> AudioFileDemuxer::open(File& file, std::uint64_t size,
+                                                         const std::string& path,
+                                                         DecodingBudget& interruption, int& error) {
+  static std::once_flag bounded;
+  std::call_once(bounded, [] { av_max_alloc(kMaxAllocation); });
+
+  auto io = AudioFileIo::forReading(file, size, interruption);
+  if (io == nullptr) {
+    error = AVERROR(ENOMEM);
+    return nullptr;
+  }
+  std::unique_ptr<AudioFileDemuxer> demuxer(
+      new AudioFileDemuxer(file, std::move(io), interruption));
+  error = demuxer->openContainer(path);
+  if (error >= 0) {
+    error = demuxer->chooseStream();
+  }
+  interruption.lift();
+  if (interruption.isCancelled()) {
+    error = AVERROR_EXIT;
+  } else if (error < 0 && demuxer->io_->firstError() != 0) {
+    error = demuxer->io_->firstError();
+  }
+  return error < 0 ? nullptr : std::move(demuxer);
+}
+
+AudioFileDemuxer::~AudioFileDemuxer() = default;
+
+int AudioFileDemuxer::openContainer(const std::string& path) {
+  AVFormatContext* context = avformat_alloc_context();
+  if (context == nullptr) {
+    return AVERROR(ENOMEM);
+  }
+  context->pb = io_->context();
+  context->flags |= AVFMT_FLAG_CUSTOM_IO;
+  context->io_open = refuseSecondFile;
+  context->interrupt_callback = {interruptionIsDue, &interruption_};
+  context->max_probe_packets = kDisguisePackets;
+  context->format_whitelist = av_strdup(kContainers);
+  context->protocol_whitelist = av_strdup("file");
+  AVDictionary* options = nullptr;
+  av_dict_set(&options, "max_size", kLargerPackets, 0);  // WAV's alone
+
+  interruption_.limit(kHeaderWork, kHeaderBytes);
+  const int result = avformat_open_input(&context, path.c_str(), nullptr, &options);
+  av_dict_free(&options);
+  if (result < 0) {
+    return result;  // the context is gone
+  }
+  context_.reset(context);
+  io_->clearInterruption();
+  headerEnd_ =
+      static_cast<std::uint64_t>(std::max<std::int64_t>(avio_seek(context->pb, 0, SEEK_CUR), 0));
+  return 0;
+}
+
+int AudioFileDemuxer::chooseStream() {
+  interruption_.limit(kFirstPacketsWork, kHeaderBytes);
+  for (unsigned i = 0; i < context_->nb_streams; ++i) {
+    AVStream& stream = *context_->streams[i];
+    if (stream.codecpar->codec_type != AVMEDIA_TYPE_AUDIO) {
+      stream.discard = AVDISCARD_ALL;
+    }
+  }
+  if (const int result = avformat_find_stream_info(context_.get(), nullptr); result < 0) {
+    return result;
+  }
+  io_->clearInterruption();
+  const int best = av_find_best_stream(context_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+  if (best < 0) {
+    return AVERROR_STREAM_NOT_FOUND;
+  }
+  for (unsigned i = 0; i < context_->nb_streams; ++i) {
+    context_->streams[i]->discard =
+        i == static_cast<unsigned>(best) ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+  }
+  stream_ = context_->streams[best];
+  const char* const codec = avcodec_get_name(stream_->codecpar->codec_id);
+  isLinearPcm_ = std::strncmp(codec, "pcm_", 4) == 0 &&
+                 av_get_exact_bits_per_sample(stream_->codecpar->codec_id) >= 8;
+  return 0;
+}
+
+int AudioFileDemuxer::read(AVPacket& packet) {
+  for (;;) {
+    if (interruption_.isDue()) {
+      return AVERROR_EXIT;
+    }
+    const bool limited = interruption_.limitIfNone(kPacketWork, kPacketBytes);
+    const int result = av_read_frame(context_.get(), &packet);
+    const bool endless = limited && result == AVERROR_EXIT && !interruption_.isCancelled();
+    if (limited) {
+      interruption_.lift();
+    }
+    if (endless) {
+      return AVERROR_EOF;
+    }
+    if (result < 0) {
+      // A failing medium looks like the end of the file to some demuxers.
+      return io_->firstError() != 0 && result != AVERROR_EXIT ? io_->firstError() : result;
+    }
+    if (packet.stream_index == stream_->index) {
+      if (isLinearPcm_ && stream_->codecpar->block_align > 0) {
+        packet.size -= packet.size % stream_->codecpar->block_align;  // half a frame is none
+      }
+      return 0;
+    }
+    av_packet_unref(&packet);
+  }
+}
+
+bool AudioFileDemuxer::isMpeg4() const {
+  return std::strncmp(context_->iformat->name, "mov", 3) == 0;
+}
+
+bool AudioFileDemuxer::isBareStream() const {
+  return std::strcmp(context_->iformat->name, "mp3") == 0 ||
+         std::strcmp(context_->iformat->name, "aac") == 0;
+}
+
+// Without a length in the header, or with one beyond the file's end, the libraries guess by the
+// file's size and the rate of bytes.
+bool AudioFileDemuxer::isDurationGuessed() const {
+  return context_->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
+}
+
+std::int64_t AudioFileDemuxer::declaredDuration() const {
+  return isDurationGuessed() || stream_->duration == AV_NOPTS_VALUE || stream_->duration < 0
+             ? 0
+             : stream_->duration;
+}
+
+std::int64_t AudioFileDemuxer::promisedPcmFrames() const {
+  if (stream_->nb_frames > 0) {
+    return stream_->nb_frames;
+  }
+  if (!isDurationGuessed()) {
+    return declaredDuration();  // the time base is a frame
+  }
+  // A WAV whose samples should go on behind its end: their chunk tells how far.
+  constexpr std::size_t kChunkHeader = 8;  // its name, its bytes
+  std::array<std::uint8_t, kChunkHeader> header{};
+  if (headerEnd_ < kChunkHeader || stream_->codecpar->block_align <= 0 ||
+      file_.readAt(header.data(), kChunkHeader, headerEnd_ - kChunkHeader).byteCount !=
+          kChunkHeader ||
+      std::memcmp(header.data(), "data", 4) != 0) {
+    return 0;
+  }
+  return AV_RL32(header.data() + 4) / static_cast<std::uint32_t>(stream_->codecpar->block_align);
+}
+
+}  // namespace platform

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "platform/ffmpeg/AvResources.h"
+#include "platform/ffmpeg/DecodingBudget.h"
+#include "platform/files/File.h"
+
+namespace platform {
+
+/// FFmpeg's view of a File: the only way in which the audio file classes touch a disk, so that what
+/// a File promises holds (positioned transfers, continued when interrupted, first error kept) and
+/// no protocol, list or second file is ever opened.
+///
+/// Threads: any, one at a time. Real-time: not safe.
+class AudioFileIo {
+ public:
+  /// Neither may die first. `size`: bytes of the file. Null without memory.
+  [[nodiscard]] static std::unique_ptr<AudioFileIo> forReading(File& file, std::uint64_t size,
+                                                               DecodingBudget& interruption);
+  [[nodiscard]] static std::unique_ptr<AudioFileIo> forWriting(File& file);
+
+  AudioFileIo(const AudioFileIo&) = delete;
+  AudioFileIo& operator=(const AudioFileIo&) = delete;
+
+  [[nodiscard]] AVIOContext* context() const { return context_.get(); }
+
+  /// The first failed transfer as a negative errno; 0 for none. The libraries sometimes report a
+  /// later one, or take a failure for the end of the file.
+  [[nodiscard]] int firstError() const { return firstError_; }
+
+  /// Lets reading go on after an interruption.
+  void clearInterruption();
+
+ private:
+  AudioFileIo(File& file, std::uint64_t size, DecodingBudget* interruption)
+      : file_(file), size_(size), interruption_(interruption) {}
+
+  [[nodiscard]] bool start(bool writing);
+  static int readPacket(void* self, std::uint8_t* destination, int byteCount);
+  [[nodiscard]] int write(const std::uint8_t* data, int byteCount);
+  static std::int64_t seek(void* self, std::int64_t offset, int whence);
+
+  File& file_;
+  std::uint64_t size_;
+  DecodingBudget* const interruption_;  // null when writing
+  std::uint64_t position_ = 0;
+  int firstError_ = 0;
+  AvStream context_;
+};
+
+}  // namespace platform

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/ffmpeg/AudioFileDemuxer.h"
+#include "platform/ffmpeg/DecodingBudget.h"
+#include "platform/files/File.h"
+
+namespace platform {
+
+/// Length of a file's sound in frames of the working format (44100 a second), rounded; 0 when
+/// nothing tells. Exact for good files of every kind that we write. A hint only: a damaged header
+/// may promise any length, so nothing may be allocated by it.
+///
+/// The packets of MP3 and ADTS are counted, about 2 ms for a minute of sound; what cannot be
+/// counted within half a second of work is estimated from the counted share of the file.
+///
+/// Threads: any; reads the file beside `demuxer`. Real-time: not safe.
+[[nodiscard]] std::int64_t audioFileLengthFrames(const AudioFileDemuxer& demuxer, File& file,
+                                                 std::uint64_t size, const std::string& path,
+                                                 DecodingBudget& interruption);
+
+}  // namespace platform

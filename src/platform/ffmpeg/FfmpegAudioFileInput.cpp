@@ -1,0 +1,195 @@
+#include <cerrno>
+#include <utility>
+
+#include "platform/ffmpeg/AudioFileDecoder.h"
+#include "platform/ffmpeg/AudioFileLength.h"
+#include "platform/ffmpeg/DecodingBudget.h"
+#include "platform/ffmpeg/Ffmpeg.h"
+#include "platform/ffmpeg/FfmpegLog.h"
+#include "platform/ffmpeg/FfmpegMakers.h"
+#include "platform/ffmpeg/FfmpegStatus.h"
+#include "platform/ffmpeg/WorkingFormatConverter.h"
+
+namespace platform {
+namespace {
+
+class FfmpegAudioFileInput final : public ExtAudioFileInput {
+ public:
+  [[nodiscard]] static Opened open(UserAudioFiles& files, const std::string& path,
+                                   std::shared_ptr<const std::atomic<bool>> cancelled);
+
+  ~FfmpegAudioFileInput() override;
+
+  [[nodiscard]] AudioStreamBasicDescription fileDataFormat() const override;
+  [[nodiscard]] AudioStatus setClientDataFormat(
+      const AudioStreamBasicDescription& format) const override;
+  [[nodiscard]] std::int64_t fileLengthFrames() override;
+  [[nodiscard]] Read read(float* destination, std::uint32_t frames) override;
+  [[nodiscard]] AudioStatus seekToStart() override;
+
+ private:
+  FfmpegAudioFileInput(std::string path, std::shared_ptr<const std::atomic<bool>> cancelled)
+      : path_(std::move(path)), interruption_(std::move(cancelled)) {}
+
+  [[nodiscard]] AudioStatus start();
+  [[nodiscard]] AudioStatus statusOf(AudioFileStage stage, int error) const;
+  void end(AudioStatus status);
+
+  const std::string path_;
+  DecodingBudget interruption_;
+  FfmpegLog::Budget log_;
+  std::unique_ptr<File> file_;
+  std::uint64_t size_ = 0;                     // bytes
+  std::unique_ptr<AudioFileDecoder> decoder_;  // null when starting over failed
+  WorkingFormatConverter converter_;
+  bool ended_ = false;
+  AudioStatus endStatus_ = kAudioStatusOk;
+  std::int64_t lengthFrames_ = -1;  // below 0: not asked yet
+};
+
+std::uint32_t formatId(const AVCodecParameters& parameters, bool isLinearPcm) {
+  if (isLinearPcm) {
+    return kLinearPcmFormat;
+  }
+  switch (parameters.codec_id) {
+    case AV_CODEC_ID_AAC:
+      return fourCharacterCode("aac ");
+    case AV_CODEC_ID_MP3:
+      return fourCharacterCode(".mp3");
+    case AV_CODEC_ID_ALAC:
+      return fourCharacterCode("alac");
+    default:
+      return __builtin_bswap32(parameters.codec_tag);  // the libraries keep the first one lowest
+  }
+}
+
+}  // namespace
+
+ExtAudioFileInput::Opened openInput(UserAudioFiles& files, const std::string& path,
+                                    std::shared_ptr<const std::atomic<bool>> cancelled) {
+  return FfmpegAudioFileInput::open(files, path, std::move(cancelled));
+}
+
+ExtAudioFileInput::Opened FfmpegAudioFileInput::open(
+    UserAudioFiles& files, const std::string& path,
+    std::shared_ptr<const std::atomic<bool>> cancelled) {
+  std::unique_ptr<FfmpegAudioFileInput> input(new FfmpegAudioFileInput(path, std::move(cancelled)));
+  if (input->interruption_.isCancelled()) {
+    return {.file = nullptr, .status = kCancelledStatus};
+  }
+  auto opened = files.openForReading(path);
+  if (!opened) {
+    return {.file = nullptr,
+            .status = audioFileStatus(AudioFileStage::opening, AVERROR(opened.error()))};
+  }
+  input->file_ = *std::move(opened);
+  input->size_ = input->file_->size();
+  if (input->size_ == 0) {
+    return {.file = nullptr, .status = kEmptyFileStatus};
+  }
+  const AudioStatus status = input->start();
+  return {.file = status == kAudioStatusOk ? std::move(input) : nullptr, .status = status};
+}
+
+FfmpegAudioFileInput::~FfmpegAudioFileInput() {
+  const FfmpegLog::Scope scope(log_);
+  decoder_.reset();
+}
+
+AudioStatus FfmpegAudioFileInput::start() {
+  const FfmpegLog::Scope scope(log_);
+  int error = 0;
+  decoder_ = AudioFileDecoder::open(*file_, size_, path_, interruption_, error);
+  return decoder_ != nullptr ? kAudioStatusOk : statusOf(AudioFileStage::opening, error);
+}
+
+AudioStatus FfmpegAudioFileInput::statusOf(AudioFileStage stage, int error) const {
+  return interruption_.isCancelled() ? kCancelledStatus : audioFileStatus(stage, error);
+}
+
+AudioStreamBasicDescription FfmpegAudioFileInput::fileDataFormat() const {
+  if (decoder_ == nullptr) {
+    return {};
+  }
+  const AVCodecParameters& parameters = *decoder_->demuxer().stream().codecpar;
+  const bool isLinearPcm = decoder_->demuxer().isLinearPcm();
+  AudioStreamBasicDescription format;
+  format.mSampleRate = parameters.sample_rate;
+  format.mFormatID = formatId(parameters, isLinearPcm);
+  format.mChannelsPerFrame = static_cast<std::uint32_t>(parameters.ch_layout.nb_channels);
+  if (isLinearPcm) {
+    format.mFramesPerPacket = 1;
+    format.mBitsPerChannel =
+        static_cast<std::uint32_t>(av_get_exact_bits_per_sample(parameters.codec_id));
+    format.mBytesPerFrame = format.mBitsPerChannel / 8 * format.mChannelsPerFrame;
+    format.mBytesPerPacket = format.mBytesPerFrame;
+  } else {
+    format.mFramesPerPacket = static_cast<std::uint32_t>(parameters.frame_size);
+  }
+  return format;
+}
+
+AudioStatus FfmpegAudioFileInput::setClientDataFormat(
+    const AudioStreamBasicDescription& format) const {
+  AudioStreamBasicDescription known = format;
+  known.mReserved = 0;  // may hold anything
+  if (known != kWorkingFormat) {
+    return kInvalidParameterStatus;
+  }
+  const AudioStreamBasicDescription file = fileDataFormat();
+  return WorkingFormatConverter::canConvert(static_cast<int>(file.mSampleRate),
+                                            static_cast<int>(file.mChannelsPerFrame))
+             ? kAudioStatusOk
+             : kUnsupportedDataFormatStatus;
+}
+
+std::int64_t FfmpegAudioFileInput::fileLengthFrames() {
+  if (lengthFrames_ < 0 && decoder_ != nullptr) {
+    const FfmpegLog::Scope scope(log_);
+    lengthFrames_ = audioFileLengthFrames(decoder_->demuxer(), *file_, size_, path_, interruption_);
+  }
+  return lengthFrames_ < 0 ? 0 : lengthFrames_;
+}
+
+FfmpegAudioFileInput::Read FfmpegAudioFileInput::read(float* destination, std::uint32_t frames) {
+  const FfmpegLog::Scope scope(log_);
+  constexpr std::size_t kChannels = 2;
+  std::uint32_t done = converter_.take(destination, frames);
+  while (done < frames && !ended_) {
+    AVFrame* const frame = decoder_ != nullptr ? decoder_->next() : nullptr;
+    if (frame == nullptr) {
+      const int error = decoder_ != nullptr ? decoder_->endError() : AVERROR_INVALIDDATA;
+      const int finished = converter_.finish();
+      end(error != 0 ? statusOf(AudioFileStage::reading, error)
+                     : statusOf(AudioFileStage::reading, finished));
+    } else if (const int put =
+                   converter_.put(*frame, destination + done * kChannels, frames - done);
+               put < 0) {
+      static_cast<void>(converter_.finish());
+      end(statusOf(AudioFileStage::reading, put));
+    } else {
+      done += static_cast<std::uint32_t>(put);
+    }
+    done += converter_.take(destination + done * kChannels, frames - done);
+  }
+  if (endStatus_ == kCancelledStatus || interruption_.isCancelled()) {
+    return {.frames = 0, .status = kCancelledStatus};
+  }
+  return {.frames = done,
+          .status = done == 0 && ended_ && frames > 0 ? endStatus_ : kAudioStatusOk};
+}
+
+void FfmpegAudioFileInput::end(AudioStatus status) {
+  ended_ = true;
+  endStatus_ = status;
+}
+
+AudioStatus FfmpegAudioFileInput::seekToStart() {
+  decoder_.reset();
+  converter_ = {};
+  ended_ = false;
+  endStatus_ = kAudioStatusOk;
+  return start();
+}
+
+}  // namespace platform

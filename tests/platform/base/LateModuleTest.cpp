@@ -1,0 +1,26 @@
+#include "platform/base/LateModule.h"
+
+#include <gmock/gmock.h>
+
+#include "support/fakes/RecordingServices.h"
+
+namespace platform {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+TEST(LateModule, ThatIsMissingIsLoggedByItsName) {
+  const support::InstalledRecordingServices services;
+  EXPECT_EQ(makeFromModule<int>("orvo-there-is-none"), nullptr);
+  EXPECT_THAT(services->consoleLines(), ElementsAre(HasSubstr("orvo-there-is-none")));
+}
+
+TEST(LateModule, WithoutAFactoryCountsAsMissing) {
+  const support::InstalledRecordingServices services;
+  EXPECT_EQ(makeFromModule<int>("libQt6Core"), nullptr);  // a library, but none of ours
+  EXPECT_THAT(services->consoleLines(), ElementsAre(HasSubstr("orvoModule")));
+}
+
+}  // namespace
+}  // namespace platform

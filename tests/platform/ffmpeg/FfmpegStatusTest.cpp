@@ -1,0 +1,66 @@
+#include "platform/ffmpeg/FfmpegStatus.h"
+
+#include <cerrno>
+
+#include <gmock/gmock.h>
+
+#include "platform/ffmpeg/Ffmpeg.h"
+
+namespace platform {
+namespace {
+
+constexpr AudioFileStage kStages[]{AudioFileStage::opening, AudioFileStage::reading,
+                                   AudioFileStage::writing};
+
+TEST(AudioFileStatus, NoErrorIsNoFailure) {
+  for (const AudioFileStage stage : kStages) {
+    EXPECT_EQ(audioFileStatus(stage, 0), kAudioStatusOk);
+    EXPECT_EQ(audioFileStatus(stage, 17), kAudioStatusOk);
+  }
+}
+
+TEST(AudioFileStatus, ErrorsOfTheSystemMeanTheSameAtEveryStage) {
+  for (const AudioFileStage stage : kStages) {
+    EXPECT_EQ(audioFileStatus(stage, AVERROR(ENOENT)), kFileNotFoundStatus);
+    EXPECT_EQ(audioFileStatus(stage, AVERROR(EACCES)), kFilePermissionStatus);
+    EXPECT_EQ(audioFileStatus(stage, AVERROR(EROFS)), kFilePermissionStatus);
+    EXPECT_EQ(audioFileStatus(stage, AVERROR(EISDIR)), kFolderStatus);
+    EXPECT_EQ(audioFileStatus(stage, AVERROR(ENOSPC)), kDiskFullStatus);
+    EXPECT_EQ(audioFileStatus(stage, AVERROR(EDQUOT)), kDiskFullStatus);
+    EXPECT_EQ(audioFileStatus(stage, AVERROR(EFBIG)), kFileTooLargeStatus);
+    EXPECT_EQ(audioFileStatus(stage, AVERROR(EIO)), kFileInputOutputStatus);
+    EXPECT_EQ(audioFileStatus(stage, AVERROR(ENOMEM)), kOutOfMemoryStatus);
+  }
+}
+
+TEST(AudioFileStatus, InvalidDataIsAWrongKindWhenOpenedAndDamageWhenRead) {
+  EXPECT_EQ(audioFileStatus(AudioFileStage::opening, AVERROR_INVALIDDATA),
+            kUnsupportedFileTypeStatus);
+  EXPECT_EQ(audioFileStatus(AudioFileStage::reading, AVERROR_INVALIDDATA), kInvalidFileStatus);
+  EXPECT_EQ(audioFileStatus(AudioFileStage::opening, AVERROR_STREAM_NOT_FOUND), kNoAudioStatus);
+  EXPECT_EQ(audioFileStatus(AudioFileStage::opening, AVERROR_DECODER_NOT_FOUND),
+            kUnsupportedDataFormatStatus);
+}
+
+TEST(AudioFileStatus, AnUnknownErrorIsStillAFailureAndNeverACancel) {
+  for (const AudioFileStage stage : kStages) {
+    for (const int error : {-1'000'000, AVERROR_BUG, AVERROR_EXIT, AVERROR(ECANCELED)}) {
+      EXPECT_NE(audioFileStatus(stage, error), kAudioStatusOk);
+      EXPECT_NE(audioFileStatus(stage, error), kCancelledStatus);
+    }
+  }
+}
+
+// Reports of a read show the low 16 bits alone: they must not make a success of a failure.
+TEST(AudioFileStatus, NoStatusVanishesInItsLowHalf) {
+  for (const AudioStatus status :
+       {kFileNotFoundStatus, kFilePermissionStatus, kFolderStatus, kNotARegularFileStatus,
+        kEmptyFileStatus, kBadFileNameStatus, kNoAudioStatus, kUnsupportedDataFormatStatus,
+        kInvalidFileStatus, kDiskFullStatus, kFileTooLargeStatus, kFileInputOutputStatus,
+        kTooManyOpenFilesStatus, kOutOfMemoryStatus, kUnsupportedFileTypeStatus}) {
+    EXPECT_NE(static_cast<std::uint32_t>(status) & 0xFFFFU, 0U) << status;
+  }
+}
+
+}  // namespace
+}  // namespace platform
