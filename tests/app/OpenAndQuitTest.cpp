@@ -13,7 +13,7 @@
 #include "audio/OVAQRecorder.h"
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
-#include "platform/desktop/FileAddress.h"
+#include "platform/desktop/FileUri.h"
 #include "platform/files/File.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/FailingTemporaryFiles.h"
@@ -141,7 +141,7 @@ TEST_F(OpenAndQuitTest, ADroppedFileIsOpenedByTheBytesOfItsName) {
   OVRecorderWindow* const window = spawn();
   const std::string name = "caf\xE9 100%41 \xFF.wav";  // no UTF-8, and no escape
   QMimeData data;
-  const std::string address = platform::fileAddressOf(writeFile(name));
+  const std::string address = platform::fileUriOf(writeFile(name));
   data.setData("text/uri-list", QByteArray::fromStdString("# a list\r\n" + address + "\r\n"));
   QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(window, &enter);

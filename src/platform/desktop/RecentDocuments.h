@@ -6,15 +6,16 @@
 
 namespace platform {
 
-/// The documents that were opened lately, in the desktop's own list. Tests put in one of their own.
+/// The documents that were opened lately, in the desktop's own list. The application installs the
+/// list at start-up, tests one of their own.
 ///
 /// Threads: any, one at a time. Real-time: not safe.
 class RecentDocuments {
  public:
   virtual ~RecentDocuments() = default;
 
-  /// Says that the file at `path` was opened or saved just now. A relative path counts from the
-  /// working folder. Failures are told to the diagnostics console and to nobody else.
+  /// Notes that the file at `path` was opened or saved just now. A relative path counts from the
+  /// working folder. Failures are logged to the diagnostics console only.
   virtual void noteNewRecentDocument(const std::string& path) = 0;
 
   /// Paths of audio files that Orvo has noted, the latest first, at most `most`, only those that
@@ -22,10 +23,11 @@ class RecentDocuments {
   [[nodiscard]] virtual std::vector<std::string> recentDocuments(std::size_t most) const = 0;
 };
 
-/// The installed list; at first the desktop's (XbelRecentDocuments).
+/// The installed list; with none installed, one that is always empty and writes what it is given
+/// to standard error.
 RecentDocuments& recentDocuments();
 
-/// Puts another in for as long as the installation lives. Threads: main.
+/// Installs a list for as long as the installation lives; installations nest. Threads: main.
 class RecentDocumentsInstallation {
  public:
   explicit RecentDocumentsInstallation(RecentDocuments& documents);

@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "platform/desktop/XbelRecentDocuments.h"
-
 namespace {
 
 using platform::recentDocuments;
 using platform::RecentDocumentsInstallation;
 using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
 
 class FixedRecentDocuments : public platform::RecentDocuments {
  public:
@@ -22,11 +22,14 @@ class FixedRecentDocuments : public platform::RecentDocuments {
   std::vector<std::string> noted;
 };
 
-TEST(TheRecentDocuments, AreTheDesktopsAtFirst) {
-  EXPECT_NE(dynamic_cast<platform::XbelRecentDocuments*>(&recentDocuments()), nullptr);
+TEST(RecentDocuments, WithNoListInstalledAreALineOnStandardError) {
+  testing::internal::CaptureStderr();
+  recentDocuments().noteNewRecentDocument("/a.wav");
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("/a.wav"));
+  EXPECT_THAT(recentDocuments().recentDocuments(9), IsEmpty());
 }
 
-TEST(TheRecentDocuments, AreOthersForAsLongAsTheyAreInstalled) {
+TEST(RecentDocuments, GoToTheListThatWasInstalledLast) {
   FixedRecentDocuments outer;
   FixedRecentDocuments inner;
   {
@@ -39,7 +42,7 @@ TEST(TheRecentDocuments, AreOthersForAsLongAsTheyAreInstalled) {
     EXPECT_THAT(recentDocuments().recentDocuments(9), ElementsAre("/outer.wav"));
   }
   EXPECT_THAT(inner.noted, ElementsAre("/inner.wav"));
-  EXPECT_NE(dynamic_cast<platform::XbelRecentDocuments*>(&recentDocuments()), nullptr);
+  EXPECT_THAT(recentDocuments().recentDocuments(9), IsEmpty());
 }
 
 }  // namespace
