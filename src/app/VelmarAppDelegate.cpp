@@ -78,7 +78,6 @@ OVMainMenu::ApplicationCommands VelmarAppDelegate::commands() {
       .openRecentFile = [this](const std::string& path) { applicationOpenFile(path); },
       .terminate = [this] { terminate(); },
       .openDocumentation = [this] { openDocumentation(nullptr); },
-      .openWebsite = [this] { openWebsite(nullptr); },
       .showDiagnostics = [this] { showDiagnostics(); },
       .showAbout = [this] { showAbout(); },
   };

@@ -251,13 +251,12 @@ TEST_F(OpenAndQuitTest, AFileCanBeOpenedFromAWindowWithoutStorage) {
 }
 
 TEST_F(OpenAndQuitTest, DocumentationAndWebsiteOpenInTheBrowser) {
-  OVRecorderWindow* const window = spawn();
-  item(window, "Documentation")->trigger();
-  item(window, "Website")->trigger();
+  item(spawn(), "Documentation")->trigger();
+  delegate_.openWebsite(nullptr);
   EXPECT_EQ(desktop_.opened.size(), 2U);
   EXPECT_THAT(services_->alerts(), IsEmpty());
   desktop_.knowsPrograms = false;
-  item(window, "Website")->trigger();
+  delegate_.openWebsite(nullptr);
   EXPECT_EQ(services_->alerts().size(), 1U);
 }
 
