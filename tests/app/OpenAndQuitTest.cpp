@@ -315,6 +315,45 @@ TEST_F(OpenAndQuitTest, EachOfSeveralEditedWindowsAsks) {
   EXPECT_TRUE(awaitQuit());
 }
 
+TEST_F(OpenAndQuitTest, AWindowThatBecomesEditedDuringTheQuitIsAskedAsWell) {
+  answerQuestionsWith(std::nullopt);
+  spawnEdited();
+  OVRecorderWindow* const later = spawn();
+  delegate_.terminate();
+  ASSERT_EQ(panels_->sheets(), 1U);
+  later->setDocumentEdited(true);
+  EXPECT_TRUE(runMainLoopUntil([&] { return panels_->sheets() == 2; }));
+  panels_->answerSheet(VLRecorderWindowController::kDontSave);
+  panels_->answerSheet(VLRecorderWindowController::kDontSave);
+  EXPECT_TRUE(awaitQuit());
+  EXPECT_FALSE(delegate_.isTerminating());
+}
+
+TEST_F(OpenAndQuitTest, CancelInAWindowThatBecameEditedDuringTheQuitEndsIt) {
+  answerQuestionsWith(std::nullopt);
+  spawnEdited();
+  OVRecorderWindow* const later = spawn();
+  delegate_.terminate();
+  panels_->answerSheet(VLRecorderWindowController::kDontSave);
+  later->setDocumentEdited(true);
+  ASSERT_TRUE(runMainLoopUntil([&] { return panels_->sheets() == 1; }));
+  panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+  EXPECT_FALSE(delegate_.isTerminating());
+  EXPECT_TRUE(later->isVisible());
+  EXPECT_EQ(quits_, 0);
+}
+
+TEST_F(OpenAndQuitTest, AWindowIsAskedOnceWhileTheQuitWaits) {
+  answerQuestionsWith(std::nullopt);
+  OVRecorderWindow* const asked = spawnEdited();
+  OVRecorderWindow* const later = spawn();
+  delegate_.terminate();
+  asked->showMinimized();  // the question would bring it back
+  later->setDocumentEdited(true);
+  ASSERT_TRUE(runMainLoopUntil([&] { return panels_->sheets() == 2; }));
+  EXPECT_TRUE(asked->isMinimized());
+}
+
 TEST_F(OpenAndQuitTest, CancelInOneOfTwoWindowsKeepsItAndTheProgram) {
   answerQuestionsWith(std::nullopt);
   spawnEdited();
