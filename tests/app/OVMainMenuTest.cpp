@@ -23,10 +23,9 @@ class OVMainMenuTest : public AppDelegateTest {
   OVRecorderWindow* window() {
     if (!window_) {
       const auto controller = VLRecorderWindowController::initWithWindowNibName("VNRecorderWindow");
-      const auto before = windows();
+      window_ = controller->window();
+      new OVMainMenu(controller, commands());  // belongs to the window
       controller->showWindow();
-      window_ = newcomer(before);
-      new OVMainMenu(controller, commands());
     }
     return window_;
   }
