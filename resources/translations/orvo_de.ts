@@ -136,10 +136,6 @@
         <translation>Dokumentation</translation>
     </message>
     <message>
-        <source>Website</source>
-        <translation>Website</translation>
-    </message>
-    <message>
         <source>Diagnostics</source>
         <translation>Diagnose</translation>
     </message>

@@ -136,10 +136,6 @@
         <translation>Documentación</translation>
     </message>
     <message>
-        <source>Website</source>
-        <translation>Sitio web</translation>
-    </message>
-    <message>
         <source>Diagnostics</source>
         <translation>Diagnóstico</translation>
     </message>

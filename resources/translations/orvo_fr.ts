@@ -136,10 +136,6 @@
         <translation>Documentation</translation>
     </message>
     <message>
-        <source>Website</source>
-        <translation>Site web</translation>
-    </message>
-    <message>
         <source>Diagnostics</source>
         <translation>Diagnostic</translation>
     </message>

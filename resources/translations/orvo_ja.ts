@@ -136,10 +136,6 @@
         <translation>ドキュメント</translation>
     </message>
     <message>
-        <source>Website</source>
-        <translation>ウェブサイト</translation>
-    </message>
-    <message>
         <source>Diagnostics</source>
         <translation>診断</translation>
     </message>

@@ -136,10 +136,6 @@
         <translation>文档</translation>
     </message>
     <message>
-        <source>Website</source>
-        <translation>网站</translation>
-    </message>
-    <message>
         <source>Diagnostics</source>
         <translation>诊断</translation>
     </message>

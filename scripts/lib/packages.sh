@@ -6,7 +6,7 @@
 # qt6-translations-l10n has the texts of Qt's own dialogs.
 build_packages=(
   g++ cmake ninja-build pkg-config
-  qt6-base-dev qt6-l10n-tools qt6-translations-l10n libcubeb-dev
+  qt6-base-dev qt6-l10n-tools qt6-translations-l10n libglib2.0-dev libcubeb-dev
   libavformat-dev libavcodec-dev libswresample-dev libavutil-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )

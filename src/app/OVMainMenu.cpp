@@ -154,7 +154,6 @@ void OVMainMenu::addTransportMenu() {
   };
   add(textKey("Record"), textKey("R"), &Controller::recMenu);
   add(textKey("Play"), textKey("Space"), &Controller::playMenu);
-  add(textKey("Pause"), std::nullopt, &Controller::pauseMenu);
   add(textKey("Stop"), std::nullopt, &Controller::stopMenu);
   menu->addSeparator();
   add(textKey("To Start"), textKey("Return"), &Controller::prevMenu);
@@ -172,7 +171,6 @@ void OVMainMenu::addHelpMenu() {
   QMenu* const menu = addMenu(textKey("&Help"));
   addCommand(menu, textKey("Documentation"), commands_.openDocumentation)
       ->setShortcut(QKeySequence::HelpContents);
-  addCommand(menu, textKey("Website"), commands_.openWebsite);
   menu->addSeparator();
   addCommand(menu, textKey("Diagnostics"), commands_.showDiagnostics);
   addCommand(menu, textKey("About Orvo"), commands_.showAbout);

@@ -29,7 +29,6 @@ class OVMainMenu : public QObject {
     std::function<void(const std::string& path)> openRecentFile;
     std::function<void()> terminate;
     std::function<void()> openDocumentation;
-    std::function<void()> openWebsite;
     std::function<void()> showDiagnostics;
     std::function<void()> showAbout;
   };

@@ -80,7 +80,6 @@ OVMainMenu::ApplicationCommands VelmarAppDelegate::commands() {
       .openRecentFile = [this](const std::string& path) { applicationOpenFile(path); },
       .terminate = [this] { terminate(); },
       .openDocumentation = [this] { openDocumentation(nullptr); },
-      .openWebsite = [this] { openWebsite(nullptr); },
       .showDiagnostics = [this] { showDiagnostics(); },
       .showAbout = [this] { showAbout(); },
   };
@@ -146,17 +145,24 @@ std::vector<QPointer<OVRecorderWindow>> VelmarAppDelegate::recorderWindows() con
   return shown;
 }
 
-VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate() {
-  platform::assertMainThread();
-  bool edited = false;
-  cancelledWhileAsking_ = false;
-  for (const auto& window : recorderWindows()) {
-    if (window && window->isDocumentEdited()) {
-      edited = true;
+// A window is asked when it becomes edited, not at every check: asking brings it to the front.
+bool VelmarAppDelegate::askEditedWindows() {
+  auto edited = recorderWindows();
+  std::erase_if(edited, [](const auto& window) { return !window->isDocumentEdited(); });
+  const auto asked = std::exchange(askedWindows_, edited);
+  for (const auto& window : edited) {
+    if (window && std::find(asked.begin(), asked.end(), window) == asked.end()) {
       window->performClose();
     }
   }
-  if (!edited) {
+  return !edited.empty();
+}
+
+VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate() {
+  platform::assertMainThread();
+  cancelledWhileAsking_ = false;
+  askedWindows_.clear();
+  if (!askEditedWindows()) {
     return TerminateReply::now;
   }
   if (!cancelledWhileAsking_) {  // otherwise one of them cannot be asked now
@@ -190,12 +196,9 @@ void VelmarAppDelegate::checkTermination() {
     terminationCanceled_ = false;
     return;
   }
-  for (const auto& window : recorderWindows()) {
-    if (window && window->isDocumentEdited()) {
-      return;
-    }
+  if (!askEditedWindows()) {
+    terminate();
   }
-  terminate();
 }
 
 void VelmarAppDelegate::cancelTermination() {
@@ -203,6 +206,7 @@ void VelmarAppDelegate::cancelTermination() {
   terminationCanceled_ = true;
   cancelledWhileAsking_ = true;
   terminationTimer_.reset();
+  askedWindows_.clear();
   terminationCanceled_ = false;
 }
 

@@ -60,8 +60,8 @@ class VelmarAppDelegate {
   /// edited. While one is, checkTermination is called 30 times a second, unless one of them cannot
   /// be asked because another panel stands in front of it.
   TerminateReply applicationShouldTerminate();
-  /// Ends the wait of a quit: terminates once no window is edited any more. A window that is just
-  /// being saved is waited for as well.
+  /// Ends the wait of a quit: terminates once no window is edited any more. A window that has
+  /// become edited since then is asked as well, one that is just being saved is waited for.
   void checkTermination();
   /// A document's question was answered with Cancel: the quit is off.
   void cancelTermination();
@@ -100,6 +100,8 @@ class VelmarAppDelegate {
   [[nodiscard]] std::vector<QPointer<OVRecorderWindow>> recorderWindows() const;
   std::shared_ptr<VLRecorderWindowController> makeWindow();
   void openInNewWindow(const std::string& path);
+  /// Asks the edited windows that were not edited at the last call. False when none is edited.
+  bool askEditedWindows();
   void pollTermination();
   static void openPage(platform::TextKey address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
@@ -109,6 +111,7 @@ class VelmarAppDelegate {
   std::function<bool()> alertsPending_;
   std::vector<QPointer<OVRecorderWindow>> windows_;  // as they were made; gone ones are null
   bool spawn_rec_ = false;
+  std::vector<QPointer<OVRecorderWindow>> askedWindows_;  // by the quit that is under way
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
   bool cancelledWhileAsking_ = false;  // a window refused while the windows were being asked

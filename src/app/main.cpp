@@ -16,11 +16,12 @@
 #include "app/OVSessionEnd.h"
 #include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
+#include "audio/OVFileKinds.h"
 #include "platform/desktop/DesktopColours.h"
-#include "platform/desktop/FileAddress.h"
+#include "platform/desktop/FileUri.h"
+#include "platform/desktop/GLibRecentDocuments.h"
 #include "platform/desktop/QtDesktopServices.h"
 #include "platform/desktop/QtFileDialogs.h"
-#include "platform/desktop/XbelRecentDocuments.h"
 #include "platform/mainloop/FontPreparation.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/mainloop/TerminationSignals.h"
@@ -42,12 +43,12 @@ std::shared_ptr<OVApplicationServices> servicesOf(VelmarAppDelegate& delegate) {
   });
 }
 
-// Files come as paths, byte for byte, or as addresses: the desktop's list of recent files says so.
+// Files come as paths, byte for byte, or as URIs, as the list of recent files has them.
 std::vector<std::string> filesOf(int argc, char** argv) {
   std::vector<std::string> paths;
   for (int i = 1; i < argc; ++i) {
     const std::string argument = argv[i];
-    paths.push_back(platform::pathOfFileAddress(argument).value_or(argument));
+    paths.push_back(platform::pathOfFileUri(argument).value_or(argument));
   }
   return paths;
 }
@@ -80,8 +81,8 @@ int main(int argc, char** argv) {
   const platform::Installed<platform::DesktopServices>::Scope installedDesktop(
       std::make_shared<platform::QtDesktopServices>());
   const platform::Installed<platform::RecentDocuments>::Scope installedDocuments(
-      std::make_shared<platform::XbelRecentDocuments>(
-          platform::XbelRecentDocuments::desktopFile()));
+      std::make_shared<platform::GLibRecentDocuments>(platform::GLibRecentDocuments::desktopFile(),
+                                                      mimeTypeOfPath));
   QApplication::setApplicationName("Orvo");
   QApplication::setApplicationVersion(ORVO_VERSION);
   QApplication::setDesktopFileName("orvo");

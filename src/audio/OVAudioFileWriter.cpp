@@ -16,13 +16,6 @@ std::optional<platform::AudioFileKind> kindOf(std::uint32_t outputFormat) {
   return static_cast<platform::AudioFileKind>(outputFormat);
 }
 
-static_assert(static_cast<std::uint32_t>(platform::AudioFileKind::wave) ==
-              OVAudioFileWriter::kWave);
-static_assert(static_cast<std::uint32_t>(platform::AudioFileKind::aiff) ==
-              OVAudioFileWriter::kAiff);
-static_assert(static_cast<std::uint32_t>(platform::AudioFileKind::caf) == OVAudioFileWriter::kCaf);
-static_assert(static_cast<std::uint32_t>(platform::AudioFileKind::m4a) == OVAudioFileWriter::kAac);
-
 }  // namespace
 
 std::shared_ptr<OVAudioFileWriter> OVAudioFileWriter::initWithFile(const std::string& path,

@@ -26,11 +26,11 @@ class OVAudioFileWriter {
   struct Key {};
 
  public:
-  /// Kinds of output files.
-  static constexpr std::uint32_t kWave = 0;  ///< WAV, 16 bits; RF64 where it passes 4 GB
-  static constexpr std::uint32_t kAiff = 1;  ///< AIFF, 16 bits; below 4 GB
-  static constexpr std::uint32_t kCaf = 2;   ///< CAF, 16 bits
-  static constexpr std::uint32_t kAac = 3;   ///< AAC at 256 kbit/s in an MPEG-4 file
+  /// Kinds of output files: WAV, AIFF and CAF of 16 bits, AAC in an MPEG-4 file.
+  static constexpr auto kWave = static_cast<std::uint32_t>(platform::AudioFileKind::wave);
+  static constexpr auto kAiff = static_cast<std::uint32_t>(platform::AudioFileKind::aiff);
+  static constexpr auto kCaf = static_cast<std::uint32_t>(platform::AudioFileKind::caf);
+  static constexpr auto kAac = static_cast<std::uint32_t>(platform::AudioFileKind::m4a);
 
   /// A writer of the file at `path`, or null when that fails; it was told then.
   ///

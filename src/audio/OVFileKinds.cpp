@@ -2,30 +2,45 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <filesystem>
 
 namespace {
 
 using platform::textKey;
 
-constexpr std::array kWavSuffixes{"wav"};
-constexpr std::array kAiffSuffixes{"aiff", "aif"};
-constexpr std::array kCafSuffixes{"caf"};
-constexpr std::array kAacSuffixes{"m4a", "mp4"};
-
 constexpr std::array kKinds{
-    OVFileKind{0, textKey("WAV"), kWavSuffixes},
-    OVFileKind{1, textKey("AIFF"), kAiffSuffixes},
-    OVFileKind{2, textKey("CAF"), kCafSuffixes},
-    OVFileKind{3, textKey("AAC"), kAacSuffixes},
+    OVFileKind{0, textKey("WAV")},
+    OVFileKind{1, textKey("AIFF")},
+    OVFileKind{2, textKey("CAF")},
+    OVFileKind{3, textKey("AAC")},
+};
+constexpr std::int32_t kReadOnly = -1;
+
+struct Suffix {
+  const char* name;
+  const char* mimeType;  // one that the program's desktop entry lists
+  std::int32_t type;     // of the kind that is written under it, or kReadOnly
 };
 
-std::string lowerCaseSuffix(const std::string& path) {
-  std::string suffix = std::filesystem::path(path).extension().string();
-  std::transform(suffix.begin(), suffix.end(), suffix.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return suffix.empty() ? suffix : suffix.substr(1);
+// In the order of the open panel. Of several suffixes of a kind the last is the usual one.
+constexpr std::array kSuffixes{
+    Suffix{"caf", "audio/x-caf", 2},        Suffix{"aif", "audio/x-aiff", 1},
+    Suffix{"aiff", "audio/x-aiff", 1},      Suffix{"wav", "audio/x-wav", 0},
+    Suffix{"mp3", "audio/mpeg", kReadOnly}, Suffix{"mp4", "video/mp4", 3},
+    Suffix{"m4a", "audio/mp4", 3},          Suffix{"m4r", "audio/mp4", kReadOnly},
+    Suffix{"aac", "audio/aac", kReadOnly},
+};
+
+// Null for a file that is not readable by its name.
+const Suffix* suffixOf(const std::string& path) {
+  std::string extension = std::filesystem::path(path).extension().string();
+  for (char& c : extension) {
+    c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  }
+  const auto* const found = std::find_if(
+      kSuffixes.begin(), kSuffixes.end(),
+      [&extension](const Suffix& suffix) { return extension == std::string(".") + suffix.name; });
+  return found == kSuffixes.end() ? nullptr : found;
 }
 
 }  // namespace
@@ -35,31 +50,40 @@ std::span<const OVFileKind> writableFileKinds() {
 }
 
 const OVFileKind* fileKindOfType(std::int32_t type) {
-  const auto found = std::find_if(kKinds.begin(), kKinds.end(),
-                                  [type](const OVFileKind& kind) { return kind.type == type; });
-  return found == kKinds.end() ? nullptr : &*found;
+  const auto* const found = std::find_if(
+      kKinds.begin(), kKinds.end(), [type](const OVFileKind& kind) { return kind.type == type; });
+  return found == kKinds.end() ? nullptr : found;
 }
 
 std::int32_t fileTypeOfPath(const std::string& path) {
-  const std::string suffix = lowerCaseSuffix(path);
-  for (const OVFileKind& kind : kKinds) {
-    if (std::find(kind.suffixes.begin(), kind.suffixes.end(), suffix) != kind.suffixes.end()) {
-      return kind.type;
-    }
-  }
-  return -1;
+  const Suffix* const suffix = suffixOf(path);
+  return suffix == nullptr ? kReadOnly : suffix->type;
 }
 
 std::vector<std::string> suffixesOfType(std::int32_t type) {
-  const OVFileKind* const kind = fileKindOfType(type);
-  return kind == nullptr ? std::vector<std::string>()
-                         : std::vector<std::string>(kind->suffixes.begin(), kind->suffixes.end());
+  std::vector<std::string> suffixes;
+  for (const Suffix& suffix : kSuffixes) {
+    if (suffix.type == type && type != kReadOnly) {
+      suffixes.insert(suffixes.begin(), suffix.name);
+    }
+  }
+  return suffixes;
 }
 
 const std::vector<std::string>& readableFileTypes() {
-  static const std::vector<std::string> types{"caf", "aif", "aiff", "wav", "mp3",
-                                              "mp4", "m4a", "m4r",  "aac"};
+  static const std::vector<std::string> types = [] {
+    std::vector<std::string> names;
+    for (const Suffix& suffix : kSuffixes) {
+      names.emplace_back(suffix.name);
+    }
+    return names;
+  }();
   return types;
+}
+
+std::string mimeTypeOfPath(const std::string& path) {
+  const Suffix* const suffix = suffixOf(path);
+  return suffix == nullptr ? "" : suffix->mimeType;
 }
 
 std::string lastPathComponent(const std::string& path) {

@@ -3,7 +3,7 @@
 #include <QPainter>
 
 #include "controls/OVPanelDrawing.h"
-#include "platform/views/OpaqueGround.h"
+#include "platform/views/ViewDrawing.h"
 
 OVBackgroundBox::OVBackgroundBox(QWidget* parent) : QFrame(parent) {
   setAttribute(Qt::WA_OpaquePaintEvent);

@@ -4,15 +4,30 @@
 #include <QPainter>
 
 #include "controls/OVLoadingIndicator.h"
-#include "controls/OVLoadingLabel.h"
 #include "platform/base/MainThread.h"
 
 namespace {
 
+constexpr int kWordsSize = 11;  // points of the views' grid
+const QColor kWordsColor = QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.8F);
 // Between the two colours of the waveform's gradient, and nearly opaque.
 const QColor kGround = QColor::fromRgb(36, 50, 69, 230);
 
 }  // namespace
+
+OVLoadingLabel::OVLoadingLabel(QWidget* parent) : QLabel(parent) {
+  QFont font(QStringLiteral("Arial"));
+  font.setPixelSize(kWordsSize);
+  setFont(font);
+  setTextFormat(Qt::PlainText);
+}
+
+// Not the desktop's style: it would grey the words out while the waveform below is disabled.
+void OVLoadingLabel::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setPen(kWordsColor);
+  painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter, text());
+}
 
 OVLoadingPanel::OVLoadingPanel(QWidget* parent) : OVOverlayView(parent) {
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -1,6 +1,22 @@
 #pragma once
 
+#include <QLabel>
+
 #include "controls/OVOverlayView.h"
+
+/// The words beside the progress bar that say what goes on, in small light letters for a dark
+/// ground.
+///
+/// Threads: main. Real-time: not safe.
+class OVLoadingLabel : public QLabel {
+  Q_OBJECT
+
+ public:
+  explicit OVLoadingLabel(QWidget* parent = nullptr);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+};
 
 /// The panel over the waveform that holds the progress bar and the words beside it: an overlay on a
 /// ground of the waveform's own, so that the marker's line does not cross the words. It is as wide

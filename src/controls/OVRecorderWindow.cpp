@@ -11,7 +11,7 @@
 #include <QMimeData>
 
 #include "controls/OVRecorderWindowDelegate.h"
-#include "platform/desktop/FileAddress.h"
+#include "platform/desktop/FileUri.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/views/KeyCodes.h"
 
@@ -20,11 +20,11 @@ namespace {
 constexpr QSize kContentSize(640, 330);             // points
 const QString kEditedMark = QStringLiteral("[*]");  // where Qt shows the mark for unsaved changes
 
-// From the addresses as they were sent: a QUrl replaces the bytes of a name that is no UTF-8.
+// From the URIs as they were sent: a QUrl replaces the bytes of a name that is no UTF-8.
 std::vector<std::string> localFiles(const QMimeData& data) {
   std::vector<std::string> paths;
   for (const QByteArray& line : data.data(QStringLiteral("text/uri-list")).split('\n')) {
-    if (auto path = platform::pathOfFileAddress(line.trimmed().toStdString())) {
+    if (auto path = platform::pathOfFileUri(line.trimmed().toStdString())) {
       paths.push_back(*std::move(path));
     }
   }

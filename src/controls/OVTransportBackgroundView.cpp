@@ -3,7 +3,7 @@
 #include <QPainter>
 
 #include "controls/OVPanelDrawing.h"
-#include "platform/views/OpaqueGround.h"
+#include "platform/views/ViewDrawing.h"
 
 OVTransportBackgroundView::OVTransportBackgroundView(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_OpaquePaintEvent);

@@ -3,7 +3,6 @@
 #include <QPainter>
 
 #include "platform/mainloop/Localization.h"
-#include "platform/views/OpaqueGround.h"
 #include "platform/views/ViewAccessibility.h"
 #include "platform/views/ViewDrawing.h"
 

@@ -7,7 +7,6 @@
 #include <QWidget>
 
 #include "displays/OVVUViewDataSource.h"
-#include "displays/OVVUViewDelegate.h"
 #include "platform/mainloop/Timer.h"
 
 /// What the level meters share: the polling. A subclass draws what it got.

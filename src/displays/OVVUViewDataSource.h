@@ -15,3 +15,11 @@ class OVVUViewDataSource {
   /// Threads: main. Real-time: not safe.
   [[nodiscard]] virtual std::optional<std::vector<float>> dataForVUView(QWidget* view) = 0;
 };
+
+/// The delegate that a meter keeps; meters call nothing on it.
+///
+/// Threads: main. Real-time: not safe.
+class OVVUViewDelegate {
+ public:
+  virtual ~OVVUViewDelegate() = default;
+};

@@ -13,7 +13,7 @@
 #include "audio/OVAQRecorder.h"
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
-#include "platform/desktop/FileAddress.h"
+#include "platform/desktop/FileUri.h"
 #include "platform/files/TemporaryFiles.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/FailingTemporaryFiles.h"
@@ -141,7 +141,7 @@ TEST_F(OpenAndQuitTest, ADroppedFileIsOpenedByTheBytesOfItsName) {
   OVRecorderWindow* const window = spawn();
   const std::string name = "caf\xE9 100%41 \xFF.wav";  // no UTF-8, and no escape
   QMimeData data;
-  const std::string address = platform::fileAddressOf(writeFile(name));
+  const std::string address = platform::fileUriOf(writeFile(name));
   data.setData("text/uri-list", QByteArray::fromStdString("# a list\r\n" + address + "\r\n"));
   QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(window, &enter);
@@ -251,13 +251,12 @@ TEST_F(OpenAndQuitTest, AFileCanBeOpenedFromAWindowWithoutStorage) {
 }
 
 TEST_F(OpenAndQuitTest, DocumentationAndWebsiteOpenInTheBrowser) {
-  OVRecorderWindow* const window = spawn();
-  item(window, "Documentation")->trigger();
-  item(window, "Website")->trigger();
+  item(spawn(), "Documentation")->trigger();
+  delegate_.openWebsite(nullptr);
   EXPECT_EQ(desktop_.opened.size(), 2U);
   EXPECT_THAT(services_->alerts(), IsEmpty());
   desktop_.knowsPrograms = false;
-  item(window, "Website")->trigger();
+  delegate_.openWebsite(nullptr);
   EXPECT_EQ(services_->alerts().size(), 1U);
 }
 
@@ -314,6 +313,45 @@ TEST_F(OpenAndQuitTest, EachOfSeveralEditedWindowsAsks) {
   EXPECT_TRUE(delegate_.isTerminating());
   panels_->answerSheet(VLRecorderWindowController::kDontSave);
   EXPECT_TRUE(awaitQuit());
+}
+
+TEST_F(OpenAndQuitTest, AWindowThatBecomesEditedDuringTheQuitIsAskedAsWell) {
+  answerQuestionsWith(std::nullopt);
+  spawnEdited();
+  OVRecorderWindow* const later = spawn();
+  delegate_.terminate();
+  ASSERT_EQ(panels_->sheets(), 1U);
+  later->setDocumentEdited(true);
+  EXPECT_TRUE(runMainLoopUntil([&] { return panels_->sheets() == 2; }));
+  panels_->answerSheet(VLRecorderWindowController::kDontSave);
+  panels_->answerSheet(VLRecorderWindowController::kDontSave);
+  EXPECT_TRUE(awaitQuit());
+  EXPECT_FALSE(delegate_.isTerminating());
+}
+
+TEST_F(OpenAndQuitTest, CancelInAWindowThatBecameEditedDuringTheQuitEndsIt) {
+  answerQuestionsWith(std::nullopt);
+  spawnEdited();
+  OVRecorderWindow* const later = spawn();
+  delegate_.terminate();
+  panels_->answerSheet(VLRecorderWindowController::kDontSave);
+  later->setDocumentEdited(true);
+  ASSERT_TRUE(runMainLoopUntil([&] { return panels_->sheets() == 1; }));
+  panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+  EXPECT_FALSE(delegate_.isTerminating());
+  EXPECT_TRUE(later->isVisible());
+  EXPECT_EQ(quits_, 0);
+}
+
+TEST_F(OpenAndQuitTest, AWindowIsAskedOnceWhileTheQuitWaits) {
+  answerQuestionsWith(std::nullopt);
+  OVRecorderWindow* const asked = spawnEdited();
+  OVRecorderWindow* const later = spawn();
+  delegate_.terminate();
+  asked->showMinimized();  // the question would bring it back
+  later->setDocumentEdited(true);
+  ASSERT_TRUE(runMainLoopUntil([&] { return panels_->sheets() == 2; }));
+  EXPECT_TRUE(asked->isMinimized());
 }
 
 TEST_F(OpenAndQuitTest, CancelInOneOfTwoWindowsKeepsItAndTheProgram) {

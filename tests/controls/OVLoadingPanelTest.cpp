@@ -6,7 +6,6 @@
 #include <QHBoxLayout>
 
 #include "controls/OVLoadingIndicator.h"
-#include "controls/OVLoadingLabel.h"
 #include "support/Pixels.h"
 
 namespace {

@@ -6,15 +6,13 @@
 #include "controls/OVBackgroundBox.h"
 #include "controls/OVDisplayWell.h"
 #include "controls/OVLoadingIndicator.h"
-#include "controls/OVLoadingLabel.h"
 #include "controls/OVLoadingPanel.h"
 #include "controls/OVOverlayView.h"
-#include "controls/buttons/OVHoverButton.h"
-#include "controls/buttons/OVLeftTransportButtonCell.h"
-#include "controls/buttons/OVRightTransportButtonCell.h"
-#include "controls/buttons/OVRoundedTransportButton.h"
 #include "controls/OVTransportBackgroundView.h"
+#include "controls/buttons/OVHoverButton.h"
+#include "controls/buttons/OVRoundedTransportButton.h"
 #include "controls/buttons/OVTransportButton.h"
+#include "controls/buttons/OVTransportButtonCell.h"
 #include "gallery/GalleryPages.h"
 
 namespace {

@@ -104,8 +104,9 @@ bool isSystemHeader(const std::string& name) {
   }
   const std::size_t slash = name.find('/');
   const std::string folder = slash == std::string::npos ? std::string() : name.substr(0, slash);
-  return folder.empty() ? !name.starts_with("cubeb") && !name.starts_with("qt")
-                        : folder == "sys" || folder == "linux" || folder == "dispatch";
+  return folder.empty()
+             ? !name.starts_with("cubeb") && !name.starts_with("glib") && !name.starts_with("qt")
+             : folder == "sys" || folder == "linux" || folder == "dispatch";
 }
 
 }  // namespace

@@ -140,7 +140,7 @@ TEST(SourceTree, HeaderIncludedOnTwoWaysIsNoCircle) {
 
 TEST(SourceTree, PureFileThatSeesALibraryIsFound) {
   for (const char* library : {"<QString>", "<QtCore/QString>", "<cubeb/cubeb.h>", "<cubeb.h>",
-                              "<libavformat/avformat.h>", "\"audio/B.h\""}) {
+                              "<glib.h>", "<libavformat/avformat.h>", "\"audio/B.h\""}) {
     const SourceTree tree{{"storage/A.h", "#include " + std::string(library) + "\n"},
                           {"audio/B.h", ""}};
     EXPECT_THAT(complaintsAboutPureFiles(tree, {"storage/A.h"}), SizeIs(1)) << library;

@@ -45,3 +45,13 @@ void OVTransportButtonCell::paintEvent(QPaintEvent* /*event*/) {
     painter.drawPrimitive(QStyle::PE_FrameFocusRect, focus);
   }
 }
+
+void OVLeftTransportButtonCell::drawBezelWithFrame(QPainter& painter, const QRectF& frame,
+                                                   const QWidget* /*inView*/) const {
+  drawLeftTypeButtonWithFrame(painter, frame, isHighlighted());
+}
+
+void OVRightTransportButtonCell::drawBezelWithFrame(QPainter& painter, const QRectF& frame,
+                                                    const QWidget* /*inView*/) const {
+  drawRightTypeButtonWithFrame(painter, frame, isHighlighted());
+}

@@ -18,8 +18,8 @@ class RecentDocuments {
   virtual ~RecentDocuments() = default;
   static std::shared_ptr<RecentDocuments> whenNoneIsInstalled();
 
-  /// Says that the file at `path` was opened or saved just now. A relative path counts from the
-  /// working folder. Failures are told to the diagnostics console and to nobody else.
+  /// Notes that the file at `path` was opened or saved just now. A relative path counts from the
+  /// working folder. Failures are logged to the diagnostics console only.
   virtual void noteNewRecentDocument(const std::string& path) = 0;
 
   /// Paths of audio files that Orvo has noted, the latest first, at most `most`, only those that

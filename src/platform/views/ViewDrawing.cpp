@@ -53,6 +53,10 @@ QPen viewPen(const QColor& color, double width) {
   return pen;
 }
 
+void paintOpaqueGround(QPainter& painter, const QRect& view, const QColor& ground) {
+  painter.fillRect(view.adjusted(-1, -1, 1, 1), ground);
+}
+
 void drawViewGradient(QPainter& painter, QSizeF size, const QColor& bottom, const QColor& top) {
   QLinearGradient gradient(0.0, 0.0, 0.0, size.height());
   gradient.setColorAt(0.0, bottom);

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QPainter>
 #include <QPen>
+#include <QRect>
 #include <QSizeF>
 
 /// What views share when they draw: their coordinates, their pens, and the ground with its grid.
@@ -20,6 +21,12 @@ void useViewCoordinates(QPainter& painter, QSizeF viewSize);
 
 /// A solid pen with flat caps and mitre joins (limit 10). `width` is in points.
 [[nodiscard]] QPen viewPen(const QColor& color, double width);
+
+/// The first thing that a view paints which declares itself opaque: fills every pixel of it with
+/// `ground`, also those at its edges that it covers in part, where points and pixels do not meet.
+/// What is drawn later covers these only in part, and nothing else paints them. The painter stands
+/// in the widget's own coordinates and is clipped to it, as in every paint event.
+void paintOpaqueGround(QPainter& painter, const QRect& view, const QColor& ground);
 
 /// Fills a view of `size`, points, with a gradient from `bottom` to `top`.
 void drawViewGradient(QPainter& painter, QSizeF size, const QColor& bottom, const QColor& top);

@@ -7,8 +7,6 @@
 #include <QSignalSpy>
 
 #include "ControlsWindow.h"
-#include "controls/buttons/OVLeftTransportButtonCell.h"
-#include "controls/buttons/OVRightTransportButtonCell.h"
 #include "controls/buttons/OVTransportArtwork.h"
 #include "support/Pixels.h"
 

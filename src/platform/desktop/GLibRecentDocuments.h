@@ -10,35 +10,36 @@
 
 namespace platform {
 
-/// The desktop's list of recent files: recently-used.xbel, which every program of the desktop reads
-/// and writes (freedesktop.org's Desktop Bookmarks). A document that is noted is registered there
-/// under the name "Orvo".
+/// The desktop's list of recent files over GLib's bookmark file: recently-used.xbel, which every
+/// program of the desktop reads and writes. A document that is noted is registered there under the
+/// name "Orvo".
 ///
-/// What others wrote there stays to the byte, also what is written while a document is being noted.
+/// Entries of other programs are kept, also those that are written while a document is being noted.
 /// The list is replaced in one step and keeps its permissions; a new one, and folders made for it,
-/// are readable by the user alone. A list that cannot be read, is no ordinary file, may not be
-/// written or is larger than kMaxList is left as it is, with one line to the console for each
-/// document that is not noted. An empty file counts as an empty list.
+/// are readable by the user alone. A list that GLib cannot read (damaged, or with elements it does
+/// not know), is no ordinary file, may not be written or is larger than kMaxList is left as it is,
+/// with one line to the console for each document that is not noted. An empty file counts as an
+/// empty list.
 ///
 /// Threads: any, one at a time. Real-time: not safe.
-class XbelRecentDocuments : public RecentDocuments {
+class GLibRecentDocuments : public RecentDocuments {
  public:
   /// In bytes: ten thousand entries. Desktops keep a thousand at most.
   static constexpr std::size_t kMaxList = std::size_t{8} << 20;
 
+  /// The MIME type of a file, by its path; empty for one that recentDocuments() leaves out.
+  using MimeTypeOf = std::function<std::string(const std::string& path)>;
   using Clock = std::function<std::chrono::system_clock::time_point()>;
 
   /// `file` is the list's path. The clock is asked between reading the list and writing it.
-  explicit XbelRecentDocuments(std::string file, Clock clock = std::chrono::system_clock::now);
+  GLibRecentDocuments(std::string file, MimeTypeOf mimeTypeOf,
+                      Clock clock = std::chrono::system_clock::now);
 
   /// Where the desktop keeps its list: in XDG_DATA_HOME, or in ~/.local/share where that is not set
   /// or not an absolute path.
   [[nodiscard]] static std::string desktopFile();
 
   void noteNewRecentDocument(const std::string& path) override;
-
-  /// Audio files are those with a suffix that Orvo opens: caf, aif, aiff, wav, mp3, mp4, m4a, m4r,
-  /// aac, in capitals or not.
   [[nodiscard]] std::vector<std::string> recentDocuments(std::size_t most) const override;
 
  private:
@@ -48,6 +49,7 @@ class XbelRecentDocuments : public RecentDocuments {
   Outcome replace(const std::string& before, const std::string& after) const;
 
   const std::string file_;
+  const MimeTypeOf mimeTypeOf_;
   const Clock clock_;
 };
 
