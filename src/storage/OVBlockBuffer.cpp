@@ -206,6 +206,13 @@ void OVBlockBuffer::redo() {
   }
 }
 
+void OVBlockBuffer::rollBack() {
+  const platform::MutexLock lock(bufferLock_);
+  restore(*waypointStack_.at(waypointPos_ - 1));
+  --waypointPos_;
+  waypointStack_.erase(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_));
+}
+
 void OVBlockBuffer::restore(const OVBufferState& state) {
   blocklist_ = state.list();
   bufferFillSize_.store(state.bufferFillSize(), std::memory_order_relaxed);

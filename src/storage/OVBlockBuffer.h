@@ -95,6 +95,9 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   /// Restores what the last undo() kept, once. Does not move among the waypoints.
   void redo() override;
 
+  /// Throws std::out_of_range when there is no waypoint.
+  void rollBack() override;
+
   void lock() override ACQUIRE(bufferLock_);
   void unlock() override RELEASE(bufferLock_);
 

@@ -33,11 +33,12 @@ const std::map<std::string, std::set<std::string>>& arrows() {
       {"controls/buttons", {"platform/views"}},
       {"controls", {"controls/buttons", "platform/views", "platform/desktop"}},
       {"document/summaries", {"waveform/views"}},
-      {"document/spectrum", {"storage", "platform/media"}},
-      {"document/files", {"audio"}},
-      {"document",
-       {"document/summaries", "document/spectrum", "document/files", "controls", "displays",
-        "waveform/views", "audio", "platform/desktop"}},
+      {"document/editing", {"document/summaries", "controls"}},
+      {"document/transport", {"document/editing", "audio"}},
+      {"document/display", {"document/transport", "displays"}},
+      {"document/spectrum", {"storage", "platform/media", "controls", "displays"}},
+      {"document/files", {"document/display", "platform/desktop"}},
+      {"document", {"document/files", "document/spectrum"}},
       {"app", {"document", "platform/cubeb"}},
   };
   return below;

@@ -1,5 +1,6 @@
 #include "document/summaries/OVDocumentSummaries.h"
 
+#include <new>
 #include <utility>
 
 #include "platform/base/AudioTypes.h"
@@ -11,15 +12,25 @@
 
 namespace {
 
+using Build = std::function<std::shared_ptr<OVWaveformSummary>()>;
+
+/// The summary and a copy of it; none of both where the memory does not suffice.
+std::pair<std::shared_ptr<OVWaveformSummary>, std::shared_ptr<OVWaveformSummary>> buildWithMemory(
+    const Build& build) try {
+  const auto summary = build();
+  return {summary, summary ? summary->copy() : nullptr};
+} catch (const std::bad_alloc&) {
+  return {};
+}
+
 // Recordings longer than this many seconds are drawn from a static summary when they are recorded
 // over: all of them.
 constexpr double kStaticSummaryThreshold = 0.0;
 
 }  // namespace
 
-OVDocumentSummaries::OVDocumentSummaries(std::function<void()> refreshed)
-    : refreshed_(std::move(refreshed)),
-      work_(std::make_shared<OVSummaryWork>()),
+OVDocumentSummaries::OVDocumentSummaries()
+    : work_(std::make_shared<OVSummaryWork>()),
       extensionQueued_(std::make_shared<std::atomic<bool>>(false)) {}
 
 OVDocumentSummaries::~OVDocumentSummaries() = default;
@@ -59,11 +70,10 @@ void OVDocumentSummaries::show() {
 // Edits -----------------------------------------------------------------------------------------
 
 void OVDocumentSummaries::keep() {
-  prevWaveform_ = waveForm_->copy();
-  prevIsStale_ = false;
-  keptInARefresh_ = isRefreshing_;
-  keptLength_ = buffer_->bufferSizeInFrames();
-  if (waveForm_->readerPos() > buffer_->bufferSizeInFrames()) {
+  const std::uint64_t length = buffer_->bufferSizeInFrames();
+  formerKept_ = std::exchange(
+      kept_, {.summary = waveForm_->copy(), .inARefresh = isRefreshing_, .length = length});
+  if (waveForm_->readerPos() > length) {
     // The undo of an undo may leave it ahead of the audio: what comes now would not get in.
     waveForm_->setShouldRegenerateWaveform(true);
   }
@@ -77,15 +87,9 @@ void OVDocumentSummaries::willExchange() {
 
 bool OVDocumentSummaries::exchange() {
   const auto shown = waveForm_;
-  setWaveForm(prevWaveform_);
-  prevWaveform_ = shown;
+  setWaveForm(std::exchange(kept_.summary, shown));
   show();
-  return std::exchange(prevIsStale_, leavingIsStale_) || waveForm_->isRegenerating();
-}
-
-void OVDocumentSummaries::takeBack() {
-  setWaveForm(prevWaveform_);
-  abandonWork();
+  return std::exchange(kept_.isStale, leavingIsStale_) || waveForm_->isRegenerating();
 }
 
 void OVDocumentSummaries::abandonWork() {
@@ -94,29 +98,28 @@ void OVDocumentSummaries::abandonWork() {
   extensionQueued_ = std::make_shared<std::atomic<bool>>(false);
 }
 
-void OVDocumentSummaries::refresh(bool regenerate) {
+void OVDocumentSummaries::refresh(bool regenerate, std::function<void()> ended) {
   abandonWork();
   isRefreshing_ = true;
   if (regenerate) {
     // At once: a copy that is taken before the task begins has to know it, too.
     waveForm_->setShouldRegenerateWaveform(true);
   }
-  platform::globalQueue().async(
-      [self = weak_from_this(), summary = waveForm_, work = work_, epoch = work_->epoch()] {
-        if (work->generate(*summary, epoch)) {
-          platform::mainQueue().async([self, epoch] {
-            if (const auto summaries = self.lock()) {
-              summaries->refreshEnded(epoch);
-            }
-          });
-        }
-      });
+  platform::globalQueue().async([self = weak_from_this(), summary = waveForm_, work = work_,
+                                 epoch = work_->epoch(), ended = std::move(ended)] {
+    static_cast<void>(work->generate(*summary, epoch));  // the main thread asks for the epoch
+    platform::mainQueue().async([self, epoch, ended] {
+      if (const auto summaries = self.lock()) {
+        summaries->refreshEnded(epoch, ended);
+      }
+    });
+  });
 }
 
-void OVDocumentSummaries::refreshEnded(std::uint64_t epoch) {
-  if (epoch == work_->epoch()) {  // what came after it shows itself
+void OVDocumentSummaries::refreshEnded(std::uint64_t epoch, const std::function<void()>& ended) {
+  if (epoch == work_->epoch() && !work_->cancelled()) {  // what came after it shows itself
     isRefreshing_ = false;
-    refreshed_();
+    ended();
   }
 }
 
@@ -152,7 +155,7 @@ void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFram
   const double threshold = kStaticSummaryThreshold * buffer_->format().mSampleRate;
   if (static_cast<double>(size) > threshold && dynamic && position + chunkFrames < size) {
     // One that is still being generated is waited for, and takes in what is recorded meanwhile.
-    const bool unfinished = isRefreshing_ || keptInARefresh_;
+    const bool unfinished = isRefreshing_ || kept_.inARefresh;
     replace({.build = [dynamic, work = work_,
                        epoch = work_->epoch()]() -> std::shared_ptr<OVWaveformSummary> {
                return work->generate(*dynamic, epoch)
@@ -161,7 +164,7 @@ void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFram
              },
              .mayMissChunks = unfinished,
              // Also when the recording went past the end before it was moved back.
-             .holdsNewAudio = unfinished || size > keptLength_});
+             .holdsNewAudio = unfinished || size > kept_.length});
   }
 }
 
@@ -169,8 +172,7 @@ void OVDocumentSummaries::replace(Replacement replacement) {
   waveformIsChanging_ = true;
   platform::globalQueue().async(
       [self = weak_from_this(), replacement = std::move(replacement), epoch = work_->epoch()] {
-        const auto summary = replacement.build();
-        const auto copy = summary ? summary->copy() : nullptr;
+        const auto [summary, copy] = buildWithMemory(replacement.build);
         platform::mainQueue().async([self, replacement, summary, copy, epoch] {
           if (const auto summaries = self.lock()) {
             summaries->waveformIsChanging_ = false;
@@ -188,8 +190,8 @@ void OVDocumentSummaries::install(const Replacement& replacement,
                                   const std::shared_ptr<OVWaveformSummary>& copy) {
   setWaveForm(summary);
   putIntoView();
-  prevWaveform_ = copy;
-  prevIsStale_ = prevIsStale_ || replacement.holdsNewAudio;
+  kept_.summary = copy;
+  kept_.isStale = kept_.isStale || replacement.holdsNewAudio;
   extensionQueued_ = std::make_shared<std::atomic<bool>>(false);
   if (replacement.mayMissChunks) {
     summary->setShouldRegenerateWaveform(true);

@@ -51,12 +51,18 @@ std::string UndoManager::redoActionName() const {
   return redoStack_.empty() ? std::string() : redoStack_.back().name;
 }
 
-void UndoManager::discardLastUndo() {
+UndoManager::Sides UndoManager::sides() const {
+  Sides sides;
+  sides.undo_ = undoStack_;
+  sides.redo_ = redoStack_;
+  return sides;
+}
+
+void UndoManager::setSides(Sides sides) {
   assertMainThread();
-  if (!undoStack_.empty()) {
-    undoStack_.pop_back();
-    tellChange();
-  }
+  undoStack_ = std::move(sides.undo_);
+  redoStack_ = std::move(sides.redo_);
+  tellChange();
 }
 
 UndoManager::Stack& UndoManager::registrationStack() {

@@ -14,7 +14,7 @@ namespace platform {
 
 /// What a panel that chooses files to open shows.
 struct OpenPanelRequest {
-  QPointer<QWidget> window;  ///< the window it belongs to and blocks; null for none
+  QPointer<QWidget> window = nullptr;  ///< the window it belongs to and blocks; null for none
   QString title;
   QString acceptLabel;  ///< title of the default button
   bool allowsMultipleSelection = false;
@@ -23,7 +23,7 @@ struct OpenPanelRequest {
 
 /// What a panel that chooses where to save shows.
 struct SavePanelRequest {
-  QPointer<QWidget> window;
+  QPointer<QWidget> window = nullptr;
   QString title;
   std::string directory;      ///< where it begins; empty for where the last panel was
   std::string suggestedName;  ///< without the suffix, which follows from acceptedSuffixes
@@ -39,7 +39,7 @@ struct SavePanelRequest {
 
 /// A question with named answers, attached to a window.
 struct SheetRequest {
-  QPointer<QWidget> window;
+  QPointer<QWidget> window = nullptr;
   QString title;
   QString message;
   struct Button {

@@ -13,7 +13,6 @@
 #include "platform/mainloop/Localization.h"
 #include "platform/views/ViewAccessibility.h"
 #include "platform/views/ViewDrawing.h"
-#include "waveform/views/OVPlaybackMarkerView.h"
 
 namespace {
 
@@ -177,12 +176,12 @@ void OVWaveFormView::mouseMoveEvent(QMouseEvent* event) {
   }
 }
 
-double OVWaveFormView::markerPosition() const {
-  const auto* marker = findChild<OVPlaybackMarkerView*>();
-  return marker != nullptr ? marker->position() : 0.0;
+double OVWaveFormView::markerPosition() {
+  const auto delegate = delegate_.lock();
+  return delegate ? delegate->waveFormViewTimeLinePosition(this) : 0.0;
 }
 
-std::optional<double> OVWaveFormView::positionAfterKey(const QKeyEvent& event) const {
+std::optional<double> OVWaveFormView::positionAfterKey(const QKeyEvent& event) {
   const bool finely = event.modifiers().testFlag(Qt::ShiftModifier);
   const double step = finely ? fractionOfWidth(*this, 1.0) : kKeyStep;
   switch (event.key()) {

@@ -33,6 +33,10 @@ class OVWaveFormViewDelegate {
                                          double timeLinePosition) = 0;
   virtual void waveFormViewReceivedDrag(OVWaveFormView* view, QPointF atPosition,
                                         double timeLinePosition) = 0;
+
+  /// Where the marker is, 0 to 1 of the view's width: the keys move it from there, however long ago
+  /// it was drawn.
+  virtual double waveFormViewTimeLinePosition(OVWaveFormView* view) = 0;
 };
 
 /// Shows a waveform summary over a dark blue gradient with a grid, and turns clicks and drags into
@@ -111,8 +115,8 @@ class OVWaveFormView : public QWidget {
   void render(std::uint64_t elementCount);
   void prepareBitmap();
   void scrollGrid();
-  [[nodiscard]] double markerPosition() const;
-  [[nodiscard]] std::optional<double> positionAfterKey(const QKeyEvent& event) const;
+  [[nodiscard]] double markerPosition();
+  [[nodiscard]] std::optional<double> positionAfterKey(const QKeyEvent& event);
 
   // Guarded by waveFormLock_: set by whoever installs a summary, read by the main thread.
   mutable std::mutex waveFormLock_;

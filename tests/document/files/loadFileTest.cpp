@@ -1,4 +1,4 @@
-#include "document/files/OVLoadJob.h"
+#include "document/files/loadFile.h"
 
 #include <vector>
 
@@ -16,7 +16,7 @@ using testing::DoubleNear;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class OVLoadJobTest : public testing::Test {
+class LoadFileTest : public testing::Test {
  protected:
   std::shared_ptr<OVAudioFileReader> reader(std::size_t frames) {
     storage_.setBytes(support::wavBytes(44100, 2, 16, std::string(4 * frames, 'x')));
@@ -25,19 +25,19 @@ class OVLoadJobTest : public testing::Test {
     return opened;
   }
 
-  OVLoadJob::Outcome run(std::size_t frames) {
-    return OVLoadJob::run(*reader(frames), {.buffer = buffer_,
-                                            .atByteOffset = 80,
-                                            .cancelled = cancelled_,
-                                            .takeWriteError = [this] { return writeError_; },
-                                            .progress =
-                                                [this](std::uint64_t byteOffset, double step) {
-                                                  offsets_.push_back(byteOffset);
-                                                  steps_.push_back(step);
-                                                  if (offsets_.size() == cancelAfter_) {
-                                                    cancelled_->store(true);
-                                                  }
-                                                }});
+  LoadOutcome run(std::size_t frames) {
+    return loadFile(*reader(frames), {.buffer = buffer_,
+                                      .atByteOffset = 80,
+                                      .cancelled = cancelled_,
+                                      .takeWriteError = [this] { return writeError_; },
+                                      .progress =
+                                          [this](std::uint64_t byteOffset, double step) {
+                                            offsets_.push_back(byteOffset);
+                                            steps_.push_back(step);
+                                            if (offsets_.size() == cancelAfter_) {
+                                              cancelled_->store(true);
+                                            }
+                                          }});
   }
 
   support::InstalledRecordingServices services_;
@@ -51,26 +51,26 @@ class OVLoadJobTest : public testing::Test {
   std::vector<double> steps_;
 };
 
-TEST_F(OVLoadJobTest, AFileShorterThanAChunkIsOneStepOfMoreThanTheWholeBar) {
+TEST_F(LoadFileTest, AFileShorterThanAChunkIsOneStepOfMoreThanTheWholeBar) {
   EXPECT_EQ(run(1000).endOffset, 80 + 8 * 1000U);
   EXPECT_THAT(offsets_, ElementsAre(80 + 8 * 1000U));
   EXPECT_THAT(steps_, ElementsAre(DoubleNear(264.6, 1e-9)));
 }
 
-TEST_F(OVLoadJobTest, AnEmptyFileIsNoStep) {
+TEST_F(LoadFileTest, AnEmptyFileIsNoStep) {
   EXPECT_EQ(run(0).endOffset, 80U);
   EXPECT_THAT(steps_, IsEmpty());
 }
 
-TEST_F(OVLoadJobTest, ACancelEndsItBehindTheChunkThatIsStored) {
+TEST_F(LoadFileTest, ACancelEndsItBehindTheChunkThatIsStored) {
   cancelAfter_ = 1;
-  EXPECT_EQ(run(3 * OVLoadJob::kChunkFrames).endOffset, 80 + 8 * OVLoadJob::kChunkFrames);
+  EXPECT_EQ(run(3 * kLoadChunkFrames).endOffset, 80 + 8 * kLoadChunkFrames);
   EXPECT_THAT(services_->alerts(), IsEmpty());
 }
 
-TEST_F(OVLoadJobTest, AChunkThatStorageDidNotTakeIsNotCounted) {
+TEST_F(LoadFileTest, AChunkThatStorageDidNotTakeIsNotCounted) {
   writeError_ = ENOSPC;
-  const auto outcome = run(2 * OVLoadJob::kChunkFrames);
+  const auto outcome = run(2 * kLoadChunkFrames);
   EXPECT_EQ(outcome.endOffset, 80U);
   EXPECT_EQ(outcome.writeError, ENOSPC);
   EXPECT_THAT(offsets_, IsEmpty());

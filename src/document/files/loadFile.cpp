@@ -1,14 +1,20 @@
-#include "document/files/OVLoadJob.h"
+#include "document/files/loadFile.h"
 
 #include "audio/OVAudioFileReader.h"
 
-OVLoadJob::Outcome OVLoadJob::run(OVAudioFileReader& reader, const Request& request) {
-  Outcome outcome{.endOffset = request.atByteOffset};
+namespace {
+
+constexpr std::uint64_t kReaderFrameBytes = 8;  // two channels of four bytes
+
+}  // namespace
+
+LoadOutcome loadFile(OVAudioFileReader& reader, const LoadRequest& request) {
+  LoadOutcome outcome{.endOffset = request.atByteOffset};
   const auto length = reader.fileSizeInFrames();
   const double step =
-      length > 0 ? static_cast<double>(kChunkFrames) / static_cast<double>(length) : 1.0;
+      length > 0 ? static_cast<double>(kLoadChunkFrames) / static_cast<double>(length) : 1.0;
   while (!*request.cancelled) {
-    const std::uint32_t frames = reader.readFrameChunkWithSize(kChunkFrames);
+    const std::uint32_t frames = reader.readFrameChunkWithSize(kLoadChunkFrames);
     if (frames == 0 || *request.cancelled) {
       break;
     }

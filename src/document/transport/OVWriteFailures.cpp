@@ -1,4 +1,4 @@
-#include "document/files/OVWriteFailures.h"
+#include "document/transport/OVWriteFailures.h"
 
 #include <utility>
 
