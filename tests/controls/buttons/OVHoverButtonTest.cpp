@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ControlsWindow.h"
+#include "controls/ControlsWindow.h"
 #include "platform/views/NamedImage.h"
 #include "support/Pixels.h"
 

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ControlsWindow.h"
+#include "controls/ControlsWindow.h"
 #include "controls/buttons/OVTransportButton.h"
 
 namespace {

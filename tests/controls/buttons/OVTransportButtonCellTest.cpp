@@ -6,7 +6,7 @@
 #include <QAccessible>
 #include <QSignalSpy>
 
-#include "ControlsWindow.h"
+#include "controls/ControlsWindow.h"
 #include "controls/buttons/OVTransportArtwork.h"
 #include "support/Pixels.h"
 
