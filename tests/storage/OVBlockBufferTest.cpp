@@ -11,20 +11,20 @@
 
 namespace {
 
-using storagetest::Bytes;
-using storagetest::isNothing;
-using storagetest::part;
-using storagetest::pattern;
-using storagetest::read;
-using storagetest::write;
-using storagetest::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
+using support::Bytes;
+using support::isNothing;
+using support::part;
+using support::pattern;
+using support::read;
+using support::write;
+using support::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr auto kHighest = std::numeric_limits<std::uint64_t>::max();
 
-class ABlockBuffer : public storagetest::BlockBufferTest {};
+class ABlockBuffer : public support::BlockBufferTest {};
 
 TEST_F(ABlockBuffer, IsEmptyAtFirst) {
   EXPECT_THAT(buffer_->blocklist(), IsEmpty());

@@ -8,6 +8,7 @@
 
 #include "platform/base/ThreadStart.h"
 #include "platform/mainloop/MainQueue.h"
+#include "support/MainLoop.h"
 
 using platform::globalQueue;
 using platform::isMainThread;
@@ -21,7 +22,7 @@ TEST(GlobalQueue, RunsBlocksOffTheMainThreadAndSeveralAtOnce) {
       together.arrive_and_wait();
     });
   }
-  EXPECT_TRUE(globalQueue().waitUntilIdle(20));
+  EXPECT_TRUE(awaitGlobalQueue());
   EXPECT_EQ(offMain, 4);
 }
 
@@ -30,12 +31,12 @@ TEST(GlobalQueue, WaitingForIdleGivesUpAtItsDeadline) {
   globalQueue().async([&] { release.wait(); });
   EXPECT_FALSE(globalQueue().waitUntilIdle(0.01));
   release.count_down();
-  EXPECT_TRUE(globalQueue().waitUntilIdle(20));
+  EXPECT_TRUE(awaitGlobalQueue());
 }
 
 TEST(GlobalQueue, BlocksForWhichThereIsNoThreadAreRunByThoseThatAreThere) {
   globalQueue().async([] {});
-  ASSERT_TRUE(globalQueue().waitUntilIdle(20));
+  ASSERT_TRUE(awaitGlobalQueue());
   const platform::ThreadStartInstallation noThreads([](const std::function<void()>&) {
     throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
   });
@@ -49,6 +50,6 @@ TEST(GlobalQueue, BlocksForWhichThereIsNoThreadAreRunByThoseThatAreThere) {
     }));
   }
   release.count_down();
-  EXPECT_TRUE(globalQueue().waitUntilIdle(20));
+  EXPECT_TRUE(awaitGlobalQueue());
   EXPECT_EQ(ran, kBlocks);
 }

@@ -1,0 +1,264 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/sound/AudioQueue.h"
+
+/// Audio queues without a thread: a test steps them call by call, sees the order of the calls and
+/// makes any single one fail.
+///
+/// Threads: one, the test's.
+namespace support {
+
+using platform::AudioQueueBuffer;
+using platform::AudioStatus;
+
+/// What the queues of one test share: the log of calls, planned failures, what is reported.
+struct QueueScript {
+  std::vector<std::string> calls;
+  platform::AudioStreamBasicDescription description = platform::kWorkingFormat;
+  std::vector<platform::AudioQueueLevelMeterState> levels = {{0.25F, 0.5F}, {0.75F, 1.0F}};
+  std::uint64_t capturedFrames = 0;
+  std::uint32_t running = 0;
+  AudioStatus failure = platform::kAudioStatusOk;
+  bool inputFailureReportPending = true;
+  bool lossReportPending = true;
+  int queuesAlive = 0;
+  std::function<void(std::uint64_t)> whileWaiting;  ///< inside waitUntilDelivered()
+
+  /// The nth of the coming calls named `call` fails with `status`.
+  void fail(const std::string& call, AudioStatus status, int nth = 1) {
+    failures_[call] = {status, nth};
+  }
+
+  AudioStatus called(const std::string& call) {
+    calls.push_back(call);
+    const auto planned = failures_.find(call);
+    if (planned == failures_.end() || --planned->second.countdown != 0) {
+      return platform::kAudioStatusOk;
+    }
+    const auto status = planned->second.status;
+    failures_.erase(planned);
+    return status;
+  }
+
+  std::size_t count(const std::string& call) const {
+    return static_cast<std::size_t>(std::count(calls.begin(), calls.end(), call));
+  }
+
+ private:
+  struct Failure {
+    AudioStatus status;
+    int countdown;
+  };
+  std::map<std::string, Failure> failures_;
+};
+
+/// What input and output queues share, as a mixin over their interfaces.
+template <typename Interface>
+class SteppedQueue : public Interface {
+ public:
+  explicit SteppedQueue(std::shared_ptr<QueueScript> script) : script_(std::move(script)) {
+    ++script_->queuesAlive;
+  }
+  ~SteppedQueue() override { --script_->queuesAlive; }
+
+  AudioStatus allocateBuffer(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) override {
+    const auto status = script_->called("allocateBuffer");
+    if (status == platform::kAudioStatusOk) {
+      auto& made = *buffers_.emplace_back(std::make_unique<Allocated>());
+      made.bytes.resize(byteCapacity);
+      made.buffer.mAudioData = made.bytes.data();
+      made.buffer.mAudioDataBytesCapacity = byteCapacity;
+      buffer = &made.buffer;
+    }
+    return status;
+  }
+  AudioStatus enqueueBuffer(AudioQueueBuffer* buffer) override {
+    const auto status = script_->called("enqueueBuffer");
+    if (status == platform::kAudioStatusOk) {
+      enqueued.push_back(buffer);
+    }
+    return status;
+  }
+  AudioStatus start() override { return script_->called("start"); }
+  AudioStatus stopImmediately() override { return script_->called("stopImmediately"); }
+  AudioStatus dispose() override { return script_->called("dispose"); }
+  AudioStatus streamDescription(platform::AudioStreamBasicDescription& description) const override {
+    description = script_->description;
+    return script_->called("streamDescription");
+  }
+  AudioStatus enableLevelMetering(bool) override { return script_->called("enableLevelMetering"); }
+  AudioStatus currentLevels(platform::AudioQueueLevelMeterState* levels, std::size_t capacity,
+                            std::size_t& count) const override {
+    count = std::min(capacity, script_->levels.size());
+    const auto status = script_->called("currentLevels/" + std::to_string(capacity));
+    if (status == platform::kAudioStatusOk) {
+      std::copy_n(script_->levels.begin(), count, levels);
+    }
+    return status;
+  }
+
+  std::size_t allocated() const { return buffers_.size(); }
+
+  std::deque<AudioQueueBuffer*> enqueued;
+
+ protected:
+  struct Allocated {
+    AudioQueueBuffer buffer;
+    std::vector<std::byte> bytes;
+  };
+  std::shared_ptr<QueueScript> script_;
+  std::vector<std::unique_ptr<Allocated>> buffers_;
+};
+
+class SteppedInputQueue : public SteppedQueue<platform::AudioInputQueue> {
+ public:
+  SteppedInputQueue(std::shared_ptr<QueueScript> script, Callback callback, FailureListener failed)
+      : SteppedQueue(std::move(script)),
+        callback_(std::move(callback)),
+        failed_(std::move(failed)) {}
+
+  std::uint64_t capturedFrames() const override { return script_->capturedFrames; }
+  void waitUntilDelivered(std::uint64_t frame) override {
+    script_->calls.push_back("waitUntilDelivered/" + std::to_string(frame));
+    if (script_->whileWaiting) {
+      script_->whileWaiting(frame);
+    }
+  }
+  std::uint64_t lostFrames() const override { return 0; }
+
+  /// Fills the first enqueued buffer and hands it to the callback; false when none is enqueued.
+  bool deliver(const std::vector<float>& samples, std::uint64_t endFrame) {
+    if (enqueued.empty()) {
+      return false;
+    }
+    auto* buffer = enqueued.front();
+    enqueued.pop_front();
+    buffer->mAudioDataByteSize = static_cast<std::uint32_t>(samples.size() * sizeof(float));
+    std::memcpy(buffer->mAudioData, samples.data(), buffer->mAudioDataByteSize);
+    buffer->endFrame = endFrame;
+    callback_(*this, *buffer);
+    return true;
+  }
+  void failLate(AudioStatus status) { failed_(status); }
+
+ private:
+  Callback callback_;
+  FailureListener failed_;
+};
+
+class SteppedOutputQueue : public SteppedQueue<platform::AudioOutputQueue> {
+ public:
+  SteppedOutputQueue(std::shared_ptr<QueueScript> script, Callback callback)
+      : SteppedQueue(std::move(script)), callback_(std::move(callback)) {}
+
+  AudioStatus pause() override { return script_->called("pause"); }
+  AudioStatus stopAfterQueued() override { return script_->called("stopAfterQueued"); }
+  AudioStatus isRunning(std::uint32_t& running) const override {
+    running = script_->running;
+    return script_->called("isRunning");
+  }
+  AudioStatus setRunningListener(RunningListener listener) override {
+    listener_ = std::move(listener);
+    return script_->called("setRunningListener");
+  }
+  AudioStatus failure() const override { return script_->failure; }
+  std::uint64_t underrunFrames() const override { return 0; }
+
+  /// Plays the first enqueued buffer: returns its samples and hands it to the callback.
+  std::vector<float> playOne() {
+    if (enqueued.empty()) {
+      return {};
+    }
+    auto* buffer = enqueued.front();
+    enqueued.pop_front();
+    std::vector<float> samples(buffer->mAudioDataByteSize / sizeof(float));
+    std::memcpy(samples.data(), buffer->mAudioData, buffer->mAudioDataByteSize);
+    callback_(*this, *buffer);
+    return samples;
+  }
+  void changeRunning(std::uint32_t running) {
+    script_->running = running;
+    listener_(*this);
+  }
+
+ private:
+  Callback callback_;
+  RunningListener listener_;
+};
+
+class SteppedAudioQueues : public platform::AudioQueues {
+ public:
+  explicit SteppedAudioQueues(std::shared_ptr<QueueScript> script) : script_(std::move(script)) {}
+
+  AudioStatus completeFormat(platform::AudioStreamBasicDescription&) const override {
+    return script_->called("completeFormat");
+  }
+  AudioStatus newInput(const platform::AudioStreamBasicDescription& format,
+                       platform::AudioInputQueue::Callback callback,
+                       platform::AudioInputQueue::FailureListener failed,
+                       std::unique_ptr<platform::AudioInputQueue>& queue) override {
+    const auto status = answered("newInput", format);
+    if (status == platform::kAudioStatusOk) {
+      auto made =
+          std::make_unique<SteppedInputQueue>(script_, std::move(callback), std::move(failed));
+      input = made.get();
+      queue = std::move(made);
+    }
+    return status;
+  }
+  AudioStatus newOutput(const platform::AudioStreamBasicDescription& format,
+                        platform::AudioOutputQueue::Callback callback,
+                        std::unique_ptr<platform::AudioOutputQueue>& queue) override {
+    const auto status = answered("newOutput", format);
+    if (status == platform::kAudioStatusOk) {
+      auto made = std::make_unique<SteppedOutputQueue>(script_, std::move(callback));
+      output = made.get();
+      queue = std::move(made);
+    }
+    return status;
+  }
+  bool claimInputFailureAlert() override {
+    return std::exchange(script_->inputFailureReportPending, false);
+  }
+  bool claimDeviceLossAlert() override { return std::exchange(script_->lossReportPending, false); }
+
+  SteppedInputQueue* input = nullptr;    ///< the last one made
+  SteppedOutputQueue* output = nullptr;  ///< the last one made
+
+ private:
+  AudioStatus answered(const std::string& call,
+                       const platform::AudioStreamBasicDescription& format) {
+    const auto status = script_->called(call);
+    const bool known = format == platform::kWorkingFormat;
+    return known || status != platform::kAudioStatusOk ? status : platform::kInvalidParameterStatus;
+  }
+
+  std::shared_ptr<QueueScript> script_;
+};
+
+/// A member of a test fixture: stepped queues, installed for as long as it lives.
+class InstalledSteppedQueues {
+ public:
+  QueueScript* operator->() const { return script_.get(); }
+  SteppedInputQueue& input() const { return *queues_->input; }
+  SteppedOutputQueue& output() const { return *queues_->output; }
+
+ private:
+  std::shared_ptr<QueueScript> script_ = std::make_shared<QueueScript>();
+  std::shared_ptr<SteppedAudioQueues> queues_ = std::make_shared<SteppedAudioQueues>(script_);
+  platform::AudioQueuesInstallation installation_{queues_};
+};
+
+}  // namespace support
