@@ -353,9 +353,16 @@ TEST_F(ATemporaryFile, IsRemovedByItsPath) {
   EXPECT_FALSE(std::filesystem::exists(file));
 }
 
-TEST_F(ATemporaryFile, ThatIsMissingOrNotGivenIsIgnored) {
+TEST_F(ATemporaryFile, OneThatIsMissingOrNotGivenIsIgnored) {
+  const support::InstalledRecordingServices services;
+  const auto file = path_ / "take";
+  std::ofstream(file) << "x";
   OVBlockBuffer::removeTempFile((path_ / "missing").string());
   OVBlockBuffer::removeTempFile(std::nullopt);
+  EXPECT_TRUE(std::filesystem::exists(file)) << "nothing else is removed";
+  EXPECT_THAT(services->alerts(), testing::IsEmpty());
+  EXPECT_THAT(services->postedAlerts(), testing::IsEmpty());
+  EXPECT_THAT(services->consoleLines(), testing::IsEmpty());
 }
 
 TEST(ABlockBufferOnDisk, KeepsWhatItIsGivenInAFileWithoutAName) {
