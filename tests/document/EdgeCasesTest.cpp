@@ -4,7 +4,7 @@
 
 #include "audio/OVAQRecorder.h"
 #include "document/FileFixture.h"
-#include "audio/Gate.h"
+#include "support/Gate.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "waveform/views/OVWaveFormView.h"
 
@@ -34,7 +34,7 @@ class EdgeCasesTest : public DocumentFileTest {
     files_.beforeWrites([this] { gate_.pass(); });
   }
 
-  testaudio::Gate gate_;
+  support::Gate gate_;
   support::FailingTemporaryFiles files_;
   platform::TemporaryFilesInstallation installation_{files_};
 };
