@@ -11,7 +11,6 @@
 #include <QApplication>
 
 #include "app/VelmarAppDelegate.h"
-#include "audio/SteppedAudioQueues.h"
 #include "controls/OVRecorderWindow.h"
 #include "document/VLRecorderWindowController.h"
 #include "platform/desktop/RecentDocuments.h"
@@ -20,6 +19,7 @@
 #include "support/fakes/RecordingDesktop.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/ScriptedFileDialogs.h"
+#include "support/fakes/SteppedAudioQueues.h"
 
 /// Recent documents that are kept for the test alone. Threads: any.
 class KeptRecentDocuments : public platform::RecentDocuments {
@@ -52,7 +52,7 @@ class AppDelegateTest : public testing::Test {
     for (OVRecorderWindow* const window : windows()) {
       window->performClose();
     }
-    EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+    EXPECT_TRUE(awaitGlobalQueue());
     EXPECT_TRUE(runMainLoopUntil([&] { return windows().empty(); }));
   }
 
@@ -113,7 +113,7 @@ class AppDelegateTest : public testing::Test {
   VelmarAppDelegate delegate_{[this] { ++quits_; }};
   std::shared_ptr<Services> services_ = std::make_shared<Services>(delegate_);
   platform::Installed<platform::ApplicationServices>::Scope servicesInstallation_{services_};
-  testaudio::InstalledSteppedQueues queues_;
+  support::InstalledSteppedQueues queues_;
   support::InstalledScriptedPanels panels_;
   support::RecordingDesktop desktop_;
   KeptRecentDocuments recent_;

@@ -1,6 +1,6 @@
 // Whatever a person can drop on a window, opened in one: it ends in at most one alert and in a
 // window that is as good as any, while the main loop goes on.
-#include "audio/BadFiles.h"
+#include "support/BadFiles.h"
 
 #include <chrono>
 #include <filesystem>

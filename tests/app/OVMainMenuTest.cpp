@@ -155,7 +155,7 @@ TEST_F(OVMainMenuTest, FileOperationLeavesTheApplicationsItems) {
 TEST_F(OVMainMenuTest, DocumentWithoutStorageOffersWhatNeedsNone) {
   support::FailingTemporaryFiles files;
   files.failCreation(ENOSPC);
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   for (const char* name : {"Import…", "Save", "Save As…", "Export Ringtone…",
                            "Export Waveform Picture…", "Remove After Marker", "Reverse Audio"}) {
     EXPECT_FALSE(isEnabled(name)) << name;

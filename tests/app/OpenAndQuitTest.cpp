@@ -9,12 +9,12 @@
 
 #include "app/AppFixture.h"
 #include "app/OVApplicationEvents.h"
-#include "audio/Gate.h"
 #include "audio/OVAQRecorder.h"
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
 #include "platform/desktop/FileUri.h"
 #include "platform/files/TemporaryFiles.h"
+#include "support/Gate.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
@@ -502,21 +502,21 @@ TEST_F(OpenAndQuitTest, AWindowThatIsJustBeingSavedIsWaitedFor) {
 TEST_F(OpenAndQuitTest, QuittingWhileAFileIsLoadedEndsAtOnce) {
   support::FailingTemporaryFiles files;
   const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
-  testaudio::Gate gate;
+  support::Gate gate;
   files.beforeWrites([&gate] { gate.pass(); });
   delegate_.applicationOpenFile(writeFile("long.wav", 3'000'000));
   ASSERT_TRUE(gate.awaitArrival());
   delegate_.terminate();
   EXPECT_EQ(quits_, 1);
   gate.open();
-  EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+  EXPECT_TRUE(awaitGlobalQueue());
   EXPECT_EQ(files.writes(), 1U);
 }
 
 TEST_F(OpenAndQuitTest, QuittingWhileTheWaveformOfALoadedFileIsBuiltEndsAtOnce) {
   support::FailingTemporaryFiles files;
   const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
-  testaudio::Gate gate;
+  support::Gate gate;
   files.beforeReads([&gate] { gate.pass(); });
   delegate_.applicationOpenFile(writeFile("long.wav", 3'000'000));
   const auto document = documentOf(windows().at(0));
@@ -525,7 +525,7 @@ TEST_F(OpenAndQuitTest, QuittingWhileTheWaveformOfALoadedFileIsBuiltEndsAtOnce) 
   delegate_.terminate();
   EXPECT_EQ(quits_, 1);
   gate.open();
-  EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+  EXPECT_TRUE(awaitGlobalQueue());
   EXPECT_EQ(files.reads(), 1U);
 }
 

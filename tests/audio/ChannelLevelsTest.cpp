@@ -5,13 +5,13 @@
 
 #include <gmock/gmock.h>
 
-#include "audio/SteppedAudioQueues.h"
 #include "support/fakes/RecordingServices.h"
+#include "support/fakes/SteppedAudioQueues.h"
 
 namespace {
 
-using testaudio::QueueScript;
-using testaudio::SteppedInputQueue;
+using support::QueueScript;
+using support::SteppedInputQueue;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Optional;

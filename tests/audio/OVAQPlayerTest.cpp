@@ -10,20 +10,19 @@
 
 #include <gmock/gmock.h>
 
-#include "audio/SteppedAudioQueues.h"
-#include "audio/TestAudioBuffer.h"
 #include "platform/mainloop/MainQueue.h"
 #include "support/MainLoop.h"
+#include "support/TestAudio.h"
+#include "support/fakes/MemoryTestBuffer.h"
 #include "support/fakes/RecordingServices.h"
+#include "support/fakes/SteppedAudioQueues.h"
 
 // The player over queues that a test steps by hand: order of calls, every failing call, and what
 // one callback does. OVAQPlayerThreadsTest.cpp runs it over real queues.
 namespace {
 
+using support::ramp;
 using support::RecordedAlert;
-using testaudio::kFrameBytes;
-using testaudio::ramp;
-using testaudio::TestAudioBuffer;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -31,6 +30,8 @@ using testing::IsEmpty;
 using testing::Optional;
 using testing::SizeIs;
 using testing::StartsWith;
+
+constexpr std::uint64_t kFrameBytes = MemoryTestBuffer::kFrameBytes;
 
 constexpr std::uint64_t kBufferBytes = 8192;
 
@@ -61,7 +62,7 @@ class OVAQPlayerTest : public testing::Test {
   }
 
   void make(std::uint64_t frames, std::uint64_t fromByte = 0) {
-    buffer_ = std::make_shared<TestAudioBuffer>(ramp(frames));
+    buffer_ = std::make_shared<MemoryTestBuffer>(ramp(0, frames));
     player_ = OVAQPlayer::initWithBuffer(buffer_, fromByte);
     if (player_) {
       player_->setDelegate(delegate_);
@@ -76,8 +77,8 @@ class OVAQPlayerTest : public testing::Test {
   }
 
   support::InstalledRecordingServices services_;
-  testaudio::InstalledSteppedQueues queues_;
-  std::shared_ptr<TestAudioBuffer> buffer_;
+  support::InstalledSteppedQueues queues_;
+  std::shared_ptr<MemoryTestBuffer> buffer_;
   std::shared_ptr<RecordingDelegate> delegate_ = std::make_shared<RecordingDelegate>();
   std::shared_ptr<OVAQPlayer> player_;
 };
@@ -155,7 +156,7 @@ TEST_F(OVAQPlayerTest, EveryBufferIsPlayedInOrderToTheLastFrame) {
     const auto samples = queues_.output().playOne();
     played.insert(played.end(), samples.begin(), samples.end());
   }
-  EXPECT_EQ(played, ramp(5000));
+  EXPECT_EQ(played, ramp(0, 5000));
   EXPECT_TRUE(player_->isDone());
   EXPECT_EQ(queues_->count("stopAfterQueued"), 1U);
 }

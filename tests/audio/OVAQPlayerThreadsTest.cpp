@@ -8,13 +8,14 @@
 
 #include <gmock/gmock.h>
 
-#include "audio/Gate.h"
 #include "audio/OVAQPlayer.h"
-#include "audio/TestAudioBuffer.h"
-#include "audio/Threads.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/sound/DeviceAudioQueues.h"
+#include "support/Gate.h"
 #include "support/MainLoop.h"
+#include "support/TestAudio.h"
+#include "support/ThreadCount.h"
+#include "support/fakes/MemoryTestBuffer.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/ScriptedAudioDevice.h"
 
@@ -22,12 +23,12 @@
 // own thread.
 namespace {
 
-using testaudio::Gate;
-using testaudio::kFrameBytes;
-using testaudio::ramp;
-using testaudio::TestAudioBuffer;
+using support::Gate;
+using support::ramp;
 using testing::IsEmpty;
 using testing::SizeIs;
+
+constexpr std::uint64_t kFrameBytes = MemoryTestBuffer::kFrameBytes;
 
 class WatchingDelegate : public OVAQPlayerDelegate {
  public:
@@ -59,7 +60,7 @@ class OVAQPlayerThreadsTest : public testing::Test {
   }
 
   void make(std::uint64_t frames, std::uint64_t fromFrame = 0) {
-    buffer_ = std::make_shared<TestAudioBuffer>(ramp(frames));
+    buffer_ = std::make_shared<MemoryTestBuffer>(ramp(0, frames));
     makeOver(fromFrame);
   }
   void makeOver(std::uint64_t fromFrame = 0) {
@@ -108,7 +109,7 @@ class OVAQPlayerThreadsTest : public testing::Test {
   platform::Installed<platform::AudioQueues>::Scope installation_{
       std::make_shared<platform::DeviceAudioQueues>(device_)};
   std::shared_ptr<WatchingDelegate> delegate_ = std::make_shared<WatchingDelegate>();
-  std::shared_ptr<TestAudioBuffer> buffer_;
+  std::shared_ptr<MemoryTestBuffer> buffer_;
   std::shared_ptr<OVAQPlayer> player_;
   std::uint64_t pulled_ = 0;
 };
@@ -117,7 +118,7 @@ TEST_F(OVAQPlayerThreadsTest, EveryFrameIsPlayedInOrderThenTheDelegateIsTold) {
   make(20000);
   play();
   EXPECT_TRUE(runMainLoopUntil([&] { return player_->isPlaying(); }));
-  EXPECT_EQ(pullUpTo(20000), ramp(20000));
+  EXPECT_EQ(pullUpTo(20000), ramp(0, 20000));
   EXPECT_TRUE(awaitStopped());
   EXPECT_FALSE(player_->isPlaying());
   EXPECT_TRUE(player_->isDone());
@@ -129,7 +130,7 @@ TEST_F(OVAQPlayerThreadsTest, ShortClipsArePlayedWholeAndEnd) {
   for (const std::uint64_t frames : {1U, 500U, 1024U, 3000U, 3072U}) {
     make(frames);
     play();
-    EXPECT_EQ(pullUpTo(frames), ramp(frames));
+    EXPECT_EQ(pullUpTo(frames), ramp(0, frames));
     EXPECT_TRUE(awaitStopped()) << frames;
     player_->stop();
   }
@@ -146,20 +147,20 @@ TEST_F(OVAQPlayerThreadsTest, StartedAtTheEndOfTheDataItStopsByItself) {
 TEST_F(OVAQPlayerThreadsTest, PlaybackBeginsAtItsPosition) {
   make(5000, 1234);
   play();
-  EXPECT_EQ(pullUpTo(5000), ramp(5000 - 1234, 1234));
+  EXPECT_EQ(pullUpTo(5000), ramp(1234, 5000 - 1234));
 }
 
 TEST_F(OVAQPlayerThreadsTest, PauseKeepsEveryQueuedFrameForTheNextPlay) {
   make(20000);
   play();
-  EXPECT_EQ(pullUpTo(5000), ramp(5000));
+  EXPECT_EQ(pullUpTo(5000), ramp(0, 5000));
   player_->pause();
   ASSERT_TRUE(device_->awaitOutputStopped());
   EXPECT_FALSE(player_->isPlaying());
   EXPECT_THAT(device_->pull(100), IsEmpty());
   play();
   EXPECT_TRUE(player_->isPlaying());
-  EXPECT_EQ(pullUpTo(20000), ramp(15000, 5000));
+  EXPECT_EQ(pullUpTo(20000), ramp(5000, 15000));
   EXPECT_EQ(delegate_->stopped, 0);
 }
 
@@ -208,16 +209,16 @@ TEST_F(OVAQPlayerThreadsTest, ADeviceThatCannotStartIsToldOnceAndEndsThePlayback
 
 TEST_F(OVAQPlayerThreadsTest, WithoutADeviceThereIsNoPlayerAndNothingIsLeftBehind) {
   device_->failOpeningOutput(platform::kDeviceUnavailableStatus);
-  buffer_ = std::make_shared<TestAudioBuffer>(ramp(5000));
+  buffer_ = std::make_shared<MemoryTestBuffer>(ramp(0, 5000));
   testing::internal::CaptureStderr();
   EXPECT_EQ(OVAQPlayer::initWithBuffer(buffer_, 0), nullptr);
-  const auto threads = testaudio::threadCount();
+  const auto threads = support::threadCount();
   EXPECT_EQ(OVAQPlayer::initWithBuffer(buffer_, 0), nullptr);
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "Error: AudioQueueNewOutput failed ('!dev')\n"
             "Error: AudioQueueNewOutput failed ('!dev')\n");
   EXPECT_THAT(services_->alerts(), SizeIs(2));  // each answers a press of its own
-  EXPECT_EQ(testaudio::threadCount(), threads);
+  EXPECT_EQ(support::threadCount(), threads);
   EXPECT_EQ(buffer_.use_count(), 1);
 }
 
@@ -225,12 +226,12 @@ TEST_F(OVAQPlayerThreadsTest, ALastReferenceThatGoesOnTheQueuesThreadDoesNotDead
   make(20000);
   const std::weak_ptr<OVAQPlayer> watched = player_;
   delegate_->onAdvance = [this] { player_.reset(); };
-  const auto threads = testaudio::threadCount();  // the queue's own comes with play()
+  const auto threads = support::threadCount();  // the queue's own comes with play()
   play();
   EXPECT_THAT(device_->pull(1024), SizeIs(2048));
   EXPECT_TRUE(runMainLoopUntil([&] {
     return watched.expired() && device_->outputsClosed() == 1 && buffer_.use_count() == 1 &&
-           testaudio::threadCount() <= threads;
+           support::threadCount() <= threads;
   }));
   EXPECT_TRUE(drainMainQueue());  // where the queue goes
 }
@@ -243,18 +244,18 @@ TEST_F(OVAQPlayerThreadsTest, AJumpDuringPlaybackIsHeardAfterWhatWasQueued) {
   player_->setReadingPosition(40000 * kFrameBytes);
   EXPECT_THAT(device_->pull(3072), SizeIs(6144));
   ASSERT_TRUE(runMainLoopUntil([&] { return delegate_->advancedTo >= 41024; }));
-  EXPECT_EQ(device_->pull(1024), ramp(1024, 40000));
+  EXPECT_EQ(device_->pull(1024), ramp(40000, 1024));
 }
 
 TEST_F(OVAQPlayerThreadsTest, TwoHundredPlayersInARowLeaveNothingBehind) {
   make(5000);
   player_->stop();
   player_.reset();
-  const auto threads = testaudio::threadCount();
+  const auto threads = support::threadCount();
   for (int i = 0; i < 200; ++i) {
     makeOver();
     play();
-    EXPECT_EQ(pullUpTo(3000), ramp(3000));
+    EXPECT_EQ(pullUpTo(3000), ramp(0, 3000));
     const std::weak_ptr<OVAQPlayer> watched = player_;
     player_->stop();
     player_.reset();
@@ -262,7 +263,7 @@ TEST_F(OVAQPlayerThreadsTest, TwoHundredPlayersInARowLeaveNothingBehind) {
     ASSERT_TRUE(device_->awaitOutputsClosed(static_cast<std::size_t>(i) + 2));
   }
   EXPECT_EQ(buffer_.use_count(), 1);
-  EXPECT_EQ(testaudio::threadCount(), threads);
+  EXPECT_EQ(support::threadCount(), threads);
   EXPECT_THAT(services_->alerts(), IsEmpty());
   EXPECT_THAT(services_->postedAlerts(), IsEmpty());
 }

@@ -9,20 +9,19 @@
 
 #include <gmock/gmock.h>
 
-#include "audio/SteppedAudioQueues.h"
-#include "audio/TestAudioBuffer.h"
 #include "support/MainLoop.h"
+#include "support/TestAudio.h"
+#include "support/fakes/MemoryTestBuffer.h"
 #include "support/fakes/RecordingServices.h"
+#include "support/fakes/SteppedAudioQueues.h"
 
 // The recorder over queues that a test steps by hand: order of calls, every failing call, and
 // what one callback does. OVAQRecorderThreadsTest.cpp runs it over real queues.
 namespace {
 
 using platform::AudioStatus;
+using support::ramp;
 using support::RecordedAlert;
-using testaudio::kFrameBytes;
-using testaudio::ramp;
-using testaudio::TestAudioBuffer;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -30,6 +29,9 @@ using testing::IsEmpty;
 using testing::Optional;
 using testing::SizeIs;
 using testing::StartsWith;
+using Transfer = MemoryTestBuffer::Transfer;
+
+constexpr std::uint64_t kFrameBytes = MemoryTestBuffer::kFrameBytes;
 
 constexpr std::uint64_t kBufferFrames = 4096;
 constexpr std::uint64_t kBufferBytes = kBufferFrames * kFrameBytes;
@@ -51,12 +53,12 @@ class OVAQRecorderTest : public testing::Test {
   bool capture() {
     const auto first = queues_->capturedFrames;
     queues_->capturedFrames += kBufferFrames;
-    return queues_.input().deliver(ramp(kBufferFrames, first), queues_->capturedFrames);
+    return queues_.input().deliver(ramp(first, kBufferFrames), queues_->capturedFrames);
   }
 
   support::InstalledRecordingServices services_;
-  testaudio::InstalledSteppedQueues queues_;
-  std::shared_ptr<TestAudioBuffer> buffer_ = std::make_shared<TestAudioBuffer>();
+  support::InstalledSteppedQueues queues_;
+  std::shared_ptr<MemoryTestBuffer> buffer_ = std::make_shared<MemoryTestBuffer>();
   std::shared_ptr<OVAQRecorder> recorder_;
 };
 
@@ -149,8 +151,7 @@ TEST_F(OVAQRecorderTest, RecordingWritesEachBufferAtTheWritingPositionAndAdvance
   capture();
   capture();
   EXPECT_THAT(buffer_->writes(),
-              ElementsAre(TestAudioBuffer::Write{800, kBufferBytes},
-                          TestAudioBuffer::Write{800 + kBufferBytes, kBufferBytes}));
+              ElementsAre(Transfer{800, kBufferBytes}, Transfer{800 + kBufferBytes, kBufferBytes}));
   EXPECT_EQ(recorder_->writingPosition(), 800U + 2 * kBufferBytes);
   EXPECT_THAT(queues_.input().enqueued, SizeIs(3));
 }
@@ -158,7 +159,7 @@ TEST_F(OVAQRecorderTest, RecordingWritesEachBufferAtTheWritingPositionAndAdvance
 TEST_F(OVAQRecorderTest, AShortCapturedBufferAdvancesByItsOwnSize) {
   make();
   recorder_->record();
-  EXPECT_TRUE(queues_.input().deliver(ramp(100), 100));
+  EXPECT_TRUE(queues_.input().deliver(ramp(0, 100), 100));
   EXPECT_EQ(recorder_->writingPosition(), 100U * kFrameBytes);
 }
 
@@ -181,8 +182,8 @@ TEST_F(OVAQRecorderTest, PauseThenRecordGoesOnAtTheWritingPositionWithoutAGap) {
   capture();
   recorder_->record();
   capture();
-  EXPECT_THAT(buffer_->writes(), ElementsAre(TestAudioBuffer::Write{0, kBufferBytes},
-                                             TestAudioBuffer::Write{kBufferBytes, kBufferBytes}));
+  EXPECT_THAT(buffer_->writes(),
+              ElementsAre(Transfer{0, kBufferBytes}, Transfer{kBufferBytes, kBufferBytes}));
   const auto samples = buffer_->samples();
   EXPECT_EQ(samples.at(2 * (kBufferFrames - 1)), kBufferFrames - 1);
   EXPECT_EQ(samples.at(2 * kBufferFrames), 2 * kBufferFrames);
@@ -192,7 +193,7 @@ TEST_F(OVAQRecorderTest, WhatWasCapturedBeforeRecordIsNotWrittenThoughDeliveredA
   make();
   queues_->capturedFrames = 2 * kBufferFrames;  // lies in the ring at the press
   recorder_->record();
-  queues_.input().deliver(ramp(kBufferFrames, 0), kBufferFrames);
+  queues_.input().deliver(ramp(0, kBufferFrames), kBufferFrames);
   queues_.input().deliver(ramp(kBufferFrames, kBufferFrames), 2 * kBufferFrames);
   EXPECT_THAT(buffer_->writes(), IsEmpty());
   capture();
@@ -208,12 +209,12 @@ TEST_F(OVAQRecorderTest, PauseStillWritesWhatWasCapturedBeforeItAndNothingLater)
     EXPECT_EQ(frame, 2 * kBufferFrames);
     EXPECT_TRUE(recorder_->isRecording());
     for (std::uint64_t end = kBufferFrames; end <= 3 * kBufferFrames; end += kBufferFrames) {
-      queues_.input().deliver(ramp(kBufferFrames, end - kBufferFrames), end);
+      queues_.input().deliver(ramp(end - kBufferFrames, kBufferFrames), end);
     }
   };
   recorder_->pause();
   EXPECT_FALSE(recorder_->isRecording());
-  EXPECT_EQ(buffer_->samples(), ramp(2 * kBufferFrames));
+  EXPECT_EQ(buffer_->samples(), ramp(0, 2 * kBufferFrames));
   EXPECT_EQ(recorder_->writingPosition(), 2U * kBufferBytes);
 }
 
@@ -229,7 +230,7 @@ TEST_F(OVAQRecorderTest, RecordWhileRecordingDropsNothing) {
   recorder_->record();
   queues_->capturedFrames = kBufferFrames;
   recorder_->record();
-  queues_.input().deliver(ramp(kBufferFrames), kBufferFrames);
+  queues_.input().deliver(ramp(0, kBufferFrames), kBufferFrames);
   EXPECT_THAT(buffer_->writes(), SizeIs(1));
 }
 
@@ -241,8 +242,8 @@ TEST_F(OVAQRecorderTest, APositionThatIsSetDuringAWriteStays) {
   EXPECT_EQ(recorder_->writingPosition(), 80U);
   buffer_->beforeWrite = nullptr;
   capture();
-  EXPECT_THAT(buffer_->writes(), ElementsAre(TestAudioBuffer::Write{0, kBufferBytes},
-                                             TestAudioBuffer::Write{80, kBufferBytes}));
+  EXPECT_THAT(buffer_->writes(),
+              ElementsAre(Transfer{0, kBufferBytes}, Transfer{80, kBufferBytes}));
   EXPECT_EQ(recorder_->writingPosition(), 80U + kBufferBytes);
 }
 
@@ -253,7 +254,7 @@ TEST_F(OVAQRecorderTest, StopWritingEndsTheWritesThoughItStillRecords) {
   capture();
   capture();
   EXPECT_TRUE(recorder_->isRecording());
-  EXPECT_THAT(buffer_->writes(), ElementsAre(TestAudioBuffer::Write{0, kBufferBytes}));
+  EXPECT_THAT(buffer_->writes(), ElementsAre(Transfer{0, kBufferBytes}));
   EXPECT_EQ(recorder_->writingPosition(), kBufferBytes);
   EXPECT_THAT(queues_.input().enqueued, SizeIs(3));
 }
@@ -445,7 +446,7 @@ TEST_F(OVAQRecorderTest, AnInputThatIsLostIsToldOnceThenTheOwnerLearnsOfIt) {
               StartsWith("Core Audio returned the error: AudioQueueStart failed ('gone')\n\n"));
   EXPECT_TRUE(recorder_->isRecording());  // until the owner pauses
   recorder_->pause();
-  EXPECT_EQ(buffer_->samples(), ramp(kBufferFrames));
+  EXPECT_EQ(buffer_->samples(), ramp(0, kBufferFrames));
 }
 
 TEST_F(OVAQRecorderTest, AFailureBeforeTheHandlerWasSetIsToldWhenItIs) {

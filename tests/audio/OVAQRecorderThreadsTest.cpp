@@ -7,13 +7,14 @@
 
 #include <gmock/gmock.h>
 
-#include "audio/Gate.h"
 #include "audio/OVAQRecorder.h"
-#include "audio/TestAudioBuffer.h"
-#include "audio/Threads.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/sound/DeviceAudioQueues.h"
+#include "support/Gate.h"
 #include "support/MainLoop.h"
+#include "support/TestAudio.h"
+#include "support/ThreadCount.h"
+#include "support/fakes/MemoryTestBuffer.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/ScriptedAudioDevice.h"
 
@@ -22,15 +23,16 @@
 namespace {
 
 using platform::AudioStatus;
-using testaudio::Gate;
-using testaudio::kFrameBytes;
-using testaudio::ramp;
-using testaudio::TestAudioBuffer;
+using support::Gate;
+using support::ramp;
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
+using Transfer = MemoryTestBuffer::Transfer;
+
+constexpr std::uint64_t kFrameBytes = MemoryTestBuffer::kFrameBytes;
 
 constexpr std::uint64_t kBlock = 4096;
 constexpr std::uint64_t kBlockBytes = kBlock * kFrameBytes;
@@ -52,7 +54,7 @@ class OVAQRecorderThreadsTest : public testing::Test {
   void feed(std::uint64_t frames) {
     while (frames > 0) {
       const auto chunk = std::min<std::uint64_t>(frames, 1102);
-      ASSERT_TRUE(device_->feed(ramp(chunk, fed_)));
+      ASSERT_TRUE(device_->feed(ramp(fed_, chunk)));
       fed_ += chunk;
       frames -= chunk;
     }
@@ -63,7 +65,7 @@ class OVAQRecorderThreadsTest : public testing::Test {
       std::make_shared<platform::ScriptedAudioDevice>();
   platform::Installed<platform::AudioQueues>::Scope installation_{
       std::make_shared<platform::DeviceAudioQueues>(device_)};
-  std::shared_ptr<TestAudioBuffer> buffer_ = std::make_shared<TestAudioBuffer>();
+  std::shared_ptr<MemoryTestBuffer> buffer_ = std::make_shared<MemoryTestBuffer>();
   std::shared_ptr<OVAQRecorder> recorder_;
   std::uint64_t fed_ = 0;
 };
@@ -72,7 +74,7 @@ TEST_F(OVAQRecorderThreadsTest, EveryWholeBufferOfARecordingIsWrittenInOrder) {
   recorder_->record();
   feed(10 * kBlock + 100);
   recorder_->pause();
-  EXPECT_EQ(buffer_->samples(), ramp(10 * kBlock));
+  EXPECT_EQ(buffer_->samples(), ramp(0, 10 * kBlock));
   EXPECT_EQ(recorder_->writingPosition(), 10 * kBlockBytes);
   EXPECT_EQ(recorder_->queue()->lostFrames(), 0U);
 }
@@ -89,7 +91,7 @@ TEST_F(OVAQRecorderThreadsTest, PauseWritesWhatWasCapturedThoughTheQueuesThreadI
   std::thread helper([&] { gate.open(); });
   recorder_->pause();
   helper.join();
-  EXPECT_EQ(buffer_->samples(), ramp(5 * kBlock));
+  EXPECT_EQ(buffer_->samples(), ramp(0, 5 * kBlock));
   EXPECT_EQ(recorder_->writingPosition(), 5 * kBlockBytes);
   feed(kBlock);  // completes the buffer that was being filled at the press
   recorder_->queue()->waitUntilDelivered(6 * kBlock);
@@ -112,8 +114,8 @@ TEST_F(OVAQRecorderThreadsTest, PauseThenRecordGoesOnWithoutAGapInTheBuffer) {
   recorder_->record();
   feed(2 * kBlock);
   recorder_->pause();
-  auto expected = ramp(2 * kBlock);
-  const auto second = ramp(2 * kBlock, 5 * kBlock);
+  auto expected = ramp(0, 2 * kBlock);
+  const auto second = ramp(5 * kBlock, 2 * kBlock);
   expected.insert(expected.end(), second.begin(), second.end());
   EXPECT_EQ(buffer_->samples(), expected);
 }
@@ -127,8 +129,7 @@ TEST_F(OVAQRecorderThreadsTest, AClickDuringAWriteDecidesWhereTheNextBufferGoes)
   recorder_->setWritingPosition(800);
   gate.open();
   recorder_->pause();
-  EXPECT_THAT(buffer_->writes(), ElementsAre(TestAudioBuffer::Write{0, kBlockBytes},
-                                             TestAudioBuffer::Write{800, kBlockBytes}));
+  EXPECT_THAT(buffer_->writes(), ElementsAre(Transfer{0, kBlockBytes}, Transfer{800, kBlockBytes}));
   EXPECT_EQ(recorder_->writingPosition(), 800 + kBlockBytes);
 }
 
@@ -176,7 +177,7 @@ TEST_F(OVAQRecorderThreadsTest, AnInputLostWhileRecordingKeepsEverythingAndIsTol
   EXPECT_EQ(recorder_->powerLevels(), std::nullopt);
   recorder_->pause();
   EXPECT_FALSE(recorder_->isRecording());
-  EXPECT_EQ(buffer_->samples(), ramp(3 * kBlock + 1000));
+  EXPECT_EQ(buffer_->samples(), ramp(0, 3 * kBlock + 1000));
   EXPECT_EQ(recorder_->writingPosition(), (3 * kBlock + 1000) * kFrameBytes);
   EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
   EXPECT_THAT(services_->alerts(), IsEmpty());
@@ -184,7 +185,7 @@ TEST_F(OVAQRecorderThreadsTest, AnInputLostWhileRecordingKeepsEverythingAndIsTol
 }
 
 TEST_F(OVAQRecorderThreadsTest, OneLostInputIsAlertedOnceForAllRecordersAndTheNext) {
-  const auto second = OVAQRecorder::initWithBuffer(std::make_shared<TestAudioBuffer>());
+  const auto second = OVAQRecorder::initWithBuffer(std::make_shared<MemoryTestBuffer>());
   ASSERT_NE(second, nullptr);
   std::atomic<int> told{0};
   for (const auto& recorder : {recorder_, second}) {
@@ -210,9 +211,9 @@ TEST_F(OVAQRecorderThreadsTest, ARecorderMadeWithoutADeviceLeavesNothingBehind) 
   ASSERT_TRUE(device_->awaitInputClosed());
   testing::internal::CaptureStderr();
   EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_), nullptr);
-  const auto threads = testaudio::threadCount();
+  const auto threads = support::threadCount();
   EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_), nullptr);
-  EXPECT_EQ(testaudio::threadCount(), threads);
+  EXPECT_EQ(support::threadCount(), threads);
   EXPECT_EQ(buffer_.use_count(), 1);
   testing::internal::GetCapturedStderr();
 }
@@ -224,10 +225,10 @@ TEST_F(OVAQRecorderThreadsTest, ALastReferenceThatGoesOnTheQueuesThreadDoesNotDe
     recorder_.reset();
   };
   recorder_->record();
-  const auto threads = testaudio::threadCount();
+  const auto threads = support::threadCount();
   feed(kBlock);
   EXPECT_TRUE(
-      runMainLoopUntil([&] { return watched.expired() && testaudio::threadCount() < threads; }));
+      runMainLoopUntil([&] { return watched.expired() && support::threadCount() < threads; }));
   EXPECT_TRUE(drainMainQueue());  // where the queue goes
   EXPECT_EQ(buffer_.use_count(), 1);
 }
@@ -235,7 +236,7 @@ TEST_F(OVAQRecorderThreadsTest, ALastReferenceThatGoesOnTheQueuesThreadDoesNotDe
 TEST_F(OVAQRecorderThreadsTest, TwoHundredRecordersInARowLeaveNothingBehind) {
   recorder_->prepareForDestruction();
   recorder_.reset();
-  const auto threads = testaudio::threadCount();
+  const auto threads = support::threadCount();
   std::uint64_t written = 0;
   for (int i = 0; i < 200; ++i) {
     auto recorder = OVAQRecorder::initWithBuffer(buffer_);
@@ -251,9 +252,9 @@ TEST_F(OVAQRecorderThreadsTest, TwoHundredRecordersInARowLeaveNothingBehind) {
     recorder.reset();
     ASSERT_TRUE(watched.expired());
   }
-  EXPECT_EQ(buffer_->samples(), ramp(400 * kBlock));
+  EXPECT_EQ(buffer_->samples(), ramp(0, 400 * kBlock));
   EXPECT_EQ(buffer_.use_count(), 1);
-  EXPECT_EQ(testaudio::threadCount(), threads);
+  EXPECT_EQ(support::threadCount(), threads);
   // A machine that stands still for seconds makes the device look late, no more.
   EXPECT_THAT(services_->consoleLines(), Each(HasSubstr("lost inside the sound system")));
 }
@@ -288,7 +289,7 @@ TEST_F(OVAQRecorderThreadsTest, PressesAtAnyMomentRecordWholeBuffersWithoutAGap)
     const auto written = (buffer_->writes().size() - before) * kBlock;
     EXPECT_EQ(recorder_->writingPosition(), written * kFrameBytes);
     const auto samples = buffer_->samples();
-    const auto expected = ramp(written, static_cast<std::uint64_t>(samples.at(0)));
+    const auto expected = ramp(static_cast<std::uint64_t>(samples.at(0)), written);
     EXPECT_TRUE(std::equal(expected.begin(), expected.end(), samples.begin())) << press;
   }
   ended = true;

@@ -14,7 +14,7 @@
 
 #include <gmock/gmock.h>
 
-#include "audio/BadFiles.h"
+#include "support/BadFiles.h"
 #include "support/RawAudio.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/RecordingServices.h"

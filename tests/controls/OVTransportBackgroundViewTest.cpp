@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "ControlsWindow.h"
-#include "controls/OVBackgroundBox.h"
 
 namespace {
 
@@ -42,15 +41,6 @@ TEST(TransportBackgroundView, AResizeRedrawsTheWholeGradient) {
   view.resize(40, 200);
   EXPECT_GT(view.grab().toImage().pixelColor(5, 30).green(), before);
   EXPECT_FALSE(view.testAttribute(Qt::WA_StaticContents));
-}
-
-TEST(BackgroundBox, LooksLikeThePanelWithoutItsShadowAndIsOpaque) {
-  OVTransportBackgroundView view;
-  OVBackgroundBox box;
-  view.resize(40, 58);
-  box.resize(40, 58);
-  EXPECT_EQ(box.grab().toImage(), view.grab().toImage());
-  EXPECT_TRUE(box.isOpaque());
 }
 
 }  // namespace

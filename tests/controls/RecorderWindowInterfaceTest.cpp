@@ -151,7 +151,9 @@ TEST_F(RecorderWindowInterface, RecordAndPlayAreSwitchesAndTheEndsAreRound) {
 }
 
 TEST_F(RecorderWindowInterface, EveryButtonHasANameForAssistiveTechnology) {
-  for (QWidget* button : window_.findChildren<OVTrackingButton*>()) {
+  const auto buttons = window_.findChildren<OVTrackingButton*>();
+  ASSERT_EQ(buttons.size(), 7);
+  for (QWidget* button : buttons) {
     const auto* accessible = QAccessible::queryAccessibleInterface(button);
     ASSERT_NE(accessible, nullptr);
     EXPECT_EQ(accessible->role(), QAccessible::Button);
@@ -175,7 +177,9 @@ TEST_F(RecorderWindowInterface, TabReachesEveryControlInTheOrderOfTheWindowAndBa
 }
 
 TEST_F(RecorderWindowInterface, NoClickTakesTheKeyboardAndOnlyControlsTakeIt) {
-  for (const QWidget* view : window_.centralWidget()->findChildren<QWidget*>()) {
+  const auto views = window_.centralWidget()->findChildren<QWidget*>();
+  ASSERT_TRUE(views.contains(ui_.wfView));
+  for (const QWidget* view : views) {
     const bool control = view == ui_.wfView || qobject_cast<const OVTrackingButton*>(view);
     EXPECT_EQ(view->focusPolicy(), control ? Qt::TabFocus : Qt::NoFocus)
         << view->objectName().toStdString();

@@ -9,6 +9,7 @@
 
 #include "displays/OVVUView.h"
 #include "support/MainLoop.h"
+#include "support/PaintCounter.h"
 #include "support/Pixels.h"
 
 /// A data source that answers what a test says.
@@ -33,15 +34,6 @@ class MeterTest : public testing::Test {
  protected:
   using Levels = ScriptedLevels::Levels;
 
-  class PaintCounter final : public QObject {
-   public:
-    int paints = 0;
-    bool eventFilter(QObject*, QEvent* event) override {
-      paints += event->type() == QEvent::Paint ? 1 : 0;
-      return false;
-    }
-  };
-
   MeterTest() {
     view_.resize(60, 30);
     view_.setDatasource(source_);
@@ -57,7 +49,7 @@ class MeterTest : public testing::Test {
   /// Shows the view with its own timer at rest, so that nothing but a test's polls redraws it.
   void showAtRest() {
     view_.setPollingFrequency(0.0);
-    view_.installEventFilter(&counter_);
+    counter_.watch(&view_);
     view_.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&view_));
     ASSERT_TRUE(runMainLoopUntil([&] { return counter_.paints > 0; }));
@@ -66,6 +58,6 @@ class MeterTest : public testing::Test {
 
   const QColor kPaper{20, 30, 60};
   std::shared_ptr<ScriptedLevels> source_ = std::make_shared<ScriptedLevels>();
-  PaintCounter counter_;
+  support::PaintCounter counter_;
   Meter view_;
 };

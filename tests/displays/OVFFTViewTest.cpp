@@ -8,28 +8,13 @@
 #include <QCoreApplication>
 #include <QEvent>
 
+#include "support/PaintCounter.h"
 #include "support/Pixels.h"
+#include "support/ViewOnScreen.h"
 
 namespace {
 
 const QColor kBackground(36, 54, 71);
-
-/// A view on a screen of any pixel ratio.
-class ViewOnScreen final : public OVFFTView {
- public:
-  int ratio = 1;
-
- protected:
-  [[nodiscard]] int metric(PaintDeviceMetric kind) const override {
-    if (kind == PdmDevicePixelRatio) {
-      return ratio;
-    }
-    if (kind == PdmDevicePixelRatioScaled) {
-      return static_cast<int>(ratio * devicePixelRatioFScale());
-    }
-    return OVFFTView::metric(kind);
-  }
-};
 
 /// What the screen shows of the view.
 QImage pictureOf(OVFFTView& view) {
@@ -51,7 +36,7 @@ class FFTView : public testing::Test {
  protected:
   FFTView() { view_.resize(320, 100); }
 
-  ViewOnScreen view_;
+  support::ViewOnScreen<OVFFTView> view_;
 };
 
 }  // namespace
@@ -124,19 +109,10 @@ TEST_F(FFTView, ASizeSetAheadOfItsDataChangesNothingYet) {
 }
 
 TEST_F(FFTView, DoesNotRedrawByItself) {
-  class PaintCounter : public QObject {
-   public:
-    bool eventFilter(QObject*, QEvent* event) override {
-      paints += event->type() == QEvent::Paint ? 1 : 0;
-      return false;
-    }
-    int paints = 0;
-  };
   view_.show();
   view_.repaint();
   QCoreApplication::processEvents();
-  PaintCounter counter;
-  view_.installEventFilter(&counter);
+  support::PaintCounter counter(&view_);
   show(view_, {0.1F, 0.9F});
   QCoreApplication::processEvents();
   EXPECT_EQ(counter.paints, 0);

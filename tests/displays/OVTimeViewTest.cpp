@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include "support/MainLoop.h"
+#include "support/PaintCounter.h"
 #include "support/Pixels.h"
 
 namespace {
@@ -41,17 +42,9 @@ TEST(TimeView, DrawsItsTextOverWhateverLiesBehind) {
 }
 
 TEST(TimeView, SettingATimeDoesNotRedraw) {
-  class PaintCounter final : public QObject {
-   public:
-    int paints = 0;
-    bool eventFilter(QObject*, QEvent* event) override {
-      paints += event->type() == QEvent::Paint ? 1 : 0;
-      return false;
-    }
-  } counter;
   OVTimeView view;
   view.resize(150, 14);
-  view.installEventFilter(&counter);
+  support::PaintCounter counter(&view);
   view.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
   ASSERT_TRUE(runMainLoopUntil([&] { return counter.paints > 0; }));

@@ -2,9 +2,9 @@
 // is at, nothing is told, and nothing is kept.
 #include <gmock/gmock.h>
 
-#include "audio/Gate.h"
 #include "document/FileFixture.h"
 #include "document/files/loadFile.h"
+#include "support/Gate.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
@@ -34,7 +34,7 @@ class CancelledWorkTest : public DocumentFileTest {
     EXPECT_THAT(services_->alerts(), IsEmpty());
   }
 
-  testaudio::Gate gate_;
+  support::Gate gate_;
   support::FailingTemporaryFiles files_;
   platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
 };

@@ -9,7 +9,6 @@
 
 #include "audio/OVAQPlayer.h"
 #include "audio/OVAQRecorder.h"
-#include "audio/SteppedAudioQueues.h"
 #include "controls/OVRecorderWindow.h"
 #include "controls/buttons/OVTransportButton.h"
 #include "displays/OVTimeView.h"
@@ -18,6 +17,7 @@
 #include "support/MainLoop.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/ScriptedFileDialogs.h"
+#include "support/fakes/SteppedAudioQueues.h"
 #include "waveform/OVDynamicWaveForm.h"
 #include "waveform/OVStaticWaveform.h"
 #include "waveform/views/OVPlaybackMarkerView.h"
@@ -57,9 +57,9 @@ class DocumentTest : public testing::Test {
 
   /// Runs what background queues and the main queue still hold.
   static void settle() {
-    EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+    EXPECT_TRUE(awaitGlobalQueue());
     drainMainQueue();
-    EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+    EXPECT_TRUE(awaitGlobalQueue());
     drainMainQueue();
   }
 
@@ -126,7 +126,7 @@ class DocumentTest : public testing::Test {
   std::uint64_t length() { return document_->buffer()->bufferSizeInFrames(); }
 
   support::InstalledRecordingServices services_;
-  testaudio::InstalledSteppedQueues queues_;
+  support::InstalledSteppedQueues queues_;
   support::InstalledScriptedPanels panels_;
   std::shared_ptr<VLRecorderWindowController> document_;
   std::uint64_t captured_ = 0;

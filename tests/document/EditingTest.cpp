@@ -239,7 +239,7 @@ TEST_F(EditingTest, TheEndOfAnOlderRefreshLeavesTheBarOfTheNewerOne) {
   recordChunks(4);
   settle();
   document_->refreshCompleteUI(true);
-  EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));  // its end waits in the main queue
+  EXPECT_TRUE(awaitGlobalQueue());  // its end waits in the main queue
   document_->recreateIndicator(true);
   document_->refreshCompleteUI(true);
   bool firstEnded = false;

@@ -10,6 +10,7 @@
 #include "audio/OVAudioFileWriter.h"
 #include "document/DocumentFixture.h"
 #include "support/TemporaryFolder.h"
+#include "support/TestAudio.h"
 #include "support/fakes/RecordingDesktop.h"
 
 /// A document with files to open and to save to, and panels that the test answers.
@@ -28,15 +29,7 @@ class DocumentFileTest : public DocumentTest {
 
   std::string at(const std::string& name) const { return folder_.file(name); }
 
-  /// Samples that 16 bits hold exactly, different in every frame and channel.
-  static Samples ramp(std::uint64_t frames, int seed = 0) {
-    Samples samples(2 * frames);
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-      const int value = static_cast<int>((i * 7 + static_cast<std::size_t>(seed)) % 60000) - 30000;
-      samples[i] = static_cast<float>(value) / 32768.0F;
-    }
-    return samples;
-  }
+  static Samples ramp(std::uint64_t frames, int seed = 0) { return support::ramp16(frames, seed); }
 
   std::string writeFile(const std::string& name, const Samples& samples, std::uint32_t kind = 0) {
     const auto writer = OVAudioFileWriter::initWithFile(at(name), kind);

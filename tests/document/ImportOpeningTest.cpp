@@ -2,8 +2,8 @@
 // long, and the document is already in a file operation.
 #include <gmock/gmock.h>
 
-#include "audio/Gate.h"
 #include "document/FileFixture.h"
+#include "support/Gate.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/TestUserAudioFiles.h"
 #include "support/programs/AudioFileTools.h"
@@ -46,7 +46,7 @@ class ImportOpeningTest : public DocumentFileTest {
     return document_->loadingIndicator()->isVisibleTo(document_->window());
   }
 
-  testaudio::Gate gate_;
+  support::Gate gate_;
   support::FailingTemporaryFiles files_;
   platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
   support::TestUserAudioFiles storage_;

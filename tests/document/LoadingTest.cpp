@@ -3,9 +3,9 @@
 
 #include <gmock/gmock.h>
 
-#include "audio/Gate.h"
 #include "document/FileFixture.h"
 #include "document/files/loadFile.h"
+#include "support/Gate.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "waveform/views/OVWaveFormView.h"
 
@@ -396,7 +396,7 @@ TEST_F(TemporaryDiskLoadingTest, NothingIsUndoneWhileAFileIsImported) {
   openWindow();
   recordChunks(1, 0.25F);
   const Samples samples = ramp(300'000);
-  testaudio::Gate gate;
+  support::Gate gate;
   files_.beforeWrites([&gate] { gate.pass(); });
   document_->importFile(nullptr);
   panels_->answerOpen({writeFile("part.wav", samples)});
@@ -414,7 +414,7 @@ TEST_F(TemporaryDiskLoadingTest, NothingIsUndoneWhileAFileIsImported) {
 TEST_F(TemporaryDiskLoadingTest, TheQuestionAnsweredWithSaveDuringAnImportSavesWhenItIsDone) {
   openWindow();
   recordChunks(1);
-  testaudio::Gate gate;
+  support::Gate gate;
   files_.beforeWrites([&gate] { gate.pass(); });
   document_->importFile(nullptr);
   panels_->answerOpen({writeFile("part.wav", ramp(600'000))});

@@ -4,8 +4,8 @@
 #include <QAccessible>
 #include <QLabel>
 
-#include "audio/Gate.h"
 #include "document/FileFixture.h"
+#include "support/Gate.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
@@ -50,7 +50,7 @@ class ProgressTest : public DocumentFileTest {
 
   support::FailingTemporaryFiles files_;
   platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
-  testaudio::Gate gate_;
+  support::Gate gate_;
 };
 
 TEST_F(ProgressTest, ANewWindowShowsNone) {
@@ -64,7 +64,7 @@ TEST_F(ProgressTest, AnOpenedFileIsFirstLoadedAndThenDrawn) {
   document_->openFileNamed(writeFile("take.wav", ramp(10'000)));
   ASSERT_TRUE(gate_.awaitArrival());
   EXPECT_EQ(shownActivity(), "Loading");
-  testaudio::Gate reading;
+  support::Gate reading;
   std::atomic<bool> isDrawn = false;
   files_.beforeReads([&] {
     isDrawn = true;

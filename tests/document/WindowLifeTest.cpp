@@ -32,7 +32,7 @@ class WindowLifeTest : public testing::Test {
   }
 
   static void settle() {
-    EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+    EXPECT_TRUE(awaitGlobalQueue());
     bool done = false;
     platform::mainQueue().async([&] { done = true; });
     EXPECT_TRUE(runMainLoopUntil([&] { return done; }));

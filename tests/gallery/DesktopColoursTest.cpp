@@ -82,6 +82,7 @@ TEST_P(DesktopColours, EveryViewOfTheGalleryLooksTheSame) {
     ASSERT_TRUE(showOnScreenOfScale(*page, GetParam()));
     light.push_back(wholePixelsOf(*page));
   }
+  ASSERT_FALSE(light.empty());
   const support::DarkPalette dark;
   const GalleryPages pages = makeGalleryPages();
   for (std::size_t i = 0; i < pages.size(); ++i) {

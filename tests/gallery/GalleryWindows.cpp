@@ -13,17 +13,17 @@
 
 #include "app/OVMainMenu.h"
 #include "app/OVTranslations.h"
-#include "audio/Gate.h"
 #include "audio/OVAudioFileWriter.h"
-#include "audio/SteppedAudioQueues.h"
 #include "controls/OVRecorderWindow.h"
 #include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
 #include "gallery/GalleryScreen.h"
 #include "support/DarkPalette.h"
+#include "support/Gate.h"
 #include "support/MainLoop.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/RecordingServices.h"
+#include "support/fakes/SteppedAudioQueues.h"
 
 namespace {
 
@@ -55,7 +55,7 @@ class Disk {
  private:
   support::FailingTemporaryFiles files_;
   platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
-  testaudio::Gate gate_;
+  support::Gate gate_;
   std::atomic<int> left_ = 0;
   std::atomic<bool> stopped_ = false;
 };
@@ -127,7 +127,7 @@ class Document {
   }
 
   static void settle() {
-    static_cast<void>(platform::globalQueue().waitUntilIdle(20));
+    static_cast<void>(awaitGlobalQueue());
     static_cast<void>(drainMainQueue());
     QCoreApplication::processEvents();
   }
@@ -153,7 +153,7 @@ class Document {
   }
 
   support::InstalledRecordingServices services_;
-  testaudio::InstalledSteppedQueues queues_;
+  support::InstalledSteppedQueues queues_;
   const QTemporaryDir folder_;
   Disk disk_;
   std::shared_ptr<VLRecorderWindowController> controller_;

@@ -17,7 +17,10 @@ class ReferencePictures : public testing::TestWithParam<double> {};
 
 TEST_P(ReferencePictures, EveryTileOfEveryPageLooksAsItDid) {
   const double scale = GetParam();
-  for (const auto& page : makeGalleryPages()) {
+  const GalleryPages pages = makeGalleryPages();
+  ASSERT_FALSE(pages.empty());
+  for (const auto& page : pages) {
+    ASSERT_FALSE(page->tiles().empty());
     ASSERT_TRUE(showOnScreenOfScale(*page, scale));
     const QImage now = pictureOfWindow(*page);
     const QString file =

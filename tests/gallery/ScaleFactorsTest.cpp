@@ -5,9 +5,11 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <QFontMetricsF>
 #include <QMenuBar>
 
 #include "controls/OVSpectrumStrip.h"
+#include "displays/OVTimeText.h"
 #include "gallery/GalleryScreen.h"
 #include "support/MainLoop.h"
 #include "support/Pixels.h"
@@ -116,13 +118,30 @@ TEST_P(ScaleFactors, IconsAreSharp) {
 
 TEST_P(ScaleFactors, TheLongestUsualTimeIsNotClipped) {
   moveTo(GetParam());
-  const QImage time = picture(ui_.displayWell);
-  // The text begins right of the meter: the columns before the time view show the well alone.
+  ui_.timeView->setCurrentTimeInSeconds(359999.99);
+  ui_.timeView->update();
+  const QImage well = picture(ui_.displayWell);
   const double scale = GetParam();
-  const QColor well = time.pixelColor(static_cast<int>(70.0 * scale), static_cast<int>(14 * scale));
-  for (int x = static_cast<int>(70.0 * scale); x < static_cast<int>(77.0 * scale); ++x) {
-    EXPECT_LE(colorDistance(time.pixelColor(x, static_cast<int>(16 * scale)), well), 6) << x;
+  const QRect view = ui_.timeView->geometry();
+  const auto pixel = [scale](double points) { return static_cast<int>(points * scale); };
+  // A letter is brighter than the well at the same height left of the time view.
+  const auto hasInk = [&](int x) {
+    for (int y = pixel(view.top() + 1.0); y < pixel(view.bottom()); ++y) {
+      const int ground = well.pixelColor(pixel(view.left() - 3.0), y).green();
+      if (well.pixelColor(x, y).green() > ground + 40) {
+        return true;
+      }
+    }
+    return false;
+  };
+  int first = pixel(view.left() - 3.0);
+  while (first < well.width() && !hasInk(first)) {
+    ++first;
   }
+  const double width = QFontMetricsF(OVTimeText().font()).horizontalAdvance(ui_.timeView->text());
+  const double begin = view.left() + view.width() - 1.0 - width;  // points
+  EXPECT_GT(begin, view.left()) << "the view is wide enough";
+  EXPECT_NEAR(first / scale, begin, 1.5) << "the first digit is whole";
 }
 
 // On the bar between pixels an icon must not bring a frame of its own along.
@@ -225,7 +244,8 @@ class MovedWindowWithSpectrum : public MovedWindow {
   std::unique_ptr<OVSpectrumStrip> strip_;
 };
 
-TEST_F(MovedWindowWithSpectrum, BetweenScreensTheStripKeepsItsHeightAndIsPaintedToTheLastPixel) {
+TEST_F(MovedWindowWithSpectrum,
+       BetweenScreensTheStripKeepsItsHeightAndIsPaintedToTheLastPixel) {
   for (const double scale : {2.0, 1.25, 1.5, 1.0, 2.0}) {
     moveTo(scale);
     EXPECT_EQ(window_.centralWidget()->size(), QSize(640, 330 + OVSpectrumStrip::kHeight)) << scale;

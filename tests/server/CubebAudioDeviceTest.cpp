@@ -2,47 +2,22 @@
 #include <string>
 
 #include "platform/sound/AudioQueueFixture.h"
-#include "platform/sound/LateAudioDevice.h"
+#include "server/ServerFixture.h"
 #include "support/RawAudio.h"
-#include "support/programs/PrivateSoundServer.h"
 
 namespace platform::test {
 namespace {
 
 using support::Samples;
 
-/// The audio queues on the real device, which is connected to a sound server of this test alone.
-class CubebAudioDeviceTest : public testing::Test {
+class CubebAudioDeviceTest : public testserver::ServerTest {
  protected:
-  void SetUp() override {
-    std::string error;
-    server_ = support::PrivateSoundServer::start(error);
-    ASSERT_NE(server_, nullptr) << error;
-    for (const auto& [name, value] : server_->environment()) {
-      // Before the first thread of the queues.
-      ASSERT_EQ(setenv(name.c_str(), value.c_str(), 1), 0);  // NOLINT(concurrency-mt-unsafe)
-    }
-    queues_ = std::make_shared<DeviceAudioQueues>(lateAudioDevice());
-  }
-
-  void TearDown() override {
-    if (server_) {
-      server_->thaw();
-    }
-    queues_.reset();
-  }
-
   /// Frames of `signal` that stand in what was heard, from its first frame on.
   [[nodiscard]] std::size_t heardFrames(const Samples& signal) const {
     const Samples heard = support::readRaw(folder_.file("heard"));
     const auto start = support::findStart(signal, heard);
     return start ? support::equalFrames(signal, heard, *start) : 0;
   }
-
-  support::InstalledRecordingServices services_;
-  std::unique_ptr<support::PrivateSoundServer> server_;
-  support::TemporaryFolder folder_;
-  std::shared_ptr<DeviceAudioQueues> queues_;
 };
 
 TEST_F(CubebAudioDeviceTest, WhatIsFedIsRecordedSampleForSample) {

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,19 +44,7 @@ inline std::shared_ptr<OVBlockBuffer> blockBufferWith(const support::Samples& sa
   return buffer;
 }
 
-/// The frames that are not silent. On a busy machine the program that plays into the feed, or the
-/// server itself, may be late: that shows as silence in between. Noise holds no silent frame, so a
-/// lost, repeated or moved frame still shows.
-inline support::Samples withoutSilence(const support::Samples& samples) {
-  support::Samples kept;
-  kept.reserve(samples.size());
-  for (std::size_t i = 0; i + 1 < samples.size(); i += support::kChannels) {
-    if (samples[i] != 0 || samples[i + 1] != 0) {
-      kept.insert(kept.end(), {samples[i], samples[i + 1]});
-    }
-  }
-  return kept;
-}
+using support::withoutSilence;
 
 /// No call may wait for the sound system for more than 250 ms; the rest is for a busy machine. What
 /// is caught are the waits of a library that asks a hanging server: 30 s and more.
@@ -81,14 +70,15 @@ class ServerTest : public testing::Test {
       // Before the first thread of the queues.
       ASSERT_EQ(setenv(name.c_str(), value.c_str(), 1), 0);  // NOLINT(concurrency-mt-unsafe)
     }
-    queues_ = std::make_unique<platform::Installed<platform::AudioQueues>::Scope>(
-        std::make_shared<platform::DeviceAudioQueues>(platform::lateAudioDevice()));
+    queues_ = std::make_shared<platform::DeviceAudioQueues>(platform::lateAudioDevice());
+    installation_.emplace(queues_);
   }
 
   void TearDown() override {
     if (server_) {
       server_->thaw();
     }
+    installation_.reset();
     queues_.reset();
   }
 
@@ -99,7 +89,8 @@ class ServerTest : public testing::Test {
   support::InstalledRecordingServices services_;
   support::TemporaryFolder folder_;
   std::unique_ptr<support::PrivateSoundServer> server_;
-  std::unique_ptr<platform::Installed<platform::AudioQueues>::Scope> queues_;
+  std::shared_ptr<platform::DeviceAudioQueues> queues_;
+  std::optional<platform::Installed<platform::AudioQueues>::Scope> installation_;
 };
 
 }  // namespace testserver

@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "storage/OVBlockBuffer.h"
-#include "storage/TransferHelpers.h"
+#include "support/TransferHelpers.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/RecordingServices.h"
 
-namespace storagetest {
+namespace support {
 
 /// A block list buffer over temporary files in memory.
 class BlockBufferTest : public testing::Test {
@@ -32,4 +32,4 @@ class BlockBufferTest : public testing::Test {
   std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
 };
 
-}  // namespace storagetest
+}  // namespace support

@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "storage/OVAudioBufferInterface.h"
-#include "storage/TransferHelpers.h"
 #include "support/ModelTest.h"
+#include "support/TransferHelpers.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/RecordingDelegate.h"
 
-namespace storagetest {
+namespace support {
 
 inline constexpr std::uint64_t kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 
@@ -59,4 +59,4 @@ class BufferPair {
   std::vector<support::DelegateCall> expected_;
 };
 
-}  // namespace storagetest
+}  // namespace support

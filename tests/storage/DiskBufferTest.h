@@ -5,13 +5,13 @@
 #include <memory>
 
 #include "storage/OVDiskAudioBuffer.h"
-#include "storage/TransferHelpers.h"
 #include "support/Eventually.h"
+#include "support/TransferHelpers.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/RecordingDelegate.h"
 #include "support/fakes/RecordingServices.h"
 
-namespace storagetest {
+namespace support {
 
 /// A disk buffer over temporary files in memory that fail as a test tells them.
 class DiskBufferTest : public testing::Test {
@@ -42,4 +42,4 @@ class DiskBufferTest : public testing::Test {
       std::make_shared<support::RecordingDelegate>();
 };
 
-}  // namespace storagetest
+}  // namespace support

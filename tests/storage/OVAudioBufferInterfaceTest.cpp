@@ -15,20 +15,20 @@
 #include "storage/OVAudioBuffer.h"
 #include "storage/OVBlockBuffer.h"
 #include "storage/OVDiskAudioBuffer.h"
-#include "storage/TransferHelpers.h"
+#include "support/TransferHelpers.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/RecordingDelegate.h"
 #include "support/fakes/RecordingServices.h"
 
 namespace {
 
-using storagetest::Bytes;
-using storagetest::isNothing;
-using storagetest::part;
-using storagetest::pattern;
-using storagetest::read;
-using storagetest::write;
-using storagetest::operator+;
+using support::Bytes;
+using support::isNothing;
+using support::part;
+using support::pattern;
+using support::read;
+using support::write;
+using support::operator+;
 using support::DelegateCall;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -14,9 +14,9 @@ namespace {
 
 using modeltest::below;
 using modeltest::Step;
-using storagetest::PlainAudioBuffer;
+using support::PlainAudioBuffer;
 
-class AudioBufferPair : storagetest::BufferPair {
+class AudioBufferPair : support::BufferPair {
  public:
   static constexpr const char* kName = "AudioBufferPair";
 
@@ -59,7 +59,7 @@ class AudioBufferPair : storagetest::BufferPair {
           model_.capacity}) {
       for (const std::uint64_t count : {std::uint64_t{12}, std::uint64_t{2000}}) {
         comparison.tellSequence("read of " + std::to_string(count) + " at " + std::to_string(from),
-                                storagetest::read(*real_, count, from), model_.read(count, from));
+                                support::read(*real_, count, from), model_.read(count, from));
       }
       compareLevel(comparison, from / 4);
       compareLevel(comparison, from / 4 + 1);
@@ -74,7 +74,7 @@ class AudioBufferPair : storagetest::BufferPair {
   void compareLevel(modeltest::Comparison& comparison, std::uint64_t sample) {
     const double real = real_->powerAtPosition(sample);
     const double model = model_.power(sample);
-    if (!storagetest::isSameLevel(real, model)) {
+    if (!support::isSameLevel(real, model)) {
       comparison.tell("level of sample " + std::to_string(sample), real, model);
     }
   }
@@ -97,8 +97,8 @@ Step draw(std::mt19937_64& random, const AudioBufferPair& pair) {
   }
   if (choice < 82) {
     const std::uint64_t frames = std::min<std::uint64_t>(model.capacity / 8, 500);
-    const std::uint64_t at = below(random, 20) == 0 ? (storagetest::kHighestAddress >> 3) - 3
-                                                    : below(random, frames + 4);
+    const std::uint64_t at =
+        below(random, 20) == 0 ? (support::kHighestAddress >> 3) - 3 : below(random, frames + 4);
     return {below(random, 2) == 0 ? "cutAfter" : "cutBefore", at};
   }
   return {choice < 86 ? "reverse" : choice < 91 ? "waypoint" : choice < 97 ? "undo" : "redo"};

@@ -5,21 +5,21 @@
 #include <cerrno>
 #include <limits>
 
-#include "storage/TransferHelpers.h"
 #include "support/AddressSpaceLimit.h"
 #include "support/Checkers.h"
+#include "support/TransferHelpers.h"
 #include "support/fakes/RecordingDelegate.h"
 #include "support/fakes/RecordingServices.h"
 
 namespace {
 
-using storagetest::Bytes;
-using storagetest::isNothing;
-using storagetest::part;
-using storagetest::pattern;
-using storagetest::read;
-using storagetest::write;
-using storagetest::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
+using support::Bytes;
+using support::isNothing;
+using support::part;
+using support::pattern;
+using support::read;
+using support::write;
+using support::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;

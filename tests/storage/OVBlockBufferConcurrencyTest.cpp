@@ -9,70 +9,40 @@
 #include <vector>
 
 #include "storage/OVBlockBuffer.h"
-#include "storage/TransferHelpers.h"
+#include "support/Gate.h"
+#include "support/TransferHelpers.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/RecordingDelegate.h"
 
 namespace {
 
-using storagetest::Bytes;
-using storagetest::pattern;
-using storagetest::read;
-using storagetest::write;
+using support::Bytes;
+using support::pattern;
+using support::read;
+using support::write;
 using testing::SizeIs;
-
-constexpr auto kDeadline = std::chrono::seconds(60);
-
-// Holds whoever enters until it is opened, and tells that somebody stands there.
-class Gate {
- public:
-  void enter() {
-    std::unique_lock lock(mutex_);
-    ++waiting_;
-    changed_.notify_all();
-    EXPECT_TRUE(changed_.wait_for(lock, kDeadline, [this] { return open_; }));
-    --waiting_;
-  }
-
-  void waitUntilEntered() {
-    std::unique_lock lock(mutex_);
-    ASSERT_TRUE(changed_.wait_for(lock, kDeadline, [this] { return waiting_ > 0; }));
-  }
-
-  void open() {
-    const std::lock_guard lock(mutex_);
-    open_ = true;
-    changed_.notify_all();
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  int waiting_ = 0;
-  bool open_ = false;
-};
 
 class ASlowDisk : public testing::Test {
  protected:
   support::FailingTemporaryFiles files_;
   platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
   std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
-  Gate gate_;
+  support::Gate gate_;
 };
 
 TEST_F(ASlowDisk, DoesNotHoldUpReadsAndEditsWhileARecorderWrites) {
   const Bytes before = pattern(800, 1);
   write(*buffer_, before, 0);
-  files_.beforeWrites([this] { gate_.enter(); });
+  files_.beforeWrites([this] { gate_.pass(); });
   const Bytes later = pattern(80, 2);
   std::thread recorder([&] { write(*buffer_, later, 80); });
-  gate_.waitUntilEntered();
+  ASSERT_TRUE(gate_.awaitArrival());
 
   EXPECT_EQ(read(*buffer_, 1000, 0), before) << "bytes are not mapped before they are written";
   EXPECT_EQ(buffer_->powerAtPosition(100), 1.0);
   buffer_->setWaypoint();
   buffer_->cutoffBufferAfterPosition(10);
-  EXPECT_EQ(read(*buffer_, 1000, 0), storagetest::part(before, 0, 80));
+  EXPECT_EQ(read(*buffer_, 1000, 0), support::part(before, 0, 80));
 
   gate_.open();
   recorder.join();
@@ -83,9 +53,9 @@ TEST_F(ASlowDisk, DoesNotHoldUpReadsAndEditsWhileARecorderWrites) {
 TEST_F(ASlowDisk, DoesNotHoldUpARecorderWhileAReaderWaits) {
   const Bytes before = pattern(800, 1);
   write(*buffer_, before, 0);
-  files_.beforeReads([this] { gate_.enter(); });
+  files_.beforeReads([this] { gate_.pass(); });
   auto reader = std::async(std::launch::async, [&] { return read(*buffer_, 1000, 0); });
-  gate_.waitUntilEntered();
+  ASSERT_TRUE(gate_.awaitArrival());
 
   write(*buffer_, pattern(80, 2), 0);
   buffer_->cutoffBufferBeforePosition(5);
@@ -96,9 +66,9 @@ TEST_F(ASlowDisk, DoesNotHoldUpARecorderWhileAReaderWaits) {
 }
 
 TEST_F(ASlowDisk, KeepsWritersInTheOrderOfTheFile) {
-  files_.beforeWrites([this] { gate_.enter(); });
+  files_.beforeWrites([this] { gate_.pass(); });
   std::thread first([&] { write(*buffer_, pattern(80, 1), 0); });
-  gate_.waitUntilEntered();
+  ASSERT_TRUE(gate_.awaitArrival());
   std::thread second([&] { write(*buffer_, pattern(80, 2), 0); });
   gate_.open();
   first.join();

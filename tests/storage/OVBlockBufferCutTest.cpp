@@ -7,19 +7,19 @@
 
 namespace {
 
-using storagetest::Bytes;
-using storagetest::isNothing;
-using storagetest::part;
-using storagetest::pattern;
-using storagetest::read;
-using storagetest::write;
-using storagetest::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
+using support::Bytes;
+using support::isNothing;
+using support::part;
+using support::pattern;
+using support::read;
+using support::write;
+using support::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr std::uint64_t kTwo64 = 0;  // 2^64 in unsigned arithmetic
 
-class CutsOfABlockBuffer : public storagetest::BlockBufferTest {};
+class CutsOfABlockBuffer : public support::BlockBufferTest {};
 
 TEST_F(CutsOfABlockBuffer, CutAfterAPositionEndsTheRecordingThere) {
   const Bytes all = writeSequence(4, 80);

@@ -4,7 +4,7 @@
 
 #include "platform/base/ApplicationServices.h"
 #include "storage/OVBlockBuffer.h"
-#include "storage/TransferHelpers.h"
+#include "support/TransferHelpers.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/RecordingDelegate.h"
 #include "support/fakes/RecordingServices.h"
@@ -12,13 +12,13 @@
 
 namespace {
 
-using storagetest::Bytes;
-using storagetest::isNothing;
-using storagetest::part;
-using storagetest::pattern;
-using storagetest::read;
-using storagetest::write;
-using storagetest::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
+using support::Bytes;
+using support::isNothing;
+using support::part;
+using support::pattern;
+using support::read;
+using support::write;
+using support::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
 using testing::ElementsAre;
 using testing::IsEmpty;
 

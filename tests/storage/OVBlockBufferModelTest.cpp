@@ -10,17 +10,17 @@
 
 #include "storage/BufferPair.h"
 #include "storage/OVBlockBuffer.h"
-#include "storage/PlainBlockBuffer.h"
 #include "support/ModelTest.h"
+#include "support/PlainBlockBuffer.h"
 
 namespace {
 
 using modeltest::below;
 using modeltest::Step;
-using storagetest::kHighestAddress;
-using storagetest::PlainBlockBuffer;
+using support::kHighestAddress;
+using support::PlainBlockBuffer;
 
-class BlockBufferPair : storagetest::BufferPair {
+class BlockBufferPair : support::BufferPair {
  public:
   static constexpr const char* kName = "BlockBufferPair";
 
@@ -120,9 +120,9 @@ class BlockBufferPair : storagetest::BufferPair {
          {std::pair{std::uint64_t{0}, length + 8}, std::pair{some, some / 2 + 1},
           std::pair{length / 2, length}}) {
       comparison.tellSequence("read of " + std::to_string(count) + " at " + std::to_string(from),
-                              storagetest::read(*real_, count, from), model_.read(count, from));
+                              support::read(*real_, count, from), model_.read(count, from));
       const double level = real_->powerAtPosition(from / 8);
-      if (!storagetest::isSameLevel(level, model_.power(from / 8))) {
+      if (!support::isSameLevel(level, model_.power(from / 8))) {
         comparison.tell("level of frame " + std::to_string(from / 8), level,
                         model_.power(from / 8));
       }

@@ -11,20 +11,20 @@
 
 namespace {
 
-using storagetest::Bytes;
-using storagetest::isNothing;
-using storagetest::part;
-using storagetest::pattern;
-using storagetest::read;
-using storagetest::write;
-using storagetest::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
+using support::Bytes;
+using support::isNothing;
+using support::part;
+using support::pattern;
+using support::read;
+using support::write;
+using support::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr auto kHighest = std::numeric_limits<std::uint64_t>::max();
 
-class ABlockBuffer : public storagetest::BlockBufferTest {};
+class ABlockBuffer : public support::BlockBufferTest {};
 
 TEST_F(ABlockBuffer, IsEmptyAtFirst) {
   EXPECT_THAT(buffer_->blocklist(), IsEmpty());
@@ -355,9 +355,16 @@ TEST_F(ATemporaryFile, IsRemovedByItsPath) {
   EXPECT_FALSE(std::filesystem::exists(file));
 }
 
-TEST_F(ATemporaryFile, ThatIsMissingOrNotGivenIsIgnored) {
+TEST_F(ATemporaryFile, OneThatIsMissingOrNotGivenIsIgnored) {
+  const support::InstalledRecordingServices services;
+  const auto file = path_ / "take";
+  std::ofstream(file) << "x";
   OVBlockBuffer::removeTempFile((path_ / "missing").string());
   OVBlockBuffer::removeTempFile(std::nullopt);
+  EXPECT_TRUE(std::filesystem::exists(file)) << "nothing else is removed";
+  EXPECT_THAT(services->alerts(), testing::IsEmpty());
+  EXPECT_THAT(services->postedAlerts(), testing::IsEmpty());
+  EXPECT_THAT(services->consoleLines(), testing::IsEmpty());
 }
 
 TEST(ABlockBufferOnDisk, KeepsWhatItIsGivenInAFileWithoutAName) {

@@ -3,16 +3,16 @@
 #include <stdexcept>
 
 #include "storage/OVBlockBuffer.h"
-#include "storage/TransferHelpers.h"
+#include "support/TransferHelpers.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
 
-using storagetest::Bytes;
-using storagetest::part;
-using storagetest::pattern;
-using storagetest::read;
-using storagetest::write;
+using support::Bytes;
+using support::part;
+using support::pattern;
+using support::read;
+using support::write;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;

@@ -1,7 +1,6 @@
 // The read cache of the disk buffer: what it serves, when it is filled, and what empties it.
 #include <gmock/gmock.h>
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <future>
@@ -9,21 +8,22 @@
 
 #include "platform/base/GlobalQueue.h"
 #include "storage/DiskBufferTest.h"
+#include "support/Gate.h"
 
 namespace {
 
-using storagetest::Bytes;
-using storagetest::part;
-using storagetest::pattern;
-using storagetest::read;
-using storagetest::write;
-using storagetest::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
+using support::Bytes;
+using support::part;
+using support::pattern;
+using support::read;
+using support::write;
+using support::operator+;  // NOLINT(misc-unused-using-decls): used as an operator
 using support::eventually;
 using testing::SizeIs;
 
 constexpr std::uint64_t kCache = OVDiskAudioBuffer::kCacheCapacity;
 
-class TheCacheOfADiskBuffer : public storagetest::DiskBufferTest {};
+class TheCacheOfADiskBuffer : public support::DiskBufferTest {};
 
 TEST_F(TheCacheOfADiskBuffer, ServesAReadInsideTheCachedRangeFromTheCacheToTheByte) {
   const Bytes bytes = recordAndCache(8000);
@@ -49,38 +49,20 @@ TEST_F(TheCacheOfADiskBuffer, ReadsWhatCrossesTheCachesEndFromTheFileAndQueuesOn
   EXPECT_EQ(buffer_->cache_fillsize(), 4496U);
 }
 
-// Holds every transfer of the disk until it is opened.
-class ClosedGate {
- public:
-  std::function<void()> hook() {
-    return [opened = opened_] { opened.wait(); };
-  }
-  void open() { promise_.set_value(); }
-
- private:
-  std::promise<void> promise_;
-  std::shared_future<void> opened_ = promise_.get_future().share();
-};
-
 // All threads of the global queue stand at the gate: what is submitted to a queue stays there.
 class StoppedQueues {
  public:
   StoppedQueues() {
-    for (std::size_t i = 0; i < platform::GlobalQueue::kMaximumThreads; ++i) {
-      platform::globalQueue().async([hook = gate_.hook(), standing = standing_] {
-        ++*standing;
-        hook();
-      });
+    constexpr int kThreads = platform::GlobalQueue::kMaximumThreads;
+    for (int i = 0; i < kThreads; ++i) {
+      platform::globalQueue().async([gate = gate_] { gate->pass(); });
     }
-    EXPECT_TRUE(
-        eventually([this] { return *standing_ == platform::GlobalQueue::kMaximumThreads; }));
+    EXPECT_TRUE(gate_->awaitArrival(kThreads));
   }
-  void go() { gate_.open(); }
+  void go() { gate_->open(); }
 
  private:
-  ClosedGate gate_;
-  std::shared_ptr<std::atomic<std::size_t>> standing_ =
-      std::make_shared<std::atomic<std::size_t>>(0);
+  std::shared_ptr<support::Gate> gate_ = std::make_shared<support::Gate>();
 };
 
 TEST_F(TheCacheOfADiskBuffer, QueuesOneFillForManyMisses) {
@@ -101,8 +83,8 @@ TEST_F(TheCacheOfADiskBuffer, QueuesOneFillForManyMisses) {
 
 TEST_F(TheCacheOfADiskBuffer, IsReadWhileAFillWaitsForASlowDisk) {
   const Bytes bytes = recordAndCache(8000);
-  ClosedGate gate;
-  files_.beforeReads(gate.hook());
+  support::Gate gate;
+  files_.beforeReads([&gate] { gate.pass(); });
   auto fill = std::async(std::launch::async, [this] { buffer_->fillCacheFromPosition(4000); });
   ASSERT_TRUE(eventually([this] { return buffer_->cached_position() == 4000; }));
   EXPECT_TRUE(buffer_->cacheFilling());
@@ -167,17 +149,13 @@ TEST_F(TheCacheOfADiskBuffer, AnyWriteEmptiesTheCache) {
 
 TEST_F(TheCacheOfADiskBuffer, AWriteDuringAFillLeavesNoStaleBytesInTheCache) {
   write(*buffer_, pattern(8000, 1), 0);
-  ClosedGate gate;
-  const auto filling = std::make_shared<std::atomic<bool>>(false);  // the read below queues a fill
-  files_.beforeReads([filling, wait = gate.hook()] {
-    *filling = true;
-    wait();
-  });
+  const auto gate = std::make_shared<support::Gate>();  // the read below queues a fill
+  files_.beforeReads([gate] { gate->pass(); });
   auto fill = std::async(std::launch::async, [this] { buffer_->fillCacheFromPosition(0); });
-  ASSERT_TRUE(eventually([&filling] { return filling->load(); }));
+  ASSERT_TRUE(gate->awaitArrival());
   const Bytes later = pattern(8000, 2);
   auto writer = std::async(std::launch::async, [&] { write(*buffer_, later, 0); });
-  gate.open();
+  gate->open();
   fill.get();
   writer.get();
   EXPECT_EQ(read(*buffer_, 800, 0), part(later, 0, 800));

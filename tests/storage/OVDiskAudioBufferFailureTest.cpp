@@ -9,11 +9,11 @@
 
 namespace {
 
-using storagetest::Bytes;
-using storagetest::part;
-using storagetest::pattern;
-using storagetest::read;
-using storagetest::write;
+using support::Bytes;
+using support::part;
+using support::pattern;
+using support::read;
+using support::write;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -23,7 +23,7 @@ const support::RecordedAlert kCannotOpen = {"couldn't open temp file for writing
                                             "for writing. This shouldn't happen! Check "
                                             "your permissions."};
 
-class ADiskBufferOnAFailingDisk : public storagetest::DiskBufferTest {};
+class ADiskBufferOnAFailingDisk : public support::DiskBufferTest {};
 
 TEST_F(ADiskBufferOnAFailingDisk, WhoseFileCannotBeMadeIsNoneAndTellsThePath) {
   support::FailingTemporaryFiles failing;

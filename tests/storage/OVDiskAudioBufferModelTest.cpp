@@ -16,10 +16,10 @@ namespace {
 
 using modeltest::below;
 using modeltest::Step;
-using storagetest::Bytes;
-using storagetest::PlainDiskBuffer;
+using support::Bytes;
+using support::PlainDiskBuffer;
 
-class DiskAudioBufferPair : storagetest::BufferPair {
+class DiskAudioBufferPair : support::BufferPair {
  public:
   static constexpr const char* kName = "DiskAudioBufferPair";
 
@@ -29,7 +29,7 @@ class DiskAudioBufferPair : storagetest::BufferPair {
     if (step.what == "write") {
       model_.write(writeReal(*real_, step.a, step.b, step.c), step.a);
     } else if (step.what == "read") {
-      lastRead_ = storagetest::read(*real_, step.b, step.a);
+      lastRead_ = support::read(*real_, step.b, step.a);
       modelsLastRead_ = model_.read(step.b, step.a);
       waitForTheFill();
     } else if (step.what == "readCache") {
@@ -68,7 +68,7 @@ class DiskAudioBufferPair : storagetest::BufferPair {
       comparison.tellSequence("file at " + std::to_string(from), bytes,
                               model_.readNoCache(3000, from));
       const double level = real_->powerAtPosition(from / 8);
-      if (!storagetest::isSameLevel(level, model_.power(from / 8))) {
+      if (!support::isSameLevel(level, model_.power(from / 8))) {
         comparison.tell("level of frame " + std::to_string(from / 8), level,
                         model_.power(from / 8));
       }

@@ -15,18 +15,18 @@
 
 namespace {
 
-using storagetest::Bytes;
-using storagetest::isNothing;
-using storagetest::part;
-using storagetest::pattern;
-using storagetest::read;
-using storagetest::write;
-using storagetest::operator+;
+using support::Bytes;
+using support::isNothing;
+using support::part;
+using support::pattern;
+using support::read;
+using support::write;
+using support::operator+;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class ADiskAudioBuffer : public storagetest::DiskBufferTest {};
+class ADiskAudioBuffer : public support::DiskBufferTest {};
 
 // Making and ending
 

@@ -9,13 +9,13 @@
 #include <utility>
 
 #include "storage/OVDiskAudioBuffer.h"
-#include "storage/TransferHelpers.h"
+#include "support/TransferHelpers.h"
 
 /// What the memory buffer and the disk buffer must do, written down once more with no thought of
 /// speed. The real ones are held against them.
 ///
 /// Threads: one.
-namespace storagetest {
+namespace support {
 
 /// `count` bytes from `from` on, as far as there are any.
 inline Bytes slice(const Bytes& bytes, std::uint64_t from, std::uint64_t count) {
@@ -185,4 +185,4 @@ struct PlainDiskBuffer {
   std::uint64_t cachePosition = 0;
 };
 
-}  // namespace storagetest
+}  // namespace support

@@ -33,6 +33,7 @@ TEST(Repository, TextsNameNoMachineAndNoPackageHost) {
     std::ifstream file(std::string(kRoot) + "/" + path, std::ios::binary);
     const std::string text((std::istreambuf_iterator<char>(file)),
                            std::istreambuf_iterator<char>());
+    EXPECT_TRUE(file) << path << " cannot be read";
     EXPECT_THAT(complaintsAboutText(text), IsEmpty()) << path;
   }
 }

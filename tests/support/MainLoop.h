@@ -6,12 +6,14 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 
+#include "platform/base/GlobalQueue.h"
 #include "platform/mainloop/MainQueue.h"
+#include "support/Eventually.h"
 
 /// Runs the main loop until a condition holds; false when the deadline passed first.
 /// Threads: main.
 inline bool runMainLoopUntil(const std::function<bool()>& condition,
-                             std::chrono::milliseconds deadline = std::chrono::seconds(60)) {
+                             std::chrono::milliseconds deadline = support::kPatience) {
   const auto end = std::chrono::steady_clock::now() + deadline;
   while (!condition()) {
     if (std::chrono::steady_clock::now() > end) {
@@ -20,6 +22,13 @@ inline bool runMainLoopUntil(const std::function<bool()>& condition,
     QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
   }
   return true;
+}
+
+/// Runs what the global queue holds; false when that took longer than the usual deadline.
+/// Threads: any but the global queue's.
+inline bool awaitGlobalQueue() {
+  return platform::globalQueue().waitUntilIdle(
+      std::chrono::duration<double>(support::kPatience).count());
 }
 
 /// Runs everything that was submitted to the main queue before this call.

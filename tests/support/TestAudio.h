@@ -7,11 +7,33 @@
 #include <random>
 #include <vector>
 
-/// Described signals, interleaved stereo. The right channel of each is loud where it could be
-/// mistaken for the left one.
-namespace test_audio {
+/// Described signals, interleaved stereo.
+namespace support {
 
-/// Frames whose left sample is `left(frame)` and whose right sample is 0.75.
+/// Frames numbered from `first`: left is the number, right its negative. A torn, lost, repeated or
+/// shifted frame shows.
+inline std::vector<float> ramp(std::uint64_t first, std::size_t frames) {
+  std::vector<float> samples(frames * 2);
+  for (std::size_t i = 0; i < frames; ++i) {
+    const auto number = static_cast<float>((first + i) % (1U << 24));  // a float holds it exactly
+    samples[2 * i] = number;
+    samples[2 * i + 1] = -number;
+  }
+  return samples;
+}
+
+/// Samples that 16 bits hold exactly, different in every frame and channel, and for every seed.
+inline std::vector<float> ramp16(std::uint64_t frames, int seed = 0) {
+  std::vector<float> samples(2 * frames);
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    const int value = static_cast<int>((i * 7 + static_cast<std::size_t>(seed)) % 60000) - 30000;
+    samples[i] = static_cast<float>(value) / 32768.0F;
+  }
+  return samples;
+}
+
+/// Frames whose left sample is `left(frame)` and whose right sample is 0.75: loud where it could be
+/// mistaken for the left one.
 template <class Left>
 std::vector<float> stereo(std::uint64_t frameCount, Left left) {
   std::vector<float> samples(frameCount * 2);
@@ -70,4 +92,4 @@ inline std::vector<float> roughNoise(std::uint64_t sampleCount, std::mt19937_64&
   return samples;
 }
 
-}  // namespace test_audio
+}  // namespace support

@@ -17,6 +17,7 @@ namespace translations {
 namespace {
 
 using testing::Contains;
+using testing::Contains;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -95,6 +96,12 @@ QStringList languages() {
 TranslationFile translationsInto(const QString& language) {
   return readTranslations(
       toQt(kRoot / "resources" / "translations" / ("orvo_" + language.toStdString() + ".ts")));
+}
+
+TEST(Languages, SourcesTextsAndLanguagesAreFound) {
+  EXPECT_THAT(sources(), Contains(kRoot / "src" / "app" / "main.cpp"));
+  EXPECT_TRUE(allKeys().contains("Save"));
+  EXPECT_TRUE(languages().contains("de"));
 }
 
 TEST(Languages, EveryTextOfTheSourcesIsMarkedForTranslation) {

@@ -22,12 +22,12 @@
 #include <vector>
 
 #include "storage/OVBlockBuffer.h"
-#include "storage/PlainBlockBuffer.h"
+#include "support/PlainBlockBuffer.h"
 #include "waveform/OVDynamicWaveForm.h"
 
 namespace {
 
-using storagetest::PlainBlockBuffer;
+using support::PlainBlockBuffer;
 using State = PlainBlockBuffer::State;
 
 constexpr std::uint64_t kFrameBytes = 8;

@@ -26,7 +26,7 @@ std::vector<float> elementsOf(const OVWaveformSummary& summary) {
 void write(OVAudioBufferInterface& buffer, std::uint64_t frame, std::uint64_t frames,
            unsigned seed) {
   std::mt19937_64 random(seed);
-  const std::vector<float> samples = test_audio::roughNoise(2 * frames, random);
+  const std::vector<float> samples = support::roughNoise(2 * frames, random);
   buffer.writeData(samples.data(), frame * kFrameBytes,
                    static_cast<std::uint32_t>(frames * kFrameBytes));
 }

@@ -65,7 +65,7 @@ TEST(MagnitudeExtentTest, EqualsOneSampleAtATimeForEveryLimit) {
   for (std::uint64_t limit = 0; limit < 200; ++limit) {
     for (int repeat = 0; repeat < 20; ++repeat) {
       // No longer than it may look: the address checker minds every sample beyond.
-      const std::vector<float> samples = test_audio::roughNoise(limit, random);
+      const std::vector<float> samples = support::roughNoise(limit, random);
       float smallest = 1.0F;
       float largest = 0.0F;
       for (std::uint64_t i = 0; i < limit; i += 2) {

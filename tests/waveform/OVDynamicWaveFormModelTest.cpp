@@ -122,7 +122,7 @@ class DynamicSummaryPair {
   static std::vector<std::byte> someAudio(std::uint64_t frames, std::uint64_t seed,
                                           std::uint64_t extra) {
     std::mt19937_64 random(seed);
-    const std::vector<float> samples = test_audio::roughNoise(2 * frames, random);
+    const std::vector<float> samples = support::roughNoise(2 * frames, random);
     const std::span<const std::byte> whole = std::as_bytes(std::span(samples));
     std::vector<std::byte> bytes(whole.begin(), whole.end());
     bytes.resize(bytes.size() + extra);
@@ -247,7 +247,7 @@ TEST(OVDynamicWaveFormModelTest, EqualsTheLiteralSummaryWithBlocksLongerThanABat
     summary->setCapacity(capacity);
     model.setCapacity(capacity);
     for (int call = 0; call < 12; ++call) {
-      audio->append(test_audio::roughNoise(2 * (random() % 200'000), random));
+      audio->append(support::roughNoise(2 * (random() % 200'000), random));
       summary->generate();
       model.generate();
       ASSERT_EQ(summary->chunksize(), model.chunksize);

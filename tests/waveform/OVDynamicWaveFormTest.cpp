@@ -8,9 +8,9 @@
 #include <memory>
 #include <vector>
 
+#include "support/Gate.h"
 #include "support/TestAudio.h"
 #include "support/fakes/MemoryTestBuffer.h"
-#include "support/fakes/ReadGate.h"
 
 namespace {
 
@@ -64,7 +64,7 @@ TEST_F(OVDynamicWaveFormTest, WithoutABufferItStaysEmpty) {
 }
 
 TEST_F(OVDynamicWaveFormTest, AudioFor1024ElementsFillsTheArrayExactly) {
-  generateWith(test_audio::risingBlocks(0, 1024, 2048));
+  generateWith(support::risingBlocks(0, 1024, 2048));
   EXPECT_EQ(summary_->elementCount(), 1024U);
   EXPECT_EQ(summary_->producedElementCount(), 1024U);
   EXPECT_EQ(summary_->chunksize(), 64U);
@@ -72,7 +72,7 @@ TEST_F(OVDynamicWaveFormTest, AudioFor1024ElementsFillsTheArrayExactly) {
 }
 
 TEST_F(OVDynamicWaveFormTest, TheElementAfterTheLastMergesPairsAndIsAppended) {
-  generateWith(test_audio::risingBlocks(0, 1025, 2048));
+  generateWith(support::risingBlocks(0, 1025, 2048));
   // The element that caused the merging is the 513th, though it covers 64 frames only.
   EXPECT_EQ(summary_->elementCount(), 513U);
   EXPECT_EQ(summary_->producedElementCount(), 1024U);
@@ -84,18 +84,18 @@ TEST_F(OVDynamicWaveFormTest, TheElementAfterTheLastMergesPairsAndIsAppended) {
 }
 
 TEST_F(OVDynamicWaveFormTest, AfterMergingAnElementTakesTwoReadsOfTheSizeFixedAtTheStart) {
-  generateWith(test_audio::risingBlocks(0, 1026, 2048));
+  generateWith(support::risingBlocks(0, 1026, 2048));
   EXPECT_EQ(summary_->elementCount(), 513U);
   EXPECT_EQ(summary_->pendingElement().readCount, 1U);
   EXPECT_EQ(summary_->pendingElement().frameCount, 64U);
-  generateWith(test_audio::risingBlocks(1026, 1, 2048));
+  generateWith(support::risingBlocks(1026, 1, 2048));
   // The next call reads 128 frames at a time: 64 are there and complete the element.
   EXPECT_EQ(summary_->elementCount(), 514U);
   EXPECT_EQ(elementsOf(*summary_)[513], 1027.0F / 2048);
 }
 
 TEST_F(OVDynamicWaveFormTest, ALongRecordingKeeps512To1024Elements) {
-  generateWith(test_audio::sine(64 * 5000, 0.5, 30));
+  generateWith(support::sine(64 * 5000, 0.5, 30));
   EXPECT_EQ(summary_->chunksize(), 512U);
   EXPECT_GE(summary_->elementCount(), 512U);
   EXPECT_LE(summary_->elementCount(), 1024U);
@@ -103,7 +103,7 @@ TEST_F(OVDynamicWaveFormTest, ALongRecordingKeeps512To1024Elements) {
 }
 
 TEST_F(OVDynamicWaveFormTest, OneHundredFramesGiveOneElementAndKeep36Pending) {
-  generateWith(test_audio::sine(100, 0.5, 10));
+  generateWith(support::sine(100, 0.5, 10));
   EXPECT_EQ(summary_->elementCount(), 1U);
   EXPECT_EQ(summary_->pendingElement().frameCount, 36U);
   EXPECT_EQ(summary_->pendingElement().readCount, 1U);
@@ -112,18 +112,18 @@ TEST_F(OVDynamicWaveFormTest, OneHundredFramesGiveOneElementAndKeep36Pending) {
 
 TEST_F(OVDynamicWaveFormTest, PendingFramesAreCompletedByALaterGeneration) {
   const auto loudAtFrame80 = [](std::uint64_t frame) { return frame == 80 ? 0.5 : 0.0; };
-  generateWith(test_audio::stereo(100, loudAtFrame80));
-  generateWith(test_audio::silence(10));
+  generateWith(support::stereo(100, loudAtFrame80));
+  generateWith(support::silence(10));
   EXPECT_EQ(summary_->elementCount(), 1U);
   EXPECT_EQ(summary_->pendingElement().frameCount, 46U);
-  generateWith(test_audio::silence(30));
+  generateWith(support::silence(30));
   // 46 + 30 frames have come: a whole block would have been 64.
   EXPECT_THAT(elementsOf(*summary_), ElementsAre(0.0F, 0.5F));
   EXPECT_EQ(summary_->pendingElement(), OVDynamicWaveForm::PendingElement());
 }
 
 TEST_F(OVDynamicWaveFormTest, GeneratingAgainWithoutNewAudioChangesNothing) {
-  generateWith(test_audio::sine(1000, 0.5, 10));
+  generateWith(support::sine(1000, 0.5, 10));
   const std::vector<float> before = elementsOf(*summary_);
   summary_->generate();
   EXPECT_EQ(elementsOf(*summary_), before);
@@ -131,51 +131,51 @@ TEST_F(OVDynamicWaveFormTest, GeneratingAgainWithoutNewAudioChangesNothing) {
 }
 
 TEST_F(OVDynamicWaveFormTest, SilenceGivesElementsOfZero) {
-  generateWith(test_audio::silence(640));
+  generateWith(support::silence(640));
   EXPECT_EQ(summary_->elementCount(), 10U);
   EXPECT_THAT(elementsOf(*summary_), Each(0.0F));
 }
 
 TEST_F(OVDynamicWaveFormTest, AFullScaleSquareWaveGivesElementsOfZero) {
-  generateWith(test_audio::squareWave(640, 7));
+  generateWith(support::squareWave(640, 7));
   EXPECT_EQ(summary_->elementCount(), 10U);
   EXPECT_THAT(elementsOf(*summary_), Each(0.0F));
 }
 
 TEST_F(OVDynamicWaveFormTest, ASineGivesElementsNearItsAmplitude) {
-  generateWith(test_audio::sine(6400, 0.8, 30));
+  generateWith(support::sine(6400, 0.8, 30));
   EXPECT_THAT(elementsOf(*summary_), Each(Gt(0.7F)));
   EXPECT_THAT(elementsOf(*summary_), Each(Lt(0.81F)));
 }
 
 TEST_F(OVDynamicWaveFormTest, OnlyTheLeftChannelOfTheFirstHalfOfEachReadIsLookedAt) {
-  generateWith(test_audio::stereo(128, [](std::uint64_t frame) {
+  generateWith(support::stereo(128, [](std::uint64_t frame) {
     return frame == 31 ? 0.25 : frame == 32 || frame == 127 ? 0.9 : 0.0;
   }));
   EXPECT_THAT(elementsOf(*summary_), ElementsAre(0.25F, 0.0F));
 }
 
 TEST_F(OVDynamicWaveFormTest, MaxAmplitudeStaysOneUpToFullScale) {
-  generateWith(test_audio::squareWave(640, 7));
+  generateWith(support::squareWave(640, 7));
   EXPECT_EQ(summary_->maxAmplitude(), 1.0);
 }
 
 TEST_F(OVDynamicWaveFormTest, MaxAmplitudeFollowsAudioBeyondFullScaleOnceItsElementIsComplete) {
-  generateWith(test_audio::stereo(63, [](std::uint64_t) { return 1.5; }));
+  generateWith(support::stereo(63, [](std::uint64_t) { return 1.5; }));
   EXPECT_EQ(summary_->maxAmplitude(), 1.0);
-  generateWith(test_audio::silence(1));
+  generateWith(support::silence(1));
   EXPECT_EQ(summary_->maxAmplitude(), 1.5);
 }
 
 TEST_F(OVDynamicWaveFormTest, SamplesThatAreNotNumbersCountAsSilence) {
-  generateWith(test_audio::stereo(64, [](std::uint64_t frame) {
+  generateWith(support::stereo(64, [](std::uint64_t frame) {
     return frame % 2 == 0 ? std::numeric_limits<double>::quiet_NaN() : 0.5;
   }));
   EXPECT_THAT(elementsOf(*summary_), ElementsAre(0.5F));
 }
 
 TEST_F(OVDynamicWaveFormTest, AHoleEndsAGenerationAndTheNextOneGoesOnThere) {
-  audio_->append(test_audio::sine(256, 0.5, 10));
+  audio_->append(support::sine(256, 0.5, 10));
   audio_->addHole(100 * 8, 120 * 8);
   summary_->generate();
   EXPECT_EQ(summary_->readerPos(), 100U);
@@ -186,9 +186,9 @@ TEST_F(OVDynamicWaveFormTest, AHoleEndsAGenerationAndTheNextOneGoesOnThere) {
 }
 
 TEST_F(OVDynamicWaveFormTest, ARequestedGenerationStartsFromTheBeginning) {
-  generateWith(test_audio::sine(64 * 2000, 0.5, 10));
+  generateWith(support::sine(64 * 2000, 0.5, 10));
   audio_->resizeInBytes(0);
-  audio_->append(test_audio::silence(640));
+  audio_->append(support::silence(640));
   summary_->setShouldRegenerateWaveform(true);
   summary_->generate();
   EXPECT_EQ(summary_->chunksize(), 64U);
@@ -197,7 +197,7 @@ TEST_F(OVDynamicWaveFormTest, ARequestedGenerationStartsFromTheBeginning) {
 }
 
 TEST_F(OVDynamicWaveFormTest, ARequestCanBeTakenBack) {
-  generateWith(test_audio::silence(640));
+  generateWith(support::silence(640));
   const std::uint64_t reads = audio_->readCount();
   summary_->setShouldRegenerateWaveform(true);
   summary_->setShouldRegenerateWaveform(false);
@@ -206,7 +206,7 @@ TEST_F(OVDynamicWaveFormTest, ARequestCanBeTakenBack) {
 }
 
 TEST_F(OVDynamicWaveFormTest, ARequestDuringAGenerationOutlastsIt) {
-  audio_->append(test_audio::sine(640, 0.5, 10));
+  audio_->append(support::sine(640, 0.5, 10));
   audio_->beforeRead = [this](std::uint64_t) { summary_->setShouldRegenerateWaveform(true); };
   summary_->generate();
   audio_->beforeRead = nullptr;
@@ -218,7 +218,7 @@ TEST_F(OVDynamicWaveFormTest, ARequestDuringAGenerationOutlastsIt) {
 
 TEST_F(OVDynamicWaveFormTest, ResetForgetsEverythingButTheCapacity) {
   summary_->setCapacity(10);
-  generateWith(test_audio::stereo(64 * 100 + 5, [](std::uint64_t) { return 1.5; }));
+  generateWith(support::stereo(64 * 100 + 5, [](std::uint64_t) { return 1.5; }));
   ASSERT_GT(summary_->maxAmplitude(), 1.0);
   summary_->reset();
   EXPECT_EQ(summary_->elementCount(), 0U);
@@ -243,12 +243,12 @@ TEST_F(OVDynamicWaveFormTest, ItIsRegeneratingFromResetUntilTheNextGenerationEnd
 }
 
 TEST_F(OVDynamicWaveFormTest, AnIncrementalGenerationIsNoRegeneration) {
-  generateWith(test_audio::silence(640));
+  generateWith(support::silence(640));
   bool regeneratingWhileReading = false;
   audio_->beforeRead = [&](std::uint64_t) {
     regeneratingWhileReading = summary_->isRegenerating();
   };
-  generateWith(test_audio::silence(640));
+  generateWith(support::silence(640));
   EXPECT_FALSE(regeneratingWhileReading);
 }
 
@@ -280,14 +280,14 @@ TEST_F(OVDynamicWaveFormTest, CapacitiesBelowTwoCountAsTwo) {
     summary_->setCapacity(capacity);
     EXPECT_EQ(summary_->capacity(), 2U);
   }
-  generateWith(test_audio::risingBlocks(0, 5, 8));
+  generateWith(support::risingBlocks(0, 5, 8));
   // Blocks 1 and 2 merge to make room for 3; 4 and 5 are one element, for which 2 and 3 merge.
   EXPECT_THAT(elementsOf(*summary_), ElementsAre(3.0F / 8, 5.0F / 8));
   EXPECT_EQ(summary_->chunksize(), 256U);
 }
 
 TEST_F(OVDynamicWaveFormTest, ASmallerCapacityMovesTheWriteIndexInside) {
-  generateWith(test_audio::risingBlocks(0, 10, 16));
+  generateWith(support::risingBlocks(0, 10, 16));
   summary_->setCapacity(4);
   EXPECT_EQ(summary_->elementCount(), 4U);
   EXPECT_EQ(summary_->producedElementCount(), 4U);
@@ -296,7 +296,7 @@ TEST_F(OVDynamicWaveFormTest, ASmallerCapacityMovesTheWriteIndexInside) {
 }
 
 TEST_F(OVDynamicWaveFormTest, ANewCapacityMakesTheNextGenerationStartOver) {
-  generateWith(test_audio::sine(64 * 2000, 0.5, 10));
+  generateWith(support::sine(64 * 2000, 0.5, 10));
   ASSERT_EQ(summary_->chunksize(), 128U);
   summary_->setCapacity(4096);
   summary_->generate();
@@ -305,7 +305,7 @@ TEST_F(OVDynamicWaveFormTest, ANewCapacityMakesTheNextGenerationStartOver) {
 }
 
 TEST_F(OVDynamicWaveFormTest, PowerAtPositionIsTheElementAtTheFraction) {
-  generateWith(test_audio::risingBlocks(0, 4, 4));
+  generateWith(support::risingBlocks(0, 4, 4));
   EXPECT_EQ(summary_->powerAtPosition(0.0), 0.25);
   EXPECT_EQ(summary_->powerAtPosition(0.49), 0.5);
   EXPECT_EQ(summary_->powerAtPosition(0.5), 0.75);
@@ -313,7 +313,7 @@ TEST_F(OVDynamicWaveFormTest, PowerAtPositionIsTheElementAtTheFraction) {
 
 TEST_F(OVDynamicWaveFormTest, PowerAtPositionClampsFractionAndIndex) {
   EXPECT_EQ(summary_->powerAtPosition(0.5), 0.0) << "empty";
-  generateWith(test_audio::risingBlocks(0, 4, 4));
+  generateWith(support::risingBlocks(0, 4, 4));
   EXPECT_EQ(summary_->powerAtPosition(1.0), 1.0);
   EXPECT_EQ(summary_->powerAtPosition(1e300), 1.0);
   EXPECT_EQ(summary_->powerAtPosition(-0.1), 0.25);
@@ -321,7 +321,7 @@ TEST_F(OVDynamicWaveFormTest, PowerAtPositionClampsFractionAndIndex) {
 }
 
 TEST_F(OVDynamicWaveFormTest, ACopyHasTheSameStateAndGoesOnByItself) {
-  generateWith(test_audio::sine(64 * 1500 + 20, 1.5, 30));
+  generateWith(support::sine(64 * 1500 + 20, 1.5, 30));
   const auto copied = std::dynamic_pointer_cast<OVDynamicWaveForm>(summary_->copy());
   ASSERT_TRUE(copied);
   EXPECT_EQ(elementsOf(*copied), elementsOf(*summary_));
@@ -334,7 +334,7 @@ TEST_F(OVDynamicWaveFormTest, ACopyHasTheSameStateAndGoesOnByItself) {
   EXPECT_EQ(copied->maxAmplitude(), summary_->maxAmplitude());
 
   const std::uint64_t before = summary_->elementCount();
-  audio_->append(test_audio::silence(1280));
+  audio_->append(support::silence(1280));
   copied->generate();
   EXPECT_EQ(summary_->elementCount(), before);
   summary_->generate();
@@ -342,7 +342,7 @@ TEST_F(OVDynamicWaveFormTest, ACopyHasTheSameStateAndGoesOnByItself) {
 }
 
 TEST_F(OVDynamicWaveFormTest, ACopyTakesTheFlagsAlong) {
-  generateWith(test_audio::silence(640));
+  generateWith(support::silence(640));
   EXPECT_FALSE(summary_->copy()->isRegenerating());
   summary_->setShouldRegenerateWaveform(true);
   const auto toRegenerate = summary_->copy();
@@ -355,14 +355,14 @@ TEST_F(OVDynamicWaveFormTest, ACopyTakesTheFlagsAlong) {
 
 TEST_F(OVDynamicWaveFormTest, ACopyOfAnEnlargedOneIsAsLarge) {
   summary_->setCapacity(5000);
-  generateWith(test_audio::risingBlocks(0, 3000, 3000));
+  generateWith(support::risingBlocks(0, 3000, 3000));
   const auto copied = summary_->copy();
   EXPECT_EQ(elementsOf(*copied), elementsOf(*summary_));
   EXPECT_EQ(elementsOf(*copied).size(), 3000U);
 }
 
 TEST_F(OVDynamicWaveFormTest, GenerateNoLockServesACallerThatHoldsTheLock) {
-  audio_->append(test_audio::silence(640));
+  audio_->append(support::silence(640));
   summary_->lock();
   summary_->generateNoLock();
   summary_->unlock();
@@ -370,15 +370,16 @@ TEST_F(OVDynamicWaveFormTest, GenerateNoLockServesACallerThatHoldsTheLock) {
 }
 
 TEST_F(OVDynamicWaveFormTest, FewReadsServeALongGeneration) {
-  generateWith(test_audio::silence(32768 * 3));
+  generateWith(support::silence(32768 * 3));
   EXPECT_LE(audio_->readCount(), 4U);
 }
 
 TEST_F(OVDynamicWaveFormTest, NothingButTheLockWaitsForAGeneration) {
-  audio_->append(test_audio::risingBlocks(0, 100, 100));
-  ReadGate gate(*audio_);
+  audio_->append(support::risingBlocks(0, 100, 100));
+  support::Gate gate;
+  audio_->beforeRead = gate.holdingTheFirst();
   auto generation = std::async(std::launch::async, [this] { summary_->generate(); });
-  ASSERT_TRUE(gate.waitUntilReached());
+  ASSERT_TRUE(gate.awaitArrival());
   auto onlooker = std::async(std::launch::async, [this] {
     EXPECT_TRUE(summary_->isRegenerating());
     EXPECT_EQ(summary_->elementCount(), 0U);
@@ -389,17 +390,18 @@ TEST_F(OVDynamicWaveFormTest, NothingButTheLockWaitsForAGeneration) {
     EXPECT_TRUE(summary_->copy()->isRegenerating());
     EXPECT_THAT(elementsOf(*summary_->copy()), IsEmpty());
   });
-  EXPECT_EQ(onlooker.wait_for(ReadGate::kDeadline), std::future_status::ready);
+  EXPECT_EQ(onlooker.wait_for(support::kPatience), std::future_status::ready);
   gate.open();
   generation.get();
   EXPECT_EQ(summary_->elementCount(), 100U);
 }
 
 TEST_F(OVDynamicWaveFormTest, TheLockIsHeldForAWholeGeneration) {
-  audio_->append(test_audio::risingBlocks(0, 100, 100));
-  ReadGate gate(*audio_);
+  audio_->append(support::risingBlocks(0, 100, 100));
+  support::Gate gate;
+  audio_->beforeRead = gate.holdingTheFirst();
   auto generation = std::async(std::launch::async, [this] { summary_->generate(); });
-  ASSERT_TRUE(gate.waitUntilReached());
+  ASSERT_TRUE(gate.awaitArrival());
   auto waiter = std::async(std::launch::async, [this] {
     summary_->lock();
     const std::uint64_t count = summary_->elementCount();
@@ -412,7 +414,7 @@ TEST_F(OVDynamicWaveFormTest, TheLockIsHeldForAWholeGeneration) {
 }
 
 TEST_F(OVDynamicWaveFormTest, ACopyOfAHalfDoneGenerationIsCompletedByItsOwn) {
-  audio_->append(test_audio::risingBlocks(0, 1500, 1500));
+  audio_->append(support::risingBlocks(0, 1500, 1500));
   std::shared_ptr<OVWaveformSummary> copied;
   audio_->beforeRead = [&, reads = 0](std::uint64_t) mutable {
     if (++reads == 2) {
@@ -431,7 +433,7 @@ TEST_F(OVDynamicWaveFormTest, ACopyOfAHalfDoneGenerationIsCompletedByItsOwn) {
 }
 
 TEST_F(OVDynamicWaveFormTest, AResetDuringAGenerationMakesItStartOver) {
-  audio_->append(test_audio::risingBlocks(0, 1500, 1500));
+  audio_->append(support::risingBlocks(0, 1500, 1500));
   audio_->beforeRead = [this, reads = 0](std::uint64_t) mutable {
     if (++reads == 2) {
       summary_->reset();
@@ -447,7 +449,7 @@ TEST_F(OVDynamicWaveFormTest, AResetDuringAGenerationMakesItStartOver) {
 }
 
 TEST_F(OVDynamicWaveFormTest, TwoGenerationsWithoutTheLockTakeInEveryByteOnce) {
-  audio_->append(test_audio::risingBlocks(0, 1000, 1000));
+  audio_->append(support::risingBlocks(0, 1000, 1000));
   audio_->beforeRead = [this, depth = 0](std::uint64_t) mutable {
     if (++depth == 1) {
       summary_->generateNoLock();  // a second one runs through while the first one reads
@@ -460,7 +462,7 @@ TEST_F(OVDynamicWaveFormTest, TwoGenerationsWithoutTheLockTakeInEveryByteOnce) {
 }
 
 TEST_F(OVDynamicWaveFormTest, ACancelledGenerationEndsWithItsBatchAndTheNextOneCompletesIt) {
-  audio_->append(test_audio::risingBlocks(0, 1500, 1500));
+  audio_->append(support::risingBlocks(0, 1500, 1500));
   std::atomic<bool> cancelled = false;
   audio_->beforeRead = [&](std::uint64_t) { cancelled = true; };
   summary_->generate(&cancelled);

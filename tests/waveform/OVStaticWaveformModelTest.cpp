@@ -51,7 +51,7 @@ using modeltest::Step;
 
 std::vector<float> someAudio(std::uint64_t frames, std::uint64_t seed) {
   std::mt19937_64 random(seed);
-  return test_audio::roughNoise(2 * frames, random);
+  return support::roughNoise(2 * frames, random);
 }
 
 /// A summary and the literal one on the same buffer.
@@ -153,7 +153,7 @@ TEST(OVStaticWaveformModelTest, EqualsTheLiteralSummaryOverThousandsOfRandomLive
 
 TEST(OVStaticWaveformModelTest, EqualsTheLiteralSummaryWithElementsLongerThanABatch) {
   std::mt19937_64 random(9);
-  const auto audio = std::make_shared<RepeatingBuffer>(test_audio::roughNoise(2 * 262'147, random));
+  const auto audio = std::make_shared<RepeatingBuffer>(support::roughNoise(2 * 262'147, random));
   ASSERT_GT(RepeatingBuffer::kFrames / 1024 * 8, SummaryReader::kBatchByteCount);
   const auto summary = OVStaticWaveform::initWithBuffer(audio);
   literal::StaticSummary model;

@@ -9,9 +9,9 @@
 #include <memory>
 #include <vector>
 
+#include "support/Gate.h"
 #include "support/TestAudio.h"
 #include "support/fakes/MemoryTestBuffer.h"
-#include "support/fakes/ReadGate.h"
 #include "waveform/OVDynamicWaveForm.h"
 
 namespace {
@@ -27,7 +27,7 @@ std::vector<float> elementsOf(const OVWaveformSummary& summary) {
 
 /// Left samples of 0 but for the first frame of every `framesPerBlock`, which has its number.
 std::vector<float> numberedBlocks(std::uint64_t count, std::uint64_t framesPerBlock) {
-  return test_audio::stereo(count * framesPerBlock, [=](std::uint64_t frame) {
+  return support::stereo(count * framesPerBlock, [=](std::uint64_t frame) {
     return frame % framesPerBlock == 0 ? static_cast<double>(frame / framesPerBlock + 1) / 4096
                                        : 0.0;
   });
@@ -66,7 +66,7 @@ TEST_F(OVStaticWaveformTest, TenTimes1024FramesGiveElementsOfTenFrames) {
 }
 
 TEST_F(OVStaticWaveformTest, OneThousandFramesAreNotSummarised) {
-  const auto summary = summaryOf(test_audio::sine(1000, 0.5, 10));
+  const auto summary = summaryOf(support::sine(1000, 0.5, 10));
   EXPECT_THAT(elementsOf(*summary), Each(0.0F));
   EXPECT_EQ(summary->readerPos(), 0U);
   EXPECT_EQ(audio_->readCount(), 0U);
@@ -74,7 +74,7 @@ TEST_F(OVStaticWaveformTest, OneThousandFramesAreNotSummarised) {
 }
 
 TEST_F(OVStaticWaveformTest, ABufferThatBecameTooShortKeepsTheElements) {
-  const auto summary = summaryOf(test_audio::sine(10240, 0.5, 10));
+  const auto summary = summaryOf(support::sine(10240, 0.5, 10));
   const std::vector<float> before = elementsOf(*summary);
   audio_->resizeInBytes(1000 * 8);
   summary->regenerate();
@@ -84,7 +84,7 @@ TEST_F(OVStaticWaveformTest, ABufferThatBecameTooShortKeepsTheElements) {
 }
 
 TEST_F(OVStaticWaveformTest, FramesThatTheDivisionLeavesOverAreNotSummarised) {
-  std::vector<float> samples = test_audio::silence(10240 + 1023);
+  std::vector<float> samples = support::silence(10240 + 1023);
   for (std::size_t i = 20480; i < samples.size(); ++i) {
     samples[i] = 0.9F;
   }
@@ -94,18 +94,18 @@ TEST_F(OVStaticWaveformTest, FramesThatTheDivisionLeavesOverAreNotSummarised) {
 }
 
 TEST_F(OVStaticWaveformTest, OnlyTheLeftChannelOfTheFirstHalfOfEachElementIsLookedAt) {
-  const auto summary = summaryOf(test_audio::stereo(10240, [](std::uint64_t frame) {
+  const auto summary = summaryOf(support::stereo(10240, [](std::uint64_t frame) {
     return frame % 10 == 4 ? 0.25 : frame % 10 == 5 ? 0.9 : 0;
   }));
   EXPECT_THAT(elementsOf(*summary), Each(0.25F));
 }
 
 TEST_F(OVStaticWaveformTest, BeyondAHoleElementsStayAsTheyWere) {
-  audio_->append(test_audio::sine(10240, 0.5, 10));
+  audio_->append(support::sine(10240, 0.5, 10));
   const auto summary = OVStaticWaveform::initWithBuffer(audio_);
   ASSERT_THAT(elementsOf(*summary), Each(Gt(0.0F)));
   audio_->resizeInBytes(0);
-  audio_->append(test_audio::silence(10240));
+  audio_->append(support::silence(10240));
   audio_->addHole(5125 * 8, 6000 * 8);
   summary->regenerate();
   const std::vector<float> elements = elementsOf(*summary);
@@ -126,7 +126,7 @@ TEST_F(OVStaticWaveformTest, WithoutABufferAllElementsAreZero) {
 TEST_F(OVStaticWaveformTest, CountAndAmplitudeAreTheSameWhateverTheAudio) {
   for (const std::uint64_t frames : {0U, 1000U, 5000U}) {
     audio_->resizeInBytes(0);
-    const auto summary = summaryOf(test_audio::squareWave(frames, 3));
+    const auto summary = summaryOf(support::squareWave(frames, 3));
     EXPECT_EQ(summary->elementCount(), 1024U);
     EXPECT_EQ(summary->maxAmplitude(), 1.6);
   }
@@ -188,9 +188,9 @@ TEST_F(OVStaticWaveformTest, AStretchedOneDoesNotFollowItsSource) {
 }
 
 TEST_F(OVStaticWaveformTest, GenerateRebuildsOnlyWhenAsked) {
-  const auto summary = summaryOf(test_audio::silence(10240));
+  const auto summary = summaryOf(support::silence(10240));
   audio_->resizeInBytes(0);
-  audio_->append(test_audio::sine(10240, 0.5, 10));
+  audio_->append(support::sine(10240, 0.5, 10));
   summary->generate();
   EXPECT_THAT(elementsOf(*summary), Each(0.0F));
   summary->setShouldRegenerateWaveform(true);
@@ -201,9 +201,9 @@ TEST_F(OVStaticWaveformTest, GenerateRebuildsOnlyWhenAsked) {
 }
 
 TEST_F(OVStaticWaveformTest, GenerateNoLockDoesTheSameForACallerThatHoldsTheLock) {
-  const auto summary = summaryOf(test_audio::silence(10240));
+  const auto summary = summaryOf(support::silence(10240));
   audio_->resizeInBytes(0);
-  audio_->append(test_audio::sine(10240, 0.5, 10));
+  audio_->append(support::sine(10240, 0.5, 10));
   summary->lock();
   summary->generateNoLock();
   EXPECT_THAT(elementsOf(*summary), Each(0.0F));
@@ -214,7 +214,7 @@ TEST_F(OVStaticWaveformTest, GenerateNoLockDoesTheSameForACallerThatHoldsTheLock
 }
 
 TEST_F(OVStaticWaveformTest, ItIsRegeneratingOnlyWhileItRebuilds) {
-  const auto summary = summaryOf(test_audio::silence(10240));
+  const auto summary = summaryOf(support::silence(10240));
   bool regeneratingWhileReading = false;
   bool requestStands = true;
   audio_->beforeRead = [&](std::uint64_t) {
@@ -229,14 +229,14 @@ TEST_F(OVStaticWaveformTest, ItIsRegeneratingOnlyWhileItRebuilds) {
 }
 
 TEST_F(OVStaticWaveformTest, ARequestDuringAGenerationOutlastsIt) {
-  const auto summary = summaryOf(test_audio::silence(10240));
+  const auto summary = summaryOf(support::silence(10240));
   audio_->beforeRead = [&](std::uint64_t) { summary->setShouldRegenerateWaveform(true); };
   summary->regenerate();
   EXPECT_TRUE(summary->shouldRegenerateWaveform());
 }
 
 TEST_F(OVStaticWaveformTest, ResetDoesNothing) {
-  const auto summary = summaryOf(test_audio::sine(10240, 0.5, 10));
+  const auto summary = summaryOf(support::sine(10240, 0.5, 10));
   const std::vector<float> before = elementsOf(*summary);
   summary->reset();
   EXPECT_EQ(elementsOf(*summary), before);
@@ -255,7 +255,7 @@ TEST_F(OVStaticWaveformTest, PowerAtPositionClampsFractionAndIndex) {
 }
 
 TEST_F(OVStaticWaveformTest, ACopyHasElementsCountersAndFlagsAndGoesOnByItself) {
-  const auto summary = summaryOf(test_audio::sine(10240, 0.5, 10));
+  const auto summary = summaryOf(support::sine(10240, 0.5, 10));
   summary->setShouldRegenerateWaveform(true);
   const auto copied = std::dynamic_pointer_cast<OVStaticWaveform>(summary->copy());
   ASSERT_TRUE(copied);
@@ -266,7 +266,7 @@ TEST_F(OVStaticWaveformTest, ACopyHasElementsCountersAndFlagsAndGoesOnByItself) 
   EXPECT_TRUE(copied->shouldRegenerateWaveform());
   const std::vector<float> before = elementsOf(*summary);
   audio_->resizeInBytes(0);
-  audio_->append(test_audio::silence(10240));
+  audio_->append(support::silence(10240));
   copied->generate();
   EXPECT_THAT(elementsOf(*copied), Each(0.0F));
   EXPECT_EQ(elementsOf(*summary), before);
@@ -295,7 +295,7 @@ class OVStaticWaveformChunkTest : public OVStaticWaveformTest {
   const std::shared_ptr<OVStaticWaveform> summary_ =
       OVStaticWaveform::initWithDynamicWaveform(dynamicOf(1024));
 
-  OVStaticWaveformChunkTest() { audio_->append(test_audio::silence(10240)); }
+  OVStaticWaveformChunkTest() { audio_->append(support::silence(10240)); }
 
   void update(const std::vector<float>& samples, double position) {
     summary_->updateWithDataChunk(samples.data(), samples.size(), position);
@@ -304,8 +304,7 @@ class OVStaticWaveformChunkTest : public OVStaticWaveformTest {
 
 TEST_F(OVStaticWaveformChunkTest, AChunkCoversAShareOfTheSlotsByItsCountOfFloats) {
   // 1000 floats count as 1000 of 10240: 100 slots, of 10 floats each.
-  update(test_audio::stereo(500, [](std::uint64_t frame) { return frame % 5 == 0 ? 0.5 : 0; }),
-         0.5);
+  update(support::stereo(500, [](std::uint64_t frame) { return frame % 5 == 0 ? 0.5 : 0; }), 0.5);
   const std::vector<float> elements = elementsOf(*summary_);
   EXPECT_EQ(elements[511], 512.0F);
   for (std::size_t slot = 512; slot < 612; ++slot) {
@@ -340,7 +339,7 @@ TEST_F(OVStaticWaveformChunkTest, OfTheLastStepOnlyAsManyFloatsCountAsAreLeftOve
 }
 
 TEST_F(OVStaticWaveformChunkTest, OnlyEverySecondFloatIsLookedAt) {
-  update(test_audio::stereo(500, [](std::uint64_t) { return 0.0; }), 0.0);
+  update(support::stereo(500, [](std::uint64_t) { return 0.0; }), 0.0);
   EXPECT_EQ(elementsOf(*summary_)[0], 0.0F) << "the right channel is 0.75 throughout";
 }
 
@@ -410,11 +409,12 @@ TEST_F(OVStaticWaveformChunkTest, SamplesThatAreNotNumbersCountAsSilence) {
 // Beside a generation.
 
 TEST_F(OVStaticWaveformTest, NothingButTheLockWaitsForAGeneration) {
-  const auto summary = summaryOf(test_audio::sine(10240, 0.5, 10));
+  const auto summary = summaryOf(support::sine(10240, 0.5, 10));
   const std::vector<float> before = elementsOf(*summary);
-  ReadGate gate(*audio_);
+  support::Gate gate;
+  audio_->beforeRead = gate.holdingTheFirst();
   auto generation = std::async(std::launch::async, [&] { summary->regenerate(); });
-  ASSERT_TRUE(gate.waitUntilReached());
+  ASSERT_TRUE(gate.awaitArrival());
   auto onlooker = std::async(std::launch::async, [&] {
     EXPECT_TRUE(summary->isRegenerating());
     EXPECT_EQ(summary->readerPos(), 0U);
@@ -426,14 +426,14 @@ TEST_F(OVStaticWaveformTest, NothingButTheLockWaitsForAGeneration) {
     summary->updateWithDataChunk(samples.data(), samples.size(), 0.0);
     EXPECT_EQ(elementsOf(*summary)[0], 0.0F);
   });
-  EXPECT_EQ(onlooker.wait_for(ReadGate::kDeadline), std::future_status::ready);
+  EXPECT_EQ(onlooker.wait_for(support::kPatience), std::future_status::ready);
   gate.open();
   generation.get();
   EXPECT_FALSE(summary->isRegenerating());
 }
 
 TEST_F(OVStaticWaveformTest, AChunkThatArrivesDuringAGenerationStaysAsIfItHadComeAfterIt) {
-  const std::vector<float> audio = test_audio::sine(10240, 0.5, 10);
+  const std::vector<float> audio = support::sine(10240, 0.5, 10);
   const std::vector<float> samples(1009, 0.5F);  // passes over a slot that it clears
   const auto expected = summaryOf(audio);
   expected->updateWithDataChunk(samples.data(), samples.size(), 0.25);
@@ -454,12 +454,13 @@ TEST_F(OVStaticWaveformTest, AChunkThatArrivesDuringAGenerationStaysAsIfItHadCom
 }
 
 TEST_F(OVStaticWaveformTest, TheLockIsHeldForAWholeGeneration) {
-  const auto summary = summaryOf(test_audio::silence(10240));
+  const auto summary = summaryOf(support::silence(10240));
   audio_->resizeInBytes(0);
   audio_->append(numberedBlocks(1024, 10));
-  ReadGate gate(*audio_);
+  support::Gate gate;
+  audio_->beforeRead = gate.holdingTheFirst();
   auto generation = std::async(std::launch::async, [&] { summary->regenerate(); });
-  ASSERT_TRUE(gate.waitUntilReached());
+  ASSERT_TRUE(gate.awaitArrival());
   auto waiter = std::async(std::launch::async, [&] {
     summary->lock();
     const double last = summary->powerAtPosition(1.0);
@@ -472,7 +473,7 @@ TEST_F(OVStaticWaveformTest, TheLockIsHeldForAWholeGeneration) {
 }
 
 TEST_F(OVStaticWaveformTest, ACancelledGenerationEndsWithItsBatchAndAsksForAnother) {
-  const auto summary = summaryOf(test_audio::silence(102400));
+  const auto summary = summaryOf(support::silence(102400));
   audio_->resizeInBytes(0);
   audio_->append(numberedBlocks(1024, 100));
   const std::uint64_t readsBefore = audio_->readCount();

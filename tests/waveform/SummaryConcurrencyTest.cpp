@@ -58,7 +58,7 @@ TEST(SummaryConcurrencyTest, ADynamicSummaryIsDrawnAndCopiedWhileARecordingGrows
   const auto summary = OVDynamicWaveForm::initWithBuffer(audio);
   const auto write = [&, written = std::uint64_t{0}](int i) mutable {
     const std::uint64_t count = 1 + static_cast<std::uint64_t>(i) * 7 % 40;
-    audio->append(test_audio::risingBlocks(written, count, kBlocks));
+    audio->append(support::risingBlocks(written, count, kBlocks));
     written += count;
   };
   const auto generate = [&](int i) {
@@ -98,7 +98,7 @@ TEST(SummaryConcurrencyTest, ADynamicSummaryIsDrawnAndCopiedWhileARecordingGrows
 
 TEST(SummaryConcurrencyTest, ADynamicSummaryIsResetAndResizedBesideGenerations) {
   const auto audio = std::make_shared<MemoryTestBuffer>();
-  audio->append(test_audio::risingBlocks(0, 3000, kBlocks));
+  audio->append(support::risingBlocks(0, 3000, kBlocks));
   const auto summary = OVDynamicWaveForm::initWithBuffer(audio);
   const auto disturb = [&](int i) {
     i % 3 == 0 ? summary->reset() : summary->setShouldRegenerateWaveform(true);
@@ -126,7 +126,7 @@ TEST(SummaryConcurrencyTest, AStaticSummaryIsPatchedDrawnAndCopiedWhileItIsGener
   constexpr std::uint64_t kFrames = 1024 * 64;
   const auto audio = std::make_shared<MemoryTestBuffer>();
   audio->append(
-      test_audio::stereo(kFrames, [](std::uint64_t frame) { return frame % 64 == 0 ? 0.5 : 0.0; }));
+      support::stereo(kFrames, [](std::uint64_t frame) { return frame % 64 == 0 ? 0.5 : 0.0; }));
   const auto summary = OVStaticWaveform::initWithBuffer(audio);
   // 64 floats for each of 128 slots: cleared and stored in one stretch of the lock.
   std::vector<float> chunk(128 * 64);

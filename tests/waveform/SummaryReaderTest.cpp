@@ -11,7 +11,7 @@
 
 namespace {
 
-using test_audio::roughNoise;
+using support::roughNoise;
 
 struct SeenBlock {
   std::uint64_t byteCount;
@@ -57,7 +57,7 @@ std::vector<SeenBlock> literalBlocksOf(MemoryTestBuffer& audio, std::uint64_t fr
 
 TEST(SummaryReaderTest, OneReadServesManyBlocks) {
   MemoryTestBuffer audio;
-  audio.append(test_audio::sine(32768, 0.5, 50));
+  audio.append(support::sine(32768, 0.5, 50));
   SummaryReader reader(audio, 64);
   EXPECT_EQ(reader.readBlocks(0).size(), 512U);
   EXPECT_EQ(audio.readCount(), 1U);
@@ -71,7 +71,7 @@ TEST(SummaryReaderTest, AnEmptyBufferHasNoBlocks) {
 
 TEST(SummaryReaderTest, BytesOfAnUnfinishedFrameAloneMakeNoBlock) {
   MemoryTestBuffer audio;
-  audio.append(test_audio::silence(64));
+  audio.append(support::silence(64));
   audio.resizeInBytes(64 * 8 + 7);
   SummaryReader reader(audio, 64);
   EXPECT_EQ(blocksOf(reader).size(), 1U);
@@ -79,7 +79,7 @@ TEST(SummaryReaderTest, BytesOfAnUnfinishedFrameAloneMakeNoBlock) {
 
 TEST(SummaryReaderTest, BytesOfAnUnfinishedFrameBelongToTheShortBlockBeforeThem) {
   MemoryTestBuffer audio;
-  audio.append(test_audio::silence(65));
+  audio.append(support::silence(65));
   audio.resizeInBytes(65 * 8 + 3);
   SummaryReader reader(audio, 64);
   const std::vector<SeenBlock> blocks = blocksOf(reader);
@@ -100,7 +100,7 @@ TEST(SummaryReaderTest, OfAShortLongBlockOnlyTheFirstHalfOfItsFramesCounts) {
   // 60 of 100 frames come, in pieces of 8. Frame 29 is the last one that is looked at; of a whole
   // block it would have been frame 49.
   MemoryTestBuffer audio;
-  audio.append(test_audio::stereo(60, [](std::uint64_t frame) {
+  audio.append(support::stereo(60, [](std::uint64_t frame) {
     return frame == 29 ? 0.5 : frame == 30 ? 0.9 : 0.0;
   }));
   SummaryReader reader(audio, 100, 64);
@@ -112,7 +112,7 @@ TEST(SummaryReaderTest, OfAShortLongBlockOnlyTheFirstHalfOfItsFramesCounts) {
 
 TEST(SummaryReaderTest, AudioCutOffBetweenThePiecesStillGivesAnExtent) {
   MemoryTestBuffer audio;
-  audio.append(test_audio::stereo(60, [](std::uint64_t) { return 0.5; }));
+  audio.append(support::stereo(60, [](std::uint64_t) { return 0.5; }));
   SummaryReader reader(audio, 100, 64);
   audio.beforeRead = [&, reads = 0](std::uint64_t) mutable {
     if (++reads == 9) {  // eight pieces until the end; then the first half again

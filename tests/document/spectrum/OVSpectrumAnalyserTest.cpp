@@ -9,7 +9,7 @@
 
 #include <gmock/gmock.h>
 
-#include "document/StoredFrames.h"
+#include "support/fakes/MemoryTestBuffer.h"
 
 using testing::AllOf;
 using testing::Each;
@@ -80,15 +80,15 @@ TEST_F(SpectrumAnalyser, TransformsFourThousandAndNinetySixPoints) {
 
 TEST_F(SpectrumAnalyser, StoredAudioGivesTheFirstChannelOfTheFramesFromThePosition) {
   constexpr std::size_t kPosition = 1000;
-  StoredFrames buffer(noise(2 * (kPosition + kLength + 500)));
+  MemoryTestBuffer buffer(noise(2 * (kPosition + kLength + 500)));
   const auto magnitudes = analyser_->doFFT(&buffer, kPosition);
   ASSERT_THAT(magnitudes, SizeIs(2048));
-  expectMagnitudes(magnitudes, everySecond(buffer.floats(), 2 * kPosition, kLength));
+  expectMagnitudes(magnitudes, everySecond(buffer.samples(), 2 * kPosition, kLength));
   EXPECT_FALSE(analyser_->doingfft());
 }
 
 TEST_F(SpectrumAnalyser, StoredAudioIsReadOnceAsWholeFrames) {
-  StoredFrames buffer(noise(kFloatsRead));
+  MemoryTestBuffer buffer(noise(kFloatsRead));
   static_cast<void>(analyser_->doFFT(&buffer, 7));
   ASSERT_THAT(buffer.reads(), SizeIs(1));
   EXPECT_EQ(buffer.reads()[0].byteOffset, 7U * 8U);
@@ -100,7 +100,7 @@ TEST_F(SpectrumAnalyser, TheSecondChannelOfStoredAudioDoesNotCount) {
   for (std::size_t i = 1; i < floats.size(); i += 2) {
     floats[i] = 1.0F;
   }
-  StoredFrames buffer(floats);
+  MemoryTestBuffer buffer(floats);
   EXPECT_THAT(analyser_->doFFT(&buffer, 0), Each(0.0F));
 }
 
@@ -110,7 +110,7 @@ TEST_F(SpectrumAnalyser, AToneOfFullScaleGivesHalfTheLengthOverSixtyFourInItsBin
     const double angle = 2.0 * std::numbers::pi * 100.0 * static_cast<double>(i) / 4096.0;
     floats[2 * i] = static_cast<float>(std::sin(angle));
   }
-  StoredFrames buffer(floats);
+  MemoryTestBuffer buffer(floats);
   const auto magnitudes = analyser_->doFFT(&buffer, 0);
   ASSERT_THAT(magnitudes, SizeIs(2048));
   for (std::size_t k = 0; k < magnitudes.size(); ++k) {
@@ -119,30 +119,30 @@ TEST_F(SpectrumAnalyser, AToneOfFullScaleGivesHalfTheLengthOverSixtyFourInItsBin
 }
 
 TEST_F(SpectrumAnalyser, AtTheEndOfTheAudioTheRestIsSilence) {
-  StoredFrames loud(noise(kFloatsRead, 2));
+  MemoryTestBuffer loud(noise(kFloatsRead, 2));
   static_cast<void>(analyser_->doFFT(&loud, 0));
-  StoredFrames buffer(noise(2 * 3000));
+  MemoryTestBuffer buffer(noise(2 * 3000));
   const auto magnitudes = analyser_->doFFT(&buffer, 2900);
   ASSERT_THAT(magnitudes, SizeIs(2048));
-  expectMagnitudes(magnitudes, everySecond(buffer.floats(), 2 * 2900, kLength));
+  expectMagnitudes(magnitudes, everySecond(buffer.samples(), 2 * 2900, kLength));
   EXPECT_THAT(analyser_->fft_inputReal().subspan(200), Each(0.0F));
   EXPECT_GT(magnitudes[1], 0.0F);
 }
 
 TEST_F(SpectrumAnalyser, BehindTheEndOfTheAudioThereIsSilence) {
-  StoredFrames loud(noise(kFloatsRead));
+  MemoryTestBuffer loud(noise(kFloatsRead));
   static_cast<void>(analyser_->doFFT(&loud, 0));
   EXPECT_THAT(analyser_->doFFT(&loud, kLength), AllOf(SizeIs(2048), Each(0.0F)));
 }
 
 TEST_F(SpectrumAnalyser, WithoutABufferThereIsSilence) {
-  StoredFrames loud(noise(kFloatsRead));
+  MemoryTestBuffer loud(noise(kFloatsRead));
   static_cast<void>(analyser_->doFFT(&loud, 0));
   EXPECT_THAT(analyser_->doFFT(nullptr, 123), AllOf(SizeIs(2048), Each(0.0F)));
 }
 
 TEST_F(SpectrumAnalyser, TwoAnalysesOfTheSameAudioAreEqual) {
-  StoredFrames buffer(noise(kFloatsRead));
+  MemoryTestBuffer buffer(noise(kFloatsRead));
   const auto first = analyser_->doFFT(&buffer, 10);
   const std::vector<float> kept(first.begin(), first.end());
   static_cast<void>(analyse(*analyser_, noise(2048, 5)));
@@ -219,7 +219,7 @@ TEST_F(SpectrumAnalyser, RecordedAudioNeedsNoAlignment) {
 }
 
 TEST_F(SpectrumAnalyser, TheTwoAnalysesClearWhatTheOtherLeft) {
-  StoredFrames loud(noise(kFloatsRead));
+  MemoryTestBuffer loud(noise(kFloatsRead));
   static_cast<void>(analyser_->doFFT(&loud, 0));
   const std::vector<float> silence(2048);
   EXPECT_THAT(analyse(*analyser_, silence), AllOf(SizeIs(512), Each(0.0F)));

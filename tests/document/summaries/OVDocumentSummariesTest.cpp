@@ -5,15 +5,15 @@
 #include <atomic>
 #include <memory>
 
-#include "audio/Gate.h"
 #include "document/FileFixture.h"
+#include "support/Gate.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
 
 class OVDocumentSummariesTest : public DocumentFileTest {
  protected:
-  using SharedGate = std::shared_ptr<testaudio::Gate>;
+  using SharedGate = std::shared_ptr<support::Gate>;
 
   /// Sound that looks different everywhere.
   static Samples noise(std::uint64_t frames, std::uint32_t seed = 1) {
@@ -36,7 +36,7 @@ class OVDocumentSummariesTest : public DocumentFileTest {
 
   /// From now on no background queue gets past its first read of the audio.
   SharedGate holdReads() {
-    auto gate = std::make_shared<testaudio::Gate>();
+    auto gate = std::make_shared<support::Gate>();
     files_.beforeReads([gate] {
       if (!platform::isMainThread()) {
         gate->pass();
@@ -47,7 +47,7 @@ class OVDocumentSummariesTest : public DocumentFileTest {
 
   /// From now on nothing that is submitted to the global queue begins.
   static SharedGate holdQueue() {
-    auto gate = std::make_shared<testaudio::Gate>();
+    auto gate = std::make_shared<support::Gate>();
     for (std::size_t i = 0; i < platform::GlobalQueue::kMaximumThreads; ++i) {
       platform::globalQueue().async([gate] { gate->pass(); });
     }
@@ -396,7 +396,7 @@ TEST_F(OVDocumentSummariesTest, ARefreshThatEndsDuringASaveShowsItselfAtOnce) {
   makeSummaryStatic();
   document_->setPlaybackPosition(20'000);
   document_->removeAfterMarker(nullptr);
-  ASSERT_TRUE(platform::globalQueue().waitUntilIdle(20));  // its end waits in the main queue
+  ASSERT_TRUE(awaitGlobalQueue());  // its end waits in the main queue
   bool seen = false;
   platform::mainQueue().async([&] {
     seen = true;
@@ -414,7 +414,7 @@ TEST_F(OVDocumentSummariesTest, ARefreshThatEndsDuringASaveShowsItselfAtOnce) {
 TEST_F(OVDocumentSummariesTest, ARefreshThatOutlastsASaveGetsItsBarBack) {
   openWith(60'000);
   document_->setPlaybackPosition(20'000);
-  const auto gate = std::make_shared<testaudio::Gate>();
+  const auto gate = std::make_shared<support::Gate>();
   // Only the first reader is held: the refresh.
   const auto held = std::make_shared<std::atomic<bool>>(false);
   files_.beforeReads([gate, held] {
@@ -441,7 +441,7 @@ TEST_F(OVDocumentSummariesTest, ARefreshThatEndsWhileAFileThatCannotBeImportedIs
   std::ofstream(letter) << "This is a letter, not a sound.\n";
   document_->setPlaybackPosition(20'000);
   document_->removeAfterMarker(nullptr);
-  ASSERT_TRUE(platform::globalQueue().waitUntilIdle(20));  // its end waits in the main queue
+  ASSERT_TRUE(awaitGlobalQueue());  // its end waits in the main queue
   import(letter);
   EXPECT_EQ(services_->alerts().size(), 1u);
   EXPECT_FALSE(barIsShown());

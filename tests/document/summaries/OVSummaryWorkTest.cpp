@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/Gate.h"
 #include "support/fakes/MemoryTestBuffer.h"
-#include "support/fakes/ReadGate.h"
 #include "waveform/OVDynamicWaveForm.h"
 
 class OVSummaryWorkTest : public testing::Test {
@@ -42,10 +42,11 @@ TEST_F(OVSummaryWorkTest, OneWithoutMemoryEndsAndIsAskedForAgain) {
 }
 
 TEST_F(OVSummaryWorkTest, OneThatIsCancelledYieldsNothingAndNoneFollows) {
-  ReadGate gate(*audio_);
+  support::Gate gate;
+  audio_->beforeRead = gate.holdingTheFirst();
   bool useful = true;
   std::thread other([&] { useful = work_.generate(*summary_, work_.epoch()); });
-  EXPECT_TRUE(gate.waitUntilReached());
+  EXPECT_TRUE(gate.awaitArrival());
   work_.cancel();
   gate.open();
   other.join();
@@ -54,10 +55,11 @@ TEST_F(OVSummaryWorkTest, OneThatIsCancelledYieldsNothingAndNoneFollows) {
 }
 
 TEST_F(OVSummaryWorkTest, OneThatAnEpochEndsUnderIsSeenAndYieldsNothingOfUse) {
-  ReadGate gate(*audio_);
+  support::Gate gate;
+  audio_->beforeRead = gate.holdingTheFirst();
   bool useful = true;
   std::thread other([&, epoch = work_.epoch()] { useful = work_.generate(*summary_, epoch); });
-  EXPECT_TRUE(gate.waitUntilReached());
+  EXPECT_TRUE(gate.awaitArrival());
   work_.beginEpoch();
   EXPECT_TRUE(work_.isGenerating(*summary_));
   EXPECT_FALSE(work_.isGenerating(*OVDynamicWaveForm::initWithBuffer(audio_)));

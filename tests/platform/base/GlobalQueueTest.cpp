@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/mainloop/MainQueue.h"
+#include "support/MainLoop.h"
 #include "support/fakes/NoMoreThreads.h"
 
 using platform::globalQueue;
@@ -20,7 +21,7 @@ TEST(GlobalQueue, RunsBlocksOffTheMainThreadAndSeveralAtOnce) {
       together.arrive_and_wait();
     });
   }
-  EXPECT_TRUE(globalQueue().waitUntilIdle(20));
+  EXPECT_TRUE(awaitGlobalQueue());
   EXPECT_EQ(offMain, 4);
 }
 
@@ -29,12 +30,12 @@ TEST(GlobalQueue, WaitingForIdleGivesUpAtItsDeadline) {
   globalQueue().async([&] { release.wait(); });
   EXPECT_FALSE(globalQueue().waitUntilIdle(0.01));
   release.count_down();
-  EXPECT_TRUE(globalQueue().waitUntilIdle(20));
+  EXPECT_TRUE(awaitGlobalQueue());
 }
 
 TEST(GlobalQueue, BlocksForWhichThereIsNoThreadAreRunByThoseThatAreThere) {
   globalQueue().async([] {});
-  ASSERT_TRUE(globalQueue().waitUntilIdle(20));
+  ASSERT_TRUE(awaitGlobalQueue());
   const support::NoMoreThreads limit;
   if (!limit.isInForce()) {
     GTEST_SKIP() << "the system's threads cannot be withheld";
@@ -49,6 +50,6 @@ TEST(GlobalQueue, BlocksForWhichThereIsNoThreadAreRunByThoseThatAreThere) {
     }));
   }
   release.count_down();
-  EXPECT_TRUE(globalQueue().waitUntilIdle(20));
+  EXPECT_TRUE(awaitGlobalQueue());
   EXPECT_EQ(ran, kBlocks);
 }

@@ -14,5 +14,6 @@ TEST(FontPreparation, FontsAreThereAfterwardsAndASecondFinishDoesNothing) {
 }
 
 TEST(FontPreparation, MayBeLeftUnfinished) {
-  const platform::FontPreparation fonts;
+  { const platform::FontPreparation fonts; }
+  EXPECT_GT(QFontMetricsF(QFont()).horizontalAdvance("Orvo"), 0.0);
 }

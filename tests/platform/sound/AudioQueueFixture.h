@@ -13,6 +13,8 @@
 
 #include "platform/sound/DeviceAudioQueues.h"
 #include "support/Eventually.h"
+#include "support/Gate.h"
+#include "support/TestAudio.h"
 #include "support/fakes/ManualAudioClock.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/ScriptedAudioDevice.h"
@@ -22,17 +24,8 @@ namespace platform::test {
 inline constexpr std::uint32_t kRecordFrames = 4096;
 inline constexpr std::uint32_t kPlayFrames = 1024;
 
-/// Interleaved stereo frames numbered from `first`: left is the number, right its negative. A torn
-/// or shifted frame shows.
-inline std::vector<float> ramp(std::uint64_t first, std::size_t frames) {
-  std::vector<float> samples(frames * 2);
-  for (std::size_t i = 0; i < frames; ++i) {
-    const auto number = static_cast<float>((first + i) % (1U << 24));
-    samples[2 * i] = number;
-    samples[2 * i + 1] = -number;
-  }
-  return samples;
-}
+using support::Gate;
+using support::ramp;
 
 /// What happened on other threads, in order, and a way to wait for it.
 template <typename Value>
@@ -61,32 +54,6 @@ class Record {
   mutable std::mutex mutex_;
   mutable std::condition_variable changed_;
   std::vector<Value> values_;  // guarded by mutex_
-};
-
-/// A door at which a thread waits until the test opens it.
-class Door {
- public:
-  void open() {
-    const std::lock_guard lock(mutex_);
-    open_ = true;
-    changed_.notify_all();
-  }
-  void pass() {
-    std::unique_lock lock(mutex_);
-    ++arrived_;
-    changed_.notify_all();
-    changed_.wait_for(lock, support::kPatience, [&] { return open_; });
-  }
-  [[nodiscard]] bool awaitArrival(int count = 1) {
-    std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, support::kPatience, [&] { return arrived_ >= count; });
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  bool open_ = false;  // guarded by mutex_
-  int arrived_ = 0;    // guarded by mutex_
 };
 
 /// An input queue with the recorder's buffers, whose callback keeps everything.

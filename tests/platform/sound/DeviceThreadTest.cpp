@@ -54,7 +54,7 @@ TEST_F(DeviceThreadTest, ADelayedTaskWaitsForTheClockAndNotForLaterOnes) {
 }
 
 TEST_F(DeviceThreadTest, ASignalRunsItsTaskOnceForManyRaises) {
-  Door door;
+  Gate door;
   const auto signal = control().makeSignal(note(7));
   control().post([&](AudioDevice&) { door.pass(); });
   ASSERT_TRUE(door.awaitArrival());
@@ -87,7 +87,7 @@ TEST_F(DeviceThreadTest, EndingReleasesTheDevice) {
 }
 
 TEST_F(DeviceThreadTest, AThreadThatHangsIsLeftBehindAndFinishesLater) {
-  const auto door = std::make_shared<Door>();
+  const auto door = std::make_shared<Gate>();
   const auto last = std::make_shared<Record<int>>();
   control().post([door](AudioDevice&) { door->pass(); });
   control().postAtEnd([last](AudioDevice&) { last->add(1); });

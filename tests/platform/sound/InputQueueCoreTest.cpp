@@ -66,7 +66,7 @@ TEST_F(InputQueueCoreTest, FramesBeforeTheStartAreNotHeard) {
 }
 
 TEST_F(InputQueueCoreTest, AWritingSideThatIsHeldUpFor250MillisecondsLosesNothing) {
-  Door door;
+  Gate door;
   Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) { door.pass(); };
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
@@ -83,7 +83,7 @@ TEST_F(InputQueueCoreTest, AWritingSideThatIsHeldUpFor250MillisecondsLosesNothin
 }
 
 TEST_F(InputQueueCoreTest, FramesBeyondTheFullRingAreCountedAndToldOncePerStretch) {
-  Door door;
+  Gate door;
   Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) { door.pass(); };
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
@@ -151,7 +151,7 @@ TEST_F(InputQueueCoreTest, ADeviceThatVanishesLosesNoneOfTheFramesThatItGave) {
 }
 
 TEST_F(InputQueueCoreTest, AFailureIsToldAfterTheLastFramesAlsoWhenTheQueueIsBehind) {
-  Door door;
+  Gate door;
   Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) {
     EXPECT_EQ(recording.failures.count(), 0U);
@@ -192,7 +192,7 @@ TEST_F(InputQueueCoreTest, AFailureWhileFramesArriveLosesNoneOfThem) {
 }
 
 TEST_F(InputQueueCoreTest, WaitingForWhatWasCapturedSeesEveryWholeBufferOfAQueueThatIsBehind) {
-  Door door;
+  Gate door;
   std::atomic<int> finished{0};
   Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) {
@@ -211,8 +211,8 @@ TEST_F(InputQueueCoreTest, WaitingForWhatWasCapturedSeesEveryWholeBufferOfAQueue
 }
 
 TEST_F(InputQueueCoreTest, WaitingDoesNotWaitForBuffersCapturedLater) {
-  Door first;
-  Door second;
+  Gate first;
+  Gate second;
   std::atomic<int> calls{0};
   Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) {
@@ -230,7 +230,7 @@ TEST_F(InputQueueCoreTest, WaitingDoesNotWaitForBuffersCapturedLater) {
 }
 
 TEST_F(InputQueueCoreTest, WaitingEndsWhenTheQueueIsStopped) {
-  Door door;
+  Gate door;
   Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) { door.pass(); };
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
@@ -247,7 +247,7 @@ TEST_F(InputQueueCoreTest, WaitingEndsWhenTheQueueIsStopped) {
 }
 
 TEST_F(InputQueueCoreTest, AStopWaitsForTheCallbackThatRunsAndNoneFollows) {
-  Door door;
+  Gate door;
   std::atomic<bool> inside{false};
   Recording recording;
   recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) {

@@ -28,7 +28,7 @@ class OutputQueueCoreTest : public AudioQueuesTest {
     return value;
   }
 
-  Door door;
+  Gate door;
   Playback playback;
   std::size_t pulled_ = 0;
 };

@@ -24,7 +24,7 @@ TEST(QueueThreadTest, ServesOnceForEveryWakeUpAlsoForThoseBeforeItsStart) {
 
 TEST(QueueThreadTest, EndWaitsForTheServingThatRuns) {
   QueueThread thread;
-  Door door;
+  Gate door;
   std::atomic<bool> finished{false};
   ASSERT_EQ(thread.start([&] {
     door.pass();

@@ -2,11 +2,12 @@
 
 #include <thread>
 
+#include "support/Eventually.h"
+
 namespace platform {
 
 namespace {
 constexpr auto kLook = std::chrono::milliseconds(1);  // between looks at the hands, real time
-constexpr auto kPatience = std::chrono::seconds(20);  // before a test is told that none waits
 }  // namespace
 
 AudioClock::TimePoint ManualAudioClock::now() const noexcept {
@@ -35,7 +36,7 @@ void ManualAudioClock::advance(std::chrono::nanoseconds duration) {
 }
 
 bool ManualAudioClock::awaitWaiter(std::chrono::nanoseconds duration) const {
-  const auto giveUp = std::chrono::steady_clock::now() + kPatience;
+  const auto giveUp = std::chrono::steady_clock::now() + support::kPatience;
   while (std::chrono::steady_clock::now() < giveUp) {
     {
       const std::lock_guard lock(mutex_);

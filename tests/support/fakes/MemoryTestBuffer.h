@@ -13,16 +13,30 @@
 
 #include "storage/OVAudioBufferInterface.h"
 
-/// A buffer in memory that can have holes, counts its reads, and lets a test step in before each.
+/// A buffer in memory that can have holes, keeps a list of its transfers, and lets a test step in
+/// before each.
 ///
 /// It answers a read like every buffer: under one lock, up to the end or the next hole, and with
 /// nothing at all when no byte is there. Everything else of the interface does nothing.
 ///
-/// Threads: any, except that beforeRead is set while no one reads.
+/// Threads: any, except that the hooks are set while no one reads or writes.
 class MemoryTestBuffer : public OVAudioBufferInterface {
  public:
+  static constexpr std::uint64_t kFrameBytes = platform::kWorkingFormat.mBytesPerFrame;
+
+  struct Transfer {
+    std::uint64_t byteOffset;
+    std::uint64_t byteCount;
+    friend bool operator==(const Transfer&, const Transfer&) = default;
+  };
+
   /// Called with the byte offset of a read before it takes the lock; may write, cut or wait.
   std::function<void(std::uint64_t fromOffset)> beforeRead;
+  /// The same before a write.
+  std::function<void(const Transfer&)> beforeWrite;
+
+  MemoryTestBuffer() = default;
+  explicit MemoryTestBuffer(const std::vector<float>& samples) { append(samples); }
 
   void append(const void* data, std::size_t byteCount) {
     const std::lock_guard guard(lock_);
@@ -57,8 +71,31 @@ class MemoryTestBuffer : public OVAudioBufferInterface {
   }
   [[nodiscard]] std::uint64_t readCount() const { return readCount_; }
 
-  void writeData(const void* data, std::uint64_t atByteOffset, std::uint32_t withSize) override {
+  /// What was asked for, in order.
+  [[nodiscard]] std::vector<Transfer> reads() const {
     const std::lock_guard guard(lock_);
+    return reads_;
+  }
+  /// What was written, in order.
+  [[nodiscard]] std::vector<Transfer> writes() const {
+    const std::lock_guard guard(lock_);
+    return writes_;
+  }
+  [[nodiscard]] std::vector<float> samples() const {
+    const std::lock_guard guard(lock_);
+    std::vector<float> samples(bytes_.size() / sizeof(float));
+    if (!samples.empty()) {
+      std::memcpy(samples.data(), bytes_.data(), samples.size() * sizeof(float));
+    }
+    return samples;
+  }
+
+  void writeData(const void* data, std::uint64_t atByteOffset, std::uint32_t withSize) override {
+    if (beforeWrite) {
+      beforeWrite({atByteOffset, withSize});
+    }
+    const std::lock_guard guard(lock_);
+    writes_.push_back({atByteOffset, withSize});
     bytes_.resize(std::max<std::uint64_t>(bytes_.size(), atByteOffset + withSize));
     // Not memcpy: a write of nothing may come without an address.
     std::copy_n(static_cast<const std::byte*>(data), withSize,
@@ -72,22 +109,31 @@ class MemoryTestBuffer : public OVAudioBufferInterface {
     }
     ++readCount_;
     const std::lock_guard guard(lock_);
+    reads_.push_back({fromOffset, withSize});
     const std::uint64_t end = readableEnd(fromOffset);
     const std::uint64_t count = end > fromOffset ? std::min(withSize, end - fromOffset) : 0;
     if (count == 0) {
       return {};
     }
     std::memcpy(destination, bytes_.data() + fromOffset, count);
-    return {.data = static_cast<float*>(destination), .frameCount = count / 8, .byteCount = count};
+    return {.data = static_cast<float*>(destination),
+            .frameCount = count / kFrameBytes,
+            .byteCount = count};
   }
 
   [[nodiscard]] platform::AudioStreamBasicDescription format() const override {
     return platform::kWorkingFormat;
   }
-  [[nodiscard]] std::uint64_t bufferSizeInFrames() const override { return byteCount() / 8; }
-  [[nodiscard]] std::uint64_t bufferFillSizeInFrames() const override { return byteCount() / 8; }
+  [[nodiscard]] std::uint64_t bufferSizeInFrames() const override {
+    return byteCount() / kFrameBytes;
+  }
+  [[nodiscard]] std::uint64_t bufferFillSizeInFrames() const override {
+    return bufferSizeInFrames();
+  }
 
-  void cutoffBufferAfterPosition(std::uint64_t frames) override { resizeInBytes(frames * 8); }
+  void cutoffBufferAfterPosition(std::uint64_t frames) override {
+    resizeInBytes(frames * kFrameBytes);
+  }
   void cutoffBufferBeforePosition(std::uint64_t) override {}
   void reverseBuffer() override {}
   void setWaypoint() override {}
@@ -114,5 +160,7 @@ class MemoryTestBuffer : public OVAudioBufferInterface {
   mutable std::mutex lock_;
   std::vector<std::byte> bytes_;                  ///< guarded by lock_
   std::map<std::uint64_t, std::uint64_t> holes_;  ///< guarded by lock_; begin to end
+  std::vector<Transfer> reads_;                   ///< guarded by lock_
+  std::vector<Transfer> writes_;                  ///< guarded by lock_
   std::atomic<std::uint64_t> readCount_ = 0;
 };

@@ -1,4 +1,5 @@
 #include "support/fakes/ScriptedAudioDevice.h"
+#include "support/Eventually.h"
 
 #include <algorithm>
 #include <chrono>
@@ -9,7 +10,6 @@
 namespace platform {
 
 namespace {
-constexpr auto kPatience = std::chrono::seconds(20);
 constexpr std::size_t kChannels = 2;
 }  // namespace
 
@@ -81,7 +81,7 @@ struct ScriptedAudioDevice::Script {
   template <typename Condition>
   bool await(Condition condition) const {
     std::unique_lock lock(mutex);
-    return changed.wait_for(lock, kPatience, condition);
+    return changed.wait_for(lock, support::kPatience, condition);
   }
 
   std::shared_ptr<OutputEnd> output(std::size_t stream) const {
@@ -104,7 +104,7 @@ struct ScriptedAudioDevice::Script {
   }
 
   bool awaitRunning(std::size_t stream, bool running) const {
-    const auto giveUp = std::chrono::steady_clock::now() + kPatience;
+    const auto giveUp = std::chrono::steady_clock::now() + support::kPatience;
     while (isRunning(stream) != running) {
       std::unique_lock lock(mutex);
       // Looks again after a while: isRunning() cannot be asked under this lock.

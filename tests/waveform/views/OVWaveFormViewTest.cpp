@@ -10,7 +10,9 @@
 #include <QtTest>
 
 #include "support/MainLoop.h"
+#include "support/PaintCounter.h"
 #include "support/Pixels.h"
+#include "support/ViewOnScreen.h"
 #include "support/fakes/FakeWaveformSummary.h"
 #include "waveform/views/OVPlaybackMarkerView.h"
 
@@ -38,23 +40,6 @@ class RecordingDelegate final : public OVWaveFormViewDelegate {
   std::vector<Call> clicks;
   std::vector<Call> drags;
   double marker = 0.0;
-};
-
-/// A view on a screen of any pixel ratio.
-class ViewOnScreen final : public OVWaveFormView {
- public:
-  int ratio = 1;
-
- protected:
-  [[nodiscard]] int metric(PaintDeviceMetric kind) const override {
-    if (kind == PdmDevicePixelRatio) {
-      return ratio;
-    }
-    if (kind == PdmDevicePixelRatioScaled) {
-      return static_cast<int>(ratio * devicePixelRatioFScale());
-    }
-    return OVWaveFormView::metric(kind);
-  }
 };
 
 class WaveFormView : public testing::Test {
@@ -96,7 +81,7 @@ class WaveFormView : public testing::Test {
   std::shared_ptr<FakeWaveformSummary> summary_ =
       std::make_shared<FakeWaveformSummary>(std::vector<float>(64, 0.5F));
   std::shared_ptr<RecordingDelegate> delegate_ = std::make_shared<RecordingDelegate>();
-  ViewOnScreen view_;
+  support::ViewOnScreen<OVWaveFormView> view_;
   QImage screen_;
 };
 
@@ -341,15 +326,7 @@ TEST_F(WaveFormView, MovingTheMarkerDoesNotRenderTheWaveformAnew) {
   marker.setGeometry(view_.rect());
   view_.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&view_));
-  class PaintCounter final : public QObject {
-   public:
-    int paints = 0;
-    bool eventFilter(QObject*, QEvent* event) override {
-      paints += event->type() == QEvent::Paint ? 1 : 0;
-      return false;
-    }
-  } counter;
-  view_.installEventFilter(&counter);
+  support::PaintCounter counter(&view_);
   ASSERT_TRUE(runMainLoopUntil([&] { return summary_->copiesTaken() == 1; }));
   for (int i = 1; i <= 10; ++i) {
     const int paintsBefore = counter.paints;

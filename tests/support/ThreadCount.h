@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <iterator>
 
-namespace testaudio {
+namespace support {
 
 /// Threads of this process at the moment.
 [[nodiscard]] inline std::size_t threadCount() {
@@ -12,4 +12,4 @@ namespace testaudio {
   return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
 }
 
-}  // namespace testaudio
+}  // namespace support

@@ -6,7 +6,7 @@
 
 #include "storage/OVAudioBufferInterface.h"
 
-namespace storagetest {
+namespace support {
 
 using Bytes = std::vector<unsigned char>;
 
@@ -46,4 +46,4 @@ inline bool isNothing(const BufferReadResult& result) {
   return result.data == nullptr && result.frameCount == 0 && result.byteCount == 0;
 }
 
-}  // namespace storagetest
+}  // namespace support

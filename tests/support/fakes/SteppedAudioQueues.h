@@ -18,7 +18,7 @@
 /// makes any single one fail.
 ///
 /// Threads: one, the test's.
-namespace testaudio {
+namespace support {
 
 using platform::AudioQueueBuffer;
 using platform::AudioStatus;
@@ -258,4 +258,4 @@ class InstalledSteppedQueues {
   platform::Installed<platform::AudioQueues>::Scope installation_{queues_};
 };
 
-}  // namespace testaudio
+}  // namespace support

@@ -1,4 +1,4 @@
-#include "audio/BadFiles.h"
+#include "support/BadFiles.h"
 
 #include <limits>
 

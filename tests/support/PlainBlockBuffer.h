@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "storage/OVBlock.h"
-#include "storage/TransferHelpers.h"
+#include "support/TransferHelpers.h"
 
-namespace storagetest {
+namespace support {
 
 /// What a block buffer must do, written down once more, step by step and with no thought of speed:
 /// four separate passes, every lookup a scan, the file a vector that is only appended to. The real
@@ -205,4 +205,4 @@ class PlainBlockBuffer {
   }
 };
 
-}  // namespace storagetest
+}  // namespace support

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+
+#include "support/Eventually.h"
+
+namespace support {
+
+/// Holds threads back until a test lets them go, and lets the test wait for their arrival.
+///
+/// Threads: any. A thread that arrives after open() passes at once.
+class Gate {
+ public:
+  Gate() = default;
+  Gate(const Gate&) = delete;
+  Gate& operator=(const Gate&) = delete;
+
+  /// Waits until open() was called, at most kPatience, so that a failing test ends.
+  void pass() {
+    std::unique_lock lock(mutex_);
+    ++arrived_;
+    changed_.notify_all();
+    changed_.wait_for(lock, kPatience, [this] { return open_; });
+  }
+
+  /// Waits until so many threads have arrived; false when they have not within kPatience.
+  [[nodiscard]] bool awaitArrival(int count = 1) {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, kPatience, [&] { return arrived_ >= count; });
+  }
+
+  void open() {
+    const std::lock_guard lock(mutex_);
+    open_ = true;
+    changed_.notify_all();
+  }
+
+  /// A hook of any arguments that passes this gate when it is first called. The gate must outlive
+  /// that call.
+  [[nodiscard]] auto holdingTheFirst() {
+    return [this, first = true](auto&&...) mutable {
+      if (first) {
+        first = false;
+        pass();
+      }
+    };
+  }
+
+ private:
+  std::mutex mutex_;  // guards everything below
+  std::condition_variable changed_;
+  bool open_ = false;
+  int arrived_ = 0;
+};
+
+}  // namespace support

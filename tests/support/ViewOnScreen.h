@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QWidget>
+
+namespace support {
+
+/// A view of a given class on a screen of any pixel ratio.
+///
+/// Threads: main.
+template <typename View>
+class ViewOnScreen final : public View {
+ public:
+  int ratio = 1;
+
+ protected:
+  [[nodiscard]] int metric(QPaintDevice::PaintDeviceMetric kind) const override {
+    if (kind == QPaintDevice::PdmDevicePixelRatio) {
+      return ratio;
+    }
+    if (kind == QPaintDevice::PdmDevicePixelRatioScaled) {
+      return static_cast<int>(ratio * QPaintDevice::devicePixelRatioFScale());
+    }
+    return View::metric(kind);
+  }
+};
+
+}  // namespace support
