@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -61,6 +62,10 @@ inline constexpr auto kStates = std::to_array<State>(
   return kNames.at(static_cast<std::size_t>(state));
 }
 
+inline void PrintTo(State state, std::ostream* out) {
+  *out << nameOf(state);
+}
+
 [[nodiscard]] inline bool isFileOperation(State state) {
   return state >= State::loading && state <= State::exporting;
 }
@@ -93,7 +98,12 @@ class StateKeeper {
               kFileFrames * kFrameBytes);
     EXPECT_TRUE(writer->close());
   }
-  ~StateKeeper() { gate_.open(); }
+  ~StateKeeper() {
+    gate_.open();
+    EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
+    temporaryFiles_.beforeWrites(nullptr);  // a document that is left keeps its file
+    temporaryFiles_.beforeReads(nullptr);
+  }
   StateKeeper(const StateKeeper&) = delete;
   StateKeeper& operator=(const StateKeeper&) = delete;
 

@@ -6,8 +6,10 @@
 #include <array>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
+#include <iterator>
+#include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "document/DocumentStates.h"
@@ -105,6 +107,10 @@ inline constexpr std::array<const char*, 37> kCommandNames = {"RecButton",
 
 [[nodiscard]] inline std::string nameOf(Command command) {
   return kCommandNames.at(static_cast<std::size_t>(command));
+}
+
+inline void PrintTo(Command command, std::ostream* out) {
+  *out << nameOf(command);
 }
 
 enum class Doing { nothing, recording, playing, loading, importing, saving, exporting };
