@@ -31,7 +31,7 @@ TEST_F(ClosingDuringImportTest, WhileTheSaveWaitsClosingAgainAsksNothingAndChang
   ASSERT_NO_FATAL_FAILURE(closeDuringAnImport(VLRecorderWindowController::kSave));
   window_->performClose();
   window_->performClose();
-  EXPECT_EQ(panels_->sheets(), 0U);
+  ASSERT_EQ(panels_->sheets(), 0U);
   EXPECT_TRUE(document_->isImport());
   EXPECT_TRUE(services_->alerts().empty());
   EXPECT_EQ(services_->cancelledTerminations(), 0U);
@@ -53,7 +53,7 @@ TEST_F(ClosingDuringImportTest, ASaveAsThatIsCancelledAfterwardsTakesTheClosingB
   window_->performClose();
   panels_->answerSheet(VLRecorderWindowController::kSave);
   window_->performClose();
-  EXPECT_EQ(panels_->sheets(), 0U);
+  ASSERT_EQ(panels_->sheets(), 0U);
   keeper_.leave(State::importing);
   ASSERT_EQ(panels_->savePanels(), 1U);
   panels_->answerSave(std::nullopt);

@@ -1,5 +1,6 @@
 #include <QAccessible>
 #include <QEvent>
+#include <QKeySequence>
 
 #include "document/DocumentFixture.h"
 #include "platform/mainloop/Timer.h"
@@ -125,7 +126,8 @@ TEST_F(DisplayTest, FastKeysOfTheWaveformMoveTheMarkerAsFarAsSlowOnes) {
   };
   for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Right, Qt::Key_PageUp, Qt::Key_PageDown}) {
     for (const Qt::KeyboardModifier modifier : {Qt::NoModifier, Qt::ShiftModifier}) {
-      EXPECT_EQ(moved(key, modifier, false), moved(key, modifier, true)) << key << modifier;
+      EXPECT_EQ(moved(key, modifier, false), moved(key, modifier, true))
+          << QKeySequence(key | modifier).toString().toStdString();
     }
   }
   const std::uint64_t fiveHundredths = length() / 2 + length() / 20;
