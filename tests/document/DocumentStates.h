@@ -292,7 +292,7 @@ class StateKeeper {
 
   struct SlowMedium {
     support::TestUserAudioFiles storage;
-    platform::AudioFileStorageInstallation installation{storage};
+    platform::Installed<platform::UserAudioFiles>::Scope installation{storage};
   };
 
   support::InstalledScriptedPanels& panels_;
@@ -300,7 +300,7 @@ class StateKeeper {
   support::TemporaryFolder folder_;
   testaudio::Gate gate_;
   support::FailingTemporaryFiles temporaryFiles_;
-  platform::TemporaryFilesInstallation temporaryFilesInstallation_{temporaryFiles_};
+  platform::Installed<platform::TemporaryFiles>::Scope temporaryFilesInstallation_{temporaryFiles_};
   std::optional<SlowMedium> medium_;
   std::shared_ptr<VLRecorderWindowController> document_;
   std::uint64_t captured_ = 0;

@@ -109,7 +109,7 @@ TEST_F(PlayersCallbackTest, ToTheEndIsNotLostToACallbackThatComesMeanwhile) {
 class LateWriteFailureTest : public DocumentTest {
  protected:
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation filesInstallation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
 };
 
 TEST_F(LateWriteFailureTest, AnUndoThatCameFirstKeepsTheAudioThatItBroughtBack) {

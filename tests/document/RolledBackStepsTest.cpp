@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "document/FileFixture.h"
-#include "document/files/OVLoadJob.h"
+#include "platform/base/AudioTypes.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
@@ -23,8 +23,8 @@ class RolledBackStepsTest : public DocumentFileTest {
 
   /// An import that a full disk breaks off.
   void importInVain() {
-    const std::string path = writeFile("part.wav", ramp(2 * OVLoadJob::kChunkFrames));
-    files_.fillUpAfter(OVLoadJob::kChunkFrames * kFrameBytes);
+    const std::string path = writeFile("part.wav", ramp(2 * platform::kFileChunkFrames));
+    files_.fillUpAfter(platform::kFileChunkFrames * kFrameBytes);
     import(path);
     files_.freeSpace();
     EXPECT_EQ(services_->alerts().size(), 1U);
@@ -80,7 +80,7 @@ class RolledBackStepsTest : public DocumentFileTest {
   Samples both_;
   Samples one_;
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation filesInstallation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
 };
 
 TEST_F(RolledBackStepsTest, AnImportThatIsTakenBackGivesBackTheUndoBeforeIt) {
