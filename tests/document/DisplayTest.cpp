@@ -1,5 +1,6 @@
 #include <QAccessible>
 #include <QEvent>
+#include <QKeySequence>
 
 #include "document/DocumentFixture.h"
 #include "platform/mainloop/Timer.h"
@@ -106,6 +107,32 @@ TEST_F(DisplayTest, KeysOfTheWaveformMoveTheMarker) {
   EXPECT_EQ(document_->playbackPosition(), static_cast<std::uint64_t>(0.99 * 4 * kChunkFrames));
   QTest::keyClick(waveformView(), Qt::Key_Home);
   EXPECT_EQ(document_->playbackPosition(), 0U);
+}
+
+TEST_F(DisplayTest, FastKeysOfTheWaveformMoveTheMarkerAsFarAsSlowOnes) {
+  openWindow();
+  recordChunks(4);
+  tick();
+  const auto moved = [this](Qt::Key key, Qt::KeyboardModifiers modifiers, bool slowly) {
+    document_->setPlaybackPosition(2 * std::uint64_t{kChunkFrames});
+    tick();
+    for (int i = 0; i < 5; ++i) {
+      QTest::keyClick(waveformView(), key, modifiers);
+      if (slowly) {
+        tick();
+      }
+    }
+    return document_->playbackPosition();
+  };
+  for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Right, Qt::Key_PageUp, Qt::Key_PageDown}) {
+    for (const Qt::KeyboardModifier modifier : {Qt::NoModifier, Qt::ShiftModifier}) {
+      EXPECT_EQ(moved(key, modifier, false), moved(key, modifier, true))
+          << QKeySequence(key | modifier).toString().toStdString();
+    }
+  }
+  const std::uint64_t fiveHundredths = length() / 2 + length() / 20;
+  EXPECT_NEAR(static_cast<double>(moved(Qt::Key_Right, Qt::NoModifier, false)),
+              static_cast<double>(fiveHundredths), 5.0);
 }
 
 TEST_F(DisplayTest, WithAnEmptyBufferTheMarkerStandsAtTheStart) {

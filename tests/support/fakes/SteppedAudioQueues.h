@@ -41,8 +41,17 @@ struct QueueScript {
     failures_[call] = {status, nth};
   }
 
+  /// Runs inside the coming calls named `call`: what another thread does meanwhile.
+  void during(const std::string& call, std::function<void()> run) {
+    during_[call] = std::move(run);
+  }
+
   AudioStatus called(const std::string& call) {
     calls.push_back(call);
+    if (const auto run = during_.find(call); run != during_.end()) {
+      const auto meanwhile = run->second;  // a copy: it may lead to the same call
+      meanwhile();
+    }
     const auto planned = failures_.find(call);
     if (planned == failures_.end() || --planned->second.countdown != 0) {
       return platform::kAudioStatusOk;
@@ -62,6 +71,7 @@ struct QueueScript {
     int countdown;
   };
   std::map<std::string, Failure> failures_;
+  std::map<std::string, std::function<void()>> during_;
 };
 
 /// What input and output queues share, as a mixin over their interfaces.
