@@ -13,7 +13,7 @@
 #include "PeakMemory.h"
 #include "audio/OVAudioFileReader.h"
 #include "audio/SoundFiles.h"
-#include "document/files/OVLoadJob.h"
+#include "document/files/loadFile.h"
 #include "storage/OVBlockBuffer.h"
 #include "waveform/OVDynamicWaveForm.h"
 
@@ -29,12 +29,11 @@ std::uint64_t openDocument(const std::string& path) {
     return 0;
   }
   const auto summary = OVDynamicWaveForm::initWithBuffer(buffer);
-  static_cast<void>(
-      OVLoadJob::run(*reader, {.buffer = buffer,
-                               .atByteOffset = 0,
-                               .cancelled = std::make_shared<std::atomic<bool>>(false),
-                               .takeWriteError = [] { return 0; },
-                               .progress = [](std::uint64_t, double) {}}));
+  static_cast<void>(loadFile(*reader, {.buffer = buffer,
+                                       .atByteOffset = 0,
+                                       .cancelled = std::make_shared<std::atomic<bool>>(false),
+                                       .takeWriteError = [] { return 0; },
+                                       .progress = [](std::uint64_t, double) {}}));
   summary->setShouldRegenerateWaveform(true);
   summary->generateNoLock();
   return buffer->bufferSizeInFrames();

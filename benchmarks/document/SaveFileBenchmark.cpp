@@ -12,8 +12,8 @@
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
 #include "audio/SoundFiles.h"
-#include "document/files/OVLoadJob.h"
 #include "document/files/OVSaveJob.h"
+#include "document/files/loadFile.h"
 #include "storage/OVBlockBuffer.h"
 
 namespace {
@@ -26,12 +26,11 @@ std::shared_ptr<OVAudioBufferInterface> hourInStorage() {
   if (!buffer || !reader) {
     return nullptr;
   }
-  const auto loaded =
-      OVLoadJob::run(*reader, {.buffer = buffer,
-                               .atByteOffset = 0,
-                               .cancelled = std::make_shared<std::atomic<bool>>(false),
-                               .takeWriteError = [] { return 0; },
-                               .progress = [](std::uint64_t, double) {}});
+  const auto loaded = loadFile(*reader, {.buffer = buffer,
+                                         .atByteOffset = 0,
+                                         .cancelled = std::make_shared<std::atomic<bool>>(false),
+                                         .takeWriteError = [] { return 0; },
+                                         .progress = [](std::uint64_t, double) {}});
   return loaded.endOffset > 0 ? buffer : nullptr;
 }
 
