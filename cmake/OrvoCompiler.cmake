@@ -39,4 +39,5 @@ set(CMAKE_AUTOUIC_OPTIONS -tr platform::localized --include platform/mainloop/Lo
 add_library(orvo_warnings INTERFACE)
 target_compile_options(orvo_warnings INTERFACE
   $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion;-Wnon-virtual-dtor;-Wold-style-cast;-Woverloaded-virtual;-Wundef>
+  $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wthread-safety>
   $<$<CXX_COMPILER_ID:MSVC>:/W4>)

@@ -89,7 +89,7 @@ void OVApplicationServices::showModalAlert(const std::string& title, const std::
     runAlert(title, message);
     return;
   }
-  const std::lock_guard turn(turnOfThreads_);  // one after the other, too
+  const platform::MutexLock turn(turnOfThreads_);  // one after the other, too
   platform::mainQueue().sync([title, message] { runAlert(title, message); });
 }
 

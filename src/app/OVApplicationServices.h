@@ -3,10 +3,10 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include "platform/base/ApplicationServices.h"
+#include "platform/base/Mutex.h"
 
 /// The application's side of what the layers below ask for: modal alerts on the main thread, the
 /// diagnostics console, the registry of temporary files, the end of a quit that waits.
@@ -41,5 +41,6 @@ class OVApplicationServices : public platform::ApplicationServices {
   const std::shared_ptr<std::atomic<int>> alerts_ = std::make_shared<std::atomic<int>>(0);
   const Receivers receivers_;
   const std::shared_ptr<PostedAlerts> posted_;
-  std::mutex turnOfThreads_;  // held by the thread, not the main one, whose alert is on the screen
+  platform::Mutex
+      turnOfThreads_;  // held by the thread, not the main one, whose alert is on the screen
 };

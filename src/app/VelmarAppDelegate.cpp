@@ -14,6 +14,7 @@
 #include "controls/OVRecorderWindow.h"
 #include "document/VLRecorderWindowController.h"
 #include "platform/base/ApplicationServices.h"
+#include "platform/base/MainThread.h"
 #include "platform/desktop/DesktopServices.h"
 #include "platform/desktop/FileDialogs.h"
 #include "platform/files/AbsolutePath.h"
@@ -39,7 +40,7 @@ void VelmarAppDelegate::awakeFromNib() {
 }
 
 void VelmarAppDelegate::applicationWillFinishLaunching() {
-  const std::lock_guard lock(tempfilesMutex_);
+  const platform::MutexLock lock(tempfilesMutex_);
   tempfiles_.clear();
   tempfiles_.reserve(kTempfilesCapacity);
   spawn_rec_ = true;
@@ -57,6 +58,7 @@ void VelmarAppDelegate::spawnNewRecorderWindow(QObject*) {
 }
 
 std::shared_ptr<VLRecorderWindowController> VelmarAppDelegate::makeWindow() {
+  platform::assertMainThread();
   auto controller = VLRecorderWindowController::initWithWindowNibName("VNRecorderWindow");
   std::erase_if(windows_, [](const auto& window) { return window.isNull(); });
   windows_.emplace_back(controller->window());
@@ -98,6 +100,7 @@ bool VelmarAppDelegate::applicationOpenFile(const std::string& path) {
 }
 
 bool VelmarAppDelegate::applicationOpenFiles(const std::vector<std::string>& paths) {
+  platform::assertMainThread();
   for (const std::string& path : paths) {
     spawn_rec_ = false;
     openInNewWindow(path);
@@ -121,16 +124,16 @@ void VelmarAppDelegate::openInNewWindow(const std::string& path) {
 }
 
 void VelmarAppDelegate::openFile(QWidget* window) {
-  platform::fileDialogs().beginOpenPanel({.window = window,
-                                          .title = platform::localized("Open"),
-                                          .acceptLabel = platform::localized("Open"),
-                                          .allowsMultipleSelection = true,
-                                          .fileTypes = readableFileTypes()},
-                                         [this](const std::vector<std::string>& paths) {
-                                           for (const std::string& path : paths) {
-                                             openInNewWindow(path);
-                                           }
-                                         });
+  platform::fileDialogs()->beginOpenPanel({.window = window,
+                                           .title = platform::localized("Open"),
+                                           .acceptLabel = platform::localized("Open"),
+                                           .allowsMultipleSelection = true,
+                                           .fileTypes = readableFileTypes()},
+                                          [this](const std::vector<std::string>& paths) {
+                                            for (const std::string& path : paths) {
+                                              openInNewWindow(path);
+                                            }
+                                          });
 }
 
 // Quit ------------------------------------------------------------------------------------------
@@ -144,6 +147,7 @@ std::vector<QPointer<OVRecorderWindow>> VelmarAppDelegate::recorderWindows() con
 }
 
 VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate() {
+  platform::assertMainThread();
   bool edited = false;
   cancelledWhileAsking_ = false;
   for (const auto& window : recorderWindows()) {
@@ -162,6 +166,7 @@ VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate(
 }
 
 bool VelmarAppDelegate::applicationMayEndSession() {
+  platform::assertMainThread();
   if (applicationShouldTerminate() == TerminateReply::cancel) {
     return false;
   }
@@ -180,6 +185,7 @@ void VelmarAppDelegate::pollTermination() {
 }
 
 void VelmarAppDelegate::checkTermination() {
+  platform::assertMainThread();
   if (terminationCanceled_) {
     terminationCanceled_ = false;
     return;
@@ -193,6 +199,7 @@ void VelmarAppDelegate::checkTermination() {
 }
 
 void VelmarAppDelegate::cancelTermination() {
+  platform::assertMainThread();
   terminationCanceled_ = true;
   cancelledWhileAsking_ = true;
   terminationTimer_.reset();
@@ -219,6 +226,7 @@ void VelmarAppDelegate::terminate() {
 }
 
 void VelmarAppDelegate::applicationWillTerminate() {
+  platform::assertMainThread();
   for (const std::string& path : tempfiles()) {
     std::remove(path.c_str());
   }
@@ -227,12 +235,12 @@ void VelmarAppDelegate::applicationWillTerminate() {
 // Temporary files -------------------------------------------------------------------------------
 
 void VelmarAppDelegate::registerTempFile(const std::string& path) {
-  const std::lock_guard lock(tempfilesMutex_);
+  const platform::MutexLock lock(tempfilesMutex_);
   tempfiles_.push_back(path);
 }
 
 std::vector<std::string> VelmarAppDelegate::tempfiles() const {
-  const std::lock_guard lock(tempfilesMutex_);
+  const platform::MutexLock lock(tempfilesMutex_);
   return tempfiles_;
 }
 
@@ -249,7 +257,7 @@ void VelmarAppDelegate::openWebsite(QObject*) {
 
 void VelmarAppDelegate::openPage(platform::TextKey address) {
   const QString page = platform::localized(address);
-  if (!platform::desktopServices().open(QUrl(page))) {
+  if (!platform::desktopServices()->open(QUrl(page))) {
     ShowModalAlert(
         platform::localizedUtf8("The page could not be opened"),
         platform::localized("No program was found that opens %1.").arg(page).toStdString());
@@ -266,6 +274,7 @@ void VelmarAppDelegate::makeDebugWindow() {
 }
 
 void VelmarAppDelegate::logToConsole(const std::string& text) {
+  platform::assertMainThread();
   if (!debugConsole_) {
     makeDebugWindow();
   }

@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,6 +12,7 @@
 
 #include "app/OVMainMenu.h"
 #include "app/OVRecentFiles.h"
+#include "platform/base/Mutex.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/Timer.h"
 
@@ -116,6 +116,6 @@ class VelmarAppDelegate {
   QPointer<QPlainTextEdit> debugConsole_;
   OVRecentFiles recentFiles_;
 
-  mutable std::mutex tempfilesMutex_;
-  std::vector<std::string> tempfiles_;  // guarded by tempfilesMutex_
+  mutable platform::Mutex tempfilesMutex_;
+  std::vector<std::string> tempfiles_ GUARDED_BY(tempfilesMutex_);
 };

@@ -19,6 +19,9 @@
 #include "platform/cubeb/CubebAudioDevice.h"
 #include "platform/desktop/DesktopColours.h"
 #include "platform/desktop/FileAddress.h"
+#include "platform/desktop/QtDesktopServices.h"
+#include "platform/desktop/QtFileDialogs.h"
+#include "platform/desktop/XbelRecentDocuments.h"
 #include "platform/mainloop/FontPreparation.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/mainloop/TerminationSignals.h"
@@ -72,7 +75,14 @@ int main(int argc, char** argv) {
       std::make_shared<platform::DeviceAudioQueues>(std::make_shared<platform::CubebAudioDevice>());
   std::promise<void> firstWindowShown;
   queues->prepareInput(firstWindowShown.get_future());
-  const platform::AudioQueuesInstallation installedQueues(queues);
+  const platform::Installed<platform::AudioQueues>::Scope installedQueues(queues);
+  const platform::Installed<platform::FileDialogs>::Scope installedDialogs(
+      std::make_shared<platform::QtFileDialogs>());
+  const platform::Installed<platform::DesktopServices>::Scope installedDesktop(
+      std::make_shared<platform::QtDesktopServices>());
+  const platform::Installed<platform::RecentDocuments>::Scope installedDocuments(
+      std::make_shared<platform::XbelRecentDocuments>(
+          platform::XbelRecentDocuments::desktopFile()));
   QApplication::setApplicationName("Orvo");
   QApplication::setApplicationVersion(ORVO_VERSION);
   QApplication::setDesktopFileName("orvo");
@@ -80,7 +90,7 @@ int main(int argc, char** argv) {
 
   VelmarAppDelegate delegate([] { QCoreApplication::exit(0); });
   const auto services = servicesOf(delegate);
-  const platform::ApplicationServicesInstallation installedServices(services);
+  const platform::Installed<platform::ApplicationServices>::Scope installedServices(services);
   delegate.setAlertsPendingCheck([services] { return services->hasAlerts(); });
   delegate.applicationWillFinishLaunching();
   OVApplicationEvents events(

@@ -51,19 +51,21 @@ bool OVAQPlayer::initializePlayer() {
 
 bool OVAQPlayer::makeQueue(const platform::AudioStreamBasicDescription& format) {
   queues_ = platform::audioQueues();
-  const auto status =
-      queues_->newOutput(format, queueCallback(this, &OVAQPlayer::outputCallback), queue_);
-  return CheckAudioStatus(status, "AudioQueueNewOutput failed", outputFailureReason(status));
+  auto made = queues_->newOutput(format, queueCallback(this, &OVAQPlayer::outputCallback));
+  if (made) {
+    queue_ = *std::move(made);
+  }
+  return CheckAudioStatus(made.error(), "AudioQueueNewOutput failed",
+                          outputFailureReason(made.error()));
 }
 
 bool OVAQPlayer::prime(std::uint32_t byteCapacity) {
   for (int i = 0; i < kQueueBufferCount && !isDone(); ++i) {
-    platform::AudioQueueBuffer* buffer = nullptr;
-    if (!CheckAudioStatus(queue_->allocateBuffer(byteCapacity, buffer),
-                          "AudioQueueAllocateBuffer failed")) {
+    const auto buffer = queue_->allocateBuffer(byteCapacity);
+    if (!CheckAudioStatus(buffer.error(), "AudioQueueAllocateBuffer failed")) {
       return false;
     }
-    outputCallback(*queue_, *buffer);
+    outputCallback(*queue_, **buffer);
   }
   return true;
 }
@@ -75,7 +77,7 @@ void OVAQPlayer::play() {
     return;
   }
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     isPaused_ = false;
     isPlaying_.store(true, std::memory_order_release);
   }
@@ -95,7 +97,7 @@ void OVAQPlayer::pause() {
   }
   const auto status = queue_->pause();
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     isPaused_ = true;
     isPlaying_.store(false, std::memory_order_release);
   }
@@ -110,7 +112,7 @@ void OVAQPlayer::stop() {
   const auto status = queue_->stopImmediately();
   isDone_.store(true, std::memory_order_release);
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     isPlaying_.store(false, std::memory_order_release);
   }
   static_cast<void>(queue_->dispose());
@@ -160,7 +162,7 @@ void OVAQPlayer::runningChanged(platform::AudioOutputQueue& queue) {
     running = 0;
   }
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     isPlaying_.store((running & 0xffU) != 0 && !isPaused_, std::memory_order_release);
   }
   if (running != 0) {
@@ -183,7 +185,7 @@ void OVAQPlayer::postStoppedPlayback() {
 
 void OVAQPlayer::deviceFailed(platform::AudioStatus status, const std::string& label) {
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     isPlaying_.store(false, std::memory_order_release);
   }
   auto none = platform::kAudioStatusOk;
@@ -203,14 +205,4 @@ void OVAQPlayer::check(platform::AudioStatus status, const std::string& label) {
   } else {
     CheckAudioStatus(status, label, outputFailureReason(status));
   }
-}
-
-std::shared_ptr<OVAQPlayerDelegate> OVAQPlayer::delegate() const {
-  const std::lock_guard lock(mutex_);
-  return delegate_.lock();
-}
-
-void OVAQPlayer::setDelegate(std::weak_ptr<OVAQPlayerDelegate> delegate) {
-  const std::lock_guard lock(mutex_);
-  delegate_ = std::move(delegate);
 }

@@ -11,7 +11,6 @@
 namespace {
 
 constexpr int kQueueBufferCount = 3;
-constexpr std::uint32_t kFramesPerQueueBuffer = 4096;  // 92.9 ms at 44100 Hz
 constexpr const char* kSupportMailAddress = "support@orvo.example";
 
 }  // namespace
@@ -46,7 +45,8 @@ bool OVAQRecorder::initAudioQueue() {
       return false;
     }
   }
-  if (!makeQueue(format) || !enqueueBuffers(format.mBytesPerFrame * kFramesPerQueueBuffer)) {
+  if (!makeQueue(format) ||
+      !enqueueBuffers(format.mBytesPerFrame * platform::kRecordingChunkFrames)) {
     return false;
   }
   if (!CheckAudioStatus(queue_->streamDescription(format), "couldn't get stream description")) {
@@ -64,16 +64,18 @@ bool OVAQRecorder::initAudioQueue() {
 bool OVAQRecorder::makeQueue(const platform::AudioStreamBasicDescription& format) {
   const auto callback = queueCallback(this, &OVAQRecorder::inputCallback);
   const auto failed = queueCallback(this, &OVAQRecorder::deviceFailed);
-  return checkDevice(queues_->newInput(format, callback, failed, queue_),
-                     "lul AudioQueueNewInput failed");
+  auto made = queues_->newInput(format, callback, failed);
+  if (made) {
+    queue_ = *std::move(made);
+  }
+  return checkDevice(made.error(), "lul AudioQueueNewInput failed");
 }
 
 bool OVAQRecorder::enqueueBuffers(std::uint32_t byteCapacity) {
   for (int i = 0; i < kQueueBufferCount; ++i) {
-    platform::AudioQueueBuffer* buffer = nullptr;
-    if (!CheckAudioStatus(queue_->allocateBuffer(byteCapacity, buffer),
-                          "AudioQueueAllocateBuffer failed") ||
-        !CheckAudioStatus(queue_->enqueueBuffer(buffer), "AudioQueueEnqueueBuffer failed")) {
+    const auto buffer = queue_->allocateBuffer(byteCapacity);
+    if (!CheckAudioStatus(buffer.error(), "AudioQueueAllocateBuffer failed") ||
+        !CheckAudioStatus(queue_->enqueueBuffer(*buffer), "AudioQueueEnqueueBuffer failed")) {
       return false;
     }
   }
@@ -100,7 +102,7 @@ void OVAQRecorder::record() {
     return;
   }
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     span_ = Span{.after = queue_->capturedFrames()};
     writingStopped_ = false;
   }
@@ -116,7 +118,7 @@ void OVAQRecorder::pause() {
     // within the span's new end and is waited for, every later one is judged by that end.
     std::uint64_t pressed = 0;
     {
-      const std::lock_guard lock(mutex_);
+      const platform::MutexLock lock(mutex_);
       pressed = queue_->capturedFrames();
       span_.until = pressed;
     }
@@ -176,12 +178,12 @@ void OVAQRecorder::write(OVAudioBufferInterface& destination,
 }
 
 bool OVAQRecorder::isWanted(const platform::AudioQueueBuffer& captured) const {
-  const std::lock_guard lock(mutex_);
+  const platform::MutexLock lock(mutex_);
   return !writingStopped_ && captured.endFrame > span_.after && captured.endFrame <= span_.until;
 }
 
 void OVAQRecorder::stopWriting() {
-  const std::lock_guard lock(mutex_);
+  const platform::MutexLock lock(mutex_);
   writingStopped_ = true;
 }
 
@@ -189,7 +191,7 @@ void OVAQRecorder::deviceFailed(platform::AudioStatus status) {
   static_cast<void>(checkDevice(status, "AudioQueueStart failed"));
   FailureHandler handler;
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     failure_ = status;
     handler = std::exchange(failureHandler_, nullptr);
   }
@@ -201,7 +203,7 @@ void OVAQRecorder::deviceFailed(platform::AudioStatus status) {
 void OVAQRecorder::setFailureHandler(FailureHandler handler) {
   platform::AudioStatus failed = platform::kAudioStatusOk;
   {
-    const std::lock_guard lock(mutex_);
+    const platform::MutexLock lock(mutex_);
     failed = failure_;
     if (failed == platform::kAudioStatusOk) {
       failureHandler_ = std::exchange(handler, nullptr);
@@ -213,6 +215,6 @@ void OVAQRecorder::setFailureHandler(FailureHandler handler) {
 }
 
 platform::AudioStatus OVAQRecorder::failure() const {
-  const std::lock_guard lock(mutex_);
+  const platform::MutexLock lock(mutex_);
   return failure_;
 }

@@ -5,15 +5,15 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "audio/BufferReference.h"
 #include "audio/ChannelLevels.h"
 #include "platform/base/AudioTypes.h"
+#include "platform/base/GuardedPointer.h"
+#include "platform/base/Mutex.h"
 #include "platform/sound/AudioQueue.h"
 #include "storage/OVAudioBufferInterface.h"
 
@@ -137,11 +137,11 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   // meanwhile wins.
   std::atomic<std::uint64_t> writingPosition_{0};
 
-  BufferReference buffer_;  // guards itself
+  platform::GuardedPointer<std::shared_ptr<OVAudioBufferInterface>> buffer_;
 
-  mutable std::mutex mutex_;  // guards everything below
-  Span span_;
-  bool writingStopped_ = false;
-  platform::AudioStatus failure_ = platform::kAudioStatusOk;
-  FailureHandler failureHandler_;
+  mutable platform::Mutex mutex_;
+  Span span_ GUARDED_BY(mutex_);
+  bool writingStopped_ GUARDED_BY(mutex_) = false;
+  platform::AudioStatus failure_ GUARDED_BY(mutex_) = platform::kAudioStatusOk;
+  FailureHandler failureHandler_ GUARDED_BY(mutex_);
 };

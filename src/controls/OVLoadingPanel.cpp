@@ -5,6 +5,7 @@
 
 #include "controls/OVLoadingIndicator.h"
 #include "controls/OVLoadingLabel.h"
+#include "platform/base/MainThread.h"
 
 namespace {
 
@@ -18,6 +19,7 @@ OVLoadingPanel::OVLoadingPanel(QWidget* parent) : OVOverlayView(parent) {
 }
 
 void OVLoadingPanel::setActivity(const QString& activity) {
+  platform::assertMainThread();
   if (auto* const label = findChild<OVLoadingLabel*>()) {
     label->setText(activity);
   }

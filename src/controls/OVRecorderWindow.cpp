@@ -47,6 +47,7 @@ void OVRecorderWindow::setDelegate(std::weak_ptr<OVRecorderWindowDelegate> deleg
 }
 
 void OVRecorderWindow::performClose() {
+  platform::assertMainThread();
   close();
 }
 
@@ -55,6 +56,7 @@ bool OVRecorderWindow::isDocumentEdited() const {
 }
 
 void OVRecorderWindow::setDocumentEdited(bool edited) {
+  platform::assertMainThread();
   setWindowModified(edited);
 }
 
@@ -67,6 +69,7 @@ QString OVRecorderWindow::title() const {
 }
 
 void OVRecorderWindow::setTitle(const QString& title) {
+  platform::assertMainThread();
   // A mark that is part of a file's name is doubled, so that it is shown instead of read.
   QString escaped = title;
   escaped.replace(kEditedMark, kEditedMark + kEditedMark);
@@ -109,6 +112,7 @@ std::uint16_t OVRecorderWindow::codeOfRelease(const QKeyEvent& event) {
 }
 
 void OVRecorderWindow::cancelKey(std::uint16_t code) {
+  platform::assertMainThread();
   const bool wasDown = keysDown_.erase(code) > 0;
   if (const auto delegate = delegate_.lock(); delegate != nullptr && wasDown) {
     delegate->windowDidCancelKey(this, code);

@@ -25,6 +25,7 @@ OVSpectrumStrip::OVSpectrumStrip(QMainWindow* window, QWidget* strip)
 }
 
 void OVSpectrumStrip::setShown(bool shown) {
+  platform::assertMainThread();
   if (shown == shown_ || !window_ || !strip_) {
     return;
   }

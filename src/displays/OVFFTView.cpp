@@ -13,22 +13,22 @@ OVFFTView::OVFFTView(QWidget* parent) : QWidget(parent) {
 }
 
 std::uint64_t OVFFTView::dataSize() const {
-  const std::lock_guard lock(lock_);
+  const platform::MutexLock lock(lock_);
   return size_;
 }
 
 void OVFFTView::setSize(std::uint64_t size) {
-  const std::lock_guard lock(lock_);
+  const platform::MutexLock lock(lock_);
   size_ = size;
 }
 
 std::vector<float> OVFFTView::magnitudes() const {
-  const std::lock_guard lock(lock_);
+  const platform::MutexLock lock(lock_);
   return data_;
 }
 
 void OVFFTView::setData(const float* magnitudes) {
-  const std::lock_guard lock(lock_);
+  const platform::MutexLock lock(lock_);
   data_.assign(magnitudes, magnitudes + size_);
 }
 
@@ -42,7 +42,7 @@ void OVFFTView::drawGrid(QPainter& painter) {
 
 void OVFFTView::paintEvent(QPaintEvent* /*event*/) {
   {
-    const std::lock_guard lock(lock_);
+    const platform::MutexLock lock(lock_);
     drawnData_ = data_;
   }
   QPainter painter(this);

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <mutex>
 #include <vector>
 
 #include <QWidget>
 
 #include "displays/OVFFTDrawing.h"
+#include "platform/base/Mutex.h"
 
 /// Draws the magnitudes handed to it last as a line graph over a flat dark background. It keeps a
 /// copy of them and knows nothing of frequencies or decibels. Setting data does not redraw; who
@@ -39,10 +39,10 @@ class OVFFTView : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  // Guarded by lock_: whoever analyses writes, the redraw reads.
-  mutable std::mutex lock_;
-  std::vector<float> data_;  // empty until the first setData()
-  std::uint64_t size_ = 0;
+  mutable platform::Mutex lock_;
+  // The analysing thread writes, the redraw reads. Empty until the first setData().
+  std::vector<float> data_ GUARDED_BY(lock_);
+  std::uint64_t size_ GUARDED_BY(lock_) = 0;
 
   // Main thread only.
   std::vector<float> drawnData_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/base/MainThread.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/views/ViewAccessibility.h"
 
@@ -37,6 +38,7 @@ void OVVUView::setPollingFrequency(double pollingFrequency) {
 }
 
 void OVVUView::pollForData() {
+  platform::assertMainThread();
   const auto source = datasource_.lock();
   levelData_ = source ? source->dataForVUView(this) : std::nullopt;
   if (levelData_ && !levelData_->empty()) {
@@ -45,5 +47,6 @@ void OVVUView::pollForData() {
 }
 
 void OVVUView::setLevelData(std::vector<float> levels) {
+  platform::assertMainThread();
   levelData_ = std::move(levels);
 }

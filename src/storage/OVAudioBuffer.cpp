@@ -11,15 +11,16 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
-#include "storage/WriteBounds.h"
+#include "storage/BufferTransfer.h"
+#include "storage/DelegateNotification.h"
 
 namespace {
 
 constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 
-// Ten seconds, in bytes: 3528000.
-constexpr auto kInitialCapacity = static_cast<std::uint64_t>(
-    platform::kWorkingFormat.mBytesPerFrame * platform::kWorkingFormat.mSampleRate * 10.0);
+// Ten seconds, in bytes.
+constexpr std::uint64_t kInitialCapacity =
+    10 * platform::kWorkingRate * platform::kWorkingFrameBytes;
 
 // The capacity that exceeds `end`, grown by half again and again; 0 when there is none.
 std::uint64_t capacityBeyond(std::uint64_t capacity, std::uint64_t end) {
@@ -50,13 +51,13 @@ std::shared_ptr<OVAudioBuffer> OVAudioBuffer::init() {
 
 void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
+  if (refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   const std::uint64_t end = atByteOffset + withSize;
   bool hasRoom = true;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     hasRoom = end < bufferCapacity_ || growBeyond(end);
     if (hasRoom && withSize > 0) {
       std::memcpy(sampleBuffer_.data() + atByteOffset, data, withSize);
@@ -65,7 +66,7 @@ void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
       bufferFillSize_ = end;
     }
   }
-  delegate_.tellWrite(data, atByteOffset, withSize, hasRoom ? 0 : ENOMEM);
+  notifyOfWrite(delegate_.get(), data, atByteOffset, withSize, hasRoom ? 0 : ENOMEM);
 }
 
 bool OVAudioBuffer::growBeyond(std::uint64_t end) {
@@ -88,7 +89,7 @@ BufferReadResult OVAudioBuffer::readDataInto(void* destination, std::uint64_t wi
   if (fillSize == 0 || fromOffset >= fillSize) {
     return {};
   }
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   const std::uint64_t count = readableFrom(fromOffset, withSize);
   if (count == 0) {
     return {};
@@ -128,7 +129,7 @@ std::uint64_t OVAudioBuffer::bufferFillSizeInFrames() const {
 }
 
 void OVAudioBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   const std::uint64_t position = frames * format_.mBytesPerFrame;
   if (position > bufferCapacity_) {
     return;
@@ -140,7 +141,7 @@ void OVAudioBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
 }
 
 void OVAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   const std::uint64_t position = frames * format_.mBytesPerFrame;
   if (position >= bufferCapacity_) {
     return;
@@ -151,7 +152,7 @@ void OVAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
 }
 
 void OVAudioBuffer::reverseBuffer() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   constexpr std::size_t kSample = sizeof(std::uint32_t);  // whatever its bits mean
   const std::uint64_t length = std::min<std::uint64_t>(bufferFillSize_, sampleBuffer_.size());
   std::byte* const samples = sampleBuffer_.data();
@@ -165,7 +166,7 @@ void OVAudioBuffer::reverseBuffer() {
 void OVAudioBuffer::setWaypoint() {
   bool copied = false;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     copied = makeCopy();
   }
   if (!copied) {
@@ -199,7 +200,7 @@ void OVAudioBuffer::redo() {
 }
 
 void OVAudioBuffer::exchangeWithCopy() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   if (tmpBuffer_ == nullptr) {
     return;
   }

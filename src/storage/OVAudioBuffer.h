@@ -4,10 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <vector>
 
-#include "storage/DelegateReference.h"
+#include "platform/base/GuardedPointer.h"
+#include "platform/base/Mutex.h"
 #include "storage/OVAudioBufferInterface.h"
 
 /// Audio held wholly in memory: one block that grows by half again, one level of undo, reversible.
@@ -62,15 +62,15 @@ class OVAudioBuffer : public OVAudioBufferInterface {
   void undo() override;
   void redo() override;
 
-  void lock() override;
-  void unlock() override;
+  void lock() override ACQUIRE(bufferLock_);
+  void unlock() override RELEASE(bufferLock_);
 
   /// Mean magnitude of the samples `position` and `position` + 1: a sample index, not a frame. 0
   /// outside the block.
-  [[nodiscard]] double powerAtPosition(std::uint64_t position) override;
+  [[nodiscard]] double powerAtPosition(std::uint64_t position) override NO_THREAD_SAFETY_ANALYSIS;
 
   /// The samples; valid until the next write, cut, undo or redo.
-  [[nodiscard]] float* exposeBuffer();
+  [[nodiscard]] float* exposeBuffer() NO_THREAD_SAFETY_ANALYSIS;
 
   [[nodiscard]] std::weak_ptr<OVAudioBufferDelegate> delegate() const override;
   void setDelegate(std::weak_ptr<OVAudioBufferDelegate> delegate) override;
@@ -88,25 +88,25 @@ class OVAudioBuffer : public OVAudioBufferInterface {
 
   OVAudioBuffer();
 
-  // The first three with bufferLock held.
-  [[nodiscard]] bool growBeyond(std::uint64_t end);
-  [[nodiscard]] std::uint64_t readableFrom(std::uint64_t offset, std::uint64_t byteCount) const;
-  [[nodiscard]] bool makeCopy();
-  void exchangeWithCopy();
+  [[nodiscard]] bool growBeyond(std::uint64_t end) REQUIRES(bufferLock_);
+  [[nodiscard]] std::uint64_t readableFrom(std::uint64_t offset, std::uint64_t byteCount) const
+      REQUIRES(bufferLock_);
+  [[nodiscard]] bool makeCopy() REQUIRES(bufferLock_);
+  void exchangeWithCopy() EXCLUDES(bufferLock_);
 
   const platform::AudioStreamBasicDescription format_;
-  std::mutex bufferLock_;
+  platform::Mutex bufferLock_;
 
-  // Guarded by bufferLock_. sampleBuffer_ can be larger than bufferCapacity_ after a cut.
-  Samples sampleBuffer_;
-  std::unique_ptr<Samples> tmpBuffer_;  // none before the first waypoint
-  std::uint64_t tmpBufferFillSize_ = 0;
-  std::uint64_t tmpBufferCapacity_ = 0;
+  Samples sampleBuffer_ GUARDED_BY(bufferLock_);  // can exceed bufferCapacity_ after a cut
+  // None before the first waypoint.
+  std::unique_ptr<Samples> tmpBuffer_ GUARDED_BY(bufferLock_) PT_GUARDED_BY(bufferLock_);
+  std::uint64_t tmpBufferFillSize_ GUARDED_BY(bufferLock_) = 0;
+  std::uint64_t tmpBufferCapacity_ GUARDED_BY(bufferLock_) = 0;
 
   // Written with bufferLock_ held, read without it by the getters; each stands for itself.
   std::atomic<std::uint64_t> bufferCapacity_;
   std::atomic<std::uint64_t> bufferFillSize_{0};
 
   std::atomic<std::uint64_t> framesToPlay_{0};
-  DelegateReference delegate_;
+  platform::GuardedPointer<std::weak_ptr<OVAudioBufferDelegate>> delegate_;
 };

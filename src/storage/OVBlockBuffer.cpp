@@ -6,8 +6,9 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
-#include "storage/TemporaryFileAccess.h"
-#include "storage/WriteBounds.h"
+#include "platform/files/TemporaryFiles.h"
+#include "storage/BufferTransfer.h"
+#include "storage/DelegateNotification.h"
 
 namespace {
 
@@ -30,39 +31,39 @@ OVBlockBuffer::OVBlockBuffer(std::unique_ptr<platform::File> file, std::string f
 OVBlockBuffer::~OVBlockBuffer() = default;
 
 std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
-  platform::TemporaryFiles& files = platform::temporaryFiles();
-  const std::string pathTemplate = files.directory() + "orvoXXXXXX";
-  auto created = files.createUnlinked(pathTemplate.substr(0, kMaxPath));
-  if (created.file == nullptr) {
-    tellThatNoTemporaryFileOpens(pathTemplate);
+  const auto files = platform::temporaryFiles();
+  const std::string pathTemplate = files->directory() + "orvoXXXXXX";
+  auto created = files->createUnlinked(pathTemplate.substr(0, kMaxPath));
+  if (!created) {
+    alertThatNoTemporaryFileOpens(pathTemplate);
     return nullptr;
   }
   return std::shared_ptr<OVBlockBuffer>(
-      new OVBlockBuffer(std::move(created.file), std::move(created.path)));
+      new OVBlockBuffer(std::move(created->file), std::move(created->path)));
 }
 
 void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
+  if (refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   platform::FileTransfer written;
   std::uint64_t blocksAdded = 0;
   {
-    const std::lock_guard appending(appendLock_);
+    const platform::MutexLock appending(appendLock_);
     written = f_file_->writeAt(data, withSize, f_write_pos_);
     if (written.byteCount < withSize) {
       // Silence takes no room: reads go on behind the lost stretch. Where the file cannot be made
       // longer either, they end in it until a later write has done that.
       static_cast<void>(f_file_->setSize(f_write_pos_ + withSize));
     }
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     blocksAdded = mapAppended(atByteOffset, withSize);
   }
   if (blocksAdded >= kWritesBetweenOptimizing) {
     optimize();
   }
-  delegate_.tellWrite(data, atByteOffset, withSize, errorOfTransfer(written, withSize));
+  notifyOfWrite(delegate_.get(), data, atByteOffset, withSize, errorOfTransfer(written, withSize));
 }
 
 // Maps the bytes just appended; gives the number of writes since the list was last optimised.
@@ -88,7 +89,7 @@ BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t wi
   }
   std::vector<Stretch> wanted;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     wanted = stretches(fromOffset, withSize);
   }
   auto* const bytes = static_cast<std::byte*>(destination);
@@ -97,7 +98,7 @@ BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t wi
     const auto got = readWhole(*f_file_, bytes + total, stretch.byteCount, stretch.fileOffset);
     total += got.byteCount;
     if (got.byteCount < stretch.byteCount) {
-      delegate_.tellFailedRead(got.error);
+      notifyOfFailedRead(delegate_.get(), got.error);
       break;
     }
   }
@@ -147,7 +148,7 @@ BlockLocation OVBlockBuffer::getFileOffsetForLinearAddress(std::uint64_t address
 }
 
 void OVBlockBuffer::optimize() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   blocklist_.mergeNeighbours();
   blocksAddedSinceOptimization_ = 0;
 }
@@ -165,7 +166,7 @@ std::uint64_t OVBlockBuffer::bufferFillSizeInFrames() const {
 }
 
 void OVBlockBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   const std::uint64_t position = frames * format_.mBytesPerFrame;
   blocklist_.cutAfter(position);
   bufferFillSize_.store(position, std::memory_order_relaxed);
@@ -173,7 +174,7 @@ void OVBlockBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
 }
 
 void OVBlockBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   const std::uint64_t position = frames * format_.mBytesPerFrame;
   blocklist_.cutBefore(position);
   bufferFillSize_.store(bufferFillSize() - position, std::memory_order_relaxed);
@@ -183,14 +184,14 @@ void OVBlockBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
 void OVBlockBuffer::reverseBuffer() {}
 
 void OVBlockBuffer::setWaypoint() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   waypointStack_.insert(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_),
                         OVBufferState::initWithBlocklist(blocklist_, bufferFillSize()));
   ++waypointPos_;
 }
 
 void OVBlockBuffer::undo() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   redoState_ = OVBufferState::initWithBlocklist(blocklist_, bufferFillSize());
   prevWaypointPos_ = waypointPos_;
   if (waypointPos_ > 0) {
@@ -200,10 +201,17 @@ void OVBlockBuffer::undo() {
 }
 
 void OVBlockBuffer::redo() {
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   if (const auto state = std::exchange(redoState_, nullptr)) {
     restore(*state);
   }
+}
+
+void OVBlockBuffer::rollBack() {
+  const platform::MutexLock lock(bufferLock_);
+  restore(*waypointStack_.at(waypointPos_ - 1));
+  --waypointPos_;
+  waypointStack_.erase(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_));
 }
 
 void OVBlockBuffer::restore(const OVBufferState& state) {
@@ -227,7 +235,7 @@ void OVBlockBuffer::unlock() {
 double OVBlockBuffer::powerAtPosition(std::uint64_t position) {
   BlockLocation location;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     location = getFileOffsetForLinearAddress(position * format_.mBytesPerFrame);
   }
   if (location.bytesAvailable < format_.mBytesPerFrame) {

@@ -4,14 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/base/GuardedPointer.h"
+#include "platform/base/Mutex.h"
 #include "platform/files/File.h"
 #include "storage/BlockList.h"
-#include "storage/DelegateReference.h"
 #include "storage/OVAudioBufferInterface.h"
 #include "storage/OVBufferState.h"
 
@@ -62,7 +62,8 @@ class OVBlockBuffer : public OVAudioBufferInterface {
                                               std::uint64_t fromOffset) override;
 
   /// Takes no lock: call it between lock() and unlock().
-  [[nodiscard]] BlockLocation getFileOffsetForLinearAddress(std::uint64_t address) const;
+  [[nodiscard]] BlockLocation getFileOffsetForLinearAddress(std::uint64_t address) const
+      REQUIRES(bufferLock_);
 
   /// Merges blocks that are neighbours in the list, in the recording and in the file.
   void optimize();
@@ -94,8 +95,11 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   /// Restores what the last undo() kept, once. Does not move among the waypoints.
   void redo() override;
 
-  void lock() override;
-  void unlock() override;
+  /// Throws std::out_of_range when there is no waypoint.
+  void rollBack() override;
+
+  void lock() override ACQUIRE(bufferLock_);
+  void unlock() override RELEASE(bufferLock_);
 
   /// Mean of the two channels of a frame, signed; 1.0 past the end, in a hole, and for a frame
   /// that lies in two blocks.
@@ -108,16 +112,23 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   void setDelegate(std::weak_ptr<OVAudioBufferDelegate> delegate) override;
 
   /// The state as it stands. Take no lock: call them between lock() and unlock(), or while no other
-  /// thread works on the buffer.
-  [[nodiscard]] std::vector<OVBlock> blocklist() const { return blocklist_.blocks(); }
-  [[nodiscard]] std::uint64_t f_write_pos() const { return f_write_pos_; }
-  [[nodiscard]] const std::vector<std::shared_ptr<const OVBufferState>>& waypointStack() const {
+  /// thread works on the buffer, which is why the compiler does not check them.
+  [[nodiscard]] std::vector<OVBlock> blocklist() const NO_THREAD_SAFETY_ANALYSIS {
+    return blocklist_.blocks();
+  }
+  [[nodiscard]] std::uint64_t f_write_pos() const NO_THREAD_SAFETY_ANALYSIS { return f_write_pos_; }
+  [[nodiscard]] const std::vector<std::shared_ptr<const OVBufferState>>& waypointStack() const
+      NO_THREAD_SAFETY_ANALYSIS {
     return waypointStack_;
   }
-  [[nodiscard]] std::uint64_t waypointPos() const { return waypointPos_; }
-  [[nodiscard]] std::uint64_t prevWaypointPos() const { return prevWaypointPos_; }
-  [[nodiscard]] std::shared_ptr<const OVBufferState> redoState() const { return redoState_; }
-  [[nodiscard]] std::uint64_t blocksAddedSinceOptimization() const {
+  [[nodiscard]] std::uint64_t waypointPos() const NO_THREAD_SAFETY_ANALYSIS { return waypointPos_; }
+  [[nodiscard]] std::uint64_t prevWaypointPos() const NO_THREAD_SAFETY_ANALYSIS {
+    return prevWaypointPos_;
+  }
+  [[nodiscard]] std::shared_ptr<const OVBufferState> redoState() const NO_THREAD_SAFETY_ANALYSIS {
+    return redoState_;
+  }
+  [[nodiscard]] std::uint64_t blocksAddedSinceOptimization() const NO_THREAD_SAFETY_ANALYSIS {
     return blocksAddedSinceOptimization_;
   }
 
@@ -137,11 +148,12 @@ class OVBlockBuffer : public OVAudioBufferInterface {
     std::uint64_t byteCount;
   };
 
-  // These four with bufferLock held.
-  std::uint64_t mapAppended(std::uint64_t atByteOffset, std::uint32_t withSize);
-  std::vector<Stretch> stretches(std::uint64_t address, std::uint64_t byteCount) const;
-  void restore(const OVBufferState& state);
-  void listChanged();
+  std::uint64_t mapAppended(std::uint64_t atByteOffset, std::uint32_t withSize)
+      REQUIRES(appendLock_, bufferLock_);
+  std::vector<Stretch> stretches(std::uint64_t address, std::uint64_t byteCount) const
+      REQUIRES(bufferLock_);
+  void restore(const OVBufferState& state) REQUIRES(bufferLock_);
+  void listChanged() REQUIRES(bufferLock_);
 
   // Fixed after construction.
   const std::unique_ptr<platform::File> f_file_;
@@ -149,23 +161,22 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   const platform::AudioStreamBasicDescription format_;
 
   // Brings writers in line, see above. Taken before bufferLock_.
-  std::mutex appendLock_;
-  mutable std::mutex bufferLock_;
+  platform::Mutex appendLock_;
+  mutable platform::Mutex bufferLock_;
 
-  // Guarded by bufferLock_. f_write_pos_ is written only with both locks held and may be read
-  // with either.
-  std::uint64_t f_write_pos_ = 0;
-  BlockList blocklist_;
-  std::vector<std::shared_ptr<const OVBufferState>> waypointStack_;
-  std::uint64_t waypointPos_ = 0;
-  std::uint64_t prevWaypointPos_ = 0;
-  std::shared_ptr<const OVBufferState> redoState_;
-  std::uint64_t blocksAddedSinceOptimization_ = 0;
+  // Written only with both locks held, so that it may be read with either.
+  std::uint64_t f_write_pos_ GUARDED_BY(appendLock_) = 0;
+  BlockList blocklist_ GUARDED_BY(bufferLock_);
+  std::vector<std::shared_ptr<const OVBufferState>> waypointStack_ GUARDED_BY(bufferLock_);
+  std::uint64_t waypointPos_ GUARDED_BY(bufferLock_) = 0;
+  std::uint64_t prevWaypointPos_ GUARDED_BY(bufferLock_) = 0;
+  std::shared_ptr<const OVBufferState> redoState_ GUARDED_BY(bufferLock_);
+  std::uint64_t blocksAddedSinceOptimization_ GUARDED_BY(bufferLock_) = 0;
 
   // Written with bufferLock_ held, read without it by the size getters and by reads past the end.
   // Each stands for itself, so relaxed order is enough: whoever acts on the list takes the lock.
   std::atomic<std::uint64_t> bufferFillSize_{0};
   std::atomic<bool> listIsEmpty_{true};
 
-  DelegateReference delegate_;
+  platform::GuardedPointer<std::weak_ptr<OVAudioBufferDelegate>> delegate_;
 };

@@ -7,15 +7,12 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
-#include "storage/TemporaryFileAccess.h"
-#include "storage/WriteBounds.h"
+#include "storage/BufferTransfer.h"
+#include "storage/DelegateNotification.h"
 
 namespace {
 
 constexpr std::uint64_t kCopiedAtOnce = std::uint64_t{1} << 20;  // bytes; memory, not a measure
-
-static_assert(static_cast<double>(OVDiskAudioBuffer::kCacheCapacity) ==
-              platform::kWorkingFormat.mBytesPerFrame * platform::kWorkingFormat.mSampleRate * 10);
 
 // Copies what lies from a position on to the start of another file. The errno of a failure.
 int copyTail(platform::File& from, std::uint64_t position, platform::File& to) {
@@ -42,7 +39,7 @@ int copyTail(platform::File& from, std::uint64_t position, platform::File& to) {
 
 }  // namespace
 
-OVDiskAudioBuffer::OVDiskAudioBuffer(platform::TemporaryFiles::Created created)
+OVDiskAudioBuffer::OVDiskAudioBuffer(platform::TemporaryFile created)
     : format_(platform::kWorkingFormat),
       f_file_(std::move(created.file)),
       f_file_name_(std::move(created.path)),
@@ -55,37 +52,37 @@ OVDiskAudioBuffer::~OVDiskAudioBuffer() {
 
 std::shared_ptr<OVDiskAudioBuffer> OVDiskAudioBuffer::init() {
   auto created = createFile();
-  if (created.file == nullptr) {
+  if (!created) {
     return nullptr;
   }
-  return std::shared_ptr<OVDiskAudioBuffer>(new OVDiskAudioBuffer(std::move(created)));
+  return std::shared_ptr<OVDiskAudioBuffer>(new OVDiskAudioBuffer(*std::move(created)));
 }
 
 // Tells when there is none. Hold no lock.
 platform::TemporaryFiles::Created OVDiskAudioBuffer::createFile() {
-  platform::TemporaryFiles& files = platform::temporaryFiles();
-  auto created = files.createNamed(files.directory() + "orvo_XXXXXX.flt");
-  if (created.file == nullptr) {
-    tellThatNoTemporaryFileOpens(created.path);
+  const auto files = platform::temporaryFiles();
+  auto created = files->createNamed(files->directory() + "orvo_XXXXXX.flt");
+  if (created) {
+    platform::applicationServices()->registerTempFile(created->path);
   } else {
-    platform::applicationServices()->registerTempFile(created.path);
+    alertThatNoTemporaryFileOpens(created.error().path);
   }
   return created;
 }
 
 void OVDiskAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                                   std::uint32_t withSize) {
-  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
+  if (refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   platform::FileTransfer written;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     written = f_file_->writeAt(data, withSize, atByteOffset);
     f_size_.store(std::max(f_size(), atByteOffset + withSize), std::memory_order_relaxed);
   }
   discardCache();
-  delegate_.tellWrite(data, atByteOffset, withSize, errorOfTransfer(written, withSize));
+  notifyOfWrite(delegate_.get(), data, atByteOffset, withSize, errorOfTransfer(written, withSize));
 }
 
 BufferReadResult OVDiskAudioBuffer::readDataInto(void* destination, std::uint64_t withSize,
@@ -110,14 +107,14 @@ BufferReadResult OVDiskAudioBuffer::readDataIntoNoCache(void* destination, std::
   std::uint64_t wanted = 0;
   platform::FileTransfer read;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     const std::uint64_t end = f_size();
     const std::uint64_t available = fromOffset < end ? end - fromOffset : 0;
     wanted = std::min(withSize, available) / frameBytes * frameBytes;
     read = readWhole(*f_file_, destination, wanted, fromOffset);
   }
   if (read.byteCount < wanted) {
-    delegate_.tellFailedRead(read.error);
+    notifyOfFailedRead(delegate_.get(), read.error);
   }
   return resultOf(destination, read.byteCount / frameBytes * frameBytes);
 }
@@ -135,7 +132,7 @@ std::uint64_t OVDiskAudioBuffer::getDataFromCache(void* destination, std::uint64
                                                   std::uint64_t withSize) {
   std::uint64_t left = 0;
   {
-    const std::lock_guard lock(cacheLock_);
+    const platform::MutexLock lock(cacheLock_);
     const std::uint64_t inCache = fromPosition - cached_position_;
     if (cached_position_ > fromPosition || inCache > cache_fillsize_ ||
         withSize > cache_fillsize_ - inCache) {
@@ -156,13 +153,13 @@ void OVDiskAudioBuffer::fillCacheFromPosition(std::uint64_t byteOffset) {
   cacheFilling_ = true;
   emptyCacheAt(byteOffset);
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     emptyCacheAt(byteOffset);  // again: another fill may have ended while this one waited
     const std::uint64_t end = f_size();
     const std::uint64_t wanted =
         std::min(kCacheCapacity, byteOffset < end ? end - byteOffset : std::uint64_t{0});
     const auto read = readWhole(*f_file_, cacheBuffer_.data(), wanted, byteOffset);
-    const std::lock_guard cacheLock(cacheLock_);
+    const platform::MutexLock cacheLock(cacheLock_);
     cache_fillsize_ = read.byteCount;
     cached_position_ = byteOffset;  // again: the cache may have been discarded meanwhile
   }
@@ -174,18 +171,18 @@ void OVDiskAudioBuffer::discardCache() {
 }
 
 void OVDiskAudioBuffer::emptyCacheAt(std::uint64_t position) {
-  const std::lock_guard lock(cacheLock_);
+  const platform::MutexLock lock(cacheLock_);
   cache_fillsize_ = 0;
   cached_position_ = position;
 }
 
 std::uint64_t OVDiskAudioBuffer::cache_fillsize() const {
-  const std::lock_guard lock(cacheLock_);
+  const platform::MutexLock lock(cacheLock_);
   return cache_fillsize_;
 }
 
 std::uint64_t OVDiskAudioBuffer::cached_position() const {
-  const std::lock_guard lock(cacheLock_);
+  const platform::MutexLock lock(cacheLock_);
   return cached_position_;
 }
 
@@ -208,7 +205,7 @@ std::uint64_t OVDiskAudioBuffer::bufferFillSizeInFrames() const {
 void OVDiskAudioBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
   int error = 0;
   {
-    const std::lock_guard lock(bufferLock_);
+    const platform::MutexLock lock(bufferLock_);
     const std::uint64_t position = frames * format_.mBytesPerFrame;
     error = f_file_->setSize(position);
     f_size_.store(position, std::memory_order_relaxed);
@@ -221,23 +218,23 @@ void OVDiskAudioBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
 
 void OVDiskAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
   auto other = createFile();  // becomes the old file below
-  if (other.file == nullptr) {
+  if (!other) {
     return;
   }
   int error = 0;
   {
-    const std::lock_guard lock(bufferLock_);
-    error = copyTail(*f_file_, frames * format_.mBytesPerFrame, *other.file);
+    const platform::MutexLock lock(bufferLock_);
+    error = copyTail(*f_file_, frames * format_.mBytesPerFrame, *other->file);
     if (error == 0) {
-      std::swap(f_file_, other.file);
-      std::swap(f_file_name_, other.path);
+      std::swap(f_file_, other->file);
+      std::swap(f_file_name_, other->path);
       f_size_.store(f_file_->size(), std::memory_order_relaxed);
     }
   }
-  other.file.reset();
-  removeTempFile(other.path);
+  other->file.reset();
+  removeTempFile(other->path);
   if (error != 0) {
-    delegate_.tellFailure(error);
+    notifyOfFailedWrite(delegate_.get(), error);
   }
 }
 
@@ -259,7 +256,7 @@ void OVDiskAudioBuffer::unlock() {
 
 double OVDiskAudioBuffer::powerAtPosition(std::uint64_t position) {
   float channels[2] = {0.0F, 0.0F};  // what the file does not give counts as silence
-  const std::lock_guard lock(bufferLock_);
+  const platform::MutexLock lock(bufferLock_);
   static_cast<void>(
       readWhole(*f_file_, channels, sizeof channels, position * format_.mBytesPerFrame));
   return static_cast<double>(channels[0] + channels[1]) * 0.5;

@@ -4,14 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/base/GuardedPointer.h"
+#include "platform/base/Mutex.h"
 #include "platform/base/SerialQueue.h"
-#include "platform/files/File.h"
-#include "storage/DelegateReference.h"
+#include "platform/files/TemporaryFiles.h"
 #include "storage/OVAudioBufferInterface.h"
 
 /// The audio of a recording, flat in a temporary file: the byte at an offset of the recording is
@@ -42,7 +42,8 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
                           public std::enable_shared_from_this<OVDiskAudioBuffer> {
  public:
   /// Ten seconds, in bytes.
-  static constexpr std::uint64_t kCacheCapacity = 3528000;
+  static constexpr std::uint64_t kCacheCapacity =
+      10 * platform::kWorkingRate * platform::kWorkingFrameBytes;
   /// A cut before a position that would keep fewer bytes keeps none: the audio that stays is
   /// thought of as 512 chunks of whole bytes, and with less than that a chunk has none.
   static constexpr std::uint64_t kSmallestKept = 512;
@@ -103,8 +104,8 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
   void undo() override;
   void redo() override;
 
-  void lock() override;
-  void unlock() override;
+  void lock() override ACQUIRE(bufferLock_);
+  void unlock() override RELEASE(bufferLock_);
 
   /// Mean of the two channels of a frame, signed; 0.0 for what the file does not hold.
   [[nodiscard]] double powerAtPosition(std::uint64_t position) override;
@@ -122,7 +123,9 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
   /// Size of the recording in bytes: the highest end written, or the last cut. Takes no lock.
   [[nodiscard]] std::uint64_t f_size() const { return f_size_.load(std::memory_order_relaxed); }
   /// Takes no lock: call it between lock() and unlock(), or while no other thread cuts.
-  [[nodiscard]] const std::string& f_file_name() const { return f_file_name_; }
+  [[nodiscard]] const std::string& f_file_name() const NO_THREAD_SAFETY_ANALYSIS {
+    return f_file_name_;
+  }
 
   /// The cache as it stands. Take only its own lock.
   [[nodiscard]] std::uint64_t cache_fillsize() const;
@@ -131,36 +134,35 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
   [[nodiscard]] bool cacheFilling() const { return cacheFilling_; }
 
  private:
-  explicit OVDiskAudioBuffer(platform::TemporaryFiles::Created created);
+  explicit OVDiskAudioBuffer(platform::TemporaryFile created);
 
   [[nodiscard]] static platform::TemporaryFiles::Created createFile();
   [[nodiscard]] BufferReadResult resultOf(void* destination, std::uint64_t byteCount) const;
-  void emptyCacheAt(std::uint64_t position);
+  void emptyCacheAt(std::uint64_t position) EXCLUDES(cacheLock_);
 
   const platform::AudioStreamBasicDescription format_;
-  mutable std::mutex bufferLock_;
+  mutable platform::Mutex bufferLock_;
 
-  // Guarded by bufferLock_.
-  std::unique_ptr<platform::File> f_file_;
-  std::string f_file_name_;
+  std::unique_ptr<platform::File> f_file_ GUARDED_BY(bufferLock_) PT_GUARDED_BY(bufferLock_);
+  std::string f_file_name_ GUARDED_BY(bufferLock_);
 
   // Written with bufferLock_ held, read without it by the size getters; it stands for itself.
   std::atomic<std::uint64_t> f_size_{0};
 
   // Innermost: nothing is locked under it.
-  mutable std::mutex cacheLock_;
+  mutable platform::Mutex cacheLock_;
 
-  // Guarded by cacheLock_, except that the holder of bufferLock_ alone fills cacheBuffer_, without
-  // it, while cache_fillsize_ is 0 and nobody looks at the bytes.
+  // Read with cacheLock_; filled with bufferLock_ alone, while cache_fillsize_ is 0 and nobody
+  // looks at the bytes. The compiler cannot check that.
   std::vector<std::byte> cacheBuffer_;
-  std::uint64_t cache_fillsize_ = 0;
-  std::uint64_t cached_position_ = 0;
+  std::uint64_t cache_fillsize_ GUARDED_BY(cacheLock_) = 0;
+  std::uint64_t cached_position_ GUARDED_BY(cacheLock_) = 0;
 
   // Keeps fills from doubling, no more. Set by whoever is about to fill or to queue a fill, cleared
   // by the fill.
   std::atomic<bool> cacheFilling_{false};
 
   std::atomic<std::uint64_t> framesToPlay_{0};
-  DelegateReference delegate_;
+  platform::GuardedPointer<std::weak_ptr<OVAudioBufferDelegate>> delegate_;
   platform::SerialQueue q_{"disk buffer"};
 };

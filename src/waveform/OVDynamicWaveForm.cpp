@@ -64,14 +64,15 @@ void OVDynamicWaveForm::Elements::finishElement() {
 
 std::shared_ptr<OVDynamicWaveForm> OVDynamicWaveForm::initWithBuffer(
     std::shared_ptr<OVAudioBufferInterface> audioBuffer) {
-  return std::make_shared<OVDynamicWaveForm>(Passkey(), std::move(audioBuffer));
+  return std::make_shared<OVDynamicWaveForm>(Passkey(), std::move(audioBuffer), Elements());
 }
 
-OVDynamicWaveForm::OVDynamicWaveForm(Passkey, std::shared_ptr<OVAudioBufferInterface> audioBuffer)
-    : audioBuffer_(std::move(audioBuffer)) {}
+OVDynamicWaveForm::OVDynamicWaveForm(Passkey, std::shared_ptr<OVAudioBufferInterface> audioBuffer,
+                                     const Elements& elements)
+    : audioBuffer_(std::move(audioBuffer)), elements_(elements) {}
 
 void OVDynamicWaveForm::generate(const std::atomic<bool>* cancelled) {
-  const std::lock_guard generation(bufferLock_);
+  const platform::MutexLock generation(bufferLock_);
   generateNoLock(cancelled);
 }
 
@@ -95,12 +96,12 @@ void OVDynamicWaveForm::generateNoLock(const std::atomic<bool>* cancelled) {
       next = publish(blocks, next);
     }
   }
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   isRegenerating_.store(false, std::memory_order_relaxed);
 }
 
 OVDynamicWaveForm::ReadPoint OVDynamicWaveForm::readPoint() const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   return {.byteOffset = elements_.reader_pos, .revision = revision_};
 }
 
@@ -109,7 +110,7 @@ OVDynamicWaveForm::ReadPoint OVDynamicWaveForm::readPoint() const {
 /// follow what was taken in: they are dropped and the audio at the present place is read instead.
 OVDynamicWaveForm::ReadPoint OVDynamicWaveForm::publish(
     std::span<const SummaryReader::Block> blocks, ReadPoint from) {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   if (from.revision == revision_) {
     for (const SummaryReader::Block& block : blocks) {
       elements_.take(block);
@@ -128,7 +129,7 @@ bool OVDynamicWaveForm::isRegenerating() const {
 }
 
 void OVDynamicWaveForm::reset() {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   elements_.restart();
   ++revision_;
   // An exchange, not a store: a request that it swallows is one whose edit the reads that follow
@@ -138,23 +139,23 @@ void OVDynamicWaveForm::reset() {
 }
 
 void OVDynamicWaveForm::consolidate() {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   elements_.consolidate();
 }
 
 void OVDynamicWaveForm::appendSample(float value) {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   elements_.append(value);
 }
 
 void OVDynamicWaveForm::setCapacity(std::uint64_t elements) {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   elements_.resize(std::max<std::uint64_t>(elements, 2));
   setShouldRegenerateWaveform(true);
 }
 
 std::uint64_t OVDynamicWaveForm::capacity() const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   return elements_.buffer.size();
 }
 
@@ -163,22 +164,22 @@ std::uint64_t OVDynamicWaveForm::readerPos() const {
 }
 
 std::uint64_t OVDynamicWaveForm::elementCount() const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   return elements_.buffer_pos;
 }
 
 std::uint64_t OVDynamicWaveForm::producedElementCount() const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   return elements_.elementCount;
 }
 
 std::uint64_t OVDynamicWaveForm::chunksize() const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   return elements_.chunksize;
 }
 
 OVDynamicWaveForm::PendingElement OVDynamicWaveForm::pendingElement() const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   return {.readCount = elements_.chunk_read_count,
           .frameCount = elements_.chunk_read_size,
           .smallest = elements_.chunk_min,
@@ -186,30 +187,29 @@ OVDynamicWaveForm::PendingElement OVDynamicWaveForm::pendingElement() const {
 }
 
 const float* OVDynamicWaveForm::data() const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   return elements_.buffer.data();
 }
 
 void OVDynamicWaveForm::copyElementsInto(std::vector<float>& elements) const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   elements.assign(elements_.buffer.data(), elements_.buffer.data() + elements_.buffer_pos);
 }
 
 double OVDynamicWaveForm::powerAtPosition(double fraction) const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   const std::uint64_t count = elements_.buffer_pos;
   return count == 0 ? 0.0 : elements_.buffer[elementIndex(fraction, count)];
 }
 
 double OVDynamicWaveForm::maxAmplitude() const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   return elements_.max_amplitude;
 }
 
 std::shared_ptr<OVWaveformSummary> OVDynamicWaveForm::copy() const {
-  auto copied = std::make_shared<OVDynamicWaveForm>(Passkey(), audioBuffer_);
-  const std::lock_guard guard(elementsLock_);
-  copied->elements_ = elements_;
+  const platform::MutexLock guard(elementsLock_);
+  auto copied = std::make_shared<OVDynamicWaveForm>(Passkey(), audioBuffer_, elements_);
   copied->regenerate_.store(regenerate_.load(std::memory_order_acquire), std::memory_order_relaxed);
   copied->isRegenerating_.store(isRegenerating(), std::memory_order_relaxed);
   return copied;

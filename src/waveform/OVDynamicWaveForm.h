@@ -3,10 +3,10 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <span>
 #include <vector>
 
+#include "platform/base/Mutex.h"
 #include "waveform/OVWaveformSummary.h"
 #include "waveform/SummaryReader.h"
 
@@ -34,6 +34,7 @@ class OVDynamicWaveForm final : public OVWaveformSummary {
   struct Passkey {
     explicit Passkey() = default;
   };
+  struct Elements;
 
  public:
   static constexpr std::uint64_t kInitialCapacity = 1024;  ///< elements
@@ -54,7 +55,8 @@ class OVDynamicWaveForm final : public OVWaveformSummary {
   [[nodiscard]] static std::shared_ptr<OVDynamicWaveForm> initWithBuffer(
       std::shared_ptr<OVAudioBufferInterface> audioBuffer);
 
-  OVDynamicWaveForm(Passkey, std::shared_ptr<OVAudioBufferInterface> audioBuffer);
+  OVDynamicWaveForm(Passkey, std::shared_ptr<OVAudioBufferInterface> audioBuffer,
+                    const Elements& elements);
   OVDynamicWaveForm(const OVDynamicWaveForm&) = delete;
   OVDynamicWaveForm& operator=(const OVDynamicWaveForm&) = delete;
 
@@ -104,8 +106,8 @@ class OVDynamicWaveForm final : public OVWaveformSummary {
 
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> audioBuffer() const override;
 
-  void lock() override;
-  void unlock() override;
+  void lock() override ACQUIRE();
+  void unlock() override RELEASE();
 
  private:
   /// The summary proper, without regard to threads.
@@ -135,18 +137,19 @@ class OVDynamicWaveForm final : public OVWaveformSummary {
     std::uint64_t revision;
   };
 
-  [[nodiscard]] ReadPoint readPoint() const;
-  [[nodiscard]] ReadPoint publish(std::span<const SummaryReader::Block> blocks, ReadPoint from);
+  [[nodiscard]] ReadPoint readPoint() const EXCLUDES(elementsLock_);
+  [[nodiscard]] ReadPoint publish(std::span<const SummaryReader::Block> blocks, ReadPoint from)
+      EXCLUDES(elementsLock_);
 
   const std::shared_ptr<OVAudioBufferInterface> audioBuffer_;
 
   /// "OVDynamicWaveForm lock": held by generate(), so that generations do not overlap.
-  std::mutex bufferLock_;
+  platform::Mutex bufferLock_;
 
   /// The short lock. Innermost: nothing else is locked and no buffer is called under it.
-  mutable std::mutex elementsLock_;
-  Elements elements_;           ///< guarded by elementsLock_
-  std::uint64_t revision_ = 0;  ///< guarded by elementsLock_; counts the moves of reader_pos
+  mutable platform::Mutex elementsLock_;
+  Elements elements_ GUARDED_BY(elementsLock_);
+  std::uint64_t revision_ GUARDED_BY(elementsLock_) = 0;  ///< counts the moves of reader_pos
 
   /// Set by any thread, cleared by reset(). Read without a lock.
   std::atomic<bool> regenerate_ = true;

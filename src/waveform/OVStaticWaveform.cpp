@@ -22,7 +22,8 @@ std::uint64_t truncated(double value, std::uint64_t limit) {
 
 std::shared_ptr<OVStaticWaveform> OVStaticWaveform::initWithBuffer(
     std::shared_ptr<OVAudioBufferInterface> audioBuffer) {
-  auto summary = std::make_shared<OVStaticWaveform>(Passkey(), std::move(audioBuffer), nullptr);
+  auto summary =
+      std::make_shared<OVStaticWaveform>(Passkey(), std::move(audioBuffer), nullptr, Elements());
   summary->regenerate();
   return summary;
 }
@@ -35,29 +36,32 @@ std::shared_ptr<OVStaticWaveform> OVStaticWaveform::initWithDynamicWaveform(
     dynamicWaveform->copyElementsInto(source);
     audioBuffer = dynamicWaveform->audioBuffer();
   }
-  auto summary = std::make_shared<OVStaticWaveform>(Passkey(), std::move(audioBuffer),
-                                                    std::move(dynamicWaveform));
-  summary->elements_.elementCount = source.size();
+  Elements elements;
+  elements.elementCount = source.size();
   const double step = kSlots / static_cast<double>(source.size());
   double position = 0.0;
   for (const float value : source) {
     const std::uint64_t slot = truncated(position, kElementCount);
     if (slot < kElementCount) {
-      summary->elements_.buffer[slot] = value;
+      elements.buffer[slot] = value;
     }
     position += step;
   }
-  return summary;
+  return std::make_shared<OVStaticWaveform>(Passkey(), std::move(audioBuffer),
+                                            std::move(dynamicWaveform), elements);
 }
 
 OVStaticWaveform::OVStaticWaveform(Passkey, std::shared_ptr<OVAudioBufferInterface> audioBuffer,
-                                   std::shared_ptr<OVDynamicWaveForm> dynamicWaveform)
-    : audioBuffer_(std::move(audioBuffer)), dynwaveform_(std::move(dynamicWaveform)) {}
+                                   std::shared_ptr<OVDynamicWaveForm> dynamicWaveform,
+                                   const Elements& elements)
+    : audioBuffer_(std::move(audioBuffer)),
+      dynwaveform_(std::move(dynamicWaveform)),
+      elements_(elements) {}
 
 void OVStaticWaveform::regenerate(const std::atomic<bool>* cancelled) {
   // The flag already stands while the lock is waited for.
   isRegenerating_.store(true, std::memory_order_relaxed);
-  const std::lock_guard generation(bufferLock_);
+  const platform::MutexLock generation(bufferLock_);
   regenerateNoLock(cancelled);
 }
 
@@ -67,7 +71,7 @@ void OVStaticWaveform::regenerateNoLock(const std::atomic<bool>* cancelled) {
   // do see.
   shouldRegenerateWaveform_.exchange(false, std::memory_order_acq_rel);
   {
-    const std::lock_guard guard(elementsLock_);
+    const platform::MutexLock guard(elementsLock_);
     elements_.elementCount = 0;
     elements_.buffer_pos = 0;
     elements_.reader_pos = 0;
@@ -103,7 +107,7 @@ void OVStaticWaveform::summariseInBlocksOf(std::uint64_t frameCount,
 
 /// False when the last element has been written.
 bool OVStaticWaveform::publish(std::span<const SummaryReader::Block> blocks) {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   for (const SummaryReader::Block& block : blocks) {
     if (elements_.buffer_pos == kElementCount) {
       return false;
@@ -189,7 +193,7 @@ void OVStaticWaveform::fillPatch(Patch& patch, const float* samples, std::uint64
 }
 
 void OVStaticWaveform::apply(const Patch& patch) {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   std::memset(elements_.buffer.data() + patch.firstSlot, 0, patch.clearedByteCount);
   const std::uint64_t wholeSlotsEnd = patch.firstSlot + patch.clearedByteCount / sizeof(float);
   for (std::uint64_t slot = patch.firstSlot; slot < kElementCount; ++slot) {
@@ -206,7 +210,7 @@ void OVStaticWaveform::reset() {}
 
 std::uint64_t OVStaticWaveform::readerPos() const {
   const std::uint64_t bytesPerFrame = audioBuffer_ ? audioBuffer_->format().mBytesPerFrame : 1;
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   return elements_.reader_pos / bytesPerFrame;
 }
 
@@ -215,7 +219,7 @@ std::uint64_t OVStaticWaveform::elementCount() const {
 }
 
 std::uint64_t OVStaticWaveform::producedElementCount() const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   return elements_.elementCount;
 }
 
@@ -224,12 +228,12 @@ const float* OVStaticWaveform::data() const {
 }
 
 void OVStaticWaveform::copyElementsInto(std::vector<float>& elements) const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   elements.assign(elements_.buffer.begin(), elements_.buffer.end());
 }
 
 double OVStaticWaveform::powerAtPosition(double fraction) const {
-  const std::lock_guard guard(elementsLock_);
+  const platform::MutexLock guard(elementsLock_);
   return elements_.buffer[elementIndex(fraction, kElementCount)];
 }
 
@@ -238,9 +242,9 @@ double OVStaticWaveform::maxAmplitude() const {
 }
 
 std::shared_ptr<OVWaveformSummary> OVStaticWaveform::copy() const {
-  auto copied = std::make_shared<OVStaticWaveform>(Passkey(), audioBuffer_, dynwaveform_);
-  const std::lock_guard guard(elementsLock_);
-  copied->elements_ = elements_;
+  const platform::MutexLock guard(elementsLock_);
+  auto copied =
+      std::make_shared<OVStaticWaveform>(Passkey(), audioBuffer_, dynwaveform_, elements_);
   copied->shouldRegenerateWaveform_.store(shouldRegenerateWaveform(), std::memory_order_relaxed);
   copied->isRegenerating_.store(isRegenerating(), std::memory_order_relaxed);
   return copied;

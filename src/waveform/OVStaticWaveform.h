@@ -5,10 +5,10 @@
 #include <bitset>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <span>
 #include <vector>
 
+#include "platform/base/Mutex.h"
 #include "waveform/OVWaveformSummary.h"
 #include "waveform/SummaryReader.h"
 
@@ -30,6 +30,7 @@ class OVStaticWaveform final : public OVWaveformSummary {
   struct Passkey {
     explicit Passkey() = default;
   };
+  struct Elements;
 
  public:
   static constexpr std::uint64_t kElementCount = 1024;
@@ -46,7 +47,7 @@ class OVStaticWaveform final : public OVWaveformSummary {
       std::shared_ptr<OVDynamicWaveForm> dynamicWaveform);
 
   OVStaticWaveform(Passkey, std::shared_ptr<OVAudioBufferInterface> audioBuffer,
-                   std::shared_ptr<OVDynamicWaveForm> dynamicWaveform);
+                   std::shared_ptr<OVDynamicWaveForm> dynamicWaveform, const Elements& elements);
   OVStaticWaveform(const OVStaticWaveform&) = delete;
   OVStaticWaveform& operator=(const OVStaticWaveform&) = delete;
 
@@ -83,7 +84,7 @@ class OVStaticWaveform final : public OVWaveformSummary {
   /// summary those of its source.
   [[nodiscard]] std::uint64_t producedElementCount() const;
   /// The 1024 elements; only for a caller that knows that no one changes them.
-  [[nodiscard]] const float* data() const override;
+  [[nodiscard]] const float* data() const override NO_THREAD_SAFETY_ANALYSIS;
   void copyElementsInto(std::vector<float>& elements) const override;
   [[nodiscard]] double powerAtPosition(double fraction) const override;
   /// Always 1.6.
@@ -95,8 +96,8 @@ class OVStaticWaveform final : public OVWaveformSummary {
 
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> audioBuffer() const override;
 
-  void lock() override;
-  void unlock() override;
+  void lock() override ACQUIRE();
+  void unlock() override RELEASE();
 
  private:
   using Slots = std::bitset<kElementCount>;
@@ -118,22 +119,22 @@ class OVStaticWaveform final : public OVWaveformSummary {
 
   void regenerateNoLock(const std::atomic<bool>* cancelled);
   void summariseInBlocksOf(std::uint64_t frameCount, const std::atomic<bool>* cancelled);
-  [[nodiscard]] bool publish(std::span<const SummaryReader::Block> blocks);
+  [[nodiscard]] bool publish(std::span<const SummaryReader::Block> blocks) EXCLUDES(elementsLock_);
   static void fillPatch(Patch& patch, const float* samples, std::uint64_t sampleCount,
                         std::uint64_t samplesPerElement, double slotsPerStep, double slot);
-  void apply(const Patch& patch);
+  void apply(const Patch& patch) EXCLUDES(elementsLock_);
 
   const std::shared_ptr<OVAudioBufferInterface> audioBuffer_;
   const std::shared_ptr<OVDynamicWaveForm> dynwaveform_;  ///< null unless stretched from one
 
   /// Held by regenerate(), so that generations do not overlap.
-  std::mutex bufferLock_;
+  platform::Mutex bufferLock_;
 
   /// The short lock. Innermost: nothing else is locked and no buffer is called under it.
-  mutable std::mutex elementsLock_;
-  Elements elements_;  ///< guarded by elementsLock_
-  Slots patched_;  ///< guarded by elementsLock_; slots that chunks set since the last generation
-                   ///< began: it leaves them alone
+  mutable platform::Mutex elementsLock_;
+  Elements elements_ GUARDED_BY(elementsLock_);
+  /// Slots that chunks set since the last generation began: it leaves them alone.
+  Slots patched_ GUARDED_BY(elementsLock_);
 
   /// Set by any thread, cleared at the start of a generation. Read without a lock.
   std::atomic<bool> shouldRegenerateWaveform_ = false;

@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/base/ThreadSafety.h"
+
 class OVAudioBufferInterface;
 
 /// What both waveform summaries offer to the document and to the views: a short list of elements,
@@ -16,7 +18,7 @@ class OVAudioBufferInterface;
 /// waits for a generation and never reads a half-written element.
 ///
 /// Threads: any, unless said otherwise. Real-time: not safe.
-class OVWaveformSummary {
+class CAPABILITY("waveform summary") OVWaveformSummary {
  public:
   virtual ~OVWaveformSummary() = default;
 
@@ -56,8 +58,8 @@ class OVWaveformSummary {
 
   [[nodiscard]] virtual std::shared_ptr<OVAudioBufferInterface> audioBuffer() const = 0;
 
-  virtual void lock() = 0;
-  virtual void unlock() = 0;
+  virtual void lock() ACQUIRE() = 0;
+  virtual void unlock() RELEASE() = 0;
 
  protected:
   [[nodiscard]] static bool isSet(const std::atomic<bool>* cancelled) {

@@ -97,7 +97,9 @@ class BlockBufferPair : storagetest::BufferPair {
 
   void compareLookup(modeltest::Comparison& comparison, std::uint64_t address) const {
     const auto expected = model_.locate(address);
+    real_->lock();
     const BlockLocation location = real_->getFileOffsetForLinearAddress(address);
+    real_->unlock();
     const std::uint64_t in = expected ? address - expected->linear_addr_start() : 0;
     const std::uint64_t offset = expected ? expected->file_offset_start() + in : 0;
     const std::uint64_t available = expected ? expected->size() - in : 0;

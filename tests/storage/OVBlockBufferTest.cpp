@@ -258,6 +258,7 @@ TEST_F(ABlockBuffer, TakesAWriteThatEndsAtTheHighestAddress) {
 TEST_F(ABlockBuffer, LocatesAddresses) {
   writeSequence(1, 100);
   write(*buffer_, pattern(50, 2), 150);
+  buffer_->lock();
   const auto inside = buffer_->getFileOffsetForLinearAddress(170);
   EXPECT_EQ(inside.fileOffset, 120U);
   EXPECT_EQ(inside.bytesAvailable, 30U);
@@ -268,6 +269,7 @@ TEST_F(ABlockBuffer, LocatesAddresses) {
     EXPECT_EQ(location.bytesAvailable, 0U);
     EXPECT_TRUE(location.notFound);
   }
+  buffer_->unlock();
 }
 
 TEST_F(ABlockBuffer, ReversingDoesNothing) {

@@ -2,9 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 #include <span>
 #include <vector>
+
+#include "platform/base/Mutex.h"
 
 /// A copy of the chunk of audio that was recorded last, for the spectrum, which takes it in
 /// quarters: a chunk lasts for about three of its ticks. Each chunk feeds four successive calls of
@@ -26,11 +27,11 @@ class OVRecordedChunk {
   [[nodiscard]] std::vector<std::byte> fft_data() const;
 
  private:
-  // Guarded by mutex_.
-  mutable std::mutex mutex_;
-  std::vector<std::byte> fft_data_;
-  std::size_t fft_data_p_ = 0;  // offset of the next quarter in fft_data_, always inside or 0
-  std::uint32_t fft_data_p_size_ = 0;
+  mutable platform::Mutex mutex_;
+  std::vector<std::byte> fft_data_ GUARDED_BY(mutex_);
+  // Offset of the next quarter in fft_data_, always inside or 0.
+  std::size_t fft_data_p_ GUARDED_BY(mutex_) = 0;
+  std::uint32_t fft_data_p_size_ GUARDED_BY(mutex_) = 0;
 
   // Main thread only.
   std::vector<std::byte> quarter_;

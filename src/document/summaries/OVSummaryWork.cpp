@@ -7,12 +7,12 @@
 #include "waveform/OVWaveformSummary.h"
 
 std::uint64_t OVSummaryWork::epoch() const {
-  const std::lock_guard lock(mutex_);
+  const platform::MutexLock lock(mutex_);
   return epoch_;
 }
 
 void OVSummaryWork::beginEpoch() {
-  const std::lock_guard lock(mutex_);
+  const platform::MutexLock lock(mutex_);
   ++epoch_;
 }
 
@@ -36,12 +36,12 @@ bool OVSummaryWork::generate(OVWaveformSummary& summary, std::uint64_t epoch) {
 }
 
 bool OVSummaryWork::isGenerating(const OVWaveformSummary& summary) const {
-  const std::lock_guard lock(mutex_);
+  const platform::MutexLock lock(mutex_);
   return std::find(underWay_.begin(), underWay_.end(), &summary) != underWay_.end();
 }
 
 bool OVSummaryWork::begin(const OVWaveformSummary& summary, std::uint64_t epoch) {
-  const std::lock_guard lock(mutex_);
+  const platform::MutexLock lock(mutex_);
   if (cancelled_ || epoch != epoch_) {
     return false;
   }
@@ -50,7 +50,7 @@ bool OVSummaryWork::begin(const OVWaveformSummary& summary, std::uint64_t epoch)
 }
 
 bool OVSummaryWork::end(const OVWaveformSummary& summary, std::uint64_t epoch) {
-  const std::lock_guard lock(mutex_);
+  const platform::MutexLock lock(mutex_);
   underWay_.erase(std::find(underWay_.begin(), underWay_.end(), &summary));
   return !cancelled_ && epoch == epoch_;
 }

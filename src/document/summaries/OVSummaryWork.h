@@ -2,8 +2,9 @@
 
 #include <atomic>
 #include <cstdint>
-#include <mutex>
 #include <vector>
+
+#include "platform/base/Mutex.h"
 
 class OVWaveformSummary;
 
@@ -40,7 +41,7 @@ class OVSummaryWork {
 
   std::atomic<bool> cancelled_ = false;  // only ever becomes true, by any thread
 
-  mutable std::mutex mutex_;  // guards everything below; never held during a generation
-  std::uint64_t epoch_ = 0;
-  std::vector<const OVWaveformSummary*> underWay_;  // one entry a generation
+  mutable platform::Mutex mutex_;  // never held during a generation
+  std::uint64_t epoch_ GUARDED_BY(mutex_) = 0;
+  std::vector<const OVWaveformSummary*> underWay_ GUARDED_BY(mutex_);  // one entry a generation
 };

@@ -1,33 +1,33 @@
 #include "platform/base/GlobalQueue.h"
 
 #include <chrono>
-#include <condition_variable>
 #include <deque>
-#include <mutex>
 #include <system_error>
+#include <thread>
 
-#include "platform/base/ThreadStart.h"
+#include "platform/base/Mutex.h"
 
 namespace platform {
 namespace {
 
+using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds kIdleThreadLife{5};
 
 }  // namespace
 
 struct GlobalQueue::State {
-  std::mutex mutex;
-  std::condition_variable workCame;
-  std::condition_variable workDone;
-  std::deque<std::function<void()>> blocks;  // guarded by mutex
-  std::size_t threads = 0;                   // guarded by mutex
-  std::size_t idle = 0;                      // guarded by mutex
+  Mutex mutex;
+  Condition workCame;
+  Condition workDone;
+  std::deque<std::function<void()>> blocks GUARDED_BY(mutex);
+  std::size_t threads GUARDED_BY(mutex) = 0;
+  std::size_t idle GUARDED_BY(mutex) = 0;
 
-  // With the mutex held. False when the system gives no thread: those that are there do the work.
-  bool addThread() {
+  // False when the system gives no thread: those that are there do the work.
+  bool addThread() REQUIRES(mutex) {
     ++threads;
     try {
-      startThread([this] { work(); });
+      std::thread([this] { work(); }).detach();
       return true;
     } catch (const std::system_error&) {
       --threads;
@@ -37,25 +37,31 @@ struct GlobalQueue::State {
 
   // False when nothing came for a while. The last thread stays: it does the work when the system
   // has no thread to give.
-  bool waitForWork(std::unique_lock<std::mutex>& lock) {
-    while (!workCame.wait_for(lock, kIdleThreadLife, [&] { return !blocks.empty(); })) {
-      if (threads > 1) {
-        return false;
+  bool waitForWork() REQUIRES(mutex) {
+    auto deadline = Clock::now() + kIdleThreadLife;
+    while (blocks.empty()) {
+      if (!workCame.waitUntil(mutex, deadline) && blocks.empty()) {
+        if (threads > 1) {
+          return false;
+        }
+        deadline += kIdleThreadLife;
       }
     }
     return true;
   }
 
-  void work() {
-    std::unique_lock lock(mutex);
+  bool isIdle() const REQUIRES(mutex) { return blocks.empty() && idle == threads; }
+
+  void work() EXCLUDES(mutex) {
+    MutexLock lock(mutex);
     for (;;) {
       ++idle;
-      workDone.notify_all();
-      const bool isNeeded = waitForWork(lock);
+      workDone.notifyAll();
+      const bool isNeeded = waitForWork();
       --idle;
       if (!isNeeded) {
         --threads;
-        workDone.notify_all();
+        workDone.notifyAll();
         return;
       }
       auto block = std::move(blocks.front());
@@ -71,19 +77,24 @@ struct GlobalQueue::State {
 GlobalQueue::GlobalQueue() : state_(new State) {}
 
 void GlobalQueue::async(std::function<void()> block) {
-  const std::lock_guard lock(state_->mutex);
+  const MutexLock lock(state_->mutex);
   state_->blocks.push_back(std::move(block));
   const bool oneMore = state_->idle < state_->blocks.size() && state_->threads < kMaximumThreads;
   if (!oneMore || !state_->addThread()) {
-    state_->workCame.notify_one();
+    state_->workCame.notifyOne();
   }
 }
 
 bool GlobalQueue::waitUntilIdle(double seconds) {
-  std::unique_lock lock(state_->mutex);
-  return state_->workDone.wait_for(lock, std::chrono::duration<double>(seconds), [&] {
-    return state_->blocks.empty() && state_->idle == state_->threads;
-  });
+  const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                           std::chrono::duration<double>(seconds));
+  const MutexLock lock(state_->mutex);
+  while (!state_->isIdle()) {
+    if (!state_->workDone.waitUntil(state_->mutex, deadline)) {
+      return state_->isIdle();
+    }
+  }
+  return true;
 }
 
 GlobalQueue& globalQueue() {

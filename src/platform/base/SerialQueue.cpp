@@ -1,13 +1,12 @@
 #include "platform/base/SerialQueue.h"
 
-#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <mutex>
 #include <thread>
 
 #include "platform/base/GlobalQueue.h"
+#include "platform/base/Mutex.h"
 
 namespace platform {
 namespace {
@@ -27,25 +26,25 @@ struct Item {
 
 // The right to run is handed from one holder to the next: a draining thread or a caller of sync().
 struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
-  std::mutex mutex;
-  std::condition_variable turnGiven;
-  std::deque<Item> line;   // guarded by mutex
-  bool busy = false;       // guarded by mutex: someone holds the right to run
-  std::thread::id holder;  // guarded by mutex: the thread inside a block
+  Mutex mutex;
+  Condition turnGiven;
+  std::deque<Item> line GUARDED_BY(mutex);
+  bool busy GUARDED_BY(mutex) = false;       // someone holds the right to run
+  std::thread::id holder GUARDED_BY(mutex);  // the thread inside a block
 
   void submitDrain() {
     globalQueue().async([state = shared_from_this()] { state->drain(); });
   }
 
   // Runs blocks until the line is empty or a waiting caller takes over.
-  void drain() {
-    std::unique_lock lock(mutex);
+  void drain() EXCLUDES(mutex) {
+    MutexLock lock(mutex);
     while (!line.empty()) {
       Item item = std::move(line.front());
       line.pop_front();
       if (item.ticket != nullptr) {
         item.ticket->turn = true;
-        turnGiven.notify_all();
+        turnGiven.notifyAll();
         return;
       }
       holder = std::this_thread::get_id();
@@ -58,8 +57,8 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     busy = false;
   }
 
-  void enter() {
-    std::unique_lock lock(mutex);
+  void enter() EXCLUDES(mutex) {
+    const MutexLock lock(mutex);
     if (holder == std::this_thread::get_id()) {
       std::fputs("sync on a serial queue from inside one of its blocks\n", stderr);
       std::abort();
@@ -67,21 +66,23 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     if (busy) {
       Ticket ticket;
       line.push_back({nullptr, &ticket});
-      turnGiven.wait(lock, [&] { return ticket.turn; });
+      while (!ticket.turn) {
+        turnGiven.wait(mutex);
+      }
     }
     busy = true;
     holder = std::this_thread::get_id();
   }
 
-  void leave() {
-    const std::lock_guard lock(mutex);
+  void leave() EXCLUDES(mutex) {
+    const MutexLock lock(mutex);
     holder = {};
     if (line.empty()) {
       busy = false;
     } else if (line.front().ticket != nullptr) {
       line.front().ticket->turn = true;
       line.pop_front();
-      turnGiven.notify_all();
+      turnGiven.notifyAll();
     } else {
       submitDrain();
     }
@@ -94,7 +95,7 @@ SerialQueue::SerialQueue(std::string label)
 SerialQueue::~SerialQueue() = default;
 
 void SerialQueue::async(std::function<void()> block) {
-  const std::lock_guard lock(state_->mutex);
+  const MutexLock lock(state_->mutex);
   state_->line.push_back({std::move(block), nullptr});
   if (!state_->busy) {
     state_->busy = true;

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/base/MainThread.h"
+
 namespace platform {
 
 void UndoManager::setLevelsOfUndo(std::size_t levels) {
@@ -12,6 +14,7 @@ void UndoManager::setLevelsOfUndo(std::size_t levels) {
 }
 
 void UndoManager::registerUndo(std::weak_ptr<void> target, std::function<void()> operation) {
+  assertMainThread();
   if (mode_ == Mode::normal) {
     redoStack_.clear();
     runningName_.clear();
@@ -23,6 +26,7 @@ void UndoManager::registerUndo(std::weak_ptr<void> target, std::function<void()>
 }
 
 void UndoManager::setActionName(std::string name) {
+  assertMainThread();
   Stack& stack = registrationStack();
   if (!stack.empty()) {
     stack.back().name = std::move(name);
@@ -31,9 +35,11 @@ void UndoManager::setActionName(std::string name) {
 }
 
 void UndoManager::undo() {
+  assertMainThread();
   run(undoStack_, Mode::undoing);
 }
 void UndoManager::redo() {
+  assertMainThread();
   run(redoStack_, Mode::redoing);
 }
 
@@ -45,11 +51,19 @@ std::string UndoManager::redoActionName() const {
   return redoStack_.empty() ? std::string() : redoStack_.back().name;
 }
 
-void UndoManager::discardLastUndo() {
-  if (!undoStack_.empty()) {
-    undoStack_.pop_back();
-    tellChange();
-  }
+UndoManager::Sides UndoManager::sides() const {
+  assertMainThread();
+  Sides sides;
+  sides.undo_ = undoStack_;
+  sides.redo_ = redoStack_;
+  return sides;
+}
+
+void UndoManager::setSides(Sides sides) {
+  assertMainThread();
+  undoStack_ = std::move(sides.undo_);
+  redoStack_ = std::move(sides.redo_);
+  tellChange();
 }
 
 UndoManager::Stack& UndoManager::registrationStack() {

@@ -7,13 +7,12 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "platform/base/MainThread.h"
 #include "platform/desktop/SavePanel.h"
 #include "platform/mainloop/Localization.h"
 
 namespace platform {
 namespace {
-
-constexpr int kNoAnswer = -1;  // closed without a button: as the one that rejects
 
 QString nameFilter(const std::vector<std::string>& fileTypes) {
   QStringList patterns;
@@ -47,6 +46,7 @@ QMessageBox::ButtonRole roleOf(SheetRequest::Button::Role role) {
 }  // namespace
 
 void QtFileDialogs::beginOpenPanel(const OpenPanelRequest& request, OpenAnswer answer) {
+  assertMainThread();
   auto* const panel = new QFileDialog(request.window, request.title);
   panel->setObjectName("openPanel");
   panel->setAttribute(Qt::WA_DeleteOnClose);
@@ -66,6 +66,7 @@ void QtFileDialogs::beginOpenPanel(const OpenPanelRequest& request, OpenAnswer a
 }
 
 void QtFileDialogs::beginSavePanel(const SavePanelRequest& request, SaveAnswer answer) {
+  assertMainThread();
   auto* const panel = new SavePanel(request);
   QObject::connect(panel, &QDialog::finished, panel,
                    [panel, answer = std::move(answer)](int result) {
@@ -76,6 +77,7 @@ void QtFileDialogs::beginSavePanel(const SavePanelRequest& request, SaveAnswer a
 }
 
 void QtFileDialogs::beginSheet(const SheetRequest& request, SheetAnswer answer) {
+  assertMainThread();
   auto* const sheet = new QMessageBox(request.window);
   sheet->setObjectName("sheet");
   sheet->setAttribute(Qt::WA_DeleteOnClose);
@@ -102,27 +104,6 @@ void QtFileDialogs::beginSheet(const SheetRequest& request, SheetAnswer answer) 
     answer(clicked == nullptr ? kNoAnswer : clicked->property("returnCode").toInt());
   });
   sheet->open();
-}
-
-namespace {
-
-FileDialogs*& installed() {
-  static QtFileDialogs real;
-  static FileDialogs* fileDialogs = &real;
-  return fileDialogs;
-}
-
-}  // namespace
-
-FileDialogs& fileDialogs() {
-  return *installed();
-}
-
-FileDialogsInstallation::FileDialogsInstallation(FileDialogs& fileDialogs)
-    : previous_(std::exchange(installed(), &fileDialogs)) {}
-
-FileDialogsInstallation::~FileDialogsInstallation() {
-  installed() = previous_;
 }
 
 }  // namespace platform

@@ -1,35 +1,33 @@
-#include <condition_variable>
 #include <deque>
-#include <mutex>
 #include <optional>
-#include <thread>
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
+
+#include "platform/base/Mutex.h"
 
 #include "platform/mainloop/MainQueue.h"
 
 namespace platform {
 namespace {
 
-// Static initialisation runs on the main thread.
-const std::thread::id kMainThread = std::this_thread::get_id();
-
 // The fate of a block that another thread waits for.
 struct Waiting {
-  std::mutex mutex;
-  std::condition_variable finished;
-  bool done = false;  // guarded by mutex: run or dropped
+  Mutex mutex;
+  Condition finished;
+  bool done GUARDED_BY(mutex) = false;  // run or dropped
 
   void finish() {
-    const std::lock_guard lock(mutex);
+    const MutexLock lock(mutex);
     done = true;
-    finished.notify_all();
+    finished.notifyAll();
   }
   void wait() {
-    std::unique_lock lock(mutex);
-    finished.wait(lock, [this] { return done; });
+    const MutexLock lock(mutex);
+    while (!done) {
+      finished.wait(mutex);
+    }
   }
 };
 
@@ -43,18 +41,18 @@ struct Item {
 // The blocks cross under our own mutex; Qt is only woken. So the thread checker sees every
 // hand-over, though the system's Qt is not built for it.
 struct MainQueue::State : QObject {
-  std::mutex mutex;
-  std::deque<Item> items;   // guarded by mutex
-  bool wakePosted = false;  // guarded by mutex: an event is on its way
-  bool closed = false;      // guarded by mutex
+  Mutex mutex;
+  std::deque<Item> items GUARDED_BY(mutex);
+  bool wakePosted GUARDED_BY(mutex) = false;  // an event is on its way
+  bool closed GUARDED_BY(mutex) = false;
 
   static QEvent::Type wakeType() {
     static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
     return type;
   }
 
-  // With the mutex held, so that the event's memory is ordered before its deletion.
-  void wake() {
+  // With the lock, so that the event's memory is ordered before its deletion.
+  void wake() REQUIRES(mutex) {
     if (!wakePosted && QCoreApplication::instance() != nullptr) {
       wakePosted = true;
       QCoreApplication::postEvent(this, new QEvent(wakeType()));
@@ -62,7 +60,7 @@ struct MainQueue::State : QObject {
   }
 
   bool submit(Item item) {
-    const std::lock_guard lock(mutex);
+    const MutexLock lock(mutex);
     if (closed) {
       return false;
     }
@@ -72,7 +70,7 @@ struct MainQueue::State : QObject {
   }
 
   std::optional<Item> next() {
-    const std::lock_guard lock(mutex);
+    const MutexLock lock(mutex);
     wakePosted = false;
     if (items.empty()) {
       return std::nullopt;
@@ -87,7 +85,7 @@ struct MainQueue::State : QObject {
 
   bool event(QEvent* event) override {
     {
-      const std::lock_guard lock(mutex);  // orders the event's making before its reading
+      const MutexLock lock(mutex);  // orders the event's making before its reading
     }
     if (event->type() != wakeType()) {
       return QObject::event(event);
@@ -120,9 +118,10 @@ void MainQueue::sync(const std::function<void()>& block) {
 }
 
 void MainQueue::shutDown() {
+  assertMainThread();
   std::deque<Item> dropped;
   {
-    const std::lock_guard lock(state_->mutex);
+    const MutexLock lock(state_->mutex);
     state_->closed = true;
     dropped.swap(state_->items);
   }
@@ -144,9 +143,5 @@ namespace {
 [[maybe_unused]] const MainQueue& kMadeAtStart = mainQueue();
 
 }  // namespace
-
-bool isMainThread() {
-  return std::this_thread::get_id() == kMainThread;
-}
 
 }  // namespace platform

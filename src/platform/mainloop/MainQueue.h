@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "platform/base/GlobalQueue.h"
+#include "platform/base/MainThread.h"
 #include "platform/base/SerialQueue.h"
 
 /// Dispatch queues: where a block of work runs, and after what. The serial and the global queue
@@ -36,8 +37,5 @@ class MainQueue {
 };
 
 MainQueue& mainQueue();
-
-/// Whether this is the thread that runs main().
-[[nodiscard]] bool isMainThread();
 
 }  // namespace platform

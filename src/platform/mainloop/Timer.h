@@ -14,6 +14,7 @@ class Timer {
  public:
   /// Calls `tick` every `intervalInSeconds`, rounded to milliseconds, at least 1.
   Timer(double intervalInSeconds, std::function<void()> tick);
+  ~Timer();
   Timer(const Timer&) = delete;
   Timer& operator=(const Timer&) = delete;
 

@@ -71,11 +71,11 @@ ExtAudioFileOutput::~ExtAudioFileOutput() {
 
 AudioStatus ExtAudioFileOutput::start(const std::string& path) {
   const MediaLibraryLog::Scope scope(log_);
-  auto created = audioFileStorage().createForWriting(path);
-  if (created.file == nullptr) {
-    return keep(AVERROR(created.error));
+  auto created = userAudioFiles()->createForWriting(path);
+  if (!created) {
+    return keep(AVERROR(created.error()));
   }
-  file_ = std::move(created.file);
+  file_ = *std::move(created);
   io_ = AudioFileIo::forWriting(*file_);
   packet_.reset(av_packet_alloc());
   if (io_ == nullptr || packet_ == nullptr) {

@@ -2,9 +2,9 @@
 
 #include <future>
 #include <memory>
-#include <mutex>
 #include <optional>
 
+#include "platform/base/Mutex.h"
 #include "platform/sound/AudioClock.h"
 #include "platform/sound/AudioDevice.h"
 #include "platform/sound/AudioQueue.h"
@@ -40,13 +40,11 @@ class DeviceAudioQueues final : public AudioQueues {
   void prepareInput(std::future<void> start = {});
 
   [[nodiscard]] AudioStatus completeFormat(AudioStreamBasicDescription& format) const override;
-  [[nodiscard]] AudioStatus newInput(const AudioStreamBasicDescription& format,
-                                     AudioInputQueue::Callback callback,
-                                     AudioInputQueue::FailureListener failed,
-                                     std::unique_ptr<AudioInputQueue>& queue) override;
-  [[nodiscard]] AudioStatus newOutput(const AudioStreamBasicDescription& format,
-                                      AudioOutputQueue::Callback callback,
-                                      std::unique_ptr<AudioOutputQueue>& queue) override;
+  [[nodiscard]] NewInput newInput(const AudioStreamBasicDescription& format,
+                                  AudioInputQueue::Callback callback,
+                                  AudioInputQueue::FailureListener failed) override;
+  [[nodiscard]] NewOutput newOutput(const AudioStreamBasicDescription& format,
+                                    AudioOutputQueue::Callback callback) override;
   [[nodiscard]] bool claimInputFailureAlert() override;
   [[nodiscard]] bool claimDeviceLossAlert() override;
 
@@ -57,9 +55,8 @@ class DeviceAudioQueues final : public AudioQueues {
   const std::shared_ptr<SharedInput> input_;
   const std::shared_ptr<RecentFailure> outputFailure_;
 
-  std::mutex mutex_;
-  // guarded by mutex_
-  std::optional<AudioClock::TimePoint> lossToldAt_;
+  Mutex mutex_;
+  std::optional<AudioClock::TimePoint> lossToldAt_ GUARDED_BY(mutex_);
 };
 
 }  // namespace platform

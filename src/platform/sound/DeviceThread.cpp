@@ -11,7 +11,7 @@ void DeviceTasks::Signal::raise() noexcept {
 
 void DeviceTasks::post(Task task) {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (ending_) {
       return;
     }
@@ -24,7 +24,7 @@ void DeviceTasks::postAfter(std::chrono::nanoseconds delay, Task task) {
   const auto due =
       clock_->now() + std::chrono::duration_cast<AudioClock::TimePoint::duration>(delay);
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (ending_) {
       return;
     }
@@ -34,13 +34,13 @@ void DeviceTasks::postAfter(std::chrono::nanoseconds delay, Task task) {
 }
 
 void DeviceTasks::postAtEnd(Task task) {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   atEnd_.push_back(std::move(task));
 }
 
 std::shared_ptr<DeviceTasks::Signal> DeviceTasks::makeSignal(Task task) {
   auto signal = std::make_shared<Signal>(*this, std::move(task));
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   std::erase_if(signals_, [](const auto& other) { return other.expired(); });
   signals_.push_back(signal);
   return signal;
@@ -49,7 +49,7 @@ std::shared_ptr<DeviceTasks::Signal> DeviceTasks::makeSignal(Task task) {
 void DeviceTasks::runSignals(AudioDevice& device) {
   std::vector<std::shared_ptr<Signal>> raised;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     for (const auto& weak : signals_) {
       auto signal = weak.lock();
       if (signal && signal->raised_.exchange(false, std::memory_order_acquire)) {
@@ -63,7 +63,7 @@ void DeviceTasks::runSignals(AudioDevice& device) {
 }
 
 bool DeviceTasks::take(Task& task, AudioClock::TimePoint& wakeAt) {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   const auto first = delayed_.begin();
   if (first != delayed_.end() && first->first <= clock_->now()) {
     task = std::move(first->second);
@@ -89,7 +89,7 @@ void DeviceTasks::run(std::shared_ptr<AudioDevice> device) {
       continue;
     }
     {
-      const std::lock_guard lock(mutex_);
+      const MutexLock lock(mutex_);
       if (ending_ && ready_.empty()) {
         break;
       }
@@ -111,7 +111,7 @@ void DeviceTasks::finish(AudioDevice& device) {
   decltype(delayed_) dropped;
   decltype(atEnd_) last;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     dropped.swap(delayed_);
     last.swap(atEnd_);
   }
@@ -128,7 +128,7 @@ DeviceThread::DeviceThread(std::shared_ptr<AudioDevice> device, std::shared_ptr<
 
 DeviceThread::~DeviceThread() {
   {
-    const std::lock_guard lock(control_->mutex_);
+    const MutexLock lock(control_->mutex_);
     control_->ending_ = true;
   }
   control_->wake_.post();

@@ -6,11 +6,11 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "platform/base/Mutex.h"
 #include "platform/sound/AudioClock.h"
 #include "platform/sound/AudioDevice.h"
 #include "platform/sound/realtime/Semaphore.h"
@@ -65,11 +65,11 @@ class DeviceTasks {
   friend class DeviceThread;
 
   void run(std::shared_ptr<AudioDevice> device);
-  void runSignals(AudioDevice& device);
+  void runSignals(AudioDevice& device) EXCLUDES(mutex_);
   /// Takes the next task that is due; false when there is none. `wakeAt` is then the time of the
   /// next delayed one, TimePoint::max() for none.
-  [[nodiscard]] bool take(Task& task, AudioClock::TimePoint& wakeAt);
-  void finish(AudioDevice& device);
+  [[nodiscard]] bool take(Task& task, AudioClock::TimePoint& wakeAt) EXCLUDES(mutex_);
+  void finish(AudioDevice& device) EXCLUDES(mutex_);
 
   // Fixed after construction.
   const std::shared_ptr<AudioClock> clock_;
@@ -77,13 +77,12 @@ class DeviceTasks {
   Semaphore wake_;
   Semaphore ended_;  // posted once, when run() is done
 
-  std::mutex mutex_;
-  // guarded by mutex_
-  std::deque<Task> ready_;
-  std::multimap<AudioClock::TimePoint, Task> delayed_;
-  std::vector<Task> atEnd_;
-  std::vector<std::weak_ptr<Signal>> signals_;
-  bool ending_ = false;
+  Mutex mutex_;
+  std::deque<Task> ready_ GUARDED_BY(mutex_);
+  std::multimap<AudioClock::TimePoint, Task> delayed_ GUARDED_BY(mutex_);
+  std::vector<Task> atEnd_ GUARDED_BY(mutex_);
+  std::vector<std::weak_ptr<Signal>> signals_ GUARDED_BY(mutex_);
+  bool ending_ GUARDED_BY(mutex_) = false;
 };
 
 /// Owns the one thread that makes every call of an AudioDevice. Such a call may hang for minutes;

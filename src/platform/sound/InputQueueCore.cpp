@@ -16,21 +16,20 @@ InputQueueCore::InputQueueCore(AudioInputQueue& owner, AudioInputQueue::Callback
       callback_(std::move(callback)),
       failed_(std::move(failed)) {}
 
-AudioStatus InputQueueCore::allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) {
-  const std::lock_guard lock(mutex_);
+Result<AudioQueueBuffer*, AudioStatus> InputQueueCore::allocate(std::uint32_t byteCapacity) {
+  const MutexLock lock(mutex_);
   if (state_ != State::kCreated) {
     return kInvalidQueueStateStatus;
   }
-  if (byteCapacity / kWorkingFormat.mBytesPerFrame > kInputRingFrames / 2) {
-    buffer = nullptr;
+  if (byteCapacity / kWorkingFrameBytes > kInputRingFrames / 2) {
     return kInvalidParameterStatus;
   }
-  return buffers_.allocate(byteCapacity, buffer);
+  return buffers_.allocate(byteCapacity);
 }
 
 AudioStatus InputQueueCore::enqueue(AudioQueueBuffer* buffer) {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ == State::kStopped) {
       return kInvalidQueueStateStatus;
     }
@@ -45,7 +44,7 @@ AudioStatus InputQueueCore::enqueue(AudioQueueBuffer* buffer) {
 }
 
 AudioStatus InputQueueCore::start() {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   if (state_ == State::kStopped) {
     return kInvalidQueueStateStatus;
   }
@@ -73,12 +72,12 @@ AudioStatus InputQueueCore::start() {
 
 void InputQueueCore::stop() {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     state_ = State::kStopped;
   }
   input_->fanOut().remove(*this);
   input_->release(*this);
-  progress_.notify_all();
+  progress_.notifyAll();
   thread_.end();
   if (!thread_.isCurrent()) {
     tellLossAtTheEnd();
@@ -93,18 +92,18 @@ void InputQueueCore::dispose() {
   // Let go outside the lock: they may hold the last reference to the owner of this queue.
   const auto callback = std::exchange(callback_, nullptr);
   const auto failed = std::exchange(failed_, nullptr);
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   enqueued_.clear();
   buffers_.clear();
 }
 
 std::uint64_t InputQueueCore::capturedFrames() const {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   return ring_ ? ring_->publishedEndFrame() : 0;
 }
 
 std::uint64_t InputQueueCore::lostFrames() const {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   return ring_ ? ring_->lostFrames() : 0;
 }
 
@@ -123,8 +122,10 @@ void InputQueueCore::waitUntilDelivered(std::uint64_t frame) {
   if (thread_.isCurrent()) {
     return;  // would wait for itself
   }
-  std::unique_lock lock(mutex_);
-  progress_.wait(lock, [&] { return isDelivered(frame); });
+  const MutexLock lock(mutex_);
+  while (!isDelivered(frame)) {
+    progress_.wait(mutex_);
+  }
 }
 
 void InputQueueCore::captured(const float* samples, std::uint32_t frames) noexcept {
@@ -135,7 +136,7 @@ void InputQueueCore::captured(const float* samples, std::uint32_t frames) noexce
 
 void InputQueueCore::inputFailed(AudioStatus status) {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (failure_ != kAudioStatusOk) {
       return;
     }
@@ -144,7 +145,7 @@ void InputQueueCore::inputFailed(AudioStatus status) {
   input_->fanOut().remove(*this);
   {
     // The real-time thread is out of here: what it left unfinished is the last of the capture.
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (producer_) {
       producer_->finish();
     }
@@ -170,7 +171,7 @@ bool InputQueueCore::deliverOne() {
   AudioQueueBuffer* buffer = nullptr;
   std::uint64_t lost = 0;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (!canDeliver()) {
       return false;
     }
@@ -186,20 +187,20 @@ bool InputQueueCore::deliverOne() {
   }
   tellLoss(lost);
   levels_.measure(reinterpret_cast<const float*>(buffer->mAudioData),
-                  buffer->mAudioDataByteSize / kWorkingFormat.mBytesPerFrame);
+                  buffer->mAudioDataByteSize / kWorkingFrameBytes);
   if (callback_) {
     callback_(owner_, *buffer);
   }
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     inCallback_.reset();
   }
-  progress_.notify_all();
+  progress_.notifyAll();
   return true;
 }
 
 void InputQueueCore::fill(AudioQueueBuffer& buffer) {
-  const std::uint32_t bytes = consumer_->front()->frames() * kWorkingFormat.mBytesPerFrame;
+  const std::uint32_t bytes = consumer_->front()->frames() * kWorkingFrameBytes;
   std::memcpy(buffer.mAudioData, consumer_->frontSamples(), bytes);
   buffer.mAudioDataByteSize = bytes;
   buffer.mPacketDescriptionCount = 0;
@@ -224,7 +225,7 @@ void InputQueueCore::tellLossAtTheEnd() {
   tellLossInSystem();
   std::uint64_t untold = 0;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (ring_) {
       untold = ring_->lostFrames() - lossTold_;
       lossTold_ += untold;
@@ -236,7 +237,7 @@ void InputQueueCore::tellLossAtTheEnd() {
 void InputQueueCore::tellFailure() {
   AudioStatus status = kAudioStatusOk;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     // What came after the last look at the ring goes first; its wake-up is under way.
     if (!captureEnded_ || canDeliver() || std::exchange(failureTold_, true)) {
       return;

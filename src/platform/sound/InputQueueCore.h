@@ -1,12 +1,11 @@
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <optional>
 
+#include "platform/base/Mutex.h"
 #include "platform/sound/AudioQueue.h"
 #include "platform/sound/LevelMeter.h"
 #include "platform/sound/QueueBuffers.h"
@@ -31,7 +30,7 @@ class InputQueueCore final : public InputSink,
   /// Makes the device available; see SharedInput::acquire().
   [[nodiscard]] AudioStatus acquireDevice() { return input_->acquire(shared_from_this()); }
 
-  [[nodiscard]] AudioStatus allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer);
+  [[nodiscard]] Result<AudioQueueBuffer*, AudioStatus> allocate(std::uint32_t byteCapacity);
   [[nodiscard]] AudioStatus enqueue(AudioQueueBuffer* buffer);
   [[nodiscard]] AudioStatus start();
   void stop();
@@ -48,18 +47,17 @@ class InputQueueCore final : public InputSink,
   enum class State { kCreated, kRunning, kStopped };
 
   // On the queue's thread.
-  void serve();
-  [[nodiscard]] bool deliverOne();
-  void fill(AudioQueueBuffer& buffer);
+  void serve() EXCLUDES(mutex_);
+  [[nodiscard]] bool deliverOne() EXCLUDES(mutex_);
+  void fill(AudioQueueBuffer& buffer) REQUIRES(mutex_);
   void tellLoss(std::uint64_t frames);
-  void tellFailure();
+  void tellFailure() EXCLUDES(mutex_);
 
-  // With mutex_ held.
-  [[nodiscard]] bool isDelivered(std::uint64_t frame) const;
-  [[nodiscard]] bool canDeliver() const;
+  [[nodiscard]] bool isDelivered(std::uint64_t frame) const REQUIRES(mutex_);
+  [[nodiscard]] bool canDeliver() const REQUIRES(mutex_);
 
   void tellLossInSystem();
-  void tellLossAtTheEnd();
+  void tellLossAtTheEnd() EXCLUDES(mutex_);
 
   // Fixed after construction.
   AudioInputQueue& owner_;
@@ -76,18 +74,19 @@ class InputQueueCore final : public InputSink,
   // Real-time thread only; once that has left for good, inputFailed() under mutex_.
   std::optional<InputRingProducer> producer_;
 
-  mutable std::mutex mutex_;
-  std::condition_variable progress_;  // something that isDelivered() looks at has changed
-  // guarded by mutex_
-  State state_ = State::kCreated;
-  QueueBuffers buffers_;
-  std::deque<AudioQueueBuffer*> enqueued_;
-  std::optional<InputRingConsumer> consumer_;
-  std::optional<std::uint64_t> inCallback_;  // endFrame of the buffer that the callback has
-  AudioStatus failure_ = kAudioStatusOk;
-  bool captureEnded_ = false;  // by the failure: the last frames are in the ring
-  bool failureTold_ = false;
-  std::uint64_t lossTold_ = 0;  // frames
+  mutable Mutex mutex_;
+  Condition progress_;  // something that isDelivered() looks at has changed
+  State state_ GUARDED_BY(mutex_) = State::kCreated;
+  QueueBuffers buffers_ GUARDED_BY(mutex_);
+  std::deque<AudioQueueBuffer*> enqueued_ GUARDED_BY(mutex_);
+  std::optional<InputRingConsumer> consumer_ GUARDED_BY(mutex_);
+  // endFrame of the buffer that the callback has
+  std::optional<std::uint64_t> inCallback_ GUARDED_BY(mutex_);
+  AudioStatus failure_ GUARDED_BY(mutex_) = kAudioStatusOk;
+  // by the failure: the last frames are in the ring
+  bool captureEnded_ GUARDED_BY(mutex_) = false;
+  bool failureTold_ GUARDED_BY(mutex_) = false;
+  std::uint64_t lossTold_ GUARDED_BY(mutex_) = 0;  // frames
 };
 
 }  // namespace platform

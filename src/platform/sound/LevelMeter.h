@@ -3,9 +3,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 
 #include "platform/base/AudioTypes.h"
+#include "platform/base/Mutex.h"
 
 namespace platform {
 
@@ -15,8 +15,6 @@ namespace platform {
 /// Threads: any. Real-time: not safe.
 class LevelMeter {
  public:
-  static constexpr std::size_t kChannels = 2;
-
   /// Switching off clears the levels.
   void enable(bool enabled);
 
@@ -27,10 +25,9 @@ class LevelMeter {
   std::size_t read(AudioQueueLevelMeterState* levels, std::size_t capacity) const;
 
  private:
-  mutable std::mutex mutex_;
-  // guarded by mutex_
-  bool enabled_ = false;
-  std::array<AudioQueueLevelMeterState, kChannels> levels_{};
+  mutable Mutex mutex_;
+  bool enabled_ GUARDED_BY(mutex_) = false;
+  std::array<AudioQueueLevelMeterState, kWorkingChannels> levels_ GUARDED_BY(mutex_){};
 };
 
 }  // namespace platform

@@ -51,7 +51,7 @@ AudioStatus OutputQueueCore::ask(void (OutputQueueCore::*task)(TimedReply&)) {
       [self = shared_from_this(), task, answer](AudioDevice&) { ((*self).*task)(*answer); });
   AudioClock::TimePoint deadline = clock_->now() + kMaxWait;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (!openSettled_) {
       // Behind an opening that hangs: making and starting wait for 250 ms together.
       deadline = created_ + kMaxWait;
@@ -60,16 +60,16 @@ AudioStatus OutputQueueCore::ask(void (OutputQueueCore::*task)(TimedReply&)) {
   return answer->wait(*clock_, deadline).value_or(kAudioStatusOk);
 }
 
-AudioStatus OutputQueueCore::allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) {
-  const std::lock_guard lock(mutex_);
+Result<AudioQueueBuffer*, AudioStatus> OutputQueueCore::allocate(std::uint32_t byteCapacity) {
+  const MutexLock lock(mutex_);
   if (state_ == State::kStopped) {
     return kInvalidQueueStateStatus;
   }
-  return buffers_.allocate(byteCapacity, buffer);
+  return buffers_.allocate(byteCapacity);
 }
 
 AudioStatus OutputQueueCore::enqueue(AudioQueueBuffer* buffer) {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   if (state_ == State::kStopped || state_ == State::kEnded || draining_) {
     return kInvalidQueueStateStatus;
   }
@@ -82,7 +82,7 @@ AudioStatus OutputQueueCore::enqueue(AudioQueueBuffer* buffer) {
 
 AudioStatus OutputQueueCore::start() {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ == State::kStopped) {
       return kInvalidQueueStateStatus;
     }
@@ -108,7 +108,7 @@ AudioStatus OutputQueueCore::start() {
 
 AudioStatus OutputQueueCore::pause() {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ == State::kStopped) {
       return kInvalidQueueStateStatus;
     }
@@ -122,7 +122,7 @@ AudioStatus OutputQueueCore::pause() {
 
 AudioStatus OutputQueueCore::stopAfterQueued() {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ == State::kStopped) {
       return kInvalidQueueStateStatus;
     }
@@ -138,7 +138,7 @@ AudioStatus OutputQueueCore::stopAfterQueued() {
 void OutputQueueCore::stop() {
   bool first = false;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     first = state_ != State::kStopped;
     state_ = State::kStopped;
     running_ = false;
@@ -168,13 +168,13 @@ void OutputQueueCore::dispose() {
   // Let go outside the lock: they may hold the last reference to the owner of this queue.
   const auto callback = std::exchange(callback_, nullptr);
   AudioOutputQueue::RunningListener listener;
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   listener.swap(listener_);
   buffers_.clear();
 }
 
 AudioStatus OutputQueueCore::setRunningListener(AudioOutputQueue::RunningListener listener) {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   if (state_ != State::kCreated) {
     return kInvalidQueueStateStatus;
   }
@@ -186,12 +186,12 @@ bool OutputQueueCore::isRunning() const {
   if (thread_.isCurrent() && telling_) {
     return *telling_;
   }
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   return running_;
 }
 
 AudioStatus OutputQueueCore::failure() const {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   return failure_;
 }
 
@@ -212,29 +212,29 @@ void OutputQueueCore::deviceOutputFailed(AudioStatus status) noexcept {
 
 void OutputQueueCore::openStream(AudioDevice& device, TimedReply& answer) {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ == State::kStopped) {
       return;
     }
   }
-  AudioStatus status = kAudioStatusOk;
-  stream_ = device.openOutput(*this, status);
+  auto opened = device.openOutput(*this);
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     openSettled_ = true;
   }
-  if (stream_) {
+  if (opened) {
+    stream_ = *std::move(opened);
     known_->clear();
     answer.give(kAudioStatusOk);
   } else {
-    fail(status == kAudioStatusOk ? kDeviceUnavailableStatus : status, &answer);
+    fail(opened.error(), &answer);
   }
 }
 
 void OutputQueueCore::startStream(TimedReply& answer) {
   AudioStatus status = kAudioStatusOk;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ == State::kStopped || state_ == State::kPaused) {
       answer.give(kAudioStatusOk);
       return;
@@ -249,7 +249,7 @@ void OutputQueueCore::startStream(TimedReply& answer) {
     return;
   }
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ != State::kStopped && !running_) {
       running_ = true;
       changes_.push_back(true);
@@ -262,7 +262,7 @@ void OutputQueueCore::startStream(TimedReply& answer) {
 
 void OutputQueueCore::pauseStream(TimedReply& answer) {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ != State::kPaused) {
       answer.give(kAudioStatusOk);
       return;
@@ -278,7 +278,7 @@ void OutputQueueCore::pauseStream(TimedReply& answer) {
 
 void OutputQueueCore::watchDrain() {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ != State::kRunning || !running_ || !draining_) {
       return;
     }
@@ -302,7 +302,7 @@ void OutputQueueCore::watchDrain() {
 
 void OutputQueueCore::endDrained() {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ != State::kRunning) {
       return;  // paused or stopped meanwhile
     }
@@ -317,7 +317,7 @@ void OutputQueueCore::endDrained() {
 void OutputQueueCore::fail(AudioStatus status, TimedReply* answer) {
   known_->note(status, clock_->now());
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     const bool first = failure_ == kAudioStatusOk;
     if (first) {
       failure_ = status;
@@ -344,7 +344,7 @@ void OutputQueueCore::serve() {
   while (!thread_.isEnding()) {
     bool running = false;
     {
-      const std::lock_guard lock(mutex_);
+      const MutexLock lock(mutex_);
       if (changes_.empty()) {
         return;
       }
@@ -366,9 +366,9 @@ void OutputQueueCore::returnTaken() {
       return;
     }
     levels_.measure(reinterpret_cast<const float*>(buffer->mAudioData),
-                    buffer->mAudioDataByteSize / kWorkingFormat.mBytesPerFrame);
+                    buffer->mAudioDataByteSize / kWorkingFrameBytes);
     {
-      const std::lock_guard lock(mutex_);
+      const MutexLock lock(mutex_);
       buffers_.markReturned(buffer);
     }
     if (callback_) {

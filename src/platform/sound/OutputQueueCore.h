@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <optional>
 
+#include "platform/base/Mutex.h"
 #include "platform/sound/AudioQueue.h"
 #include "platform/sound/DeviceThread.h"
 #include "platform/sound/LevelMeter.h"
@@ -30,7 +30,7 @@ class OutputQueueCore final : public AudioOutputClient,
   static constexpr std::chrono::milliseconds kDrainLook{10};
   /// Frames of silence, given behind the last real frame, after which a drain ends whatever the
   /// position says: 2 s, for a device whose position stands still.
-  static constexpr std::uint64_t kMaxDrainFrames = 88200;
+  static constexpr std::uint64_t kMaxDrainFrames = 2 * kWorkingRate;
 
   static std::shared_ptr<OutputQueueCore> create(AudioOutputQueue& owner,
                                                  AudioOutputQueue::Callback callback,
@@ -41,7 +41,7 @@ class OutputQueueCore final : public AudioOutputClient,
   /// Opens the stream; waits at most kMaxWait, then says yes.
   [[nodiscard]] AudioStatus open();
 
-  [[nodiscard]] AudioStatus allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer);
+  [[nodiscard]] Result<AudioQueueBuffer*, AudioStatus> allocate(std::uint32_t byteCapacity);
   [[nodiscard]] AudioStatus enqueue(AudioQueueBuffer* buffer);
   [[nodiscard]] AudioStatus start();
   [[nodiscard]] AudioStatus pause();
@@ -72,13 +72,13 @@ class OutputQueueCore final : public AudioOutputClient,
   void openStream(AudioDevice& device, TimedReply& answer);
   void startStream(TimedReply& answer);
   void pauseStream(TimedReply& answer);
-  void watchDrain();
-  void endDrained();
-  void fail(AudioStatus status, TimedReply* answer);
+  void watchDrain() EXCLUDES(mutex_);
+  void endDrained() EXCLUDES(mutex_);
+  void fail(AudioStatus status, TimedReply* answer) EXCLUDES(mutex_);
 
   // On the queue's thread.
-  void serve();
-  void returnTaken();
+  void serve() EXCLUDES(mutex_);
+  void returnTaken() EXCLUDES(mutex_);
   void tell(bool running);
 
   // Fixed after construction.
@@ -103,17 +103,17 @@ class OutputQueueCore final : public AudioOutputClient,
 
   // Queue's thread only: what the listener that runs is being told.
   std::optional<bool> telling_;
-
-  mutable std::mutex mutex_;
-  // guarded by mutex_
-  State state_ = State::kCreated;
-  bool draining_ = false;
-  bool running_ = false;      // the running state as the device has it
-  bool openSettled_ = false;  // the opening has succeeded or failed
-  AudioStatus failure_ = kAudioStatusOk;
-  std::deque<bool> changes_;  // of the running state, still to be told
+  // Set while kCreated, before the queue's thread runs; let go by dispose(), after it.
   AudioOutputQueue::RunningListener listener_;
-  QueueBuffers buffers_;
+
+  mutable Mutex mutex_;
+  State state_ GUARDED_BY(mutex_) = State::kCreated;
+  bool draining_ GUARDED_BY(mutex_) = false;
+  bool running_ GUARDED_BY(mutex_) = false;      // the running state as the device has it
+  bool openSettled_ GUARDED_BY(mutex_) = false;  // the opening has succeeded or failed
+  AudioStatus failure_ GUARDED_BY(mutex_) = kAudioStatusOk;
+  std::deque<bool> changes_ GUARDED_BY(mutex_);  // of the running state, still to be told
+  QueueBuffers buffers_ GUARDED_BY(mutex_);
 };
 
 }  // namespace platform

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <chrono>
-#include <mutex>
 
 #include "platform/base/AudioTypes.h"
+#include "platform/base/Mutex.h"
 #include "platform/sound/AudioClock.h"
 
 namespace platform {
@@ -17,27 +17,26 @@ class RecentFailure {
   static constexpr std::chrono::seconds kMemory{1};
 
   void note(AudioStatus status, AudioClock::TimePoint now) {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     status_ = status;
     since_ = now;
   }
 
   void clear() {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     status_ = kAudioStatusOk;
   }
 
   /// The failure if it is known for less than a second at `now`, otherwise kAudioStatusOk.
   [[nodiscard]] AudioStatus recent(AudioClock::TimePoint now) const {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     return now - since_ < kMemory ? status_ : kAudioStatusOk;
   }
 
  private:
-  mutable std::mutex mutex_;
-  // guarded by mutex_
-  AudioStatus status_ = kAudioStatusOk;
-  AudioClock::TimePoint since_;
+  mutable Mutex mutex_;
+  AudioStatus status_ GUARDED_BY(mutex_) = kAudioStatusOk;
+  AudioClock::TimePoint since_ GUARDED_BY(mutex_);
 };
 
 }  // namespace platform

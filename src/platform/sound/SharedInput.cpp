@@ -24,7 +24,7 @@ AudioStatus SharedInput::acquire(const std::shared_ptr<InputSubscriber>& user) {
   auto question = std::make_shared<TimedReply>();
   AudioClock::TimePoint deadline;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ == State::kFailed) {
       const AudioStatus known = failure_.recent(clock_->now());
       if (known != kAudioStatusOk) {
@@ -50,7 +50,7 @@ AudioStatus SharedInput::acquire(const std::shared_ptr<InputSubscriber>& user) {
 
 void SharedInput::release(const InputSubscriber& user) {
   std::shared_ptr<InputSubscriber> released;  // may be the last reference: dropped outside the lock
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   const auto found = std::find_if(users_.begin(), users_.end(),
                                   [&](const auto& other) { return other.get() == &user; });
   if (found == users_.end()) {
@@ -64,7 +64,7 @@ void SharedInput::release(const InputSubscriber& user) {
 }
 
 void SharedInput::prepare() {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   if (state_ == State::kClosed || state_ == State::kFailed) {
     beginOpening();
     preparing_ = true;
@@ -72,7 +72,7 @@ void SharedInput::prepare() {
 }
 
 bool SharedInput::takeFailureReport() {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   return std::exchange(untold_, false);
 }
 
@@ -92,21 +92,20 @@ void SharedInput::scheduleClosing() {
 void SharedInput::open(AudioDevice& device) {
   detector_.reset();
   pendingFailure_.store(kAudioStatusOk);
-  AudioStatus status = kAudioStatusOk;
-  stream_ = device.openInput(*this, status);
-  if (stream_) {
-    settle(kAudioStatusOk);
+  auto opened = device.openInput(*this);
+  if (opened) {
+    stream_ = *std::move(opened);
   } else {
     pendingFailure_.store(kAudioStatusOk);
-    settle(status == kAudioStatusOk ? kDeviceUnavailableStatus : status);
   }
+  settle(opened.error());
 }
 
 void SharedInput::settle(AudioStatus status) {
   decltype(users_) failedUsers;
   decltype(questions_) questions;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     questions.swap(questions_);
     const bool failedBefore = std::exchange(failing_, status != kAudioStatusOk);
     if (failing_) {
@@ -141,7 +140,7 @@ void SharedInput::tearDownFailed() {
 
 void SharedInput::closeIfUnused() {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (state_ != State::kOpen || !users_.empty() || clock_->now() - unusedSince_ < kLinger) {
       return;
     }

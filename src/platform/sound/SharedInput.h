@@ -4,9 +4,9 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <vector>
 
+#include "platform/base/Mutex.h"
 #include "platform/sound/AudioDevice.h"
 #include "platform/sound/CaptureLossDetector.h"
 #include "platform/sound/DeviceThread.h"
@@ -70,15 +70,14 @@ class SharedInput final : public AudioInputClient,
 
   SharedInput(std::shared_ptr<DeviceTasks> control, std::shared_ptr<AudioClock> clock);
 
-  // With mutex_ held.
-  void beginOpening();
-  void scheduleClosing();
+  void beginOpening() REQUIRES(mutex_);
+  void scheduleClosing() REQUIRES(mutex_);
 
   // On the control thread.
   void open(AudioDevice& device);
-  void settle(AudioStatus status);
+  void settle(AudioStatus status) EXCLUDES(mutex_);
   void tearDownFailed();
-  void closeIfUnused();
+  void closeIfUnused() EXCLUDES(mutex_);
   void close();
 
   // Fixed after construction.
@@ -98,17 +97,18 @@ class SharedInput final : public AudioInputClient,
   // Control thread only.
   std::unique_ptr<AudioInputStream> stream_;
 
-  std::mutex mutex_;
-  // guarded by mutex_
-  State state_ = State::kClosed;
-  bool preparing_ = false;  // the opening under way, if any, was begun by prepare()
-  AudioClock::TimePoint openingSince_;
-  AudioClock::TimePoint unusedSince_;
-  RecentFailure failure_;
-  bool failing_ = false;  // the last try failed, or the device was lost since
-  bool untold_ = false;   // it began to fail and nobody has taken that to tell it
-  std::vector<std::shared_ptr<InputSubscriber>> users_;
-  std::vector<std::shared_ptr<TimedReply>> questions_;  // about the opening under way
+  Mutex mutex_;
+  State state_ GUARDED_BY(mutex_) = State::kClosed;
+  // the opening under way, if any, was begun by prepare()
+  bool preparing_ GUARDED_BY(mutex_) = false;
+  AudioClock::TimePoint openingSince_ GUARDED_BY(mutex_);
+  AudioClock::TimePoint unusedSince_ GUARDED_BY(mutex_);
+  RecentFailure failure_ GUARDED_BY(mutex_);
+  bool failing_ GUARDED_BY(mutex_) = false;  // the last try failed, or the device was lost since
+  bool untold_ GUARDED_BY(mutex_) = false;   // it began to fail and no alert was claimed for that
+  std::vector<std::shared_ptr<InputSubscriber>> users_ GUARDED_BY(mutex_);
+  // about the opening under way
+  std::vector<std::shared_ptr<TimedReply>> questions_ GUARDED_BY(mutex_);
 };
 
 }  // namespace platform

@@ -3,6 +3,8 @@
 #include <QFileInfo>
 #include <QImageReader>
 
+#include "platform/base/MainThread.h"
+
 namespace platform {
 
 namespace {
@@ -40,6 +42,7 @@ NamedImage::Version::Version(const QImage& image, double ratio)
 
 const QImage& NamedImage::Version::image() const {
   if (!path_.isEmpty()) {
+    assertMainThread();
     image_ = Version(decoded(std::exchange(path_, {})), ratio_).image_;
   }
   return image_;

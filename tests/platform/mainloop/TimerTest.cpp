@@ -1,6 +1,7 @@
 #include "platform/mainloop/Timer.h"
 
 #include <memory>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -31,4 +32,10 @@ TEST(Timer, RoundsItsIntervalToMilliseconds) {
   const platform::Timer spectrum(1.0 / 30.0, [] {});
   EXPECT_DOUBLE_EQ(fast.intervalInSeconds(), 0.001);
   EXPECT_DOUBLE_EQ(spectrum.intervalInSeconds(), 0.033);
+}
+
+TEST(TimerDeathTest, OneThatIsMadeOffTheMainThreadEndsTheProgram) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_DEATH(std::thread([] { const platform::Timer timer(1.0, [] {}); }).join(),
+               "Timer called off the main thread");
 }

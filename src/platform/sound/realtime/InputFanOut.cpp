@@ -18,14 +18,14 @@ void InputFanOut::publish(std::unique_ptr<const Sinks> sinks) {
 }
 
 void InputFanOut::add(InputSink& sink) {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   auto sinks = std::make_unique<Sinks>(*owned_);
   sinks->push_back(&sink);
   publish(std::move(sinks));
 }
 
 void InputFanOut::remove(InputSink& sink) {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   auto sinks = std::make_unique<Sinks>(*owned_);
   if (std::erase(*sinks, &sink) > 0) {
     publish(std::move(sinks));

@@ -3,9 +3,9 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <vector>
 
+#include "platform/base/Mutex.h"
 #include "platform/sound/realtime/RealTimeGracePeriod.h"
 
 namespace platform {
@@ -15,7 +15,8 @@ class InputSink {
  public:
   virtual ~InputSink() = default;
 
-  /// Threads: the device's real-time thread. Real-time: must be safe.
+  /// Threads: the device's real-time thread.
+  /// Real-time: must be safe.
   virtual void captured(const float* samples, std::uint32_t frames) noexcept = 0;
 };
 
@@ -24,8 +25,7 @@ class InputSink {
 /// The real-time thread reads an immutable list through an atomic pointer; add() and remove()
 /// publish a new list and free the old one once the real-time thread cannot hold it any more.
 ///
-/// Threads: distribute() on the real-time thread, the rest on any other.
-/// Real-time: distribute() is safe.
+/// Threads: construction and destruction while no other thread uses it.
 class InputFanOut {
  public:
   InputFanOut();
@@ -34,25 +34,36 @@ class InputFanOut {
   InputFanOut& operator=(const InputFanOut&) = delete;
 
   /// The sink gets every chunk from the next one on.
-  void add(InputSink& sink);
+  ///
+  /// Threads: any but the real-time thread.
+  /// Real-time: not safe.
+  void add(InputSink& sink) EXCLUDES(mutex_);
 
   /// When it has returned the sink is not called any more. Without effect for one not in the set.
-  void remove(InputSink& sink);
+  ///
+  /// Threads: any but the real-time thread.
+  /// Real-time: not safe.
+  void remove(InputSink& sink) EXCLUDES(mutex_);
 
+  /// Passes `frames` interleaved stereo frames to every sink.
+  ///
+  /// Threads: the device's real-time thread.
+  /// Real-time: safe.
   void distribute(const float* samples, std::uint32_t frames) noexcept;
 
  private:
   using Sinks = std::vector<InputSink*>;
 
-  void publish(std::unique_ptr<const Sinks> sinks);
+  void publish(std::unique_ptr<const Sinks> sinks) REQUIRES(mutex_);
 
   RealTimeGracePeriod section_;
 
-  // What the real-time thread reads; points to *owned_. Only writer: publish().
+  // What the real-time thread reads. Invariant: points to *owned_, or, within publish(), to the
+  // list that replaces it. Only writer: publish().
   std::atomic<const Sinks*> current_;
 
-  std::mutex mutex_;
-  std::unique_ptr<const Sinks> owned_;  // guarded by mutex_
+  Mutex mutex_;
+  std::unique_ptr<const Sinks> owned_ GUARDED_BY(mutex_);
 };
 
 }  // namespace platform

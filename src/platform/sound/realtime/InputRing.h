@@ -10,8 +10,7 @@ namespace platform {
 /// blocks of a fixed number of interleaved stereo float frames. All memory is taken and touched at
 /// construction. The two ends are types of their own: InputRingProducer, InputRingConsumer.
 ///
-/// Threads: construction and destruction while neither end is in use; the counters from any.
-/// Real-time: the counters are safe.
+/// Threads: construction and destruction while neither end is in use.
 class InputRing {
  public:
   /// What is known of a finished block. Frames are counted from the producer's first one, those
@@ -30,15 +29,23 @@ class InputRing {
   /// `blockFrames` frames a block, at least 1; `blockCount` blocks, at least 2.
   InputRing(std::uint32_t blockFrames, std::uint32_t blockCount);
 
+  /// Threads: any.
+  /// Real-time: safe.
   [[nodiscard]] std::uint32_t blockFrames() const { return blockFrames_; }
   [[nodiscard]] std::uint32_t blockCount() const { return blockCount_; }
 
   /// End of the newest finished block, in frames.
+  ///
+  /// Threads: any.
+  /// Real-time: safe.
   [[nodiscard]] std::uint64_t publishedEndFrame() const {
     return publishedEndFrame_.load(std::memory_order_acquire);
   }
 
   /// Frames that found no room, in all.
+  ///
+  /// Threads: any.
+  /// Real-time: safe.
   [[nodiscard]] std::uint64_t lostFrames() const {
     return lostFrames_.load(std::memory_order_acquire);
   }
@@ -56,29 +63,35 @@ class InputRing {
   std::vector<Block> blocks_;
   std::vector<float> samples_;
 
-  // Only writer: the producer. head_ is stored with release after the block's content.
+  // Invariant: tail_ <= head_ <= tail_ + blockCount_. Only writer: the producer, with release after
+  // the block's content.
   alignas(64) std::atomic<std::uint64_t> head_{0};
+  // Invariant: the endFrame of block head_ - 1. Only writer: the producer, after head_.
   std::atomic<std::uint64_t> publishedEndFrame_{0};
+  // Only writer: the producer.
   std::atomic<std::uint64_t> lostFrames_{0};
 
-  // Only writer: the consumer. Stored with release after the block's content was read.
+  // Only writer: the consumer, with release after the block's content was read.
   alignas(64) std::atomic<std::uint64_t> tail_{0};
 };
 
-/// The writing end.
-///
-/// Threads: the device's real-time thread; finish() on whoever knows that this thread does not
-/// write any more. Real-time: safe.
+/// The producer's end.
 class InputRingProducer {
  public:
   explicit InputRingProducer(InputRing& ring) : ring_(ring) {}
 
   /// Appends `frames` interleaved frames; those that find no room are counted as lost. Returns the
   /// number of blocks that became full.
+  ///
+  /// Threads: the device's real-time thread.
+  /// Real-time: safe.
   std::uint32_t write(const float* samples, std::uint32_t frames) noexcept;
 
   /// No more frames will come: gives out the block in work, if there is one, with the frames that
   /// it has.
+  ///
+  /// Threads: the device's real-time thread, or any once that one writes no more.
+  /// Real-time: safe.
   void finish() noexcept;
 
  private:
@@ -92,20 +105,27 @@ class InputRingProducer {
   std::uint32_t filled_ = 0;       // frames in the block in work; 0: none is in work
 };
 
-/// The reading end.
-///
-/// Threads: one at a time. Real-time: safe.
+/// The consumer's end.
 class InputRingConsumer {
  public:
   explicit InputRingConsumer(InputRing& ring) : ring_(ring) {}
 
   /// The oldest finished block, null when there is none. Valid until pop().
+  ///
+  /// Threads: the consumer, one at a time.
+  /// Real-time: safe.
   [[nodiscard]] const InputRing::Block* front() const noexcept;
 
   /// The interleaved frames of the oldest finished block, Block::frames() of them.
+  ///
+  /// Threads: the consumer, one at a time.
+  /// Real-time: safe.
   [[nodiscard]] const float* frontSamples() const noexcept;
 
   /// Gives the oldest finished block back to the producer.
+  ///
+  /// Threads: the consumer, one at a time.
+  /// Real-time: safe.
   void pop() noexcept;
 
  private:

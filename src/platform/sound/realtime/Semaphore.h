@@ -2,15 +2,28 @@
 
 #include <chrono>
 
-#include <semaphore.h>
+#if defined(__linux__)
+#include <atomic>
+#include <cstdint>
+#elif defined(__APPLE__)
+#include <dispatch/dispatch.h>
+#else
+#include "platform/sound/realtime/ConditionSemaphore.h"
+#endif
 
 namespace platform {
 
-/// A counting semaphore whose post() a real-time thread may call: one atomic add and, when
-/// somebody waits, one wake-up by the kernel. std::counting_semaphore is not used because the
-/// standard library of the older compiler we support could sleep through a release.
+#if defined(__linux__) || defined(__APPLE__)
+
+/// A counting semaphore whose post() takes no lock: an atomic addition and, only when a thread
+/// waits, one wake-up by the kernel. std::counting_semaphore is not used because libstdc++'s can
+/// lose a wake-up.
 ///
-/// Threads: any. Real-time: post() and tryWait() are safe, the waits are not.
+/// What a thread did before post() is seen by the thread whose wait took that post. A semaphore may
+/// be destroyed as soon as every post has been taken. At most 2^24 - 1 posts stand untaken, at most
+/// 255 threads wait.
+///
+/// Threads: construction and destruction while no other thread uses it.
 class Semaphore {
  public:
   Semaphore();
@@ -18,14 +31,46 @@ class Semaphore {
   Semaphore(const Semaphore&) = delete;
   Semaphore& operator=(const Semaphore&) = delete;
 
+  /// Threads: any.
+  /// Real-time: safe.
   void post() noexcept;
+
+  /// Takes a post; false when there is none.
+  ///
+  /// Threads: any.
+  /// Real-time: safe.
   [[nodiscard]] bool tryWait() noexcept;
+
+  /// Takes a post, and sleeps until there is one.
+  ///
+  /// Threads: any.
+  /// Real-time: not safe.
   void wait() noexcept;
-  /// False when `deadline` passed first.
+
+  /// The same until `deadline` at most; false when there was no post by then. Changes of the
+  /// system's time of day have no effect.
+  ///
+  /// Threads: any.
+  /// Real-time: not safe.
   [[nodiscard]] bool waitUntil(std::chrono::steady_clock::time_point deadline) noexcept;
 
  private:
-  sem_t semaphore_;
+#if defined(__linux__)
+  // Untaken posts in the low 24 bits, waiting threads in the high 8: post() sees both in one step
+  // and does not touch the semaphore after it, so the woken thread may destroy it. Invariant: a
+  // waiting thread is counted before it looks for a post. Written by all threads, by atomic
+  // additions and exchanges only.
+  std::atomic<std::uint32_t> state_{0};
+#else
+  const dispatch_semaphore_t semaphore_;
+#endif
 };
+
+#else
+
+/// No lock-free semaphore is known here: a post by a real-time thread may wait for a lock.
+using Semaphore = ConditionSemaphore;
+
+#endif
 
 }  // namespace platform

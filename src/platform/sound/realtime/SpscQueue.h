@@ -6,13 +6,16 @@
 
 namespace platform {
 
-/// A lock-free queue of small values between one producer and one consumer.
+/// A lock-free queue of at most `kRoom` small values between one producer and one consumer.
 ///
-/// Threads: push() on one at a time, pop() on one at a time. Real-time: safe.
+/// Threads: construction and destruction while neither is at work.
 template <typename Value, std::size_t kRoom>
 class SpscQueue {
  public:
   /// False when `kRoom` values wait already.
+  ///
+  /// Threads: the producer, one at a time.
+  /// Real-time: safe.
   [[nodiscard]] bool push(Value value) noexcept {
     const std::size_t head = head_.load(std::memory_order_relaxed);
     if (head - tail_.load(std::memory_order_acquire) == kRoom) {
@@ -23,7 +26,10 @@ class SpscQueue {
     return true;
   }
 
-  /// False when none waits.
+  /// False when none waits; `value` is then left alone.
+  ///
+  /// Threads: the consumer, one at a time.
+  /// Real-time: safe.
   [[nodiscard]] bool pop(Value& value) noexcept {
     const std::size_t tail = tail_.load(std::memory_order_relaxed);
     if (head_.load(std::memory_order_acquire) == tail) {
@@ -35,10 +41,13 @@ class SpscQueue {
   }
 
  private:
-  // Values numbered [tail_, head_) wait and belong to the consumer.
+  // Invariant: tail_ <= head_ <= tail_ + kRoom. Values numbered [tail_, head_) wait and belong to
+  // the consumer, the other places to the producer. Value n lies at n modulo kRoom.
   std::array<Value, kRoom> values_{};
-  alignas(64) std::atomic<std::size_t> head_{0};  // only writer: the producer
-  alignas(64) std::atomic<std::size_t> tail_{0};  // only writer: the consumer
+  // Only writer: the producer, with release after the value was written.
+  alignas(64) std::atomic<std::size_t> head_{0};
+  // Only writer: the consumer, with release after the value was read.
+  alignas(64) std::atomic<std::size_t> tail_{0};
 };
 
 }  // namespace platform
