@@ -1,4 +1,4 @@
-# One place for the language level, the warnings and the checkers.
+# One place for the language level, the warnings and the sanitizers.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -8,7 +8,7 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
 endif()
 
-set(ORVO_SANITIZE "" CACHE STRING "Checkers to build with: empty, address or thread")
+set(ORVO_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address or thread")
 set_property(CACHE ORVO_SANITIZE PROPERTY STRINGS "" address thread)
 if(ORVO_SANITIZE STREQUAL "address")
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined
@@ -31,7 +31,7 @@ if(ORVO_SANITIZE)
   add_link_options(LINKER:--disable-new-dtags)
 endif()
 
-# The checkers slow the optimiser down far more than the program.
+# Sanitizers slow the optimiser down far more than the program.
 if(ORVO_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   add_compile_options(-O1 -g1)
 endif()
@@ -39,8 +39,12 @@ endif()
 # Texts of interface files are looked up as all others are.
 set(CMAKE_AUTOUIC_OPTIONS -tr platform::localized --include platform/mainloop/Localization.h)
 
+# Only our presets make warnings errors (CMAKE_COMPILE_WARNING_AS_ERROR): another compiler may warn
+# about what ours accept.
 add_library(orvo_warnings INTERFACE)
 target_compile_options(orvo_warnings INTERFACE
-  $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion;-Wnon-virtual-dtor;-Wold-style-cast;-Woverloaded-virtual;-Wundef;-Werror>
+  $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion;-Wnon-virtual-dtor;-Wold-style-cast;-Woverloaded-virtual;-Wundef>
   $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wthread-safety>
-  $<$<CXX_COMPILER_ID:MSVC>:/W4;/WX>)
+  # g++ 14 sees writes past the end inside std::string's own operator+.
+  $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_GREATER_EQUAL:$<CXX_COMPILER_VERSION>,13>>:-Wno-error=array-bounds>
+  $<$<CXX_COMPILER_ID:MSVC>:/W4>)

@@ -20,6 +20,7 @@ function(orvo_library name)
       AUTOUIC_SEARCH_PATHS "${PROJECT_SOURCE_DIR}/resources")
     target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS)
   endif()
+  orvo_precompile(${name} orvo_library)
 endfunction()
 
 # orvo_module(NAME LINKS …): a module of the program, orvo-NAME.so, from the sources of the current

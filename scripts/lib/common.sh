@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What the scripts share. Sourced, not run.
 
 set -euo pipefail
@@ -53,13 +54,25 @@ install_test_packages() {
   install_missing "${packages[@]}"
 }
 
-# build_preset PRESET [TARGET…]: configures and builds, everything when no target is named.
+# A compiler cache is used where there is one, unless the caller chose a launcher. ccache takes
+# sources with precompiled headers only when it is told so.
+if command -v ccache >/dev/null 2>&1 && [ -z "${CMAKE_CXX_COMPILER_LAUNCHER+set}" ]; then
+  sloppiness=pch_defines,time_macros,include_file_mtime,include_file_ctime
+  export CMAKE_CXX_COMPILER_LAUNCHER="env;CCACHE_SLOPPINESS=$sloppiness;ccache"
+fi
+
+# build_preset PRESET [TARGET…]: configures and builds, all that the preset builds when no
+# target is named.
 build_preset() {
   local preset=$1
   shift
   local log="build/$preset-configure.log"
+  local -a compiler=()
+  case "$preset" in
+    clang | fuzz) compiler=("-DCMAKE_CXX_COMPILER=clang++-$llvm") ;;
+  esac
   mkdir -p build
-  cmake --preset "$preset" >"$log" 2>&1 || {
+  cmake --preset "$preset" "${compiler[@]}" >"$log" 2>&1 || {
     cat "$log" >&2
     die "configuring $preset failed"
   }

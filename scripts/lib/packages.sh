@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034
 # The Debian packages that Orvo is built, run and tested with: the only list of them.
 # Sourced, not run.
 
@@ -26,6 +27,12 @@ test_packages=(
 # Installed only where neither kind is there: two sound servers on one machine get in each other's way.
 sound_server_package=pulseaudio
 
+# Debian 13 has no clang 14; a later clang may warn about more.
+llvm=14
+if grep -qs '^VERSION_CODENAME=trixie$' /etc/os-release; then
+  llvm=19
+fi
+clang_packages=("clang-$llvm")
 # The seeds are made by ffmpeg.
-fuzz_packages=(clang-14 libclang-rt-14-dev ffmpeg)
-lint_packages=(clang-format-14 clang-tidy-14)
+fuzz_packages=("clang-$llvm" "libclang-rt-$llvm-dev" ffmpeg)
+lint_packages=("clang-$llvm" "clang-format-$llvm" "clang-tidy-$llvm" git)

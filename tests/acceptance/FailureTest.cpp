@@ -3,9 +3,8 @@
 
 #include <chrono>
 
-#include <unistd.h>
-
 #include "acceptance/AcceptanceTest.h"
+#include "support/programs/LimitedDisk.h"
 
 using namespace support;
 
@@ -174,16 +173,8 @@ TEST_F(Failure, ServerThatHangsAtStartUpHoldsNeitherTheWindowNorTheQuit) {
 TEST_F(Failure, FullDiskStopsTheRecordingAndKeepsWhatWasRecorded) {
   // A disk of one mebibyte, 131,072 frames, for this program alone.
   const std::string disk = folder_.makeFolder("disk");
-  std::vector<std::string> wrapper{"unshare", "--mount", "--propagation", "private"};
-  if (::geteuid() != 0) {
-    wrapper.emplace_back("--map-root-user");
-  }
-  for (const char* word :
-       {"sh", "-c", "mount -t tmpfs -o size=1m tmpfs \"$0\" && exec \"$@\"", disk.c_str()}) {
-    wrapper.emplace_back(word);
-  }
   RunningOrvo::Options options;
-  options.wrapper = wrapper;
+  options.wrapper = LimitedDisk::ofSize(disk, 1 << 20).wrapper();
   options.temporaryFolder = disk;
   ASSERT_NO_FATAL_FAILURE(startOrvo(options));
   const Samples signal = signalOfSeconds(1.0, 16);

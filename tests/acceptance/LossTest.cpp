@@ -3,10 +3,9 @@
 #include <csignal>
 #include <filesystem>
 
-#include <unistd.h>
-
 #include "acceptance/DocumentTest.h"
 #include "support/programs/AudioFileTools.h"
+#include "support/programs/LimitedDisk.h"
 
 using namespace support;
 
@@ -68,17 +67,9 @@ TEST_F(Loss, FullDiskWhileSavingIsToldOnceAndLeavesTheOldFileWhole) {
   ASSERT_TRUE(writeWav(folder_.file("long.wav"), audio));
   // A disk of one mebibyte that holds the old file, for this program alone.
   RunningOrvo::Options options;
-  options.wrapper = {"unshare", "--mount", "--propagation", "private"};
-  if (::geteuid() != 0) {
-    options.wrapper.emplace_back("--map-root-user");
-  }
-  const std::string mount =
-      "mount -t tmpfs -o size=1m tmpfs \"$0\" && cp \"$1\" \"$0/old.wav\" && "
-      "shift && exec \"$@\"";
-  for (const std::string& word :
-       {std::string("sh"), std::string("-c"), mount, documents_, folder_.file("old")}) {
-    options.wrapper.push_back(word);
-  }
+  const LimitedDisk limited =
+      LimitedDisk::ofSize(documents_, 1 << 20, folder_.file("old"), "old.wav");
+  options.wrapper = limited.wrapper();
   options.files = {folder_.file("long.wav")};
   ASSERT_NO_FATAL_FAILURE(startOrvo(options));
   ASSERT_TRUE(orvo_->waitUntilRecorded(audio.size() / kChannels));
@@ -92,7 +83,7 @@ TEST_F(Loss, FullDiskWhileSavingIsToldOnceAndLeavesTheOldFileWhole) {
   ASSERT_NO_FATAL_FAILURE(replaceExisting());
   ASSERT_NO_FATAL_FAILURE(expectOneAlertAndDismissIt());
   ASSERT_NO_FATAL_FAILURE(expectTitle("long.wav*"));
-  const std::string disk = "/proc/" + std::to_string(orvo_->pid()) + "/root" + documents_;
+  const std::string disk = limited.seenBy(orvo_->pid());
   EXPECT_EQ(names(disk), std::vector<std::string>{"old.wav"});
   EXPECT_EQ(fileBytes(disk + "/old.wav"), old);
 

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 
-#include <unistd.h>
-
 #include "acceptance/DocumentTest.h"
 #include "support/programs/AudioFileTools.h"
+#include "support/programs/LimitedDisk.h"
 
 using namespace support;
 
@@ -163,14 +162,7 @@ TEST_F(Saving, NameThatIsTooLongIsToldAndAnotherOneCanBeGiven) {
 TEST_F(Saving, DiskThatCanOnlyBeReadIsToldAndAnotherPlaceCanBeChosen) {
   const std::string disk = folder_.makeFolder("disk");
   RunningOrvo::Options options;
-  options.wrapper = {"unshare", "--mount", "--propagation", "private"};
-  if (::geteuid() != 0) {
-    options.wrapper.emplace_back("--map-root-user");
-  }
-  for (const char* word :
-       {"sh", "-c", "mount -t tmpfs -o ro tmpfs \"$0\" && exec \"$@\"", disk.c_str()}) {
-    options.wrapper.emplace_back(word);
-  }
+  options.wrapper = LimitedDisk::readOnly(disk).wrapper();
   ASSERT_NO_FATAL_FAILURE(startOrvo(options));
   ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 29)));
   const Window shown = openPanel("ctrl+shift+s", "Save As");

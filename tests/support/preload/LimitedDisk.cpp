@@ -1,0 +1,157 @@
+// Preloaded into a program under test where nothing can be mounted
+// (support/programs/LimitedDisk.h). Below the folder ORVO_TEST_DISK it answers as a disk that has
+// room for ORVO_TEST_DISK_BYTES bytes, in whole pages, or that can only be read where that is 0.
+// Stands for the calls that Orvo makes on files of its own. Room that a deleted file had stays
+// taken.
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <mutex>
+#include <set>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::uint64_t kPageBytes = 4096;
+
+template <typename Function>
+Function* nextFunction(const char* name) {
+  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+class Disk {
+ public:
+  static Disk& instance() {
+    static Disk disk;
+    return disk;
+  }
+
+  bool holds(const std::filesystem::path& path) const {
+    return !folder_.empty() &&
+           std::filesystem::absolute(path).lexically_normal().string().starts_with(folder_ + "/");
+  }
+
+  bool holds(int file) const {
+    std::string path(4096, '\0');
+    const std::string link = "/proc/self/fd/" + std::to_string(file);
+    const ssize_t size = ::readlink(link.c_str(), path.data(), path.size());
+    return size > 0 && holds(path.substr(0, static_cast<std::size_t>(size)));
+  }
+
+  bool isReadOnly() const { return pages_ == 0; }
+
+  /// How many of the bytes find room, from the first on; the pages that they need are taken.
+  std::uint64_t take(int file, std::uint64_t offset, std::uint64_t size) {
+    struct stat status {};
+    if (::fstat(file, &status) != 0) {
+      return 0;
+    }
+    const std::lock_guard lock(mutex_);
+    std::uint64_t end = offset;
+    while (end < offset + size) {
+      const std::pair<ino_t, std::uint64_t> page(status.st_ino, end / kPageBytes);
+      if (!taken_.contains(page)) {
+        if (taken_.size() + pagesAtStart_ >= pages_) {
+          break;
+        }
+        taken_.insert(page);
+      }
+      end = (page.second + 1) * kPageBytes;
+    }
+    return std::min(end, offset + size) - offset;
+  }
+
+ private:
+  Disk() {
+    const char* folder = std::getenv("ORVO_TEST_DISK");
+    const char* bytes = std::getenv("ORVO_TEST_DISK_BYTES");
+    if (folder == nullptr || bytes == nullptr) {
+      return;
+    }
+    folder_ = folder;
+    pages_ = std::strtoull(bytes, nullptr, 10) / kPageBytes;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_, error)) {
+      pagesAtStart_ += (entry.file_size(error) + kPageBytes - 1) / kPageBytes;
+    }
+  }
+
+  std::string folder_;
+  std::uint64_t pages_ = 0;
+  std::uint64_t pagesAtStart_ = 0;
+  std::mutex mutex_;
+  std::set<std::pair<ino_t, std::uint64_t>> taken_;  ///< by mutex_: file and number of each page
+};
+
+int openOnDisk(const char* name, const char* path, int flags, mode_t mode) {
+  const bool changes = (flags & (O_WRONLY | O_RDWR | O_CREAT | O_TRUNC)) != 0;
+  if (changes && Disk::instance().isReadOnly() &&
+      Disk::instance().holds(std::filesystem::path(path))) {
+    errno = EROFS;
+    return -1;
+  }
+  return nextFunction<int(const char*, int, ...)>(name)(path, flags, mode);
+}
+
+/// Calls `write` with as many bytes as find room.
+template <typename Write>
+ssize_t writeToDisk(int file, off_t offset, size_t size, const Write& write) {
+  const std::uint64_t room = Disk::instance().take(file, static_cast<std::uint64_t>(offset), size);
+  if (room == 0 && size > 0) {
+    errno = ENOSPC;
+    return -1;
+  }
+  return write(room);
+}
+
+}  // namespace
+
+extern "C" {
+
+// The mode is there to be read whether it was given or not: registers pass it.
+int open(const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = va_arg(arguments, mode_t);
+  va_end(arguments);
+  return openOnDisk("open", path, flags, mode);
+}
+
+int open64(const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = va_arg(arguments, mode_t);
+  va_end(arguments);
+  return openOnDisk("open64", path, flags, mode);
+}
+
+ssize_t pwrite(int file, const void* data, size_t size, off_t offset) {
+  static auto* const next = nextFunction<ssize_t(int, const void*, size_t, off_t)>("pwrite");
+  if (!Disk::instance().holds(file)) {
+    return next(file, data, size, offset);
+  }
+  return writeToDisk(file, offset, size,
+                     [&](size_t room) { return next(file, data, room, offset); });
+}
+
+ssize_t write(int file, const void* data, size_t size) {
+  static auto* const next = nextFunction<ssize_t(int, const void*, size_t)>("write");
+  if (!Disk::instance().holds(file)) {
+    return next(file, data, size);
+  }
+  return writeToDisk(file, ::lseek(file, 0, SEEK_CUR), size,
+                     [&](size_t room) { return next(file, data, room); });
+}
+
+}  // extern "C"
