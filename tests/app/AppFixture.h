@@ -41,10 +41,10 @@ class KeptRecentDocuments : public platform::RecentDocuments {
 
 /// The application on sound queues that the test steps by hand, with panels that it answers.
 /// Questions about unsaved changes are answered with Don't Save unless the test says otherwise.
-class AppDelegateTest : public testing::Test {
+class AppFixture : public testing::Test {
  protected:
-  AppDelegateTest() { answerQuestionsWith(VLRecorderWindowController::kDontSave); }
-  ~AppDelegateTest() override {
+  AppFixture() { answerQuestionsWith(VLRecorderWindowController::kDontSave); }
+  ~AppFixture() override {
     answerQuestionsWith(VLRecorderWindowController::kDontSave);
     while (panels_->sheets() > 0) {
       panels_->answerSheet(VLRecorderWindowController::kDontSave);

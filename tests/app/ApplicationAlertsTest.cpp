@@ -28,9 +28,9 @@ QMessageBox* shownAlert() {
   return nullptr;
 }
 
-class ApplicationWithAlertsTest : public AppDelegateTest {
+class ApplicationAlertsTest : public AppFixture {
  protected:
-  ApplicationWithAlertsTest() {
+  ApplicationAlertsTest() {
     delegate_.setAlertsPendingCheck([real = real_] { return real->hasAlerts(); });
   }
 
@@ -44,7 +44,7 @@ class ApplicationWithAlertsTest : public AppDelegateTest {
 };
 
 // The window closes as soon as the file is complete, and with the last one the program ends.
-TEST_F(ApplicationWithAlertsTest, AnAlertOfTheLastWindowIsReadBeforeTheProgramEnds) {
+TEST_F(ApplicationAlertsTest, AnAlertOfTheLastWindowIsReadBeforeTheProgramEnds) {
   desktop_.knowsPrograms = false;
   OVRecorderWindow* const window = spawn();
   const std::vector<float> samples(2000, 0.5F);
@@ -80,7 +80,7 @@ OVDiagnosticsWindow* diagnostics() {
   return nullptr;
 }
 
-TEST_F(ApplicationWithAlertsTest, ALineOfAnyThreadStandsInTheDiagnosticsWindow) {
+TEST_F(ApplicationAlertsTest, ALineOfAnyThreadStandsInTheDiagnosticsWindow) {
   std::thread([] { ConsoleLog("lost %d frames of %s", 7, "“take”"); }).join();
   EXPECT_TRUE(drainMainQueue());
   ConsoleLog("and %s", "<i>went on</i>");
@@ -96,14 +96,14 @@ TEST_F(ApplicationWithAlertsTest, ALineOfAnyThreadStandsInTheDiagnosticsWindow) 
   EXPECT_TRUE(diagnostics()->console()->toPlainText().endsWith("\nlater"));
 }
 
-TEST_F(ApplicationWithAlertsTest, TheDiagnosticsWindowNeitherCountsAsADocumentNorHoldsAQuit) {
+TEST_F(ApplicationAlertsTest, TheDiagnosticsWindowNeitherCountsAsADocumentNorHoldsAQuit) {
   delegate_.showDiagnostics();
   ASSERT_NE(diagnostics(), nullptr);
   delegate_.terminate();
   EXPECT_EQ(quits_, 1);
 }
 
-TEST_F(ApplicationWithAlertsTest, AboutNamesTheProgramAndItsVersion) {
+TEST_F(ApplicationAlertsTest, AboutNamesTheProgramAndItsVersion) {
   QCoreApplication::setApplicationVersion("1.2.3");
   OVRecorderWindow* const window = spawn();
   QString shown;

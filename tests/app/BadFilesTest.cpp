@@ -55,7 +55,7 @@ class Heartbeat {
   Clock::duration longest_{0};
 };
 
-class BadFilesTest : public AppDelegateTest, public testing::WithParamInterface<BadFile> {
+class BadFilesTest : public AppFixture, public testing::WithParamInterface<BadFile> {
  protected:
   void SetUp() override { testing::internal::CaptureStderr(); }
   void TearDown() override { testing::internal::GetCapturedStderr(); }

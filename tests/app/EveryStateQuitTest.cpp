@@ -80,7 +80,7 @@ std::string inWords(const Outcome& outcome) {
 
 using Cell = std::tuple<State, bool>;
 
-class EveryStateQuitTest : public AppDelegateTest, public testing::WithParamInterface<Cell> {
+class EveryStateQuitTest : public AppFixture, public testing::WithParamInterface<Cell> {
  protected:
   static State state() { return std::get<State>(GetParam()); }
   static bool edited() { return std::get<bool>(GetParam()); }

@@ -5,14 +5,14 @@
 
 namespace {
 
-TEST(OVDiagnosticsWindow, ShowsLinesAsTheyStandTheNewestLast) {
+TEST(OVDiagnosticsWindowTest, ShowsLinesAsTheyStandTheNewestLast) {
   OVDiagnosticsWindow window;
   window.console()->appendPlainText("one");
   window.console()->appendPlainText("<b>two</b> “%1”");
   EXPECT_EQ(window.console()->toPlainText(), "one\n<b>two</b> “%1”");
 }
 
-TEST(OVDiagnosticsWindow, CanBeReadAndCopiedButNotChanged) {
+TEST(OVDiagnosticsWindowTest, CanBeReadAndCopiedButNotChanged) {
   OVDiagnosticsWindow window;
   window.console()->appendPlainText("one");
   window.show();
@@ -21,7 +21,7 @@ TEST(OVDiagnosticsWindow, CanBeReadAndCopiedButNotChanged) {
   EXPECT_TRUE(window.console()->textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
 }
 
-TEST(OVDiagnosticsWindow, KeepsTheLastLinesOnly) {
+TEST(OVDiagnosticsWindowTest, KeepsTheLastLinesOnly) {
   OVDiagnosticsWindow window;
   for (int i = 0; i <= OVDiagnosticsWindow::kMaximumLines; ++i) {
     window.console()->appendPlainText(QString::number(i));
@@ -30,7 +30,7 @@ TEST(OVDiagnosticsWindow, KeepsTheLastLinesOnly) {
   EXPECT_TRUE(window.console()->toPlainText().startsWith("1\n"));
 }
 
-TEST(OVDiagnosticsWindow, IsAWindowThatDoesNotKeepTheProgram) {
+TEST(OVDiagnosticsWindowTest, IsAWindowThatDoesNotKeepTheProgram) {
   const OVDiagnosticsWindow window;
   EXPECT_TRUE(window.isWindow());
   EXPECT_FALSE(window.testAttribute(Qt::WA_QuitOnClose));

@@ -16,7 +16,7 @@ class Drawn : public QWidget {
   void paintEvent(QPaintEvent*) override { isDrawn = true; }
 };
 
-TEST(OVFirstWindowWatcher, IsToldOnceAfterItHasBeenDrawn) {
+TEST(OVFirstWindowWatcherTest, IsToldOnceAfterItHasBeenDrawn) {
   int told = 0;
   bool drawnBefore = false;
   Drawn first;
@@ -34,7 +34,7 @@ TEST(OVFirstWindowWatcher, IsToldOnceAfterItHasBeenDrawn) {
   EXPECT_EQ(told, 1);
 }
 
-TEST(OVFirstWindowWatcher, IsNotWaitedForLongerThanTheLongestWait) {
+TEST(OVFirstWindowWatcherTest, IsNotWaitedForLongerThanTheLongestWait) {
   int told = 0;
   const OVFirstWindowWatcher firstWindow([&] { ++told; });
   EXPECT_TRUE(runMainLoopUntil([&] { return told == 1; }));

@@ -18,7 +18,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// The menus of a window without an application: what its commands are asked for is recorded.
-class OVMainMenuTest : public AppDelegateTest {
+class OVMainMenuTest : public AppFixture {
  protected:
   OVRecorderWindow* window() {
     if (!window_) {

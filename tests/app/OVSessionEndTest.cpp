@@ -22,21 +22,21 @@ struct Session {
   }
 };
 
-TEST(TheEndOfTheSession, IsCancelledWhileSomethingIsAskedOrSaved) {
+TEST(OVSessionEndTest, IsCancelledWhileSomethingIsAskedOrSaved) {
   Session session;
   askAtSessionEnd(session, [] { return false; });
   EXPECT_EQ(session.cancelled, 1);
   EXPECT_EQ(session.released, 0);
 }
 
-TEST(TheEndOfTheSession, GoesOnWhereNothingIsUnsaved) {
+TEST(OVSessionEndTest, GoesOnWhereNothingIsUnsaved) {
   Session session;
   askAtSessionEnd(session, [] { return true; });
   EXPECT_EQ(session.cancelled, 0);
   EXPECT_EQ(session.released, 1);
 }
 
-TEST(TheEndOfTheSession, AsksNothingWhereNobodyMayBeAsked) {
+TEST(OVSessionEndTest, AsksNothingWhereNobodyMayBeAsked) {
   Session session{.allows = false};
   askAtSessionEnd(session, [] {
     ADD_FAILURE() << "asked";

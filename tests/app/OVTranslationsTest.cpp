@@ -15,7 +15,7 @@ std::string languageOf(const QStringList& uiLanguages) {
   return OVTranslations::languageOf(uiLanguages).toStdString();
 }
 
-TEST(OVTranslations, TheFirstLanguageThatThereIsIsTaken) {
+TEST(OVTranslationsTest, TheFirstLanguageThatThereIsIsTaken) {
   EXPECT_EQ(languageOf({"de-DE", "de", "de-Latn-DE"}), "de");
   EXPECT_EQ(languageOf({"fr-CA"}), "fr");
   EXPECT_EQ(languageOf({"es-419", "fr"}), "es");
@@ -23,19 +23,19 @@ TEST(OVTranslations, TheFirstLanguageThatThereIsIsTaken) {
   EXPECT_EQ(languageOf({"nl-NL", "nl", "fr-BE", "de"}), "fr");
 }
 
-TEST(OVTranslations, EnglishEndsTheSearch) {
+TEST(OVTranslationsTest, EnglishEndsTheSearch) {
   EXPECT_EQ(languageOf({"en-GB", "en", "de"}), "");
   EXPECT_EQ(languageOf({"nl", "en", "de"}), "");
 }
 
-TEST(OVTranslations, WhatIsNotThereOrNoLanguageAtAllIsEnglish) {
+TEST(OVTranslationsTest, WhatIsNotThereOrNoLanguageAtAllIsEnglish) {
   EXPECT_EQ(languageOf({}), "");
   EXPECT_EQ(languageOf({"nl-NL", "nl"}), "");
   EXPECT_EQ(languageOf({"C"}), "");
   EXPECT_EQ(languageOf({"POSIX", "", "no such language", "../../de"}), "");
 }
 
-TEST(OVTranslations, EveryKindOfSimplifiedChineseIsOneLanguageAndTraditionalIsNone) {
+TEST(OVTranslationsTest, EveryKindOfSimplifiedChineseIsOneLanguageAndTraditionalIsNone) {
   for (const char* name : {"zh", "zh-CN", "zh-SG", "zh-Hans", "zh-Hans-CN", "zh-Hans-HK"}) {
     EXPECT_EQ(languageOf({name}), "zh_CN") << name;
   }
@@ -45,7 +45,7 @@ TEST(OVTranslations, EveryKindOfSimplifiedChineseIsOneLanguageAndTraditionalIsNo
   EXPECT_EQ(languageOf({"zh-TW", "ja"}), "ja");
 }
 
-TEST(OVTranslations, EveryLanguageOfTheProgramCanBeTaken) {
+TEST(OVTranslationsTest, EveryLanguageOfTheProgramCanBeTaken) {
   for (const char* name : {"de", "fr", "es", "ja", "zh_CN"}) {
     EXPECT_THAT(OVTranslations::languages(), Contains(QString(name)));
   }
@@ -56,7 +56,7 @@ TEST(OVTranslations, EveryLanguageOfTheProgramCanBeTaken) {
   }
 }
 
-TEST(OVTranslations, TextsAreTranslatedForAsLongAsItLives) {
+TEST(OVTranslationsTest, TextsAreTranslatedForAsLongAsItLives) {
   EXPECT_EQ(platform::localized("Unnamed"), "Unnamed");
   {
     const OVTranslations german({"de-AT"});
@@ -68,12 +68,12 @@ TEST(OVTranslations, TextsAreTranslatedForAsLongAsItLives) {
   EXPECT_EQ(platform::localized("Unnamed"), "Unnamed");
 }
 
-TEST(OVTranslations, ATextWithoutATranslationStaysEnglish) {
+TEST(OVTranslationsTest, ATextWithoutATranslationStaysEnglish) {
   const OVTranslations german({"de"});
   EXPECT_EQ(platform::localized("No one has translated this"), "No one has translated this");
 }
 
-TEST(OVTranslations, TextsOfQtAreTranslatedWhereQtBringsThem) {
+TEST(OVTranslationsTest, TextsOfQtAreTranslatedWhereQtBringsThem) {
   const OVTranslations german({"de"});
   if (!QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + "/qtbase_de.qm")) {
     GTEST_SKIP() << "Qt's translations are not installed";

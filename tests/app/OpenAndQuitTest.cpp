@@ -26,7 +26,7 @@ using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 using Reply = VelmarAppDelegate::TerminateReply;
 
-class OpenAndQuitTest : public AppDelegateTest {
+class OpenAndQuitTest : public AppFixture {
  protected:
   std::string at(const std::string& name) const { return folder_.file(name); }
 

@@ -144,9 +144,9 @@ void expectNothingClipped(const QWidget& dialog) {
   }
 }
 
-class TranslatedWindow : public AppDelegateTest, public testing::WithParamInterface<std::string> {
+class TranslatedWindowTest : public AppFixture, public testing::WithParamInterface<std::string> {
  protected:
-  TranslatedWindow() : window_(spawn()) {}
+  TranslatedWindowTest() : window_(spawn()) {}
 
   [[nodiscard]] static const Expected& expected() { return kExpected.at(GetParam()); }
   [[nodiscard]] static QString language() { return QString::fromStdString(GetParam()); }
@@ -169,7 +169,7 @@ class TranslatedWindow : public AppDelegateTest, public testing::WithParamInterf
   OVRecorderWindow* window_;
 };
 
-TEST_P(TranslatedWindow, TitleMenusAndItemsAreInTheLanguage) {
+TEST_P(TranslatedWindowTest, TitleMenusAndItemsAreInTheLanguage) {
   EXPECT_EQ(window_->title().toStdString(), expected().title);
   std::vector<std::string> menus;
   for (const QAction* const menu : window_->menuBar()->actions()) {
@@ -180,7 +180,7 @@ TEST_P(TranslatedWindow, TitleMenusAndItemsAreInTheLanguage) {
   EXPECT_EQ(item(window_, "To Start")->text().toStdString(), expected().toStart);
 }
 
-TEST_P(TranslatedWindow, EveryMenuItemIsTheTranslationOfItsName) {
+TEST_P(TranslatedWindowTest, EveryMenuItemIsTheTranslationOfItsName) {
   int items = 0;
   for (const QAction* const menu : window_->menuBar()->actions()) {
     for (const QAction* const action : menu->menu()->actions()) {
@@ -195,13 +195,13 @@ TEST_P(TranslatedWindow, EveryMenuItemIsTheTranslationOfItsName) {
   EXPECT_EQ(items, 26);
 }
 
-TEST_P(TranslatedWindow, UndoNamesTheAction) {
+TEST_P(TranslatedWindowTest, UndoNamesTheAction) {
   item(window_, "Record")->trigger();
   item(window_, "Record")->trigger();
   EXPECT_EQ(item(window_, "Undo")->text().toStdString(), expected().undoRecord);
 }
 
-TEST_P(TranslatedWindow, KeyLettersDoNotClashInAnyMenu) {
+TEST_P(TranslatedWindowTest, KeyLettersDoNotClashInAnyMenu) {
   const QStringList bar = keyLettersOf(textsOf(window_->menuBar()->actions()));
   EXPECT_EQ(bar.size(), window_->menuBar()->actions().size());
   EXPECT_TRUE(areAllDifferent(bar)) << bar.join(' ').toStdString();
@@ -211,7 +211,7 @@ TEST_P(TranslatedWindow, KeyLettersDoNotClashInAnyMenu) {
   }
 }
 
-TEST_P(TranslatedWindow, MenusFitIntoTheNarrowestWindow) {
+TEST_P(TranslatedWindowTest, MenusFitIntoTheNarrowestWindow) {
   window_->resize(window_->minimumSizeHint());
   ASSERT_TRUE(runMainLoopUntil([&] { return window_->width() <= 580; }));
   QMenuBar* const bar = window_->menuBar();
@@ -223,7 +223,7 @@ TEST_P(TranslatedWindow, MenusFitIntoTheNarrowestWindow) {
   }
 }
 
-TEST_P(TranslatedWindow, AScreenReaderHearsTheLanguage) {
+TEST_P(TranslatedWindowTest, AScreenReaderHearsTheLanguage) {
   EXPECT_EQ(nameOf("recButton"), expected().recordButton);
   EXPECT_EQ(window_->findChild<QWidget*>("recButton")->toolTip().toStdString(),
             expected().recordButton);
@@ -245,7 +245,7 @@ TEST_P(TranslatedWindow, AScreenReaderHearsTheLanguage) {
   }
 }
 
-TEST_P(TranslatedWindow, WhatGoesOnIsWholeBesideTheBarInTheNarrowestWindow) {
+TEST_P(TranslatedWindowTest, WhatGoesOnIsWholeBesideTheBarInTheNarrowestWindow) {
   window_->resize(window_->minimumSizeHint());
   auto* const panel = window_->findChild<OVLoadingPanel*>();
   auto* const label = window_->findChild<QLabel*>("loadingLabel");
@@ -265,7 +265,7 @@ TEST_P(TranslatedWindow, WhatGoesOnIsWholeBesideTheBarInTheNarrowestWindow) {
   EXPECT_EQ(different.size(), 5U);
 }
 
-TEST_P(TranslatedWindow, TheQuestionAboutUnsavedChangesIsWholeAndQuotesAsTheLanguageDoes) {
+TEST_P(TranslatedWindowTest, TheQuestionAboutUnsavedChangesIsWholeAndQuotesAsTheLanguageDoes) {
   platform::QtFileDialogs real;
   const platform::Installed<platform::FileDialogs>::Scope installation(real);
   window_->setDocumentEdited(true);
@@ -284,7 +284,7 @@ TEST_P(TranslatedWindow, TheQuestionAboutUnsavedChangesIsWholeAndQuotesAsTheLang
   dontSave->click();
 }
 
-TEST_P(TranslatedWindow, TheSavePanelIsWholeAndItsKeyLetterIsItsOwn) {
+TEST_P(TranslatedWindowTest, TheSavePanelIsWholeAndItsKeyLetterIsItsOwn) {
   platform::QtFileDialogs real;
   const platform::Installed<platform::FileDialogs>::Scope installation(real);
   item(window_, "Save As…")->trigger();
@@ -304,7 +304,7 @@ TEST_P(TranslatedWindow, TheSavePanelIsWholeAndItsKeyLetterIsItsOwn) {
   panel->reject();
 }
 
-TEST_P(TranslatedWindow, TheRuleOfRingtonesIsWhole) {
+TEST_P(TranslatedWindowTest, TheRuleOfRingtonesIsWhole) {
   platform::QtFileDialogs real;
   const platform::Installed<platform::FileDialogs>::Scope installation(real);
   item(window_, "Export Ringtone…")->trigger();
@@ -314,13 +314,13 @@ TEST_P(TranslatedWindow, TheRuleOfRingtonesIsWhole) {
   panel->reject();
 }
 
-INSTANTIATE_TEST_SUITE_P(InEveryLanguage, TranslatedWindow,
+INSTANTIATE_TEST_SUITE_P(InEveryLanguage, TranslatedWindowTest,
                          testing::Values("", "de", "fr", "es", "ja", "zh_CN"),
                          [](const auto& language) {
                            return language.param.empty() ? std::string("en") : language.param;
                          });
 
-TEST(TranslatedWindows, EveryLanguageThatThereIsIsTested) {
+TEST(TranslatedWindowListTest, EveryLanguageThatThereIsIsTested) {
   std::set<std::string> languages;
   for (const QString& language : OVTranslations::languages()) {
     languages.insert(language.toStdString());

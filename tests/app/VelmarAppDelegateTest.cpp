@@ -15,7 +15,9 @@
 #include "storage/OVAudioBuffer.h"
 #include "support/TemporaryFolder.h"
 
-TEST_F(AppDelegateTest, LaunchingWithoutFilesShowsOneEmptyWindow) {
+class VelmarAppDelegateTest : public AppFixture {};
+
+TEST_F(VelmarAppDelegateTest, LaunchingWithoutFilesShowsOneEmptyWindow) {
   delegate_.applicationWillFinishLaunching();
   EXPECT_TRUE(windows().empty());
   delegate_.applicationDidFinishLaunching();
@@ -23,7 +25,7 @@ TEST_F(AppDelegateTest, LaunchingWithoutFilesShowsOneEmptyWindow) {
   EXPECT_TRUE(windows()[0]->isVisible());
 }
 
-TEST_F(AppDelegateTest, AFreshOneWantsAnEmptyWindowAndAFileThatWasOpenedNone) {
+TEST_F(VelmarAppDelegateTest, AFreshOneWantsAnEmptyWindowAndAFileThatWasOpenedNone) {
   delegate_.applicationOpenFile("/nowhere/gone.wav");
   delegate_.applicationDidFinishLaunching();
   EXPECT_EQ(windows().size(), 1u);
@@ -32,7 +34,7 @@ TEST_F(AppDelegateTest, AFreshOneWantsAnEmptyWindowAndAFileThatWasOpenedNone) {
   EXPECT_EQ(windows().size(), 2u);
 }
 
-TEST_F(AppDelegateTest, LinesGoToTheConsoleInTheDebugWindow) {
+TEST_F(VelmarAppDelegateTest, LinesGoToTheConsoleInTheDebugWindow) {
   EXPECT_EQ(delegate_.debugWindow(), nullptr);
   EXPECT_EQ(delegate_.debugConsole(), nullptr);
   delegate_.logToConsole("one");
@@ -46,7 +48,7 @@ TEST_F(AppDelegateTest, LinesGoToTheConsoleInTheDebugWindow) {
   EXPECT_TRUE(delegate_.debugWindow()->isVisible());
 }
 
-TEST_F(AppDelegateTest, AConsoleThatIsSetGetsTheLines) {
+TEST_F(VelmarAppDelegateTest, AConsoleThatIsSetGetsTheLines) {
   auto window = std::make_unique<QWidget>();
   auto* const shown = window.get();
   auto* const console = new QPlainTextEdit(shown);
@@ -57,7 +59,7 @@ TEST_F(AppDelegateTest, AConsoleThatIsSetGetsTheLines) {
   EXPECT_EQ(delegate_.debugWindow(), shown);
 }
 
-TEST_F(AppDelegateTest, QuittingWithNoWindowsOrNoneEditedIsAnsweredAtOnce) {
+TEST_F(VelmarAppDelegateTest, QuittingWithNoWindowsOrNoneEditedIsAnsweredAtOnce) {
   EXPECT_EQ(delegate_.applicationShouldTerminate(), VelmarAppDelegate::TerminateReply::now);
   spawn();
   EXPECT_EQ(delegate_.applicationShouldTerminate(), VelmarAppDelegate::TerminateReply::now);
@@ -66,7 +68,7 @@ TEST_F(AppDelegateTest, QuittingWithNoWindowsOrNoneEditedIsAnsweredAtOnce) {
   EXPECT_FALSE(delegate_.isTerminating());
 }
 
-TEST_F(AppDelegateTest, QuittingWithAnEditedWindowClosesItAndQuitsOnceNoneIsEdited) {
+TEST_F(VelmarAppDelegateTest, QuittingWithAnEditedWindowClosesItAndQuitsOnceNoneIsEdited) {
   QPointer<OVRecorderWindow> window = spawn();
   window->setDocumentEdited(true);
   EXPECT_EQ(delegate_.applicationShouldTerminate(), VelmarAppDelegate::TerminateReply::cancel);
@@ -76,7 +78,7 @@ TEST_F(AppDelegateTest, QuittingWithAnEditedWindowClosesItAndQuitsOnceNoneIsEdit
   EXPECT_FALSE(delegate_.isTerminating());
 }
 
-TEST_F(AppDelegateTest, ACancelledQuitStopsThePollingAndALaterOneStartsItAgain) {
+TEST_F(VelmarAppDelegateTest, ACancelledQuitStopsThePollingAndALaterOneStartsItAgain) {
   spawn()->setDocumentEdited(true);
   ASSERT_EQ(delegate_.applicationShouldTerminate(), VelmarAppDelegate::TerminateReply::cancel);
   delegate_.cancelTermination();
@@ -87,7 +89,7 @@ TEST_F(AppDelegateTest, ACancelledQuitStopsThePollingAndALaterOneStartsItAgain) 
   delegate_.cancelTermination();
 }
 
-TEST_F(AppDelegateTest, RegisteredTemporaryFilesAreDeletedAtTheEndAlsoThoseAlreadyGone) {
+TEST_F(VelmarAppDelegateTest, RegisteredTemporaryFilesAreDeletedAtTheEndAlsoThoseAlreadyGone) {
   const QTemporaryDir folder;
   const std::string kept = folder.filePath("kept").toStdString();
   const std::string gone = folder.filePath("gone").toStdString();
@@ -100,7 +102,7 @@ TEST_F(AppDelegateTest, RegisteredTemporaryFilesAreDeletedAtTheEndAlsoThoseAlrea
   EXPECT_EQ(delegate_.tempfiles().size(), 2u);  // the list only grows
 }
 
-TEST_F(AppDelegateTest, TheSpectrumItemIsCheckedWhileTheSpectrumIsShown) {
+TEST_F(VelmarAppDelegateTest, TheSpectrumItemIsCheckedWhileTheSpectrumIsShown) {
   OVRecorderWindow* const window = spawn();
   QAction* const spectrum = item(window, "Spectrum");
   ASSERT_NE(spectrum, nullptr);
@@ -119,7 +121,7 @@ TEST_F(AppDelegateTest, TheSpectrumItemIsCheckedWhileTheSpectrumIsShown) {
   EXPECT_TRUE(runMainLoopUntil([&] { return window->height() == height; }));
 }
 
-TEST_F(AppDelegateTest, ClosingTheWindowWhileRecordingAndQuittingLeavesNothingRunning) {
+TEST_F(VelmarAppDelegateTest, ClosingTheWindowWhileRecordingAndQuittingLeavesNothingRunning) {
   OVRecorderWindow* const window = spawn();
   item(window, "Record")->trigger();
   delegate_.terminate();
@@ -129,7 +131,7 @@ TEST_F(AppDelegateTest, ClosingTheWindowWhileRecordingAndQuittingLeavesNothingRu
 
 // Menus -----------------------------------------------------------------------------------------
 
-TEST_F(AppDelegateTest, EveryWindowHasTheMenusAndSaysWhatCanBeUndone) {
+TEST_F(VelmarAppDelegateTest, EveryWindowHasTheMenusAndSaysWhatCanBeUndone) {
   OVRecorderWindow* const window = spawn();
   QStringList titles;
   for (const QAction* const action : window->menuBar()->actions()) {
@@ -149,7 +151,7 @@ TEST_F(AppDelegateTest, EveryWindowHasTheMenusAndSaysWhatCanBeUndone) {
   EXPECT_EQ(item(window, "Redo")->text(), "Redo Record");
 }
 
-TEST_F(AppDelegateTest, TheMenuNamesEveryActionThatCanBeUndoneAndRedone) {
+TEST_F(VelmarAppDelegateTest, TheMenuNamesEveryActionThatCanBeUndoneAndRedone) {
   OVRecorderWindow* const window = spawn();
   const auto document = documentOf(window);
   const auto expectUndoAndRedoOf = [&](const QString& action) {
@@ -180,7 +182,7 @@ TEST_F(AppDelegateTest, TheMenuNamesEveryActionThatCanBeUndoneAndRedone) {
   expectUndoAndRedoOf("Import File");
 }
 
-TEST_F(AppDelegateTest, ReverseAudioIsEnabledAsSoonAsADocumentIsKeptInMemory) {
+TEST_F(VelmarAppDelegateTest, ReverseAudioIsEnabledAsSoonAsADocumentIsKeptInMemory) {
   OVRecorderWindow* const window = spawn();
   const auto document = documentOf(window);
   const auto memory = OVAudioBuffer::init();
@@ -199,7 +201,7 @@ TEST_F(AppDelegateTest, ReverseAudioIsEnabledAsSoonAsADocumentIsKeptInMemory) {
   EXPECT_EQ(read, samples);
 }
 
-TEST_F(AppDelegateTest, NewRecorderOpensAnotherWindowOfItsOwn) {
+TEST_F(VelmarAppDelegateTest, NewRecorderOpensAnotherWindowOfItsOwn) {
   OVRecorderWindow* const first = spawn();
   item(first, "New Recorder")->trigger();
   ASSERT_EQ(windows().size(), 2u);
@@ -209,7 +211,7 @@ TEST_F(AppDelegateTest, NewRecorderOpensAnotherWindowOfItsOwn) {
   }
 }
 
-TEST_F(AppDelegateTest, TheTransportItemsShowTheWindowsKeysWithoutTakingThem) {
+TEST_F(VelmarAppDelegateTest, TheTransportItemsShowTheWindowsKeysWithoutTakingThem) {
   OVRecorderWindow* const window = spawn();
   for (const char* name : {"Record", "Play", "To Start"}) {
     EXPECT_TRUE(item(window, name)->shortcut().isEmpty());
@@ -217,7 +219,7 @@ TEST_F(AppDelegateTest, TheTransportItemsShowTheWindowsKeysWithoutTakingThem) {
   }
 }
 
-TEST_F(AppDelegateTest, KeysReachTheTransportThroughTheWindow) {
+TEST_F(VelmarAppDelegateTest, KeysReachTheTransportThroughTheWindow) {
   OVRecorderWindow* const window = spawn();
   auto* const rec = window->findChild<OVTransportButton*>("recButton");
   QTest::keyPress(window, Qt::Key_R);

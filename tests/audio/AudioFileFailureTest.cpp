@@ -32,7 +32,7 @@ const std::vector<platform::AudioStatus>& statuses() {
   return all;
 }
 
-TEST(AudioFileFailure, EveryStatusIsASentenceWithTheFilesName) {
+TEST(AudioFileFailureTest, EveryStatusIsASentenceWithTheFilesName) {
   for (const platform::AudioStatus status : statuses()) {
     for (const auto& reason :
          {openingFailureReason(status, "/a/b.wav"), readingFailureReason(status, "/a/b.wav"),
@@ -44,7 +44,7 @@ TEST(AudioFileFailure, EveryStatusIsASentenceWithTheFilesName) {
   }
 }
 
-TEST(AudioFileFailure, WhatCanBeMetWhileOpeningHasASentenceOfItsOwn) {
+TEST(AudioFileFailureTest, WhatCanBeMetWhileOpeningHasASentenceOfItsOwn) {
   std::set<std::string> sentences;
   for (std::size_t i = 0; i < 8; ++i) {
     sentences.insert(openingFailureReason(statuses()[i], "a"));
@@ -52,7 +52,7 @@ TEST(AudioFileFailure, WhatCanBeMetWhileOpeningHasASentenceOfItsOwn) {
   EXPECT_EQ(sentences.size(), 8U);
 }
 
-TEST(AudioFileFailure, TheShownNameIsTheLastComponent) {
+TEST(AudioFileFailureTest, TheShownNameIsTheLastComponent) {
   EXPECT_EQ(shownFileName("/music/song.wav"), "“song.wav”");
   EXPECT_EQ(shownFileName("song.wav"), "“song.wav”");
   EXPECT_EQ(shownFileName("/music/folder/"), "“folder”");
@@ -60,14 +60,14 @@ TEST(AudioFileFailure, TheShownNameIsTheLastComponent) {
   EXPECT_EQ(shownFileName(""), "“”");
 }
 
-TEST(AudioFileFailure, WhatDoesNotPrintIsShownAsASpaceOrAReplacement) {
+TEST(AudioFileFailureTest, WhatDoesNotPrintIsShownAsASpaceOrAReplacement) {
   EXPECT_EQ(shownFileName("a\nb\tc\x7F.wav"), "“a b c .wav”");
   EXPECT_EQ(shownFileName("a\u202Eb\u2028c.wav"), "“a b c.wav”");
   EXPECT_EQ(shownFileName("a\xFF.wav"), "“a\uFFFD.wav”");
   EXPECT_EQ(shownFileName("歌 Größe.wav"), "“歌 Größe.wav”");
 }
 
-TEST(AudioFileFailure, APlaceholderInANameIsLeftAlone) {
+TEST(AudioFileFailureTest, APlaceholderInANameIsLeftAlone) {
   EXPECT_THAT(openingFailureReason(platform::kEmptyFileStatus, "%1%2 %s.wav"),
               testing::StrEq("“%1%2 %s.wav” is empty."));
 }

@@ -101,7 +101,7 @@ TEST_F(ChannelLevelsTest, AMeterThatKeepsFailingIsAlertedOnceUntilItHasWorkedAga
   testing::internal::GetCapturedStderr();
 }
 
-TEST(AveragePowers, AChannelNumberOutOfRangeGivesNone) {
+TEST(ChannelLevelsAverageTest, AChannelNumberOutOfRangeGivesNone) {
   const std::vector<platform::AudioQueueLevelMeterState> levels(2);
   EXPECT_EQ(averagePowers({2, 0}, levels), std::nullopt);
   EXPECT_EQ(averagePowers({1}, levels), std::nullopt);
@@ -109,7 +109,7 @@ TEST(AveragePowers, AChannelNumberOutOfRangeGivesNone) {
   EXPECT_THAT(averagePowers({1, 0}, levels), Optional(ElementsAre(0.0F, 0.0F)));
 }
 
-TEST(AveragePowers, AChannelNumberAbove127GivesNone) {
+TEST(ChannelLevelsAverageTest, AChannelNumberAbove127GivesNone) {
   std::vector<int> channels(128);
   std::iota(channels.begin(), channels.end(), 0);
   const std::vector<platform::AudioQueueLevelMeterState> levels(129);
@@ -118,7 +118,7 @@ TEST(AveragePowers, AChannelNumberAbove127GivesNone) {
   EXPECT_EQ(averagePowers(channels, levels), std::nullopt);
 }
 
-TEST(AveragePowers, WithoutLevelsTheListIsEmpty) {
+TEST(ChannelLevelsAverageTest, WithoutLevelsTheListIsEmpty) {
   EXPECT_THAT(averagePowers({1, 0}, {}), Optional(IsEmpty()));
 }
 

@@ -114,7 +114,7 @@ TEST_F(CheckAudioStatusTest, TitleAndMessageAreTranslatedLabelAndCodeAreNot) {
       ElementsAre(RecordedAlert{"CORE AUDIO ERROR", "CORE AUDIO RETURNED THE ERROR: label (-1)"}));
 }
 
-TEST(AudioStatusCodeText, QuotesFourPrintableCharactersOnly) {
+TEST(CheckAudioStatusCodeTest, QuotesFourPrintableCharactersOnly) {
   EXPECT_EQ(AudioStatusCodeText(platform::fourCharacterStatus("wht?")), "'wht?'");
   EXPECT_EQ(AudioStatusCodeText(0x20202020), "'    '");
   EXPECT_EQ(AudioStatusCodeText(0x7e7e7e7e), "'~~~~'");

@@ -369,10 +369,10 @@ struct FailingStep {
   const char* label;
 };
 
-class OVAQPlayerSetUpFailure : public OVAQPlayerTest,
-                               public testing::WithParamInterface<FailingStep> {};
+class OVAQPlayerSetUpFailureTest : public OVAQPlayerTest,
+                                   public testing::WithParamInterface<FailingStep> {};
 
-TEST_P(OVAQPlayerSetUpFailure, IsReportedUnderItsLabelAndLeavesNothingBehind) {
+TEST_P(OVAQPlayerSetUpFailureTest, IsReportedUnderItsLabelAndLeavesNothingBehind) {
   const auto step = GetParam();
   queues_->fail(step.call, -66, step.nth);
   make(10000);
@@ -386,7 +386,7 @@ TEST_P(OVAQPlayerSetUpFailure, IsReportedUnderItsLabelAndLeavesNothingBehind) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    EveryStep, OVAQPlayerSetUpFailure,
+    EveryStep, OVAQPlayerSetUpFailureTest,
     testing::Values(FailingStep{"newOutput", 1, "AudioQueueNewOutput failed"},
                     FailingStep{"enableLevelMetering", 1, "couldn't enable metering"},
                     FailingStep{"setRunningListener", 1, "couldn't install listener"},

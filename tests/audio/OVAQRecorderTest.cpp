@@ -100,10 +100,10 @@ struct FailingStep {
   const char* label;
 };
 
-class OVAQRecorderSetUpFailure : public OVAQRecorderTest,
-                                 public testing::WithParamInterface<FailingStep> {};
+class OVAQRecorderSetUpFailureTest : public OVAQRecorderTest,
+                                     public testing::WithParamInterface<FailingStep> {};
 
-TEST_P(OVAQRecorderSetUpFailure, IsReportedUnderItsLabelAndLeavesNothingBehind) {
+TEST_P(OVAQRecorderSetUpFailureTest, IsReportedUnderItsLabelAndLeavesNothingBehind) {
   const auto step = GetParam();
   queues_->fail(step.call, -66, step.nth);
   make();
@@ -119,7 +119,7 @@ TEST_P(OVAQRecorderSetUpFailure, IsReportedUnderItsLabelAndLeavesNothingBehind) 
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    EveryStep, OVAQRecorderSetUpFailure,
+    EveryStep, OVAQRecorderSetUpFailureTest,
     testing::Values(FailingStep{"completeFormat", 1, "AudioFormatGetProperty failed"},
                     FailingStep{"newInput", 1, "lul AudioQueueNewInput failed"},
                     FailingStep{"allocateBuffer", 1, "AudioQueueAllocateBuffer failed"},

@@ -76,10 +76,10 @@ class OVAudioFileReaderBadInputTest : public testing::Test {
   support::InstalledRecordingServices services_;
 };
 
-class BadInput : public OVAudioFileReaderBadInputTest,
-                 public testing::WithParamInterface<BadFile> {};
+class OVAudioFileReaderBadInputFileTest : public OVAudioFileReaderBadInputTest,
+                                          public testing::WithParamInterface<BadFile> {};
 
-TEST_P(BadInput, EndsSoonAndClearly) {
+TEST_P(OVAudioFileReaderBadInputFileTest, EndsSoonAndClearly) {
   const BadFile& each = GetParam();
   const std::string path = folder_.file(each.file);
   ASSERT_NO_FATAL_FAILURE(each.make(path));
@@ -114,7 +114,7 @@ TEST_P(BadInput, EndsSoonAndClearly) {
   EXPECT_LE(services_->consoleLines().size(), 50U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, BadInput, testing::ValuesIn(badFiles()),
+INSTANTIATE_TEST_SUITE_P(Files, OVAudioFileReaderBadInputFileTest, testing::ValuesIn(badFiles()),
                          [](const testing::TestParamInfo<BadFile>& each) {
                            return each.param.name;
                          });

@@ -172,9 +172,10 @@ class OVAudioFileReaderCorpusTest : public testing::Test {
   Samples samples_;
 };
 
-class EveryKind : public OVAudioFileReaderCorpusTest, public testing::WithParamInterface<Kind> {};
+class OVAudioFileReaderCorpusKindTest : public OVAudioFileReaderCorpusTest,
+                                        public testing::WithParamInterface<Kind> {};
 
-TEST_P(EveryKind, IsReadAsFfmpegDecodesIt) {
+TEST_P(OVAudioFileReaderCorpusKindTest, IsReadAsFfmpegDecodesIt) {
   const Kind& kind = GetParam();
   const std::string path = folder_.file(kind.file);
   std::vector<std::string> command{"-i", source_};
@@ -207,7 +208,7 @@ TEST_P(EveryKind, IsReadAsFfmpegDecodesIt) {
   expectNear(read, decoded, frames, kind.tolerance);
 }
 
-INSTANTIATE_TEST_SUITE_P(Corpus, EveryKind, testing::ValuesIn(kinds()),
+INSTANTIATE_TEST_SUITE_P(Corpus, OVAudioFileReaderCorpusKindTest, testing::ValuesIn(kinds()),
                          [](const testing::TestParamInfo<Kind>& kind) { return kind.param.name; });
 
 TEST_F(OVAudioFileReaderCorpusTest, FilesOfSoxAreReadAsSoxDecodesThem) {

@@ -18,12 +18,12 @@ using testing::IsEmpty;
 
 constexpr std::int32_t kNone = -1;
 
-TEST(OVFileKinds, PanelsOfferTheReadableSuffixesInTheirOrder) {
+TEST(OVFileKindsTest, PanelsOfferTheReadableSuffixesInTheirOrder) {
   EXPECT_THAT(readableFileTypes(),
               ElementsAre("caf", "aif", "aiff", "wav", "mp3", "mp4", "m4a", "m4r", "aac"));
 }
 
-TEST(OVFileKinds, WritableKindsAreThoseOfTheWriterInItsOrder) {
+TEST(OVFileKindsTest, WritableKindsAreThoseOfTheWriterInItsOrder) {
   std::vector<std::pair<std::uint32_t, std::string>> kinds;
   for (const OVFileKind& kind : writableFileKinds()) {
     kinds.emplace_back(static_cast<std::uint32_t>(kind.type), kind.title.english());
@@ -37,7 +37,7 @@ TEST(OVFileKinds, WritableKindsAreThoseOfTheWriterInItsOrder) {
   EXPECT_EQ(fileKindOfType(4), nullptr);
 }
 
-TEST(OVFileKinds, SuffixesOfAKindBeginWithTheUsualOne) {
+TEST(OVFileKindsTest, SuffixesOfAKindBeginWithTheUsualOne) {
   EXPECT_THAT(suffixesOfType(0), ElementsAre("wav"));
   EXPECT_THAT(suffixesOfType(1), ElementsAre("aiff", "aif"));
   EXPECT_THAT(suffixesOfType(2), ElementsAre("caf"));
@@ -46,7 +46,7 @@ TEST(OVFileKinds, SuffixesOfAKindBeginWithTheUsualOne) {
   EXPECT_THAT(suffixesOfType(4), IsEmpty());
 }
 
-TEST(OVFileKinds, EverySuffixOfAKindNamesItInAnyCase) {
+TEST(OVFileKindsTest, EverySuffixOfAKindNamesItInAnyCase) {
   for (const OVFileKind& kind : writableFileKinds()) {
     for (const std::string& suffix : suffixesOfType(kind.type)) {
       EXPECT_EQ(fileTypeOfPath("/a/take." + suffix), kind.type) << suffix;
@@ -55,14 +55,14 @@ TEST(OVFileKinds, EverySuffixOfAKindNamesItInAnyCase) {
   EXPECT_EQ(fileTypeOfPath("TAKE.AiFf"), 1);
 }
 
-TEST(OVFileKinds, OtherNamesAreOfNoKindThatCanBeWritten) {
+TEST(OVFileKindsTest, OtherNamesAreOfNoKindThatCanBeWritten) {
   for (const char* path : {"a.mp3", "a.m4r", "a.aac", "a.flac", "a.wav.txt", "a.", "wav", ".wav",
                            "", "/wav/a", "a.wa", "a.wavv", "a.w\xC4v"}) {
     EXPECT_EQ(fileTypeOfPath(path), kNone) << path;
   }
 }
 
-TEST(OVFileKinds, MimeTypesFollowTheSuffix) {
+TEST(OVFileKindsTest, MimeTypesFollowTheSuffix) {
   const std::vector<std::pair<std::string, std::string>> types{{"a.caf", "audio/x-caf"},
                                                                {"a.aif", "audio/x-aiff"},
                                                                {"a.aiff", "audio/x-aiff"},
@@ -82,7 +82,7 @@ TEST(OVFileKinds, MimeTypesFollowTheSuffix) {
   }
 }
 
-TEST(OVFileKinds, DesktopEntryListsEveryMimeType) {
+TEST(OVFileKindsTest, DesktopEntryListsEveryMimeType) {
   std::ifstream file(ORVO_REPOSITORY "/resources/orvo.desktop");
   const std::string entry{std::istreambuf_iterator<char>(file), {}};
   const auto begin = entry.find("MimeType=");
@@ -94,7 +94,7 @@ TEST(OVFileKinds, DesktopEntryListsEveryMimeType) {
   }
 }
 
-TEST(OVFileKinds, NamesLoseTheirFolderAndTheirLastSuffix) {
+TEST(OVFileKindsTest, NamesLoseTheirFolderAndTheirLastSuffix) {
   EXPECT_EQ(lastPathComponent("/a/b.c.wav"), "b.c.wav");
   EXPECT_EQ(lastPathComponent("b.wav"), "b.wav");
   EXPECT_EQ(nameWithoutSuffix("/a/b.c.wav"), "b.c");

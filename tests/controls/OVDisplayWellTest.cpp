@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(DisplayWell, IsDarkWithRoundCornersThatShowTheBar) {
+TEST(OVDisplayWellTest, IsDarkWithRoundCornersThatShowTheBar) {
   ControlsWindow window;
   const QImage bar = window.picture(window.bar());
   OVDisplayWell well(window.bar());
@@ -19,7 +19,7 @@ TEST(DisplayWell, IsDarkWithRoundCornersThatShowTheBar) {
   EXPECT_EQ(picture.pixelColor(39, 29), bar.pixelColor(39, 29));
 }
 
-TEST(DisplayWell, ALightRimLiesBelowIt) {
+TEST(OVDisplayWellTest, ALightRimLiesBelowIt) {
   ControlsWindow window;
   const QImage bar = window.picture(window.bar());
   OVDisplayWell well(window.bar());

@@ -7,9 +7,9 @@
 
 namespace {
 
-class FocusKeeper : public testing::Test {
+class OVFocusKeeperTest : public testing::Test {
  protected:
-  FocusKeeper() {
+  OVFocusKeeperTest() {
     for (QWidget* const view : {first_.get(), second_.get()}) {
       view->setFocusPolicy(Qt::TabFocus);
     }
@@ -28,7 +28,7 @@ class FocusKeeper : public testing::Test {
   OVFocusKeeper keeper_;
 };
 
-TEST_F(FocusKeeper, AControlThatWasDisabledGetsTheKeyboardBackAndNobodyHasItMeanwhile) {
+TEST_F(OVFocusKeeperTest, AControlThatWasDisabledGetsTheKeyboardBackAndNobodyHasItMeanwhile) {
   disable(first_.get());
   EXPECT_EQ(window_.focusWidget(), nullptr);
   first_->setEnabled(true);
@@ -36,7 +36,7 @@ TEST_F(FocusKeeper, AControlThatWasDisabledGetsTheKeyboardBackAndNobodyHasItMean
   EXPECT_EQ(window_.focusWidget(), first_.get());
 }
 
-TEST_F(FocusKeeper, DisablingASecondTimeForgetsNothing) {
+TEST_F(OVFocusKeeperTest, DisablingASecondTimeForgetsNothing) {
   disable(first_.get());
   disable(first_.get());
   first_->setEnabled(true);
@@ -44,7 +44,7 @@ TEST_F(FocusKeeper, DisablingASecondTimeForgetsNothing) {
   EXPECT_EQ(window_.focusWidget(), first_.get());
 }
 
-TEST_F(FocusKeeper, AnotherControlKeepsTheKeyboardAllTheTime) {
+TEST_F(OVFocusKeeperTest, AnotherControlKeepsTheKeyboardAllTheTime) {
   disable(second_.get());
   EXPECT_EQ(window_.focusWidget(), first_.get());
   first_->clearFocus();
@@ -52,7 +52,7 @@ TEST_F(FocusKeeper, AnotherControlKeepsTheKeyboardAllTheTime) {
   EXPECT_EQ(window_.focusWidget(), nullptr);
 }
 
-TEST_F(FocusKeeper, AKeyboardThatWasMovedMeanwhileStays) {
+TEST_F(OVFocusKeeperTest, AKeyboardThatWasMovedMeanwhileStays) {
   disable(first_.get());
   second_->setFocus();
   first_->setEnabled(true);
@@ -60,20 +60,20 @@ TEST_F(FocusKeeper, AKeyboardThatWasMovedMeanwhileStays) {
   EXPECT_EQ(window_.focusWidget(), second_.get());
 }
 
-TEST_F(FocusKeeper, AControlThatIsGoneGetsNothing) {
+TEST_F(OVFocusKeeperTest, AControlThatIsGoneGetsNothing) {
   disable(first_.get());
   first_.reset();
   keeper_.giveBack(&window_);
   EXPECT_EQ(window_.focusWidget(), nullptr);
 }
 
-TEST_F(FocusKeeper, WithoutAWindowItDoesNothing) {
+TEST_F(OVFocusKeeperTest, WithoutAWindowItDoesNothing) {
   keeper_.takeFrom(nullptr, std::vector<QWidget*>{first_.get()});
   keeper_.giveBack(nullptr);
   EXPECT_EQ(window_.focusWidget(), first_.get());
 }
 
-TEST_F(FocusKeeper, ItGivesBackOnce) {
+TEST_F(OVFocusKeeperTest, ItGivesBackOnce) {
   disable(first_.get());
   first_->setEnabled(true);
   keeper_.giveBack(&window_);

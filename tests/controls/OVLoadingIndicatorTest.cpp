@@ -6,7 +6,7 @@
 
 namespace {
 
-class LoadingIndicator : public testing::Test {
+class OVLoadingIndicatorTest : public testing::Test {
  protected:
   void SetUp() override {
     QPalette palette;
@@ -25,7 +25,7 @@ class LoadingIndicator : public testing::Test {
   OVLoadingIndicator* indicator_ = nullptr;
 };
 
-TEST_F(LoadingIndicator, FillsAsFarAsTheValueSays) {
+TEST_F(OVLoadingIndicatorTest, FillsAsFarAsTheValueSays) {
   indicator_->setRange(0, 1000);
   indicator_->setValue(250);
   EXPECT_TRUE(isFilled(2));
@@ -37,16 +37,16 @@ TEST_F(LoadingIndicator, FillsAsFarAsTheValueSays) {
   EXPECT_FALSE(isFilled(2));
 }
 
-TEST_F(LoadingIndicator, ABarThatWasNeverSetIsEmpty) {
+TEST_F(OVLoadingIndicatorTest, ABarThatWasNeverSetIsEmpty) {
   EXPECT_FALSE(isFilled(2));
   EXPECT_FALSE(isFilled(80));
 }
 
-TEST_F(LoadingIndicator, TheTrackLightensWhatLiesBelow) {
+TEST_F(OVLoadingIndicatorTest, TheTrackLightensWhatLiesBelow) {
   EXPECT_NEAR(parent_.grab().toImage().pixelColor(100, 9).green(), 26, 1);
 }
 
-TEST_F(LoadingIndicator, AnUnknownAmountShowsAPieceThatMoves) {
+TEST_F(OVLoadingIndicatorTest, AnUnknownAmountShowsAPieceThatMoves) {
   indicator_->setRange(0, 0);
   EXPECT_TRUE(isFilled(10));
   EXPECT_FALSE(isFilled(150));
@@ -54,7 +54,7 @@ TEST_F(LoadingIndicator, AnUnknownAmountShowsAPieceThatMoves) {
   EXPECT_TRUE(QTest::qWaitFor([this] { return isFilled(150) && !isFilled(10); }));
 }
 
-TEST_F(LoadingIndicator, TheTimerRunsOnlyWhileThereIsSomethingToMove) {
+TEST_F(OVLoadingIndicatorTest, TheTimerRunsOnlyWhileThereIsSomethingToMove) {
   parent_.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&parent_));
   EXPECT_FALSE(indicator_->isAnimating());

@@ -10,9 +10,9 @@
 
 namespace {
 
-class LoadingPanel : public testing::Test {
+class OVLoadingPanelTest : public testing::Test {
  protected:
-  LoadingPanel() {
+  OVLoadingPanelTest() {
     QPalette white;
     white.setColor(QPalette::Window, Qt::white);  // as bright as the marker's line
     view_.setPalette(white);
@@ -46,20 +46,20 @@ class LoadingPanel : public testing::Test {
   OVLoadingIndicator* indicator_ = new OVLoadingIndicator;
 };
 
-TEST_F(LoadingPanel, HidesWhatLiesBelowAndLightensItsGroundAsAnOverlayDoes) {
+TEST_F(OVLoadingPanelTest, HidesWhatLiesBelowAndLightensItsGroundAsAnOverlayDoes) {
   const QColor below = blended(Qt::white, QColor(36, 50, 69), 230.0 / 255.0);
   const QColor expected = blended(below, Qt::white, 0.1);
   EXPECT_LE(colorDistance(picture().pixelColor(panel_->width() / 2, 1), expected), 2);
   EXPECT_EQ(picture().pixelColor(0, 0), QColor(Qt::white)) << "a round corner";
 }
 
-TEST_F(LoadingPanel, TheWordsAreShownAndNameTheBar) {
+TEST_F(OVLoadingPanelTest, TheWordsAreShownAndNameTheBar) {
   panel_->setActivity(QStringLiteral("Saving"));
   EXPECT_EQ(label_->text(), QStringLiteral("Saving"));
   EXPECT_EQ(indicator_->accessibleName(), QStringLiteral("Saving"));
 }
 
-TEST_F(LoadingPanel, ItIsAtOnceAsWideAsTheWordsNeed) {
+TEST_F(OVLoadingPanelTest, ItIsAtOnceAsWideAsTheWordsNeed) {
   const int right = view_.rect().right() - view_.layout()->contentsMargins().right();
   for (const char* const words : {"Saving", "Something that takes more words", "Saving"}) {
     panel_->setActivity(QString::fromLatin1(words));
@@ -69,7 +69,7 @@ TEST_F(LoadingPanel, ItIsAtOnceAsWideAsTheWordsNeed) {
   }
 }
 
-TEST_F(LoadingPanel, TheWordsStayLightWhileTheViewBelowIsDisabled) {
+TEST_F(OVLoadingPanelTest, TheWordsStayLightWhileTheViewBelowIsDisabled) {
   panel_->setActivity(QStringLiteral("Saving"));
   const int enabled = lightest(label_->geometry());
   EXPECT_GT(enabled, 170);
@@ -77,7 +77,7 @@ TEST_F(LoadingPanel, TheWordsStayLightWhileTheViewBelowIsDisabled) {
   EXPECT_EQ(lightest(label_->geometry()), enabled);
 }
 
-TEST_F(LoadingPanel, WithoutLabelAndBarItStaysEmpty) {
+TEST_F(OVLoadingPanelTest, WithoutLabelAndBarItStaysEmpty) {
   OVLoadingPanel empty;
   empty.setActivity(QStringLiteral("Saving"));
   EXPECT_TRUE(empty.children().isEmpty());

@@ -15,7 +15,7 @@ QImage drawn(const QSize& size, const QColor& paper, int ratio = 1) {
   return picture;
 }
 
-TEST(OverlayView, TheRadiusIsSixPointsOrHalfTheSmallerSide) {
+TEST(OVOverlayViewTest, TheRadiusIsSixPointsOrHalfTheSmallerSide) {
   EXPECT_EQ(OVOverlayView::cornerRadius({100, 50}), 6.0);
   EXPECT_EQ(OVOverlayView::cornerRadius({12, 12}), 6.0);
   EXPECT_EQ(OVOverlayView::cornerRadius({100, 8}), 4.0);
@@ -24,7 +24,7 @@ TEST(OverlayView, TheRadiusIsSixPointsOrHalfTheSmallerSide) {
   EXPECT_EQ(OVOverlayView::cornerRadius({0, 0}), 0.0);
 }
 
-TEST(OverlayView, LightensWhatLiesBelowByATenth) {
+TEST(OVOverlayViewTest, LightensWhatLiesBelowByATenth) {
   const QImage picture = drawn({40, 30}, QColor(100, 50, 0));
   EXPECT_LE(colorDistance(picture.pixelColor(20, 15), QColor(116, 71, 26)), 1);
   EXPECT_LE(colorDistance(picture.pixelColor(0, 15), QColor(116, 71, 26)), 1);
@@ -46,7 +46,7 @@ double coverage(const QSizeF& size, double radius, int x, int y, int ratio) {
   return inside / static_cast<double>(kSamples * kSamples);
 }
 
-TEST(OverlayView, EveryPixelIsWhiteAtATenthWithinTheRoundCorners) {
+TEST(OVOverlayViewTest, EveryPixelIsWhiteAtATenthWithinTheRoundCorners) {
   for (const int ratio : {1, 2}) {
     for (const QSize size : {QSize(40, 30), QSize(40, 8), QSize(5, 30), QSize(11, 11)}) {
       const double radius = std::min({size.width() / 2.0, size.height() / 2.0, 6.0});
@@ -62,7 +62,7 @@ TEST(OverlayView, EveryPixelIsWhiteAtATenthWithinTheRoundCorners) {
   }
 }
 
-TEST(OverlayView, ASmallOverlayIsAPill) {
+TEST(OVOverlayViewTest, ASmallOverlayIsAPill) {
   const QImage picture = drawn({40, 8}, Qt::black);
   EXPECT_EQ(picture.pixelColor(0, 0), QColor(Qt::black));
   EXPECT_EQ(picture.pixelColor(0, 7), QColor(Qt::black));
@@ -70,7 +70,7 @@ TEST(OverlayView, ASmallOverlayIsAPill) {
   EXPECT_GT(picture.pixelColor(5, 0).green(), 20);
 }
 
-TEST(OverlayView, TheViewDrawsThePanelOverItsBounds) {
+TEST(OVOverlayViewTest, TheViewDrawsThePanelOverItsBounds) {
   QWidget parent;
   QPalette palette;
   palette.setColor(QPalette::Window, Qt::black);

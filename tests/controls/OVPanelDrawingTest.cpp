@@ -8,7 +8,7 @@
 
 namespace {
 
-class PanelDrawing : public testing::TestWithParam<int> {
+class OVPanelDrawingTest : public testing::TestWithParam<int> {
  protected:
   [[nodiscard]] static int ratio() { return GetParam(); }
 
@@ -35,7 +35,7 @@ class PanelDrawing : public testing::TestWithParam<int> {
   }
 };
 
-TEST_P(PanelDrawing, TheGradientIsLighterTowardsTheTop) {
+TEST_P(OVPanelDrawingTest, TheGradientIsLighterTowardsTheTop) {
   const QImage picture = draw(false);
   for (const int y : {1, 2, 14, 29, 44, 56}) {
     EXPECT_NEAR(row(picture, y * ratio()), gradient(y * ratio()), 1) << y;
@@ -43,7 +43,7 @@ TEST_P(PanelDrawing, TheGradientIsLighterTowardsTheTop) {
   EXPECT_NEAR(row(picture, picture.height() - 1), 0.83 * 255.0, 1);
 }
 
-TEST_P(PanelDrawing, AWhiteLineOfOnePointRunsAlongTheTop) {
+TEST_P(OVPanelDrawingTest, AWhiteLineOfOnePointRunsAlongTheTop) {
   const QImage picture = draw(false);
   for (int y = 0; y < ratio(); ++y) {
     EXPECT_EQ(row(picture, y), 255);
@@ -51,7 +51,7 @@ TEST_P(PanelDrawing, AWhiteLineOfOnePointRunsAlongTheTop) {
   EXPECT_LT(row(picture, ratio()), 232);
 }
 
-TEST_P(PanelDrawing, TheShadowIsADarkLineOfOnePointThreeAlongTheBottom) {
+TEST_P(OVPanelDrawingTest, TheShadowIsADarkLineOfOnePointThreeAlongTheBottom) {
   const QImage picture = draw(true);
   const int bottom = picture.height() - 1;
   const double pixels = 1.3 * ratio();
@@ -65,6 +65,6 @@ TEST_P(PanelDrawing, TheShadowIsADarkLineOfOnePointThreeAlongTheBottom) {
   EXPECT_NEAR(row(picture, bottom - full - 1), gradient(bottom - full - 1), 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(AtOneAndTwoPixelsAPoint, PanelDrawing, testing::Values(1, 2));
+INSTANTIATE_TEST_SUITE_P(AtOneAndTwoPixelsAPoint, OVPanelDrawingTest, testing::Values(1, 2));
 
 }  // namespace

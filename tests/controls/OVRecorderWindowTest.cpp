@@ -53,7 +53,7 @@ class Delegate : public OVRecorderWindowDelegate {
   std::function<void()> whileTold;
 };
 
-class RecorderWindow : public testing::Test {
+class OVRecorderWindowTest : public testing::Test {
  protected:
   void SetUp() override {
     window_->setCentralWidget(new QWidget);
@@ -85,7 +85,7 @@ class RecorderWindow : public testing::Test {
   QPointer<OVRecorderWindow> window_ = new OVRecorderWindow;
 };
 
-TEST_F(RecorderWindow, AKeyPressReachesTheDelegateOnceDownAndOnceUp) {
+TEST_F(OVRecorderWindowTest, AKeyPressReachesTheDelegateOnceDownAndOnceUp) {
   QTest::keyClick(window_->windowHandle(), Qt::Key_R);
   QTest::keyClick(window_->windowHandle(), Qt::Key_Return);
   QTest::keyClick(window_->windowHandle(), Qt::Key_Enter);
@@ -96,14 +96,14 @@ TEST_F(RecorderWindow, AKeyPressReachesTheDelegateOnceDownAndOnceUp) {
           {'d', 15}, {'u', 15}, {'d', 36}, {'u', 36}, {'d', 36}, {'u', 36}, {'d', 49}, {'u', 49}}));
 }
 
-TEST_F(RecorderWindow, OtherKeysAreForwardedAsUnmapped) {
+TEST_F(OVRecorderWindowTest, OtherKeysAreForwardedAsUnmapped) {
   QTest::keyClick(window_->windowHandle(), Qt::Key_X);
   QTest::keyClick(window_->windowHandle(), Qt::Key_Tab);
   EXPECT_THAT(delegate_->keys, testing::Contains(std::pair<char, int>('d', 0xFFFF)));
   EXPECT_THAT(delegate_->keys, testing::Not(testing::Contains(std::pair<char, int>('d', 49))));
 }
 
-TEST_F(RecorderWindow, AHeldKeyRepeatsItsDownAndComesUpOnce) {
+TEST_F(OVRecorderWindowTest, AHeldKeyRepeatsItsDownAndComesUpOnce) {
   send(QEvent::KeyPress, Qt::Key_Space);
   for (int i = 0; i < 3; ++i) {
     send(QEvent::KeyRelease, Qt::Key_Space, true);
@@ -113,7 +113,7 @@ TEST_F(RecorderWindow, AHeldKeyRepeatsItsDownAndComesUpOnce) {
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'d', 49}, {'d', 49}, {'d', 49}, {'u', 49}}));
 }
 
-TEST_F(RecorderWindow, ButtonsInsideDoNotTakeTheKeys) {
+TEST_F(OVRecorderWindowTest, ButtonsInsideDoNotTakeTheKeys) {
   auto* button = new OVTransportButton(window_->centralWidget());
   button->setGeometry(10, 10, 46, 32);
   button->show();
@@ -124,7 +124,7 @@ TEST_F(RecorderWindow, ButtonsInsideDoNotTakeTheKeys) {
   EXPECT_FALSE(button->isHighlighted());
 }
 
-TEST_F(RecorderWindow, MenuShortcutsWithModifiersKeepWorking) {
+TEST_F(OVRecorderWindowTest, MenuShortcutsWithModifiersKeepWorking) {
   int saved = 0;
   QMenu* menu = window_->menuBar()->addMenu(QStringLiteral("File"));
   menu->addAction(QStringLiteral("Save"), QKeySequence(Qt::CTRL | Qt::Key_S), window_,
@@ -135,13 +135,13 @@ TEST_F(RecorderWindow, MenuShortcutsWithModifiersKeepWorking) {
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'u', 0xFFFF}, {'u', 0xFFFF}}));
 }
 
-TEST_F(RecorderWindow, ACommandKeyIsNoTransportKey) {
+TEST_F(OVRecorderWindowTest, ACommandKeyIsNoTransportKey) {
   QTest::keyPress(window_->windowHandle(), Qt::Key_R, Qt::ControlModifier);
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'d', 0xFFFF}}));  // Control, and R with it
   QTest::keyRelease(window_->windowHandle(), Qt::Key_R, Qt::ControlModifier);
 }
 
-TEST_F(RecorderWindow, TheReleaseOfACommandKeyIsNoTransportKeyEither) {
+TEST_F(OVRecorderWindowTest, TheReleaseOfACommandKeyIsNoTransportKeyEither) {
   for (const auto key : {Qt::Key_R, Qt::Key_Return, Qt::Key_Space}) {
     delegate_->keys.clear();
     send(QEvent::KeyPress, key, false, Qt::ControlModifier);
@@ -150,12 +150,12 @@ TEST_F(RecorderWindow, TheReleaseOfACommandKeyIsNoTransportKeyEither) {
   }
 }
 
-TEST_F(RecorderWindow, AReleaseWhosePressWentElsewhereIsUnmapped) {
+TEST_F(OVRecorderWindowTest, AReleaseWhosePressWentElsewhereIsUnmapped) {
   send(QEvent::KeyRelease, Qt::Key_Space);  // a menu closed at the press
   EXPECT_EQ(delegate_->keys, (Keys{{'u', 0xFFFF}}));
 }
 
-TEST_F(RecorderWindow, AHeldKeyWhosePressWentElsewhereStaysUnmapped) {
+TEST_F(OVRecorderWindowTest, AHeldKeyWhosePressWentElsewhereStaysUnmapped) {
   send(QEvent::KeyPress, Qt::Key_Space, false, Qt::ControlModifier);
   send(QEvent::KeyRelease, Qt::Key_Space, true);
   send(QEvent::KeyPress, Qt::Key_Space, true);  // Control has come up, Space repeats
@@ -163,7 +163,7 @@ TEST_F(RecorderWindow, AHeldKeyWhosePressWentElsewhereStaysUnmapped) {
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'d', 0xFFFF}, {'u', 0xFFFF}}));
 }
 
-TEST_F(RecorderWindow, AKeyThatWentDownPlainComesUpUnderAModifierToo) {
+TEST_F(OVRecorderWindowTest, AKeyThatWentDownPlainComesUpUnderAModifierToo) {
   send(QEvent::KeyPress, Qt::Key_Space);
   send(QEvent::KeyRelease, Qt::Key_Space, true, Qt::ControlModifier);
   send(QEvent::KeyPress, Qt::Key_Space, true, Qt::ControlModifier);
@@ -171,7 +171,7 @@ TEST_F(RecorderWindow, AKeyThatWentDownPlainComesUpUnderAModifierToo) {
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'d', 0xFFFF}, {'u', 49}}));
 }
 
-TEST_F(RecorderWindow, APlainPressIsCancelledWhenTheWindowLosesTheKeyboard) {
+TEST_F(OVRecorderWindowTest, APlainPressIsCancelledWhenTheWindowLosesTheKeyboard) {
   send(QEvent::KeyPress, Qt::Key_Space);
   loseTheKeyboard();
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'c', 49}}));
@@ -179,7 +179,7 @@ TEST_F(RecorderWindow, APlainPressIsCancelledWhenTheWindowLosesTheKeyboard) {
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'c', 49}, {'u', 0xFFFF}}));
 }
 
-TEST_F(RecorderWindow, EveryKeyThatIsDownIsCancelledOnceAndNoOther) {
+TEST_F(OVRecorderWindowTest, EveryKeyThatIsDownIsCancelledOnceAndNoOther) {
   send(QEvent::KeyPress, Qt::Key_Return);
   send(QEvent::KeyRelease, Qt::Key_Return);
   send(QEvent::KeyPress, Qt::Key_R);
@@ -192,7 +192,7 @@ TEST_F(RecorderWindow, EveryKeyThatIsDownIsCancelledOnceAndNoOther) {
               testing::UnorderedElementsAre(std::pair('c', 15), std::pair('c', 49)));
 }
 
-TEST_F(RecorderWindow, ACancelledKeyThatIsStillHeldRepeatsAsUnmapped) {
+TEST_F(OVRecorderWindowTest, ACancelledKeyThatIsStillHeldRepeatsAsUnmapped) {
   send(QEvent::KeyPress, Qt::Key_Space);
   loseTheKeyboard();
   delegate_->keys.clear();
@@ -202,7 +202,7 @@ TEST_F(RecorderWindow, ACancelledKeyThatIsStillHeldRepeatsAsUnmapped) {
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'u', 0xFFFF}}));
 }
 
-TEST_F(RecorderWindow, LosingTheKeyboardWithoutADelegateForgetsTheKey) {
+TEST_F(OVRecorderWindowTest, LosingTheKeyboardWithoutADelegateForgetsTheKey) {
   send(QEvent::KeyPress, Qt::Key_Space);
   window_->setDelegate({});
   loseTheKeyboard();
@@ -211,14 +211,14 @@ TEST_F(RecorderWindow, LosingTheKeyboardWithoutADelegateForgetsTheKey) {
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'u', 0xFFFF}}));
 }
 
-TEST_F(RecorderWindow, ACommandTakesThePlaceOfAPlainPressWhoseReleaseWasLost) {
+TEST_F(OVRecorderWindowTest, ACommandTakesThePlaceOfAPlainPressWhoseReleaseWasLost) {
   send(QEvent::KeyPress, Qt::Key_Space);
   send(QEvent::KeyPress, Qt::Key_Space, false, Qt::ControlModifier);
   send(QEvent::KeyRelease, Qt::Key_Space);
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 49}, {'c', 49}, {'d', 0xFFFF}, {'u', 0xFFFF}}));
 }
 
-TEST_F(RecorderWindow, TwoKeysHeldTogetherEachComeUp) {
+TEST_F(OVRecorderWindowTest, TwoKeysHeldTogetherEachComeUp) {
   send(QEvent::KeyPress, Qt::Key_R);
   send(QEvent::KeyPress, Qt::Key_Space);
   send(QEvent::KeyRelease, Qt::Key_R);
@@ -226,14 +226,14 @@ TEST_F(RecorderWindow, TwoKeysHeldTogetherEachComeUp) {
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 15}, {'d', 49}, {'u', 15}, {'u', 49}}));
 }
 
-TEST_F(RecorderWindow, WithoutADelegateKeysDoNothing) {
+TEST_F(OVRecorderWindowTest, WithoutADelegateKeysDoNothing) {
   delegate_.reset();
   QTest::keyClick(window_->windowHandle(), Qt::Key_R);
   EXPECT_EQ(window_->delegate(), nullptr);
   EXPECT_TRUE(window_->isVisible());
 }
 
-TEST_F(RecorderWindow, ClosingAsksThenTellsThenDeletesTheWindow) {
+TEST_F(OVRecorderWindowTest, ClosingAsksThenTellsThenDeletesTheWindow) {
   window_->performClose();
   EXPECT_EQ(delegate_->asked, 1);
   EXPECT_EQ(delegate_->told, 1);
@@ -242,7 +242,7 @@ TEST_F(RecorderWindow, ClosingAsksThenTellsThenDeletesTheWindow) {
   EXPECT_TRUE(window_.isNull());
 }
 
-TEST_F(RecorderWindow, ARefusalKeepsTheWindowOpenAndIsAskedAgain) {
+TEST_F(OVRecorderWindowTest, ARefusalKeepsTheWindowOpenAndIsAskedAgain) {
   delegate_->mayClose = false;
   window_->performClose();
   window_->close();
@@ -256,14 +256,14 @@ TEST_F(RecorderWindow, ARefusalKeepsTheWindowOpenAndIsAskedAgain) {
   EXPECT_EQ(delegate_->told, 1);
 }
 
-TEST_F(RecorderWindow, ASecondCloseBeforeTheWindowIsGoneTellsNobody) {
+TEST_F(OVRecorderWindowTest, ASecondCloseBeforeTheWindowIsGoneTellsNobody) {
   window_->performClose();
   window_->performClose();
   EXPECT_EQ(delegate_->asked, 1);
   EXPECT_EQ(delegate_->told, 1);
 }
 
-TEST_F(RecorderWindow, ClosingFromWithinTheQuestionTellsOnce) {
+TEST_F(OVRecorderWindowTest, ClosingFromWithinTheQuestionTellsOnce) {
   delegate_->whileAsked = [this](OVRecorderWindow* window) {
     delegate_->whileAsked = nullptr;
     QCloseEvent again;
@@ -273,7 +273,7 @@ TEST_F(RecorderWindow, ClosingFromWithinTheQuestionTellsOnce) {
   EXPECT_EQ(delegate_->told, 1);
 }
 
-TEST_F(RecorderWindow, TheDelegateMayEndWhileItIsTold) {
+TEST_F(OVRecorderWindowTest, TheDelegateMayEndWhileItIsTold) {
   const std::weak_ptr<Delegate> weak = delegate_;
   delegate_->whileTold = [this] { delegate_.reset(); };
   window_->performClose();
@@ -282,14 +282,14 @@ TEST_F(RecorderWindow, TheDelegateMayEndWhileItIsTold) {
   EXPECT_TRUE(window_.isNull());
 }
 
-TEST_F(RecorderWindow, WithoutADelegateItSimplyCloses) {
+TEST_F(OVRecorderWindowTest, WithoutADelegateItSimplyCloses) {
   delegate_.reset();
   window_->performClose();
   deleteWhatIsDue();
   EXPECT_TRUE(window_.isNull());
 }
 
-TEST_F(RecorderWindow, TheEditedStateShowsInTheTitle) {
+TEST_F(OVRecorderWindowTest, TheEditedStateShowsInTheTitle) {
   window_->setTitle(QStringLiteral("Orvo - Unnamed"));
   EXPECT_FALSE(window_->isDocumentEdited());
   window_->setDocumentEdited(true);
@@ -301,7 +301,7 @@ TEST_F(RecorderWindow, TheEditedStateShowsInTheTitle) {
   EXPECT_FALSE(window_->isWindowModified());
 }
 
-TEST_F(RecorderWindow, AFileNameWithTheMarkInItIsShownAsItStands) {
+TEST_F(OVRecorderWindowTest, AFileNameWithTheMarkInItIsShownAsItStands) {
   window_->setTitle(QStringLiteral("Orvo - a[*]b.wav"));
   EXPECT_EQ(window_->title(), QStringLiteral("Orvo - a[*]b.wav"));
   EXPECT_EQ(window_->windowTitle(), QStringLiteral("Orvo - a[*][*]b.wav[*]"));

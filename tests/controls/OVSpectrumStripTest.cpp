@@ -51,9 +51,9 @@ class Window : public QMainWindow {
   std::unique_ptr<OVSpectrumStrip> reveal;
 };
 
-class SpectrumStrip : public testing::Test {
+class OVSpectrumStripTest : public testing::Test {
  protected:
-  SpectrumStrip() { open({50, 60, 400, 330}); }
+  OVSpectrumStripTest() { open({50, 60, 400, 330}); }
 
   void open(const QRect& frame) {
     window_.setGeometry(frame);
@@ -109,13 +109,13 @@ class SpectrumStrip : public testing::Test {
 
 }  // namespace
 
-TEST_F(SpectrumStrip, IsHiddenAtFirst) {
+TEST_F(OVSpectrumStripTest, IsHiddenAtFirst) {
   EXPECT_FALSE(window_.reveal->isShown());
   EXPECT_FALSE(window_.strip->isVisible());
   EXPECT_EQ(window_.view->height(), 330 - kBarHeight);
 }
 
-TEST_F(SpectrumStrip, ShowingGrowsTheWindowDownwardByTwoHundredPoints) {
+TEST_F(OVSpectrumStripTest, ShowingGrowsTheWindowDownwardByTwoHundredPoints) {
   setShown(true);
   EXPECT_EQ(window_.geometry(), QRect(50, 60, 400, 530));
   EXPECT_TRUE(window_.strip->isVisible());
@@ -123,7 +123,7 @@ TEST_F(SpectrumStrip, ShowingGrowsTheWindowDownwardByTwoHundredPoints) {
   EXPECT_EQ(window_.view->height(), 330 - kBarHeight);
 }
 
-TEST_F(SpectrumStrip, ShowingAndHidingGivesBackTheFormerFrame) {
+TEST_F(OVSpectrumStripTest, ShowingAndHidingGivesBackTheFormerFrame) {
   setShown(true);
   setShown(false);
   EXPECT_EQ(window_.geometry(), QRect(50, 60, 400, 330));
@@ -131,7 +131,7 @@ TEST_F(SpectrumStrip, ShowingAndHidingGivesBackTheFormerFrame) {
   EXPECT_EQ(window_.view->height(), 330 - kBarHeight);
 }
 
-TEST_F(SpectrumStrip, StripAndWindowMoveTogetherSoThatTheViewAboveIsNotRenderedAnew) {
+TEST_F(OVSpectrumStripTest, StripAndWindowMoveTogetherSoThatTheViewAboveIsNotRenderedAnew) {
   window_.view->renderings = 0;
   window_.reveal->setShown(true);
   ASSERT_TRUE(window_.reveal->isMoving());
@@ -144,7 +144,7 @@ TEST_F(SpectrumStrip, StripAndWindowMoveTogetherSoThatTheViewAboveIsNotRenderedA
   EXPECT_EQ(window_.view->renderings, 0);
 }
 
-TEST_F(SpectrumStrip, TogglingQuicklyTurnsRoundAndEndsAtTheFormerFrame) {
+TEST_F(OVSpectrumStripTest, TogglingQuicklyTurnsRoundAndEndsAtTheFormerFrame) {
   window_.reveal->setShown(true);
   reachOnTheWay(60);
   window_.reveal->setShown(false);
@@ -157,7 +157,7 @@ TEST_F(SpectrumStrip, TogglingQuicklyTurnsRoundAndEndsAtTheFormerFrame) {
   EXPECT_FALSE(window_.strip->isVisible());
 }
 
-TEST_F(SpectrumStrip, TogglingQuicklyThreeTimesEndsShown) {
+TEST_F(OVSpectrumStripTest, TogglingQuicklyThreeTimesEndsShown) {
   for (const bool shown : {true, false, true}) {
     window_.reveal->setShown(shown);
     reachOnTheWay(100);
@@ -168,14 +168,14 @@ TEST_F(SpectrumStrip, TogglingQuicklyThreeTimesEndsShown) {
   EXPECT_EQ(window_.geometry(), QRect(50, 60, 400, 330));
 }
 
-TEST_F(SpectrumStrip, ShowingWhatIsShownDoesNothing) {
+TEST_F(OVSpectrumStripTest, ShowingWhatIsShownDoesNothing) {
   setShown(true);
   window_.reveal->setShown(true);
   EXPECT_FALSE(window_.reveal->isMoving());
   EXPECT_EQ(window_.height(), 530);
 }
 
-TEST_F(SpectrumStrip, TheMinimumHeightIsTwoHundredPointsMoreWhileShown) {
+TEST_F(OVSpectrumStripTest, TheMinimumHeightIsTwoHundredPointsMoreWhileShown) {
   setShown(true);
   window_.resize(400, 100);
   EXPECT_EQ(window_.height(), 440);
@@ -187,7 +187,7 @@ TEST_F(SpectrumStrip, TheMinimumHeightIsTwoHundredPointsMoreWhileShown) {
   EXPECT_EQ(window_.height(), 240);
 }
 
-TEST_F(SpectrumStrip, AWindowAtItsMinimumComesBackToIt) {
+TEST_F(OVSpectrumStripTest, AWindowAtItsMinimumComesBackToIt) {
   window_.resize(400, 240);
   setShown(true);
   EXPECT_EQ(window_.height(), 440);
@@ -195,14 +195,14 @@ TEST_F(SpectrumStrip, AWindowAtItsMinimumComesBackToIt) {
   EXPECT_EQ(window_.geometry(), QRect(50, 60, 400, 240));
 }
 
-TEST_F(SpectrumStrip, AWindowMovedAndResizedWhileShownShrinksWhereItIs) {
+TEST_F(OVSpectrumStripTest, AWindowMovedAndResizedWhileShownShrinksWhereItIs) {
   setShown(true);
   window_.setGeometry(80, 20, 500, 600);
   setShown(false);
   EXPECT_EQ(window_.geometry(), QRect(80, 20, 500, 400));
 }
 
-TEST_F(SpectrumStrip, AtTheBottomOfTheScreenTheWindowMovesUpAndComesBack) {
+TEST_F(OVSpectrumStripTest, AtTheBottomOfTheScreenTheWindowMovesUpAndComesBack) {
   const QRect frame(50, room().bottom() + 1 - 360, 400, 330);  // 30 points of room below
   open(frame);
   setShown(true);
@@ -213,7 +213,7 @@ TEST_F(SpectrumStrip, AtTheBottomOfTheScreenTheWindowMovesUpAndComesBack) {
   EXPECT_EQ(window_.geometry(), frame);
 }
 
-TEST_F(SpectrumStrip, AWindowThatMovedUpAndWasThenMovedStaysWhereItIs) {
+TEST_F(OVSpectrumStripTest, AWindowThatMovedUpAndWasThenMovedStaysWhereItIs) {
   open({50, room().bottom() + 1 - 330, 400, 330});
   setShown(true);
   window_.move(70, 10);
@@ -222,7 +222,7 @@ TEST_F(SpectrumStrip, AWindowThatMovedUpAndWasThenMovedStaysWhereItIs) {
   EXPECT_EQ(window_.geometry(), QRect(moved, QSize(400, 330)));
 }
 
-TEST_F(SpectrumStrip, WithoutRoomOnTheScreenTheRestComesOffTheViewAbove) {
+TEST_F(OVSpectrumStripTest, WithoutRoomOnTheScreenTheRestComesOffTheViewAbove) {
   const int height = room().height() - 120;
   open({50, room().top() + 20, 400, height});
   setShown(true);
@@ -233,7 +233,7 @@ TEST_F(SpectrumStrip, WithoutRoomOnTheScreenTheRestComesOffTheViewAbove) {
   EXPECT_EQ(window_.geometry(), QRect(50, room().top() + 20, 400, height));
 }
 
-TEST_F(SpectrumStrip, AWindowLargerThanTheScreenKeepsItsSize) {
+TEST_F(OVSpectrumStripTest, AWindowLargerThanTheScreenKeepsItsSize) {
   const QRect frame(50, room().top(), 400, room().height() + 100);
   open(frame);
   setShown(true);
@@ -243,7 +243,7 @@ TEST_F(SpectrumStrip, AWindowLargerThanTheScreenKeepsItsSize) {
   EXPECT_EQ(window_.geometry(), frame);
 }
 
-TEST_F(SpectrumStrip, AMaximisedWindowKeepsItsSizeAndGivesTheStripPartOfTheView) {
+TEST_F(OVSpectrumStripTest, AMaximisedWindowKeepsItsSizeAndGivesTheStripPartOfTheView) {
   const QRect maximised = maximise();
   const int viewHeight = window_.view->height();
   window_.reveal->setShown(true);
@@ -257,7 +257,7 @@ TEST_F(SpectrumStrip, AMaximisedWindowKeepsItsSizeAndGivesTheStripPartOfTheView)
   EXPECT_EQ(window_.view->height(), viewHeight);
 }
 
-TEST_F(SpectrumStrip, AFullScreenWindowKeepsItsSizeToo) {
+TEST_F(OVSpectrumStripTest, AFullScreenWindowKeepsItsSizeToo) {
   window_.showFullScreen();
   ASSERT_TRUE(runMainLoopUntil([&] { return window_.width() > 400; }));
   const QRect full = window_.geometry();
@@ -266,7 +266,7 @@ TEST_F(SpectrumStrip, AFullScreenWindowKeepsItsSizeToo) {
   EXPECT_TRUE(window_.strip->isVisible());
 }
 
-TEST_F(SpectrumStrip, ShownWhileMaximisedTheWindowComesBackHigher) {
+TEST_F(OVSpectrumStripTest, ShownWhileMaximisedTheWindowComesBackHigher) {
   maximise();
   setShown(true);
   expectToReturnTo(QRect(50, 60, 400, 530));
@@ -275,7 +275,7 @@ TEST_F(SpectrumStrip, ShownWhileMaximisedTheWindowComesBackHigher) {
   EXPECT_EQ(window_.geometry(), QRect(50, 60, 400, 330));
 }
 
-TEST_F(SpectrumStrip, HiddenWhileMaximisedTheWindowComesBackAsItWasBefore) {
+TEST_F(OVSpectrumStripTest, HiddenWhileMaximisedTheWindowComesBackAsItWasBefore) {
   setShown(true);
   maximise();
   EXPECT_TRUE(window_.strip->isVisible());
@@ -284,14 +284,14 @@ TEST_F(SpectrumStrip, HiddenWhileMaximisedTheWindowComesBackAsItWasBefore) {
   EXPECT_EQ(window_.view->height(), 330 - kBarHeight);
 }
 
-TEST_F(SpectrumStrip, ToggledTwiceWhileMaximisedTheWindowComesBackUnchanged) {
+TEST_F(OVSpectrumStripTest, ToggledTwiceWhileMaximisedTheWindowComesBackUnchanged) {
   maximise();
   setShown(true);
   setShown(false);
   expectToReturnTo(QRect(50, 60, 400, 330));
 }
 
-TEST_F(SpectrumStrip, MaximisedOnItsWayTheStripArrivesAndTheWindowComesBackWhereItWasGoing) {
+TEST_F(OVSpectrumStripTest, MaximisedOnItsWayTheStripArrivesAndTheWindowComesBackWhereItWasGoing) {
   window_.reveal->setShown(true);
   reachOnTheWay(40);
   window_.showMaximized();
@@ -300,7 +300,7 @@ TEST_F(SpectrumStrip, MaximisedOnItsWayTheStripArrivesAndTheWindowComesBackWhere
   expectToReturnTo(QRect(50, 60, 400, 530));
 }
 
-TEST_F(SpectrumStrip, AWindowThatIsNotVisibleChangesAtOnce) {
+TEST_F(OVSpectrumStripTest, AWindowThatIsNotVisibleChangesAtOnce) {
   window_.hide();
   window_.reveal->setShown(true);
   EXPECT_FALSE(window_.reveal->isMoving());
@@ -309,7 +309,7 @@ TEST_F(SpectrumStrip, AWindowThatIsNotVisibleChangesAtOnce) {
   EXPECT_EQ(window_.height(), 330);
 }
 
-TEST_F(SpectrumStrip, WhereAnimationsAreNotWantedItChangesAtOnce) {
+TEST_F(OVSpectrumStripTest, WhereAnimationsAreNotWantedItChangesAtOnce) {
   class Still : public QProxyStyle {
    public:
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
@@ -327,7 +327,7 @@ TEST_F(SpectrumStrip, WhereAnimationsAreNotWantedItChangesAtOnce) {
   window_.setStyle(nullptr);
 }
 
-TEST_F(SpectrumStrip, MayGoWhileTheWindowIsOnItsWay) {
+TEST_F(OVSpectrumStripTest, MayGoWhileTheWindowIsOnItsWay) {
   window_.reveal->setShown(true);
   ASSERT_TRUE(window_.reveal->isMoving());
   window_.reveal.reset();
@@ -335,7 +335,7 @@ TEST_F(SpectrumStrip, MayGoWhileTheWindowIsOnItsWay) {
   EXPECT_LT(window_.height(), 530);
 }
 
-TEST_F(SpectrumStrip, OutlivesItsWindow) {
+TEST_F(OVSpectrumStripTest, OutlivesItsWindow) {
   auto window = std::make_unique<Window>();
   auto reveal = std::move(window->reveal);
   window->show();

@@ -11,7 +11,7 @@ int bottomGrey(QWidget& view) {
   return picture.pixelColor(5, picture.height() - 1).green();
 }
 
-TEST(TransportBackgroundView, ShowingAndHidingTheSpectrumTogglesTheDarkLine) {
+TEST(OVTransportBackgroundViewTest, ShowingAndHidingTheSpectrumTogglesTheDarkLine) {
   OVTransportBackgroundView view;
   view.resize(40, 58);
   EXPECT_FALSE(view.renderBottomShadow());
@@ -22,7 +22,7 @@ TEST(TransportBackgroundView, ShowingAndHidingTheSpectrumTogglesTheDarkLine) {
   EXPECT_GT(bottomGrey(view), 200);
 }
 
-TEST(TransportBackgroundView, SettingTheShadowDoesNotRedraw) {
+TEST(OVTransportBackgroundViewTest, SettingTheShadowDoesNotRedraw) {
   ControlsWindow window;
   window.show();
   auto* view = new OVTransportBackgroundView(window.bar());
@@ -34,7 +34,7 @@ TEST(TransportBackgroundView, SettingTheShadowDoesNotRedraw) {
   EXPECT_EQ(paints.take(), 0);
 }
 
-TEST(TransportBackgroundView, AResizeRedrawsTheWholeGradient) {
+TEST(OVTransportBackgroundViewTest, AResizeRedrawsTheWholeGradient) {
   OVTransportBackgroundView view;
   view.resize(40, 58);
   const int before = view.grab().toImage().pixelColor(5, 30).green();

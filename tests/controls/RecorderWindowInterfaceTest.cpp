@@ -16,7 +16,7 @@
 
 namespace {
 
-class RecorderWindowInterface : public testing::Test {
+class RecorderWindowInterfaceTest : public testing::Test {
  protected:
   void SetUp() override {
     window_.setAttribute(Qt::WA_DeleteOnClose, false);
@@ -37,13 +37,13 @@ class RecorderWindowInterface : public testing::Test {
   Ui::VNRecorderWindow ui_;
 };
 
-TEST_F(RecorderWindowInterface, TheContentOpensAtItsSizeBelowTheMenuBar) {
+TEST_F(RecorderWindowInterfaceTest, TheContentOpensAtItsSizeBelowTheMenuBar) {
   EXPECT_EQ(window_.centralWidget()->size(), QSize(640, 330));
   EXPECT_EQ(window_.centralWidget()->y(), window_.menuBar()->height());
   EXPECT_GT(window_.menuBar()->height(), 10);
 }
 
-TEST_F(RecorderWindowInterface, EveryViewIsThereUnderItsName) {
+TEST_F(RecorderWindowInterfaceTest, EveryViewIsThereUnderItsName) {
   for (const char* name :
        {"wfView", "playbackMarkerView", "transportBackView", "prevButton", "recButton",
         "stopButton", "pauseButton", "playButton", "nextButton", "displayWell", "vuView",
@@ -52,7 +52,7 @@ TEST_F(RecorderWindowInterface, EveryViewIsThereUnderItsName) {
   }
 }
 
-TEST_F(RecorderWindowInterface, EveryViewHasItsFrame) {
+TEST_F(RecorderWindowInterfaceTest, EveryViewHasItsFrame) {
   const QWidget* content = window_.centralWidget();
   EXPECT_EQ(frameIn(content, ui_.wfView), QRect(0, 0, 640, 272));
   EXPECT_EQ(frameIn(content, ui_.playbackMarkerView), QRect(0, 0, 640, 272));
@@ -71,7 +71,7 @@ TEST_F(RecorderWindowInterface, EveryViewHasItsFrame) {
   EXPECT_EQ(frameIn(ui_.transportBackView, ui_.fftButton), QRect(598, 15, 28, 28));
 }
 
-TEST_F(RecorderWindowInterface, OnlyTheWaveformGrowsWithTheWindow) {
+TEST_F(RecorderWindowInterfaceTest, OnlyTheWaveformGrowsWithTheWindow) {
   window_.resize(window_.size() + QSize(200, 150));
   QCoreApplication::sendPostedEvents();
   const QWidget* content = window_.centralWidget();
@@ -83,7 +83,7 @@ TEST_F(RecorderWindowInterface, OnlyTheWaveformGrowsWithTheWindow) {
   EXPECT_EQ(frameIn(ui_.transportBackView, ui_.fftButton), QRect(798, 15, 28, 28));
 }
 
-TEST_F(RecorderWindowInterface, TheSmallestWindowStillShowsEverything) {
+TEST_F(RecorderWindowInterfaceTest, TheSmallestWindowStillShowsEverything) {
   window_.resize(1, 1);
   QCoreApplication::sendPostedEvents();
   EXPECT_EQ(window_.centralWidget()->size(), QSize(580, 240));
@@ -91,14 +91,14 @@ TEST_F(RecorderWindowInterface, TheSmallestWindowStillShowsEverything) {
             ui_.nextButton->geometry().right() + 8);
 }
 
-TEST_F(RecorderWindowInterface, TheProgressBarStartsHiddenAndTheButtonsShown) {
+TEST_F(RecorderWindowInterfaceTest, TheProgressBarStartsHiddenAndTheButtonsShown) {
   EXPECT_TRUE(ui_.loadingIndicator->isHidden());
   EXPECT_TRUE(ui_.loadingPanel->isHidden());
   EXPECT_TRUE(ui_.fftButton->isVisible());
   EXPECT_TRUE(ui_.recButton->isVisible());
 }
 
-TEST_F(RecorderWindowInterface,
+TEST_F(RecorderWindowInterfaceTest,
        TheProgressPanelStandsInTheWaveformAboveTheDisplaysAndFitsItsWords) {
   const QWidget* content = window_.centralWidget();
   for (const QSize size : {QSize(0, 0), QSize(640, 330), QSize(1200, 700)}) {
@@ -125,7 +125,7 @@ TEST_F(RecorderWindowInterface,
   }
 }
 
-TEST_F(RecorderWindowInterface, AClickOnTheProgressPanelReachesTheWaveform) {
+TEST_F(RecorderWindowInterfaceTest, AClickOnTheProgressPanelReachesTheWaveform) {
   ui_.loadingIndicator->show();
   ui_.loadingPanel->show();
   ui_.loadingPanel->setActivity(QStringLiteral("Saving"));
@@ -134,14 +134,14 @@ TEST_F(RecorderWindowInterface, AClickOnTheProgressPanelReachesTheWaveform) {
   EXPECT_EQ(window_.childAt(middle), window_.childAt(middle - QPoint(0, 60)));
 }
 
-TEST_F(RecorderWindowInterface, HidingTheSpectrumButtonMovesNothing) {
+TEST_F(RecorderWindowInterfaceTest, HidingTheSpectrumButtonMovesNothing) {
   ui_.fftButton->hide();
   QCoreApplication::sendPostedEvents();
   EXPECT_EQ(frameIn(ui_.transportBackView, ui_.displayWell), QRect(352, 11, 236, 36));
   EXPECT_EQ(frameIn(ui_.transportBackView, ui_.fftButton), QRect(598, 15, 28, 28));
 }
 
-TEST_F(RecorderWindowInterface, RecordAndPlayAreSwitchesAndTheEndsAreRound) {
+TEST_F(RecorderWindowInterfaceTest, RecordAndPlayAreSwitchesAndTheEndsAreRound) {
   EXPECT_TRUE(ui_.recButton->isSwitch());
   EXPECT_TRUE(ui_.playButton->isSwitch());
   EXPECT_FALSE(ui_.stopButton->isSwitch());
@@ -150,7 +150,7 @@ TEST_F(RecorderWindowInterface, RecordAndPlayAreSwitchesAndTheEndsAreRound) {
   EXPECT_EQ(ui_.nextButton->type(), 0);
 }
 
-TEST_F(RecorderWindowInterface, EveryButtonHasANameForAssistiveTechnology) {
+TEST_F(RecorderWindowInterfaceTest, EveryButtonHasANameForAssistiveTechnology) {
   const auto buttons = window_.findChildren<OVTrackingButton*>();
   ASSERT_EQ(buttons.size(), 7);
   for (QWidget* button : buttons) {
@@ -162,7 +162,7 @@ TEST_F(RecorderWindowInterface, EveryButtonHasANameForAssistiveTechnology) {
   }
 }
 
-TEST_F(RecorderWindowInterface, TabReachesEveryControlInTheOrderOfTheWindowAndBack) {
+TEST_F(RecorderWindowInterfaceTest, TabReachesEveryControlInTheOrderOfTheWindowAndBack) {
   const std::vector<QWidget*> order{ui_.wfView,      ui_.prevButton, ui_.recButton,  ui_.stopButton,
                                     ui_.pauseButton, ui_.playButton, ui_.nextButton, ui_.fftButton};
   ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
@@ -176,7 +176,7 @@ TEST_F(RecorderWindowInterface, TabReachesEveryControlInTheOrderOfTheWindowAndBa
   EXPECT_EQ(window_.focusWidget(), order.back());
 }
 
-TEST_F(RecorderWindowInterface, NoClickTakesTheKeyboardAndOnlyControlsTakeIt) {
+TEST_F(RecorderWindowInterfaceTest, NoClickTakesTheKeyboardAndOnlyControlsTakeIt) {
   const auto views = window_.centralWidget()->findChildren<QWidget*>();
   ASSERT_TRUE(views.contains(ui_.wfView));
   for (const QWidget* view : views) {
@@ -186,7 +186,7 @@ TEST_F(RecorderWindowInterface, NoClickTakesTheKeyboardAndOnlyControlsTakeIt) {
   }
 }
 
-TEST_F(RecorderWindowInterface, TransportKeysReachTheWindowWhereverTheKeyboardIs) {
+TEST_F(RecorderWindowInterfaceTest, TransportKeysReachTheWindowWhereverTheKeyboardIs) {
   class Delegate final : public OVRecorderWindowDelegate {
    public:
     void windowDidReceiveKeyDown(OVRecorderWindow*, std::uint16_t keyCode) override {
@@ -214,7 +214,7 @@ TEST_F(RecorderWindowInterface, TransportKeysReachTheWindowWhereverTheKeyboardIs
   }
 }
 
-TEST_F(RecorderWindowInterface, AssistiveTechnologyFindsEveryViewWithNameAndRole) {
+TEST_F(RecorderWindowInterfaceTest, AssistiveTechnologyFindsEveryViewWithNameAndRole) {
   const std::map<QString, QAccessible::Role> roles{{"wfView", QAccessible::Graphic},
                                                    {"playbackMarkerView", QAccessible::Indicator},
                                                    {"vuView", QAccessible::Indicator},
@@ -237,7 +237,7 @@ TEST_F(RecorderWindowInterface, AssistiveTechnologyFindsEveryViewWithNameAndRole
   }
 }
 
-TEST_F(RecorderWindowInterface, AssistiveTechnologyReachesEveryButtonFromTheWindowDown) {
+TEST_F(RecorderWindowInterfaceTest, AssistiveTechnologyReachesEveryButtonFromTheWindowDown) {
   std::vector<QString> pressable;
   const std::function<void(QAccessibleInterface*)> walk = [&](QAccessibleInterface* at) {
     auto* const actions = at->actionInterface();

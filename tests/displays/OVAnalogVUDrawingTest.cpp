@@ -24,7 +24,7 @@ platform::NamedImage plainDial(QSize size = kDialSize) {
   return platform::NamedImage(single, doubled);
 }
 
-class AnalogVUDrawing : public testing::TestWithParam<int> {
+class OVAnalogVUDrawingTest : public testing::TestWithParam<int> {
  protected:
   [[nodiscard]] static int ratio() { return GetParam(); }
 
@@ -67,7 +67,7 @@ class AnalogVUDrawing : public testing::TestWithParam<int> {
 
 }  // namespace
 
-TEST(AnalogNeedle, StandsAtSixtyTimesTheLevelMinusFortyFiveDegrees) {
+TEST(OVAnalogVUDrawingNeedleTest, StandsAtSixtyTimesTheLevelMinusFortyFiveDegrees) {
   constexpr double kRadians = 0.017453292519943295;
   EXPECT_DOUBLE_EQ(analogNeedleAngle(0.0F), -45.0 * kRadians);
   EXPECT_DOUBLE_EQ(analogNeedleAngle(0.75F), 0.0);
@@ -76,12 +76,12 @@ TEST(AnalogNeedle, StandsAtSixtyTimesTheLevelMinusFortyFiveDegrees) {
   EXPECT_DOUBLE_EQ(analogNeedleAngle(3.0F), 135.0 * kRadians) << "there is no stop";
 }
 
-TEST(AnalogNeedle, ItsLevelHasTheAccuracyOfAFloat) {
+TEST(OVAnalogVUDrawingNeedleTest, ItsLevelHasTheAccuracyOfAFloat) {
   EXPECT_DOUBLE_EQ(analogNeedleAngle(0.1F),
                    (static_cast<double>(0.1F) * 60.0 - 45.0) * 0.017453292519943295);
 }
 
-TEST(AnalogNeedle, ItsTipIsReckonedFrom110WhateverTheWidthOfADial) {
+TEST(OVAnalogVUDrawingNeedleTest, ItsTipIsReckonedFrom110WhateverTheWidthOfADial) {
   EXPECT_EQ(analogNeedleTip(0.75F, 220.0, 0), QPointF(110.0, 100.0));
   EXPECT_EQ(analogNeedleTip(0.75F, 220.0, 1), QPointF(330.0, 100.0));
   EXPECT_EQ(analogNeedleTip(0.75F, 300.0, 0), QPointF(110.0, 100.0));
@@ -91,11 +91,11 @@ TEST(AnalogNeedle, ItsTipIsReckonedFrom110WhateverTheWidthOfADial) {
   EXPECT_NEAR(tip.y(), 70.710678, 1e-5);
 }
 
-TEST_P(AnalogVUDrawing, SilenceLeansTheNeedleFortyFiveDegreesToTheLeft) {
+TEST_P(OVAnalogVUDrawingTest, SilenceLeansTheNeedleFortyFiveDegreesToTheLeft) {
   expectNeedle(draw(kDialSize, {0.0F}), -45.0);
 }
 
-TEST_P(AnalogVUDrawing, ThreeQuartersStandUpright) {
+TEST_P(OVAnalogVUDrawingTest, ThreeQuartersStandUpright) {
   const QImage picture = draw(kDialSize, {0.75F});
   expectNeedle(picture, 0.0);
   // Points 108.5 to 111.5: at 1x half a pixel on either side.
@@ -108,15 +108,15 @@ TEST_P(AnalogVUDrawing, ThreeQuartersStandUpright) {
   EXPECT_EQ(at(picture, {110.0, 100.0}), kDial) << "flat ends";
 }
 
-TEST_P(AnalogVUDrawing, FullScaleLeansFifteenDegreesToTheRight) {
+TEST_P(OVAnalogVUDrawingTest, FullScaleLeansFifteenDegreesToTheRight) {
   expectNeedle(draw(kDialSize, {1.0F}), 15.0);
 }
 
-TEST_P(AnalogVUDrawing, OneAndAHalfPointsFortyFiveDegreesToTheRight) {
+TEST_P(OVAnalogVUDrawingTest, OneAndAHalfPointsFortyFiveDegreesToTheRight) {
   expectNeedle(draw(kDialSize, {1.5F}), 45.0);
 }
 
-TEST_P(AnalogVUDrawing, EveryChannelHasADialToTheRightOfTheLast) {
+TEST_P(OVAnalogVUDrawingTest, EveryChannelHasADialToTheRightOfTheLast) {
   const QImage picture = draw({700, 130}, {0.0F, 0.75F, 1.0F});
   expectNeedle(picture, -45.0);
   expectNeedle(picture, 0.0, 220.0);
@@ -125,7 +125,7 @@ TEST_P(AnalogVUDrawing, EveryChannelHasADialToTheRightOfTheLast) {
   EXPECT_EQ(at(picture, {660.0, 120.0}), kPaper);
 }
 
-TEST_P(AnalogVUDrawing, TheDialStandsUprightOnTheBottomEdge) {
+TEST_P(OVAnalogVUDrawingTest, TheDialStandsUprightOnTheBottomEdge) {
   QImage image(kDialSize * ratio(), QImage::Format_ARGB32_Premultiplied);
   image.fill(kDial);
   image.setPixelColor(0, 0, Qt::white);                                  // top left
@@ -140,7 +140,7 @@ TEST_P(AnalogVUDrawing, TheDialStandsUprightOnTheBottomEdge) {
   EXPECT_EQ(at(picture, {220.0, 0.0}), kPaper);
 }
 
-TEST_P(AnalogVUDrawing, TheDialIsCopiedNotBlended) {
+TEST_P(OVAnalogVUDrawingTest, TheDialIsCopiedNotBlended) {
   QImage glass(kDialSize, QImage::Format_ARGB32_Premultiplied);
   glass.fill(QColor(200, 100, 0, 128));
   const QImage picture = draw(kDialSize, {0.75F}, platform::NamedImage(glass));
@@ -149,7 +149,7 @@ TEST_P(AnalogVUDrawing, TheDialIsCopiedNotBlended) {
   EXPECT_NEAR(shown.red(), 200, 1);
 }
 
-TEST_P(AnalogVUDrawing, TheNeedleTurnsAroundTheMiddleOfADialOfAnyWidth) {
+TEST_P(OVAnalogVUDrawingTest, TheNeedleTurnsAroundTheMiddleOfADialOfAnyWidth) {
   // Pivot at 150, tip at (110, 100) though: the line leans to the left.
   const QImage picture = draw({300, 130}, {0.75F}, plainDial({300, 130}));
   EXPECT_EQ(at(picture, {149.0, 2.5}), kNeedle);
@@ -158,23 +158,23 @@ TEST_P(AnalogVUDrawing, TheNeedleTurnsAroundTheMiddleOfADialOfAnyWidth) {
   EXPECT_EQ(at(picture, {110.0, 50.0}), kDial);
 }
 
-TEST_P(AnalogVUDrawing, LevelsThatAreNoNumbersShowTheDialWithoutANeedle) {
+TEST_P(OVAnalogVUDrawingTest, LevelsThatAreNoNumbersShowTheDialWithoutANeedle) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
   const float infinity = std::numeric_limits<float>::infinity();
   QImage expected = makePicture({440, 130}, ratio(), kDial);
   EXPECT_EQ(draw({440, 130}, {nan, infinity}), expected);
 }
 
-TEST_P(AnalogVUDrawing, WithoutLevelsNothingIsDrawn) {
+TEST_P(OVAnalogVUDrawingTest, WithoutLevelsNothingIsDrawn) {
   EXPECT_EQ(draw(kDialSize, {}), makePicture(kDialSize, ratio(), kPaper));
 }
 
-TEST_P(AnalogVUDrawing, WithoutItsImageTheNeedlesStandInOnePlace) {
+TEST_P(OVAnalogVUDrawingTest, WithoutItsImageTheNeedlesStandInOnePlace) {
   const QImage picture = draw(kDialSize, {0.75F, 0.75F}, platform::NamedImage());
   // The width of no image is 0, so the pivot lies in the corner.
   EXPECT_EQ(at(picture, {1.0, 0.9}), kNeedle);
   EXPECT_EQ(at(picture, {200.0, 120.0}), kPaper);
 }
 
-INSTANTIATE_TEST_SUITE_P(PixelRatios, AnalogVUDrawing, testing::Values(1, 2),
+INSTANTIATE_TEST_SUITE_P(PixelRatios, OVAnalogVUDrawingTest, testing::Values(1, 2),
                          testing::PrintToStringParamName());

@@ -1,13 +1,13 @@
 #include "displays/OVAnalogVUView.h"
 
-#include "displays/MeterTest.h"
+#include "displays/MeterFixture.h"
 #include "displays/OVAnalogVUDrawing.h"
 
 namespace {
 
-class AnalogVUView : public MeterTest<OVAnalogVUView> {
+class OVAnalogVUViewTest : public MeterFixture<OVAnalogVUView> {
  protected:
-  AnalogVUView() { view_.resize(view_.sizeHint()); }
+  OVAnalogVUViewTest() { view_.resize(view_.sizeHint()); }
 
   [[nodiscard]] QImage expected(const std::vector<float>& levels) const {
     const platform::NamedImage dial(QStringLiteral("vumeter.png"));
@@ -19,11 +19,11 @@ class AnalogVUView : public MeterTest<OVAnalogVUView> {
 
 }  // namespace
 
-TEST_F(AnalogVUView, Polls60TimesASecond) {
+TEST_F(OVAnalogVUViewTest, Polls60TimesASecond) {
   EXPECT_EQ(view_.pollingFrequency(), 60.0);
 }
 
-TEST_F(AnalogVUView, ItsDialIs220PointsWideAndOpaqueAtBothSizes) {
+TEST_F(OVAnalogVUViewTest, ItsDialIs220PointsWideAndOpaqueAtBothSizes) {
   EXPECT_EQ(view_.dialSize().width(), 220.0);
   EXPECT_EQ(view_.sizeHint(), QSize(440, static_cast<int>(view_.dialSize().height())));
   const platform::NamedImage dial(QStringLiteral("vumeter.png"));
@@ -38,24 +38,24 @@ TEST_F(AnalogVUView, ItsDialIs220PointsWideAndOpaqueAtBothSizes) {
   }
 }
 
-TEST_F(AnalogVUView, BeforeAnyLevelItDrawsNothing) {
+TEST_F(OVAnalogVUViewTest, BeforeAnyLevelItDrawsNothing) {
   EXPECT_EQ(drawn(), blank());
   EXPECT_EQ(view_.levelData(), std::nullopt);
 }
 
-TEST_F(AnalogVUView, AnEmptyAnswerDrawsNothing) {
+TEST_F(OVAnalogVUViewTest, AnEmptyAnswerDrawsNothing) {
   source_->answer = std::vector<float>{};
   view_.pollForData();
   EXPECT_EQ(drawn(), blank());
 }
 
-TEST_F(AnalogVUView, DrawsTheLevelsAsTheyAre) {
+TEST_F(OVAnalogVUViewTest, DrawsTheLevelsAsTheyAre) {
   source_->answer = {0.2F, 1.5F};
   view_.pollForData();
   EXPECT_EQ(drawn(), expected({0.2F, 1.5F}));
 }
 
-TEST_F(AnalogVUView, AMonoSourceDrawsASingleDial) {
+TEST_F(OVAnalogVUViewTest, AMonoSourceDrawsASingleDial) {
   source_->answer = {0.5F};
   view_.pollForData();
   EXPECT_EQ(drawn(), expected({0.5F}));

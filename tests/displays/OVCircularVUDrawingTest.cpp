@@ -13,7 +13,7 @@ namespace {
 const QColor kPaper(20, 30, 60);
 const QColor kFill(89, 156, 171);
 
-class CircularVUDrawing : public testing::TestWithParam<int> {
+class OVCircularVUDrawingTest : public testing::TestWithParam<int> {
  protected:
   [[nodiscard]] static int ratio() { return GetParam(); }
 
@@ -40,7 +40,7 @@ class CircularVUDrawing : public testing::TestWithParam<int> {
 
 }  // namespace
 
-TEST_P(CircularVUDrawing, AWideViewShowsARowOfEqualCells) {
+TEST_P(OVCircularVUDrawingTest, AWideViewShowsARowOfEqualCells) {
   // Radius 0.35 × 30 = 10.5; centres at x = 15 and 45 of 60.
   const QImage picture = draw({60, 30}, {0.1F, 0.4F});
   expectFilled(picture, 15.0, 15.0, 0.4);
@@ -51,14 +51,14 @@ TEST_P(CircularVUDrawing, AWideViewShowsARowOfEqualCells) {
   expectBlank(picture, 30.0, 15.0);
 }
 
-TEST_P(CircularVUDrawing, AHighViewShowsAColumnWhoseFirstChannelIsAtTheBottom) {
+TEST_P(OVCircularVUDrawingTest, AHighViewShowsAColumnWhoseFirstChannelIsAtTheBottom) {
   const QImage picture = draw({30, 60}, {0.1F, 0.4F});
   expectFilled(picture, 15.0, 15.0, 0.4);
   expectFilled(picture, 15.0, 45.0, 0.7);
   expectBlank(picture, 15.0, 30.0);
 }
 
-TEST_P(CircularVUDrawing, ASquareViewStacksTheCirclesVertically) {
+TEST_P(OVCircularVUDrawingTest, ASquareViewStacksTheCirclesVertically) {
   // Radius 0.35 × 40 = 14 in cells 20 high: the circles overlap in the middle.
   const QImage picture = draw({40, 40}, {0.0F, 0.7F});
   expectFilled(picture, 20.0, 2.0, 0.3);
@@ -66,14 +66,14 @@ TEST_P(CircularVUDrawing, ASquareViewStacksTheCirclesVertically) {
   expectBlank(picture, 2.0, 20.0);
 }
 
-TEST_P(CircularVUDrawing, AMonoSourceDrawsOneCircleCentredInTheView) {
+TEST_P(OVCircularVUDrawingTest, AMonoSourceDrawsOneCircleCentredInTheView) {
   const QImage picture = draw({60, 30}, {0.2F});
   expectFilled(picture, 30.0, 15.0, 0.5);
   expectBlank(picture, 30.0 - 12.0, 15.0);
   expectBlank(picture, 30.0 + 11.5, 15.0);
 }
 
-TEST_P(CircularVUDrawing, TheRadiusDependsOnTheWholeViewNotOnTheCell) {
+TEST_P(OVCircularVUDrawingTest, TheRadiusDependsOnTheWholeViewNotOnTheCell) {
   const QImage two = draw({200, 40}, {0.2F, 0.2F});
   const QImage four = draw({200, 40}, {0.2F, 0.2F, 0.2F, 0.2F});
   const auto widthOfFirst = [&](const QImage& picture, double center) {
@@ -87,20 +87,20 @@ TEST_P(CircularVUDrawing, TheRadiusDependsOnTheWholeViewNotOnTheCell) {
   EXPECT_NEAR(widthOfFirst(two, 50.0), 29 * ratio(), 1) << "14 points each way and the outline";
 }
 
-TEST_P(CircularVUDrawing, SilenceIsAFaintCircle) {
+TEST_P(OVCircularVUDrawingTest, SilenceIsAFaintCircle) {
   const QImage picture = draw({60, 30}, {0.0F, 0.0F});
   expectFilled(picture, 15.0, 15.0, 0.3);
   expectFilled(picture, 45.0, 15.0, 0.3);
 }
 
-TEST_P(CircularVUDrawing, TheFillingIsOpaqueFromSevenTenthsOn) {
+TEST_P(OVCircularVUDrawingTest, TheFillingIsOpaqueFromSevenTenthsOn) {
   const QImage picture = draw({60, 30}, {0.69F, 0.7F});
   expectFilled(picture, 15.0, 15.0, 0.99);
   expectFilled(picture, 45.0, 15.0, 1.0);
   expectFilled(draw({60, 30}, {40.0F}), 30.0, 15.0, 1.0);
 }
 
-TEST_P(CircularVUDrawing, TheOutlinesOpacityIsTheLevelOver13ButAtLeastThreeTenths) {
+TEST_P(OVCircularVUDrawingTest, TheOutlinesOpacityIsTheLevelOver13ButAtLeastThreeTenths) {
   // Radius 35 around (50, 50): right of the centre the outline's outer half covers x from 85 to
   // 85.5, about half a pixel of an ordinary screen and a whole one of a doubly fine one.
   const auto lineShareAt = [&](float level) {
@@ -116,16 +116,16 @@ TEST_P(CircularVUDrawing, TheOutlinesOpacityIsTheLevelOver13ButAtLeastThreeTenth
   EXPECT_NEAR(lineShareAt(1.3F) / opaque, 1.0, 0.015);
 }
 
-TEST_P(CircularVUDrawing, LevelsThatAreNoNumbersOrNegativeDoNoHarm) {
+TEST_P(OVCircularVUDrawingTest, LevelsThatAreNoNumbersOrNegativeDoNoHarm) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
   EXPECT_EQ(draw({60, 30}, {nan, 0.5F}), draw({60, 30}, {0.0F, 0.5F}));
   expectFilled(draw({60, 30}, {-2.0F}), 30.0, 15.0, 0.0);
   expectFilled(draw({60, 30}, {std::numeric_limits<float>::infinity()}), 30.0, 15.0, 1.0);
 }
 
-TEST_P(CircularVUDrawing, NoLevelsDrawNothing) {
+TEST_P(OVCircularVUDrawingTest, NoLevelsDrawNothing) {
   EXPECT_EQ(draw({60, 30}, {}), makePicture({60, 30}, ratio(), kPaper));
 }
 
-INSTANTIATE_TEST_SUITE_P(PixelRatios, CircularVUDrawing, testing::Values(1, 2),
+INSTANTIATE_TEST_SUITE_P(PixelRatios, OVCircularVUDrawingTest, testing::Values(1, 2),
                          testing::PrintToStringParamName());

@@ -1,11 +1,11 @@
 #include "displays/OVCircularVUView.h"
 
-#include "displays/MeterTest.h"
+#include "displays/MeterFixture.h"
 #include "displays/OVCircularVUDrawing.h"
 
 namespace {
 
-class CircularVUView : public MeterTest<OVCircularVUView> {
+class OVCircularVUViewTest : public MeterFixture<OVCircularVUView> {
  protected:
   [[nodiscard]] QImage expected(const std::vector<float>& levels) const {
     return drawnPicture(view_.size(), 1.0, kPaper,
@@ -15,30 +15,30 @@ class CircularVUView : public MeterTest<OVCircularVUView> {
 
 }  // namespace
 
-TEST_F(CircularVUView, Polls30TimesASecond) {
+TEST_F(OVCircularVUViewTest, Polls30TimesASecond) {
   EXPECT_EQ(view_.pollingFrequency(), 30.0);
 }
 
-TEST_F(CircularVUView, DrawsTheLevelsAsTheyAre) {
+TEST_F(OVCircularVUViewTest, DrawsTheLevelsAsTheyAre) {
   source_->answer = {0.2F, 0.6F};
   view_.pollForData();
   EXPECT_EQ(view_.levelData(), source_->answer);
   EXPECT_EQ(drawn(), expected({0.2F, 0.6F}));
 }
 
-TEST_F(CircularVUView, AMonoSourceDrawsASingleCircle) {
+TEST_F(OVCircularVUViewTest, AMonoSourceDrawsASingleCircle) {
   source_->answer = {0.5F};
   view_.pollForData();
   EXPECT_EQ(drawn(), expected({0.5F}));
 }
 
-TEST_F(CircularVUView, BeforeAnyLevelItDrawsTwoFaintCircles) {
+TEST_F(OVCircularVUViewTest, BeforeAnyLevelItDrawsTwoFaintCircles) {
   EXPECT_EQ(view_.levelData(), std::nullopt);
   EXPECT_EQ(drawn(), expected({0.0F, 0.0F}));
   EXPECT_EQ(view_.levelData(), (Levels{{0.0F, 0.0F}}));
 }
 
-TEST_F(CircularVUView, AnEmptyAnswerDrawsTwoFaintCirclesWhenAsked) {
+TEST_F(OVCircularVUViewTest, AnEmptyAnswerDrawsTwoFaintCirclesWhenAsked) {
   source_->answer = std::vector<float>{};
   view_.pollForData();
   EXPECT_EQ(drawn(), expected({0.0F, 0.0F}));

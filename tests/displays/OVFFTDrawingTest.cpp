@@ -12,7 +12,7 @@ const QColor kBackground(36, 54, 71);  // (0.14, 0.21, 0.28)
 const QColor kGraph(41, 111, 125);     // (0.16, 0.435, 0.49)
 const QColor kGrid(37, 82, 91);        // (0.145, 0.32, 0.356)
 
-class FFTDrawing : public testing::TestWithParam<int> {
+class OVFFTDrawingTest : public testing::TestWithParam<int> {
  protected:
   /// Device pixels to a point.
   static int ratio() { return GetParam(); }
@@ -59,11 +59,11 @@ float valueAt(double height) {
 
 }  // namespace
 
-TEST_P(FFTDrawing, WithoutValuesThereIsOnlyTheBackground) {
+TEST_P(OVFFTDrawingTest, WithoutValuesThereIsOnlyTheBackground) {
   EXPECT_TRUE(hasOnlyBackground(spectrum({64, 20}, {})));
 }
 
-TEST_P(FFTDrawing, ValuesOfZeroDrawAFlatLineAlongTheBottomEdge) {
+TEST_P(OVFFTDrawingTest, ValuesOfZeroDrawAFlatLineAlongTheBottomEdge) {
   const QImage picture = spectrum({64, 20}, std::vector<float>(512, 0.0F));
   // The line is one point high, and its lower half lies below the view.
   const int bottom = picture.height() - 1;
@@ -74,7 +74,8 @@ TEST_P(FFTDrawing, ValuesOfZeroDrawAFlatLineAlongTheBottomEdge) {
   }
 }
 
-TEST_P(FFTDrawing, BeginsInTheCornerReachesTheFirstValueAfterOneStepAndTheLastAtTheRightEdge) {
+TEST_P(OVFFTDrawingTest,
+       BeginsInTheCornerReachesTheFirstValueAfterOneStepAndTheLastAtTheRightEdge) {
   // Four steps of 20 points: up from the corner, level, level, down to the corner at the right.
   const QImage picture =
       spectrum({80, 100}, {valueAt(45.5), valueAt(45.5), valueAt(45.5), valueAt(0.0)});
@@ -89,7 +90,7 @@ TEST_P(FFTDrawing, BeginsInTheCornerReachesTheFirstValueAfterOneStepAndTheLastAt
   EXPECT_NE(picture.pixelColor(10 * ratio(), 77 * ratio()), kBackground);
 }
 
-TEST_P(FFTDrawing, BothNumbersOfBinsSpanTheWholeWidth) {
+TEST_P(OVFFTDrawingTest, BothNumbersOfBinsSpanTheWholeWidth) {
   for (const std::size_t size : {std::size_t{2048}, std::size_t{512}}) {
     const QImage picture = spectrum({640, 100}, std::vector<float>(size, valueAt(45.5)));
     EXPECT_TRUE(rowHasColor(picture, 54, 3, 640, kGraph)) << size;
@@ -98,7 +99,7 @@ TEST_P(FFTDrawing, BothNumbersOfBinsSpanTheWholeWidth) {
   }
 }
 
-TEST_P(FFTDrawing, StepsAdaptToTheNumberOfValues) {
+TEST_P(OVFFTDrawingTest, StepsAdaptToTheNumberOfValues) {
   std::vector<float> data(8, 0.0F);
   data[3] = valueAt(80.0);
   const QImage eight = spectrum({80, 100}, data);  // its peak stands at x = 40
@@ -113,7 +114,7 @@ TEST_P(FFTDrawing, StepsAdaptToTheNumberOfValues) {
   EXPECT_FALSE(lit(sixteen, 40));
 }
 
-TEST_P(FFTDrawing, OneReachesNinetyPercentOfTheHeight) {
+TEST_P(OVFFTDrawingTest, OneReachesNinetyPercentOfTheHeight) {
   const QImage picture = spectrum({80, 200}, std::vector<float>(80, 1.0F));
   // y = 180, so the line covers 179.5 to 180.5: half a row on either side at 1x.
   const int edge = 20 * ratio();
@@ -124,7 +125,7 @@ TEST_P(FFTDrawing, OneReachesNinetyPercentOfTheHeight) {
   EXPECT_EQ(picture.pixelColor(40 * ratio(), edge - 2), kBackground);
 }
 
-TEST_P(FFTDrawing, LargerValuesRunOffTheTop) {
+TEST_P(OVFFTDrawingTest, LargerValuesRunOffTheTop) {
   std::vector<float> data(8, 0.0F);
   data[3] = 3.0F;
   const QImage picture = spectrum({80, 100}, data);
@@ -135,25 +136,25 @@ TEST_P(FFTDrawing, LargerValuesRunOffTheTop) {
   EXPECT_TRUE(lit);
 }
 
-TEST_P(FFTDrawing, ValuesThatAreNotNumbersCountAsZero) {
+TEST_P(OVFFTDrawingTest, ValuesThatAreNotNumbersCountAsZero) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
   EXPECT_EQ(spectrum({80, 100}, {0.5F, nan, 0.25F, nan}),
             spectrum({80, 100}, {0.5F, 0.0F, 0.25F, 0.0F}));
 }
 
-TEST_P(FFTDrawing, EndlessValuesRunOffTheTopToo) {
+TEST_P(OVFFTDrawingTest, EndlessValuesRunOffTheTopToo) {
   const float infinity = std::numeric_limits<float>::infinity();
   EXPECT_EQ(spectrum({80, 100}, {0.5F, infinity, 0.25F, 0.0F}),
             spectrum({80, 100}, {0.5F, std::numeric_limits<float>::max(), 0.25F, 0.0F}));
 }
 
-TEST_P(FFTDrawing, AnEarlierDrawingLeavesNoTrace) {
+TEST_P(OVFFTDrawingTest, AnEarlierDrawingLeavesNoTrace) {
   const QImage first = spectrum({80, 100}, {0.5F, 0.25F});
   static_cast<void>(spectrum({80, 100}, std::vector<float>(300, 0.7F)));
   EXPECT_EQ(spectrum({80, 100}, {0.5F, 0.25F}), first);
 }
 
-TEST_P(FFTDrawing, TheGradientIsTheWaveformsUpsideDown) {
+TEST_P(OVFFTDrawingTest, TheGradientIsTheWaveformsUpsideDown) {
   const QImage picture = drawn({10, 100}, [](QPainter& painter) {
     OVFFTDrawing::drawGradient(painter, {10, 100});
   });
@@ -166,7 +167,7 @@ TEST_P(FFTDrawing, TheGradientIsTheWaveformsUpsideDown) {
   }
 }
 
-TEST_P(FFTDrawing, TheGridHasALineEveryTwentyFourPoints) {
+TEST_P(OVFFTDrawingTest, TheGridHasALineEveryTwentyFourPoints) {
   const QImage picture = drawn({100, 60}, [](QPainter& painter) {
     painter.fillRect(QRectF(0, 0, 100, 60), kBackground);
     OVFFTDrawing::drawGrid(painter, {100, 60});
@@ -183,5 +184,5 @@ TEST_P(FFTDrawing, TheGridHasALineEveryTwentyFourPoints) {
   EXPECT_GT(colorDistance(rightEnd, kBackground), 5);
 }
 
-INSTANTIATE_TEST_SUITE_P(PixelRatios, FFTDrawing, testing::Values(1, 2),
+INSTANTIATE_TEST_SUITE_P(PixelRatios, OVFFTDrawingTest, testing::Values(1, 2),
                          testing::PrintToStringParamName());

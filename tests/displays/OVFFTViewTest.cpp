@@ -32,16 +32,16 @@ void show(OVFFTView& view, const std::vector<float>& data) {
   view.setData(data.data());
 }
 
-class FFTView : public testing::Test {
+class OVFFTViewTest : public testing::Test {
  protected:
-  FFTView() { view_.resize(320, 100); }
+  OVFFTViewTest() { view_.resize(320, 100); }
 
   support::ViewOnScreen<OVFFTView> view_;
 };
 
 }  // namespace
 
-TEST_F(FFTView, GradientAndGridAreDrawnForTheViewsSize) {
+TEST_F(OVFFTViewTest, GradientAndGridAreDrawnForTheViewsSize) {
   const QSize size = view_.size();
   EXPECT_EQ(
       drawnPicture(size, 1, Qt::magenta, [&](QPainter& painter) { view_.drawGradient(painter); }),
@@ -52,7 +52,7 @@ TEST_F(FFTView, GradientAndGridAreDrawnForTheViewsSize) {
                          [&](QPainter& painter) { OVFFTDrawing::drawGrid(painter, size); }));
 }
 
-TEST_F(FFTView, BeforeTheFirstDataShowsOnlyItsBackground) {
+TEST_F(OVFFTViewTest, BeforeTheFirstDataShowsOnlyItsBackground) {
   EXPECT_EQ(view_.dataSize(), 0U);
   const QImage picture = pictureOf(view_);
   for (int y = 0; y < picture.height(); ++y) {
@@ -64,7 +64,7 @@ TEST_F(FFTView, BeforeTheFirstDataShowsOnlyItsBackground) {
   EXPECT_EQ(pictureOf(view_), picture);
 }
 
-TEST_F(FFTView, DrawsItsDataOverItsWholeSizeAtEveryPixelRatio) {
+TEST_F(OVFFTViewTest, DrawsItsDataOverItsWholeSizeAtEveryPixelRatio) {
   for (const std::size_t count : {std::size_t{2048}, std::size_t{512}, std::size_t{3}}) {
     const std::vector<float> data(count, 0.4F);
     show(view_, data);
@@ -75,7 +75,7 @@ TEST_F(FFTView, DrawsItsDataOverItsWholeSizeAtEveryPixelRatio) {
   }
 }
 
-TEST_F(FFTView, WithASizeOfZeroShowsOnlyItsBackground) {
+TEST_F(OVFFTViewTest, WithASizeOfZeroShowsOnlyItsBackground) {
   const QImage blank = pictureOf(view_);
   show(view_, {0.5F, 0.25F});
   ASSERT_NE(pictureOf(view_), blank);
@@ -84,7 +84,7 @@ TEST_F(FFTView, WithASizeOfZeroShowsOnlyItsBackground) {
   EXPECT_EQ(pictureOf(view_), blank);
 }
 
-TEST_F(FFTView, KeepsACopyOfItsOwn) {
+TEST_F(OVFFTViewTest, KeepsACopyOfItsOwn) {
   std::vector<float> data{0.1F, 0.9F, 0.3F};
   show(view_, data);
   const QImage before = pictureOf(view_);
@@ -92,7 +92,7 @@ TEST_F(FFTView, KeepsACopyOfItsOwn) {
   EXPECT_EQ(pictureOf(view_), before);
 }
 
-TEST_F(FFTView, CopiesAsManyValuesAsItsSizeTells) {
+TEST_F(OVFFTViewTest, CopiesAsManyValuesAsItsSizeTells) {
   const std::vector<float> data{0.1F, 0.9F, 0.3F, 0.7F};
   view_.setSize(2);
   view_.setData(data.data());
@@ -101,14 +101,14 @@ TEST_F(FFTView, CopiesAsManyValuesAsItsSizeTells) {
   EXPECT_EQ(pictureOf(view_), expectedPicture({320, 100}, {0.1F, 0.9F}));
 }
 
-TEST_F(FFTView, ASizeSetAheadOfItsDataChangesNothingYet) {
+TEST_F(OVFFTViewTest, ASizeSetAheadOfItsDataChangesNothingYet) {
   show(view_, {0.1F, 0.9F});
   const QImage before = pictureOf(view_);
   view_.setSize(100000);
   EXPECT_EQ(pictureOf(view_), before);
 }
 
-TEST_F(FFTView, DoesNotRedrawByItself) {
+TEST_F(OVFFTViewTest, DoesNotRedrawByItself) {
   view_.show();
   view_.repaint();
   QCoreApplication::processEvents();
@@ -121,7 +121,7 @@ TEST_F(FFTView, DoesNotRedrawByItself) {
   EXPECT_EQ(counter.paints, 1);
 }
 
-TEST_F(FFTView, MayBeGivenDataByAnotherThreadWhileItIsDrawn) {
+TEST_F(OVFFTViewTest, MayBeGivenDataByAnotherThreadWhileItIsDrawn) {
   std::atomic<bool> done = false;
   std::thread analyst([&] {
     const std::vector<float> recorded(512, 0.2F);
@@ -139,7 +139,7 @@ TEST_F(FFTView, MayBeGivenDataByAnotherThreadWhileItIsDrawn) {
   EXPECT_EQ(pictureOf(view_), expectedPicture({320, 100}, std::vector<float>(512, 0.2F)));
 }
 
-TEST_F(FFTView, HasANameForAssistiveTechnology) {
+TEST_F(OVFFTViewTest, HasANameForAssistiveTechnology) {
   QAccessibleInterface* const spoken = QAccessible::queryAccessibleInterface(&view_);
   ASSERT_NE(spoken, nullptr);
   EXPECT_EQ(spoken->text(QAccessible::Name), "Spectrum");

@@ -19,42 +19,42 @@ constexpr double kTwoTo31 = 2147483648.0;
 
 }  // namespace
 
-TEST(TimeFormat, ZeroShowsAllFields) {
+TEST(OVTimeTextFormatTest, ZeroShowsAllFields) {
   EXPECT_EQ(OVTimeText::formatTimes(0.0, 0.0), "00:00:00.00 / 00:00:00.00");
 }
 
-TEST(TimeFormat, CurrentTimeStandsBeforeTheDuration) {
+TEST(OVTimeTextFormatTest, CurrentTimeStandsBeforeTheDuration) {
   EXPECT_EQ(OVTimeText::formatTimes(83.45, 218.5), "00:01:23.45 / 00:03:38.50");
 }
 
-TEST(TimeFormat, JustBelowAMinuteIsCutOffNotRounded) {
+TEST(OVTimeTextFormatTest, JustBelowAMinuteIsCutOffNotRounded) {
   EXPECT_EQ(formatted(59.999), "00:00:59.99");
 }
 
-TEST(TimeFormat, HoursMinutesSecondsAndHundredths) {
+TEST(OVTimeTextFormatTest, HoursMinutesSecondsAndHundredths) {
   EXPECT_EQ(formatted(3725.5), "01:02:05.50");
 }
 
-TEST(TimeFormat, AFractionJustBelowAWholeHundredthShowsTheLowerOne) {
+TEST(OVTimeTextFormatTest, AFractionJustBelowAWholeHundredthShowsTheLowerOne) {
   EXPECT_EQ(formatted(0.57), "00:00:00.56");
 }
 
-TEST(TimeFormat, AHundredHoursShowThreeDigits) {
+TEST(OVTimeTextFormatTest, AHundredHoursShowThreeDigits) {
   EXPECT_EQ(formatted(360000.0), "100:00:00.00");
   EXPECT_EQ(formatted(359999.99), "99:59:59.98") << "the fraction is not exactly 0.99";
 }
 
-TEST(TimeFormat, NegativeTimesShowTheSignInEachField) {
+TEST(OVTimeTextFormatTest, NegativeTimesShowTheSignInEachField) {
   EXPECT_EQ(formatted(-1.5), "00:00:-01.-50");
   EXPECT_EQ(formatted(-3725.5), "-01:-02:-05.-50");
 }
 
-TEST(TimeFormat, TheLargestTimeThatFitsIsShownExactly) {
+TEST(OVTimeTextFormatTest, TheLargestTimeThatFitsIsShownExactly) {
   EXPECT_EQ(formatted(kTwoTo31 - 0.5), "596523:14:07.50");
   EXPECT_EQ(formatted(-kTwoTo31 + 0.5), "-596523:-14:-07.-50");
 }
 
-TEST(TimeFormat, LongerTimesShowTheLargestThatFitsWithTheirSign) {
+TEST(OVTimeTextFormatTest, LongerTimesShowTheLargestThatFitsWithTheirSign) {
   const double infinity = std::numeric_limits<double>::infinity();
   for (const double seconds : {kTwoTo31, kTwoTo31 + 1.0, 1e18, infinity}) {
     EXPECT_EQ(formatted(seconds), "596523:14:07.99") << seconds;
@@ -62,11 +62,11 @@ TEST(TimeFormat, LongerTimesShowTheLargestThatFitsWithTheirSign) {
   }
 }
 
-TEST(TimeFormat, WhatIsNotANumberShowsAsZero) {
+TEST(OVTimeTextFormatTest, WhatIsNotANumberShowsAsZero) {
   EXPECT_EQ(formatted(std::numeric_limits<double>::quiet_NaN()), "00:00:00.00");
 }
 
-TEST(TimeText, IsSetInArialAtSize10InTranslucentWhite) {
+TEST(OVTimeTextTest, IsSetInArialAtSize10InTranslucentWhite) {
   const OVTimeText text;
   EXPECT_EQ(text.font().family(), "Arial");
   EXPECT_EQ(text.font().pixelSize(), 10);
@@ -74,7 +74,7 @@ TEST(TimeText, IsSetInArialAtSize10InTranslucentWhite) {
   EXPECT_NEAR(text.color().alphaF(), 0.6, 0.001);
 }
 
-TEST(TimeText, KeepsItsWidthWhileTheTimeRuns) {
+TEST(OVTimeTextTest, KeepsItsWidthWhileTheTimeRuns) {
   const QFontMetricsF metrics(OVTimeText().font());
   const double width = metrics.horizontalAdvance(OVTimeText::formatTimes(0.0, 0.0));
   for (const double seconds : {11.11, 71.11, 4271.11, 45296.78}) {
@@ -84,7 +84,7 @@ TEST(TimeText, KeepsItsWidthWhileTheTimeRuns) {
 
 namespace {
 
-class TimeTextDrawing : public testing::TestWithParam<int> {
+class OVTimeTextDrawingTest : public testing::TestWithParam<int> {
  protected:
   [[nodiscard]] static int ratio() { return GetParam(); }
 
@@ -108,7 +108,7 @@ class TimeTextDrawing : public testing::TestWithParam<int> {
 
 }  // namespace
 
-TEST_P(TimeTextDrawing, StandsUprightOnePointFromTheRightAndOneBelowTheBottom) {
+TEST_P(OVTimeTextDrawingTest, StandsUprightOnePointFromTheRightAndOneBelowTheBottom) {
   const QSize size(150, 14);
   const QString line = OVTimeText::formatTimes(83.45, 218.5);
   const QImage picture = drawnPicture(size, ratio(), kPaper,
@@ -120,7 +120,7 @@ TEST_P(TimeTextDrawing, StandsUprightOnePointFromTheRightAndOneBelowTheBottom) {
   }
 }
 
-TEST_P(TimeTextDrawing, IsNeitherClippedNorShrunkInAViewTooNarrow) {
+TEST_P(OVTimeTextDrawingTest, IsNeitherClippedNorShrunkInAViewTooNarrow) {
   const QSize narrow(60, 14);
   const QString line = OVTimeText::formatTimes(83.45, 218.5);
   const QImage picture = drawnPicture(
@@ -128,7 +128,7 @@ TEST_P(TimeTextDrawing, IsNeitherClippedNorShrunkInAViewTooNarrow) {
   EXPECT_EQ(picture, expected(narrow, line));
 }
 
-TEST_P(TimeTextDrawing, IsNeverBrighterThanItsAlphaAllows) {
+TEST_P(OVTimeTextDrawingTest, IsNeverBrighterThanItsAlphaAllows) {
   const QSize size(150, 14);
   const QImage picture = drawnPicture(size, ratio(), kPaper, [&](QPainter& painter) {
     text_.draw(painter, size, OVTimeText::formatTimes(11.0, 11.0));
@@ -144,5 +144,5 @@ TEST_P(TimeTextDrawing, IsNeverBrighterThanItsAlphaAllows) {
   EXPECT_GT(brightest, full - 60);
 }
 
-INSTANTIATE_TEST_SUITE_P(PixelRatios, TimeTextDrawing, testing::Values(1, 2),
+INSTANTIATE_TEST_SUITE_P(PixelRatios, OVTimeTextDrawingTest, testing::Values(1, 2),
                          testing::PrintToStringParamName());

@@ -22,14 +22,14 @@ const QColor kPaper(36, 45, 66);
 
 }  // namespace
 
-TEST(TimeView, BeginsAtZero) {
+TEST(OVTimeViewTest, BeginsAtZero) {
   const OVTimeView view;
   EXPECT_EQ(view.currentTimeInSeconds(), 0.0);
   EXPECT_EQ(view.durationInSeconds(), 0.0);
   EXPECT_EQ(view.text(), "00:00:00.00 / 00:00:00.00");
 }
 
-TEST(TimeView, DrawsItsTextOverWhateverLiesBehind) {
+TEST(OVTimeViewTest, DrawsItsTextOverWhateverLiesBehind) {
   OVTimeView view;
   view.resize(150, 14);
   view.setCurrentTimeInSeconds(83.45);
@@ -41,7 +41,7 @@ TEST(TimeView, DrawsItsTextOverWhateverLiesBehind) {
   EXPECT_EQ(drawnOver(view, kPaper), expected);
 }
 
-TEST(TimeView, SettingATimeDoesNotRedraw) {
+TEST(OVTimeViewTest, SettingATimeDoesNotRedraw) {
   OVTimeView view;
   view.resize(150, 14);
   support::PaintCounter counter(&view);
@@ -59,7 +59,7 @@ TEST(TimeView, SettingATimeDoesNotRedraw) {
   EXPECT_TRUE(runMainLoopUntil([&] { return counter.paints > before; }));
 }
 
-TEST(TimeView, ALoadingJobMaySetTheDurationFromItsOwnThread) {
+TEST(OVTimeViewTest, ALoadingJobMaySetTheDurationFromItsOwnThread) {
   OVTimeView view;
   view.resize(150, 14);
   std::thread job([&] {
@@ -74,7 +74,7 @@ TEST(TimeView, ALoadingJobMaySetTheDurationFromItsOwnThread) {
   EXPECT_EQ(view.durationInSeconds(), 1000.0);
 }
 
-TEST(TimeView, ReadsItsTimesOutToAssistiveTechnology) {
+TEST(OVTimeViewTest, ReadsItsTimesOutToAssistiveTechnology) {
   OVTimeView view;
   view.setCurrentTimeInSeconds(3725.5);
   QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&view);

@@ -5,12 +5,12 @@
 
 #include <QAccessible>
 
-#include "displays/MeterTest.h"
+#include "displays/MeterFixture.h"
 #include "displays/OVAnalogVUView.h"
 #include "displays/OVCircularVUView.h"
 
 template <typename Meter>
-class VUView : public MeterTest<Meter> {};
+class OVVUViewTest : public MeterFixture<Meter> {};
 
 using Meters = testing::Types<OVCircularVUView, OVAnalogVUView>;
 
@@ -21,21 +21,21 @@ class MeterNames {
     return std::is_same_v<Meter, OVCircularVUView> ? "Circular" : "Analog";
   }
 };
-TYPED_TEST_SUITE(VUView, Meters, MeterNames);
+TYPED_TEST_SUITE(OVVUViewTest, Meters, MeterNames);
 
-TYPED_TEST(VUView, PollsFromTheStartAndSaysWhoAsks) {
+TYPED_TEST(OVVUViewTest, PollsFromTheStartAndSaysWhoAsks) {
   EXPECT_TRUE(runMainLoopUntil([&] { return this->source_->polls >= 3; }));
   EXPECT_EQ(this->source_->askedBy, &this->view_);
 }
 
-TYPED_TEST(VUView, AnotherPollingFrequencyRestartsTheTimer) {
+TYPED_TEST(OVVUViewTest, AnotherPollingFrequencyRestartsTheTimer) {
   this->view_.setPollingFrequency(0.001);
   this->view_.setPollingFrequency(500.0);
   EXPECT_EQ(this->view_.pollingFrequency(), 500.0);
   EXPECT_TRUE(runMainLoopUntil([&] { return this->source_->polls >= 3; }));
 }
 
-TYPED_TEST(VUView, FrequenciesThatMakeNoIntervalStopThePolling) {
+TYPED_TEST(OVVUViewTest, FrequenciesThatMakeNoIntervalStopThePolling) {
   for (const double frequency : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN()}) {
     this->view_.setPollingFrequency(frequency);
     QCoreApplication::processEvents();
@@ -46,7 +46,7 @@ TYPED_TEST(VUView, FrequenciesThatMakeNoIntervalStopThePolling) {
   EXPECT_TRUE(runMainLoopUntil([&] { return this->source_->polls >= 1; }));
 }
 
-TYPED_TEST(VUView, LevelsAskForARedrawOnALaterPass) {
+TYPED_TEST(OVVUViewTest, LevelsAskForARedrawOnALaterPass) {
   this->showAtRest();
   this->source_->answer = {0.2F, 0.6F};
   const int before = this->counter_.paints;
@@ -55,7 +55,7 @@ TYPED_TEST(VUView, LevelsAskForARedrawOnALaterPass) {
   EXPECT_TRUE(runMainLoopUntil([&] { return this->counter_.paints > before; }));
 }
 
-TYPED_TEST(VUView, WithoutLevelsTheLastPictureStays) {
+TYPED_TEST(OVVUViewTest, WithoutLevelsTheLastPictureStays) {
   this->showAtRest();
   this->source_->answer = {0.2F, 0.6F};
   this->view_.pollForData();
@@ -72,7 +72,7 @@ TYPED_TEST(VUView, WithoutLevelsTheLastPictureStays) {
   }
 }
 
-TYPED_TEST(VUView, ASourceThatIsGoneAnswersNothing) {
+TYPED_TEST(OVVUViewTest, ASourceThatIsGoneAnswersNothing) {
   this->source_->answer = {0.2F, 0.6F};
   this->view_.pollForData();
   this->source_.reset();
@@ -81,13 +81,13 @@ TYPED_TEST(VUView, ASourceThatIsGoneAnswersNothing) {
   EXPECT_EQ(this->view_.levelData(), std::nullopt);
 }
 
-TYPED_TEST(VUView, ASourceMayBeTakenAway) {
+TYPED_TEST(OVVUViewTest, ASourceMayBeTakenAway) {
   this->view_.setDatasource({});
   this->view_.pollForData();
   EXPECT_EQ(this->source_->polls, 0);
 }
 
-TYPED_TEST(VUView, KeepsItsDelegateWithoutOwningIt) {
+TYPED_TEST(OVVUViewTest, KeepsItsDelegateWithoutOwningIt) {
   auto delegate = std::make_shared<OVVUViewDelegate>();
   this->view_.setDelegate(delegate);
   EXPECT_EQ(this->view_.delegate().lock(), delegate);
@@ -95,7 +95,7 @@ TYPED_TEST(VUView, KeepsItsDelegateWithoutOwningIt) {
   EXPECT_TRUE(this->view_.delegate().expired());
 }
 
-TYPED_TEST(VUView, IsNamedForAssistiveTechnology) {
+TYPED_TEST(OVVUViewTest, IsNamedForAssistiveTechnology) {
   QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&this->view_);
   ASSERT_NE(accessible, nullptr);
   EXPECT_EQ(accessible->text(QAccessible::Name), "Level meter");

@@ -14,7 +14,7 @@ using testing::IsEmpty;
 /// Two minutes of sound: a write for each chunk, and more than a hundred reads for its summary.
 constexpr std::uint64_t kManyChunks = 20;
 
-class CancelledWorkTest : public DocumentFileTest {
+class CancelledWorkTest : public DocumentFileFixture {
  protected:
   std::string writeLongFile() {
     return writeFile("take.wav", ramp(kManyChunks * kLoadChunkFrames));

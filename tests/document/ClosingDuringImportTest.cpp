@@ -7,7 +7,7 @@
 
 namespace {
 
-class ClosingDuringImportTest : public DocumentFileTest {
+class ClosingDuringImportTest : public DocumentFileFixture {
  protected:
   static constexpr std::uint64_t kWholeFrames =
       StateKeeper::kRecordAt + StateKeeper::kFileFrames;  // longer than both takes

@@ -6,7 +6,7 @@ namespace {
 
 using testing::HasSubstr;
 
-using ClosingTest = DocumentFileTest;
+using ClosingTest = DocumentFileFixture;
 
 TEST_F(ClosingTest, AnUnchangedDocumentClosesWithoutAQuestion) {
   openWindow();

@@ -28,7 +28,7 @@ class PaintCounter : public QObject {
 
 }  // namespace
 
-class DisplayTest : public DocumentTest {
+class DisplayTest : public DocumentFixture {
  protected:
   void tick() { document_->updatePlaybackMarkerView(); }
   OVPlaybackMarkerView* marker() {

@@ -23,14 +23,14 @@
 #include "waveform/views/OVPlaybackMarkerView.h"
 
 /// A document on sound queues that the test steps by hand, with or without a window.
-class DocumentTest : public testing::Test {
+class DocumentFixture : public testing::Test {
  protected:
   static constexpr std::uint32_t kChunkFrames = 4096;
   static constexpr std::uint64_t kFrameBytes = 8;
 
   // A test that closes a changed document throws the changes away, unless it asks otherwise.
-  DocumentTest() { panels_->answerEverySheetWith(VLRecorderWindowController::kDontSave); }
-  ~DocumentTest() override { closeDocument(); }
+  DocumentFixture() { panels_->answerEverySheetWith(VLRecorderWindowController::kDontSave); }
+  ~DocumentFixture() override { closeDocument(); }
 
   void openDocument() {
     document_ = VLRecorderWindowController::initWithWindow(nullptr);

@@ -8,7 +8,7 @@
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "waveform/views/OVWaveFormView.h"
 
-class EdgeCasesTest : public DocumentFileTest {
+class EdgeCasesTest : public DocumentFileFixture {
  protected:
   EdgeCasesTest() { openWindow(); }
   ~EdgeCasesTest() override {

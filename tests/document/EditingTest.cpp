@@ -1,7 +1,7 @@
 #include "document/DocumentFixture.h"
 #include "storage/OVAudioBuffer.h"
 
-class EditingTest : public DocumentTest {
+class EditingTest : public DocumentFixture {
  protected:
   void save() { document_->setDocumentEdited(false); }
 };

@@ -12,7 +12,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-using ExportingTest = DocumentFileTest;
+using ExportingTest = DocumentFileFixture;
 
 TEST_F(ExportingTest, ARingtoneBeginsAtTheMarkerAndLastsAtMostFortySeconds) {
   openWindow();

@@ -14,12 +14,12 @@
 #include "support/fakes/RecordingDesktop.h"
 
 /// A document with files to open and to save to, and panels that the test answers.
-class DocumentFileTest : public DocumentTest {
+class DocumentFileFixture : public DocumentFixture {
  protected:
   using Samples = std::vector<float>;
 
-  DocumentFileTest() { panels_->answerEverySheetWith(std::nullopt); }
-  ~DocumentFileTest() override {
+  DocumentFileFixture() { panels_->answerEverySheetWith(std::nullopt); }
+  ~DocumentFileFixture() override {
     // A question that a failed test left open must not keep the document.
     panels_->answerEverySheetWith(VLRecorderWindowController::kDontSave);
     while (panels_->sheets() > 0) {

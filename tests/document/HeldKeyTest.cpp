@@ -7,7 +7,7 @@
 #include "document/FileFixture.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
-class HeldKeyTest : public DocumentFileTest {
+class HeldKeyTest : public DocumentFileFixture {
  protected:
   static constexpr auto kSwitches = std::to_array<std::pair<Qt::Key, const char*>>(
       {{Qt::Key_R, "recButton"}, {Qt::Key_Space, "playButton"}});

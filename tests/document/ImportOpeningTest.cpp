@@ -16,7 +16,7 @@ using testing::SizeIs;
 constexpr std::uint16_t kKeyR = 15;
 constexpr std::size_t kImportedFrames = 500;
 
-class ImportOpeningTest : public DocumentFileTest {
+class ImportOpeningTest : public DocumentFileFixture {
  protected:
   ~ImportOpeningTest() override {
     gate_.open();

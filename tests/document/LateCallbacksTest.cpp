@@ -15,7 +15,8 @@ constexpr std::uint16_t kKeyR = 15;
 // A playback that ended before a file operation began
 // -----------------------------------------------
 
-class LateEndOfPlaybackTest : public DocumentFileTest, public testing::WithParamInterface<State> {
+class LateEndOfPlaybackTest : public DocumentFileFixture,
+                              public testing::WithParamInterface<State> {
  protected:
   void playToTheEnd() {
     pressPlay();
@@ -63,7 +64,7 @@ INSTANTIATE_TEST_SUITE_P(While, LateEndOfPlaybackTest,
 // The player's callback, which comes on a thread of its own
 // ------------------------------------------
 
-using PlayersCallbackTest = DocumentTest;
+using PlayersCallbackTest = DocumentFixture;
 
 TEST_F(PlayersCallbackTest, PauseTakesThePlaceThatThePlayerHadReachedWhenItStood) {
   openWindow();
@@ -106,7 +107,7 @@ TEST_F(PlayersCallbackTest, ToTheEndIsNotLostToACallbackThatComesMeanwhile) {
 
 // A write that the disk did not take -------------------------------------------------------------
 
-class LateWriteFailureTest : public DocumentTest {
+class LateWriteFailureTest : public DocumentFixture {
  protected:
   support::FailingTemporaryFiles files_;
   platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};

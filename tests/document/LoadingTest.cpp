@@ -15,7 +15,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class LoadingTest : public DocumentFileTest {
+class LoadingTest : public DocumentFileFixture {
  protected:
   static Samples joined(const Samples& a, const Samples& b) {
     Samples all = a;
@@ -355,13 +355,13 @@ TEST_F(LoadingTest, DontSaveDuringAnImportClosesAtOnce) {
 // A slow or full disk under the temporary file
 // ------------------------------------------------------------
 
-class TemporaryDiskLoadingTest : public LoadingTest {
+class LoadingFullDiskTest : public LoadingTest {
  protected:
   support::FailingTemporaryFiles files_;
   platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
 };
 
-TEST_F(TemporaryDiskLoadingTest, AnOpenKeepsWhatWasStoredAndTellsOnce) {
+TEST_F(LoadingFullDiskTest, AnOpenKeepsWhatWasStoredAndTellsOnce) {
   openWindow();
   const Samples samples = ramp(3 * kLoadChunkFrames);
   const std::string path = writeFile("take.wav", samples);
@@ -376,7 +376,7 @@ TEST_F(TemporaryDiskLoadingTest, AnOpenKeepsWhatWasStoredAndTellsOnce) {
   EXPECT_TRUE(transportEnabled());
 }
 
-TEST_F(TemporaryDiskLoadingTest, AnImportIsTakenBackAndToldOnce) {
+TEST_F(LoadingFullDiskTest, AnImportIsTakenBackAndToldOnce) {
   openWindow();
   const Samples before = ramp(1000);
   fill(before);
@@ -392,7 +392,7 @@ TEST_F(TemporaryDiskLoadingTest, AnImportIsTakenBackAndToldOnce) {
   EXPECT_TRUE(transportEnabled());
 }
 
-TEST_F(TemporaryDiskLoadingTest, NothingIsUndoneWhileAFileIsImported) {
+TEST_F(LoadingFullDiskTest, NothingIsUndoneWhileAFileIsImported) {
   openWindow();
   recordChunks(1, 0.25F);
   const Samples samples = ramp(300'000);
@@ -411,7 +411,7 @@ TEST_F(TemporaryDiskLoadingTest, NothingIsUndoneWhileAFileIsImported) {
   EXPECT_EQ(document_->windowWillReturnUndoManager()->undoActionName(), "Import File");
 }
 
-TEST_F(TemporaryDiskLoadingTest, TheQuestionAnsweredWithSaveDuringAnImportSavesWhenItIsDone) {
+TEST_F(LoadingFullDiskTest, TheQuestionAnsweredWithSaveDuringAnImportSavesWhenItIsDone) {
   openWindow();
   recordChunks(1);
   support::Gate gate;

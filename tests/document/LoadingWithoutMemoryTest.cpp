@@ -9,7 +9,7 @@
 
 namespace {
 
-using LoadingWithoutMemoryTest = DocumentFileTest;
+using LoadingWithoutMemoryTest = DocumentFileFixture;
 
 TEST_F(LoadingWithoutMemoryTest, TheFileIsLoadedAndTheWaveformIsDrawnWhenThereIsMemoryAgain) {
   openWindow();

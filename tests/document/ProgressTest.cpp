@@ -11,7 +11,7 @@
 namespace {
 
 /// A document on a disk that stops in the midst of a job until the test lets it go.
-class ProgressTest : public DocumentFileTest {
+class ProgressTest : public DocumentFileFixture {
  protected:
   ~ProgressTest() override { gate_.open(); }
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-class RolledBackStepsTest : public DocumentFileTest {
+class RolledBackStepsTest : public DocumentFileFixture {
  protected:
   ~RolledBackStepsTest() override { closeDocument(); }
 

@@ -23,7 +23,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class SavingTest : public DocumentFileTest {
+class SavingTest : public DocumentFileFixture {
  protected:
   /// Chooses a kind as a person does in the panel's accessory.
   void chooseType(std::int32_t type) {
@@ -408,9 +408,9 @@ TEST_F(SavingTest, TheBarMovesWhileTheFileIsWritten) {
 
 // Media ------------------------------------------------------------------------------------------
 
-class MediaTest : public SavingTest {
+class SavingMediaTest : public SavingTest {
  protected:
-  ~MediaTest() override {
+  ~SavingMediaTest() override {
     if (dropped_) {
       EXPECT_EQ(::seteuid(0), 0);
     }
@@ -459,7 +459,7 @@ class MediaTest : public SavingTest {
   bool dropped_ = false;
 };
 
-TEST_F(MediaTest, AFolderThatMayNotBeWrittenIsTold) {
+TEST_F(SavingMediaTest, AFolderThatMayNotBeWrittenIsTold) {
   openChanged();
   ASSERT_EQ(::chmod(folder_.path().c_str(), 0555), 0);
   becomeOrdinaryUser();
@@ -468,7 +468,7 @@ TEST_F(MediaTest, AFolderThatMayNotBeWrittenIsTold) {
   expectTold("You do not have the permission for it.");
 }
 
-TEST_F(MediaTest, AFileThatMayNotBeWrittenIsTold) {
+TEST_F(SavingMediaTest, AFileThatMayNotBeWrittenIsTold) {
   openChanged();
   ASSERT_EQ(::chmod(at("take.wav").c_str(), 0444), 0);
   ASSERT_EQ(::chmod(folder_.path().c_str(), 0777), 0);
@@ -478,7 +478,7 @@ TEST_F(MediaTest, AFileThatMayNotBeWrittenIsTold) {
   expectTold("You do not have the permission for it.");
 }
 
-TEST_F(MediaTest, ADiskThatCanOnlyBeReadIsTold) {
+TEST_F(SavingMediaTest, ADiskThatCanOnlyBeReadIsTold) {
   openChanged();
   support::TestUserAudioFiles disk;
   disk.failOpening(EROFS);
@@ -488,7 +488,7 @@ TEST_F(MediaTest, ADiskThatCanOnlyBeReadIsTold) {
   expectTold("You are not allowed to write");
 }
 
-TEST_F(MediaTest, AMediumThatIsPulledWhileItIsWrittenIsTold) {
+TEST_F(SavingMediaTest, AMediumThatIsPulledWhileItIsWrittenIsTold) {
   for (const int error : {ENODEV, EIO}) {
     services_->clear();
     openChanged();

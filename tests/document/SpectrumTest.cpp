@@ -19,7 +19,7 @@ constexpr std::size_t kRecordedBins = 512;
 
 }  // namespace
 
-class SpectrumTest : public DocumentTest {
+class SpectrumTest : public DocumentFixture {
  protected:
   template <typename View>
   View* view(const char* name) {

@@ -11,7 +11,7 @@ constexpr std::uint16_t kKeySpace = 49;
 
 }  // namespace
 
-class TransportTest : public DocumentTest {
+class TransportTest : public DocumentFixture {
  protected:
   void keyDown(std::uint16_t code) { document_->windowDidReceiveKeyDown(nullptr, code); }
   void keyUp(std::uint16_t code) { document_->windowDidReceiveKeyUp(nullptr, code); }

@@ -10,7 +10,9 @@
 #include "platform/base/ApplicationServices.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
-TEST_F(DocumentTest, ANewWindowHasNoFileNoLengthAndAHiddenProgressBar) {
+class VLRecorderWindowControllerTest : public DocumentFixture {};
+
+TEST_F(VLRecorderWindowControllerTest, ANewWindowHasNoFileNoLengthAndAHiddenProgressBar) {
   openWindow();
   EXPECT_EQ(document_->currentFiletype(), -1);
   EXPECT_TRUE(document_->currentFilename().empty());
@@ -24,11 +26,11 @@ TEST_F(DocumentTest, ANewWindowHasNoFileNoLengthAndAHiddenProgressBar) {
   EXPECT_NE(std::dynamic_pointer_cast<OVDynamicWaveForm>(document_->waveForm()), nullptr);
 }
 
-TEST_F(DocumentTest, AnUnknownInterfaceNameMakesNoDocument) {
+TEST_F(VLRecorderWindowControllerTest, AnUnknownInterfaceNameMakesNoDocument) {
   EXPECT_EQ(VLRecorderWindowController::initWithWindowNibName("Other"), nullptr);
 }
 
-TEST_F(DocumentTest, RunsWithoutAnyView) {
+TEST_F(VLRecorderWindowControllerTest, RunsWithoutAnyView) {
   openDocument();
   recordChunks(2);
   EXPECT_EQ(length(), 2u * kChunkFrames);
@@ -47,7 +49,8 @@ TEST_F(DocumentTest, RunsWithoutAnyView) {
   EXPECT_EQ(length(), 2u * kChunkFrames);
 }
 
-TEST_F(DocumentTest, AChunkWrittenWhileNotRecordingChangesNeitherPositionsNorTheSpectrumsCopy) {
+TEST_F(VLRecorderWindowControllerTest,
+       AChunkWrittenWhileNotRecordingChangesNeitherPositionsNorTheSpectrumsCopy) {
   openDocument();
   const std::vector<float> samples(64, 0.5F);
   document_->buffer()->writeData(samples.data(), 0, 256);
@@ -56,7 +59,8 @@ TEST_F(DocumentTest, AChunkWrittenWhileNotRecordingChangesNeitherPositionsNorThe
   EXPECT_TRUE(document_->fft_data().empty());
 }
 
-TEST_F(DocumentTest, ARecordedChunkMovesTheRecordingPositionAndIsCopiedForTheSpectrum) {
+TEST_F(VLRecorderWindowControllerTest,
+       ARecordedChunkMovesTheRecordingPositionAndIsCopiedForTheSpectrum) {
   openDocument();
   pressRecord();
   ASSERT_TRUE(capture(0.5F));
@@ -64,7 +68,7 @@ TEST_F(DocumentTest, ARecordedChunkMovesTheRecordingPositionAndIsCopiedForTheSpe
   EXPECT_EQ(document_->fft_data().size(), kChunkFrames * kFrameBytes);
 }
 
-TEST_F(DocumentTest, NearTheStartTheStaticSummaryIsUpdatedAtFractionZero) {
+TEST_F(VLRecorderWindowControllerTest, NearTheStartTheStaticSummaryIsUpdatedAtFractionZero) {
   openDocument();
   recordChunks(4, 0.0F);
   document_->prevButton(nullptr);
@@ -92,7 +96,8 @@ TEST_F(DocumentTest, NearTheStartTheStaticSummaryIsUpdatedAtFractionZero) {
   EXPECT_GT(got[0], 0.0F);
 }
 
-TEST_F(DocumentTest, LaterTheStaticSummaryIsUpdatedTwoChunksBeforeTheRecordingPosition) {
+TEST_F(VLRecorderWindowControllerTest,
+       LaterTheStaticSummaryIsUpdatedTwoChunksBeforeTheRecordingPosition) {
   openDocument();
   recordChunks(8, 0.0F);
   document_->prevButton(nullptr);
@@ -116,7 +121,8 @@ TEST_F(DocumentTest, LaterTheStaticSummaryIsUpdatedTwoChunksBeforeTheRecordingPo
   EXPECT_EQ(got, want);
 }
 
-TEST_F(DocumentTest, APlayerThatStoppedBeforeTheEndLeavesTheTransportPausedWhereItWas) {
+TEST_F(VLRecorderWindowControllerTest,
+       APlayerThatStoppedBeforeTheEndLeavesTheTransportPausedWhereItWas) {
   openWindow();
   recordChunks(3);
   pressPlay();
@@ -130,7 +136,8 @@ TEST_F(DocumentTest, APlayerThatStoppedBeforeTheEndLeavesTheTransportPausedWhere
   EXPECT_FALSE(button("playButton")->isOn());
 }
 
-TEST_F(DocumentTest, AReportThatNoPlayerSentBeforeTheEndLeavesTheTransportAsItIs) {
+TEST_F(VLRecorderWindowControllerTest,
+       AReportThatNoPlayerSentBeforeTheEndLeavesTheTransportAsItIs) {
   openWindow();
   recordChunks(3);
   pressPlay();
@@ -139,7 +146,7 @@ TEST_F(DocumentTest, AReportThatNoPlayerSentBeforeTheEndLeavesTheTransportAsItIs
   EXPECT_TRUE(button("playButton")->isOn());
 }
 
-TEST_F(DocumentTest, APlayerThatStoppedAtTheEndBehavesAsTheStopButton) {
+TEST_F(VLRecorderWindowControllerTest, APlayerThatStoppedAtTheEndBehavesAsTheStopButton) {
   openWindow();
   recordChunks(3);
   pressPlay();
@@ -151,7 +158,7 @@ TEST_F(DocumentTest, APlayerThatStoppedAtTheEndBehavesAsTheStopButton) {
   EXPECT_FALSE(button("playButton")->isOn());
 }
 
-TEST_F(DocumentTest, APlayerWhoseDeviceFailedPausesWhereItBrokeOff) {
+TEST_F(VLRecorderWindowControllerTest, APlayerWhoseDeviceFailedPausesWhereItBrokeOff) {
   openWindow();
   recordChunks(3);
   pressPlay();
@@ -165,7 +172,7 @@ TEST_F(DocumentTest, APlayerWhoseDeviceFailedPausesWhereItBrokeOff) {
   EXPECT_EQ(document_->playbackPosition(), position);
 }
 
-TEST_F(DocumentTest, AClosedControllerIsFreedThoughNoOneElseHoldsIt) {
+TEST_F(VLRecorderWindowControllerTest, AClosedControllerIsFreedThoughNoOneElseHoldsIt) {
   openWindow();
   const std::weak_ptr<VLRecorderWindowController> controller = document_;
   const QPointer<OVRecorderWindow> window = document_->window();
@@ -177,7 +184,7 @@ TEST_F(DocumentTest, AClosedControllerIsFreedThoughNoOneElseHoldsIt) {
   EXPECT_EQ(queues_->queuesAlive, 0);
 }
 
-TEST_F(DocumentTest, ClosingEndsTheDisplayTimerBeforeTheControllerGoes) {
+TEST_F(VLRecorderWindowControllerTest, ClosingEndsTheDisplayTimerBeforeTheControllerGoes) {
   openWindow();
   EXPECT_TRUE(document_->isDisplayTimerRunning());
   document_->window()->performClose();
@@ -185,7 +192,7 @@ TEST_F(DocumentTest, ClosingEndsTheDisplayTimerBeforeTheControllerGoes) {
   document_.reset();
 }
 
-TEST_F(DocumentTest, ClosingWhileRecordingAndWhilePlayingEndsCleanly) {
+TEST_F(VLRecorderWindowControllerTest, ClosingWhileRecordingAndWhilePlayingEndsCleanly) {
   openWindow();
   pressRecord();
   ASSERT_TRUE(capture(0.5F));
@@ -199,7 +206,8 @@ TEST_F(DocumentTest, ClosingWhileRecordingAndWhilePlayingEndsCleanly) {
   EXPECT_EQ(queues_->queuesAlive, 0);
 }
 
-TEST_F(DocumentTest, TheMeterSeesThePlayerWhilePlayingElseTheRecorderWhileRecordingElseNothing) {
+TEST_F(VLRecorderWindowControllerTest,
+       TheMeterSeesThePlayerWhilePlayingElseTheRecorderWhileRecordingElseNothing) {
   openDocument();
   EXPECT_EQ(document_->dataForVUView(nullptr), std::nullopt);
   pressRecord();
@@ -211,7 +219,7 @@ TEST_F(DocumentTest, TheMeterSeesThePlayerWhilePlayingElseTheRecorderWhileRecord
   EXPECT_EQ(document_->dataForVUView(nullptr), (std::vector{0.75F, 0.25F}));
 }
 
-TEST_F(DocumentTest, AFreshIndicatorTakesThePlaceOfTheOldOne) {
+TEST_F(VLRecorderWindowControllerTest, AFreshIndicatorTakesThePlaceOfTheOldOne) {
   openWindow();
   const QPointer<QProgressBar> old = document_->loadingIndicator();
   const QRect frame = old->geometry();
@@ -226,7 +234,7 @@ TEST_F(DocumentTest, AFreshIndicatorTakesThePlaceOfTheOldOne) {
   EXPECT_GT(document_->loadingIndicator()->maximum(), 0);
 }
 
-TEST_F(DocumentTest, TemporaryPathsAreFreshAndRemovingNoneDoesNothing) {
+TEST_F(VLRecorderWindowControllerTest, TemporaryPathsAreFreshAndRemovingNoneDoesNothing) {
   const std::string path = VLRecorderWindowController::createTempFile();
   EXPECT_EQ(std::filesystem::path(path).filename().string().rfind("velmar_", 0), 0u);
   EXPECT_FALSE(std::filesystem::exists(path));
@@ -238,7 +246,7 @@ TEST_F(DocumentTest, TemporaryPathsAreFreshAndRemovingNoneDoesNothing) {
   VLRecorderWindowController::removeTempFile("");
 }
 
-TEST_F(DocumentTest, ADocumentWithoutATemporaryFileTellsOnceAndStaysUsable) {
+TEST_F(VLRecorderWindowControllerTest, ADocumentWithoutATemporaryFileTellsOnceAndStaysUsable) {
   support::FailingTemporaryFiles files;
   const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   files.failCreation(EACCES);

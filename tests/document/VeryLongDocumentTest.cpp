@@ -11,7 +11,7 @@
 #include "support/fakes/SparseTemporaryFiles.h"
 #include "support/fakes/TestUserAudioFiles.h"
 
-class VeryLongDocumentTest : public DocumentTest {
+class VeryLongDocumentTest : public DocumentFixture {
  protected:
   static constexpr std::uint64_t kHours = support::kThreadChecker ? 2 : 20;
   static constexpr std::uint64_t kLength = kHours * 3600 * 44100;  // frames

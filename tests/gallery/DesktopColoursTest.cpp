@@ -56,17 +56,17 @@ QImage wholePixelsOf(QWidget& page) {
   return picture.copy(0, 0, picture.width() - 1, picture.height() - 1);
 }
 
-class DesktopColours : public testing::TestWithParam<double> {};
+class DesktopColoursTest : public testing::TestWithParam<double> {};
 
 }  // namespace
 
-TEST_P(DesktopColours, TheInstrumentLooksTheSameOnALightAndADarkDesktop) {
+TEST_P(DesktopColoursTest, TheInstrumentLooksTheSameOnALightAndADarkDesktop) {
   const QImage light = showWindow(GetParam()).content;
   const support::DarkPalette dark;
   EXPECT_EQ(showWindow(GetParam()).content, light);
 }
 
-TEST_P(DesktopColours, TheMenuBarFollowsTheDesktopAndStaysReadable) {
+TEST_P(DesktopColoursTest, TheMenuBarFollowsTheDesktopAndStaysReadable) {
   const QImage light = showWindow(GetParam()).menuBar;
   EXPECT_GT(light.pixelColor(light.width() - 3, 3).green(), 180);
   EXPECT_LT(range(light).second, 100) << "dark text";
@@ -76,7 +76,7 @@ TEST_P(DesktopColours, TheMenuBarFollowsTheDesktopAndStaysReadable) {
   EXPECT_GT(range(dark).first, 180) << "light text";
 }
 
-TEST_P(DesktopColours, EveryViewOfTheGalleryLooksTheSame) {
+TEST_P(DesktopColoursTest, EveryViewOfTheGalleryLooksTheSame) {
   std::vector<QImage> light;
   for (const auto& page : makeGalleryPages()) {
     ASSERT_TRUE(showOnScreenOfScale(*page, GetParam()));
@@ -91,4 +91,4 @@ TEST_P(DesktopColours, EveryViewOfTheGalleryLooksTheSame) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(ScaleFactors, DesktopColours, testing::ValuesIn(kScaleFactors));
+INSTANTIATE_TEST_SUITE_P(ScaleFactors, DesktopColoursTest, testing::ValuesIn(kScaleFactors));

@@ -11,11 +11,11 @@ namespace {
 // Of 255, over a tile. Another rasteriser or font version may differ by so much, no visible change.
 constexpr double kTolerance = 0.6;
 
-class ReferencePictures : public testing::TestWithParam<double> {};
+class ReferencePicturesTest : public testing::TestWithParam<double> {};
 
 }  // namespace
 
-TEST_P(ReferencePictures, EveryTileOfEveryPageLooksAsItDid) {
+TEST_P(ReferencePicturesTest, EveryTileOfEveryPageLooksAsItDid) {
   const double scale = GetParam();
   const GalleryPages pages = makeGalleryPages();
   ASSERT_FALSE(pages.empty());
@@ -37,4 +37,4 @@ TEST_P(ReferencePictures, EveryTileOfEveryPageLooksAsItDid) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Desktop, ReferencePictures, testing::ValuesIn(kScaleFactors));
+INSTANTIATE_TEST_SUITE_P(Desktop, ReferencePicturesTest, testing::ValuesIn(kScaleFactors));

@@ -18,7 +18,7 @@
 
 namespace {
 
-class ScaleFactors : public testing::TestWithParam<double> {
+class ScaleFactorsTest : public testing::TestWithParam<double> {
  protected:
   void SetUp() override {
     window_.setAttribute(Qt::WA_DeleteOnClose, false);
@@ -46,14 +46,14 @@ class ScaleFactors : public testing::TestWithParam<double> {
 
 }  // namespace
 
-TEST_P(ScaleFactors, TheWindowKeepsItsSizeInPoints) {
+TEST_P(ScaleFactorsTest, TheWindowKeepsItsSizeInPoints) {
   moveTo(GetParam());
   EXPECT_EQ(window_.centralWidget()->size(), QSize(640, 330));
   EXPECT_EQ(ui_.wfView->size(), QSize(640, 272));
   EXPECT_EQ(ui_.recButton->geometry(), QRect(57, 13, 46, 32));
 }
 
-TEST_P(ScaleFactors, TheWaveformIsRenderedInDevicePixelsToTheLastOne) {
+TEST_P(ScaleFactorsTest, TheWaveformIsRenderedInDevicePixelsToTheLastOne) {
   const double scale = GetParam();
   moveTo(scale);
   const QImage rendered = ui_.wfView->image();
@@ -69,7 +69,7 @@ TEST_P(ScaleFactors, TheWaveformIsRenderedInDevicePixelsToTheLastOne) {
   }
 }
 
-TEST_P(ScaleFactors, NoCrackOpensBetweenWaveformAndBarAndBelowTheBar) {
+TEST_P(ScaleFactorsTest, NoCrackOpensBetweenWaveformAndBarAndBelowTheBar) {
   const double scale = GetParam();
   moveTo(scale);
   window_.resize(640, 400);  // whole device pixels at every factor
@@ -87,7 +87,7 @@ TEST_P(ScaleFactors, NoCrackOpensBetweenWaveformAndBarAndBelowTheBar) {
   }
 }
 
-TEST_P(ScaleFactors, NeighbouringButtonsShareOneBorder) {
+TEST_P(ScaleFactorsTest, NeighbouringButtonsShareOneBorder) {
   const double scale = GetParam();
   moveTo(scale);
   const QImage bar = picture(ui_.transportBackView);
@@ -103,7 +103,7 @@ TEST_P(ScaleFactors, NeighbouringButtonsShareOneBorder) {
   EXPECT_NEAR(darkness / fullLine / scale, 1.0, 0.25);
 }
 
-TEST_P(ScaleFactors, IconsAreSharp) {
+TEST_P(ScaleFactorsTest, IconsAreSharp) {
   const double scale = GetParam();
   moveTo(scale);
   const QImage button = picture(ui_.recButton);  // the stop sign: a dark square, x from 18 to 28
@@ -116,7 +116,7 @@ TEST_P(ScaleFactors, IconsAreSharp) {
   EXPECT_LE(blurred, 4) << "at most two pixels at either edge";
 }
 
-TEST_P(ScaleFactors, TheLongestUsualTimeIsNotClipped) {
+TEST_P(ScaleFactorsTest, TheLongestUsualTimeIsNotClipped) {
   moveTo(GetParam());
   ui_.timeView->setCurrentTimeInSeconds(359999.99);
   ui_.timeView->update();
@@ -145,7 +145,7 @@ TEST_P(ScaleFactors, TheLongestUsualTimeIsNotClipped) {
 }
 
 // On the bar between pixels an icon must not bring a frame of its own along.
-TEST_P(ScaleFactors, PressingAButtonThatIsOnChangesNothingRoundItsIcon) {
+TEST_P(ScaleFactorsTest, PressingAButtonThatIsOnChangesNothingRoundItsIcon) {
   const double scale = GetParam();
   moveTo(scale);
   ui_.playButton->setOnImage(QStringLiteral("stop.png"));
@@ -173,7 +173,7 @@ TEST_P(ScaleFactors, PressingAButtonThatIsOnChangesNothingRoundItsIcon) {
   EXPECT_NE(on, off) << "the icon itself is darker";
 }
 
-TEST_P(ScaleFactors, TheProgressPanelsWordsAreReadable) {
+TEST_P(ScaleFactorsTest, TheProgressPanelsWordsAreReadable) {
   const double scale = GetParam();
   moveTo(scale);
   ui_.loadingIndicator->setRange(0, 100);
@@ -209,11 +209,11 @@ TEST_P(ScaleFactors, TheProgressPanelsWordsAreReadable) {
   EXPECT_LT(at(0.8).green(), 110);
 }
 
-INSTANTIATE_TEST_SUITE_P(Desktop, ScaleFactors, testing::ValuesIn(kScaleFactors));
+INSTANTIATE_TEST_SUITE_P(Desktop, ScaleFactorsTest, testing::ValuesIn(kScaleFactors));
 
-class MovedWindow : public ScaleFactors {};
+class ScaleFactorsMovedWindowTest : public ScaleFactorsTest {};
 
-TEST_F(MovedWindow, BetweenScreensItIsRenderedAnewForEachAndKeepsItsSize) {
+TEST_F(ScaleFactorsMovedWindowTest, BetweenScreensItIsRenderedAnewForEachAndKeepsItsSize) {
   for (const double scale : {1.0, 2.0, 1.25, 1.5, 1.0, 1.5, 2.0}) {
     moveTo(scale);
     EXPECT_EQ(ui_.wfView->image().devicePixelRatio(), scale);
@@ -223,10 +223,10 @@ TEST_F(MovedWindow, BetweenScreensItIsRenderedAnewForEachAndKeepsItsSize) {
 }
 
 /// A window with its spectrum below the bar.
-class MovedWindowWithSpectrum : public MovedWindow {
+class ScaleFactorsMovedSpectrumTest : public ScaleFactorsMovedWindowTest {
  protected:
   void SetUp() override {
-    MovedWindow::SetUp();
+    ScaleFactorsMovedWindowTest::SetUp();
     const std::vector<float> magnitudes(512, 0.5F);
     ui_.fftView->setSize(magnitudes.size());
     ui_.fftView->setData(magnitudes.data());
@@ -244,7 +244,7 @@ class MovedWindowWithSpectrum : public MovedWindow {
   std::unique_ptr<OVSpectrumStrip> strip_;
 };
 
-TEST_F(MovedWindowWithSpectrum,
+TEST_F(ScaleFactorsMovedSpectrumTest,
        BetweenScreensTheStripKeepsItsHeightAndIsPaintedToTheLastPixel) {
   for (const double scale : {2.0, 1.25, 1.5, 1.0, 2.0}) {
     moveTo(scale);
@@ -274,7 +274,7 @@ TEST_F(MovedWindowWithSpectrum,
   }
 }
 
-TEST_F(MovedWindowWithSpectrum, OnAnotherScreenHidingTakesTheStripAwayAndNothingElse) {
+TEST_F(ScaleFactorsMovedSpectrumTest, OnAnotherScreenHidingTakesTheStripAwayAndNothingElse) {
   for (const double scale : {2.0, 1.5, 1.25, 1.0}) {
     moveTo(scale);
     setShown(false);
@@ -285,7 +285,7 @@ TEST_F(MovedWindowWithSpectrum, OnAnotherScreenHidingTakesTheStripAwayAndNothing
   }
 }
 
-TEST_F(MovedWindow, ItNeverBecomesSmallerThanEverythingNeeds) {
+TEST_F(ScaleFactorsMovedWindowTest, ItNeverBecomesSmallerThanEverythingNeeds) {
   moveTo(1.0);
   // Some desktops let a window keep its device pixels, which are half as many points here.
   window_.setScreen(screenOfScale(2.0));
@@ -297,7 +297,7 @@ TEST_F(MovedWindow, ItNeverBecomesSmallerThanEverythingNeeds) {
   EXPECT_GE(window_.centralWidget()->height(), 240);
 }
 
-TEST_F(MovedWindow, BackOnItsFirstScreenItLooksAsBefore) {
+TEST_F(ScaleFactorsMovedWindowTest, BackOnItsFirstScreenItLooksAsBefore) {
   moveTo(1.0);
   const QImage before = picture(window_.centralWidget());
   moveTo(2.0);

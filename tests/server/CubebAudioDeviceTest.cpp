@@ -10,7 +10,7 @@ namespace {
 
 using support::Samples;
 
-class CubebAudioDeviceTest : public testserver::ServerTest {
+class CubebAudioDeviceTest : public testserver::ServerFixture {
  protected:
   /// Frames of `signal` that stand in what was heard, from its first frame on.
   [[nodiscard]] std::size_t heardFrames(const Samples& signal) const {

@@ -29,11 +29,11 @@ class CountingDelegate : public OVAQPlayerDelegate {
   int stopped = 0;  // main thread
 };
 
-class PlayToServerTest : public testserver::ServerTest {
+class PlayToServerTest : public testserver::ServerFixture {
  protected:
   void TearDown() override {
     player_.reset();
-    ServerTest::TearDown();
+    ServerFixture::TearDown();
   }
 
   void make(const Samples& samples) {

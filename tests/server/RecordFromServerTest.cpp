@@ -47,10 +47,10 @@ class StallingDelegate : public OVAudioBufferDelegate {
   int writes_ = 0;  // writer's thread
 };
 
-class RecordFromServerTest : public testserver::ServerTest {
+class RecordFromServerTest : public testserver::ServerFixture {
  protected:
   void SetUp() override {
-    ServerTest::SetUp();
+    ServerFixture::SetUp();
     if (HasFatalFailure()) {
       return;
     }
@@ -63,7 +63,7 @@ class RecordFromServerTest : public testserver::ServerTest {
       recorder_->prepareForDestruction();
       recorder_.reset();
     }
-    ServerTest::TearDown();
+    ServerFixture::TearDown();
   }
 
   /// What was recorded from a frame on, without silence.

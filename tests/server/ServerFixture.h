@@ -60,7 +60,7 @@ inline std::chrono::milliseconds duration(const std::function<void()>& call) {
 
 /// A private sound server, and the audio queues on the real device, which find that server and no
 /// other through this process's environment.
-class ServerTest : public testing::Test {
+class ServerFixture : public testing::Test {
  protected:
   void SetUp() override {
     std::string error;

@@ -16,85 +16,85 @@ BlockList listOf(std::initializer_list<OVBlock> blocks) {
   return BlockList(std::vector<OVBlock>(blocks));
 }
 
-TEST(MappingABlock, OntoAnEmptyListAddsIt) {
+TEST(BlockListMapTest, OntoAnEmptyListAddsIt) {
   BlockList list;
   list.map({100, 0, 50});
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(100, 0, 50)));
 }
 
-TEST(MappingABlock, ExactlyOverAnotherReplacesIt) {
+TEST(BlockListMapTest, ExactlyOverAnotherReplacesIt) {
   BlockList list = listOf({{0, 0, 1000}});
   list.map({0, 1000, 1000});
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(0, 1000, 1000)));
 }
 
-TEST(MappingABlock, OverSeveralRemovesThemAll) {
+TEST(BlockListMapTest, OverSeveralRemovesThemAll) {
   BlockList list = listOf({{0, 0, 10}, {10, 10, 10}, {30, 20, 10}, {50, 30, 10}});
   list.map({5, 40, 40});
   EXPECT_THAT(list.blocks(),
               ElementsAre(OVBlock(0, 0, 5), OVBlock(50, 30, 10), OVBlock(5, 40, 40)));
 }
 
-TEST(MappingABlock, FromTheStartOfAnotherTrimsItsHead) {
+TEST(BlockListMapTest, FromTheStartOfAnotherTrimsItsHead) {
   BlockList list = listOf({{0, 0, 1000}});
   list.map({0, 1000, 300});
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(300, 300, 700), OVBlock(0, 1000, 300)));
 }
 
-TEST(MappingABlock, OverTheHeadOfAnotherTrimsIt) {
+TEST(BlockListMapTest, OverTheHeadOfAnotherTrimsIt) {
   BlockList list = listOf({{100, 0, 1000}});
   list.map({50, 1000, 300});
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(350, 250, 750), OVBlock(50, 1000, 300)));
 }
 
-TEST(MappingABlock, OverTheTailOfAnotherTrimsIt) {
+TEST(BlockListMapTest, OverTheTailOfAnotherTrimsIt) {
   BlockList list = listOf({{0, 0, 1000}});
   list.map({700, 1000, 600});
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(0, 0, 700), OVBlock(700, 1000, 600)));
 }
 
-TEST(MappingABlock, ToTheEndOfAnotherTrimsItsTail) {
+TEST(BlockListMapTest, ToTheEndOfAnotherTrimsItsTail) {
   BlockList list = listOf({{0, 0, 1000}});
   list.map({700, 1000, 300});
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(0, 0, 700), OVBlock(700, 1000, 300)));
 }
 
-TEST(MappingABlock, InsideAnotherSplitsIt) {
+TEST(BlockListMapTest, InsideAnotherSplitsIt) {
   BlockList list = listOf({{0, 0, 1000}});
   list.map({250, 1000, 500});
   EXPECT_THAT(list.blocks(),
               ElementsAre(OVBlock(0, 0, 250), OVBlock(750, 750, 250), OVBlock(250, 1000, 500)));
 }
 
-TEST(MappingABlock, BesideOthersLeavesThemAsTheyAre) {
+TEST(BlockListMapTest, BesideOthersLeavesThemAsTheyAre) {
   BlockList list = listOf({{0, 0, 100}, {200, 100, 100}});
   list.map({100, 200, 100});
   EXPECT_THAT(list.blocks(),
               ElementsAre(OVBlock(0, 0, 100), OVBlock(200, 100, 100), OVBlock(100, 200, 100)));
 }
 
-TEST(MappingAnEmptyBlock, IntoAnEmptyListAddsIt) {
+TEST(BlockListMapNothingTest, IntoAnEmptyListAddsIt) {
   BlockList list;
   list.map({100, 0, 0});
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(100, 0, 0)));
   EXPECT_EQ(list.find(100), nullptr);
 }
 
-TEST(MappingAnEmptyBlock, InsideAnotherSplitsIt) {
+TEST(BlockListMapNothingTest, InsideAnotherSplitsIt) {
   BlockList list = listOf({{0, 0, 1000}});
   list.map({400, 1000, 0});
   EXPECT_THAT(list.blocks(),
               ElementsAre(OVBlock(0, 0, 400), OVBlock(400, 400, 600), OVBlock(400, 1000, 0)));
 }
 
-TEST(MappingAnEmptyBlock, AtTheEndOfAnotherSplitsOffAnEmptyTail) {
+TEST(BlockListMapNothingTest, AtTheEndOfAnotherSplitsOffAnEmptyTail) {
   BlockList list = listOf({{0, 0, 1000}});
   list.map({1000, 1000, 0});
   EXPECT_THAT(list.blocks(),
               ElementsAre(OVBlock(0, 0, 1000), OVBlock(1000, 1000, 0), OVBlock(1000, 1000, 0)));
 }
 
-TEST(MappingAnEmptyBlock, AtTheStartOfAnotherEmptiesItAndMovesItBehind) {
+TEST(BlockListMapNothingTest, AtTheStartOfAnotherEmptiesItAndMovesItBehind) {
   BlockList list = listOf({{100, 0, 1000}, {2000, 1000, 8}});
   list.map({100, 1008, 0});
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(100, 0, 0), OVBlock(2000, 1000, 8),
@@ -103,20 +103,20 @@ TEST(MappingAnEmptyBlock, AtTheStartOfAnotherEmptiesItAndMovesItBehind) {
   EXPECT_EQ(list.find(100)->size(), 1000U);
 }
 
-TEST(MappingAnEmptyBlock, OverAnotherEmptyOneReplacesIt) {
+TEST(BlockListMapNothingTest, OverAnotherEmptyOneReplacesIt) {
   BlockList list = listOf({{100, 7, 0}});
   list.map({100, 9, 0});
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(100, 9, 0)));
 }
 
-TEST(MappingABlock, RemovesEmptyOnesAtBothItsEdges) {
+TEST(BlockListMapTest, RemovesEmptyOnesAtBothItsEdges) {
   BlockList list = listOf({{100, 0, 0}, {200, 0, 0}, {201, 0, 0}, {99, 0, 0}});
   list.map({100, 0, 100});
   EXPECT_THAT(list.blocks(),
               ElementsAre(OVBlock(201, 0, 0), OVBlock(99, 0, 0), OVBlock(100, 0, 100)));
 }
 
-TEST(FindingABlock, LooksAtAddressesNotAtTheOrderOfTheList) {
+TEST(BlockListFindTest, LooksAtAddressesNotAtTheOrderOfTheList) {
   const BlockList list = listOf({{500, 0, 100}, {0, 100, 100}, {200, 200, 50}});
   EXPECT_THAT(list.find(0), Pointee(list.blocks()[1]));
   EXPECT_THAT(list.find(99), Pointee(list.blocks()[1]));
@@ -127,108 +127,108 @@ TEST(FindingABlock, LooksAtAddressesNotAtTheOrderOfTheList) {
   EXPECT_EQ(list.find(600), nullptr);
 }
 
-TEST(CuttingAfter, RemovesWhatStartsBeyondAndEndsWhatContainsTheAddress) {
+TEST(BlockListCutAfterTest, RemovesWhatStartsBeyondAndEndsWhatContainsTheAddress) {
   BlockList list = listOf({{300, 0, 100}, {0, 100, 100}, {100, 200, 200}});
   list.cutAfter(150);
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(0, 100, 100), OVBlock(100, 200, 50)));
 }
 
-TEST(CuttingAfter, AtABlockBoundaryKeepsTheBlockThatStartsThere) {
+TEST(BlockListCutAfterTest, AtABlockBoundaryKeepsTheBlockThatStartsThere) {
   BlockList list = listOf({{0, 0, 100}, {100, 100, 100}, {200, 200, 100}});
   list.cutAfter(100);
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(0, 0, 100), OVBlock(100, 100, 100)));
 }
 
-TEST(CuttingAfter, BeyondAllBlocksChangesNothing) {
+TEST(BlockListCutAfterTest, BeyondAllBlocksChangesNothing) {
   BlockList list = listOf({{0, 0, 100}});
   list.cutAfter(5000);
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(0, 0, 100)));
 }
 
-TEST(CuttingAfter, ZeroKeepsOnlyTheBlockAtZero) {
+TEST(BlockListCutAfterTest, ZeroKeepsOnlyTheBlockAtZero) {
   BlockList list = listOf({{0, 0, 100}, {100, 100, 100}});
   list.cutAfter(0);
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(0, 0, 100)));
 }
 
-TEST(CuttingAfter, RemovesWrappedBlocks) {
+TEST(BlockListCutAfterTest, RemovesWrappedBlocks) {
   BlockList list = listOf({{kTwo64 - 100, 0, 100}, {0, 100, 100}});
   list.cutAfter(100);
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(0, 100, 100)));
 }
 
-TEST(CuttingBefore, RemovesWhatEndsBelowTrimsWhatContainsAndMovesTheRest) {
+TEST(BlockListCutBeforeTest, RemovesWhatEndsBelowTrimsWhatContainsAndMovesTheRest) {
   BlockList list = listOf({{300, 0, 100}, {0, 100, 100}, {100, 200, 200}});
   list.cutBefore(150);
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(150, 0, 100), OVBlock(0, 250, 150)));
 }
 
-TEST(CuttingBefore, AtABlockBoundaryLeavesTheBlockThatEndsThereWrapped) {
+TEST(BlockListCutBeforeTest, AtABlockBoundaryLeavesTheBlockThatEndsThereWrapped) {
   BlockList list = listOf({{0, 0, 100}, {100, 100, 100}});
   list.cutBefore(100);
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(kTwo64 - 100, 0, 100), OVBlock(0, 100, 100)));
   EXPECT_THAT(list.find(0), Pointee(list.blocks()[1]));
 }
 
-TEST(CuttingBefore, AgainRemovesTheWrappedBlock) {
+TEST(BlockListCutBeforeTest, AgainRemovesTheWrappedBlock) {
   BlockList list = listOf({{kTwo64 - 100, 0, 100}, {0, 100, 100}});
   list.cutBefore(40);
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(0, 140, 60)));
 }
 
-TEST(CuttingBefore, ZeroChangesNothing) {
+TEST(BlockListCutBeforeTest, ZeroChangesNothing) {
   BlockList list = listOf({{kTwo64 - 100, 0, 100}, {0, 100, 100}});
   list.cutBefore(0);
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(kTwo64 - 100, 0, 100), OVBlock(0, 100, 100)));
 }
 
-TEST(MappingABlock, BelowAWrappedOneRemovesIt) {
+TEST(BlockListMapTest, BelowAWrappedOneRemovesIt) {
   BlockList list = listOf({{kTwo64 - 100, 0, 100}, {0, 100, 100}});
   list.map({100, 200, 10});
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(0, 100, 100), OVBlock(100, 200, 10)));
 }
 
-TEST(MappingABlock, ThatEndsBelowTheEndOfAWrappedOneLeavesIt) {
+TEST(BlockListMapTest, ThatEndsBelowTheEndOfAWrappedOneLeavesIt) {
   BlockList list = listOf({{kTwo64 - 100, 0, 200}});
   list.map({0, 200, 50});
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(kTwo64 - 100, 0, 200), OVBlock(0, 200, 50)));
   EXPECT_NE(list.find(0), nullptr);
 }
 
-TEST(MergingNeighbours, CollapsesARunIntoItsFirstBlock) {
+TEST(BlockListMergeTest, CollapsesARunIntoItsFirstBlock) {
   BlockList list = listOf({{0, 0, 10}, {10, 10, 20}, {30, 30, 30}});
   list.mergeNeighbours();
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(0, 0, 60)));
 }
 
-TEST(MergingNeighbours, OfAnEmptyListLeavesItEmpty) {
+TEST(BlockListMergeTest, OfAnEmptyListLeavesItEmpty) {
   BlockList list;
   list.mergeNeighbours();
   EXPECT_THAT(list.blocks(), IsEmpty());
 }
 
-TEST(MergingNeighbours, NeedsBothTheRecordingAndTheFile) {
+TEST(BlockListMergeTest, NeedsBothTheRecordingAndTheFile) {
   const auto blocks = {OVBlock(0, 0, 10), OVBlock(10, 11, 10), OVBlock(21, 21, 10)};
   BlockList list = listOf(blocks);
   list.mergeNeighbours();
   EXPECT_EQ(list.blocks(), std::vector<OVBlock>(blocks));
 }
 
-TEST(MergingNeighbours, NeedsThemNextToEachOtherInTheList) {
+TEST(BlockListMergeTest, NeedsThemNextToEachOtherInTheList) {
   const auto blocks = {OVBlock(0, 0, 10), OVBlock(500, 500, 10), OVBlock(10, 10, 10)};
   BlockList list = listOf(blocks);
   list.mergeNeighbours();
   EXPECT_EQ(list.blocks(), std::vector<OVBlock>(blocks));
 }
 
-TEST(MergingNeighbours, DoesNotMergeBackwards) {
+TEST(BlockListMergeTest, DoesNotMergeBackwards) {
   const auto blocks = {OVBlock(10, 10, 10), OVBlock(0, 0, 10)};
   BlockList list = listOf(blocks);
   list.mergeNeighbours();
   EXPECT_EQ(list.blocks(), std::vector<OVBlock>(blocks));
 }
 
-TEST(MergingNeighbours, AfterACutMakesTheFirstBlockUnreachableThroughTheWrappedOne) {
+TEST(BlockListMergeTest, AfterACutMakesTheFirstBlockUnreachableThroughTheWrappedOne) {
   BlockList list = listOf({{0, 0, 100}, {100, 100, 100}, {500, 500, 10}});
   list.cutBefore(100);
   list.mergeNeighbours();
@@ -238,7 +238,7 @@ TEST(MergingNeighbours, AfterACutMakesTheFirstBlockUnreachableThroughTheWrappedO
   EXPECT_NE(list.find(400), nullptr);
 }
 
-TEST(MergingNeighbours, TakesTheBlockBehindAnEmptyOneIn) {
+TEST(BlockListMergeTest, TakesTheBlockBehindAnEmptyOneIn) {
   BlockList list = listOf({{100, 50, 0}, {100, 50, 10}});
   list.mergeNeighbours();
   EXPECT_THAT(list.blocks(), ElementsAre(OVBlock(100, 50, 10)));

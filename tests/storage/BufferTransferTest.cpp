@@ -20,7 +20,7 @@ namespace {
 constexpr auto kHighest = std::numeric_limits<std::uint64_t>::max();
 constexpr auto kMaxWrite = std::numeric_limits<std::uint32_t>::max();
 
-class ATemporaryFileOfABuffer : public testing::Test {
+class BufferTransferTest : public testing::Test {
  protected:
   std::string read(std::uint64_t count, std::uint64_t offset, int& error) {
     std::string bytes(count, ' ');
@@ -35,7 +35,7 @@ class ATemporaryFileOfABuffer : public testing::Test {
       std::move(files_.createUnlinked("/nowhere/aXXXXXX")->file);
 };
 
-TEST_F(ATemporaryFileOfABuffer, IsReadWholeInShortSteps) {
+TEST_F(BufferTransferTest, IsReadWholeInShortSteps) {
   ASSERT_EQ(file_->writeAt("0123456789", 10, 0).byteCount, 10U);
   files_.shortenReads(3);
   int error = 0;
@@ -44,7 +44,7 @@ TEST_F(ATemporaryFileOfABuffer, IsReadWholeInShortSteps) {
   EXPECT_EQ(files_.reads(), 3U);
 }
 
-TEST_F(ATemporaryFileOfABuffer, IsReadToItsEndAndNoFurther) {
+TEST_F(BufferTransferTest, IsReadToItsEndAndNoFurther) {
   ASSERT_EQ(file_->writeAt("0123456789", 10, 0).byteCount, 10U);
   int error = 0;
   EXPECT_EQ(read(8, 6, error), "6789");
@@ -52,7 +52,7 @@ TEST_F(ATemporaryFileOfABuffer, IsReadToItsEndAndNoFurther) {
   EXPECT_EQ(error, 0);
 }
 
-TEST_F(ATemporaryFileOfABuffer, TellsWhyAReadFailed) {
+TEST_F(BufferTransferTest, TellsWhyAReadFailed) {
   ASSERT_EQ(file_->writeAt("0123456789", 10, 0).byteCount, 10U);
   files_.failReads(EIO);
   int error = 0;
@@ -60,18 +60,18 @@ TEST_F(ATemporaryFileOfABuffer, TellsWhyAReadFailed) {
   EXPECT_EQ(error, EIO);
 }
 
-TEST(AnErrorOfATransfer, IsNoneWhereAllBytesWereMoved) {
+TEST(BufferTransferErrorTest, IsNoneWhereAllBytesWereMoved) {
   EXPECT_EQ(errorOfTransfer({.byteCount = 8, .error = 0}, 8), 0);
   EXPECT_EQ(errorOfTransfer({.byteCount = 8, .error = EINTR}, 8), 0);
   EXPECT_EQ(errorOfTransfer({.byteCount = 0, .error = 0}, 0), 0);
 }
 
-TEST(AnErrorOfATransfer, IsTheReasonOrAFailureOfTheMedium) {
+TEST(BufferTransferErrorTest, IsTheReasonOrAFailureOfTheMedium) {
   EXPECT_EQ(errorOfTransfer({.byteCount = 7, .error = ENOSPC}, 8), ENOSPC);
   EXPECT_EQ(errorOfTransfer({.byteCount = 7, .error = 0}, 8), EIO);
 }
 
-TEST(ATemporaryFileThatCannotBeMade, IsToldWithItsPath) {
+TEST(BufferTransferFileTest, IsToldWithItsPath) {
   const support::InstalledRecordingServices services;
   alertThatNoTemporaryFileOpens("/nowhere/a");
   EXPECT_THAT(services->alerts(),
@@ -81,7 +81,7 @@ TEST(ATemporaryFileThatCannotBeMade, IsToldWithItsPath) {
                   "Check your permissions."}));
 }
 
-TEST(ATemporaryFileOnADisk, IsDeletedByItsPathAndNoneIsIgnored) {
+TEST(BufferTransferOnDiskTest, IsDeletedByItsPathAndNoneIsIgnored) {
   const support::TemporaryFolder folder;
   const std::string path = folder.file("take");
   std::ofstream(path) << "x";
@@ -91,7 +91,7 @@ TEST(ATemporaryFileOnADisk, IsDeletedByItsPathAndNoneIsIgnored) {
   deleteTemporaryFile(std::nullopt);
 }
 
-TEST(AWrite, MayEndAtTheHighestAddress) {
+TEST(BufferTransferBoundsTest, MayEndAtTheHighestAddress) {
   const support::InstalledRecordingServices services;
   EXPECT_FALSE(refuseIfPastAddressSpace(0, 0));
   EXPECT_FALSE(refuseIfPastAddressSpace(kHighest, 0));
@@ -100,7 +100,7 @@ TEST(AWrite, MayEndAtTheHighestAddress) {
   EXPECT_THAT(services->consoleLines(), testing::IsEmpty());
 }
 
-TEST(AWrite, ThatWouldPassTheHighestAddressIsRefusedOnTheConsole) {
+TEST(BufferTransferBoundsTest, ThatWouldPassTheHighestAddressIsRefusedOnTheConsole) {
   const support::InstalledRecordingServices services;
   EXPECT_TRUE(refuseIfPastAddressSpace(kHighest - 15, 16));
   EXPECT_TRUE(refuseIfPastAddressSpace(kHighest, kMaxWrite));

@@ -51,7 +51,7 @@ Chunks everyTenth(std::uint64_t count) {
   return chunks;
 }
 
-TEST(CowBlockSequence, AreEmptyAtFirst) {
+TEST(CowBlockSequenceTest, AreEmptyAtFirst) {
   const Chunks chunks;
   EXPECT_TRUE(chunks.empty());
   EXPECT_EQ(chunks.begin(), chunks.end());
@@ -59,7 +59,7 @@ TEST(CowBlockSequence, AreEmptyAtFirst) {
   EXPECT_EQ(chunks.lowerBound(0), chunks.end());
 }
 
-TEST(CowBlockSequence, StandInTheOrderOfTheirKeysHoweverTheyCame) {
+TEST(CowBlockSequenceTest, StandInTheOrderOfTheirKeysHoweverTheyCame) {
   Chunks chunks;
   for (const std::uint64_t start : {5U, 1U, 9U, 3U}) {
     chunks.insert(blockAt(start));
@@ -68,7 +68,7 @@ TEST(CowBlockSequence, StandInTheOrderOfTheirKeysHoweverTheyCame) {
   EXPECT_EQ(chunks.size(), 4U);
 }
 
-TEST(CowBlockSequence, AreFoundAcrossTheEdgesOfChunks) {
+TEST(CowBlockSequenceTest, AreFoundAcrossTheEdgesOfChunks) {
   const Chunks chunks = everyTenth(3 * kMax);
   for (std::uint64_t i = 0; i < 3 * kMax; ++i) {
     ASSERT_EQ(chunks[chunks.find(10 * i)], blockAt(10 * i));
@@ -78,13 +78,13 @@ TEST(CowBlockSequence, AreFoundAcrossTheEdgesOfChunks) {
   EXPECT_EQ(chunks.lowerBound(30 * kMax), chunks.end());
 }
 
-TEST(CowBlockSequence, AreWalkedForwardAndBackward) {
+TEST(CowBlockSequenceTest, AreWalkedForwardAndBackward) {
   const Chunks chunks = everyTenth(3 * kMax);
   EXPECT_EQ(startsForward(chunks), startsIn(chunks));
   EXPECT_EQ(startsBackward(chunks), startsIn(chunks));
 }
 
-TEST(CowBlockSequence, CopiesDoNotSeeEachOthersChanges) {
+TEST(CowBlockSequenceTest, CopiesDoNotSeeEachOthersChanges) {
   Chunks chunks = everyTenth(2 * kMax);
   const Chunks copy = chunks;
   const std::vector<std::uint64_t> before = startsIn(copy);
@@ -97,7 +97,7 @@ TEST(CowBlockSequence, CopiesDoNotSeeEachOthersChanges) {
   EXPECT_EQ(chunks.size(), copy.size());
 }
 
-TEST(CowBlockSequence, CanBeAddedBehindAllOthers) {
+TEST(CowBlockSequenceTest, CanBeAddedBehindAllOthers) {
   Chunks chunks;
   for (std::uint64_t i = 0; i < 2 * kMax + 5; ++i) {
     chunks.append(blockAt(i));
@@ -111,7 +111,7 @@ TEST(CowBlockSequence, CanBeAddedBehindAllOthers) {
   EXPECT_EQ(copy.find(2 * kMax + 5), copy.end());
 }
 
-TEST(CowBlockSequence, DoAsAMapThroughManyChanges) {
+TEST(CowBlockSequenceTest, DoAsAMapThroughManyChanges) {
   std::mt19937 random(1);
   Chunks chunks;
   std::map<std::uint64_t, OrderedBlock> model;

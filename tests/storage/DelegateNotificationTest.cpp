@@ -13,7 +13,7 @@ namespace {
 using support::DelegateCall;
 using testing::ElementsAre;
 
-class ADelegate : public testing::Test {
+class DelegateNotificationTest : public testing::Test {
  protected:
   std::shared_ptr<support::RecordingDelegate> delegate_ =
       std::make_shared<support::RecordingDelegate>();
@@ -21,7 +21,7 @@ class ADelegate : public testing::Test {
   const char data_ = 'x';
 };
 
-TEST_F(ADelegate, IsNotifiedOfAWriteWithItsArguments) {
+TEST_F(DelegateNotificationTest, IsNotifiedOfAWriteWithItsArguments) {
   reference_.set(delegate_);
   notifyOfWrite(reference_.get(), &data_, 40, 1, 0);
   notifyOfWrite(reference_.get(), nullptr, ~std::uint64_t{0}, 0, 0);
@@ -29,20 +29,20 @@ TEST_F(ADelegate, IsNotifiedOfAWriteWithItsArguments) {
                                               DelegateCall{nullptr, ~std::uint64_t{0}, 0, 0}));
 }
 
-TEST_F(ADelegate, IsNotifiedOfAFailureBeforeItsWrite) {
+TEST_F(DelegateNotificationTest, IsNotifiedOfAFailureBeforeItsWrite) {
   reference_.set(delegate_);
   notifyOfWrite(reference_.get(), &data_, 40, 1, ENOSPC);
   EXPECT_THAT(delegate_->calls(),
               ElementsAre(DelegateCall{nullptr, 0, 0, ENOSPC}, DelegateCall{&data_, 40, 1, 0}));
 }
 
-TEST_F(ADelegate, IsNotifiedOfAFailureAlone) {
+TEST_F(DelegateNotificationTest, IsNotifiedOfAFailureAlone) {
   reference_.set(delegate_);
   notifyOfFailedWrite(reference_.get(), EIO);
   EXPECT_THAT(delegate_->calls(), ElementsAre(DelegateCall{nullptr, 0, 0, EIO}));
 }
 
-TEST_F(ADelegate, ThatIsNotThereOrHasGoneIsNotNotified) {
+TEST_F(DelegateNotificationTest, ThatIsNotThereOrHasGoneIsNotNotified) {
   notifyOfWrite(reference_.get(), &data_, 40, 1, ENOSPC);
   reference_.set(delegate_);
   delegate_.reset();
@@ -51,7 +51,7 @@ TEST_F(ADelegate, ThatIsNotThereOrHasGoneIsNotNotified) {
   EXPECT_TRUE(reference_.get().expired());
 }
 
-TEST_F(ADelegate, MayBeReplacedWhileItIsNotified) {
+TEST_F(DelegateNotificationTest, MayBeReplacedWhileItIsNotified) {
   const auto next = std::make_shared<support::RecordingDelegate>();
   delegate_->during([&] { reference_.set(next); });
   reference_.set(delegate_);

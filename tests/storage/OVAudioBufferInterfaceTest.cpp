@@ -34,7 +34,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 template <typename Buffer>
-class EveryAudioBuffer : public testing::Test {
+class OVAudioBufferInterfaceTest : public testing::Test {
  protected:
   OVAudioBufferInterface& buffer() { return *buffer_; }
 
@@ -74,24 +74,24 @@ struct BufferNames {
 };
 
 using Buffers = testing::Types<OVAudioBuffer, OVBlockBuffer, OVDiskAudioBuffer>;
-TYPED_TEST_SUITE(EveryAudioBuffer, Buffers, BufferNames);
+TYPED_TEST_SUITE(OVAudioBufferInterfaceTest, Buffers, BufferNames);
 
-TYPED_TEST(EveryAudioBuffer, HasTheWorkingFormat) {
+TYPED_TEST(OVAudioBufferInterfaceTest, HasTheWorkingFormat) {
   EXPECT_EQ(this->buffer().format(), platform::kWorkingFormat);
 }
 
-TYPED_TEST(EveryAudioBuffer, IsEmptyAtFirst) {
+TYPED_TEST(OVAudioBufferInterfaceTest, IsEmptyAtFirst) {
   this->expectRecording({});
   this->expectNothingAt(~std::uint64_t{0});
 }
 
-TYPED_TEST(EveryAudioBuffer, GivesBackWhatWasWritten) {
+TYPED_TEST(OVAudioBufferInterfaceTest, GivesBackWhatWasWritten) {
   const Bytes bytes = pattern(8000, 1);
   write(this->buffer(), bytes, 0);
   this->expectRecording(bytes);
 }
 
-TYPED_TEST(EveryAudioBuffer, AnswersAReadWithTheDestinationTheFramesAndTheBytes) {
+TYPED_TEST(OVAudioBufferInterfaceTest, AnswersAReadWithTheDestinationTheFramesAndTheBytes) {
   write(this->buffer(), pattern(800, 1), 0);
   Bytes destination(160);
   const auto result = this->buffer().readDataInto(destination.data(), 160, 80);
@@ -101,7 +101,7 @@ TYPED_TEST(EveryAudioBuffer, AnswersAReadWithTheDestinationTheFramesAndTheBytes)
   EXPECT_EQ(destination, part(pattern(800, 1), 80, 240));
 }
 
-TYPED_TEST(EveryAudioBuffer, ReadsShortAtTheEndAndLeavesTheRestOfTheDestination) {
+TYPED_TEST(OVAudioBufferInterfaceTest, ReadsShortAtTheEndAndLeavesTheRestOfTheDestination) {
   const Bytes bytes = pattern(800, 1);
   write(this->buffer(), bytes, 0);
   Bytes destination(100, 0x55);
@@ -112,14 +112,14 @@ TYPED_TEST(EveryAudioBuffer, ReadsShortAtTheEndAndLeavesTheRestOfTheDestination)
   EXPECT_EQ(part(destination, 40, 100), Bytes(60, 0x55));
 }
 
-TYPED_TEST(EveryAudioBuffer, ReadsNothingForACountOfNone) {
+TYPED_TEST(OVAudioBufferInterfaceTest, ReadsNothingForACountOfNone) {
   write(this->buffer(), pattern(800, 1), 0);
   float unused = 0.0F;
   EXPECT_TRUE(isNothing(this->buffer().readDataInto(&unused, 0, 80)));
   EXPECT_TRUE(isNothing(this->buffer().readDataInto(nullptr, 0, 0)));
 }
 
-TYPED_TEST(EveryAudioBuffer, GivesTheSameForTheSameReadAgain) {
+TYPED_TEST(OVAudioBufferInterfaceTest, GivesTheSameForTheSameReadAgain) {
   const Bytes bytes = pattern(8000, 1);
   write(this->buffer(), bytes, 0);
   for (int i = 0; i < 20; ++i) {
@@ -127,7 +127,7 @@ TYPED_TEST(EveryAudioBuffer, GivesTheSameForTheSameReadAgain) {
   }
 }
 
-TYPED_TEST(EveryAudioBuffer, WritesOverWhatIsThere) {
+TYPED_TEST(OVAudioBufferInterfaceTest, WritesOverWhatIsThere) {
   const Bytes below = pattern(800, 1);
   const Bytes above = pattern(160, 2);
   write(this->buffer(), below, 0);
@@ -135,7 +135,7 @@ TYPED_TEST(EveryAudioBuffer, WritesOverWhatIsThere) {
   this->expectRecording(part(below, 0, 320) + above + part(below, 480, 800));
 }
 
-TYPED_TEST(EveryAudioBuffer, GrowsByAWriteAcrossItsEndAndNotByOneInside) {
+TYPED_TEST(OVAudioBufferInterfaceTest, GrowsByAWriteAcrossItsEndAndNotByOneInside) {
   write(this->buffer(), pattern(800, 1), 0);
   write(this->buffer(), pattern(80, 2), 720);
   EXPECT_EQ(this->buffer().bufferSizeInFrames(), 100U);
@@ -143,13 +143,13 @@ TYPED_TEST(EveryAudioBuffer, GrowsByAWriteAcrossItsEndAndNotByOneInside) {
   EXPECT_EQ(this->buffer().bufferSizeInFrames(), 105U);
 }
 
-TYPED_TEST(EveryAudioBuffer, CountsWholeFrames) {
+TYPED_TEST(OVAudioBufferInterfaceTest, CountsWholeFrames) {
   write(this->buffer(), pattern(15, 1), 0);
   EXPECT_EQ(this->buffer().bufferSizeInFrames(), 1U);
   EXPECT_EQ(this->buffer().bufferFillSizeInFrames(), 1U);
 }
 
-TYPED_TEST(EveryAudioBuffer, IsLongerByAWriteBehindItsEnd) {
+TYPED_TEST(OVAudioBufferInterfaceTest, IsLongerByAWriteBehindItsEnd) {
   const Bytes first = pattern(80, 1);
   const Bytes second = pattern(80, 2);
   write(this->buffer(), first, 0);
@@ -159,14 +159,14 @@ TYPED_TEST(EveryAudioBuffer, IsLongerByAWriteBehindItsEnd) {
   EXPECT_EQ(read(this->buffer(), 800, 800), second);
 }
 
-TYPED_TEST(EveryAudioBuffer, IsNotChangedByAWriteOfNoBytesInside) {
+TYPED_TEST(OVAudioBufferInterfaceTest, IsNotChangedByAWriteOfNoBytesInside) {
   const Bytes bytes = pattern(800, 1);
   write(this->buffer(), bytes, 0);
   write(this->buffer(), {}, 400);
   this->expectRecording(bytes);
 }
 
-TYPED_TEST(EveryAudioBuffer, RefusesAWriteThatEndsPastTheHighestAddress) {
+TYPED_TEST(OVAudioBufferInterfaceTest, RefusesAWriteThatEndsPastTheHighestAddress) {
   this->buffer().setDelegate(this->delegate_);
   write(this->buffer(), pattern(16, 1), ~std::uint64_t{0} - 8);
   EXPECT_EQ(this->buffer().bufferSizeInFrames(), 0U);
@@ -174,21 +174,21 @@ TYPED_TEST(EveryAudioBuffer, RefusesAWriteThatEndsPastTheHighestAddress) {
   EXPECT_EQ(this->services_->consoleLinesWith("refused to write"), 1U);
 }
 
-TYPED_TEST(EveryAudioBuffer, EndsAtACutAfter) {
+TYPED_TEST(OVAudioBufferInterfaceTest, EndsAtACutAfter) {
   const Bytes bytes = pattern(8000, 1);
   write(this->buffer(), bytes, 0);
   this->buffer().cutoffBufferAfterPosition(300);
   this->expectRecording(part(bytes, 0, 2400));
 }
 
-TYPED_TEST(EveryAudioBuffer, BeginsAtACutBefore) {
+TYPED_TEST(OVAudioBufferInterfaceTest, BeginsAtACutBefore) {
   const Bytes bytes = pattern(8000, 1);
   write(this->buffer(), bytes, 0);
   this->buffer().cutoffBufferBeforePosition(300);
   this->expectRecording(part(bytes, 2400, 8000));
 }
 
-TYPED_TEST(EveryAudioBuffer, IsNotChangedByCutsAtItsEdges) {
+TYPED_TEST(OVAudioBufferInterfaceTest, IsNotChangedByCutsAtItsEdges) {
   const Bytes bytes = pattern(8000, 1);
   write(this->buffer(), bytes, 0);
   this->buffer().cutoffBufferAfterPosition(1000);
@@ -196,13 +196,13 @@ TYPED_TEST(EveryAudioBuffer, IsNotChangedByCutsAtItsEdges) {
   this->expectRecording(bytes);
 }
 
-TYPED_TEST(EveryAudioBuffer, IsEmptyAfterACutAtItsStart) {
+TYPED_TEST(OVAudioBufferInterfaceTest, IsEmptyAfterACutAtItsStart) {
   write(this->buffer(), pattern(8000, 1), 0);
   this->buffer().cutoffBufferAfterPosition(0);
   this->expectRecording({});
 }
 
-TYPED_TEST(EveryAudioBuffer, CanBeRecordedToAfterCuts) {
+TYPED_TEST(OVAudioBufferInterfaceTest, CanBeRecordedToAfterCuts) {
   const Bytes first = pattern(8000, 1);
   const Bytes second = pattern(800, 2);
   write(this->buffer(), first, 0);
@@ -212,7 +212,7 @@ TYPED_TEST(EveryAudioBuffer, CanBeRecordedToAfterCuts) {
   this->expectRecording(part(first, 800, 4000) + second);
 }
 
-TYPED_TEST(EveryAudioBuffer, IsNotChangedByAWaypointAndARedoWithoutAnUndo) {
+TYPED_TEST(OVAudioBufferInterfaceTest, IsNotChangedByAWaypointAndARedoWithoutAnUndo) {
   const Bytes bytes = pattern(800, 1);
   write(this->buffer(), bytes, 0);
   this->buffer().setWaypoint();
@@ -223,7 +223,7 @@ TYPED_TEST(EveryAudioBuffer, IsNotChangedByAWaypointAndARedoWithoutAnUndo) {
   EXPECT_EQ(read(*fresh, 800, 0), bytes);
 }
 
-TYPED_TEST(EveryAudioBuffer, TellsTheDelegateOfEveryWriteWithItsArguments) {
+TYPED_TEST(OVAudioBufferInterfaceTest, TellsTheDelegateOfEveryWriteWithItsArguments) {
   this->buffer().setDelegate(this->delegate_);
   EXPECT_EQ(this->buffer().delegate().lock(), this->delegate_);
   const Bytes first = pattern(800, 1);
@@ -236,7 +236,7 @@ TYPED_TEST(EveryAudioBuffer, TellsTheDelegateOfEveryWriteWithItsArguments) {
                                                     DelegateCall{second.data(), 7, 0, 0}));
 }
 
-TYPED_TEST(EveryAudioBuffer, TellsTheDelegateOfNothingElse) {
+TYPED_TEST(OVAudioBufferInterfaceTest, TellsTheDelegateOfNothingElse) {
   write(this->buffer(), pattern(8000, 1), 0);
   this->buffer().setDelegate(this->delegate_);
   this->buffer().setWaypoint();
@@ -250,7 +250,7 @@ TYPED_TEST(EveryAudioBuffer, TellsTheDelegateOfNothingElse) {
   EXPECT_THAT(this->delegate_->calls(), IsEmpty());
 }
 
-TYPED_TEST(EveryAudioBuffer, TellsTheDelegateOnTheWritersThreadWithItsLockReleased) {
+TYPED_TEST(OVAudioBufferInterfaceTest, TellsTheDelegateOnTheWritersThreadWithItsLockReleased) {
   this->buffer().setDelegate(this->delegate_);
   const Bytes bytes = pattern(80, 1);
   std::thread::id teller;
@@ -271,7 +271,7 @@ TYPED_TEST(EveryAudioBuffer, TellsTheDelegateOnTheWritersThreadWithItsLockReleas
   EXPECT_EQ(seen, bytes) << "it is told when the bytes can be read";
 }
 
-TYPED_TEST(EveryAudioBuffer, DoesNotKeepItsDelegateAlive) {
+TYPED_TEST(OVAudioBufferInterfaceTest, DoesNotKeepItsDelegateAlive) {
   const std::weak_ptr<support::RecordingDelegate> weak = this->delegate_;
   this->buffer().setDelegate(this->delegate_);
   this->delegate_.reset();
@@ -280,7 +280,7 @@ TYPED_TEST(EveryAudioBuffer, DoesNotKeepItsDelegateAlive) {
   EXPECT_EQ(this->buffer().delegate().lock(), nullptr);
 }
 
-TYPED_TEST(EveryAudioBuffer, LetsNoWriterAndNoEditPastItsLock) {
+TYPED_TEST(OVAudioBufferInterfaceTest, LetsNoWriterAndNoEditPastItsLock) {
   const Bytes bytes = pattern(8000, 1);
   write(this->buffer(), bytes, 0);
   this->buffer().lock();
@@ -301,7 +301,7 @@ TYPED_TEST(EveryAudioBuffer, LetsNoWriterAndNoEditPastItsLock) {
   this->expectRecording(pattern(80, 2) + part(bytes, 80, 4000));
 }
 
-TYPED_TEST(EveryAudioBuffer, HoldsAnyRecordingMadeOfManyWrites) {
+TYPED_TEST(OVAudioBufferInterfaceTest, HoldsAnyRecordingMadeOfManyWrites) {
   std::mt19937 random(7);
   Bytes expected = pattern(40000, 0);
   write(this->buffer(), expected, 0);
@@ -318,7 +318,7 @@ TYPED_TEST(EveryAudioBuffer, HoldsAnyRecordingMadeOfManyWrites) {
   this->expectRecording(expected);
 }
 
-TYPED_TEST(EveryAudioBuffer, NeverShowsHalfAWriteToAReader) {
+TYPED_TEST(OVAudioBufferInterfaceTest, NeverShowsHalfAWriteToAReader) {
   constexpr std::size_t kChunk = 4096;
   constexpr std::uint64_t kChunks = 16;
   write(this->buffer(), Bytes(kChunk * kChunks, 0), 0);

@@ -104,12 +104,12 @@ Step draw(std::mt19937_64& random, const AudioBufferPair& pair) {
   return {choice < 86 ? "reverse" : choice < 91 ? "waypoint" : choice < 97 ? "undo" : "redo"};
 }
 
-TEST(OVAudioBufferModel, DoesTheSameThroughThousandsOfSequences) {
+TEST(OVAudioBufferModelTest, DoesTheSameThroughThousandsOfSequences) {
   EXPECT_TRUE(modeltest::holds<AudioBufferPair>(1500, 60, draw));
 }
 
 // As long as it takes a block of ten seconds to grow.
-TEST(OVAudioBufferModel, DoesTheSameWithLongRecordings) {
+TEST(OVAudioBufferModelTest, DoesTheSameWithLongRecordings) {
   const auto drawLong = [](std::mt19937_64& random, const AudioBufferPair& pair) -> Step {
     const std::uint64_t choice = below(random, 10);
     const std::uint64_t length = pair.model().fillSize;

@@ -28,13 +28,13 @@ using testing::SizeIs;
 constexpr auto kHighest = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t kTenSeconds = 3528000;  // bytes
 
-class AnAudioBuffer : public testing::Test {
+class OVAudioBufferTest : public testing::Test {
  protected:
   support::InstalledRecordingServices services_;
   std::shared_ptr<OVAudioBuffer> buffer_ = OVAudioBuffer::init();
 };
 
-TEST_F(AnAudioBuffer, IsEmptyWithTenSecondsOfZerosAtFirst) {
+TEST_F(OVAudioBufferTest, IsEmptyWithTenSecondsOfZerosAtFirst) {
   EXPECT_EQ(buffer_->bufferCapacity(), kTenSeconds);
   EXPECT_EQ(buffer_->bufferCapacityInFrames(), 441000U);
   EXPECT_EQ(buffer_->bufferSizeInFrames(), 0U);
@@ -43,11 +43,11 @@ TEST_F(AnAudioBuffer, IsEmptyWithTenSecondsOfZerosAtFirst) {
   EXPECT_EQ(read(*buffer_, kTenSeconds, 0), Bytes(kTenSeconds, 0));
 }
 
-TEST_F(AnAudioBuffer, AlwaysHasTheWorkingFormat) {
+TEST_F(OVAudioBufferTest, AlwaysHasTheWorkingFormat) {
   EXPECT_EQ(buffer_->format(), platform::kWorkingFormat);
 }
 
-TEST_F(AnAudioBuffer, GivesBackWhatWasWritten) {
+TEST_F(OVAudioBufferTest, GivesBackWhatWasWritten) {
   const Bytes bytes = pattern(100, 1);
   write(*buffer_, bytes, 40);
   EXPECT_EQ(buffer_->bufferFillSize(), 140U);
@@ -58,24 +58,24 @@ TEST_F(AnAudioBuffer, GivesBackWhatWasWritten) {
   EXPECT_EQ(read(*buffer_, 16, 40), part(bytes, 0, 4) + pattern(8, 2) + part(bytes, 12, 16));
 }
 
-TEST_F(AnAudioBuffer, DoesNotGrowBelowItsCapacity) {
+TEST_F(OVAudioBufferTest, DoesNotGrowBelowItsCapacity) {
   write(*buffer_, Bytes(kTenSeconds - 1), 0);
   EXPECT_EQ(buffer_->bufferCapacity(), kTenSeconds);
 }
 
-TEST_F(AnAudioBuffer, GrowsByHalfWhenAWriteReachesExactlyItsCapacity) {
+TEST_F(OVAudioBufferTest, GrowsByHalfWhenAWriteReachesExactlyItsCapacity) {
   const Bytes bytes = pattern(kTenSeconds, 1);
   write(*buffer_, bytes, 0);
   EXPECT_EQ(buffer_->bufferCapacity(), 5292000U);
   EXPECT_EQ(read(*buffer_, kTenSeconds, 0), bytes);
 }
 
-TEST_F(AnAudioBuffer, GrowsUntilItsCapacityExceedsTheEnd) {
+TEST_F(OVAudioBufferTest, GrowsUntilItsCapacityExceedsTheEnd) {
   write(*buffer_, pattern(8, 1), 5292000 - 8);
   EXPECT_EQ(buffer_->bufferCapacity(), 7938000U);
 }
 
-TEST_F(AnAudioBuffer, GrowsFromTheInitialCapacityWhenItHasNone) {
+TEST_F(OVAudioBufferTest, GrowsFromTheInitialCapacityWhenItHasNone) {
   buffer_->cutoffBufferAfterPosition(0);
   EXPECT_EQ(buffer_->bufferCapacity(), 0U);
   const Bytes bytes = pattern(80, 1);
@@ -84,13 +84,13 @@ TEST_F(AnAudioBuffer, GrowsFromTheInitialCapacityWhenItHasNone) {
   EXPECT_EQ(read(*buffer_, 80, 0), bytes);
 }
 
-TEST_F(AnAudioBuffer, GrowsFromASmallCapacity) {
+TEST_F(OVAudioBufferTest, GrowsFromASmallCapacity) {
   buffer_->cutoffBufferAfterPosition(1);
   write(*buffer_, pattern(8, 1), 8);
   EXPECT_EQ(buffer_->bufferCapacity(), 18U);  // 8, 12, 18
 }
 
-TEST_F(AnAudioBuffer, ReadNearTheEndIsShort) {
+TEST_F(OVAudioBufferTest, ReadNearTheEndIsShort) {
   const Bytes bytes = pattern(1000, 1);
   write(*buffer_, bytes, 0);
   Bytes destination(100, 0xAA);
@@ -101,7 +101,7 @@ TEST_F(AnAudioBuffer, ReadNearTheEndIsShort) {
   EXPECT_EQ(destination, part(bytes, 960, 1000) + Bytes(60, 0xAA));
 }
 
-TEST_F(AnAudioBuffer, ReadAtOrPastTheEndOrOfNoBytesGivesNothing) {
+TEST_F(OVAudioBufferTest, ReadAtOrPastTheEndOrOfNoBytesGivesNothing) {
   float destination[4];
   EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 0)));
   write(*buffer_, pattern(80, 1), 0);
@@ -110,7 +110,7 @@ TEST_F(AnAudioBuffer, ReadAtOrPastTheEndOrOfNoBytesGivesNothing) {
   EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 0, 0)));
 }
 
-TEST_F(AnAudioBuffer, ReadWhoseEndWrapsEndsWithTheRecording) {
+TEST_F(OVAudioBufferTest, ReadWhoseEndWrapsEndsWithTheRecording) {
   const Bytes bytes = pattern(80, 1);
   write(*buffer_, bytes, 0);
   Bytes destination(80);
@@ -118,7 +118,7 @@ TEST_F(AnAudioBuffer, ReadWhoseEndWrapsEndsWithTheRecording) {
   EXPECT_EQ(part(destination, 0, 40), part(bytes, 40, 80));
 }
 
-TEST_F(AnAudioBuffer, ReadWithoutCacheIsTheSame) {
+TEST_F(OVAudioBufferTest, ReadWithoutCacheIsTheSame) {
   const Bytes bytes = pattern(80, 1);
   write(*buffer_, bytes, 0);
   Bytes destination(30);
@@ -126,7 +126,7 @@ TEST_F(AnAudioBuffer, ReadWithoutCacheIsTheSame) {
   EXPECT_EQ(part(destination, 0, 20), part(bytes, 60, 80));
 }
 
-TEST_F(AnAudioBuffer, CutAfterShrinksTheBlock) {
+TEST_F(OVAudioBufferTest, CutAfterShrinksTheBlock) {
   const Bytes bytes = pattern(800, 1);
   write(*buffer_, bytes, 0);
   buffer_->cutoffBufferAfterPosition(25);
@@ -134,7 +134,7 @@ TEST_F(AnAudioBuffer, CutAfterShrinksTheBlock) {
   EXPECT_EQ(read(*buffer_, 800, 0), part(bytes, 0, 200));
 }
 
-TEST_F(AnAudioBuffer, CutAfterPastTheEndLengthensTheRecording) {
+TEST_F(OVAudioBufferTest, CutAfterPastTheEndLengthensTheRecording) {
   const Bytes bytes = pattern(80, 1);
   write(*buffer_, bytes, 0);
   buffer_->cutoffBufferAfterPosition(100);
@@ -142,14 +142,14 @@ TEST_F(AnAudioBuffer, CutAfterPastTheEndLengthensTheRecording) {
   EXPECT_EQ(read(*buffer_, 1000, 0), bytes + Bytes(720, 0));
 }
 
-TEST_F(AnAudioBuffer, CutAfterBeyondTheCapacityIsIgnored) {
+TEST_F(OVAudioBufferTest, CutAfterBeyondTheCapacityIsIgnored) {
   write(*buffer_, pattern(80, 1), 0);
   buffer_->cutoffBufferAfterPosition(441001);
   EXPECT_EQ(buffer_->bufferCapacity(), kTenSeconds);
   EXPECT_EQ(buffer_->bufferFillSize(), 80U);
 }
 
-TEST_F(AnAudioBuffer, CutBeforeMovesTheRestToTheStart) {
+TEST_F(OVAudioBufferTest, CutBeforeMovesTheRestToTheStart) {
   const Bytes bytes = pattern(800, 1);
   write(*buffer_, bytes, 0);
   buffer_->cutoffBufferBeforePosition(25);
@@ -157,14 +157,14 @@ TEST_F(AnAudioBuffer, CutBeforeMovesTheRestToTheStart) {
   EXPECT_EQ(read(*buffer_, 800, 0), part(bytes, 200, 800));
 }
 
-TEST_F(AnAudioBuffer, CutBeforeAtOrBeyondTheCapacityIsIgnored) {
+TEST_F(OVAudioBufferTest, CutBeforeAtOrBeyondTheCapacityIsIgnored) {
   write(*buffer_, pattern(80, 1), 0);
   buffer_->cutoffBufferBeforePosition(441000);
   EXPECT_EQ(buffer_->bufferCapacity(), kTenSeconds);
   EXPECT_EQ(buffer_->bufferFillSize(), 80U);
 }
 
-TEST_F(AnAudioBuffer, ReadsStayInsideTheBlockAfterTheLengthHasUnderflowed) {
+TEST_F(OVAudioBufferTest, ReadsStayInsideTheBlockAfterTheLengthHasUnderflowed) {
   write(*buffer_, pattern(80, 1), 0);
   buffer_->cutoffBufferBeforePosition(20);
   EXPECT_EQ(buffer_->bufferFillSize(), std::uint64_t{0} - 80);
@@ -174,7 +174,7 @@ TEST_F(AnAudioBuffer, ReadsStayInsideTheBlockAfterTheLengthHasUnderflowed) {
   buffer_->reverseBuffer();
 }
 
-TEST_F(AnAudioBuffer, GrowsAgainAfterACutBefore) {
+TEST_F(OVAudioBufferTest, GrowsAgainAfterACutBefore) {
   const Bytes bytes = pattern(800, 1);
   write(*buffer_, bytes, 0);
   buffer_->cutoffBufferBeforePosition(50);
@@ -185,7 +185,7 @@ TEST_F(AnAudioBuffer, GrowsAgainAfterACutBefore) {
   EXPECT_EQ(read(*buffer_, 100, capacity - 8), pattern(8, 2));
 }
 
-TEST_F(AnAudioBuffer, ReversingGoesBySampleAndExchangesTheChannels) {
+TEST_F(OVAudioBufferTest, ReversingGoesBySampleAndExchangesTheChannels) {
   const float samples[] = {1.0F, 2.0F, 3.0F, 4.0F};
   buffer_->writeData(samples, 0, sizeof samples);
   buffer_->reverseBuffer();
@@ -196,19 +196,19 @@ TEST_F(AnAudioBuffer, ReversingGoesBySampleAndExchangesTheChannels) {
   EXPECT_EQ(buffer_->exposeBuffer()[3], 4.0F);
 }
 
-TEST_F(AnAudioBuffer, ReversingKeepsBytesThatAreNoWholeSample) {
+TEST_F(OVAudioBufferTest, ReversingKeepsBytesThatAreNoWholeSample) {
   const Bytes bytes = pattern(11, 1);
   write(*buffer_, bytes, 0);
   buffer_->reverseBuffer();
   EXPECT_EQ(read(*buffer_, 11, 0), part(bytes, 4, 8) + part(bytes, 0, 4) + part(bytes, 8, 11));
 }
 
-TEST_F(AnAudioBuffer, ReversingNothingDoesNothing) {
+TEST_F(OVAudioBufferTest, ReversingNothingDoesNothing) {
   buffer_->reverseBuffer();
   EXPECT_EQ(buffer_->bufferFillSize(), 0U);
 }
 
-TEST_F(AnAudioBuffer, UndoWithoutAWaypointDoesNothing) {
+TEST_F(OVAudioBufferTest, UndoWithoutAWaypointDoesNothing) {
   const Bytes bytes = pattern(80, 1);
   write(*buffer_, bytes, 0);
   buffer_->undo();
@@ -216,7 +216,7 @@ TEST_F(AnAudioBuffer, UndoWithoutAWaypointDoesNothing) {
   EXPECT_EQ(read(*buffer_, 100, 0), bytes);
 }
 
-TEST_F(AnAudioBuffer, UndoExchangesTheRecordingWithTheWaypointAndTwiceIsBack) {
+TEST_F(OVAudioBufferTest, UndoExchangesTheRecordingWithTheWaypointAndTwiceIsBack) {
   const Bytes before = pattern(80, 1);
   const Bytes after = pattern(160, 2);
   write(*buffer_, before, 0);
@@ -231,7 +231,7 @@ TEST_F(AnAudioBuffer, UndoExchangesTheRecordingWithTheWaypointAndTwiceIsBack) {
   EXPECT_EQ(buffer_->bufferCapacity(), 160U);
 }
 
-TEST_F(AnAudioBuffer, RedoTakesAnUndoBack) {
+TEST_F(OVAudioBufferTest, RedoTakesAnUndoBack) {
   write(*buffer_, pattern(80, 1), 0);
   buffer_->setWaypoint();
   const Bytes after = pattern(80, 2);
@@ -241,7 +241,7 @@ TEST_F(AnAudioBuffer, RedoTakesAnUndoBack) {
   EXPECT_EQ(read(*buffer_, 100, 0), after);
 }
 
-TEST_F(AnAudioBuffer, ALaterWaypointReplacesTheEarlier) {
+TEST_F(OVAudioBufferTest, ALaterWaypointReplacesTheEarlier) {
   write(*buffer_, pattern(80, 1), 0);
   buffer_->setWaypoint();
   const Bytes second = pattern(80, 2);
@@ -252,7 +252,7 @@ TEST_F(AnAudioBuffer, ALaterWaypointReplacesTheEarlier) {
   EXPECT_EQ(read(*buffer_, 100, 0), second);
 }
 
-TEST_F(AnAudioBuffer, WaypointsAfterACutBeforeKeepTheSmallerCapacity) {
+TEST_F(OVAudioBufferTest, WaypointsAfterACutBeforeKeepTheSmallerCapacity) {
   const Bytes bytes = pattern(800, 1);
   write(*buffer_, bytes, 0);
   buffer_->cutoffBufferBeforePosition(50);
@@ -263,14 +263,14 @@ TEST_F(AnAudioBuffer, WaypointsAfterACutBeforeKeepTheSmallerCapacity) {
   EXPECT_EQ(read(*buffer_, 1000, 0), part(bytes, 400, 800));
 }
 
-TEST_F(AnAudioBuffer, GivesThePowerOfTwoSamplesAsTheirMeanMagnitude) {
+TEST_F(OVAudioBufferTest, GivesThePowerOfTwoSamplesAsTheirMeanMagnitude) {
   const float samples[] = {0.25F, -0.75F, -1.0F};
   buffer_->writeData(samples, 0, sizeof samples);
   EXPECT_EQ(buffer_->powerAtPosition(0), 0.5);
   EXPECT_EQ(buffer_->powerAtPosition(1), 0.875) << "positions count samples, not frames";
 }
 
-TEST_F(AnAudioBuffer, HasNoPowerOutsideItsBlock) {
+TEST_F(OVAudioBufferTest, HasNoPowerOutsideItsBlock) {
   EXPECT_EQ(buffer_->powerAtPosition(kTenSeconds / 4 - 2), 0.0);
   EXPECT_EQ(buffer_->powerAtPosition(kTenSeconds / 4 - 1), 0.0);
   EXPECT_EQ(buffer_->powerAtPosition(kHighest), 0.0);
@@ -278,7 +278,7 @@ TEST_F(AnAudioBuffer, HasNoPowerOutsideItsBlock) {
   EXPECT_EQ(buffer_->powerAtPosition(0), 0.0);
 }
 
-TEST_F(AnAudioBuffer, TellsItsDelegateOfEveryWriteOutsideTheLock) {
+TEST_F(OVAudioBufferTest, TellsItsDelegateOfEveryWriteOutsideTheLock) {
   const auto delegate = std::make_shared<support::RecordingDelegate>();
   delegate->during([this] {
     buffer_->lock();
@@ -293,7 +293,7 @@ TEST_F(AnAudioBuffer, TellsItsDelegateOfEveryWriteOutsideTheLock) {
                                              support::DelegateCall{nullptr, 7, 0, 0}));
 }
 
-TEST_F(AnAudioBuffer, RefusesAWriteThatWouldEndPastTheHighestAddress) {
+TEST_F(OVAudioBufferTest, RefusesAWriteThatWouldEndPastTheHighestAddress) {
   const auto delegate = std::make_shared<support::RecordingDelegate>();
   buffer_->setDelegate(delegate);
   write(*buffer_, pattern(16, 1), kHighest - 8);
@@ -302,7 +302,7 @@ TEST_F(AnAudioBuffer, RefusesAWriteThatWouldEndPastTheHighestAddress) {
   EXPECT_EQ(buffer_->bufferFillSize(), 0U);
 }
 
-TEST_F(AnAudioBuffer, ReportsAWriteThatNoMemoryCanHold) {
+TEST_F(OVAudioBufferTest, ReportsAWriteThatNoMemoryCanHold) {
   const auto delegate = std::make_shared<support::RecordingDelegate>();
   buffer_->setDelegate(delegate);
   const Bytes bytes = pattern(16, 1);
@@ -315,7 +315,7 @@ TEST_F(AnAudioBuffer, ReportsAWriteThatNoMemoryCanHold) {
   EXPECT_EQ(buffer_->bufferFillSize(), 0U);
 }
 
-TEST_F(AnAudioBuffer, ReportsAWriteForWhichThereIsNoMemory) {
+TEST_F(OVAudioBufferTest, ReportsAWriteForWhichThereIsNoMemory) {
   if (support::kAnyChecker) {
     GTEST_SKIP() << "the checkers end the program at such an allocation";
   }
@@ -328,7 +328,7 @@ TEST_F(AnAudioBuffer, ReportsAWriteForWhichThereIsNoMemory) {
 }
 
 // A recording that takes much memory, on a machine that has none left for a second one.
-class AnAudioBufferWithoutMemory : public AnAudioBuffer {
+class OVAudioBufferWithoutMemoryTest : public OVAudioBufferTest {
  protected:
   static constexpr std::uint64_t kLong = std::uint64_t{96} << 20;   // bytes
   static constexpr std::uint64_t kSpare = std::uint64_t{16} << 20;  // bytes
@@ -346,7 +346,7 @@ class AnAudioBufferWithoutMemory : public AnAudioBuffer {
   const Bytes second_ = pattern(80, 2);
 };
 
-TEST_F(AnAudioBufferWithoutMemory, GoesOnWithoutAWaypoint) {
+TEST_F(OVAudioBufferWithoutMemoryTest, GoesOnWithoutAWaypoint) {
   {
     const support::AddressSpaceLimit limit(kSpare);
     EXPECT_NO_THROW(buffer_->setWaypoint());
@@ -359,7 +359,7 @@ TEST_F(AnAudioBufferWithoutMemory, GoesOnWithoutAWaypoint) {
   EXPECT_EQ(buffer_->bufferFillSize(), kLong);
 }
 
-TEST_F(AnAudioBufferWithoutMemory, ForgetsTheWaypointBeforeTheOneThatFailed) {
+TEST_F(OVAudioBufferWithoutMemoryTest, ForgetsTheWaypointBeforeTheOneThatFailed) {
   buffer_->cutoffBufferAfterPosition(10);
   buffer_->setWaypoint();
   write(*buffer_, first_, kLong - first_.size());
@@ -371,7 +371,7 @@ TEST_F(AnAudioBufferWithoutMemory, ForgetsTheWaypointBeforeTheOneThatFailed) {
   EXPECT_EQ(buffer_->bufferFillSize(), kLong) << "the older copy belongs to an older edit";
 }
 
-TEST_F(AnAudioBufferWithoutMemory, HasAWaypointAgainOnceThereIsMemory) {
+TEST_F(OVAudioBufferWithoutMemoryTest, HasAWaypointAgainOnceThereIsMemory) {
   {
     const support::AddressSpaceLimit limit(kSpare);
     EXPECT_NO_THROW(buffer_->setWaypoint());
@@ -382,7 +382,7 @@ TEST_F(AnAudioBufferWithoutMemory, HasAWaypointAgainOnceThereIsMemory) {
   EXPECT_EQ(lastBytes(), first_);
 }
 
-TEST_F(AnAudioBufferWithoutMemory, IsReversed) {
+TEST_F(OVAudioBufferWithoutMemoryTest, IsReversed) {
   const float samples[] = {1.0F, 2.0F, 3.0F};
   buffer_->writeData(samples, 0, sizeof samples);
   {
@@ -395,7 +395,7 @@ TEST_F(AnAudioBufferWithoutMemory, IsReversed) {
   EXPECT_THAT(reversed, ElementsAre(3.0F, 2.0F, 1.0F));
 }
 
-TEST_F(AnAudioBuffer, KeepsTheFramesToPlayForItsCallers) {
+TEST_F(OVAudioBufferTest, KeepsTheFramesToPlayForItsCallers) {
   EXPECT_EQ(buffer_->framesToPlay(), 0U);
   buffer_->setFramesToPlay(77);
   EXPECT_EQ(buffer_->framesToPlay(), 77U);

@@ -22,7 +22,7 @@ using support::read;
 using support::write;
 using testing::SizeIs;
 
-class ASlowDisk : public testing::Test {
+class OVBlockBufferConcurrencySlowDiskTest : public testing::Test {
  protected:
   support::FailingTemporaryFiles files_;
   platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
@@ -30,7 +30,7 @@ class ASlowDisk : public testing::Test {
   support::Gate gate_;
 };
 
-TEST_F(ASlowDisk, DoesNotHoldUpReadsAndEditsWhileARecorderWrites) {
+TEST_F(OVBlockBufferConcurrencySlowDiskTest, DoesNotHoldUpReadsAndEditsWhileARecorderWrites) {
   const Bytes before = pattern(800, 1);
   write(*buffer_, before, 0);
   files_.beforeWrites([this] { gate_.pass(); });
@@ -50,7 +50,7 @@ TEST_F(ASlowDisk, DoesNotHoldUpReadsAndEditsWhileARecorderWrites) {
   EXPECT_EQ(buffer_->f_write_pos(), 880U);
 }
 
-TEST_F(ASlowDisk, DoesNotHoldUpARecorderWhileAReaderWaits) {
+TEST_F(OVBlockBufferConcurrencySlowDiskTest, DoesNotHoldUpARecorderWhileAReaderWaits) {
   const Bytes before = pattern(800, 1);
   write(*buffer_, before, 0);
   files_.beforeReads([this] { gate_.pass(); });
@@ -65,7 +65,7 @@ TEST_F(ASlowDisk, DoesNotHoldUpARecorderWhileAReaderWaits) {
   EXPECT_EQ(reader.get(), before) << "a read gives the recording as it stood when it began";
 }
 
-TEST_F(ASlowDisk, KeepsWritersInTheOrderOfTheFile) {
+TEST_F(OVBlockBufferConcurrencySlowDiskTest, KeepsWritersInTheOrderOfTheFile) {
   files_.beforeWrites([this] { gate_.pass(); });
   std::thread first([&] { write(*buffer_, pattern(80, 1), 0); });
   ASSERT_TRUE(gate_.awaitArrival());
@@ -112,7 +112,7 @@ class ChunkReader {
   std::uint64_t state_;
 };
 
-TEST(AWriterTwoReadersAndAnEditor, ShareABufferWithoutTearingAudio) {
+TEST(OVBlockBufferConcurrencyTest, ShareABufferWithoutTearingAudio) {
   constexpr std::uint64_t kWrites = 2000;
   constexpr int kReads = 2000;
   constexpr int kEdits = 300;
@@ -158,7 +158,7 @@ TEST(AWriterTwoReadersAndAnEditor, ShareABufferWithoutTearingAudio) {
   EXPECT_THAT(delegate->calls(), SizeIs(kWrites));
 }
 
-TEST(SeveralWriters, LoseNothing) {
+TEST(OVBlockBufferConcurrencyTest, LoseNothing) {
   constexpr std::uint64_t kWriters = 4;
   constexpr std::uint64_t kWritesEach = 500;
   const auto buffer = OVBlockBuffer::init();

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "storage/BlockBufferTest.h"
+#include "storage/BlockBufferFixture.h"
 
 namespace {
 
@@ -19,9 +19,9 @@ using testing::IsEmpty;
 
 constexpr std::uint64_t kTwo64 = 0;  // 2^64 in unsigned arithmetic
 
-class CutsOfABlockBuffer : public support::BlockBufferTest {};
+class OVBlockBufferCutTest : public support::BlockBufferFixture {};
 
-TEST_F(CutsOfABlockBuffer, CutAfterAPositionEndsTheRecordingThere) {
+TEST_F(OVBlockBufferCutTest, CutAfterAPositionEndsTheRecordingThere) {
   const Bytes all = writeSequence(4, 80);
   buffer_->cutoffBufferAfterPosition(25);
   EXPECT_EQ(buffer_->bufferFillSize(), 200U);
@@ -30,7 +30,7 @@ TEST_F(CutsOfABlockBuffer, CutAfterAPositionEndsTheRecordingThere) {
   EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 0, 200));
 }
 
-TEST_F(CutsOfABlockBuffer, CutAfterABlockBoundaryKeepsTheBlockButHidesIt) {
+TEST_F(OVBlockBufferCutTest, CutAfterABlockBoundaryKeepsTheBlockButHidesIt) {
   const Bytes all = writeSequence(3, 80);
   buffer_->cutoffBufferAfterPosition(10);
   EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 80), OVBlock(80, 80, 80)));
@@ -39,7 +39,7 @@ TEST_F(CutsOfABlockBuffer, CutAfterABlockBoundaryKeepsTheBlockButHidesIt) {
   EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 80)));
 }
 
-TEST_F(CutsOfABlockBuffer, ABlockHiddenByACutIsHeardAgainWhenTheRecordingGrowsPastIt) {
+TEST_F(OVBlockBufferCutTest, ABlockHiddenByACutIsHeardAgainWhenTheRecordingGrowsPastIt) {
   const Bytes all = writeSequence(3, 80);
   buffer_->cutoffBufferAfterPosition(10);
   const Bytes later = pattern(80, 9);
@@ -47,14 +47,14 @@ TEST_F(CutsOfABlockBuffer, ABlockHiddenByACutIsHeardAgainWhenTheRecordingGrowsPa
   EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 0, 160) + later);
 }
 
-TEST_F(CutsOfABlockBuffer, ABlockHiddenByACutGoesWhenItIsWrittenOver) {
+TEST_F(OVBlockBufferCutTest, ABlockHiddenByACutGoesWhenItIsWrittenOver) {
   writeSequence(3, 80);
   buffer_->cutoffBufferAfterPosition(10);
   write(*buffer_, pattern(80, 9), 80);
   EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 80), OVBlock(80, 240, 80)));
 }
 
-TEST_F(CutsOfABlockBuffer, ABlockHiddenByACutIsTrimmedWhenItIsPartlyWrittenOver) {
+TEST_F(OVBlockBufferCutTest, ABlockHiddenByACutIsTrimmedWhenItIsPartlyWrittenOver) {
   writeSequence(3, 80);
   buffer_->cutoffBufferAfterPosition(10);
   write(*buffer_, pattern(24, 9), 80);
@@ -63,21 +63,21 @@ TEST_F(CutsOfABlockBuffer, ABlockHiddenByACutIsTrimmedWhenItIsPartlyWrittenOver)
   EXPECT_EQ(buffer_->bufferFillSize(), 104U);
 }
 
-TEST_F(CutsOfABlockBuffer, CutAfterBeyondTheEndLengthensTheRecordingWithAHole) {
+TEST_F(OVBlockBufferCutTest, CutAfterBeyondTheEndLengthensTheRecordingWithAHole) {
   const Bytes all = writeSequence(1, 80);
   buffer_->cutoffBufferAfterPosition(100);
   EXPECT_EQ(buffer_->bufferFillSize(), 800U);
   EXPECT_EQ(read(*buffer_, 800, 0), all);
 }
 
-TEST_F(CutsOfABlockBuffer, CutAfterZeroEmptiesTheRecording) {
+TEST_F(OVBlockBufferCutTest, CutAfterZeroEmptiesTheRecording) {
   writeSequence(3, 80);
   buffer_->cutoffBufferAfterPosition(0);
   EXPECT_EQ(buffer_->bufferSizeInFrames(), 0U);
   EXPECT_THAT(read(*buffer_, 100, 0), IsEmpty());
 }
 
-TEST_F(CutsOfABlockBuffer, CutBeforeAPositionMovesTheRestToTheStart) {
+TEST_F(OVBlockBufferCutTest, CutBeforeAPositionMovesTheRestToTheStart) {
   const Bytes all = writeSequence(4, 80);
   buffer_->cutoffBufferBeforePosition(25);
   EXPECT_EQ(buffer_->bufferFillSize(), 120U);
@@ -85,14 +85,14 @@ TEST_F(CutsOfABlockBuffer, CutBeforeAPositionMovesTheRestToTheStart) {
   EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 200, 320));
 }
 
-TEST_F(CutsOfABlockBuffer, CutBeforeABlockBoundaryLeavesTheBlockThatEndsThereWrapped) {
+TEST_F(OVBlockBufferCutTest, CutBeforeABlockBoundaryLeavesTheBlockThatEndsThereWrapped) {
   const Bytes all = writeSequence(3, 80);
   buffer_->cutoffBufferBeforePosition(20);
   EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(kTwo64 - 80, 80, 80), OVBlock(0, 160, 80)));
   EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 160, 240));
 }
 
-TEST_F(CutsOfABlockBuffer, OptimizeMergesTheStartIntoTheWrappedBlockAndHidesIt) {
+TEST_F(OVBlockBufferCutTest, OptimizeMergesTheStartIntoTheWrappedBlockAndHidesIt) {
   writeSequence(3, 80);
   buffer_->cutoffBufferBeforePosition(20);
   buffer_->optimize();
@@ -102,7 +102,7 @@ TEST_F(CutsOfABlockBuffer, OptimizeMergesTheStartIntoTheWrappedBlockAndHidesIt) 
   EXPECT_EQ(buffer_->bufferFillSize(), 80U);
 }
 
-TEST_F(CutsOfABlockBuffer, AWriteRemovesTheWrappedBlock) {
+TEST_F(OVBlockBufferCutTest, AWriteRemovesTheWrappedBlock) {
   const Bytes all = writeSequence(3, 80);
   buffer_->cutoffBufferBeforePosition(20);
   const Bytes later = pattern(8, 9);
@@ -111,7 +111,7 @@ TEST_F(CutsOfABlockBuffer, AWriteRemovesTheWrappedBlock) {
   EXPECT_EQ(read(*buffer_, 1000, 0), part(all, 160, 240) + later);
 }
 
-TEST_F(CutsOfABlockBuffer, CutBeforeTheWholeRecordingLeavesItEmpty) {
+TEST_F(OVBlockBufferCutTest, CutBeforeTheWholeRecordingLeavesItEmpty) {
   writeSequence(1, 80);
   buffer_->cutoffBufferBeforePosition(10);
   EXPECT_EQ(buffer_->bufferFillSize(), 0U);
@@ -119,7 +119,7 @@ TEST_F(CutsOfABlockBuffer, CutBeforeTheWholeRecordingLeavesItEmpty) {
   EXPECT_THAT(read(*buffer_, 100, 0), IsEmpty());
 }
 
-TEST_F(CutsOfABlockBuffer, CutBeforeAPositionPastTheEndUnderflowsTheLength) {
+TEST_F(OVBlockBufferCutTest, CutBeforeAPositionPastTheEndUnderflowsTheLength) {
   writeSequence(1, 80);
   buffer_->cutoffBufferBeforePosition(11);
   EXPECT_EQ(buffer_->bufferFillSize(), kTwo64 - 8);
@@ -127,7 +127,7 @@ TEST_F(CutsOfABlockBuffer, CutBeforeAPositionPastTheEndUnderflowsTheLength) {
   EXPECT_THAT(read(*buffer_, 100, 0), IsEmpty());
 }
 
-TEST_F(CutsOfABlockBuffer, CutPositionsWrapAsTheyAreTurnedIntoBytes) {
+TEST_F(OVBlockBufferCutTest, CutPositionsWrapAsTheyAreTurnedIntoBytes) {
   writeSequence(1, 80);
   buffer_->cutoffBufferAfterPosition((std::uint64_t{1} << 61) + 5);
   EXPECT_EQ(buffer_->bufferFillSize(), 40U);

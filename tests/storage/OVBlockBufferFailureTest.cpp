@@ -27,7 +27,7 @@ const support::RecordedAlert kCannotOpen{
     "The file /nowhere/orvoXXXXXX couldn't be opened for writing. This shouldn't happen! Check "
     "your permissions."};
 
-class AFailingDisk : public testing::Test {
+class OVBlockBufferFailureTest : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_NE(buffer_, nullptr);
@@ -42,14 +42,14 @@ class AFailingDisk : public testing::Test {
       std::make_shared<support::RecordingDelegate>();
 };
 
-TEST_F(AFailingDisk, ThatGivesNoFileIsToldInAnAlertAndGivesNoBuffer) {
+TEST_F(OVBlockBufferFailureTest, ThatGivesNoFileIsToldInAnAlertAndGivesNoBuffer) {
   files_.failCreation(EACCES);
   EXPECT_EQ(OVBlockBuffer::init(), nullptr);
   EXPECT_THAT(services_->alerts(), ElementsAre(kCannotOpen));
   EXPECT_THAT(services_->postedAlerts(), IsEmpty());
 }
 
-TEST_F(AFailingDisk, ThatGivesNoFileIsToldWithoutWaitingOnAThreadThatMustNotWait) {
+TEST_F(OVBlockBufferFailureTest, ThatGivesNoFileIsToldWithoutWaitingOnAThreadThatMustNotWait) {
   files_.failCreation(EACCES);
   const platform::PostedAlertsScope scope;
   EXPECT_EQ(OVBlockBuffer::init(), nullptr);
@@ -63,7 +63,7 @@ class DeepTemporaryFiles : public support::FailingTemporaryFiles {
   std::string directory() const override { return "/" + std::string(5000, 'd') + "/"; }
 };
 
-TEST_F(AFailingDisk, APathTooLongIsCutForTheSystemAndToldWhole) {
+TEST_F(OVBlockBufferFailureTest, APathTooLongIsCutForTheSystemAndToldWhole) {
   DeepTemporaryFiles deep;
   deep.failCreation(EINVAL);
   const platform::Installed<platform::TemporaryFiles>::Scope installation(deep);
@@ -75,7 +75,7 @@ TEST_F(AFailingDisk, APathTooLongIsCutForTheSystemAndToldWhole) {
             std::string::npos);
 }
 
-TEST_F(AFailingDisk, AWriteTakenInPartIsMappedWholeAndMovesTheEndByItsWholeCount) {
+TEST_F(OVBlockBufferFailureTest, AWriteTakenInPartIsMappedWholeAndMovesTheEndByItsWholeCount) {
   files_.fillUpAfter(30);
   const Bytes bytes = pattern(80, 1);
   write(*buffer_, bytes, 0);
@@ -85,7 +85,7 @@ TEST_F(AFailingDisk, AWriteTakenInPartIsMappedWholeAndMovesTheEndByItsWholeCount
   EXPECT_EQ(read(*buffer_, 80, 0), part(bytes, 0, 30) + Bytes(50, 0)) << "the rest is silence";
 }
 
-TEST_F(AFailingDisk, AReadPassesTheLostStretchToTheAudioBehindIt) {
+TEST_F(OVBlockBufferFailureTest, AReadPassesTheLostStretchToTheAudioBehindIt) {
   write(*buffer_, pattern(240, 1), 0);
   files_.fillUpAfter(20);
   const Bytes lost = pattern(80, 2);
@@ -94,14 +94,14 @@ TEST_F(AFailingDisk, AReadPassesTheLostStretchToTheAudioBehindIt) {
                                         Bytes(60, 0) + part(pattern(240, 1), 160, 240));
 }
 
-TEST_F(AFailingDisk, ALostWriteAfterAnotherIsSilenceToo) {
+TEST_F(OVBlockBufferFailureTest, ALostWriteAfterAnotherIsSilenceToo) {
   files_.fillUpAfter(0);
   write(*buffer_, pattern(80, 1), 0);
   write(*buffer_, pattern(80, 2), 80);
   EXPECT_EQ(read(*buffer_, 160, 0), Bytes(160, 0));
 }
 
-TEST_F(AFailingDisk, TheLostStretchNeverShowsOtherAudio) {
+TEST_F(OVBlockBufferFailureTest, TheLostStretchNeverShowsOtherAudio) {
   files_.fillUpAfter(30);
   const Bytes lost = pattern(80, 1);
   write(*buffer_, lost, 0);
@@ -111,7 +111,7 @@ TEST_F(AFailingDisk, TheLostStretchNeverShowsOtherAudio) {
   EXPECT_EQ(read(*buffer_, 160, 0), part(lost, 0, 30) + Bytes(50, 0) + later);
 }
 
-TEST_F(AFailingDisk, EveryFailedWriteIsToldWithItsErrorBeforeTheWrite) {
+TEST_F(OVBlockBufferFailureTest, EveryFailedWriteIsToldWithItsErrorBeforeTheWrite) {
   files_.fillUpAfter(80);
   const Bytes bytes = pattern(80, 1);
   write(*buffer_, bytes, 0);
@@ -126,14 +126,14 @@ TEST_F(AFailingDisk, EveryFailedWriteIsToldWithItsErrorBeforeTheWrite) {
   EXPECT_THAT(services_->alerts(), IsEmpty()) << "how often a person is told is the delegate's";
 }
 
-TEST_F(AFailingDisk, AShortWriteWithoutAReasonIsAnInputOutputError) {
+TEST_F(OVBlockBufferFailureTest, AShortWriteWithoutAReasonIsAnInputOutputError) {
   files_.fillUpAfter(10, 0);
   write(*buffer_, pattern(80, 1), 0);
   ASSERT_EQ(delegate_->calls().size(), 2U);
   EXPECT_EQ(delegate_->calls()[0].error, EIO);
 }
 
-TEST_F(AFailingDisk, AFailedReadGivesNothingAndDoesNotLoop) {
+TEST_F(OVBlockBufferFailureTest, AFailedReadGivesNothingAndDoesNotLoop) {
   write(*buffer_, pattern(80, 1), 0);
   files_.failReads(EIO);
   float destination[20];
@@ -142,7 +142,7 @@ TEST_F(AFailingDisk, AFailedReadGivesNothingAndDoesNotLoop) {
   EXPECT_EQ(read(*buffer_, 80, 0), pattern(80, 1));
 }
 
-TEST_F(AFailingDisk, AFailedReadIsToldWithItsErrorOutsideTheLock) {
+TEST_F(OVBlockBufferFailureTest, AFailedReadIsToldWithItsErrorOutsideTheLock) {
   write(*buffer_, pattern(80, 1), 0);
   files_.failReads(ENXIO);
   delegate_->during([this] {
@@ -155,7 +155,7 @@ TEST_F(AFailingDisk, AFailedReadIsToldWithItsErrorOutsideTheLock) {
   EXPECT_THAT(services_->alerts(), IsEmpty()) << "how often a person is told is the delegate's";
 }
 
-TEST_F(AFailingDisk, BytesThatTheFileDoesNotHoldAreAnInputOutputErrorToTheirReader) {
+TEST_F(OVBlockBufferFailureTest, BytesThatTheFileDoesNotHoldAreAnInputOutputErrorToTheirReader) {
   files_.fillUpAfter(30);
   files_.failSizeChanges(EIO);
   write(*buffer_, pattern(80, 1), 0);
@@ -163,7 +163,7 @@ TEST_F(AFailingDisk, BytesThatTheFileDoesNotHoldAreAnInputOutputErrorToTheirRead
   EXPECT_THAT(delegate_->readErrors(), ElementsAre(EIO));
 }
 
-TEST_F(AFailingDisk, AReadThatEndsWhereTheRecordingDoesIsNoFailure) {
+TEST_F(OVBlockBufferFailureTest, AReadThatEndsWhereTheRecordingDoesIsNoFailure) {
   write(*buffer_, pattern(80, 1), 0);
   files_.shortenReads(7);
   EXPECT_EQ(read(*buffer_, 200, 40).size(), 40U);
@@ -171,7 +171,7 @@ TEST_F(AFailingDisk, AReadThatEndsWhereTheRecordingDoesIsNoFailure) {
   EXPECT_THAT(delegate_->readErrors(), IsEmpty());
 }
 
-TEST_F(AFailingDisk, ShortReadsAreContinued) {
+TEST_F(OVBlockBufferFailureTest, ShortReadsAreContinued) {
   const Bytes first = pattern(80, 1);
   const Bytes second = pattern(80, 2);
   write(*buffer_, second, 80);
@@ -180,7 +180,7 @@ TEST_F(AFailingDisk, ShortReadsAreContinued) {
   EXPECT_EQ(read(*buffer_, 160, 0), first + second);
 }
 
-TEST_F(AFailingDisk, AReadEndsAtTheFirstStretchThatTheFileDoesNotHold) {
+TEST_F(OVBlockBufferFailureTest, AReadEndsAtTheFirstStretchThatTheFileDoesNotHold) {
   const Bytes first = pattern(80, 1);
   write(*buffer_, first, 160);
   files_.fillUpAfter(20);
@@ -191,14 +191,14 @@ TEST_F(AFailingDisk, AReadEndsAtTheFirstStretchThatTheFileDoesNotHold) {
   EXPECT_EQ(read(*buffer_, 80, 160), first);
 }
 
-TEST_F(AFailingDisk, TheLevelOfAFrameThatCannotBeReadIsSilence) {
+TEST_F(OVBlockBufferFailureTest, TheLevelOfAFrameThatCannotBeReadIsSilence) {
   const float frame[] = {0.5F, 0.5F};
   buffer_->writeData(frame, 0, sizeof frame);
   files_.failReads(EIO);
   EXPECT_EQ(buffer_->powerAtPosition(0), 0.0);
 }
 
-TEST_F(AFailingDisk, UndoBringsBackWhatWasThereBeforeTheDiskFilledUp) {
+TEST_F(OVBlockBufferFailureTest, UndoBringsBackWhatWasThereBeforeTheDiskFilledUp) {
   const Bytes before = pattern(80, 1);
   write(*buffer_, before, 0);
   buffer_->setWaypoint();
@@ -209,7 +209,7 @@ TEST_F(AFailingDisk, UndoBringsBackWhatWasThereBeforeTheDiskFilledUp) {
   EXPECT_EQ(read(*buffer_, 80, 0), before);
 }
 
-TEST(AVeryLongRecording, IsReadAtItsFarEnd) {
+TEST(OVBlockBufferFailureLengthTest, IsReadAtItsFarEnd) {
   support::SparseTemporaryFiles files;
   const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   const auto buffer = OVBlockBuffer::init();

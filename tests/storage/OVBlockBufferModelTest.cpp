@@ -213,9 +213,9 @@ Step drawStep(const Shape& shape, std::mt19937_64& random, const BlockBufferPair
   return drawWrite(shape, random, pair.model());
 }
 
-class OVBlockBufferBesideItsModel : public testing::TestWithParam<Shape> {};
+class OVBlockBufferModelTest : public testing::TestWithParam<Shape> {};
 
-TEST_P(OVBlockBufferBesideItsModel, DoesTheSameThroughEverySequence) {
+TEST_P(OVBlockBufferModelTest, DoesTheSameThroughEverySequence) {
   const Shape& shape = GetParam();
   const auto draw = [&shape](std::mt19937_64& random, const BlockBufferPair& pair) {
     return drawStep(shape, random, pair);
@@ -223,7 +223,7 @@ TEST_P(OVBlockBufferBesideItsModel, DoesTheSameThroughEverySequence) {
   EXPECT_TRUE(modeltest::holds<BlockBufferPair>(shape.sequences, shape.operations, draw));
 }
 
-INSTANTIATE_TEST_SUITE_P(Shapes, OVBlockBufferBesideItsModel,
+INSTANTIATE_TEST_SUITE_P(Shapes, OVBlockBufferModelTest,
                          testing::Values(Shape{"tiny", 64, 24, 8, 1500, 60, false},
                                          Shape{"bytes", 48, 16, 1, 1500, 60, false},
                                          Shape{"long", 4096, 256, 8, 40, 500, false},

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <limits>
 
-#include "storage/BlockBufferTest.h"
+#include "storage/BlockBufferFixture.h"
 #include "support/fakes/RecordingDelegate.h"
 
 namespace {
@@ -24,9 +24,9 @@ using testing::SizeIs;
 
 constexpr auto kHighest = std::numeric_limits<std::uint64_t>::max();
 
-class ABlockBuffer : public support::BlockBufferTest {};
+class OVBlockBufferTest : public support::BlockBufferFixture {};
 
-TEST_F(ABlockBuffer, IsEmptyAtFirst) {
+TEST_F(OVBlockBufferTest, IsEmptyAtFirst) {
   EXPECT_THAT(buffer_->blocklist(), IsEmpty());
   EXPECT_THAT(buffer_->waypointStack(), IsEmpty());
   EXPECT_EQ(buffer_->f_write_pos(), 0U);
@@ -39,22 +39,22 @@ TEST_F(ABlockBuffer, IsEmptyAtFirst) {
   EXPECT_TRUE(buffer_->delegate().expired());
 }
 
-TEST_F(ABlockBuffer, AlwaysHasTheWorkingFormat) {
+TEST_F(OVBlockBufferTest, AlwaysHasTheWorkingFormat) {
   EXPECT_EQ(buffer_->format(), platform::kWorkingFormat);
 }
 
-TEST_F(ABlockBuffer, MakesItsFileInTheTemporaryDirectory) {
+TEST_F(OVBlockBufferTest, MakesItsFileInTheTemporaryDirectory) {
   EXPECT_THAT(files_.templates(), ElementsAre("/nowhere/orvoXXXXXX"));
   EXPECT_EQ(buffer_->f_file_name(), "/nowhere/orvo000001");
 }
 
-TEST_F(ABlockBuffer, ClosesItsFileAtItsEnd) {
+TEST_F(OVBlockBufferTest, ClosesItsFileAtItsEnd) {
   EXPECT_EQ(files_.openFiles(), 1U);
   buffer_.reset();
   EXPECT_EQ(files_.openFiles(), 0U);
 }
 
-TEST_F(ABlockBuffer, WriteInTheMiddleLeavesHeadSplitTailAndNewBlockInThatOrder) {
+TEST_F(OVBlockBufferTest, WriteInTheMiddleLeavesHeadSplitTailAndNewBlockInThatOrder) {
   const Bytes first = pattern(1000, 1);
   const Bytes second = pattern(500, 2);
   write(*buffer_, first, 0);
@@ -64,7 +64,7 @@ TEST_F(ABlockBuffer, WriteInTheMiddleLeavesHeadSplitTailAndNewBlockInThatOrder) 
   EXPECT_EQ(read(*buffer_, 1000, 0), part(first, 0, 250) + second + part(first, 750, 1000));
 }
 
-TEST_F(ABlockBuffer, WriteExactlyOverABlockReplacesIt) {
+TEST_F(OVBlockBufferTest, WriteExactlyOverABlockReplacesIt) {
   writeSequence(1, 1000);
   const Bytes second = pattern(1000, 2);
   write(*buffer_, second, 0);
@@ -72,13 +72,13 @@ TEST_F(ABlockBuffer, WriteExactlyOverABlockReplacesIt) {
   EXPECT_EQ(read(*buffer_, 1000, 0), second);
 }
 
-TEST_F(ABlockBuffer, WriteFromTheStartOfABlockTrimsItsHead) {
+TEST_F(OVBlockBufferTest, WriteFromTheStartOfABlockTrimsItsHead) {
   writeSequence(1, 1000);
   write(*buffer_, pattern(400, 2), 0);
   EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(400, 400, 600), OVBlock(0, 1000, 400)));
 }
 
-TEST_F(ABlockBuffer, WriteFromInsideABlockToItsEndOrBeyondTrimsItsTail) {
+TEST_F(OVBlockBufferTest, WriteFromInsideABlockToItsEndOrBeyondTrimsItsTail) {
   writeSequence(1, 1000);
   write(*buffer_, pattern(400, 2), 600);
   EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 600), OVBlock(600, 1000, 400)));
@@ -86,7 +86,7 @@ TEST_F(ABlockBuffer, WriteFromInsideABlockToItsEndOrBeyondTrimsItsTail) {
   EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 500), OVBlock(500, 1400, 800)));
 }
 
-TEST_F(ABlockBuffer, OnlyWritesPastTheEndLengthenTheRecording) {
+TEST_F(OVBlockBufferTest, OnlyWritesPastTheEndLengthenTheRecording) {
   writeSequence(1, 1000);
   EXPECT_EQ(buffer_->bufferFillSize(), 1000U);
   write(*buffer_, pattern(100, 2), 500);
@@ -101,13 +101,13 @@ TEST_F(ABlockBuffer, OnlyWritesPastTheEndLengthenTheRecording) {
   EXPECT_EQ(buffer_->bufferFillSizeInFrames(), 260U);
 }
 
-TEST_F(ABlockBuffer, CountsOnlyWholeFrames) {
+TEST_F(OVBlockBufferTest, CountsOnlyWholeFrames) {
   write(*buffer_, pattern(15, 1), 0);
   EXPECT_EQ(buffer_->bufferSizeInFrames(), 1U);
   EXPECT_EQ(buffer_->bufferFillSizeInFrames(), 1U);
 }
 
-TEST_F(ABlockBuffer, OnlyEverAppendsToItsFile) {
+TEST_F(OVBlockBufferTest, OnlyEverAppendsToItsFile) {
   writeSequence(3, 100);
   write(*buffer_, pattern(50, 9), 0);
   buffer_->cutoffBufferAfterPosition(1);
@@ -116,21 +116,21 @@ TEST_F(ABlockBuffer, OnlyEverAppendsToItsFile) {
   EXPECT_EQ(buffer_->f_write_pos(), 358U);
 }
 
-TEST_F(ABlockBuffer, TwentySequentialWritesStayTwentyBlocks) {
+TEST_F(OVBlockBufferTest, TwentySequentialWritesStayTwentyBlocks) {
   const Bytes all = writeSequence(20, 80);
   EXPECT_THAT(buffer_->blocklist(), SizeIs(20));
   EXPECT_EQ(buffer_->blocksAddedSinceOptimization(), 20U);
   EXPECT_EQ(read(*buffer_, 2000, 0), all);
 }
 
-TEST_F(ABlockBuffer, TheTwentyFirstSequentialWriteLeavesOneBlock) {
+TEST_F(OVBlockBufferTest, TheTwentyFirstSequentialWriteLeavesOneBlock) {
   const Bytes all = writeSequence(21, 80);
   EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 1680)));
   EXPECT_EQ(buffer_->blocksAddedSinceOptimization(), 0U);
   EXPECT_EQ(read(*buffer_, 2000, 0), all);
 }
 
-TEST_F(ABlockBuffer, EmptyWritesCountTowardsOptimizing) {
+TEST_F(OVBlockBufferTest, EmptyWritesCountTowardsOptimizing) {
   writeSequence(10, 80);
   for (int i = 0; i < 10; ++i) {
     buffer_->writeData(nullptr, 5000, 0);
@@ -142,7 +142,7 @@ TEST_F(ABlockBuffer, EmptyWritesCountTowardsOptimizing) {
   EXPECT_EQ(buffer_->bufferFillSize(), 5000U) << "an empty write lengthens the recording, too";
 }
 
-TEST_F(ABlockBuffer, AnEmptyWriteSplitsTheBlockThatHoldsItsOffset) {
+TEST_F(OVBlockBufferTest, AnEmptyWriteSplitsTheBlockThatHoldsItsOffset) {
   const Bytes all = writeSequence(1, 1000);
   buffer_->writeData(nullptr, 400, 0);
   EXPECT_THAT(buffer_->blocklist(),
@@ -150,7 +150,7 @@ TEST_F(ABlockBuffer, AnEmptyWriteSplitsTheBlockThatHoldsItsOffset) {
   EXPECT_EQ(read(*buffer_, 1000, 0), all);
 }
 
-TEST_F(ABlockBuffer, OptimizeMergesOnRequest) {
+TEST_F(OVBlockBufferTest, OptimizeMergesOnRequest) {
   const Bytes all = writeSequence(5, 80);
   buffer_->optimize();
   EXPECT_THAT(buffer_->blocklist(), ElementsAre(OVBlock(0, 0, 400)));
@@ -158,7 +158,7 @@ TEST_F(ABlockBuffer, OptimizeMergesOnRequest) {
   EXPECT_EQ(read(*buffer_, 400, 0), all);
 }
 
-TEST_F(ABlockBuffer, ReadCrossesBlocksInAddressOrderWhateverTheOrderOfTheList) {
+TEST_F(OVBlockBufferTest, ReadCrossesBlocksInAddressOrderWhateverTheOrderOfTheList) {
   const Bytes second = pattern(100, 1);
   const Bytes first = pattern(100, 2);
   write(*buffer_, second, 100);
@@ -168,7 +168,7 @@ TEST_F(ABlockBuffer, ReadCrossesBlocksInAddressOrderWhateverTheOrderOfTheList) {
   EXPECT_EQ(read(*buffer_, 120, 40), part(all, 40, 160));
 }
 
-TEST_F(ABlockBuffer, ReadReportsTheDestinationAndWholeFrames) {
+TEST_F(OVBlockBufferTest, ReadReportsTheDestinationAndWholeFrames) {
   writeSequence(1, 100);
   float destination[32];
   const BufferReadResult result = buffer_->readDataInto(destination, 30, 0);
@@ -177,7 +177,7 @@ TEST_F(ABlockBuffer, ReadReportsTheDestinationAndWholeFrames) {
   EXPECT_EQ(result.byteCount, 30U);
 }
 
-TEST_F(ABlockBuffer, ReadEndsAtTheEndAndLeavesTheRestOfTheDestination) {
+TEST_F(OVBlockBufferTest, ReadEndsAtTheEndAndLeavesTheRestOfTheDestination) {
   const Bytes all = writeSequence(1, 100);
   Bytes destination(64, 0xAA);
   const BufferReadResult result = buffer_->readDataInto(destination.data(), 64, 60);
@@ -187,7 +187,7 @@ TEST_F(ABlockBuffer, ReadEndsAtTheEndAndLeavesTheRestOfTheDestination) {
   EXPECT_EQ(part(destination, 40, 64), Bytes(24, 0xAA));
 }
 
-TEST_F(ABlockBuffer, ReadAtOrPastTheEndGivesNothing) {
+TEST_F(OVBlockBufferTest, ReadAtOrPastTheEndGivesNothing) {
   float destination[4];
   EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, 0))) << "of an empty buffer";
   writeSequence(1, 100);
@@ -195,13 +195,13 @@ TEST_F(ABlockBuffer, ReadAtOrPastTheEndGivesNothing) {
   EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 16, kHighest)));
 }
 
-TEST_F(ABlockBuffer, ReadOfNoBytesGivesNothing) {
+TEST_F(OVBlockBufferTest, ReadOfNoBytesGivesNothing) {
   writeSequence(1, 100);
   float destination[4];
   EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, 0, 0)));
 }
 
-TEST_F(ABlockBuffer, ReadStopsAtAHoleAndGivesNothingInIt) {
+TEST_F(OVBlockBufferTest, ReadStopsAtAHoleAndGivesNothingInIt) {
   const Bytes all = writeSequence(1, 100);
   write(*buffer_, pattern(100, 2), 300);
   EXPECT_EQ(read(*buffer_, 400, 0), all);
@@ -210,7 +210,7 @@ TEST_F(ABlockBuffer, ReadStopsAtAHoleAndGivesNothingInIt) {
   EXPECT_EQ(read(*buffer_, 400, 300), pattern(100, 2));
 }
 
-TEST_F(ABlockBuffer, ReadPastTheEndAndReadOfAnEmptyListWaitForNoLock) {
+TEST_F(OVBlockBufferTest, ReadPastTheEndAndReadOfAnEmptyListWaitForNoLock) {
   float destination[4];
   buffer_->cutoffBufferAfterPosition(100);
   buffer_->lock();
@@ -220,20 +220,20 @@ TEST_F(ABlockBuffer, ReadPastTheEndAndReadOfAnEmptyListWaitForNoLock) {
   buffer_->unlock();
 }
 
-TEST_F(ABlockBuffer, ReadsNeighboursInTheFileInOneGo) {
+TEST_F(OVBlockBufferTest, ReadsNeighboursInTheFileInOneGo) {
   const Bytes all = writeSequence(20, 80);
   EXPECT_EQ(read(*buffer_, 1600, 0), all);
   EXPECT_EQ(files_.reads(), 1U);
 }
 
-TEST_F(ABlockBuffer, RefusesACountThatIsNegativeAsASignedNumber) {
+TEST_F(OVBlockBufferTest, RefusesACountThatIsNegativeAsASignedNumber) {
   writeSequence(1, 100);
   float destination[4];
   EXPECT_TRUE(isNothing(buffer_->readDataInto(destination, std::uint64_t{1} << 63, 0)));
   EXPECT_THAT(services_->consoleLines(), SizeIs(1));
 }
 
-TEST_F(ABlockBuffer, RefusesAWriteThatWouldEndPastTheHighestAddress) {
+TEST_F(OVBlockBufferTest, RefusesAWriteThatWouldEndPastTheHighestAddress) {
   const auto delegate = std::make_shared<support::RecordingDelegate>();
   buffer_->setDelegate(delegate);
   writeSequence(1, 96);
@@ -247,7 +247,7 @@ TEST_F(ABlockBuffer, RefusesAWriteThatWouldEndPastTheHighestAddress) {
   EXPECT_THAT(delegate->calls(), SizeIs(1));
 }
 
-TEST_F(ABlockBuffer, TakesAWriteThatEndsAtTheHighestAddress) {
+TEST_F(OVBlockBufferTest, TakesAWriteThatEndsAtTheHighestAddress) {
   const Bytes bytes = pattern(16, 2);
   write(*buffer_, bytes, kHighest - 16);
   EXPECT_THAT(services_->consoleLines(), IsEmpty());
@@ -255,7 +255,7 @@ TEST_F(ABlockBuffer, TakesAWriteThatEndsAtTheHighestAddress) {
   EXPECT_EQ(read(*buffer_, 100, kHighest - 16), bytes);
 }
 
-TEST_F(ABlockBuffer, LocatesAddresses) {
+TEST_F(OVBlockBufferTest, LocatesAddresses) {
   writeSequence(1, 100);
   write(*buffer_, pattern(50, 2), 150);
   buffer_->lock();
@@ -272,26 +272,26 @@ TEST_F(ABlockBuffer, LocatesAddresses) {
   buffer_->unlock();
 }
 
-TEST_F(ABlockBuffer, ReversingDoesNothing) {
+TEST_F(OVBlockBufferTest, ReversingDoesNothing) {
   const Bytes all = writeSequence(2, 80);
   buffer_->reverseBuffer();
   EXPECT_EQ(read(*buffer_, 160, 0), all);
 }
 
-TEST_F(ABlockBuffer, GivesThePowerOfAFrameAsTheSignedMeanOfItsChannels) {
+TEST_F(OVBlockBufferTest, GivesThePowerOfAFrameAsTheSignedMeanOfItsChannels) {
   const float frames[] = {0.25F, 0.75F, -1.0F, 0.5F};
   buffer_->writeData(frames, 0, sizeof frames);
   EXPECT_EQ(buffer_->powerAtPosition(0), 0.5);
   EXPECT_EQ(buffer_->powerAtPosition(1), -0.25);
 }
 
-TEST_F(ABlockBuffer, AddsTheChannelsOfAPowerInSinglePrecision) {
+TEST_F(OVBlockBufferTest, AddsTheChannelsOfAPowerInSinglePrecision) {
   const float frame[] = {16777216.0F, 1.0F};
   buffer_->writeData(frame, 0, sizeof frame);
   EXPECT_EQ(buffer_->powerAtPosition(0), 8388608.0);
 }
 
-TEST_F(ABlockBuffer, HasThePowerOneWhereThereIsNoWholeFrameInOneBlock) {
+TEST_F(OVBlockBufferTest, HasThePowerOneWhereThereIsNoWholeFrameInOneBlock) {
   const float frames[] = {0.25F, 0.25F, 0.25F, 0.25F};
   EXPECT_EQ(buffer_->powerAtPosition(0), 1.0) << "of an empty buffer";
   buffer_->writeData(frames, 0, sizeof frames);
@@ -304,7 +304,7 @@ TEST_F(ABlockBuffer, HasThePowerOneWhereThereIsNoWholeFrameInOneBlock) {
   EXPECT_EQ(buffer_->powerAtPosition(0), 0.25);
 }
 
-TEST_F(ABlockBuffer, TellsItsDelegateOfEveryWriteOutsideTheLock) {
+TEST_F(OVBlockBufferTest, TellsItsDelegateOfEveryWriteOutsideTheLock) {
   const auto delegate = std::make_shared<support::RecordingDelegate>();
   delegate->during([this] {
     buffer_->lock();
@@ -319,7 +319,7 @@ TEST_F(ABlockBuffer, TellsItsDelegateOfEveryWriteOutsideTheLock) {
                                              support::DelegateCall{nullptr, 7, 0, 0}));
 }
 
-TEST_F(ABlockBuffer, ToldOfTheTwentyFirstWriteADelegateSeesTheListOptimized) {
+TEST_F(OVBlockBufferTest, ToldOfTheTwentyFirstWriteADelegateSeesTheListOptimized) {
   const auto delegate = std::make_shared<support::RecordingDelegate>();
   buffer_->setDelegate(delegate);
   std::size_t blocksSeen = 0;
@@ -328,7 +328,7 @@ TEST_F(ABlockBuffer, ToldOfTheTwentyFirstWriteADelegateSeesTheListOptimized) {
   EXPECT_EQ(blocksSeen, 1U);
 }
 
-TEST_F(ABlockBuffer, DoesNotKeepItsDelegateAlive) {
+TEST_F(OVBlockBufferTest, DoesNotKeepItsDelegateAlive) {
   auto delegate = std::make_shared<support::RecordingDelegate>();
   buffer_->setDelegate(delegate);
   delegate.reset();
@@ -336,7 +336,7 @@ TEST_F(ABlockBuffer, DoesNotKeepItsDelegateAlive) {
   EXPECT_TRUE(buffer_->delegate().expired());
 }
 
-class ATemporaryFile : public testing::Test {
+class OVBlockBufferTemporaryFileTest : public testing::Test {
  protected:
   void SetUp() override {
     std::string path = std::filesystem::temp_directory_path() / "orvo-test-XXXXXX";
@@ -348,14 +348,14 @@ class ATemporaryFile : public testing::Test {
   std::filesystem::path path_;
 };
 
-TEST_F(ATemporaryFile, IsRemovedByItsPath) {
+TEST_F(OVBlockBufferTemporaryFileTest, IsRemovedByItsPath) {
   const auto file = path_ / "take";
   std::ofstream(file) << "x";
   OVBlockBuffer::removeTempFile(file.string());
   EXPECT_FALSE(std::filesystem::exists(file));
 }
 
-TEST_F(ATemporaryFile, OneThatIsMissingOrNotGivenIsIgnored) {
+TEST_F(OVBlockBufferTemporaryFileTest, OneThatIsMissingOrNotGivenIsIgnored) {
   const support::InstalledRecordingServices services;
   const auto file = path_ / "take";
   std::ofstream(file) << "x";
@@ -367,7 +367,7 @@ TEST_F(ATemporaryFile, OneThatIsMissingOrNotGivenIsIgnored) {
   EXPECT_THAT(services->consoleLines(), testing::IsEmpty());
 }
 
-TEST(ABlockBufferOnDisk, KeepsWhatItIsGivenInAFileWithoutAName) {
+TEST(OVBlockBufferOnDiskTest, KeepsWhatItIsGivenInAFileWithoutAName) {
   const auto buffer = OVBlockBuffer::init();
   ASSERT_NE(buffer, nullptr);
   EXPECT_FALSE(std::filesystem::exists(buffer->f_file_name()));

@@ -17,7 +17,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class UndoOfABlockBuffer : public testing::Test {
+class OVBlockBufferUndoTest : public testing::Test {
  protected:
   // Makes the recording `frames` frames long, of audio that tells its length.
   void becomeLong(std::uint64_t frames) {
@@ -35,7 +35,7 @@ class UndoOfABlockBuffer : public testing::Test {
   std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
 };
 
-TEST_F(UndoOfABlockBuffer, RestoresTheListInItsOrderAndTheLength) {
+TEST_F(OVBlockBufferUndoTest, RestoresTheListInItsOrderAndTheLength) {
   write(*buffer_, pattern(1000, 1), 0);
   write(*buffer_, pattern(500, 2), 250);
   const std::vector<OVBlock> before = buffer_->blocklist();
@@ -53,7 +53,7 @@ TEST_F(UndoOfABlockBuffer, RestoresTheListInItsOrderAndTheLength) {
   EXPECT_EQ(buffer_->prevWaypointPos(), 1U);
 }
 
-TEST_F(UndoOfABlockBuffer, RedoRestoresWhatUndoTookAway) {
+TEST_F(OVBlockBufferUndoTest, RedoRestoresWhatUndoTookAway) {
   becomeLong(10);
   buffer_->setWaypoint();
   becomeLong(20);
@@ -66,7 +66,7 @@ TEST_F(UndoOfABlockBuffer, RedoRestoresWhatUndoTookAway) {
   EXPECT_EQ(buffer_->waypointPos(), 0U) << "redo does not move among the waypoints";
 }
 
-TEST_F(UndoOfABlockBuffer, WalksDownTheWaypointsToTheLowestAndStaysThere) {
+TEST_F(OVBlockBufferUndoTest, WalksDownTheWaypointsToTheLowestAndStaysThere) {
   for (std::uint64_t frames = 1; frames <= 3; ++frames) {
     becomeLong(frames);
     buffer_->setWaypoint();
@@ -80,7 +80,7 @@ TEST_F(UndoOfABlockBuffer, WalksDownTheWaypointsToTheLowestAndStaysThere) {
   EXPECT_THAT(buffer_->waypointStack(), SizeIs(3));
 }
 
-TEST_F(UndoOfABlockBuffer, AfterARedoRestoresTheWaypointBelow) {
+TEST_F(OVBlockBufferUndoTest, AfterARedoRestoresTheWaypointBelow) {
   becomeLong(1);
   buffer_->setWaypoint();
   becomeLong(2);
@@ -94,7 +94,7 @@ TEST_F(UndoOfABlockBuffer, AfterARedoRestoresTheWaypointBelow) {
   EXPECT_EQ(audio(), audioOf(1));
 }
 
-TEST_F(UndoOfABlockBuffer, ANewWaypointIsInsertedBelowTheOnesPassed) {
+TEST_F(OVBlockBufferUndoTest, ANewWaypointIsInsertedBelowTheOnesPassed) {
   becomeLong(1);
   buffer_->setWaypoint();
   becomeLong(2);
@@ -114,7 +114,7 @@ TEST_F(UndoOfABlockBuffer, ANewWaypointIsInsertedBelowTheOnesPassed) {
   EXPECT_EQ(audio(), audioOf(1));
 }
 
-TEST_F(UndoOfABlockBuffer, RedoWithoutAnUndoDoesNothing) {
+TEST_F(OVBlockBufferUndoTest, RedoWithoutAnUndoDoesNothing) {
   becomeLong(5);
   buffer_->setWaypoint();
   buffer_->redo();
@@ -122,7 +122,7 @@ TEST_F(UndoOfABlockBuffer, RedoWithoutAnUndoDoesNothing) {
   EXPECT_EQ(buffer_->waypointPos(), 1U);
 }
 
-TEST_F(UndoOfABlockBuffer, RedoTwiceRestoresOnce) {
+TEST_F(OVBlockBufferUndoTest, RedoTwiceRestoresOnce) {
   becomeLong(1);
   buffer_->setWaypoint();
   becomeLong(2);
@@ -134,7 +134,7 @@ TEST_F(UndoOfABlockBuffer, RedoTwiceRestoresOnce) {
   EXPECT_EQ(audio(), audioOf(3));
 }
 
-TEST_F(UndoOfABlockBuffer, ReplacesTheStateForRedoEachTime) {
+TEST_F(OVBlockBufferUndoTest, ReplacesTheStateForRedoEachTime) {
   becomeLong(1);
   buffer_->setWaypoint();
   becomeLong(2);
@@ -145,7 +145,7 @@ TEST_F(UndoOfABlockBuffer, ReplacesTheStateForRedoEachTime) {
   EXPECT_EQ(audio(), audioOf(1));
 }
 
-TEST_F(UndoOfABlockBuffer, WithoutAWaypointThrowsWithTheLockReleased) {
+TEST_F(OVBlockBufferUndoTest, WithoutAWaypointThrowsWithTheLockReleased) {
   becomeLong(7);
   const std::vector<OVBlock> before = buffer_->blocklist();
   EXPECT_THROW(buffer_->undo(), std::out_of_range);
@@ -158,7 +158,7 @@ TEST_F(UndoOfABlockBuffer, WithoutAWaypointThrowsWithTheLockReleased) {
   EXPECT_EQ(buffer_->redoState()->bufferFillSize(), 56U);
 }
 
-TEST_F(UndoOfABlockBuffer, RestoresAnEmptyBuffer) {
+TEST_F(OVBlockBufferUndoTest, RestoresAnEmptyBuffer) {
   buffer_->setWaypoint();
   becomeLong(3);
   buffer_->undo();
@@ -167,7 +167,7 @@ TEST_F(UndoOfABlockBuffer, RestoresAnEmptyBuffer) {
   EXPECT_THAT(audio(), IsEmpty());
 }
 
-TEST_F(UndoOfABlockBuffer, SavedStatesAreNotReachedByLaterEdits) {
+TEST_F(OVBlockBufferUndoTest, SavedStatesAreNotReachedByLaterEdits) {
   write(*buffer_, pattern(1000, 1), 0);
   buffer_->setWaypoint();
   write(*buffer_, pattern(100, 2), 500);
@@ -175,7 +175,7 @@ TEST_F(UndoOfABlockBuffer, SavedStatesAreNotReachedByLaterEdits) {
   EXPECT_THAT(buffer_->waypointStack()[0]->blocklist(), ElementsAre(OVBlock(0, 0, 1000)));
 }
 
-TEST_F(UndoOfABlockBuffer, RestoresTheSameStateAnyNumberOfTimes) {
+TEST_F(OVBlockBufferUndoTest, RestoresTheSameStateAnyNumberOfTimes) {
   write(*buffer_, pattern(1000, 1), 0);
   buffer_->setWaypoint();
   for (int round = 0; round < 3; ++round) {
@@ -187,7 +187,7 @@ TEST_F(UndoOfABlockBuffer, RestoresTheSameStateAnyNumberOfTimes) {
   }
 }
 
-TEST_F(UndoOfABlockBuffer, KeepsEveryByteInTheFile) {
+TEST_F(OVBlockBufferUndoTest, KeepsEveryByteInTheFile) {
   becomeLong(10);
   buffer_->setWaypoint();
   becomeLong(20);
@@ -197,7 +197,7 @@ TEST_F(UndoOfABlockBuffer, KeepsEveryByteInTheFile) {
   EXPECT_EQ(buffer_->blocklist().back(), OVBlock(80, 240, 8));
 }
 
-TEST_F(UndoOfABlockBuffer, DoesNotCountAsWritesTowardsOptimizing) {
+TEST_F(OVBlockBufferUndoTest, DoesNotCountAsWritesTowardsOptimizing) {
   becomeLong(10);
   buffer_->setWaypoint();
   becomeLong(20);
@@ -207,7 +207,7 @@ TEST_F(UndoOfABlockBuffer, DoesNotCountAsWritesTowardsOptimizing) {
   EXPECT_EQ(buffer_->blocksAddedSinceOptimization(), count);
 }
 
-TEST_F(UndoOfABlockBuffer, AStepThatIsRolledBackLeavesUndoAndRedoAsTheyWere) {
+TEST_F(OVBlockBufferUndoTest, AStepThatIsRolledBackLeavesUndoAndRedoAsTheyWere) {
   becomeLong(10);
   buffer_->setWaypoint();
   becomeLong(20);
@@ -227,7 +227,7 @@ TEST_F(UndoOfABlockBuffer, AStepThatIsRolledBackLeavesUndoAndRedoAsTheyWere) {
   EXPECT_EQ(audio(), audioOf(10));
 }
 
-TEST_F(UndoOfABlockBuffer, WithoutAWaypointRollingBackThrowsAndChangesNothing) {
+TEST_F(OVBlockBufferUndoTest, WithoutAWaypointRollingBackThrowsAndChangesNothing) {
   becomeLong(10);
   EXPECT_THROW(buffer_->rollBack(), std::out_of_range);
   EXPECT_EQ(audio(), audioOf(10));

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "platform/base/GlobalQueue.h"
-#include "storage/DiskBufferTest.h"
+#include "storage/DiskBufferFixture.h"
 #include "support/Gate.h"
 
 namespace {
@@ -23,9 +23,9 @@ using testing::SizeIs;
 
 constexpr std::uint64_t kCache = OVDiskAudioBuffer::kCacheCapacity;
 
-class TheCacheOfADiskBuffer : public support::DiskBufferTest {};
+class OVDiskAudioBufferCacheTest : public support::DiskBufferFixture {};
 
-TEST_F(TheCacheOfADiskBuffer, ServesAReadInsideTheCachedRangeFromTheCacheToTheByte) {
+TEST_F(OVDiskAudioBufferCacheTest, ServesAReadInsideTheCachedRangeFromTheCacheToTheByte) {
   const Bytes bytes = recordAndCache(8000);
   const std::uint64_t reads = files_.reads();
   Bytes destination(999);
@@ -38,7 +38,7 @@ TEST_F(TheCacheOfADiskBuffer, ServesAReadInsideTheCachedRangeFromTheCacheToTheBy
   EXPECT_FALSE(buffer_->cacheFilling());
 }
 
-TEST_F(TheCacheOfADiskBuffer, ReadsWhatCrossesTheCachesEndFromTheFileAndQueuesOneFill) {
+TEST_F(OVDiskAudioBufferCacheTest, ReadsWhatCrossesTheCachesEndFromTheFileAndQueuesOneFill) {
   const Bytes bytes = pattern(kCache + 4096, 1);
   write(*buffer_, bytes, 0);
   buffer_->fillCacheFromPosition(0);
@@ -65,7 +65,7 @@ class StoppedQueues {
   std::shared_ptr<support::Gate> gate_ = std::make_shared<support::Gate>();
 };
 
-TEST_F(TheCacheOfADiskBuffer, QueuesOneFillForManyMisses) {
+TEST_F(OVDiskAudioBufferCacheTest, QueuesOneFillForManyMisses) {
   const Bytes bytes = pattern(8000, 1);
   write(*buffer_, bytes, 0);
   StoppedQueues queues;
@@ -81,7 +81,7 @@ TEST_F(TheCacheOfADiskBuffer, QueuesOneFillForManyMisses) {
   EXPECT_EQ(buffer_->cache_fillsize(), 7200U);
 }
 
-TEST_F(TheCacheOfADiskBuffer, IsReadWhileAFillWaitsForASlowDisk) {
+TEST_F(OVDiskAudioBufferCacheTest, IsReadWhileAFillWaitsForASlowDisk) {
   const Bytes bytes = recordAndCache(8000);
   support::Gate gate;
   files_.beforeReads([&gate] { gate.pass(); });
@@ -97,7 +97,7 @@ TEST_F(TheCacheOfADiskBuffer, IsReadWhileAFillWaitsForASlowDisk) {
   EXPECT_EQ(destination, part(bytes, 4000, 4080));
 }
 
-TEST_F(TheCacheOfADiskBuffer, MissesWhatBeginsBeforeOrEndsBehindTheCache) {
+TEST_F(OVDiskAudioBufferCacheTest, MissesWhatBeginsBeforeOrEndsBehindTheCache) {
   recordAndCache(8000);
   buffer_->fillCacheFromPosition(800);
   Bytes destination(8000);
@@ -107,7 +107,7 @@ TEST_F(TheCacheOfADiskBuffer, MissesWhatBeginsBeforeOrEndsBehindTheCache) {
   EXPECT_EQ(buffer_->getDataFromCache(destination.data(), 800, 7200), 7200U);
 }
 
-TEST_F(TheCacheOfADiskBuffer, FillsAheadWhenLessThanFourReadsRemain) {
+TEST_F(OVDiskAudioBufferCacheTest, FillsAheadWhenLessThanFourReadsRemain) {
   write(*buffer_, pattern(kCache + 80000, 1), 0);
   buffer_->fillCacheFromPosition(0);
   Bytes destination(800);
@@ -120,7 +120,7 @@ TEST_F(TheCacheOfADiskBuffer, FillsAheadWhenLessThanFourReadsRemain) {
   EXPECT_FALSE(buffer_->cacheFilling());
 }
 
-TEST_F(TheCacheOfADiskBuffer, FillsNotAheadWhileAFillStandsInTheQueue) {
+TEST_F(OVDiskAudioBufferCacheTest, FillsNotAheadWhileAFillStandsInTheQueue) {
   write(*buffer_, pattern(8000, 1), 0);
   buffer_->fillCacheFromPosition(4000);
   StoppedQueues queues;
@@ -135,7 +135,7 @@ TEST_F(TheCacheOfADiskBuffer, FillsNotAheadWhileAFillStandsInTheQueue) {
   EXPECT_EQ(buffer_->cached_position(), 7200U) << "now it fills ahead";
 }
 
-TEST_F(TheCacheOfADiskBuffer, AnyWriteEmptiesTheCache) {
+TEST_F(OVDiskAudioBufferCacheTest, AnyWriteEmptiesTheCache) {
   const Bytes bytes = recordAndCache(8000);
   write(*buffer_, {}, 100000);
   EXPECT_EQ(buffer_->cache_fillsize(), 0U) << "even one of no bytes far away";
@@ -147,7 +147,7 @@ TEST_F(TheCacheOfADiskBuffer, AnyWriteEmptiesTheCache) {
   EXPECT_EQ(read(*buffer_, 160, 0), later + part(bytes, 80, 160));
 }
 
-TEST_F(TheCacheOfADiskBuffer, AWriteDuringAFillLeavesNoStaleBytesInTheCache) {
+TEST_F(OVDiskAudioBufferCacheTest, AWriteDuringAFillLeavesNoStaleBytesInTheCache) {
   write(*buffer_, pattern(8000, 1), 0);
   const auto gate = std::make_shared<support::Gate>();  // the read below queues a fill
   files_.beforeReads([gate] { gate->pass(); });
@@ -161,7 +161,7 @@ TEST_F(TheCacheOfADiskBuffer, AWriteDuringAFillLeavesNoStaleBytesInTheCache) {
   EXPECT_EQ(read(*buffer_, 800, 0), part(later, 0, 800));
 }
 
-TEST_F(TheCacheOfADiskBuffer, SequentialReadsGiveTheWholeRecording) {
+TEST_F(OVDiskAudioBufferCacheTest, SequentialReadsGiveTheWholeRecording) {
   const Bytes bytes = pattern(2 * kCache + 12345 * 8, 3);
   write(*buffer_, bytes, 0);
   Bytes all;
@@ -174,7 +174,7 @@ TEST_F(TheCacheOfADiskBuffer, SequentialReadsGiveTheWholeRecording) {
   EXPECT_TRUE(all == bytes);
 }
 
-TEST_F(TheCacheOfADiskBuffer, MayEndWhileItsFillStandsInTheQueue) {
+TEST_F(OVDiskAudioBufferCacheTest, MayEndWhileItsFillStandsInTheQueue) {
   write(*buffer_, pattern(8000, 1), 0);
   const std::weak_ptr<OVDiskAudioBuffer> weak = buffer_;
   ASSERT_THAT(read(*buffer_, 80, 0), SizeIs(80));

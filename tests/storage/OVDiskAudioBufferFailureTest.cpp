@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "storage/DiskBufferTest.h"
+#include "storage/DiskBufferFixture.h"
 
 namespace {
 
@@ -23,9 +23,9 @@ const support::RecordedAlert kCannotOpen = {"couldn't open temp file for writing
                                             "for writing. This shouldn't happen! Check "
                                             "your permissions."};
 
-class ADiskBufferOnAFailingDisk : public support::DiskBufferTest {};
+class OVDiskAudioBufferFailureTest : public support::DiskBufferFixture {};
 
-TEST_F(ADiskBufferOnAFailingDisk, WhoseFileCannotBeMadeIsNoneAndTellsThePath) {
+TEST_F(OVDiskAudioBufferFailureTest, WhoseFileCannotBeMadeIsNoneAndTellsThePath) {
   support::FailingTemporaryFiles failing;
   failing.failCreation(EACCES);
   const platform::Installed<platform::TemporaryFiles>::Scope installation(failing);
@@ -35,7 +35,7 @@ TEST_F(ADiskBufferOnAFailingDisk, WhoseFileCannotBeMadeIsNoneAndTellsThePath) {
   EXPECT_THAT(services_->registeredTempFiles(), IsEmpty());
 }
 
-TEST_F(ADiskBufferOnAFailingDisk, TellsAFailedWriteBeforeTheWriteAndCountsItAsWritten) {
+TEST_F(OVDiskAudioBufferFailureTest, TellsAFailedWriteBeforeTheWriteAndCountsItAsWritten) {
   buffer_->setDelegate(delegate_);
   files_.fillUpAfter(30);
   const Bytes bytes = pattern(80, 1);
@@ -46,7 +46,7 @@ TEST_F(ADiskBufferOnAFailingDisk, TellsAFailedWriteBeforeTheWriteAndCountsItAsWr
   EXPECT_EQ(read(*buffer_, 80, 0), part(bytes, 0, 24)) << "the whole frames that the disk took";
 }
 
-TEST_F(ADiskBufferOnAFailingDisk, AFailedReadGivesNothingAndEndsItsFill) {
+TEST_F(OVDiskAudioBufferFailureTest, AFailedReadGivesNothingAndEndsItsFill) {
   write(*buffer_, pattern(80, 1), 0);
   files_.failReads(EIO);
   EXPECT_THAT(read(*buffer_, 80, 0), IsEmpty());
@@ -56,7 +56,7 @@ TEST_F(ADiskBufferOnAFailingDisk, AFailedReadGivesNothingAndEndsItsFill) {
   EXPECT_EQ(read(*buffer_, 80, 0), pattern(80, 1));
 }
 
-TEST_F(ADiskBufferOnAFailingDisk, TellsAFailedReadOnceARead) {
+TEST_F(OVDiskAudioBufferFailureTest, TellsAFailedReadOnceARead) {
   buffer_->setDelegate(delegate_);
   write(*buffer_, pattern(80, 1), 0);
   files_.failReads(ENXIO);
@@ -67,7 +67,7 @@ TEST_F(ADiskBufferOnAFailingDisk, TellsAFailedReadOnceARead) {
   EXPECT_THAT(delegate_->readErrors(), ElementsAre(ENXIO, ENXIO));
 }
 
-TEST_F(ADiskBufferOnAFailingDisk, AReadThatEndsWhereTheRecordingDoesIsNoFailure) {
+TEST_F(OVDiskAudioBufferFailureTest, AReadThatEndsWhereTheRecordingDoesIsNoFailure) {
   buffer_->setDelegate(delegate_);
   write(*buffer_, pattern(80, 1), 0);
   EXPECT_THAT(readNoCache(200, 40), SizeIs(40));
@@ -75,7 +75,7 @@ TEST_F(ADiskBufferOnAFailingDisk, AReadThatEndsWhereTheRecordingDoesIsNoFailure)
   EXPECT_THAT(delegate_->readErrors(), IsEmpty());
 }
 
-TEST_F(ADiskBufferOnAFailingDisk, ContinuesShortReads) {
+TEST_F(OVDiskAudioBufferFailureTest, ContinuesShortReads) {
   const Bytes bytes = pattern(800, 1);
   write(*buffer_, bytes, 0);
   files_.shortenReads(7);
@@ -84,7 +84,7 @@ TEST_F(ADiskBufferOnAFailingDisk, ContinuesShortReads) {
   EXPECT_EQ(buffer_->cache_fillsize(), 800U);
 }
 
-TEST_F(ADiskBufferOnAFailingDisk, StaysAsItWasWhenTheNewFileCannotBeMade) {
+TEST_F(OVDiskAudioBufferFailureTest, StaysAsItWasWhenTheNewFileCannotBeMade) {
   const Bytes bytes = pattern(8000, 1);
   write(*buffer_, bytes, 0);
   const std::string name = buffer_->f_file_name();
@@ -100,7 +100,7 @@ TEST_F(ADiskBufferOnAFailingDisk, StaysAsItWasWhenTheNewFileCannotBeMade) {
   EXPECT_EQ(read(*buffer_, 8000, 0), bytes);
 }
 
-TEST_F(ADiskBufferOnAFailingDisk, StaysAsItWasWhenTheDiskFillsUpInTheMiddleOfACut) {
+TEST_F(OVDiskAudioBufferFailureTest, StaysAsItWasWhenTheDiskFillsUpInTheMiddleOfACut) {
   buffer_->setDelegate(delegate_);
   const Bytes bytes = pattern(8000, 1);
   write(*buffer_, bytes, 0);
@@ -113,7 +113,7 @@ TEST_F(ADiskBufferOnAFailingDisk, StaysAsItWasWhenTheDiskFillsUpInTheMiddleOfACu
   EXPECT_EQ(files_.openFiles(), 1U);
 }
 
-TEST_F(ADiskBufferOnAFailingDisk, StaysAsItWasWhenItCannotBeReadInTheMiddleOfACut) {
+TEST_F(OVDiskAudioBufferFailureTest, StaysAsItWasWhenItCannotBeReadInTheMiddleOfACut) {
   const Bytes bytes = pattern(8000, 1);
   write(*buffer_, bytes, 0);
   files_.failReads(EIO);
@@ -122,7 +122,7 @@ TEST_F(ADiskBufferOnAFailingDisk, StaysAsItWasWhenItCannotBeReadInTheMiddleOfACu
   EXPECT_EQ(read(*buffer_, 8000, 0), bytes);
 }
 
-TEST_F(ADiskBufferOnAFailingDisk, EndsAtACutThatTheFileRefused) {
+TEST_F(OVDiskAudioBufferFailureTest, EndsAtACutThatTheFileRefused) {
   write(*buffer_, pattern(8000, 1), 0);
   files_.failSizeChanges(EIO);
   buffer_->cutoffBufferAfterPosition(10);

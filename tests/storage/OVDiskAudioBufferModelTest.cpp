@@ -139,14 +139,14 @@ Step drawAt(const Scale& scale, std::mt19937_64& random, const DiskAudioBufferPa
   return {kOthers[below(random, 5)]};
 }
 
-TEST(OVDiskAudioBufferModel, DoesTheSameThroughThousandsOfSequences) {
+TEST(OVDiskAudioBufferModelTest, DoesTheSameThroughThousandsOfSequences) {
   const auto draw = [](std::mt19937_64& random, const DiskAudioBufferPair& pair) {
     return drawAt({.longestWrite = 800, .longestRead = 600, .space = 2000}, random, pair);
   };
   EXPECT_TRUE(modeltest::holds<DiskAudioBufferPair>(1500, 60, draw));
 }
 
-TEST(OVDiskAudioBufferModel, DoesTheSameWithRecordingsLongerThanTheCache) {
+TEST(OVDiskAudioBufferModelTest, DoesTheSameWithRecordingsLongerThanTheCache) {
   const auto draw = [](std::mt19937_64& random, const DiskAudioBufferPair& pair) {
     return drawAt({.longestWrite = 3'000'000, .longestRead = 1'500'000, .space = 8'000'000}, random,
                   pair);

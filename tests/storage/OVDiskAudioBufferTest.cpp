@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/files/TemporaryFiles.h"
-#include "storage/DiskBufferTest.h"
+#include "storage/DiskBufferFixture.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -26,11 +26,11 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class ADiskAudioBuffer : public support::DiskBufferTest {};
+class OVDiskAudioBufferTest : public support::DiskBufferFixture {};
 
 // Making and ending
 
-TEST_F(ADiskAudioBuffer, HasARegisteredFileWithPrefixAndExtension) {
+TEST_F(OVDiskAudioBufferTest, HasARegisteredFileWithPrefixAndExtension) {
   EXPECT_THAT(files_.templates(), ElementsAre("/nowhere/orvo_XXXXXX.flt"));
   EXPECT_EQ(buffer_->f_file_name(), "/nowhere/orvo_000001.flt");
   EXPECT_THAT(services_->registeredTempFiles(), ElementsAre(buffer_->f_file_name()));
@@ -38,7 +38,7 @@ TEST_F(ADiskAudioBuffer, HasARegisteredFileWithPrefixAndExtension) {
   EXPECT_EQ(buffer_->cache_fillsize(), 0U);
 }
 
-TEST_F(ADiskAudioBuffer, ClosesItsFileAtItsEnd) {
+TEST_F(OVDiskAudioBufferTest, ClosesItsFileAtItsEnd) {
   EXPECT_EQ(files_.openFiles(), 1U);
   buffer_.reset();
   EXPECT_EQ(files_.openFiles(), 0U);
@@ -67,7 +67,7 @@ class FilesInAFolder : public platform::TemporaryFiles {
   support::TemporaryFolder folder_;
 };
 
-TEST(ADiskAudioBufferOnADisk, KeepsItsNamedFileUntilItsEnd) {
+TEST(OVDiskAudioBufferOnDiskTest, KeepsItsNamedFileUntilItsEnd) {
   const support::InstalledRecordingServices services;
   FilesInAFolder installed;
   const platform::Installed<platform::TemporaryFiles>::Scope installation(installed);
@@ -80,7 +80,7 @@ TEST(ADiskAudioBufferOnADisk, KeepsItsNamedFileUntilItsEnd) {
   EXPECT_THAT(installed.names(), IsEmpty());
 }
 
-TEST(ADiskAudioBufferOnADisk, LivesInANewRegisteredFileAfterACutBefore) {
+TEST(OVDiskAudioBufferOnDiskTest, LivesInANewRegisteredFileAfterACutBefore) {
   const support::InstalledRecordingServices services;
   FilesInAFolder files;
   const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
@@ -96,7 +96,7 @@ TEST(ADiskAudioBufferOnADisk, LivesInANewRegisteredFileAfterACutBefore) {
   EXPECT_EQ(read(*buffer, 8192, 0), part(bytes, 800, 4096));
 }
 
-TEST(ADiskAudioBufferOnADisk, ShortensItsFileWithACutAfter) {
+TEST(OVDiskAudioBufferOnDiskTest, ShortensItsFileWithACutAfter) {
   const support::InstalledRecordingServices services;
   FilesInAFolder files;
   const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
@@ -107,7 +107,7 @@ TEST(ADiskAudioBufferOnADisk, ShortensItsFileWithACutAfter) {
   EXPECT_EQ(std::filesystem::file_size(buffer->f_file_name()), 80U);
 }
 
-TEST(ADiskAudioBufferOnADisk, DeletesAFileByItsPathAndIgnoresNone) {
+TEST(OVDiskAudioBufferOnDiskTest, DeletesAFileByItsPathAndIgnoresNone) {
   FilesInAFolder files;
   const auto created = files.createNamed(files.directory() + "orvo_XXXXXX.flt");
   OVDiskAudioBuffer::removeTempFile(created->path);
@@ -118,7 +118,7 @@ TEST(ADiskAudioBufferOnADisk, DeletesAFileByItsPathAndIgnoresNone) {
 
 // Writing and reading the file
 
-TEST_F(ADiskAudioBuffer, WritesInPlace) {
+TEST_F(OVDiskAudioBufferTest, WritesInPlace) {
   const Bytes first = pattern(800, 1);
   const Bytes second = pattern(80, 2);
   write(*buffer_, first, 0);
@@ -127,13 +127,13 @@ TEST_F(ADiskAudioBuffer, WritesInPlace) {
   EXPECT_EQ(read(*buffer_, 800, 0), part(first, 0, 160) + second + part(first, 240, 800));
 }
 
-TEST_F(ADiskAudioBuffer, ReadsZerosWhereNothingWasWritten) {
+TEST_F(OVDiskAudioBufferTest, ReadsZerosWhereNothingWasWritten) {
   const Bytes sound = pattern(80, 1);
   write(*buffer_, sound, 160);
   EXPECT_EQ(read(*buffer_, 240, 0), Bytes(160, 0) + sound);
 }
 
-TEST_F(ADiskAudioBuffer, ReadsWholeFramesFromTheFile) {
+TEST_F(OVDiskAudioBufferTest, ReadsWholeFramesFromTheFile) {
   const Bytes bytes = pattern(85, 1);
   write(*buffer_, bytes, 0);
   EXPECT_EQ(buffer_->bufferSizeInFrames(), 10U);
@@ -145,14 +145,14 @@ TEST_F(ADiskAudioBuffer, ReadsWholeFramesFromTheFile) {
   EXPECT_TRUE(isNothing(buffer_->readDataIntoNoCache(&unused, 8, 80)));
 }
 
-TEST_F(ADiskAudioBuffer, LeavesTheRestOfTheDestinationAsItWas) {
+TEST_F(OVDiskAudioBufferTest, LeavesTheRestOfTheDestinationAsItWas) {
   write(*buffer_, pattern(85, 1), 0);
   Bytes destination(200, 0x55);
   ASSERT_EQ(buffer_->readDataInto(destination.data(), 200, 0).byteCount, 80U);
   EXPECT_EQ(part(destination, 80, 200), Bytes(120, 0x55));
 }
 
-TEST_F(ADiskAudioBuffer, KeepsItsThreeSizesAlike) {
+TEST_F(OVDiskAudioBufferTest, KeepsItsThreeSizesAlike) {
   write(*buffer_, pattern(804, 1), 8);
   EXPECT_EQ(buffer_->f_size(), 812U);
   EXPECT_EQ(buffer_->bufferCapacityInFrames(), 101U);
@@ -160,7 +160,7 @@ TEST_F(ADiskAudioBuffer, KeepsItsThreeSizesAlike) {
   EXPECT_EQ(buffer_->bufferFillSizeInFrames(), 101U);
 }
 
-TEST_F(ADiskAudioBuffer, RefusesAWriteThatEndsPastTheHighestAddress) {
+TEST_F(OVDiskAudioBufferTest, RefusesAWriteThatEndsPastTheHighestAddress) {
   buffer_->setDelegate(delegate_);
   write(*buffer_, pattern(16, 1), ~std::uint64_t{0} - 8);
   EXPECT_EQ(buffer_->f_size(), 0U);
@@ -169,19 +169,19 @@ TEST_F(ADiskAudioBuffer, RefusesAWriteThatEndsPastTheHighestAddress) {
   EXPECT_EQ(services_->consoleLinesWith("refused to write 16 bytes"), 1U);
 }
 
-TEST_F(ADiskAudioBuffer, SurvivesReadsAtTheHighestAddresses) {
+TEST_F(OVDiskAudioBufferTest, SurvivesReadsAtTheHighestAddresses) {
   recordAndCache(800);
   Bytes destination(16);
   EXPECT_TRUE(isNothing(buffer_->readDataInto(destination.data(), 16, ~std::uint64_t{0} - 8)));
   EXPECT_TRUE(isNothing(buffer_->readDataInto(destination.data(), 16, ~std::uint64_t{0})));
 }
 
-TEST_F(ADiskAudioBuffer, HoldsTheFramesToPlayForItsCallers) {
+TEST_F(OVDiskAudioBufferTest, HoldsTheFramesToPlayForItsCallers) {
   buffer_->setFramesToPlay(44100);
   EXPECT_EQ(buffer_->framesToPlay(), 44100U);
 }
 
-TEST_F(ADiskAudioBuffer, UndoRedoReverseAndWaypointsChangeNothing) {
+TEST_F(OVDiskAudioBufferTest, UndoRedoReverseAndWaypointsChangeNothing) {
   const Bytes bytes = recordAndCache(8000);
   const std::string name = buffer_->f_file_name();
   buffer_->setWaypoint();
@@ -197,7 +197,7 @@ TEST_F(ADiskAudioBuffer, UndoRedoReverseAndWaypointsChangeNothing) {
 
 // Cuts
 
-TEST_F(ADiskAudioBuffer, CutAfterEndsTheRecording) {
+TEST_F(OVDiskAudioBufferTest, CutAfterEndsTheRecording) {
   const Bytes bytes = pattern(800, 1);
   write(*buffer_, bytes, 0);
   buffer_->cutoffBufferAfterPosition(50);
@@ -205,7 +205,7 @@ TEST_F(ADiskAudioBuffer, CutAfterEndsTheRecording) {
   EXPECT_EQ(read(*buffer_, 800, 0), part(bytes, 0, 400));
 }
 
-TEST_F(ADiskAudioBuffer, CutAfterBeyondTheEndAddsSilence) {
+TEST_F(OVDiskAudioBufferTest, CutAfterBeyondTheEndAddsSilence) {
   const Bytes bytes = pattern(80, 1);
   write(*buffer_, bytes, 0);
   buffer_->cutoffBufferAfterPosition(20);
@@ -213,7 +213,7 @@ TEST_F(ADiskAudioBuffer, CutAfterBeyondTheEndAddsSilence) {
   EXPECT_EQ(read(*buffer_, 800, 0), bytes + Bytes(80, 0));
 }
 
-TEST_F(ADiskAudioBuffer, CutsDoNotDiscardTheCache) {
+TEST_F(OVDiskAudioBufferTest, CutsDoNotDiscardTheCache) {
   const Bytes bytes = recordAndCache(80000);
   buffer_->cutoffBufferAfterPosition(10);
   EXPECT_EQ(read(*buffer_, 800, 0), part(bytes, 0, 800)) << "still what was there before the cut";
@@ -224,7 +224,7 @@ TEST_F(ADiskAudioBuffer, CutsDoNotDiscardTheCache) {
   EXPECT_THAT(read(*buffer_, 800, 0), IsEmpty());
 }
 
-TEST_F(ADiskAudioBuffer, CutBeforeKeepsTheTail) {
+TEST_F(OVDiskAudioBufferTest, CutBeforeKeepsTheTail) {
   const Bytes bytes = pattern(3 * (1 << 20) + 8 * 77, 1);  // several pieces of the copy
   write(*buffer_, bytes, 0);
   buffer_->cutoffBufferBeforePosition(33);
@@ -233,27 +233,27 @@ TEST_F(ADiskAudioBuffer, CutBeforeKeepsTheTail) {
   EXPECT_EQ(files_.openFiles(), 1U);
 }
 
-TEST_F(ADiskAudioBuffer, CutBeforeThatWouldKeepLessThan512BytesKeepsNothing) {
+TEST_F(OVDiskAudioBufferTest, CutBeforeThatWouldKeepLessThan512BytesKeepsNothing) {
   write(*buffer_, pattern(1016, 1), 0);
   buffer_->cutoffBufferBeforePosition(64);
   EXPECT_EQ(buffer_->f_size(), 0U) << "504 bytes";
   EXPECT_THAT(read(*buffer_, 800, 0), IsEmpty());
 }
 
-TEST_F(ADiskAudioBuffer, CutBeforeThatKeepsExactly512BytesKeepsThem) {
+TEST_F(OVDiskAudioBufferTest, CutBeforeThatKeepsExactly512BytesKeepsThem) {
   const Bytes bytes = pattern(1024, 1);
   write(*buffer_, bytes, 0);
   buffer_->cutoffBufferBeforePosition(64);
   EXPECT_EQ(read(*buffer_, 800, 0), part(bytes, 512, 1024));
 }
 
-TEST_F(ADiskAudioBuffer, CutBeforeAPositionPastTheEndEmptiesTheRecording) {
+TEST_F(OVDiskAudioBufferTest, CutBeforeAPositionPastTheEndEmptiesTheRecording) {
   write(*buffer_, pattern(8000, 1), 0);
   buffer_->cutoffBufferBeforePosition(100000);
   EXPECT_EQ(buffer_->f_size(), 0U);
 }
 
-TEST_F(ADiskAudioBuffer, CutBeforeTheStartKeepsEverythingInANewFile) {
+TEST_F(OVDiskAudioBufferTest, CutBeforeTheStartKeepsEverythingInANewFile) {
   const Bytes bytes = pattern(8000, 1);
   write(*buffer_, bytes, 0);
   buffer_->cutoffBufferBeforePosition(0);
@@ -263,20 +263,20 @@ TEST_F(ADiskAudioBuffer, CutBeforeTheStartKeepsEverythingInANewFile) {
 
 // Levels
 
-TEST_F(ADiskAudioBuffer, GivesTheSignedMeanOfAFrame) {
+TEST_F(OVDiskAudioBufferTest, GivesTheSignedMeanOfAFrame) {
   const float frames[] = {0.5F, -0.25F, -0.5F, -1.0F};
   buffer_->writeData(frames, 0, sizeof frames);
   EXPECT_EQ(buffer_->powerAtPosition(0), 0.125);
   EXPECT_EQ(buffer_->powerAtPosition(1), -0.75);
 }
 
-TEST_F(ADiskAudioBuffer, AddsTheChannelsInSinglePrecision) {
+TEST_F(OVDiskAudioBufferTest, AddsTheChannelsInSinglePrecision) {
   const float frame[] = {1.0F, 1e-9F};
   buffer_->writeData(frame, 0, sizeof frame);
   EXPECT_EQ(buffer_->powerAtPosition(0), 0.5);
 }
 
-TEST_F(ADiskAudioBuffer, HasNoLevelPastItsEnd) {
+TEST_F(OVDiskAudioBufferTest, HasNoLevelPastItsEnd) {
   EXPECT_EQ(buffer_->powerAtPosition(0), 0.0);
   EXPECT_EQ(buffer_->powerAtPosition(~std::uint64_t{0}), 0.0);
 }

@@ -18,17 +18,17 @@ using testing::UnorderedElementsAre;
 
 constexpr char kRoot[] = ORVO_REPOSITORY;
 
-TEST(Repository, HasFilesAndThisIsOneOfThem) {
+TEST(RepositoryTextOfThisTreeTest, HasFilesAndThisIsOneOfThem) {
   EXPECT_THAT(repositoryFiles(kRoot), Contains("tests/structure/RepositoryTextTest.cpp"));
 }
 
-TEST(Repository, HoldsNothingThatIsBuilt) {
+TEST(RepositoryTextOfThisTreeTest, HoldsNothingThatIsBuilt) {
   for (const std::string& path : repositoryFiles(kRoot)) {
     EXPECT_FALSE(path.starts_with("build/") || path.starts_with("out/")) << path;
   }
 }
 
-TEST(Repository, TextsNameNoMachineAndNoPackageHost) {
+TEST(RepositoryTextOfThisTreeTest, TextsNameNoMachineAndNoPackageHost) {
   for (const std::string& path : repositoryFiles(kRoot)) {
     std::ifstream file(std::string(kRoot) + "/" + path, std::ios::binary);
     const std::string text((std::istreambuf_iterator<char>(file)),
@@ -40,7 +40,7 @@ TEST(Repository, TextsNameNoMachineAndNoPackageHost) {
 
 // The texts that must be found are put together from pieces, so that they are not found here.
 
-TEST(RepositoryText, FolderOfAMachineIsFound) {
+TEST(RepositoryTextTest, FolderOfAMachineIsFound) {
   for (const char* folder : {"home", "Users", "root", "work"}) {
     const std::string path = std::string("/") + folder + "/anne";
     EXPECT_THAT(complaintsAboutText("first\n" + path + "\n"),
@@ -51,13 +51,13 @@ TEST(RepositoryText, FolderOfAMachineIsFound) {
   }
 }
 
-TEST(RepositoryText, PackageHostIsFound) {
+TEST(RepositoryTextTest, PackageHostIsFound) {
   EXPECT_THAT(complaintsAboutText(std::string("http://deb") + ".debian.org/"), SizeIs(1));
   EXPECT_THAT(complaintsAboutText(std::string("https://registry") + ".example.org"), SizeIs(1));
   EXPECT_THAT(complaintsAboutText("Debian 12"), IsEmpty());
 }
 
-TEST(RepositoryText, CopyWithoutGitIsReadWithoutWhatIsBuilt) {
+TEST(RepositoryTextTest, CopyWithoutGitIsReadWithoutWhatIsBuilt) {
   const support::TemporaryFolder folder;
   folder.makeFolder("build");
   folder.makeFolder("src");

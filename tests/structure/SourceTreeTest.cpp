@@ -14,46 +14,46 @@ using testing::SizeIs;
 constexpr char kSources[] = ORVO_REPOSITORY "/src";
 
 /// The tree of the product, as it is.
-class Product : public testing::Test {
+class SourceTreeOfTheProductTest : public testing::Test {
  protected:
   SourceTree tree_ = readSources(kSources);
 };
 
-TEST_F(Product, HasSources) {
+TEST_F(SourceTreeOfTheProductTest, HasSources) {
   EXPECT_THAT(tree_, Not(IsEmpty()));
 }
 
-TEST_F(Product, IncludesFollowTheArrows) {
+TEST_F(SourceTreeOfTheProductTest, IncludesFollowTheArrows) {
   EXPECT_THAT(complaintsAboutArrows(tree_), IsEmpty());
 }
 
-TEST_F(Product, LibrariesOfModulesAreSeenByTheirModulesAlone) {
+TEST_F(SourceTreeOfTheProductTest, LibrariesOfModulesAreSeenByTheirModulesAlone) {
   EXPECT_THAT(complaintsAboutLateLibraries(tree_), IsEmpty());
 }
 
-TEST_F(Product, IncludesMakeNoCircle) {
+TEST_F(SourceTreeOfTheProductTest, IncludesMakeNoCircle) {
   EXPECT_THAT(complaintsAboutCircles(tree_), IsEmpty());
 }
 
-TEST_F(Product, StorageAndSummariesSeeTheStandardLibraryAlone) {
+TEST_F(SourceTreeOfTheProductTest, StorageAndSummariesSeeTheStandardLibraryAlone) {
   const auto pure = readFileList(ORVO_PURE_FILES, kSources);
   ASSERT_THAT(pure, testing::Contains("platform/base/AudioTypes.h"));
   EXPECT_THAT(complaintsAboutPureFiles(tree_, pure), IsEmpty());
 }
 
-TEST_F(Product, SeesPosixOnlyWhereItMeetsTheOperatingSystem) {
+TEST_F(SourceTreeOfTheProductTest, SeesPosixOnlyWhereItMeetsTheOperatingSystem) {
   EXPECT_THAT(complaintsAboutPosix(tree_), IsEmpty());
 }
 
-TEST_F(Product, SourcesHaveHeadersOfTheirNames) {
+TEST_F(SourceTreeOfTheProductTest, SourcesHaveHeadersOfTheirNames) {
   EXPECT_THAT(complaintsAboutMissingHeaders(tree_), IsEmpty());
 }
 
-TEST_F(Product, HeadersBeginWithTheirGuard) {
+TEST_F(SourceTreeOfTheProductTest, HeadersBeginWithTheirGuard) {
   EXPECT_THAT(complaintsAboutGuards(tree_), IsEmpty());
 }
 
-TEST(SourceTree, ReadsIncludesHoweverTheyAreSpaced) {
+TEST(SourceTreeTest, ReadsIncludesHoweverTheyAreSpaced) {
   const auto includes = includesOf("#include <vector>\n  #  include \"a/B.h\" // why\nint x;\n");
   ASSERT_THAT(includes, SizeIs(2));
   EXPECT_EQ(includes[0].name, "vector");
@@ -62,17 +62,17 @@ TEST(SourceTree, ReadsIncludesHoweverTheyAreSpaced) {
   EXPECT_TRUE(includes[1].own);
 }
 
-TEST(SourceTree, LowerFolderThatIncludesAHigherOneIsFound) {
+TEST(SourceTreeTest, LowerFolderThatIncludesAHigherOneIsFound) {
   const SourceTree tree{{"storage/A.h", "#include \"audio/B.h\"\n"}, {"audio/B.h", ""}};
   EXPECT_THAT(complaintsAboutArrows(tree), ElementsAre(HasSubstr("storage/A.h: includes")));
 }
 
-TEST(SourceTree, FoldersSideBySideDoNotIncludeEachOther) {
+TEST(SourceTreeTest, FoldersSideBySideDoNotIncludeEachOther) {
   const SourceTree tree{{"displays/A.h", "#include \"controls/B.h\"\n"}, {"controls/B.h", ""}};
   EXPECT_THAT(complaintsAboutArrows(tree), SizeIs(1));
 }
 
-TEST(SourceTree, HigherFolderMayIncludeAnyLowerOneAndItsOwn) {
+TEST(SourceTreeTest, HigherFolderMayIncludeAnyLowerOneAndItsOwn) {
   const SourceTree tree{
       {"document/A.h", "#include \"platform/base/B.h\"\n#include \"document/C.h\"\n"},
       {"platform/base/B.h", ""},
@@ -80,16 +80,16 @@ TEST(SourceTree, HigherFolderMayIncludeAnyLowerOneAndItsOwn) {
   EXPECT_THAT(complaintsAboutArrows(tree), IsEmpty());
 }
 
-TEST(SourceTree, IncludeOfAFileThatIsNotThereIsFound) {
+TEST(SourceTreeTest, IncludeOfAFileThatIsNotThereIsFound) {
   const SourceTree tree{{"document/A.h", "#include \"B.h\"\n"}};
   EXPECT_THAT(complaintsAboutArrows(tree), ElementsAre(HasSubstr("not there")));
 }
 
-TEST(SourceTree, FileOutsideTheFoldersIsFound) {
+TEST(SourceTreeTest, FileOutsideTheFoldersIsFound) {
   EXPECT_THAT(complaintsAboutArrows({{"misc/A.h", ""}}), SizeIs(1));
 }
 
-TEST(SourceTree, LibraryOfAModuleThatIsSeenElsewhereIsFound) {
+TEST(SourceTreeTest, LibraryOfAModuleThatIsSeenElsewhereIsFound) {
   const SourceTree tree{{"platform/media/A.h", "#include <libavutil/tx.h>\n"},
                         {"platform/ffmpeg/B.h", "#include <libavutil/tx.h>\n"},
                         {"platform/sound/C.h", "#include <cubeb/cubeb.h>\n"},
@@ -98,47 +98,47 @@ TEST(SourceTree, LibraryOfAModuleThatIsSeenElsewhereIsFound) {
               ElementsAre(HasSubstr("media/A.h"), HasSubstr("sound/C.h")));
 }
 
-TEST(SourceTree, CircleOfThreeHeadersIsFound) {
+TEST(SourceTreeTest, CircleOfThreeHeadersIsFound) {
   const SourceTree tree{{"audio/A.h", "#include \"audio/B.h\"\n"},
                         {"audio/B.h", "#include \"audio/C.h\"\n"},
                         {"audio/C.h", "#include \"audio/A.h\"\n"}};
   EXPECT_THAT(complaintsAboutCircles(tree), ElementsAre(HasSubstr("audio/C")));
 }
 
-TEST(SourceTree, CircleOfAHeaderAndASourceIsFound) {
+TEST(SourceTreeTest, CircleOfAHeaderAndASourceIsFound) {
   const SourceTree tree{{"audio/A.h", ""},
                         {"audio/A.cpp", "#include \"audio/A.h\"\n#include \"audio/B.h\"\n"},
                         {"audio/B.h", "#include \"audio/A.h\"\n"}};
   EXPECT_THAT(complaintsAboutCircles(tree), ElementsAre(HasSubstr("audio/B")));
 }
 
-TEST(SourceTree, RoomThatIncludesTheRoomBesideItIsFound) {
+TEST(SourceTreeTest, RoomThatIncludesTheRoomBesideItIsFound) {
   const SourceTree tree{{"platform/sound/A.h", "#include \"platform/files/B.h\"\n"},
                         {"platform/files/B.h", ""}};
   EXPECT_THAT(complaintsAboutArrows(tree), ElementsAre(HasSubstr("platform/sound/A.h")));
 }
 
-TEST(SourceTree, RoomBelowAnotherIsNotPartOfIt) {
+TEST(SourceTreeTest, RoomBelowAnotherIsNotPartOfIt) {
   const SourceTree tree{{"waveform/A.h", "#include \"waveform/views/B.h\"\n"},
                         {"waveform/views/B.h", ""}};
   EXPECT_THAT(complaintsAboutArrows(tree), ElementsAre(HasSubstr("waveform/A.h")));
 }
 
-TEST(SourceTree, FolderInsideARoomBelongsToIt) {
+TEST(SourceTreeTest, FolderInsideARoomBelongsToIt) {
   const SourceTree tree{{"platform/sound/A.h", "#include \"platform/sound/realtime/B.h\"\n"},
                         {"platform/sound/realtime/B.h", "#include \"platform/base/C.h\"\n"},
                         {"platform/base/C.h", ""}};
   EXPECT_THAT(complaintsAboutArrows(tree), IsEmpty());
 }
 
-TEST(SourceTree, HeaderIncludedOnTwoWaysIsNoCircle) {
+TEST(SourceTreeTest, HeaderIncludedOnTwoWaysIsNoCircle) {
   const SourceTree tree{{"audio/A.h", "#include \"audio/B.h\"\n#include \"audio/C.h\"\n"},
                         {"audio/B.h", "#include \"audio/C.h\"\n"},
                         {"audio/C.h", ""}};
   EXPECT_THAT(complaintsAboutCircles(tree), IsEmpty());
 }
 
-TEST(SourceTree, PureFileThatSeesALibraryIsFound) {
+TEST(SourceTreeTest, PureFileThatSeesALibraryIsFound) {
   for (const char* library : {"<QString>", "<QtCore/QString>", "<cubeb/cubeb.h>", "<cubeb.h>",
                               "<glib.h>", "<libavformat/avformat.h>", "\"audio/B.h\""}) {
     const SourceTree tree{{"storage/A.h", "#include " + std::string(library) + "\n"},
@@ -147,7 +147,7 @@ TEST(SourceTree, PureFileThatSeesALibraryIsFound) {
   }
 }
 
-TEST(SourceTree, PureFileMaySeeTheSystemAndOtherPureFiles) {
+TEST(SourceTreeTest, PureFileMaySeeTheSystemAndOtherPureFiles) {
   const SourceTree tree{{"storage/A.h",
                          "#include <vector>\n#include <sys/stat.h>\n#include <unistd.h>\n"
                          "#include \"platform/B.h\"\n"},
@@ -155,7 +155,7 @@ TEST(SourceTree, PureFileMaySeeTheSystemAndOtherPureFiles) {
   EXPECT_THAT(complaintsAboutPureFiles(tree, {"storage/A.h", "platform/B.h"}), IsEmpty());
 }
 
-TEST(SourceTree, PosixOutsideItsRoomsIsFound) {
+TEST(SourceTreeTest, PosixOutsideItsRoomsIsFound) {
   for (const char* const header : {"unistd.h", "sys/stat.h", "pthread.h", "dlfcn.h"}) {
     const std::string include = "#include <" + std::string(header) + ">\n";
     EXPECT_THAT(complaintsAboutPosix({{"storage/A.cpp", include}}), SizeIs(1)) << header;
@@ -166,7 +166,7 @@ TEST(SourceTree, PosixOutsideItsRoomsIsFound) {
   EXPECT_THAT(complaintsAboutPosix({{"storage/A.cpp", "#include <vector>\n"}}), IsEmpty());
 }
 
-TEST(SourceTree, SourceThatBelongsToNoHeaderIsFound) {
+TEST(SourceTreeTest, SourceThatBelongsToNoHeaderIsFound) {
   const SourceTree tree{{"audio/A.cpp", "#include <vector>\n"},
                         {"audio/B.cpp", "#include \"storage/C.h\"\n"},
                         {"app/main.cpp", ""},
@@ -175,13 +175,13 @@ TEST(SourceTree, SourceThatBelongsToNoHeaderIsFound) {
               ElementsAre(HasSubstr("audio/A.cpp"), HasSubstr("audio/B.cpp")));
 }
 
-TEST(SourceTree, SourceThatDoesNotIncludeItsHeaderIsFound) {
+TEST(SourceTreeTest, SourceThatDoesNotIncludeItsHeaderIsFound) {
   const SourceTree tree{
       {"audio/A.cpp", "#include \"audio/B.h\"\n"}, {"audio/A.h", ""}, {"audio/B.h", ""}};
   EXPECT_THAT(complaintsAboutMissingHeaders(tree), ElementsAre(HasSubstr("audio/A.cpp")));
 }
 
-TEST(SourceTree, HeaderMayBeServedBySeveralSources) {
+TEST(SourceTreeTest, HeaderMayBeServedBySeveralSources) {
   const std::string include = "#include \"document/Window.h\"\n";
   const SourceTree tree{{"document/Window.h", ""},
                         {"document/Window.cpp", include},
@@ -189,12 +189,12 @@ TEST(SourceTree, HeaderMayBeServedBySeveralSources) {
   EXPECT_THAT(complaintsAboutMissingHeaders(tree), IsEmpty());
 }
 
-TEST(SourceTree, HeaderWithoutItsGuardIsFound) {
+TEST(SourceTreeTest, HeaderWithoutItsGuardIsFound) {
   const SourceTree tree{{"audio/A.h", "// A\n#pragma once\n"}, {"audio/B.h", "#pragma once\n"}};
   EXPECT_THAT(complaintsAboutGuards(tree), ElementsAre(HasSubstr("audio/A.h")));
 }
 
-TEST(SourceTree, FilesAreListedBelowTheirFolder) {
+TEST(SourceTreeTest, FilesAreListedBelowTheirFolder) {
   const auto files = readFileList(ORVO_PURE_FILES, kSources);
   for (const std::string& file : files) {
     EXPECT_FALSE(file.starts_with("..")) << file;

@@ -44,17 +44,17 @@ Step draw(std::mt19937_64& random, const DefectiveSum&) {
   return {"add", modeltest::below(random, 2000)};
 }
 
-TEST(ModelTest, FindsNothingWhereThereIsNothing) {
+TEST(ModelTestTest, FindsNothingWhereThereIsNothing) {
   EXPECT_EQ(modeltest::findAmong<DefectiveSum>(100, 1, draw), "");
   EXPECT_EQ(modeltest::firstDifference<DefectiveSum>({{"add", 900}, {"double"}}), "");
 }
 
-TEST(ModelTest, TellsTheFirstDifferenceAndTheStepBeforeIt) {
+TEST(ModelTestTest, TellsTheFirstDifferenceAndTheStepBeforeIt) {
   EXPECT_EQ(modeltest::firstDifference<DefectiveSum>({{"double"}, {"add", 1200}, {"add", 1}}),
             "after step 2, {\"add\", 1200}: sum: 1201, not 1200");
 }
 
-TEST(ModelTest, ShrinksADrawnSequenceToTheLeastThatDiffersAndPrintsItAsATest) {
+TEST(ModelTestTest, ShrinksADrawnSequenceToTheLeastThatDiffersAndPrintsItAsATest) {
   const std::string found = modeltest::findAmong<DefectiveSum>(100, 200, draw);
   EXPECT_THAT(found, HasSubstr("after step 2, {\"add\", 1000}: sum: 1001, not 1000"));
   EXPECT_THAT(found, HasSubstr("TEST(DefectiveSum, DoesAsItsModelSinceSeed1) {\n"
@@ -66,13 +66,13 @@ TEST(ModelTest, ShrinksADrawnSequenceToTheLeastThatDiffersAndPrintsItAsATest) {
                                "}\n"));
 }
 
-TEST(ModelTest, WritesAStepAsItStandsInATest) {
+TEST(ModelTestTest, WritesAStepAsItStandsInATest) {
   EXPECT_EQ(asCode({"undo"}), "{\"undo\"}");
   EXPECT_EQ(asCode({"write", 0, 5}), "{\"write\", 0, 5}");
   EXPECT_EQ(asCode({"cut", ~std::uint64_t{0}}), "{\"cut\", 18446744073709551615U}");
 }
 
-TEST(ModelTest, ComparesSequencesByTheFirstPlaceThatDiffers) {
+TEST(ModelTestTest, ComparesSequencesByTheFirstPlaceThatDiffers) {
   modeltest::Comparison comparison;
   comparison.tellSequence("bytes", std::vector{1, 2, 3}, {1, 2, 3});
   EXPECT_THAT(comparison.text(), IsEmpty());

@@ -17,7 +17,7 @@ void touchMuch() {
   std::memset(touched, 1, kMuch);
 }
 
-TEST(MemoryGrowth, CountsWhatWasGivenBackMeanwhile) {
+TEST(ProcessMemoryTest, CountsWhatWasGivenBackMeanwhile) {
   const MemoryGrowth growth;
   if (!growth.knowsHighest()) {
     GTEST_SKIP() << "this system does not let the highest be forgotten";
@@ -26,13 +26,13 @@ TEST(MemoryGrowth, CountsWhatWasGivenBackMeanwhile) {
   EXPECT_GE(growth.atMost(), kMuch - kMegabyte);
 }
 
-TEST(MemoryGrowth, ForgetsWhatCameBeforeIt) {
+TEST(ProcessMemoryTest, ForgetsWhatCameBeforeIt) {
   touchMuch();
   const MemoryGrowth growth;
   EXPECT_LT(growth.atMost(), kMegabyte);
 }
 
-TEST(MemoryGrowth, CountsWhatIsStillHeld) {
+TEST(ProcessMemoryTest, CountsWhatIsStillHeld) {
   const MemoryGrowth growth;
   const std::string held(kMuch, 'x');
   EXPECT_GE(growth.atMost(), held.size() - kMegabyte);

@@ -14,7 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(RawAudio, NoiseIsTheSameForASeedNeverSilentAndNeverTooLoud) {
+TEST(RawAudioTest, NoiseIsTheSameForASeedNeverSilentAndNeverTooLoud) {
   const Samples one = noise(10000, 1);
   EXPECT_EQ(one, noise(10000, 1));
   EXPECT_NE(one, noise(10000, 2));
@@ -23,14 +23,14 @@ TEST(RawAudio, NoiseIsTheSameForASeedNeverSilentAndNeverTooLoud) {
   EXPECT_GT(peak(one), 0.49F);
 }
 
-TEST(RawAudio, TuneHasItsLengthAndIsNeverTooLoud) {
+TEST(RawAudioTest, TuneHasItsLengthAndIsNeverTooLoud) {
   const Samples samples = tune(2.0);
   EXPECT_EQ(samples.size(), 2 * 2 * kFramesPerSecond);
   EXPECT_LE(peak(samples), 0.8F);
   EXPECT_GT(peak(samples), 0.3F);
 }
 
-TEST(RawAudio, FilesHoldWhatWasWritten) {
+TEST(RawAudioTest, FilesHoldWhatWasWritten) {
   const TemporaryFolder folder;
   const Samples samples = noise(100, 3);
   ASSERT_TRUE(writeRaw(folder.file("raw"), samples));
@@ -39,13 +39,13 @@ TEST(RawAudio, FilesHoldWhatWasWritten) {
   EXPECT_FALSE(writeRaw(folder.path() + "/none/raw", samples));
 }
 
-TEST(RawAudio, HalfAFrameAtTheEndOfAFileIsLeftOut) {
+TEST(RawAudioTest, HalfAFrameAtTheEndOfAFileIsLeftOut) {
   const TemporaryFolder folder;
   ASSERT_TRUE(writeRaw(folder.file("raw"), {1.0F, 2.0F, 3.0F}));
   EXPECT_THAT(readRaw(folder.file("raw")), ElementsAre(1.0F, 2.0F));
 }
 
-TEST(RawAudio, WavHasAHeaderOfFortyFourBytesBeforeItsSamples) {
+TEST(RawAudioTest, WavHasAHeaderOfFortyFourBytesBeforeItsSamples) {
   const TemporaryFolder folder;
   const Samples samples = noise(10, 4);
   ASSERT_TRUE(writeWav(folder.file("wav"), samples));
@@ -57,7 +57,7 @@ TEST(RawAudio, WavHasAHeaderOfFortyFourBytesBeforeItsSamples) {
   EXPECT_EQ(std::memcmp(bytes.data() + 44, samples.data(), 80), 0);
 }
 
-TEST(RawAudio, StartIsFoundAtAFrameOnly) {
+TEST(RawAudioTest, StartIsFoundAtAFrameOnly) {
   const Samples part{1, 2, 3, 4};
   EXPECT_EQ(findStart(part, {0, 0, 1, 2, 3, 4}), 1U);
   EXPECT_EQ(findStart(part, {0, 1, 2, 3, 4, 0}), std::nullopt);
@@ -66,7 +66,7 @@ TEST(RawAudio, StartIsFoundAtAFrameOnly) {
   EXPECT_EQ(findStart(part, {9, 1, 2, 3, 4, 0, 1, 2, 3, 4}), 3U);
 }
 
-TEST(RawAudio, EqualFramesEndAtTheFirstDifference) {
+TEST(RawAudioTest, EqualFramesEndAtTheFirstDifference) {
   const Samples part{1, 2, 3, 4, 5, 6};
   EXPECT_EQ(equalFrames(part, {1, 2, 3, 4, 5, 6}, 0), 3U);
   EXPECT_EQ(equalFrames(part, {0, 0, 1, 2, 3, 9, 5, 6}, 1), 1U);
@@ -74,7 +74,7 @@ TEST(RawAudio, EqualFramesEndAtTheFirstDifference) {
   EXPECT_EQ(equalFrames(part, {1, 2}, 7), 0U);
 }
 
-TEST(RawAudio, OnlyFramesThatAreSilentInBothChannelsAreLeftOut) {
+TEST(RawAudioTest, OnlyFramesThatAreSilentInBothChannelsAreLeftOut) {
   EXPECT_THAT(withoutSilence({0, 0, 1, 0, 0, 0, 0, 2}), ElementsAre(1, 0, 0, 2));
 }
 

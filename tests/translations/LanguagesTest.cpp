@@ -17,7 +17,6 @@ namespace translations {
 namespace {
 
 using testing::Contains;
-using testing::Contains;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -98,13 +97,13 @@ TranslationFile translationsInto(const QString& language) {
       toQt(kRoot / "resources" / "translations" / ("orvo_" + language.toStdString() + ".ts")));
 }
 
-TEST(Languages, SourcesTextsAndLanguagesAreFound) {
+TEST(LanguagesTest, SourcesTextsAndLanguagesAreFound) {
   EXPECT_THAT(sources(), Contains(kRoot / "src" / "app" / "main.cpp"));
   EXPECT_TRUE(allKeys().contains("Save"));
   EXPECT_TRUE(languages().contains("de"));
 }
 
-TEST(Languages, EveryTextOfTheSourcesIsMarkedForTranslation) {
+TEST(LanguagesTest, EveryTextOfTheSourcesIsMarkedForTranslation) {
   for (const auto& path : sources()) {
     for (const std::string& complaint : textsOfSource(contentOf(path)).complaints) {
       EXPECT_TRUE(isEnglishOnly(complaint)) << path << ":" << complaint;
@@ -112,7 +111,7 @@ TEST(Languages, EveryTextOfTheSourcesIsMarkedForTranslation) {
   }
 }
 
-TEST(Languages, EveryTextOfTheInterfaceFilesIsTranslated) {
+TEST(LanguagesTest, EveryTextOfTheInterfaceFilesIsTranslated) {
   EXPECT_THAT(interfaces(), SizeIs(testing::Ge(1)));
   for (const auto& path : interfaces()) {
     QStringList complaints;
@@ -121,7 +120,7 @@ TEST(Languages, EveryTextOfTheInterfaceFilesIsTranslated) {
   }
 }
 
-TEST(Languages, TextsOfEveryKindAreKnown) {
+TEST(LanguagesTest, TextsOfEveryKindAreKnown) {
   const auto keys = allKeys();
   for (const char* key : {"Unnamed", "&File", "Progress", "The disk is full.", "Undo %1",
                           "Core Audio returned the error: %s (%s)", "Waveform"}) {
@@ -130,13 +129,13 @@ TEST(Languages, TextsOfEveryKindAreKnown) {
   EXPECT_GT(keys.size(), 120U);
 }
 
-TEST(Languages, GermanFrenchSpanishJapaneseAndSimplifiedChineseAreThere) {
+TEST(LanguagesTest, GermanFrenchSpanishJapaneseAndSimplifiedChineseAreThere) {
   for (const char* language : {"de", "fr", "es", "ja", "zh_CN"}) {
     EXPECT_THAT(languages(), Contains(QString(language)));
   }
 }
 
-TEST(Languages, EachTranslatesEveryTextAndNoOther) {
+TEST(LanguagesTest, EachTranslatesEveryTextAndNoOther) {
   const auto keys = allKeys();
   for (const QString& language : languages()) {
     EXPECT_EQ(translationsInto(language).language, language);
@@ -145,7 +144,7 @@ TEST(Languages, EachTranslatesEveryTextAndNoOther) {
   }
 }
 
-TEST(Languages, EachKeepsPlaceholdersKeyLettersAndItsOwnPunctuation) {
+TEST(LanguagesTest, EachKeepsPlaceholdersKeyLettersAndItsOwnPunctuation) {
   for (const QString& language : languages()) {
     for (const Translation& translation : translationsInto(language).translations) {
       EXPECT_EQ(complaintsAboutText(translation, language).join("\n").toStdString(), "")
@@ -154,7 +153,7 @@ TEST(Languages, EachKeepsPlaceholdersKeyLettersAndItsOwnPunctuation) {
   }
 }
 
-TEST(Languages, EachIsInTheDesktopEntry) {
+TEST(LanguagesTest, EachIsInTheDesktopEntry) {
   const std::string entry = contentOf(kRoot / "resources" / "orvo.desktop");
   for (const QString& language : languages()) {
     for (const char* key : {"GenericName", "Comment"}) {

@@ -11,7 +11,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
-TEST(SourceTexts, KeysAreWhatIsMarkedWhereverItStands) {
+TEST(SourceTextsTest, KeysAreWhatIsMarkedWhereverItStands) {
   const auto texts = textsOfSource(R"(
     constexpr std::array kReasons{Reason{EIO, textKey("The disk is full.")}};
     label->setText(platform::localized("Wait"));
@@ -21,29 +21,29 @@ TEST(SourceTexts, KeysAreWhatIsMarkedWhereverItStands) {
   EXPECT_THAT(texts.complaints, IsEmpty());
 }
 
-TEST(SourceTexts, AdjacentLiteralsAreOneKeyAndEscapesAreResolved) {
+TEST(SourceTextsTest, AdjacentLiteralsAreOneKeyAndEscapesAreResolved) {
   EXPECT_THAT(textsOfSource("localized(\"one \\\"two\\\"\\n\"\n    \"three\")").keys,
               ElementsAre("one \"two\"\nthree"));
 }
 
-TEST(SourceTexts, TextInACommentOrAnIncludeIsNoText) {
+TEST(SourceTextsTest, TextInACommentOrAnIncludeIsNoText) {
   const auto texts = textsOfSource(
       "// setText(\"Not shown here\")\n/* \"Nor is\nthis one\" */\n#include \"two words.h\"\n");
   EXPECT_THAT(texts.keys, IsEmpty());
   EXPECT_THAT(texts.complaints, IsEmpty());
 }
 
-TEST(SourceTexts, RawLiteralEndsAtItsOwnMark) {
+TEST(SourceTextsTest, RawLiteralEndsAtItsOwnMark) {
   EXPECT_THAT(textsOfSource("localized(R\"x(one \"two\")\" three)x\") + localized(\"four\")").keys,
               ElementsAre("four", "one \"two\")\" three"));
 }
 
-TEST(SourceTexts, QuoteAsACharacterOpensNoLiteral) {
+TEST(SourceTextsTest, QuoteAsACharacterOpensNoLiteral) {
   EXPECT_THAT(textsOfSource("f('\"', '\\'', 1'000); setText(localized(\"A\"));").keys,
               ElementsAre("A"));
 }
 
-TEST(SourceTexts, UnmarkedTextOnItsWayToAPersonIsFoundWithItsLine) {
+TEST(SourceTextsTest, UnmarkedTextOnItsWayToAPersonIsFoundWithItsLine) {
   for (const char* source : {
            "setText(\"Wait\");",
            "view->setToolTip(QStringLiteral(\"Wait\"));",
@@ -65,13 +65,13 @@ TEST(SourceTexts, UnmarkedTextOnItsWayToAPersonIsFoundWithItsLine) {
   }
 }
 
-TEST(SourceTexts, SeveralWordsThatAreNotMarkedAreFoundAnywhere) {
+TEST(SourceTextsTest, SeveralWordsThatAreNotMarkedAreFoundAnywhere) {
   EXPECT_THAT(textsOfSource("const char* kText = \"The disk is full.\";").complaints,
               ElementsAre(HasSubstr("The disk is full.")));
   EXPECT_THAT(textsOfSource("return all ? \"Nothing, really\" : other;").complaints, SizeIs(1));
 }
 
-TEST(SourceTexts, WhatNobodyReadsIsNoText) {
+TEST(SourceTextsTest, WhatNobodyReadsIsNoText) {
   for (const char* source : {
            "ConsoleLog(\"lost %d frames of it\", lost);",
            "std::fprintf(stderr, \"this is wrong\");",
@@ -88,7 +88,7 @@ TEST(SourceTexts, WhatNobodyReadsIsNoText) {
   }
 }
 
-TEST(SourceTexts, AMarkerWithoutALiteralIsFound) {
+TEST(SourceTextsTest, AMarkerWithoutALiteralIsFound) {
   EXPECT_THAT(textsOfSource("const auto key = textKey(kText);").complaints, SizeIs(1));
   EXPECT_THAT(textsOfSource("consteval TextKey textKey(const char* english) {}").complaints,
               IsEmpty());

@@ -37,7 +37,7 @@ QStringList complaintsAbout(const QString& key, const QString& text, const QStri
   return complaintsAboutText({.key = key, .text = text}, language);
 }
 
-TEST(TranslationFile, MessagesAreReadWithTheirState) {
+TEST(TranslationFileTest, MessagesAreReadWithTheirState) {
   const QTemporaryDir folder;
   const auto file = readTranslations(
       written(folder, "orvo_de.ts",
@@ -59,7 +59,7 @@ TEST(TranslationFile, MessagesAreReadWithTheirState) {
   EXPECT_FALSE(file.translations[3].done);
 }
 
-TEST(TranslationFile, WhatCannotBeReadOrWouldNotBeFoundIsAnError) {
+TEST(TranslationFileTest, WhatCannotBeReadOrWouldNotBeFoundIsAnError) {
   const QTemporaryDir folder;
   EXPECT_THAT(readTranslations(folder.filePath("none.ts")).errors, SizeIs(1));
   EXPECT_THAT(readTranslations(written(folder, "cut.ts", "<TS><context>")).errors, SizeIs(1));
@@ -69,7 +69,7 @@ TEST(TranslationFile, WhatCannotBeReadOrWouldNotBeFoundIsAnError) {
               SizeIs(1));
 }
 
-TEST(TranslationFile, MissingGoneAndDoubleKeysAreFound) {
+TEST(TranslationFileTest, MissingGoneAndDoubleKeysAreFound) {
   TranslationFile file;
   file.translations = {{.key = "a", .text = "x"},
                        {.key = "b", .text = "x", .done = false},
@@ -82,7 +82,7 @@ TEST(TranslationFile, MissingGoneAndDoubleKeysAreFound) {
                                    "twice: a"));
 }
 
-TEST(TranslationFile, OtherPlaceholdersAreFound) {
+TEST(TranslationFileTest, OtherPlaceholdersAreFound) {
   EXPECT_THAT(complaintsAbout("%1 is empty.", "%1 ist leer.", "de"), IsEmpty());
   EXPECT_THAT(complaintsAbout("%2 by %1", "%1 von %2", "de"), IsEmpty());
   EXPECT_THAT(complaintsAbout("%1 is empty.", "Leer.", "de"), SizeIs(1));
@@ -91,14 +91,14 @@ TEST(TranslationFile, OtherPlaceholdersAreFound) {
   EXPECT_THAT(complaintsAbout("The file %@ is", "Die Datei %1 ist", "de"), SizeIs(1));
 }
 
-TEST(TranslationFile, OtherKeyLettersAreFound) {
+TEST(TranslationFileTest, OtherKeyLettersAreFound) {
   EXPECT_THAT(complaintsAbout("&File", "ファイル(&F)", "ja"), IsEmpty());
   EXPECT_THAT(complaintsAbout("&File", "Datei", "de"), SizeIs(1));
   EXPECT_THAT(complaintsAbout("Open", "&Öffnen", "de"), SizeIs(1));
   EXPECT_THAT(complaintsAbout("A && B", "A && C", "de"), IsEmpty());
 }
 
-TEST(TranslationFile, OtherEndsAndParagraphsAreFound) {
+TEST(TranslationFileTest, OtherEndsAndParagraphsAreFound) {
   EXPECT_THAT(complaintsAbout("It is full.", "满了。", "zh_CN"), IsEmpty());
   EXPECT_THAT(complaintsAbout("It is full.", "满了", "zh_CN"), SizeIs(1));
   EXPECT_THAT(complaintsAbout("Type:", "种类：", "zh_CN"), IsEmpty());
@@ -108,7 +108,7 @@ TEST(TranslationFile, OtherEndsAndParagraphsAreFound) {
   EXPECT_THAT(complaintsAbout("write to ", "schreib an", "de"), SizeIs(1));
 }
 
-TEST(TranslationFile, QuotationMarksAreThoseOfTheLanguage) {
+TEST(TranslationFileTest, QuotationMarksAreThoseOfTheLanguage) {
   EXPECT_THAT(complaintsAbout("“%1” is", "„%1“ ist", "de"), IsEmpty());
   EXPECT_THAT(complaintsAbout("“%1” is", "“%1” ist", "de"), SizeIs(2));
   EXPECT_THAT(complaintsAbout("“%1” is", "%1 ist", "de"), SizeIs(1));
@@ -121,7 +121,7 @@ TEST(TranslationFile, QuotationMarksAreThoseOfTheLanguage) {
   EXPECT_THAT(complaintsAbout("don't", "n'est pas", "fr"), SizeIs(1));
 }
 
-TEST(TranslationFile, PunctuationIsThatOfTheLanguage) {
+TEST(TranslationFileTest, PunctuationIsThatOfTheLanguage) {
   EXPECT_THAT(complaintsAbout("Save in:", "Dans\u00a0:", "fr"), IsEmpty());
   EXPECT_THAT(complaintsAbout("Save in:", "Dans:", "fr"), SizeIs(1));
   EXPECT_THAT(complaintsAbout("Save in:", "Dans :", "fr"), SizeIs(1));
@@ -132,11 +132,11 @@ TEST(TranslationFile, PunctuationIsThatOfTheLanguage) {
   EXPECT_THAT(complaintsAbout("a b", "a  b c", "de"), SizeIs(1));
 }
 
-TEST(TranslationFile, WhatStaysAsItIsNeedsNothing) {
+TEST(TranslationFileTest, WhatStaysAsItIsNeedsNothing) {
   EXPECT_THAT(complaintsAbout("https://orvo.example/", "https://orvo.example/", "fr"), IsEmpty());
 }
 
-TEST(TranslationFile, TextsOfAnInterfaceAreThoseThatAreShown) {
+TEST(TranslationFileTest, TextsOfAnInterfaceAreThoseThatAreShown) {
   const QTemporaryDir folder;
   const QString path = written(
       folder, "window.ui",

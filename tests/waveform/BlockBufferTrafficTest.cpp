@@ -226,7 +226,7 @@ class History {
 };
 
 // The writer and the editor take turns, so that what stood when is known; reads come at any time.
-class BlockBufferTraffic : public testing::Test {
+class BlockBufferTrafficTest : public testing::Test {
  protected:
   // Mostly over what is there, so that the recording has many blocks.
   void planWrite(std::mt19937& random) {
@@ -354,7 +354,7 @@ class BlockBufferTraffic : public testing::Test {
   std::atomic<std::uint64_t> besideChanges_{0};
 };
 
-TEST_F(BlockBufferTraffic, EveryReadGivesWhatStoodThereAtOneMomentOfTheRead) {
+TEST_F(BlockBufferTrafficTest, EveryReadGivesWhatStoodThereAtOneMomentOfTheRead) {
   ASSERT_NE(buffer_, nullptr);
   const auto summary = OVDynamicWaveForm::initWithBuffer(buffer_);
   plan(&OVBlockBuffer::setWaypoint, &PlainBlockBuffer::setWaypoint);
@@ -370,7 +370,7 @@ TEST_F(BlockBufferTraffic, EveryReadGivesWhatStoodThereAtOneMomentOfTheRead) {
 
 // Here the writer and the editor do not wait for each other either. No cut moves audio, so each
 // frame belongs at the place at which it was written, whatever stands there at the moment.
-class UnorderedBlockBufferTraffic : public testing::Test {
+class BlockBufferTrafficUnorderedTest : public testing::Test {
  protected:
   static constexpr std::uint64_t kWriteFrames = 64;
   static constexpr std::uint64_t kMaxWrites = 1 << 20;
@@ -425,7 +425,7 @@ class UnorderedBlockBufferTraffic : public testing::Test {
   std::atomic<bool> isWriting_ = true;   // the others go on as long as this
 };
 
-TEST_F(UnorderedBlockBufferTraffic, EveryFrameReadWasWrittenAtItsPlace) {
+TEST_F(BlockBufferTrafficUnorderedTest, EveryFrameReadWasWrittenAtItsPlace) {
   ASSERT_NE(buffer_, nullptr);
   const auto summary = OVDynamicWaveForm::initWithBuffer(buffer_);
   runTogether({[this] { write(); }, [this] { edit(); }, [this] { read(2); }, [this] { read(3); },

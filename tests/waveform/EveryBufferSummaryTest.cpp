@@ -56,7 +56,7 @@ std::vector<std::vector<float>> summariesOf(const std::shared_ptr<OVAudioBufferI
   return all;
 }
 
-TEST(SummariesOfEveryBuffer, AreTheSame) {
+TEST(EveryBufferSummaryTest, AreTheSame) {
   const support::InstalledRecordingServices services;
   const auto ofMemory = summariesOf(OVAudioBuffer::init());
   EXPECT_TRUE(summariesOf(OVBlockBuffer::init()) == ofMemory);

@@ -24,7 +24,7 @@ constexpr std::uint64_t kNoiseFrames = 44100;
 // checkers keep what was freed.
 constexpr std::uint64_t kAllowedGrowth = std::uint64_t{support::kAnyChecker ? 64 : 4} << 20;
 
-class AVeryLongRecording : public testing::Test {
+class VeryLongRecordingTest : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_NE(buffer_, nullptr);
@@ -83,7 +83,7 @@ class AVeryLongRecording : public testing::Test {
   std::optional<support::MemoryGrowth> memory_;  // since all was written
 };
 
-TEST_F(AVeryLongRecording, IsCutInItsMiddleUndoneAndReadFromThereWithoutMoreMemory) {
+TEST_F(VeryLongRecordingTest, IsCutInItsMiddleUndoneAndReadFromThereWithoutMoreMemory) {
   buffer_->setWaypoint();
   buffer_->cutoffBufferAfterPosition(kHours / 2 * kHour);
   EXPECT_EQ(buffer_->bufferSizeInFrames(), kHours / 2 * kHour);
@@ -101,7 +101,7 @@ TEST_F(AVeryLongRecording, IsCutInItsMiddleUndoneAndReadFromThereWithoutMoreMemo
   expectNoGrowth("cuts, undo and reads");
 }
 
-TEST_F(AVeryLongRecording, IsSummarisedWholeAndCutWithoutMoreMemory) {
+TEST_F(VeryLongRecordingTest, IsSummarisedWholeAndCutWithoutMoreMemory) {
   const auto growing = OVDynamicWaveForm::initWithBuffer(buffer_);
   growing->generate();
   EXPECT_EQ(growing->readerPos(), kHours * kHour);

@@ -254,17 +254,17 @@ GLibRecentDocuments::Outcome GLibRecentDocuments::replace(const std::string& bef
                                                           const std::string& after) const {
   makeFolder(fs::path(file_).parent_path());
   const auto replacement = ReplacementFile::beside(file_);
-  if (!replacement.file) {
-    reportFailure(file_, failureReason(replacement.error));
+  if (!replacement) {
+    reportFailure(file_, failureReason(replacement.error()));
     return Outcome::failed;
   }
-  int error = writeNew(replacement.file->path(), after);
+  int error = writeNew(replacement->path(), after);
   if (error == 0) {
     const ListText now = readList(file_);
     if (!now.failure.empty() || now.text != before) {
       return Outcome::changedMeanwhile;
     }
-    error = replacement.file->commit();
+    error = replacement->commit();
   }
   if (error != 0) {
     reportFailure(file_, failureReason(error));

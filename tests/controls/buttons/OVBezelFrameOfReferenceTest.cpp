@@ -11,7 +11,7 @@ QRectF covered(const QWidget& button) {
   return reference.toWidget.mapRect(reference.bezel);
 }
 
-TEST(BezelFrameOfReference, CoversTheButtonOfABarInTheContentView) {
+TEST(OVBezelFrameOfReferenceTest, CoversTheButtonOfABarInTheContentView) {
   QMainWindow window;
   auto* content = new QWidget;
   window.setCentralWidget(content);
@@ -23,7 +23,7 @@ TEST(BezelFrameOfReference, CoversTheButtonOfABarInTheContentView) {
   EXPECT_EQ(covered(button), QRectF(0, 0, 46, 32));
 }
 
-TEST(BezelFrameOfReference, FollowsFromTheFramesOriginsAsTold) {
+TEST(OVBezelFrameOfReferenceTest, FollowsFromTheFramesOriginsAsTold) {
   QWidget content;
   QWidget bar(&content);
   QWidget button(&bar);
@@ -35,7 +35,7 @@ TEST(BezelFrameOfReference, FollowsFromTheFramesOriginsAsTold) {
   EXPECT_EQ(reference.toWidget.mapRect(reference.bezel), QRectF(0, 0, 46, 32));
 }
 
-TEST(BezelFrameOfReference, CoversAButtonThatIsTheContentsOwnChildOrAlone) {
+TEST(OVBezelFrameOfReferenceTest, CoversAButtonThatIsTheContentsOwnChildOrAlone) {
   QWidget content;
   content.resize(200, 100);
   QWidget button(&content);
@@ -46,7 +46,7 @@ TEST(BezelFrameOfReference, CoversAButtonThatIsTheContentsOwnChildOrAlone) {
   EXPECT_EQ(covered(alone), QRectF(0, 0, 46, 32));
 }
 
-TEST(BezelFrameOfReference, AViewBetweenBarAndContentDisplacesTheBezel) {
+TEST(OVBezelFrameOfReferenceTest, AViewBetweenBarAndContentDisplacesTheBezel) {
   QWidget content;
   QWidget between(&content);
   QWidget bar(&between);

@@ -11,7 +11,7 @@ namespace {
 const QPoint kInside(14, 14);
 const QPoint kElsewhere(-60, 14);
 
-class HoverButton : public testing::Test {
+class OVHoverButtonTest : public testing::Test {
  protected:
   void SetUp() override {
     button_ = new OVHoverButton(window_.bar());
@@ -41,7 +41,7 @@ class HoverButton : public testing::Test {
   OVHoverButton* button_ = nullptr;
 };
 
-TEST_F(HoverButton, StartsAsAnEnabledSwitchThatIsOff) {
+TEST_F(OVHoverButtonTest, StartsAsAnEnabledSwitchThatIsOff) {
   EXPECT_TRUE(button_->isSwitch());
   EXPECT_TRUE(button_->isEnabled());
   EXPECT_FALSE(button_->isOn());
@@ -49,7 +49,7 @@ TEST_F(HoverButton, StartsAsAnEnabledSwitchThatIsOff) {
   expectShows("spectrum_off.png");
 }
 
-TEST_F(HoverButton, ShowsTheHoverImageWhileTheMouseIsOverIt) {
+TEST_F(OVHoverButtonTest, ShowsTheHoverImageWhileTheMouseIsOverIt) {
   window_.moveTo(button_, kInside);
   EXPECT_TRUE(button_->isHovering());
   expectShows("spectrum_hover.png");
@@ -58,7 +58,7 @@ TEST_F(HoverButton, ShowsTheHoverImageWhileTheMouseIsOverIt) {
   expectShows("spectrum_off.png");
 }
 
-TEST_F(HoverButton, ShowsItsOnImageEvenWhileHovered) {
+TEST_F(OVHoverButtonTest, ShowsItsOnImageEvenWhileHovered) {
   button_->setIsOn(true);
   expectShows("spectrum_on.png");
   window_.moveTo(button_, kInside);
@@ -66,7 +66,7 @@ TEST_F(HoverButton, ShowsItsOnImageEvenWhileHovered) {
   expectShows("spectrum_on.png");
 }
 
-TEST_F(HoverButton, AClickTogglesAndSends) {
+TEST_F(OVHoverButtonTest, AClickTogglesAndSends) {
   const auto target = std::make_shared<int>(0);
   int sent = 0;
   button_->setTarget(target);
@@ -82,7 +82,7 @@ TEST_F(HoverButton, AClickTogglesAndSends) {
   EXPECT_EQ(sent, 101);
 }
 
-TEST_F(HoverButton, PressedItIsDarker) {
+TEST_F(OVHoverButtonTest, PressedItIsDarker) {
   button_->setIsOn(true);
   const QColor plain = window_.picture(button_).pixelColor(14, 14);
   button_->setIsHighlighted(true);
@@ -90,7 +90,7 @@ TEST_F(HoverButton, PressedItIsDarker) {
   EXPECT_LT(pressed.lightness(), plain.lightness());
 }
 
-TEST_F(HoverButton, DisabledUnderTheMouseItKeepsHoveringUntilItIsEnabledAndLeft) {
+TEST_F(OVHoverButtonTest, DisabledUnderTheMouseItKeepsHoveringUntilItIsEnabledAndLeft) {
   window_.moveTo(button_, kInside);
   button_->setEnabled(false);
   window_.moveTo(button_, kElsewhere);
@@ -102,7 +102,7 @@ TEST_F(HoverButton, DisabledUnderTheMouseItKeepsHoveringUntilItIsEnabledAndLeft)
   EXPECT_FALSE(button_->isHovering());
 }
 
-TEST_F(HoverButton, DisabledItIgnoresEnteringAndClicks) {
+TEST_F(OVHoverButtonTest, DisabledItIgnoresEnteringAndClicks) {
   button_->setEnabled(false);
   window_.moveTo(button_, kInside);
   window_.click(button_, kInside);

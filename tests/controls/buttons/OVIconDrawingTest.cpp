@@ -21,11 +21,11 @@ QImage drawn(QSize size, double ratio, const QColor& paper, const platform::Name
   return picture;
 }
 
-TEST(IconDrawing, AnIconThatFitsEvenlyIsCentred) {
+TEST(OVIconDrawingTest, AnIconThatFitsEvenlyIsCentred) {
   EXPECT_EQ(centredIconOrigin({46, 32}, {18, 18}), QPointF(14, 7));
 }
 
-TEST(IconDrawing, AnOddIconLandsHalfAPixelRightOfAndBelowTheCentre) {
+TEST(OVIconDrawingTest, AnOddIconLandsHalfAPixelRightOfAndBelowTheCentre) {
   // y points upward, so a smaller y is lower.
   EXPECT_EQ(centredIconOrigin({46, 32}, {17, 17}), QPointF(15, 7));
   EXPECT_EQ(centredIconOrigin({46, 32}, {17, 18}), QPointF(15, 7));
@@ -33,11 +33,11 @@ TEST(IconDrawing, AnOddIconLandsHalfAPixelRightOfAndBelowTheCentre) {
   EXPECT_EQ(centredIconOrigin({45, 31}, {18, 18}), QPointF(14, 6));
 }
 
-TEST(IconDrawing, AnIconLargerThanItsButtonIsSnappedTheSameWay) {
+TEST(OVIconDrawingTest, AnIconLargerThanItsButtonIsSnappedTheSameWay) {
   EXPECT_EQ(centredIconOrigin({10, 10}, {13, 13}), QPointF(-1, -2));
 }
 
-TEST(IconDrawing, AnOddIconCoversWholePixels) {
+TEST(OVIconDrawingTest, AnOddIconCoversWholePixels) {
   const platform::NamedImage icon(square(5, Qt::black));
   const QImage picture = drawn({10, 10}, 1.0, Qt::white, icon, OVIconBlend::sourceAtop, 1.0);
   // x 2.5 becomes 3; y 2.5 becomes 2, five rows above the bottom edge plus two.
@@ -49,7 +49,7 @@ TEST(IconDrawing, AnOddIconCoversWholePixels) {
   }
 }
 
-TEST(IconDrawing, TheDoubleSizeVersionIsDrawnPixelForPixelAtTwoPixelsAPoint) {
+TEST(OVIconDrawingTest, TheDoubleSizeVersionIsDrawnPixelForPixelAtTwoPixelsAPoint) {
   QImage doubled = square(8, Qt::black);
   doubled.setPixelColor(3, 5, Qt::red);
   const platform::NamedImage icon(square(4, Qt::blue), doubled);
@@ -61,20 +61,20 @@ TEST(IconDrawing, TheDoubleSizeVersionIsDrawnPixelForPixelAtTwoPixelsAPoint) {
   EXPECT_EQ(picture.pixelColor(14, 14), QColor(Qt::white));
 }
 
-TEST(IconDrawing, OpacityBlendsTheIconWithWhatIsBelow) {
+TEST(OVIconDrawingTest, OpacityBlendsTheIconWithWhatIsBelow) {
   const platform::NamedImage icon(square(4, QColor(200, 40, 0)));
   const QImage picture =
       drawn({10, 10}, 1.0, QColor(100, 100, 100), icon, OVIconBlend::sourceAtop, 0.5);
   EXPECT_LE(colorDistance(picture.pixelColor(5, 5), QColor(150, 70, 50)), 1);
 }
 
-TEST(IconDrawing, SourceAtopLeavesTransparentPlacesTransparent) {
+TEST(OVIconDrawingTest, SourceAtopLeavesTransparentPlacesTransparent) {
   const platform::NamedImage icon(square(4, Qt::black));
   const QImage picture = drawn({10, 10}, 1.0, Qt::transparent, icon, OVIconBlend::sourceAtop, 1.0);
   EXPECT_EQ(picture.pixelColor(5, 5).alpha(), 0);
 }
 
-TEST(IconDrawing, PlusDarkerAddsTheDarknessesOfBoth) {
+TEST(OVIconDrawingTest, PlusDarkerAddsTheDarknessesOfBoth) {
   const platform::NamedImage icon(square(4, QColor(200, 155, 0)));
   const QImage picture =
       drawn({10, 10}, 1.0, QColor(230, 100, 150), icon, OVIconBlend::plusDarker, 1.0);
@@ -83,14 +83,14 @@ TEST(IconDrawing, PlusDarkerAddsTheDarknessesOfBoth) {
   EXPECT_EQ(picture.pixelColor(1, 1), QColor(230, 100, 150));
 }
 
-TEST(IconDrawing, PlusDarkerCountsATranslucentIconByItsAlpha) {
+TEST(OVIconDrawingTest, PlusDarkerCountsATranslucentIconByItsAlpha) {
   const platform::NamedImage icon(square(4, QColor(55, 155, 255, 128)));
   const QImage picture =
       drawn({10, 10}, 1.0, QColor(230, 230, 230), icon, OVIconBlend::plusDarker, 1.0);
   EXPECT_LE(colorDistance(picture.pixelColor(5, 5), QColor(130, 180, 230)), 1);
 }
 
-TEST(IconDrawing, PlusDarkerIgnoresTheOpacityAndLeavesTheTransparentPartsOfAnIconAlone) {
+TEST(OVIconDrawingTest, PlusDarkerIgnoresTheOpacityAndLeavesTheTransparentPartsOfAnIconAlone) {
   QImage image = square(4, Qt::transparent);
   image.setPixelColor(1, 1, QColor(155, 155, 155));
   const QImage picture = drawn({10, 10}, 1.0, QColor(230, 230, 230), platform::NamedImage(image),
@@ -99,7 +99,7 @@ TEST(IconDrawing, PlusDarkerIgnoresTheOpacityAndLeavesTheTransparentPartsOfAnIco
   EXPECT_EQ(picture.pixelColor(5, 5), QColor(230, 230, 230));
 }
 
-TEST(IconDrawing, PlusDarkerOfATransparentIconChangesNoPixelWhereverItStands) {
+TEST(OVIconDrawingTest, PlusDarkerOfATransparentIconChangesNoPixelWhereverItStands) {
   const platform::NamedImage icon(square(4, Qt::transparent));
   const QColor paper(230, 100, 150);
   for (const double ratio : {1.0, 1.25, 1.5, 1.7, 2.0, 3.0}) {
@@ -116,7 +116,7 @@ TEST(IconDrawing, PlusDarkerOfATransparentIconChangesNoPixelWhereverItStands) {
   }
 }
 
-TEST(IconDrawing, PlusDarkerStaysInsideTheClip) {
+TEST(OVIconDrawingTest, PlusDarkerStaysInsideTheClip) {
   const platform::NamedImage icon(square(6, Qt::black));
   QImage picture = makePicture({10, 10}, 1.5, QColor(230, 230, 230));
   QPainter painter(&picture);
@@ -129,7 +129,7 @@ TEST(IconDrawing, PlusDarkerStaysInsideTheClip) {
   EXPECT_EQ(picture.pixelColor(10, 7), QColor(230, 230, 230));
 }
 
-TEST(IconDrawing, ANullIconDrawsNothing) {
+TEST(OVIconDrawingTest, ANullIconDrawsNothing) {
   for (const auto blend : {OVIconBlend::sourceAtop, OVIconBlend::plusDarker}) {
     const QImage picture = drawn({10, 10}, 1.0, Qt::gray, platform::NamedImage(), blend, 1.0);
     EXPECT_EQ(picture, makePicture({10, 10}, 1.0, Qt::gray));

@@ -13,7 +13,7 @@ QAccessibleInterface* interfaceOf(QWidget& widget) {
   return QAccessible::queryAccessibleInterface(&widget);
 }
 
-TEST(ButtonAccessibility, AButtonHasItsNameAndRole) {
+TEST(OVTrackingButtonAccessibilityTest, AButtonHasItsNameAndRole) {
   OVTransportButton button;
   button.setAccessibleName(QStringLiteral("Stop"));
   const auto* accessible = interfaceOf(button);
@@ -24,7 +24,7 @@ TEST(ButtonAccessibility, AButtonHasItsNameAndRole) {
   EXPECT_TRUE(accessible->state().focusable);
 }
 
-TEST(ButtonAccessibility, ASwitchIsCheckableAndSaysWhetherItIsOn) {
+TEST(OVTrackingButtonAccessibilityTest, ASwitchIsCheckableAndSaysWhetherItIsOn) {
   OVHoverButton button;
   const auto* accessible = interfaceOf(button);
   ASSERT_NE(accessible, nullptr);
@@ -37,7 +37,7 @@ TEST(ButtonAccessibility, ASwitchIsCheckableAndSaysWhetherItIsOn) {
   EXPECT_TRUE(accessible->state().pressed);
 }
 
-TEST(ButtonAccessibility, ThePressActionClicks) {
+TEST(OVTrackingButtonAccessibilityTest, ThePressActionClicks) {
   OVTransportButton button;
   button.setIsSwitch(true);
   const auto target = std::make_shared<int>(0);
@@ -55,7 +55,7 @@ TEST(ButtonAccessibility, ThePressActionClicks) {
   EXPECT_EQ(sent, 1);
 }
 
-TEST(ButtonAccessibility, ADisabledButtonOffersNoActionAndIgnoresOne) {
+TEST(OVTrackingButtonAccessibilityTest, ADisabledButtonOffersNoActionAndIgnoresOne) {
   OVTransportButton button;
   button.setIsSwitch(true);
   button.setEnabled(false);

@@ -15,7 +15,7 @@ namespace {
 const QPoint kInside(20, 10);
 const QPoint kOutside(80, 10);
 
-class TrackingButton : public testing::Test {
+class OVTrackingButtonTest : public testing::Test {
  protected:
   void SetUp() override {
     button_ = new OVTransportButton(window_.bar());
@@ -34,14 +34,14 @@ class TrackingButton : public testing::Test {
   std::vector<bool> sentWhile_;  // isOn() at each action
 };
 
-TEST_F(TrackingButton, StartsAsAnEnabledPushButtonThatIsOff) {
+TEST_F(OVTrackingButtonTest, StartsAsAnEnabledPushButtonThatIsOff) {
   EXPECT_TRUE(button_->isEnabled());
   EXPECT_FALSE(button_->isOn());
   EXPECT_FALSE(button_->isSwitch());
   EXPECT_FALSE(button_->isHighlighted());
 }
 
-TEST_F(TrackingButton, ClickingAPushButtonSendsTheActionAndNeverTurnsItOn) {
+TEST_F(OVTrackingButtonTest, ClickingAPushButtonSendsTheActionAndNeverTurnsItOn) {
   window_.press(button_, kInside);
   EXPECT_TRUE(button_->isHighlighted());
   EXPECT_FALSE(button_->isOn());
@@ -52,7 +52,7 @@ TEST_F(TrackingButton, ClickingAPushButtonSendsTheActionAndNeverTurnsItOn) {
   EXPECT_EQ(sentWhile_, std::vector<bool>{false});
 }
 
-TEST_F(TrackingButton, ASwitchTurnsAtOnceAndTheTargetReadsTheNewState) {
+TEST_F(OVTrackingButtonTest, ASwitchTurnsAtOnceAndTheTargetReadsTheNewState) {
   button_->setIsSwitch(true);
   window_.press(button_, kInside);
   EXPECT_TRUE(button_->isOn());
@@ -64,7 +64,7 @@ TEST_F(TrackingButton, ASwitchTurnsAtOnceAndTheTargetReadsTheNewState) {
   EXPECT_EQ(sentWhile_, (std::vector<bool>{true, false}));
 }
 
-TEST_F(TrackingButton, DraggingOutAndBackPreviewsTheToggle) {
+TEST_F(OVTrackingButtonTest, DraggingOutAndBackPreviewsTheToggle) {
   button_->setIsSwitch(true);
   window_.press(button_, kInside);
   window_.moveTo(button_, kOutside);
@@ -77,7 +77,7 @@ TEST_F(TrackingButton, DraggingOutAndBackPreviewsTheToggle) {
   EXPECT_EQ(sentWhile_, std::vector<bool>{true});
 }
 
-TEST_F(TrackingButton, AClickOnASwitchThatEndsOutsideLeavesItUnchangedAndSendsNothing) {
+TEST_F(OVTrackingButtonTest, AClickOnASwitchThatEndsOutsideLeavesItUnchangedAndSendsNothing) {
   button_->setIsSwitch(true);
   for (const bool before : {false, true}) {
     button_->setIsOn(before);
@@ -90,7 +90,7 @@ TEST_F(TrackingButton, AClickOnASwitchThatEndsOutsideLeavesItUnchangedAndSendsNo
   EXPECT_TRUE(sentWhile_.empty());
 }
 
-TEST_F(TrackingButton, AClickOnAPushButtonThatEndsOutsideSendsNothing) {
+TEST_F(OVTrackingButtonTest, AClickOnAPushButtonThatEndsOutsideSendsNothing) {
   window_.press(button_, kInside);
   window_.moveTo(button_, kOutside);
   EXPECT_FALSE(button_->isHighlighted());
@@ -98,7 +98,7 @@ TEST_F(TrackingButton, AClickOnAPushButtonThatEndsOutsideSendsNothing) {
   EXPECT_TRUE(sentWhile_.empty());
 }
 
-TEST_F(TrackingButton, TheEdgesCountAsInsideOnTheLeftAndTopOnly) {
+TEST_F(OVTrackingButtonTest, TheEdgesCountAsInsideOnTheLeftAndTopOnly) {
   window_.press(button_, kInside);
   for (const auto& [point, inside] : std::vector<std::pair<QPoint, bool>>{{{0, 0}, true},
                                                                           {{45, 31}, true},
@@ -112,7 +112,7 @@ TEST_F(TrackingButton, TheEdgesCountAsInsideOnTheLeftAndTopOnly) {
   window_.release(button_, kOutside);
 }
 
-TEST_F(TrackingButton, ADisabledButtonIgnoresTheMouseAndKeepsItsState) {
+TEST_F(OVTrackingButtonTest, ADisabledButtonIgnoresTheMouseAndKeepsItsState) {
   button_->setIsSwitch(true);
   button_->setIsOn(true);
   button_->setEnabled(false);
@@ -127,7 +127,7 @@ TEST_F(TrackingButton, ADisabledButtonIgnoresTheMouseAndKeepsItsState) {
   EXPECT_TRUE(sentWhile_.empty());
 }
 
-TEST_F(TrackingButton, DisabledWhilePressedItKeepsLookingPressedAndSendsNothing) {
+TEST_F(OVTrackingButtonTest, DisabledWhilePressedItKeepsLookingPressedAndSendsNothing) {
   window_.press(button_, kInside);
   button_->setEnabled(false);
   window_.release(button_, kInside);
@@ -135,7 +135,7 @@ TEST_F(TrackingButton, DisabledWhilePressedItKeepsLookingPressedAndSendsNothing)
   EXPECT_TRUE(sentWhile_.empty());
 }
 
-TEST_F(TrackingButton, OnlyTheLeftMouseButtonPresses) {
+TEST_F(OVTrackingButtonTest, OnlyTheLeftMouseButtonPresses) {
   for (const auto other : {Qt::RightButton, Qt::MiddleButton}) {
     window_.press(button_, kInside, other);
     EXPECT_FALSE(button_->isHighlighted());
@@ -144,7 +144,7 @@ TEST_F(TrackingButton, OnlyTheLeftMouseButtonPresses) {
   EXPECT_TRUE(sentWhile_.empty());
 }
 
-TEST_F(TrackingButton, EveryClickOfADoubleClickCounts) {
+TEST_F(OVTrackingButtonTest, EveryClickOfADoubleClickCounts) {
   button_->setIsSwitch(true);
   window_.click(button_, kInside);
   QTest::mouseDClick(button_, Qt::LeftButton, {}, kInside);  // in place of the second press
@@ -154,7 +154,7 @@ TEST_F(TrackingButton, EveryClickOfADoubleClickCounts) {
   EXPECT_EQ(sentWhile_, (std::vector<bool>{true, false}));
 }
 
-TEST_F(TrackingButton, WithoutALivingTargetTheSwitchTurnsButNothingIsSent) {
+TEST_F(OVTrackingButtonTest, WithoutALivingTargetTheSwitchTurnsButNothingIsSent) {
   button_->setIsSwitch(true);
   target_.reset();
   window_.click(button_, kInside);
@@ -163,7 +163,7 @@ TEST_F(TrackingButton, WithoutALivingTargetTheSwitchTurnsButNothingIsSent) {
   EXPECT_EQ(button_->target().lock(), nullptr);
 }
 
-TEST_F(TrackingButton, TheTargetLivesThroughTheAction) {
+TEST_F(OVTrackingButtonTest, TheTargetLivesThroughTheAction) {
   button_->setAction([this](OVTrackingButton* sender) {
     target_.reset();
     EXPECT_NE(sender->target().lock(), nullptr);
@@ -172,7 +172,7 @@ TEST_F(TrackingButton, TheTargetLivesThroughTheAction) {
   EXPECT_EQ(button_->target().lock(), nullptr);
 }
 
-TEST_F(TrackingButton, TheActionMayDeleteTheButtonOrReplaceItself) {
+TEST_F(OVTrackingButtonTest, TheActionMayDeleteTheButtonOrReplaceItself) {
   QPointer<OVTransportButton> button = button_;
   button_->setAction([](OVTrackingButton* sender) {
     sender->setAction(nullptr);
@@ -183,7 +183,7 @@ TEST_F(TrackingButton, TheActionMayDeleteTheButtonOrReplaceItself) {
   EXPECT_TRUE(button.isNull());
 }
 
-TEST_F(TrackingButton, AClickWithoutAMouseTurnsASwitchAndSends) {
+TEST_F(OVTrackingButtonTest, AClickWithoutAMouseTurnsASwitchAndSends) {
   button_->setIsSwitch(true);
   button_->performClick();
   EXPECT_EQ(sentWhile_, std::vector<bool>{true});
@@ -193,7 +193,7 @@ TEST_F(TrackingButton, AClickWithoutAMouseTurnsASwitchAndSends) {
   EXPECT_EQ(sentWhile_.size(), 1U);
 }
 
-TEST_F(TrackingButton, TurningAndEnablingRedrawAndTheOtherSettersDoNot) {
+TEST_F(OVTrackingButtonTest, TurningAndEnablingRedrawAndTheOtherSettersDoNot) {
   PaintCounter paints(button_);
   static_cast<void>(paints.take());
   button_->setIsOn(true);
@@ -207,7 +207,7 @@ TEST_F(TrackingButton, TurningAndEnablingRedrawAndTheOtherSettersDoNot) {
   EXPECT_EQ(paints.take(), 0);
 }
 
-TEST_F(TrackingButton, PressingDraggingAndReleasingRedraw) {
+TEST_F(OVTrackingButtonTest, PressingDraggingAndReleasingRedraw) {
   PaintCounter paints(button_);
   static_cast<void>(paints.take());
   window_.press(button_, kInside);
@@ -218,14 +218,14 @@ TEST_F(TrackingButton, PressingDraggingAndReleasingRedraw) {
   EXPECT_GT(paints.take(), 0);
 }
 
-TEST_F(TrackingButton, AClickDoesNotTakeTheKeyboard) {
+TEST_F(OVTrackingButtonTest, AClickDoesNotTakeTheKeyboard) {
   button_->clearFocus();  // a window in front gives the keyboard to its first view
   window_.click(button_, kInside);
   EXPECT_FALSE(button_->hasFocus());
   EXPECT_EQ(button_->focusPolicy(), Qt::TabFocus);
 }
 
-TEST_F(TrackingButton, CtrlReturnPressesIt) {
+TEST_F(OVTrackingButtonTest, CtrlReturnPressesIt) {
   button_->setIsSwitch(true);
   QTest::keyClick(button_, Qt::Key_Return, Qt::ControlModifier);
   EXPECT_EQ(sentWhile_, std::vector<bool>{true});
@@ -236,7 +236,7 @@ TEST_F(TrackingButton, CtrlReturnPressesIt) {
   EXPECT_EQ(sentWhile_.size(), 2U);
 }
 
-TEST_F(TrackingButton, AHeldCtrlReturnPressesItOnce) {
+TEST_F(OVTrackingButtonTest, AHeldCtrlReturnPressesItOnce) {
   const auto send = [&](QEvent::Type type, bool repeated) {
     QKeyEvent event(type, Qt::Key_Return, Qt::ControlModifier, QString(), repeated);
     QCoreApplication::sendEvent(button_, &event);
@@ -252,7 +252,7 @@ TEST_F(TrackingButton, AHeldCtrlReturnPressesItOnce) {
   EXPECT_FALSE(send(QEvent::KeyRelease, false)) << "not its own press";
 }
 
-TEST_F(TrackingButton, PlainKeysGoOnToTheWindow) {
+TEST_F(OVTrackingButtonTest, PlainKeysGoOnToTheWindow) {
   for (const int key : {Qt::Key_R, Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
     for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
       QKeyEvent event(type, key, Qt::NoModifier);
@@ -263,7 +263,7 @@ TEST_F(TrackingButton, PlainKeysGoOnToTheWindow) {
   EXPECT_TRUE(sentWhile_.empty());
 }
 
-TEST_F(TrackingButton, ARingShowsThatTheKeyboardIsThere) {
+TEST_F(OVTrackingButtonTest, ARingShowsThatTheKeyboardIsThere) {
   const QImage before = window_.picture(button_);
   button_->setFocus(Qt::MouseFocusReason);
   EXPECT_EQ(window_.picture(button_), before);

@@ -60,7 +60,7 @@ int level(double shade) {
   return static_cast<int>(std::lround(shade * 255.0));
 }
 
-class TransportArtwork : public testing::TestWithParam<int> {
+class OVTransportArtworkTest : public testing::TestWithParam<int> {
  protected:
   [[nodiscard]] static int ratio() { return GetParam(); }
 
@@ -85,21 +85,21 @@ class TransportArtwork : public testing::TestWithParam<int> {
   [[nodiscard]] static double middle(double y) { return y + 0.5 / ratio(); }
 };
 
-TEST_P(TransportArtwork, EveryLayerOfTheNormalBezelAddsUp) {
+TEST_P(OVTransportArtworkTest, EveryLayerOfTheNormalBezelAddsUp) {
   const QImage picture = draw(drawBezelWithFrame, false);
   for (const double y : {3.0, 4.0, 5.0, 6.0, 7.0, 8.0, 12.0, 16.0, 20.0, 24.0, 28.0}) {
     EXPECT_NEAR(grey(picture, 23.0, y), level(normalShade(middle(y))), 2) << "y " << y;
   }
 }
 
-TEST_P(TransportArtwork, EveryLayerOfTheHighlightedBezelAddsUp) {
+TEST_P(OVTransportArtworkTest, EveryLayerOfTheHighlightedBezelAddsUp) {
   const QImage picture = draw(drawBezelWithFrame, true);
   for (const double y : {3.0, 4.0, 5.0, 6.0, 7.0, 8.0, 12.0, 16.0, 20.0, 24.0, 28.0}) {
     EXPECT_NEAR(grey(picture, 23.0, y), level(highlightedShade(middle(y))), 2) << "y " << y;
   }
 }
 
-TEST_P(TransportArtwork, EveryPixelIsWhatTheNumbersOfTheLayersGive) {
+TEST_P(OVTransportArtworkTest, EveryPixelIsWhatTheNumbersOfTheLayersGive) {
   for (const bool highlighted : {false, true}) {
     const QImage picture = draw(drawBezelWithFrame, highlighted);
     const BezelModel model(QRectF(0.0, 0.0, kWidth, kHeight), highlighted, kPaper, ratio());
@@ -113,7 +113,7 @@ TEST_P(TransportArtwork, EveryPixelIsWhatTheNumbersOfTheLayersGive) {
   }
 }
 
-TEST_P(TransportArtwork, TheHighlightedBezelIsDarkerThroughout) {
+TEST_P(OVTransportArtworkTest, TheHighlightedBezelIsDarkerThroughout) {
   const QImage normal = draw(drawBezelWithFrame, false);
   const QImage highlighted = draw(drawBezelWithFrame, true);
   for (int y = 3; y < 29; ++y) {
@@ -121,7 +121,7 @@ TEST_P(TransportArtwork, TheHighlightedBezelIsDarkerThroughout) {
   }
 }
 
-TEST_P(TransportArtwork, TheBorderIsOnePointWideAroundTheInsetOfOneAndAHalf) {
+TEST_P(OVTransportArtworkTest, TheBorderIsOnePointWideAroundTheInsetOfOneAndAHalf) {
   for (const bool highlighted : {false, true}) {
     const QImage picture = draw(drawBezelWithFrame, highlighted);
     EXPECT_NEAR(grey(picture, 23.0, 1.0), level(0.45), 1);
@@ -136,7 +136,7 @@ TEST_P(TransportArtwork, TheBorderIsOnePointWideAroundTheInsetOfOneAndAHalf) {
   }
 }
 
-TEST_P(TransportArtwork, TheSeparatorRunsAlongTheTopOfTheNormalBezelOnly) {
+TEST_P(OVTransportArtworkTest, TheSeparatorRunsAlongTheTopOfTheNormalBezelOnly) {
   const QImage normal = draw(drawBezelWithFrame, false);
   for (const double x : {2.0, 23.0, 43.0}) {
     EXPECT_NEAR(grey(normal, x, 0.0), level(0.45), 1) << "x " << x;
@@ -146,7 +146,7 @@ TEST_P(TransportArtwork, TheSeparatorRunsAlongTheTopOfTheNormalBezelOnly) {
   EXPECT_EQ(grey(draw(drawBezelWithFrame, true), 23.0, 0.0), 128);
 }
 
-TEST_P(TransportArtwork, PressingNeverShiftsTheShape) {
+TEST_P(OVTransportArtworkTest, PressingNeverShiftsTheShape) {
   for (const DrawBezel drawBezel :
        {drawBezelWithFrame, drawLeftTypeButtonWithFrame, drawRightTypeButtonWithFrame}) {
     const QImage normal = draw(drawBezel, false, Qt::transparent);
@@ -160,7 +160,7 @@ TEST_P(TransportArtwork, PressingNeverShiftsTheShape) {
   }
 }
 
-TEST_P(TransportArtwork, TheRoundTypesMatchThePlainBezelInEveryRow) {
+TEST_P(OVTransportArtworkTest, TheRoundTypesMatchThePlainBezelInEveryRow) {
   for (const bool highlighted : {false, true}) {
     const QImage plain = draw(drawBezelWithFrame, highlighted);
     for (const DrawBezel drawBezel : {drawLeftTypeButtonWithFrame, drawRightTypeButtonWithFrame}) {
@@ -174,7 +174,7 @@ TEST_P(TransportArtwork, TheRoundTypesMatchThePlainBezelInEveryRow) {
   }
 }
 
-TEST_P(TransportArtwork, TheLeftTypeHasASmallCornerOnTheRightAndAHalfCircleOnTheLeft) {
+TEST_P(OVTransportArtworkTest, TheLeftTypeHasASmallCornerOnTheRightAndAHalfCircleOnTheLeft) {
   const QImage picture = draw(drawLeftTypeButtonWithFrame, false, Qt::transparent);
   const auto alpha = [&](double x, double y) {
     return picture.pixelColor(static_cast<int>(x * ratio()), static_cast<int>(y * ratio())).alpha();
@@ -195,7 +195,7 @@ TEST_P(TransportArtwork, TheLeftTypeHasASmallCornerOnTheRightAndAHalfCircleOnThe
   EXPECT_GT(alpha(42.0, 28.0), 200);
 }
 
-TEST_P(TransportArtwork, TheRoundTypesShowNoSeam) {
+TEST_P(OVTransportArtworkTest, TheRoundTypesShowNoSeam) {
   for (const bool highlighted : {false, true}) {
     const QImage picture = draw(drawLeftTypeButtonWithFrame, highlighted);
     for (const double y : {9.0, 13.0, 16.0, 21.0, 24.0}) {
@@ -208,7 +208,7 @@ TEST_P(TransportArtwork, TheRoundTypesShowNoSeam) {
   }
 }
 
-TEST_P(TransportArtwork, TheRightTypeMirrorsTheLeftType) {
+TEST_P(OVTransportArtworkTest, TheRightTypeMirrorsTheLeftType) {
   for (const bool highlighted : {false, true}) {
     const QImage left = draw(drawLeftTypeButtonWithFrame, highlighted);
     const QImage right = draw(drawRightTypeButtonWithFrame, highlighted).mirrored(true, false);
@@ -221,7 +221,7 @@ TEST_P(TransportArtwork, TheRightTypeMirrorsTheLeftType) {
   }
 }
 
-TEST_P(TransportArtwork, TheArtworkStretchesWithItsFrameButKeepsItsSmallMeasures) {
+TEST_P(OVTransportArtworkTest, TheArtworkStretchesWithItsFrameButKeepsItsSmallMeasures) {
   QImage picture = makePicture(QSize(80, 60), ratio(), QColor::fromRgbF(0.5F, 0.5F, 0.5F));
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::Antialiasing);
@@ -237,7 +237,7 @@ TEST_P(TransportArtwork, TheArtworkStretchesWithItsFrameButKeepsItsSmallMeasures
   EXPECT_GT(grey(picture, 40.0, 13.0), grey(picture, 40.0, 13.0 - 1.0 / ratio()) + 5);
 }
 
-TEST_P(TransportArtwork, AFrameTooSmallForTheInsetsIsDrawnWithoutHarm) {
+TEST_P(OVTransportArtworkTest, AFrameTooSmallForTheInsetsIsDrawnWithoutHarm) {
   for (const double side : {0.0, 1.0, 2.0, 3.0, 4.0, 5.0, 7.9}) {
     for (const DrawBezel drawBezel :
          {drawBezelWithFrame, drawLeftTypeButtonWithFrame, drawRightTypeButtonWithFrame}) {
@@ -254,7 +254,7 @@ TEST_P(TransportArtwork, AFrameTooSmallForTheInsetsIsDrawnWithoutHarm) {
   }
 }
 
-TEST_P(TransportArtwork, ThePainterIsLeftAsItWas) {
+TEST_P(OVTransportArtworkTest, ThePainterIsLeftAsItWas) {
   QImage picture = makePicture(QSize(46, 32), ratio(), Qt::white);
   QPainter painter(&picture);
   painter.setPen(QPen(Qt::red, 7.0));
@@ -266,6 +266,6 @@ TEST_P(TransportArtwork, ThePainterIsLeftAsItWas) {
   EXPECT_EQ(painter.compositionMode(), QPainter::CompositionMode_SourceOver);
 }
 
-INSTANTIATE_TEST_SUITE_P(AtOneAndTwoPixelsAPoint, TransportArtwork, testing::Values(1, 2));
+INSTANTIATE_TEST_SUITE_P(AtOneAndTwoPixelsAPoint, OVTransportArtworkTest, testing::Values(1, 2));
 
 }  // namespace

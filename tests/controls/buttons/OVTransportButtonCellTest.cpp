@@ -25,7 +25,7 @@ QImage expectedBezel(DrawBezel drawBezel, bool highlighted, int ratio) {
   return picture;
 }
 
-class TransportButtonCell : public testing::TestWithParam<int> {
+class OVTransportButtonCellTest : public testing::TestWithParam<int> {
  protected:
   [[nodiscard]] static int ratio() { return GetParam(); }
 
@@ -48,19 +48,19 @@ class TransportButtonCell : public testing::TestWithParam<int> {
   }
 };
 
-TEST_P(TransportButtonCell, ThePlainOneWearsThePlainBezelInBothStates) {
+TEST_P(OVTransportButtonCellTest, ThePlainOneWearsThePlainBezelInBothStates) {
   expectBezel<OVTransportButtonCell>(drawBezelWithFrame);
 }
 
-TEST_P(TransportButtonCell, TheLeftOneHasARoundLeftEnd) {
+TEST_P(OVTransportButtonCellTest, TheLeftOneHasARoundLeftEnd) {
   expectBezel<OVLeftTransportButtonCell>(drawLeftTypeButtonWithFrame);
 }
 
-TEST_P(TransportButtonCell, TheRightOneHasARoundRightEnd) {
+TEST_P(OVTransportButtonCellTest, TheRightOneHasARoundRightEnd) {
   expectBezel<OVRightTransportButtonCell>(drawRightTypeButtonWithFrame);
 }
 
-TEST_P(TransportButtonCell, TheBezelGoesIntoTheFrameThatItIsGiven) {
+TEST_P(OVTransportButtonCellTest, TheBezelGoesIntoTheFrameThatItIsGiven) {
   const OVTransportButtonCell cell;
   QImage picture = makePicture({80, 60}, ratio(), kPaper);
   QPainter painter(&picture);
@@ -73,7 +73,7 @@ TEST_P(TransportButtonCell, TheBezelGoesIntoTheFrameThatItIsGiven) {
   EXPECT_EQ(picture.pixelColor(frame.topLeft() - QPoint(1, 1)), kPaper);
 }
 
-TEST_P(TransportButtonCell, ItsTextIsDarkWhateverTheDesktopsColours) {
+TEST_P(OVTransportButtonCellTest, ItsTextIsDarkWhateverTheDesktopsColours) {
   for (const QColor& desktopText : {QColor(Qt::white), QColor(Qt::black)}) {
     OVTransportButtonCell cell(QStringLiteral("MMM"));
     QPalette palette;
@@ -89,7 +89,7 @@ TEST_P(TransportButtonCell, ItsTextIsDarkWhateverTheDesktopsColours) {
   }
 }
 
-TEST_P(TransportButtonCell, DisabledItsTextIsFainter) {
+TEST_P(OVTransportButtonCellTest, DisabledItsTextIsFainter) {
   OVTransportButtonCell cell(QStringLiteral("MMM"));
   cell.resize(kSize);
   const QImage bezel = expectedBezel(drawBezelWithFrame, false, ratio());
@@ -98,15 +98,15 @@ TEST_P(TransportButtonCell, DisabledItsTextIsFainter) {
   EXPECT_NEAR(meanDistance(drawn(cell), bezel), enabled / 2.0, enabled * 0.1);
 }
 
-INSTANTIATE_TEST_SUITE_P(AtOneAndTwoPixelsAPoint, TransportButtonCell, testing::Values(1, 2));
+INSTANTIATE_TEST_SUITE_P(AtOneAndTwoPixelsAPoint, OVTransportButtonCellTest, testing::Values(1, 2));
 
-TEST(TransportButtonCellUse, OnlyThePlainOneSaysThatItIsOpaque) {
+TEST(OVTransportButtonCellUseTest, OnlyThePlainOneSaysThatItIsOpaque) {
   EXPECT_TRUE(OVTransportButtonCell().isOpaque());
   EXPECT_FALSE(OVLeftTransportButtonCell().isOpaque());
   EXPECT_FALSE(OVRightTransportButtonCell().isOpaque());
 }
 
-TEST(TransportButtonCellUse, TheMouseAndTheKeyboardPressItAsAnyPlatformButton) {
+TEST(OVTransportButtonCellUseTest, TheMouseAndTheKeyboardPressItAsAnyPlatformButton) {
   ControlsWindow window;
   auto* const cell = new OVTransportButtonCell(window.bar());
   cell->setGeometry(57, 13, 46, 32);
@@ -124,7 +124,7 @@ TEST(TransportButtonCellUse, TheMouseAndTheKeyboardPressItAsAnyPlatformButton) {
   EXPECT_EQ(clicks.count(), 2);
 }
 
-TEST(TransportButtonCellUse, AButtonTooSmallForTheInsetsIsDrawnWithoutHarm) {
+TEST(OVTransportButtonCellUseTest, AButtonTooSmallForTheInsetsIsDrawnWithoutHarm) {
   OVTransportButtonCell cell;
   for (const int side : {1, 3, 7}) {
     cell.resize(side, side);
@@ -132,7 +132,7 @@ TEST(TransportButtonCellUse, AButtonTooSmallForTheInsetsIsDrawnWithoutHarm) {
   }
 }
 
-TEST(TransportButtonCellUse, AssistiveTechnologySeesAButtonThatCanBePressed) {
+TEST(OVTransportButtonCellUseTest, AssistiveTechnologySeesAButtonThatCanBePressed) {
   OVTransportButtonCell cell(QStringLiteral("Stop"));
   auto* const accessible = QAccessible::queryAccessibleInterface(&cell);
   ASSERT_NE(accessible, nullptr);

@@ -20,7 +20,7 @@ QColor plusDarker(const QColor& below, const QColor& icon) {
                 channel(below.blue(), icon.blue()));
 }
 
-class TransportButton : public testing::TestWithParam<int> {
+class OVTransportButtonTest : public testing::TestWithParam<int> {
  protected:
   void SetUp() override {
     button_ = new OVTransportButton(window_.bar());
@@ -64,23 +64,23 @@ QColor atHalf(const QColor& below, const QColor& icon) {
   return blended(below, icon, icon.alphaF() * 0.5);
 }
 
-TEST_P(TransportButton, AnEnabledButtonShowsItsIconAsItIs) {
+TEST_P(OVTransportButtonTest, AnEnabledButtonShowsItsIconAsItIs) {
   expectIcon("rec_on.png", atFull);
 }
 
-TEST_P(TransportButton, ADisabledButtonShowsItsIconAtHalfOpacityOnOrOff) {
+TEST_P(OVTransportButtonTest, ADisabledButtonShowsItsIconAtHalfOpacityOnOrOff) {
   button_->setEnabled(false);
   expectIcon("rec_on.png", atHalf);
   button_->setIsOn(true);
   expectIcon("rec_on.png", atHalf);
 }
 
-TEST_P(TransportButton, AHighlightedButtonThatIsOffShowsItsIconUnchanged) {
+TEST_P(OVTransportButtonTest, AHighlightedButtonThatIsOffShowsItsIconUnchanged) {
   button_->setIsHighlighted(true);
   expectIcon("rec_on.png", atFull);
 }
 
-TEST_P(TransportButton, AHighlightedButtonThatIsOnDarkensItsIcon) {
+TEST_P(OVTransportButtonTest, AHighlightedButtonThatIsOnDarkensItsIcon) {
   button_->setIsHighlighted(true);
   button_->setIsOn(true);
   expectIcon("rec_on.png", plusDarker);
@@ -88,7 +88,7 @@ TEST_P(TransportButton, AHighlightedButtonThatIsOnDarkensItsIcon) {
   expectIcon("rec_on.png", plusDarker);
 }
 
-TEST_P(TransportButton, AlphaIsTheOpacityOfTheIconWhileOn) {
+TEST_P(OVTransportButtonTest, AlphaIsTheOpacityOfTheIconWhileOn) {
   EXPECT_EQ(button_->alpha(), 1.0);
   button_->setAlpha(0.25);
   expectIcon("stop.png", atFull);  // off
@@ -98,7 +98,7 @@ TEST_P(TransportButton, AlphaIsTheOpacityOfTheIconWhileOn) {
   });
 }
 
-TEST_P(TransportButton, TheOnStateChoosesTheImage) {
+TEST_P(OVTransportButtonTest, TheOnStateChoosesTheImage) {
   button_->setOnImage(QStringLiteral("rec_on.png"));
   button_->setOffImage(QStringLiteral("stop.png"));
   const QPoint centre = QPoint(23, 16) * ratio();
@@ -107,13 +107,13 @@ TEST_P(TransportButton, TheOnStateChoosesTheImage) {
   EXPECT_GT(window_.picture(button_, ratio()).pixelColor(centre).red(), 200);
 }
 
-TEST_P(TransportButton, AnUnknownImageLeavesTheBezelAlone) {
+TEST_P(OVTransportButtonTest, AnUnknownImageLeavesTheBezelAlone) {
   const QImage bezel = window_.picture(button_, ratio());
   button_->setOffImage(QStringLiteral("missing.png"));
   EXPECT_EQ(window_.picture(button_, ratio()), bezel);
 }
 
-TEST_P(TransportButton, TheBezelCoversExactlyTheButtonInTheBar) {
+TEST_P(OVTransportButtonTest, TheBezelCoversExactlyTheButtonInTheBar) {
   for (const bool highlighted : {false, true}) {
     button_->hide();
     QImage expected = window_.picture(window_.bar(), ratio());
@@ -130,12 +130,12 @@ TEST_P(TransportButton, TheBezelCoversExactlyTheButtonInTheBar) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(AtOneAndTwoPixelsAPoint, TransportButton, testing::Values(1, 2));
+INSTANTIATE_TEST_SUITE_P(AtOneAndTwoPixelsAPoint, OVTransportButtonTest, testing::Values(1, 2));
 
 // Where points and pixels do not meet, an icon covers the pixels at its edges in part.
-class TransportButtonBetweenPixels : public testing::TestWithParam<double> {
+class OVTransportButtonBetweenPixelsTest : public testing::TestWithParam<double> {
  protected:
-  TransportButtonBetweenPixels() : button_(new OVTransportButton(window_.bar())) {
+  OVTransportButtonBetweenPixelsTest() : button_(new OVTransportButton(window_.bar())) {
     button_->setGeometry(kFrame);
   }
 
@@ -180,26 +180,26 @@ class TransportButtonBetweenPixels : public testing::TestWithParam<double> {
   OVTransportButton* button_;
 };
 
-TEST_P(TransportButtonBetweenPixels, AnEnabledButtonBlendsItsIconWithTheBezelAndNothingElse) {
+TEST_P(OVTransportButtonBetweenPixelsTest, AnEnabledButtonBlendsItsIconWithTheBezelAndNothingElse) {
   expectIcon(QStringLiteral("rec_on.png"), atFull);
 }
 
-TEST_P(TransportButtonBetweenPixels, ADisabledButtonShowsItsIconAtHalfOpacity) {
+TEST_P(OVTransportButtonBetweenPixelsTest, ADisabledButtonShowsItsIconAtHalfOpacity) {
   button_->setEnabled(false);
   expectIcon(QStringLiteral("rec_on.png"), atHalf);
 }
 
-TEST_P(TransportButtonBetweenPixels, AHighlightedButtonThatIsOnDarkensItsIconAndNothingElse) {
+TEST_P(OVTransportButtonBetweenPixelsTest, AHighlightedButtonThatIsOnDarkensItsIconAndNothingElse) {
   button_->setIsHighlighted(true);
   button_->setIsOn(true);
   expectIcon(QStringLiteral("rec_on.png"), plusDarker);
   expectIcon(QStringLiteral("stop.png"), plusDarker);
 }
 
-INSTANTIATE_TEST_SUITE_P(AtScaleFactors, TransportButtonBetweenPixels,
+INSTANTIATE_TEST_SUITE_P(AtScaleFactors, OVTransportButtonBetweenPixelsTest,
                          testing::Values(1.0, 1.25, 1.5, 1.75, 2.0));
 
-TEST(TransportButtonFields, TheImageGettersStayEmpty) {
+TEST(OVTransportButtonFieldsTest, TheImageGettersStayEmpty) {
   OVTransportButton button;
   button.setOnImage(QStringLiteral("stop.png"));
   button.setOffImage(QStringLiteral("stop.png"));
@@ -208,7 +208,7 @@ TEST(TransportButtonFields, TheImageGettersStayEmpty) {
   EXPECT_FALSE(button.isFlipped());
 }
 
-TEST(TransportButtonFields, SettingAnImageOrAlphaDoesNotRedraw) {
+TEST(OVTransportButtonFieldsTest, SettingAnImageOrAlphaDoesNotRedraw) {
   ControlsWindow window;
   OVTransportButton button(window.bar());
   button.setGeometry(kFrame);

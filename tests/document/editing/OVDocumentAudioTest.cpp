@@ -6,7 +6,7 @@
 
 #include "support/fakes/MemoryTestBuffer.h"
 
-TEST(OVDocumentAudio, WithoutABufferEveryLengthIsZero) {
+TEST(OVDocumentAudioTest, WithoutABufferEveryLengthIsZero) {
   const OVDocumentAudio audio;
   EXPECT_EQ(audio.buffer(), nullptr);
   EXPECT_EQ(audio.bytesPerFrame(), 0U);
@@ -15,7 +15,7 @@ TEST(OVDocumentAudio, WithoutABufferEveryLengthIsZero) {
   EXPECT_EQ(audio.fractionOfFrames(10), 0.0);
 }
 
-TEST(OVDocumentAudio, LengthsAreThoseOfTheBuffer) {
+TEST(OVDocumentAudioTest, LengthsAreThoseOfTheBuffer) {
   const auto buffer = std::make_shared<MemoryTestBuffer>();
   buffer->append(std::vector<float>(2 * 1000));
   OVDocumentAudio audio;
@@ -27,7 +27,7 @@ TEST(OVDocumentAudio, LengthsAreThoseOfTheBuffer) {
   EXPECT_DOUBLE_EQ(audio.fractionOfFrames(250), 0.25);
 }
 
-TEST(OVDocumentAudio, TheMarkerOfAnEmptyBufferIsAtTheStart) {
+TEST(OVDocumentAudioTest, TheMarkerOfAnEmptyBufferIsAtTheStart) {
   OVDocumentAudio audio;
   audio.setBuffer(std::make_shared<MemoryTestBuffer>());
   EXPECT_EQ(audio.fractionOfFrames(5), 0.0);

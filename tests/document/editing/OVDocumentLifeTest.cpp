@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(OVDocumentLife, AGuardedCallbackRunsWithItsArgumentsWhileTheDocumentIsThere) {
+TEST(OVDocumentLifeTest, AGuardedCallbackRunsWithItsArgumentsWhileTheDocumentIsThere) {
   const auto document = std::make_shared<int>(0);
   OVDocumentLife life;
   life.begin(document);
@@ -12,7 +12,7 @@ TEST(OVDocumentLife, AGuardedCallbackRunsWithItsArgumentsWhileTheDocumentIsThere
   EXPECT_EQ(sum, 3);
 }
 
-TEST(OVDocumentLife, ItDoesNothingOnceTheDocumentHasGone) {
+TEST(OVDocumentLifeTest, ItDoesNothingOnceTheDocumentHasGone) {
   auto document = std::make_shared<int>(0);
   OVDocumentLife life;
   life.begin(document);
@@ -23,7 +23,7 @@ TEST(OVDocumentLife, ItDoesNothingOnceTheDocumentHasGone) {
   EXPECT_FALSE(called);
 }
 
-TEST(OVDocumentLife, TheDocumentIsKeptForAsLongAsTheCallbackRuns) {
+TEST(OVDocumentLifeTest, TheDocumentIsKeptForAsLongAsTheCallbackRuns) {
   auto document = std::make_shared<int>(0);
   const std::weak_ptr<int> observed = document;
   OVDocumentLife life;

@@ -6,7 +6,7 @@
 
 using State = OVFileOperation::State;
 
-TEST(OVFileOperation, EachStateIsWhatItsNameSays) {
+TEST(OVFileOperationTest, EachStateIsWhatItsNameSays) {
   struct Row {
     State state;
     bool active, loading, writing;
@@ -28,7 +28,7 @@ TEST(OVFileOperation, EachStateIsWhatItsNameSays) {
   }
 }
 
-TEST(OVFileOperation, TheHandlerFindsTheNewState) {
+TEST(OVFileOperationTest, TheHandlerFindsTheNewState) {
   OVFileOperation operation;
   std::vector<State> seen;
   operation.setChangeHandler([&] { seen.push_back(operation.state()); });

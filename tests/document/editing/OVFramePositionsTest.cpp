@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <thread>
 
-TEST(OVFramePositions, AreZeroAtFirstAndIndependent) {
+TEST(OVFramePositionsTest, AreZeroAtFirstAndIndependent) {
   OVFramePositions positions;
   EXPECT_EQ(positions.playback(), 0U);
   EXPECT_EQ(positions.recording(), 0U);
@@ -16,7 +16,7 @@ TEST(OVFramePositions, AreZeroAtFirstAndIndependent) {
   EXPECT_EQ(positions.recording(), UINT64_MAX);
 }
 
-TEST(OVFramePositions, MayBeSetAndReadByManyThreads) {
+TEST(OVFramePositionsTest, MayBeSetAndReadByManyThreads) {
   OVFramePositions positions;
   constexpr std::uint64_t kHigh = std::uint64_t{0xABCD} << 48;
   {

@@ -4,7 +4,7 @@
 
 #include "controls/OVRecorderWindow.h"
 
-TEST(OVDocumentFile, ANewDocumentHasNoFileAndIsCalledUnnamed) {
+TEST(OVDocumentFileTest, ANewDocumentHasNoFileAndIsCalledUnnamed) {
   OVRecorderWindow window;
   OVDocumentFile file;
   file.connect(&window);
@@ -17,7 +17,7 @@ TEST(OVDocumentFile, ANewDocumentHasNoFileAndIsCalledUnnamed) {
   EXPECT_TRUE(file.folder().empty());
 }
 
-TEST(OVDocumentFile, TheTitleNamesTheFileAlsoOneThatLooksLikeAPlaceholder) {
+TEST(OVDocumentFileTest, TheTitleNamesTheFileAlsoOneThatLooksLikeAPlaceholder) {
   OVRecorderWindow window;
   OVDocumentFile file;
   file.connect(&window);
@@ -32,7 +32,7 @@ TEST(OVDocumentFile, TheTitleNamesTheFileAlsoOneThatLooksLikeAPlaceholder) {
   EXPECT_FALSE(file.canBeSaved());
 }
 
-TEST(OVDocumentFile, AnOpenedFileIsOfferedInItsOwnKindWhereThatCanBeWritten) {
+TEST(OVDocumentFileTest, AnOpenedFileIsOfferedInItsOwnKindWhereThatCanBeWritten) {
   OVDocumentFile file;
   file.setName("/music/take.CAF");
   EXPECT_EQ(file.suggestedType(), 2);

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 constexpr std::uint64_t kBytesPerFrame = 8;
 constexpr std::uint64_t kPageFrames = 512;  // what a disk loses at least: 4 KiB
 
-class OVSaveJobTest : public DocumentFileTest {
+class OVSaveJobTest : public DocumentFileFixture {
  protected:
   OVSaveJob::Outcome save(std::uint64_t frames) {
     return OVSaveJob::run({.buffer = audio_,

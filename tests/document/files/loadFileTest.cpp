@@ -16,7 +16,7 @@ using testing::DoubleNear;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class LoadFileTest : public testing::Test {
+class loadFileTest : public testing::Test {
  protected:
   std::shared_ptr<OVAudioFileReader> reader(std::size_t frames) {
     storage_.setBytes(support::wavBytes(44100, 2, 16, std::string(4 * frames, 'x')));
@@ -51,24 +51,24 @@ class LoadFileTest : public testing::Test {
   std::vector<double> steps_;
 };
 
-TEST_F(LoadFileTest, AFileShorterThanAChunkIsOneStepOfMoreThanTheWholeBar) {
+TEST_F(loadFileTest, AFileShorterThanAChunkIsOneStepOfMoreThanTheWholeBar) {
   EXPECT_EQ(run(1000).endOffset, 80 + 8 * 1000U);
   EXPECT_THAT(offsets_, ElementsAre(80 + 8 * 1000U));
   EXPECT_THAT(steps_, ElementsAre(DoubleNear(264.6, 1e-9)));
 }
 
-TEST_F(LoadFileTest, AnEmptyFileIsNoStep) {
+TEST_F(loadFileTest, AnEmptyFileIsNoStep) {
   EXPECT_EQ(run(0).endOffset, 80U);
   EXPECT_THAT(steps_, IsEmpty());
 }
 
-TEST_F(LoadFileTest, ACancelEndsItBehindTheChunkThatIsStored) {
+TEST_F(loadFileTest, ACancelEndsItBehindTheChunkThatIsStored) {
   cancelAfter_ = 1;
   EXPECT_EQ(run(3 * kLoadChunkFrames).endOffset, 80 + 8 * kLoadChunkFrames);
   EXPECT_THAT(services_->alerts(), IsEmpty());
 }
 
-TEST_F(LoadFileTest, AChunkThatStorageDidNotTakeIsNotCounted) {
+TEST_F(loadFileTest, AChunkThatStorageDidNotTakeIsNotCounted) {
   writeError_ = ENOSPC;
   const auto outcome = run(2 * kLoadChunkFrames);
   EXPECT_EQ(outcome.endOffset, 80U);

@@ -33,13 +33,13 @@ std::vector<int> next(OVRecordedChunk& chunk) {
 
 }  // namespace
 
-TEST(OVRecordedChunk, HasNothingToGiveAtFirst) {
+TEST(OVRecordedChunkTest, HasNothingToGiveAtFirst) {
   OVRecordedChunk chunk;
   EXPECT_THAT(next(chunk), IsEmpty());
   EXPECT_THAT(chunk.fft_data(), IsEmpty());
 }
 
-TEST(OVRecordedChunk, IsConsumedInFourQuartersAndStartsAgainWithTheFifth) {
+TEST(OVRecordedChunkTest, IsConsumedInFourQuartersAndStartsAgainWithTheFifth) {
   OVRecordedChunk chunk;
   capture(chunk, countingBytes(12));
   EXPECT_THAT(next(chunk), ElementsAre(0, 1, 2));
@@ -49,7 +49,7 @@ TEST(OVRecordedChunk, IsConsumedInFourQuartersAndStartsAgainWithTheFifth) {
   EXPECT_THAT(next(chunk), ElementsAre(0, 1, 2));
 }
 
-TEST(OVRecordedChunk, ANewChunkOfTheSameSizeStartsAtItsBeginning) {
+TEST(OVRecordedChunkTest, ANewChunkOfTheSameSizeStartsAtItsBeginning) {
   OVRecordedChunk chunk;
   capture(chunk, countingBytes(8));
   EXPECT_THAT(next(chunk), ElementsAre(0, 1));
@@ -58,7 +58,7 @@ TEST(OVRecordedChunk, ANewChunkOfTheSameSizeStartsAtItsBeginning) {
   EXPECT_THAT(next(chunk), ElementsAre(102, 103));
 }
 
-TEST(OVRecordedChunk, ANewChunkMayBeSmallerOrLarger) {
+TEST(OVRecordedChunkTest, ANewChunkMayBeSmallerOrLarger) {
   OVRecordedChunk chunk;
   capture(chunk, countingBytes(16));
   EXPECT_THAT(next(chunk), ElementsAre(0, 1, 2, 3));
@@ -69,7 +69,7 @@ TEST(OVRecordedChunk, ANewChunkMayBeSmallerOrLarger) {
   EXPECT_EQ(chunk.fft_data().size(), 20U);
 }
 
-TEST(OVRecordedChunk, KeepsACopyOfItsOwn) {
+TEST(OVRecordedChunkTest, KeepsACopyOfItsOwn) {
   OVRecordedChunk chunk;
   auto bytes = countingBytes(4);
   capture(chunk, bytes);
@@ -78,7 +78,7 @@ TEST(OVRecordedChunk, KeepsACopyOfItsOwn) {
               ElementsAre(std::byte{0}, std::byte{1}, std::byte{2}, std::byte{3}));
 }
 
-TEST(OVRecordedChunk, NeverReadsPastTheEndOfAChunkThatHasNoWholeQuarters) {
+TEST(OVRecordedChunkTest, NeverReadsPastTheEndOfAChunkThatHasNoWholeQuarters) {
   OVRecordedChunk chunk;
   capture(chunk, countingBytes(10));
   EXPECT_THAT(next(chunk), ElementsAre(0, 1));
@@ -103,7 +103,7 @@ TEST(OVRecordedChunk, NeverReadsPastTheEndOfAChunkThatHasNoWholeQuarters) {
   EXPECT_THAT(next(chunk), ElementsAre(0, 1));
 }
 
-TEST(OVRecordedChunk, OfFewerThanFourBytesHasEmptyQuarters) {
+TEST(OVRecordedChunkTest, OfFewerThanFourBytesHasEmptyQuarters) {
   OVRecordedChunk chunk;
   for (const std::size_t size : {0U, 1U, 3U}) {
     capture(chunk, countingBytes(size));
@@ -112,7 +112,7 @@ TEST(OVRecordedChunk, OfFewerThanFourBytesHasEmptyQuarters) {
   }
 }
 
-TEST(OVRecordedChunk, NeverMixesTwoChunksWhileTheyAreReplaced) {
+TEST(OVRecordedChunkTest, NeverMixesTwoChunksWhileTheyAreReplaced) {
   OVRecordedChunk chunk;
   std::atomic<bool> done = false;
   std::thread writer([&] {

@@ -62,14 +62,14 @@ std::span<const float> analyse(OVSpectrumAnalyser& analyser, const std::vector<f
                                 static_cast<std::uint32_t>(samples.size() * sizeof(float)));
 }
 
-class SpectrumAnalyser : public testing::Test {
+class OVSpectrumAnalyserTest : public testing::Test {
  protected:
   std::unique_ptr<OVSpectrumAnalyser> analyser_ = OVSpectrumAnalyser::create();
 };
 
 }  // namespace
 
-TEST_F(SpectrumAnalyser, TransformsFourThousandAndNinetySixPoints) {
+TEST_F(OVSpectrumAnalyserTest, TransformsFourThousandAndNinetySixPoints) {
   ASSERT_TRUE(analyser_);
   EXPECT_EQ(analyser_->fft_log2n(), 12);
   EXPECT_THAT(analyser_->fft_inputReal(), SizeIs(2 * kLength));
@@ -78,7 +78,7 @@ TEST_F(SpectrumAnalyser, TransformsFourThousandAndNinetySixPoints) {
 
 // Stored audio ----------------------------------------------------------------------------------
 
-TEST_F(SpectrumAnalyser, StoredAudioGivesTheFirstChannelOfTheFramesFromThePosition) {
+TEST_F(OVSpectrumAnalyserTest, StoredAudioGivesTheFirstChannelOfTheFramesFromThePosition) {
   constexpr std::size_t kPosition = 1000;
   MemoryTestBuffer buffer(noise(2 * (kPosition + kLength + 500)));
   const auto magnitudes = analyser_->doFFT(&buffer, kPosition);
@@ -87,7 +87,7 @@ TEST_F(SpectrumAnalyser, StoredAudioGivesTheFirstChannelOfTheFramesFromThePositi
   EXPECT_FALSE(analyser_->doingfft());
 }
 
-TEST_F(SpectrumAnalyser, StoredAudioIsReadOnceAsWholeFrames) {
+TEST_F(OVSpectrumAnalyserTest, StoredAudioIsReadOnceAsWholeFrames) {
   MemoryTestBuffer buffer(noise(kFloatsRead));
   static_cast<void>(analyser_->doFFT(&buffer, 7));
   ASSERT_THAT(buffer.reads(), SizeIs(1));
@@ -95,7 +95,7 @@ TEST_F(SpectrumAnalyser, StoredAudioIsReadOnceAsWholeFrames) {
   EXPECT_EQ(buffer.reads()[0].byteCount, 8U * kLength);
 }
 
-TEST_F(SpectrumAnalyser, TheSecondChannelOfStoredAudioDoesNotCount) {
+TEST_F(OVSpectrumAnalyserTest, TheSecondChannelOfStoredAudioDoesNotCount) {
   std::vector<float> floats(kFloatsRead);
   for (std::size_t i = 1; i < floats.size(); i += 2) {
     floats[i] = 1.0F;
@@ -104,7 +104,7 @@ TEST_F(SpectrumAnalyser, TheSecondChannelOfStoredAudioDoesNotCount) {
   EXPECT_THAT(analyser_->doFFT(&buffer, 0), Each(0.0F));
 }
 
-TEST_F(SpectrumAnalyser, AToneOfFullScaleGivesHalfTheLengthOverSixtyFourInItsBinAlone) {
+TEST_F(OVSpectrumAnalyserTest, AToneOfFullScaleGivesHalfTheLengthOverSixtyFourInItsBinAlone) {
   std::vector<float> floats(kFloatsRead);
   for (std::size_t i = 0; i < kLength; ++i) {
     const double angle = 2.0 * std::numbers::pi * 100.0 * static_cast<double>(i) / 4096.0;
@@ -118,7 +118,7 @@ TEST_F(SpectrumAnalyser, AToneOfFullScaleGivesHalfTheLengthOverSixtyFourInItsBin
   }
 }
 
-TEST_F(SpectrumAnalyser, AtTheEndOfTheAudioTheRestIsSilence) {
+TEST_F(OVSpectrumAnalyserTest, AtTheEndOfTheAudioTheRestIsSilence) {
   MemoryTestBuffer loud(noise(kFloatsRead, 2));
   static_cast<void>(analyser_->doFFT(&loud, 0));
   MemoryTestBuffer buffer(noise(2 * 3000));
@@ -129,19 +129,19 @@ TEST_F(SpectrumAnalyser, AtTheEndOfTheAudioTheRestIsSilence) {
   EXPECT_GT(magnitudes[1], 0.0F);
 }
 
-TEST_F(SpectrumAnalyser, BehindTheEndOfTheAudioThereIsSilence) {
+TEST_F(OVSpectrumAnalyserTest, BehindTheEndOfTheAudioThereIsSilence) {
   MemoryTestBuffer loud(noise(kFloatsRead));
   static_cast<void>(analyser_->doFFT(&loud, 0));
   EXPECT_THAT(analyser_->doFFT(&loud, kLength), AllOf(SizeIs(2048), Each(0.0F)));
 }
 
-TEST_F(SpectrumAnalyser, WithoutABufferThereIsSilence) {
+TEST_F(OVSpectrumAnalyserTest, WithoutABufferThereIsSilence) {
   MemoryTestBuffer loud(noise(kFloatsRead));
   static_cast<void>(analyser_->doFFT(&loud, 0));
   EXPECT_THAT(analyser_->doFFT(nullptr, 123), AllOf(SizeIs(2048), Each(0.0F)));
 }
 
-TEST_F(SpectrumAnalyser, TwoAnalysesOfTheSameAudioAreEqual) {
+TEST_F(OVSpectrumAnalyserTest, TwoAnalysesOfTheSameAudioAreEqual) {
   MemoryTestBuffer buffer(noise(kFloatsRead));
   const auto first = analyser_->doFFT(&buffer, 10);
   const std::vector<float> kept(first.begin(), first.end());
@@ -151,7 +151,7 @@ TEST_F(SpectrumAnalyser, TwoAnalysesOfTheSameAudioAreEqual) {
 
 // Recorded audio --------------------------------------------------------------------------------
 
-TEST_F(SpectrumAnalyser, RecordedSamplesLieAtTheEvenPlacesOfTheFirstHalf) {
+TEST_F(OVSpectrumAnalyserTest, RecordedSamplesLieAtTheEvenPlacesOfTheFirstHalf) {
   const auto samples = noise(2048);
   ASSERT_THAT(analyse(*analyser_, samples), SizeIs(512));
   const auto input = analyser_->fft_inputReal();
@@ -162,7 +162,7 @@ TEST_F(SpectrumAnalyser, RecordedSamplesLieAtTheEvenPlacesOfTheFirstHalf) {
   EXPECT_THAT(analyser_->fft_inputImaginary(), Each(0.0F));
 }
 
-TEST_F(SpectrumAnalyser, RecordedAudioGivesTheFirstFiveHundredAndTwelveBins) {
+TEST_F(OVSpectrumAnalyserTest, RecordedAudioGivesTheFirstFiveHundredAndTwelveBins) {
   const auto samples = noise(2048);
   const auto magnitudes = analyse(*analyser_, samples);
   ASSERT_THAT(magnitudes, SizeIs(512));
@@ -174,7 +174,7 @@ TEST_F(SpectrumAnalyser, RecordedAudioGivesTheFirstFiveHundredAndTwelveBins) {
   EXPECT_FALSE(analyser_->doingfft());
 }
 
-TEST_F(SpectrumAnalyser, OnlyTheFirstHalfOfAShortChunkIsRepeated) {
+TEST_F(OVSpectrumAnalyserTest, OnlyTheFirstHalfOfAShortChunkIsRepeated) {
   const auto samples = noise(20);  // 80 bytes: ten samples are looked at
   ASSERT_THAT(analyse(*analyser_, samples), SizeIs(512));
   const auto input = analyser_->fft_inputReal();
@@ -183,7 +183,7 @@ TEST_F(SpectrumAnalyser, OnlyTheFirstHalfOfAShortChunkIsRepeated) {
   }
 }
 
-TEST_F(SpectrumAnalyser, AChunkOfFewerThanEightBytesRepeatsItsFirstSample) {
+TEST_F(OVSpectrumAnalyserTest, AChunkOfFewerThanEightBytesRepeatsItsFirstSample) {
   const std::vector<float> samples{0.25F, 0.5F};
   for (const std::uint32_t size : {4U, 5U, 7U, 8U}) {
     const auto magnitudes = analyser_->doFFTwithData(samples.data(), size);
@@ -195,7 +195,7 @@ TEST_F(SpectrumAnalyser, AChunkOfFewerThanEightBytesRepeatsItsFirstSample) {
   }
 }
 
-TEST_F(SpectrumAnalyser, AChunkWithoutAWholeSampleDoesNothing) {
+TEST_F(OVSpectrumAnalyserTest, AChunkWithoutAWholeSampleDoesNothing) {
   const auto samples = noise(64);
   const auto magnitudes = analyse(*analyser_, samples);
   const std::vector<float> before(magnitudes.begin(), magnitudes.end());
@@ -207,7 +207,7 @@ TEST_F(SpectrumAnalyser, AChunkWithoutAWholeSampleDoesNothing) {
   EXPECT_EQ(analyser_->fft_inputReal()[0], samples[0]);
 }
 
-TEST_F(SpectrumAnalyser, RecordedAudioNeedsNoAlignment) {
+TEST_F(OVSpectrumAnalyserTest, RecordedAudioNeedsNoAlignment) {
   const auto samples = noise(512);
   const std::size_t size = samples.size() * sizeof(float);
   const auto aligned = analyse(*analyser_, samples);
@@ -218,7 +218,7 @@ TEST_F(SpectrumAnalyser, RecordedAudioNeedsNoAlignment) {
               testing::ElementsAreArray(expected));
 }
 
-TEST_F(SpectrumAnalyser, TheTwoAnalysesClearWhatTheOtherLeft) {
+TEST_F(OVSpectrumAnalyserTest, TheTwoAnalysesClearWhatTheOtherLeft) {
   MemoryTestBuffer loud(noise(kFloatsRead));
   static_cast<void>(analyser_->doFFT(&loud, 0));
   const std::vector<float> silence(2048);

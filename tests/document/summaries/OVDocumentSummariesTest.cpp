@@ -11,7 +11,7 @@
 
 namespace {
 
-class OVDocumentSummariesTest : public DocumentFileTest {
+class OVDocumentSummariesTest : public DocumentFileFixture {
  protected:
   using SharedGate = std::shared_ptr<support::Gate>;
 

@@ -13,7 +13,7 @@ using support::RecordedAlert;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(ApplicationServices, AnAlertIsWaitedForAndWithinAScopePosted) {
+TEST(ApplicationServicesTest, AnAlertIsWaitedForAndWithinAScopePosted) {
   const support::InstalledRecordingServices services;
   ShowModalAlert("title", "message");
   {
@@ -26,14 +26,14 @@ TEST(ApplicationServices, AnAlertIsWaitedForAndWithinAScopePosted) {
   EXPECT_THAT(services->postedAlerts(), ElementsAre(RecordedAlert{"later", ""}));
 }
 
-TEST(ApplicationServices, AnErrorIsShownByItsText) {
+TEST(ApplicationServicesTest, AnErrorIsShownByItsText) {
   const support::InstalledRecordingServices services;
   const auto error = std::make_error_code(std::errc::no_space_on_device);
   ShowErrorAlert(error);
   EXPECT_THAT(services->alerts(), ElementsAre(RecordedAlert{error.message(), ""}));
 }
 
-TEST(ApplicationServices, TheConsoleGetsFormattedLinesOfAnyLength) {
+TEST(ApplicationServicesTest, TheConsoleGetsFormattedLinesOfAnyLength) {
   const support::InstalledRecordingServices services;
   const std::string longLine(5000, 'x');
   ConsoleLog("%d of %s", 3, "four");
@@ -41,7 +41,7 @@ TEST(ApplicationServices, TheConsoleGetsFormattedLinesOfAnyLength) {
   EXPECT_THAT(services->consoleLines(), ElementsAre("3 of four", longLine));
 }
 
-TEST(ApplicationServices, WithoutAnApplicationEverythingGoesToStandardError) {
+TEST(ApplicationServicesTest, WithoutAnApplicationEverythingGoesToStandardError) {
   testing::internal::CaptureStderr();
   ShowModalAlert("title", "message");
   ConsoleLog("line");

@@ -12,7 +12,7 @@
 using platform::globalQueue;
 using platform::isMainThread;
 
-TEST(GlobalQueue, RunsBlocksOffTheMainThreadAndSeveralAtOnce) {
+TEST(GlobalQueueTest, RunsBlocksOffTheMainThreadAndSeveralAtOnce) {
   std::latch together(4);
   std::atomic<int> offMain = 0;
   for (int i = 0; i < 4; ++i) {
@@ -25,7 +25,7 @@ TEST(GlobalQueue, RunsBlocksOffTheMainThreadAndSeveralAtOnce) {
   EXPECT_EQ(offMain, 4);
 }
 
-TEST(GlobalQueue, WaitingForIdleGivesUpAtItsDeadline) {
+TEST(GlobalQueueTest, WaitingForIdleGivesUpAtItsDeadline) {
   std::latch release(1);
   globalQueue().async([&] { release.wait(); });
   EXPECT_FALSE(globalQueue().waitUntilIdle(0.01));
@@ -33,7 +33,7 @@ TEST(GlobalQueue, WaitingForIdleGivesUpAtItsDeadline) {
   EXPECT_TRUE(awaitGlobalQueue());
 }
 
-TEST(GlobalQueue, BlocksForWhichThereIsNoThreadAreRunByThoseThatAreThere) {
+TEST(GlobalQueueTest, BlocksForWhichThereIsNoThreadAreRunByThoseThatAreThere) {
   globalQueue().async([] {});
   ASSERT_TRUE(awaitGlobalQueue());
   const support::NoMoreThreads limit;

@@ -22,25 +22,25 @@ struct Guest {
   std::function<void()> atRelease;
 };
 
-TEST(GuardedPointer, IsEmptyAtFirst) {
+TEST(GuardedPointerTest, IsEmptyAtFirst) {
   EXPECT_EQ(GuardedPointer<std::shared_ptr<int>>().get(), nullptr);
   EXPECT_TRUE(GuardedPointer<std::weak_ptr<int>>().get().expired());
 }
 
-TEST(GuardedPointer, GivesWhatWasSetLast) {
+TEST(GuardedPointerTest, GivesWhatWasSetLast) {
   GuardedPointer<std::shared_ptr<int>> pointer(std::make_shared<int>(1));
   EXPECT_EQ(*pointer.get(), 1);
   pointer.set(std::make_shared<int>(2));
   EXPECT_EQ(*pointer.get(), 2);
 }
 
-TEST(GuardedPointer, ExchangeReturnsTheFormerValue) {
+TEST(GuardedPointerTest, ExchangeReturnsTheFormerValue) {
   GuardedPointer<std::shared_ptr<int>> pointer(std::make_shared<int>(1));
   EXPECT_EQ(*pointer.exchange(std::make_shared<int>(2)), 1);
   EXPECT_EQ(*pointer.get(), 2);
 }
 
-TEST(GuardedPointer, OwnsWithASharedPointerAndNotWithAWeakOne) {
+TEST(GuardedPointerTest, OwnsWithASharedPointerAndNotWithAWeakOne) {
   auto object = std::make_shared<int>(1);
   GuardedPointer<std::weak_ptr<int>> weak(object);
   {
@@ -51,7 +51,7 @@ TEST(GuardedPointer, OwnsWithASharedPointerAndNotWithAWeakOne) {
   EXPECT_TRUE(weak.get().expired());
 }
 
-TEST(GuardedPointer, ReleasesTheFormerValueOutsideTheLock) {
+TEST(GuardedPointerTest, ReleasesTheFormerValueOutsideTheLock) {
   GuardedPointer<std::shared_ptr<Guest>> pointer(std::make_shared<Guest>());
   bool isReleased = false;
   pointer.get()->atRelease = [&] {
@@ -63,7 +63,7 @@ TEST(GuardedPointer, ReleasesTheFormerValueOutsideTheLock) {
   EXPECT_TRUE(isReleased);
 }
 
-TEST(GuardedPointer, IsReadWhileOthersReplaceIt) {
+TEST(GuardedPointerTest, IsReadWhileOthersReplaceIt) {
   constexpr int kRounds = 2000;
   GuardedPointer<std::shared_ptr<int>> pointer(std::make_shared<int>(0));
   std::atomic<bool> isDone = false;

@@ -32,12 +32,12 @@ int greeting() {
   return InstalledGreeter::get()->name();
 }
 
-TEST(Installed, IsTheDefaultWithNoneInstalled) {
+TEST(InstalledTest, IsTheDefaultWithNoneInstalled) {
   EXPECT_EQ(greeting(), 0);
   EXPECT_EQ(InstalledGreeter::get(), InstalledGreeter::get()) << "made once";
 }
 
-TEST(Installed, ScopesNestAndEndWithTheDefault) {
+TEST(InstalledTest, ScopesNestAndEndWithTheDefault) {
   NamedGreeter outer(1);
   {
     const InstalledGreeter::Scope outerScope(outer);
@@ -51,7 +51,7 @@ TEST(Installed, ScopesNestAndEndWithTheDefault) {
   EXPECT_EQ(greeting(), 0);
 }
 
-TEST(Installed, ScopeOwnsWhatIsSharedWithIt) {
+TEST(InstalledTest, ScopeOwnsWhatIsSharedWithIt) {
   std::weak_ptr<Greeter> installed;
   {
     auto greeter = std::make_shared<NamedGreeter>(1);
@@ -62,7 +62,7 @@ TEST(Installed, ScopeOwnsWhatIsSharedWithIt) {
   EXPECT_TRUE(installed.expired());
 }
 
-TEST(Installed, ImplementationInUseOutlivesItsScope) {
+TEST(InstalledTest, ImplementationInUseOutlivesItsScope) {
   std::shared_ptr<Greeter> inUse;
   {
     const InstalledGreeter::Scope scope(std::make_shared<NamedGreeter>(1));
@@ -71,7 +71,7 @@ TEST(Installed, ImplementationInUseOutlivesItsScope) {
   EXPECT_EQ(inUse->name(), 1);
 }
 
-TEST(Installed, ThreadsReadItWhileScopesComeAndGo) {
+TEST(InstalledTest, ThreadsReadItWhileScopesComeAndGo) {
   std::atomic<bool> isDone = false;
   std::atomic<int> strangers = 0;
   std::vector<std::thread> readers;

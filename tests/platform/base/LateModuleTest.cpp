@@ -10,13 +10,13 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-TEST(LateModule, ThatIsMissingIsLoggedByItsName) {
+TEST(LateModuleTest, ThatIsMissingIsLoggedByItsName) {
   const support::InstalledRecordingServices services;
   EXPECT_EQ(makeFromModule<int>("orvo-there-is-none"), nullptr);
   EXPECT_THAT(services->consoleLines(), ElementsAre(HasSubstr("orvo-there-is-none")));
 }
 
-TEST(LateModule, WithoutAFactoryCountsAsMissing) {
+TEST(LateModuleTest, WithoutAFactoryCountsAsMissing) {
   const support::InstalledRecordingServices services;
   EXPECT_EQ(makeFromModule<int>("libQt6Core"), nullptr);  // a library, but none of ours
   EXPECT_THAT(services->consoleLines(), ElementsAre(HasSubstr("orvoModule")));

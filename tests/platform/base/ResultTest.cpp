@@ -25,28 +25,28 @@ Result<std::unique_ptr<Animal>> adopt(int error) {
   return std::make_unique<Dog>();
 }
 
-TEST(Result, HoldsTheObjectAndNoError) {
+TEST(ResultTest, HoldsTheObjectAndNoError) {
   const auto animal = adopt(0);
   ASSERT_TRUE(animal);
   EXPECT_EQ(animal.error(), 0);
   EXPECT_EQ(animal->sound(), "woof");
 }
 
-TEST(Result, HoldsTheErrorAndNoObject) {
+TEST(ResultTest, HoldsTheErrorAndNoObject) {
   const auto animal = adopt(ENOENT);
   EXPECT_FALSE(animal);
   EXPECT_EQ(animal.error(), ENOENT);
   EXPECT_THROW(static_cast<void>(*animal), std::bad_optional_access);
 }
 
-TEST(Result, GivesTheObjectAway) {
+TEST(ResultTest, GivesTheObjectAway) {
   auto result = adopt(0);
   const std::unique_ptr<Animal> animal = *std::move(result);
   EXPECT_EQ(animal->sound(), "woof");
   EXPECT_EQ((*adopt(0))->sound(), "woof");
 }
 
-TEST(Result, ReachesIntoARecordAndThroughAPlainPointer) {
+TEST(ResultTest, ReachesIntoARecordAndThroughAPlainPointer) {
   struct Named {
     std::string name;
   };
@@ -58,7 +58,7 @@ TEST(Result, ReachesIntoARecordAndThroughAPlainPointer) {
   EXPECT_EQ(pointer->name, "Rex");
 }
 
-TEST(Result, MayHaveAnErrorOfItsOwnKind) {
+TEST(ResultTest, MayHaveAnErrorOfItsOwnKind) {
   const Result<int*, std::string> result = std::string("no room");
   EXPECT_FALSE(result);
   EXPECT_EQ(result.error(), "no room");

@@ -33,7 +33,7 @@ class UndoableNumber {
 
 }  // namespace
 
-TEST(UndoManager, UndoAndRedoGoBackAndForthWithTheNameOfTheAction) {
+TEST(UndoManagerTest, UndoAndRedoGoBackAndForthWithTheNameOfTheAction) {
   UndoManager manager;
   UndoableNumber number(manager);
   number.set(7, "Set Seven");
@@ -52,7 +52,7 @@ TEST(UndoManager, UndoAndRedoGoBackAndForthWithTheNameOfTheAction) {
   EXPECT_FALSE(manager.canRedo());
 }
 
-TEST(UndoManager, WithOneLevelOnlyTheLastActionCanBeUndone) {
+TEST(UndoManagerTest, WithOneLevelOnlyTheLastActionCanBeUndone) {
   UndoManager manager;
   manager.setLevelsOfUndo(1);
   UndoableNumber number(manager);
@@ -63,7 +63,7 @@ TEST(UndoManager, WithOneLevelOnlyTheLastActionCanBeUndone) {
   EXPECT_FALSE(manager.canUndo());
 }
 
-TEST(UndoManager, ANewActionEmptiesTheRedoSide) {
+TEST(UndoManagerTest, ANewActionEmptiesTheRedoSide) {
   UndoManager manager;
   UndoableNumber number(manager);
   number.set(1, "One");
@@ -73,7 +73,7 @@ TEST(UndoManager, ANewActionEmptiesTheRedoSide) {
   EXPECT_FALSE(manager.canRedo());
 }
 
-TEST(UndoManager, AnOperationWhoseTargetHasGoneIsNotRun) {
+TEST(UndoManagerTest, AnOperationWhoseTargetHasGoneIsNotRun) {
   UndoManager manager;
   UndoableNumber number(manager);
   number.set(1, "One");
@@ -83,7 +83,7 @@ TEST(UndoManager, AnOperationWhoseTargetHasGoneIsNotRun) {
   EXPECT_FALSE(manager.canUndo());
 }
 
-TEST(UndoManager, UndoOnAnEmptySideDoesNothing) {
+TEST(UndoManagerTest, UndoOnAnEmptySideDoesNothing) {
   UndoManager manager;
   manager.undo();
   manager.redo();
@@ -91,7 +91,7 @@ TEST(UndoManager, UndoOnAnEmptySideDoesNothing) {
   EXPECT_EQ(manager.redoActionName(), "");
 }
 
-TEST(UndoManager, TellsEveryChange) {
+TEST(UndoManagerTest, TellsEveryChange) {
   UndoManager manager;
   int changes = 0;
   manager.setChangeHandler([&] { ++changes; });
@@ -103,7 +103,7 @@ TEST(UndoManager, TellsEveryChange) {
   EXPECT_GT(changes, afterSet);
 }
 
-TEST(UndoManager, SidesThatAreSetBackUndoAndRedoAsBefore) {
+TEST(UndoManagerTest, SidesThatAreSetBackUndoAndRedoAsBefore) {
   UndoManager manager;
   UndoableNumber number(manager);
   number.set(1, "One");
@@ -119,7 +119,7 @@ TEST(UndoManager, SidesThatAreSetBackUndoAndRedoAsBefore) {
   EXPECT_EQ(number.value(), 2);
 }
 
-TEST(UndoManager, AnOperationThatThrowsIsTakenOffAndLeavesTheManagerUsable) {
+TEST(UndoManagerTest, AnOperationThatThrowsIsTakenOffAndLeavesTheManagerUsable) {
   UndoManager manager;
   UndoableNumber number(manager);
   int changes = 0;
@@ -139,7 +139,7 @@ TEST(UndoManager, AnOperationThatThrowsIsTakenOffAndLeavesTheManagerUsable) {
   EXPECT_EQ(number.value(), 1);
 }
 
-TEST(UndoManager, ARedoThatThrowsLeavesTheManagerUsable) {
+TEST(UndoManagerTest, ARedoThatThrowsLeavesTheManagerUsable) {
   UndoManager manager;
   UndoableNumber number(manager);
   const auto target = std::make_shared<int>(0);

@@ -34,7 +34,7 @@ class Portal : public QObject {
   }
 };
 
-class DesktopColours : public testing::Test {
+class DesktopColoursTest : public testing::Test {
  protected:
   void SetUp() override {
 #if defined(__SANITIZE_THREAD__)
@@ -89,7 +89,7 @@ class DesktopColours : public testing::Test {
   std::unique_ptr<platform::DesktopColours> colours_;
 };
 
-TEST_F(DesktopColours, ADarkDesktopGivesDarkColours) {
+TEST_F(DesktopColoursTest, ADarkDesktopGivesDarkColours) {
   portal_.colorScheme = 1;
   offerPortal();
   follow();
@@ -98,7 +98,7 @@ TEST_F(DesktopColours, ADarkDesktopGivesDarkColours) {
   EXPECT_TRUE(looksDark());
 }
 
-TEST_F(DesktopColours, ALightDesktopOrOneWithoutAWishKeepsTheColours) {
+TEST_F(DesktopColoursTest, ALightDesktopOrOneWithoutAWishKeepsTheColours) {
   offerPortal();
   const QPalette before = QApplication::palette();
   for (const uint scheme : {0U, 2U}) {
@@ -112,7 +112,7 @@ TEST_F(DesktopColours, ALightDesktopOrOneWithoutAWishKeepsTheColours) {
   }
 }
 
-TEST_F(DesktopColours, AToolkitThatIsDarkByItselfIsLeftAlone) {
+TEST_F(DesktopColoursTest, AToolkitThatIsDarkByItselfIsLeftAlone) {
   QPalette own(QColor(20, 20, 20));
   own.setColor(QPalette::WindowText, Qt::white);
   QApplication::setPalette(own);
@@ -125,7 +125,7 @@ TEST_F(DesktopColours, AToolkitThatIsDarkByItselfIsLeftAlone) {
   EXPECT_EQ(QApplication::palette().color(QPalette::Window), QColor(20, 20, 20));
 }
 
-TEST_F(DesktopColours, WithoutAPortalOrWithoutABusNothingHappens) {
+TEST_F(DesktopColoursTest, WithoutAPortalOrWithoutABusNothingHappens) {
   const QPalette before = QApplication::palette();
   follow();
   ASSERT_TRUE(drainMainQueue());
@@ -136,7 +136,7 @@ TEST_F(DesktopColours, WithoutAPortalOrWithoutABusNothingHappens) {
   EXPECT_EQ(QApplication::palette(), before);
 }
 
-TEST(DarkPalette, EveryTextStandsOutFromItsGround) {
+TEST(DesktopColoursPaletteTest, EveryTextStandsOutFromItsGround) {
   const QPalette dark = platform::DesktopColours::darkPalette();
   const std::pair<QPalette::ColorRole, QPalette::ColorRole> pairs[] = {
       {QPalette::WindowText, QPalette::Window},

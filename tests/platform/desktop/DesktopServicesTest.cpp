@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(DesktopServices, WithNoneInstalledOpenNothingAndSaySo) {
+TEST(DesktopServicesTest, WithNoneInstalledOpenNothingAndSaySo) {
   testing::internal::CaptureStderr();
   EXPECT_FALSE(platform::desktopServices()->open(QUrl("file:///take.wav")));
   EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("/take.wav"));

@@ -11,7 +11,7 @@
 
 namespace {
 
-TEST(FileDialogs, WithNoneInstalledAreCancelledLaterAndSaySo) {
+TEST(FileDialogsTest, WithNoneInstalledAreCancelledLaterAndSaySo) {
   const QPointer<QWidget> accessory(new QWidget);
   bool openIsCancelled = false;
   bool saveIsCancelled = false;

@@ -457,7 +457,7 @@ TEST_F(GLibRecentDocumentsTest, GiveUpWhenTheListNeverComesToRest) {
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
-TEST(GLibRecentDocuments, DesktopFileLiesInTheUsersDataFolder) {
+TEST(GLibRecentDocumentsFileTest, DesktopFileLiesInTheUsersDataFolder) {
   const QByteArray before = qgetenv("XDG_DATA_HOME");
   const QByteArray home = qgetenv("HOME");
   qputenv("HOME", "/somebody");

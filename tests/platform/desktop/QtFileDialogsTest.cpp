@@ -100,7 +100,7 @@ class QtFileDialogsTest : public testing::Test {
   std::optional<std::string> saved_;
 };
 
-TEST(WithSuffix, AppendsTheFirstUnlessOneIsThere) {
+TEST(QtFileDialogsSuffixTest, AppendsTheFirstUnlessOneIsThere) {
   EXPECT_EQ(withSuffix("take", {"aiff", "aif"}), "take.aiff");
   EXPECT_EQ(withSuffix("take.aif", {"aiff", "aif"}), "take.aif");
   EXPECT_EQ(withSuffix("take.AIFF", {"aiff", "aif"}), "take.AIFF");

@@ -22,7 +22,7 @@ struct Decoded {
   int end = 0;
 };
 
-class AudioFileDecoderTest : public AudioFileTest {
+class AudioFileDecoderTest : public AudioFileFixture {
  protected:
   std::unique_ptr<AudioFileDecoder> decoder(const std::string& path = "a") {
     return AudioFileDecoder::open(*file_, size_, path, interruption_, error_);

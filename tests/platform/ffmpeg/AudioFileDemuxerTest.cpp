@@ -28,7 +28,7 @@ struct Packets {
   }
 };
 
-class AudioFileDemuxerTest : public AudioFileTest {
+class AudioFileDemuxerTest : public AudioFileFixture {
  protected:
   static bool readOne(AudioFileDemuxer& demuxer, Packets& packets) {
     const AvPacket packet(av_packet_alloc());

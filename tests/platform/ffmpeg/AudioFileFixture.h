@@ -23,7 +23,7 @@
 namespace platform {
 
 /// One file in memory for the classes below the extended audio files.
-class AudioFileTest : public testing::Test {
+class AudioFileFixture : public testing::Test {
  protected:
   void SetUp() override {
     FfmpegLog::install(ConsoleLog);

@@ -15,7 +15,7 @@
 namespace platform {
 namespace {
 
-class AudioFileLengthTest : public AudioFileTest {
+class AudioFileLengthTest : public AudioFileFixture {
  protected:
   std::int64_t lengthOf(const AudioFileDemuxer& demuxer) {
     return audioFileLengthFrames(demuxer, *file_, size_, "a", interruption_);

@@ -16,13 +16,13 @@ using std::chrono::milliseconds;
 
 constexpr std::int64_t kAnyBytes = std::numeric_limits<std::int64_t>::max();
 
-TEST(DecodingBudget, WithoutALimitOrAFlagItIsNeverDue) {
+TEST(DecodingBudgetTest, WithoutALimitOrAFlagItIsNeverDue) {
   const DecodingBudget interruption(nullptr);
   EXPECT_FALSE(interruption.isDue());
   EXPECT_FALSE(interruption.isCancelled());
 }
 
-TEST(DecodingBudget, AFlagMakesItDueAsLongAsItIsSet) {
+TEST(DecodingBudgetTest, AFlagMakesItDueAsLongAsItIsSet) {
   const auto cancelled = std::make_shared<std::atomic<bool>>(false);
   const DecodingBudget interruption(cancelled);
   EXPECT_FALSE(interruption.isDue());
@@ -31,7 +31,7 @@ TEST(DecodingBudget, AFlagMakesItDueAsLongAsItIsSet) {
   EXPECT_TRUE(interruption.isCancelled());
 }
 
-TEST(DecodingBudget, WorkBeyondItsLimitMakesItDueUntilLifted) {
+TEST(DecodingBudgetTest, WorkBeyondItsLimitMakesItDueUntilLifted) {
   DecodingBudget interruption(nullptr);
   interruption.limit(milliseconds(0), kAnyBytes);
   EXPECT_TRUE(interruption.isDue());
@@ -42,7 +42,7 @@ TEST(DecodingBudget, WorkBeyondItsLimitMakesItDueUntilLifted) {
   EXPECT_FALSE(interruption.isDue());
 }
 
-TEST(DecodingBudget, TimeThatAnotherThreadWorksDoesNotCount) {
+TEST(DecodingBudgetTest, TimeThatAnotherThreadWorksDoesNotCount) {
   DecodingBudget interruption(nullptr);
   interruption.limit(milliseconds(50), kAnyBytes);
   std::thread([] {
@@ -53,7 +53,7 @@ TEST(DecodingBudget, TimeThatAnotherThreadWorksDoesNotCount) {
   EXPECT_FALSE(interruption.isDue());
 }
 
-TEST(DecodingBudget, BytesBeyondTheirLimitMakeItDue) {
+TEST(DecodingBudgetTest, BytesBeyondTheirLimitMakeItDue) {
   DecodingBudget interruption(nullptr);
   interruption.limit(std::chrono::duration_cast<milliseconds>(hours(1)), 1000);
   interruption.noteRead(999);
@@ -62,7 +62,7 @@ TEST(DecodingBudget, BytesBeyondTheirLimitMakeItDue) {
   EXPECT_TRUE(interruption.isDue());
 }
 
-TEST(DecodingBudget, AnInnerLimitGivesWayToTheOneThatHolds) {
+TEST(DecodingBudgetTest, AnInnerLimitGivesWayToTheOneThatHolds) {
   DecodingBudget interruption(nullptr);
   EXPECT_TRUE(interruption.limitIfNone(milliseconds(0), kAnyBytes));
   EXPECT_TRUE(interruption.isDue());

@@ -12,14 +12,14 @@ namespace {
 constexpr AudioFileStage kStages[]{AudioFileStage::opening, AudioFileStage::reading,
                                    AudioFileStage::writing};
 
-TEST(AudioFileStatus, NoErrorIsNoFailure) {
+TEST(FfmpegStatusTest, NoErrorIsNoFailure) {
   for (const AudioFileStage stage : kStages) {
     EXPECT_EQ(audioFileStatus(stage, 0), kAudioStatusOk);
     EXPECT_EQ(audioFileStatus(stage, 17), kAudioStatusOk);
   }
 }
 
-TEST(AudioFileStatus, ErrorsOfTheSystemMeanTheSameAtEveryStage) {
+TEST(FfmpegStatusTest, ErrorsOfTheSystemMeanTheSameAtEveryStage) {
   for (const AudioFileStage stage : kStages) {
     EXPECT_EQ(audioFileStatus(stage, AVERROR(ENOENT)), kFileNotFoundStatus);
     EXPECT_EQ(audioFileStatus(stage, AVERROR(EACCES)), kFilePermissionStatus);
@@ -33,7 +33,7 @@ TEST(AudioFileStatus, ErrorsOfTheSystemMeanTheSameAtEveryStage) {
   }
 }
 
-TEST(AudioFileStatus, InvalidDataIsAWrongKindWhenOpenedAndDamageWhenRead) {
+TEST(FfmpegStatusTest, InvalidDataIsAWrongKindWhenOpenedAndDamageWhenRead) {
   EXPECT_EQ(audioFileStatus(AudioFileStage::opening, AVERROR_INVALIDDATA),
             kUnsupportedFileTypeStatus);
   EXPECT_EQ(audioFileStatus(AudioFileStage::reading, AVERROR_INVALIDDATA), kInvalidFileStatus);
@@ -42,7 +42,7 @@ TEST(AudioFileStatus, InvalidDataIsAWrongKindWhenOpenedAndDamageWhenRead) {
             kUnsupportedDataFormatStatus);
 }
 
-TEST(AudioFileStatus, AnUnknownErrorIsStillAFailureAndNeverACancel) {
+TEST(FfmpegStatusTest, AnUnknownErrorIsStillAFailureAndNeverACancel) {
   for (const AudioFileStage stage : kStages) {
     for (const int error : {-1'000'000, AVERROR_BUG, AVERROR_EXIT, AVERROR(ECANCELED)}) {
       EXPECT_NE(audioFileStatus(stage, error), kAudioStatusOk);
@@ -52,7 +52,7 @@ TEST(AudioFileStatus, AnUnknownErrorIsStillAFailureAndNeverACancel) {
 }
 
 // Reports of a read show the low 16 bits alone: they must not make a success of a failure.
-TEST(AudioFileStatus, NoStatusVanishesInItsLowHalf) {
+TEST(FfmpegStatusTest, NoStatusVanishesInItsLowHalf) {
   for (const AudioStatus status :
        {kFileNotFoundStatus, kFilePermissionStatus, kFolderStatus, kNotARegularFileStatus,
         kEmptyFileStatus, kBadFileNameStatus, kNoAudioStatus, kUnsupportedDataFormatStatus,

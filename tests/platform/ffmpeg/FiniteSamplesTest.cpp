@@ -16,7 +16,7 @@ constexpr float kNoNumber = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kMax = std::numeric_limits<float>::max();
 
-TEST(FiniteSamples, FiniteSamplesStayToTheBit) {
+TEST(FiniteSamplesTest, FiniteSamplesStayToTheBit) {
   std::vector<float> samples{0.0F, -0.0F, 1.0F, -1.0F, kMax, -kMax, 1e-45F, 0.1F};
   const std::vector<float> before = samples;
   EXPECT_FALSE(makeFinite(samples.data(), samples.size()));
@@ -24,7 +24,7 @@ TEST(FiniteSamples, FiniteSamplesStayToTheBit) {
   EXPECT_TRUE(std::signbit(samples[1]));
 }
 
-TEST(FiniteSamples, TheOneThatIsNotBecomesZeroWhereverItStands) {
+TEST(FiniteSamplesTest, TheOneThatIsNotBecomesZeroWhereverItStands) {
   for (const float bad : {kNoNumber, -kNoNumber, kInfinity, -kInfinity}) {
     for (std::size_t place = 0; place < 200; ++place) {
       std::vector<float> samples(200, 0.5F);
@@ -37,19 +37,19 @@ TEST(FiniteSamples, TheOneThatIsNotBecomesZeroWhereverItStands) {
   }
 }
 
-TEST(FiniteSamples, ADoubleThatNoFloatHoldsBecomesZero) {
+TEST(FiniteSamplesTest, ADoubleThatNoFloatHoldsBecomesZero) {
   std::vector<double> samples{1e39, -1e39, 3e38, 0.1, static_cast<double>(kNoNumber)};
   EXPECT_TRUE(makeFinite(samples.data(), samples.size()));
   EXPECT_THAT(samples, ElementsAre(0.0, 0.0, 3e38, 0.1, 0.0));
 }
 
-TEST(FiniteSamples, NothingIsDoneToNothing) {
+TEST(FiniteSamplesTest, NothingIsDoneToNothing) {
   EXPECT_FALSE(makeFinite(static_cast<float*>(nullptr), 0));
   copyFiniteLimited(nullptr, 0, nullptr);
   splitFiniteLimited(nullptr, 0, nullptr, nullptr);
 }
 
-TEST(FiniteSamples, ACopyIsLimitedToFullScale) {
+TEST(FiniteSamplesTest, ACopyIsLimitedToFullScale) {
   std::vector<float> samples(1000, 0.25F);
   samples[3] = kNoNumber;
   samples[70] = kInfinity;
@@ -65,7 +65,7 @@ TEST(FiniteSamples, ACopyIsLimitedToFullScale) {
   EXPECT_EQ(copy, expected);
 }
 
-TEST(FiniteSamples, ChannelsAreSplit) {
+TEST(FiniteSamplesTest, ChannelsAreSplit) {
   const std::array<float, 6> frames{0.1F, 0.2F, kNoNumber, 2.0F, -0.3F, -kInfinity};
   std::array<float, 3> left{};
   std::array<float, 3> right{};

@@ -60,13 +60,13 @@ std::vector<AvFrame> list(AvFrame first, AvFrame second = nullptr) {
   return frames;
 }
 
-TEST(WorkingFormatConverter, StereoAt44100IsLeftAlone) {
+TEST(WorkingFormatConverterTest, StereoAt44100IsLeftAlone) {
   WorkingFormatConverter converter;
   const std::vector<float> samples{0.1F, -0.2F, 1.5F, -3.0F, 0.0F, 1e-30F};
   EXPECT_EQ(converted(converter, list(frameOf(samples, 2, 44'100)), 20'000), samples);
 }
 
-TEST(WorkingFormatConverter, LittleRoomGivesTheSameFrames) {
+TEST(WorkingFormatConverterTest, LittleRoomGivesTheSameFrames) {
   for (const int rate : {44'100, 48'000, 8000}) {
     std::vector<float> samples(2 * 3000);
     for (std::size_t i = 0; i < samples.size(); ++i) {
@@ -81,13 +81,13 @@ TEST(WorkingFormatConverter, LittleRoomGivesTheSameFrames) {
   }
 }
 
-TEST(WorkingFormatConverter, MonoGoesToBothSidesAsItStands) {
+TEST(WorkingFormatConverterTest, MonoGoesToBothSidesAsItStands) {
   WorkingFormatConverter converter;
   EXPECT_THAT(converted(converter, list(frameOf({0.5F, -0.25F}, 1, 44'100)), 10'000),
               ElementsAre(0.5F, 0.5F, -0.25F, -0.25F));
 }
 
-TEST(WorkingFormatConverter, SurroundIsMixedDownAndMayPassFullScale) {
+TEST(WorkingFormatConverterTest, SurroundIsMixedDownAndMayPassFullScale) {
   WorkingFormatConverter converter;
   const auto mixed =
       converted(converter, list(frameOf(std::vector<float>(6, 1.0F), 6, 44'100)), 10'000);
@@ -97,7 +97,7 @@ TEST(WorkingFormatConverter, SurroundIsMixedDownAndMayPassFullScale) {
   EXPECT_NEAR(mixed[1], 1.0 + 2 * std::sqrt(0.5), 1e-5);
 }
 
-TEST(WorkingFormatConverter, AFormatThatChangesIsFollowedWithoutALoss) {
+TEST(WorkingFormatConverterTest, AFormatThatChangesIsFollowedWithoutALoss) {
   WorkingFormatConverter converter;
   const auto all = converted(converter,
                              list(frameOf(std::vector<float>(2 * 4800, 0.25F), 2, 48'000),
@@ -108,7 +108,7 @@ TEST(WorkingFormatConverter, AFormatThatChangesIsFollowedWithoutALoss) {
   EXPECT_NEAR(all[2 * (4410 + 2000)], 0.5F, 1e-3);
 }
 
-TEST(WorkingFormatConverter, SamplesThatOverflowInTheMixBecomeSilence) {
+TEST(WorkingFormatConverterTest, SamplesThatOverflowInTheMixBecomeSilence) {
   WorkingFormatConverter converter;
   constexpr float kMax = std::numeric_limits<float>::max();
   EXPECT_THAT(
@@ -116,7 +116,7 @@ TEST(WorkingFormatConverter, SamplesThatOverflowInTheMixBecomeSilence) {
       Each(0.0F));
 }
 
-TEST(WorkingFormatConverter, WhatCannotBeConvertedIsRefused) {
+TEST(WorkingFormatConverterTest, WhatCannotBeConvertedIsRefused) {
   EXPECT_TRUE(WorkingFormatConverter::canConvert(1000, 1));
   EXPECT_TRUE(WorkingFormatConverter::canConvert(768'000, 8));
   EXPECT_FALSE(WorkingFormatConverter::canConvert(999, 1));
@@ -135,7 +135,7 @@ TEST(WorkingFormatConverter, WhatCannotBeConvertedIsRefused) {
               ElementsAre(0.1F, 0.2F));
 }
 
-TEST(WorkingFormatConverter, NothingPutInGivesNothing) {
+TEST(WorkingFormatConverterTest, NothingPutInGivesNothing) {
   WorkingFormatConverter converter;
   float room[2];
   EXPECT_EQ(converter.finish(), 0);

@@ -34,7 +34,7 @@ struct ScriptedSteps {
 
 using Asked = std::vector<std::pair<std::uint64_t, std::uint64_t>>;
 
-TEST(ContinuedTransfer, NoBytesTakeNoStep) {
+TEST(ContinuedTransferTest, NoBytesTakeNoStep) {
   ScriptedSteps steps;
   const auto result = continuedTransfer(0, NothingMoved::failure, steps.step());
   EXPECT_EQ(result.byteCount, 0U);
@@ -42,7 +42,7 @@ TEST(ContinuedTransfer, NoBytesTakeNoStep) {
   EXPECT_TRUE(steps.asked.empty());
 }
 
-TEST(ContinuedTransfer, ShortStepsAreContinuedWhereTheyEnded) {
+TEST(ContinuedTransferTest, ShortStepsAreContinuedWhereTheyEnded) {
   ScriptedSteps steps{{{40}, {1}, {59}}, {}};
   const auto result = continuedTransfer(100, NothingMoved::failure, steps.step());
   EXPECT_EQ(result.byteCount, 100U);
@@ -50,7 +50,7 @@ TEST(ContinuedTransfer, ShortStepsAreContinuedWhereTheyEnded) {
   EXPECT_EQ(steps.asked, (Asked{{0, 100}, {40, 60}, {41, 59}}));
 }
 
-TEST(ContinuedTransfer, InterruptedStepsAreRepeated) {
+TEST(ContinuedTransferTest, InterruptedStepsAreRepeated) {
   ScriptedSteps steps{{{-1, EINTR}, {10}, {-1, EINTR}, {-1, EINTR}, {20}}, {}};
   const auto result = continuedTransfer(30, NothingMoved::failure, steps.step());
   EXPECT_EQ(result.byteCount, 30U);
@@ -58,28 +58,28 @@ TEST(ContinuedTransfer, InterruptedStepsAreRepeated) {
   EXPECT_EQ(steps.asked, (Asked{{0, 30}, {0, 30}, {10, 20}, {10, 20}, {10, 20}}));
 }
 
-TEST(ContinuedTransfer, AFailureEndsItAndKeepsWhatWasMoved) {
+TEST(ContinuedTransferTest, AFailureEndsItAndKeepsWhatWasMoved) {
   ScriptedSteps steps{{{12}, {-1, ENOSPC}}, {}};
   const auto result = continuedTransfer(30, NothingMoved::failure, steps.step());
   EXPECT_EQ(result.byteCount, 12U);
   EXPECT_EQ(result.error, ENOSPC);
 }
 
-TEST(ContinuedTransfer, AReadThatMovesNothingHasMetTheEnd) {
+TEST(ContinuedTransferTest, AReadThatMovesNothingHasMetTheEnd) {
   ScriptedSteps steps{{{12}, {0, EIO}}, {}};
   const auto result = continuedTransfer(30, NothingMoved::endOfFile, steps.step());
   EXPECT_EQ(result.byteCount, 12U);
   EXPECT_EQ(result.error, 0);
 }
 
-TEST(ContinuedTransfer, AWriteThatMovesNothingFailsInsteadOfLooping) {
+TEST(ContinuedTransferTest, AWriteThatMovesNothingFailsInsteadOfLooping) {
   ScriptedSteps steps{{{0}}, {}};
   const auto result = continuedTransfer(30, NothingMoved::failure, steps.step());
   EXPECT_EQ(result.byteCount, 0U);
   EXPECT_EQ(result.error, EIO);
 }
 
-TEST(ContinuedTransfer, NoStepIsAskedForMoreThanSystemsMoveAtOnce) {
+TEST(ContinuedTransferTest, NoStepIsAskedForMoreThanSystemsMoveAtOnce) {
   constexpr auto kStep = platform::kMaxTransferStep;
   ScriptedSteps steps{{{static_cast<long>(kStep)}, {5}}, {}};
   const auto result = continuedTransfer(kStep + 5, NothingMoved::failure, steps.step());

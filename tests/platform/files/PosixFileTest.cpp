@@ -24,7 +24,7 @@ std::vector<unsigned char> counting(std::size_t count) {
   return bytes;
 }
 
-class APosixFile : public testing::Test {
+class PosixFileTest : public testing::Test {
  protected:
   void SetUp() override {
     const auto files = platform::TemporaryFiles::whenNoneIsInstalled();
@@ -38,7 +38,7 @@ class APosixFile : public testing::Test {
   std::unique_ptr<platform::File> file_;
 };
 
-TEST_F(APosixFile, GivesBackWhatWasWrittenAtEachPosition) {
+TEST_F(PosixFileTest, GivesBackWhatWasWrittenAtEachPosition) {
   const auto bytes = counting(1000);
   EXPECT_EQ(file().writeAt(bytes.data(), 600, 400).byteCount, 600U);
   EXPECT_EQ(file().writeAt(bytes.data(), 400, 0).byteCount, 400U);
@@ -51,7 +51,7 @@ TEST_F(APosixFile, GivesBackWhatWasWrittenAtEachPosition) {
   EXPECT_TRUE(std::equal(read.begin() + 400, read.end(), bytes.begin()));
 }
 
-TEST_F(APosixFile, ReadsShortAtItsEndWithoutAnError) {
+TEST_F(PosixFileTest, ReadsShortAtItsEndWithoutAnError) {
   const auto bytes = counting(100);
   ASSERT_EQ(file().writeAt(bytes.data(), 100, 0).byteCount, 100U);
   std::vector<unsigned char> read(100);
@@ -62,7 +62,7 @@ TEST_F(APosixFile, ReadsShortAtItsEndWithoutAnError) {
   EXPECT_EQ(file().readAt(read.data(), 100, 5000).byteCount, 0U);
 }
 
-TEST_F(APosixFile, HoldsZerosWhereNothingWasWritten) {
+TEST_F(PosixFileTest, HoldsZerosWhereNothingWasWritten) {
   const auto bytes = counting(10);
   ASSERT_EQ(file().writeAt(bytes.data(), 10, 50).byteCount, 10U);
   std::vector<unsigned char> read(50, 0xff);
@@ -70,7 +70,7 @@ TEST_F(APosixFile, HoldsZerosWhereNothingWasWritten) {
   EXPECT_EQ(read, std::vector<unsigned char>(50, 0));
 }
 
-TEST_F(APosixFile, ReadsOffsetsThatTheSystemCannotExpressAsItsEnd) {
+TEST_F(PosixFileTest, ReadsOffsetsThatTheSystemCannotExpressAsItsEnd) {
   unsigned char byte = 7;
   for (const std::uint64_t offset :
        {std::uint64_t{1} << 63, std::numeric_limits<std::uint64_t>::max()}) {
@@ -81,14 +81,14 @@ TEST_F(APosixFile, ReadsOffsetsThatTheSystemCannotExpressAsItsEnd) {
   EXPECT_EQ(byte, 7);
 }
 
-TEST_F(APosixFile, RefusesToWriteAtOffsetsThatTheSystemCannotExpress) {
+TEST_F(PosixFileTest, RefusesToWriteAtOffsetsThatTheSystemCannotExpress) {
   const unsigned char byte = 7;
   EXPECT_EQ(file().writeAt(&byte, 1, std::uint64_t{1} << 63).error, EFBIG);
   EXPECT_EQ(file().writeAt(&byte, 2, (std::uint64_t{1} << 63) - 2).error, EFBIG);
   EXPECT_EQ(file().readAt(nullptr, 0, 0).byteCount, 0U);
 }
 
-TEST_F(APosixFile, IsAsLongAsTheHighestEndWritten) {
+TEST_F(PosixFileTest, IsAsLongAsTheHighestEndWritten) {
   EXPECT_EQ(file().size(), 0U);
   const auto bytes = counting(100);
   ASSERT_EQ(file().writeAt(bytes.data(), 100, 900).byteCount, 100U);
@@ -96,7 +96,7 @@ TEST_F(APosixFile, IsAsLongAsTheHighestEndWritten) {
   EXPECT_EQ(file().size(), 1000U);
 }
 
-TEST_F(APosixFile, CutsWhatLiesBehindItsNewEnd) {
+TEST_F(PosixFileTest, CutsWhatLiesBehindItsNewEnd) {
   const auto bytes = counting(100);
   ASSERT_EQ(file().writeAt(bytes.data(), 100, 0).byteCount, 100U);
   EXPECT_EQ(file().setSize(40), 0);
@@ -109,7 +109,7 @@ TEST_F(APosixFile, CutsWhatLiesBehindItsNewEnd) {
       << "what was cut does not come back";
 }
 
-TEST_F(APosixFile, CannotEndWhereTheSystemCannotExpressIt) {
+TEST_F(PosixFileTest, CannotEndWhereTheSystemCannotExpressIt) {
   const unsigned char byte = 7;
   ASSERT_EQ(file().writeAt(&byte, 1, 0).byteCount, 1U);
   EXPECT_EQ(file().setSize(std::uint64_t{1} << 63), EFBIG);
@@ -117,7 +117,7 @@ TEST_F(APosixFile, CannotEndWhereTheSystemCannotExpressIt) {
 }
 
 // A limit on the size of files stands in for a disk that fills up in the middle of a write.
-TEST_F(APosixFile, TellsHowMuchOfAWriteWasTakenAndWhyNotMore) {
+TEST_F(PosixFileTest, TellsHowMuchOfAWriteWasTakenAndWhyNotMore) {
   struct rlimit before = {};
   ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
   auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
@@ -137,7 +137,7 @@ TEST_F(APosixFile, TellsHowMuchOfAWriteWasTakenAndWhyNotMore) {
   EXPECT_EQ(beyond.error, EFBIG);
 }
 
-TEST(ABrokenPosixFile, ReportsTheSystemsError) {
+TEST(PosixFileBrokenTest, ReportsTheSystemsError) {
   PosixFile file(::open("/dev/null", O_RDONLY | O_CLOEXEC));
   const unsigned char byte = 1;
   const auto result = file.writeAt(&byte, 1, 0);
@@ -145,13 +145,13 @@ TEST(ABrokenPosixFile, ReportsTheSystemsError) {
   EXPECT_EQ(result.error, EBADF);
 }
 
-TEST(ABrokenPosixFile, ReportsThatItsSizeCannotBeSet) {
+TEST(PosixFileBrokenTest, ReportsThatItsSizeCannotBeSet) {
   PosixFile file(::open("/dev/null", O_RDONLY | O_CLOEXEC));
   EXPECT_EQ(file.setSize(10), EINVAL);
   EXPECT_EQ(file.size(), 0U);
 }
 
-TEST(ABrokenPosixFile, ReportsAFailedRead) {
+TEST(PosixFileBrokenTest, ReportsAFailedRead) {
   PosixFile directory(::open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   unsigned char byte = 1;
   EXPECT_EQ(directory.readAt(&byte, 1, 0).error, EISDIR);

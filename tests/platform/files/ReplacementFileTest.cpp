@@ -28,9 +28,9 @@ std::string contentsOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-class AReplacementFile : public testing::Test {
+class ReplacementFileTest : public testing::Test {
  protected:
-  ~AReplacementFile() override {
+  ~ReplacementFileTest() override {
     if (dropped_) {
       EXPECT_EQ(::seteuid(0), 0);
     }
@@ -65,13 +65,13 @@ class AReplacementFile : public testing::Test {
   bool dropped_ = false;
 };
 
-TEST_F(AReplacementFile, MakesAFileThatWasNotThere) {
+TEST_F(ReplacementFileTest, MakesAFileThatWasNotThere) {
   EXPECT_EQ(replace("take.wav", "new"), 0);
   EXPECT_EQ(contentsOf(at("take.wav")), "new");
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
-TEST_F(AReplacementFile, LeavesTheOldFileWholeUntilItIsCommitted) {
+TEST_F(ReplacementFileTest, LeavesTheOldFileWholeUntilItIsCommitted) {
   put(at("take.wav"), "old");
   auto result = ReplacementFile::beside(at("take.wav"));
   ASSERT_TRUE(result);
@@ -81,7 +81,7 @@ TEST_F(AReplacementFile, LeavesTheOldFileWholeUntilItIsCommitted) {
   EXPECT_EQ(contentsOf(at("take.wav")), "new");
 }
 
-TEST_F(AReplacementFile, LeavesNothingBehindWhenItIsNotCommitted) {
+TEST_F(ReplacementFileTest, LeavesNothingBehindWhenItIsNotCommitted) {
   put(at("take.wav"), "old");
   auto result = ReplacementFile::beside(at("take.wav"));
   ASSERT_TRUE(result);
@@ -91,7 +91,7 @@ TEST_F(AReplacementFile, LeavesNothingBehindWhenItIsNotCommitted) {
   EXPECT_EQ(contentsOf(at("take.wav")), "old");
 }
 
-TEST_F(AReplacementFile, KeepsThePermissionsOfTheOldFile) {
+TEST_F(ReplacementFileTest, KeepsThePermissionsOfTheOldFile) {
   put(at("take.wav"), "old");
   ASSERT_EQ(::chmod(at("take.wav").c_str(), 0604), 0);
   EXPECT_EQ(replace("take.wav", "new"), 0);
@@ -100,7 +100,7 @@ TEST_F(AReplacementFile, KeepsThePermissionsOfTheOldFile) {
   EXPECT_EQ(status.st_mode & 07777, 0604U);
 }
 
-TEST_F(AReplacementFile, GivesANewFileWhatTheUsersMaskLeaves) {
+TEST_F(ReplacementFileTest, GivesANewFileWhatTheUsersMaskLeaves) {
   const mode_t before = ::umask(027);
   EXPECT_EQ(replace("take.wav", "new"), 0);
   ::umask(before);
@@ -109,7 +109,7 @@ TEST_F(AReplacementFile, GivesANewFileWhatTheUsersMaskLeaves) {
   EXPECT_EQ(status.st_mode & 07777, 0640U);
 }
 
-TEST_F(AReplacementFile, IsReadableByTheUserAloneBeforeItHasTheOldFilesRights) {
+TEST_F(ReplacementFileTest, IsReadableByTheUserAloneBeforeItHasTheOldFilesRights) {
   put(at("take.wav"), "old");
   ASSERT_EQ(::chmod(at("take.wav").c_str(), 0600), 0);
   const auto result = ReplacementFile::beside(at("take.wav"));
@@ -119,7 +119,7 @@ TEST_F(AReplacementFile, IsReadableByTheUserAloneBeforeItHasTheOldFilesRights) {
   EXPECT_EQ(status.st_mode & 0077, 0U);
 }
 
-TEST_F(AReplacementFile, ReplacesWhatASymbolicLinkPointsToAndKeepsTheLink) {
+TEST_F(ReplacementFileTest, ReplacesWhatASymbolicLinkPointsToAndKeepsTheLink) {
   folder_.makeFolder("elsewhere");
   put(at("elsewhere/real.wav"), "old");
   fs::create_symlink("elsewhere/real.wav", at("middle.wav"));
@@ -131,20 +131,20 @@ TEST_F(AReplacementFile, ReplacesWhatASymbolicLinkPointsToAndKeepsTheLink) {
   EXPECT_EQ(contentsOf(at("elsewhere/real.wav")), "new");
 }
 
-TEST_F(AReplacementFile, MakesTheFileThatADanglingLinkPointsTo) {
+TEST_F(ReplacementFileTest, MakesTheFileThatADanglingLinkPointsTo) {
   fs::create_symlink("missing.wav", at("take.wav"));
   EXPECT_EQ(replace("take.wav", "new"), 0);
   EXPECT_TRUE(fs::is_symlink(at("take.wav")));
   EXPECT_EQ(contentsOf(at("missing.wav")), "new");
 }
 
-TEST_F(AReplacementFile, RefusesLinksThatGoInACircle) {
+TEST_F(ReplacementFileTest, RefusesLinksThatGoInACircle) {
   fs::create_symlink("b.wav", at("a.wav"));
   fs::create_symlink("a.wav", at("b.wav"));
   EXPECT_EQ(replace("a.wav", "new"), ELOOP);
 }
 
-TEST_F(AReplacementFile, RefusesAFolderAndWhatIsNoFile) {
+TEST_F(ReplacementFileTest, RefusesAFolderAndWhatIsNoFile) {
   folder_.makeFolder("folder.wav");
   EXPECT_EQ(replace("folder.wav", "new"), EISDIR);
   ASSERT_EQ(::mkfifo(at("pipe.wav").c_str(), 0600), 0);
@@ -152,7 +152,7 @@ TEST_F(AReplacementFile, RefusesAFolderAndWhatIsNoFile) {
   EXPECT_EQ(filesInFolder(), 2U);
 }
 
-TEST_F(AReplacementFile, RefusesAFileThatMayNotBeWritten) {
+TEST_F(ReplacementFileTest, RefusesAFileThatMayNotBeWritten) {
   put(at("take.wav"), "old");
   ASSERT_EQ(::chmod(folder_.path().c_str(), 0777), 0);
   ASSERT_EQ(::chmod(at("take.wav").c_str(), 0444), 0);
@@ -165,18 +165,18 @@ TEST_F(AReplacementFile, RefusesAFileThatMayNotBeWritten) {
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
-TEST_F(AReplacementFile, FailsInAFolderWithoutPermission) {
+TEST_F(ReplacementFileTest, FailsInAFolderWithoutPermission) {
   const std::string locked = folder_.makeFolder("locked");
   ASSERT_EQ(::chmod(locked.c_str(), 0500), 0);
   becomeOrdinaryUser();
   EXPECT_EQ(replace("locked/take.wav", "new"), EACCES);
 }
 
-TEST_F(AReplacementFile, FailsInAFolderThatIsGone) {
+TEST_F(ReplacementFileTest, FailsInAFolderThatIsGone) {
   EXPECT_EQ(replace("gone/take.wav", "new"), ENOENT);
 }
 
-TEST_F(AReplacementFile, ToldWhenItsFolderVanishedMeanwhile) {
+TEST_F(ReplacementFileTest, ToldWhenItsFolderVanishedMeanwhile) {
   const std::string medium = folder_.makeFolder("medium");
   const auto result = ReplacementFile::beside(medium + "/take.wav");
   ASSERT_TRUE(result);
@@ -184,7 +184,7 @@ TEST_F(AReplacementFile, ToldWhenItsFolderVanishedMeanwhile) {
   EXPECT_EQ(result->commit(), ENOENT);
 }
 
-TEST_F(AReplacementFile, TakesNamesOfEveryKindUpTo255Bytes) {
+TEST_F(ReplacementFileTest, TakesNamesOfEveryKindUpTo255Bytes) {
   for (const std::string& name :
        {std::string(251, 'x') + ".wav", std::string("two\nlines.wav"), std::string("100%s %n.wav"),
         std::string("\xE5\xBD\x95\xE9\x9F\xB3 \xD7\xA9.wav"), std::string("-rf .wav"),
@@ -195,7 +195,7 @@ TEST_F(AReplacementFile, TakesNamesOfEveryKindUpTo255Bytes) {
   EXPECT_EQ(replace(std::string(256, 'x'), "new"), ENAMETOOLONG);
 }
 
-TEST_F(AReplacementFile, TakesATargetInTheWorkingFolder) {
+TEST_F(ReplacementFileTest, TakesATargetInTheWorkingFolder) {
   const fs::path before = fs::current_path();
   fs::current_path(folder_.path());
   const auto result = ReplacementFile::beside("take.wav");

@@ -16,7 +16,7 @@ namespace {
 using platform::chooseTemporaryDirectory;
 using platform::TemporaryFiles;
 
-class TemporaryDirectory : public testing::Test {
+class TemporaryFilesDirectoryTest : public testing::Test {
  protected:
   void SetUp() override {
     std::string path = std::filesystem::temp_directory_path() / "orvo-test-XXXXXX";
@@ -29,7 +29,7 @@ class TemporaryDirectory : public testing::Test {
   const std::shared_ptr<TemporaryFiles> files_ = TemporaryFiles::whenNoneIsInstalled();
 };
 
-TEST_F(TemporaryDirectory, KeepsNoNameOfAnOpenTemporaryFile) {
+TEST_F(TemporaryFilesDirectoryTest, KeepsNoNameOfAnOpenTemporaryFile) {
   const auto created = files_->createUnlinked(path_ + "orvoXXXXXX");
   ASSERT_TRUE(created);
   EXPECT_TRUE(created->path.starts_with(path_ + "orvo"));
@@ -51,7 +51,7 @@ std::set<int> descriptorsIn(const std::string& directory) {
   return found;
 }
 
-TEST_F(TemporaryDirectory, MakesFilesForTheUserAloneThatNoChildProcessInherits) {
+TEST_F(TemporaryFilesDirectoryTest, MakesFilesForTheUserAloneThatNoChildProcessInherits) {
   if (!std::filesystem::exists("/proc/self/fd")) {
     GTEST_SKIP() << "no list of this process's descriptors";
   }
@@ -68,19 +68,19 @@ TEST_F(TemporaryDirectory, MakesFilesForTheUserAloneThatNoChildProcessInherits) 
   EXPECT_TRUE(descriptorsIn(path_).empty()) << "closing a file must release its storage";
 }
 
-TEST_F(TemporaryDirectory, ThatDoesNotExistGivesNoFile) {
+TEST_F(TemporaryFilesDirectoryTest, ThatDoesNotExistGivesNoFile) {
   const auto created = files_->createUnlinked(path_ + "missing/orvoXXXXXX");
   EXPECT_FALSE(created);
   EXPECT_EQ(created.error().error, ENOENT);
 }
 
-TEST_F(TemporaryDirectory, TemplateWithoutPlaceholdersGivesNoFile) {
+TEST_F(TemporaryFilesDirectoryTest, TemplateWithoutPlaceholdersGivesNoFile) {
   const auto created = files_->createUnlinked(path_ + "orvoXXX");
   EXPECT_FALSE(created);
   EXPECT_EQ(created.error().error, EINVAL);
 }
 
-TEST_F(TemporaryDirectory, KeepsTheNameOfAFileThatIsToHaveOne) {
+TEST_F(TemporaryFilesDirectoryTest, KeepsTheNameOfAFileThatIsToHaveOne) {
   const auto created = files_->createNamed(path_ + "orvo_XXXXXX.flt");
   ASSERT_TRUE(created);
   const std::filesystem::path path(created->path);
@@ -95,7 +95,7 @@ TEST_F(TemporaryDirectory, KeepsTheNameOfAFileThatIsToHaveOne) {
   EXPECT_TRUE(std::filesystem::is_empty(path_));
 }
 
-TEST_F(TemporaryDirectory, GivesEveryNamedFileANameOfItsOwn) {
+TEST_F(TemporaryFilesDirectoryTest, GivesEveryNamedFileANameOfItsOwn) {
   std::set<std::string> paths;
   for (int i = 0; i < 50; ++i) {
     paths.insert(files_->createNamed(path_ + "orvo_XXXXXX.flt")->path);
@@ -103,20 +103,20 @@ TEST_F(TemporaryDirectory, GivesEveryNamedFileANameOfItsOwn) {
   EXPECT_EQ(paths.size(), 50U);
 }
 
-TEST_F(TemporaryDirectory, ThatDoesNotExistGivesNoNamedFile) {
+TEST_F(TemporaryFilesDirectoryTest, ThatDoesNotExistGivesNoNamedFile) {
   const auto created = files_->createNamed(path_ + "missing/orvo_XXXXXX.flt");
   EXPECT_FALSE(created);
   EXPECT_EQ(created.error().error, ENOENT);
   EXPECT_TRUE(created.error().path.starts_with(path_ + "missing/orvo_"));
 }
 
-TEST_F(TemporaryDirectory, NamedTemplateWithoutPlaceholdersGivesNoFile) {
+TEST_F(TemporaryFilesDirectoryTest, NamedTemplateWithoutPlaceholdersGivesNoFile) {
   const auto created = files_->createNamed(path_ + "orvo.flt");
   EXPECT_FALSE(created);
   EXPECT_EQ(created.error().error, EINVAL);
 }
 
-TEST(DeleteFile, IgnoresWhatIsNotThere) {
+TEST(TemporaryFilesDeletionTest, IgnoresWhatIsNotThere) {
   EXPECT_NO_THROW(platform::deleteFile("/nowhere/at/all"));
 }
 
@@ -124,28 +124,28 @@ bool everythingOnDisk(const std::string& /*directory*/) {
   return true;
 }
 
-TEST(ChooseTemporaryDirectory, TakesTheUsersChoiceAsItStands) {
+TEST(TemporaryFilesDirectoryChoiceTest, TakesTheUsersChoiceAsItStands) {
   const auto nothingOnDisk = [](const std::string&) { return false; };
   EXPECT_EQ(chooseTemporaryDirectory("/home/me/tmp", nothingOnDisk), "/home/me/tmp/");
   EXPECT_EQ(chooseTemporaryDirectory("/home/me/tmp/", nothingOnDisk), "/home/me/tmp/");
   EXPECT_EQ(chooseTemporaryDirectory("/", nothingOnDisk), "/");
 }
 
-TEST(ChooseTemporaryDirectory, IsTmpWithoutAChoice) {
+TEST(TemporaryFilesDirectoryChoiceTest, IsTmpWithoutAChoice) {
   EXPECT_EQ(chooseTemporaryDirectory(nullptr, everythingOnDisk), "/tmp/");
   EXPECT_EQ(chooseTemporaryDirectory("", everythingOnDisk), "/tmp/");
 }
 
-TEST(ChooseTemporaryDirectory, AvoidsATmpInMemoryWhereVarTmpIsOnDisk) {
+TEST(TemporaryFilesDirectoryChoiceTest, AvoidsATmpInMemoryWhereVarTmpIsOnDisk) {
   const auto varTmpOnly = [](const std::string& directory) { return directory == "/var/tmp"; };
   EXPECT_EQ(chooseTemporaryDirectory(nullptr, varTmpOnly), "/var/tmp/");
 }
 
-TEST(ChooseTemporaryDirectory, StaysInTmpWhereNothingIsOnDisk) {
+TEST(TemporaryFilesDirectoryChoiceTest, StaysInTmpWhereNothingIsOnDisk) {
   EXPECT_EQ(chooseTemporaryDirectory(nullptr, [](const std::string&) { return false; }), "/tmp/");
 }
 
-TEST(TemporaryFiles, HaveADirectoryThatExistsAndEndsInASeparator) {
+TEST(TemporaryFilesTest, HaveADirectoryThatExistsAndEndsInASeparator) {
   const std::string directory = platform::temporaryFiles()->directory();
   EXPECT_EQ(directory.back(), '/');
   EXPECT_TRUE(std::filesystem::is_directory(directory));

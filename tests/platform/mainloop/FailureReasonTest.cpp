@@ -6,13 +6,13 @@
 
 using platform::failureReason;
 
-TEST(FailureReason, IsASentenceForWhatAUserMeets) {
+TEST(FailureReasonTest, IsASentenceForWhatAUserMeets) {
   EXPECT_EQ(failureReason(ENOSPC), "The disk is full.");
   EXPECT_EQ(failureReason(EACCES), failureReason(EPERM));
   EXPECT_EQ(failureReason(EISDIR), "There is a folder of this name.");
 }
 
-TEST(FailureReason, IsTheSystemsOwnTextForAnythingElse) {
+TEST(FailureReasonTest, IsTheSystemsOwnTextForAnythingElse) {
   EXPECT_NE(failureReason(ECHILD), "");
   EXPECT_NE(failureReason(ECHILD), failureReason(ENOSPC));
 }

@@ -5,7 +5,7 @@
 #include <QFontMetricsF>
 #include <QStringList>
 
-TEST(FontPreparation, FontsAreThereAfterwardsAndASecondFinishDoesNothing) {
+TEST(FontPreparationTest, FontsAreThereAfterwardsAndASecondFinishDoesNothing) {
   platform::FontPreparation fonts;
   fonts.finish();
   fonts.finish();
@@ -13,7 +13,7 @@ TEST(FontPreparation, FontsAreThereAfterwardsAndASecondFinishDoesNothing) {
   EXPECT_GT(QFontMetricsF(QFont()).horizontalAdvance("Orvo"), 0.0);
 }
 
-TEST(FontPreparation, MayBeLeftUnfinished) {
+TEST(FontPreparationTest, MayBeLeftUnfinished) {
   { const platform::FontPreparation fonts; }
   EXPECT_GT(QFontMetricsF(QFont()).horizontalAdvance("Orvo"), 0.0);
 }

@@ -23,13 +23,13 @@ class Echo : public QTranslator {
 
 static_assert(!std::is_constructible_v<TextKey, const char*>, "a text in a variable is no key");
 
-TEST(Localization, ATextWithoutATranslationIsShownAsItIs) {
+TEST(LocalizationTest, ATextWithoutATranslationIsShownAsItIs) {
   EXPECT_EQ(localized("Öffnen…"), "Öffnen…");
   EXPECT_EQ(localizedUtf8("100% of “%1”"), "100% of “%1”");
   EXPECT_EQ(localized(textKey("Open…")), "Open…");
 }
 
-TEST(Localization, LiteralsKeysAndInterfaceFilesAreLookedUpAlike) {
+TEST(LocalizationTest, LiteralsKeysAndInterfaceFilesAreLookedUpAlike) {
   const Echo echo;
   constexpr TextKey kKept = textKey("Open…");
   EXPECT_STREQ(kKept.english(), "Open…");

@@ -10,20 +10,20 @@
 using platform::isMainThread;
 using platform::mainQueue;
 
-TEST(MainQueue, AsyncFromAnotherThreadRunsOnTheMainThread) {
+TEST(MainQueueTest, AsyncFromAnotherThreadRunsOnTheMainThread) {
   std::atomic<bool> onMain = false;
   std::thread worker([&] { mainQueue().async([&] { onMain = isMainThread(); }); });
   worker.join();
   EXPECT_TRUE(runMainLoopUntil([&] { return onMain.load(); }));
 }
 
-TEST(MainQueue, SyncFromTheMainThreadRunsAtOnce) {
+TEST(MainQueueTest, SyncFromTheMainThreadRunsAtOnce) {
   bool ran = false;
   mainQueue().sync([&] { ran = true; });
   EXPECT_TRUE(ran);
 }
 
-TEST(MainQueue, SyncFromAnotherThreadWaitsForTheBlock) {
+TEST(MainQueueTest, SyncFromAnotherThreadWaitsForTheBlock) {
   bool ran = false;
   std::atomic<bool> finished = false;
   std::thread worker([&] {
@@ -35,7 +35,7 @@ TEST(MainQueue, SyncFromAnotherThreadWaitsForTheBlock) {
   EXPECT_TRUE(ran);
 }
 
-TEST(MainQueue, BlocksRunInOrderAndALoopInsideABlockServesTheRest) {
+TEST(MainQueueTest, BlocksRunInOrderAndALoopInsideABlockServesTheRest) {
   std::vector<int> order;
   mainQueue().async([&] {
     order.push_back(1);

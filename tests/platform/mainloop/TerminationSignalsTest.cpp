@@ -24,7 +24,7 @@ Handler handlerOf(int signal) {
   return action.sa_handler;
 }
 
-TEST(ATerminationSignal, BecomesOneCallFromTheMainLoop) {
+TEST(TerminationSignalsTest, ASignalBecomesOneCallFromTheMainLoop) {
   for (const int signal : kSignals) {
     int calls = 0;
     const TerminationSignals signals([&calls] { ++calls; });
@@ -36,7 +36,7 @@ TEST(ATerminationSignal, BecomesOneCallFromTheMainLoop) {
   }
 }
 
-TEST(ATerminationSignal, OfAnotherKindIsACallOfItsOwn) {
+TEST(TerminationSignalsTest, ASignalOfAnotherKindIsACallOfItsOwn) {
   int calls = 0;
   const TerminationSignals signals([&calls] { ++calls; });
   ASSERT_EQ(std::raise(SIGINT), 0);
@@ -45,7 +45,7 @@ TEST(ATerminationSignal, OfAnotherKindIsACallOfItsOwn) {
   EXPECT_TRUE(runMainLoopUntil([&calls] { return calls == 2; }));
 }
 
-TEST(ATerminationSignal, ThatAnotherThreadTakesArrivesAllTheSameAndLeavesErrno) {
+TEST(TerminationSignalsTest, ASignalThatAnotherThreadTakesArrivesAllTheSameAndLeavesErrno) {
   int calls = 0;
   const TerminationSignals signals([&calls] { ++calls; });
   std::thread([] {
@@ -56,7 +56,7 @@ TEST(ATerminationSignal, ThatAnotherThreadTakesArrivesAllTheSameAndLeavesErrno) 
   EXPECT_TRUE(runMainLoopUntil([&calls] { return calls == 1; }));
 }
 
-TEST(ATerminationSignal, ThatCameBeforeTheMainLoopIsNotForgotten) {
+TEST(TerminationSignalsTest, ASignalThatCameBeforeTheMainLoopIsNotForgotten) {
   int calls = 0;
   const TerminationSignals signals([&calls] { ++calls; });
   ASSERT_EQ(std::raise(SIGHUP), 0);
@@ -64,7 +64,7 @@ TEST(ATerminationSignal, ThatCameBeforeTheMainLoopIsNotForgotten) {
   EXPECT_TRUE(runMainLoopUntil([&calls] { return calls > 0; }));
 }
 
-TEST(ATerminationSignalDeathTest, EndsTheProgramTheSecondTime) {
+TEST(TerminationSignalsDeathTest, ASignalEndsTheProgramTheSecondTime) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (const int signal : kSignals) {
     EXPECT_EXIT(
@@ -77,7 +77,7 @@ TEST(ATerminationSignalDeathTest, EndsTheProgramTheSecondTime) {
   }
 }
 
-TEST(ATerminationSignal, ThatWasIgnoredStaysIgnored) {
+TEST(TerminationSignalsTest, ASignalThatWasIgnoredStaysIgnored) {
   const Handler before = std::signal(SIGHUP, SIG_IGN);
   {
     const TerminationSignals signals([] { ADD_FAILURE() << "called"; });
@@ -89,7 +89,7 @@ TEST(ATerminationSignal, ThatWasIgnoredStaysIgnored) {
   std::signal(SIGHUP, before);
 }
 
-TEST(TheTerminationSignals, AreAgainWhatTheyWere) {
+TEST(TerminationSignalsTest, SignalsAreAgainWhatTheyWere) {
   std::array<Handler, kSignals.size()> before{};
   std::transform(kSignals.begin(), kSignals.end(), before.begin(), handlerOf);
   {

@@ -7,7 +7,7 @@
 
 #include "support/MainLoop.h"
 
-TEST(Timer, RepeatsUntilItIsDestroyed) {
+TEST(TimerTest, RepeatsUntilItIsDestroyed) {
   int ticks = 0;
   auto timer = std::make_unique<platform::Timer>(0.001, [&] { ++ticks; });
   EXPECT_TRUE(runMainLoopUntil([&] { return ticks >= 3; }));
@@ -17,7 +17,7 @@ TEST(Timer, RepeatsUntilItIsDestroyed) {
   EXPECT_EQ(ticks, last);
 }
 
-TEST(Timer, MayBeDestroyedByItsOwnTick) {
+TEST(TimerTest, MayBeDestroyedByItsOwnTick) {
   std::unique_ptr<platform::Timer> timer;
   int ticks = 0;
   timer = std::make_unique<platform::Timer>(0.001, [&] {
@@ -27,7 +27,7 @@ TEST(Timer, MayBeDestroyedByItsOwnTick) {
   EXPECT_TRUE(runMainLoopUntil([&] { return ticks == 1 && !timer; }));
 }
 
-TEST(Timer, RoundsItsIntervalToMilliseconds) {
+TEST(TimerTest, RoundsItsIntervalToMilliseconds) {
   const platform::Timer fast(0.0, [] {});
   const platform::Timer spectrum(1.0 / 30.0, [] {});
   EXPECT_DOUBLE_EQ(fast.intervalInSeconds(), 0.001);

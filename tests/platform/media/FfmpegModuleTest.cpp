@@ -20,7 +20,7 @@ namespace {
 
 using testing::HasSubstr;
 
-TEST(FfmpegModule, IsLoadedOnceForManyThreads) {
+TEST(FfmpegModuleTest, IsLoadedOnceForManyThreads) {
   std::vector<const FfmpegModule*> modules(8);
   {
     std::vector<std::jthread> threads;
@@ -33,7 +33,7 @@ TEST(FfmpegModule, IsLoadedOnceForManyThreads) {
   EXPECT_THAT(modules, testing::Each(modules.front()));
 }
 
-TEST(FfmpegModule, NamesFfmpegsLibrariesInItsFileForPackagingTools) {
+TEST(FfmpegModuleTest, NamesFfmpegsLibrariesInItsFileForPackagingTools) {
   const FfmpegModule* const module = ffmpegModule();
   ASSERT_NE(module, nullptr);
   Dl_info found{};
@@ -62,7 +62,7 @@ void useWithoutLibraries() {
   _exit(isMissing && isToldOnce ? 0 : 1);
 }
 
-TEST(FfmpegModule, ThatIsMissingIsLoggedOnceAndFailsEveryTime) {
+TEST(FfmpegModuleTest, ThatIsMissingIsLoggedOnceAndFailsEveryTime) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process that has not loaded it yet
   EXPECT_EXIT(useWithoutLibraries(), testing::ExitedWithCode(0), "");
 }

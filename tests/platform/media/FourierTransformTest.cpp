@@ -63,7 +63,7 @@ double largestError(const Split& result, std::size_t stride,
 
 }  // namespace
 
-TEST(FourierTransform, AgreesWithASlowTransformInDoublePrecision) {
+TEST(FourierTransformTest, AgreesWithASlowTransformInDoublePrecision) {
   for (const int log2Length : {1, 2, 3, 5, 8, 12}) {
     const auto transform = FourierTransform::create(log2Length);
     ASSERT_TRUE(transform) << log2Length;
@@ -76,7 +76,7 @@ TEST(FourierTransform, AgreesWithASlowTransformInDoublePrecision) {
   }
 }
 
-TEST(FourierTransform, TakesEveryElementThatTheInputStrideTells) {
+TEST(FourierTransformTest, TakesEveryElementThatTheInputStrideTells) {
   const auto transform = FourierTransform::create(9);
   const std::size_t n = transform->length();
   for (const std::size_t stride : {2U, 3U}) {
@@ -87,7 +87,7 @@ TEST(FourierTransform, TakesEveryElementThatTheInputStrideTells) {
   }
 }
 
-TEST(FourierTransform, PutsBinsWhereTheOutputStrideTellsAndTouchesNothingBetween) {
+TEST(FourierTransformTest, PutsBinsWhereTheOutputStrideTellsAndTouchesNothingBetween) {
   const auto transform = FourierTransform::create(6);
   const std::size_t n = transform->length();
   Split input = noise(n);
@@ -100,7 +100,7 @@ TEST(FourierTransform, PutsBinsWhereTheOutputStrideTellsAndTouchesNothingBetween
   }
 }
 
-TEST(FourierTransform, IsNotNormalised) {
+TEST(FourierTransformTest, IsNotNormalised) {
   const auto transform = FourierTransform::create(12);
   const std::size_t n = transform->length();
   Split input(n);
@@ -115,7 +115,7 @@ TEST(FourierTransform, IsNotNormalised) {
   EXPECT_NEAR(output.im[100], 0.0F, 0.01F);
 }
 
-TEST(FourierTransform, TurnsForwardWithANegativeExponent) {
+TEST(FourierTransformTest, TurnsForwardWithANegativeExponent) {
   const auto transform = FourierTransform::create(3);
   Split input(8);
   input.re[1] = 1.0F;
@@ -125,7 +125,7 @@ TEST(FourierTransform, TurnsForwardWithANegativeExponent) {
   EXPECT_NEAR(output.im[2], -1.0F, 1e-6F);  // exp(−jπ/2)
 }
 
-TEST(FourierTransform, LeavesItsInputAlone) {
+TEST(FourierTransformTest, LeavesItsInputAlone) {
   const auto transform = FourierTransform::create(7);
   Split input = noise(128);
   const Split before = input;
@@ -135,7 +135,7 @@ TEST(FourierTransform, LeavesItsInputAlone) {
   EXPECT_EQ(input.im, before.im);
 }
 
-TEST(FourierTransform, GivesTheSameAgainAndOnTopOfItsInput) {
+TEST(FourierTransformTest, GivesTheSameAgainAndOnTopOfItsInput) {
   const auto transform = FourierTransform::create(7);
   Split input = noise(128);
   Split first(128);
@@ -148,7 +148,7 @@ TEST(FourierTransform, GivesTheSameAgainAndOnTopOfItsInput) {
   EXPECT_EQ(input.im, first.im);
 }
 
-TEST(FourierTransform, TakesArraysOfAnyAlignment) {
+TEST(FourierTransformTest, TakesArraysOfAnyAlignment) {
   const auto transform = FourierTransform::create(12);
   const std::size_t n = transform->length();
   Split input = noise(n + 3);
@@ -164,7 +164,7 @@ TEST(FourierTransform, TakesArraysOfAnyAlignment) {
               testing::ElementsAreArray(expected.re));
 }
 
-TEST(FourierTransform, RefusesLengthsThatItCannotServe) {
+TEST(FourierTransformTest, RefusesLengthsThatItCannotServe) {
   for (const int log2Length : {-1, 0, 21, 31, 64}) {
     EXPECT_FALSE(FourierTransform::create(log2Length)) << log2Length;
   }

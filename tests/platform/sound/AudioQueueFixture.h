@@ -192,9 +192,9 @@ struct Playback {
 };
 
 /// Queues on a scripted device. Uses the system's clock; see TurnedClock for the other.
-class AudioQueuesTest : public testing::Test {
+class AudioQueueFixture : public testing::Test {
  protected:
-  ~AudioQueuesTest() override { device->release(); }
+  ~AudioQueueFixture() override { device->release(); }
 
   support::InstalledRecordingServices services;
   std::shared_ptr<ScriptedAudioDevice> device = std::make_shared<ScriptedAudioDevice>();
@@ -202,9 +202,9 @@ class AudioQueuesTest : public testing::Test {
 };
 
 /// The same with a clock that the test turns.
-class TurnedClockTest : public testing::Test {
+class TurnedClockFixture : public testing::Test {
  protected:
-  ~TurnedClockTest() override { device->release(); }
+  ~TurnedClockFixture() override { device->release(); }
 
   /// Returns when the control thread has done all that was due.
   void settle() {

@@ -5,7 +5,7 @@
 namespace platform::test {
 namespace {
 
-using DeviceAudioQueuesTest = AudioQueuesTest;
+using DeviceAudioQueuesTest = AudioQueueFixture;
 
 TEST_F(DeviceAudioQueuesTest, OtherFormatsAreRefusedWithoutTouchingTheDevice) {
   const AudioStreamBasicDescription zero;

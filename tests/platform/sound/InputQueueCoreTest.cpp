@@ -9,7 +9,7 @@
 namespace platform::test {
 namespace {
 
-class InputQueueCoreTest : public AudioQueuesTest {
+class InputQueueCoreTest : public AudioQueueFixture {
  protected:
   void feed(std::uint64_t first, std::size_t frames) {
     ASSERT_TRUE(device->feed(ramp(first, frames)));

@@ -20,7 +20,7 @@ class NoOutput final : public AudioOutputClient {
   void deviceOutputFailed(AudioStatus) noexcept override {}
 };
 
-TEST(LateAudioDevice, OfAMissingModuleIsLoggedOnceAndUnavailableEveryTime) {
+TEST(LateAudioDeviceTest, OfAMissingModuleIsLoggedOnceAndUnavailableEveryTime) {
   const support::InstalledRecordingServices services;
   const auto device = lateAudioDevice("orvo-there-is-none");
   device->prepare();

@@ -13,7 +13,7 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using States = std::vector<std::uint32_t>;
 
-class OutputQueueCoreTest : public AudioQueuesTest {
+class OutputQueueCoreTest : public AudioQueueFixture {
  protected:
   /// Pulls, and waits until the player has refilled what was emptied.
   std::vector<float> pullAndRefill(std::uint32_t frames) {
@@ -33,7 +33,7 @@ class OutputQueueCoreTest : public AudioQueuesTest {
   std::size_t pulled_ = 0;
 };
 
-class OutputQueueTimeTest : public TurnedClockTest {
+class OutputQueueCoreTimeTest : public TurnedClockFixture {
  protected:
   Playback playback;
 };
@@ -69,7 +69,7 @@ TEST_F(OutputQueueCoreTest, AClipShorterThanARequestIsHeardToItsLastFrame) {
   EXPECT_TRUE(device->awaitOutputsClosed(1));
 }
 
-TEST_F(OutputQueueTimeTest, ADrainWaitsUntilTheLastRealFrameWasHeard) {
+TEST_F(OutputQueueCoreTimeTest, ADrainWaitsUntilTheLastRealFrameWasHeard) {
   playback.source = ramp(1, 2000);
   ASSERT_EQ(playback.begin(*queues), kAudioStatusOk);
   device->pull(1500);
@@ -151,7 +151,7 @@ TEST_F(OutputQueueCoreTest, APauseKeepsTheDataAndResumesSampleForSample) {
   EXPECT_EQ(playback.states.values(), States{1});
 }
 
-TEST_F(OutputQueueTimeTest, APauseDuringADrainHoldsItUntilTheResumption) {
+TEST_F(OutputQueueCoreTimeTest, APauseDuringADrainHoldsItUntilTheResumption) {
   playback.source = ramp(1, 500);
   ASSERT_EQ(playback.begin(*queues), kAudioStatusOk);
   device->pull(1000);
@@ -319,7 +319,7 @@ TEST_F(OutputQueueCoreTest, BuffersMayGoWhileTheDeviceIsAsking) {
   }
 }
 
-TEST_F(OutputQueueTimeTest, AnImmediateStopDoesNotWaitForADeviceThatHangs) {
+TEST_F(OutputQueueCoreTimeTest, AnImmediateStopDoesNotWaitForADeviceThatHangs) {
   playback.source = ramp(1, 20000);
   ASSERT_EQ(playback.begin(*queues), kAudioStatusOk);
   device->hang();
@@ -331,7 +331,7 @@ TEST_F(OutputQueueTimeTest, AnImmediateStopDoesNotWaitForADeviceThatHangs) {
   EXPECT_TRUE(device->awaitOutputsClosed(1));
 }
 
-TEST_F(OutputQueueTimeTest, AFailureAtOpeningIsAnsweredAtOnceForASecondAndThenTriedAnew) {
+TEST_F(OutputQueueCoreTimeTest, AFailureAtOpeningIsAnsweredAtOnceForASecondAndThenTriedAnew) {
   device->failOpeningOutput(-5);
   EXPECT_EQ(playback.make(*queues), -5);
   EXPECT_EQ(playback.queue, nullptr);
@@ -353,7 +353,7 @@ TEST_F(OutputQueueCoreTest, AFailureThatStartAnswersIsNotToldByTheListener) {
   EXPECT_EQ(playback.states.count(), 0U);
 }
 
-TEST_F(OutputQueueTimeTest, ADeviceThatHangsIsWaitedForAQuarterOfASecondInAll) {
+TEST_F(OutputQueueCoreTimeTest, ADeviceThatHangsIsWaitedForAQuarterOfASecondInAll) {
   device->hang();
   playback.source = ramp(1, 5000);
   auto making = std::async(std::launch::async, [&] { return playback.begin(*queues); });
@@ -371,7 +371,7 @@ TEST_F(OutputQueueTimeTest, ADeviceThatHangsIsWaitedForAQuarterOfASecondInAll) {
   EXPECT_EQ(device->pull(1024), ramp(1, 1024));
 }
 
-TEST_F(OutputQueueTimeTest, AFailureThatComesLateEndsTheQueueThroughItsListener) {
+TEST_F(OutputQueueCoreTimeTest, AFailureThatComesLateEndsTheQueueThroughItsListener) {
   device->hang();
   playback.source = ramp(1, 5000);
   auto making = std::async(std::launch::async, [&] { return playback.begin(*queues); });

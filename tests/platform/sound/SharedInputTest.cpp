@@ -11,8 +11,8 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-using SharedInputTest = AudioQueuesTest;
-using SharedInputTimeTest = TurnedClockTest;
+using SharedInputTest = AudioQueueFixture;
+using SharedInputTimeTest = TurnedClockFixture;
 
 std::size_t threadCount() {
   const std::filesystem::directory_iterator tasks("/proc/self/task");

@@ -14,7 +14,7 @@ const QColor kRing(39, 163, 173);
 
 }  // namespace
 
-TEST(FocusRing, ShowsWhenTheKeyboardBroughtTheFocus) {
+TEST(FocusRingTest, ShowsWhenTheKeyboardBroughtTheFocus) {
   for (const auto reason : {Qt::TabFocusReason, Qt::BacktabFocusReason, Qt::ShortcutFocusReason}) {
     platform::FocusRing ring;
     EXPECT_TRUE(handle(ring, QEvent::FocusIn, reason));
@@ -24,7 +24,7 @@ TEST(FocusRing, ShowsWhenTheKeyboardBroughtTheFocus) {
   }
 }
 
-TEST(FocusRing, DoesNotShowAfterAClickOrWhenAWindowComesToTheFront) {
+TEST(FocusRingTest, DoesNotShowAfterAClickOrWhenAWindowComesToTheFront) {
   for (const auto reason :
        {Qt::MouseFocusReason, Qt::ActiveWindowFocusReason, Qt::OtherFocusReason}) {
     platform::FocusRing ring;
@@ -33,7 +33,7 @@ TEST(FocusRing, DoesNotShowAfterAClickOrWhenAWindowComesToTheFront) {
   }
 }
 
-TEST(FocusRing, OutlastsAWindowInFrontAndAMenu) {
+TEST(FocusRingTest, OutlastsAWindowInFrontAndAMenu) {
   platform::FocusRing ring;
   ASSERT_TRUE(handle(ring, QEvent::FocusIn, Qt::TabFocusReason));
   for (const auto reason : {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason}) {
@@ -43,7 +43,7 @@ TEST(FocusRing, OutlastsAWindowInFrontAndAMenu) {
   }
 }
 
-TEST(FocusRing, ShowsAgainWhenTheProgramGivesBackTheKeyboardThatItTook) {
+TEST(FocusRingTest, ShowsAgainWhenTheProgramGivesBackTheKeyboardThatItTook) {
   platform::FocusRing ring;
   ASSERT_TRUE(handle(ring, QEvent::FocusIn, Qt::TabFocusReason));
   EXPECT_TRUE(handle(ring, QEvent::FocusOut, Qt::OtherFocusReason));
@@ -52,7 +52,7 @@ TEST(FocusRing, ShowsAgainWhenTheProgramGivesBackTheKeyboardThatItTook) {
   EXPECT_TRUE(ring.isShown());
 }
 
-TEST(FocusRing, DoesNotShowAgainWhenSomethingElseHappenedInBetween) {
+TEST(FocusRingTest, DoesNotShowAgainWhenSomethingElseHappenedInBetween) {
   platform::FocusRing ring;
   ASSERT_TRUE(handle(ring, QEvent::FocusIn, Qt::TabFocusReason));
   ASSERT_TRUE(handle(ring, QEvent::FocusOut, Qt::OtherFocusReason));
@@ -62,7 +62,7 @@ TEST(FocusRing, DoesNotShowAgainWhenSomethingElseHappenedInBetween) {
   EXPECT_FALSE(ring.isShown());
 }
 
-TEST(FocusRing, IsTwoPointsWideAlongTheInsideAndNothingWhileItIsNotShown) {
+TEST(FocusRingTest, IsTwoPointsWideAlongTheInsideAndNothingWhileItIsNotShown) {
   for (const int ratio : {1, 2}) {
     platform::FocusRing ring;
     const auto drawn = [&] {

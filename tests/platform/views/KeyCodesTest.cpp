@@ -18,50 +18,50 @@ QKeyEvent pressAtPosition(int key, quint32 scanCode) {
   return {QEvent::KeyPress, key, Qt::NoModifier, scanCode, 0, 0};
 }
 
-TEST(KeyCodes, TheThreeTransportKeysHaveTheirHardwareCodes) {
+TEST(KeyCodesTest, TheThreeTransportKeysHaveTheirHardwareCodes) {
   EXPECT_EQ(hardwareKeyCode(press(Qt::Key_R)), 15);
   EXPECT_EQ(hardwareKeyCode(press(Qt::Key_Return)), 36);
   EXPECT_EQ(hardwareKeyCode(press(Qt::Key_Space)), 49);
 }
 
-TEST(KeyCodes, EnterOfTheNumberPadCountsAsReturn) {
+TEST(KeyCodesTest, EnterOfTheNumberPadCountsAsReturn) {
   EXPECT_EQ(hardwareKeyCode(press(Qt::Key_Enter, Qt::KeypadModifier)), 36);
 }
 
-TEST(KeyCodes, OtherKeysAreUnmapped) {
+TEST(KeyCodesTest, OtherKeysAreUnmapped) {
   for (const int key : {Qt::Key_A, Qt::Key_S, Qt::Key_Escape, Qt::Key_Tab, Qt::Key_Left}) {
     EXPECT_EQ(hardwareKeyCode(press(key)), 0xFFFF) << key;
   }
 }
 
-TEST(KeyCodes, ShiftDoesNotChangeAKey) {
+TEST(KeyCodesTest, ShiftDoesNotChangeAKey) {
   EXPECT_EQ(hardwareKeyCode(press(Qt::Key_R, Qt::ShiftModifier)), 15);
   EXPECT_EQ(hardwareKeyCode(press(Qt::Key_Space, Qt::ShiftModifier)), 49);
 }
 
-TEST(KeyCodes, APressWithACommandModifierIsUnmapped) {
+TEST(KeyCodesTest, APressWithACommandModifierIsUnmapped) {
   for (const auto modifier : {Qt::ControlModifier, Qt::AltModifier, Qt::MetaModifier}) {
     EXPECT_EQ(hardwareKeyCode(press(Qt::Key_R, modifier)), 0xFFFF);
     EXPECT_EQ(hardwareKeyCode(press(Qt::Key_Space, modifier)), 0xFFFF);
   }
 }
 
-TEST(KeyCodes, AReleaseKeepsItsCodeWhateverWasHeldMeanwhile) {
+TEST(KeyCodesTest, AReleaseKeepsItsCodeWhateverWasHeldMeanwhile) {
   EXPECT_EQ(hardwareKeyCode(release(Qt::Key_R, Qt::ControlModifier)), 15);
   EXPECT_EQ(hardwareKeyCode(release(Qt::Key_Space, Qt::AltModifier)), 49);
 }
 
-TEST(KeyCodes, ThePlainCodeTakesNoNoticeOfModifiers) {
+TEST(KeyCodesTest, ThePlainCodeTakesNoNoticeOfModifiers) {
   EXPECT_EQ(platform::plainKeyCode(press(Qt::Key_Space, Qt::ControlModifier)), 49);
   EXPECT_EQ(platform::plainKeyCode(press(Qt::Key_S, Qt::ControlModifier)), 0xFFFF);
 }
 
-TEST(KeyCodes, ANonLatinLetterIsReadByItsPosition) {
+TEST(KeyCodesTest, ANonLatinLetterIsReadByItsPosition) {
   EXPECT_EQ(hardwareKeyCode(pressAtPosition(0x041A, 27)), 15);  // Cyrillic Ka, on the R key
   EXPECT_EQ(hardwareKeyCode(pressAtPosition(0x041A, 28)), 0xFFFF);
 }
 
-TEST(KeyCodes, ALatinLayoutIsReadByItsLetters) {
+TEST(KeyCodesTest, ALatinLayoutIsReadByItsLetters) {
   EXPECT_EQ(hardwareKeyCode(pressAtPosition(Qt::Key_P, 27)), 0xFFFF);  // another layout's R key
   EXPECT_EQ(hardwareKeyCode(pressAtPosition(Qt::Key_R, 32)), 15);
   EXPECT_EQ(hardwareKeyCode(pressAtPosition(Qt::Key_F1, 27)), 0xFFFF);

@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(NamedImage, EveryImageOfTheWindowIsThereAtBothSizes) {
+TEST(NamedImageTest, EveryImageOfTheWindowIsThereAtBothSizes) {
   for (const char* name : {"rec_on.png", "rec_off.png", "play_on.png", "play_off.png", "prev.png",
                            "next.png", "stop.png", "pause.png"}) {
     const platform::NamedImage image((QString::fromLatin1(name)));
@@ -21,25 +21,25 @@ TEST(NamedImage, EveryImageOfTheWindowIsThereAtBothSizes) {
   }
 }
 
-TEST(NamedImage, TheProgramsIconIsThereInEverySize) {
+TEST(NamedImageTest, TheProgramsIconIsThereInEverySize) {
   for (const int size : {16, 32, 48, 64, 128, 256}) {
     const platform::NamedImage image(QStringLiteral("orvo-%1.png").arg(size));
     EXPECT_EQ(image.size(), QSizeF(size, size)) << size;
   }
 }
 
-TEST(NamedImage, AnyRatioAboveOneAsksForTheDoubleSize) {
+TEST(NamedImageTest, AnyRatioAboveOneAsksForTheDoubleSize) {
   const platform::NamedImage image(QStringLiteral("stop.png"));
   EXPECT_EQ(image.forRatio(1.25).size(), QSize(36, 36));
   EXPECT_EQ(image.forRatio(3.0).size(), QSize(36, 36));
 }
 
-TEST(NamedImage, WithoutADoubleSizeTheSingleOneServes) {
+TEST(NamedImageTest, WithoutADoubleSizeTheSingleOneServes) {
   const platform::NamedImage image(QStringLiteral("orvo-16.png"));
   EXPECT_EQ(image.forRatio(2.0).size(), QSize(16, 16));
 }
 
-TEST(NamedImage, AnUnknownNameIsNullAndHasNoSize) {
+TEST(NamedImageTest, AnUnknownNameIsNullAndHasNoSize) {
   for (const char* name : {"", "nothing.png", "nothing"}) {
     const platform::NamedImage image((QString::fromLatin1(name)));
     EXPECT_TRUE(image.isNull()) << name;

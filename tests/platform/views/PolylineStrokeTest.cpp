@@ -53,7 +53,7 @@ QImage reference(QSize size, int ratio, const std::vector<QPointF>& points, doub
   return averaged;
 }
 
-class PolylineStroke : public testing::TestWithParam<int> {
+class PolylineStrokeTest : public testing::TestWithParam<int> {
  protected:
   [[nodiscard]] static int ratio() { return GetParam(); }
 
@@ -74,25 +74,25 @@ class PolylineStroke : public testing::TestWithParam<int> {
 
 }  // namespace
 
-TEST_P(PolylineStroke, DenseHighZigzagsLookAsIfStrokedAsOneShape) {
+TEST_P(PolylineStrokeTest, DenseHighZigzagsLookAsIfStrokedAsOneShape) {
   expectLikeReference({60, 50}, zigzag({60, 50}, 60, 0.9), 1.0);
 }
 
-TEST_P(PolylineStroke, LowZigzagsKeepTheTipsOfTheirJoins) {
+TEST_P(PolylineStrokeTest, LowZigzagsKeepTheTipsOfTheirJoins) {
   expectLikeReference({60, 30}, zigzag({60, 30}, 30, 0.3), 1.0);
 }
 
-TEST_P(PolylineStroke, SparseZigzagsAndWiderPensLookAsIfStrokedAsOneShape) {
+TEST_P(PolylineStrokeTest, SparseZigzagsAndWiderPensLookAsIfStrokedAsOneShape) {
   expectLikeReference({60, 50}, zigzag({60, 50}, 6, 0.9), 1.0);
   expectLikeReference({60, 50}, zigzag({60, 50}, 6, 0.9), 4.0);
 }
 
-TEST_P(PolylineStroke, LinesThatTurnBackOnThemselvesLookAsIfStrokedAsOneShape) {
+TEST_P(PolylineStrokeTest, LinesThatTurnBackOnThemselvesLookAsIfStrokedAsOneShape) {
   const std::vector<QPointF> star{{5, 5}, {55, 30}, {5, 20}, {40, 45}, {30, 4}, {12, 44}, {50, 8}};
   expectLikeReference({60, 50}, star, 2.0);
 }
 
-TEST_P(PolylineStroke, LevelLinesFillWholePixels) {
+TEST_P(PolylineStrokeTest, LevelLinesFillWholePixels) {
   const QImage picture = draw({20, 20}, {{2.0, 10.5}, {18.0, 10.5}}, 1.0);
   for (int x = 0; x < picture.width(); ++x) {
     const bool inside = x >= 2 * ratio() && x < 18 * ratio();
@@ -103,13 +103,13 @@ TEST_P(PolylineStroke, LevelLinesFillWholePixels) {
   }
 }
 
-TEST_P(PolylineStroke, OverlapsAreBlendedOnce) {
+TEST_P(PolylineStrokeTest, OverlapsAreBlendedOnce) {
   const std::vector<QPointF> backAndForth{{2, 10.5}, {18, 10.5}, {2, 10.5}, {18, 10.5}};
   const QImage picture = draw({20, 20}, backAndForth, 1.0, QColor(255, 255, 255, 128));
   EXPECT_EQ(picture.pixelColor(10 * ratio(), 9 * ratio()), QColor(128, 128, 128));
 }
 
-TEST_P(PolylineStroke, WhatLiesOutsideTheAreaIsCutOff) {
+TEST_P(PolylineStrokeTest, WhatLiesOutsideTheAreaIsCutOff) {
   const std::vector<QPointF> far{{-1e6, 10}, {10, 10}, {10, 1e6}, {1e6, -1e6}};
   const QImage picture = draw({20, 20}, far, 2.0);
   EXPECT_EQ(picture.pixelColor(0, 10 * ratio()), QColor(Qt::white));
@@ -119,7 +119,7 @@ TEST_P(PolylineStroke, WhatLiesOutsideTheAreaIsCutOff) {
             makePicture({20, 20}, ratio(), Qt::black));
 }
 
-TEST_P(PolylineStroke, PointsThatCoincideOrAreNotFiniteAreLeftOut) {
+TEST_P(PolylineStrokeTest, PointsThatCoincideOrAreNotFiniteAreLeftOut) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double infinity = std::numeric_limits<double>::infinity();
   const std::vector<QPointF> plain{{2, 5}, {10, 15}, {18, 5}};
@@ -128,21 +128,21 @@ TEST_P(PolylineStroke, PointsThatCoincideOrAreNotFiniteAreLeftOut) {
   EXPECT_EQ(draw({20, 20}, odd, 1.0), draw({20, 20}, plain, 1.0));
 }
 
-TEST_P(PolylineStroke, NoneOrOnePointDrawsNothing) {
+TEST_P(PolylineStrokeTest, NoneOrOnePointDrawsNothing) {
   const QImage blank = makePicture({20, 20}, ratio(), Qt::black);
   EXPECT_EQ(draw({20, 20}, {}, 1.0), blank);
   EXPECT_EQ(draw({20, 20}, {{10, 10}}, 1.0), blank);
   EXPECT_EQ(draw({20, 20}, {{10, 10}, {10, 10}}, 1.0), blank);
 }
 
-TEST_P(PolylineStroke, AnEarlierStrokeLeavesNoTrace) {
+TEST_P(PolylineStrokeTest, AnEarlierStrokeLeavesNoTrace) {
   const std::vector<QPointF> line{{2, 5}, {18, 15}};
   const QImage first = draw({20, 20}, line, 1.0);
   static_cast<void>(draw({40, 30}, zigzag({40, 30}, 40, 1.0), 3.0));
   EXPECT_EQ(draw({20, 20}, line, 1.0), first);
 }
 
-TEST_P(PolylineStroke, EachStrokeIsTheSameToTheBitAsOneOfAFreshStroker) {
+TEST_P(PolylineStrokeTest, EachStrokeIsTheSameToTheBitAsOneOfAFreshStroker) {
   std::mt19937 random(3);
   std::vector<QPointF> points = zigzag({40, 30}, 20, 0.8);
   QColor color = Qt::white;
@@ -179,7 +179,7 @@ TEST_P(PolylineStroke, EachStrokeIsTheSameToTheBitAsOneOfAFreshStroker) {
   }
 }
 
-TEST_P(PolylineStroke, DrawsAtItsPlaceInAMovedPainter) {
+TEST_P(PolylineStrokeTest, DrawsAtItsPlaceInAMovedPainter) {
   const std::vector<QPointF> line{{2, 5}, {18, 15}};
   const QImage moved = drawnPicture({40, 40}, ratio(), Qt::black, [&](QPainter& painter) {
     painter.translate(20.0, 20.0);
@@ -189,5 +189,5 @@ TEST_P(PolylineStroke, DrawsAtItsPlaceInAMovedPainter) {
   EXPECT_EQ(there, draw({20, 20}, line, 1.0));
 }
 
-INSTANTIATE_TEST_SUITE_P(PixelRatios, PolylineStroke, testing::Values(1, 2),
+INSTANTIATE_TEST_SUITE_P(PixelRatios, PolylineStrokeTest, testing::Values(1, 2),
                          testing::PrintToStringParamName());

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(ViewAccessibility, AViewHasItsNameAndRole) {
+TEST(ViewAccessibilityTest, AViewHasItsNameAndRole) {
   QWidget view;
   platform::describeView(&view, "Spectrum", QAccessible::Graphic);
   QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&view);
@@ -12,14 +12,14 @@ TEST(ViewAccessibility, AViewHasItsNameAndRole) {
   EXPECT_EQ(accessible->text(QAccessible::Value), "");
 }
 
-TEST(ViewAccessibility, AViewReadsItsValueOut) {
+TEST(ViewAccessibilityTest, AViewReadsItsValueOut) {
   QWidget view;
   platform::describeView(&view, "Time", QAccessible::StaticText);
   view.setProperty("accessibleValue", "00:00:01.00");
   EXPECT_EQ(QAccessible::queryAccessibleInterface(&view)->text(QAccessible::Value), "00:00:01.00");
 }
 
-TEST(ViewAccessibility, TheValueIsTheDescriptionTooUnlessThereIsAnother) {
+TEST(ViewAccessibilityTest, TheValueIsTheDescriptionTooUnlessThereIsAnother) {
   QWidget view;
   platform::describeView(&view, "Time", QAccessible::StaticText);
   view.setProperty("accessibleValue", "00:00:01.00");
@@ -30,7 +30,7 @@ TEST(ViewAccessibility, TheValueIsTheDescriptionTooUnlessThereIsAnother) {
   EXPECT_EQ(accessible->text(QAccessible::Value), "00:00:01.00");
 }
 
-TEST(ViewAccessibility, OtherWidgetsKeepTheirOwnRoles) {
+TEST(ViewAccessibilityTest, OtherWidgetsKeepTheirOwnRoles) {
   QWidget described;
   platform::describeView(&described, "Time", QAccessible::StaticText);
   QWidget other;

@@ -7,14 +7,14 @@
 
 namespace {
 
-class ViewDrawing : public testing::TestWithParam<int> {
+class ViewDrawingTest : public testing::TestWithParam<int> {
  protected:
   [[nodiscard]] static int ratio() { return GetParam(); }
 };
 
 }  // namespace
 
-TEST_P(ViewDrawing, TheOriginIsAtTheBottomLeft) {
+TEST_P(ViewDrawingTest, TheOriginIsAtTheBottomLeft) {
   const QImage picture = drawnPicture({30, 20}, ratio(), Qt::black, [](QPainter& painter) {
     painter.fillRect(QRectF(0.0, 0.0, 4.0, 2.0), Qt::white);
   });
@@ -24,7 +24,7 @@ TEST_P(ViewDrawing, TheOriginIsAtTheBottomLeft) {
   EXPECT_EQ(picture.pixelColor(0, 18 * ratio() - 1), QColor(Qt::black));
 }
 
-TEST_P(ViewDrawing, ALineBetweenPixelsIsSoft) {
+TEST_P(ViewDrawingTest, ALineBetweenPixelsIsSoft) {
   const QImage picture = drawnPicture({30, 20}, ratio(), Qt::black, [](QPainter& painter) {
     painter.setPen(platform::viewPen(Qt::white, 1.0));
     painter.drawLine(QPointF(10.25, 0.0), QPointF(10.25, 20.0));
@@ -34,7 +34,7 @@ TEST_P(ViewDrawing, ALineBetweenPixelsIsSoft) {
   EXPECT_LT(edge, 235);
 }
 
-TEST_P(ViewDrawing, AnUprightBarIsALineOfItsWidth) {
+TEST_P(ViewDrawingTest, AnUprightBarIsALineOfItsWidth) {
   const QColor color = QColor::fromRgbF(1.0F, 0.5F, 0.0F, 0.7F);
   for (const double left : {10.0, 10.25, 10.5, 10.9, -1.0, 29.5}) {
     const QImage line = drawnPicture({30, 200}, ratio(), Qt::blue, [&](QPainter& painter) {
@@ -54,7 +54,7 @@ TEST_P(ViewDrawing, AnUprightBarIsALineOfItsWidth) {
   }
 }
 
-TEST(UprightBar, OfAFractionOfAPixelIsAsFaintAsIsWide) {
+TEST(ViewDrawingUprightBarTest, OfAFractionOfAPixelIsAsFaintAsIsWide) {
   const QImage bar = drawnPicture({8, 80}, 1.25, Qt::black, [](QPainter& painter) {
     platform::fillUprightBar(painter, 2.0, 3.0, 80.0, Qt::white);  // pixels 2.5 to 3.75
   });
@@ -66,7 +66,7 @@ TEST(UprightBar, OfAFractionOfAPixelIsAsFaintAsIsWide) {
   }
 }
 
-TEST(UprightBar, FarOutsideDrawsNothing) {
+TEST(ViewDrawingUprightBarTest, FarOutsideDrawsNothing) {
   const QImage bar = drawnPicture({8, 8}, 1.0, Qt::black, [](QPainter& painter) {
     platform::fillUprightBar(painter, 1e17, 1e17 + 64.0, 8.0, Qt::white);
     platform::fillUprightBar(painter, -1e300, -1e300, 8.0, Qt::white);
@@ -74,7 +74,7 @@ TEST(UprightBar, FarOutsideDrawsNothing) {
   EXPECT_EQ(bar, makePicture({8, 8}, 1.0, Qt::black));
 }
 
-TEST_P(ViewDrawing, PensEndWhereTheLineEnds) {
+TEST_P(ViewDrawingTest, PensEndWhereTheLineEnds) {
   const QImage picture = drawnPicture({30, 20}, ratio(), Qt::black, [](QPainter& painter) {
     painter.setPen(platform::viewPen(Qt::white, 4.0));
     painter.drawLine(QPointF(10.0, 10.0), QPointF(20.0, 10.0));
@@ -86,7 +86,7 @@ TEST_P(ViewDrawing, PensEndWhereTheLineEnds) {
   EXPECT_EQ(picture.pixelColor(20 * ratio(), middle), QColor(Qt::black));
 }
 
-TEST_P(ViewDrawing, TextStandsUpright) {
+TEST_P(ViewDrawingTest, TextStandsUpright) {
   QFont font;
   font.setPixelSize(10);
   QImage expected = makePicture({60, 20}, ratio(), Qt::black);
@@ -105,16 +105,16 @@ TEST_P(ViewDrawing, TextStandsUpright) {
   EXPECT_EQ(picture, expected);
 }
 
-TEST_P(ViewDrawing, APainterKnowsTheDevicePixelsOfAPoint) {
+TEST_P(ViewDrawingTest, APainterKnowsTheDevicePixelsOfAPoint) {
   drawnPicture({10, 10}, ratio(), Qt::black, [&](QPainter& painter) {
     EXPECT_DOUBLE_EQ(platform::devicePixelsPerPoint(painter), ratio());
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(PixelRatios, ViewDrawing, testing::Values(1, 2),
+INSTANTIATE_TEST_SUITE_P(PixelRatios, ViewDrawingTest, testing::Values(1, 2),
                          testing::PrintToStringParamName());
 
-TEST(ViewPen, CutsCornersThatAreTooSharpAndKeepsTheTipsOfTheOthers) {
+TEST(ViewDrawingPenTest, CutsCornersThatAreTooSharpAndKeepsTheTipsOfTheOthers) {
   const auto heightOfTip = [](double spread) {
     const QImage picture = drawnPicture({100, 100}, 1.0, Qt::black, [&](QPainter& painter) {
       painter.setPen(platform::viewPen(Qt::white, 4.0));
@@ -133,7 +133,7 @@ TEST(ViewPen, CutsCornersThatAreTooSharpAndKeepsTheTipsOfTheOthers) {
   EXPECT_LE(heightOfTip(60.0 / 11.96), 2);
 }
 
-TEST(OpaqueGround, CoversEveryPixelWhereverTheViewsEdgesFall) {
+TEST(ViewDrawingOpaqueGroundTest, CoversEveryPixelWhereverTheViewsEdgesFall) {
   for (const double ratio : {1.0, 1.25, 1.5, 1.75, 2.0}) {
     for (const int width : {9, 10, 11}) {
       QImage picture = makePicture({30, 30}, ratio, Qt::red);

@@ -35,7 +35,7 @@ bool isGone(pid_t pid) {
   return state == '\0' || state == 'Z';
 }
 
-TEST(ChildProcess, TellsTheExitCodeAndWhatWasPrinted) {
+TEST(ChildProcessTest, TellsTheExitCodeAndWhatWasPrinted) {
   const Finished finished =
       runToEnd({"sh", "-c", "echo out; echo err >&2; exit 7"}, cleanEnvironment());
   EXPECT_EQ(finished.status, (ExitStatus{7, 0}));
@@ -43,24 +43,24 @@ TEST(ChildProcess, TellsTheExitCodeAndWhatWasPrinted) {
   EXPECT_EQ(finished.error, "err\n");
 }
 
-TEST(ChildProcess, KeepsMoreOutputThanAPipeHolds) {
+TEST(ChildProcessTest, KeepsMoreOutputThanAPipeHolds) {
   const Finished finished = runToEnd({"head", "-c", "1000000", "/dev/zero"}, cleanEnvironment());
   EXPECT_EQ(finished.output.size(), 1000000U);
 }
 
-TEST(ChildProcess, GetsTheGivenEnvironmentAlone) {
+TEST(ChildProcessTest, GetsTheGivenEnvironmentAlone) {
   const Finished finished = runToEnd({"env"}, {{"ONLY", "this"}});
   EXPECT_EQ(finished.output, "ONLY=this\n");
 }
 
-TEST(ChildProcess, CleanEnvironmentNamesNoScreenAndNoServer) {
+TEST(ChildProcessTest, CleanEnvironmentNamesNoScreenAndNoServer) {
   const Environment environment = cleanEnvironment();
   for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "PULSE_SERVER", "XDG_RUNTIME_DIR"}) {
     EXPECT_EQ(environment.count(name), 0U) << name;
   }
 }
 
-TEST(ChildProcess, WritesItsOutputToAGivenFile) {
+TEST(ChildProcessTest, WritesItsOutputToAGivenFile) {
   const TemporaryFolder folder;
   std::string error;
   const auto process =
@@ -71,13 +71,13 @@ TEST(ChildProcess, WritesItsOutputToAGivenFile) {
   EXPECT_THAT(process->output(), IsEmpty());
 }
 
-TEST(ChildProcess, ProgramThatDoesNotExistIsToldByName) {
+TEST(ChildProcessTest, ProgramThatDoesNotExistIsToldByName) {
   std::string error;
   EXPECT_EQ(ChildProcess::start({"no-such-program"}, cleanEnvironment(), error), nullptr);
   EXPECT_THAT(error, HasSubstr("no-such-program"));
 }
 
-TEST(ChildProcess, FileThatIsNoProgramIsToldByName) {
+TEST(ChildProcessTest, FileThatIsNoProgramIsToldByName) {
   const TemporaryFolder folder;
   const std::string path = folder.file("damaged");
   ASSERT_TRUE(runToEnd({"sh", "-c", "printf '\\177ELF' > \"$0\" && chmod +x \"$0\"", path},
@@ -88,13 +88,13 @@ TEST(ChildProcess, FileThatIsNoProgramIsToldByName) {
   EXPECT_THAT(error, HasSubstr(path));
 }
 
-TEST(ChildProcess, WaitingEndsAtTheDeadline) {
+TEST(ChildProcessTest, WaitingEndsAtTheDeadline) {
   const auto process = startShell("exec sleep 1000");
   EXPECT_EQ(process->waitForExit(std::chrono::milliseconds(1)), std::nullopt);
   EXPECT_TRUE(process->isRunning());
 }
 
-TEST(ChildProcess, EndAsksFirstAndKillsWhoDoesNotListen) {
+TEST(ChildProcessTest, EndAsksFirstAndKillsWhoDoesNotListen) {
   const auto polite = startShell("trap 'exit 3' TERM; echo; while :; do sleep 0.01; done");
   printedId(*polite);
   EXPECT_EQ(polite->end(), (ExitStatus{3, 0}));
@@ -103,7 +103,7 @@ TEST(ChildProcess, EndAsksFirstAndKillsWhoDoesNotListen) {
   EXPECT_EQ(deaf->end(std::chrono::milliseconds(50)), (ExitStatus{0, SIGKILL}));
 }
 
-TEST(ChildProcess, FrozenProgramIsStoppedAndStillRunning) {
+TEST(ChildProcessTest, FrozenProgramIsStoppedAndStillRunning) {
   const auto process = startShell("exec sleep 1000");
   process->freeze();
   EXPECT_EQ(processState(process->pid()), 'T');
@@ -112,7 +112,7 @@ TEST(ChildProcess, FrozenProgramIsStoppedAndStillRunning) {
   EXPECT_TRUE(eventually([&] { return processState(process->pid()) != 'T'; }));
 }
 
-TEST(ChildProcess, DestructionTakesTheWholeGroupAlong) {
+TEST(ChildProcessTest, DestructionTakesTheWholeGroupAlong) {
   auto process = startShell("sleep 1000 & echo $!; wait");
   const pid_t grandchild = printedId(*process);
   const pid_t child = process->pid();
@@ -122,14 +122,14 @@ TEST(ChildProcess, DestructionTakesTheWholeGroupAlong) {
   EXPECT_TRUE(eventually([&] { return isGone(grandchild); }));
 }
 
-TEST(ChildProcess, ProgramThatEndedLeavesNothingInItsGroup) {
+TEST(ChildProcessTest, ProgramThatEndedLeavesNothingInItsGroup) {
   const auto process = startShell("sleep 1000 & echo $!");
   const pid_t grandchild = printedId(*process);
   EXPECT_EQ(process->waitForExit(), (ExitStatus{0, 0}));
   EXPECT_TRUE(eventually([&] { return isGone(grandchild); }));
 }
 
-TEST(ChildProcess, DiesWithTheTestThatStartedIt) {
+TEST(ChildProcessTest, DiesWithTheTestThatStartedIt) {
   int idPipe[2];
   ASSERT_EQ(::pipe(idPipe), 0);
   const pid_t test = ::fork();
@@ -149,7 +149,7 @@ TEST(ChildProcess, DiesWithTheTestThatStartedIt) {
   ::close(idPipe[1]);
 }
 
-TEST(ChildProcess, FindsProgramsByNameAndByPath) {
+TEST(ChildProcessTest, FindsProgramsByNameAndByPath) {
   EXPECT_THAT(findProgram("sh"), HasSubstr("/sh"));
   EXPECT_EQ(findProgram("/bin/sh"), "/bin/sh");
   EXPECT_THAT(findProgram("no-such-program"), IsEmpty());

@@ -14,7 +14,7 @@ namespace {
 
 enum class Way { tried, preloaded };
 
-class LimitedDisks : public testing::TestWithParam<Way> {
+class LimitedDiskTest : public testing::TestWithParam<Way> {
  protected:
   void SetUp() override {
     if (GetParam() == Way::preloaded) {
@@ -38,14 +38,14 @@ class LimitedDisks : public testing::TestWithParam<Way> {
   std::string disk_ = folder_.makeFolder("disk");
 };
 
-TEST_P(LimitedDisks, TakesWhatFitsAndThenIsFull) {
+TEST_P(LimitedDiskTest, TakesWhatFitsAndThenIsFull) {
   const Finished finished = run(LimitedDisk::ofSize(disk_, 65536),
                                 "dd if=/dev/zero of=$0/a bs=1000 count=100; stat -c %s $0/a");
   EXPECT_THAT(finished.error, HasSubstr("No space left on device"));
   EXPECT_EQ(finished.output, "65536\n");
 }
 
-TEST_P(LimitedDisks, HoldsAFileFromTheStart) {
+TEST_P(LimitedDiskTest, HoldsAFileFromTheStart) {
   ASSERT_TRUE(runToEnd({"sh", "-c", "head -c 40000 /dev/zero >$0", folder_.file("content")},
                        cleanEnvironment())
                   .status.succeeded());
@@ -56,20 +56,20 @@ TEST_P(LimitedDisks, HoldsAFileFromTheStart) {
   EXPECT_EQ(finished.output, "40000\n24576\n");
 }
 
-TEST_P(LimitedDisks, CanOnlyBeRead) {
+TEST_P(LimitedDiskTest, CanOnlyBeRead) {
   const Finished finished =
       run(LimitedDisk::readOnly(disk_), "dd if=/dev/zero of=$0/a count=1; ls $0");
   EXPECT_THAT(finished.error, HasSubstr("Read-only file system"));
   EXPECT_EQ(finished.output, "");
 }
 
-TEST_P(LimitedDisks, LeavesOtherFoldersAlone) {
+TEST_P(LimitedDiskTest, LeavesOtherFoldersAlone) {
   const Finished finished =
       run(LimitedDisk::readOnly(disk_), "head -c 99999 /dev/zero >$0x && wc -c <$0x");
   EXPECT_EQ(finished.output, "99999\n") << finished.error;
 }
 
-INSTANTIATE_TEST_SUITE_P(Disk, LimitedDisks, testing::Values(Way::tried, Way::preloaded),
+INSTANTIATE_TEST_SUITE_P(Disk, LimitedDiskTest, testing::Values(Way::tried, Way::preloaded),
                          [](const auto& way) {
                            return way.param == Way::tried ? "AsThisMachineAllows" : "Preloaded";
                          });

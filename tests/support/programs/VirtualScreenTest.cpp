@@ -81,7 +81,7 @@ TEST_F(VirtualScreenTest, TitleIsTheWindowsOwn) {
   EXPECT_EQ(screen_->titleOf(window_), "Orvo - Test");
 }
 
-TEST(VirtualScreens, TwoScreensHaveDisplaysOfTheirOwn) {
+TEST(VirtualScreenStartTest, TwoScreensHaveDisplaysOfTheirOwn) {
   std::string error;
   const auto one = VirtualScreen::start(error);
   const auto other = VirtualScreen::start(error);

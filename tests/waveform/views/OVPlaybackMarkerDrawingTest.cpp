@@ -11,7 +11,7 @@ namespace {
 const QColor kPaper(40, 80, 120);
 const QSize kSize(100, 30);
 
-class PlaybackMarkerDrawing : public testing::TestWithParam<int> {
+class OVPlaybackMarkerDrawingTest : public testing::TestWithParam<int> {
  protected:
   [[nodiscard]] static int ratio() { return GetParam(); }
   [[nodiscard]] static QImage draw(double position, double audioLevel) {
@@ -34,30 +34,30 @@ class PlaybackMarkerDrawing : public testing::TestWithParam<int> {
 
 }  // namespace
 
-TEST_P(PlaybackMarkerDrawing, IsALineTwoPointsWideFromBottomToTop) {
+TEST_P(OVPlaybackMarkerDrawingTest, IsALineTwoPointsWideFromBottomToTop) {
   expectLineOfAlpha(draw(0.25, 1.0), 24, 25, 1.0);
 }
 
-TEST_P(PlaybackMarkerDrawing, TakesItsOpacityFromTheLevel) {
+TEST_P(OVPlaybackMarkerDrawingTest, TakesItsOpacityFromTheLevel) {
   expectLineOfAlpha(draw(0.5, 0.6), 49, 50, 0.6);
 }
 
-TEST_P(PlaybackMarkerDrawing, IsNeverFainterThanThreeTenths) {
+TEST_P(OVPlaybackMarkerDrawingTest, IsNeverFainterThanThreeTenths) {
   expectLineOfAlpha(draw(0.5, 0.0), 49, 50, 0.3);
   expectLineOfAlpha(draw(0.5, 0.29), 49, 50, 0.3);
   expectLineOfAlpha(draw(0.5, -4.0), 49, 50, 0.3);
 }
 
-TEST_P(PlaybackMarkerDrawing, IsNeverMoreThanOpaque) {
+TEST_P(OVPlaybackMarkerDrawingTest, IsNeverMoreThanOpaque) {
   expectLineOfAlpha(draw(0.5, 17.0), 49, 50, 1.0);
 }
 
-TEST_P(PlaybackMarkerDrawing, ShowsHalfOfItsWidthAtEachEdge) {
+TEST_P(OVPlaybackMarkerDrawingTest, ShowsHalfOfItsWidthAtEachEdge) {
   expectLineOfAlpha(draw(0.0, 1.0), 0, 0, 1.0);
   expectLineOfAlpha(draw(1.0, 1.0), 99, 99, 1.0);
 }
 
-TEST_P(PlaybackMarkerDrawing, WhatIsNotANumberDoesNoHarm) {
+TEST_P(OVPlaybackMarkerDrawingTest, WhatIsNotANumberDoesNoHarm) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   expectLineOfAlpha(draw(0.5, nan), 49, 50, 0.3);
   EXPECT_EQ(draw(nan, 1.0), makePicture(kSize, ratio(), kPaper));
@@ -65,5 +65,5 @@ TEST_P(PlaybackMarkerDrawing, WhatIsNotANumberDoesNoHarm) {
             makePicture(kSize, ratio(), kPaper));
 }
 
-INSTANTIATE_TEST_SUITE_P(PixelRatios, PlaybackMarkerDrawing, testing::Values(1, 2),
+INSTANTIATE_TEST_SUITE_P(PixelRatios, OVPlaybackMarkerDrawingTest, testing::Values(1, 2),
                          testing::PrintToStringParamName());

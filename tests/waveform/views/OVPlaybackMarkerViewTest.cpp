@@ -15,14 +15,14 @@ QImage drawnOver(OVPlaybackMarkerView& marker, const QColor& paper) {
 
 }  // namespace
 
-TEST(PlaybackMarkerView, BeginsOpaqueAndAsAPlaybackMarker) {
+TEST(OVPlaybackMarkerViewTest, BeginsOpaqueAndAsAPlaybackMarker) {
   const OVPlaybackMarkerView marker;
   EXPECT_EQ(marker.audioLevel(), 1.0);
   EXPECT_FALSE(marker.isRecordingMarker());
   EXPECT_EQ(marker.position(), 0.0);
 }
 
-TEST(PlaybackMarkerView, LeavesEverythingButTheLineTransparent) {
+TEST(OVPlaybackMarkerViewTest, LeavesEverythingButTheLineTransparent) {
   OVPlaybackMarkerView marker;
   marker.resize(100, 40);
   marker.setPosition(0.25);
@@ -35,7 +35,7 @@ TEST(PlaybackMarkerView, LeavesEverythingButTheLineTransparent) {
   EXPECT_EQ(screen.pixelColor(26, 20), paper);
 }
 
-TEST(PlaybackMarkerView, LooksTheSameAsARecordingMarker) {
+TEST(OVPlaybackMarkerViewTest, LooksTheSameAsARecordingMarker) {
   OVPlaybackMarkerView marker;
   marker.resize(100, 40);
   marker.setPosition(0.5);
@@ -45,12 +45,12 @@ TEST(PlaybackMarkerView, LooksTheSameAsARecordingMarker) {
   EXPECT_EQ(drawnOver(marker, Qt::black), playback);
 }
 
-TEST(PlaybackMarkerView, LetsTheMouseThrough) {
+TEST(OVPlaybackMarkerViewTest, LetsTheMouseThrough) {
   const OVPlaybackMarkerView marker;
   EXPECT_TRUE(marker.testAttribute(Qt::WA_TransparentForMouseEvents));
 }
 
-TEST(PlaybackMarkerView, IsNamedForAssistiveTechnology) {
+TEST(OVPlaybackMarkerViewTest, IsNamedForAssistiveTechnology) {
   OVPlaybackMarkerView marker;
   EXPECT_EQ(QAccessible::queryAccessibleInterface(&marker)->text(QAccessible::Name),
             "Playback marker");

@@ -18,7 +18,7 @@ const QColor kWave(41, 111, 125);
 const QColor kPaper(10, 20, 30);
 
 /// Every drawing test runs on an ordinary screen and on a doubly fine one.
-class WaveFormDrawing : public testing::TestWithParam<int> {
+class OVWaveFormDrawingTest : public testing::TestWithParam<int> {
  protected:
   [[nodiscard]] static int ratio() { return GetParam(); }
 
@@ -42,7 +42,7 @@ class WaveFormDrawing : public testing::TestWithParam<int> {
 
 }  // namespace
 
-TEST_P(WaveFormDrawing, GradientRunsFromTheBottomColourToTheTopColour) {
+TEST_P(OVWaveFormDrawingTest, GradientRunsFromTheBottomColourToTheTopColour) {
   const QSize size(40, 272);
   const QImage picture = draw(size, [&](QPainter& p) { OVWaveFormDrawing::drawGradient(p, size); });
   for (int row = 0; row < picture.height(); ++row) {
@@ -54,7 +54,7 @@ TEST_P(WaveFormDrawing, GradientRunsFromTheBottomColourToTheTopColour) {
   }
 }
 
-TEST_P(WaveFormDrawing, VerticalGridLinesFillWholePixelsEvery24Points) {
+TEST_P(OVWaveFormDrawingTest, VerticalGridLinesFillWholePixelsEvery24Points) {
   const QSize size(100, 60);
   const QImage picture =
       draw(size, [&](QPainter& p) { OVWaveFormDrawing::drawGrid(p, size, 3.0); });
@@ -65,7 +65,7 @@ TEST_P(WaveFormDrawing, VerticalGridLinesFillWholePixelsEvery24Points) {
   }
 }
 
-TEST_P(WaveFormDrawing, HorizontalGridLinesEndHalfAPointLowerThanTheyBegin) {
+TEST_P(OVWaveFormDrawingTest, HorizontalGridLinesEndHalfAPointLowerThanTheyBegin) {
   const QSize size(640, 60);
   const QImage picture =
       draw(size, [&](QPainter& p) { OVWaveFormDrawing::drawGrid(p, size, 20.0); });
@@ -89,7 +89,7 @@ TEST_P(WaveFormDrawing, HorizontalGridLinesEndHalfAPointLowerThanTheyBegin) {
   }
 }
 
-TEST_P(WaveFormDrawing, TheTopmostHorizontalLineLiesBelowTheTopEdge) {
+TEST_P(OVWaveFormDrawingTest, TheTopmostHorizontalLineLiesBelowTheTopEdge) {
   // 24 points: one line only, at 12; a further one would begin at y = 24, which is no longer < 24.
   const QSize size(30, 24);
   const QImage picture =
@@ -98,7 +98,7 @@ TEST_P(WaveFormDrawing, TheTopmostHorizontalLineLiesBelowTheTopEdge) {
   EXPECT_LE(colorDistance(picture.pixelColor(5, rowAt(picture, 12.25)), kGrid), 20);
 }
 
-TEST_P(WaveFormDrawing, AnElementReachesFortyPercentOfTheHeightAboveAndBelowTheMiddle) {
+TEST_P(OVWaveFormDrawingTest, AnElementReachesFortyPercentOfTheHeightAboveAndBelowTheMiddle) {
   const QSize size(100, 100);
   // The bar of the first of two elements stands at x = 50.
   for (const float element : {1.0F, 0.5F, 0.25F}) {
@@ -116,7 +116,7 @@ TEST_P(WaveFormDrawing, AnElementReachesFortyPercentOfTheHeightAboveAndBelowTheM
   }
 }
 
-TEST_P(WaveFormDrawing, ABarIsOnePointWideAndStandsAtItsElementsPlace) {
+TEST_P(OVWaveFormDrawingTest, ABarIsOnePointWideAndStandsAtItsElementsPlace) {
   const QSize size(90, 100);
   const QImage picture = drawWaveform(size, {0.0F, 1.0F, 0.0F});
   // Row at 89: within the bar's upper end, away from the slanted lines that lead to its tips.
@@ -134,7 +134,7 @@ TEST_P(WaveFormDrawing, ABarIsOnePointWideAndStandsAtItsElementsPlace) {
   EXPECT_GT(picture.pixelColor(60 * ratio() - 1, row).green(), kPaper.green() + 40);
 }
 
-TEST_P(WaveFormDrawing, SilenceIsAStraightLineAtTheMiddle) {
+TEST_P(OVWaveFormDrawingTest, SilenceIsAStraightLineAtTheMiddle) {
   const QSize size(64, 41);
   const QImage picture = drawWaveform(size, std::vector<float>(16, 0.0F));
   for (int x = 0; x < picture.width(); ++x) {
@@ -144,12 +144,12 @@ TEST_P(WaveFormDrawing, SilenceIsAStraightLineAtTheMiddle) {
   }
 }
 
-TEST_P(WaveFormDrawing, NoElementsDrawNothing) {
+TEST_P(OVWaveFormDrawingTest, NoElementsDrawNothing) {
   const QSize size(40, 40);
   EXPECT_EQ(drawWaveform(size, {}), makePicture(size, ratio(), kPaper));
 }
 
-TEST_P(WaveFormDrawing, AlphaHoldsForTheZigzagAsAWhole) {
+TEST_P(OVWaveFormDrawingTest, AlphaHoldsForTheZigzagAsAWhole) {
   const QSize size(32, 60);
   // Bars half a point apart overlap several times; none of that may show.
   const std::vector<float> elements(64, 1.0F);
@@ -163,7 +163,7 @@ TEST_P(WaveFormDrawing, AlphaHoldsForTheZigzagAsAWhole) {
   EXPECT_EQ(drawWaveform(size, elements, 0.0), makePicture(size, ratio(), kPaper));
 }
 
-TEST_P(WaveFormDrawing, ElementsThatAreNoNumbersOrBeyondAllBoundsDoNoHarm) {
+TEST_P(OVWaveFormDrawingTest, ElementsThatAreNoNumbersOrBeyondAllBoundsDoNoHarm) {
   const QSize size(60, 40);
   const float nan = std::numeric_limits<float>::quiet_NaN();
   const float infinity = std::numeric_limits<float>::infinity();
@@ -172,7 +172,7 @@ TEST_P(WaveFormDrawing, ElementsThatAreNoNumbersOrBeyondAllBoundsDoNoHarm) {
   EXPECT_GT(huge.pixelColor(15 * ratio(), 0).green(), kPaper.green() + 20);
 }
 
-TEST_P(WaveFormDrawing, TimescaleTicksStandOnTheBottomEdge) {
+TEST_P(OVWaveFormDrawingTest, TimescaleTicksStandOnTheBottomEdge) {
   const QSize size(200, 40);
   const QImage picture =
       draw(size, [&](QPainter& p) { OVWaveFormDrawing::drawTimescale(p, size); });
@@ -192,7 +192,7 @@ TEST_P(WaveFormDrawing, TimescaleTicksStandOnTheBottomEdge) {
   EXPECT_EQ(heightAt(199), 10);
 }
 
-TEST_P(WaveFormDrawing, OnlyTheDirtyPartIsCopiedAndNothingIsBlended) {
+TEST_P(OVWaveFormDrawingTest, OnlyTheDirtyPartIsCopiedAndNothingIsBlended) {
   const QSize size(60, 40);
   QImage rendered = makePicture(size, ratio(), QColor(200, 0, 0, 128));
   rendered.setPixelColor(25 * ratio(), 5 * ratio(), QColor(0, 255, 0));
@@ -208,7 +208,7 @@ TEST_P(WaveFormDrawing, OnlyTheDirtyPartIsCopiedAndNothingIsBlended) {
   EXPECT_EQ(screen.pixelColor(25 * ratio(), 5 * ratio()), QColor(0, 255, 0));
 }
 
-TEST_P(WaveFormDrawing, APictureOfAnotherSizeIsStretchedOverTheWholeView) {
+TEST_P(OVWaveFormDrawingTest, APictureOfAnotherSizeIsStretchedOverTheWholeView) {
   const QImage rendered = makePicture({30, 20}, ratio(), QColor(1, 200, 3));
   QImage screen = makePicture({60, 40}, ratio(), kPaper);
   QPainter painter(&screen);
@@ -217,7 +217,7 @@ TEST_P(WaveFormDrawing, APictureOfAnotherSizeIsStretchedOverTheWholeView) {
   EXPECT_EQ(screen, makePicture({60, 40}, ratio(), QColor(1, 200, 3)));
 }
 
-TEST_P(WaveFormDrawing, UprightGridLinesAreTheSameToTheBitAsWhenStroked) {
+TEST_P(OVWaveFormDrawingTest, UprightGridLinesAreTheSameToTheBitAsWhenStroked) {
   const QSize size(100, 10);  // no level line in it
   for (const double offset : {0.0, 5.0, 23.0}) {
     const QImage stroked = draw(size, [&](QPainter& painter) {
@@ -231,17 +231,17 @@ TEST_P(WaveFormDrawing, UprightGridLinesAreTheSameToTheBitAsWhenStroked) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(PixelRatios, WaveFormDrawing, testing::Values(1, 2),
+INSTANTIATE_TEST_SUITE_P(PixelRatios, OVWaveFormDrawingTest, testing::Values(1, 2),
                          testing::PrintToStringParamName());
 
-TEST(WaveFormGrid, OffsetWrapsFrom23To0) {
+TEST(OVWaveFormDrawingGridTest, OffsetWrapsFrom23To0) {
   EXPECT_EQ(OVWaveFormDrawing::nextGridOffset(0.0), 1.0);
   EXPECT_EQ(OVWaveFormDrawing::nextGridOffset(22.0), 23.0);
   EXPECT_EQ(OVWaveFormDrawing::nextGridOffset(23.0), 0.0);
   EXPECT_EQ(OVWaveFormDrawing::nextGridOffset(-5.0), 0.0);
 }
 
-TEST(WaveFormPicture, IsCopiedPixelForPixelAtARatioThatIsNoWholeNumber) {
+TEST(OVWaveFormDrawingPictureTest, IsCopiedPixelForPixelAtARatioThatIsNoWholeNumber) {
   const double ratio = 1.5;
   QImage rendered(62, 31, QImage::Format_ARGB32_Premultiplied);  // 41 x 20.5 points, covered
   for (int y = 0; y < rendered.height(); ++y) {
@@ -259,7 +259,7 @@ TEST(WaveFormPicture, IsCopiedPixelForPixelAtARatioThatIsNoWholeNumber) {
   EXPECT_EQ(screen, rendered);
 }
 
-TEST(WaveFormPicture, IsTheSameToTheBitAsDrawnFromScratchWhateverWasDrawnBefore) {
+TEST(OVWaveFormDrawingPictureTest, IsTheSameToTheBitAsDrawnFromScratchWhateverWasDrawnBefore) {
   std::mt19937 random(11);
   const auto below = [&random](int limit) {
     return static_cast<int>(random() % static_cast<unsigned>(limit));

@@ -42,9 +42,9 @@ class RecordingDelegate final : public OVWaveFormViewDelegate {
   double marker = 0.0;
 };
 
-class WaveFormView : public testing::Test {
+class OVWaveFormViewTest : public testing::Test {
  protected:
-  WaveFormView() {
+  OVWaveFormViewTest() {
     view_.resize(240, 100);
     view_.setWaveForm(summary_);
     view_.setDelegate(delegate_);
@@ -87,7 +87,7 @@ class WaveFormView : public testing::Test {
 
 }  // namespace
 
-TEST_F(WaveFormView, BeginsWithNothingRenderedAndARenderingDue) {
+TEST_F(OVWaveFormViewTest, BeginsWithNothingRenderedAndARenderingDue) {
   const OVWaveFormView fresh;
   EXPECT_FALSE(fresh.scrollBack());
   EXPECT_EQ(fresh.prevBufsize(), 0U);
@@ -100,14 +100,14 @@ TEST_F(WaveFormView, BeginsWithNothingRenderedAndARenderingDue) {
   EXPECT_TRUE(fresh.testAttribute(Qt::WA_OpaquePaintEvent));
 }
 
-TEST_F(WaveFormView, EmptySummaryRendersGradientAndGridOnly) {
+TEST_F(OVWaveFormViewTest, EmptySummaryRendersGradientAndGridOnly) {
   summary_->setElements({});
   EXPECT_EQ(renderingsOfARedraw(), 1.0);
   EXPECT_EQ(view_.image(), pictureWithoutWaveform());
   EXPECT_EQ(view_.prevBufsize(), 0U);
 }
 
-TEST_F(WaveFormView, NoSummaryRendersGradientAndGridOnly) {
+TEST_F(OVWaveFormViewTest, NoSummaryRendersGradientAndGridOnly) {
   renderingsOfARedraw();
   ASSERT_NE(view_.image(), pictureWithoutWaveform());
   view_.setWaveForm(nullptr);
@@ -115,7 +115,7 @@ TEST_F(WaveFormView, NoSummaryRendersGradientAndGridOnly) {
   EXPECT_EQ(view_.image(), pictureWithoutWaveform());
 }
 
-TEST_F(WaveFormView, ResizingForcesARenderingAtTheNewSize) {
+TEST_F(OVWaveFormViewTest, ResizingForcesARenderingAtTheNewSize) {
   EXPECT_EQ(renderingsOfARedraw(), 1.0);
   EXPECT_EQ(view_.image().size(), QSize(240, 100));
   view_.resize(300, 120);
@@ -125,7 +125,7 @@ TEST_F(WaveFormView, ResizingForcesARenderingAtTheNewSize) {
   EXPECT_EQ(renderingsOfARedraw(), 0.0);
 }
 
-TEST_F(WaveFormView, AnotherPixelRatioForcesARenderingInDevicePixels) {
+TEST_F(OVWaveFormViewTest, AnotherPixelRatioForcesARenderingInDevicePixels) {
   renderingsOfARedraw();
   view_.ratio = 2;
   EXPECT_EQ(renderingsOfARedraw(), 1.0);
@@ -138,7 +138,7 @@ TEST_F(WaveFormView, AnotherPixelRatioForcesARenderingInDevicePixels) {
   EXPECT_EQ(view_.image().size(), QSize(240, 100));
 }
 
-TEST_F(WaveFormView, RedrawsWithoutAChangeCopyTheCachedPicture) {
+TEST_F(OVWaveFormViewTest, RedrawsWithoutAChangeCopyTheCachedPicture) {
   renderingsOfARedraw();
   const QImage rendered = view_.image();
   EXPECT_EQ(renderingsOfARedraw(), 0.0);
@@ -146,14 +146,14 @@ TEST_F(WaveFormView, RedrawsWithoutAChangeCopyTheCachedPicture) {
   EXPECT_EQ(screen_.convertToFormat(rendered.format()), rendered);
 }
 
-TEST_F(WaveFormView, AChangedNumberOfElementsForcesARendering) {
+TEST_F(OVWaveFormViewTest, AChangedNumberOfElementsForcesARendering) {
   renderingsOfARedraw();
   summary_->setElements(std::vector<float>(65, 0.5F));
   EXPECT_EQ(renderingsOfARedraw(), 1.0);
   EXPECT_EQ(view_.prevBufsize(), 65U);
 }
 
-TEST_F(WaveFormView, ElementsThatChangeInValueWaitUntilARenderingIsAskedFor) {
+TEST_F(OVWaveFormViewTest, ElementsThatChangeInValueWaitUntilARenderingIsAskedFor) {
   renderingsOfARedraw();
   const QImage before = view_.image();
   summary_->setElements(std::vector<float>(64, 0.9F));
@@ -165,7 +165,7 @@ TEST_F(WaveFormView, ElementsThatChangeInValueWaitUntilARenderingIsAskedFor) {
   EXPECT_NE(view_.image(), before);
 }
 
-TEST_F(WaveFormView, AnotherThreadMayAskForARenderingAndExchangeTheSummary) {
+TEST_F(OVWaveFormViewTest, AnotherThreadMayAskForARenderingAndExchangeTheSummary) {
   renderingsOfARedraw();
   const auto other = std::make_shared<FakeWaveformSummary>(std::vector<float>(64, 0.1F));
   std::thread generation([&] {
@@ -179,7 +179,7 @@ TEST_F(WaveFormView, AnotherThreadMayAskForARenderingAndExchangeTheSummary) {
   EXPECT_EQ(view_.waveForm(), other);
 }
 
-TEST_F(WaveFormView, KeepsTheLastPictureWhileTheSummaryRegenerates) {
+TEST_F(OVWaveFormViewTest, KeepsTheLastPictureWhileTheSummaryRegenerates) {
   renderingsOfARedraw();
   const QImage before = view_.image();
   summary_->setRegenerating(true);
@@ -192,7 +192,7 @@ TEST_F(WaveFormView, KeepsTheLastPictureWhileTheSummaryRegenerates) {
   EXPECT_EQ(renderingsOfARedraw(), 1.0);
 }
 
-TEST_F(WaveFormView, RendersDuringARegenerationWhenToldTo) {
+TEST_F(OVWaveFormViewTest, RendersDuringARegenerationWhenToldTo) {
   renderingsOfARedraw();
   summary_->setRegenerating(true);
   summary_->setElements(std::vector<float>(10, 0.9F));
@@ -201,7 +201,7 @@ TEST_F(WaveFormView, RendersDuringARegenerationWhenToldTo) {
   EXPECT_EQ(view_.prevBufsize(), 10U);
 }
 
-TEST_F(WaveFormView, AFirstRedrawDuringARegenerationLeavesNoPixelUnpainted) {
+TEST_F(OVWaveFormViewTest, AFirstRedrawDuringARegenerationLeavesNoPixelUnpainted) {
   summary_->setRegenerating(true);
   EXPECT_EQ(renderingsOfARedraw(), 0.0);
   EXPECT_TRUE(view_.image().isNull());
@@ -209,7 +209,7 @@ TEST_F(WaveFormView, AFirstRedrawDuringARegenerationLeavesNoPixelUnpainted) {
   EXPECT_LE(colorDistance(screen_.pixelColor(120, 0), QColor(35, 37, 62)), 1);
 }
 
-TEST_F(WaveFormView, TheGridStandsStillUnlessItScrollsBack) {
+TEST_F(OVWaveFormViewTest, TheGridStandsStillUnlessItScrollsBack) {
   view_.setScrollBack(false);
   for (int i = 0; i < 3; ++i) {
     view_.setShouldRedrawWaveform(true);
@@ -218,7 +218,7 @@ TEST_F(WaveFormView, TheGridStandsStillUnlessItScrollsBack) {
   EXPECT_EQ(view_.bg_scroll_x(), 0.0);
 }
 
-TEST_F(WaveFormView, TheGridRepeatsEvery24Renderings) {
+TEST_F(OVWaveFormViewTest, TheGridRepeatsEvery24Renderings) {
   summary_->setElements({});
   renderingsOfARedraw();
   const QImage first = view_.image();
@@ -230,7 +230,7 @@ TEST_F(WaveFormView, TheGridRepeatsEvery24Renderings) {
   }
 }
 
-TEST_F(WaveFormView, TakesElementsIntoTheSameMemoryAtEveryRendering) {
+TEST_F(OVWaveFormViewTest, TakesElementsIntoTheSameMemoryAtEveryRendering) {
   renderingsOfARedraw();
   const float* memory = summary_->lastDestination();
   for (int i = 0; i < 3; ++i) {
@@ -240,7 +240,7 @@ TEST_F(WaveFormView, TakesElementsIntoTheSameMemoryAtEveryRendering) {
   }
 }
 
-TEST_F(WaveFormView, AViewWithoutAreaDrawsNothingAndReports0) {
+TEST_F(OVWaveFormViewTest, AViewWithoutAreaDrawsNothingAndReports0) {
   view_.resize(0, 0);
   view_.setShouldRedrawWaveform(true);
   view_.grab();
@@ -249,7 +249,7 @@ TEST_F(WaveFormView, AViewWithoutAreaDrawsNothingAndReports0) {
   EXPECT_EQ(delegate_->clicks[0].timeLinePosition, 0.0);
 }
 
-TEST_F(WaveFormView, AClickIsReportedFromTheBottomLeftAndAsAFraction) {
+TEST_F(OVWaveFormViewTest, AClickIsReportedFromTheBottomLeftAndAsAFraction) {
   press({60.0, 30.0});
   ASSERT_EQ(delegate_->clicks.size(), 1U);
   EXPECT_EQ(delegate_->clicks[0].view, &view_);
@@ -258,13 +258,13 @@ TEST_F(WaveFormView, AClickIsReportedFromTheBottomLeftAndAsAFraction) {
   EXPECT_TRUE(delegate_->drags.empty());
 }
 
-TEST_F(WaveFormView, AClickAtTheRightEdgeReports1) {
+TEST_F(OVWaveFormViewTest, AClickAtTheRightEdgeReports1) {
   press({240.0, 50.0});
   ASSERT_EQ(delegate_->clicks.size(), 1U);
   EXPECT_EQ(delegate_->clicks[0].timeLinePosition, 1.0);
 }
 
-TEST_F(WaveFormView, ADragIsReportedLikeAClick) {
+TEST_F(OVWaveFormViewTest, ADragIsReportedLikeAClick) {
   press({60.0, 30.0});
   move({120.0, 40.0});
   ASSERT_EQ(delegate_->drags.size(), 1U);
@@ -274,7 +274,7 @@ TEST_F(WaveFormView, ADragIsReportedLikeAClick) {
   EXPECT_EQ(delegate_->clicks.size(), 1U);
 }
 
-TEST_F(WaveFormView, ADragBeyondAnEdgeCountsAsTheNearestEdge) {
+TEST_F(OVWaveFormViewTest, ADragBeyondAnEdgeCountsAsTheNearestEdge) {
   press({60.0, 30.0});
   move({-50.0, 500.0});
   move({1000.0, -3.0});
@@ -285,7 +285,7 @@ TEST_F(WaveFormView, ADragBeyondAnEdgeCountsAsTheNearestEdge) {
   EXPECT_EQ(delegate_->drags[1].timeLinePosition, 1.0);
 }
 
-TEST_F(WaveFormView, DisabledItPassesNeitherClicksNorDragsOn) {
+TEST_F(OVWaveFormViewTest, DisabledItPassesNeitherClicksNorDragsOn) {
   view_.setEnabled(false);
   press({60.0, 30.0});
   move({120.0, 40.0});
@@ -296,7 +296,7 @@ TEST_F(WaveFormView, DisabledItPassesNeitherClicksNorDragsOn) {
   EXPECT_EQ(delegate_->clicks.size(), 1U);
 }
 
-TEST_F(WaveFormView, OtherButtonsAndMovesWithoutAButtonAreNoInput) {
+TEST_F(OVWaveFormViewTest, OtherButtonsAndMovesWithoutAButtonAreNoInput) {
   press({60.0, 30.0}, Qt::RightButton);
   move({60.0, 30.0}, Qt::NoButton);
   move({60.0, 30.0}, Qt::RightButton);
@@ -304,14 +304,14 @@ TEST_F(WaveFormView, OtherButtonsAndMovesWithoutAButtonAreNoInput) {
   EXPECT_TRUE(delegate_->drags.empty());
 }
 
-TEST_F(WaveFormView, ADelegateThatIsGoneIsNotAsked) {
+TEST_F(OVWaveFormViewTest, ADelegateThatIsGoneIsNotAsked) {
   delegate_.reset();
   press({60.0, 30.0});
   move({120.0, 40.0});
   EXPECT_TRUE(view_.delegate().expired());
 }
 
-TEST_F(WaveFormView, ClicksReachItThroughTheMarkerLaidOverIt) {
+TEST_F(OVWaveFormViewTest, ClicksReachItThroughTheMarkerLaidOverIt) {
   OVPlaybackMarkerView marker(&view_);
   marker.setGeometry(view_.rect());
   view_.show();
@@ -321,7 +321,7 @@ TEST_F(WaveFormView, ClicksReachItThroughTheMarkerLaidOverIt) {
   EXPECT_EQ(delegate_->clicks[0].timeLinePosition, 0.25);
 }
 
-TEST_F(WaveFormView, MovingTheMarkerDoesNotRenderTheWaveformAnew) {
+TEST_F(OVWaveFormViewTest, MovingTheMarkerDoesNotRenderTheWaveformAnew) {
   OVPlaybackMarkerView marker(&view_);
   marker.setGeometry(view_.rect());
   view_.show();
@@ -340,7 +340,7 @@ TEST_F(WaveFormView, MovingTheMarkerDoesNotRenderTheWaveformAnew) {
   EXPECT_EQ(view_.bg_scroll_x(), 1.0);
 }
 
-TEST_F(WaveFormView, SettingPropertiesDoesNotRedraw) {
+TEST_F(OVWaveFormViewTest, SettingPropertiesDoesNotRedraw) {
   view_.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&view_));
   ASSERT_TRUE(runMainLoopUntil([&] { return summary_->copiesTaken() == 1; }));
@@ -353,7 +353,7 @@ TEST_F(WaveFormView, SettingPropertiesDoesNotRedraw) {
   EXPECT_TRUE(runMainLoopUntil([&] { return view_.prevBufsize() == 3U; }));
 }
 
-TEST_F(WaveFormView, APictureHandedOutStaysAsItWas) {
+TEST_F(OVWaveFormViewTest, APictureHandedOutStaysAsItWas) {
   renderingsOfARedraw();
   const QImage exported = view_.image();
   const QImage copy = exported.copy();
@@ -362,7 +362,7 @@ TEST_F(WaveFormView, APictureHandedOutStaysAsItWas) {
   EXPECT_EQ(exported, copy);
 }
 
-TEST_F(WaveFormView, TheTimeScaleIsNotPartOfItsOwnDrawing) {
+TEST_F(OVWaveFormViewTest, TheTimeScaleIsNotPartOfItsOwnDrawing) {
   summary_->setElements({});
   renderingsOfARedraw();
   QImage withTimescale = view_.image();
@@ -373,14 +373,14 @@ TEST_F(WaveFormView, TheTimeScaleIsNotPartOfItsOwnDrawing) {
   EXPECT_NE(withTimescale, view_.image());
 }
 
-TEST_F(WaveFormView, IsNamedForAssistiveTechnology) {
+TEST_F(OVWaveFormViewTest, IsNamedForAssistiveTechnology) {
   QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&view_);
   ASSERT_NE(accessible, nullptr);
   EXPECT_EQ(accessible->text(QAccessible::Name), "Waveform");
   EXPECT_EQ(accessible->role(), QAccessible::Graphic);
 }
 
-TEST_F(WaveFormView, ReadsPositionAndLengthOut) {
+TEST_F(OVWaveFormViewTest, ReadsPositionAndLengthOut) {
   const auto* const accessible = QAccessible::queryAccessibleInterface(&view_);
   EXPECT_EQ(accessible->text(QAccessible::Value), "");
   view_.setTimeLineText([] { return QStringLiteral("00:00:01.00 / 00:00:09.00"); });
@@ -392,9 +392,9 @@ TEST_F(WaveFormView, ReadsPositionAndLengthOut) {
 namespace {
 
 /// The waveform view of a document with its marker in the middle.
-class WaveFormKeys : public WaveFormView {
+class OVWaveFormViewKeysTest : public OVWaveFormViewTest {
  protected:
-  WaveFormKeys() { delegate_->marker = 0.5; }
+  OVWaveFormViewKeysTest() { delegate_->marker = 0.5; }
 
   /// Where a key moves the marker to, reported as a drag; -1 when it is not reported.
   double reportedAfter(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
@@ -406,7 +406,7 @@ class WaveFormKeys : public WaveFormView {
 
 }  // namespace
 
-TEST_F(WaveFormKeys, ArrowsMoveTheMarkerByAHundredthAndPagesByATenth) {
+TEST_F(OVWaveFormViewKeysTest, ArrowsMoveTheMarkerByAHundredthAndPagesByATenth) {
   EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right), 0.51);
   EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Left), 0.49);
   EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_PageUp), 0.6);
@@ -415,26 +415,26 @@ TEST_F(WaveFormKeys, ArrowsMoveTheMarkerByAHundredthAndPagesByATenth) {
   EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_End), 1.0);
 }
 
-TEST_F(WaveFormKeys, WithShiftArrowsMoveItByAPoint) {
+TEST_F(OVWaveFormViewKeysTest, WithShiftArrowsMoveItByAPoint) {
   EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right, Qt::ShiftModifier), 0.5 + 1.0 / 240.0);
   EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Left, Qt::ShiftModifier), 0.5 - 1.0 / 240.0);
 }
 
-TEST_F(WaveFormKeys, NoKeyMovesItPastTheEnds) {
+TEST_F(OVWaveFormViewKeysTest, NoKeyMovesItPastTheEnds) {
   delegate_->marker = 0.05;
   EXPECT_EQ(reportedAfter(Qt::Key_PageDown), 0.0);
   delegate_->marker = 0.995;
   EXPECT_EQ(reportedAfter(Qt::Key_Right), 1.0);
 }
 
-TEST_F(WaveFormKeys, AKeyIsReportedAtItsPlaceInTheView) {
+TEST_F(OVWaveFormViewKeysTest, AKeyIsReportedAtItsPlaceInTheView) {
   static_cast<void>(reportedAfter(Qt::Key_Home));
   EXPECT_EQ(delegate_->drags.at(0).view, &view_);
   EXPECT_EQ(delegate_->drags.at(0).position, QPointF(0.0, 50.0));
   EXPECT_TRUE(delegate_->clicks.empty());
 }
 
-TEST_F(WaveFormKeys, OtherKeysAndThoseOfADisabledViewGoOnToTheWindow) {
+TEST_F(OVWaveFormViewKeysTest, OtherKeysAndThoseOfADisabledViewGoOnToTheWindow) {
   for (const int key : {Qt::Key_R, Qt::Key_Return, Qt::Key_Space, Qt::Key_Up}) {
     QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
     QCoreApplication::sendEvent(&view_, &event);
@@ -447,7 +447,7 @@ TEST_F(WaveFormKeys, OtherKeysAndThoseOfADisabledViewGoOnToTheWindow) {
   EXPECT_EQ(reportedAfter(Qt::Key_Left), -1.0);
 }
 
-TEST_F(WaveFormKeys, TheyMoveTheMarkerFromItsPlaceInTheDocumentNotFromWhereItWasDrawn) {
+TEST_F(OVWaveFormViewKeysTest, TheyMoveTheMarkerFromItsPlaceInTheDocumentNotFromWhereItWasDrawn) {
   auto* const drawn = new OVPlaybackMarkerView(&view_);
   drawn->setPosition(0.1);
   EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right), 0.51);

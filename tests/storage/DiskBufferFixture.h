@@ -14,7 +14,7 @@
 namespace support {
 
 /// A disk buffer over temporary files in memory that fail as a test tells them.
-class DiskBufferTest : public testing::Test {
+class DiskBufferFixture : public testing::Test {
  protected:
   void waitForTheFill() const {
     ASSERT_TRUE(support::eventually([this] { return !buffer_->cacheFilling(); }));

@@ -30,11 +30,11 @@ class ScriptedLevels final : public OVVUViewDataSource {
 
 /// A meter of the given kind with such a source.
 template <typename Meter>
-class MeterTest : public testing::Test {
+class MeterFixture : public testing::Test {
  protected:
   using Levels = ScriptedLevels::Levels;
 
-  MeterTest() {
+  MeterFixture() {
     view_.resize(60, 30);
     view_.setDatasource(source_);
   }

@@ -13,7 +13,7 @@
 namespace support {
 
 /// A block list buffer over temporary files in memory.
-class BlockBufferTest : public testing::Test {
+class BlockBufferFixture : public testing::Test {
  protected:
   /// `count` writes of `size` bytes, one behind the other from address 0 on; gives all their bytes.
   Bytes writeSequence(std::size_t count, std::size_t size) {
