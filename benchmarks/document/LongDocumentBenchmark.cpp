@@ -22,7 +22,7 @@
 #include "PeakMemory.h"
 #include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/sound/AudioQueue.h"
 #include "platform/sound/DeviceAudioQueues.h"
@@ -149,10 +149,11 @@ class LongDocument {
   }
 
   FoldedTemporaryFiles files_{FoldedTemporaryFiles::Kept::theFirstFold};
-  platform::TemporaryFilesInstallation filesInstallation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
   std::shared_ptr<platform::ScriptedAudioDevice> device_ =
       std::make_shared<platform::ScriptedAudioDevice>();
-  platform::AudioQueuesInstallation queues_{std::make_shared<platform::DeviceAudioQueues>(device_)};
+  platform::Installed<platform::AudioQueues>::Scope queues_{
+      std::make_shared<platform::DeviceAudioQueues>(device_)};
   std::shared_ptr<VLRecorderWindowController> document_ =
       VLRecorderWindowController::initWithWindow(nullptr);
 };

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 
 namespace benchmarks {
 
@@ -24,14 +24,14 @@ class FoldedTemporaryFiles : public platform::TemporaryFiles {
   enum class Kept { everyWrite, theFirstFold };
   explicit FoldedTemporaryFiles(Kept kept = Kept::everyWrite) : kept_(kept) {}
 
-  [[nodiscard]] std::string directory() const override { return real_.directory(); }
+  [[nodiscard]] std::string directory() const override { return real_->directory(); }
 
   [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override {
-    return folded(real_.createUnlinked(pathTemplate));
+    return folded(real_->createUnlinked(pathTemplate));
   }
 
   [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
-    return folded(real_.createNamed(pathTemplate));
+    return folded(real_->createNamed(pathTemplate));
   }
 
  private:
@@ -71,14 +71,14 @@ class FoldedTemporaryFiles : public platform::TemporaryFiles {
   };
 
   [[nodiscard]] Created folded(Created created) const {
-    if (created.file != nullptr) {
-      created.file = std::make_unique<FoldedFile>(std::move(created.file), kept_);
+    if (created) {
+      created->file = std::make_unique<FoldedFile>(std::move(created->file), kept_);
     }
     return created;
   }
 
   const Kept kept_;
-  platform::TemporaryFiles& real_ = platform::temporaryFiles();
+  const std::shared_ptr<platform::TemporaryFiles> real_ = platform::temporaryFiles();
 };
 
 }  // namespace benchmarks

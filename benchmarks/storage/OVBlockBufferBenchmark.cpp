@@ -12,7 +12,7 @@
 #include <random>
 #include <vector>
 
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 #include "storage/FoldedTemporaryFiles.h"
 #include "waveform/OVDynamicWaveForm.h"
 
@@ -33,12 +33,12 @@ std::vector<std::byte> audio(std::size_t count) {
 }
 
 void Yardstick_BareWrite32KiB(benchmark::State& state) {
-  auto& files = platform::temporaryFiles();
-  const auto created = files.createUnlinked(files.directory() + "orvoXXXXXX");
+  const auto files = platform::temporaryFiles();
+  const auto created = files->createUnlinked(files->directory() + "orvoXXXXXX");
   const auto bytes = audio(kRecorderBytes);
   std::uint64_t offset = 0;
   for (auto _ : state) {
-    if (created.file->writeAt(bytes.data(), kRecorderBytes, offset).byteCount != kRecorderBytes) {
+    if (created->file->writeAt(bytes.data(), kRecorderBytes, offset).byteCount != kRecorderBytes) {
       state.SkipWithError("the disk is full");
       break;
     }
@@ -82,7 +82,7 @@ void layOut(OVBlockBuffer& buffer, std::uint64_t chunks, std::uint64_t blocks,
 // The same recording, in few blocks and in many.
 void RandomRead64KiB(benchmark::State& state) {
   benchmarks::FoldedTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   const auto buffer = OVBlockBuffer::init();
   layOut(*buffer, kChunks, static_cast<std::uint64_t>(state.range(0)), audio(kRecorderBytes));
   if (buffer->blocklist().size() != static_cast<std::size_t>(state.range(0))) {
@@ -105,7 +105,7 @@ BENCHMARK(RandomRead64KiB)->Name("RandomRead/among 100,000 blocks")->Arg(100'000
 
 void WriteOver32KiB(benchmark::State& state) {
   benchmarks::FoldedTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   const auto buffer = OVBlockBuffer::init();
   const auto bytes = audio(kRecorderBytes);
   layOut(*buffer, kChunks, static_cast<std::uint64_t>(state.range(0)), bytes);
@@ -121,7 +121,7 @@ BENCHMARK(WriteOver32KiB)->Name("WriteOver/100,000 blocks")->Arg(100'000)->Itera
 // As the player reads: 1024 frames at a time, one after the other.
 void Play(benchmark::State& state) {
   benchmarks::FoldedTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   const auto buffer = OVBlockBuffer::init();
   layOut(*buffer, kChunks, static_cast<std::uint64_t>(state.range(0)), audio(kRecorderBytes));
   constexpr std::uint64_t kPlayed = 1024 * 8;

@@ -236,6 +236,18 @@ Ein Audiorekorder mit einfachem Editor.</translation>
         <translation>Wenn Sie nicht speichern, gehen Ihre Änderungen verloren.</translation>
     </message>
     <message>
+        <source>The recording was paused.</source>
+        <translation>Die Aufnahme wurde angehalten.</translation>
+    </message>
+    <message>
+        <source>Quitting was cancelled</source>
+        <translation>Das Beenden wurde abgebrochen</translation>
+    </message>
+    <message>
+        <source>A panel of “%1” is open. Answer it first, then quit again.</source>
+        <translation>Bei „%1“ ist ein Dialog offen. Beantworten Sie ihn zuerst und beenden Sie dann noch einmal.</translation>
+    </message>
+    <message>
         <source>Open</source>
         <translation>Öffnen</translation>
     </message>

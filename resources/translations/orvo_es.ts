@@ -236,6 +236,18 @@ Una grabadora de audio con un editor sencillo.</translation>
         <translation>Si no los guarda, se perderán los cambios.</translation>
     </message>
     <message>
+        <source>The recording was paused.</source>
+        <translation>La grabación se ha pausado.</translation>
+    </message>
+    <message>
+        <source>Quitting was cancelled</source>
+        <translation>Se ha cancelado la salida</translation>
+    </message>
+    <message>
+        <source>A panel of “%1” is open. Answer it first, then quit again.</source>
+        <translation>Hay un diálogo abierto en «%1». Respóndalo primero y vuelva a salir.</translation>
+    </message>
+    <message>
         <source>Open</source>
         <translation>Abrir</translation>
     </message>

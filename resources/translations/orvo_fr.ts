@@ -236,6 +236,18 @@ Un enregistreur audio et éditeur simple.</translation>
         <translation>Vos modifications seront perdues si vous ne les enregistrez pas.</translation>
     </message>
     <message>
+        <source>The recording was paused.</source>
+        <translation>L’enregistrement a été mis en pause.</translation>
+    </message>
+    <message>
+        <source>Quitting was cancelled</source>
+        <translation>La fermeture a été annulée</translation>
+    </message>
+    <message>
+        <source>A panel of “%1” is open. Answer it first, then quit again.</source>
+        <translation>Une boîte de dialogue de « %1 » est ouverte. Répondez-y d’abord, puis quittez à nouveau.</translation>
+    </message>
+    <message>
         <source>Open</source>
         <translation>Ouvrir</translation>
     </message>

@@ -236,6 +236,18 @@ An audio recorder and simple editor.</source>
         <translation>保存しないと、変更内容は失われます。</translation>
     </message>
     <message>
+        <source>The recording was paused.</source>
+        <translation>録音は一時停止されました。</translation>
+    </message>
+    <message>
+        <source>Quitting was cancelled</source>
+        <translation>終了はキャンセルされました</translation>
+    </message>
+    <message>
+        <source>A panel of “%1” is open. Answer it first, then quit again.</source>
+        <translation>「%1」のダイアログが開いています。先に応答してから、もう一度終了してください。</translation>
+    </message>
+    <message>
         <source>Open</source>
         <translation>開く</translation>
     </message>

@@ -236,6 +236,18 @@ An audio recorder and simple editor.</source>
         <translation>如果不保存，您的更改将会丢失。</translation>
     </message>
     <message>
+        <source>The recording was paused.</source>
+        <translation>录音已暂停。</translation>
+    </message>
+    <message>
+        <source>Quitting was cancelled</source>
+        <translation>退出已取消</translation>
+    </message>
+    <message>
+        <source>A panel of “%1” is open. Answer it first, then quit again.</source>
+        <translation>“%1”的对话框仍打开着。请先处理它，然后再次退出。</translation>
+    </message>
+    <message>
         <source>Open</source>
         <translation>打开</translation>
     </message>

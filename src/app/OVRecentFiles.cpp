@@ -4,13 +4,13 @@
 #include "platform/mainloop/MainQueue.h"
 
 void OVRecentFiles::note(const std::string& path) {
-  queue_.async([path] { platform::recentDocuments().noteNewRecentDocument(path); });
+  queue_.async([path] { platform::recentDocuments()->noteNewRecentDocument(path); });
   refresh();
 }
 
 void OVRecentFiles::refresh() {
   queue_.async([latest = std::weak_ptr(latest_)] {
-    const auto files = platform::recentDocuments().recentDocuments(kShown);
+    const auto files = platform::recentDocuments()->recentDocuments(kShown);
     platform::mainQueue().async([latest, files] {
       if (const auto shown = latest.lock()) {
         *shown = files;

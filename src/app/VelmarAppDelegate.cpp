@@ -121,16 +121,16 @@ void VelmarAppDelegate::openInNewWindow(const std::string& path) {
 }
 
 void VelmarAppDelegate::openFile(QWidget* window) {
-  platform::fileDialogs().beginOpenPanel({.window = window,
-                                          .title = platform::localized("Open"),
-                                          .acceptLabel = platform::localized("Open"),
-                                          .allowsMultipleSelection = true,
-                                          .fileTypes = readableFileTypes()},
-                                         [this](const std::vector<std::string>& paths) {
-                                           for (const std::string& path : paths) {
-                                             openInNewWindow(path);
-                                           }
-                                         });
+  platform::fileDialogs()->beginOpenPanel({.window = window,
+                                           .title = platform::localized("Open"),
+                                           .acceptLabel = platform::localized("Open"),
+                                           .allowsMultipleSelection = true,
+                                           .fileTypes = readableFileTypes()},
+                                          [this](const std::vector<std::string>& paths) {
+                                            for (const std::string& path : paths) {
+                                              openInNewWindow(path);
+                                            }
+                                          });
 }
 
 // Quit ------------------------------------------------------------------------------------------
@@ -249,7 +249,7 @@ void VelmarAppDelegate::openWebsite(QObject*) {
 
 void VelmarAppDelegate::openPage(platform::TextKey address) {
   const QString page = platform::localized(address);
-  if (!platform::desktopServices().open(QUrl(page))) {
+  if (!platform::desktopServices()->open(QUrl(page))) {
     ShowModalAlert(
         platform::localizedUtf8("The page could not be opened"),
         platform::localized("No program was found that opens %1.").arg(page).toStdString());

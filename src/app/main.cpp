@@ -18,6 +18,9 @@
 #include "app/VelmarAppDelegate.h"
 #include "platform/desktop/DesktopColours.h"
 #include "platform/desktop/FileAddress.h"
+#include "platform/desktop/QtDesktopServices.h"
+#include "platform/desktop/QtFileDialogs.h"
+#include "platform/desktop/XbelRecentDocuments.h"
 #include "platform/mainloop/FontPreparation.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/mainloop/TerminationSignals.h"
@@ -71,7 +74,14 @@ int main(int argc, char** argv) {
   const auto queues = std::make_shared<platform::DeviceAudioQueues>(platform::lateAudioDevice());
   std::promise<void> firstWindowShown;
   queues->prepareInput(firstWindowShown.get_future());
-  const platform::AudioQueuesInstallation installedQueues(queues);
+  const platform::Installed<platform::AudioQueues>::Scope installedQueues(queues);
+  const platform::Installed<platform::FileDialogs>::Scope installedDialogs(
+      std::make_shared<platform::QtFileDialogs>());
+  const platform::Installed<platform::DesktopServices>::Scope installedDesktop(
+      std::make_shared<platform::QtDesktopServices>());
+  const platform::Installed<platform::RecentDocuments>::Scope installedDocuments(
+      std::make_shared<platform::XbelRecentDocuments>(
+          platform::XbelRecentDocuments::desktopFile()));
   QApplication::setApplicationName("Orvo");
   QApplication::setApplicationVersion(ORVO_VERSION);
   QApplication::setDesktopFileName("orvo");
@@ -79,7 +89,7 @@ int main(int argc, char** argv) {
 
   VelmarAppDelegate delegate([] { QCoreApplication::exit(0); });
   const auto services = servicesOf(delegate);
-  const platform::ApplicationServicesInstallation installedServices(services);
+  const platform::Installed<platform::ApplicationServices>::Scope installedServices(services);
   delegate.setAlertsPendingCheck([services] { return services->hasAlerts(); });
   delegate.applicationWillFinishLaunching();
   OVApplicationEvents events(

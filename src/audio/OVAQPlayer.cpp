@@ -51,19 +51,21 @@ bool OVAQPlayer::initializePlayer() {
 
 bool OVAQPlayer::makeQueue(const platform::AudioStreamBasicDescription& format) {
   queues_ = platform::audioQueues();
-  const auto status =
-      queues_->newOutput(format, queueCallback(this, &OVAQPlayer::outputCallback), queue_);
-  return CheckAudioStatus(status, "AudioQueueNewOutput failed", outputFailureReason(status));
+  auto made = queues_->newOutput(format, queueCallback(this, &OVAQPlayer::outputCallback));
+  if (made) {
+    queue_ = *std::move(made);
+  }
+  return CheckAudioStatus(made.error(), "AudioQueueNewOutput failed",
+                          outputFailureReason(made.error()));
 }
 
 bool OVAQPlayer::prime(std::uint32_t byteCapacity) {
   for (int i = 0; i < kQueueBufferCount && !isDone(); ++i) {
-    platform::AudioQueueBuffer* buffer = nullptr;
-    if (!CheckAudioStatus(queue_->allocateBuffer(byteCapacity, buffer),
-                          "AudioQueueAllocateBuffer failed")) {
+    const auto buffer = queue_->allocateBuffer(byteCapacity);
+    if (!CheckAudioStatus(buffer.error(), "AudioQueueAllocateBuffer failed")) {
       return false;
     }
-    outputCallback(*queue_, *buffer);
+    outputCallback(*queue_, **buffer);
   }
   return true;
 }
@@ -203,14 +205,4 @@ void OVAQPlayer::check(platform::AudioStatus status, const std::string& label) {
   } else {
     CheckAudioStatus(status, label, outputFailureReason(status));
   }
-}
-
-std::shared_ptr<OVAQPlayerDelegate> OVAQPlayer::delegate() const {
-  const std::lock_guard lock(mutex_);
-  return delegate_.lock();
-}
-
-void OVAQPlayer::setDelegate(std::weak_ptr<OVAQPlayerDelegate> delegate) {
-  const std::lock_guard lock(mutex_);
-  delegate_ = std::move(delegate);
 }

@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "audio/BufferReference.h"
 #include "audio/ChannelLevels.h"
 #include "audio/OVAQPlayerDelegate.h"
 #include "platform/base/AudioTypes.h"
+#include "platform/base/GuardedPointer.h"
 #include "platform/sound/AudioQueue.h"
 #include "storage/OVAudioBufferInterface.h"
 
@@ -82,8 +82,12 @@ class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
   void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) { buffer_.set(std::move(buffer)); }
 
   /// Not owned: a delegate that has gone is not called. Any thread.
-  [[nodiscard]] std::shared_ptr<OVAQPlayerDelegate> delegate() const;
-  void setDelegate(std::weak_ptr<OVAQPlayerDelegate> delegate);
+  [[nodiscard]] std::shared_ptr<OVAQPlayerDelegate> delegate() const {
+    return delegate_.get().lock();
+  }
+  void setDelegate(std::weak_ptr<OVAQPlayerDelegate> delegate) {
+    delegate_.set(std::move(delegate));
+  }
 
   /// The status with which the device ended the playback, 0 while there is none. Any thread.
   [[nodiscard]] platform::AudioStatus failure() const {
@@ -120,10 +124,10 @@ class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
   // First failure of the device. Any thread.
   std::atomic<platform::AudioStatus> failure_{platform::kAudioStatusOk};
 
-  BufferReference buffer_;  // guards itself
+  platform::GuardedPointer<std::shared_ptr<OVAudioBufferInterface>> buffer_;
+  platform::GuardedPointer<std::weak_ptr<OVAQPlayerDelegate>> delegate_;
 
   mutable std::mutex mutex_;  // guards everything below, and the writes of isPlaying_
   // Set by pause(): a report of the running state that was on its way must not undo it.
   bool isPaused_ = false;
-  std::weak_ptr<OVAQPlayerDelegate> delegate_;
 };

@@ -11,7 +11,6 @@
 namespace {
 
 constexpr int kQueueBufferCount = 3;
-constexpr std::uint32_t kFramesPerQueueBuffer = 4096;  // 92.9 ms at 44100 Hz
 constexpr const char* kSupportMailAddress = "support@orvo.example";
 
 }  // namespace
@@ -46,7 +45,8 @@ bool OVAQRecorder::initAudioQueue() {
       return false;
     }
   }
-  if (!makeQueue(format) || !enqueueBuffers(format.mBytesPerFrame * kFramesPerQueueBuffer)) {
+  if (!makeQueue(format) ||
+      !enqueueBuffers(format.mBytesPerFrame * platform::kRecordingChunkFrames)) {
     return false;
   }
   if (!CheckAudioStatus(queue_->streamDescription(format), "couldn't get stream description")) {
@@ -64,16 +64,18 @@ bool OVAQRecorder::initAudioQueue() {
 bool OVAQRecorder::makeQueue(const platform::AudioStreamBasicDescription& format) {
   const auto callback = queueCallback(this, &OVAQRecorder::inputCallback);
   const auto failed = queueCallback(this, &OVAQRecorder::deviceFailed);
-  return checkDevice(queues_->newInput(format, callback, failed, queue_),
-                     "lul AudioQueueNewInput failed");
+  auto made = queues_->newInput(format, callback, failed);
+  if (made) {
+    queue_ = *std::move(made);
+  }
+  return checkDevice(made.error(), "lul AudioQueueNewInput failed");
 }
 
 bool OVAQRecorder::enqueueBuffers(std::uint32_t byteCapacity) {
   for (int i = 0; i < kQueueBufferCount; ++i) {
-    platform::AudioQueueBuffer* buffer = nullptr;
-    if (!CheckAudioStatus(queue_->allocateBuffer(byteCapacity, buffer),
-                          "AudioQueueAllocateBuffer failed") ||
-        !CheckAudioStatus(queue_->enqueueBuffer(buffer), "AudioQueueEnqueueBuffer failed")) {
+    const auto buffer = queue_->allocateBuffer(byteCapacity);
+    if (!CheckAudioStatus(buffer.error(), "AudioQueueAllocateBuffer failed") ||
+        !CheckAudioStatus(queue_->enqueueBuffer(*buffer), "AudioQueueEnqueueBuffer failed")) {
       return false;
     }
   }

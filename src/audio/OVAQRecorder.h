@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
-#include "audio/BufferReference.h"
 #include "audio/ChannelLevels.h"
 #include "platform/base/AudioTypes.h"
+#include "platform/base/GuardedPointer.h"
 #include "platform/sound/AudioQueue.h"
 #include "storage/OVAudioBufferInterface.h"
 
@@ -137,7 +137,7 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   // meanwhile wins.
   std::atomic<std::uint64_t> writingPosition_{0};
 
-  BufferReference buffer_;  // guards itself
+  platform::GuardedPointer<std::shared_ptr<OVAudioBufferInterface>> buffer_;
 
   mutable std::mutex mutex_;  // guards everything below
   Span span_;

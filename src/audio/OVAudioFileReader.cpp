@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr std::uint64_t kBytesPerFrame = platform::kWorkingFormat.mBytesPerFrame;
-
 // The status as reports of a read show it: its low 16 bits, with their sign.
 platform::AudioStatus lowHalf(platform::AudioStatus status) {
   return static_cast<std::int16_t>(static_cast<std::uint16_t>(status));
@@ -105,11 +103,11 @@ bool OVAudioFileReader::makeBuffer(std::uint64_t frames) {
   }
   buffer_.reset();
   bufferSize_ = 0;
-  if (frames > std::numeric_limits<std::size_t>::max() / kBytesPerFrame) {
+  if (frames > std::numeric_limits<std::size_t>::max() / platform::kWorkingFrameBytes) {
     return false;
   }
   // Not cleared, and not touched before it is filled.
-  buffer_.reset(static_cast<std::byte*>(std::malloc(frames * kBytesPerFrame)));
+  buffer_.reset(static_cast<std::byte*>(std::malloc(frames * platform::kWorkingFrameBytes)));
   if (buffer_ == nullptr && frames > 0) {
     return false;
   }

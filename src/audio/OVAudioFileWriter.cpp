@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr std::uint64_t kBytesPerFrame = (32 / 8) * 2;
-
 std::optional<platform::AudioFileKind> kindOf(std::uint32_t outputFormat) {
   if (outputFormat > OVAudioFileWriter::kAac) {
     return std::nullopt;
@@ -67,12 +65,12 @@ bool OVAudioFileWriter::openFile(const std::string& path) {
 }
 
 std::uint64_t OVAudioFileWriter::sinkData(const void* data, std::uint64_t dataSize) {
-  const std::uint64_t frames = dataSize / kBytesPerFrame;
+  const std::uint64_t frames = dataSize / platform::kWorkingFrameBytes;
   if (frames == 0 || xafref_ == nullptr || isClosed_ || hasFailed_) {
     return 0;
   }
   return check(xafref_->write(static_cast<const float*>(data), frames), "file write")
-             ? frames * kBytesPerFrame
+             ? frames * platform::kWorkingFrameBytes
              : 0;
 }
 

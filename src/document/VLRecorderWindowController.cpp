@@ -1,40 +1,30 @@
 #include "document/VLRecorderWindowController.h"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
 #include <cstdio>
-#include <cstring>
 #include <random>
-
-#include <QLayout>
+#include <utility>
 
 #include "audio/OVAQPlayer.h"
 #include "audio/OVAQRecorder.h"
-#include "controls/OVLoadingIndicator.h"
-#include "controls/OVLoadingPanel.h"
 #include "controls/OVRecorderWindow.h"
-#include "controls/OVSpectrumStrip.h"
-#include "controls/buttons/OVHoverButton.h"
-#include "controls/buttons/OVRoundedTransportButton.h"
-#include "controls/OVTransportBackgroundView.h"
+#include "controls/buttons/OVTransportButton.h"
 #include "displays/OVCircularVUView.h"
-#include "displays/OVFFTView.h"
-#include "displays/OVTimeView.h"
-#include "document/spectrum/OVSpectrumAnalyser.h"
+#include "document/files/OVWaveformPicture.h"
 #include "platform/base/ApplicationServices.h"
-#include "platform/files/File.h"
-#include "platform/mainloop/FailureReason.h"
-#include "platform/mainloop/Localization.h"
+#include "platform/files/TemporaryFiles.h"
+#include "platform/mainloop/MainQueue.h"
+#include "storage/OVAudioBuffer.h"
 #include "storage/OVBlockBuffer.h"
 #include "ui_VNRecorderWindow.h"
-#include "waveform/views/OVPlaybackMarkerView.h"
-#include "waveform/views/OVWaveFormView.h"
+#include "waveform/OVWaveformSummary.h"
+
+using platform::textKey;
 
 namespace {
 
 constexpr const char* kWindowInterface = "VNRecorderWindow";
-constexpr double kDisplayInterval = 0.04;  // seconds, 25 a second
-constexpr int kIndicatorSteps = 1000;      // of the progress bar, for 0.0 to 1.0
 
 // The last reference may be dropped by a thread of the sound system; the controller owns timers
 // and views' partners, so it always dies on the main thread.
@@ -51,26 +41,21 @@ void deleteOnMainThread(VLRecorderWindowController* controller) {
 // Life ------------------------------------------------------------------------------------------
 
 VLRecorderWindowController::VLRecorderWindowController(OVRecorderWindow* window)
-    : summaries_(std::make_shared<OVDocumentSummaries>([this] {
-        if (const auto self = weak_from_this().lock()) {
-          finishRefresh();
-        }
-      })),
-      window_(window),
-      writeFailures_([this](const OVWriteFailures::Failure& failure) {
-        platform::mainQueue().async([self = weak_from_this(), failure] {
-          if (const auto controller = self.lock()) {
-            controller->writingFailed(failure);
-          }
-        });
-      }) {}
+    : parts_({.menuCommand = [this](Button button) { menuCommand(button); },
+              .loading = {.loaded = [this] { fileLoadingComplete(); },
+                          .drawn = [this] { fileLoadingReallyComplete(); },
+                          .ended = [this] { parts_.unsavedChanges.loadEnded(); }},
+              .fileSavingComplete = [this] { fileSavingComplete(); },
+              .saveFile = [this] { saveFile(nullptr); },
+              .alertDidEnd = [this](int returnCode) { alertDidEnd(returnCode); }}),
+      window_(window) {}
 
 std::shared_ptr<VLRecorderWindowController> VLRecorderWindowController::initWithWindow(
     OVRecorderWindow* window) {
   std::shared_ptr<VLRecorderWindowController> controller(new VLRecorderWindowController(window),
                                                          deleteOnMainThread);
   controller->selfretaining_reference_ = controller;
-  controller->currentFiletype_ = -1;
+  controller->parts_.life.begin(controller);
   return controller;
 }
 
@@ -87,41 +72,28 @@ std::shared_ptr<VLRecorderWindowController> VLRecorderWindowController::initWith
 }
 
 VLRecorderWindowController::~VLRecorderWindowController() {
-  const platform::PostedAlertsScope afterwards;
-  if (player_) {
-    player_->stop();
-    player_.reset();
-  }
-  if (recorder_) {
-    if (recorder_->isRecording()) {
-      recorder_->pause();
-    }
-    recorder_->prepareForDestruction();
-    recorder_.reset();
-  }
   if (vuView_) {
     vuView_->setDatasource({});
   }
 }
 
-// Set-up ----------------------------------------------------------------------------------------
-
 void VLRecorderWindowController::windowDidLoad() {
   connectViews();
-  if (window_) {
-    window_->setTitle(titleWithName(platform::localized("Unnamed")));
+  parts_.history.open(
+      weak_from_this(), [this] { undo(nullptr); }, [this] { redo(nullptr); });
+  parts_.transport.setDelegate(weak_from_this());
+  parts_.transport.setChangeHandler([this] { transportChanged(); });
+  parts_.transport.setCutHandler([this] { refreshCompleteUI(true); });
+  parts_.operation.setChangeHandler([this] { operationChanged(); });
+  parts_.progress.show(false);
+  {
+    const platform::PostedAlertsScope afterwards;  // an alert comes when the window is there
+    if (auto blocks = OVBlockBuffer::init()) {
+      setBuffer(std::move(blocks));
+    }
   }
-  undoManager_ = std::make_shared<platform::UndoManager>();
-  undoManager_->setLevelsOfUndo(1);
-  showIndicator(false);
-  advanceIndicator(0.25);
-  setupTransportButtons();
-  setupSpectrum();
-  if (wfView_) {
-    wfView_->setDelegate(weak_from_this());
-  }
-  initBuffer();
-  windowIsReady();
+  parts_.displayLoop.start();
+  parts_.progress.end();
 }
 
 void VLRecorderWindowController::connectViews() {
@@ -130,130 +102,41 @@ void VLRecorderWindowController::connectViews() {
   }
   window_->setDelegate(weak_from_this());
   wfView_ = window_->findChild<OVWaveFormView*>("wfView");
-  playbackMarkerView_ = window_->findChild<OVPlaybackMarkerView*>("playbackMarkerView");
   vuView_ = window_->findChild<OVCircularVUView*>("vuView");
-  timeView_ = window_->findChild<OVTimeView*>("timeView");
-  prevButton_ = window_->findChild<OVTransportButton*>("prevButton");
-  nextButton_ = window_->findChild<OVTransportButton*>("nextButton");
-  stopButton_ = window_->findChild<OVTransportButton*>("stopButton");
-  playButton_ = window_->findChild<OVTransportButton*>("playButton");
-  recButton_ = window_->findChild<OVTransportButton*>("recButton");
-  pauseButton_ = window_->findChild<OVTransportButton*>("pauseButton");
-  fftButton_ = window_->findChild<OVHoverButton*>("fftButton");
-  transportBackView_ = window_->findChild<OVTransportBackgroundView*>("transportBackView");
-  fftView_ = window_->findChild<OVFFTView*>("fftView");
-  loadingPanel_ = window_->findChild<OVLoadingPanel*>("loadingPanel");
-  loadingIndicator_ = window_->findChild<QProgressBar*>("loadingIndicator");
-  summaries_->setView(wfView_);
+  parts_.file.connect(window_);
+  parts_.history.setWindow(window_);
+  parts_.panels.setWindow(window_);
+  parts_.unsavedChanges.setWindow(window_);
+  parts_.progress.connect(window_);
+  parts_.markerAndTime.connect(window_);
+  parts_.controls.connect(
+      window_, weak_from_this(),
+      [this](Button button, OVTransportButton* sender) { press(button, sender); });
+  parts_.spectrum.connect(window_, weak_from_this(), [this] { toggleFFT(nullptr); });
+  parts_.summaries->setView(wfView_);
+  parts_.displayLoop.setView(wfView_);
   if (wfView_) {
-    wfView_->setTimeLineText([time = timeView_] { return time ? time->text() : QString(); });
-  }
-}
-
-void VLRecorderWindowController::setupTransportButtons() {
-  using Controller = VLRecorderWindowController;
-  setupTransportButton(recButton_, "rec_on.png", "rec_off.png", &Controller::recButton);
-  setupTransportButton(playButton_, "play_on.png", "play_off.png", &Controller::playButton);
-  setupTransportButton(prevButton_, "prev.png", "prev.png", &Controller::prevButton);
-  setupTransportButton(nextButton_, "next.png", "next.png", &Controller::nextButton);
-  setupTransportButton(stopButton_, "stop.png", "stop.png", &Controller::stopButton);
-  setupTransportButton(pauseButton_, "pause.png", "pause.png", &Controller::pauseButton);
-  for (const auto& button : {recButton_, playButton_}) {
-    if (button) {
-      button->setIsSwitch(true);
-    }
-  }
-  if (auto* prev = qobject_cast<OVRoundedTransportButton*>(prevButton_.data())) {
-    prev->setType(1);
-  }
-  if (auto* next = qobject_cast<OVRoundedTransportButton*>(nextButton_.data())) {
-    next->setType(0);
-  }
-}
-
-void VLRecorderWindowController::setupTransportButton(OVTransportButton* button,
-                                                      const char* withOnImage, const char* offImage,
-                                                      ButtonAction action) {
-  if (button == nullptr) {
-    return;
-  }
-  button->setOnImage(withOnImage);
-  button->setOffImage(offImage);
-  button->setAction([this, action, button](OVTrackingButton*) { (this->*action)(button); });
-  button->setTarget(weak_from_this());
-  button->setIsOn(false);
-  setViewNeedsDisplay(QPointer<OVTransportButton>(button));
-}
-
-void VLRecorderWindowController::initBuffer() {
-  const platform::PostedAlertsScope afterwards;  // an alert comes when the window is there
-  if (auto blocks = OVBlockBuffer::init()) {
-    setBuffer(std::move(blocks));
+    wfView_->setDelegate(weak_from_this());
+    wfView_->setTimeLineText([this, life = weak_from_this()] {
+      return life.lock() ? parts_.markerAndTime.text() : QString();
+    });
   }
 }
 
 void VLRecorderWindowController::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
-  if (buffer_) {
-    buffer_->setDelegate({});
+  if (const auto former = parts_.audio.buffer()) {
+    former->setDelegate({});
+    parts_.transport.prepareForNewBuffer();
   }
-  if (recorder_) {
-    recorder_->prepareForDestruction();
-  }
-  {
-    const std::lock_guard lock(sharedObjects_);
-    buffer_.swap(buffer);
-  }
-  buffer_->setDelegate(weak_from_this());
-  advanceIndicator(0.25);
-  setRecorder(makeRecorder());
-  advanceIndicator(0.25);
-  summaries_->setBuffer(buffer_);
+  parts_.audio.setBuffer(buffer);
+  buffer->setDelegate(weak_from_this());
+  parts_.transport.bufferChanged();
+  parts_.summaries->setBuffer(buffer);
   if (vuView_) {
     vuView_->setDatasource(weak_from_this());
   }
-  advanceIndicator(0.25);
-  if (commandsChanged_) {
-    commandsChanged_();
-  }
+  showTransport();
 }
-
-void VLRecorderWindowController::windowIsReady() {
-  pollTimer_ = std::make_unique<platform::Timer>(kDisplayInterval, [self = weak_from_this()] {
-    if (const auto controller = self.lock()) {
-      controller->updatePlaybackMarkerView();
-    }
-  });
-  showIndicator(false);
-  setIndicatorValue(0.0);
-}
-
-std::shared_ptr<OVAQRecorder> VLRecorderWindowController::makeRecorder() {
-  if (!buffer_) {
-    return nullptr;  // the temporary file could not be made; the user has been told
-  }
-  const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a command
-  auto recorder = OVAQRecorder::initWithBuffer(buffer_);
-  if (recorder) {
-    recorder->setWritingPosition(recordingPosition() * bytesPerFrame());
-    recorder->setFailureHandler(
-        [self = weak_from_this(), failed = std::weak_ptr(recorder)](platform::AudioStatus) {
-          platform::mainQueue().async([self, failed] {
-            if (const auto controller = self.lock()) {
-              controller->inputFailed(failed);
-            }
-          });
-        });
-  }
-  return recorder;
-}
-
-// The old object goes outside the lock: its end may wait for a thread that wants the lock.
-void VLRecorderWindowController::setRecorder(std::shared_ptr<OVAQRecorder> recorder) {
-  const std::lock_guard lock(sharedObjects_);
-  recorder_.swap(recorder);
-}
-
-// Window ----------------------------------------------------------------------------------------
 
 OVRecorderWindow* VLRecorderWindowController::window() const {
   return window_;
@@ -265,96 +148,262 @@ void VLRecorderWindowController::showWindow() {
   }
 }
 
-// Not one arg() for both: a name may hold the placeholder of the other.
-QString VLRecorderWindowController::titleWithName(const QString& name) {
-  return platform::localized("Orvo") + QStringLiteral(" - ") + name;
-}
-
-bool VLRecorderWindowController::isDocumentEdited() const {
-  return window_ ? window_->isDocumentEdited() : documentEdited_;
-}
-
-void VLRecorderWindowController::setDocumentEdited(bool edited) {
-  documentEdited_ = edited;
-  if (window_) {
-    window_->setDocumentEdited(edited);
-  }
-}
-
 void VLRecorderWindowController::windowWillClose(OVRecorderWindow*) {
-  *fileJobCancelled_ = true;
-  summaries_->cancelWork();
-  pollTimer_.reset();
-  fftTimer_.reset();
-  if (player_) {
-    player_->setDelegate({});
-  }
-  undoManager_.reset();
+  parts_.loading.cancel();
+  parts_.summaries->cancelWork();
+  parts_.displayLoop.end();
+  parts_.spectrum.close();
+  parts_.transport.close();
+  parts_.history.close();
   const auto self = std::move(selfretaining_reference_);  // released when this call returns
 }
 
-std::shared_ptr<platform::UndoManager> VLRecorderWindowController::windowWillReturnUndoManager()
-    const {
-  return undoManager_;
+// Transport -------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::press(Button button, OVTransportButton* sender) {
+  using Action = void (VLRecorderWindowController::*)(OVTransportButton*);
+  static constexpr std::array<Action, OVTransportControls::kButtonCount> kActions{
+      &VLRecorderWindowController::recButton,  &VLRecorderWindowController::playButton,
+      &VLRecorderWindowController::prevButton, &VLRecorderWindowController::nextButton,
+      &VLRecorderWindowController::stopButton, &VLRecorderWindowController::pauseButton};
+  (this->*kActions[button])(sender);
 }
 
-// Progress bar ----------------------------------------------------------------------------------
+void VLRecorderWindowController::recButton(OVTransportButton* sender) {
+  if (sender != nullptr && sender->isOn()) {
+    parts_.transport.record();
+  } else {
+    pauseButton(sender);
+  }
+}
 
-void VLRecorderWindowController::recreateIndicator(bool indeterminate, platform::TextKey activity) {
-  if (!loadingIndicator_) {
+void VLRecorderWindowController::playButton(OVTransportButton* sender) {
+  if (sender != nullptr && sender->isOn()) {
+    parts_.transport.play();
+  } else {
+    pauseButton(sender);
+  }
+}
+
+void VLRecorderWindowController::menuCommand(Button button) {
+  if (!parts_.controls.isEnabled(button)) {
     return;
   }
-  QProgressBar* const old = loadingIndicator_;
-  auto* fresh = new OVLoadingIndicator(old->parentWidget());
-  fresh->setObjectName(old->objectName());
-  fresh->setGeometry(old->geometry());
-  indicatorValue_ = 0.0;
-  fresh->setRange(0, indeterminate ? 0 : kIndicatorSteps);
-  fresh->setValue(0);
-  fresh->setVisible(false);
-  if (QLayout* const layout = old->parentWidget()->layout()) {
-    delete layout->replaceWidget(old, fresh);
+  if (button == Button::rec || button == Button::play) {
+    parts_.controls.setOn(button, !parts_.controls.isOn(button));
   }
-  loadingIndicator_ = fresh;
-  delete old;
-  tellActivity(activity);
+  press(button, parts_.controls.button(button));
 }
 
-void VLRecorderWindowController::tellActivity(platform::TextKey activity) {
-  if (loadingPanel_) {
-    loadingPanel_->setActivity(platform::localized(activity));
+void VLRecorderWindowController::playMenu(QObject*) {
+  const bool endsRecording =
+      parts_.controls.isEnabled(Button::rec) && parts_.transport.isRecording();
+  menuCommand(endsRecording ? Button::rec : Button::play);
+}
+
+void VLRecorderWindowController::windowDidReceiveKeyDown(OVRecorderWindow*, std::uint16_t keyCode) {
+  parts_.keys.keyDown(keyCode);
+}
+
+void VLRecorderWindowController::windowDidReceiveKeyUp(OVRecorderWindow*, std::uint16_t keyCode) {
+  parts_.keys.keyUp(keyCode);
+}
+
+void VLRecorderWindowController::windowDidCancelKey(OVRecorderWindow*, std::uint16_t keyCode) {
+  parts_.keys.cancel(keyCode);
+}
+
+void VLRecorderWindowController::transportChanged() {
+  const OVTransportState state = parts_.transport.state();
+  if (std::exchange(shownState_, state) == OVTransportState::recording) {
+    parts_.markerAndTime.invalidate();  // it leaves the recording position at the next tick
+  }
+  if (state != OVTransportState::recording) {
+    parts_.markerAndTime.setIsRecordingMarker(false);
+  }
+  if (wfView_) {
+    wfView_->setScrollBack(state == OVTransportState::recording);
+  }
+  showTransport();
+}
+
+void VLRecorderWindowController::showTransport() {
+  parts_.controls.show(parts_.transport.state(), !parts_.operation.isActive());
+  if (commandsChanged_) {
+    commandsChanged_();
   }
 }
 
-void VLRecorderWindowController::advanceIndicator(double by) {
-  setIndicatorValue(indicatorValue_ + by);
+// Editing ---------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::removeAfterMarker(QObject*) {
+  cut(&OVAudioBufferInterface::cutoffBufferAfterPosition, textKey("Remove After Marker"));
 }
 
-void VLRecorderWindowController::setIndicatorValue(double value) {
-  indicatorValue_ = value;
-  if (loadingIndicator_) {
-    loadingIndicator_->setRange(0, kIndicatorSteps);
-    const double shown = std::clamp(value, 0.0, 1.0);
-    loadingIndicator_->setValue(static_cast<int>(std::lround(shown * kIndicatorSteps)));
+void VLRecorderWindowController::removeBeforeMarker(QObject*) {
+  cut(&OVAudioBufferInterface::cutoffBufferBeforePosition, textKey("Remove Before Marker"));
+}
+
+void VLRecorderWindowController::cut(void (OVAudioBufferInterface::*cutoff)(std::uint64_t),
+                                     platform::TextKey actionName) {
+  const auto audio = buffer();
+  if (isFileIOActive() || !audio) {
+    return;
+  }
+  parts_.transport.pause();
+  parts_.history.beginStep(actionName);
+  // An undo may have left the marker after the end.
+  ((*audio).*cutoff)(std::min(playbackPosition(), audio->bufferSizeInFrames()));
+  setDocumentEdited(true);
+  parts_.transport.setPlaybackPosition(0);
+  parts_.transport.setRecordingPosition(audio->bufferSizeInFrames());
+  refreshCompleteUI(true);
+}
+
+// Reversing is its own inverse: it registers itself, and nothing else is touched.
+void VLRecorderWindowController::reverseBuffer(QObject*) {
+  if (isFileIOActive() || !buffer()) {
+    return;
+  }
+  buffer()->reverseBuffer();
+  refreshCompleteUI(true);
+  parts_.history.registerInverse([this] { reverseBuffer(nullptr); }, textKey("Reverse Audio"));
+}
+
+void VLRecorderWindowController::undoCommand() {
+  if (validateMenuItem(MenuAction::undo)) {
+    runHistoryCommand(&platform::UndoManager::undo);
   }
 }
 
-void VLRecorderWindowController::showIndicator(bool shown) {
-  if (loadingIndicator_) {
-    loadingIndicator_->setVisible(shown);
-  }
-  if (loadingPanel_) {
-    loadingPanel_->setVisible(shown);
+void VLRecorderWindowController::redoCommand() {
+  if (validateMenuItem(MenuAction::redo)) {
+    runHistoryCommand(&platform::UndoManager::redo);
   }
 }
 
-// Temporary files -------------------------------------------------------------------------------
+void VLRecorderWindowController::runHistoryCommand(void (platform::UndoManager::*command)()) {
+  if (parts_.transport.isRecording() || player()) {
+    parts_.transport.pause();
+  }
+  ((*windowWillReturnUndoManager()).*command)();
+}
+
+bool VLRecorderWindowController::validateMenuItem(MenuAction action) const {
+  const bool idle = !isFileIOActive();
+  switch (action) {
+    case MenuAction::reverseBuffer:
+      return idle && std::dynamic_pointer_cast<OVAudioBuffer>(buffer()) != nullptr;
+    case MenuAction::undo:
+      return idle && parts_.history.canUndo();
+    case MenuAction::redo:
+      return idle && parts_.history.canRedo();
+    case MenuAction::transport:
+    case MenuAction::open:  // in a window of its own: needs nothing of this document
+      return idle;
+    case MenuAction::edit:
+      return idle && buffer() != nullptr && !parts_.transport.isRecording();
+    case MenuAction::file:
+      return idle && buffer() != nullptr;
+    case MenuAction::other:
+      return true;
+  }
+  return true;
+}
+
+void VLRecorderWindowController::setCommandsChangedHandler(std::function<void()> handler) {
+  commandsChanged_ = std::move(handler);
+}
+
+// Display loop ----------------------------------------------------------------------------------
+
+void VLRecorderWindowController::recreateIndicator(bool indeterminate, platform::TextKey activity) {
+  parts_.progress.recreate(indeterminate, activity);
+}
+
+void VLRecorderWindowController::waveFormViewReceivedClick(OVWaveFormView*, QPointF,
+                                                           double timeLinePosition) {
+  moveToTimeLinePosition(timeLinePosition);
+}
+
+void VLRecorderWindowController::waveFormViewReceivedDrag(OVWaveFormView*, QPointF,
+                                                          double timeLinePosition) {
+  moveToTimeLinePosition(timeLinePosition);
+}
+
+double VLRecorderWindowController::waveFormViewTimeLinePosition(OVWaveFormView*) {
+  return parts_.audio.fractionOfFrames(playbackPosition());
+}
+
+void VLRecorderWindowController::moveToTimeLinePosition(double fraction) {
+  if (!buffer()) {
+    return;
+  }
+  const double clamped = std::clamp(fraction, 0.0, 1.0);
+  const auto size = static_cast<double>(parts_.audio.sizeInFrames());
+  parts_.transport.moveTo(static_cast<std::uint64_t>(size * clamped));
+  parts_.markerAndTime.setLevel(waveForm()->powerAtPosition(clamped));
+  if (!parts_.transport.isRecording()) {
+    doFFT();  // the spectrum of the place that was clicked
+  }
+}
+
+std::optional<std::vector<float>> VLRecorderWindowController::dataForVUView(QWidget*) {
+  return parts_.transport.powerLevels(OVTransportState::playing);
+}
+
+// Spectrum --------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::toggleFFT(QObject*) {
+  parts_.spectrum.toggle(parts_.life.guarded([this] { fireFFT(); }));
+}
+
+void VLRecorderWindowController::fireFFT() {
+  if (parts_.transport.isPlaying()) {
+    doFFT();
+  }
+  if (parts_.transport.isRecording()) {
+    const auto quarter = parts_.fft_data.nextQuarter();
+    doFFTwithData(quarter.data(), static_cast<std::uint32_t>(quarter.size()));
+  }
+}
+
+void VLRecorderWindowController::doFFT() {
+  parts_.spectrum.show(buffer().get(), playbackPosition());
+}
+
+// Files -----------------------------------------------------------------------------------------
+
+void VLRecorderWindowController::fileSavingComplete() {
+  const bool saved = parts_.operation.state() != OVFileOperation::State::exporting;
+  parts_.saving.complete();
+  parts_.unsavedChanges.written(saved);
+}
+
+void VLRecorderWindowController::dumpWaveform(QObject*) {
+  exportWaveformPicture(wfView_, parts_.panels, parts_.file);
+}
+
+// The waveform and the meter rest while audio comes in.
+void VLRecorderWindowController::operationChanged() {
+  const bool loading = parts_.operation.isLoading();
+  if (wfView_) {
+    if (loading) {
+      wfView_->setWaveForm(nullptr);
+    }
+    wfView_->setOverrideRegenerationCheck(loading);
+  }
+  if (vuView_) {
+    vuView_->setDatasource(loading ? std::weak_ptr<OVVUViewDataSource>() : weak_from_this());
+  }
+  showTransport();
+}
 
 std::string VLRecorderWindowController::createTempFile() {
   static constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
   std::random_device random;
   std::uniform_int_distribution<std::size_t> letter(0, sizeof(kLetters) - 2);
-  std::string path = platform::temporaryFiles().directory() + "velmar_";
+  std::string path = platform::temporaryFiles()->directory() + "velmar_";
   for (int i = 0; i < 12; ++i) {
     path += kLetters[letter(random)];
   }
@@ -367,145 +416,60 @@ void VLRecorderWindowController::removeTempFile(const std::string& path) {
   }
 }
 
-// Callbacks -------------------------------------------------------------------------------------
+// Audio -----------------------------------------------------------------------------------------
 
 void VLRecorderWindowController::audioBufferDidWriteData(const void* data,
                                                          std::uint64_t atByteOffset,
                                                          std::uint32_t withSize) {
-  std::unique_lock objects(sharedObjects_);
-  const auto recorder = recorder_;
-  const auto buffer = buffer_;
-  objects.unlock();
-  if (!recorder || !recorder->isRecording()) {
+  if (!parts_.transport.chunkWritten(atByteOffset, withSize)) {
     return;
   }
-  writtenSincePress_ = true;
-  fft_data_.capture(data, withSize);
-  const std::uint64_t frameSize = buffer->format().mBytesPerFrame;
-  const std::uint64_t frames = withSize / frameSize;
-  const std::uint64_t position = (atByteOffset + withSize) / frameSize;
-  setRecordingPosition(position);
-  _lastNumberOfFramesWritten = frames;
-  summaries_->chunkWritten(static_cast<const float*>(data), withSize, position);
-  writeFailures_.chunkWritten(recorder, atByteOffset, withSize);
+  parts_.fft_data.capture(data, withSize);
+  parts_.displayLoop.chunkWritten(withSize / parts_.audio.bytesPerFrame());
+  parts_.summaries->chunkWritten(static_cast<const float*>(data), withSize, recordingPosition());
 }
 
-std::vector<std::byte> VLRecorderWindowController::fft_data() const {
-  return fft_data_.fft_data();
+std::shared_ptr<platform::UndoManager> VLRecorderWindowController::windowWillReturnUndoManager()
+    const {
+  return parts_.history.undoManager();
 }
 
-void VLRecorderWindowController::audioBufferFailedToWrite(int error) {
-  std::unique_lock objects(sharedObjects_);
-  const auto recorder = recorder_;
-  objects.unlock();
-  writeFailures_.failedToWrite(error, recorder);
+std::uint64_t VLRecorderWindowController::lastPlaybackPosition() const {
+  return parts_.markerAndTime.lastPlaybackPosition();
 }
 
-void VLRecorderWindowController::writingFailed(const OVWriteFailures::Failure& failure) {
-  const auto failed = failure.recorder.lock();
-  if (failed && failed == recorder_) {
-    pauseButton(nullptr);
-  }
-  dropLostEnd(failure.atByteOffset, failure.withSize);
-  OVWriteFailures::tellRecordingStopped(failure.error);
+void VLRecorderWindowController::setLastPlaybackPosition(std::uint64_t frames) {
+  parts_.markerAndTime.setLastPlaybackPosition(frames);
 }
 
-// A lost chunk at the end of the recording goes, so that it plays to its end. One in the middle
-// stays: undo brings back what stood there.
-void VLRecorderWindowController::dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize) {
-  if ((isFileIOActive_ && !isOpeningImport_) || !buffer_) {
-    return;
-  }
-  const std::uint64_t frameSize = buffer_->format().mBytesPerFrame;
-  const std::uint64_t lost = atByteOffset / frameSize;
-  if (bufferSizeInFrames() != (atByteOffset + withSize) / frameSize) {
-    return;
-  }
-  buffer_->cutoffBufferAfterPosition(lost);
-  if (recordingPosition() > lost) {
-    setRecordingPosition(lost);
-    setWritingPosition(lost);
-  }
-  refreshCompleteUI(true);
+QProgressBar* VLRecorderWindowController::loadingIndicator() const {
+  return parts_.progress.loadingIndicator();
 }
 
-void VLRecorderWindowController::inputFailed(const std::weak_ptr<OVAQRecorder>& recorder) {
-  const auto failed = recorder.lock();
-  if (!failed || failed != recorder_) {
-    return;
-  }
-  if (isRecording()) {
-    const std::uint64_t marker = playbackPosition();
-    pauseButton(nullptr);
-    if (!writtenSincePress_) {
-      takeRecordingBack(marker);
-    }
-  } else {
-    setRecorder(nullptr);
-    failed->prepareForDestruction();
-  }
+bool VLRecorderWindowController::isImport() const {
+  return parts_.operation.state() == OVFileOperation::State::importing;
 }
 
-// The answer that there is no input came after the press: as if Record had never been pressed. The
-// step before it cannot be undone any more: there is room for one.
-void VLRecorderWindowController::takeRecordingBack(std::uint64_t marker) {
-  buffer_->undo();
-  if (undoManager_) {
-    undoManager_->discardLastUndo();
-  }
-  setDocumentEdited(prevSaveState_);
-  setPlaybackPosition(marker);
+bool VLRecorderWindowController::shouldCloseAfterSave() const {
+  return parts_.unsavedChanges.state() == OVUnsavedChanges::State::savePending;
 }
 
-// Looked at when the player has stopped: what it had read by then is heard first.
-void VLRecorderWindowController::audioBufferFailedToRead(int error) {
-  readError_ = error;
+std::shared_ptr<OVAudioBufferInterface> VLRecorderWindowController::buffer() const {
+  return parts_.audio.buffer();
 }
 
-void VLRecorderWindowController::playerAdvancedToFrame(std::uint64_t frame) {
-  setPlaybackPosition(frame);
+std::shared_ptr<OVAQRecorder> VLRecorderWindowController::recorder() const {
+  return parts_.transport.recorder();
+}
+
+std::shared_ptr<OVWaveformSummary> VLRecorderWindowController::waveForm() const {
+  return parts_.summaries->waveForm();
+}
+
+std::shared_ptr<OVWaveformSummary> VLRecorderWindowController::prevWaveform() const {
+  return parts_.summaries->prevWaveform();
 }
 
 void VLRecorderWindowController::playerStoppedPlayback(OVAQPlayer* player) {
-  if (playbackPosition() >= bufferSizeInFrames()) {
-    stopButton(stopButton_);
-    return;
-  }
-  if (player == nullptr || player != player_.get()) {
-    return;
-  }
-  if (player->failure() != platform::kAudioStatusOk) {
-    pauseButton(nullptr);  // the device went away: the marker stays where playing broke off
-  } else if (const int error = readError_.exchange(0)) {
-    pauseButton(nullptr);
-    tellReadingFailed(error);
-  }
-}
-
-void VLRecorderWindowController::tellReadingFailed(int error) {
-  ShowModalAlert(platform::localizedUtf8("Playing was stopped"),
-                 platform::localized("The audio could not be read from the temporary file. %1")
-                     .arg(QString::fromStdString(platform::failureReason(error)))
-                     .toStdString());
-}
-
-std::optional<std::vector<float>> VLRecorderWindowController::dataForVUView(QWidget*) {
-  const platform::PostedAlertsScope afterwards;
-  if (isPlaying()) {
-    return player_->powerLevels();
-  }
-  if (isRecording()) {
-    return recorder_->powerLevels();
-  }
-  return std::nullopt;
-}
-
-// Units -----------------------------------------------------------------------------------------
-
-std::uint64_t VLRecorderWindowController::bytesPerFrame() const {
-  return buffer_ ? buffer_->format().mBytesPerFrame : 0;
-}
-
-std::uint64_t VLRecorderWindowController::bufferSizeInFrames() const {
-  return buffer_ ? buffer_->bufferSizeInFrames() : 0;
+  parts_.transport.playbackEnded(player);
 }

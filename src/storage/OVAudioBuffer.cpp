@@ -11,15 +11,16 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
-#include "storage/WriteBounds.h"
+#include "storage/BufferTransfer.h"
+#include "storage/DelegateNotification.h"
 
 namespace {
 
 constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 
-// Ten seconds, in bytes: 3528000.
-constexpr auto kInitialCapacity = static_cast<std::uint64_t>(
-    platform::kWorkingFormat.mBytesPerFrame * platform::kWorkingFormat.mSampleRate * 10.0);
+// Ten seconds, in bytes.
+constexpr std::uint64_t kInitialCapacity =
+    10 * platform::kWorkingRate * platform::kWorkingFrameBytes;
 
 // The capacity that exceeds `end`, grown by half again and again; 0 when there is none.
 std::uint64_t capacityBeyond(std::uint64_t capacity, std::uint64_t end) {
@@ -50,7 +51,7 @@ std::shared_ptr<OVAudioBuffer> OVAudioBuffer::init() {
 
 void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
+  if (refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   const std::uint64_t end = atByteOffset + withSize;
@@ -65,7 +66,7 @@ void OVAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
       bufferFillSize_ = end;
     }
   }
-  delegate_.tellWrite(data, atByteOffset, withSize, hasRoom ? 0 : ENOMEM);
+  notifyOfWrite(delegate_.get(), data, atByteOffset, withSize, hasRoom ? 0 : ENOMEM);
 }
 
 bool OVAudioBuffer::growBeyond(std::uint64_t end) {

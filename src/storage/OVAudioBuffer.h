@@ -7,7 +7,7 @@
 #include <mutex>
 #include <vector>
 
-#include "storage/DelegateReference.h"
+#include "platform/base/GuardedPointer.h"
 #include "storage/OVAudioBufferInterface.h"
 
 /// Audio held wholly in memory: one block that grows by half again, one level of undo, reversible.
@@ -108,5 +108,5 @@ class OVAudioBuffer : public OVAudioBufferInterface {
   std::atomic<std::uint64_t> bufferFillSize_{0};
 
   std::atomic<std::uint64_t> framesToPlay_{0};
-  DelegateReference delegate_;
+  platform::GuardedPointer<std::weak_ptr<OVAudioBufferDelegate>> delegate_;
 };

@@ -81,6 +81,10 @@ class OVAudioBufferInterface {
   virtual void setWaypoint() = 0;
   virtual void undo() = 0;
   virtual void redo() = 0;
+  /// Restores what the last setWaypoint() saved and forgets it, for a step that failed: what undo()
+  /// and redo() bring back is then what it was before that step. An undo() where the storage keeps
+  /// no waypoints.
+  virtual void rollBack() { undo(); }
 
   /// Takes and releases the buffer's lock.
   virtual void lock() = 0;

@@ -6,8 +6,9 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
-#include "storage/TemporaryFileAccess.h"
-#include "storage/WriteBounds.h"
+#include "platform/files/TemporaryFiles.h"
+#include "storage/BufferTransfer.h"
+#include "storage/DelegateNotification.h"
 
 namespace {
 
@@ -30,20 +31,20 @@ OVBlockBuffer::OVBlockBuffer(std::unique_ptr<platform::File> file, std::string f
 OVBlockBuffer::~OVBlockBuffer() = default;
 
 std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
-  platform::TemporaryFiles& files = platform::temporaryFiles();
-  const std::string pathTemplate = files.directory() + "orvoXXXXXX";
-  auto created = files.createUnlinked(pathTemplate.substr(0, kMaxPath));
-  if (created.file == nullptr) {
-    tellThatNoTemporaryFileOpens(pathTemplate);
+  const auto files = platform::temporaryFiles();
+  const std::string pathTemplate = files->directory() + "orvoXXXXXX";
+  auto created = files->createUnlinked(pathTemplate.substr(0, kMaxPath));
+  if (!created) {
+    alertThatNoTemporaryFileOpens(pathTemplate);
     return nullptr;
   }
   return std::shared_ptr<OVBlockBuffer>(
-      new OVBlockBuffer(std::move(created.file), std::move(created.path)));
+      new OVBlockBuffer(std::move(created->file), std::move(created->path)));
 }
 
 void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                               std::uint32_t withSize) {
-  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
+  if (refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   platform::FileTransfer written;
@@ -62,7 +63,7 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
   if (blocksAdded >= kWritesBetweenOptimizing) {
     optimize();
   }
-  delegate_.tellWrite(data, atByteOffset, withSize, errorOfTransfer(written, withSize));
+  notifyOfWrite(delegate_.get(), data, atByteOffset, withSize, errorOfTransfer(written, withSize));
 }
 
 // Maps the bytes just appended; gives the number of writes since the list was last optimised.
@@ -97,7 +98,7 @@ BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t wi
     const auto got = readWhole(*f_file_, bytes + total, stretch.byteCount, stretch.fileOffset);
     total += got.byteCount;
     if (got.byteCount < stretch.byteCount) {
-      delegate_.tellFailedRead(got.error);
+      notifyOfFailedRead(delegate_.get(), got.error);
       break;
     }
   }
@@ -204,6 +205,13 @@ void OVBlockBuffer::redo() {
   if (const auto state = std::exchange(redoState_, nullptr)) {
     restore(*state);
   }
+}
+
+void OVBlockBuffer::rollBack() {
+  const std::lock_guard lock(bufferLock_);
+  restore(*waypointStack_.at(waypointPos_ - 1));
+  --waypointPos_;
+  waypointStack_.erase(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_));
 }
 
 void OVBlockBuffer::restore(const OVBufferState& state) {

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/base/GuardedPointer.h"
 #include "platform/files/File.h"
 #include "storage/BlockList.h"
-#include "storage/DelegateReference.h"
 #include "storage/OVAudioBufferInterface.h"
 #include "storage/OVBufferState.h"
 
@@ -94,6 +94,9 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   /// Restores what the last undo() kept, once. Does not move among the waypoints.
   void redo() override;
 
+  /// Throws std::out_of_range when there is no waypoint.
+  void rollBack() override;
+
   void lock() override;
   void unlock() override;
 
@@ -167,5 +170,5 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   std::atomic<std::uint64_t> bufferFillSize_{0};
   std::atomic<bool> listIsEmpty_{true};
 
-  DelegateReference delegate_;
+  platform::GuardedPointer<std::weak_ptr<OVAudioBufferDelegate>> delegate_;
 };

@@ -7,15 +7,12 @@
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
-#include "storage/TemporaryFileAccess.h"
-#include "storage/WriteBounds.h"
+#include "storage/BufferTransfer.h"
+#include "storage/DelegateNotification.h"
 
 namespace {
 
 constexpr std::uint64_t kCopiedAtOnce = std::uint64_t{1} << 20;  // bytes; memory, not a measure
-
-static_assert(static_cast<double>(OVDiskAudioBuffer::kCacheCapacity) ==
-              platform::kWorkingFormat.mBytesPerFrame * platform::kWorkingFormat.mSampleRate * 10);
 
 // Copies what lies from a position on to the start of another file. The errno of a failure.
 int copyTail(platform::File& from, std::uint64_t position, platform::File& to) {
@@ -42,7 +39,7 @@ int copyTail(platform::File& from, std::uint64_t position, platform::File& to) {
 
 }  // namespace
 
-OVDiskAudioBuffer::OVDiskAudioBuffer(platform::TemporaryFiles::Created created)
+OVDiskAudioBuffer::OVDiskAudioBuffer(platform::TemporaryFile created)
     : format_(platform::kWorkingFormat),
       f_file_(std::move(created.file)),
       f_file_name_(std::move(created.path)),
@@ -55,27 +52,27 @@ OVDiskAudioBuffer::~OVDiskAudioBuffer() {
 
 std::shared_ptr<OVDiskAudioBuffer> OVDiskAudioBuffer::init() {
   auto created = createFile();
-  if (created.file == nullptr) {
+  if (!created) {
     return nullptr;
   }
-  return std::shared_ptr<OVDiskAudioBuffer>(new OVDiskAudioBuffer(std::move(created)));
+  return std::shared_ptr<OVDiskAudioBuffer>(new OVDiskAudioBuffer(*std::move(created)));
 }
 
 // Tells when there is none. Hold no lock.
 platform::TemporaryFiles::Created OVDiskAudioBuffer::createFile() {
-  platform::TemporaryFiles& files = platform::temporaryFiles();
-  auto created = files.createNamed(files.directory() + "orvo_XXXXXX.flt");
-  if (created.file == nullptr) {
-    tellThatNoTemporaryFileOpens(created.path);
+  const auto files = platform::temporaryFiles();
+  auto created = files->createNamed(files->directory() + "orvo_XXXXXX.flt");
+  if (created) {
+    platform::applicationServices()->registerTempFile(created->path);
   } else {
-    platform::applicationServices()->registerTempFile(created.path);
+    alertThatNoTemporaryFileOpens(created.error().path);
   }
   return created;
 }
 
 void OVDiskAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
                                   std::uint32_t withSize) {
-  if (!refuseIfPastAddressSpace(atByteOffset, withSize)) {
+  if (refuseIfPastAddressSpace(atByteOffset, withSize)) {
     return;
   }
   platform::FileTransfer written;
@@ -85,7 +82,7 @@ void OVDiskAudioBuffer::writeData(const void* data, std::uint64_t atByteOffset,
     f_size_.store(std::max(f_size(), atByteOffset + withSize), std::memory_order_relaxed);
   }
   discardCache();
-  delegate_.tellWrite(data, atByteOffset, withSize, errorOfTransfer(written, withSize));
+  notifyOfWrite(delegate_.get(), data, atByteOffset, withSize, errorOfTransfer(written, withSize));
 }
 
 BufferReadResult OVDiskAudioBuffer::readDataInto(void* destination, std::uint64_t withSize,
@@ -117,7 +114,7 @@ BufferReadResult OVDiskAudioBuffer::readDataIntoNoCache(void* destination, std::
     read = readWhole(*f_file_, destination, wanted, fromOffset);
   }
   if (read.byteCount < wanted) {
-    delegate_.tellFailedRead(read.error);
+    notifyOfFailedRead(delegate_.get(), read.error);
   }
   return resultOf(destination, read.byteCount / frameBytes * frameBytes);
 }
@@ -221,23 +218,23 @@ void OVDiskAudioBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
 
 void OVDiskAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
   auto other = createFile();  // becomes the old file below
-  if (other.file == nullptr) {
+  if (!other) {
     return;
   }
   int error = 0;
   {
     const std::lock_guard lock(bufferLock_);
-    error = copyTail(*f_file_, frames * format_.mBytesPerFrame, *other.file);
+    error = copyTail(*f_file_, frames * format_.mBytesPerFrame, *other->file);
     if (error == 0) {
-      std::swap(f_file_, other.file);
-      std::swap(f_file_name_, other.path);
+      std::swap(f_file_, other->file);
+      std::swap(f_file_name_, other->path);
       f_size_.store(f_file_->size(), std::memory_order_relaxed);
     }
   }
-  other.file.reset();
-  removeTempFile(other.path);
+  other->file.reset();
+  removeTempFile(other->path);
   if (error != 0) {
-    delegate_.tellFailure(error);
+    notifyOfFailedWrite(delegate_.get(), error);
   }
 }
 

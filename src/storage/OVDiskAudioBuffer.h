@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/base/GuardedPointer.h"
 #include "platform/base/SerialQueue.h"
-#include "platform/files/File.h"
-#include "storage/DelegateReference.h"
+#include "platform/files/TemporaryFiles.h"
 #include "storage/OVAudioBufferInterface.h"
 
 /// The audio of a recording, flat in a temporary file: the byte at an offset of the recording is
@@ -42,7 +42,8 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
                           public std::enable_shared_from_this<OVDiskAudioBuffer> {
  public:
   /// Ten seconds, in bytes.
-  static constexpr std::uint64_t kCacheCapacity = 3528000;
+  static constexpr std::uint64_t kCacheCapacity =
+      10 * platform::kWorkingRate * platform::kWorkingFrameBytes;
   /// A cut before a position that would keep fewer bytes keeps none: the audio that stays is
   /// thought of as 512 chunks of whole bytes, and with less than that a chunk has none.
   static constexpr std::uint64_t kSmallestKept = 512;
@@ -131,7 +132,7 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
   [[nodiscard]] bool cacheFilling() const { return cacheFilling_; }
 
  private:
-  explicit OVDiskAudioBuffer(platform::TemporaryFiles::Created created);
+  explicit OVDiskAudioBuffer(platform::TemporaryFile created);
 
   [[nodiscard]] static platform::TemporaryFiles::Created createFile();
   [[nodiscard]] BufferReadResult resultOf(void* destination, std::uint64_t byteCount) const;
@@ -161,6 +162,6 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
   std::atomic<bool> cacheFilling_{false};
 
   std::atomic<std::uint64_t> framesToPlay_{0};
-  DelegateReference delegate_;
+  platform::GuardedPointer<std::weak_ptr<OVAudioBufferDelegate>> delegate_;
   platform::SerialQueue q_{"disk buffer"};
 };

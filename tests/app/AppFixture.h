@@ -36,7 +36,7 @@ class KeptRecentDocuments : public platform::RecentDocuments {
  private:
   mutable std::mutex mutex_;
   std::vector<std::string> noted_;  // guarded by mutex_
-  platform::RecentDocumentsInstallation installation_{*this};
+  platform::Installed<platform::RecentDocuments>::Scope installation_{*this};
 };
 
 /// The application on sound queues that the test steps by hand, with panels that it answers.
@@ -112,7 +112,7 @@ class AppDelegateTest : public testing::Test {
   int quits_ = 0;
   VelmarAppDelegate delegate_{[this] { ++quits_; }};
   std::shared_ptr<Services> services_ = std::make_shared<Services>(delegate_);
-  platform::ApplicationServicesInstallation servicesInstallation_{services_};
+  platform::Installed<platform::ApplicationServices>::Scope servicesInstallation_{services_};
   testaudio::InstalledSteppedQueues queues_;
   support::InstalledScriptedPanels panels_;
   support::RecordingDesktop desktop_;

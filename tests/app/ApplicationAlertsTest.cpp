@@ -39,7 +39,7 @@ class ApplicationWithAlertsTest : public AppDelegateTest {
           .logToConsole = [this](const std::string& text) { delegate_.logToConsole(text); },
           .registerTempFile = [this](const std::string& path) { delegate_.registerTempFile(path); },
           .cancelTermination = [this] { delegate_.cancelTermination(); }});
-  platform::ApplicationServicesInstallation realInstallation_{real_};
+  platform::Installed<platform::ApplicationServices>::Scope realInstallation_{real_};
   support::TemporaryFolder folder_;
 };
 

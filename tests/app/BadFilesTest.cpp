@@ -11,7 +11,7 @@
 
 #include "app/AppFixture.h"
 #include "controls/buttons/OVTransportButton.h"
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
@@ -82,7 +82,7 @@ class BadFilesTest : public AppDelegateTest, public testing::WithParamInterface<
 
   support::TemporaryFolder folder_;
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation filesInstallation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
 };
 
 TEST_P(BadFilesTest, LeavesAWindowAsGoodAsAny) {

@@ -14,7 +14,7 @@
 #include "audio/OVAudioFileReader.h"
 #include "audio/OVAudioFileWriter.h"
 #include "platform/desktop/FileAddress.h"
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
@@ -244,7 +244,7 @@ TEST_F(OpenAndQuitTest, NothingIsOpenedFromAWindowWhoseFileOperationRuns) {
 TEST_F(OpenAndQuitTest, AFileCanBeOpenedFromAWindowWithoutStorage) {
   support::FailingTemporaryFiles files;
   files.failCreation(ENOSPC);
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   OVRecorderWindow* const window = spawn();
   EXPECT_FALSE(item(window, "Save")->isEnabled());
   EXPECT_TRUE(item(window, "Open…")->isEnabled());
@@ -463,7 +463,7 @@ TEST_F(OpenAndQuitTest, AWindowThatIsJustBeingSavedIsWaitedFor) {
 // At once is: with the piece of work that runs just then as the last.
 TEST_F(OpenAndQuitTest, QuittingWhileAFileIsLoadedEndsAtOnce) {
   support::FailingTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   testaudio::Gate gate;
   files.beforeWrites([&gate] { gate.pass(); });
   delegate_.applicationOpenFile(writeFile("long.wav", 3'000'000));
@@ -477,7 +477,7 @@ TEST_F(OpenAndQuitTest, QuittingWhileAFileIsLoadedEndsAtOnce) {
 
 TEST_F(OpenAndQuitTest, QuittingWhileTheWaveformOfALoadedFileIsBuiltEndsAtOnce) {
   support::FailingTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   testaudio::Gate gate;
   files.beforeReads([&gate] { gate.pass(); });
   delegate_.applicationOpenFile(writeFile("long.wav", 3'000'000));

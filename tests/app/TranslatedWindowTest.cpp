@@ -267,7 +267,7 @@ TEST_P(TranslatedWindow, WhatGoesOnIsWholeBesideTheBarInTheNarrowestWindow) {
 
 TEST_P(TranslatedWindow, TheQuestionAboutUnsavedChangesIsWholeAndQuotesAsTheLanguageDoes) {
   platform::QtFileDialogs real;
-  const platform::FileDialogsInstallation installation(real);
+  const platform::Installed<platform::FileDialogs>::Scope installation(real);
   window_->setDocumentEdited(true);
   window_->performClose();
   auto* const sheet = shownDialog<QMessageBox>("sheet");
@@ -286,7 +286,7 @@ TEST_P(TranslatedWindow, TheQuestionAboutUnsavedChangesIsWholeAndQuotesAsTheLang
 
 TEST_P(TranslatedWindow, TheSavePanelIsWholeAndItsKeyLetterIsItsOwn) {
   platform::QtFileDialogs real;
-  const platform::FileDialogsInstallation installation(real);
+  const platform::Installed<platform::FileDialogs>::Scope installation(real);
   item(window_, "Save As…")->trigger();
   auto* const panel = shownDialog<QFileDialog>("savePanel");
   ASSERT_NE(panel, nullptr);
@@ -306,7 +306,7 @@ TEST_P(TranslatedWindow, TheSavePanelIsWholeAndItsKeyLetterIsItsOwn) {
 
 TEST_P(TranslatedWindow, TheRuleOfRingtonesIsWhole) {
   platform::QtFileDialogs real;
-  const platform::FileDialogsInstallation installation(real);
+  const platform::Installed<platform::FileDialogs>::Scope installation(real);
   item(window_, "Export Ringtone…")->trigger();
   auto* const panel = shownDialog<QFileDialog>("savePanel");
   ASSERT_NE(panel, nullptr);

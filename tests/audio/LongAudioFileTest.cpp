@@ -49,7 +49,7 @@ class LongAudioFileTest : public testing::Test {
 
   support::InstalledRecordingServices services_;
   support::TestUserAudioFiles storage_;
-  platform::AudioFileStorageInstallation installation_{storage_};
+  platform::Installed<platform::UserAudioFiles>::Scope installation_{storage_};
 };
 
 TEST_F(LongAudioFileTest, AWavBeyondFourGigabytesBecomesRf64AndIsReadWhole) {

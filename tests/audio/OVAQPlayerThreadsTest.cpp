@@ -105,7 +105,7 @@ class OVAQPlayerThreadsTest : public testing::Test {
   support::InstalledRecordingServices services_;
   std::shared_ptr<platform::ScriptedAudioDevice> device_ =
       std::make_shared<platform::ScriptedAudioDevice>();
-  platform::AudioQueuesInstallation installation_{
+  platform::Installed<platform::AudioQueues>::Scope installation_{
       std::make_shared<platform::DeviceAudioQueues>(device_)};
   std::shared_ptr<WatchingDelegate> delegate_ = std::make_shared<WatchingDelegate>();
   std::shared_ptr<TestAudioBuffer> buffer_;

@@ -61,7 +61,7 @@ class OVAQRecorderThreadsTest : public testing::Test {
   support::InstalledRecordingServices services_;
   std::shared_ptr<platform::ScriptedAudioDevice> device_ =
       std::make_shared<platform::ScriptedAudioDevice>();
-  platform::AudioQueuesInstallation installation_{
+  platform::Installed<platform::AudioQueues>::Scope installation_{
       std::make_shared<platform::DeviceAudioQueues>(device_)};
   std::shared_ptr<TestAudioBuffer> buffer_ = std::make_shared<TestAudioBuffer>();
   std::shared_ptr<OVAQRecorder> recorder_;

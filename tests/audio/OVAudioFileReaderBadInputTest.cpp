@@ -145,7 +145,7 @@ TEST_F(OVAudioFileReaderBadInputTest, AnUnreadableFileIsTold) {
 
 TEST_F(OVAudioFileReaderBadInputTest, WhateverTheSystemRefusesIsToldInWords) {
   support::TestUserAudioFiles storage;
-  const platform::AudioFileStorageInstallation installation(storage);
+  const platform::Installed<platform::UserAudioFiles>::Scope installation(storage);
   for (const auto& [error, words] :
        std::vector<std::pair<int, std::string>>{{EACCES, "You are not allowed to read “a.wav”."},
                                                 {EMFILE, "because too many files are open."},

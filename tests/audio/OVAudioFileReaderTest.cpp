@@ -315,7 +315,7 @@ TEST_F(OVAudioFileReaderTest, AFileDeletedAfterOpeningIsReadToItsEndAndRewound) 
 
 TEST_F(OVAudioFileReaderTest, AFailingMediumIsToldOnceAfterWhatCameBeforeIt) {
   support::TestUserAudioFiles storage;
-  const platform::AudioFileStorageInstallation installation(storage);
+  const platform::Installed<platform::UserAudioFiles>::Scope installation(storage);
   storage.setBytes(support::wavBytes(44100, 2, 16, std::string(800'000, 'x')));
   storage.failReadsFrom(400'044);
   const auto reader = OVAudioFileReader::initWithFile("a/pulled.wav");
@@ -336,7 +336,7 @@ TEST_F(OVAudioFileReaderTest, AFailingMediumIsToldOnceAfterWhatCameBeforeIt) {
 
 TEST_F(OVAudioFileReaderTest, AnotherFileOpenedAfterAFailureIsReadAndToldOfLikeTheFirst) {
   support::TestUserAudioFiles storage;
-  const platform::AudioFileStorageInstallation installation(storage);
+  const platform::Installed<platform::UserAudioFiles>::Scope installation(storage);
   storage.setBytes(support::wavBytes(44100, 2, 16, std::string(800'000, 'x')));
   storage.failReadsFrom(400'044);
   const auto reader = OVAudioFileReader::initWithFile("a/pulled.wav");
@@ -356,7 +356,7 @@ TEST_F(OVAudioFileReaderTest, AnotherFileOpenedAfterAFailureIsReadAndToldOfLikeT
 
 TEST_F(OVAudioFileReaderTest, AMediumThatFailsWhileOpeningIsTold) {
   support::TestUserAudioFiles storage;
-  const platform::AudioFileStorageInstallation installation(storage);
+  const platform::Installed<platform::UserAudioFiles>::Scope installation(storage);
   storage.setBytes(support::wavBytes(44100, 2, 16, std::string(8000, 'x')));
   storage.failReadsFrom(0);
   EXPECT_EQ(OVAudioFileReader::initWithFile("a.wav"), nullptr);
@@ -377,7 +377,7 @@ class OVAudioFileReaderCancelTest : public OVAudioFileReaderTest {
  protected:
   std::shared_ptr<std::atomic<bool>> cancelled_ = std::make_shared<std::atomic<bool>>(false);
   support::TestUserAudioFiles storage_;
-  platform::AudioFileStorageInstallation installation_{storage_};
+  platform::Installed<platform::UserAudioFiles>::Scope installation_{storage_};
 };
 
 TEST_F(OVAudioFileReaderCancelTest, SetBeforehandOpensNothingAndSaysNothing) {

@@ -309,7 +309,7 @@ TEST_F(OVAudioFileWriterTest, AFolderAPipeAndALongNameAreToldAsWhatTheyAre) {
 class OVAudioFileWriterFullDiskTest : public OVAudioFileWriterTest {
  protected:
   support::TestUserAudioFiles storage_;
-  platform::AudioFileStorageInstallation installation_{storage_};
+  platform::Installed<platform::UserAudioFiles>::Scope installation_{storage_};
 };
 
 TEST_F(OVAudioFileWriterFullDiskTest, WhereverItFillsUpIsToldExactlyOnceAndNeverCalledComplete) {

@@ -73,16 +73,17 @@ class SteppedQueue : public Interface {
   }
   ~SteppedQueue() override { --script_->queuesAlive; }
 
-  AudioStatus allocateBuffer(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) override {
+  platform::Result<AudioQueueBuffer*, AudioStatus> allocateBuffer(
+      std::uint32_t byteCapacity) override {
     const auto status = script_->called("allocateBuffer");
-    if (status == platform::kAudioStatusOk) {
-      auto& made = *buffers_.emplace_back(std::make_unique<Allocated>());
-      made.bytes.resize(byteCapacity);
-      made.buffer.mAudioData = made.bytes.data();
-      made.buffer.mAudioDataBytesCapacity = byteCapacity;
-      buffer = &made.buffer;
+    if (status != platform::kAudioStatusOk) {
+      return status;
     }
-    return status;
+    auto& made = *buffers_.emplace_back(std::make_unique<Allocated>());
+    made.bytes.resize(byteCapacity);
+    made.buffer.mAudioData = made.bytes.data();
+    made.buffer.mAudioDataBytesCapacity = byteCapacity;
+    return &made.buffer;
   }
   AudioStatus enqueueBuffer(AudioQueueBuffer* buffer) override {
     const auto status = script_->called("enqueueBuffer");
@@ -205,29 +206,25 @@ class SteppedAudioQueues : public platform::AudioQueues {
   AudioStatus completeFormat(platform::AudioStreamBasicDescription&) const override {
     return script_->called("completeFormat");
   }
-  AudioStatus newInput(const platform::AudioStreamBasicDescription& format,
-                       platform::AudioInputQueue::Callback callback,
-                       platform::AudioInputQueue::FailureListener failed,
-                       std::unique_ptr<platform::AudioInputQueue>& queue) override {
-    const auto status = answered("newInput", format);
-    if (status == platform::kAudioStatusOk) {
-      auto made =
-          std::make_unique<SteppedInputQueue>(script_, std::move(callback), std::move(failed));
-      input = made.get();
-      queue = std::move(made);
+  NewInput newInput(const platform::AudioStreamBasicDescription& format,
+                    platform::AudioInputQueue::Callback callback,
+                    platform::AudioInputQueue::FailureListener failed) override {
+    if (const auto status = answered("newInput", format); status != platform::kAudioStatusOk) {
+      return status;
     }
-    return status;
+    auto made =
+        std::make_unique<SteppedInputQueue>(script_, std::move(callback), std::move(failed));
+    input = made.get();
+    return made;
   }
-  AudioStatus newOutput(const platform::AudioStreamBasicDescription& format,
-                        platform::AudioOutputQueue::Callback callback,
-                        std::unique_ptr<platform::AudioOutputQueue>& queue) override {
-    const auto status = answered("newOutput", format);
-    if (status == platform::kAudioStatusOk) {
-      auto made = std::make_unique<SteppedOutputQueue>(script_, std::move(callback));
-      output = made.get();
-      queue = std::move(made);
+  NewOutput newOutput(const platform::AudioStreamBasicDescription& format,
+                      platform::AudioOutputQueue::Callback callback) override {
+    if (const auto status = answered("newOutput", format); status != platform::kAudioStatusOk) {
+      return status;
     }
-    return status;
+    auto made = std::make_unique<SteppedOutputQueue>(script_, std::move(callback));
+    output = made.get();
+    return made;
   }
   bool claimInputFailureAlert() override {
     return std::exchange(script_->inputFailureReportPending, false);
@@ -258,7 +255,7 @@ class InstalledSteppedQueues {
  private:
   std::shared_ptr<QueueScript> script_ = std::make_shared<QueueScript>();
   std::shared_ptr<SteppedAudioQueues> queues_ = std::make_shared<SteppedAudioQueues>(script_);
-  platform::AudioQueuesInstallation installation_{queues_};
+  platform::Installed<platform::AudioQueues>::Scope installation_{queues_};
 };
 
 }  // namespace testaudio

@@ -4,7 +4,7 @@
 
 #include "audio/Gate.h"
 #include "document/FileFixture.h"
-#include "document/files/OVLoadJob.h"
+#include "document/files/loadFile.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
 namespace {
@@ -17,7 +17,7 @@ constexpr std::uint64_t kManyChunks = 20;
 class CancelledWorkTest : public DocumentFileTest {
  protected:
   std::string writeLongFile() {
-    return writeFile("take.wav", ramp(kManyChunks * OVLoadJob::kChunkFrames));
+    return writeFile("take.wav", ramp(kManyChunks * kLoadChunkFrames));
   }
 
   /// Closes the window while its work stands at the gate, and lets the work go on.
@@ -36,7 +36,7 @@ class CancelledWorkTest : public DocumentFileTest {
 
   testaudio::Gate gate_;
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation filesInstallation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
 };
 
 TEST_F(CancelledWorkTest, WhileAFileIsLoadedTheChunkBeingStoredIsTheLast) {
@@ -60,7 +60,7 @@ TEST_F(CancelledWorkTest, WhileTheWaveformOfALoadedFileIsBuiltTheReadThatRunsIsT
 
 TEST_F(CancelledWorkTest, WhileAnEditIsRefreshedTheReadThatRunsIsTheLast) {
   openWindow();
-  fill(ramp(kManyChunks * OVLoadJob::kChunkFrames));
+  fill(ramp(kManyChunks * kLoadChunkFrames));
   files_.beforeReads([this] { gate_.pass(); });
   document_->refreshCompleteUI(true);
   ASSERT_TRUE(gate_.awaitArrival());
@@ -70,7 +70,7 @@ TEST_F(CancelledWorkTest, WhileAnEditIsRefreshedTheReadThatRunsIsTheLast) {
 
 TEST_F(CancelledWorkTest, WhileARecordingTakesInWhatIsThereTheReadThatRunsIsTheLast) {
   openWindow();
-  fill(ramp(kManyChunks * OVLoadJob::kChunkFrames));
+  fill(ramp(kManyChunks * kLoadChunkFrames));
   document_->nextButton(nullptr);
   files_.beforeReads([this] { gate_.pass(); });
   pressRecord();
@@ -83,7 +83,7 @@ TEST_F(CancelledWorkTest, WhileARecordingTakesInWhatIsThereTheReadThatRunsIsTheL
 
 TEST_F(CancelledWorkTest, WhileARecordingGetsAGrowingSummaryAgainTheStretchBeingReadIsTheLast) {
   openWindow();
-  fill(ramp(kManyChunks * OVLoadJob::kChunkFrames));
+  fill(ramp(kManyChunks * kLoadChunkFrames));
   document_->waveForm()->generate();
   pressRecord();
   ASSERT_TRUE(capture(0.25F));

@@ -248,7 +248,7 @@ TEST_F(HeldKeyTest, APlaybackTakesThePressFromRecordWhichItDisables) {
 
 TEST_F(HeldKeyTest, ASpaceHeldBeyondItsRecordingLetsGoOfRecord) {
   support::FailingTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   openWindow();
   pressRecord();
   capture(0.5F);
@@ -267,7 +267,7 @@ TEST_F(HeldKeyTest, ASpaceHeldBeyondItsRecordingLetsGoOfRecord) {
 
 TEST_F(HeldKeyTest, ASpaceReleasedAfterItsRecordingEndedLetsGoOfRecord) {
   support::FailingTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   openWindow();
   pressRecord();
   capture(0.5F);

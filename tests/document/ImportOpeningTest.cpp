@@ -48,9 +48,9 @@ class ImportOpeningTest : public DocumentFileTest {
 
   testaudio::Gate gate_;
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation filesInstallation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
   support::TestUserAudioFiles storage_;
-  platform::AudioFileStorageInstallation storageInstallation_{storage_};
+  platform::Installed<platform::UserAudioFiles>::Scope storageInstallation_{storage_};
 };
 
 TEST_F(ImportOpeningTest, TheTransportIsDisabledAndABarWithoutAnEndIsShown) {

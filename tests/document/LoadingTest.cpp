@@ -5,7 +5,7 @@
 
 #include "audio/Gate.h"
 #include "document/FileFixture.h"
-#include "document/files/OVLoadJob.h"
+#include "document/files/loadFile.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "waveform/views/OVWaveFormView.h"
 
@@ -51,7 +51,7 @@ TEST_F(LoadingTest, AFileShorterThanAChunkIsLoadedWhole) {
 
 TEST_F(LoadingTest, AFileOfSeveralChunksIsLoadedWhole) {
   openWindow();
-  const Samples samples = ramp(2 * OVLoadJob::kChunkFrames + 77);
+  const Samples samples = ramp(2 * kLoadChunkFrames + 77);
   open(writeFile("long.wav", samples));
   EXPECT_EQ(audio(), samples);
   EXPECT_DOUBLE_EQ(timeView()->durationInSeconds(), static_cast<double>(length()) / 44100.0);
@@ -143,7 +143,7 @@ TEST_F(LoadingTest, TheDurationGrowsAndTheBarMovesWhileAFileIsLoaded) {
   int furthest = 0;  // of the bar, before the waveform is built
   double last = 0.0;
   constexpr double kSeconds = 20 * 6.0;
-  document_->openFileNamed(writeFile("take.wav", ramp(20 * OVLoadJob::kChunkFrames)));
+  document_->openFileNamed(writeFile("take.wav", ramp(20 * kLoadChunkFrames)));
   EXPECT_TRUE(runMainLoopUntil([&] {
     const double duration = timeView()->durationInSeconds();
     EXPECT_GE(duration, last);
@@ -248,10 +248,10 @@ TEST_F(LoadingTest, AnImportIsOneUndoableStep) {
   const Samples before = ramp(1000);
   fill(before);
   document_->setRecordingPosition(900);
-  const Samples samples = ramp(2 * OVLoadJob::kChunkFrames, 3);
+  const Samples samples = ramp(2 * kLoadChunkFrames, 3);
   import(writeFile("part.wav", samples));
   const Samples after = audio();
-  EXPECT_EQ(length(), 900 + 2 * OVLoadJob::kChunkFrames);
+  EXPECT_EQ(length(), 900 + 2 * kLoadChunkFrames);
   EXPECT_EQ(document_->windowWillReturnUndoManager()->undoActionName(), "Import File");
   document_->undoCommand();
   settle();
@@ -358,18 +358,17 @@ TEST_F(LoadingTest, DontSaveDuringAnImportClosesAtOnce) {
 class TemporaryDiskLoadingTest : public LoadingTest {
  protected:
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation filesInstallation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
 };
 
 TEST_F(TemporaryDiskLoadingTest, AnOpenKeepsWhatWasStoredAndTellsOnce) {
   openWindow();
-  const Samples samples = ramp(3 * OVLoadJob::kChunkFrames);
+  const Samples samples = ramp(3 * kLoadChunkFrames);
   const std::string path = writeFile("take.wav", samples);
-  files_.fillUpAfter(2 * OVLoadJob::kChunkFrames * kFrameBytes + 100);
+  files_.fillUpAfter(2 * kLoadChunkFrames * kFrameBytes + 100);
   open(path);
-  EXPECT_EQ(length(), 2 * OVLoadJob::kChunkFrames);
-  EXPECT_TRUE(
-      std::equal(samples.begin(), samples.begin() + 4 * OVLoadJob::kChunkFrames, audio().begin()));
+  EXPECT_EQ(length(), 2 * kLoadChunkFrames);
+  EXPECT_TRUE(std::equal(samples.begin(), samples.begin() + 4 * kLoadChunkFrames, audio().begin()));
   ASSERT_EQ(services_->alerts().size(), 1U);
   EXPECT_EQ(services_->alerts()[0].title, "“take.wav” could not be loaded whole");
   EXPECT_THAT(services_->alerts()[0].message, HasSubstr("The disk is full."));
@@ -382,8 +381,8 @@ TEST_F(TemporaryDiskLoadingTest, AnImportIsTakenBackAndToldOnce) {
   const Samples before = ramp(1000);
   fill(before);
   document_->setRecordingPosition(500);
-  const std::string path = writeFile("part.wav", ramp(3 * OVLoadJob::kChunkFrames));
-  files_.fillUpAfter(2 * OVLoadJob::kChunkFrames * kFrameBytes);
+  const std::string path = writeFile("part.wav", ramp(3 * kLoadChunkFrames));
+  files_.fillUpAfter(2 * kLoadChunkFrames * kFrameBytes);
   import(path);
   EXPECT_EQ(audio(), before);
   EXPECT_FALSE(document_->isDocumentEdited());

@@ -49,7 +49,7 @@ class ProgressTest : public DocumentFileTest {
   }
 
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation filesInstallation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
   testaudio::Gate gate_;
 };
 

@@ -380,7 +380,7 @@ TEST_F(SavingTest, AnExportOrAFailedSaveLeavesToUndoWhatItHadToSay) {
 
 TEST_F(SavingTest, TheBarMovesWhileTheFileIsWritten) {
   support::FailingTemporaryFiles disk;
-  const platform::TemporaryFilesInstallation installed(disk);
+  const platform::Installed<platform::TemporaryFiles>::Scope installed(disk);
   openWindow();
   const Samples chunk(2 * OVSaveJob::kChunkFrames, 0.25F);
   for (std::uint64_t i = 0; i < 4; ++i) {
@@ -482,7 +482,7 @@ TEST_F(MediaTest, ADiskThatCanOnlyBeReadIsTold) {
   openChanged();
   support::TestUserAudioFiles disk;
   disk.failOpening(EROFS);
-  const platform::AudioFileStorageInstallation installed(disk);
+  const platform::Installed<platform::UserAudioFiles>::Scope installed(disk);
   document_->saveFile(nullptr);
   awaitIdle();
   expectTold("You are not allowed to write");
@@ -494,7 +494,7 @@ TEST_F(MediaTest, AMediumThatIsPulledWhileItIsWrittenIsTold) {
     openChanged();
     support::TestUserAudioFiles disk;
     disk.fillUpAfter(10'000, error);
-    const platform::AudioFileStorageInstallation installed(disk);
+    const platform::Installed<platform::UserAudioFiles>::Scope installed(disk);
     document_->saveFile(nullptr);
     awaitIdle();
     expectTold("It may have been removed.");

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "controls/buttons/OVHoverButton.h"
 #include "controls/OVTransportBackgroundView.h"
+#include "controls/buttons/OVHoverButton.h"
 #include "displays/OVFFTView.h"
 #include "document/DocumentFixture.h"
 #include "document/spectrum/OVSpectrumAnalyser.h"
@@ -351,7 +351,7 @@ TEST_F(SpectrumTest, WorksWithoutAWindow) {
 TEST_F(SpectrumTest, WithoutABufferTheSpectrumIsSilent) {
   support::FailingTemporaryFiles files;
   files.failCreation(ENOSPC);
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   openWindow();
   ASSERT_EQ(document_->buffer(), nullptr);
   document_->doFFT();

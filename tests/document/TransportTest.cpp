@@ -380,7 +380,7 @@ TEST_F(TransportTest, RecordPressedBeforeALostDeviceWasNoticedRollsBack) {
 
 TEST_F(TransportTest, AFailedWriteDoesNotStopWhatWasStartedAfterThePause) {
   support::FailingTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   openWindow();
   pressRecord();
   capture(0.5F);
@@ -407,7 +407,7 @@ TEST_F(TransportTest, WithNoOutputDevicePlayRollsBack) {
 
 TEST_F(TransportTest, AFullDiskStopsTheRecordingKeepsWhatWasWrittenAndTellsOnce) {
   support::FailingTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   openWindow();
   pressRecord();
   capture(0.5F);
@@ -431,7 +431,7 @@ TEST_F(TransportTest, AFullDiskStopsTheRecordingKeepsWhatWasWrittenAndTellsOnce)
 
 TEST_F(TransportTest, AFullDiskWhileRecordingOverAudioKeepsTheRestAndUndoBringsAllBack) {
   support::FailingTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   openWindow();
   recordChunks(4, 0.25F);
   document_->prevButton(nullptr);
@@ -449,7 +449,7 @@ TEST_F(TransportTest, AFullDiskWhileRecordingOverAudioKeepsTheRestAndUndoBringsA
 
 TEST_F(TransportTest, PlayingRunsAcrossTheStretchThatAFullDiskLostInTheMiddle) {
   support::FailingTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   openWindow();
   recordChunks(4, 0.25F);
   document_->prevButton(nullptr);
@@ -480,7 +480,7 @@ TEST_F(TransportTest, PlayingRunsAcrossTheStretchThatAFullDiskLostInTheMiddle) {
 
 TEST_F(TransportTest, ADiskThatCannotBeReadWhilePlayingPausesAndIsToldOnceAPlayback) {
   support::FailingTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   openWindow();
   recordChunks(4);
   settle();

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include <gmock/gmock.h>
+
 #include "document/DocumentFixture.h"
 #include "platform/base/ApplicationServices.h"
 #include "support/fakes/FailingTemporaryFiles.h"
@@ -114,14 +116,26 @@ TEST_F(DocumentTest, LaterTheStaticSummaryIsUpdatedTwoChunksBeforeTheRecordingPo
   EXPECT_EQ(got, want);
 }
 
-TEST_F(DocumentTest, APlayerThatStoppedBeforeTheEndLeavesTheTransportAsItIs) {
+TEST_F(DocumentTest, APlayerThatStoppedBeforeTheEndLeavesTheTransportPausedWhereItWas) {
   openWindow();
   recordChunks(3);
   pressPlay();
-  document_->setPlaybackPosition(kChunkFrames);
+  const auto place = document_->playbackPosition();
+  ASSERT_THAT(place, testing::AllOf(testing::Gt(0U), testing::Lt(length())));
   document_->playerStoppedPlayback(document_->player().get());
+  EXPECT_EQ(document_->player(), nullptr);
+  EXPECT_EQ(document_->playbackPosition(), place);
+  EXPECT_EQ(document_->recordingPosition(), place);
+  EXPECT_EQ(document_->recorder()->writingPosition(), place * kFrameBytes);
+  EXPECT_FALSE(button("playButton")->isOn());
+}
+
+TEST_F(DocumentTest, AReportThatNoPlayerSentBeforeTheEndLeavesTheTransportAsItIs) {
+  openWindow();
+  recordChunks(3);
+  pressPlay();
+  document_->playerStoppedPlayback(nullptr);
   EXPECT_NE(document_->player(), nullptr);
-  EXPECT_EQ(document_->playbackPosition(), kChunkFrames);
   EXPECT_TRUE(button("playButton")->isOn());
 }
 
@@ -226,7 +240,7 @@ TEST_F(DocumentTest, TemporaryPathsAreFreshAndRemovingNoneDoesNothing) {
 
 TEST_F(DocumentTest, ADocumentWithoutATemporaryFileTellsOnceAndStaysUsable) {
   support::FailingTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   files.failCreation(EACCES);
   openWindow();
   EXPECT_EQ(document_->buffer(), nullptr);

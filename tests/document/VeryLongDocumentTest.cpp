@@ -27,7 +27,7 @@ class VeryLongDocumentTest : public DocumentTest {
 
   // Silence, with a second of sound from the middle on.
   void makeFile(std::uint64_t frames) {
-    const auto file = storage_.createForWriting("a.wav").file;
+    const auto file = *storage_.createForWriting("a.wav");
     const std::string header = rf64Header(frames * kFileFrameBytes);
     const std::vector<std::int16_t> sound(std::size_t{2} * 44100, 0x4000);
     const char lastByte = 0;
@@ -96,9 +96,9 @@ class VeryLongDocumentTest : public DocumentTest {
   }
 
   support::TestUserAudioFiles storage_;
-  platform::AudioFileStorageInstallation storageInstallation_{storage_};
+  platform::Installed<platform::UserAudioFiles>::Scope storageInstallation_{storage_};
   support::SparseTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
 };
 
 TEST_F(VeryLongDocumentTest, IsOpenedCutInItsMiddleUndoneRedoneAndPlayedWithoutMoreMemory) {

@@ -87,7 +87,7 @@ class WindowLifeTest : public testing::Test {
   support::InstalledScriptedPanels panels_;
   std::shared_ptr<platform::DeviceAudioQueues> queues_ =
       std::make_shared<platform::DeviceAudioQueues>(device_);
-  platform::AudioQueuesInstallation installation_{queues_};
+  platform::Installed<platform::AudioQueues>::Scope installation_{queues_};
 };
 
 TEST_F(WindowLifeTest, TwoWindowsRecordAtTheSameTimeFromOneInputAndNeitherLosesAFrame) {

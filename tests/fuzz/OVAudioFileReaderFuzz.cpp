@@ -22,7 +22,7 @@ class OneFile : public platform::UserAudioFiles {
   OneFile(const std::uint8_t* bytes, std::size_t size) : bytes_(bytes), size_(size) {}
 
   [[nodiscard]] Opened openForReading(const std::string&) override {
-    return {.file = std::make_unique<Bytes>(bytes_, size_), .size = size_, .error = 0};
+    return std::make_unique<Bytes>(bytes_, size_);
   }
   [[nodiscard]] Opened createForWriting(const std::string&) override { std::abort(); }
 
@@ -102,9 +102,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   constexpr const char* kNames[] = {"a.caf", "a.aif", "a.aiff", "a.wav", "a.mp3",
                                     "a.mp4", "a.m4a", "a.m4r",  "a.aac", "a"};
   OneFile file(data + 1, size - 1);
-  const platform::AudioFileStorageInstallation storage(file);
+  const platform::Installed<platform::UserAudioFiles>::Scope storage(file);
   const auto services = std::make_shared<CountingServices>();
-  const platform::ApplicationServicesInstallation installation(services);
+  const platform::Installed<platform::ApplicationServices>::Scope installation(services);
 
   const auto reader = OVAudioFileReader::initWithFile(kNames[data[0] % std::size(kNames)]);
   if (reader == nullptr) {

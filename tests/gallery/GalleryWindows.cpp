@@ -54,7 +54,7 @@ class Disk {
 
  private:
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
   testaudio::Gate gate_;
   std::atomic<int> left_ = 0;
   std::atomic<bool> stopped_ = false;

@@ -81,7 +81,7 @@ class ServerTest : public testing::Test {
       // Before the first thread of the queues.
       ASSERT_EQ(setenv(name.c_str(), value.c_str(), 1), 0);  // NOLINT(concurrency-mt-unsafe)
     }
-    queues_ = std::make_unique<platform::AudioQueuesInstallation>(
+    queues_ = std::make_unique<platform::Installed<platform::AudioQueues>::Scope>(
         std::make_shared<platform::DeviceAudioQueues>(platform::lateAudioDevice()));
   }
 
@@ -99,7 +99,7 @@ class ServerTest : public testing::Test {
   support::InstalledRecordingServices services_;
   support::TemporaryFolder folder_;
   std::unique_ptr<support::PrivateSoundServer> server_;
-  std::unique_ptr<platform::AudioQueuesInstallation> queues_;
+  std::unique_ptr<platform::Installed<platform::AudioQueues>::Scope> queues_;
 };
 
 }  // namespace testserver

@@ -28,7 +28,7 @@ class BlockBufferTest : public testing::Test {
 
   support::InstalledRecordingServices services_;
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
   std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
 };
 

@@ -53,7 +53,7 @@ class BufferPair {
   support::FailingTemporaryFiles files_;
 
  private:
-  platform::TemporaryFilesInstallation installation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
   const std::shared_ptr<support::RecordingDelegate> delegate_ =
       std::make_shared<support::RecordingDelegate>();
   std::vector<support::DelegateCall> expected_;

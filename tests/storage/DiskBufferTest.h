@@ -36,7 +36,7 @@ class DiskBufferTest : public testing::Test {
 
   support::InstalledRecordingServices services_;
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
   std::shared_ptr<OVDiskAudioBuffer> buffer_ = OVDiskAudioBuffer::init();
   std::shared_ptr<support::RecordingDelegate> delegate_ =
       std::make_shared<support::RecordingDelegate>();

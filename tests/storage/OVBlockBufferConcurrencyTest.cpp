@@ -55,7 +55,7 @@ class Gate {
 class ASlowDisk : public testing::Test {
  protected:
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
   std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
   Gate gate_;
 };

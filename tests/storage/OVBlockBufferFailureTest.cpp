@@ -36,7 +36,7 @@ class AFailingDisk : public testing::Test {
 
   support::InstalledRecordingServices services_;
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
   std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
   std::shared_ptr<support::RecordingDelegate> delegate_ =
       std::make_shared<support::RecordingDelegate>();
@@ -66,7 +66,7 @@ class DeepTemporaryFiles : public support::FailingTemporaryFiles {
 TEST_F(AFailingDisk, APathTooLongIsCutForTheSystemAndToldWhole) {
   DeepTemporaryFiles deep;
   deep.failCreation(EINVAL);
-  const platform::TemporaryFilesInstallation installation(deep);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(deep);
   EXPECT_EQ(OVBlockBuffer::init(), nullptr);
   ASSERT_EQ(deep.templates().size(), 1U);
   EXPECT_EQ(deep.templates()[0], (deep.directory() + "orvoXXXXXX").substr(0, 4095));
@@ -211,7 +211,7 @@ TEST_F(AFailingDisk, UndoBringsBackWhatWasThereBeforeTheDiskFilledUp) {
 
 TEST(AVeryLongRecording, IsReadAtItsFarEnd) {
   support::SparseTemporaryFiles files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   const auto buffer = OVBlockBuffer::init();
   const Bytes silence(std::size_t{64} << 20, 0);
   for (int i = 0; i < 65; ++i) {

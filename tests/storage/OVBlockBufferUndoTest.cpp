@@ -31,7 +31,7 @@ class UndoOfABlockBuffer : public testing::Test {
   }
 
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
   std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
 };
 
@@ -205,6 +205,33 @@ TEST_F(UndoOfABlockBuffer, DoesNotCountAsWritesTowardsOptimizing) {
   buffer_->undo();
   buffer_->redo();
   EXPECT_EQ(buffer_->blocksAddedSinceOptimization(), count);
+}
+
+TEST_F(UndoOfABlockBuffer, AStepThatIsRolledBackLeavesUndoAndRedoAsTheyWere) {
+  becomeLong(10);
+  buffer_->setWaypoint();
+  becomeLong(20);
+  buffer_->setWaypoint();
+  becomeLong(30);
+  buffer_->undo();
+  ASSERT_EQ(audio(), audioOf(20));
+
+  buffer_->setWaypoint();
+  becomeLong(40);
+  buffer_->rollBack();
+  EXPECT_EQ(audio(), audioOf(20));
+  EXPECT_EQ(buffer_->waypointPos(), 1U);
+  buffer_->redo();
+  EXPECT_EQ(audio(), audioOf(30));
+  buffer_->undo();
+  EXPECT_EQ(audio(), audioOf(10));
+}
+
+TEST_F(UndoOfABlockBuffer, WithoutAWaypointRollingBackThrowsAndChangesNothing) {
+  becomeLong(10);
+  EXPECT_THROW(buffer_->rollBack(), std::out_of_range);
+  EXPECT_EQ(audio(), audioOf(10));
+  EXPECT_EQ(buffer_->waypointPos(), 0U);
 }
 
 }  // namespace

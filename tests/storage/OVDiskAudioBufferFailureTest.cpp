@@ -28,7 +28,7 @@ class ADiskBufferOnAFailingDisk : public storagetest::DiskBufferTest {};
 TEST_F(ADiskBufferOnAFailingDisk, WhoseFileCannotBeMadeIsNoneAndTellsThePath) {
   support::FailingTemporaryFiles failing;
   failing.failCreation(EACCES);
-  const platform::TemporaryFilesInstallation installation(failing);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(failing);
   services_->clear();
   EXPECT_EQ(OVDiskAudioBuffer::init(), nullptr);
   EXPECT_THAT(services_->alerts(), ElementsAre(kCannotOpen));

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/files/PosixFile.h"
+#include "platform/files/TemporaryFiles.h"
 #include "storage/DiskBufferTest.h"
 #include "support/TemporaryFolder.h"
 
@@ -45,9 +45,15 @@ TEST_F(ADiskAudioBuffer, ClosesItsFileAtItsEnd) {
 }
 
 // The operating system's temporary files in a folder of the test's own.
-class FilesInAFolder : public platform::PosixTemporaryFiles {
+class FilesInAFolder : public platform::TemporaryFiles {
  public:
   [[nodiscard]] std::string directory() const override { return folder_.path() + "/"; }
+  [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override {
+    return real_->createUnlinked(pathTemplate);
+  }
+  [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
+    return real_->createNamed(pathTemplate);
+  }
   [[nodiscard]] std::vector<std::string> names() const {
     std::vector<std::string> paths;
     for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
@@ -57,13 +63,14 @@ class FilesInAFolder : public platform::PosixTemporaryFiles {
   }
 
  private:
+  const std::shared_ptr<platform::TemporaryFiles> real_ = platform::temporaryFiles();
   support::TemporaryFolder folder_;
 };
 
 TEST(ADiskAudioBufferOnADisk, KeepsItsNamedFileUntilItsEnd) {
   const support::InstalledRecordingServices services;
   FilesInAFolder installed;
-  const platform::TemporaryFilesInstallation installation(installed);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(installed);
   auto buffer = OVDiskAudioBuffer::init();
   ASSERT_NE(buffer, nullptr);
   EXPECT_THAT(installed.names(), ElementsAre(buffer->f_file_name()));
@@ -76,7 +83,7 @@ TEST(ADiskAudioBufferOnADisk, KeepsItsNamedFileUntilItsEnd) {
 TEST(ADiskAudioBufferOnADisk, LivesInANewRegisteredFileAfterACutBefore) {
   const support::InstalledRecordingServices services;
   FilesInAFolder files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   const auto buffer = OVDiskAudioBuffer::init();
   ASSERT_NE(buffer, nullptr);
   const std::string first = buffer->f_file_name();
@@ -92,7 +99,7 @@ TEST(ADiskAudioBufferOnADisk, LivesInANewRegisteredFileAfterACutBefore) {
 TEST(ADiskAudioBufferOnADisk, ShortensItsFileWithACutAfter) {
   const support::InstalledRecordingServices services;
   FilesInAFolder files;
-  const platform::TemporaryFilesInstallation installation(files);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   const auto buffer = OVDiskAudioBuffer::init();
   ASSERT_NE(buffer, nullptr);
   write(*buffer, pattern(4096, 1), 0);
@@ -103,9 +110,9 @@ TEST(ADiskAudioBufferOnADisk, ShortensItsFileWithACutAfter) {
 TEST(ADiskAudioBufferOnADisk, DeletesAFileByItsPathAndIgnoresNone) {
   FilesInAFolder files;
   const auto created = files.createNamed(files.directory() + "orvo_XXXXXX.flt");
-  OVDiskAudioBuffer::removeTempFile(created.path);
+  OVDiskAudioBuffer::removeTempFile(created->path);
   EXPECT_THAT(files.names(), IsEmpty());
-  OVDiskAudioBuffer::removeTempFile(created.path);
+  OVDiskAudioBuffer::removeTempFile(created->path);
   OVDiskAudioBuffer::removeTempFile(std::nullopt);
 }
 

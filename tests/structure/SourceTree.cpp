@@ -34,11 +34,12 @@ const std::map<std::string, std::set<std::string>>& arrows() {
       {"controls/buttons", {"platform/views"}},
       {"controls", {"controls/buttons", "platform/views", "platform/desktop"}},
       {"document/summaries", {"waveform/views"}},
-      {"document/spectrum", {"storage", "platform/media"}},
-      {"document/files", {"audio"}},
-      {"document",
-       {"document/summaries", "document/spectrum", "document/files", "controls", "displays",
-        "waveform/views", "audio", "platform/desktop"}},
+      {"document/editing", {"document/summaries", "controls"}},
+      {"document/transport", {"document/editing", "audio"}},
+      {"document/display", {"document/transport", "displays"}},
+      {"document/spectrum", {"storage", "platform/media", "controls", "displays"}},
+      {"document/files", {"document/display", "platform/desktop"}},
+      {"document", {"document/files", "document/spectrum"}},
       {"app", {"document"}},
   };
   return below;
@@ -70,6 +71,29 @@ std::string unitOf(const std::string& path) {
 /// Headers that the build makes: interface files and the meta-object compiler's output.
 bool isGenerated(const std::string& name) {
   return name.starts_with("ui_") || name.ends_with(".moc") || name.starts_with("moc_");
+}
+
+/// The headers of POSIX that the tree could use, those below sys/ aside. <time.h> and <signal.h>
+/// are the language's as well.
+bool isPosixHeader(const std::string& name) {
+  static const std::set<std::string> known{
+      "dirent.h", "dlfcn.h", "fcntl.h",     "ftw.h",   "glob.h",    "poll.h",    "pthread.h",
+      "pwd.h",    "sched.h", "semaphore.h", "spawn.h", "strings.h", "termios.h", "unistd.h"};
+  return name.starts_with("sys/") || name.starts_with("linux/") || known.contains(name);
+}
+
+/// Whether a file may include a header of POSIX: everything in files/ and mainloop/, elsewhere what
+/// one unit hides from the rest.
+bool mayIncludePosix(const std::string& path, const std::string& header) {
+  static const std::map<std::string, std::set<std::string>> exceptions{
+      {"platform/base", {"dlfcn.h"}},       // libraries that are loaded late
+      {"platform/sound", {"semaphore.h"}},  // the wake-up that the device's thread posts
+      {"platform/desktop", {"fcntl.h", "sys/stat.h", "unistd.h"}},  // the list of recent files
+  };
+  const std::string room = roomOf(path);
+  const auto exception = exceptions.find(room);
+  return room == "platform/files" || room == "platform/mainloop" ||
+         (exception != exceptions.end() && exception->second.contains(header));
 }
 
 /// Headers of the language and of POSIX have a lower-case name without a library's folder in front.
@@ -214,6 +238,18 @@ Complaints complaintsAboutPureFiles(const SourceTree& tree, const std::set<std::
       const bool allowed = include.own ? pure.contains(include.name) : isSystemHeader(include.name);
       if (!allowed) {
         complaints.push_back(path + ": sees more than the standard library, " + include.name);
+      }
+    }
+  }
+  return complaints;
+}
+
+Complaints complaintsAboutPosix(const SourceTree& tree) {
+  Complaints complaints;
+  for (const auto& [path, text] : tree) {
+    for (const Include& include : includesOf(text)) {
+      if (!include.own && isPosixHeader(include.name) && !mayIncludePosix(path, include.name)) {
+        complaints.push_back(path + ": includes <" + include.name + "> of POSIX");
       }
     }
   }

@@ -44,6 +44,9 @@ struct Include {
 [[nodiscard]] Complaints complaintsAboutPureFiles(const SourceTree& tree,
                                                   const std::set<std::string>& pure);
 
+/// Headers of POSIX outside the rooms that adapt the program to its operating system.
+[[nodiscard]] Complaints complaintsAboutPosix(const SourceTree& tree);
+
 /// Sources that do not include the header of their name, or, where there is none because a header
 /// is served by several sources, no header of their folder. main.cpp has none.
 [[nodiscard]] Complaints complaintsAboutMissingHeaders(const SourceTree& tree);

@@ -41,6 +41,10 @@ TEST_F(Product, StorageAndSummariesSeeTheStandardLibraryAlone) {
   EXPECT_THAT(complaintsAboutPureFiles(tree_, pure), IsEmpty());
 }
 
+TEST_F(Product, SeesPosixOnlyWhereItMeetsTheOperatingSystem) {
+  EXPECT_THAT(complaintsAboutPosix(tree_), IsEmpty());
+}
+
 TEST_F(Product, SourcesHaveHeadersOfTheirNames) {
   EXPECT_THAT(complaintsAboutMissingHeaders(tree_), IsEmpty());
 }
@@ -149,6 +153,17 @@ TEST(SourceTree, PureFileMaySeeTheSystemAndOtherPureFiles) {
                          "#include \"platform/B.h\"\n"},
                         {"platform/B.h", ""}};
   EXPECT_THAT(complaintsAboutPureFiles(tree, {"storage/A.h", "platform/B.h"}), IsEmpty());
+}
+
+TEST(SourceTree, PosixOutsideItsRoomsIsFound) {
+  for (const char* const header : {"unistd.h", "sys/stat.h", "pthread.h", "dlfcn.h"}) {
+    const std::string include = "#include <" + std::string(header) + ">\n";
+    EXPECT_THAT(complaintsAboutPosix({{"storage/A.cpp", include}}), SizeIs(1)) << header;
+    EXPECT_THAT(complaintsAboutPosix({{"platform/files/A.cpp", include}}), IsEmpty()) << header;
+  }
+  EXPECT_THAT(complaintsAboutPosix({{"platform/base/A.cpp", "#include <dlfcn.h>\n"}}), IsEmpty());
+  EXPECT_THAT(complaintsAboutPosix({{"platform/base/A.cpp", "#include <unistd.h>\n"}}), SizeIs(1));
+  EXPECT_THAT(complaintsAboutPosix({{"storage/A.cpp", "#include <vector>\n"}}), IsEmpty());
 }
 
 TEST(SourceTree, SourceThatBelongsToNoHeaderIsFound) {

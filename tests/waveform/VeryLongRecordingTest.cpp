@@ -77,7 +77,7 @@ class AVeryLongRecording : public testing::Test {
   static constexpr std::uint64_t kNoisyHours[] = {3, 10, 19};
 
   support::SparseTemporaryFiles files_;
-  platform::TemporaryFilesInstallation installation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope installation_{files_};
   const std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
   std::vector<float> noise_;
   std::optional<support::MemoryGrowth> memory_;  // since all was written

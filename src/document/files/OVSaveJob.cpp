@@ -106,12 +106,12 @@ bool mayExist(const std::string& path) {
 void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
            OVSaveJob::Outcome& outcome) {
   const auto replacement = platform::ReplacementFile::beside(request.path);
-  if (!replacement.file) {
-    outcome.error = replacement.error;
+  if (!replacement) {
+    outcome.error = replacement.error();
     return;
   }
-  const auto writer = OVAudioFileWriter::initWithFile(
-      replacement.file->path(), request.outputFormat, lastPathComponent(request.path));
+  const auto writer = OVAudioFileWriter::initWithFile(replacement->path(), request.outputFormat,
+                                                      lastPathComponent(request.path));
   // The writer has told what it could not do.
   outcome.told = !writer || !writeAll(request, progress, *writer, outcome.unreadableFrames) ||
                  !writer->close();
@@ -122,7 +122,7 @@ void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progres
   if (outcome.unreadableFrames > 0 && mayExist(request.path)) {
     return;
   }
-  outcome.error = replacement.file->commit();
+  outcome.error = replacement->commit();
   outcome.complete = outcome.error == 0;
 }
 

@@ -35,7 +35,7 @@ class OVSaveJob {
   using Progress = std::function<void(double fraction)>;
 
   /// Frames read and written at a time: six seconds.
-  static constexpr std::uint64_t kChunkFrames = 264600;
+  static constexpr std::uint64_t kChunkFrames = platform::kFileChunkFrames;
 
   /// Lets no exception out: without memory the save fails with ENOMEM.
   [[nodiscard]] static Outcome run(const Request& request, const Progress& progress);

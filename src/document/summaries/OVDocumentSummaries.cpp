@@ -1,5 +1,6 @@
 #include "document/summaries/OVDocumentSummaries.h"
 
+#include <new>
 #include <utility>
 
 #include "platform/base/AudioTypes.h"
@@ -11,15 +12,25 @@
 
 namespace {
 
+using Build = std::function<std::shared_ptr<OVWaveformSummary>()>;
+
+/// The summary and a copy of it; none of both where the memory does not suffice.
+std::pair<std::shared_ptr<OVWaveformSummary>, std::shared_ptr<OVWaveformSummary>> buildWithMemory(
+    const Build& build) try {
+  const auto summary = build();
+  return {summary, summary ? summary->copy() : nullptr};
+} catch (const std::bad_alloc&) {
+  return {};
+}
+
 // Recordings longer than this many seconds are drawn from a static summary when they are recorded
 // over: all of them.
 constexpr double kStaticSummaryThreshold = 0.0;
 
 }  // namespace
 
-OVDocumentSummaries::OVDocumentSummaries(std::function<void()> refreshed)
-    : refreshed_(std::move(refreshed)),
-      work_(std::make_shared<OVSummaryWork>()),
+OVDocumentSummaries::OVDocumentSummaries()
+    : work_(std::make_shared<OVSummaryWork>()),
       extensionQueued_(std::make_shared<std::atomic<bool>>(false)) {}
 
 OVDocumentSummaries::~OVDocumentSummaries() = default;
@@ -27,24 +38,13 @@ OVDocumentSummaries::~OVDocumentSummaries() = default;
 void OVDocumentSummaries::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
   abandonWork();
   buffer_ = std::move(buffer);
-  setWaveForm(OVDynamicWaveForm::initWithBuffer(buffer_));
+  waveForm_.set(OVDynamicWaveForm::initWithBuffer(buffer_));
   putIntoView();
-}
-
-std::shared_ptr<OVWaveformSummary> OVDocumentSummaries::waveForm() const {
-  const std::lock_guard lock(waveFormLock_);
-  return waveForm_;
-}
-
-// The former summary leaves with the parameter, after the lock.
-void OVDocumentSummaries::setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm) {
-  const std::lock_guard lock(waveFormLock_);
-  waveForm_.swap(waveForm);
 }
 
 void OVDocumentSummaries::putIntoView() {
   if (view_) {
-    view_->setWaveForm(waveForm_);
+    view_->setWaveForm(waveForm());
   }
 }
 
@@ -59,33 +59,26 @@ void OVDocumentSummaries::show() {
 // Edits -----------------------------------------------------------------------------------------
 
 void OVDocumentSummaries::keep() {
-  prevWaveform_ = waveForm_->copy();
-  prevIsStale_ = false;
-  keptInARefresh_ = isRefreshing_;
-  keptLength_ = buffer_->bufferSizeInFrames();
-  if (waveForm_->readerPos() > buffer_->bufferSizeInFrames()) {
+  const std::uint64_t length = buffer_->bufferSizeInFrames();
+  formerKept_ = std::exchange(
+      kept_, {.summary = waveForm()->copy(), .inARefresh = isRefreshing_, .length = length});
+  if (waveForm()->readerPos() > length) {
     // The undo of an undo may leave it ahead of the audio: what comes now would not get in.
-    waveForm_->setShouldRegenerateWaveform(true);
+    waveForm()->setShouldRegenerateWaveform(true);
   }
 }
 
 void OVDocumentSummaries::willExchange() {
   abandonWork();  // first: from here on nothing begins
   // What is under way reads on in the audio that comes, and what is being built never gets in.
-  leavingIsStale_ = work_->isGenerating(*waveForm_) || waveformIsChanging_;
+  leavingIsStale_ = work_->isGenerating(*waveForm()) || waveformIsChanging_;
 }
 
 bool OVDocumentSummaries::exchange() {
-  const auto shown = waveForm_;
-  setWaveForm(prevWaveform_);
-  prevWaveform_ = shown;
+  const auto shown = waveForm();
+  waveForm_.set(std::exchange(kept_.summary, shown));
   show();
-  return std::exchange(prevIsStale_, leavingIsStale_) || waveForm_->isRegenerating();
-}
-
-void OVDocumentSummaries::takeBack() {
-  setWaveForm(prevWaveform_);
-  abandonWork();
+  return std::exchange(kept_.isStale, leavingIsStale_) || waveForm()->isRegenerating();
 }
 
 void OVDocumentSummaries::abandonWork() {
@@ -94,29 +87,28 @@ void OVDocumentSummaries::abandonWork() {
   extensionQueued_ = std::make_shared<std::atomic<bool>>(false);
 }
 
-void OVDocumentSummaries::refresh(bool regenerate) {
+void OVDocumentSummaries::refresh(bool regenerate, std::function<void()> ended) {
   abandonWork();
   isRefreshing_ = true;
   if (regenerate) {
     // At once: a copy that is taken before the task begins has to know it, too.
-    waveForm_->setShouldRegenerateWaveform(true);
+    waveForm()->setShouldRegenerateWaveform(true);
   }
-  platform::globalQueue().async(
-      [self = weak_from_this(), summary = waveForm_, work = work_, epoch = work_->epoch()] {
-        if (work->generate(*summary, epoch)) {
-          platform::mainQueue().async([self, epoch] {
-            if (const auto summaries = self.lock()) {
-              summaries->refreshEnded(epoch);
-            }
-          });
-        }
-      });
+  platform::globalQueue().async([self = weak_from_this(), summary = waveForm(), work = work_,
+                                 epoch = work_->epoch(), ended = std::move(ended)] {
+    static_cast<void>(work->generate(*summary, epoch));  // the main thread asks for the epoch
+    platform::mainQueue().async([self, epoch, ended] {
+      if (const auto summaries = self.lock()) {
+        summaries->refreshEnded(epoch, ended);
+      }
+    });
+  });
 }
 
-void OVDocumentSummaries::refreshEnded(std::uint64_t epoch) {
-  if (epoch == work_->epoch()) {  // what came after it shows itself
+void OVDocumentSummaries::refreshEnded(std::uint64_t epoch, const std::function<void()>& ended) {
+  if (epoch == work_->epoch() && !work_->cancelled()) {  // what came after it shows itself
     isRefreshing_ = false;
-    refreshed_();
+    ended();
   }
 }
 
@@ -126,7 +118,7 @@ void OVDocumentSummaries::follow(std::uint64_t position, std::uint64_t chunkFram
   if (!waveformIsChanging_) {
     choose(position, chunkFrames);
   }
-  if (waveForm_->isRegenerating()) {
+  if (waveForm()->isRegenerating()) {
     requestRedraw(view_);
   } else {
     extend();
@@ -136,7 +128,7 @@ void OVDocumentSummaries::follow(std::uint64_t position, std::uint64_t chunkFram
 // A growing summary while appending, one of fixed size while recording over what is there.
 void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFrames) {
   const std::uint64_t size = buffer_->bufferSizeInFrames();
-  const auto dynamic = std::dynamic_pointer_cast<OVDynamicWaveForm>(waveForm_);
+  const auto dynamic = std::dynamic_pointer_cast<OVDynamicWaveForm>(waveForm());
   if (position >= size) {
     if (!dynamic) {
       replace({.build =
@@ -152,7 +144,7 @@ void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFram
   const double threshold = kStaticSummaryThreshold * buffer_->format().mSampleRate;
   if (static_cast<double>(size) > threshold && dynamic && position + chunkFrames < size) {
     // One that is still being generated is waited for, and takes in what is recorded meanwhile.
-    const bool unfinished = isRefreshing_ || keptInARefresh_;
+    const bool unfinished = isRefreshing_ || kept_.inARefresh;
     replace({.build = [dynamic, work = work_,
                        epoch = work_->epoch()]() -> std::shared_ptr<OVWaveformSummary> {
                return work->generate(*dynamic, epoch)
@@ -161,7 +153,7 @@ void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFram
              },
              .mayMissChunks = unfinished,
              // Also when the recording went past the end before it was moved back.
-             .holdsNewAudio = unfinished || size > keptLength_});
+             .holdsNewAudio = unfinished || size > kept_.length});
   }
 }
 
@@ -169,8 +161,7 @@ void OVDocumentSummaries::replace(Replacement replacement) {
   waveformIsChanging_ = true;
   platform::globalQueue().async(
       [self = weak_from_this(), replacement = std::move(replacement), epoch = work_->epoch()] {
-        const auto summary = replacement.build();
-        const auto copy = summary ? summary->copy() : nullptr;
+        const auto [summary, copy] = buildWithMemory(replacement.build);
         platform::mainQueue().async([self, replacement, summary, copy, epoch] {
           if (const auto summaries = self.lock()) {
             summaries->waveformIsChanging_ = false;
@@ -186,10 +177,10 @@ void OVDocumentSummaries::replace(Replacement replacement) {
 void OVDocumentSummaries::install(const Replacement& replacement,
                                   const std::shared_ptr<OVWaveformSummary>& summary,
                                   const std::shared_ptr<OVWaveformSummary>& copy) {
-  setWaveForm(summary);
+  waveForm_.set(summary);
   putIntoView();
-  prevWaveform_ = copy;
-  prevIsStale_ = prevIsStale_ || replacement.holdsNewAudio;
+  kept_.summary = copy;
+  kept_.isStale = kept_.isStale || replacement.holdsNewAudio;
   extensionQueued_ = std::make_shared<std::atomic<bool>>(false);
   if (replacement.mayMissChunks) {
     summary->setShouldRegenerateWaveform(true);
@@ -201,7 +192,7 @@ void OVDocumentSummaries::extend() {
   if (extensionQueued_->exchange(true)) {
     return;
   }
-  fft_queue_.async([view = view_, summary = waveForm_, queued = extensionQueued_, work = work_,
+  fft_queue_.async([view = view_, summary = waveForm(), queued = extensionQueued_, work = work_,
                     epoch = work_->epoch()] {
     *queued = false;  // what is written from here on asks anew
     if (work->generate(*summary, epoch)) {

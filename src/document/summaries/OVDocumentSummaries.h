@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 
 #include <QPointer>
 
 #include "document/summaries/OVSummaryWork.h"
+#include "platform/base/GuardedPointer.h"
 #include "platform/base/SerialQueue.h"
 #include "waveform/views/OVWaveFormView.h"
 
@@ -30,8 +30,7 @@ class OVWaveformSummary;
 /// Threads: main, except where said. Real-time: not safe.
 class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummaries> {
  public:
-  /// `refreshed` is called when the last refresh has ended.
-  explicit OVDocumentSummaries(std::function<void()> refreshed);
+  OVDocumentSummaries();
   ~OVDocumentSummaries();
   OVDocumentSummaries(const OVDocumentSummaries&) = delete;
   OVDocumentSummaries& operator=(const OVDocumentSummaries&) = delete;
@@ -44,9 +43,9 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
 
   /// The summary of the document's audio; null before setBuffer().
   /// Threads: any.
-  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const;
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const { return waveForm_.get(); }
   /// What the next undo or redo brings back; null before the first undoable step.
-  [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const { return prevWaveform_; }
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const { return kept_.summary; }
   /// A summary of the other kind is being built.
   [[nodiscard]] bool isChanging() const { return waveformIsChanging_; }
 
@@ -67,14 +66,16 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   /// After it: exchanges the summary and the kept one, and shows it. True if it has to be
   /// generated from scratch.
   [[nodiscard]] bool exchange();
-  /// The step is taken back for good: the kept summary is the document's again.
-  void takeBack();
+  /// The step that keep() was called for has failed: what was kept before it is kept again.
+  void forgetKept() { kept_ = formerKept_; }
   /// Audio is going to be loaded: what was begun is void.
   void abandonWork();
   /// The document closes: what is under way ends soon, and nothing begins any more.
   void cancelWork() { work_->cancel(); }
-  /// Brings the summary up to date in the background; with `regenerate` from scratch.
-  void refresh(bool regenerate);
+  /// Brings the summary up to date in the background; with `regenerate` from scratch. `ended` is
+  /// called on the main thread when that has ended, also when there was no memory for it; not when
+  /// the audio has changed by then.
+  void refresh(bool regenerate, std::function<void()> ended);
 
   // Recording -----------------------------------------------------------------------------------
 
@@ -89,6 +90,14 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   void chunkWritten(const float* chunk, std::uint32_t byteCount, std::uint64_t position);
 
  private:
+  /// What an undo or a redo brings back.
+  struct Kept {
+    std::shared_ptr<OVWaveformSummary> summary;
+    bool isStale = false;      // it does not describe the audio that comes with it
+    bool inARefresh = false;   // the step began before a refresh had ended
+    std::uint64_t length = 0;  // of the audio when the step began, in frames
+  };
+
   /// How a summary of the other kind is made while recording.
   struct Replacement {
     /// Runs in the background; yields null when an edit came first.
@@ -99,30 +108,25 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
     bool holdsNewAudio = false;
   };
 
-  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm);
   void choose(std::uint64_t position, std::uint64_t chunkFrames);
   void replace(Replacement replacement);
   void install(const Replacement& replacement, const std::shared_ptr<OVWaveformSummary>& summary,
                const std::shared_ptr<OVWaveformSummary>& copy);
-  void refreshEnded(std::uint64_t epoch);
+  void refreshEnded(std::uint64_t epoch, const std::function<void()>& ended);
 
   // Fixed after construction.
-  const std::function<void()> refreshed_;
   platform::SerialQueue fft_queue_{"fft"};
   const std::shared_ptr<OVSummaryWork> work_;
 
-  // Written on the main thread under the lock, read there without it and elsewhere with it.
-  mutable std::mutex waveFormLock_;
-  std::shared_ptr<OVWaveformSummary> waveForm_;
+  // Replaced on the main thread; any thread reads it.
+  platform::GuardedPointer<std::shared_ptr<OVWaveformSummary>> waveForm_;
 
   // Main thread only.
   QPointer<OVWaveFormView> view_;
   std::shared_ptr<OVAudioBufferInterface> buffer_;
-  std::shared_ptr<OVWaveformSummary> prevWaveform_;
-  bool prevIsStale_ = false;      // the kept one does not describe the audio that comes with it
-  bool leavingIsStale_ = false;   // the same of the one that is going to be exchanged for it
-  bool keptInARefresh_ = false;   // the last undoable step began before a refresh had ended
-  std::uint64_t keptLength_ = 0;  // of the audio when that step began, in frames
+  Kept kept_;
+  Kept formerKept_;              // before the last step
+  bool leavingIsStale_ = false;  // the summary that is going to be exchanged for the kept one is
   bool isRefreshing_ = false;
   bool waveformIsChanging_ = false;
   // One extension in line is enough, for each summary and epoch. The flag is set on the main thread

@@ -2,8 +2,6 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <mutex>
-#include <utility>
 #include <vector>
 
 namespace platform {
@@ -26,38 +24,12 @@ class StandardErrorServices : public ApplicationServices {
   void cancelTermination() override { std::fprintf(stderr, "quit cancelled\n"); }
 };
 
-struct Installed {
-  std::mutex mutex;  // guards services
-  std::shared_ptr<ApplicationServices> services = std::make_shared<StandardErrorServices>();
-};
-
-// Never destroyed: a thread that outlives main may still report through it.
-Installed& installed() {
-  static auto* instance = new Installed;
-  return *instance;
-}
-
-std::shared_ptr<ApplicationServices> exchange(std::shared_ptr<ApplicationServices> services) {
-  const std::lock_guard lock(installed().mutex);
-  std::swap(installed().services, services);
-  return services;
-}
-
 thread_local int postedAlertsDepth = 0;
 
 }  // namespace
 
-ApplicationServicesInstallation::ApplicationServicesInstallation(
-    std::shared_ptr<ApplicationServices> services)
-    : previous_(exchange(std::move(services))) {}
-
-ApplicationServicesInstallation::~ApplicationServicesInstallation() {
-  exchange(std::move(previous_));
-}
-
-std::shared_ptr<ApplicationServices> applicationServices() {
-  const std::lock_guard lock(installed().mutex);
-  return installed().services;
+std::shared_ptr<ApplicationServices> ApplicationServices::whenNoneIsInstalled() {
+  return std::make_shared<StandardErrorServices>();
 }
 
 PostedAlertsScope::PostedAlertsScope() {

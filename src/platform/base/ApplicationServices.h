@@ -4,17 +4,20 @@
 #include <string>
 #include <system_error>
 
+#include "platform/base/Installed.h"
+
 namespace platform {
 
 /// What the layers below the application ask of it. The application installs its
-/// implementation at start-up; with none installed every request does nothing but write a line
-/// to standard error, so that storage and sound work without an application around them.
+/// implementation at start-up; with none installed a request only writes a line to standard error,
+/// so that storage and sound work without an application around them.
 ///
 /// Threads: any; an implementation must serve calls from every thread.
 /// Real-time: not safe.
 class ApplicationServices {
  public:
   virtual ~ApplicationServices() = default;
+  static std::shared_ptr<ApplicationServices> whenNoneIsInstalled();
 
   /// Shows an application-modal alert with one button "OK" and returns when it was dismissed.
   /// Called on the main thread it is shown directly.
@@ -33,20 +36,9 @@ class ApplicationServices {
   virtual void cancelTermination() = 0;
 };
 
-/// Puts an implementation in for as long as the installation lives; installations nest.
-class ApplicationServicesInstallation {
- public:
-  explicit ApplicationServicesInstallation(std::shared_ptr<ApplicationServices> services);
-  ~ApplicationServicesInstallation();
-  ApplicationServicesInstallation(const ApplicationServicesInstallation&) = delete;
-  ApplicationServicesInstallation& operator=(const ApplicationServicesInstallation&) = delete;
-
- private:
-  std::shared_ptr<ApplicationServices> previous_;
-};
-
-/// The installed services, or the ones that write to standard error. Never null.
-std::shared_ptr<ApplicationServices> applicationServices();
+inline std::shared_ptr<ApplicationServices> applicationServices() {
+  return Installed<ApplicationServices>::get();
+}
 
 /// While one lives on a thread, ShowModalAlert on that thread posts its alert instead of waiting
 /// for it. The threads of audio queues hold one: sound never waits for a person.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 /// Plain audio types that every layer shares. Standard library only.
@@ -61,16 +62,24 @@ struct AudioStreamBasicDescription {
 };
 static_assert(sizeof(AudioStreamBasicDescription) == 40);
 
-/// The format of every buffer, recorder and player: 44100 Hz, interleaved stereo (left, right),
-/// 32-bit float in native byte order, 8 bytes a frame.
+inline constexpr std::uint32_t kWorkingRate = 44100;  ///< frames a second
+inline constexpr std::size_t kWorkingChannels = 2;    ///< left, right
+inline constexpr std::uint32_t kWorkingFrameBytes = kWorkingChannels * sizeof(float);
+
+/// Frames that a recorder is given at a time: 92.9 ms.
+inline constexpr std::uint32_t kRecordingChunkFrames = 4096;
+/// Frames of a file that are read or written at a time: six seconds.
+inline constexpr std::uint32_t kFileChunkFrames = 6 * kWorkingRate;
+
+/// The format of every buffer, recorder and player: interleaved 32-bit float in native byte order.
 inline constexpr AudioStreamBasicDescription kWorkingFormat{
-    .mSampleRate = 44100.0,
+    .mSampleRate = kWorkingRate,
     .mFormatID = kLinearPcmFormat,
     .mFormatFlags = kFloatFormatFlag | kPackedFormatFlag,
-    .mBytesPerPacket = 8,
+    .mBytesPerPacket = kWorkingFrameBytes,
     .mFramesPerPacket = 1,
-    .mBytesPerFrame = 8,
-    .mChannelsPerFrame = 2,
+    .mBytesPerFrame = kWorkingFrameBytes,
+    .mChannelsPerFrame = kWorkingChannels,
     .mBitsPerChannel = 32,
     .mReserved = 0,
 };

@@ -5,8 +5,7 @@
 #include <deque>
 #include <mutex>
 #include <system_error>
-
-#include "platform/base/ThreadStart.h"
+#include <thread>
 
 namespace platform {
 namespace {
@@ -27,7 +26,7 @@ struct GlobalQueue::State {
   bool addThread() {
     ++threads;
     try {
-      startThread([this] { work(); });
+      std::thread([this] { work(); }).detach();
       return true;
     } catch (const std::system_error&) {
       --threads;

@@ -45,11 +45,17 @@ std::string UndoManager::redoActionName() const {
   return redoStack_.empty() ? std::string() : redoStack_.back().name;
 }
 
-void UndoManager::discardLastUndo() {
-  if (!undoStack_.empty()) {
-    undoStack_.pop_back();
-    tellChange();
-  }
+UndoManager::Sides UndoManager::sides() const {
+  Sides sides;
+  sides.undo_ = undoStack_;
+  sides.redo_ = redoStack_;
+  return sides;
+}
+
+void UndoManager::setSides(Sides sides) {
+  undoStack_ = std::move(sides.undo_);
+  redoStack_ = std::move(sides.redo_);
+  tellChange();
 }
 
 UndoManager::Stack& UndoManager::registrationStack() {

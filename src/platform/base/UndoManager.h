@@ -41,8 +41,11 @@ class UndoManager {
   [[nodiscard]] std::string undoActionName() const;
   [[nodiscard]] std::string redoActionName() const;
 
-  /// Takes back the last registration as if it had never been made; the redo side stays empty.
-  void discardLastUndo();
+  /// Both sides as they are, for a step that may fail after its registration.
+  class Sides;
+  [[nodiscard]] Sides sides() const;
+  /// Makes both sides as they were.
+  void setSides(Sides sides);
 
   /// Called after every change of either side.
   void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
@@ -68,6 +71,12 @@ class UndoManager {
   Stack undoStack_;
   Stack redoStack_;
   std::function<void()> changed_;
+};
+
+class UndoManager::Sides {
+  friend class UndoManager;
+  Stack undo_;
+  Stack redo_;
 };
 
 }  // namespace platform

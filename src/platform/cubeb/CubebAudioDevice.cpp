@@ -64,21 +64,21 @@ void connect(std::shared_ptr<CubebConnection>& connection, ModuleConsole* consol
   }
 }
 
-template <typename Stream, typename Client>
-std::unique_ptr<Stream> open(std::shared_ptr<CubebConnection>& connection,
-                             ModuleConsole* consoleLog, const char* direction, Client& client,
-                             AudioStatus& status) {
+template <typename Stream, typename Interface, typename Client>
+Result<std::unique_ptr<Interface>, AudioStatus> open(std::shared_ptr<CubebConnection>& connection,
+                                                     ModuleConsole* consoleLog,
+                                                     const char* direction, Client& client) {
   connect(connection, consoleLog);
   if (!connection) {
-    status = kDeviceUnavailableStatus;
-    return nullptr;
+    return kDeviceUnavailableStatus;
   }
   auto opened = std::make_unique<Stream>(client, connection);
-  status = opened->stream().open(CubebAudioDevice::kLatencyFrames);
+  const AudioStatus status = opened->stream().open(CubebAudioDevice::kLatencyFrames);
   if (status != kAudioStatusOk) {
     connection->logFailure(direction, status);
     opened.reset();
     connection.reset();
+    return status;
   }
   return opened;
 }
@@ -88,14 +88,12 @@ std::unique_ptr<Stream> open(std::shared_ptr<CubebConnection>& connection,
 CubebAudioDevice::CubebAudioDevice(ModuleConsole* consoleLog) : consoleLog_(consoleLog) {}
 CubebAudioDevice::~CubebAudioDevice() = default;
 
-std::unique_ptr<AudioInputStream> CubebAudioDevice::openInput(AudioInputClient& client,
-                                                              AudioStatus& status) {
-  return open<CubebInput>(input_, consoleLog_, "input", client, status);
+AudioDevice::Input CubebAudioDevice::openInput(AudioInputClient& client) {
+  return open<CubebInput, AudioInputStream>(input_, consoleLog_, "input", client);
 }
 
-std::unique_ptr<AudioOutputStream> CubebAudioDevice::openOutput(AudioOutputClient& client,
-                                                                AudioStatus& status) {
-  return open<CubebOutput>(output_, consoleLog_, "output", client, status);
+AudioDevice::Output CubebAudioDevice::openOutput(AudioOutputClient& client) {
+  return open<CubebOutput, AudioOutputStream>(output_, consoleLog_, "output", client);
 }
 
 void CubebAudioDevice::prepare() {

@@ -32,10 +32,8 @@ class CubebAudioDevice final : public AudioDevice {
   /// Disconnects, once the streams are gone as well.
   ~CubebAudioDevice() override;
 
-  [[nodiscard]] std::unique_ptr<AudioInputStream> openInput(AudioInputClient& client,
-                                                            AudioStatus& status) override;
-  [[nodiscard]] std::unique_ptr<AudioOutputStream> openOutput(AudioOutputClient& client,
-                                                              AudioStatus& status) override;
+  [[nodiscard]] Input openInput(AudioInputClient& client) override;
+  [[nodiscard]] Output openOutput(AudioOutputClient& client) override;
 
   /// Connects the output's side; the input's is connected by opening it.
   void prepare() override;

@@ -1,34 +1,22 @@
 #include "platform/desktop/DesktopServices.h"
 
-#include <utility>
-
-#include <QDesktopServices>
+#include <cstdio>
 
 namespace platform {
 namespace {
 
-class QtDesktopServices : public DesktopServices {
+class StandardErrorDesktop : public DesktopServices {
  public:
-  bool open(const QUrl& address) override { return QDesktopServices::openUrl(address); }
+  bool open(const QUrl& address) override {
+    std::fprintf(stderr, "no desktop opens %s\n", qUtf8Printable(address.toString()));
+    return false;
+  }
 };
-
-DesktopServices*& installed() {
-  static QtDesktopServices real;
-  static DesktopServices* services = &real;
-  return services;
-}
 
 }  // namespace
 
-DesktopServices& desktopServices() {
-  return *installed();
-}
-
-DesktopServicesInstallation::DesktopServicesInstallation(DesktopServices& services)
-    : previous_(std::exchange(installed(), &services)) {}
-
-DesktopServicesInstallation::~DesktopServicesInstallation() {
-  installed() = previous_;
+std::shared_ptr<DesktopServices> DesktopServices::whenNoneIsInstalled() {
+  return std::make_shared<StandardErrorDesktop>();
 }
 
 }  // namespace platform

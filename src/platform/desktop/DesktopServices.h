@@ -1,31 +1,28 @@
 #pragma once
 
+#include <memory>
+
 #include <QUrl>
+
+#include "platform/base/Installed.h"
 
 namespace platform {
 
-/// Opens pages and files with the desktop's own programs. Threads: main. Real-time: not safe.
+/// Opens pages and files with the desktop's own programs. With none installed, an address is only
+/// written to standard error.
+///
+/// Threads: main. Real-time: not safe.
 class DesktopServices {
  public:
   virtual ~DesktopServices() = default;
+  static std::shared_ptr<DesktopServices> whenNoneIsInstalled();
 
   /// False when the desktop knows no program for it.
   virtual bool open(const QUrl& address) = 0;
 };
 
-/// The installed services; at first the real desktop's.
-DesktopServices& desktopServices();
-
-/// Puts others in for as long as the installation lives. Threads: main.
-class DesktopServicesInstallation {
- public:
-  explicit DesktopServicesInstallation(DesktopServices& services);
-  ~DesktopServicesInstallation();
-  DesktopServicesInstallation(const DesktopServicesInstallation&) = delete;
-  DesktopServicesInstallation& operator=(const DesktopServicesInstallation&) = delete;
-
- private:
-  DesktopServices* previous_;
-};
+inline std::shared_ptr<DesktopServices> desktopServices() {
+  return Installed<DesktopServices>::get();
+}
 
 }  // namespace platform

@@ -10,11 +10,13 @@
 #include <QString>
 #include <QWidget>
 
+#include "platform/base/Installed.h"
+
 namespace platform {
 
 /// What a panel that chooses files to open shows.
 struct OpenPanelRequest {
-  QPointer<QWidget> window;  ///< the window it belongs to and blocks; null for none
+  QPointer<QWidget> window = nullptr;  ///< the window it belongs to and blocks; null for none
   QString title;
   QString acceptLabel;  ///< title of the default button
   bool allowsMultipleSelection = false;
@@ -23,7 +25,7 @@ struct OpenPanelRequest {
 
 /// What a panel that chooses where to save shows.
 struct SavePanelRequest {
-  QPointer<QWidget> window;
+  QPointer<QWidget> window = nullptr;
   QString title;
   std::string directory;      ///< where it begins; empty for where the last panel was
   std::string suggestedName;  ///< without the suffix, which follows from acceptedSuffixes
@@ -39,7 +41,7 @@ struct SavePanelRequest {
 
 /// A question with named answers, attached to a window.
 struct SheetRequest {
-  QPointer<QWidget> window;
+  QPointer<QWidget> window = nullptr;
   QString title;
   QString message;
   struct Button {
@@ -50,14 +52,15 @@ struct SheetRequest {
   std::vector<Button> buttons;  ///< the first is the default; Escape answers the one that rejects
 };
 
-/// The system's file dialogs and sheets. They block their window alone; the answer comes later, from
-/// the main loop, exactly once, and not at all when the window goes before. Tests put in answers of
-/// their own.
+/// The system's file dialogs and sheets. They block their window alone; the answer comes later,
+/// from the main loop, exactly once, and not at all when the window goes before. With none
+/// installed, a request is written to standard error and answered as cancelled.
 ///
 /// Threads: main. Real-time: not safe.
 class FileDialogs {
  public:
   virtual ~FileDialogs() = default;
+  static std::shared_ptr<FileDialogs> whenNoneIsInstalled();
 
   /// The chosen paths; none when it was cancelled.
   using OpenAnswer = std::function<void(const std::vector<std::string>& paths)>;
@@ -65,30 +68,16 @@ class FileDialogs {
   /// replaced; nothing when it was cancelled.
   using SaveAnswer = std::function<void(const std::optional<std::string>& path)>;
   using SheetAnswer = std::function<void(int returnCode)>;
+  /// The code of a sheet that was closed without a button: as the one that rejects.
+  static constexpr int kNoAnswer = -1;
 
   virtual void beginOpenPanel(const OpenPanelRequest& request, OpenAnswer answer) = 0;
   virtual void beginSavePanel(const SavePanelRequest& request, SaveAnswer answer) = 0;
   virtual void beginSheet(const SheetRequest& request, SheetAnswer answer) = 0;
 };
 
-/// The installed dialogs; at first Qt's dialogs.
-FileDialogs& fileDialogs();
-
-/// Puts other dialogs in for as long as the installation lives. Threads: main.
-class FileDialogsInstallation {
- public:
-  explicit FileDialogsInstallation(FileDialogs& fileDialogs);
-  ~FileDialogsInstallation();
-  FileDialogsInstallation(const FileDialogsInstallation&) = delete;
-  FileDialogsInstallation& operator=(const FileDialogsInstallation&) = delete;
-
- private:
-  FileDialogs* previous_;
-};
-
-/// `path` with the first of `suffixes` appended, unless it ends in one of them already, in capitals
-/// or not.
-[[nodiscard]] std::string withSuffix(const std::string& path,
-                                     const std::vector<std::string>& suffixes);
+inline std::shared_ptr<FileDialogs> fileDialogs() {
+  return Installed<FileDialogs>::get();
+}
 
 }  // namespace platform

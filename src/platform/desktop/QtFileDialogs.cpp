@@ -13,8 +13,6 @@
 namespace platform {
 namespace {
 
-constexpr int kNoAnswer = -1;  // closed without a button: as the one that rejects
-
 QString nameFilter(const std::vector<std::string>& fileTypes) {
   QStringList patterns;
   for (const std::string& type : fileTypes) {
@@ -102,27 +100,6 @@ void QtFileDialogs::beginSheet(const SheetRequest& request, SheetAnswer answer) 
     answer(clicked == nullptr ? kNoAnswer : clicked->property("returnCode").toInt());
   });
   sheet->open();
-}
-
-namespace {
-
-FileDialogs*& installed() {
-  static QtFileDialogs real;
-  static FileDialogs* fileDialogs = &real;
-  return fileDialogs;
-}
-
-}  // namespace
-
-FileDialogs& fileDialogs() {
-  return *installed();
-}
-
-FileDialogsInstallation::FileDialogsInstallation(FileDialogs& fileDialogs)
-    : previous_(std::exchange(installed(), &fileDialogs)) {}
-
-FileDialogsInstallation::~FileDialogsInstallation() {
-  installed() = previous_;
 }
 
 }  // namespace platform

@@ -1,17 +1,22 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "platform/base/Installed.h"
+
 namespace platform {
 
-/// The documents that were opened lately, in the desktop's own list. Tests put in one of their own.
+/// The documents that were opened lately, in the desktop's own list. With none installed, the list
+/// is empty, and what is noted is only written to standard error.
 ///
 /// Threads: any, one at a time. Real-time: not safe.
 class RecentDocuments {
  public:
   virtual ~RecentDocuments() = default;
+  static std::shared_ptr<RecentDocuments> whenNoneIsInstalled();
 
   /// Says that the file at `path` was opened or saved just now. A relative path counts from the
   /// working folder. Failures are told to the diagnostics console and to nobody else.
@@ -22,19 +27,8 @@ class RecentDocuments {
   [[nodiscard]] virtual std::vector<std::string> recentDocuments(std::size_t most) const = 0;
 };
 
-/// The installed list; at first the desktop's (XbelRecentDocuments).
-RecentDocuments& recentDocuments();
-
-/// Puts another in for as long as the installation lives. Threads: main.
-class RecentDocumentsInstallation {
- public:
-  explicit RecentDocumentsInstallation(RecentDocuments& documents);
-  ~RecentDocumentsInstallation();
-  RecentDocumentsInstallation(const RecentDocumentsInstallation&) = delete;
-  RecentDocumentsInstallation& operator=(const RecentDocumentsInstallation&) = delete;
-
- private:
-  RecentDocuments* previous_;
-};
+inline std::shared_ptr<RecentDocuments> recentDocuments() {
+  return Installed<RecentDocuments>::get();
+}
 
 }  // namespace platform

@@ -10,6 +10,11 @@
 
 namespace platform {
 
+/// `path` with the first of `suffixes` appended, unless it ends in one of them already, in capitals
+/// or not.
+[[nodiscard]] std::string withSuffix(const std::string& path,
+                                     const std::vector<std::string>& suffixes);
+
 /// The panel that chooses where to save: a file dialog whose name always has a suffix that fits the
 /// kind chosen in its accessory, before the question whether an existing file is to be replaced.
 ///

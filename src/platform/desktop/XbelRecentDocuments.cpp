@@ -188,17 +188,17 @@ XbelRecentDocuments::Outcome XbelRecentDocuments::replace(const std::string& bef
                                                           const std::string& after) const {
   makeFolder(fs::path(file_).parent_path());
   const auto replacement = ReplacementFile::beside(file_);
-  if (!replacement.file) {
-    reportFailure(file_, failureReason(replacement.error));
+  if (!replacement) {
+    reportFailure(file_, failureReason(replacement.error()));
     return Outcome::failed;
   }
-  int error = writeNew(replacement.file->path(), after);
+  int error = writeNew(replacement->path(), after);
   if (error == 0) {
     const ListText now = readList(file_);
     if (!now.failure.empty() || now.text != before) {
       return Outcome::changedMeanwhile;
     }
-    error = replacement.file->commit();
+    error = replacement->commit();
   }
   if (error != 0) {
     reportFailure(file_, failureReason(error));
@@ -241,27 +241,6 @@ std::vector<std::string> XbelRecentDocuments::recentDocuments(std::size_t most) 
     }
   }
   return paths;
-}
-
-namespace {
-
-RecentDocuments*& installed() {
-  static XbelRecentDocuments desktop(XbelRecentDocuments::desktopFile());
-  static RecentDocuments* documents = &desktop;
-  return documents;
-}
-
-}  // namespace
-
-RecentDocuments& recentDocuments() {
-  return *installed();
-}
-
-RecentDocumentsInstallation::RecentDocumentsInstallation(RecentDocuments& documents)
-    : previous_(std::exchange(installed(), &documents)) {}
-
-RecentDocumentsInstallation::~RecentDocumentsInstallation() {
-  installed() = previous_;
 }
 
 }  // namespace platform

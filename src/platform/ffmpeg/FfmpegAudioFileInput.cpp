@@ -78,15 +78,15 @@ ExtAudioFileInput::Opened FfmpegAudioFileInput::open(
     return {.file = nullptr, .status = kCancelledStatus};
   }
   auto opened = files.openForReading(path);
-  if (opened.file == nullptr) {
+  if (!opened) {
     return {.file = nullptr,
-            .status = audioFileStatus(AudioFileStage::opening, AVERROR(opened.error))};
+            .status = audioFileStatus(AudioFileStage::opening, AVERROR(opened.error()))};
   }
-  if (opened.size == 0) {
+  input->file_ = *std::move(opened);
+  input->size_ = input->file_->size();
+  if (input->size_ == 0) {
     return {.file = nullptr, .status = kEmptyFileStatus};
   }
-  input->file_ = std::move(opened.file);
-  input->size_ = opened.size;
   const AudioStatus status = input->start();
   return {.file = status == kAudioStatusOk ? std::move(input) : nullptr, .status = status};
 }

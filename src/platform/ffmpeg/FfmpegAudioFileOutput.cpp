@@ -113,10 +113,10 @@ FfmpegAudioFileOutput::~FfmpegAudioFileOutput() {
 AudioStatus FfmpegAudioFileOutput::start(UserAudioFiles& files, const std::string& path) {
   const FfmpegLog::Scope scope(log_);
   auto created = files.createForWriting(path);
-  if (created.file == nullptr) {
-    return keep(AVERROR(created.error));
+  if (!created) {
+    return keep(AVERROR(created.error()));
   }
-  file_ = std::move(created.file);
+  file_ = *std::move(created);
   io_ = AudioFileIo::forWriting(*file_);
   packet_.reset(av_packet_alloc());
   if (io_ == nullptr || packet_ == nullptr) {

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <string>
 
 namespace platform {
 
@@ -38,52 +35,6 @@ class File {
   /// the errno of the failure, 0 for none; a file that could not be made longer or shorter is as it
   /// was.
   [[nodiscard]] virtual int setSize(std::uint64_t byteCount) = 0;
-};
-
-/// Makes temporary files. A test puts in one whose files fail, fill up, or keep no zeros.
-///
-/// Threads: any. Real-time: not safe.
-class TemporaryFiles {
- public:
-  virtual ~TemporaryFiles() = default;
-
-  struct Created {
-    std::unique_ptr<File> file;  ///< null when it failed
-    std::string path;            ///< path under which it was created, or was to be
-    int error = 0;               ///< errno of the failure
-  };
-
-  /// The user's temporary directory, ending in a separator.
-  [[nodiscard]] virtual std::string directory() const = 0;
-
-  /// Creates and opens a new file from a template that ends in "XXXXXX", readable by the user
-  /// alone, and unlinks it at once: its storage is gone when it is closed or the process dies.
-  [[nodiscard]] virtual Created createUnlinked(const std::string& pathTemplate) = 0;
-
-  /// The same, from a template in which "XXXXXX" stands before an extension, for a file that keeps
-  /// its name: whoever makes it has it deleted. Never a file that was there before.
-  [[nodiscard]] virtual Created createNamed(const std::string& pathTemplate) = 0;
-};
-
-/// Deletes the file at a path; an error is ignored.
-///
-/// Threads: any. Real-time: not safe.
-void deleteFile(const std::string& path);
-
-/// The installed maker of temporary files; at first the operating system's.
-TemporaryFiles& temporaryFiles();
-
-/// Puts another maker in for as long as the installation lives. For tests and benchmarks; install
-/// before the threads that use it start.
-class TemporaryFilesInstallation {
- public:
-  explicit TemporaryFilesInstallation(TemporaryFiles& files);
-  ~TemporaryFilesInstallation();
-  TemporaryFilesInstallation(const TemporaryFilesInstallation&) = delete;
-  TemporaryFilesInstallation& operator=(const TemporaryFilesInstallation&) = delete;
-
- private:
-  TemporaryFiles* previous_;
 };
 
 }  // namespace platform

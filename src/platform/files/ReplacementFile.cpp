@@ -124,23 +124,22 @@ void syncFolder(const std::string& path) {
 ReplacementFile::ReplacementFile(std::string target, std::string path)
     : target_(std::move(target)), path_(std::move(path)) {}
 
-ReplacementFile::Result ReplacementFile::beside(const std::string& target) {
+Result<std::unique_ptr<ReplacementFile>> ReplacementFile::beside(const std::string& target) {
   std::filesystem::path file(target);
   if (const int error = followLinks(file)) {
-    return {.file = nullptr, .error = error};
+    return error;
   }
   if (const int error = checkTarget(file.string())) {
-    return {.file = nullptr, .error = error};
+    return error;
   }
   std::error_code unknown;
   const bool replaces = std::filesystem::exists(file, unknown) || unknown;
   std::string path;
   const int error = createBeside(file.string(), replaces ? kPrivateMode : kNewFileMode, path);
   if (error != 0) {
-    return {.file = nullptr, .error = error};
+    return error;
   }
-  return {.file = std::unique_ptr<ReplacementFile>(new ReplacementFile(file.string(), path)),
-          .error = 0};
+  return std::unique_ptr<ReplacementFile>(new ReplacementFile(file.string(), path));
 }
 
 ReplacementFile::~ReplacementFile() {

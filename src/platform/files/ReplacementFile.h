@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/base/Result.h"
+
 namespace platform {
 
 /// A file that is written beside the one it will replace and takes its place in one step: whoever
@@ -16,15 +18,10 @@ namespace platform {
 /// Threads: one at a time. Real-time: not safe.
 class ReplacementFile {
  public:
-  struct Result {
-    std::unique_ptr<ReplacementFile> file;  ///< null when it failed
-    int error = 0;                          ///< errno of the failure
-  };
-
   /// Makes an empty file beside `target`. Fails without a trace: EISDIR for a folder, EINVAL for
   /// what is neither a file nor missing (a device, a pipe), EACCES for a file that may not be
   /// written, and with the system's own errors.
-  [[nodiscard]] static Result beside(const std::string& target);
+  [[nodiscard]] static Result<std::unique_ptr<ReplacementFile>> beside(const std::string& target);
 
   /// Deletes the new file unless it has taken its place.
   ~ReplacementFile();

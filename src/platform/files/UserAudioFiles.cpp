@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <atomic>
 #include <cerrno>
 
 #include "platform/files/PosixFile.h"
@@ -46,7 +45,7 @@ class WriteBehindFile : public PosixFile {
   std::uint64_t hinted_ = 0;    // bytes from the begin on; the thread that writes
 };
 
-class PosixAudioFileStorage : public UserAudioFiles {
+class PosixUserAudioFiles : public UserAudioFiles {
  public:
   Opened openForReading(const std::string& path) override {
     return open<PosixFile>(path, O_RDONLY);
@@ -64,38 +63,23 @@ class PosixAudioFileStorage : public UserAudioFiles {
     const int descriptor =
         ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kUsualPermissions);
     if (descriptor < 0) {
-      return {.file = nullptr, .size = 0, .error = errno};
+      return errno;
     }
     auto file = std::make_unique<SystemFile>(descriptor);
     struct stat information = {};
     const int error =
         ::fstat(descriptor, &information) != 0 ? errno : errorOfKind(information.st_mode);
     if (error != 0) {
-      return {.file = nullptr, .size = 0, .error = error};
+      return error;
     }
-    return {.file = std::move(file),
-            .size = static_cast<std::uint64_t>(information.st_size),
-            .error = 0};
+    return file;
   }
 };
 
-// The storage put in last; null stands for the operating system's. Written by installations only,
-// before the threads that read it start.
-std::atomic<UserAudioFiles*> installedStorage{nullptr};
-
 }  // namespace
 
-UserAudioFiles& audioFileStorage() {
-  static auto* const posix = new PosixAudioFileStorage;  // never destroyed: threads outlive main
-  UserAudioFiles* const storage = installedStorage.load(std::memory_order_acquire);
-  return storage != nullptr ? *storage : *posix;
-}
-
-AudioFileStorageInstallation::AudioFileStorageInstallation(UserAudioFiles& storage)
-    : previous_(installedStorage.exchange(&storage, std::memory_order_acq_rel)) {}
-
-AudioFileStorageInstallation::~AudioFileStorageInstallation() {
-  installedStorage.store(previous_, std::memory_order_release);
+std::shared_ptr<UserAudioFiles> UserAudioFiles::whenNoneIsInstalled() {
+  return std::make_shared<PosixUserAudioFiles>();
 }
 
 }  // namespace platform

@@ -1,15 +1,16 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
 
+#include "platform/base/Installed.h"
+#include "platform/base/Result.h"
 #include "platform/files/File.h"
 
 namespace platform {
 
-/// Opens the files that a person reads sound from and writes sound to. A test puts in one whose
-/// files fail, fill up, hang or keep no zeros.
+/// Opens the files that a person reads sound from and writes sound to, with none installed the
+/// operating system's. A test installs one whose files fail, fill up, hang or keep no zeros.
 ///
 /// Only regular files are opened: a pipe or a device could hold its reader for ever. The errno that
 /// stands for anything else is EISDIR for a folder and ESPIPE for the rest.
@@ -18,12 +19,9 @@ namespace platform {
 class UserAudioFiles {
  public:
   virtual ~UserAudioFiles() = default;
+  static std::shared_ptr<UserAudioFiles> whenNoneIsInstalled();
 
-  struct Opened {
-    std::unique_ptr<File> file;  ///< null when it failed
-    std::uint64_t size = 0;      ///< bytes, at the moment of opening
-    int error = 0;               ///< errno of the failure
-  };
+  using Opened = Result<std::unique_ptr<File>>;
 
   [[nodiscard]] virtual Opened openForReading(const std::string& path) = 0;
 
@@ -31,20 +29,8 @@ class UserAudioFiles {
   [[nodiscard]] virtual Opened createForWriting(const std::string& path) = 0;
 };
 
-/// The installed storage; at first the operating system's.
-UserAudioFiles& audioFileStorage();
-
-/// Puts another storage in for as long as the installation lives. For tests; install before the
-/// threads that use it start.
-class AudioFileStorageInstallation {
- public:
-  explicit AudioFileStorageInstallation(UserAudioFiles& storage);
-  ~AudioFileStorageInstallation();
-  AudioFileStorageInstallation(const AudioFileStorageInstallation&) = delete;
-  AudioFileStorageInstallation& operator=(const AudioFileStorageInstallation&) = delete;
-
- private:
-  UserAudioFiles* previous_;
-};
+inline std::shared_ptr<UserAudioFiles> userAudioFiles() {
+  return Installed<UserAudioFiles>::get();
+}
 
 }  // namespace platform

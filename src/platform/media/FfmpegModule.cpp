@@ -18,7 +18,7 @@ ExtAudioFileInput::Opened ExtAudioFileInput::openURL(
   if (module == nullptr) {
     return {.file = nullptr, .status = kFfmpegMissingStatus};
   }
-  return module->openInput(audioFileStorage(), path, std::move(cancelled));
+  return module->openInput(*userAudioFiles(), path, std::move(cancelled));
 }
 
 ExtAudioFileOutput::Created ExtAudioFileOutput::createWithURL(const std::string& path,
@@ -27,7 +27,7 @@ ExtAudioFileOutput::Created ExtAudioFileOutput::createWithURL(const std::string&
   if (module == nullptr) {
     return {.file = nullptr, .status = kFfmpegMissingStatus};
   }
-  return module->createOutput(audioFileStorage(), path, kind);
+  return module->createOutput(*userAudioFiles(), path, kind);
 }
 
 std::unique_ptr<FourierTransform> FourierTransform::create(int log2Length) {

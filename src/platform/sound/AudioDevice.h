@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/base/AudioTypes.h"
+#include "platform/base/Result.h"
 
 /// The seam between the audio queues and a sound system. The real one is CubebAudioDevice; the
 /// scripted one lets a test feed samples, take what was played, turn the clock and make it fail.
@@ -77,15 +78,14 @@ class AudioDevice {
  public:
   virtual ~AudioDevice() = default;
 
-  /// Opens and starts the default input. Null with `status` set on failure. The client must
-  /// outlive the stream.
-  [[nodiscard]] virtual std::unique_ptr<AudioInputStream> openInput(AudioInputClient& client,
-                                                                    AudioStatus& status) = 0;
+  using Input = Result<std::unique_ptr<AudioInputStream>, AudioStatus>;
+  using Output = Result<std::unique_ptr<AudioOutputStream>, AudioStatus>;
 
-  /// Opens the default output, not yet started. Null with `status` set on failure. The client
-  /// must outlive the stream.
-  [[nodiscard]] virtual std::unique_ptr<AudioOutputStream> openOutput(AudioOutputClient& client,
-                                                                      AudioStatus& status) = 0;
+  /// Opens and starts the default input. The client must outlive the stream.
+  [[nodiscard]] virtual Input openInput(AudioInputClient& client) = 0;
+
+  /// Opens the default output, not yet started. The client must outlive the stream.
+  [[nodiscard]] virtual Output openOutput(AudioOutputClient& client) = 0;
 
   /// Connects to the sound system ahead of the first stream. Failure is not reported: opening a
   /// stream tries again.

@@ -1,7 +1,7 @@
 #include "platform/sound/AudioQueue.h"
 
-#include <mutex>
-#include <utility>
+#include <atomic>
+#include <cstdio>
 
 namespace platform {
 
@@ -13,45 +13,27 @@ class NoAudioQueues final : public AudioQueues {
   AudioStatus completeFormat(AudioStreamBasicDescription& format) const override {
     return completeWorkingFormat(format);
   }
-  AudioStatus newInput(const AudioStreamBasicDescription&, AudioInputQueue::Callback,
-                       AudioInputQueue::FailureListener,
-                       std::unique_ptr<AudioInputQueue>&) override {
+  NewInput newInput(const AudioStreamBasicDescription&, AudioInputQueue::Callback,
+                    AudioInputQueue::FailureListener) override {
+    std::fputs("no sound input\n", stderr);
     return kDeviceUnavailableStatus;
   }
-  AudioStatus newOutput(const AudioStreamBasicDescription&, AudioOutputQueue::Callback,
-                        std::unique_ptr<AudioOutputQueue>&) override {
+  NewOutput newOutput(const AudioStreamBasicDescription&, AudioOutputQueue::Callback) override {
+    std::fputs("no sound output\n", stderr);
     return kDeviceUnavailableStatus;
   }
-  bool claimInputFailureAlert() override {
-    const std::lock_guard lock(mutex_);
-    return !std::exchange(reported_, true);
-  }
+  bool claimInputFailureAlert() override { return !claimed_.exchange(true); }
   bool claimDeviceLossAlert() override { return true; }
 
  private:
-  std::mutex mutex_;
-  bool reported_ = false;  // guarded by mutex_
+  std::atomic<bool> claimed_{false};
 };
-
-struct Installed {
-  std::mutex mutex;  // guards queues
-  std::shared_ptr<AudioQueues> queues = std::make_shared<NoAudioQueues>();
-};
-
-// Never destroyed: what is still installed at the end must not call into a sound library from a
-// static destructor.
-Installed& installed() {
-  static auto* instance = new Installed;
-  return *instance;
-}
-
-std::shared_ptr<AudioQueues> exchange(std::shared_ptr<AudioQueues> queues) {
-  const std::lock_guard lock(installed().mutex);
-  std::swap(installed().queues, queues);
-  return queues;
-}
 
 }  // namespace
+
+std::shared_ptr<AudioQueues> AudioQueues::whenNoneIsInstalled() {
+  return std::make_shared<NoAudioQueues>();
+}
 
 AudioStatus completeWorkingFormat(AudioStreamBasicDescription& format) {
   AudioStreamBasicDescription completed = format;
@@ -70,18 +52,6 @@ AudioStatus completeWorkingFormat(AudioStreamBasicDescription& format) {
   }
   format = completed;
   return kAudioStatusOk;
-}
-
-std::shared_ptr<AudioQueues> audioQueues() {
-  const std::lock_guard lock(installed().mutex);
-  return installed().queues;
-}
-
-AudioQueuesInstallation::AudioQueuesInstallation(std::shared_ptr<AudioQueues> queues)
-    : previous_(exchange(std::move(queues))) {}
-
-AudioQueuesInstallation::~AudioQueuesInstallation() {
-  exchange(std::move(previous_));
 }
 
 }  // namespace platform

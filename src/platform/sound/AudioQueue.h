@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "platform/base/AudioTypes.h"
+#include "platform/base/Installed.h"
+#include "platform/base/Result.h"
 
 /// Audio queues: buffers that travel between a program and the sound device. A recorder or player
 /// allocates a few buffers, enqueues them, and is called back on the queue's own thread with each
@@ -18,9 +20,8 @@
 /// counted and told on the diagnostics console.
 namespace platform {
 
-/// Frames that the ring of one input queue holds while the queue's thread is held up: 64 buffers
-/// of 4096 frames, nearly 6 s.
-inline constexpr std::uint32_t kInputRingFrames = 64 * 4096;
+/// Frames that the ring of one input queue holds while the queue's thread is held up: nearly 6 s.
+inline constexpr std::uint32_t kInputRingFrames = 64 * kRecordingChunkFrames;
 
 /// One buffer of a queue. The queue owns it; the pointer is valid until the queue is disposed of.
 struct AudioQueueBuffer {
@@ -45,8 +46,8 @@ class AudioQueue {
   /// A buffer of `byteCapacity` bytes, a multiple of the frame size; kInvalidParameterStatus for
   /// other sizes, for more than 64 buffers, or for an input buffer longer than half the ring. The
   /// smallest buffer of an input queue at its start decides how many frames each delivery has.
-  [[nodiscard]] virtual AudioStatus allocateBuffer(std::uint32_t byteCapacity,
-                                                   AudioQueueBuffer*& buffer) = 0;
+  [[nodiscard]] virtual Result<AudioQueueBuffer*, AudioStatus> allocateBuffer(
+      std::uint32_t byteCapacity) = 0;
 
   /// Hands a buffer to the queue: an input queue fills it, an output queue plays its
   /// mAudioDataByteSize bytes. Also from inside the callback. kInvalidParameterStatus for a buffer
@@ -136,11 +137,17 @@ class AudioOutputQueue : public AudioQueue {
 [[nodiscard]] AudioStatus completeWorkingFormat(AudioStreamBasicDescription& format);
 
 /// Makes queues. One serves the whole process; it shares one input stream among all input queues.
+/// The application installs those of the real device, a test those of the scripted one; with none
+/// installed every queue is refused with kDeviceUnavailableStatus and a line on standard error.
 ///
 /// Threads: any. Real-time: not safe.
 class AudioQueues {
  public:
   virtual ~AudioQueues() = default;
+  static std::shared_ptr<AudioQueues> whenNoneIsInstalled();
+
+  using NewInput = Result<std::unique_ptr<AudioInputQueue>, AudioStatus>;
+  using NewOutput = Result<std::unique_ptr<AudioOutputQueue>, AudioStatus>;
 
   /// Completes a description whose identifying fields are set; kInvalidParameterStatus for one
   /// that is not interleaved float PCM of kWorkingFormat's shape (an all-zero one, say).
@@ -149,15 +156,13 @@ class AudioQueues {
   /// A stopped input queue. Waits at most 250 ms for the first answer of the sound system, past
   /// that it says yes; a failure that comes later arrives through `failed`, once. A failure known
   /// for less than a second is answered at once.
-  [[nodiscard]] virtual AudioStatus newInput(const AudioStreamBasicDescription& format,
-                                             AudioInputQueue::Callback callback,
-                                             AudioInputQueue::FailureListener failed,
-                                             std::unique_ptr<AudioInputQueue>& queue) = 0;
+  [[nodiscard]] virtual NewInput newInput(const AudioStreamBasicDescription& format,
+                                          AudioInputQueue::Callback callback,
+                                          AudioInputQueue::FailureListener failed) = 0;
 
   /// A stopped output queue; waits as newInput() does. Its first buffers can be enqueued at once.
-  [[nodiscard]] virtual AudioStatus newOutput(const AudioStreamBasicDescription& format,
-                                              AudioOutputQueue::Callback callback,
-                                              std::unique_ptr<AudioOutputQueue>& queue) = 0;
+  [[nodiscard]] virtual NewOutput newOutput(const AudioStreamBasicDescription& format,
+                                            AudioOutputQueue::Callback callback) = 0;
 
   /// True for the first caller after the input device began to fail: that one tells the user.
   /// False until the device's state has changed again, so that one failure is told once however
@@ -170,20 +175,8 @@ class AudioQueues {
   [[nodiscard]] virtual bool claimDeviceLossAlert() = 0;
 };
 
-/// The installed maker of queues. Installed by the application (the real device) or by a test
-/// (the scripted one); with none installed every newInput and newOutput gives
-/// kDeviceUnavailableStatus.
-std::shared_ptr<AudioQueues> audioQueues();
-
-class AudioQueuesInstallation {
- public:
-  explicit AudioQueuesInstallation(std::shared_ptr<AudioQueues> queues);
-  ~AudioQueuesInstallation();
-  AudioQueuesInstallation(const AudioQueuesInstallation&) = delete;
-  AudioQueuesInstallation& operator=(const AudioQueuesInstallation&) = delete;
-
- private:
-  std::shared_ptr<AudioQueues> previous_;
-};
+inline std::shared_ptr<AudioQueues> audioQueues() {
+  return Installed<AudioQueues>::get();
+}
 
 }  // namespace platform

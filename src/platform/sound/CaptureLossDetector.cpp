@@ -23,7 +23,7 @@ std::uint64_t CaptureLossDetector::captured(std::uint32_t frames,
   }
   captured_ += frames;
   const double seconds = std::chrono::duration<double>(now - origin_).count();
-  const auto expected = static_cast<std::int64_t>(seconds * kWorkingFormat.mSampleRate);
+  const auto expected = static_cast<std::int64_t>(seconds * kWorkingRate);
   windowLag_ = std::min(windowLag_, expected - captured_);
   ++windowCalls_;
   if (now - windowStart_ < kWindow || windowCalls_ < kWindowCalls) {

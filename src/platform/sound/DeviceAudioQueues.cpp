@@ -36,41 +36,34 @@ AudioStatus DeviceAudioQueues::completeFormat(AudioStreamBasicDescription& forma
   return completeWorkingFormat(format);
 }
 
-AudioStatus DeviceAudioQueues::newInput(const AudioStreamBasicDescription& format,
-                                        AudioInputQueue::Callback callback,
-                                        AudioInputQueue::FailureListener failed,
-                                        std::unique_ptr<AudioInputQueue>& queue) {
-  queue.reset();
+AudioQueues::NewInput DeviceAudioQueues::newInput(const AudioStreamBasicDescription& format,
+                                                  AudioInputQueue::Callback callback,
+                                                  AudioInputQueue::FailureListener failed) {
   if (!isWorkingFormat(format)) {
     return kInvalidParameterStatus;
   }
   auto made = std::make_unique<DeviceInputQueue>(std::move(callback), std::move(failed),
                                                  deviceThread_, input_);
-  const AudioStatus status = made->acquireDevice();
-  if (status == kAudioStatusOk) {
-    queue = std::move(made);
+  if (const AudioStatus status = made->acquireDevice(); status != kAudioStatusOk) {
+    return status;
   }
-  return status;
+  return made;
 }
 
-AudioStatus DeviceAudioQueues::newOutput(const AudioStreamBasicDescription& format,
-                                         AudioOutputQueue::Callback callback,
-                                         std::unique_ptr<AudioOutputQueue>& queue) {
-  queue.reset();
+AudioQueues::NewOutput DeviceAudioQueues::newOutput(const AudioStreamBasicDescription& format,
+                                                    AudioOutputQueue::Callback callback) {
   if (!isWorkingFormat(format)) {
     return kInvalidParameterStatus;
   }
-  const AudioStatus known = outputFailure_->recent(clock_->now());
-  if (known != kAudioStatusOk) {
+  if (const AudioStatus known = outputFailure_->recent(clock_->now()); known != kAudioStatusOk) {
     return known;
   }
   auto made = std::make_unique<DeviceOutputQueue>(std::move(callback), deviceThread_, clock_,
                                                   outputFailure_);
-  const AudioStatus status = made->open();
-  if (status == kAudioStatusOk) {
-    queue = std::move(made);
+  if (const AudioStatus status = made->open(); status != kAudioStatusOk) {
+    return status;
   }
-  return status;
+  return made;
 }
 
 bool DeviceAudioQueues::claimInputFailureAlert() {

@@ -40,13 +40,11 @@ class DeviceAudioQueues final : public AudioQueues {
   void prepareInput(std::future<void> start = {});
 
   [[nodiscard]] AudioStatus completeFormat(AudioStreamBasicDescription& format) const override;
-  [[nodiscard]] AudioStatus newInput(const AudioStreamBasicDescription& format,
-                                     AudioInputQueue::Callback callback,
-                                     AudioInputQueue::FailureListener failed,
-                                     std::unique_ptr<AudioInputQueue>& queue) override;
-  [[nodiscard]] AudioStatus newOutput(const AudioStreamBasicDescription& format,
-                                      AudioOutputQueue::Callback callback,
-                                      std::unique_ptr<AudioOutputQueue>& queue) override;
+  [[nodiscard]] NewInput newInput(const AudioStreamBasicDescription& format,
+                                  AudioInputQueue::Callback callback,
+                                  AudioInputQueue::FailureListener failed) override;
+  [[nodiscard]] NewOutput newOutput(const AudioStreamBasicDescription& format,
+                                    AudioOutputQueue::Callback callback) override;
   [[nodiscard]] bool claimInputFailureAlert() override;
   [[nodiscard]] bool claimDeviceLossAlert() override;
 

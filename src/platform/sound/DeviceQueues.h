@@ -24,9 +24,9 @@ namespace platform {
 template <typename Interface, typename Core>
 class DeviceQueue : public Interface {
  public:
-  [[nodiscard]] AudioStatus allocateBuffer(std::uint32_t byteCapacity,
-                                           AudioQueueBuffer*& buffer) override {
-    return core_->allocate(byteCapacity, buffer);
+  [[nodiscard]] Result<AudioQueueBuffer*, AudioStatus> allocateBuffer(
+      std::uint32_t byteCapacity) override {
+    return core_->allocate(byteCapacity);
   }
   [[nodiscard]] AudioStatus enqueueBuffer(AudioQueueBuffer* buffer) override {
     return core_->enqueue(buffer);

@@ -16,16 +16,15 @@ InputQueueCore::InputQueueCore(AudioInputQueue& owner, AudioInputQueue::Callback
       callback_(std::move(callback)),
       failed_(std::move(failed)) {}
 
-AudioStatus InputQueueCore::allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) {
+Result<AudioQueueBuffer*, AudioStatus> InputQueueCore::allocate(std::uint32_t byteCapacity) {
   const std::lock_guard lock(mutex_);
   if (state_ != State::kCreated) {
     return kInvalidQueueStateStatus;
   }
-  if (byteCapacity / kWorkingFormat.mBytesPerFrame > kInputRingFrames / 2) {
-    buffer = nullptr;
+  if (byteCapacity / kWorkingFrameBytes > kInputRingFrames / 2) {
     return kInvalidParameterStatus;
   }
-  return buffers_.allocate(byteCapacity, buffer);
+  return buffers_.allocate(byteCapacity);
 }
 
 AudioStatus InputQueueCore::enqueue(AudioQueueBuffer* buffer) {
@@ -186,7 +185,7 @@ bool InputQueueCore::deliverOne() {
   }
   tellLoss(lost);
   levels_.measure(reinterpret_cast<const float*>(buffer->mAudioData),
-                  buffer->mAudioDataByteSize / kWorkingFormat.mBytesPerFrame);
+                  buffer->mAudioDataByteSize / kWorkingFrameBytes);
   if (callback_) {
     callback_(owner_, *buffer);
   }
@@ -199,7 +198,7 @@ bool InputQueueCore::deliverOne() {
 }
 
 void InputQueueCore::fill(AudioQueueBuffer& buffer) {
-  const std::uint32_t bytes = consumer_->front()->frames() * kWorkingFormat.mBytesPerFrame;
+  const std::uint32_t bytes = consumer_->front()->frames() * kWorkingFrameBytes;
   std::memcpy(buffer.mAudioData, consumer_->frontSamples(), bytes);
   buffer.mAudioDataByteSize = bytes;
   buffer.mPacketDescriptionCount = 0;

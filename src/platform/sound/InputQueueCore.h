@@ -31,7 +31,7 @@ class InputQueueCore final : public InputSink,
   /// Makes the device available; see SharedInput::acquire().
   [[nodiscard]] AudioStatus acquireDevice() { return input_->acquire(shared_from_this()); }
 
-  [[nodiscard]] AudioStatus allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer);
+  [[nodiscard]] Result<AudioQueueBuffer*, AudioStatus> allocate(std::uint32_t byteCapacity);
   [[nodiscard]] AudioStatus enqueue(AudioQueueBuffer* buffer);
   [[nodiscard]] AudioStatus start();
   void stop();

@@ -11,16 +11,12 @@ class LateAudioDevice final : public AudioDevice {
  public:
   explicit LateAudioDevice(const char* moduleName) : moduleName_(moduleName) {}
 
-  std::unique_ptr<AudioInputStream> openInput(AudioInputClient& client,
-                                              AudioStatus& status) override {
-    status = kDeviceUnavailableStatus;
-    return load() ? device_->openInput(client, status) : nullptr;
+  Input openInput(AudioInputClient& client) override {
+    return load() ? device_->openInput(client) : Input(kDeviceUnavailableStatus);
   }
 
-  std::unique_ptr<AudioOutputStream> openOutput(AudioOutputClient& client,
-                                                AudioStatus& status) override {
-    status = kDeviceUnavailableStatus;
-    return load() ? device_->openOutput(client, status) : nullptr;
+  Output openOutput(AudioOutputClient& client) override {
+    return load() ? device_->openOutput(client) : Output(kDeviceUnavailableStatus);
   }
 
   void prepare() override {

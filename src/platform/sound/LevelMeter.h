@@ -15,8 +15,6 @@ namespace platform {
 /// Threads: any. Real-time: not safe.
 class LevelMeter {
  public:
-  static constexpr std::size_t kChannels = 2;
-
   /// Switching off clears the levels.
   void enable(bool enabled);
 
@@ -30,7 +28,7 @@ class LevelMeter {
   mutable std::mutex mutex_;
   // guarded by mutex_
   bool enabled_ = false;
-  std::array<AudioQueueLevelMeterState, kChannels> levels_{};
+  std::array<AudioQueueLevelMeterState, kWorkingChannels> levels_{};
 };
 
 }  // namespace platform

@@ -6,10 +6,6 @@
 
 namespace platform {
 
-namespace {
-constexpr std::size_t kChannels = 2;
-}
-
 void OutputFeeder::push(AudioQueueBuffer* buffer) noexcept {
   pushedBuffers_.store(pushedBuffers_.load(std::memory_order_relaxed) + 1,
                        std::memory_order_release);
@@ -37,10 +33,11 @@ std::uint32_t OutputFeeder::take(float* samples, std::uint32_t frames,
   std::uint32_t filled = 0;
   // Also looks for empty buffers behind the last frame, so that they come back without delay.
   while (current_ != nullptr || waiting_.pop(current_)) {
-    const std::uint32_t length = current_->mAudioDataByteSize / kWorkingFormat.mBytesPerFrame;
+    const std::uint32_t length = current_->mAudioDataByteSize / kWorkingFrameBytes;
     const std::uint32_t part = std::min(frames - filled, length - currentDone_);
     const auto* source = reinterpret_cast<const float*>(current_->mAudioData);
-    std::copy_n(source + currentDone_ * kChannels, part * kChannels, samples + filled * kChannels);
+    std::copy_n(source + currentDone_ * kWorkingChannels, part * kWorkingChannels,
+                samples + filled * kWorkingChannels);
     filled += part;
     currentDone_ += part;
     if (currentDone_ < length) {
@@ -66,11 +63,12 @@ std::uint32_t OutputFeeder::fill(float* samples, std::uint32_t frames) noexcept 
   const bool begins = filled > 0 && realEnd_.load(std::memory_order_relaxed) == 0;
   if (begins && filled < frames && !draining_.load(std::memory_order_relaxed)) {
     // More is to come: silence before the first frame is not heard as a gap, behind the last it is.
-    std::copy_backward(samples, samples + filled * kChannels, samples + frames * kChannels);
-    std::fill_n(samples, (frames - filled) * kChannels, 0.0F);
+    std::copy_backward(samples, samples + filled * kWorkingChannels,
+                       samples + frames * kWorkingChannels);
+    std::fill_n(samples, (frames - filled) * kWorkingChannels, 0.0F);
     realEnd_.store(before + frames, std::memory_order_release);
   } else {
-    std::fill(samples + filled * kChannels, samples + frames * kChannels, 0.0F);
+    std::fill(samples + filled * kWorkingChannels, samples + frames * kWorkingChannels, 0.0F);
     if (filled > 0) {
       realEnd_.store(before + filled, std::memory_order_release);
     }

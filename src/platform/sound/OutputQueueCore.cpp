@@ -60,12 +60,12 @@ AudioStatus OutputQueueCore::ask(void (OutputQueueCore::*task)(TimedReply&)) {
   return answer->wait(*clock_, deadline).value_or(kAudioStatusOk);
 }
 
-AudioStatus OutputQueueCore::allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) {
+Result<AudioQueueBuffer*, AudioStatus> OutputQueueCore::allocate(std::uint32_t byteCapacity) {
   const std::lock_guard lock(mutex_);
   if (state_ == State::kStopped) {
     return kInvalidQueueStateStatus;
   }
-  return buffers_.allocate(byteCapacity, buffer);
+  return buffers_.allocate(byteCapacity);
 }
 
 AudioStatus OutputQueueCore::enqueue(AudioQueueBuffer* buffer) {
@@ -217,17 +217,17 @@ void OutputQueueCore::openStream(AudioDevice& device, TimedReply& answer) {
       return;
     }
   }
-  AudioStatus status = kAudioStatusOk;
-  stream_ = device.openOutput(*this, status);
+  auto opened = device.openOutput(*this);
   {
     const std::lock_guard lock(mutex_);
     openSettled_ = true;
   }
-  if (stream_) {
+  if (opened) {
+    stream_ = *std::move(opened);
     known_->clear();
     answer.give(kAudioStatusOk);
   } else {
-    fail(status == kAudioStatusOk ? kDeviceUnavailableStatus : status, &answer);
+    fail(opened.error(), &answer);
   }
 }
 
@@ -366,7 +366,7 @@ void OutputQueueCore::returnTaken() {
       return;
     }
     levels_.measure(reinterpret_cast<const float*>(buffer->mAudioData),
-                    buffer->mAudioDataByteSize / kWorkingFormat.mBytesPerFrame);
+                    buffer->mAudioDataByteSize / kWorkingFrameBytes);
     {
       const std::lock_guard lock(mutex_);
       buffers_.markReturned(buffer);

@@ -30,7 +30,7 @@ class OutputQueueCore final : public AudioOutputClient,
   static constexpr std::chrono::milliseconds kDrainLook{10};
   /// Frames of silence, given behind the last real frame, after which a drain ends whatever the
   /// position says: 2 s, for a device whose position stands still.
-  static constexpr std::uint64_t kMaxDrainFrames = 88200;
+  static constexpr std::uint64_t kMaxDrainFrames = 2 * kWorkingRate;
 
   static std::shared_ptr<OutputQueueCore> create(AudioOutputQueue& owner,
                                                  AudioOutputQueue::Callback callback,
@@ -41,7 +41,7 @@ class OutputQueueCore final : public AudioOutputClient,
   /// Opens the stream; waits at most kMaxWait, then says yes.
   [[nodiscard]] AudioStatus open();
 
-  [[nodiscard]] AudioStatus allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer);
+  [[nodiscard]] Result<AudioQueueBuffer*, AudioStatus> allocate(std::uint32_t byteCapacity);
   [[nodiscard]] AudioStatus enqueue(AudioQueueBuffer* buffer);
   [[nodiscard]] AudioStatus start();
   [[nodiscard]] AudioStatus pause();

@@ -5,9 +5,8 @@
 
 namespace platform {
 
-AudioStatus QueueBuffers::allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) {
-  buffer = nullptr;
-  if (byteCapacity == 0 || byteCapacity % kWorkingFormat.mBytesPerFrame != 0 ||
+Result<AudioQueueBuffer*, AudioStatus> QueueBuffers::allocate(std::uint32_t byteCapacity) {
+  if (byteCapacity == 0 || byteCapacity % kWorkingFrameBytes != 0 ||
       buffers_.size() == kMaxBuffers) {
     return kInvalidParameterStatus;
   }
@@ -15,9 +14,8 @@ AudioStatus QueueBuffers::allocate(std::uint32_t byteCapacity, AudioQueueBuffer*
   owned->samples.resize(byteCapacity / sizeof(float));
   owned->buffer.mAudioData = reinterpret_cast<std::byte*>(owned->samples.data());
   owned->buffer.mAudioDataBytesCapacity = byteCapacity;
-  buffer = &owned->buffer;
   buffers_.push_back(std::move(owned));
-  return kAudioStatusOk;
+  return &buffers_.back()->buffer;
 }
 
 QueueBuffers::Owned* QueueBuffers::find(const AudioQueueBuffer* buffer) {
@@ -48,7 +46,7 @@ std::uint32_t QueueBuffers::smallestFrames() const {
     const std::uint32_t capacity = owned->buffer.mAudioDataBytesCapacity;
     bytes = bytes == 0 ? capacity : std::min(bytes, capacity);
   }
-  return bytes / kWorkingFormat.mBytesPerFrame;
+  return bytes / kWorkingFrameBytes;
 }
 
 }  // namespace platform

@@ -18,7 +18,7 @@ class QueueBuffers {
   static constexpr std::size_t kMaxBuffers = 64;
 
   /// kInvalidParameterStatus for a size that is 0 or not whole frames, or for too many.
-  [[nodiscard]] AudioStatus allocate(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer);
+  [[nodiscard]] Result<AudioQueueBuffer*, AudioStatus> allocate(std::uint32_t byteCapacity);
 
   /// Marks a buffer as enqueued; kInvalidParameterStatus for a foreign one, an enqueued one, or
   /// one that claims more bytes than it has.

@@ -92,14 +92,13 @@ void SharedInput::scheduleClosing() {
 void SharedInput::open(AudioDevice& device) {
   detector_.reset();
   pendingFailure_.store(kAudioStatusOk);
-  AudioStatus status = kAudioStatusOk;
-  stream_ = device.openInput(*this, status);
-  if (stream_) {
-    settle(kAudioStatusOk);
+  auto opened = device.openInput(*this);
+  if (opened) {
+    stream_ = *std::move(opened);
   } else {
     pendingFailure_.store(kAudioStatusOk);
-    settle(status == kAudioStatusOk ? kDeviceUnavailableStatus : status);
   }
+  settle(opened.error());
 }
 
 void SharedInput::settle(AudioStatus status) {

@@ -13,7 +13,6 @@
 #include "platform/mainloop/Localization.h"
 #include "platform/views/ViewAccessibility.h"
 #include "platform/views/ViewDrawing.h"
-#include "waveform/views/OVPlaybackMarkerView.h"
 
 namespace {
 
@@ -45,17 +44,6 @@ OVWaveFormView::OVWaveFormView(QWidget* parent) : QWidget(parent) {
 }
 
 OVWaveFormView::~OVWaveFormView() = default;
-
-std::shared_ptr<OVWaveformSummary> OVWaveFormView::waveForm() const {
-  const std::lock_guard guard(waveFormLock_);
-  return waveForm_;
-}
-
-void OVWaveFormView::setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm) {
-  const std::lock_guard guard(waveFormLock_);
-  // The former summary leaves with the parameter, after the lock.
-  waveForm_.swap(waveForm);
-}
 
 bool OVWaveFormView::shouldRedrawWaveform() const {
   return shouldRedrawWaveform_.load(std::memory_order_relaxed);
@@ -177,12 +165,12 @@ void OVWaveFormView::mouseMoveEvent(QMouseEvent* event) {
   }
 }
 
-double OVWaveFormView::markerPosition() const {
-  const auto* marker = findChild<OVPlaybackMarkerView*>();
-  return marker != nullptr ? marker->position() : 0.0;
+double OVWaveFormView::markerPosition() {
+  const auto delegate = delegate_.lock();
+  return delegate ? delegate->waveFormViewTimeLinePosition(this) : 0.0;
 }
 
-std::optional<double> OVWaveFormView::positionAfterKey(const QKeyEvent& event) const {
+std::optional<double> OVWaveFormView::positionAfterKey(const QKeyEvent& event) {
   const bool finely = event.modifiers().testFlag(Qt::ShiftModifier);
   const double step = finely ? fractionOfWidth(*this, 1.0) : kKeyStep;
   switch (event.key()) {

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <QImage>
@@ -13,6 +13,7 @@
 #include <QSizeF>
 #include <QWidget>
 
+#include "platform/base/GuardedPointer.h"
 #include "platform/views/FocusRing.h"
 #include "waveform/OVWaveformSummary.h"
 #include "waveform/views/OVWaveFormDrawing.h"
@@ -33,6 +34,10 @@ class OVWaveFormViewDelegate {
                                          double timeLinePosition) = 0;
   virtual void waveFormViewReceivedDrag(OVWaveFormView* view, QPointF atPosition,
                                         double timeLinePosition) = 0;
+
+  /// Where the marker is, 0 to 1 of the view's width: the keys move it from there, however long ago
+  /// it was drawn.
+  virtual double waveFormViewTimeLinePosition(OVWaveFormView* view) = 0;
 };
 
 /// Shows a waveform summary over a dark blue gradient with a grid, and turns clicks and drags into
@@ -59,8 +64,10 @@ class OVWaveFormView : public QWidget {
 
   /// What is drawn; may be null.
   /// Threads: any.
-  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const;
-  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm);
+  [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const { return waveForm_.get(); }
+  void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm) {
+    waveForm_.set(std::move(waveForm));
+  }
 
   /// The grid moves one point to the right at each rendering.
   [[nodiscard]] bool scrollBack() const { return scrollBack_; }
@@ -111,12 +118,10 @@ class OVWaveFormView : public QWidget {
   void render(std::uint64_t elementCount);
   void prepareBitmap();
   void scrollGrid();
-  [[nodiscard]] double markerPosition() const;
-  [[nodiscard]] std::optional<double> positionAfterKey(const QKeyEvent& event) const;
+  [[nodiscard]] double markerPosition();
+  [[nodiscard]] std::optional<double> positionAfterKey(const QKeyEvent& event);
 
-  // Guarded by waveFormLock_: set by whoever installs a summary, read by the main thread.
-  mutable std::mutex waveFormLock_;
-  std::shared_ptr<OVWaveformSummary> waveForm_;
+  platform::GuardedPointer<std::shared_ptr<OVWaveformSummary>> waveForm_;
 
   // Set by whichever thread has generated; cleared by the main thread alone, before it reads the
   // elements, so that a generation in between asks for one rendering more, never for one less.

@@ -124,7 +124,7 @@ class OVDocumentSummariesTest : public DocumentFileTest {
   }
 
   support::FailingTemporaryFiles files_;
-  platform::TemporaryFilesInstallation filesInstallation_{files_};
+  platform::Installed<platform::TemporaryFiles>::Scope filesInstallation_{files_};
 };
 
 // Undo and redo during a refresh ----------------------------------------------------------------

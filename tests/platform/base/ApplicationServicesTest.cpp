@@ -51,15 +51,4 @@ TEST(ApplicationServices, WithoutAnApplicationEverythingGoesToStandardError) {
   EXPECT_THAT(written, testing::AllOf(testing::HasSubstr("title"), testing::HasSubstr("line")));
 }
 
-TEST(ApplicationServices, InstallationsNest) {
-  const support::InstalledRecordingServices outer;
-  {
-    const support::InstalledRecordingServices inner;
-    ConsoleLog("inner");
-    EXPECT_THAT(outer->consoleLines(), IsEmpty());
-  }
-  ConsoleLog("outer");
-  EXPECT_THAT(outer->consoleLines(), ElementsAre("outer"));
-}
-
 }  // namespace

@@ -103,13 +103,20 @@ TEST(UndoManager, TellsEveryChange) {
   EXPECT_GT(changes, afterSet);
 }
 
-TEST(UndoManager, ADiscardedRegistrationCannotBeUndone) {
+TEST(UndoManager, SidesThatAreSetBackUndoAndRedoAsBefore) {
   UndoManager manager;
   UndoableNumber number(manager);
   number.set(1, "One");
-  manager.discardLastUndo();
-  EXPECT_FALSE(manager.canUndo());
-  EXPECT_FALSE(manager.canRedo());
+  number.set(2, "Two");
+  manager.undo();
+  const auto sides = manager.sides();
+  number.set(3, "Three");
+  ASSERT_FALSE(manager.canRedo());
+  manager.setSides(sides);
+  EXPECT_EQ(manager.undoActionName(), "One");
+  EXPECT_EQ(manager.redoActionName(), "Two");
+  manager.redo();
+  EXPECT_EQ(number.value(), 2);
 }
 
 TEST(UndoManager, AnOperationThatThrowsIsTakenOffAndLeavesTheManagerUsable) {

@@ -19,6 +19,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include "platform/desktop/SavePanel.h"
 #include "support/MainLoop.h"
 #include "support/TemporaryFolder.h"
 

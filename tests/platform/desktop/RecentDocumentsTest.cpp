@@ -1,45 +1,14 @@
 #include "platform/desktop/RecentDocuments.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
-#include "platform/desktop/XbelRecentDocuments.h"
 
 namespace {
 
-using platform::recentDocuments;
-using platform::RecentDocumentsInstallation;
-using testing::ElementsAre;
-
-class FixedRecentDocuments : public platform::RecentDocuments {
- public:
-  void noteNewRecentDocument(const std::string& path) override { noted.push_back(path); }
-  std::vector<std::string> recentDocuments(std::size_t) const override { return noted; }
-
-  std::vector<std::string> noted;
-};
-
-TEST(TheRecentDocuments, AreTheDesktopsAtFirst) {
-  EXPECT_NE(dynamic_cast<platform::XbelRecentDocuments*>(&recentDocuments()), nullptr);
-}
-
-TEST(TheRecentDocuments, AreOthersForAsLongAsTheyAreInstalled) {
-  FixedRecentDocuments outer;
-  FixedRecentDocuments inner;
-  {
-    const RecentDocumentsInstallation installedOuter(outer);
-    {
-      const RecentDocumentsInstallation installedInner(inner);
-      recentDocuments().noteNewRecentDocument("/inner.wav");
-    }
-    recentDocuments().noteNewRecentDocument("/outer.wav");
-    EXPECT_THAT(recentDocuments().recentDocuments(9), ElementsAre("/outer.wav"));
-  }
-  EXPECT_THAT(inner.noted, ElementsAre("/inner.wav"));
-  EXPECT_NE(dynamic_cast<platform::XbelRecentDocuments*>(&recentDocuments()), nullptr);
+TEST(RecentDocuments, WithNoneInstalledGoToStandardErrorAlone) {
+  testing::internal::CaptureStderr();
+  platform::recentDocuments()->noteNewRecentDocument("/take.wav");
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("/take.wav"));
+  EXPECT_THAT(platform::recentDocuments()->recentDocuments(9), testing::IsEmpty());
 }
 
 }  // namespace

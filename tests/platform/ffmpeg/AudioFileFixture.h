@@ -79,7 +79,7 @@ class AudioFileTest : public testing::Test {
   /// From now on the file holds these bytes, followed by zeros up to `size`.
   void put(const std::string& bytes, std::uint64_t size = 0) {
     storage_.setBytes(bytes, size);
-    file_ = storage_.openForReading("a").file;
+    file_ = *storage_.openForReading("a");
     size_ = storage_.size();
   }
 

@@ -25,7 +25,7 @@ class AudioFileIoTest : public testing::Test {
 TEST_F(AudioFileIoTest, ReadsAndSeeksWithinTheFile) {
   storage_.setBytes("0123456789");
   const auto opened = storage_.openForReading("a");
-  const auto io = AudioFileIo::forReading(*opened.file, opened.size, interruption_);
+  const auto io = AudioFileIo::forReading(**opened, opened->size(), interruption_);
   ASSERT_NE(io, nullptr);
   EXPECT_EQ(avio_size(io->context()), 10);
   unsigned char bytes[4];
@@ -39,7 +39,7 @@ TEST_F(AudioFileIoTest, ReadsAndSeeksWithinTheFile) {
 TEST_F(AudioFileIoTest, ASeekToNowhereIsRefused) {
   storage_.setBytes("0123456789");
   const auto opened = storage_.openForReading("a");
-  const auto io = AudioFileIo::forReading(*opened.file, opened.size, interruption_);
+  const auto io = AudioFileIo::forReading(**opened, opened->size(), interruption_);
   constexpr std::int64_t kFarthest = std::numeric_limits<std::int64_t>::max();
   AVIOContext* const context = io->context();
   EXPECT_LT(context->seek(context->opaque, -1, SEEK_SET), 0);
@@ -53,7 +53,7 @@ TEST_F(AudioFileIoTest, TheFirstErrorIsKept) {
   storage_.setBytes(std::string(100'000, 'x'));
   storage_.failReadsFrom(70'000);
   const auto opened = storage_.openForReading("a");
-  const auto io = AudioFileIo::forReading(*opened.file, opened.size, interruption_);
+  const auto io = AudioFileIo::forReading(**opened, opened->size(), interruption_);
   std::string bytes(100'000, ' ');
   EXPECT_EQ(avio_read(io->context(), reinterpret_cast<unsigned char*>(bytes.data()), 100'000),
             70'000);
@@ -63,7 +63,7 @@ TEST_F(AudioFileIoTest, TheFirstErrorIsKept) {
 TEST_F(AudioFileIoTest, ACancelEndsTheReadingAndNothingElse) {
   storage_.setBytes(std::string(100'000, 'x'));
   const auto opened = storage_.openForReading("a");
-  const auto io = AudioFileIo::forReading(*opened.file, opened.size, interruption_);
+  const auto io = AudioFileIo::forReading(**opened, opened->size(), interruption_);
   unsigned char byte = 0;
   cancelled_->store(true);
   EXPECT_EQ(avio_read(io->context(), &byte, 1), AVERROR_EXIT);
@@ -78,7 +78,7 @@ TEST_F(AudioFileIoTest, ACancelEndsTheReadingAndNothingElse) {
 TEST_F(AudioFileIoTest, AWriteTakenInPartIsAFailure) {
   const auto created = storage_.createForWriting("a");
   storage_.fillUpAfter(5, ENOSPC);
-  const auto io = AudioFileIo::forWriting(*created.file);
+  const auto io = AudioFileIo::forWriting(**created);
   avio_write(io->context(), reinterpret_cast<const unsigned char*>("0123456789"), 10);
   avio_flush(io->context());
   EXPECT_EQ(io->firstError(), AVERROR(ENOSPC));
@@ -87,7 +87,7 @@ TEST_F(AudioFileIoTest, AWriteTakenInPartIsAFailure) {
 
 TEST_F(AudioFileIoTest, WritesGoWhereASeekLed) {
   const auto created = storage_.createForWriting("a");
-  const auto io = AudioFileIo::forWriting(*created.file);
+  const auto io = AudioFileIo::forWriting(**created);
   avio_write(io->context(), reinterpret_cast<const unsigned char*>("0123456789"), 10);
   avio_seek(io->context(), 2, SEEK_SET);
   avio_write(io->context(), reinterpret_cast<const unsigned char*>("ab"), 2);

@@ -45,11 +45,11 @@ class AReplacementFile : public testing::Test {
 
   int replace(const std::string& name, const std::string& text) {
     const auto result = ReplacementFile::beside(at(name));
-    if (!result.file) {
-      return result.error;
+    if (!result) {
+      return result.error();
     }
-    put(result.file->path(), text);
-    return result.file->commit();
+    put(result->path(), text);
+    return result->commit();
   }
 
   // The administrator may write everywhere; permissions show only to somebody else.
@@ -74,19 +74,19 @@ TEST_F(AReplacementFile, MakesAFileThatWasNotThere) {
 TEST_F(AReplacementFile, LeavesTheOldFileWholeUntilItIsCommitted) {
   put(at("take.wav"), "old");
   auto result = ReplacementFile::beside(at("take.wav"));
-  ASSERT_NE(result.file, nullptr);
-  put(result.file->path(), "new");
+  ASSERT_TRUE(result);
+  put(result->path(), "new");
   EXPECT_EQ(contentsOf(at("take.wav")), "old");
-  EXPECT_EQ(result.file->commit(), 0);
+  EXPECT_EQ(result->commit(), 0);
   EXPECT_EQ(contentsOf(at("take.wav")), "new");
 }
 
 TEST_F(AReplacementFile, LeavesNothingBehindWhenItIsNotCommitted) {
   put(at("take.wav"), "old");
   auto result = ReplacementFile::beside(at("take.wav"));
-  ASSERT_NE(result.file, nullptr);
+  ASSERT_TRUE(result);
   EXPECT_EQ(filesInFolder(), 2U);
-  result.file.reset();
+  *result = nullptr;
   EXPECT_EQ(filesInFolder(), 1U);
   EXPECT_EQ(contentsOf(at("take.wav")), "old");
 }
@@ -113,9 +113,9 @@ TEST_F(AReplacementFile, IsReadableByTheUserAloneBeforeItHasTheOldFilesRights) {
   put(at("take.wav"), "old");
   ASSERT_EQ(::chmod(at("take.wav").c_str(), 0600), 0);
   const auto result = ReplacementFile::beside(at("take.wav"));
-  ASSERT_NE(result.file, nullptr);
+  ASSERT_TRUE(result);
   struct stat status = {};
-  ASSERT_EQ(::stat(result.file->path().c_str(), &status), 0);
+  ASSERT_EQ(::stat(result->path().c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0077, 0U);
 }
 
@@ -179,9 +179,9 @@ TEST_F(AReplacementFile, FailsInAFolderThatIsGone) {
 TEST_F(AReplacementFile, ToldWhenItsFolderVanishedMeanwhile) {
   const std::string medium = folder_.makeFolder("medium");
   const auto result = ReplacementFile::beside(medium + "/take.wav");
-  ASSERT_NE(result.file, nullptr);
+  ASSERT_TRUE(result);
   fs::remove_all(medium);
-  EXPECT_EQ(result.file->commit(), ENOENT);
+  EXPECT_EQ(result->commit(), ENOENT);
 }
 
 TEST_F(AReplacementFile, TakesNamesOfEveryKindUpTo255Bytes) {
@@ -199,9 +199,9 @@ TEST_F(AReplacementFile, TakesATargetInTheWorkingFolder) {
   const fs::path before = fs::current_path();
   fs::current_path(folder_.path());
   const auto result = ReplacementFile::beside("take.wav");
-  ASSERT_NE(result.file, nullptr);
-  put(result.file->path(), "new");
-  EXPECT_EQ(result.file->commit(), 0);
+  ASSERT_TRUE(result);
+  put(result->path(), "new");
+  EXPECT_EQ(result->commit(), 0);
   fs::current_path(before);
   EXPECT_EQ(contentsOf(at("take.wav")), "new");
 }

@@ -20,7 +20,7 @@ class ExtAudioFileInputTest : public testing::Test {
  protected:
   support::InstalledRecordingServices services_;
   support::TestUserAudioFiles storage_;
-  AudioFileStorageInstallation installation_{storage_};
+  Installed<UserAudioFiles>::Scope installation_{storage_};
 };
 
 TEST_F(ExtAudioFileInputTest, TheFilesOwnFormatIsTold) {

@@ -17,7 +17,7 @@ class ExtAudioFileOutputTest : public testing::Test {
  protected:
   support::InstalledRecordingServices services_;
   support::TestUserAudioFiles storage_;
-  AudioFileStorageInstallation installation_{storage_};
+  Installed<UserAudioFiles>::Scope installation_{storage_};
 };
 
 TEST_F(ExtAudioFileOutputTest, EveryKindBeginsAsItShould) {

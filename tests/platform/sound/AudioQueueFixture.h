@@ -103,7 +103,7 @@ struct Recording {
   std::function<void(AudioInputQueue&, AudioQueueBuffer&)> also;
 
   AudioStatus make(AudioQueues& queues) {
-    return queues.newInput(
+    auto made = queues.newInput(
         kWorkingFormat,
         [this](AudioInputQueue& its, AudioQueueBuffer& buffer) {
           const auto* samples = reinterpret_cast<const float*>(buffer.mAudioData);
@@ -119,15 +119,16 @@ struct Recording {
           }
           endFrames.add(buffer.endFrame);
         },
-        [this](AudioStatus status) { failures.add(status); }, queue);
+        [this](AudioStatus status) { failures.add(status); });
+    if (made) {
+      queue = *std::move(made);
+    }
+    return made.error();
   }
   AudioStatus prime(std::uint32_t frames = kRecordFrames) {
     for (int i = 0; i < 3; ++i) {
-      AudioQueueBuffer* buffer = nullptr;
-      AudioStatus status = queue->allocateBuffer(frames * 8, buffer);
-      if (status == kAudioStatusOk) {
-        status = queue->enqueueBuffer(buffer);
-      }
+      const auto buffer = queue->allocateBuffer(frames * 8);
+      const AudioStatus status = buffer ? queue->enqueueBuffer(*buffer) : buffer.error();
       if (status != kAudioStatusOk) {
         return status;
       }
@@ -168,18 +169,17 @@ struct Playback {
   std::function<void(AudioOutputQueue&)> inListener;
 
   AudioStatus make(AudioQueues& queues) {
-    const AudioStatus status = queues.newOutput(
-        kWorkingFormat,
-        [this](AudioOutputQueue& its, AudioQueueBuffer& buffer) {
+    auto made =
+        queues.newOutput(kWorkingFormat, [this](AudioOutputQueue& its, AudioQueueBuffer& buffer) {
           const std::uint32_t frames = buffer.mAudioDataByteSize / 8;
           if (inCallback) {
             inCallback(its);
           }
           refill(its, buffer);
           returned.add(frames);
-        },
-        queue);
-    if (status == kAudioStatusOk) {
+        });
+    if (made) {
+      queue = *std::move(made);
       queue->setRunningListener([this](AudioOutputQueue& its) {
         std::uint32_t running = 9;
         static_cast<void>(its.isRunning(running));
@@ -189,7 +189,7 @@ struct Playback {
         }
       });
     }
-    return status;
+    return made.error();
   }
   void refill(AudioOutputQueue& its, AudioQueueBuffer& buffer) {
     if (done) {
@@ -217,9 +217,9 @@ struct Playback {
   }
   void prime(std::uint32_t frames = kPlayFrames) {
     for (int i = 0; i < 3 && !done; ++i) {
-      AudioQueueBuffer* buffer = nullptr;
-      ASSERT_EQ(queue->allocateBuffer(frames * 8, buffer), kAudioStatusOk);
-      refill(*queue, *buffer);
+      const auto buffer = queue->allocateBuffer(frames * 8);
+      ASSERT_TRUE(buffer);
+      refill(*queue, **buffer);
     }
   }
 };

@@ -8,13 +8,9 @@ namespace {
 using DeviceAudioQueuesTest = AudioQueuesTest;
 
 TEST_F(DeviceAudioQueuesTest, OtherFormatsAreRefusedWithoutTouchingTheDevice) {
-  std::unique_ptr<AudioInputQueue> input;
-  std::unique_ptr<AudioOutputQueue> output;
   const AudioStreamBasicDescription zero;
-  EXPECT_EQ(queues->newInput(zero, {}, {}, input), kInvalidParameterStatus);
-  EXPECT_EQ(queues->newOutput(zero, {}, output), kInvalidParameterStatus);
-  EXPECT_EQ(input, nullptr);
-  EXPECT_EQ(output, nullptr);
+  EXPECT_EQ(queues->newInput(zero, {}, {}).error(), kInvalidParameterStatus);
+  EXPECT_EQ(queues->newOutput(zero, {}).error(), kInvalidParameterStatus);
   EXPECT_EQ(device->inputsOpened(), 0U);
   EXPECT_EQ(device->outputsOpened(), 0U);
   auto format = kWorkingFormat;

@@ -295,17 +295,17 @@ TEST_F(InputQueueCoreTest, DisposingFromInsideTheCallbackKeepsItsBufferUntilItRe
 TEST_F(InputQueueCoreTest, AQueueMayBeDestroyedInsideItsOwnCallback) {
   std::unique_ptr<AudioInputQueue> queue;
   Record<int> calls;
-  ASSERT_EQ(queues->newInput(
-                kWorkingFormat,
-                [&](AudioInputQueue&, AudioQueueBuffer&) {
-                  queue.reset();
-                  calls.add(1);
-                },
-                {}, queue),
-            kAudioStatusOk);
-  AudioQueueBuffer* buffer = nullptr;
-  ASSERT_EQ(queue->allocateBuffer(32768, buffer), kAudioStatusOk);
-  ASSERT_EQ(queue->enqueueBuffer(buffer), kAudioStatusOk);
+  auto made = queues->newInput(kWorkingFormat,
+                               [&](AudioInputQueue&, AudioQueueBuffer&) {
+                                 queue.reset();
+                                 calls.add(1);
+                               },
+                               {});
+  ASSERT_TRUE(made);
+  queue = *std::move(made);
+  const auto buffer = queue->allocateBuffer(32768);
+  ASSERT_TRUE(buffer);
+  ASSERT_EQ(queue->enqueueBuffer(*buffer), kAudioStatusOk);
   ASSERT_EQ(queue->start(), kAudioStatusOk);
   feed(0, kRecordFrames);
   ASSERT_TRUE(calls.awaitCount(1));
@@ -317,10 +317,9 @@ TEST_F(InputQueueCoreTest, DisposingTwiceDoesNothingMoreAndEverythingElseIsRefus
   EXPECT_EQ(recording.queue->dispose(), kAudioStatusOk);
   EXPECT_EQ(recording.queue->dispose(), kAudioStatusOk);
   EXPECT_EQ(recording.queue->stopImmediately(), kAudioStatusOk);
-  AudioQueueBuffer* buffer = nullptr;
   EXPECT_EQ(recording.queue->start(), kInvalidQueueStateStatus);
-  EXPECT_EQ(recording.queue->allocateBuffer(32768, buffer), kInvalidQueueStateStatus);
-  EXPECT_EQ(recording.queue->enqueueBuffer(buffer), kInvalidQueueStateStatus);
+  EXPECT_EQ(recording.queue->allocateBuffer(32768).error(), kInvalidQueueStateStatus);
+  EXPECT_EQ(recording.queue->enqueueBuffer(nullptr), kInvalidQueueStateStatus);
   recording.queue->waitUntilDelivered(1);
 }
 
@@ -358,9 +357,8 @@ TEST_F(InputQueueCoreTest, AQueueThatGetsNoThreadIsNotStartedAndMayBeStartedAgai
 TEST_F(InputQueueCoreTest, ABufferLongerThanHalfTheRingIsRefused) {
   Recording recording;
   ASSERT_EQ(recording.make(*queues), kAudioStatusOk);
-  AudioQueueBuffer* buffer = nullptr;
-  EXPECT_EQ(recording.queue->allocateBuffer(kInputRingFrames * 8, buffer), kInvalidParameterStatus);
-  EXPECT_EQ(recording.queue->allocateBuffer(kInputRingFrames * 4, buffer), kAudioStatusOk);
+  EXPECT_EQ(recording.queue->allocateBuffer(kInputRingFrames * 8).error(), kInvalidParameterStatus);
+  EXPECT_TRUE(recording.queue->allocateBuffer(kInputRingFrames * 4));
 }
 
 TEST_F(InputQueueCoreTest, LevelsAreThoseOfTheLastFilledBuffer) {

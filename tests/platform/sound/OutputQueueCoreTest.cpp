@@ -451,11 +451,11 @@ TEST_F(OutputQueueCoreTest, AQueueThatGetsNoThreadIsNotStartedAndMayBeStartedAga
 
 TEST_F(OutputQueueCoreTest, NoBufferIsTakenAfterTheEndWasAnnounced) {
   ASSERT_EQ(playback.make(*queues), kAudioStatusOk);
-  AudioQueueBuffer* buffer = nullptr;
-  ASSERT_EQ(playback.queue->allocateBuffer(8192, buffer), kAudioStatusOk);
+  const auto buffer = playback.queue->allocateBuffer(8192);
+  ASSERT_TRUE(buffer);
   ASSERT_EQ(playback.queue->stopAfterQueued(), kAudioStatusOk);
   ASSERT_EQ(playback.queue->stopAfterQueued(), kAudioStatusOk);
-  EXPECT_EQ(playback.queue->enqueueBuffer(buffer), kInvalidQueueStateStatus);
+  EXPECT_EQ(playback.queue->enqueueBuffer(*buffer), kInvalidQueueStateStatus);
 }
 
 TEST_F(OutputQueueCoreTest, TheListenerIsSetBeforeTheStartOnly) {

@@ -7,23 +7,19 @@ namespace {
 
 TEST(QueueBuffersTest, RefusesEmptyBuffersBrokenFramesAndTooManyBuffers) {
   QueueBuffers buffers;
-  AudioQueueBuffer* buffer = nullptr;
-  EXPECT_EQ(buffers.allocate(0, buffer), kInvalidParameterStatus);
-  EXPECT_EQ(buffers.allocate(12, buffer), kInvalidParameterStatus);
-  EXPECT_EQ(buffer, nullptr);
+  EXPECT_EQ(buffers.allocate(0).error(), kInvalidParameterStatus);
+  EXPECT_EQ(buffers.allocate(12).error(), kInvalidParameterStatus);
   for (std::size_t i = 0; i < QueueBuffers::kMaxBuffers; ++i) {
-    EXPECT_EQ(buffers.allocate(8, buffer), kAudioStatusOk);
+    EXPECT_TRUE(buffers.allocate(8));
   }
-  EXPECT_EQ(buffers.allocate(8, buffer), kInvalidParameterStatus);
+  EXPECT_EQ(buffers.allocate(8).error(), kInvalidParameterStatus);
 }
 
 TEST(QueueBuffersTest, ABufferIsEnqueuedOnceAtATimeAndOnlyInItsOwnQueue) {
   QueueBuffers buffers;
   QueueBuffers others;
-  AudioQueueBuffer* buffer = nullptr;
-  AudioQueueBuffer* stranger = nullptr;
-  ASSERT_EQ(buffers.allocate(16, buffer), kAudioStatusOk);
-  ASSERT_EQ(others.allocate(16, stranger), kAudioStatusOk);
+  AudioQueueBuffer* const buffer = *buffers.allocate(16);
+  AudioQueueBuffer* const stranger = *others.allocate(16);
   EXPECT_EQ(buffers.markEnqueued(stranger), kInvalidParameterStatus);
   EXPECT_EQ(buffers.markEnqueued(nullptr), kInvalidParameterStatus);
   EXPECT_EQ(buffers.markEnqueued(buffer), kAudioStatusOk);
@@ -37,10 +33,9 @@ TEST(QueueBuffersTest, ABufferIsEnqueuedOnceAtATimeAndOnlyInItsOwnQueue) {
 
 TEST(QueueBuffersTest, SmallestBufferIsGivenInFrames) {
   QueueBuffers buffers;
-  AudioQueueBuffer* buffer = nullptr;
   EXPECT_EQ(buffers.smallestFrames(), 0U);
-  ASSERT_EQ(buffers.allocate(32768, buffer), kAudioStatusOk);
-  ASSERT_EQ(buffers.allocate(8000, buffer), kAudioStatusOk);
+  ASSERT_TRUE(buffers.allocate(32768));
+  ASSERT_TRUE(buffers.allocate(8000));
   EXPECT_EQ(buffers.smallestFrames(), 1000U);
 }
 

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 
 namespace support {
 
@@ -22,7 +22,7 @@ namespace support {
 /// at first.
 ///
 /// One plan serves all files of one maker, also those that are open already. Files keep the plan
-/// alive and may outlive their maker. Put in with platform::TemporaryFilesInstallation.
+/// alive and may outlive their maker. Put in with platform::Installed.
 ///
 /// Threads: any, also while files are in use.
 class FailingTemporaryFiles : public platform::TemporaryFiles {
@@ -186,10 +186,10 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
       std::replace(path.begin() + static_cast<std::ptrdiff_t>(placeholders), path.end(), 'X', '0');
     }
     if (plan_->creationError != 0) {
-      return {.file = nullptr, .path = path, .error = plan_->creationError};
+      return platform::NoTemporaryFile{.error = plan_->creationError, .path = path};
     }
     ++plan_->openFiles;
-    return {.file = std::make_unique<MemoryFile>(plan_), .path = path, .error = 0};
+    return platform::TemporaryFile{.file = std::make_unique<MemoryFile>(plan_), .path = path};
   }
 
   template <typename Change>

@@ -19,7 +19,7 @@ class RecordingDesktop : public platform::DesktopServices {
   bool knowsPrograms = true;
 
  private:
-  platform::DesktopServicesInstallation installation_{*this};
+  platform::Installed<platform::DesktopServices>::Scope installation_{*this};
 };
 
 }  // namespace support

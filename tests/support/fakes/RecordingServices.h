@@ -21,7 +21,7 @@ struct RecordedAlert {
 };
 
 /// Application services that keep what they were asked for and never wait for anybody. Put in with
-/// platform::ApplicationServicesInstallation, or with InstalledRecordingServices below.
+/// platform::Installed, or with InstalledRecordingServices below.
 ///
 /// Threads: any. Accessors return copies, so a test may look while other threads still report.
 class RecordingServices : public platform::ApplicationServices {
@@ -120,7 +120,7 @@ class InstalledRecordingServices {
 
  private:
   std::shared_ptr<RecordingServices> services_ = std::make_shared<RecordingServices>();
-  platform::ApplicationServicesInstallation installation_{services_};
+  platform::Installed<platform::ApplicationServices>::Scope installation_{services_};
 };
 
 }  // namespace support

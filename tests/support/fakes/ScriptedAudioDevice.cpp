@@ -197,9 +197,9 @@ ScriptedAudioDevice::ScriptedAudioDevice() : script_(std::make_shared<Script>())
 
 ScriptedAudioDevice::~ScriptedAudioDevice() = default;
 
-std::unique_ptr<AudioInputStream> ScriptedAudioDevice::openInput(AudioInputClient& client,
-                                                                 AudioStatus& status) {
+AudioDevice::Input ScriptedAudioDevice::openInput(AudioInputClient& client) {
   script_->pass();
+  AudioStatus status = kAudioStatusOk;
   std::shared_ptr<InputEnd> end;
   script_->change([&] {
     status = script_->openingInput;
@@ -211,12 +211,15 @@ std::unique_ptr<AudioInputStream> ScriptedAudioDevice::openInput(AudioInputClien
     script_->input = end;
     ++script_->inputsOpened;
   });
-  return end ? std::make_unique<InputStream>(script_, end) : nullptr;
+  if (!end) {
+    return status;
+  }
+  return std::make_unique<InputStream>(script_, end);
 }
 
-std::unique_ptr<AudioOutputStream> ScriptedAudioDevice::openOutput(AudioOutputClient& client,
-                                                                   AudioStatus& status) {
+AudioDevice::Output ScriptedAudioDevice::openOutput(AudioOutputClient& client) {
   script_->pass();
+  AudioStatus status = kAudioStatusOk;
   std::shared_ptr<OutputEnd> end;
   script_->change([&] {
     status = script_->openingOutput;
@@ -225,7 +228,10 @@ std::unique_ptr<AudioOutputStream> ScriptedAudioDevice::openOutput(AudioOutputCl
       script_->outputs.push_back(end);
     }
   });
-  return end ? std::make_unique<OutputStream>(script_, end) : nullptr;
+  if (!end) {
+    return status;
+  }
+  return std::make_unique<OutputStream>(script_, end);
 }
 
 void ScriptedAudioDevice::prepare() {

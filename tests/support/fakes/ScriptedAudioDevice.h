@@ -14,7 +14,7 @@ namespace platform {
 ///
 ///     auto device = std::make_shared<ScriptedAudioDevice>();
 ///     auto queues = std::make_shared<DeviceAudioQueues>(device);
-///     AudioQueuesInstallation installation(queues);
+///     Installed<AudioQueues>::Scope installation(queues);
 ///     … make a recorder …
 ///     ASSERT_TRUE(device->awaitInputOpen());
 ///     device->feed(samples);          // whole blocks of 4096 frames reach the recorder
@@ -44,10 +44,8 @@ class ScriptedAudioDevice final : public AudioDevice {
 
   // --- What the queues call.
 
-  [[nodiscard]] std::unique_ptr<AudioInputStream> openInput(AudioInputClient& client,
-                                                            AudioStatus& status) override;
-  [[nodiscard]] std::unique_ptr<AudioOutputStream> openOutput(AudioOutputClient& client,
-                                                              AudioStatus& status) override;
+  [[nodiscard]] Input openInput(AudioInputClient& client) override;
+  [[nodiscard]] Output openOutput(AudioOutputClient& client) override;
   void prepare() override;
 
   // --- Input.

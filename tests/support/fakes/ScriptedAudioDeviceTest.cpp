@@ -29,13 +29,11 @@ class Loudspeaker final : public AudioOutputClient {
 TEST(ScriptedAudioDeviceTest, FeedReachesTheOpenInputOnly) {
   ScriptedAudioDevice device;
   Microphone microphone;
-  AudioStatus status = -1;
   EXPECT_FALSE(device.feedConstant(1, 1, 2));
-  auto stream = device.openInput(microphone, status);
-  ASSERT_NE(stream, nullptr);
-  EXPECT_EQ(status, kAudioStatusOk);
+  auto stream = device.openInput(microphone);
+  ASSERT_TRUE(stream);
   EXPECT_TRUE(device.feedConstant(1, 1, 2));
-  stream.reset();
+  *stream = nullptr;
   EXPECT_FALSE(device.feedConstant(1, 3, 4));
   EXPECT_EQ(microphone.heard, (std::vector<float>{1, 2}));
   EXPECT_EQ(device.inputsOpened(), 1U);
@@ -45,9 +43,8 @@ TEST(ScriptedAudioDeviceTest, FeedReachesTheOpenInputOnly) {
 TEST(ScriptedAudioDeviceTest, PullAsksARunningOutputAndPositionIsMovedByHand) {
   ScriptedAudioDevice device;
   Loudspeaker loudspeaker;
-  AudioStatus status = -1;
-  auto stream = device.openOutput(loudspeaker, status);
-  ASSERT_NE(stream, nullptr);
+  auto stream = device.openOutput(loudspeaker);
+  ASSERT_TRUE(stream);
   EXPECT_TRUE(device.pull(1).empty());
   ASSERT_EQ(stream->start(), kAudioStatusOk);
   EXPECT_EQ(device.pull(1), (std::vector<float>{0.5F, 0.5F}));
@@ -65,18 +62,15 @@ TEST(ScriptedAudioDeviceTest, FailuresComeAsScripted) {
   ScriptedAudioDevice device;
   Microphone microphone;
   Loudspeaker loudspeaker;
-  AudioStatus status = 0;
   device.failOpeningInput(-1);
-  EXPECT_EQ(device.openInput(microphone, status), nullptr);
-  EXPECT_EQ(status, -1);
+  EXPECT_EQ(device.openInput(microphone).error(), -1);
   EXPECT_EQ(device.inputsRefused(), 1U);
   device.failOpeningOutput(-2);
-  EXPECT_EQ(device.openOutput(loudspeaker, status), nullptr);
-  EXPECT_EQ(status, -2);
+  EXPECT_EQ(device.openOutput(loudspeaker).error(), -2);
   device.failOpeningInput(kAudioStatusOk);
   device.failOpeningOutput(kAudioStatusOk);
-  const auto input = device.openInput(microphone, status);
-  const auto output = device.openOutput(loudspeaker, status);
+  const auto input = device.openInput(microphone);
+  const auto output = device.openOutput(loudspeaker);
   device.failStartingOutput(-3);
   EXPECT_EQ(output->start(), -3);
   device.failInput(-4);
@@ -90,14 +84,11 @@ TEST(ScriptedAudioDeviceTest, CallsHangUntilTheyAreReleased) {
   ScriptedAudioDevice device;
   Microphone microphone;
   device.hang();
-  auto opening = std::async(std::launch::async, [&] {
-    AudioStatus status = 0;
-    return device.openInput(microphone, status);
-  });
+  auto opening = std::async(std::launch::async, [&] { return device.openInput(microphone); });
   ASSERT_TRUE(device.awaitHanging());
   EXPECT_FALSE(device.isInputOpen());
   device.release();
-  EXPECT_NE(opening.get(), nullptr);
+  EXPECT_TRUE(opening.get());
 }
 
 }  // namespace

@@ -76,7 +76,7 @@ class InstalledScriptedPanels {
 
  private:
   ScriptedFileDialogs panels_;
-  platform::FileDialogsInstallation installation_{panels_};
+  platform::Installed<platform::FileDialogs>::Scope installation_{panels_};
 };
 
 }  // namespace support

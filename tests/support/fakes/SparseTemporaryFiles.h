@@ -10,7 +10,7 @@
 #include <mutex>
 #include <string>
 
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 
 namespace support {
 
@@ -23,7 +23,7 @@ class SparseTemporaryFiles : public platform::TemporaryFiles {
   [[nodiscard]] std::string directory() const override { return "/nowhere/"; }
 
   [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override {
-    return {.file = std::make_unique<SparseFile>(), .path = pathTemplate, .error = 0};
+    return platform::TemporaryFile{.file = std::make_unique<SparseFile>(), .path = pathTemplate};
   }
 
   /// The name stands nowhere.

@@ -21,7 +21,7 @@ namespace support {
 
 /// Audio files in memory that fail as a test tells them. Pages of zeros take no room, so that hours
 /// of silence can be written. Everything is healthy at first. Put in with
-/// platform::AudioFileStorageInstallation; must outlive the files.
+/// platform::Installed; must outlive the files.
 ///
 /// Threads: any, also while files are in use.
 class TestUserAudioFiles : public platform::UserAudioFiles {
@@ -64,17 +64,17 @@ class TestUserAudioFiles : public platform::UserAudioFiles {
 
   [[nodiscard]] Opened openForReading(const std::string&) override {
     if (openingError_ != 0) {
-      return {.file = nullptr, .size = 0, .error = openingError_};
+      return openingError_;
     }
-    return {.file = std::make_unique<MemoryFile>(*this), .size = size(), .error = 0};
+    return std::make_unique<MemoryFile>(*this);
   }
 
   [[nodiscard]] Opened createForWriting(const std::string&) override {
     if (openingError_ != 0) {
-      return {.file = nullptr, .size = 0, .error = openingError_};
+      return openingError_;
     }
     setBytes({});
-    return {.file = std::make_unique<MemoryFile>(*this), .size = 0, .error = 0};
+    return std::make_unique<MemoryFile>(*this);
   }
 
  private:

@@ -33,8 +33,11 @@ class RecordingDelegate final : public OVWaveFormViewDelegate {
     drags.push_back({view, atPosition, timeLinePosition});
   }
 
+  double waveFormViewTimeLinePosition(OVWaveFormView*) override { return marker; }
+
   std::vector<Call> clicks;
   std::vector<Call> drags;
+  double marker = 0.0;
 };
 
 /// A view on a screen of any pixel ratio.
@@ -411,10 +414,10 @@ TEST_F(WaveFormView, ReadsPositionAndLengthOut) {
 
 namespace {
 
-/// The waveform view with the marker over it, as a window has them.
+/// The waveform view of a document with its marker in the middle.
 class WaveFormKeys : public WaveFormView {
  protected:
-  WaveFormKeys() { marker_->setPosition(0.5); }
+  WaveFormKeys() { delegate_->marker = 0.5; }
 
   /// Where a key moves the marker to, reported as a drag; -1 when it is not reported.
   double reportedAfter(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
@@ -422,8 +425,6 @@ class WaveFormKeys : public WaveFormView {
     QTest::keyClick(&view_, static_cast<Qt::Key>(key), modifiers);
     return delegate_->drags.size() == 1 ? delegate_->drags[0].timeLinePosition : -1.0;
   }
-
-  OVPlaybackMarkerView* marker_ = new OVPlaybackMarkerView(&view_);
 };
 
 }  // namespace
@@ -443,9 +444,9 @@ TEST_F(WaveFormKeys, WithShiftArrowsMoveItByAPoint) {
 }
 
 TEST_F(WaveFormKeys, NoKeyMovesItPastTheEnds) {
-  marker_->setPosition(0.05);
+  delegate_->marker = 0.05;
   EXPECT_EQ(reportedAfter(Qt::Key_PageDown), 0.0);
-  marker_->setPosition(0.995);
+  delegate_->marker = 0.995;
   EXPECT_EQ(reportedAfter(Qt::Key_Right), 1.0);
 }
 
@@ -469,7 +470,8 @@ TEST_F(WaveFormKeys, OtherKeysAndThoseOfADisabledViewGoOnToTheWindow) {
   EXPECT_EQ(reportedAfter(Qt::Key_Left), -1.0);
 }
 
-TEST_F(WaveFormKeys, WithoutAMarkerTheKeysStartFromTheBeginning) {
-  delete marker_;
-  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right), 0.01);
+TEST_F(WaveFormKeys, TheyMoveTheMarkerFromItsPlaceInTheDocumentNotFromWhereItWasDrawn) {
+  auto* const drawn = new OVPlaybackMarkerView(&view_);
+  drawn->setPosition(0.1);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right), 0.51);
 }

@@ -4,17 +4,15 @@
 #include <cassert>
 #include <cstddef>
 
-namespace platform {
+#include "platform/base/AudioTypes.h"
 
-namespace {
-constexpr std::size_t kChannels = 2;
-}
+namespace platform {
 
 InputRing::InputRing(std::uint32_t blockFrames, std::uint32_t blockCount)
     : blockFrames_(blockFrames),
       blockCount_(blockCount),
       blocks_(blockCount),
-      samples_(std::size_t{blockFrames} * blockCount * kChannels) {
+      samples_(std::size_t{blockFrames} * blockCount * kWorkingChannels) {
   assert(blockFrames > 0 && blockCount > 1);
 }
 
@@ -55,8 +53,8 @@ std::uint32_t InputRingProducer::write(const float* samples, std::uint32_t frame
     const std::uint64_t head = ring_.head_.load(std::memory_order_relaxed);
     const std::uint32_t part = std::min(frames, ring_.blockFrames_ - filled_);
     const std::size_t place = (head % ring_.blockCount_) * ring_.blockFrames_ + filled_;
-    std::copy_n(samples, part * kChannels, &ring_.samples_[place * kChannels]);
-    samples += part * kChannels;
+    std::copy_n(samples, part * kWorkingChannels, &ring_.samples_[place * kWorkingChannels]);
+    samples += part * kWorkingChannels;
     frames -= part;
     captured_ += part;
     filled_ += part;
@@ -84,7 +82,7 @@ const InputRing::Block* InputRingConsumer::front() const noexcept {
 
 const float* InputRingConsumer::frontSamples() const noexcept {
   const std::uint64_t tail = ring_.tail_.load(std::memory_order_relaxed);
-  return &ring_.samples_[(tail % ring_.blockCount_) * ring_.blockFrames_ * kChannels];
+  return &ring_.samples_[(tail % ring_.blockCount_) * ring_.blockFrames_ * kWorkingChannels];
 }
 
 void InputRingConsumer::pop() noexcept {

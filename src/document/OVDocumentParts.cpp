@@ -1,0 +1,12 @@
+#include "document/OVDocumentParts.h"
+
+OVDocumentParts::OVDocumentParts(const Operations& operations)
+    : keys(controls, transport, operations.menuCommand),
+      loading({life, audio, positions, *summaries, history, operation, transport, file, panels,
+               progress, markerAndTime, displayLoop},
+              operations.loading),
+      saving({life, audio, positions, *summaries, history, operation, transport, file, panels,
+              progress},
+             operations.fileSavingComplete, [this] { unsavedChanges.saveFailed(); }),
+      unsavedChanges({operation, history, file, transport, panels}, operations.saveFile,
+                     operations.alertDidEnd) {}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "document/OVUnsavedChanges.h"
+#include "document/display/OVDisplayLoop.h"
+#include "document/display/OVMarkerAndTime.h"
+#include "document/display/OVProgressDisplay.h"
+#include "document/editing/OVDocumentAudio.h"
+#include "document/editing/OVDocumentLife.h"
+#include "document/editing/OVEditHistory.h"
+#include "document/editing/OVFileOperation.h"
+#include "document/editing/OVFramePositions.h"
+#include "document/files/OVDocumentFile.h"
+#include "document/files/OVDocumentPanels.h"
+#include "document/files/OVFileLoading.h"
+#include "document/files/OVFileSaving.h"
+#include "document/spectrum/OVRecordedChunk.h"
+#include "document/spectrum/OVSpectrum.h"
+#include "document/summaries/OVDocumentSummaries.h"
+#include "document/transport/OVTransport.h"
+#include "document/transport/OVTransportControls.h"
+#include "document/transport/OVTransportKeys.h"
+
+/// The parts of one document, each with one subject and after those that it works on.
+///
+/// Threads: main, except as each part says. Real-time: not safe.
+struct OVDocumentParts {
+  /// What the parts ask of the controller: its operations.
+  struct Operations {
+    std::function<void(OVTransportControls::Button)> menuCommand;
+    OVFileLoading::Callbacks loading;
+    std::function<void()> fileSavingComplete;
+    std::function<void()> saveFile;
+    std::function<void(int)> alertDidEnd;
+  };
+
+  explicit OVDocumentParts(const Operations& operations);
+
+  OVDocumentLife life;
+  OVDocumentAudio audio;
+  OVFramePositions positions;
+  OVFileOperation operation;
+  const std::shared_ptr<OVDocumentSummaries> summaries = std::make_shared<OVDocumentSummaries>();
+  OVEditHistory history{audio, *summaries};
+  OVTransport transport{{life, audio, positions, *summaries, history, operation}};
+  OVTransportControls controls;
+  OVTransportKeys keys;
+  OVMarkerAndTime markerAndTime{audio};
+  OVProgressDisplay progress;
+  OVDisplayLoop displayLoop{
+      {life, audio, positions, operation, *summaries, transport, markerAndTime, progress}};
+  OVSpectrum spectrum;
+  OVRecordedChunk fft_data;  // guards itself: the writer's thread fills, the main thread takes
+  OVDocumentFile file;
+  OVDocumentPanels panels{life};
+  OVFileLoading loading;
+  OVFileSaving saving;
+  OVUnsavedChanges unsavedChanges;
+};

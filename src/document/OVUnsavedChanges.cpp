@@ -1,0 +1,129 @@
+#include "document/OVUnsavedChanges.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include "controls/OVRecorderWindow.h"
+#include "document/editing/OVEditHistory.h"
+#include "document/editing/OVFileOperation.h"
+#include "document/files/OVDocumentFile.h"
+#include "document/files/OVDocumentPanels.h"
+#include "document/transport/OVTransport.h"
+#include "platform/base/ApplicationServices.h"
+#include "platform/mainloop/Localization.h"
+
+using platform::localized;
+
+OVUnsavedChanges::OVUnsavedChanges(const Parts& parts, std::function<void()> save,
+                                   std::function<void(int)> answered)
+    : parts_(parts), save_(std::move(save)), answered_(std::move(answered)) {}
+
+void OVUnsavedChanges::setWindow(OVRecorderWindow* window) {
+  window_ = window;
+}
+
+bool OVUnsavedChanges::mayClose() {
+  if (state_ == State::confirmed) {
+    return true;
+  }
+  if (state_ == State::idle && parts_.operation.isWriting()) {
+    state_ = State::savePending;
+  }
+  if (state_ == State::savePending) {
+    return false;
+  }
+  if (!parts_.history.isEdited()) {
+    return true;
+  }
+  bringToFront();
+  if (state_ == State::idle) {
+    if (parts_.panels.isShown()) {
+      sayThatAPanelIsOpen();
+    } else {
+      ask();
+    }
+  }
+  return false;
+}
+
+// What the window asks has to be seen: a quit waits for the answer.
+void OVUnsavedChanges::bringToFront() {
+  if (window_) {
+    window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
+    window_->raise();
+    window_->activateWindow();
+  }
+}
+
+void OVUnsavedChanges::sayThatAPanelIsOpen() const {
+  platform::applicationServices()->cancelTermination();
+  platform::applicationServices()->postModalAlert(
+      platform::localizedUtf8("Quitting was cancelled"),
+      localized("A panel of “%1” is open. Answer it first, then quit again.")
+          .arg(parts_.file.shownName())
+          .toStdString());
+}
+
+void OVUnsavedChanges::ask() {
+  using Role = platform::SheetRequest::Button::Role;
+  QString message = localized("Your changes will be lost if you don't save them.");
+  if (parts_.transport.isRecording()) {
+    message += QLatin1Char(' ') + localized("The recording was paused.");
+  }
+  state_ = State::asking;
+  parts_.panels.ask(
+      {.title =
+           localized("Do you want to save the changes made to “%1”?").arg(parts_.file.shownName()),
+       .message = message,
+       .buttons = {{localized("Save"), kSave, Role::accept},
+                   {localized("Don't Save"), kDontSave, Role::destructive},
+                   {localized("Cancel"), kCancelClosing, Role::reject}}},
+      answered_);
+  if (parts_.transport.isRecording()) {
+    parts_.transport.pause();
+  }
+}
+
+void OVUnsavedChanges::answer(int returnCode) {
+  switch (returnCode) {
+    case kCancelClosing:
+      saveFailed();
+      return;
+    case kDontSave:
+      state_ = State::confirmed;
+      closeWindow();
+      return;
+    case kSave:
+      state_ = State::savePending;
+      save_();  // begins when a load that runs has ended
+      return;
+    default:
+      std::fprintf(stderr, "Unknown button return: %i\n", returnCode);
+      std::abort();
+  }
+}
+
+void OVUnsavedChanges::loadEnded() {
+  if (state_ == State::savePending) {
+    save_();
+  }
+}
+
+void OVUnsavedChanges::written(bool saved) {
+  if (state_ == State::savePending) {
+    state_ = saved ? State::confirmed : State::idle;
+    closeWindow();
+  }
+}
+
+void OVUnsavedChanges::saveFailed() {
+  state_ = State::idle;
+  platform::applicationServices()->cancelTermination();
+}
+
+void OVUnsavedChanges::closeWindow() {
+  if (window_) {
+    window_->performClose();
+  }
+}

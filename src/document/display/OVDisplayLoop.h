@@ -1,0 +1,73 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+#include <QPointer>
+
+#include "platform/mainloop/Timer.h"
+#include "waveform/views/OVWaveFormView.h"
+
+class OVDocumentAudio;
+class OVDocumentLife;
+class OVDocumentSummaries;
+class OVFileOperation;
+class OVFramePositions;
+class OVMarkerAndTime;
+class OVProgressDisplay;
+class OVTransport;
+
+/// Keeps the displays true to what the document does: 25 times a second, and as a whole after an
+/// edit.
+///
+/// Threads: main, except where said. Real-time: not safe.
+class OVDisplayLoop {
+ public:
+  /// The parts of the document that it works on; they outlive it.
+  struct Parts {
+    const OVDocumentLife& life;
+    const OVDocumentAudio& audio;
+    OVFramePositions& positions;
+    const OVFileOperation& operation;
+    OVDocumentSummaries& summaries;
+    const OVTransport& transport;
+    OVMarkerAndTime& markerAndTime;
+    OVProgressDisplay& progress;
+  };
+
+  explicit OVDisplayLoop(const Parts& parts) : parts_(parts) {}
+
+  void setView(const QPointer<OVWaveFormView>& view) { wfView_ = view; }
+
+  void start();
+  void end() { pollTimer_.reset(); }
+  [[nodiscard]] bool isRunning() const { return pollTimer_ != nullptr; }
+
+  /// The timer's tick.
+  void tick();
+  /// Rebuilds the waveform in the background, then all displays; with `regenerate` from scratch.
+  void refresh(bool regenerate);
+
+  /// The waveform of a file is being generated: the time shows how far it is.
+  [[nodiscard]] bool isRenderingWaveform() const { return isRenderingWaveform_; }
+  void setIsRenderingWaveform(bool rendering) { isRenderingWaveform_ = rendering; }
+
+  /// A recorded chunk of so many frames was written.
+  /// Threads: the writer's.
+  void chunkWritten(std::uint64_t frames) { _lastNumberOfFramesWritten = frames; }
+
+ private:
+  void updateRendering();
+  void updatePlayback();
+  void updateRecording();
+  void show(std::uint64_t markerFrame);
+  void refreshed();
+
+  const Parts parts_;
+  QPointer<OVWaveFormView> wfView_;
+  std::unique_ptr<platform::Timer> pollTimer_;
+  bool isRenderingWaveform_ = false;
+  // The writer's thread writes, the main thread reads: it stands for itself.
+  std::atomic<std::uint64_t> _lastNumberOfFramesWritten = 0;
+};

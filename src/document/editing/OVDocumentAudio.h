@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "platform/base/GuardedPointer.h"
+#include "storage/OVAudioBufferInterface.h"
+
+/// The audio of a document, and its lengths in frames, bytes and seconds. Without a buffer, which
+/// is missing where no temporary file could be made, every length is 0.
+///
+/// Threads: any, except where said. Real-time: not safe.
+class OVDocumentAudio {
+ public:
+  [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const { return buffer_.get(); }
+  /// Threads: main.
+  void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) { buffer_.set(std::move(buffer)); }
+
+  [[nodiscard]] std::uint64_t bytesPerFrame() const;
+  [[nodiscard]] std::uint64_t sizeInFrames() const;
+  [[nodiscard]] double secondsOfFrames(std::uint64_t frames) const;
+  /// 0 to 1 of the whole length; 0 for an empty buffer.
+  [[nodiscard]] double fractionOfFrames(std::uint64_t frames) const;
+
+ private:
+  platform::GuardedPointer<std::shared_ptr<OVAudioBufferInterface>> buffer_;
+};

@@ -1,0 +1,71 @@
+#include "document/files/OVDocumentFile.h"
+
+#include <filesystem>
+
+#include "audio/AudioFileFailure.h"
+#include "audio/OVFileKinds.h"
+#include "controls/OVRecorderWindow.h"
+
+using platform::localized;
+
+namespace {
+
+constexpr std::int32_t kUsualType = 0;  // WAV
+
+}  // namespace
+
+// Not one arg() for both: a name may hold the placeholder of the other.
+QString OVDocumentFile::titleWithName(const QString& name) {
+  return localized("Orvo") + QStringLiteral(" - ") + name;
+}
+
+void OVDocumentFile::connect(OVRecorderWindow* window) {
+  window_ = window;
+  forget();
+}
+
+void OVDocumentFile::take(const std::string& path, std::int32_t type) {
+  currentFilename_ = path;
+  currentFiletype_ = type;
+  if (window_) {
+    window_->setTitle(titleWithName(shownName()));
+  }
+}
+
+void OVDocumentFile::forget() {
+  currentFilename_.clear();
+  if (window_) {
+    window_->setTitle(titleWithName(shownName()));
+  }
+}
+
+QString OVDocumentFile::shownName() const {
+  return currentFilename_.empty() ? localized("Unnamed")
+                                  : QString::fromStdString(lastPathComponent(currentFilename_));
+}
+
+std::string OVDocumentFile::suggestedName() const {
+  return currentFilename_.empty() ? platform::localizedUtf8("Unnamed")
+                                  : nameWithoutSuffix(currentFilename_);
+}
+
+std::int32_t OVDocumentFile::suggestedType() const {
+  for (const std::int32_t type : {currentFiletype_, fileTypeOfPath(currentFilename_)}) {
+    if (fileKindOfType(type) != nullptr) {
+      return type;
+    }
+  }
+  return kUsualType;
+}
+
+bool OVDocumentFile::canBeSaved() const {
+  return !currentFilename_.empty() && fileKindOfType(currentFiletype_) != nullptr;
+}
+
+std::string OVDocumentFile::folder() const {
+  return std::filesystem::path(currentFilename_).parent_path().string();
+}
+
+QString sentenceWithName(platform::TextKey sentence, const std::string& path) {
+  return localized(sentence).arg(QString::fromStdString(shownFileName(path)));
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include <QPointer>
+#include <QString>
+
+#include "platform/mainloop/Localization.h"
+
+class OVRecorderWindow;
+
+/// The file that a document was opened from or saved to last, and the window's title, which names
+/// it.
+///
+/// Threads: main. Real-time: not safe.
+class OVDocumentFile {
+ public:
+  /// The title of a document of this name: the product's name and it.
+  [[nodiscard]] static QString titleWithName(const QString& name);
+
+  /// Sets the title of a document without a file. The window may be null.
+  void connect(OVRecorderWindow* window);
+
+  /// Path, empty for a new recording.
+  [[nodiscard]] const std::string& name() const { return currentFilename_; }
+  /// Leaves the title as it is.
+  void setName(std::string path) { currentFilename_ = std::move(path); }
+  /// Kind of file, -1 for none or unknown.
+  [[nodiscard]] std::int32_t type() const { return currentFiletype_; }
+  void setType(std::int32_t type) { currentFiletype_ = type; }
+
+  /// The document is this file from now on.
+  void take(const std::string& path, std::int32_t type);
+  /// The document is not what the file is.
+  void forget();
+
+  /// The file's name for people, "Unnamed" without one.
+  [[nodiscard]] QString shownName() const;
+  /// What a panel suggests, without suffix.
+  [[nodiscard]] std::string suggestedName() const;
+  /// The kind that a panel suggests: the file's own where it can be written, otherwise WAV.
+  [[nodiscard]] std::int32_t suggestedType() const;
+  /// Whether the file can be saved without asking where and as what.
+  [[nodiscard]] bool canBeSaved() const;
+  /// Path of its folder; empty without one.
+  [[nodiscard]] std::string folder() const;
+
+ private:
+  QPointer<OVRecorderWindow> window_;
+  std::string currentFilename_;
+  std::int32_t currentFiletype_ = -1;
+};
+
+/// A sentence about a file, "%1" of which is the file's name as people see it.
+[[nodiscard]] QString sentenceWithName(platform::TextKey sentence, const std::string& path);

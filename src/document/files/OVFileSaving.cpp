@@ -1,0 +1,256 @@
+#include "document/files/OVFileSaving.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QLabel>
+#include <QLocale>
+#include <QUrl>
+
+#include "audio/OVAudioFileWriter.h"
+#include "audio/OVFileKinds.h"
+#include "document/display/OVProgressDisplay.h"
+#include "document/editing/OVDocumentAudio.h"
+#include "document/editing/OVDocumentLife.h"
+#include "document/editing/OVEditHistory.h"
+#include "document/editing/OVFileOperation.h"
+#include "document/editing/OVFramePositions.h"
+#include "document/files/OVDocumentFile.h"
+#include "document/files/OVDocumentPanels.h"
+#include "document/files/OVSaveAccessory.h"
+#include "document/summaries/OVDocumentSummaries.h"
+#include "document/transport/OVTransport.h"
+#include "platform/base/ApplicationServices.h"
+#include "platform/desktop/DesktopServices.h"
+#include "platform/mainloop/FailureReason.h"
+#include "platform/mainloop/Localization.h"
+#include "platform/mainloop/MainQueue.h"
+
+using platform::localized;
+using platform::localizedUtf8;
+using platform::textKey;
+using State = OVFileOperation::State;
+
+namespace {
+
+constexpr std::int32_t kAacType = 3;  // what the file writer calls AAC
+constexpr const char* kRingtoneSuffix = "m4r";
+
+// The document keeps counting as unsaved.
+void tellGaps(const std::string& path, double seconds, bool saved) {
+  const QString gaps = localized("%1 seconds of the recording could not be read.")
+                           .arg(QLocale().toString(seconds, 'f', 2));
+  const QString outcome = localized(
+      saved
+          ? textKey("They are silent in the file.")
+          : textKey("The file that was there was kept. Save under another name to get the rest."));
+  ShowModalAlert(
+      sentenceWithName(saved ? textKey("%1 was saved with gaps") : textKey("%1 could not be saved"),
+                       path)
+          .toStdString(),
+      (gaps + QLatin1Char(' ') + outcome).toStdString());
+}
+
+}  // namespace
+
+OVFileSaving::OVFileSaving(const Parts& parts, std::function<void()> written,
+                           std::function<void()> failed)
+    : parts_(parts), written_(std::move(written)), failed_(std::move(failed)) {}
+
+// Save ------------------------------------------------------------------------------------------
+
+bool OVFileSaving::mayAsk() const {
+  return !parts_.operation.isActive() && !parts_.panels.isShown() && parts_.audio.buffer();
+}
+
+void OVFileSaving::save() {
+  if (!mayAsk()) {
+    return;
+  }
+  if (parts_.file.canBeSaved()) {
+    saveNamed(parts_.file.name(), parts_.file.type());
+  } else {
+    saveAs();
+  }
+}
+
+void OVFileSaving::saveAs() {
+  if (!mayAsk()) {
+    return;
+  }
+  const OVSaveAccessory accessory(parts_.file.suggestedType());
+  parts_.panels.save(
+      {.title = localized("Save As"),
+       .directory = parts_.file.folder(),
+       .suggestedName = parts_.file.suggestedName(),
+       .accessoryView = accessory.view(),
+       .acceptedSuffixes = [accessory] { return suffixesOfType(accessory.chosenType()); }},
+      [this, accessory](const std::optional<std::string>& path) {
+        if (path) {
+          saveNamed(*path, accessory.chosenType());
+        } else {
+          failed_();
+        }
+      });
+}
+
+void OVFileSaving::saveNamed(const std::string& path, std::int32_t withType) {
+  if (parts_.operation.isActive() || !parts_.audio.buffer() ||
+      fileKindOfType(withType) == nullptr) {
+    return;
+  }
+  start({.job = {.buffer = parts_.audio.buffer(),
+                 .path = path,
+                 .outputFormat = static_cast<std::uint32_t>(withType)},
+         .type = withType});
+}
+
+// Ringtone --------------------------------------------------------------------------------------
+
+void OVFileSaving::exportRingtone() {
+  if (!mayAsk()) {
+    return;
+  }
+  auto* const rule = new QLabel(
+      localized("A ringtone begins at the marker, or at the start when the marker is at the end, "
+                "and lasts at most %1 seconds.")
+          .arg(kRingtoneSeconds));
+  rule->setWordWrap(true);
+  parts_.panels.save({.title = localized("Export Ringtone"),
+                      .directory = parts_.file.folder(),
+                      .suggestedName = parts_.file.suggestedName(),
+                      .accessoryView = rule,
+                      .acceptedSuffixes = [] { return std::vector<std::string>{kRingtoneSuffix}; }},
+                     [this](const std::optional<std::string>& path) {
+                       if (path) {
+                         exportRingtoneTo(*path);
+                       }
+                     });
+}
+
+void OVFileSaving::exportRingtoneTo(const std::string& path) {
+  if (parts_.operation.isActive()) {
+    return;
+  }
+  shell_open_file_after_save_ = true;
+  start({.job = {.buffer = parts_.audio.buffer(),
+                 .path = path,
+                 .outputFormat = static_cast<std::uint32_t>(kAacType)},
+         .type = kAacType,
+         .isExport = true});
+}
+
+void OVFileSaving::openSavedFile() const {
+  if (!platform::desktopServices()->open(
+          QUrl::fromLocalFile(QString::fromStdString(last_saved_file_path_)))) {
+    ShowModalAlert(
+        localizedUtf8("The file was saved but could not be opened"),
+        sentenceWithName(textKey("No program was found that opens %1."), last_saved_file_path_)
+            .toStdString());
+  }
+}
+
+// The job ---------------------------------------------------------------------------------------
+
+void OVFileSaving::chooseStretch(Request& request) const {
+  const std::uint64_t length = parts_.audio.sizeInFrames();
+  request.job.fromFrame = 0;
+  request.job.frameCount = length;
+  if (request.isExport) {
+    const std::uint64_t marker = parts_.positions.playback();
+    const auto longest =
+        static_cast<std::uint64_t>(kRingtoneSeconds * request.job.buffer->format().mSampleRate);
+    request.job.fromFrame = marker < length ? marker : 0;
+    request.job.frameCount = std::min(length - request.job.fromFrame, longest);
+  }
+}
+
+void OVFileSaving::start(Request request) {
+  chooseStretch(request);
+  if (const auto refusal = refusalOf(request)) {
+    shell_open_file_after_save_ = false;
+    failed_();
+    tellSaveFailed(request.job.path, *refusal);
+    return;
+  }
+  parts_.transport.pauseIfRunning();
+  chooseStretch(request);  // what was recorded up to now is saved too
+  parts_.progress.begin(request.isExport ? textKey("Exporting") : textKey("Saving"));
+  parts_.operation.begin(request.isExport ? State::exporting : State::saving);
+  auto show = parts_.life.guarded(
+      [progress = &parts_.progress](double fraction) { progress->setValue(fraction); });
+  auto done = parts_.life.guarded(
+      [this, request](const OVSaveJob::Outcome& outcome) { ended(request, outcome); });
+  platform::globalQueue().async(
+      [job = request.job, show = std::move(show), done = std::move(done)] {
+        const auto outcome = OVSaveJob::run(job, [&show](double fraction) {
+          platform::mainQueue().async([show, fraction] { show(fraction); });
+        });
+        platform::mainQueue().async([done, outcome] { done(outcome); });
+      });
+}
+
+// What can be known before anything is written.
+std::optional<std::string> OVFileSaving::refusalOf(const Request& request) {
+  const auto most = OVAudioFileWriter::maximumFrames(request.job.outputFormat);
+  if (most && request.job.frameCount > *most) {
+    return localized("The recording is too long for a file of the type %1. Choose another type.")
+        .arg(localized(fileKindOfType(request.type)->title))
+        .toStdString();
+  }
+  if (request.type == kAacType && request.job.frameCount == 0) {
+    return localizedUtf8("An AAC file cannot be empty. Record something first.");
+  }
+  return std::nullopt;
+}
+
+void OVFileSaving::ended(const Request& request, const OVSaveJob::Outcome& outcome) {
+  if (outcome.complete) {
+    last_saved_file_path_ = request.job.path;
+    if (!request.isExport) {
+      parts_.file.take(request.job.path, request.type);
+      parts_.history.fileReplaced();
+    }
+    if (outcome.unreadableFrames == 0) {
+      written_();
+      return;
+    }
+  }
+  shell_open_file_after_save_ = false;
+  endOperation();
+  failed_();
+  if (outcome.error != 0) {
+    tellSaveFailed(request.job.path, platform::failureReason(outcome.error));
+  } else if (!outcome.told) {
+    tellGaps(request.job.path, parts_.audio.secondsOfFrames(outcome.unreadableFrames),
+             outcome.complete);
+  }
+}
+
+void OVFileSaving::complete() {
+  const bool isExport = parts_.operation.state() == State::exporting;
+  if (!isExport) {
+    parts_.history.saved();
+  }
+  endOperation();
+  if (!isExport) {
+    parts_.transport.stop();
+  }
+  if (std::exchange(shell_open_file_after_save_, false)) {
+    const platform::PostedAlertsScope afterwards;  // no main loop runs before the window closes
+    openSavedFile();
+  }
+}
+
+void OVFileSaving::endOperation() {
+  parts_.progress.end();
+  if (parts_.summaries.isRefreshing()) {
+    // Of an edit before a save that was the quicker of the two.
+    parts_.progress.begin(textKey("Drawing the waveform"), true);
+  }
+  parts_.operation.end();
+}
+
+void tellSaveFailed(const std::string& path, const std::string& reason) {
+  ShowModalAlert(sentenceWithName(textKey("%1 could not be saved"), path).toStdString(), reason);
+}

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "document/files/OVSaveJob.h"
+
+class OVDocumentAudio;
+class OVDocumentFile;
+class OVDocumentLife;
+class OVDocumentPanels;
+class OVDocumentSummaries;
+class OVEditHistory;
+class OVFileOperation;
+class OVFramePositions;
+class OVProgressDisplay;
+class OVTransport;
+
+/// Saving the document, and exporting a stretch of it as a ringtone, on the global queue.
+///
+/// Threads: main. Real-time: not safe.
+class OVFileSaving {
+ public:
+  /// The parts of the document that it works on; they outlive it.
+  struct Parts {
+    const OVDocumentLife& life;
+    OVDocumentAudio& audio;
+    OVFramePositions& positions;
+    OVDocumentSummaries& summaries;
+    OVEditHistory& history;
+    OVFileOperation& operation;
+    OVTransport& transport;
+    OVDocumentFile& file;
+    OVDocumentPanels& panels;
+    OVProgressDisplay& progress;
+  };
+
+  /// Longest ringtone, in seconds: phones take no longer ones.
+  static constexpr double kRingtoneSeconds = 40.0;
+
+  /// `written` is called when everything was written, `failed` when a save or an export ended in
+  /// another way, a cancelled panel included.
+  OVFileSaving(const Parts& parts, std::function<void()> written, std::function<void()> failed);
+
+  /// Saves to the document's file in its kind; asks where for a document that has none. Nothing
+  /// while a file operation runs or a panel is shown; the same of saveAs() and exportRingtone().
+  void save();
+  void saveAs();
+  /// `withType` is a kind of the file writer, 0 to 3.
+  void saveNamed(const std::string& path, std::int32_t withType);
+  /// Asks where and writes at most kRingtoneSeconds from the marker, or from the start when the
+  /// marker is at the end, as AAC in an .m4r file; complete() then opens it with the desktop's
+  /// program.
+  void exportRingtone();
+
+  /// Ends the file operation after everything was written. After a save the document is stopped
+  /// and no longer edited; an export touches neither.
+  void complete();
+
+ private:
+  struct Request {
+    OVSaveJob::Request job;
+    std::int32_t type = -1;
+    bool isExport = false;
+  };
+
+  [[nodiscard]] bool mayAsk() const;
+  void exportRingtoneTo(const std::string& path);
+  [[nodiscard]] static std::optional<std::string> refusalOf(const Request& request);
+  void chooseStretch(Request& request) const;
+  void start(Request request);
+  void ended(const Request& request, const OVSaveJob::Outcome& outcome);
+  void endOperation();
+  void openSavedFile() const;
+
+  const Parts parts_;
+  const std::function<void()> written_;
+  const std::function<void()> failed_;
+  bool shell_open_file_after_save_ = false;
+  std::string last_saved_file_path_;
+};
+
+/// Reports a file that could not be written, with the reason in a sentence.
+void tellSaveFailed(const std::string& path, const std::string& reason);

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QPointer>
+
+#include "waveform/views/OVWaveFormView.h"
+
+class OVDocumentFile;
+class OVDocumentPanels;
+
+/// Asks where, and writes the view's picture as PNG, in the screen's own pixels, on the global
+/// queue. Nothing without a view.
+///
+/// Threads: main. Real-time: not safe.
+void exportWaveformPicture(const QPointer<OVWaveFormView>& view, OVDocumentPanels& panels,
+                           const OVDocumentFile& file);

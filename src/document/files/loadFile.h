@@ -1,0 +1,37 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "platform/base/AudioTypes.h"
+#include "storage/OVAudioBufferInterface.h"
+
+class OVAudioFileReader;
+
+/// Frames read and written at a time: six seconds.
+inline constexpr std::uint64_t kLoadChunkFrames = platform::kFileChunkFrames;
+
+struct LoadRequest {
+  std::shared_ptr<OVAudioBufferInterface> buffer;
+  std::uint64_t atByteOffset = 0;
+  /// Set by any thread: loading ends at the next chunk.
+  std::shared_ptr<const std::atomic<bool>> cancelled;
+  /// The errno of a write that storage could not take since the last call, 0 for none.
+  std::function<int()> takeWriteError;
+  /// After each chunk: the offset after it, and the chunk's share of the whole, which may exceed 1
+  /// and is an estimate.
+  std::function<void(std::uint64_t byteOffset, double step)> progress;
+};
+
+struct LoadOutcome {
+  std::uint64_t endOffset = 0;  ///< after the last byte that storage has taken
+  int writeError = 0;           ///< errno; 0 when everything that was read is stored
+};
+
+/// Copies an audio file into a buffer, chunk by chunk, and closes the reader. Frames are stored as
+/// the reader delivers them: two channels of four bytes, whatever the buffer's format.
+///
+/// Threads: any one. Real-time: not safe.
+[[nodiscard]] LoadOutcome loadFile(OVAudioFileReader& reader, const LoadRequest& request);

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include <QPointer>
+
+#include "controls/OVFocusKeeper.h"
+#include "document/transport/OVTransport.h"
+
+class OVRecorderWindow;
+class OVTransportButton;
+class QWidget;
+
+/// The six transport buttons of a window, any of which may be missing, and the waveform view as far
+/// as it is operated: they show what the transport does.
+///
+///              recButton     playButton     the others, waveform
+///   resting    enabled, off  enabled, off   enabled
+///   recording  enabled, on   disabled       enabled
+///   playing    disabled      enabled, on    enabled
+///   file       disabled      disabled       disabled
+///
+/// Threads: main. Real-time: not safe.
+class OVTransportControls {
+ public:
+  enum Button : std::uint8_t { rec, play, prev, next, stop, pause };
+  static constexpr std::size_t kButtonCount = 6;
+
+  /// Finds the buttons and the waveform by their names in the window and gives them their pictures.
+  /// `action` is called with the button that was pressed, while `target` is there.
+  void connect(OVRecorderWindow* window, const std::weak_ptr<void>& target,
+               std::function<void(Button, OVTransportButton*)> action);
+
+  /// `available` is false while a file operation runs.
+  void show(OVTransportState state, bool available);
+
+  [[nodiscard]] OVTransportButton* button(Button button) const;
+  [[nodiscard]] bool isEnabled(Button button) const;
+  [[nodiscard]] bool isOn(Button button) const;
+  void setOn(Button button, bool on);
+
+  /// Shows the button pressed, a switch in its other state; release() ends that. The command is the
+  /// caller's.
+  void press(Button button);
+  void release(Button button);
+  /// The press comes to nothing: the button shows what it stands for again.
+  void cancelPress(Button button);
+  [[nodiscard]] bool isPressed(Button button) const;
+
+ private:
+  [[nodiscard]] bool isSwitch(Button button) const { return button == rec || button == play; }
+  [[nodiscard]] bool standsFor(Button button) const;
+  void showButton(Button button, bool enabled);
+  [[nodiscard]] std::array<QWidget*, kButtonCount + 1> all() const;
+
+  QPointer<OVRecorderWindow> window_;
+  std::array<QPointer<OVTransportButton>, kButtonCount> buttons_;
+  QPointer<QWidget> waveform_;
+  OVTransportState state_ = OVTransportState::resting;
+  OVFocusKeeper focusKeeper_;  // for the controls that a file operation disables
+};

@@ -1,0 +1,42 @@
+#include "document/files/OVDocumentFile.h"
+
+#include <gtest/gtest.h>
+
+#include "controls/OVRecorderWindow.h"
+
+TEST(OVDocumentFile, ANewDocumentHasNoFileAndIsCalledUnnamed) {
+  OVRecorderWindow window;
+  OVDocumentFile file;
+  file.connect(&window);
+  EXPECT_EQ(window.title(), "Orvo - Unnamed");
+  EXPECT_TRUE(file.name().empty());
+  EXPECT_EQ(file.type(), -1);
+  EXPECT_EQ(file.suggestedName(), "Unnamed");
+  EXPECT_EQ(file.suggestedType(), 0);
+  EXPECT_FALSE(file.canBeSaved());
+  EXPECT_TRUE(file.folder().empty());
+}
+
+TEST(OVDocumentFile, TheTitleNamesTheFileAlsoOneThatLooksLikeAPlaceholder) {
+  OVRecorderWindow window;
+  OVDocumentFile file;
+  file.connect(&window);
+  file.take("/music/take %1 %2.aif", 1);
+  EXPECT_EQ(window.title(), "Orvo - take %1 %2.aif");
+  EXPECT_EQ(file.suggestedName(), "take %1 %2");
+  EXPECT_EQ(file.suggestedType(), 1);
+  EXPECT_TRUE(file.canBeSaved());
+  EXPECT_EQ(file.folder(), "/music");
+  file.forget();
+  EXPECT_EQ(window.title(), "Orvo - Unnamed");
+  EXPECT_FALSE(file.canBeSaved());
+}
+
+TEST(OVDocumentFile, AnOpenedFileIsOfferedInItsOwnKindWhereThatCanBeWritten) {
+  OVDocumentFile file;
+  file.setName("/music/take.CAF");
+  EXPECT_EQ(file.suggestedType(), 2);
+  EXPECT_FALSE(file.canBeSaved());  // its type is not settled yet
+  file.setName("/music/take.mp3");
+  EXPECT_EQ(file.suggestedType(), 0);
+}

@@ -1,0 +1,79 @@
+#include "document/files/loadFile.h"
+
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "audio/OVAudioFileReader.h"
+#include "storage/OVAudioBuffer.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/fakes/TestUserAudioFiles.h"
+#include "support/programs/AudioFileTools.h"
+
+namespace {
+
+using testing::DoubleNear;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class LoadFileTest : public testing::Test {
+ protected:
+  std::shared_ptr<OVAudioFileReader> reader(std::size_t frames) {
+    storage_.setBytes(support::wavBytes(44100, 2, 16, std::string(4 * frames, 'x')));
+    auto opened = OVAudioFileReader::initWithFile("a.wav", cancelled_);
+    EXPECT_NE(opened, nullptr);
+    return opened;
+  }
+
+  LoadOutcome run(std::size_t frames) {
+    return loadFile(*reader(frames), {.buffer = buffer_,
+                                      .atByteOffset = 80,
+                                      .cancelled = cancelled_,
+                                      .takeWriteError = [this] { return writeError_; },
+                                      .progress =
+                                          [this](std::uint64_t byteOffset, double step) {
+                                            offsets_.push_back(byteOffset);
+                                            steps_.push_back(step);
+                                            if (offsets_.size() == cancelAfter_) {
+                                              cancelled_->store(true);
+                                            }
+                                          }});
+  }
+
+  support::InstalledRecordingServices services_;
+  support::TestUserAudioFiles storage_;
+  platform::Installed<platform::UserAudioFiles>::Scope installation_{storage_};
+  std::shared_ptr<OVAudioBufferInterface> buffer_ = OVAudioBuffer::init();
+  std::shared_ptr<std::atomic<bool>> cancelled_ = std::make_shared<std::atomic<bool>>(false);
+  int writeError_ = 0;
+  std::size_t cancelAfter_ = 0;
+  std::vector<std::uint64_t> offsets_;
+  std::vector<double> steps_;
+};
+
+TEST_F(LoadFileTest, AFileShorterThanAChunkIsOneStepOfMoreThanTheWholeBar) {
+  EXPECT_EQ(run(1000).endOffset, 80 + 8 * 1000U);
+  EXPECT_THAT(offsets_, ElementsAre(80 + 8 * 1000U));
+  EXPECT_THAT(steps_, ElementsAre(DoubleNear(264.6, 1e-9)));
+}
+
+TEST_F(LoadFileTest, AnEmptyFileIsNoStep) {
+  EXPECT_EQ(run(0).endOffset, 80U);
+  EXPECT_THAT(steps_, IsEmpty());
+}
+
+TEST_F(LoadFileTest, ACancelEndsItBehindTheChunkThatIsStored) {
+  cancelAfter_ = 1;
+  EXPECT_EQ(run(3 * kLoadChunkFrames).endOffset, 80 + 8 * kLoadChunkFrames);
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+TEST_F(LoadFileTest, AChunkThatStorageDidNotTakeIsNotCounted) {
+  writeError_ = ENOSPC;
+  const auto outcome = run(2 * kLoadChunkFrames);
+  EXPECT_EQ(outcome.endOffset, 80U);
+  EXPECT_EQ(outcome.writeError, ENOSPC);
+  EXPECT_THAT(offsets_, IsEmpty());
+}
+
+}  // namespace
