@@ -87,7 +87,8 @@ bool isPosixHeader(const std::string& name) {
 bool mayIncludePosix(const std::string& path, const std::string& header) {
   static const std::map<std::string, std::set<std::string>> exceptions{
       {"platform/base", {"dlfcn.h"}},       // libraries that are loaded late
-      {"platform/sound", {"semaphore.h"}},  // the wake-up that the device's thread posts
+      // the wake-up that the device's thread posts
+      {"platform/sound", {"linux/futex.h", "linux/time_types.h", "sys/syscall.h", "unistd.h"}},
       {"platform/desktop", {"fcntl.h", "sys/stat.h", "unistd.h"}},  // the list of recent files
   };
   const std::string room = roomOf(path);

@@ -27,12 +27,8 @@ TEST(LateAudioDeviceTest, OfAMissingModuleIsLoggedOnceAndUnavailableEveryTime) {
   for (int i = 0; i < 2; ++i) {
     NoInput input;
     NoOutput output;
-    AudioStatus status = kAudioStatusOk;
-    EXPECT_EQ(device->openInput(input, status), nullptr);
-    EXPECT_EQ(status, kDeviceUnavailableStatus);
-    status = kAudioStatusOk;
-    EXPECT_EQ(device->openOutput(output, status), nullptr);
-    EXPECT_EQ(status, kDeviceUnavailableStatus);
+    EXPECT_EQ(device->openInput(input).error(), kDeviceUnavailableStatus);
+    EXPECT_EQ(device->openOutput(output).error(), kDeviceUnavailableStatus);
   }
   EXPECT_THAT(services->consoleLines(), ElementsAre(HasSubstr("orvo-there-is-none")));
 }
