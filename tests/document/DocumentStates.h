@@ -10,11 +10,11 @@
 
 #include <gtest/gtest.h>
 
-#include "audio/Gate.h"
+#include "support/Gate.h"
 #include "audio/OVAQPlayer.h"
 #include "audio/OVAQRecorder.h"
 #include "audio/OVAudioFileWriter.h"
-#include "audio/SteppedAudioQueues.h"
+#include "support/fakes/SteppedAudioQueues.h"
 #include "controls/OVRecorderWindow.h"
 #include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
@@ -90,7 +90,7 @@ class StateKeeper {
   static constexpr std::uint64_t kPrimedFrames = 3 * 1024;  // read ahead when playback begins
   static constexpr std::uint64_t kFileFrames = 20'000;
 
-  StateKeeper(support::InstalledScriptedPanels& panels, testaudio::InstalledSteppedQueues& queues)
+  StateKeeper(support::InstalledScriptedPanels& panels, support::InstalledSteppedQueues& queues)
       : panels_(panels), queues_(queues) {
     const auto writer = OVAudioFileWriter::initWithFile(otherFile(), OVAudioFileWriter::kWave);
     const std::vector<float> samples(2 * kFileFrames, 0.5F);
@@ -296,9 +296,9 @@ class StateKeeper {
   };
 
   support::InstalledScriptedPanels& panels_;
-  testaudio::InstalledSteppedQueues& queues_;
+  support::InstalledSteppedQueues& queues_;
   support::TemporaryFolder folder_;
-  testaudio::Gate gate_;
+  support::Gate gate_;
   support::FailingTemporaryFiles temporaryFiles_;
   platform::Installed<platform::TemporaryFiles>::Scope temporaryFilesInstallation_{temporaryFiles_};
   std::optional<SlowMedium> medium_;

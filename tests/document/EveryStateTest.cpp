@@ -206,7 +206,7 @@ class EveryStateTest : public testing::TestWithParam<std::tuple<State, Command>>
   }
 
   support::InstalledRecordingServices services_;
-  testaudio::InstalledSteppedQueues queues_;
+  support::InstalledSteppedQueues queues_;
   support::InstalledScriptedPanels panels_;
   support::RecordingDesktop desktop_;
   StateKeeper keeper_{panels_, queues_};

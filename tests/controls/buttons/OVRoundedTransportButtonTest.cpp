@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ControlsWindow.h"
+#include "controls/ControlsWindow.h"
 #include "controls/buttons/OVTransportArtwork.h"
 #include "support/Pixels.h"
 

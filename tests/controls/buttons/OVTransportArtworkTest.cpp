@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "BezelModel.h"
+#include "controls/BezelModel.h"
 #include "support/Pixels.h"
 
 namespace {

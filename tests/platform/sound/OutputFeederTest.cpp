@@ -12,8 +12,7 @@ namespace {
 class OutputFeederTest : public testing::Test {
  protected:
   AudioQueueBuffer* push(std::uint64_t first, std::uint32_t frames) {
-    AudioQueueBuffer* buffer = nullptr;
-    EXPECT_EQ(buffers_.allocate(std::max(frames, 1U) * 8, buffer), kAudioStatusOk);
+    AudioQueueBuffer* const buffer = *buffers_.allocate(std::max(frames, 1U) * 8);
     const auto samples = ramp(first, frames);
     std::copy(samples.begin(), samples.end(), reinterpret_cast<float*>(buffer->mAudioData));
     buffer->mAudioDataByteSize = frames * 8;
@@ -115,8 +114,7 @@ TEST_F(OutputFeederTest, ClosingWhileTheDeviceAsksLetsTheBuffersGo) {
   for (int round = 0; round < 200; ++round) {
     auto feeder = std::make_unique<OutputFeeder>();
     QueueBuffers buffers;
-    AudioQueueBuffer* buffer = nullptr;
-    ASSERT_EQ(buffers.allocate(80000, buffer), kAudioStatusOk);
+    AudioQueueBuffer* const buffer = *buffers.allocate(80000);
     buffer->mAudioDataByteSize = 80000;
     feeder->push(buffer);
     std::atomic<bool> stop{false};
