@@ -241,7 +241,7 @@ Un enregistreur audio et éditeur simple.</translation>
     </message>
     <message>
         <source>A panel of “%1” is open. Answer it first, then quit again.</source>
-        <translation>Une boîte de dialogue de « %1 » est ouverte. Répondez-y d’abord, puis quittez à nouveau.</translation>
+        <translation>Une boîte de dialogue de « %1 » est ouverte. Répondez-y d’abord, puis quittez à nouveau.</translation>
     </message>
     <message>
         <source>Open</source>

@@ -5,8 +5,8 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
       loading({life, audio, positions, *summaries, history, operation, transport, file, panels,
                progress, markerAndTime, displayLoop},
               operations.loading),
-      saving({life, audio, positions, *summaries, history, operation, transport, file, panels,
-              progress},
+      saving({life, audio, positions, history, operation, transport, file, panels, progress,
+              displayLoop},
              operations.fileSavingComplete, [this] { unsavedChanges.saveFailed(); }),
       unsavedChanges({operation, history, file, transport, panels}, operations.saveFile,
                      operations.alertDidEnd) {}

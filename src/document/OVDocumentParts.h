@@ -32,7 +32,7 @@ struct OVDocumentParts {
     std::function<void(OVTransportControls::Button)> menuCommand;
     OVFileLoading::Callbacks loading;
     std::function<void()> fileSavingComplete;
-    std::function<void()> saveFile;
+    std::function<bool()> saveFile;  ///< false if nothing was begun
     std::function<void(int)> alertDidEnd;
   };
 

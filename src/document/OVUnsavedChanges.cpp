@@ -15,7 +15,7 @@
 
 using platform::localized;
 
-OVUnsavedChanges::OVUnsavedChanges(const Parts& parts, std::function<void()> save,
+OVUnsavedChanges::OVUnsavedChanges(const Parts& parts, std::function<bool()> save,
                                    std::function<void(int)> answered)
     : parts_(parts), save_(std::move(save)), answered_(std::move(answered)) {}
 
@@ -33,7 +33,7 @@ bool OVUnsavedChanges::mayClose() {
   if (state_ == State::savePending) {
     return false;
   }
-  if (!parts_.history.isEdited()) {
+  if (state_ == State::idle && !parts_.history.isEdited()) {
     return true;
   }
   bringToFront();
@@ -88,7 +88,8 @@ void OVUnsavedChanges::ask() {
 void OVUnsavedChanges::answer(int returnCode) {
   switch (returnCode) {
     case kCancelClosing:
-      saveFailed();
+      state_ = State::idle;
+      platform::applicationServices()->cancelTermination();
       return;
     case kDontSave:
       state_ = State::confirmed;
@@ -96,7 +97,7 @@ void OVUnsavedChanges::answer(int returnCode) {
       return;
     case kSave:
       state_ = State::savePending;
-      save_();  // begins when a load that runs has ended
+      save();
       return;
     default:
       std::fprintf(stderr, "Unknown button return: %i\n", returnCode);
@@ -106,7 +107,14 @@ void OVUnsavedChanges::answer(int returnCode) {
 
 void OVUnsavedChanges::loadEnded() {
   if (state_ == State::savePending) {
-    save_();
+    save();
+  }
+}
+
+// One that a running load keeps from beginning is begun when that has ended.
+void OVUnsavedChanges::save() {
+  if (!save_() && !parts_.operation.isActive()) {
+    saveFailed();
   }
 }
 
@@ -118,7 +126,9 @@ void OVUnsavedChanges::written(bool saved) {
 }
 
 void OVUnsavedChanges::saveFailed() {
-  state_ = State::idle;
+  if (state_ == State::savePending) {
+    state_ = State::idle;
+  }
   platform::applicationServices()->cancelTermination();
 }
 

@@ -41,8 +41,9 @@ class OVUnsavedChanges {
     OVDocumentPanels& panels;
   };
 
-  /// `save` is the document's command; `answered` gets the answer and calls answer() with it.
-  OVUnsavedChanges(const Parts& parts, std::function<void()> save,
+  /// `save` is the document's command, false if it began nothing; `answered` gets the answer and
+  /// calls answer() with it.
+  OVUnsavedChanges(const Parts& parts, std::function<bool()> save,
                    std::function<void(int)> answered);
 
   void setWindow(OVRecorderWindow* window);
@@ -63,12 +64,13 @@ class OVUnsavedChanges {
 
  private:
   void bringToFront();
+  void save();
   void ask();
   void sayThatAPanelIsOpen() const;
   void closeWindow();
 
   const Parts parts_;
-  const std::function<void()> save_;
+  const std::function<bool()> save_;
   const std::function<void(int)> answered_;
   QPointer<OVRecorderWindow> window_;
   State state_ = State::idle;

@@ -46,7 +46,7 @@ VLRecorderWindowController::VLRecorderWindowController(OVRecorderWindow* window)
                           .drawn = [this] { fileLoadingReallyComplete(); },
                           .ended = [this] { parts_.unsavedChanges.loadEnded(); }},
               .fileSavingComplete = [this] { fileSavingComplete(); },
-              .saveFile = [this] { saveFile(nullptr); },
+              .saveFile = [this] { return parts_.saving.save(); },
               .alertDidEnd = [this](int returnCode) { alertDidEnd(returnCode); }}),
       window_(window) {}
 
@@ -185,6 +185,13 @@ void VLRecorderWindowController::playButton(OVTransportButton* sender) {
   }
 }
 
+// Disabled while a file operation runs.
+void VLRecorderWindowController::move(void (OVTransport::*command)()) {
+  if (!isFileIOActive()) {
+    (parts_.transport.*command)();
+  }
+}
+
 void VLRecorderWindowController::menuCommand(Button button) {
   if (!parts_.controls.isEnabled(button)) {
     return;
@@ -270,6 +277,12 @@ void VLRecorderWindowController::reverseBuffer(QObject*) {
   parts_.history.registerInverse([this] { reverseBuffer(nullptr); }, textKey("Reverse Audio"));
 }
 
+void VLRecorderWindowController::exchangeHistory(bool (OVEditHistory::*operation)()) {
+  if (!isFileIOActive()) {
+    refreshCompleteUI((parts_.history.*operation)());
+  }
+}
+
 void VLRecorderWindowController::undoCommand() {
   if (validateMenuItem(MenuAction::undo)) {
     runHistoryCommand(&platform::UndoManager::undo);
@@ -332,7 +345,8 @@ void VLRecorderWindowController::waveFormViewReceivedDrag(OVWaveFormView*, QPoin
 }
 
 double VLRecorderWindowController::waveFormViewTimeLinePosition(OVWaveFormView*) {
-  return parts_.audio.fractionOfFrames(playbackPosition());
+  const bool recording = parts_.transport.isRecording();
+  return parts_.audio.fractionOfFrames(recording ? recordingPosition() : playbackPosition());
 }
 
 void VLRecorderWindowController::moveToTimeLinePosition(double fraction) {
@@ -421,12 +435,17 @@ void VLRecorderWindowController::removeTempFile(const std::string& path) {
 void VLRecorderWindowController::audioBufferDidWriteData(const void* data,
                                                          std::uint64_t atByteOffset,
                                                          std::uint32_t withSize) {
-  if (!parts_.transport.chunkWritten(atByteOffset, withSize)) {
+  const auto recorder = parts_.transport.runningRecorder();
+  if (!recorder) {
     return;
   }
+  const std::uint64_t frameSize = parts_.audio.bytesPerFrame();
+  const std::uint64_t position = (atByteOffset + withSize) / frameSize;
   parts_.fft_data.capture(data, withSize);
-  parts_.displayLoop.chunkWritten(withSize / parts_.audio.bytesPerFrame());
-  parts_.summaries->chunkWritten(static_cast<const float*>(data), withSize, recordingPosition());
+  parts_.transport.recordedUpTo(position);
+  parts_.displayLoop.chunkWritten(withSize / frameSize);
+  parts_.summaries->chunkWritten(static_cast<const float*>(data), withSize, position);
+  parts_.transport.writeFailures()->chunkWritten(recorder, atByteOffset, withSize);
 }
 
 std::shared_ptr<platform::UndoManager> VLRecorderWindowController::windowWillReturnUndoManager()

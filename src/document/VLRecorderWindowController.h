@@ -62,9 +62,9 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void recButton(OVTransportButton* sender);
   void playButton(OVTransportButton* sender);
   void pauseButton(OVTransportButton*) { parts_.transport.pause(); }
-  void stopButton(OVTransportButton*) { parts_.transport.stop(); }
-  void prevButton(OVTransportButton*) { parts_.transport.toStart(); }
-  void nextButton(OVTransportButton*) { parts_.transport.toEnd(); }
+  void stopButton(OVTransportButton*) { move(&OVTransport::stop); }
+  void prevButton(OVTransportButton*) { move(&OVTransport::toStart); }
+  void nextButton(OVTransportButton*) { move(&OVTransport::toEnd); }
 
   /// Menu commands: the buttons' actions where the buttons are enabled. pauseMenu does nothing.
   void recMenu(QObject*) { menuCommand(Button::rec); }
@@ -80,8 +80,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void removeBeforeMarker(QObject* sender);
   void reverseBuffer(QObject* sender);
   /// What the undo manager calls.
-  void undo(QObject*) { refreshCompleteUI(parts_.history.undo()); }
-  void redo(QObject*) { refreshCompleteUI(parts_.history.redo()); }
+  void undo(QObject*) { exchangeHistory(&OVEditHistory::undo); }
+  void redo(QObject*) { exchangeHistory(&OVEditHistory::redo); }
   /// The Undo and Redo commands of menu and keys: pause what runs, then ask the undo manager.
   void undoCommand();
   void redoCommand();
@@ -121,8 +121,12 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   [[nodiscard]] std::uint64_t lastPlaybackPosition() const;
   void setLastPlaybackPosition(std::uint64_t frames);
-  [[nodiscard]] bool isRenderingWaveform() const { return parts_.displayLoop.isRenderingWaveform(); }
-  void setIsRenderingWaveform(bool rendering) { parts_.displayLoop.setIsRenderingWaveform(rendering); }
+  [[nodiscard]] bool isRenderingWaveform() const {
+    return parts_.displayLoop.isRenderingWaveform();
+  }
+  void setIsRenderingWaveform(bool rendering) {
+    parts_.displayLoop.setIsRenderingWaveform(rendering);
+  }
   [[nodiscard]] QProgressBar* loadingIndicator() const;
   void recreateIndicator(bool indeterminate,
                          platform::TextKey activity = platform::textKey("Progress"));
@@ -146,13 +150,15 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void openFileNamed(const std::string& path) { parts_.loading.open(path); }
   /// Asks for a file and writes it into the document at the recording position, undoably.
   void importFile(QObject*) { parts_.loading.chooseImport(); }
-  void fileLoadingComplete() { parts_.loading.drawWaveform(); }        ///< after the last chunk
+  void fileLoadingComplete() { parts_.loading.drawWaveform(); }    ///< after the last chunk
   void fileLoadingReallyComplete() { parts_.loading.complete(); }  ///< after the waveform
 
   void saveFile(QObject*) { parts_.saving.save(); }
   void saveFileAs(QObject*) { parts_.saving.saveAs(); }
   /// `withType` is a kind of the file writer, 0 to 3.
-  void saveFileNamed(const std::string& path, std::int32_t withType) { parts_.saving.saveNamed(path, withType); }
+  void saveFileNamed(const std::string& path, std::int32_t withType) {
+    parts_.saving.saveNamed(path, withType);
+  }
   void fileSavingComplete();  ///< after a save or an export that wrote everything
   void exportRingtone(QObject*) { parts_.saving.exportRingtone(); }
   void dumpWaveform(QObject* sender);
@@ -222,6 +228,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void connectViews();
   void press(Button button, OVTransportButton* sender);
   void menuCommand(Button button);
+  void move(void (OVTransport::*command)());
+  void exchangeHistory(bool (OVEditHistory::*operation)());
   void transportChanged();
   void operationChanged();
   void showTransport();

@@ -192,7 +192,7 @@ TEST_P(TranslatedWindowTest, EveryMenuItemIsTheTranslationOfItsName) {
       }
     }
   }
-  EXPECT_EQ(items, 26);
+  EXPECT_EQ(items, 24);
 }
 
 TEST_P(TranslatedWindowTest, UndoNamesTheAction) {
@@ -327,7 +327,9 @@ TEST(TranslatedWindowListTest, EveryLanguageThatThereIsIsTested) {
   }
   std::set<std::string> tested;
   for (const auto& [language, texts] : kExpected) {
-    tested.insert(language);
+    if (!language.empty()) {  // English needs no file
+      tested.insert(language);
+    }
   }
   EXPECT_EQ(tested, languages);
 }

@@ -30,7 +30,11 @@ const std::vector<std::string> kEnglishOnly{
     // The name of a call that failed, in the alert about it.
     "AudioQueueStart failed",
     // In a line of the console.
-    "It is longer than "};
+    "It is longer than ", "further messages about this file are left out",
+    "No sound system could be reached (%d)",
+    "No sound %s could be opened through \"%s\" (%d)%s", "; no sound server was found",
+    // The name of a lock in the compiler's warnings.
+    "waveform summary"};
 
 bool isEnglishOnly(const std::string& complaint) {
   return std::any_of(kEnglishOnly.begin(), kEnglishOnly.end(), [&](const std::string& text) {

@@ -81,6 +81,13 @@ void OVDisplayLoop::refresh(bool regenerate) {
   parts_.summaries.refresh(regenerate, parts_.life.guarded([this] { refreshed(); }));
 }
 
+void OVDisplayLoop::endProgress() {
+  parts_.progress.end();
+  if (parts_.summaries.isRefreshing()) {
+    parts_.progress.begin(platform::textKey("Drawing the waveform"), true);
+  }
+}
+
 void OVDisplayLoop::refreshed() {
   parts_.summaries.show();
   parts_.markerAndTime.showTime(parts_.positions.playback(), true);

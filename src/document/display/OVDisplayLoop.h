@@ -49,6 +49,10 @@ class OVDisplayLoop {
   /// Rebuilds the waveform in the background, then all displays; with `regenerate` from scratch.
   void refresh(bool regenerate);
 
+  /// A file operation's progress ends: the bar goes, or shows the refresh of an edit that the
+  /// operation has not outlasted.
+  void endProgress();
+
   /// The waveform of a file is being generated: the time shows how far it is.
   [[nodiscard]] bool isRenderingWaveform() const { return isRenderingWaveform_; }
   void setIsRenderingWaveform(bool rendering) { isRenderingWaveform_ = rendering; }

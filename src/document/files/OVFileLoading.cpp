@@ -98,7 +98,7 @@ void OVFileLoading::beginImport(const std::string& path,
     return;
   }
   if (!reader) {
-    parts_.progress.end();
+    parts_.displayLoop.endProgress();
     parts_.operation.end();
     callbacks_.ended();
     return;
@@ -219,7 +219,7 @@ void OVFileLoading::complete() {
   parts_.markerAndTime.setLastPlaybackPosition(opened ? 1 : 0);  // 1 differs: the marker is drawn
   parts_.markerAndTime.showTime(parts_.positions.playback(), true);
   parts_.summaries.show();
-  parts_.progress.end();
+  parts_.displayLoop.endProgress();
   const auto alert = std::exchange(afterLoading_, nullptr);
   parts_.operation.end();
   if (alert) {

@@ -9,6 +9,7 @@
 
 #include "audio/OVAudioFileWriter.h"
 #include "audio/OVFileKinds.h"
+#include "document/display/OVDisplayLoop.h"
 #include "document/display/OVProgressDisplay.h"
 #include "document/editing/OVDocumentAudio.h"
 #include "document/editing/OVDocumentLife.h"
@@ -18,7 +19,6 @@
 #include "document/files/OVDocumentFile.h"
 #include "document/files/OVDocumentPanels.h"
 #include "document/files/OVSaveAccessory.h"
-#include "document/summaries/OVDocumentSummaries.h"
 #include "document/transport/OVTransport.h"
 #include "platform/base/ApplicationServices.h"
 #include "platform/desktop/DesktopServices.h"
@@ -63,20 +63,20 @@ bool OVFileSaving::mayAsk() const {
   return !parts_.operation.isActive() && !parts_.panels.isShown() && parts_.audio.buffer();
 }
 
-void OVFileSaving::save() {
-  if (!mayAsk()) {
-    return;
+bool OVFileSaving::save() {
+  if (!parts_.file.canBeSaved()) {
+    return saveAs();
   }
-  if (parts_.file.canBeSaved()) {
+  if (mayAsk()) {
     saveNamed(parts_.file.name(), parts_.file.type());
-  } else {
-    saveAs();
+    return true;
   }
+  return false;
 }
 
-void OVFileSaving::saveAs() {
+bool OVFileSaving::saveAs() {
   if (!mayAsk()) {
-    return;
+    return false;
   }
   const OVSaveAccessory accessory(parts_.file.suggestedType());
   parts_.panels.save(
@@ -92,6 +92,7 @@ void OVFileSaving::saveAs() {
           failed_();
         }
       });
+  return true;
 }
 
 void OVFileSaving::saveNamed(const std::string& path, std::int32_t withType) {
@@ -217,7 +218,8 @@ void OVFileSaving::ended(const Request& request, const OVSaveJob::Outcome& outco
     }
   }
   shell_open_file_after_save_ = false;
-  endOperation();
+  parts_.displayLoop.endProgress();
+  parts_.operation.end();
   failed_();
   if (outcome.error != 0) {
     tellSaveFailed(request.job.path, platform::failureReason(outcome.error));
@@ -232,7 +234,8 @@ void OVFileSaving::complete() {
   if (!isExport) {
     parts_.history.saved();
   }
-  endOperation();
+  parts_.displayLoop.endProgress();
+  parts_.operation.end();
   if (!isExport) {
     parts_.transport.stop();
   }
@@ -240,15 +243,6 @@ void OVFileSaving::complete() {
     const platform::PostedAlertsScope afterwards;  // no main loop runs before the window closes
     openSavedFile();
   }
-}
-
-void OVFileSaving::endOperation() {
-  parts_.progress.end();
-  if (parts_.summaries.isRefreshing()) {
-    // Of an edit before a save that was the quicker of the two.
-    parts_.progress.begin(textKey("Drawing the waveform"), true);
-  }
-  parts_.operation.end();
 }
 
 void tellSaveFailed(const std::string& path, const std::string& reason) {

@@ -7,11 +7,11 @@
 
 #include "document/files/OVSaveJob.h"
 
+class OVDisplayLoop;
 class OVDocumentAudio;
 class OVDocumentFile;
 class OVDocumentLife;
 class OVDocumentPanels;
-class OVDocumentSummaries;
 class OVEditHistory;
 class OVFileOperation;
 class OVFramePositions;
@@ -28,13 +28,13 @@ class OVFileSaving {
     const OVDocumentLife& life;
     OVDocumentAudio& audio;
     OVFramePositions& positions;
-    OVDocumentSummaries& summaries;
     OVEditHistory& history;
     OVFileOperation& operation;
     OVTransport& transport;
     OVDocumentFile& file;
     OVDocumentPanels& panels;
     OVProgressDisplay& progress;
+    OVDisplayLoop& displayLoop;
   };
 
   /// Longest ringtone, in seconds: phones take no longer ones.
@@ -46,8 +46,9 @@ class OVFileSaving {
 
   /// Saves to the document's file in its kind; asks where for a document that has none. Nothing
   /// while a file operation runs or a panel is shown; the same of saveAs() and exportRingtone().
-  void save();
-  void saveAs();
+  /// False if nothing was begun.
+  bool save();
+  bool saveAs();
   /// `withType` is a kind of the file writer, 0 to 3.
   void saveNamed(const std::string& path, std::int32_t withType);
   /// Asks where and writes at most kRingtoneSeconds from the marker, or from the start when the
@@ -72,7 +73,6 @@ class OVFileSaving {
   void chooseStretch(Request& request) const;
   void start(Request request);
   void ended(const Request& request, const OVSaveJob::Outcome& outcome);
-  void endOperation();
   void openSavedFile() const;
 
   const Parts parts_;

@@ -87,6 +87,9 @@ void OVTransport::record() {
     changed();
     return;
   }
+  if (player_ && !isPlaying()) {
+    endPlaying();  // it has ended; its report would end the recording
+  }
   if (const auto former = recorder(); !former || former->failure() != platform::kAudioStatusOk) {
     replaceRecorder();
   }
@@ -139,7 +142,7 @@ void OVTransport::pause() {
 }
 
 void OVTransport::pauseIfRunning() {
-  if (isRecording() || isPlaying()) {
+  if (isRecording() || player_) {
     pause();
   }
 }
@@ -160,14 +163,11 @@ void OVTransport::endRecording() {
 // The position is taken when it stands still, so that the marker and the next recording begin at
 // the same frame.
 void OVTransport::endPlaying() {
-  const bool played = isPlaying();
   const auto player = std::exchange(player_, nullptr);
   player->stop();
-  if (played) {
-    const std::uint64_t place = player->readingPosition() / parts_.audio.bytesPerFrame();
-    parts_.positions.setPlayback(place);
-    parts_.positions.setRecording(place);
-  }
+  const std::uint64_t place = player->readingPosition() / parts_.audio.bytesPerFrame();
+  parts_.positions.setPlayback(place);
+  setRecordingPosition(place);
 }
 
 void OVTransport::stop() {
@@ -260,8 +260,9 @@ void OVTransport::replaceRecorder() {
 
 void OVTransport::playbackEnded(const OVAQPlayer* player) {
   const bool isCurrent = player != nullptr && player == player_.get();
-  if (parts_.operation.isActive() || (player != nullptr && !isCurrent)) {
-    return;  // a late report of a playback that has been ended already
+  const bool isLate = player != nullptr && !isCurrent && (isRecording() || player_);
+  if (parts_.operation.isActive() || isLate) {
+    return;  // of a playback that has been ended already
   }
   // The last report of its advance may have come before To End set both positions.
   const std::uint64_t place =
@@ -269,26 +270,23 @@ void OVTransport::playbackEnded(const OVAQPlayer* player) {
   if (std::max(place, parts_.positions.playback()) >= parts_.audio.sizeInFrames()) {
     stop();
   } else if (isCurrent) {
-    parts_.positions.setPlayback(place);  // where playing broke off
-    parts_.positions.setRecording(place);
     const bool deviceFailed = player->failure() != platform::kAudioStatusOk;
     const int error = readError_.exchange(0);
-    pause();
+    pause();  // the marker stays where playing broke off
     if (error != 0 && !deviceFailed) {
       tellReadingFailed(error);
     }
   }
 }
 
-bool OVTransport::chunkWritten(std::uint64_t atByteOffset, std::uint32_t withSize) {
-  const auto current = recorder();
-  if (!current || !current->isRecording()) {
-    return false;
-  }
+std::shared_ptr<OVAQRecorder> OVTransport::runningRecorder() const {
+  auto current = recorder();
+  return current && current->isRecording() ? current : nullptr;
+}
+
+void OVTransport::recordedUpTo(std::uint64_t frames) {
   writtenSincePress_ = true;
-  parts_.positions.setRecording((atByteOffset + withSize) / parts_.audio.bytesPerFrame());
-  writeFailures_->chunkWritten(current, atByteOffset, withSize);
-  return true;
+  parts_.positions.setRecording(frames);
 }
 
 void OVTransport::failedToWrite(int error) {

@@ -99,10 +99,12 @@ class OVTransport {
 
   /// The player's end, or null for one that nobody tells apart.
   void playbackEnded(const OVAQPlayer* player);
-  /// A chunk was written into the buffer. True if it was the running recording's; the recording
-  /// position is then at its end.
+  /// The recorder while it records, otherwise null.
+  /// Threads: any.
+  [[nodiscard]] std::shared_ptr<OVAQRecorder> runningRecorder() const;
+  /// It has written a chunk that ends at this frame.
   /// Threads: the writer's.
-  [[nodiscard]] bool chunkWritten(std::uint64_t atByteOffset, std::uint32_t withSize);
+  void recordedUpTo(std::uint64_t frames);
   /// The storage failed with this errno.
   /// Threads: the writer's; the reader's.
   void failedToWrite(int error);
