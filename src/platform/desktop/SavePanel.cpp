@@ -60,7 +60,7 @@ SavePanel::SavePanel(const SavePanelRequest& request)
   selectFile(QString::fromStdString(withSuffix(request.suggestedName, suffixes_)));
 }
 
-// In the place of the dialog's own choice, which filters what is listed and here chooses nothing.
+// Takes the place of the dialog's own filter choice, which has no effect here.
 void SavePanel::addAccessory(QWidget* accessory) {
   auto* const filters = findChild<QWidget*>("fileTypeCombo");
   for (QWidget* const own : {findChild<QWidget*>("fileTypeLabel"), filters}) {

@@ -16,7 +16,7 @@ namespace platform {
 /// The packets of MP3 and ADTS are counted, which takes about 2 ms per minute of sound. Beyond half
 /// a second of work the length is estimated from the counted share of the file.
 ///
-/// Threads: any; reads the file beside `demuxer`. Real-time: not safe.
+/// Threads: any; reads the file independently of `demuxer`. Real-time: not safe.
 [[nodiscard]] std::int64_t audioFileLengthFrames(const AudioFileDemuxer& demuxer, File& file,
                                                  std::uint64_t size, const std::string& path,
                                                  DecodingBudget& interruption);

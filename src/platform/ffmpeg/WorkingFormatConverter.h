@@ -11,11 +11,11 @@ namespace platform {
 /// Converts decoded frames of any rate, sample type and channel layout to the working format: 44100
 /// Hz, interleaved stereo, 32-bit float.
 ///
-///  - n frames at another rate become round(n · 44100 / rate), aligned to the sample, nothing of
-///    them above 22.05 kHz is heard as something else (soxr at 28 bits, or FFmpeg's own filter of
-///    128 taps where soxr is missing).
-///  - Mono goes to both channels as it stands, stereo is left alone, 3 to 8 channels are mixed down
-///    with the usual factors and may pass full scale, which a float bears.
+///  - n frames at another rate become round(n · 44100 / rate), aligned to the sample, without
+///    aliasing from above 22.05 kHz (soxr at 28 bits, or FFmpeg's own filter of 128 taps where soxr
+///    is missing).
+///  - Mono is copied to both channels, stereo is unchanged, and 3 to 8 channels are mixed down with
+///    the usual factors. The mix may exceed full scale, which a float can hold.
 ///  - Samples that are not finite become 0.
 ///  - A file may change its format in the middle.
 ///

@@ -17,12 +17,11 @@ enum class AudioFileKind : std::uint32_t { wave = 0, aiff = 1, caf = 2, m4a = 3 
 
 /// An audio file, written in the working format and encoded through FFmpeg.
 ///
-///  - A sample s of 16-bit audio, s / 32768 as a float, comes out as s, for all 65,536 of them: no
-///    dither. Others are rounded to the nearest.
-///  - Samples that are not finite become 0, those beyond full scale full scale.
-///  - AAC has 256 kbit/s, which keeps everything up to 20 kHz, and its length is exact to the
-///  frame.
-///    A file without any frame could not be opened again by anything: it gets one of silence.
+///  - A 16-bit sample s, s / 32768 as a float, is written as s, for all 65,536 values: no dither.
+///    Others are rounded to the nearest.
+///  - Samples that are not finite become 0; those beyond full scale are clipped.
+///  - AAC has 256 kbit/s, which keeps everything up to 20 kHz. Its length is exact to the frame.
+///    A file without any frame could not be opened again, so it gets one frame of silence.
 ///
 /// After the first failure every call returns it and writes nothing.
 ///
