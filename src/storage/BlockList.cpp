@@ -5,10 +5,10 @@
 
 namespace {
 
-// Makes way for `added` in one block that stood in the list before it. A part behind the added
-// block that must become a block of its own goes to `splitOff`. False when nothing is left of the
-// block and it goes from the list. The order of the four steps, and whether a bound counts, matter
-// for empty blocks and blocks that only touch.
+// Makes room for `added` in one existing block. A part after the added block that must become a
+// separate block goes to `splitOff`. False when nothing is left of the block, which must then leave
+// the list. The order of the four steps, and whether bounds are inclusive, matter for empty blocks
+// and blocks that only touch.
 bool makeWay(OVBlock& block, const OVBlock& added, std::vector<OVBlock>& splitOff) {
   const std::uint64_t start = added.linear_addr_start();
   const std::uint64_t end = added.end();
@@ -157,7 +157,7 @@ void BlockList::leave(const OrderedBlock& block) {
 
 // Cutting ---------------------------------------------------------------------------------------
 
-// `edit` changes a block, or gives false for one that goes. It must keep the order of addresses.
+// `edit` changes a block, or returns false to remove it. It must keep the order of addresses.
 template <typename Edit>
 void BlockList::editAll(Edit edit) {
   CowBlockSequence<ByOrder> list;
@@ -209,8 +209,8 @@ void BlockList::mergeNeighbours() {
   if (isAllUnsettled_) {
     findNeighbours();
   }
-  // Whether two are neighbours is a matter of their common edge alone, so the pairs may be merged
-  // one by one, in any order.
+  // Whether two blocks are neighbours depends only on their common edge, so pairs may be merged one
+  // by one, in any order.
   for (const std::uint64_t order : std::exchange(unsettled_, {})) {
     const auto position = list_.find(order);
     if (position == list_.end() || position == list_.begin()) {

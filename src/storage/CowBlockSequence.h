@@ -10,7 +10,7 @@
 
 #include "storage/OVBlock.h"
 
-/// A block and its place in the order of the list: the block of the lower number stands before.
+/// A block and its place in the list, which is sorted by ascending number.
 struct OrderedBlock {
   OVBlock block;
   std::uint64_t order = 0;
@@ -18,14 +18,14 @@ struct OrderedBlock {
   friend constexpr bool operator==(const OrderedBlock&, const OrderedBlock&) = default;
 };
 
-/// Blocks sorted by a key, `Key::of(block)`, that no two of them share. They lie in chunks of a few
-/// hundred, and copies of a sequence share the chunks until one of them changes.
+/// Blocks sorted by a unique key, `Key::of(block)`. They are stored in chunks of up to 256, which
+/// copies of a sequence share until one changes (copy on write).
 ///
-/// With n blocks a search costs the logarithm of n, a change that and the length of a chunk, and a
-/// copy n / 256 references.
+/// With n blocks a search costs log n, a change log n plus the length of a chunk, and a copy about
+/// n / 256 references.
 ///
-/// Threads: a plain value; whoever owns it guards it, together with all copies that may share
-/// chunks with it. Real-time: not safe: allocates.
+/// Threads: a plain value; the owner guards it together with all copies that may share its chunks.
+/// Real-time: not safe: allocates.
 template <typename Key>
 class CowBlockSequence {
   using Chunk = std::vector<OrderedBlock>;
@@ -33,7 +33,7 @@ class CowBlockSequence {
  public:
   static constexpr std::size_t kMaxBlocks = 256;  ///< blocks in a chunk
 
-  /// Where a block stands. Valid until the sequence changes.
+  /// Position of a block. Valid until the sequence changes.
   struct Position {
     std::size_t chunk = 0;
     std::size_t at = 0;
@@ -79,7 +79,7 @@ class CowBlockSequence {
     return position != end() && Key::of((*this)[position]) == key ? position : end();
   }
 
-  /// Puts a block behind all others, as its key demands. Full chunks stay full.
+  /// Appends a block, whose key must be the highest. Full chunks stay full.
   void append(const OrderedBlock& block) {
     ++size_;
     if (chunks_.empty() || chunks_.back().blocks->size() >= kMaxBlocks) {
@@ -89,7 +89,7 @@ class CowBlockSequence {
     }
   }
 
-  /// Puts a block in, whose key is not there.
+  /// Inserts a block, whose key must be new.
   void insert(const OrderedBlock& block) {
     const std::uint64_t key = Key::of(block);
     if (chunks_.empty() || Key::of(chunks_.back().blocks->back()) < key) {
@@ -107,7 +107,7 @@ class CowBlockSequence {
     }
   }
 
-  /// Takes a block out.
+  /// Removes a block.
   void erase(Position position) {
     --size_;
     Chunk& blocks = own(position.chunk);
@@ -120,7 +120,7 @@ class CowBlockSequence {
     joinSmall(position.chunk);
   }
 
-  /// Changes what stands at a position; its place in the order must stay the same.
+  /// Replaces the block at a position; its place in the order must stay the same.
   void replace(Position position, const OrderedBlock& block) {
     own(position.chunk)[position.at] = block;
     if (position.at == 0) {
@@ -140,7 +140,7 @@ class CowBlockSequence {
 
  private:
   struct Slot {
-    std::uint64_t firstKey;  // of its blocks: a search looks into one chunk only
+    std::uint64_t firstKey;  // so that a search reads one chunk only
     std::shared_ptr<Chunk> blocks;
   };
 
@@ -151,8 +151,8 @@ class CowBlockSequence {
     chunks_.push_back({Key::of(first), std::move(blocks)});
   }
 
-  // The last chunk that begins at or below a key, the first one for keys below all; the number of
-  // chunks when there is none.
+  // The last chunk that begins at or below a key, or the first one if all begin above it. The
+  // number of chunks, 0, when there is none.
   [[nodiscard]] std::size_t chunkOf(std::uint64_t key) const {
     const auto behind = std::partition_point(
         chunks_.begin(), chunks_.end(), [key](const Slot& slot) { return slot.firstKey <= key; });
@@ -166,7 +166,7 @@ class CowBlockSequence {
         blocks.begin());
   }
 
-  // A chunk that no copy of the sequence shares.
+  // Returns the chunk after unsharing it from copies of the sequence.
   Chunk& own(std::size_t chunk) {
     auto& blocks = chunks_[chunk].blocks;
     if (blocks.use_count() > 1) {
@@ -189,8 +189,8 @@ class CowBlockSequence {
                    {Key::of(upper->front()), std::move(upper)});
   }
 
-  // Joins a chunk with the next one while they fill no more than half of one: a list whose blocks
-  // are written over one after the other must not end as one block a chunk.
+  // Joins a chunk with the next one if together they fill at most half a chunk: overwriting a list
+  // block by block must not leave one block per chunk.
   void joinSmall(std::size_t chunk) {
     if (chunk + 1 == chunks_.size() && chunk > 0) {
       --chunk;

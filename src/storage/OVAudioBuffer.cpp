@@ -22,7 +22,7 @@ constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t kInitialCapacity =
     10 * platform::kWorkingRate * platform::kWorkingFrameBytes;
 
-// The capacity that exceeds `end`, grown by half again and again; 0 when there is none.
+// The capacity that exceeds `end`, repeatedly grown by half; 0 when there is none.
 std::uint64_t capacityBeyond(std::uint64_t capacity, std::uint64_t end) {
   if (capacity < 2) {
     capacity = kInitialCapacity;  // half of it would not grow it
@@ -100,8 +100,8 @@ BufferReadResult OVAudioBuffer::readDataInto(void* destination, std::uint64_t wi
           .byteCount = count};
 }
 
-// How much of a read lies in the recording, and in the block: the length can have underflowed, and
-// the recording can have been cut since its length was looked at.
+// Bytes of a read inside both the recording and the block: the length can have underflowed, and the
+// recording can have been cut since its length was read.
 std::uint64_t OVAudioBuffer::readableFrom(std::uint64_t offset, std::uint64_t byteCount) const {
   const std::uint64_t end = std::min<std::uint64_t>(bufferFillSize_, sampleBuffer_.size());
   return offset < end ? std::min(byteCount, end - offset) : 0;

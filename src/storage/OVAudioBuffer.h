@@ -10,25 +10,26 @@
 #include "platform/base/Mutex.h"
 #include "storage/OVAudioBufferInterface.h"
 
-/// Audio held wholly in memory: one block that grows by half again, one level of undo, reversible.
+/// Audio held entirely in memory: one block that grows by half its size, one level of undo,
+/// reversible.
 ///
 /// Offsets, counts and capacities are in bytes, positions of cuts in frames of 8 bytes.
 ///
-/// Threads: any, at the same time, except powerAtPosition() and exposeBuffer(), which look at the
-/// block without the lock: use them while no other thread writes, cuts or undoes. lock() and
-/// unlock() in pairs on one thread. Real-time: not safe.
+/// Threads: any, concurrently, except powerAtPosition() and exposeBuffer(), which read the block
+/// without the lock: use them while no other thread writes, cuts or undoes. lock() and unlock() in
+/// pairs on one thread. Real-time: not safe.
 class OVAudioBuffer : public OVAudioBufferInterface {
  public:
-  /// An empty buffer with room for ten seconds. Never null.
+  /// An empty buffer with a capacity of ten seconds. Never null.
   [[nodiscard]] static std::shared_ptr<OVAudioBuffer> init();
   ~OVAudioBuffer() override;
   OVAudioBuffer(const OVAudioBuffer&) = delete;
   OVAudioBuffer& operator=(const OVAudioBuffer&) = delete;
 
   /// Copies the bytes into the block, which grows when the write reaches its end. Bytes between the
-  /// old end and the offset are what the block held there. A write for which there is no memory
-  /// changes nothing and is reported as a failure (ENOMEM); one that would end past the highest
-  /// address is refused with a console line.
+  /// old end and the offset keep the block's old content. When memory runs out the write changes
+  /// nothing and is reported as a failure (ENOMEM). A write that would end past the highest address
+  /// is refused and logged to the console.
   void writeData(const void* data, std::uint64_t atByteOffset, std::uint32_t withSize) override;
 
   [[nodiscard]] BufferReadResult readDataInto(void* destination, std::uint64_t withSize,
@@ -44,21 +45,21 @@ class OVAudioBuffer : public OVAudioBufferInterface {
   [[nodiscard]] std::uint64_t bufferSizeInFrames() const override;
   [[nodiscard]] std::uint64_t bufferFillSizeInFrames() const override;
 
-  /// Shrinks the block to the position, and the recording ends there even where it was shorter.
-  /// Nothing for a position beyond the capacity.
+  /// Shrinks the block to the position; the recording ends there even if it was shorter. Does
+  /// nothing for a position beyond the capacity.
   void cutoffBufferAfterPosition(std::uint64_t frames) override;
 
-  /// Moves what follows the position to the start. Nothing for a position at or beyond the
+  /// Moves the audio after the position to the start. Does nothing for a position at or beyond the
   /// capacity. The length underflows for a position past the end.
   void cutoffBufferBeforePosition(std::uint64_t frames) override;
 
-  /// Reverses the order of the samples, not of the frames: left and right change places.
+  /// Reverses the order of the samples, not of the frames: left and right are swapped.
   void reverseBuffer() override;
 
-  /// Copies the whole capacity, once; replaces the copy made before. Without the memory for it
-  /// there is then no copy at all, and a console line says so.
+  /// Copies the whole capacity, replacing the previous copy. When memory runs out there is no copy
+  /// at all, which is logged to the console.
   void setWaypoint() override;
-  /// Both exchange the recording and the copy of the last waypoint; nothing without one.
+  /// Both swap the recording with the copy of the last waypoint; do nothing without one.
   void undo() override;
   void redo() override;
 
@@ -98,12 +99,12 @@ class OVAudioBuffer : public OVAudioBufferInterface {
   platform::Mutex bufferLock_;
 
   Samples sampleBuffer_ GUARDED_BY(bufferLock_);  // can exceed bufferCapacity_ after a cut
-  // None before the first waypoint.
+  // Null before the first waypoint.
   std::unique_ptr<Samples> tmpBuffer_ GUARDED_BY(bufferLock_) PT_GUARDED_BY(bufferLock_);
   std::uint64_t tmpBufferFillSize_ GUARDED_BY(bufferLock_) = 0;
   std::uint64_t tmpBufferCapacity_ GUARDED_BY(bufferLock_) = 0;
 
-  // Written with bufferLock_ held, read without it by the getters; each stands for itself.
+  // Written with bufferLock_ held, read without it by the getters; independent of each other.
   std::atomic<std::uint64_t> bufferCapacity_;
   std::atomic<std::uint64_t> bufferFillSize_{0};
 

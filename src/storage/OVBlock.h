@@ -3,13 +3,13 @@
 #include <cstdint>
 #include <string>
 
-/// One stretch of a recording: where it lies in the recording's linear byte addresses, and where
-/// its bytes lie in the temporary file. All values in bytes.
+/// One stretch of a recording: its place in the recording's linear byte addresses and in the
+/// temporary file. All values in bytes.
 ///
 /// A block covers the addresses linear_addr_start() <= a < end(), and address a lives at file
 /// offset file_offset_start() + (a - linear_addr_start()).
 ///
-/// Threads: a plain value; whoever owns it guards it. Real-time: safe, except description().
+/// Threads: a plain value, guarded by its owner. Real-time: safe, except description().
 class OVBlock {
  public:
   constexpr OVBlock() = default;
@@ -25,7 +25,7 @@ class OVBlock {
   constexpr void setFile_offset_start(std::uint64_t offset) { file_offset_start_ = offset; }
   constexpr void setSize(std::uint64_t size) { size_ = size; }
 
-  /// One past the last address. Unsigned: 0 or more than 0 again for a block that wraps.
+  /// One past the last address. Unsigned: a block that wraps ends at 0 or a little above.
   [[nodiscard]] constexpr std::uint64_t end() const { return linear_addr_start_ + size_; }
 
   /// Whether an address lies in the block. Never for an empty block or one that wraps.

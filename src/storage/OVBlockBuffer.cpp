@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr std::size_t kWaypointCapacity = 32;           // entries; grows beyond
-constexpr std::size_t kMaxPath = 4095;                  // bytes of a template, without its end
+constexpr std::size_t kWaypointCapacity = 32;  // entries; grows beyond
+constexpr std::size_t kMaxPath = 4095;         // bytes of a template, without the terminator
 constexpr std::uint64_t kWritesBetweenOptimizing = 21;  // about two seconds of recording
 
 constexpr auto kMaxCount = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
@@ -27,7 +27,7 @@ OVBlockBuffer::OVBlockBuffer(std::unique_ptr<platform::File> file, std::string f
   waypointStack_.reserve(kWaypointCapacity);
 }
 
-// Closing the file releases the storage of all that was ever recorded.
+// Closing the file frees the storage of everything ever recorded.
 OVBlockBuffer::~OVBlockBuffer() = default;
 
 std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
@@ -53,8 +53,8 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
     const platform::MutexLock appending(appendLock_);
     written = f_file_->writeAt(data, withSize, f_write_pos_);
     if (written.byteCount < withSize) {
-      // Silence takes no room: reads go on behind the lost stretch. Where the file cannot be made
-      // longer either, they end in it until a later write has done that.
+      // Extending the file needs no disk space: the lost stretch reads as silence. If that fails
+      // too, reads stop at the gap until a later write extends the file past it.
       static_cast<void>(f_file_->setSize(f_write_pos_ + withSize));
     }
     const platform::MutexLock lock(bufferLock_);
@@ -66,7 +66,7 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
   notifyOfWrite(delegate_.get(), data, atByteOffset, withSize, errorOfTransfer(written, withSize));
 }
 
-// Maps the bytes just appended; gives the number of writes since the list was last optimised.
+// Maps the bytes just appended; returns the number of writes since the list was last optimised.
 std::uint64_t OVBlockBuffer::mapAppended(std::uint64_t atByteOffset, std::uint32_t withSize) {
   blocklist_.map(OVBlock(atByteOffset, f_write_pos_, withSize));
   f_write_pos_ += withSize;
@@ -110,8 +110,8 @@ BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t wi
           .byteCount = total};
 }
 
-// The stretches of the file that hold the addresses from `address` on, up to `byteCount` bytes,
-// the recording's end or a hole. Neighbours in the file are one stretch.
+// The stretches of the file that hold the addresses from `address` on, up to `byteCount` bytes, the
+// recording's end or a hole. Adjacent ones are joined.
 std::vector<OVBlockBuffer::Stretch> OVBlockBuffer::stretches(std::uint64_t address,
                                                              std::uint64_t byteCount) const {
   std::vector<Stretch> result;
@@ -241,7 +241,7 @@ double OVBlockBuffer::powerAtPosition(std::uint64_t position) {
   if (location.bytesAvailable < format_.mBytesPerFrame) {
     return 1.0;
   }
-  float channels[2] = {0.0F, 0.0F};  // what a failed read leaves counts as silence
+  float channels[2] = {0.0F, 0.0F};  // bytes that a failed read leaves out count as silence
   static_cast<void>(readWhole(*f_file_, channels, sizeof channels, location.fileOffset));
   return static_cast<double>(channels[0] + channels[1]) * 0.5;
 }

@@ -15,49 +15,49 @@
 #include "storage/OVAudioBufferInterface.h"
 #include "storage/OVBufferState.h"
 
-/// Where a linear address lies in the temporary file.
+/// Position of a linear address in the temporary file.
 struct BlockLocation {
   std::uint64_t fileOffset = 0;
   std::uint64_t bytesAvailable = 0;  ///< from the address to the end of its block
   bool notFound = true;              ///< past the end, or in a hole
 };
 
-/// The audio of a document: a list of blocks over one temporary file that is only ever appended
-/// to. Writing over audio, cutting and undo change the list alone; the file keeps every byte that
-/// was ever written until the buffer goes, and has no name while it lives.
+/// The audio of a document: a list of blocks over one append-only temporary file. Overwriting,
+/// cutting and undo change only the list. The file keeps every byte ever written until the buffer
+/// is destroyed, and has no name.
 ///
 /// Addresses, offsets and sizes are in bytes, positions of cuts and of powerAtPosition() in frames
 /// of 8 bytes. Undo is many levels deep, redo one.
 ///
-/// Locks. `bufferLock` guards the list, the length and the waypoints, and is held only while they
-/// are looked at or changed, never during a file transfer. Because the bytes of a mapped block
-/// never change, a read looks all its stretches up under the lock and reads them after: it returns
-/// the recording as it stood at that moment, and waits for no disk but its own. `appendLock`
-/// brings writers in line: each holds it from taking its place at the file's end until its block
-/// is mapped, so blocks are mapped in file order. It is always taken before bufferLock.
+/// Locks. `bufferLock` guards the list, the length and the waypoints. It is held only while they
+/// are read or changed, never during a file transfer. The bytes of a mapped block never change, so
+/// a read looks up its stretches under the lock and transfers them afterwards: it returns the
+/// recording as it was at the lookup and waits for no other transfer. `appendLock` serializes
+/// writers: each holds it from reserving its place at the end of the file until its block is
+/// mapped, so blocks are mapped in file order. It is always taken before bufferLock.
 ///
-/// Threads: any, at the same time; lock() and unlock() in pairs on one thread, and between them
-/// only the operations that say they take no lock. Real-time: not safe.
+/// Threads: any, concurrently; lock() and unlock() in pairs on one thread, and between them only
+/// operations documented to take no lock. Real-time: not safe.
 class OVBlockBuffer : public OVAudioBufferInterface {
  public:
-  /// An empty buffer with a temporary file of its own. Null when the file cannot be made, which
-  /// is told in a modal alert.
+  /// An empty buffer with its own temporary file. Null when the file cannot be created, which a
+  /// modal alert reports.
   [[nodiscard]] static std::shared_ptr<OVBlockBuffer> init();
   ~OVBlockBuffer() override;
   OVBlockBuffer(const OVBlockBuffer&) = delete;
   OVBlockBuffer& operator=(const OVBlockBuffer&) = delete;
 
   /// Appends the bytes to the file and maps them at the offset; every 21st write merges
-  /// neighbouring blocks. A write of no bytes maps an empty block. Bytes that the disk does not
-  /// take are mapped all the same: the file's end moves on by the whole count, so that the lost
-  /// stretch reads as silence, never as other audio (where the file cannot be made longer either,
-  /// it ends a read until a later write succeeds), and the delegate hears of the errno first. A
-  /// write that would end past the highest address is refused with a console line.
+  /// neighbouring blocks. A write of no bytes maps an empty block. Bytes that could not be written
+  /// are mapped all the same: the file's end advances by the whole count, so the lost stretch reads
+  /// as silence, never as other audio. If the file cannot be extended either, reads stop at the gap
+  /// until a later write extends it. The delegate is notified of the errno first. A write that
+  /// would end past the highest address is refused and logged to the console.
   void writeData(const void* data, std::uint64_t atByteOffset, std::uint32_t withSize) override;
 
-  /// Ends at the recording's end, at a hole, and where the file answers with no bytes, which the
-  /// delegate hears of. A count of 2^63 and more is refused with a console line. At or past the end
-  /// it takes no lock.
+  /// Stops at the end of the recording, at a hole, and where the file returns no bytes, of which
+  /// the delegate is notified. A count of 2^63 or more is refused and logged to the console. Takes
+  /// no lock at or past the end.
   [[nodiscard]] BufferReadResult readDataInto(void* destination, std::uint64_t withSize,
                                               std::uint64_t fromOffset) override;
 
@@ -70,29 +70,29 @@ class OVBlockBuffer : public OVAudioBufferInterface {
 
   [[nodiscard]] platform::AudioStreamBasicDescription format() const override;
 
-  /// Both the length in whole frames. Take no lock.
+  /// Both return the length in whole frames. Take no lock.
   [[nodiscard]] std::uint64_t bufferSizeInFrames() const override;
   [[nodiscard]] std::uint64_t bufferFillSizeInFrames() const override;
 
-  /// The recording ends at `frames`, also when that is beyond its old end: it is then longer, with
-  /// a hole. A block that starts at the position stays in the list and is heard again when the
-  /// recording is lengthened past it without writing over it.
+  /// The recording ends at `frames`. If that is beyond its old end, it becomes longer, with a hole.
+  /// A block that starts at the position stays in the list and is heard again if the recording is
+  /// extended past it without overwriting it.
   void cutoffBufferAfterPosition(std::uint64_t frames) override;
 
   /// The recording begins at `frames`. The length underflows for a position past the end.
   void cutoffBufferBeforePosition(std::uint64_t frames) override;
 
-  /// Nothing: a block list cannot be reversed.
+  /// Does nothing: a block list cannot be reversed.
   void reverseBuffer() override;
 
   void setWaypoint() override;
 
-  /// Restores the waypoint below the last one restored, the lowest one again and again, and keeps
-  /// the present state for redo(). Throws std::out_of_range when there is no waypoint; the state
-  /// for redo() has been replaced by then.
+  /// Restores the waypoint below the last one restored (the lowest one repeatedly) and keeps the
+  /// current state for redo(). Throws std::out_of_range when there is no waypoint; the state for
+  /// redo() is replaced even then.
   void undo() override;
 
-  /// Restores what the last undo() kept, once. Does not move among the waypoints.
+  /// Restores the state kept by the last undo(), once. Does not move among the waypoints.
   void redo() override;
 
   /// Throws std::out_of_range when there is no waypoint.
@@ -111,8 +111,8 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   [[nodiscard]] std::weak_ptr<OVAudioBufferDelegate> delegate() const override;
   void setDelegate(std::weak_ptr<OVAudioBufferDelegate> delegate) override;
 
-  /// The state as it stands. Take no lock: call them between lock() and unlock(), or while no other
-  /// thread works on the buffer, which is why the compiler does not check them.
+  /// The current state. Take no lock: call them between lock() and unlock(), or while no other
+  /// thread uses the buffer, which is why the compiler does not check them.
   [[nodiscard]] std::vector<OVBlock> blocklist() const NO_THREAD_SAFETY_ANALYSIS {
     return blocklist_.blocks();
   }
@@ -132,11 +132,11 @@ class OVBlockBuffer : public OVAudioBufferInterface {
     return blocksAddedSinceOptimization_;
   }
 
-  /// Length in bytes. Any thread, takes no lock.
+  /// Length in bytes. Any thread; takes no lock.
   [[nodiscard]] std::uint64_t bufferFillSize() const {
     return bufferFillSize_.load(std::memory_order_relaxed);
   }
-  /// Path under which the file was made; nothing stands there any more.
+  /// Path at which the file was created; it is unlinked.
   [[nodiscard]] const std::string& f_file_name() const { return f_file_name_; }
 
  private:
@@ -160,7 +160,7 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   const std::string f_file_name_;
   const platform::AudioStreamBasicDescription format_;
 
-  // Brings writers in line, see above. Taken before bufferLock_.
+  // Serializes writers, see above. Taken before bufferLock_.
   platform::Mutex appendLock_;
   mutable platform::Mutex bufferLock_;
 
@@ -174,7 +174,7 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   std::uint64_t blocksAddedSinceOptimization_ GUARDED_BY(bufferLock_) = 0;
 
   // Written with bufferLock_ held, read without it by the size getters and by reads past the end.
-  // Each stands for itself, so relaxed order is enough: whoever acts on the list takes the lock.
+  // They are independent, so relaxed order is enough: using the list takes the lock.
   std::atomic<std::uint64_t> bufferFillSize_{0};
   std::atomic<bool> listIsEmpty_{true};
 

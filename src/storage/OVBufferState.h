@@ -6,12 +6,11 @@
 
 #include "storage/BlockList.h"
 
-/// A recording's block list and length at one moment. Because the bytes in the file never change,
-/// this is a complete copy of what the recording held.
+/// A recording's block list and length at one moment. Since the bytes in the file never change,
+/// this is a complete snapshot of the recording.
 ///
-/// Later changes of the list that it came from do not reach the state. It never changes and can be
-/// restored any number of times. What of the list has not changed since, the two share: a state
-/// costs next to nothing to make.
+/// Immutable: later changes to the original list do not affect it, and it can be restored any
+/// number of times. It shares the unchanged parts of the list, so it is cheap to create.
 ///
 /// Threads: those that hold the lock of the buffer it belongs to. Real-time: not safe.
 class OVBufferState {
@@ -27,7 +26,7 @@ class OVBufferState {
   /// Bytes.
   [[nodiscard]] std::uint64_t bufferFillSize() const { return bufferFillSize_; }
 
-  /// What a restored buffer takes a copy of.
+  /// For a buffer to copy when it restores this state.
   [[nodiscard]] const BlockList& list() const { return blocklist_; }
 
  private:

@@ -12,9 +12,10 @@
 
 namespace {
 
-constexpr std::uint64_t kCopiedAtOnce = std::uint64_t{1} << 20;  // bytes; memory, not a measure
+constexpr std::uint64_t kCopiedAtOnce = std::uint64_t{1} << 20;  // bytes; only bounds memory
 
-// Copies what lies from a position on to the start of another file. The errno of a failure.
+// Copies everything from a position on to the start of another file. Returns 0, or the errno of the
+// failure.
 int copyTail(platform::File& from, std::uint64_t position, platform::File& to) {
   const std::uint64_t end = from.size();
   const std::uint64_t kept = position < end ? end - position : 0;
@@ -58,7 +59,7 @@ std::shared_ptr<OVDiskAudioBuffer> OVDiskAudioBuffer::init() {
   return std::shared_ptr<OVDiskAudioBuffer>(new OVDiskAudioBuffer(*std::move(created)));
 }
 
-// Tells when there is none. Hold no lock.
+// Alerts the user on failure. Hold no lock.
 platform::TemporaryFiles::Created OVDiskAudioBuffer::createFile() {
   const auto files = platform::temporaryFiles();
   auto created = files->createNamed(files->directory() + "orvo_XXXXXX.flt");
@@ -255,7 +256,7 @@ void OVDiskAudioBuffer::unlock() {
 }
 
 double OVDiskAudioBuffer::powerAtPosition(std::uint64_t position) {
-  float channels[2] = {0.0F, 0.0F};  // what the file does not give counts as silence
+  float channels[2] = {0.0F, 0.0F};  // bytes that the file does not return count as silence
   const platform::MutexLock lock(bufferLock_);
   static_cast<void>(
       readWhole(*f_file_, channels, sizeof channels, position * format_.mBytesPerFrame));

@@ -15,8 +15,7 @@ constexpr std::size_t kLanes = 4;
 constexpr std::uint32_t kMagnitudeBits = 0x7FFFFFFF;
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-/// The extent of each lane for itself. Several of them side by side, so that one step need not
-/// wait for the one before.
+/// The extent of each lane. Several run side by side, so that no step waits for the previous one.
 struct LaneExtent {
   Lanes smallest = {1.0F, 1.0F, 1.0F, 1.0F};
   Lanes largest = {};

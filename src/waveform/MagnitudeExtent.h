@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
-/// The smallest and the largest magnitude of the samples that were looked at. It starts inside
-/// out, at full scale and silence, so that the first sample up to full scale sets both.
+/// The smallest and the largest magnitude of the samples examined. Initially inverted (full scale
+/// and silence), so that the first sample up to full scale sets both.
 struct MagnitudeExtent {
   float smallest = 1.0F;
   float largest = 0.0F;
@@ -18,11 +18,11 @@ struct MagnitudeExtent {
   [[nodiscard]] float spread() const { return largest - smallest; }
 };
 
-/// Looks at every second float below `indexLimit`: indexes 0, 2, 4, …
+/// Examines every second float below `indexLimit`: indexes 0, 2, 4, …
 ///
-/// Of a block of n interleaved stereo frames a summary passes all 2n floats and n as the limit,
-/// which makes it the left channel of the first half of the frames: the sampling of both
-/// summaries, thinned by four on purpose. Samples that are not numbers count as 0.
+/// For a block of n interleaved stereo frames a summary passes all 2n floats and n as the limit,
+/// which selects the left channel of the first half of the frames. Both summaries deliberately
+/// sample one float in four this way. NaN samples count as 0.
 ///
 /// Threads: any. Real-time: safe.
 [[nodiscard]] MagnitudeExtent leftMagnitudeExtent(const float* samples, std::uint64_t indexLimit);

@@ -77,7 +77,7 @@ void OVDynamicWaveForm::generate(const std::atomic<bool>* cancelled) {
 }
 
 void OVDynamicWaveForm::generateNoLock(const std::atomic<bool>* cancelled) {
-  // Acquired from the setter: the edit that it followed is seen by the reads below.
+  // Acquires from the setter: the reads below see the edit that preceded it.
   if (regenerate_.load(std::memory_order_acquire)) {
     reset();
   }
@@ -87,7 +87,7 @@ void OVDynamicWaveForm::generateNoLock(const std::atomic<bool>* cancelled) {
     ReadPoint next = readPoint();
     for (;;) {
       if (isSet(cancelled)) {
-        return;  // isRegenerating() stays: what is missing is taken in by the next one
+        return;  // isRegenerating() stays: the next one reads the missing audio
       }
       const auto blocks = reader.readBlocks(next.byteOffset);
       if (blocks.empty()) {
@@ -105,9 +105,9 @@ OVDynamicWaveForm::ReadPoint OVDynamicWaveForm::readPoint() const {
   return {.byteOffset = elements_.reader_pos, .revision = revision_};
 }
 
-/// Takes in blocks that were read at `from`, and says where to go on. When the counters have moved
-/// since, by a reset or by a generation of a caller without the generation lock, the blocks do not
-/// follow what was taken in: they are dropped and the audio at the present place is read instead.
+/// Adds blocks that were read at `from`, and returns where to continue. If the counters have moved
+/// since, by a reset or by a generation without the generation lock, the blocks do not follow the
+/// elements: they are dropped, and the audio at the current position is read instead.
 OVDynamicWaveForm::ReadPoint OVDynamicWaveForm::publish(
     std::span<const SummaryReader::Block> blocks, ReadPoint from) {
   const platform::MutexLock guard(elementsLock_);
@@ -132,8 +132,8 @@ void OVDynamicWaveForm::reset() {
   const platform::MutexLock guard(elementsLock_);
   elements_.restart();
   ++revision_;
-  // An exchange, not a store: a request that it swallows is one whose edit the reads that follow
-  // do see.
+  // An exchange, not a store: if it clears a new request, the following reads see that request's
+  // edit.
   regenerate_.exchange(false, std::memory_order_acq_rel);
   isRegenerating_.store(true, std::memory_order_relaxed);
 }

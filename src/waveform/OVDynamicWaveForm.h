@@ -15,18 +15,17 @@
 /// twice as many frames.
 ///
 /// One element covers chunksize() frames: 64 at first (1.45 ms at 44100 Hz), doubled by every
-/// merging. With the default capacity of 1024 there are 512 to 1024 elements once the first 65536
-/// frames (1.49 s) are full. An element's value is the spread between the largest and the smallest
-/// magnitude of the samples that were looked at: of each block that is read, the left channel of
-/// the first half of its frames.
+/// merge. With the default capacity of 1024 there are 512 to 1024 elements after the first 65536
+/// frames (1.49 s). An element's value is the difference between the largest and the smallest
+/// magnitude of the samples examined: the left channel of the first half of each block's frames.
 ///
-/// generate() takes in only what lies beyond readerPos(). Audio that does not fill an element yet
-/// stays pending and is not shown until a later generate() completes the element. After an edit
-/// the owner asks for a fresh start with setShouldRegenerateWaveform().
+/// generate() reads only the audio after readerPos(). Audio that does not yet fill an element stays
+/// pending and is not shown until a later generate() completes the element. After an edit the owner
+/// requests regeneration with setShouldRegenerateWaveform().
 ///
-/// A generation reads and looks at samples without the short lock and publishes a batch of blocks
-/// at a time under it, so elements and counters always belong together. One that is reset
-/// meanwhile goes on from the beginning of the audio.
+/// A generation reads and examines samples without the short lock and publishes a batch of blocks
+/// at a time under it, so elements and counters are always consistent. If reset meanwhile, it
+/// continues from the beginning of the audio.
 ///
 /// Threads: any. The generation lock ("OVDynamicWaveForm lock") is held for the whole of
 /// generate(); every other operation waits for the short lock only. Real-time: not safe.
@@ -40,11 +39,11 @@ class OVDynamicWaveForm final : public OVWaveformSummary {
   static constexpr std::uint64_t kInitialCapacity = 1024;  ///< elements
   static constexpr std::uint64_t kInitialChunksize = 64;   ///< frames per element
 
-  /// The element that is being built: what has gone into it, not shown yet.
+  /// The unfinished element, not shown yet.
   struct PendingElement {
     std::uint64_t readCount = 0;   ///< blocks read
     std::uint64_t frameCount = 0;  ///< frames of those blocks
-    double smallest = 1.0;         ///< magnitudes of the samples looked at
+    double smallest = 1.0;         ///< magnitudes of the samples examined
     double largest = 0.0;
 
     friend bool operator==(const PendingElement&, const PendingElement&) = default;
@@ -65,43 +64,43 @@ class OVDynamicWaveForm final : public OVWaveformSummary {
   void generate(const std::atomic<bool>* cancelled) override;
   void generateNoLock(const std::atomic<bool>* cancelled) override;
 
-  /// The next generation starts from the beginning. One that is running is not cut short, and the
-  /// request outlasts it.
+  /// The next generation starts from the beginning. A running one is not interrupted, and the
+  /// request remains set after it.
   void setShouldRegenerateWaveform(bool should) override;
   [[nodiscard]] bool isRegenerating() const override;
 
-  /// Back to the beginning of the audio; the elements' memory and number stay. isRegenerating() is
-  /// true from here until the next generation has taken in all audio.
+  /// Returns to the beginning of the audio; the elements' memory and number stay. isRegenerating()
+  /// is true until the next generation has read all audio.
   void reset() override;
-  /// Merges neighbouring elements in pairs, the larger one stays; with an odd capacity the last one
-  /// stands alone. Elements from now on cover twice the frames.
+  /// Merges neighbouring elements in pairs, keeping the larger value; with an odd capacity the last
+  /// one stays single. Elements then cover twice the frames.
   void consolidate();
   /// Adds one element, after consolidate() when there is no room.
   void appendSample(float value);
-  /// Makes room for that many elements, at least 2, and asks for a fresh start. Elements that no
-  /// longer fit are gone at once.
+  /// Sets the capacity in elements, at least 2, and requests regeneration. Elements that no longer
+  /// fit are dropped at once.
   void setCapacity(std::uint64_t elements);
   [[nodiscard]] std::uint64_t capacity() const;
 
   [[nodiscard]] std::uint64_t readerPos() const override;
   /// Finished elements.
   [[nodiscard]] std::uint64_t elementCount() const override;
-  /// Finished elements since the reset, at most the capacity: merging takes none back.
+  /// Finished elements since the reset, at most the capacity; merging does not reduce it.
   [[nodiscard]] std::uint64_t producedElementCount() const;
   /// Frames that each element covers.
   [[nodiscard]] std::uint64_t chunksize() const;
   [[nodiscard]] PendingElement pendingElement() const;
 
-  /// The array, capacity() long; only for a caller that knows that no one generates or resizes.
+  /// The array, capacity() long; use it only while no thread generates or resizes.
   [[nodiscard]] const float* data() const override;
   void copyElementsInto(std::vector<float>& elements) const override;
   [[nodiscard]] double powerAtPosition(double fraction) const override;
-  /// Largest magnitude that has gone into an element, at least 1.0.
+  /// Largest magnitude in any element, at least 1.0.
   [[nodiscard]] double maxAmplitude() const override;
 
-  /// The copy has every element, counter and flag of one moment. Taken during a generation it says
-  /// isRegenerating() as the original did, until a generation of its own ends; that one takes in
-  /// what was missing.
+  /// The copy has every element, counter and flag of one moment. A copy made during a generation
+  /// keeps the original's isRegenerating() until its own next generation, which reads the missing
+  /// audio, ends.
   [[nodiscard]] std::shared_ptr<OVWaveformSummary> copy() const override;
 
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> audioBuffer() const override;
@@ -110,11 +109,11 @@ class OVDynamicWaveForm final : public OVWaveformSummary {
   void unlock() override RELEASE();
 
  private:
-  /// The summary proper, without regard to threads.
+  /// The summary itself, without locking.
   struct Elements {
     std::vector<float> buffer = std::vector<float>(kInitialCapacity);  ///< capacity long
     std::uint64_t elementCount = 0;  ///< produced, at most the capacity
-    std::uint64_t reader_pos = 0;    ///< byte offset up to which audio was taken in
+    std::uint64_t reader_pos = 0;    ///< byte offset up to which audio was read
     std::uint64_t buffer_pos = 0;    ///< write index: finished elements
     std::uint64_t chunksize = kInitialChunksize;
     std::uint64_t chunk_read_count = 0;
@@ -131,7 +130,7 @@ class OVDynamicWaveForm final : public OVWaveformSummary {
     void finishElement();
   };
 
-  /// Where a generation reads next, and of which state of the counters that is true.
+  /// Where a generation reads next, and the revision for which that is valid.
   struct ReadPoint {
     std::uint64_t byteOffset;
     std::uint64_t revision;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr auto kSlots = static_cast<double>(OVStaticWaveform::kElementCount);
 
-/// Truncates a value that is not negative, and stops at `limit` where it does not fit.
+/// Truncates a non-negative value, limited to `limit`.
 std::uint64_t truncated(double value, std::uint64_t limit) {
   return value < static_cast<double>(limit) ? static_cast<std::uint64_t>(value) : limit;
 }
@@ -59,7 +59,7 @@ OVStaticWaveform::OVStaticWaveform(Passkey, std::shared_ptr<OVAudioBufferInterfa
       elements_(elements) {}
 
 void OVStaticWaveform::regenerate(const std::atomic<bool>* cancelled) {
-  // The flag already stands while the lock is waited for.
+  // The flag is set even while waiting for the lock.
   isRegenerating_.store(true, std::memory_order_relaxed);
   const platform::MutexLock generation(bufferLock_);
   regenerateNoLock(cancelled);
@@ -67,8 +67,8 @@ void OVStaticWaveform::regenerate(const std::atomic<bool>* cancelled) {
 
 void OVStaticWaveform::regenerateNoLock(const std::atomic<bool>* cancelled) {
   isRegenerating_.store(true, std::memory_order_relaxed);
-  // An exchange, not a store: a request that it swallows is one whose edit the reads that follow
-  // do see.
+  // An exchange, not a store: if it clears a new request, the following reads see that request's
+  // edit.
   shouldRegenerateWaveform_.exchange(false, std::memory_order_acq_rel);
   {
     const platform::MutexLock guard(elementsLock_);
@@ -178,7 +178,7 @@ void OVStaticWaveform::updateWithDataChunk(const float* dataChunk, std::uint64_t
 void OVStaticWaveform::fillPatch(Patch& patch, const float* samples, std::uint64_t sampleCount,
                                  std::uint64_t samplesPerElement, double slotsPerStep,
                                  double slot) {
-  // Of the last step only as many samples count as are left over behind it, if any are: kept so.
+  // The last step counts only as many samples as remain after it, if any: deliberately kept.
   for (std::uint64_t taken = 0; taken + samplesPerElement <= sampleCount && slot < kSlots;) {
     taken += samplesPerElement;
     const std::uint64_t remaining = sampleCount - taken;

@@ -16,13 +16,13 @@ class OVDynamicWaveForm;
 
 /// A summary of fixed size: 1024 elements spread evenly over the whole audio.
 ///
-/// For audio whose length is known: read from the buffer, stretched from a dynamic summary, or
-/// patched chunk by chunk as audio is written. An element's value is the spread of magnitudes, of
-/// the same samples of each block as in the dynamic summary. Elements never written are 0.0.
+/// For audio of known length: read from the buffer, stretched from a dynamic summary, or patched
+/// chunk by chunk as audio is written. An element's value is the spread of magnitudes over the same
+/// samples of each block as in the dynamic summary. Elements never written are 0.0.
 ///
-/// A generation reads and looks at samples without the short lock and publishes a batch of
-/// elements at a time under it. Chunks that arrive meanwhile show at once, and their elements stay
-/// as if they had arrived after the generation, which may have read older audio there.
+/// A generation reads and examines samples without the short lock and publishes a batch of elements
+/// at a time under it. Chunks that arrive meanwhile show at once. The generation does not overwrite
+/// their elements, since it may have read older audio there.
 ///
 /// Threads: any. The generation lock is held for the whole of regenerate(); every other operation
 /// waits for the short lock only. Real-time: not safe.
@@ -41,8 +41,8 @@ class OVStaticWaveform final : public OVWaveformSummary {
 
   /// Spreads the finished elements of a dynamic summary, n of them, over the elements: its element
   /// k goes to slot k × 1024 / n, rounded down. Nothing is averaged or interpolated; slots between
-  /// stay 0.0, a gap pattern that is meant. The dynamic summary is kept, and its audio buffer is
-  /// this one's.
+  /// stay 0.0; the gaps are intended. The result keeps the dynamic summary and shares its audio
+  /// buffer.
   [[nodiscard]] static std::shared_ptr<OVStaticWaveform> initWithDynamicWaveform(
       std::shared_ptr<OVDynamicWaveForm> dynamicWaveform);
 
@@ -52,9 +52,8 @@ class OVStaticWaveform final : public OVWaveformSummary {
   OVStaticWaveform& operator=(const OVStaticWaveform&) = delete;
 
   /// Summarises the whole buffer: each element covers the buffer's length divided by 1024, rounded
-  /// down. The frames that the division leaves over are not summarised, and with less than 1024
-  /// frames, or beyond a hole, elements stay as they were.
-  /// A cancelled one asks for another.
+  /// down. Frames left over by the division are not summarised. With fewer than 1024 frames, or
+  /// after a hole, elements stay unchanged. A cancelled generation requests another.
   void regenerate(const std::atomic<bool>* cancelled = nullptr);
 
   /// regenerate() if shouldRegenerateWaveform() is set, else nothing.
@@ -80,10 +79,10 @@ class OVStaticWaveform final : public OVWaveformSummary {
   [[nodiscard]] std::uint64_t readerPos() const override;
   /// Always 1024.
   [[nodiscard]] std::uint64_t elementCount() const override;
-  /// Elements that a generation produced, less the last one when it was complete; for a stretched
-  /// summary those of its source.
+  /// Elements that a generation produced, minus the last one if it was complete; for a stretched
+  /// summary, those of its source.
   [[nodiscard]] std::uint64_t producedElementCount() const;
-  /// The 1024 elements; only for a caller that knows that no one changes them.
+  /// The 1024 elements; use them only while no thread changes them.
   [[nodiscard]] const float* data() const override NO_THREAD_SAFETY_ANALYSIS;
   void copyElementsInto(std::vector<float>& elements) const override;
   [[nodiscard]] double powerAtPosition(double fraction) const override;
@@ -102,7 +101,7 @@ class OVStaticWaveform final : public OVWaveformSummary {
  private:
   using Slots = std::bitset<kElementCount>;
 
-  /// What a chunk does to the elements, worked out before the short lock is taken.
+  /// A chunk's effect on the elements, computed before the short lock is taken.
   struct Patch {
     std::uint64_t firstSlot = 0;         ///< clearing starts here, at most kElementCount
     std::uint64_t clearedByteCount = 0;  ///< not always whole elements; ends at the last one
@@ -133,7 +132,7 @@ class OVStaticWaveform final : public OVWaveformSummary {
   /// The short lock. Innermost: nothing else is locked and no buffer is called under it.
   mutable platform::Mutex elementsLock_;
   Elements elements_ GUARDED_BY(elementsLock_);
-  /// Slots that chunks set since the last generation began: it leaves them alone.
+  /// Slots that chunks set since the last generation began, which it does not overwrite.
   Slots patched_ GUARDED_BY(elementsLock_);
 
   /// Set by any thread, cleared at the start of a generation. Read without a lock.

@@ -9,13 +9,13 @@
 
 class OVAudioBufferInterface;
 
-/// What both waveform summaries offer to the document and to the views: a short list of elements,
-/// each the spread between the largest and the smallest sample magnitude over a stretch of the
-/// audio, 0 to 1 for full-scale audio.
+/// The common interface of both waveform summaries: a short list of elements, each the difference
+/// between the largest and the smallest sample magnitude over a stretch of the audio, 0 to 1 for
+/// full-scale audio.
 ///
-/// Two locks: lock()/unlock() take the one that generate() holds for its whole run, so that two
-/// generations never overlap; the elements have a short lock of their own, so that a view never
-/// waits for a generation and never reads a half-written element.
+/// Two locks. lock() and unlock() use the one that generate() holds for its whole run, so that
+/// generations never overlap. A separate short lock guards the elements, so that a view never waits
+/// for a generation or reads a half-written element.
 ///
 /// Threads: any, unless said otherwise. Real-time: not safe.
 class CAPABILITY("waveform summary") OVWaveformSummary {
@@ -24,13 +24,13 @@ class CAPABILITY("waveform summary") OVWaveformSummary {
 
   /// Brings the summary up to date with the audio under the lock.
   ///
-  /// @param cancelled  once any thread has set it, the generation ends with the batch that it is at
-  ///                   and leaves the summary unfinished: the next generation completes it. May be
+  /// @param cancelled once set by any thread, the generation stops after the current batch and
+  ///                   leaves the summary unfinished; the next generation completes it. May be
   ///                   null; must outlive the call
   virtual void generate(const std::atomic<bool>* cancelled) = 0;
-  /// The same without taking the lock: the caller holds it, or knows that no one else generates.
+  /// The same without taking the lock: the caller holds it, or no other thread generates.
   virtual void generateNoLock(const std::atomic<bool>* cancelled) = 0;
-  /// Both to their end.
+  /// The same without cancellation.
   void generate() { generate(nullptr); }
   void generateNoLock() { generateNoLock(nullptr); }
   /// Makes the next generate() start from the beginning of the audio.
@@ -43,17 +43,17 @@ class CAPABILITY("waveform summary") OVWaveformSummary {
   [[nodiscard]] virtual std::uint64_t readerPos() const = 0;
   /// Number of elements to draw.
   [[nodiscard]] virtual std::uint64_t elementCount() const = 0;
-  /// The element array; only for a caller that knows that no one generates.
+  /// The element array; use it only while no thread generates.
   [[nodiscard]] virtual const float* data() const = 0;
-  /// Copies the elements as they stand into `elements`, resized to their number; waits only for
-  /// the short lock. For drawing.
+  /// Copies the current elements into `elements`, resized to their number; waits only for the short
+  /// lock. For drawing.
   virtual void copyElementsInto(std::vector<float>& elements) const = 0;
   /// The element at a fraction of the whole, clamped to 0..1 and to the last element; 0 for an
   /// empty summary.
   [[nodiscard]] virtual double powerAtPosition(double fraction) const = 0;
   [[nodiscard]] virtual double maxAmplitude() const = 0;
 
-  /// A summary of its own on the same audio with the same state; waits only for the short lock.
+  /// An independent summary of the same audio with the same state; waits only for the short lock.
   [[nodiscard]] virtual std::shared_ptr<OVWaveformSummary> copy() const = 0;
 
   [[nodiscard]] virtual std::shared_ptr<OVAudioBufferInterface> audioBuffer() const = 0;

@@ -73,15 +73,15 @@ void SummaryReader::readLongBlock(std::uint64_t fromByteOffset) {
     return;
   }
   if (byteCount < bytesPerBlock_) {
-    // In one piece it still lies in the scratch.
+    // A block read in one piece is still in the scratch buffer.
     extent = byteCount < bytesPerRead_ ? leftMagnitudeExtent(scratch_.get(), frameCount)
                                        : readAgain(fromByteOffset, frameCount, extent);
   }
   blocks_.push_back({.byteCount = byteCount, .frameCount = frameCount, .extent = extent});
 }
 
-/// `otherwise` stands when the audio has been cut off meanwhile: there is nothing to look at any
-/// more, and what was seen is closer than nothing until the summary is generated anew.
+/// Returns `otherwise` when the audio was cut off meanwhile: the earlier result is the best
+/// estimate until the summary is regenerated.
 MagnitudeExtent SummaryReader::readAgain(std::uint64_t fromByteOffset, std::uint64_t frameCount,
                                          const MagnitudeExtent& otherwise) {
   MagnitudeExtent extent;

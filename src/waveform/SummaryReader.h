@@ -9,33 +9,32 @@
 
 class OVAudioBufferInterface;
 
-/// Reads a buffer's audio in blocks of one size for a summary, and looks at the samples of each.
+/// Reads a buffer's audio in blocks of one size for a summary, and examines each block's samples.
 ///
-/// A block is what one read of that size answers: whole, or short at the end of the audio and at
-/// a hole. Few reads of the buffer serve many blocks, or many serve one long block, so that
+/// A block is the result of one read of that size: whole, or short at the end of the audio and at a
+/// hole. One read of the buffer serves many short blocks, and a long block takes several, so
 /// reading is fast, memory is bounded (batchByteCount, and one record for each block of a batch)
-/// and the buffer's lock is held only briefly at a time. What comes out is the same to the bit as
-/// with one read for each block:
+/// and the buffer's lock is held only briefly. The result is bit-identical to one read for each
+/// block:
 ///
-/// - Short blocks. A batch is one read of several blocks' bytes. A buffer answers a read with the
-///   bytes from its offset up to the first one that it does not have. Reads of single blocks at
-///   the same moment would answer whole blocks up to that byte, one short block before it, and
-///   nothing after it: just how the batch is divided here.
-/// - Writers. A buffer answers a read under its lock, so a batch is what single reads answer that
-///   no writer came between. After a short block the caller asks again, as it does after any
-///   block, and gets what was appended meanwhile. A writer can therefore do nothing that it could
-///   not have done beside single reads; it only finds fewer places to come between.
-/// - Long blocks. A block longer than a batch is read in pieces until one of them comes short.
-///   Audio that is only appended to meanwhile answers as it would answer one read at the moment
-///   of the last piece. How many samples are looked at depends on the frames that came, which are
-///   known only after the last piece: a whole block is assumed, and the leading half of a short
-///   one is read again.
+/// - Short blocks. A batch is one read of several blocks' bytes. A read returns the bytes from its
+///   offset up to the first missing one. Reads of single blocks at the same moment would return
+///   whole blocks up to that byte, one short block before it, and nothing after it. The batch is
+///   divided in the same way.
+/// - Writers. A read is consistent at one moment, so a batch equals single reads with no write
+///   between them. After a short block the caller reads again, as after any block, and gets audio
+///   appended meanwhile. Concurrent writes therefore have no effect that they could not have
+///   between single reads.
+/// - Long blocks. A block longer than a batch is read in pieces until one is short. If audio is
+///   only appended meanwhile, the result equals one read at the moment of the last piece. The
+///   number of samples to examine depends on the frames read, known only after the last piece: a
+///   whole block is assumed, and the first half of a short one is read again.
 ///
 /// Threads: one at a time. Real-time: not safe.
 class SummaryReader {
  public:
-  /// Bytes of one read of the buffer: large enough that the cost of the call does not count, small
-  /// enough that the samples are still in the processor's second cache when they are looked at.
+  /// Bytes per read of the buffer: large enough to make the call's cost negligible, small enough
+  /// that the samples are still in the L2 cache when they are examined.
   static constexpr std::uint64_t kBatchByteCount = 0x40000;  // 256 KiB
 
   struct Block {
@@ -49,8 +48,8 @@ class SummaryReader {
   SummaryReader(OVAudioBufferInterface& audioBuffer, std::uint64_t framesPerBlock,
                 std::uint64_t batchByteCount = kBatchByteCount);
 
-  /// The next blocks from a byte offset on, in order and without a gap; empty when no whole frame
-  /// is there. Only the last one can be short. They last until the next call.
+  /// The next blocks from a byte offset on, in order and without a gap; empty when there is no
+  /// whole frame. Only the last one can be short. Valid until the next call.
   [[nodiscard]] std::span<const Block> readBlocks(std::uint64_t fromByteOffset);
 
  private:

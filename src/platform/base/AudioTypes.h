@@ -8,8 +8,8 @@
 /// Threads: any. Real-time: safe.
 namespace platform {
 
-/// Result of a sound device, audio queue or audio file call: 0 is success, everything else a
-/// code that CheckAudioStatus turns into words. Signed 32 bits, often four printable characters.
+/// Result of a call to a sound device, audio queue or audio file. 0 is success; CheckAudioStatus
+/// describes every other code in words. Often four printable characters.
 using AudioStatus = std::int32_t;
 
 inline constexpr AudioStatus kAudioStatusOk = 0;
@@ -27,25 +27,25 @@ constexpr AudioStatus fourCharacterStatus(const char (&code)[5]) {
   return static_cast<AudioStatus>(fourCharacterCode(code));
 }
 
-/// The file's kind is not one that can be read or written.
+/// The file type is not supported.
 inline constexpr AudioStatus kUnsupportedFileTypeStatus = fourCharacterStatus("wht?");
-/// The sound server or driver cannot be reached, or no device of the wanted kind exists.
+/// The sound server or driver is unreachable, or no suitable device exists.
 inline constexpr AudioStatus kDeviceUnavailableStatus = fourCharacterStatus("!dev");
-/// The device was there and has gone: pulled, or its server died.
+/// The device was unplugged, or its sound server died.
 inline constexpr AudioStatus kDeviceLostStatus = fourCharacterStatus("gone");
-/// A parameter is out of range, such as a format that no queue can carry.
+/// A parameter is out of range, such as an unsupported format.
 inline constexpr AudioStatus kInvalidParameterStatus = -50;
-/// The queue was disposed of, or is in a state that forbids the call.
+/// The queue was disposed of, or its state does not allow the call.
 inline constexpr AudioStatus kInvalidQueueStateStatus = fourCharacterStatus("!que");
-/// The system lets no further thread be made.
+/// The system cannot create another thread.
 inline constexpr AudioStatus kNoThreadStatus = fourCharacterStatus("!thr");
 
 inline constexpr std::uint32_t kLinearPcmFormat = fourCharacterCode("lpcm");
 inline constexpr std::uint32_t kFloatFormatFlag = 1;
 inline constexpr std::uint32_t kPackedFormatFlag = 8;
 
-/// How samples lie in memory. 40 bytes, the field order of the audio stream description that
-/// audio queues and files exchange.
+/// Layout of samples in memory. 40 bytes; the field order is that of the description that audio
+/// queues and files exchange.
 struct AudioStreamBasicDescription {
   double mSampleRate = 0;             ///< frames a second
   std::uint32_t mFormatID = 0;        ///< four characters
@@ -66,9 +66,9 @@ inline constexpr std::uint32_t kWorkingRate = 44100;  ///< frames a second
 inline constexpr std::size_t kWorkingChannels = 2;    ///< left, right
 inline constexpr std::uint32_t kWorkingFrameBytes = kWorkingChannels * sizeof(float);
 
-/// Frames that a recorder is given at a time: 92.9 ms.
+/// Frames that a recorder receives at a time: 92.9 ms.
 inline constexpr std::uint32_t kRecordingChunkFrames = 4096;
-/// Frames of a file that are read or written at a time: six seconds.
+/// Frames of a file read or written at a time: six seconds.
 inline constexpr std::uint32_t kFileChunkFrames = 6 * kWorkingRate;
 
 /// The format of every buffer, recorder and player: interleaved 32-bit float in native byte order.

@@ -23,7 +23,7 @@ struct GlobalQueue::State {
   std::size_t threads GUARDED_BY(mutex) = 0;
   std::size_t idle GUARDED_BY(mutex) = 0;
 
-  // False when the system gives no thread: those that are there do the work.
+  // False when the system cannot create a thread: existing ones do the work.
   bool addThread() REQUIRES(mutex) {
     ++threads;
     try {
@@ -35,8 +35,8 @@ struct GlobalQueue::State {
     }
   }
 
-  // False when nothing came for a while. The last thread stays: it does the work when the system
-  // has no thread to give.
+  // False when no work arrived for a while. The last thread stays, for when the system cannot
+  // create another.
   bool waitForWork() REQUIRES(mutex) {
     auto deadline = Clock::now() + kIdleThreadLife;
     while (blocks.empty()) {

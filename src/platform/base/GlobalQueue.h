@@ -5,19 +5,20 @@
 
 namespace platform {
 
-/// The concurrent queue of default priority. Its threads come with the work, and all but one go
-/// after a while without any; work for which the system gives no thread waits for one of those that
-/// are there.
+/// The concurrent queue of default priority. It starts threads as work arrives; all but one end
+/// after a while without work. When the system cannot create a thread, work waits for an existing
+/// one.
 ///
 /// Threads: any. Real-time: not safe.
 class GlobalQueue {
  public:
-  /// A block may wait for a person (an alert), so the number of threads is generous.
+  /// Generous, since a block may wait for the user (an alert).
   static constexpr std::size_t kMaximumThreads = 64;
 
   void async(std::function<void()> block);
 
-  /// Waits until no block is queued or running, at most `seconds`. For the end of the program.
+  /// Waits at most `seconds` until no block is queued or running; false on a timeout. Used at
+  /// program exit.
   bool waitUntilIdle(double seconds);
 
  private:

@@ -7,8 +7,8 @@
 
 namespace platform {
 
-/// A std::shared_ptr or std::weak_ptr that threads replace while others copy it. The lock covers
-/// the copy alone: the former value is released after it.
+/// A std::shared_ptr or std::weak_ptr that some threads replace while others copy it. The lock
+/// covers only the copy; the former value is released after unlocking.
 ///
 /// Threads: any. Real-time: not safe.
 template <typename Pointer>

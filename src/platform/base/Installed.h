@@ -7,25 +7,25 @@
 
 namespace platform {
 
-/// The implementation of an interface that a lower layer owns and a higher one provides. T has a
-/// static `whenNoneIsInstalled()` that makes the default: one that only writes to standard error,
-/// or the operating system's where the lower layer can provide that itself.
+/// The implementation of an interface that a lower layer defines and a higher layer provides. The
+/// static function T::whenNoneIsInstalled() makes the default: one that only writes to standard
+/// error, or the operating system's where the lower layer can provide it.
 ///
-/// What get() returned stays alive for as long as it is held, also where a thread outlives main.
+/// The result of get() stays alive while it is held, even in a thread that outlives main.
 ///
 /// Threads: any. Real-time: not safe.
 template <typename T>
 class Installed {
  public:
-  /// The implementation of the innermost scope, otherwise the default. Never null.
+  /// The innermost scope's implementation, or the default. Never null.
   [[nodiscard]] static std::shared_ptr<T> get() { return slot().get(); }
 
-  /// Installs an implementation for as long as the scope lives. Scopes nest.
+  /// Installs an implementation while the scope lives. Scopes nest.
   class [[nodiscard]] Scope {
    public:
     explicit Scope(std::shared_ptr<T> implementation)
         : previous_(slot().exchange(std::move(implementation))) {}
-    /// The caller keeps the implementation, which must outlive all its uses.
+    /// The caller keeps ownership; the implementation must outlive all its uses.
     explicit Scope(T& implementation)
         : Scope(std::shared_ptr<T>(std::shared_ptr<void>(), &implementation)) {}
     ~Scope() { slot().set(std::move(previous_)); }

@@ -8,9 +8,9 @@ namespace platform {
 /// Real-time: safe.
 [[nodiscard]] bool isMainThread();
 
-/// Ends the program with the caller's name when this is another thread: for operations that only
-/// the main thread may call. In release builds too: it compares two numbers, and what it prevents
-/// is a data race that would otherwise show as damaged state much later, on a user's machine only.
+/// Aborts with the caller's name on any thread but the main one, for operations that only the main
+/// thread may call. Active in release builds too: the check compares two numbers, and it prevents a
+/// data race that would otherwise show up much later as damaged state.
 ///
 /// Threads: any.
 /// Real-time: safe.

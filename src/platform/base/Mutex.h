@@ -8,8 +8,9 @@
 
 namespace platform {
 
-/// A lock that clang's analysis knows: members say GUARDED_BY(mutex_), functions REQUIRES(mutex_),
-/// and clang reports a use without the lock. libstdc++'s std::mutex has no such attributes.
+/// A mutex that clang's thread safety analysis checks: members are marked GUARDED_BY(mutex_),
+/// functions REQUIRES(mutex_), and clang reports any use without the lock. libstdc++'s std::mutex
+/// lacks these attributes.
 ///
 /// Threads: any. Real-time: not safe.
 class CAPABILITY("mutex") Mutex {
@@ -44,9 +45,9 @@ class SCOPED_CAPABILITY LockOf {
 
 using MutexLock = LockOf<Mutex>;
 
-/// Waits for a change of what a mutex guards. A wait may end without one, so the caller loops:
-/// `while (!done_) changed_.wait(mutex_);`. There is no form with a predicate: clang would not know
-/// that it runs with the lock held.
+/// A condition variable. A wait may end spuriously, so the caller loops: `while (!done_)
+/// changed_.wait(mutex_);`. There is no overload with a predicate, since clang would not know that
+/// the predicate runs with the lock held.
 ///
 /// Threads: any. Real-time: not safe.
 class Condition {
@@ -59,14 +60,14 @@ class Condition {
     condition_.wait(held.lock);
   }
 
-  /// False when `deadline` passed.
+  /// False when `deadline` has passed.
   bool waitUntil(Mutex& mutex, std::chrono::steady_clock::time_point deadline) REQUIRES(mutex) {
     Held held(mutex);
     return condition_.wait_until(held.lock, deadline) == std::cv_status::no_timeout;
   }
 
  private:
-  // The caller's lock as the standard's condition variable wants it; still locked at the end.
+  // Lends the caller's lock to std::condition_variable; it is still locked afterwards.
   struct Held {
     explicit Held(Mutex& mutex) : lock(mutex.mutex_, std::adopt_lock) {}
     ~Held() { lock.release(); }

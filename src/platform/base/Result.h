@@ -7,9 +7,9 @@
 
 namespace platform {
 
-/// What could be made, or the error that prevented it.
+/// An object, or the error that prevented making it.
 ///
-/// @tparam T      the object; where it may be one of several kinds, a std::unique_ptr to it
+/// @tparam T the object, or a std::unique_ptr to it where its class may vary
 /// @tparam Error  an errno unless said otherwise
 ///
 /// Threads: one at a time. Real-time: safe where T is.
@@ -23,15 +23,15 @@ class [[nodiscard]] Result {
   /// Whether there is an object.
   explicit operator bool() const { return object_.has_value(); }
 
-  /// The object; throws std::bad_optional_access for none. `->` reaches through a pointer to the
-  /// object that it points to.
+  /// The object; throws std::bad_optional_access if there is none. If T is a pointer, `->` reaches
+  /// the object that it points to.
   [[nodiscard]] const T& operator*() const& { return object_.value(); }
   [[nodiscard]] T& operator*() & { return object_.value(); }
   [[nodiscard]] T&& operator*() && { return std::move(object_.value()); }
   auto operator->() { return pointerTo(object_.value()); }
   auto operator->() const { return pointerTo(object_.value()); }
 
-  /// Error{} with an object.
+  /// The error; Error{} if there is an object.
   [[nodiscard]] const Error& error() const { return error_; }
 
  private:

@@ -11,12 +11,12 @@
 namespace platform {
 namespace {
 
-// A caller of sync() that waits for its turn.
+// A caller of sync() waiting for its turn.
 struct Ticket {
   bool turn = false;
 };
 
-// What stands in line: a block to run, or a waiting caller.
+// A queue entry: a block to run, or a waiting caller.
 struct Item {
   std::function<void()> block;
   Ticket* ticket = nullptr;
@@ -24,7 +24,7 @@ struct Item {
 
 }  // namespace
 
-// The right to run is handed from one holder to the next: a draining thread or a caller of sync().
+// The right to run passes from one holder to the next: a draining thread or a caller of sync().
 struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
   Mutex mutex;
   Condition turnGiven;
@@ -36,7 +36,7 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     globalQueue().async([state = shared_from_this()] { state->drain(); });
   }
 
-  // Runs blocks until the line is empty or a waiting caller takes over.
+  // Runs blocks until the queue is empty or a waiting caller takes over.
   void drain() EXCLUDES(mutex) {
     MutexLock lock(mutex);
     while (!line.empty()) {

@@ -8,10 +8,9 @@
 
 namespace platform {
 
-/// Runs blocks one after the other in the order in which they were submitted. A queue that is used
-/// with sync() alone needs no thread: the block runs on the caller's thread when its turn has
-/// come. Blocks submitted with async() run on the threads of the global queue. Blocks still queued
-/// when the queue is destroyed are run all the same.
+/// Runs blocks one at a time in the order of submission. sync() runs the block on the caller's
+/// thread when its turn comes and needs no other thread; async() uses the threads of the global
+/// queue. Blocks still queued when the queue is destroyed run all the same.
 ///
 /// Threads: any. Real-time: not safe.
 class SerialQueue {
@@ -25,8 +24,8 @@ class SerialQueue {
 
   void async(std::function<void()> block);
 
-  /// Runs the block and returns its result. From inside a block of this queue it could never run:
-  /// that ends the program, in release builds too.
+  /// Runs the block and returns its result. Called from a block of the same queue it would
+  /// deadlock, so it aborts instead, in release builds too.
   template <typename Block>
   std::invoke_result_t<Block> sync(Block&& block) {
     const Turn turn(*state_);

@@ -8,22 +8,22 @@
 
 namespace platform {
 
-/// Two stacks of operations that take things back. While an operation of the undo side runs, what
-/// it registers goes to the redo side, and the other way round; any other registration empties
-/// the redo side.
+/// The undo stack and the redo stack. Operations registered during an undo go to the redo stack,
+/// and those registered during a redo to the undo stack. Any other registration clears the redo
+/// stack.
 ///
 /// Threads: main. Real-time: not safe.
 class UndoManager {
  public:
-  /// Most operations kept on each side, the oldest are dropped; 0 keeps all.
+  /// Maximum number of operations on each stack; the oldest are dropped. 0 keeps all.
   void setLevelsOfUndo(std::size_t levels);
   [[nodiscard]] std::size_t levelsOfUndo() const { return levels_; }
 
-  /// Registers an operation. It is not run if `target` has gone by then.
+  /// Registers an operation, which does nothing once `target` has expired.
   void registerUndo(std::weak_ptr<void> target, std::function<void()> operation);
 
-  /// Names the operation registered last, for the menu. What is registered during an undo or redo
-  /// takes over the name of the operation that runs.
+  /// Names the last registered operation for the menu. An operation registered during an undo or
+  /// redo inherits the name of the running one.
   void setActionName(std::string name);
 
   [[nodiscard]] bool canUndo() const { return !undoStack_.empty(); }
@@ -31,9 +31,9 @@ class UndoManager {
   [[nodiscard]] bool isUndoing() const { return mode_ == Mode::undoing; }
   [[nodiscard]] bool isRedoing() const { return mode_ == Mode::redoing; }
 
-  /// Runs the last operation of a side; nothing when it is empty or an operation is running. What
-  /// an operation throws is passed on; it is off its side by then, and the manager goes on as
-  /// before.
+  /// Runs the last operation of a stack. Does nothing when the stack is empty or an operation is
+  /// running. Exceptions propagate; the operation has left its stack by then, and the manager stays
+  /// usable.
   void undo();
   void redo();
 
@@ -41,13 +41,13 @@ class UndoManager {
   [[nodiscard]] std::string undoActionName() const;
   [[nodiscard]] std::string redoActionName() const;
 
-  /// Both sides as they are, for a step that may fail after its registration.
+  /// A copy of both stacks, for a step that may fail after its registration.
   class Sides;
   [[nodiscard]] Sides sides() const;
-  /// Makes both sides as they were.
+  /// Restores both stacks.
   void setSides(Sides sides);
 
-  /// Called after every change of either side.
+  /// Called after every change of either stack.
   void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
 
  private:

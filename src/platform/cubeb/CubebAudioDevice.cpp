@@ -54,7 +54,7 @@ class CubebOutput final : public AudioOutputStream {
   CubebStream stream_;
 };
 
-/// Makes `connection` one on which a stream can be tried.
+/// Replaces `connection` unless it is usable for opening a stream.
 void connect(std::shared_ptr<CubebConnection>& connection, ModuleConsole* consoleLog) {
   if (connection && connection->isBroken()) {
     connection.reset();

@@ -12,30 +12,30 @@ class CubebConnection;
 
 /// The default microphone and loudspeaker of the machine, through cubeb.
 ///
-/// Input and output have a connection to the sound system each, so that each has an audio thread of
-/// its own. A connection on which anything failed is not used again: it may belong to a server that
-/// has died, or to a fallback that was chosen while there was none.
+/// Input and output each have their own connection to the sound system, and so their own audio
+/// thread. A connection is not used again after any failure: it may belong to a dead server, or to
+/// a fallback chosen while there was no server.
 ///
-/// What failed is logged to `consoleLog`, since a status says little; the library's own
-/// log stays off, because it would be written on the audio threads.
+/// Failures are logged to `consoleLog`, since a status says little. cubeb's own log stays off,
+/// because it would be written on the audio threads.
 ///
 /// Threads: the control thread of the audio queues; every call may block for long (a server that
 /// hangs held up a stop for 30 s and a connection for 120 s). Real-time: not safe.
 class CubebAudioDevice final : public AudioDevice {
  public:
-  /// Frames of latency asked of the sound system, for input and for output: 93 ms. Less brought
-  /// dropouts beside other load.
+  /// Latency requested from the sound system for input and output, in frames: 93 ms. Less caused
+  /// dropouts under load.
   static constexpr std::uint32_t kLatencyFrames = 4096;
 
   explicit CubebAudioDevice(ModuleConsole* consoleLog);
 
-  /// Disconnects, once the streams are gone as well.
+  /// Disconnects once the streams are gone as well.
   ~CubebAudioDevice() override;
 
   [[nodiscard]] Input openInput(AudioInputClient& client) override;
   [[nodiscard]] Output openOutput(AudioOutputClient& client) override;
 
-  /// Connects the output's side; the input's is connected by opening it.
+  /// Connects the output; opening the input connects that.
   void prepare() override;
 
  private:

@@ -15,8 +15,8 @@ std::shared_ptr<CubebConnection> CubebConnection::make(ModuleConsole* consoleLog
 }
 
 void CubebConnection::logFailure(const char* direction, AudioStatus status) const {
-  // With no server the library still says yes, with its last resort, which works on a machine
-  // whose hardware it can reach alone and nowhere else. So what counts is whether a stream opens.
+  // Without a server cubeb still succeeds with its last fallback, which works only on machines
+  // where it can reach the hardware directly. So the real test is whether a stream opens.
   const char* backend = cubeb_get_backend_id(context_);
   const bool lastResort = std::strcmp(backend, "alsa") == 0;
   consoleLog_("No sound %s could be opened through \"%s\" (%d)%s", direction, backend, status,

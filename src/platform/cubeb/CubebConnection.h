@@ -16,7 +16,7 @@ namespace platform {
 /// is safe.
 class CubebConnection {
  public:
-  /// Null when cubeb finds nothing to talk to. Logs to `consoleLog`, here and later.
+  /// Null when cubeb finds no sound system. Logs to `consoleLog`, here and later.
   [[nodiscard]] static std::shared_ptr<CubebConnection> make(ModuleConsole* consoleLog);
 
   CubebConnection(cubeb* context, ModuleConsole* consoleLog)
@@ -27,8 +27,8 @@ class CubebConnection {
 
   [[nodiscard]] cubeb* context() const { return context_; }
 
-  /// Something failed on it: it may belong to a server that has died, or to a fallback that was
-  /// chosen while there was no server. No new stream is opened on it.
+  /// Marks the connection as failed: it may belong to a dead server, or to a fallback chosen while
+  /// there was no server. No new stream is opened on it.
   void markBroken() noexcept { broken_.store(true); }
   [[nodiscard]] bool isBroken() const { return broken_.load(); }
 

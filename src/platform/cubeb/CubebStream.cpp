@@ -4,7 +4,7 @@
 
 namespace platform {
 
-// The format is always the same and valid: a device that refuses it is as good as none.
+// The format is always the same and valid: a device that refuses it counts as unavailable.
 AudioStatus statusOfCubeb(int result) {
   return result == CUBEB_OK ? kAudioStatusOk : kDeviceUnavailableStatus;
 }
@@ -57,8 +57,8 @@ AudioStatus CubebStream::stop() {
 std::uint64_t CubebStream::position() {
   std::uint64_t frames = 0;
   if (life_.load() != Life::kDead && cubeb_stream_get_position(stream_, &frames) == CUBEB_OK) {
-    // The library extrapolates from the start on, and was seen hundreds of frames ahead of a server
-    // that had not begun to play. What still fits into the stream's buffer may not have left it.
+    // cubeb extrapolates from the start on, and was seen hundreds of frames ahead of a server that
+    // had not begun to play. The last buffer's worth of frames may still be in the stream.
     const std::uint64_t given = transferred_.load(std::memory_order_relaxed);
     position_ = std::min(frames, given - std::min<std::uint64_t>(given, latencyFrames_));
   }
@@ -70,7 +70,7 @@ long CubebStream::transferCallback(cubeb_stream*, void* user, const void* input,
   auto* self = static_cast<CubebStream*>(user);
   self->transfer_(self->client_, input, output, static_cast<std::uint32_t>(frames));
   self->transferred_.fetch_add(static_cast<std::uint64_t>(frames), std::memory_order_relaxed);
-  return frames;  // never fewer: that would begin a drain, which cuts short clips off
+  return frames;  // never fewer: that would start a drain, which cuts off short clips
 }
 
 void CubebStream::stateCallback(cubeb_stream*, void* user, cubeb_state state) {

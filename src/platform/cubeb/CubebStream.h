@@ -14,18 +14,18 @@ namespace platform {
 
 /// A cubeb stream in one direction, in kWorkingFormat, on the default device.
 ///
-/// cubeb_stream_get_latency() is not used: it aborts the process on a dead stream. No call of the
-/// library is made from its callbacks: that would abort as well.
+/// cubeb_stream_get_latency() is not used: it aborts the process on a dead stream. Its callbacks
+/// never call cubeb, which would abort as well.
 ///
 /// Threads: the control thread, except the callbacks. Real-time: only the callbacks are safe.
 class CubebStream {
  public:
   enum class Direction { kInput, kOutput };
 
-  /// The library's data callback, on its audio thread.
+  /// cubeb's data callback, on its audio thread.
   using Transfer = void (*)(void* client, const void* captured, void* wanted,
                             std::uint32_t frames) noexcept;
-  /// The stream has died, on a thread of the library.
+  /// The stream has died; called on one of cubeb's threads.
   using Died = void (*)(void* client) noexcept;
 
   CubebStream(std::shared_ptr<CubebConnection> connection, Direction direction, void* client,
@@ -36,20 +36,20 @@ class CubebStream {
         transfer_(transfer),
         died_(died) {}
 
-  /// Stops and destroys; what is queued for output is dropped.
+  /// Stops and destroys the stream; queued output is dropped.
   ~CubebStream();
   CubebStream(const CubebStream&) = delete;
   CubebStream& operator=(const CubebStream&) = delete;
 
-  /// Makes the stream, once; an input is started as well. A stream that died meanwhile counts as
-  /// not opened, and `died` is not called for it. A failure breaks the connection.
+  /// Opens the stream, once; an input is also started. A stream that dies meanwhile counts as not
+  /// opened, and `died` is not called for it. A failure marks the connection as broken.
   [[nodiscard]] AudioStatus open(std::uint32_t latencyFrames);
 
   [[nodiscard]] AudioStatus start();
   [[nodiscard]] AudioStatus stop();
 
-  /// Frames heard; the last known number when the library does not tell. Never more than the
-  /// device must have taken out of the stream's buffer.
+  /// Frames played; the last known number if cubeb does not report it. Never more than the device
+  /// must have taken from the stream's buffer.
   [[nodiscard]] std::uint64_t position();
 
  private:
@@ -66,11 +66,11 @@ class CubebStream {
   const Transfer transfer_;
   const Died died_;
 
-  // Becomes kOpen by open(), kDead by the library's threads; never leaves kDead.
+  // Set to kOpen by open(), to kDead by cubeb's threads; never leaves kDead.
   std::atomic<Life> life_{Life::kOpening};
 
-  // Frames that the device has given or taken. Only writer: the library's audio thread; a count
-  // alone, so relaxed.
+  // Frames that the device has delivered or taken. Only writer: cubeb's audio thread; only a count,
+  // so relaxed.
   std::atomic<std::uint64_t> transferred_{0};
 
   // Control thread only.
@@ -79,7 +79,7 @@ class CubebStream {
   std::uint64_t position_ = 0;
 };
 
-/// The status for a result of the library.
+/// Converts a result of cubeb to a status.
 [[nodiscard]] AudioStatus statusOfCubeb(int result);
 
 }  // namespace platform

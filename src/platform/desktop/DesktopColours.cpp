@@ -23,7 +23,7 @@ bool isDarkPalette(const QPalette& palette) {
          palette.color(QPalette::WindowText).lightness();
 }
 
-// Read wraps its answer in two variants, newer calls in one.
+// Read wraps its reply in two variants, newer calls in one.
 QVariant unwrapped(QVariant value) {
   while (value.canConvert<QDBusVariant>()) {
     value = value.value<QDBusVariant>().variant();

@@ -8,25 +8,24 @@ class QDBusVariant;
 
 namespace platform {
 
-/// Follows the wish for a light or a dark desktop, where the desktop tells it over the message bus
-/// (the settings portal's "color-scheme") and the toolkit does not follow it by itself: menus and
-/// dialogs then take dark colours. A toolkit that brings dark colours of its own is left alone, and
-/// so is everything where nobody answers.
+/// Follows the desktop's light or dark preference where the desktop publishes it on D-Bus (the
+/// settings portal's "color-scheme") and Qt does not follow it by itself: menus and dialogs then
+/// take dark colours. Where Qt's platform theme has its own dark colours, or no portal answers,
+/// nothing changes.
 ///
-/// The question is asked without waiting for the answer.
+/// The portal is queried asynchronously.
 ///
 /// Threads: main. Real-time: not safe.
 class DesktopColours : public QObject {
   Q_OBJECT
 
  public:
-  /// Begins to follow the desktop on a message bus, usually the session's.
+  /// Starts following the desktop on `bus`, usually the session bus.
   explicit DesktopColours(const QDBusConnection& bus, QObject* parent = nullptr);
 
-  /// Whether dark colours are put in at the moment.
+  /// Whether the dark palette is in use.
   [[nodiscard]] bool isDark() const { return isDark_; }
 
-  /// The dark colours.
   [[nodiscard]] static QPalette darkPalette();
 
  private Q_SLOTS:
@@ -36,7 +35,7 @@ class DesktopColours : public QObject {
   void follow(const QVariant& colorScheme);
 
   bool isDark_ = false;
-  bool hasChanged_ = false;  // the answer to the first question is out of date
+  bool hasChanged_ = false;  // the reply to the first query is out of date
 };
 
 }  // namespace platform

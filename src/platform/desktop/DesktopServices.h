@@ -8,7 +8,7 @@
 
 namespace platform {
 
-/// Opens pages and files with the desktop's own programs. With none installed, an address is only
+/// Opens pages and files with the desktop's programs. With none installed, an address is only
 /// written to standard error.
 ///
 /// Threads: main. Real-time: not safe.

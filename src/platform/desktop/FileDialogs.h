@@ -14,32 +14,32 @@
 
 namespace platform {
 
-/// What a panel that chooses files to open shows.
+/// Content of an open panel.
 struct OpenPanelRequest {
-  QPointer<QWidget> window = nullptr;  ///< the window it belongs to and blocks; null for none
+  QPointer<QWidget> window = nullptr;  ///< the window that it blocks; null for none
   QString title;
   QString acceptLabel;  ///< title of the default button
   bool allowsMultipleSelection = false;
-  std::vector<std::string> fileTypes;  ///< suffixes without the dot, the usual ones first
+  std::vector<std::string> fileTypes;  ///< suffixes without the dot, most common first
 };
 
-/// What a panel that chooses where to save shows.
+/// Content of a save panel.
 struct SavePanelRequest {
   QPointer<QWidget> window = nullptr;
   QString title;
-  std::string directory;      ///< where it begins; empty for where the last panel was
-  std::string suggestedName;  ///< without the suffix, which follows from acceptedSuffixes
+  std::string directory;      ///< initial directory; empty for that of the last panel
+  std::string suggestedName;  ///< without the suffix, which acceptedSuffixes provides
 
-  /// Shown below the files; the panel takes it over and deletes it. Null for none.
+  /// Shown below the files; the panel takes ownership. Null for none.
   QWidget* accessoryView = nullptr;
 
-  /// The suffixes, without the dot, that the file may have as the accessory stands now; the first
-  /// is appended to a name that has none of them. Asked again whenever a choice of the accessory
-  /// changes: the name that is shown then takes over the new suffix.
+  /// The suffixes, without the dot, allowed by the accessory's current choice; the first is
+  /// appended to a name that has none of them. Called again whenever that choice changes; the shown
+  /// name then takes the new suffix.
   std::function<std::vector<std::string>()> acceptedSuffixes;
 };
 
-/// A question with named answers, attached to a window.
+/// A question with named buttons, attached to a window.
 struct SheetRequest {
   QPointer<QWidget> window = nullptr;
   QString title;
@@ -49,12 +49,12 @@ struct SheetRequest {
     int returnCode = 0;
     enum class Role { accept, destructive, reject } role = Role::accept;
   };
-  std::vector<Button> buttons;  ///< the first is the default; Escape answers the one that rejects
+  std::vector<Button> buttons;  ///< the first is the default; Escape presses the one that rejects
 };
 
-/// The system's file dialogs and sheets. They block their window alone; the answer comes later,
-/// from the main loop, exactly once, and not at all when the window goes before. With none
-/// installed, a request is written to standard error and answered as cancelled.
+/// The system's file dialogs and sheets. They block only their window. The answer arrives from the
+/// main loop, exactly once, but never if the window is destroyed first. With none installed, a
+/// request is written to standard error and answered as cancelled.
 ///
 /// Threads: main. Real-time: not safe.
 class FileDialogs {
@@ -62,13 +62,13 @@ class FileDialogs {
   virtual ~FileDialogs() = default;
   static std::shared_ptr<FileDialogs> whenNoneIsInstalled();
 
-  /// The chosen paths; none when it was cancelled.
+  /// The chosen paths; empty when cancelled.
   using OpenAnswer = std::function<void(const std::vector<std::string>& paths)>;
-  /// The chosen path with its suffix, after the question whether an existing file is to be
-  /// replaced; nothing when it was cancelled.
+  /// The chosen path with its suffix, once replacing an existing file was confirmed; nothing when
+  /// cancelled.
   using SaveAnswer = std::function<void(const std::optional<std::string>& path)>;
   using SheetAnswer = std::function<void(int returnCode)>;
-  /// The code of a sheet that was closed without a button: as the one that rejects.
+  /// The code of a sheet closed without pressing a button; treat it as a rejection.
   static constexpr int kNoAnswer = -1;
 
   virtual void beginOpenPanel(const OpenPanelRequest& request, OpenAnswer answer) = 0;

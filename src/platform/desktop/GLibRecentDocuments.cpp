@@ -30,13 +30,14 @@ namespace fs = std::filesystem;
 
 constexpr char kApplication[] = "Orvo";
 constexpr char kCommand[] = "orvo %u";
-// GLib does not write entries that no program has registered: the desktop's opener stands for them.
+// GLib does not write entries without a registered program: the desktop's opener is registered for
+// them.
 constexpr char kOpener[] = "xdg-open";
 constexpr char kOpenerCommand[] = "xdg-open %u";
 constexpr char kUnknownType[] = "application/octet-stream";
 constexpr mode_t kPrivateFile = 0600;
 constexpr mode_t kPrivateFolder = 0700;
-// A program that rewrites the list all the time is not waited for.
+// Limits retries when another program keeps rewriting the list.
 constexpr int kMaximumAttempts = 10;
 
 template <auto destroy>
@@ -170,7 +171,7 @@ std::string textOf(GBookmarkFile* bookmarks) {
   return {text.get(), length};
 }
 
-// Writes the new list beside the old one and brings it to the disk. 0, or the errno of the failure.
+// Writes the new list beside the old one and flushes it to disk. 0, or the errno of the failure.
 int writeNew(const std::string& path, const std::string& text) {
   const int descriptor = ::open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
   if (descriptor < 0) {
@@ -248,8 +249,8 @@ GLibRecentDocuments::Outcome GLibRecentDocuments::tryToNote(const std::string& d
   return replace(before.text, after);
 }
 
-// The new list is on the disk before the old one is looked at for the last time, so that nothing
-// slow lies between that look and the replacement.
+// The new list is on disk before the last check of the old one, so that nothing slow happens
+// between that check and the replacement.
 GLibRecentDocuments::Outcome GLibRecentDocuments::replace(const std::string& before,
                                                           const std::string& after) const {
   makeFolder(fs::path(file_).parent_path());

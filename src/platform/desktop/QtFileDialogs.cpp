@@ -87,7 +87,7 @@ void QtFileDialogs::beginSheet(const SheetRequest& request, SheetAnswer answer) 
   sheet->setText(request.title);
   sheet->setInformativeText(request.message);
   for (QLabel* const label : sheet->findChildren<QLabel*>()) {
-    label->setTextFormat(Qt::PlainText);  // names of files stand in it
+    label->setTextFormat(Qt::PlainText);  // it contains file names
   }
   for (const auto& button : request.buttons) {
     QPushButton* const added = sheet->addButton(button.title, roleOf(button.role));

@@ -4,7 +4,7 @@
 
 namespace platform {
 
-/// The file dialogs and sheets as Qt's dialogs.
+/// File dialogs and sheets made of Qt's dialogs.
 ///
 /// Threads: main. Real-time: not safe.
 class QtFileDialogs : public FileDialogs {

@@ -9,8 +9,8 @@
 
 namespace platform {
 
-/// The documents that were opened lately, in the desktop's own list. With none installed, the list
-/// is empty, and what is noted is only written to standard error.
+/// Recently opened documents, in the desktop's list. With none installed, the list is empty, and a
+/// noted document is only written to standard error.
 ///
 /// Threads: any, one at a time. Real-time: not safe.
 class RecentDocuments {
@@ -18,12 +18,12 @@ class RecentDocuments {
   virtual ~RecentDocuments() = default;
   static std::shared_ptr<RecentDocuments> whenNoneIsInstalled();
 
-  /// Notes that the file at `path` was opened or saved just now. A relative path counts from the
-  /// working folder. Failures are logged to the diagnostics console only.
+  /// Records that the file at `path` was just opened or saved. A relative path starts at the
+  /// working directory. Failures are only logged to the diagnostics console.
   virtual void noteNewRecentDocument(const std::string& path) = 0;
 
-  /// Paths of audio files that Orvo has noted, the latest first, at most `most`, only those that
-  /// still exist. Empty when there is no list, or none that can be read.
+  /// Paths of audio files that Orvo has noted and that still exist, latest first, at most `most`.
+  /// Empty when there is no readable list.
   [[nodiscard]] virtual std::vector<std::string> recentDocuments(std::size_t most) const = 0;
 };
 

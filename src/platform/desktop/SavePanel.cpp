@@ -60,7 +60,7 @@ SavePanel::SavePanel(const SavePanelRequest& request)
   selectFile(QString::fromStdString(withSuffix(request.suggestedName, suffixes_)));
 }
 
-// In the place of the dialog's own choice, which filters what is listed and here chooses nothing.
+// Takes the place of the dialog's own filter choice, which has no effect here.
 void SavePanel::addAccessory(QWidget* accessory) {
   auto* const filters = findChild<QWidget*>("fileTypeCombo");
   for (QWidget* const own : {findChild<QWidget*>("fileTypeLabel"), filters}) {
@@ -93,7 +93,7 @@ QString SavePanel::shownName() const {
   return edit == nullptr ? QString() : edit->text();
 }
 
-// What is selected in the list would count in place of a name that was not typed.
+// A selection in the list would replace a name that was not typed.
 void SavePanel::showName(const QString& name) {
   if (auto* const list = findChild<QAbstractItemView*>("listView")) {
     list->clearSelection();
@@ -151,7 +151,7 @@ void SavePanel::accept() {
   if (there.exists() && !there.isDir()) {
     askToReplace();
   } else {
-    QDialog::accept();  // whoever saves tells of a folder
+    QDialog::accept();  // the caller reports a folder
   }
 }
 
@@ -170,7 +170,7 @@ void SavePanel::askToReplace() {
   question->setAttribute(Qt::WA_DeleteOnClose);
   question->setWindowModality(Qt::WindowModal);
   for (QLabel* const label : question->findChildren<QLabel*>()) {
-    label->setTextFormat(Qt::PlainText);  // a file's name stands in it
+    label->setTextFormat(Qt::PlainText);  // it contains a file name
   }
   connect(question, &QDialog::finished, this, [this](int answer) {
     if (answer == QMessageBox::Yes) {

@@ -10,28 +10,25 @@
 
 namespace platform {
 
-/// `path` with the first of `suffixes` appended, unless it ends in one of them already, in capitals
-/// or not.
+/// `path` with the first of `suffixes` appended, unless it ends in one of them, ignoring case.
 [[nodiscard]] std::string withSuffix(const std::string& path,
                                      const std::vector<std::string>& suffixes);
 
-/// The panel that chooses where to save: a file dialog whose name always has a suffix that fits the
-/// kind chosen in its accessory, before the question whether an existing file is to be replaced.
+/// The save panel: a file dialog that gives the name a suffix matching the kind chosen in its
+/// accessory before it asks whether to replace an existing file.
 ///
-/// Qt's dialog would take quotes in a name for signs between several names, and do nothing at all
-/// for a name that is too long.
+/// Qt's own dialog treats quotes in a name as separators between names, and ignores a name that is
+/// too long.
 ///
 /// Threads: main. Real-time: not safe.
 class SavePanel : public QFileDialog {
  public:
   explicit SavePanel(const SavePanelRequest& request);
 
-  /// Gives the name its suffix, asks before replacing, then closes. A folder's name opens the
-  /// folder.
+  /// Adds the suffix, asks before replacing, then closes. A folder's name opens the folder.
   void accept() override;
 
-  /// The path that was accepted: the name letter by letter as it was typed, whatever the file
-  /// system will say to it.
+  /// The accepted path, with the name exactly as typed even if the file system will reject it.
   [[nodiscard]] const std::string& path() const { return path_; }
 
  private:
@@ -46,7 +43,7 @@ class SavePanel : public QFileDialog {
 
   std::string path_;
   const std::function<std::vector<std::string>()> acceptedSuffixes_;
-  std::vector<std::string> suffixes_;  // as the accessory stood last
+  std::vector<std::string> suffixes_;  // for the accessory's last known choice
 };
 
 }  // namespace platform

@@ -9,8 +9,8 @@
 namespace platform {
 namespace {
 
-// Programs that write to a pipe cannot go back to the header and leave a length in it that stands
-// for "until the end": the largest number of 31 or of 32 bits, less a header or rounded.
+// Programs that write to a pipe cannot return to the header, so its length stands for "until the
+// end": the largest 31-bit or 32-bit number, minus a header or rounded.
 bool standsForUntilTheEnd(std::int64_t frames, std::int64_t bytesPerFrame) {
   constexpr std::int64_t kRoundedBytes = 0x10000;
   for (const std::int64_t largest : {std::int64_t{1} << 31, std::int64_t{1} << 32}) {
@@ -22,11 +22,11 @@ bool standsForUntilTheEnd(std::int64_t frames, std::int64_t bytesPerFrame) {
   return false;
 }
 
-// Rounding of time scales, and a decoder's own delay: no loss that anyone could hear.
+// Rounding of time scales and decoder delay: an inaudible loss.
 constexpr std::int64_t kToleratedFrames = 8192;
 
-// Of a damaged packet some decoders fill only a stretch of their frame. The rest is then silence
-// and not whatever the memory held before, which would be heard, and differently each time.
+// Some decoders fill only part of the frame for a damaged packet. Silence in the rest avoids
+// audible old memory content, which would differ each time.
 int silentBuffer(AVCodecContext* codec, AVFrame* frame, int flags) {
   const int result = avcodec_default_get_buffer2(codec, frame, flags);
   const auto format = static_cast<AVSampleFormat>(frame->format);
@@ -116,7 +116,7 @@ AVFrame* AudioFileDecoder::next() {
   return current_.get();
 }
 
-// Gives 0 with a frame of one sample or more, else what ended the file.
+// Returns 0 with a frame of at least one sample, otherwise the error that ended the file.
 int AudioFileDecoder::decode(AVFrame& frame) {
   for (;;) {
     const int result = avcodec_receive_frame(codec_.get(), &frame);
@@ -145,7 +145,7 @@ int AudioFileDecoder::decode(AVFrame& frame) {
   }
 }
 
-// One more packet to the decoder, or the news that there is none. False when it was interrupted.
+// Sends the decoder the next packet, or the end of the stream. False when interrupted.
 bool AudioFileDecoder::feed() {
   if (inputError_ != 0) {
     return false;
@@ -165,7 +165,7 @@ bool AudioFileDecoder::feed() {
   return true;
 }
 
-// An MPEG-4 file tells in the duration of its last packet how much of it is sound.
+// In MPEG-4 the duration of the last packet says how much of it is sound.
 void AudioFileDecoder::cutToPacket(AVFrame& frame) const {
   if (!demuxer_->isMpeg4() || durationOf(frame) <= 0 || frame.sample_rate <= 0) {
     return;
@@ -179,7 +179,7 @@ void AudioFileDecoder::cutToPacket(AVFrame& frame) const {
 
 void AudioFileDecoder::finish(int error) {
   ended_ = true;
-  // What stands between or behind the packets of a bare stream is mostly a tag, and no damage.
+  // Data between or after the packets of a bare stream is mostly a tag, not damage.
   const bool rubbish = demuxer_->isBareStream() && decodedFrames_ > 0;
   endError_ = error == AVERROR_EOF || (rubbish && error == AVERROR_INVALIDDATA) ? 0 : error;
   if (endError_ == 0 && ((lostPackets_ && !rubbish) || isCutOff())) {
@@ -187,7 +187,7 @@ void AudioFileDecoder::finish(int error) {
   }
 }
 
-// Whether the header promised more than there was.
+// Whether the header declared more than the file holds.
 bool AudioFileDecoder::isCutOff() const {
   const AVStream& stream = demuxer_->stream();
   if (demuxer_->isLinearPcm()) {
@@ -197,7 +197,7 @@ bool AudioFileDecoder::isCutOff() const {
   }
   const std::int64_t declared = demuxer_->declaredDuration();
   const int rate = codec_->sample_rate;
-  // Other containers' lengths take in an encoder's silence.
+  // Other containers' lengths include the encoder's silence.
   if (declared == 0 || rate <= 0 || !(demuxer_->isMpeg4() || demuxer_->isBareStream())) {
     return false;
   }

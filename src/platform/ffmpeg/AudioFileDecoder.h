@@ -11,10 +11,10 @@
 
 namespace platform {
 
-/// The decoded sound of a file, from its beginning to its end, once: without the silence that an
-/// encoder puts before it and, where the file tells, after it.
+/// Decodes a file's sound once, from start to end, without the silence that an encoder adds before
+/// it and, where the file declares it, after it.
 ///
-/// Packets that cannot be decoded are left out, and the rest goes on.
+/// Packets that cannot be decoded are skipped.
 ///
 /// Threads: any, one at a time. Real-time: not safe.
 class AudioFileDecoder {
@@ -34,9 +34,9 @@ class AudioFileDecoder {
   /// The next decoded stretch, valid until the next call; null at the end, then endError() is set.
   [[nodiscard]] AVFrame* next();
 
-  /// Why next() gave nothing: 0 for the end of a file that is whole as far as it tells,
-  /// AVERROR_EXIT when it was interrupted, else what is wrong with it. AVERROR_INVALIDDATA for a
-  /// file that is cut off or of which something could not be decoded.
+  /// Why next() returned null: 0 at the end of a file with no detected damage, AVERROR_EXIT when
+  /// interrupted, otherwise the error. AVERROR_INVALIDDATA for a file that is truncated or partly
+  /// undecodable.
   [[nodiscard]] int endError() const { return endError_; }
 
  private:
@@ -52,11 +52,11 @@ class AudioFileDecoder {
   std::unique_ptr<AudioFileDemuxer> demuxer_;
   AvCodec codec_;
   AvPacket packet_;
-  AvFrame current_;     // given out
-  AvFrame ahead_;       // decoded already, to see whether the current one is the last
+  AvFrame current_;     // returned by next()
+  AvFrame ahead_;       // decoded ahead, to detect the last frame
   int aheadError_ = 0;  // why there is none ahead
   bool primed_ = false;
-  int inputError_ = 0;  // what ended the packets; 0 while they last
+  int inputError_ = 0;  // the error that ended the packets; 0 before
   int endError_ = 0;
   bool ended_ = false;
   bool lostPackets_ = false;

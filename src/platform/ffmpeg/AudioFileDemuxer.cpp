@@ -15,8 +15,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// By the names of the libraries' demuxers. Without it playlists, picture lists and much else that
-// is no sound file would be tried.
+// Names of FFmpeg's demuxers. Without this list FFmpeg would try playlists, picture lists and other
+// files without sound.
 constexpr const char* kContainers = "wav,w64,aiff,caf,mov,mp3,aac";
 
 // Header and first packets of a good file take milliseconds. Together below one second.
@@ -25,17 +25,17 @@ constexpr milliseconds kFirstPacketsWork{300};
 // More than the index of a day of sound needs.
 constexpr std::int64_t kHeaderBytes = std::int64_t{256} << 20;
 
-// A packet takes microseconds. Longer is only a search through what is no sound, for the next thing
-// that is, and after this time the file counts as ended.
+// A packet takes microseconds. Only a search for the next packet through other data takes longer;
+// after this time the file counts as ended.
 constexpr milliseconds kPacketWork{500};
 constexpr std::int64_t kPacketBytes = std::numeric_limits<std::int64_t>::max();
 
-// Bounds what a damaged length field can make the libraries allocate at once.
+// Bounds FFmpeg's single allocations, which a damaged length field can inflate.
 constexpr std::size_t kMaxAllocation = std::size_t{512} << 20;
 
 constexpr const char* kLargerPackets = "65536";  // bytes; 16 times fewer packets of a WAV
-// Of 16-bit samples the libraries look whether they are a DTS or Dolby stream in disguise. A third
-// of a second of them shows it, and their usual 2,500 packets would cost 0.1 s for every file.
+// FFmpeg checks whether 16-bit samples are a disguised DTS or Dolby stream. A third of a second is
+// enough for that; its default of 2,500 packets would cost 0.1 s for every file.
 constexpr int kDisguisePackets = 2;
 
 int refuseSecondFile(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
@@ -151,7 +151,7 @@ int AudioFileDemuxer::read(AVPacket& packet) {
     }
     if (packet.stream_index == stream_->index) {
       if (isLinearPcm_ && stream_->codecpar->block_align > 0) {
-        packet.size -= packet.size % stream_->codecpar->block_align;  // half a frame is none
+        packet.size -= packet.size % stream_->codecpar->block_align;  // drops a partial frame
       }
       return 0;
     }
@@ -168,8 +168,8 @@ bool AudioFileDemuxer::isBareStream() const {
          std::strcmp(context_->iformat->name, "aac") == 0;
 }
 
-// Without a length in the header, or with one beyond the file's end, the libraries guess by the
-// file's size and the rate of bytes.
+// Without a length in the header, or with one beyond the file's end, FFmpeg estimates it from the
+// file's size and the byte rate.
 bool AudioFileDemuxer::isDurationGuessed() const {
   return context_->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
 }
@@ -187,8 +187,8 @@ std::int64_t AudioFileDemuxer::promisedPcmFrames() const {
   if (!isDurationGuessed()) {
     return declaredDuration();  // the time base is a frame
   }
-  // A WAV whose samples should go on behind its end: their chunk tells how far.
-  constexpr std::size_t kChunkHeader = 8;  // its name, its bytes
+  // A WAV whose samples should continue past its end: their chunk header gives the length.
+  constexpr std::size_t kChunkHeader = 8;  // name and size
   std::array<std::uint8_t, kChunkHeader> header{};
   if (headerEnd_ < kChunkHeader || stream_->codecpar->block_align <= 0 ||
       file_.readAt(header.data(), kChunkHeader, headerEnd_ - kChunkHeader).byteCount !=

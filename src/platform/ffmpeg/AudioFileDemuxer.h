@@ -13,19 +13,19 @@ struct AVStream;
 
 namespace platform {
 
-/// The packets of a file's sound stream, from its beginning to its end, once. Of several streams it
-/// is the one that the file marks as its default, without a mark the one with most in it. The
-/// others, pictures and video are left out.
+/// Reads the packets of a file's sound stream once, from start to end. Of several sound streams it
+/// takes the one marked as default, otherwise the one with the most content. Other streams,
+/// pictures and video are ignored.
 ///
 /// Threads: any, one at a time. Several demuxers may read the same File. Real-time: not safe.
 class AudioFileDemuxer {
  public:
-  /// Opens a file's container, one of WAV (RF64 included), W64, AIFF, CAF, MPEG-4, MP3 and AAC in
-  /// ADTS, whatever its name says. Ends early, with what is known by then, when a header makes it
-  /// work for more than about a second. Null with `error` (FFmpeg's or a negative errno;
-  /// AVERROR_EXIT when it was cancelled) when it fails.
+  /// Opens a container of type WAV (including RF64), W64, AIFF, CAF, MPEG-4, MP3 or AAC in ADTS,
+  /// whatever the file's name. Stops early, with what is known by then, if a header takes more than
+  /// about a second of work. Null with `error` (FFmpeg's or a negative errno; AVERROR_EXIT when
+  /// cancelled) on failure.
   ///
-  /// `file` and `interruption` must outlive the demuxer. `path` is only looked at for its suffix.
+  /// `file` and `interruption` must outlive the demuxer. Only the suffix of `path` is used.
   [[nodiscard]] static std::unique_ptr<AudioFileDemuxer> open(File& file, std::uint64_t size,
                                                               const std::string& path,
                                                               DecodingBudget& interruption,
@@ -37,27 +37,27 @@ class AudioFileDemuxer {
 
   [[nodiscard]] const AVStream& stream() const { return *stream_; }
 
-  /// The next packet of the stream: 0, AVERROR_EOF at the end (also when what follows is so long no
-  /// sound that the search for the next packet was given up), AVERROR_EXIT when interrupted, or the
-  /// error that ended the file.
+  /// Reads the stream's next packet. 0, AVERROR_EOF at the end (also when the search for the next
+  /// packet was given up after too much other data), AVERROR_EXIT when interrupted, or the error
+  /// that ended the file.
   [[nodiscard]] int read(AVPacket& packet);
 
-  /// MPEG-4: its packets bear durations that also tell where the last one's sound ends.
+  /// MPEG-4: packet durations also give the end of the last packet's sound.
   [[nodiscard]] bool isMpeg4() const;
-  /// MP3 or ADTS: a bare row of packets without a table, the length of which nothing tells.
+  /// MP3 or ADTS: a bare sequence of packets without a table or a declared length.
   [[nodiscard]] bool isBareStream() const;
   /// Uncompressed samples: frames of a fixed number of bytes.
   [[nodiscard]] bool isLinearPcm() const { return isLinearPcm_; }
 
-  /// Length of the stream in units of its time base as the header gives it; 0 when it gives none.
-  /// May be any nonsense in a damaged file.
+  /// Length of the stream as declared by the header, in units of its time base; 0 if absent. May be
+  /// nonsense in a damaged file.
   [[nodiscard]] std::int64_t declaredDuration() const;
 
-  /// Length in frames that the header of linear PCM promises, whether the file is so long or not;
-  /// 0 when it promises none.
+  /// Length in frames declared by a linear PCM header, whatever the file's real length; 0 if
+  /// absent.
   [[nodiscard]] std::int64_t promisedPcmFrames() const;
 
-  /// Byte at which the header ended and, in a file of linear PCM, the samples begin.
+  /// Byte offset where the header ends and, in linear PCM, the samples begin.
   [[nodiscard]] std::uint64_t headerEnd() const { return headerEnd_; }
 
  private:

@@ -10,8 +10,8 @@
 namespace platform {
 namespace {
 
-// Large enough that system calls cost little beside decoding, small enough that reading a header
-// does not read a song.
+// Large enough that system calls cost little compared with decoding, small enough that reading a
+// header does not read a whole song.
 constexpr int kReadBufferBytes = 64 * 1024;
 constexpr int kWriteBufferBytes = 256 * 1024;
 
@@ -103,7 +103,7 @@ std::int64_t AudioFileIo::seek(void* self, std::int64_t offset, int whence) {
     default:
       return AVERROR(EINVAL);
   }
-  // A damaged header can ask for any place.
+  // A damaged header can request any offset.
   if (offset < -from || offset > std::numeric_limits<std::int64_t>::max() - from) {
     return AVERROR(EINVAL);
   }

@@ -9,14 +9,15 @@
 
 namespace platform {
 
-/// FFmpeg's view of a File: the only way in which the audio file classes touch a disk, so that what
-/// a File promises holds (positioned transfers, continued when interrupted, first error kept) and
-/// no protocol, list or second file is ever opened.
+/// FFmpeg's view of a File, the audio file classes' only access to a disk. It preserves File's
+/// guarantees (positioned transfers, continued when interrupted), keeps the first error, and never
+/// lets FFmpeg open a protocol, playlist or second file.
 ///
 /// Threads: any, one at a time. Real-time: not safe.
 class AudioFileIo {
  public:
-  /// Neither may die first. `size`: bytes of the file. Null without memory.
+  /// `file` and `interruption` must outlive the object. `size` is the file's size in bytes. Null
+  /// when memory runs out.
   [[nodiscard]] static std::unique_ptr<AudioFileIo> forReading(File& file, std::uint64_t size,
                                                                DecodingBudget& interruption);
   [[nodiscard]] static std::unique_ptr<AudioFileIo> forWriting(File& file);
@@ -26,11 +27,11 @@ class AudioFileIo {
 
   [[nodiscard]] AVIOContext* context() const { return context_.get(); }
 
-  /// The first failed transfer as a negative errno; 0 for none. The libraries sometimes report a
-  /// later one, or take a failure for the end of the file.
+  /// The first failed transfer as a negative errno; 0 for none. FFmpeg sometimes reports a later
+  /// one, or mistakes a failure for the end of the file.
   [[nodiscard]] int firstError() const { return firstError_; }
 
-  /// Lets reading go on after an interruption.
+  /// Lets reading continue after an interruption.
   void clearInterruption();
 
  private:

@@ -12,7 +12,7 @@ namespace {
 constexpr AVRational kWorkingFrame{1, 44100};
 constexpr std::chrono::milliseconds kCountingWork{500};
 constexpr std::int64_t kCountingBytes = std::numeric_limits<std::int64_t>::max();
-// 2,000 years: whatever is longer is nonsense, and sums of it must not overflow.
+// 2,000 years: anything longer is nonsense, and sums must not overflow.
 constexpr std::int64_t kMaxFrames = std::int64_t{1} << 51;
 
 std::int64_t sane(std::int64_t frames) {
@@ -26,12 +26,12 @@ std::int64_t workingFrames(std::int64_t duration, AVRational timeBase) {
   return sane(av_rescale_q_rnd(duration, timeBase, kWorkingFrame, AV_ROUND_NEAR_INF));
 }
 
-// Frames at the stream's rate that the decoder will leave out at a packet's begin and end.
+// Frames at the stream's rate that the decoder will skip at a packet's start and end.
 std::int64_t skippedFrames(const AVPacket& packet) {
   std::size_t size = 0;
   const std::uint8_t* const data =
       av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
-  constexpr std::size_t kCounts = 8;  // two 32-bit numbers: at the begin, at the end
+  constexpr std::size_t kCounts = 8;  // two 32-bit numbers: at the start, at the end
   return data == nullptr || size < kCounts
              ? 0
              : std::int64_t{AV_RL32(data)} + std::int64_t{AV_RL32(data + 4)};
@@ -81,7 +81,7 @@ std::int64_t audioFileLengthFrames(const AudioFileDemuxer& demuxer, File& file, 
   }
   std::int64_t duration = demuxer.declaredDuration();
   if (demuxer.isLinearPcm() && stream.codecpar->block_align > 0) {
-    // More than the file holds cannot come, whatever its header says. The time base is a frame.
+    // Bounded by the file's size, whatever its header says. The time base is a frame.
     const std::uint64_t bytes = size - std::min(size, demuxer.headerEnd());
     const auto most = static_cast<std::int64_t>(bytes) / stream.codecpar->block_align;
     duration = duration == 0 ? most : std::min(duration, most);

@@ -10,13 +10,13 @@
 namespace platform {
 
 /// Length of a file's sound in frames of the working format (44100 a second), rounded; 0 when
-/// nothing tells. Exact for good files of every kind that we write. A hint only: a damaged header
-/// may promise any length, so nothing may be allocated by it.
+/// unknown. Exact for undamaged files of every kind that the program writes. A hint only: a damaged
+/// header may declare any length, so never allocate by it.
 ///
-/// The packets of MP3 and ADTS are counted, about 2 ms for a minute of sound; what cannot be
-/// counted within half a second of work is estimated from the counted share of the file.
+/// The packets of MP3 and ADTS are counted, which takes about 2 ms per minute of sound. Beyond half
+/// a second of work the length is estimated from the counted share of the file.
 ///
-/// Threads: any; reads the file beside `demuxer`. Real-time: not safe.
+/// Threads: any; reads the file independently of `demuxer`. Real-time: not safe.
 [[nodiscard]] std::int64_t audioFileLengthFrames(const AudioFileDemuxer& demuxer, File& file,
                                                  std::uint64_t size, const std::string& path,
                                                  DecodingBudget& interruption);

@@ -9,7 +9,7 @@ struct AVIOContext;
 struct AVPacket;
 struct SwrContext;
 
-/// FFmpeg's objects behind owning pointers.
+/// Owning pointers to FFmpeg's objects.
 ///
 /// Threads: any, one at a time for each object. Real-time: not safe.
 namespace platform {
@@ -22,7 +22,7 @@ struct AvRelease {
   void operator()(AVIOContext* context) const;  ///< with its buffer, unflushed
 };
 
-/// A demuxer's context that was opened is closed in another way than a muxer's.
+/// An opened demuxer's context is released differently from a muxer's.
 struct AvCloseInput {
   void operator()(AVFormatContext* context) const;
 };

@@ -10,17 +10,17 @@
 
 namespace platform {
 
-/// Decides when a call into the decoding libraries has to end early: because its caller has changed
-/// their mind, or because a file makes it work without end. A wrapped length field can make a
-/// demuxer search gigabytes for a header's next field.
+/// Decides when a call into FFmpeg must end early: because the user cancelled, or because a damaged
+/// file causes endless work. A wrapped length field can make a demuxer search gigabytes for a
+/// header's next field.
 ///
-/// The limit counts the processor time of the thread that works: neither a disk that has to wake up
-/// nor a busy machine makes a good file bad. The bytes read are limited beside it.
+/// The limit counts the working thread's processor time, so that a sleeping disk or a busy machine
+/// does not make a good file fail. The number of bytes read is limited as well.
 ///
 /// Threads: the one that reads; the flag may be set by any thread at any time. Real-time: not safe.
 class DecodingBudget {
  public:
-  /// `cancelled` may be null: nobody cancels.
+  /// `cancelled` may be null for no cancellation.
   explicit DecodingBudget(std::shared_ptr<const std::atomic<bool>> cancelled)
       : cancelled_(std::move(cancelled)) {}
 
@@ -33,12 +33,12 @@ class DecodingBudget {
     return isCancelled() || (deadline_ && (bytesLeft_ <= 0 || workDone() >= *deadline_));
   }
 
-  /// From now on at most so much work and so many bytes, until lift().
+  /// Allows at most this much more work and this many more bytes, until lift().
   void limit(std::chrono::milliseconds work, std::int64_t bytes) {
     deadline_ = workDone() + work;
     bytesLeft_ = bytes;
   }
-  /// The same where there is no limit yet; whether it is this one that holds now.
+  /// The same unless a limit is already set; true if this one was set.
   bool limitIfNone(std::chrono::milliseconds work, std::int64_t bytes) {
     if (deadline_) {
       return false;
@@ -48,7 +48,7 @@ class DecodingBudget {
   }
   void lift() { deadline_.reset(); }
 
-  /// A read of the system gave so many bytes.
+  /// Counts bytes read from the system.
   void noteRead(std::uint64_t bytes) { bytesLeft_ -= static_cast<std::int64_t>(bytes); }
 
  private:
@@ -59,7 +59,7 @@ class DecodingBudget {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
   }
 
-  // A hint and nothing more is read through the flag, so relaxed order serves.
+  // The flag guards no other data, so relaxed order is enough.
   const std::shared_ptr<const std::atomic<bool>> cancelled_;
   std::optional<std::chrono::nanoseconds> deadline_;  // of workDone(); none: no limit
   std::int64_t bytesLeft_ = 0;

@@ -44,7 +44,7 @@ class FfmpegAudioFileInput final : public ExtAudioFileInput {
   WorkingFormatConverter converter_;
   bool ended_ = false;
   AudioStatus endStatus_ = kAudioStatusOk;
-  std::int64_t lengthFrames_ = -1;  // below 0: not asked yet
+  std::int64_t lengthFrames_ = -1;  // below 0: not computed yet
 };
 
 std::uint32_t formatId(const AVCodecParameters& parameters, bool isLinearPcm) {
@@ -59,7 +59,7 @@ std::uint32_t formatId(const AVCodecParameters& parameters, bool isLinearPcm) {
     case AV_CODEC_ID_ALAC:
       return fourCharacterCode("alac");
     default:
-      return __builtin_bswap32(parameters.codec_tag);  // the libraries keep the first one lowest
+      return __builtin_bswap32(parameters.codec_tag);  // FFmpeg stores the first one lowest
   }
 }
 

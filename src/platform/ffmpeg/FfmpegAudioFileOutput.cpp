@@ -19,11 +19,11 @@ constexpr std::size_t kChannels = 2;
 constexpr std::uint64_t kBytesPerFrame = 4;  // of a file of 16-bit samples
 // Large enough that a packet costs little, small enough to stay in the processor's cache.
 constexpr int kPcmFrames = 8192;
-// The full band; at 192,000 the encoder leaves out what lies above 19 kHz.
+// The full band; at 192,000 the encoder drops everything above 19 kHz.
 constexpr std::int64_t kAacBitsPerSecond = 256'000;
 
 struct Encoding {
-  const char* muxer;  // by the library's name
+  const char* muxer;  // FFmpeg's name
   AVCodecID codec;
   AVSampleFormat samples;
 };
@@ -82,7 +82,7 @@ class FfmpegAudioFileOutput final : public ExtAudioFileOutput {
   int filled_ = 0;                  // frames of frame_
   int capacity_ = 0;                // frames that frame_ can hold
   std::uint64_t frameCount_ = 0;    // taken by write()
-  std::int64_t encodedFrames_ = 0;  // given to the encoder
+  std::int64_t encodedFrames_ = 0;  // passed to the encoder
   AudioStatus firstFailure_ = kAudioStatusOk;
   bool isDisposed_ = false;
 };
@@ -286,7 +286,7 @@ int FfmpegAudioFileOutput::encodeFilled() {
   return encode(frame_.get());
 }
 
-// A null frame: the encoder gives what it holds back.
+// A null frame flushes the encoder.
 int FfmpegAudioFileOutput::encode(const AVFrame* frame) {
   int result = avcodec_send_frame(encoder_.get(), frame);
   while (result >= 0) {
@@ -344,7 +344,7 @@ int FfmpegAudioFileOutput::finish() {
   return result;
 }
 
-// The first failure stays; the file's own says more than what the libraries made of it.
+// Keeps the first failure; the file's own error says more than FFmpeg's.
 AudioStatus FfmpegAudioFileOutput::keep(int error) {
   if (io_ != nullptr && io_->firstError() != 0) {
     error = io_->firstError();

@@ -34,7 +34,7 @@ class FfmpegFourierTransform final : public FourierTransform {
   std::unique_ptr<AVTXContext, Release> context_;
   av_tx_fn function_ = nullptr;
 
-  // The library wants its elements interleaved and aligned to its vector registers.
+  // FFmpeg needs the elements interleaved and aligned to its vector registers.
   std::unique_ptr<Complex, Release> interleavedInput_;
   std::unique_ptr<Complex, Release> interleavedOutput_;
 };

@@ -19,7 +19,7 @@ void receive(void* object, int level, const char* format, std::va_list arguments
     return;
   }
   std::array<char, kMaxLine> text{};
-  // Without the library's prefix, which is an address of memory.
+  // Without FFmpeg's prefix, which is a memory address.
   int printPrefix = 0;
   if (av_log_format_line2(object, level, format, arguments, text.data(),
                           static_cast<int>(text.size()), &printPrefix) >= 0) {

@@ -6,12 +6,11 @@
 
 namespace platform {
 
-/// Sends what FFmpeg's libraries log to the diagnostics console, line by line, warnings and worse.
-/// A damaged file can be worth thousands of lines: each file has a number of them that it may use
-/// up, then one that says so, then none.
+/// Sends FFmpeg's log lines of level warning and above to the diagnostics console. A damaged file
+/// can cause thousands of lines, so each file has a budget; one more line says that it is used up.
 ///
-/// While a scope lives, what the libraries log on this thread belongs to its budget. What they log
-/// outside of every scope goes nowhere.
+/// While a scope lives, FFmpeg's log lines on this thread count against its budget. Lines outside
+/// every scope are discarded.
 ///
 /// Threads: any; a budget is used by one thread at a time. Real-time: not safe.
 class FfmpegLog {
@@ -24,11 +23,11 @@ class FfmpegLog {
    private:
     friend class FfmpegLog;
     int linesLeft_ = kLines;
-    std::string unfinished_;  // the libraries log lines in pieces
+    std::string unfinished_;  // FFmpeg logs lines in pieces
     std::string last_;        // repeated lines are left out
   };
 
-  /// Scopes nest; the inner one counts.
+  /// Scopes nest; the innermost one applies.
   class Scope {
    public:
     explicit Scope(Budget& budget);
@@ -40,10 +39,10 @@ class FfmpegLog {
     Budget* const previous_;
   };
 
-  /// From now on FFmpeg's lines go to `consoleLog`. Once, before the first scope.
+  /// Routes FFmpeg's lines to `consoleLog`. Call once, before the first scope.
   static void install(ModuleConsole* consoleLog);
 
-  /// Adds a piece of text to the current scope's lines, as the libraries' callback does.
+  /// Adds a piece of text to the current scope's lines, as FFmpeg's callback does.
   static void append(const std::string& piece);
 
  private:

@@ -20,7 +20,7 @@ constexpr Row always(int error, AudioStatus status) {
   return {error, status, status, status};
 }
 
-// The only table of this kind. What stands in no row gets kOtherwise of its stage.
+// The only table of this kind. Errors in no row get kOtherwise of their stage.
 constexpr std::array kRows{
     always(AVERROR(ENOENT), kFileNotFoundStatus),
     always(AVERROR(ENOTDIR), kFileNotFoundStatus),

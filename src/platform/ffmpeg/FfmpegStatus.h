@@ -3,12 +3,12 @@
 #include "platform/base/AudioTypes.h"
 #include "platform/media/AudioFileStatus.h"
 
-/// The one place where errors of FFmpeg and of the system become statuses of audio files.
+/// The only conversion of FFmpeg and system errors to audio file statuses.
 ///
 /// Threads: any. Real-time: safe.
 namespace platform {
 
-/// What was being done when an error came: the same error means different things.
+/// The operation that failed: the same error can mean different things.
 enum class AudioFileStage {
   opening,  ///< finding out what a file is
   reading,  ///< reading and decoding what was found

@@ -8,7 +8,7 @@
 namespace platform {
 namespace {
 
-// Long enough for the vector units, short enough to find the one bad stretch quickly.
+// Long enough for the vector units, short enough to find a bad stretch quickly.
 constexpr std::size_t kStretch = 64;
 
 template <typename Sample>

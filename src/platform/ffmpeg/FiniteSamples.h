@@ -2,14 +2,14 @@
 
 #include <cstddef>
 
-/// Samples as conversions and encoders can bear them. One number that is none would spread through
-/// a resampler's filter over its neighbours, and make an encoder fail.
+/// Makes samples safe for converters and encoders. A single NaN would spread through a resampler's
+/// filter to its neighbours and make an encoder fail.
 ///
 /// Threads: any. Real-time: safe.
 namespace platform {
 
-/// Sets every sample that is infinite or not a number to 0. True when there was one. Doubles too
-/// large for a float count as infinite.
+/// Sets every infinite or NaN sample to 0. True if there was one. Doubles too large for a float
+/// count as infinite.
 bool makeFinite(float* samples, std::size_t count);
 bool makeFinite(double* samples, std::size_t count);
 

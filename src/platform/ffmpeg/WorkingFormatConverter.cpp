@@ -44,7 +44,7 @@ std::uint64_t usualMask(int channels) {
   return mask;
 }
 
-// The filter: what was measured to pass everything up to 20 kHz and to let nothing fold back.
+// The filter, measured to pass everything up to 20 kHz without aliasing.
 void chooseFilter(SwrContext* converter, bool soxr) {
   if (soxr) {
     av_opt_set_int(converter, "resampler", SWR_ENGINE_SOXR, 0);
@@ -92,7 +92,7 @@ int WorkingFormatConverter::put(AVFrame& frame, float* destination, std::uint32_
     }
     makeFrameFinite(frame, source.channels);
   }
-  // The resampler may give what it held back before: room for that too. It keeps what is more.
+  // The resampler may also return samples it held back: room for those too. It keeps any rest.
   const std::int64_t most =
       av_rescale_rnd(frame.nb_samples, kRate, source.sampleRate, AV_ROUND_UP) + kFlushFrames;
   const bool direct = waitingBegin_ == waiting_.size() && room >= most;
@@ -171,7 +171,7 @@ int WorkingFormatConverter::startWith(const Source& source, std::uint64_t mask, 
   if (source.sampleRate != kRate) {
     chooseFilter(context, soxr);
   }
-  constexpr std::array<double, 2> kToBoth{1, 1};  // the library's own would be quieter by 3 dB
+  constexpr std::array<double, 2> kToBoth{1, 1};  // FFmpeg's default would be 3 dB quieter
   if (source.channels == 1) {
     result = swr_set_matrix(context, kToBoth.data(), 1);
   }

@@ -4,9 +4,9 @@
 
 namespace platform {
 
-/// The path from the root for one that counts from the working folder, without "." and "..". Where
-/// a name before ".." is a link, the file system says what it leads to. Empty for what is no path,
-/// and for a relative one where there is no working folder any more.
+/// The absolute path for a path relative to the working directory, without "." and "..". A symbolic
+/// link before ".." is resolved through the file system. Empty for an invalid path, and for a
+/// relative one when the working directory no longer exists.
 ///
 /// Threads: any. Real-time: not safe.
 [[nodiscard]] std::string absolutePathOf(const std::string& path);

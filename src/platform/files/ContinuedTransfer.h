@@ -8,18 +8,18 @@
 
 namespace platform {
 
-/// What a transfer step that moves nothing means.
+/// The meaning of a transfer step that moves nothing.
 enum class NothingMoved {
-  endOfFile,  ///< a read has met the end: the transfer ends without an error
-  failure,    ///< a write got nowhere: the transfer ends with EIO instead of trying for ever
+  endOfFile,  ///< a read reached the end: the transfer ends without an error
+  failure,    ///< a write made no progress: the transfer ends with EIO instead of retrying forever
 };
 
-/// The most that one step is asked to move, in bytes. Systems cut larger requests at about 2^31.
+/// Maximum bytes requested from one step. Systems truncate larger requests at about 2^31.
 inline constexpr std::uint64_t kMaxTransferStep = std::uint64_t{1} << 30;
 
-/// Moves `byteCount` bytes by as many steps as that takes. `step(done, wanted)` moves up to
-/// `wanted` bytes, of which `done` lie behind, and returns how many it moved, or a negative number
-/// with the reason in errno. Interrupted steps (EINTR) are repeated, short ones continued.
+/// Moves `byteCount` bytes in as many steps as needed. `step(done, wanted)` moves up to `wanted`
+/// bytes after the first `done`, and returns how many it moved, or a negative number with the
+/// reason in errno. Interrupted steps (EINTR) are repeated, short ones continued.
 ///
 /// Threads: any. Real-time: as safe as the step.
 template <typename Step>

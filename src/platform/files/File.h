@@ -4,15 +4,15 @@
 
 namespace platform {
 
-/// How much of a transfer was done, and why not more.
+/// Result of a transfer.
 struct FileTransfer {
-  std::uint64_t byteCount = 0;  ///< bytes moved, from the first on without a gap
+  std::uint64_t byteCount = 0;  ///< contiguous bytes moved, from the first on
   int error = 0;                ///< errno of the failure that ended the transfer; 0 for none, also
                                 ///< when a read met the end of the file
 };
 
-/// An open file with positioned transfers: no shared position, so readers and a writer need no
-/// lock between them as long as they touch different bytes.
+/// An open file with positioned transfers. There is no shared position, so readers and a writer
+/// need no lock between them while they touch different bytes.
 ///
 /// Threads: any, also at the same time. Real-time: not safe.
 class File {
@@ -24,16 +24,15 @@ class File {
   [[nodiscard]] virtual FileTransfer readAt(void* destination, std::uint64_t byteCount,
                                             std::uint64_t offset) = 0;
 
-  /// Writes `byteCount` bytes at `offset`, lengthening the file as needed; fewer when it fails.
+  /// Writes `byteCount` bytes at `offset`, extending the file as needed; fewer on failure.
   [[nodiscard]] virtual FileTransfer writeAt(const void* data, std::uint64_t byteCount,
                                              std::uint64_t offset) = 0;
 
-  /// Length in bytes; 0 where the system does not tell.
+  /// Length in bytes; 0 when the system does not report it.
   [[nodiscard]] virtual std::uint64_t size() = 0;
 
-  /// Makes the file `byteCount` bytes long: what lies behind is gone, what is new is zeros. Gives
-  /// the errno of the failure, 0 for none; a file that could not be made longer or shorter is as it
-  /// was.
+  /// Truncates the file to `byteCount` bytes or extends it with zeros. Returns 0, or the errno of
+  /// the failure; the file is then unchanged.
   [[nodiscard]] virtual int setSize(std::uint64_t byteCount) = 0;
 };
 

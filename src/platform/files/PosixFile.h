@@ -6,8 +6,8 @@
 
 namespace platform {
 
-/// A file behind a descriptor, which it owns. Offsets that the system cannot express (from 2^63
-/// on) read as the end of the file and refuse to be written, or to become the end, with EFBIG.
+/// A file over a descriptor, which it owns. At offsets that the system cannot express (2^63 and
+/// above) a read finds the end of the file, and writing or resizing fails with EFBIG.
 ///
 /// Threads: any, also at the same time. Real-time: not safe.
 class PosixFile : public File {

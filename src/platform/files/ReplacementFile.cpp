@@ -16,11 +16,11 @@
 namespace platform {
 namespace {
 
-constexpr int kMaximumLinks = 40;  // as many as the system follows itself
+constexpr int kMaximumLinks = 40;  // the system's own limit
 constexpr int kMaximumAttempts = 100;
-// What a new file gets that replaces none: everything that the user's mask leaves.
+// Permissions of a new file that replaces none, before the umask.
 constexpr mode_t kNewFileMode = 0666;
-constexpr mode_t kPrivateMode = 0600;  // until it has the rights of the file it replaces
+constexpr mode_t kPrivateMode = 0600;  // until it gets the permissions of the file it replaces
 
 class Descriptor {
  public:
@@ -39,7 +39,7 @@ class Descriptor {
   int descriptor_;
 };
 
-// Follows links by hand: the last one may point to a file that does not exist yet.
+// Follows links itself: the last one may point to a file that does not exist yet.
 int followLinks(std::filesystem::path& path) {
   std::error_code error;
   for (int i = 0; i < kMaximumLinks; ++i) {
@@ -77,8 +77,8 @@ void takeOverRights(int descriptor, const std::string& target) {
   if (::stat(target.c_str(), &status) != 0) {
     return;
   }
-  // Only the system's administrator may give a file away; the permissions come after the owner,
-  // whose change clears some of them.
+  // Only root may change a file's owner. Permissions are set after the owner, since changing it
+  // clears some of them.
   if (::fchown(descriptor, status.st_uid, status.st_gid) != 0 &&
       ::fchown(descriptor, static_cast<uid_t>(-1), status.st_gid) != 0) {
     errno = 0;
@@ -111,7 +111,8 @@ int sync(int descriptor) {
   return ::fsync(descriptor) == 0 ? 0 : errno;
 }
 
-// The rename itself must survive a power cut too. Systems that cannot sync a folder need it not.
+// The rename itself must survive a power failure too. Systems that cannot sync a folder do not need
+// it.
 void syncFolder(const std::string& path) {
   const Descriptor folder(::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (folder.get() >= 0) {

@@ -8,34 +8,32 @@
 
 namespace platform {
 
-/// A file that is written beside the one it will replace and takes its place in one step: whoever
-/// looks at the target sees the old file whole or the new file whole, also after the program was
-/// killed or the power went.
+/// A file that is written beside its target and then replaces it atomically: the target is always
+/// the whole old file or the whole new one, even after a kill or a power failure.
 ///
-/// A symbolic link at the target stays one: the file that it points to is replaced. The new file
-/// gets the permissions, and where the system allows it the owner, of the old one.
+/// If the target is a symbolic link, the file that it points to is replaced. The new file gets the
+/// old one's permissions and, where the system allows it, its owner.
 ///
 /// Threads: one at a time. Real-time: not safe.
 class ReplacementFile {
  public:
-  /// Makes an empty file beside `target`. Fails without a trace: EISDIR for a folder, EINVAL for
-  /// what is neither a file nor missing (a device, a pipe), EACCES for a file that may not be
-  /// written, and with the system's own errors.
+  /// Creates an empty file beside `target`. A failure leaves nothing behind: EISDIR for a folder,
+  /// EINVAL for a device or pipe, EACCES for a file that may not be written, or a system error.
   [[nodiscard]] static Result<std::unique_ptr<ReplacementFile>> beside(const std::string& target);
 
-  /// Deletes the new file unless it has taken its place.
+  /// Deletes the new file unless it was committed.
   ~ReplacementFile();
   ReplacementFile(const ReplacementFile&) = delete;
   ReplacementFile& operator=(const ReplacementFile&) = delete;
 
-  /// Path of the new file. What is written there must be closed before commit().
+  /// Path of the new file. Close anything written there before commit().
   [[nodiscard]] const std::string& path() const { return path_; }
 
-  /// Replaces what the new file holds. 0, or the errno of the failure.
+  /// Replaces the new file's content. Returns 0, or the errno of the failure.
   [[nodiscard]] int write(const void* data, std::uint64_t byteCount);
 
-  /// Brings the new file to the disk and puts it in the target's place. 0, or the errno of the
-  /// failure: then the target is as it was.
+  /// Flushes the new file to disk and replaces the target with it. Returns 0, or the errno of the
+  /// failure; the target is then unchanged.
   [[nodiscard]] int commit();
 
  private:

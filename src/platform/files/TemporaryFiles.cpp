@@ -22,7 +22,8 @@ namespace {
 
 constexpr std::string_view kPlaceholders = "XXXXXX";
 
-// A new file from a template whose placeholders stand before an extension of so many characters.
+// A new file from a template whose placeholders precede an extension of `extensionLength`
+// characters.
 TemporaryFiles::Created createFrom(const std::string& pathTemplate, std::size_t extensionLength) {
   std::vector<char> path(pathTemplate.begin(), pathTemplate.end());
   path.push_back('\0');
@@ -58,7 +59,7 @@ class PosixTemporaryFiles : public TemporaryFiles {
   [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override {
     Created created = createFrom(pathTemplate, 0);
     if (created) {
-      // A name that could not be removed costs disk space after the end, but no audio: carry on.
+      // A name that could not be removed costs disk space after exit, but no audio: continue.
       ::unlink(created->path.c_str());
     }
     return created;

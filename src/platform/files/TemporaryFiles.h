@@ -12,16 +12,16 @@ namespace platform {
 
 struct TemporaryFile {
   std::unique_ptr<File> file;
-  std::string path;  ///< under which it was created
+  std::string path;  ///< where it was created
 };
 
 struct NoTemporaryFile {
   int error = 0;     ///< errno
-  std::string path;  ///< under which it was to be created
+  std::string path;  ///< where it was to be created
 };
 
-/// Makes temporary files, with none installed the operating system's. A test installs one whose
-/// files fail, fill up, or keep no zeros.
+/// Creates temporary files; by default, those of the operating system. Tests install one whose
+/// files fail, fill up or lose their zeros.
 ///
 /// Threads: any. Real-time: not safe.
 class TemporaryFiles {
@@ -35,11 +35,11 @@ class TemporaryFiles {
   [[nodiscard]] virtual std::string directory() const = 0;
 
   /// Creates and opens a new file from a template that ends in "XXXXXX", readable by the user
-  /// alone, and unlinks it at once: its storage is gone when it is closed or the process dies.
+  /// alone, and unlinks it at once: its storage is freed when it is closed or the process dies.
   [[nodiscard]] virtual Created createUnlinked(const std::string& pathTemplate) = 0;
 
-  /// The same, from a template in which "XXXXXX" stands before an extension, for a file that keeps
-  /// its name: whoever makes it has it deleted. Never a file that was there before.
+  /// The same for a file that keeps its name, from a template with "XXXXXX" before an extension.
+  /// The caller arranges for its deletion. Never opens an existing file.
   [[nodiscard]] virtual Created createNamed(const std::string& pathTemplate) = 0;
 };
 
@@ -52,13 +52,13 @@ inline std::shared_ptr<TemporaryFiles> temporaryFiles() {
   return Installed<TemporaryFiles>::get();
 }
 
-/// Whether a directory's files live on a disk. False also for one that cannot be looked at.
+/// Whether a directory is on a disk. False for one that cannot be examined.
 using IsOnDisk = std::function<bool(const std::string& directory)>;
 
-/// Where recordings go while they are open, ending in a separator: `tmpdir` (the value of TMPDIR,
-/// may be null) as it stands if it is not empty, for it is the user's choice. Otherwise "/tmp/",
-/// except where /tmp lives in memory and /var/tmp does not: a day of sound is 30 GB, which a disk
-/// can hold and memory cannot.
+/// The directory for open recordings, ending in a separator: `tmpdir` (the value of TMPDIR, may be
+/// null) if it is not empty, since it is the user's choice. Otherwise "/tmp/", unless /tmp is in
+/// memory and /var/tmp is on a disk, then "/var/tmp/": a day of sound takes 30 GB, too much for
+/// memory.
 ///
 /// Threads: any. Real-time: not safe.
 [[nodiscard]] std::string chooseTemporaryDirectory(const char* tmpdir, const IsOnDisk& isOnDisk);

@@ -17,8 +17,8 @@ int errorOfKind(mode_t mode) {
   return S_ISDIR(mode) ? EISDIR : ESPIPE;
 }
 
-// A file that is written from begin to end: its disk begins to write while the sound is still being
-// encoded, so that the sync after it has little left to wait for.
+// A file written sequentially. The disk starts writing while the sound is still being encoded, so
+// that the final sync has little left to wait for.
 class WriteBehindFile : public PosixFile {
  public:
   explicit WriteBehindFile(int descriptor) : PosixFile(descriptor), hintedDescriptor_(descriptor) {}
@@ -29,7 +29,7 @@ class WriteBehindFile : public PosixFile {
 #if defined(__linux__)
     if (offset + transfer.byteCount >= hinted_ + kStretch) {
       const std::uint64_t stretch = offset + transfer.byteCount - hinted_;
-      // A hint alone: a failure is met again, and told, by the sync.
+      // Only a hint: the sync meets and reports any failure.
       static_cast<void>(::sync_file_range(hintedDescriptor_, static_cast<off_t>(hinted_),
                                           static_cast<off_t>(stretch), SYNC_FILE_RANGE_WRITE));
       hinted_ += stretch;
@@ -42,7 +42,7 @@ class WriteBehindFile : public PosixFile {
   static constexpr std::uint64_t kStretch = std::uint64_t{8} << 20;  // bytes
 
   const int hintedDescriptor_;  // the base's, which owns it
-  std::uint64_t hinted_ = 0;    // bytes from the begin on; the thread that writes
+  std::uint64_t hinted_ = 0;    // bytes from the start; writing thread only
 };
 
 class PosixUserAudioFiles : public UserAudioFiles {
@@ -58,7 +58,7 @@ class PosixUserAudioFiles : public UserAudioFiles {
  private:
   template <typename SystemFile>
   static Opened open(const std::string& path, int flags) {
-    constexpr mode_t kUsualPermissions = 0666;  // less the user's mask
+    constexpr mode_t kUsualPermissions = 0666;  // before the umask
     // Without O_NONBLOCK the opening of a pipe itself would wait; a regular file ignores it.
     const int descriptor =
         ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kUsualPermissions);

@@ -9,11 +9,11 @@
 
 namespace platform {
 
-/// Opens the files that a person reads sound from and writes sound to, with none installed the
-/// operating system's. A test installs one whose files fail, fill up, hang or keep no zeros.
+/// Opens the user's sound files; by default, those of the operating system. Tests install one whose
+/// files fail, fill up, hang or lose their zeros.
 ///
-/// Only regular files are opened: a pipe or a device could hold its reader for ever. The errno that
-/// stands for anything else is EISDIR for a folder and ESPIPE for the rest.
+/// Opens regular files only, since a pipe or a device could block its reader forever. Fails with
+/// EISDIR for a folder and ESPIPE for anything else.
 ///
 /// Threads: any. Real-time: not safe.
 class UserAudioFiles {
@@ -25,7 +25,7 @@ class UserAudioFiles {
 
   [[nodiscard]] virtual Opened openForReading(const std::string& path) = 0;
 
-  /// Makes the file, or empties the one that is there, which keeps its permissions.
+  /// Creates the file, or truncates an existing one, which keeps its permissions.
   [[nodiscard]] virtual Opened createForWriting(const std::string& path) = 0;
 };
 

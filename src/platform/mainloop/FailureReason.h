@@ -4,8 +4,8 @@
 
 namespace platform {
 
-/// Why a file could not be read or written, in the user's language and in plain words: a sentence
-/// for the errno values that a user meets, the system's own text for any other.
+/// Why a file could not be read or written, as a sentence in the user's language for common errno
+/// values, and the system's text for any other.
 ///
 /// Threads: any. Real-time: not safe.
 [[nodiscard]] std::string failureReason(int error);

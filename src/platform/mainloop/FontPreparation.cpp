@@ -4,7 +4,7 @@
 
 namespace platform {
 
-// The library is there already, since the toolkit is linked to it: this loads nothing.
+// fontconfig is loaded already, since Qt links it: this loads nothing.
 FontPreparation::FontPreparation() {
   using Initialise = int (*)();
   const auto initialise =

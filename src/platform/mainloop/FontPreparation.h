@@ -4,18 +4,17 @@
 
 namespace platform {
 
-/// Has the system's fonts looked up on a thread of its own, beside the rest of the start-up: the
-/// longest single step before a window with text in it can be shown. Only where fontconfig is what
-/// the toolkit asks for fonts; elsewhere it does nothing.
+/// Scans the system's fonts on its own thread during start-up: the longest single step before a
+/// window with text can be shown. Only where Qt uses fontconfig; elsewhere it does nothing.
 ///
 /// Threads: main. Real-time: not safe.
 class FontPreparation {
  public:
-  /// Begins. Nothing else may ask for a font until finish() has returned: two that find the fonts
-  /// not looked up yet both do it.
+  /// Starts the scan. Nothing else may request a font until finish() has returned; otherwise the
+  /// scan runs twice.
   FontPreparation();
 
-  /// Waits for the end.
+  /// Waits for the end of the scan.
   void finish();
 
  private:

@@ -7,10 +7,10 @@
 
 namespace platform {
 
-/// The English text of something that a person reads, under which its translations are found.
+/// A user-visible English text, the key to its translations.
 ///
-/// Only textKey() makes one, and only from a literal: whatever reaches localized() is therefore
-/// written down in the sources as localized("…") or textKey("…"), where the tests find it.
+/// Only textKey() makes one, and only from a literal. Every text that reaches localized() therefore
+/// appears in the sources as localized("…") or textKey("…"), where the tests find it.
 ///
 /// Threads: any. Real-time: safe.
 class TextKey {
@@ -24,13 +24,12 @@ class TextKey {
   const char* english_;  // a literal, UTF-8
 };
 
-/// Marks a literal that is kept in a table or handed on before it is shown.
+/// Marks a literal that is stored in a table or passed on before it is shown.
 [[nodiscard]] consteval TextKey textKey(const char* english) {
   return TextKey(english);
 }
 
-/// Looks a user-visible text up in the installed translations, with the English text as key; the
-/// key itself when there is no translation.
+/// Looks up a user-visible text in the installed translations; the English text when there is none.
 ///
 /// Threads: any. Real-time: not safe.
 [[nodiscard]] QString localized(TextKey key);
@@ -40,8 +39,8 @@ namespace detail {
 [[nodiscard]] QString lookedUp(const char* english);
 }
 
-/// The same for a literal where it stands. The second parameter is what the code made from
-/// interface files hands over, a comment of theirs; it is not looked at.
+/// The same for a literal. Code generated from interface files passes a comment as the second
+/// argument; it is ignored.
 template <std::size_t N>
 [[nodiscard]] QString localized(const char (&english)[N], std::nullptr_t = nullptr) {
   return detail::lookedUp(english);

@@ -12,7 +12,7 @@
 namespace platform {
 namespace {
 
-// The fate of a block that another thread waits for.
+// The state of a block that another thread waits for.
 struct Waiting {
   Mutex mutex;
   Condition finished;
@@ -38,8 +38,8 @@ struct Item {
 
 }  // namespace
 
-// The blocks cross under our own mutex; Qt is only woken. So the thread checker sees every
-// hand-over, though the system's Qt is not built for it.
+// Blocks are passed under our own mutex; Qt is only woken. So ThreadSanitizer sees every transfer,
+// although the system's Qt is not instrumented.
 struct MainQueue::State : QObject {
   Mutex mutex;
   std::deque<Item> items GUARDED_BY(mutex);
@@ -78,14 +78,14 @@ struct MainQueue::State : QObject {
     Item item = std::move(items.front());
     items.pop_front();
     if (!items.empty()) {
-      wake();  // a block may run a loop of its own: the rest must not wait for its end
+      wake();  // a block may run its own loop: the rest must not wait for its end
     }
     return item;
   }
 
   bool event(QEvent* event) override {
     {
-      const MutexLock lock(mutex);  // orders the event's making before its reading
+      const MutexLock lock(mutex);  // orders the event's creation before its reading
     }
     if (event->type() != wakeType()) {
       return QObject::event(event);

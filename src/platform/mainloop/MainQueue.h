@@ -6,26 +6,24 @@
 #include "platform/base/MainThread.h"
 #include "platform/base/SerialQueue.h"
 
-/// Dispatch queues: where a block of work runs, and after what. The serial and the global queue
-/// have headers of their own, for code that does not know of a main loop.
+/// The main dispatch queue. The serial and the global queue have their own headers, for code that
+/// does not depend on a main loop.
 ///
-/// A block captures what it touches by value or by weak reference; one that is still queued when
-/// its object dies must find that out by itself.
+/// Blocks must capture by value or by weak reference, and check that their objects still exist.
 ///
 /// Threads: any, unless said otherwise. Real-time: not safe.
 namespace platform {
 
-/// The main thread's queue. Its blocks run from the main loop, also from the loop of a modal
-/// alert.
+/// The main thread's queue. Its blocks run from the main loop, including that of a modal alert.
 class MainQueue {
  public:
   void async(std::function<void()> block);
 
-  /// Runs the block on the main thread and waits for it; on the main thread it runs at once. After
-  /// shutDown() it returns without running it.
+  /// Runs the block on the main thread and waits for it; called on the main thread, runs it at
+  /// once. After shutDown() it returns without running the block.
   void sync(const std::function<void()>& block);
 
-  /// Drops what is queued and releases the threads that wait: the main loop will not run again.
+  /// Drops queued blocks and releases waiting threads: the main loop will not run again.
   /// Threads: main.
   void shutDown();
 

@@ -19,11 +19,11 @@ namespace {
 
 constexpr std::array kSignals{SIGTERM, SIGINT, SIGHUP};
 
-// Where the handler writes; -1 while nobody listens. Written on the main thread alone.
+// The handler's end of the pipe; -1 without a listener. Written only by the main thread.
 std::atomic<int> wakeUp = -1;
 static_assert(std::atomic<int>::is_always_lock_free);
 
-// On any thread, in the midst of anything: nothing but this one call is allowed.
+// Runs on any thread at any point: only async-signal-safe calls are allowed.
 extern "C" void terminationSignalCame(int) {
   const int error = errno;
   const char byte = 0;
@@ -39,14 +39,14 @@ struct TerminationSignals::Handlers {
   Handlers(const Handlers&) = delete;
   Handlers& operator=(const Handlers&) = delete;
 
-  std::array<int, 2> pipe{-1, -1};  // what the handler writes the main loop reads
+  std::array<int, 2> pipe{-1, -1};  // the handler writes, the main loop reads
   std::unique_ptr<QSocketNotifier> notifier;
   std::array<struct sigaction, kSignals.size()> before{};
 };
 
 TerminationSignals::Handlers::Handlers(std::function<void()> terminate) {
   if (::pipe(pipe.data()) != 0) {
-    return;  // the signals end the program as they always did
+    return;  // the signals keep their previous effect
   }
   for (const int end : pipe) {
     ::fcntl(end, F_SETFD, FD_CLOEXEC);

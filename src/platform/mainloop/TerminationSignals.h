@@ -5,12 +5,12 @@
 
 namespace platform {
 
-/// Turns the signals that ask a program to end (SIGTERM, SIGINT, SIGHUP) into a call from the main
-/// loop, for as long as it lives. Each does so once: the second time the same signal ends the
-/// program at once, as the system has it, so that a program that does not answer can still be
-/// ended. A signal that was ignored when it was made stays ignored (nohup).
+/// While it lives, turns termination signals (SIGTERM, SIGINT, SIGHUP) into a call from the main
+/// loop. Each signal does so once. The second one of a kind has the system's default effect and
+/// ends the program at once, so that a hung program can still be ended. Signals already ignored at
+/// construction stay ignored (nohup).
 ///
-/// Where a system has no such signals nothing is ever called. One at a time.
+/// Does nothing on systems without these signals. Only one may exist at a time.
 ///
 /// Threads: main. Real-time: not safe.
 class TerminationSignals {
@@ -22,7 +22,7 @@ class TerminationSignals {
 
  private:
   struct Handlers;
-  std::unique_ptr<Handlers> handlers_;  // null where there are none
+  std::unique_ptr<Handlers> handlers_;  // null without signals
 };
 
 }  // namespace platform

@@ -6,8 +6,7 @@
 
 namespace platform {
 
-/// A repeating timer on the main loop, running from its creation until it is destroyed: the
-/// object that ends it is the registration itself.
+/// A repeating timer on the main loop. It runs from construction to destruction.
 ///
 /// Threads: main. Real-time: not safe.
 class Timer {

@@ -11,21 +11,19 @@
 
 namespace platform {
 
-/// Kinds of audio files that can be written, all of 44100 Hz and two channels: 16-bit samples as
-/// WAV (RF64 from 4 GB on), AIFF or CAF, or AAC in an MPEG-4 file.
+/// File types that can be written, all with 44100 Hz and two channels: 16-bit samples as WAV (RF64
+/// from 4 GB on), AIFF or CAF, or AAC in an MPEG-4 file.
 enum class AudioFileKind : std::uint32_t { wave = 0, aiff = 1, caf = 2, m4a = 3 };
 
-/// An audio file that is written in the working format and encoded on the way: what the platform's
-/// extended audio files are to a writer, over FFmpeg.
+/// An audio file, written in the working format and encoded through FFmpeg.
 ///
-///  - A sample s of 16-bit audio, s / 32768 as a float, comes out as s, for all 65,536 of them: no
-///    dither. Others are rounded to the nearest.
-///  - Samples that are not finite become 0, those beyond full scale full scale.
-///  - AAC has 256 kbit/s, which keeps everything up to 20 kHz, and its length is exact to the
-///  frame.
-///    A file without any frame could not be opened again by anything: it gets one of silence.
+///  - A 16-bit sample s, s / 32768 as a float, is written as s, for all 65,536 values: no dither.
+///    Others are rounded to the nearest.
+///  - Samples that are not finite become 0; those beyond full scale are clipped.
+///  - AAC has 256 kbit/s, which keeps everything up to 20 kHz. Its length is exact to the frame.
+///    A file without any frame could not be opened again, so it gets one frame of silence.
 ///
-/// The first failure is kept: every later call gives it again and writes nothing.
+/// After the first failure every call returns it and writes nothing.
 ///
 /// Threads: any, one at a time. Real-time: not safe.
 class ExtAudioFileOutput {
@@ -35,12 +33,12 @@ class ExtAudioFileOutput {
     AudioStatus status = kAudioStatusOk;
   };
 
-  /// Makes the file, or empties the one that is there, and writes its header.
+  /// Creates the file, or truncates an existing one, and writes its header.
   [[nodiscard]] static Created createWithURL(const std::string& path, AudioFileKind kind);
 
-  /// Most frames that a file of the kind can hold; nothing for no limit.
+  /// Maximum frames that a file of this kind can hold; nothing for no limit.
   [[nodiscard]] static constexpr std::optional<std::uint64_t> maximumFrames(AudioFileKind kind) {
-    // AIFF's length fields have 32 bits. What stands beside the samples takes less than this.
+    // AIFF's length fields have 32 bits. Everything but the samples takes less than this.
     constexpr std::uint64_t kHeaderBytes = 4096;
     constexpr std::uint64_t kBytesPerFrame = 4;
     return kind != AudioFileKind::aiff
@@ -49,19 +47,19 @@ class ExtAudioFileOutput {
                                kBytesPerFrame);
   }
 
-  /// Disposes of the file if that was not done.
+  /// Disposes of the file unless already done.
   virtual ~ExtAudioFileOutput() = default;
 
-  /// The only format there is, kWorkingFormat.
+  /// Only kWorkingFormat is supported.
   [[nodiscard]] virtual AudioStatus setClientDataFormat(
       const AudioStreamBasicDescription& format) const = 0;
 
-  /// Appends frames (interleaved pairs of float). Frames that would pass the kind's limit are
-  /// refused as a whole with kFileTooLargeStatus.
+  /// Appends frames (interleaved pairs of float). A write that would exceed the kind's limit is
+  /// refused entirely with kFileTooLargeStatus.
   [[nodiscard]] virtual AudioStatus write(const float* frames, std::uint64_t count) = 0;
 
-  /// Writes what the encoder holds back and finishes the header. The file is complete, as far as
-  /// the system has told, only when this gives kAudioStatusOk; nothing can be written afterwards.
+  /// Flushes the encoder and finishes the header. The file is complete, as far as the system
+  /// reports, only if this returns kAudioStatusOk; nothing can be written afterwards.
   [[nodiscard]] virtual AudioStatus dispose() = 0;
 };
 

@@ -11,7 +11,7 @@
 
 namespace platform {
 
-/// What the module orvo-ffmpeg makes. Files are opened through `files`.
+/// Interface of the module orvo-ffmpeg. Files are opened through `files`.
 ///
 /// Threads: any. Real-time: not safe.
 struct FfmpegModule {
@@ -25,11 +25,11 @@ struct FfmpegModule {
   std::unique_ptr<FourierTransform> (*createTransform)(int log2Length);
 };
 
-/// The module; null when it or FFmpeg is missing, every time, which is logged once. The first call
-/// loads it, with a hundred other libraries: linked with the program, they would cost every start
-/// more time than the whole window does.
+/// The module; always null when it or FFmpeg is missing, which is logged once. The first call loads
+/// it with a hundred other libraries; linked with the program, they would add more to every start
+/// than the whole window takes.
 ///
-/// Threads: any; a call during the loading waits for its end. Real-time: not safe.
+/// Threads: any; calls wait while it loads. Real-time: not safe.
 [[nodiscard]] const FfmpegModule* ffmpegModule();
 
 }  // namespace platform

@@ -5,7 +5,7 @@
 
 namespace platform {
 
-/// An array of complex numbers whose real and imaginary parts lie in arrays of their own.
+/// Complex numbers with real and imaginary parts in separate arrays.
 struct SplitComplex {
   float* realp = nullptr;
   float* imagp = nullptr;
@@ -20,12 +20,12 @@ struct ConstSplitComplex {
   const float* imagp;
 };
 
-/// The forward Fourier transform of complex numbers for one fixed power of two:
+/// The forward complex Fourier transform of one fixed power-of-two length:
 ///
 ///     X[k] = sum over i = 0 … n − 1 of x[i] · exp(−2πj · i · k / n),   k = 0 … n − 1
 ///
-/// without any scaling: n times 1 gives n in bin 0. In single precision; the error of a bin stays
-/// below 1e-6 of the sum of the input's magnitudes.
+/// without scaling: n ones give n in bin 0. Single precision; the error of a bin is below 1e-6 of
+/// the sum of the input's magnitudes.
 ///
 /// Threads: any, one at a time for each object.
 /// Real-time: forward() is safe; it neither allocates nor locks.
@@ -34,9 +34,8 @@ class FourierTransform {
   static constexpr int kSmallestLog2Length = 1;
   static constexpr int kMaxLog2Length = 20;
 
-  /// Makes everything ready for a length of 2 to the power of `log2Length`. Null when the exponent
-  /// lies outside 1 to 20, without memory, or where FFmpeg is missing; the first call of all loads
-  /// it.
+  /// Prepares a transform of length 2 to the power of `log2Length`. Null when the exponent is
+  /// outside 1 to 20, memory runs out or FFmpeg is missing; the first call loads FFmpeg.
   [[nodiscard]] static std::unique_ptr<FourierTransform> create(int log2Length);
 
   virtual ~FourierTransform() = default;
@@ -44,9 +43,9 @@ class FourierTransform {
   /// Number of elements, n.
   [[nodiscard]] virtual std::size_t length() const = 0;
 
-  /// Transforms the elements 0, s, 2s, … (n − 1)s of the input, s being its stride, into the
-  /// elements 0, t, 2t, … (n − 1)t of the output, t being that one's. Strides count floats and are
-  /// at least 1. No alignment is needed; input and output may be the same arrays.
+  /// Transforms the elements 0, s, 2s, … (n − 1)s of the input into the elements 0, t, 2t, … (n −
+  /// 1)t of the output, s and t being their strides. Strides count floats and are at least 1. No
+  /// alignment is needed; input and output may be the same arrays.
   virtual void forward(ConstSplitComplex input, std::size_t inputStride, SplitComplex output,
                        std::size_t outputStride) = 0;
 };

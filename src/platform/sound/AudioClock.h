@@ -7,9 +7,9 @@
 
 namespace platform {
 
-/// The time by which the audio queues measure: answers that are overdue, the input device's last
-/// seconds, the watch over a draining output. The real one is the system's monotonic clock; a test
-/// turns a ManualAudioClock by hand.
+/// The clock of the audio queues, for time limits on the sound system, the closing of an unused
+/// input device and the end of a draining output. The real one is the system's monotonic clock;
+/// tests advance a ManualAudioClock by hand.
 ///
 /// Threads: any. Real-time: now() is safe, waitUntil() is not.
 class AudioClock {
@@ -24,7 +24,7 @@ class AudioClock {
   [[nodiscard]] virtual bool waitUntil(Semaphore& semaphore, TimePoint deadline) = 0;
 };
 
-/// The system's monotonic clock. It stands still while the machine sleeps.
+/// The system's monotonic clock. It stops while the machine sleeps.
 ///
 /// Threads: any. Real-time: now() is safe, waitUntil() is not.
 class SteadyAudioClock final : public AudioClock {

@@ -6,46 +6,46 @@
 #include "platform/base/AudioTypes.h"
 #include "platform/base/Result.h"
 
-/// The seam between the audio queues and a sound system. The real one is CubebAudioDevice; the
-/// scripted one lets a test feed samples, take what was played, turn the clock and make it fail.
+/// The interface between the audio queues and a sound system. CubebAudioDevice is the real one; the
+/// scripted one lets a test feed samples, take the played ones, advance the clock and inject
+/// failures.
 namespace platform {
 
-/// Receives what the input device captures.
+/// Receives the input device's samples.
 class AudioInputClient {
  public:
   virtual ~AudioInputClient() = default;
 
-  /// `frames` interleaved frames of kWorkingFormat, valid during the call only. Any count.
+  /// `frames` interleaved frames of kWorkingFormat, any number, valid only during the call.
   ///
   /// Threads: the device's real-time thread, never two calls at once.
   /// Real-time: must be safe: no lock, no allocation, no file, no log.
   virtual void deviceCaptured(const float* samples, std::uint32_t frames) noexcept = 0;
 
-  /// The stream has ended by itself with this status; no more data will come.
+  /// The stream failed with this status; no more data will come.
   ///
   /// Threads: any thread of the device. Real-time: must only store and wake.
   virtual void deviceInputFailed(AudioStatus status) noexcept = 0;
 };
 
-/// Supplies what the output device plays.
+/// Supplies the output device's samples.
 class AudioOutputClient {
  public:
   virtual ~AudioOutputClient() = default;
 
-  /// Fills all `frames` interleaved frames of kWorkingFormat, with silence where nothing is left.
+  /// Fills all `frames` interleaved frames of kWorkingFormat, with silence once no audio is left.
   ///
   /// Threads: the device's real-time thread, never two calls at once.
   /// Real-time: must be safe: no lock, no allocation, no file, no log.
   virtual void deviceWants(float* samples, std::uint32_t frames) noexcept = 0;
 
-  /// The stream has ended by itself with this status; no more data will be asked for.
+  /// The stream failed with this status; no more data will be requested.
   ///
   /// Threads: any thread of the device. Real-time: must only store and wake.
   virtual void deviceOutputFailed(AudioStatus status) noexcept = 0;
 };
 
-/// An open input stream, running from its creation on; its destruction ends it, after which the
-/// client is not called any more.
+/// An open, running input stream. Destruction ends it; the client is not called after that.
 ///
 /// Threads: the control thread of the audio queues. Every call may block for long.
 class AudioInputStream {
@@ -53,8 +53,8 @@ class AudioInputStream {
   virtual ~AudioInputStream() = default;
 };
 
-/// An open output stream, stopped at first; its destruction drops what is queued and ends it,
-/// after which the client is not called any more.
+/// An open output stream, initially stopped. Destruction drops queued audio and ends it; the client
+/// is not called after that.
 ///
 /// Threads: the control thread of the audio queues. Every call may block for long.
 class AudioOutputStream {
@@ -63,11 +63,11 @@ class AudioOutputStream {
 
   [[nodiscard]] virtual AudioStatus start() = 0;
 
-  /// Keeps what is queued; start() resumes sample for sample.
+  /// Keeps queued audio; start() resumes at the exact sample.
   [[nodiscard]] virtual AudioStatus stop() = 0;
 
-  /// Frames heard since the stream was made, silence included. Frames given to the device and not
-  /// yet heard are not counted.
+  /// Frames played since the stream was created, including silence. Frames passed to the device but
+  /// not yet audible are not counted.
   [[nodiscard]] virtual std::uint64_t position() = 0;
 };
 

@@ -7,7 +7,7 @@ namespace platform {
 
 namespace {
 
-/// Installed where there is no sound at all.
+/// The default: no sound is available.
 class NoAudioQueues final : public AudioQueues {
  public:
   AudioStatus completeFormat(AudioStreamBasicDescription& format) const override {

@@ -10,17 +10,18 @@
 #include "platform/base/Installed.h"
 #include "platform/base/Result.h"
 
-/// Audio queues: buffers that travel between a program and the sound device. A recorder or player
-/// allocates a few buffers, enqueues them, and is called back on the queue's own thread with each
-/// buffer that was filled or played.
+/// Audio queues move buffers between the program and the sound device. A recorder or player
+/// allocates a few buffers and enqueues them. The queue calls back on its own thread with each
+/// filled or played buffer.
 ///
-/// The device's real-time thread never runs a callback. It moves samples through a lock-free ring;
-/// the queue's thread, which may lock, write files and take its time, runs the callbacks. A stall
-/// of that thread loses no frame until the ring is full (kInputRingFrames); frames lost beyond are
-/// counted and told on the diagnostics console.
+/// The device's real-time thread never runs a callback; it moves samples through a lock-free ring.
+/// Callbacks run on the queue's thread and may lock, write files and block. If that thread stalls,
+/// no frame is lost until the ring is full (kInputRingFrames); frames lost after that are counted
+/// and logged to the diagnostics console.
 namespace platform {
 
-/// Frames that the ring of one input queue holds while the queue's thread is held up: nearly 6 s.
+/// Capacity in frames of an input queue's ring, nearly 6 s: the longest stall of the queue's thread
+/// without loss.
 inline constexpr std::uint32_t kInputRingFrames = 64 * kRecordingChunkFrames;
 
 /// One buffer of a queue. The queue owns it; the pointer is valid until the queue is disposed of.
@@ -29,42 +30,43 @@ struct AudioQueueBuffer {
   std::uint32_t mAudioDataBytesCapacity = 0;  ///< bytes
   std::uint32_t mAudioDataByteSize = 0;       ///< bytes of valid data
   std::uint32_t mPacketDescriptionCount = 0;  ///< always 0 for linear PCM
-  /// Input only: frames that the device had captured since the queue's start when the last frame
-  /// of this buffer was captured. Compares with AudioInputQueue::capturedFrames().
+  /// Input only: frames captured from the queue's start to the end of this buffer. Compares with
+  /// AudioInputQueue::capturedFrames().
   std::uint64_t endFrame = 0;
 };
 
-/// What input and output queues share.
+/// The common base of input and output queues.
 ///
-/// Threads: any one owner thread, and the queue's own thread from inside its callback, except
-/// where said. Real-time: not safe. No call waits for the sound system for more than 250 ms.
+/// Threads: one owner thread of any kind, and the queue's own thread from inside its callback,
+/// except where said. Real-time: not safe. No call waits more than 250 ms for the sound system.
 class AudioQueue {
  public:
-  /// Stops and disposes of the queue if that was not done.
+  /// Stops and disposes of the queue unless already done.
   virtual ~AudioQueue() = default;
 
   /// A buffer of `byteCapacity` bytes, a multiple of the frame size; kInvalidParameterStatus for
-  /// other sizes, for more than 64 buffers, or for an input buffer longer than half the ring. The
-  /// smallest buffer of an input queue at its start decides how many frames each delivery has.
+  /// other sizes, more than 64 buffers, or an input buffer longer than half the ring. The smallest
+  /// buffer of an input queue when it starts sets the frames per delivery.
   [[nodiscard]] virtual Result<AudioQueueBuffer*, AudioStatus> allocateBuffer(
       std::uint32_t byteCapacity) = 0;
 
-  /// Hands a buffer to the queue: an input queue fills it, an output queue plays its
-  /// mAudioDataByteSize bytes. Also from inside the callback. kInvalidParameterStatus for a buffer
-  /// of another queue, one that is enqueued already or one with more bytes than it holds.
+  /// Enqueues a buffer: an input queue fills it, an output queue plays its mAudioDataByteSize
+  /// bytes. May be called from the callback. kInvalidParameterStatus for a buffer of another queue,
+  /// one already enqueued, or one whose byte size exceeds its capacity.
   [[nodiscard]] virtual AudioStatus enqueueBuffer(AudioQueueBuffer* buffer) = 0;
 
-  /// Starts, or resumes after a pause. kNoThreadStatus when the system gives no thread for the
-  /// callbacks. A failure that it answers is not told again by a listener.
-  /// A queue that has stopped, by whatever cause, is not started again: make a new one.
+  /// Starts, or resumes after a pause. kNoThreadStatus when the system cannot create the callback
+  /// thread. A failure returned here does not reach a listener as well. A stopped queue cannot be
+  /// restarted, whatever stopped it: create a new one.
   [[nodiscard]] virtual AudioStatus start() = 0;
 
-  /// Stops at once and drops what is queued. When it has returned no callback and no listener
-  /// runs any more. From inside a callback or listener of this queue it returns at once, and the
-  /// running call is the last. Stopping again does nothing.
+  /// Stops at once and drops queued buffers. After it returns no callback or listener runs. Called
+  /// from a callback or listener of this queue, it returns at once, and the running call is the
+  /// last. Stopping again does nothing.
   [[nodiscard]] virtual AudioStatus stopImmediately() = 0;
 
-  /// Ends the queue and releases its buffers. Implies stopImmediately(). Once more does nothing.
+  /// Ends the queue and releases its buffers. Implies stopImmediately(). A second call does
+  /// nothing.
   [[nodiscard]] virtual AudioStatus dispose() = 0;
 
   [[nodiscard]] virtual AudioStatus streamDescription(
@@ -72,9 +74,9 @@ class AudioQueue {
 
   [[nodiscard]] virtual AudioStatus enableLevelMetering(bool enabled) = 0;
 
-  /// Level of each channel over the last buffer that was filled (input) or given to the device
-  /// (output), into `levels`, at most `capacity` channels; `count` tells how many. Silence while
-  /// metering is off or nothing was measured yet. Any thread.
+  /// Level of each channel over the last buffer filled (input) or passed to the device (output).
+  /// Writes at most `capacity` channels into `levels` and their number into `count`. Silence while
+  /// metering is off or before the first measurement. Any thread.
   [[nodiscard]] virtual AudioStatus currentLevels(AudioQueueLevelMeterState* levels,
                                                   std::size_t capacity,
                                                   std::size_t& count) const = 0;
@@ -83,40 +85,39 @@ class AudioQueue {
 class AudioInputQueue : public AudioQueue {
  public:
   /// Called on the queue's thread with each filled buffer, in the order of capture. Only the last
-  /// one before the failure listener may be filled in part.
+  /// one before the failure listener may be partly filled.
   using Callback = std::function<void(AudioInputQueue&, AudioQueueBuffer&)>;
-  /// Called on the queue's thread, at most once, when the device fails or vanishes; after the last
-  /// frames that it gave, as long as there are buffers to deliver them into.
+  /// Called on the queue's thread, at most once, when the device fails or is unplugged. Its last
+  /// frames are delivered first if enough buffers are enqueued.
   using FailureListener = std::function<void(AudioStatus)>;
 
-  /// Frames captured by the device since start() that already lie in whole buffers' worth of the
-  /// ring, delivered or not; all of them once the device has failed. Any thread.
+  /// Frames captured since start(), delivered or not, counted in whole buffers; all of them once
+  /// the device has failed. Any thread.
   [[nodiscard]] virtual std::uint64_t capturedFrames() const = 0;
 
-  /// Waits until the callback has returned from every buffer whose endFrame is at most `frame`,
-  /// or until the queue was stopped or has no enqueued buffer left to deliver into. Not from
-  /// inside the callback.
+  /// Waits until the callback has returned from every buffer whose endFrame is at most `frame`, or
+  /// the queue is stopped or has no enqueued buffer left. Not from inside the callback.
   virtual void waitUntilDelivered(std::uint64_t frame) = 0;
 
-  /// Frames that the device captured and the full ring could not take. Any thread.
+  /// Captured frames lost because the ring was full. Any thread.
   [[nodiscard]] virtual std::uint64_t lostFrames() const = 0;
 };
 
 class AudioOutputQueue : public AudioQueue {
  public:
-  /// Called on the queue's thread with each buffer whose data has gone to the device.
+  /// Called on the queue's thread with each buffer whose data the device has taken.
   using Callback = std::function<void(AudioOutputQueue&, AudioQueueBuffer&)>;
-  /// Called on a thread of the queue whenever the running state changes: true after start() has
-  /// taken effect, false when a stop that lets the queued buffers play out has finished, or the
-  /// device failed. Not called by stopImmediately() and dispose(). Pausing does not change it.
+  /// Called on a thread of the queue whenever the running state changes: to true when start() has
+  /// taken effect, to false when stopAfterQueued() has finished or the device failed. Not called by
+  /// stopImmediately() and dispose(). Pausing does not change the state.
   using RunningListener = std::function<void(AudioOutputQueue&)>;
 
-  /// Keeps queued data; start() resumes.
+  /// Pauses and keeps queued data; start() resumes.
   [[nodiscard]] virtual AudioStatus pause() = 0;
 
-  /// No more buffers will come: lets those queued be heard to their last frame, then the running
-  /// state turns false. Returns at once, also from inside the callback. Before start() it is
-  /// remembered and takes effect after start().
+  /// Plays the queued buffers to their last frame, then sets the running state to false. No more
+  /// buffers may follow. Returns at once; may be called from the callback. A call before start()
+  /// takes effect after it.
   [[nodiscard]] virtual AudioStatus stopAfterQueued() = 0;
 
   /// Whether the queue runs (1) or not (0), a 32-bit flag. Any thread.
@@ -125,20 +126,21 @@ class AudioOutputQueue : public AudioQueue {
   /// Set before start().
   virtual AudioStatus setRunningListener(RunningListener listener) = 0;
 
-  /// The status that ended the queue by itself, 0 while there is none. Any thread.
+  /// The status of the failure that ended the queue; 0 for none. Any thread.
   [[nodiscard]] virtual AudioStatus failure() const = 0;
 
-  /// Frames of silence that the device was given because no buffer was ready in time. Any thread.
+  /// Frames of silence passed to the device because no buffer was ready in time. Any thread.
   [[nodiscard]] virtual std::uint64_t underrunFrames() const = 0;
 };
 
-/// What AudioQueues::completeFormat() does: fills the fields of `format` that follow from its
+/// Implements AudioQueues::completeFormat(): fills the fields of `format` that follow from its
 /// rate, kind, flags and channel count.
 [[nodiscard]] AudioStatus completeWorkingFormat(AudioStreamBasicDescription& format);
 
-/// Makes queues. One serves the whole process; it shares one input stream among all input queues.
-/// The application installs those of the real device, a test those of the scripted one; with none
-/// installed every queue is refused with kDeviceUnavailableStatus and a line on standard error.
+/// Creates queues. One instance serves the whole process and shares one input stream among all
+/// input queues. The application installs that of the real device, tests that of the scripted one.
+/// With none installed every queue is refused with kDeviceUnavailableStatus and a line on standard
+/// error.
 ///
 /// Threads: any. Real-time: not safe.
 class AudioQueues {
@@ -149,13 +151,13 @@ class AudioQueues {
   using NewInput = Result<std::unique_ptr<AudioInputQueue>, AudioStatus>;
   using NewOutput = Result<std::unique_ptr<AudioOutputQueue>, AudioStatus>;
 
-  /// Completes a description whose identifying fields are set; kInvalidParameterStatus for one
-  /// that is not interleaved float PCM of kWorkingFormat's shape (an all-zero one, say).
+  /// Completes a description whose identifying fields are set; kInvalidParameterStatus unless it is
+  /// interleaved float PCM like kWorkingFormat.
   [[nodiscard]] virtual AudioStatus completeFormat(AudioStreamBasicDescription& format) const = 0;
 
-  /// A stopped input queue. Waits at most 250 ms for the first answer of the sound system, past
-  /// that it says yes; a failure that comes later arrives through `failed`, once. A failure known
-  /// for less than a second is answered at once.
+  /// A stopped input queue. Waits at most 250 ms for the sound system, then assumes success; a
+  /// later failure is reported through `failed`, once. A failure less than a second old is returned
+  /// at once.
   [[nodiscard]] virtual NewInput newInput(const AudioStreamBasicDescription& format,
                                           AudioInputQueue::Callback callback,
                                           AudioInputQueue::FailureListener failed) = 0;
@@ -164,14 +166,13 @@ class AudioQueues {
   [[nodiscard]] virtual NewOutput newOutput(const AudioStreamBasicDescription& format,
                                             AudioOutputQueue::Callback callback) = 0;
 
-  /// True for the first caller after the input device began to fail: that one tells the user.
-  /// False until the device's state has changed again, so that one failure is told once however
-  /// many recorders meet it.
+  /// True for the first caller after the input device began to fail, which alerts the user. False
+  /// until the device's state changes again, so one failure shows one alert for any number of
+  /// recorders.
   [[nodiscard]] virtual bool claimInputFailureAlert() = 0;
 
-  /// True for the first caller with a lost device (kDeviceLostStatus) to tell of, false for a
-  /// second after it: a sound server that dies takes input and output along at once, and is told
-  /// once.
+  /// True for the first caller that reports a lost device (kDeviceLostStatus), then false for a
+  /// second: a dying sound server takes input and output with it, but shows one alert.
   [[nodiscard]] virtual bool claimDeviceLossAlert() = 0;
 };
 

@@ -7,25 +7,26 @@
 
 namespace platform {
 
-/// Notices frames that vanished before they reached us, inside the sound server say, by comparing
-/// the number captured with a monotonic clock.
+/// Detects frames lost before they reach the program, for example inside the sound server, by
+/// comparing the number captured with a monotonic clock.
 ///
-/// The lag, frames that should have come by now less frames that came, jumps about with every
-/// callback; its minimum over a window of two seconds does not. It moves slowly with the drift of
-/// the device's clock (1000 ppm are 88 frames a window) and only stays up when frames are missing:
-/// after a stall that lost nothing the late frames arrive in a burst. The first window is not
-/// looked at, since streams start unevenly.
+/// The lag is the number of frames due by now minus the number received. It varies with every
+/// callback, but its minimum over a window of two seconds is stable. That minimum drifts slowly
+/// with the device's clock (1000 ppm are 88 frames a window) and stays raised only when frames are
+/// missing: after a stall without loss the late frames arrive in a burst. The first window is
+/// ignored, since streams start unevenly.
 ///
 /// Threads: the device's real-time thread. Real-time: safe.
 class CaptureLossDetector {
  public:
-  /// Smallest loss that is noticed, in frames: 100 ms, more than a device's buffering changes by.
+  /// Smallest loss detected, in frames: 100 ms, more than a device's buffering varies.
   static constexpr std::int64_t kThresholdFrames = 4410;
 
-  /// `frames` came at `now`. Returns the number of frames found missing, nearly always 0.
+  /// Records that `frames` arrived at `now`. Returns the number of frames found missing, nearly
+  /// always 0.
   std::uint64_t captured(std::uint32_t frames, AudioClock::TimePoint now) noexcept;
 
-  /// Starts over, with a new stream.
+  /// Starts over for a new stream.
   void reset() noexcept { *this = CaptureLossDetector(); }
 
  private:

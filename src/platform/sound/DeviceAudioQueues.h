@@ -16,11 +16,10 @@ class RecentFailure;
 class SharedInput;
 
 /// The audio queues of the process, on a sound device: the real CubebAudioDevice, or a
-/// ScriptedAudioDevice in tests. docs/sound.md tells how its threads and rings work together.
+/// ScriptedAudioDevice in tests. docs/sound.md describes how its threads and rings work together.
 ///
-/// One control thread makes every call of the device. It may hang inside for as long as it likes:
-/// nobody waits for it more than 250 ms. The device must be given up to it, that is, nobody else
-/// may call its AudioDevice operations.
+/// One control thread makes every call to the device. A call may hang; no caller waits for it more
+/// than 250 ms. No other thread may call the device's AudioDevice operations.
 ///
 /// Threads: any. Real-time: not safe.
 class DeviceAudioQueues final : public AudioQueues {
@@ -29,14 +28,14 @@ class DeviceAudioQueues final : public AudioQueues {
       std::shared_ptr<AudioDevice> device,
       std::shared_ptr<AudioClock> clock = std::make_shared<SteadyAudioClock>());
 
-  /// Closes what is open, once the last queue is gone as well. Waits at most 250 ms; a control
-  /// thread that hangs is left behind with all that it may still touch, and ends with the process.
+  /// Closes the device once the last queue is gone as well. Waits at most 250 ms; a hanging control
+  /// thread is abandoned together with everything that it may still use, and ends with the process.
   ~DeviceAudioQueues() override;
 
-  /// Begins to open the input device and to connect to the sound system, ahead of the first queue,
-  /// which then does not wait for it; returns at once. With a `start` it begins when that is ready
-  /// or its promise is gone, and whatever else the device is to do comes after it. Without a queue
-  /// in the 3 s after the opening the input is closed again.
+  /// Starts connecting to the sound system and opening the input device ahead of the first queue,
+  /// which then does not wait for it. Returns at once. With a `start` the work, and everything
+  /// later for the device, begins when that is ready or its promise is destroyed. The input is
+  /// closed again if no queue uses it within 3 s.
   void prepareInput(std::future<void> start = {});
 
   [[nodiscard]] AudioStatus completeFormat(AudioStreamBasicDescription& format) const override;

@@ -12,10 +12,10 @@
 
 namespace platform {
 
-/// What the input and the output queues of DeviceAudioQueues share: a thin object over its core.
+/// Base of the input and output queues of DeviceAudioQueues: a thin wrapper over a core.
 ///
-/// The destructor of the queue itself calls dispose(), not this one: a callback that still runs
-/// then may call whatever the queue offers.
+/// The destructor of the derived queue calls dispose(), not this one, since a callback that is
+/// still running may call any function of the queue.
 ///
 /// @tparam Interface  AudioInputQueue or AudioOutputQueue
 /// @tparam Core       InputQueueCore or OutputQueueCore
@@ -56,7 +56,7 @@ class DeviceQueue : public Interface {
   }
 
  protected:
-  /// `makeCore` makes the core of the queue that it is given.
+  /// `makeCore` creates the core for the queue passed to it.
   template <typename MakeCore>
   DeviceQueue(std::shared_ptr<DeviceThread> deviceThread, MakeCore makeCore)
       : deviceThread_(std::move(deviceThread)), core_(makeCore(static_cast<Interface&>(*this))) {}
@@ -64,7 +64,7 @@ class DeviceQueue : public Interface {
   [[nodiscard]] Core& core() const { return *core_; }
 
  private:
-  // Keeps the control thread until this queue has given up the device.
+  // Keeps the control thread alive until this queue has released the device.
   const std::shared_ptr<DeviceThread> deviceThread_;
   const std::shared_ptr<Core> core_;
 };

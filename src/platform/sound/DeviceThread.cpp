@@ -106,8 +106,8 @@ void DeviceTasks::run(std::shared_ptr<AudioDevice> device) {
 }
 
 void DeviceTasks::finish(AudioDevice& device) {
-  // Taken out, so that they are destroyed outside the lock: a task may hold the last reference to
-  // a queue.
+  // Moved out, so that they are destroyed outside the lock: a task may hold the last reference to a
+  // queue.
   decltype(delayed_) dropped;
   decltype(atEnd_) last;
   {

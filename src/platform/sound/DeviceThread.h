@@ -17,24 +17,24 @@
 
 namespace platform {
 
-/// The longest time for which anybody waits for the sound system.
+/// The longest time that a caller waits for the sound system.
 inline constexpr std::chrono::milliseconds kMaxWait{250};
 
-/// What the control thread has to do. Shared by the thread and by all who give it work; it lives
-/// until the last of them is gone, a hanging thread included.
+/// The control thread's tasks. Shared by the thread and by everything that posts to it; it lives as
+/// long as any of them, including a hanging thread.
 ///
 /// Threads: any. Real-time: not safe, except Signal::raise().
 class DeviceTasks {
  public:
-  /// Runs on the control thread. It keeps alive whatever it touches.
+  /// Runs on the control thread. It keeps everything that it uses alive.
   using Task = std::function<void(AudioDevice&)>;
 
-  /// A task made ahead of time that a real-time thread may ask for.
+  /// A prepared task that a real-time thread can trigger.
   class Signal {
    public:
     Signal(DeviceTasks& control, Task task) : control_(control), task_(std::move(task)) {}
 
-    /// Has the task run soon, once for any number of raises before that.
+    /// Makes the task run soon, once for any number of raises before it runs.
     ///
     /// Threads: any. Real-time: safe.
     void raise() noexcept;
@@ -49,13 +49,13 @@ class DeviceTasks {
 
   explicit DeviceTasks(std::shared_ptr<AudioClock> clock) : clock_(std::move(clock)) {}
 
-  /// Runs `task` after those posted before. Dropped once the thread has ended.
+  /// Runs `task` after those already posted. Dropped once the thread has ended.
   void post(Task task);
 
-  /// Runs `task` when `delay` has passed on the clock. Dropped if the thread ends before.
+  /// Runs `task` after `delay` on the clock. Dropped if the thread ends first.
   void postAfter(std::chrono::nanoseconds delay, Task task);
 
-  /// Runs `task` last of all when the thread ends.
+  /// Runs `task` at the very end of the thread.
   void postAtEnd(Task task);
 
   /// The signal ends with its last reference. `task` must not keep its own signal alive.
@@ -85,17 +85,17 @@ class DeviceTasks {
   bool ending_ GUARDED_BY(mutex_) = false;
 };
 
-/// Owns the one thread that makes every call of an AudioDevice. Such a call may hang for minutes;
-/// the thread then hangs with it and nobody else.
+/// Owns the only thread that calls an AudioDevice. A call may hang for minutes; it then holds up
+/// only this thread.
 ///
 /// Threads: any but the control thread itself. Real-time: not safe.
 class DeviceThread {
  public:
   DeviceThread(std::shared_ptr<AudioDevice> device, std::shared_ptr<AudioClock> clock);
 
-  /// Runs what was posted, then the tasks of postAtEnd(), and ends the thread. Waits for that at
-  /// most kMaxWait of real time; a thread that hangs is then detached and keeps DeviceTasks,
-  /// the device and all that its tasks hold until it comes back or the process ends.
+  /// Runs the posted tasks, then those of postAtEnd(), and ends the thread. Waits at most kMaxWait
+  /// of real time; a hanging thread is then detached, and keeps DeviceTasks, the device and
+  /// everything that its tasks hold until it returns or the process ends.
   ~DeviceThread();
   DeviceThread(const DeviceThread&) = delete;
   DeviceThread& operator=(const DeviceThread&) = delete;

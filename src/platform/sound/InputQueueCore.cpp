@@ -87,9 +87,9 @@ void InputQueueCore::stop() {
 void InputQueueCore::dispose() {
   stop();
   if (thread_.isCurrent()) {
-    return;  // buffers and callbacks are still in use; they go with the thread
+    return;  // buffers and callbacks are still in use; the thread releases them
   }
-  // Let go outside the lock: they may hold the last reference to the owner of this queue.
+  // Released outside the lock: they may hold the last reference to the owner of this queue.
   const auto callback = std::exchange(callback_, nullptr);
   const auto failed = std::exchange(failed_, nullptr);
   const MutexLock lock(mutex_);
@@ -144,7 +144,7 @@ void InputQueueCore::inputFailed(AudioStatus status) {
   }
   input_->fanOut().remove(*this);
   {
-    // The real-time thread is out of here: what it left unfinished is the last of the capture.
+    // The real-time thread has left: its unfinished block is the last of the capture.
     const MutexLock lock(mutex_);
     if (producer_) {
       producer_->finish();
@@ -238,7 +238,7 @@ void InputQueueCore::tellFailure() {
   AudioStatus status = kAudioStatusOk;
   {
     const MutexLock lock(mutex_);
-    // What came after the last look at the ring goes first; its wake-up is under way.
+    // Blocks finished since the last check of the ring go first; their wake-up is under way.
     if (!captureEnded_ || canDeliver() || std::exchange(failureTold_, true)) {
       return;
     }

@@ -15,8 +15,8 @@
 
 namespace platform {
 
-/// What an input queue is made of. It outlives its DeviceInputQueue for as long as its thread or
-/// the control thread still holds it.
+/// The implementation of an input queue. It outlives its DeviceInputQueue while its thread or the
+/// control thread still holds it.
 ///
 /// Threads: as AudioInputQueue, except where said. Real-time: only captured() is safe.
 class InputQueueCore final : public InputSink,
@@ -62,20 +62,20 @@ class InputQueueCore final : public InputSink,
   // Fixed after construction.
   AudioInputQueue& owner_;
   const std::shared_ptr<SharedInput> input_;
-  AudioInputQueue::Callback callback_;  // let go by dispose(), when no callback runs any more
+  AudioInputQueue::Callback callback_;  // released by dispose(), when no callback runs any more
   AudioInputQueue::FailureListener failed_;
 
   LevelMeter levels_;
   QueueThread thread_;
 
-  // Made by start(), under mutex_, before the real-time thread and the queue's thread know of this
+  // Created by start(), under mutex_, before the real-time thread and the queue's thread use this
   // queue; then fixed.
   std::optional<InputRing> ring_;
-  // Real-time thread only; once that has left for good, inputFailed() under mutex_.
+  // Real-time thread only; inputFailed(), under mutex_, once that thread has left for good.
   std::optional<InputRingProducer> producer_;
 
   mutable Mutex mutex_;
-  Condition progress_;  // something that isDelivered() looks at has changed
+  Condition progress_;  // something that isDelivered() reads has changed
   State state_ GUARDED_BY(mutex_) = State::kCreated;
   QueueBuffers buffers_ GUARDED_BY(mutex_);
   std::deque<AudioQueueBuffer*> enqueued_ GUARDED_BY(mutex_);
@@ -83,7 +83,7 @@ class InputQueueCore final : public InputSink,
   // endFrame of the buffer that the callback has
   std::optional<std::uint64_t> inCallback_ GUARDED_BY(mutex_);
   AudioStatus failure_ GUARDED_BY(mutex_) = kAudioStatusOk;
-  // by the failure: the last frames are in the ring
+  // the device failed, and its last frames are in the ring
   bool captureEnded_ GUARDED_BY(mutex_) = false;
   bool failureTold_ GUARDED_BY(mutex_) = false;
   std::uint64_t lossTold_ GUARDED_BY(mutex_) = 0;  // frames

@@ -26,7 +26,7 @@ class LateAudioDevice final : public AudioDevice {
   }
 
  private:
-  // Once, whether it succeeds or not.
+  // Tries once, whether it succeeds or not.
   [[nodiscard]] bool load() {
     if (const char* const name = std::exchange(moduleName_, nullptr); name != nullptr) {
       device_.reset(makeFromModule<AudioDevice>(name));
@@ -34,7 +34,7 @@ class LateAudioDevice final : public AudioDevice {
     return device_ != nullptr;
   }
 
-  const char* moduleName_;  // null when loaded, or found missing
+  const char* moduleName_;  // null once loaded or found missing
   std::unique_ptr<AudioDevice> device_;
 };
 

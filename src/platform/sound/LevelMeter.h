@@ -9,8 +9,8 @@
 
 namespace platform {
 
-/// Levels of the last buffer of a queue, for each channel of kWorkingFormat. Silence until it is
-/// enabled and has measured. A sample that is not a finite number counts as 0.
+/// Levels of a queue's last buffer, for each channel of kWorkingFormat. Silence until enabled and
+/// measured. Samples that are not finite count as 0.
 ///
 /// Threads: any. Real-time: not safe.
 class LevelMeter {

@@ -31,7 +31,7 @@ bool OutputFeeder::isAllTaken() const noexcept {
 std::uint32_t OutputFeeder::take(float* samples, std::uint32_t frames,
                                  std::uint32_t& emptied) noexcept {
   std::uint32_t filled = 0;
-  // Also looks for empty buffers behind the last frame, so that they come back without delay.
+  // Also takes empty buffers after the last frame, so that they return without delay.
   while (current_ != nullptr || waiting_.pop(current_)) {
     const std::uint32_t length = current_->mAudioDataByteSize / kWorkingFrameBytes;
     const std::uint32_t part = std::min(frames - filled, length - currentDone_);
@@ -62,7 +62,8 @@ std::uint32_t OutputFeeder::fill(float* samples, std::uint32_t frames) noexcept 
   const std::uint64_t before = given_.load(std::memory_order_relaxed);
   const bool begins = filled > 0 && realEnd_.load(std::memory_order_relaxed) == 0;
   if (begins && filled < frames && !draining_.load(std::memory_order_relaxed)) {
-    // More is to come: silence before the first frame is not heard as a gap, behind the last it is.
+    // More audio will follow: silence before the first frame is not heard as a gap, after the last
+    // it is.
     std::copy_backward(samples, samples + filled * kWorkingChannels,
                        samples + frames * kWorkingChannels);
     std::fill_n(samples, (frames - filled) * kWorkingChannels, 0.0F);

@@ -10,20 +10,20 @@
 
 namespace platform {
 
-/// The way of an output queue's buffers through the device's real-time thread: enqueued buffers go
-/// in, their samples go to the device, the emptied buffers come out.
+/// Passes an output queue's buffers through the device's real-time thread: enqueued buffers go in,
+/// their samples go to the device, emptied buffers come out.
 ///
 /// Threads: said with each call. Real-time: fill() is safe.
 class OutputFeeder {
  public:
   // --- The queue's side.
 
-  /// Hands a buffer over. At most QueueBuffers::kMaxBuffers can be inside.
+  /// Adds a buffer. At most QueueBuffers::kMaxBuffers can be inside.
   ///
   /// Threads: one at a time, under the queue's lock.
   void push(AudioQueueBuffer* buffer) noexcept;
 
-  /// A buffer whose samples were all taken, in order; null when there is none.
+  /// The next emptied buffer, in order; null when there is none.
   ///
   /// Threads: the queue's thread.
   [[nodiscard]] AudioQueueBuffer* popTaken() noexcept;
@@ -31,19 +31,19 @@ class OutputFeeder {
   /// No more buffers will come: silence from now on is no underrun.
   void beginDraining() noexcept { draining_.store(true, std::memory_order_relaxed); }
 
-  /// When it has returned no buffer is read any more; the device gets silence.
+  /// After it returns no buffer is read; the device gets silence.
   void close() noexcept;
 
-  /// Every sample that was pushed has been given to the device. Lasting only while draining.
+  /// Whether every pushed sample has been passed to the device. Final only while draining.
   [[nodiscard]] bool isAllTaken() const noexcept;
 
-  /// End of the last real frame given to the device, in frames since its stream was made, silence
-  /// included. Compares with AudioOutputStream::position().
+  /// End of the last real frame passed to the device, in frames since its stream was created,
+  /// including silence. Compares with AudioOutputStream::position().
   [[nodiscard]] std::uint64_t realEndFrame() const noexcept {
     return realEnd_.load(std::memory_order_acquire);
   }
 
-  /// Frames given to the device since its stream was made, silence included.
+  /// Frames passed to the device since its stream was created, including silence.
   [[nodiscard]] std::uint64_t givenFrames() const noexcept {
     return given_.load(std::memory_order_acquire);
   }
@@ -54,9 +54,9 @@ class OutputFeeder {
 
   // --- The device's side.
 
-  /// Fills all `frames` interleaved frames. Where there are fewer, silence follows them; at the
-  /// beginning of audio whose end is not announced yet, it stands before them, so that the audio
-  /// goes on without a gap. Returns the number of buffers that were emptied.
+  /// Fills all `frames` interleaved frames. If fewer are ready, silence follows them; at the start
+  /// of audio whose end is not announced yet, silence precedes them, so that the audio continues
+  /// without a gap. Returns the number of buffers emptied.
   ///
   /// Threads: the device's real-time thread. Real-time: safe.
   std::uint32_t fill(float* samples, std::uint32_t frames) noexcept;

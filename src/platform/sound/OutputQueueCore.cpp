@@ -53,7 +53,7 @@ AudioStatus OutputQueueCore::ask(void (OutputQueueCore::*task)(TimedReply&)) {
   {
     const MutexLock lock(mutex_);
     if (!openSettled_) {
-      // Behind an opening that hangs: making and starting wait for 250 ms together.
+      // After a hanging opening: creation and start together wait 250 ms.
       deadline = created_ + kMaxWait;
     }
   }
@@ -163,9 +163,9 @@ void OutputQueueCore::tellUnderruns() const {
 void OutputQueueCore::dispose() {
   stop();
   if (thread_.isCurrent()) {
-    return;  // buffers and callbacks are still in use; they go with the thread
+    return;  // buffers and callbacks are still in use; the thread releases them
   }
-  // Let go outside the lock: they may hold the last reference to the owner of this queue.
+  // Released outside the lock: they may hold the last reference to the owner of this queue.
   const auto callback = std::exchange(callback_, nullptr);
   AudioOutputQueue::RunningListener listener;
   const MutexLock lock(mutex_);
@@ -322,7 +322,7 @@ void OutputQueueCore::fail(AudioStatus status, TimedReply* answer) {
     if (first) {
       failure_ = status;
     }
-    // Under the lock, so that a start() which is told has not been told by the listener as well.
+    // Under the lock, so that a failure returned by start() is not also reported to the listener.
     const bool answered = answer != nullptr && answer->give(status);
     const bool started = state_ == State::kRunning || state_ == State::kPaused;
     if (started) {
@@ -351,7 +351,7 @@ void OutputQueueCore::serve() {
       running = changes_.front();
       changes_.pop_front();
     }
-    // Every buffer whose data went to the device before the change comes back before it.
+    // Buffers that the device took before the change are returned before it.
     returnTaken();
     if (!thread_.isEnding()) {
       tell(running);

@@ -19,17 +19,17 @@
 
 namespace platform {
 
-/// What an output queue is made of. It outlives its DeviceOutputQueue for as long as its thread,
-/// or a stream on the control thread, still needs it.
+/// The implementation of an output queue. It outlives its DeviceOutputQueue while its thread, or a
+/// stream on the control thread, still needs it.
 ///
 /// Threads: as AudioOutputQueue, except where said. Real-time: only deviceWants() is safe.
 class OutputQueueCore final : public AudioOutputClient,
                               public std::enable_shared_from_this<OutputQueueCore> {
  public:
-  /// Time between looks at the playing position of a queue that drains.
+  /// Interval between checks of a draining queue's playing position.
   static constexpr std::chrono::milliseconds kDrainLook{10};
-  /// Frames of silence, given behind the last real frame, after which a drain ends whatever the
-  /// position says: 2 s, for a device whose position stands still.
+  /// Frames of silence after the last real frame that end a drain whatever the position: 2 s, for a
+  /// device whose position does not move.
   static constexpr std::uint64_t kMaxDrainFrames = 2 * kWorkingRate;
 
   static std::shared_ptr<OutputQueueCore> create(AudioOutputQueue& owner,
@@ -38,7 +38,7 @@ class OutputQueueCore final : public AudioOutputClient,
                                                  std::shared_ptr<AudioClock> clock,
                                                  std::shared_ptr<RecentFailure> known);
 
-  /// Opens the stream; waits at most kMaxWait, then says yes.
+  /// Opens the stream; waits at most kMaxWait, then assumes success.
   [[nodiscard]] AudioStatus open();
 
   [[nodiscard]] Result<AudioQueueBuffer*, AudioStatus> allocate(std::uint32_t byteCapacity);
@@ -87,7 +87,7 @@ class OutputQueueCore final : public AudioOutputClient,
   const std::shared_ptr<AudioClock> clock_;
   const std::shared_ptr<RecentFailure> known_;
   const AudioClock::TimePoint created_;
-  AudioOutputQueue::Callback callback_;  // let go by dispose(), when no callback runs any more
+  AudioOutputQueue::Callback callback_;  // released by dispose(), when no callback runs any more
   std::shared_ptr<DeviceTasks::Signal> failureSignal_;
 
   LevelMeter levels_;
@@ -99,11 +99,11 @@ class OutputQueueCore final : public AudioOutputClient,
 
   // Control thread only.
   std::unique_ptr<AudioOutputStream> stream_;
-  bool watching_ = false;  // a look at the drain is posted
+  bool watching_ = false;  // a check of the drain is posted
 
-  // Queue's thread only: what the listener that runs is being told.
+  // Queue's thread only: the state that the running listener is being notified of.
   std::optional<bool> telling_;
-  // Set while kCreated, before the queue's thread runs; let go by dispose(), after it.
+  // Set while kCreated, before the queue's thread runs; released by dispose(), after it.
   AudioOutputQueue::RunningListener listener_;
 
   mutable Mutex mutex_;
@@ -112,7 +112,7 @@ class OutputQueueCore final : public AudioOutputClient,
   bool running_ GUARDED_BY(mutex_) = false;      // the running state as the device has it
   bool openSettled_ GUARDED_BY(mutex_) = false;  // the opening has succeeded or failed
   AudioStatus failure_ GUARDED_BY(mutex_) = kAudioStatusOk;
-  std::deque<bool> changes_ GUARDED_BY(mutex_);  // of the running state, still to be told
+  std::deque<bool> changes_ GUARDED_BY(mutex_);  // of the running state, not yet notified
   QueueBuffers buffers_ GUARDED_BY(mutex_);
 };
 

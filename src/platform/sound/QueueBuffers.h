@@ -9,19 +9,19 @@
 
 namespace platform {
 
-/// The buffers that one queue owns, and which of them are enqueued.
+/// The buffers that one queue owns, and whether each is enqueued.
 ///
 /// Threads: one at a time, under the queue's lock. Real-time: not safe.
 class QueueBuffers {
  public:
-  /// Most buffers of one queue; the rings to and from the real-time thread have this much room.
+  /// Maximum buffers of one queue; also the capacity of the rings to and from the real-time thread.
   static constexpr std::size_t kMaxBuffers = 64;
 
-  /// kInvalidParameterStatus for a size that is 0 or not whole frames, or for too many.
+  /// kInvalidParameterStatus for a size that is 0 or not whole frames, or for too many buffers.
   [[nodiscard]] Result<AudioQueueBuffer*, AudioStatus> allocate(std::uint32_t byteCapacity);
 
-  /// Marks a buffer as enqueued; kInvalidParameterStatus for a foreign one, an enqueued one, or
-  /// one that claims more bytes than it has.
+  /// Marks a buffer as enqueued; kInvalidParameterStatus for a buffer of another queue, one already
+  /// enqueued, or one whose byte size exceeds its capacity.
   [[nodiscard]] AudioStatus markEnqueued(const AudioQueueBuffer* buffer);
   void markReturned(const AudioQueueBuffer* buffer);
 

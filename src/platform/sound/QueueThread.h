@@ -10,8 +10,8 @@
 
 namespace platform {
 
-/// The thread of one audio queue, on which its callbacks run. While it lives it holds a
-/// PostedAlertsScope, so that an alert never holds up the sound.
+/// The thread of one audio queue, on which its callbacks run. It holds a PostedAlertsScope, so that
+/// an alert never holds up the sound.
 ///
 /// Threads: start(), end() and destruction on the queue's owner thread; end() and destruction also
 /// on this thread itself; the rest on any. Real-time: wake() is safe.
@@ -22,15 +22,15 @@ class QueueThread {
   QueueThread(const QueueThread&) = delete;
   QueueThread& operator=(const QueueThread&) = delete;
 
-  /// Begins to run `serve` once for every wake-up. What `serve` holds is released on the thread
-  /// when that ends, which may be after the end of this object. kNoThreadStatus when the system
-  /// gives no thread; it may be tried again.
+  /// Starts running `serve` once for every wake-up. The thread releases `serve` when it ends, which
+  /// may be after the destruction of this object. kNoThreadStatus when the system cannot create a
+  /// thread; the caller may retry.
   [[nodiscard]] AudioStatus start(std::function<void()> serve);
 
   void wake() noexcept { shared_->wake.post(); }
 
-  /// When it has returned `serve` is not running and will not run again. Called on this thread
-  /// itself it returns at once, and the running `serve` is the last.
+  /// After it returns `serve` is not running and will not run again. Called on this thread itself
+  /// it returns at once, and the running `serve` is the last.
   void end();
 
   [[nodiscard]] bool isEnding() const { return shared_->ending.load(std::memory_order_acquire); }

@@ -8,8 +8,8 @@
 
 namespace platform {
 
-/// Remembers for one second that the device failed, so that what is asked meanwhile is answered at
-/// once; after that it is tried anew, since the device may be back.
+/// Remembers a device failure for one second, so that requests meanwhile fail at once. After that
+/// the device is tried again, since it may be back.
 ///
 /// Threads: any. Real-time: not safe.
 class RecentFailure {
@@ -27,7 +27,7 @@ class RecentFailure {
     status_ = kAudioStatusOk;
   }
 
-  /// The failure if it is known for less than a second at `now`, otherwise kAudioStatusOk.
+  /// The failure if it is less than a second old at `now`, otherwise kAudioStatusOk.
   [[nodiscard]] AudioStatus recent(AudioClock::TimePoint now) const {
     const MutexLock lock(mutex_);
     return now - since_ < kMemory ? status_ : kAudioStatusOk;

@@ -32,7 +32,7 @@ AudioStatus SharedInput::acquire(const std::shared_ptr<InputSubscriber>& user) {
       }
     }
     if (users_.empty()) {
-      // What was lost while nobody recorded concerns nobody.
+      // Losses without a user do not matter.
       static_cast<void>(takeFramesLostInSystem());
     }
     users_.push_back(user);
@@ -49,7 +49,8 @@ AudioStatus SharedInput::acquire(const std::shared_ptr<InputSubscriber>& user) {
 }
 
 void SharedInput::release(const InputSubscriber& user) {
-  std::shared_ptr<InputSubscriber> released;  // may be the last reference: dropped outside the lock
+  std::shared_ptr<InputSubscriber>
+      released;  // may be the last reference: released outside the lock
   const MutexLock lock(mutex_);
   const auto found = std::find_if(users_.begin(), users_.end(),
                                   [&](const auto& other) { return other.get() == &user; });

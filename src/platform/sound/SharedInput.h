@@ -16,37 +16,38 @@
 
 namespace platform {
 
-/// One that needs the input device.
+/// A user of the input device.
 class InputSubscriber {
  public:
   virtual ~InputSubscriber() = default;
 
-  /// The device failed; it is not used for this one any more.
+  /// The device failed; this subscriber is no longer registered.
   ///
   /// Threads: the control thread. Real-time: not safe.
   virtual void inputFailed(AudioStatus status) = 0;
 };
 
-/// The one input stream of the process: opened for the first user, or ahead of it, closed a few
-/// seconds after the last went. All users' sinks hang on its fan-out.
+/// The process's only input stream: opened for the first user or ahead of it, closed a few seconds
+/// after the last has left. All users' sinks are attached to its fan-out.
 ///
 /// Threads: any, except where said. Real-time: not safe, except where said.
 class SharedInput final : public AudioInputClient,
                           public std::enable_shared_from_this<SharedInput> {
  public:
-  /// How long the device stays open without a user: a pause makes a new queue within this time.
+  /// How long the device stays open without a user, so that recording can resume after a short
+  /// pause.
   static constexpr std::chrono::seconds kLinger{3};
 
   [[nodiscard]] static std::shared_ptr<SharedInput> create(std::shared_ptr<DeviceTasks> control,
                                                            std::shared_ptr<AudioClock> clock);
 
-  /// Counts `user` in and opens the device if it is not open. Waits for it until kMaxWait after
-  /// the opening began, then says yes; an opening that prepare() began is not waited for, so that
-  /// the first window is shown meanwhile. A failure that it answers has not counted the user in; a
-  /// later one arrives at the user and counts it out.
+  /// Registers `user` and opens the device if it is not open. Waits until kMaxWait after the
+  /// opening began, then assumes success; it does not wait for an opening that prepare() began, so
+  /// that the first window is shown meanwhile. On failure the user is not registered; a later
+  /// failure notifies and unregisters it.
   [[nodiscard]] AudioStatus acquire(const std::shared_ptr<InputSubscriber>& user);
 
-  /// Counts `user` out. Without effect for one that is not counted in.
+  /// Unregisters `user`; no effect if it is not registered.
   void release(const InputSubscriber& user);
 
   /// Opens the device ahead of the first user.
@@ -89,7 +90,7 @@ class SharedInput final : public AudioInputClient,
 
   // Written by the real-time thread; before the stream opens, by the control thread.
   CaptureLossDetector detector_;
-  // Added to by the real-time thread, taken by whoever tells it.
+  // Incremented by the real-time thread, reset by the thread that logs it.
   std::atomic<std::uint64_t> framesLostInSystem_{0};
   // Set by a thread of the device, cleared by the control thread; 0 is none.
   std::atomic<AudioStatus> pendingFailure_{kAudioStatusOk};
@@ -104,10 +105,11 @@ class SharedInput final : public AudioInputClient,
   AudioClock::TimePoint openingSince_ GUARDED_BY(mutex_);
   AudioClock::TimePoint unusedSince_ GUARDED_BY(mutex_);
   RecentFailure failure_ GUARDED_BY(mutex_);
-  bool failing_ GUARDED_BY(mutex_) = false;  // the last try failed, or the device was lost since
-  bool untold_ GUARDED_BY(mutex_) = false;   // it began to fail and no alert was claimed for that
+  bool failing_ GUARDED_BY(mutex_) =
+      false;                                // the last opening failed, or the device was lost since
+  bool untold_ GUARDED_BY(mutex_) = false;  // it began to fail and no alert was claimed yet
   std::vector<std::shared_ptr<InputSubscriber>> users_ GUARDED_BY(mutex_);
-  // about the opening under way
+  // awaiting the opening under way
   std::vector<std::shared_ptr<TimedReply>> questions_ GUARDED_BY(mutex_);
 };
 

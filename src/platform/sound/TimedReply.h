@@ -8,13 +8,13 @@
 
 namespace platform {
 
-/// The answer to one question put to the control thread. It reaches the asker, or the asker has
-/// given up and give() says so: a failure is told exactly once.
+/// The reply to one request to the control thread. Either the requester receives it, or it has
+/// given up and give() returns false: a failure is reported exactly once.
 ///
 /// Threads: give() on one, wait() on another. Real-time: not safe.
 class TimedReply {
  public:
-  /// False when nobody waits any more.
+  /// False when the requester has given up.
   bool give(AudioStatus status) {
     status_ = status;
     State expected = State::kOpen;
@@ -25,10 +25,10 @@ class TimedReply {
     return taken;
   }
 
-  /// The answer, or nothing when it has not come by `deadline` and is given up.
+  /// The reply, or nothing if `deadline` passed first; the reply is then given up.
   [[nodiscard]] std::optional<AudioStatus> wait(AudioClock& clock, AudioClock::TimePoint deadline) {
     static_cast<void>(clock.waitUntil(given_, deadline));
-    // Also decides when the answer and the deadline come together.
+    // Also decides when the reply and the deadline coincide.
     State expected = State::kOpen;
     if (state_.compare_exchange_strong(expected, State::kGivenUp)) {
       return std::nullopt;
@@ -39,7 +39,7 @@ class TimedReply {
  private:
   enum class State { kOpen, kGiven, kGivenUp };
 
-  // Leaves kOpen once, by whoever comes first: give() or wait().
+  // Leaves kOpen once, through give() or wait(), whichever comes first.
   std::atomic<State> state_{State::kOpen};
   // Written by give() before state_ becomes kGiven, read after.
   AudioStatus status_ = kAudioStatusOk;

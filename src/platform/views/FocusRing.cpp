@@ -17,7 +17,7 @@ bool FocusRing::handle(const QFocusEvent& event) {
   const Qt::FocusReason reason = event.reason();
   const bool byKeyboard = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
                           reason == Qt::ShortcutFocusReason;
-  // A window that comes back to the front shows the ring again that it had.
+  // A reactivated window shows its ring again.
   const bool back = reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
   if (back) {
     return isShown_;

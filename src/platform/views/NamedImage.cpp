@@ -9,13 +9,13 @@ namespace platform {
 
 namespace {
 
-// Drawing blends premultiplied pixels; converting once here spares every paint the conversion.
+// Drawing blends premultiplied pixels; converting once here saves doing so in every paint.
 QImage readyToDraw(const QImage& image) {
   return image.isNull() ? image : image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
-// All are PNG, which the toolkit reads itself: left to guess, it would load every other format's
-// plugin first.
+// All are PNG, which Qt reads itself; without a given format it would first load every other
+// format's plugin.
 QImage decoded(const QString& path) {
   if (!QFileInfo::exists(path)) {
     return {};

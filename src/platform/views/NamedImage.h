@@ -9,9 +9,8 @@
 namespace platform {
 
 /// An image of the program's resources, found by its file name: "stop.png" is ":/images/stop.png"
-/// at one pixel a point and ":/images/stop@2x.png" at two. A name that is not there gives a null
-/// image of no size. Each version is decoded when it is first asked for: a window is shown before
-/// it is painted.
+/// at one pixel a point and ":/images/stop@2x.png" at two. An unknown name gives a null image of
+/// size 0. Each version is decoded on first use, since a window is shown before it is painted.
 ///
 /// Threads: main. Real-time: not safe.
 class NamedImage {
@@ -19,7 +18,7 @@ class NamedImage {
   NamedImage() = default;
   explicit NamedImage(const QString& name);
 
-  /// The same of pictures at hand; `doubled`, twice as wide and high, may be null.
+  /// The same from existing pictures; `doubled`, twice as wide and high, may be null.
   explicit NamedImage(const QImage& single, const QImage& doubled = QImage());
 
   [[nodiscard]] bool isNull() const;
@@ -27,12 +26,12 @@ class NamedImage {
   /// Width and height in points.
   [[nodiscard]] QSizeF size() const;
 
-  /// The version to draw where a point has `ratio` device pixels: the double-size one for every
-  /// ratio above 1 if there is one. Its device pixel ratio is set.
+  /// The version for `ratio` device pixels per point: the double-size one, if any, for every ratio
+  /// above 1. Its device pixel ratio is set.
   [[nodiscard]] const QImage& forRatio(qreal ratio) const;
 
  private:
-  /// A picture, or where it will come from.
+  /// A picture, or the path to load it from.
   class Version {
    public:
     Version() = default;

@@ -8,15 +8,15 @@ namespace platform {
 
 namespace {
 
-constexpr double kMiterLimit = 10.0;      // of a join's length, in widths of the pen
-constexpr double kColumnsPerUnit = 16.0;  // fineness at a scale of 1; half as fine at 2 looks alike
-constexpr double kShortestSegment = 1e-6;  // pixels; what is shorter has no direction
+constexpr double kMiterLimit = 10.0;       // of a join's length, in widths of the pen
+constexpr double kColumnsPerUnit = 16.0;   // at a scale of 1; half as many at 2 look the same
+constexpr double kShortestSegment = 1e-6;  // pixels; shorter ones have no direction
 
 int columnsPerPixel(double scale) {
   return std::clamp(static_cast<int>(kColumnsPerUnit / scale), 4, 16);
 }
 
-/// To the nearest; the numbers here are not below 0 by more than a rounding error.
+/// Rounds to the nearest; the numbers here are below 0 by a rounding error at most.
 int rounded(float value) {
   constexpr float kHalf = 0.5F;
   return static_cast<int>(value + kHalf);
@@ -62,7 +62,7 @@ void PolylineStroke::draw(QPainter& painter, const QRectF& area, std::span<const
 }
 
 bool PolylineStroke::isInLayer(const Setting& setting, std::span<const QPointF> points) const {
-  // Bit by bit: the points' own comparison is a fuzzy one.
+  // Bitwise, since QPointF's own comparison is fuzzy.
   return !layer_.isNull() && setting == layerSetting_ && points.size() == layerPoints_.size() &&
          (points.empty() ||
           std::memcmp(points.data(), layerPoints_.data(), points.size_bytes()) == 0);
@@ -194,7 +194,7 @@ void PolylineStroke::fillColumns(const QColor& color, int columnsPerPixel) {
   }
 }
 
-// Without a branch: which edges a column cuts changes from piece to piece.
+// Branchless: which edges a column cuts changes from piece to piece.
 inline PolylineStroke::Interval PolylineStroke::slice(const Piece& piece, float x) {
   std::array<float, kCorners> top{};
   std::array<float, kCorners> bottom{};
@@ -246,7 +246,7 @@ void PolylineStroke::countIntervals(float weight) {
     }
     touched.top = std::min(touched.top, joined.top);
     touched.bottom = std::max(touched.bottom, joined.bottom);
-    // A row that an end cuts is covered in part: the rest of the change comes a row later.
+    // A row cut by an end is covered only partly: the rest of the change applies one row later.
     const auto top = static_cast<std::size_t>(joined.top);
     const auto bottom = static_cast<std::size_t>(joined.bottom);
     const float topPart = joined.top - static_cast<float>(top);

@@ -18,30 +18,30 @@ namespace platform {
 /// Strokes polylines of thousands of points, such as a waveform's zig-zag, as one shape: flat caps,
 /// mitre joins (limit 10, bevelled beyond), antialiased, overlaps blended once.
 ///
-/// The toolkit does it either slowly (one path of two thousand points takes seconds, since its
-/// rasteriser compares all edges of a row with each other) or unevenly (single lines blend their
-/// soft edges twice, so that seams show and thin slanted lines come out too faint). Here every
-/// piece of the stroke, a segment or a join, is a convex polygon; the picture is cut into columns
-/// finer than a pixel, and in each column the pieces are a few intervals, whose union is counted
-/// into the pixels. The work grows with the length of the stroke, not with its square.
+/// Qt is either slow (one path of two thousand points takes seconds, since its rasteriser compares
+/// all edges of a row with each other) or uneven (separate lines blend their soft edges twice, so
+/// seams show and thin slanted lines are too faint). Here every piece of the stroke, a segment or a
+/// join, is a convex polygon. The picture is divided into columns finer than a pixel; in each
+/// column the pieces are a few intervals, whose union adds to the pixels' coverage. The work is
+/// linear in the length of the stroke, not quadratic.
 ///
-/// Holds nothing but memory, reused from one stroke to the next. The same line stroked again at the
-/// same place is only blended again.
+/// Keeps only memory for reuse between strokes. The same line stroked again at the same place is
+/// only blended again.
 ///
 /// Threads: one at a time, the main one in a view. Real-time: not safe.
 class PolylineStroke {
  public:
   /// Strokes the line through `points` with a pen of `width`, both in the painter's coordinates,
-  /// which may be moved, mirrored and scaled alike in both directions. What lies outside `area`
-  /// need not be drawn. Points that are not finite are left out.
+  /// which may be translated, mirrored and uniformly scaled. Parts outside `area` need not be
+  /// drawn. Points that are not finite are skipped.
   void draw(QPainter& painter, const QRectF& area, std::span<const QPointF> points,
             const QColor& color, double width);
 
  private:
   static constexpr std::size_t kCorners = 4;
 
-  /// A convex polygon of three or four corners, device pixels, y downward. A triangle has its last
-  /// corner twice. Behind the last corner's x stands the first one's again.
+  /// A convex polygon of three or four corners, device pixels, y downward. A triangle repeats its
+  /// last corner. The first corner's x is repeated after the last.
   struct Piece {
     float left = 0.0F;
     float right = 0.0F;
@@ -54,7 +54,7 @@ class PolylineStroke {
     float bottom = 0.0F;
   };
 
-  /// All that decides about the pixels of the layer, beside the points.
+  /// Everything besides the points that determines the layer's pixels.
   struct Setting {
     QSize size;
     QTransform toLayer;
@@ -85,7 +85,7 @@ class PolylineStroke {
 
   QImage layer_;
   int firstRow_ = 0;  // of the layer's rows that are not empty
-  int endRow_ = 0;    // behind the last of them
+  int endRow_ = 0;    // one past the last of them
   Setting layerSetting_;
   std::vector<QPointF> layerPoints_;  // the line that the layer shows
 };

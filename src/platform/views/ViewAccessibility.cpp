@@ -16,7 +16,7 @@ class AccessibleView final : public QAccessibleWidget {
 
   [[nodiscard]] QString text(QAccessible::Text kind) const override {
     QString own = QAccessibleWidget::text(kind);
-    // Not every desktop hands on the value of a view that is no slider; all hand on descriptions.
+    // Not every desktop exposes the value of a view that is not a slider; all expose descriptions.
     if (kind == QAccessible::Value || (kind == QAccessible::Description && own.isEmpty())) {
       return object()->property(kValueProperty).toString();
     }
@@ -36,8 +36,8 @@ QAccessibleInterface* makeAccessibleView(const QString&, QObject* object) {
 }  // namespace
 
 void describeView(QWidget* view, const QString& name, QAccessible::Role role) {
-  // Before the name: naming a view makes its interface, which is then kept. Installing the same
-  // factory again changes nothing.
+  // Before the name, since naming a view creates its interface, which is then kept. Installing the
+  // same factory again has no effect.
   QAccessible::installFactory(makeAccessibleView);
   view->setProperty(kRoleProperty, static_cast<int>(role));
   view->setAccessibleName(name);

@@ -6,9 +6,9 @@
 
 namespace platform {
 
-/// Tells assistive technology what a self-drawn view is: its localised name and its role. A view
-/// with something to read out besides gives it as a property "accessibleValue" of text type, which
-/// becomes its value and, unless it has one of its own, its description.
+/// Sets a self-drawn view's localised name and role for assistive technology. A view with a text
+/// property "accessibleValue" exposes it as its value and, unless it has its own, as its
+/// description.
 ///
 /// Threads: main. Real-time: not safe.
 void describeView(QWidget* view, const QString& name, QAccessible::Role role);

@@ -11,15 +11,15 @@ namespace platform {
 
 namespace {
 
-// Past this many line widths, a sharp corner is cut off instead of drawn out to its tip. That is
-// how the toolkit's "SVG" mitre join understands the limit; its plain one draws half a tip.
+// Past this many line widths, a sharp corner is cut off instead of drawn out to its tip. Qt's "SVG"
+// mitre join treats the limit this way; its plain one draws half a tip.
 constexpr double kMiterLimit = 10.0;
 
-// No device is so wide, and columns up to here are told apart.
+// No device is so wide, and columns up to here are distinguishable.
 constexpr double kFarthestColumn = 1 << 24;
 
-// The toolkit gives a translucent fill of 96 rows and more to helper threads and waits for them,
-// which costs more than the fill.
+// Qt passes a translucent fill of 96 rows or more to helper threads and waits for them, which costs
+// more than the fill.
 constexpr double kRowsAtOnce = 64.0;
 
 const QColor kGridColor = QColor::fromRgbF(0.145F, 0.32F, 0.356F);
@@ -68,14 +68,14 @@ void drawViewGridLevels(QPainter& painter, QSizeF size) {
   std::vector<QLineF> lines;
   for (int i = 0; i * kViewGridSpacing < size.height(); ++i) {
     const double y = i * kViewGridSpacing;
-    // The slight slant belongs to the look.
+    // The slight slant is part of the design.
     lines.emplace_back(0.0, y + 12.5, size.width() + 0.5, y + 12.0);
   }
   strokeGrid(painter, lines);
 }
 
 void drawViewGridUprights(QPainter& painter, QSizeF size, double offset) {
-  // Where lines fill whole pixels, nothing needs to be smoothed, and a rectangle is the same.
+  // Lines that fill whole pixels need no smoothing: a rectangle is the same.
   const bool fillPixels = isWhole(offset) && isWhole(devicePixelsPerPoint(painter));
   painter.setRenderHint(QPainter::Antialiasing, !fillPixels);
   std::vector<QLineF> lines;

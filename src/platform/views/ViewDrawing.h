@@ -6,48 +6,48 @@
 #include <QRect>
 #include <QSizeF>
 
-/// What views share when they draw: their coordinates, their pens, and the ground with its grid.
+/// Drawing shared by the views: coordinates, pens, and the background with its grid.
 ///
 /// Threads: main. Real-time: not safe.
 namespace platform {
 
-/// Turns a painter that stands in Qt's coordinates (points, origin top left, y downward) to those
-/// of the views: points, origin at the bottom left of a view of `viewSize`, y upward. Switches
+/// Converts a painter from Qt's coordinates (points, origin top left, y downward) to view
+/// coordinates: points, origin at the bottom left of a view of `viewSize`, y upward. Switches
 /// antialiasing on.
 void useViewCoordinates(QPainter& painter, QSizeF viewSize);
 
-/// Device pixels to a point where a painter draws, whatever it is really drawing on.
+/// Device pixels per point for a painter on any paint device.
 [[nodiscard]] double devicePixelsPerPoint(const QPainter& painter);
 
 /// A solid pen with flat caps and mitre joins (limit 10). `width` is in points.
 [[nodiscard]] QPen viewPen(const QColor& color, double width);
 
-/// The first thing that a view paints which declares itself opaque: fills every pixel of it with
-/// `ground`, also those at its edges that it covers in part, where points and pixels do not meet.
-/// What is drawn later covers these only in part, and nothing else paints them. The painter stands
-/// in the widget's own coordinates and is clipped to it, as in every paint event.
+/// Call first when painting an opaque view: fills every pixel with `ground`, including edge pixels
+/// that the view covers only partly, where points and pixels do not align. Later drawing covers
+/// those only partly, and nothing else paints them. The painter uses the widget's coordinates and
+/// is clipped to it, as in every paint event.
 void paintOpaqueGround(QPainter& painter, const QRect& view, const QColor& ground);
 
 /// Fills a view of `size`, points, with a gradient from `bottom` to `top`.
 void drawViewGradient(QPainter& painter, QSizeF size, const QColor& bottom, const QColor& top);
 
-/// Distance of the grid's lines, points.
+/// Distance between grid lines, points.
 inline constexpr double kViewGridSpacing = 24.0;
 
-/// The grid of a view of `size`, points: level lines, which end half a point lower than they begin,
-/// and upright ones, which `offset`, 0 to the spacing (excluded), moves to the right. All stroked
-/// one point wide.
+/// The grid of a view of `size`, in points: horizontal lines, which end half a point lower than
+/// they begin, and vertical ones, moved right by `offset`, 0 to the spacing (excluded). All are one
+/// point wide.
 void drawViewGridLevels(QPainter& painter, QSizeF size);
 void drawViewGridUprights(QPainter& painter, QSizeF size, double offset);
 
-/// Fills the upright bar from `left` to `right` and from 0 to `height`, smoothed at both sides: the
-/// same as an upright line of its width, without the path, its scan and the threads that the
-/// toolkit calls in for a high one. For painters that only move and scale; the ends of the bar are
-/// rounded to whole device pixels.
+/// Fills the vertical bar from `left` to `right` and from 0 to `height`, with smoothed sides: the
+/// same as a vertical line of that width, without the path, the scan and the threads that Qt uses
+/// for a tall one. For painters that only translate and scale; the bar's ends are rounded to whole
+/// device pixels.
 void fillUprightBar(QPainter& painter, double left, double right, double height,
                     const QColor& color);
 
-/// Draws text whose baseline begins at `baseline`, upright although the y axis points upward.
+/// Draws text whose baseline starts at `baseline`, upright although the y axis points up.
 void drawUprightText(QPainter& painter, QPointF baseline, const QString& text);
 
 }  // namespace platform

@@ -6,7 +6,7 @@
 
 #include "platform/mainloop/MainQueue.h"
 
-/// Asks a view, if it is still there, to redraw from the main queue.
+/// Redraws a view from the main queue, if it still exists.
 /// Threads: any. Real-time: not safe.
 template <typename View>
 void requestRedraw(const QPointer<View>& view) {
@@ -17,7 +17,7 @@ void requestRedraw(const QPointer<View>& view) {
   });
 }
 
-/// The same for a part of it, in points, widened to whole ones.
+/// The same for a part of it, in points, rounded outward to whole ones.
 /// Threads: any. Real-time: not safe.
 template <typename View>
 void requestRedraw(const QPointer<View>& view, const QRectF& inRect) {

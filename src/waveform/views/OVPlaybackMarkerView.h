@@ -4,8 +4,7 @@
 
 /// The playback or recording marker: a transparent view laid over the waveform view as its child,
 /// so that moving the marker copies a strip of the waveform's picture and never renders it anew.
-/// Mouse input goes through it to the waveform. Setting a property does not redraw; who sets it
-/// asks for that.
+/// Mouse input passes through to the waveform. Setting a property does not redraw; call update().
 ///
 /// Threads: main. Real-time: not safe.
 class OVPlaybackMarkerView : public QWidget {

@@ -16,7 +16,7 @@ constexpr double kLineWidth = 1.0;
 constexpr int kTicks = 20;
 // Full scale reaches this part of the height above and below the middle.
 constexpr double kFullScaleDivisor = 2.5;
-// Far outside every view, and still a number to reckon with.
+// Far outside every view, but still finite.
 constexpr float kMaxElement = 100.0F;
 
 float drawable(float element) {

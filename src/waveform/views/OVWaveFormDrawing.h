@@ -13,8 +13,8 @@
 #include "platform/views/ViewDrawing.h"
 
 /// The layers of the waveform picture. Each draws into a painter in view coordinates
-/// (platform::useViewCoordinates) for a view of the given size in points. Holds nothing but
-/// memory and what it drew last, used again where it would come out the same.
+/// (platform::useViewCoordinates) for a view of the given size in points. Keeps only memory and its
+/// last drawing, which it reuses while the result would be the same.
 ///
 /// Threads: one at a time, the main one in a view. Real-time: not safe.
 class OVWaveFormDrawing {
@@ -22,7 +22,7 @@ class OVWaveFormDrawing {
   /// Distance of the grid lines, points; the vertical ones repeat after as many scroll steps.
   static constexpr double kGridSpacing = platform::kViewGridSpacing;
 
-  /// The next value of the grid's horizontal offset: one point on, 0 again from 24 on.
+  /// The next value of the grid's horizontal offset: one point more, wrapping to 0 at 24.
   [[nodiscard]] static double nextGridOffset(double bg_scroll_x);
 
   /// A linear gradient from (36, 54, 71) at the bottom to (35, 37, 62) at the top.
@@ -32,20 +32,20 @@ class OVWaveFormDrawing {
   /// right. The horizontal ones end half a point lower than they begin.
   static void drawGrid(QPainter& painter, QSizeF size, double bg_scroll_x);
 
-  /// The gradient and the grid. What does not move is kept from one drawing to the next.
+  /// The gradient and the grid. The parts that do not move are cached between drawings.
   void drawBackground(QPainter& painter, QSizeF size, double bg_scroll_x);
 
-  /// One zig-zag through all elements, a bar of 2 × element × 40 % of the height at
-  /// (i + 1) × width / n for element i of n, centred on the middle. `alpha`, 0 to 1, holds for
-  /// the zig-zag as a whole. Elements that are not numbers count as 0.
+  /// One zig-zag through all elements, a bar of 2 × element × 40 % of the height at (i + 1) × width
+  /// / n for element i of n, centred on the middle. `alpha`, 0 to 1, applies to the zig-zag as a
+  /// whole. NaN elements count as 0.
   void drawWaveform(QPainter& painter, QSizeF size, std::span<const float> elements, double alpha);
 
   /// 20 ticks along the bottom edge and one at the right end.
   static void drawTimescale(QPainter& painter, QSizeF size);
 
   /// Copies the parts of a rendered picture that lie in `dirty` (points, y downward) to the same
-  /// place, without blending. The painter stands in Qt's coordinates. A picture of another size
-  /// than the view's is stretched to it.
+  /// place, without blending. The painter uses Qt's coordinates. A picture of another size than the
+  /// view's is stretched to it.
   static void copyPicture(QPainter& painter, QSizeF viewSize, const QRegion& dirty,
                           const QImage& picture);
 

@@ -20,7 +20,7 @@ constexpr double kFocusRadius = 3.0;  // points
 constexpr double kKeyStep = 0.01;     // of the width
 constexpr double kPageStep = 0.1;
 
-// Whole pixels that cover a length; a ratio such as 1.1 must not round one up by its last bit.
+// Whole pixels that cover a length; a ratio such as 1.1 must not add one by rounding error.
 int pixelsToCover(int points, double ratio) {
   return static_cast<int>(std::ceil(points * ratio - 1e-6));
 }
@@ -100,7 +100,7 @@ void OVWaveFormView::paintEvent(QPaintEvent* event) {
   }
   QPainter painter(this);
   if (image_.isNull()) {
-    // Nothing rendered yet, but an opaque view leaves no pixel unpainted.
+    // Nothing rendered yet, but an opaque view must paint every pixel.
     platform::useViewCoordinates(painter, size());
     drawGradient(painter);
     return;

@@ -20,7 +20,7 @@
 
 class OVWaveFormView;
 
-/// Told of clicks and drags in a waveform view.
+/// Notified of clicks and drags in a waveform view.
 ///
 /// Threads: main. Real-time: not safe.
 class OVWaveFormViewDelegate {
@@ -35,8 +35,7 @@ class OVWaveFormViewDelegate {
   virtual void waveFormViewReceivedDrag(OVWaveFormView* view, QPointF atPosition,
                                         double timeLinePosition) = 0;
 
-  /// Where the marker is, 0 to 1 of the view's width: the keys move it from there, however long ago
-  /// it was drawn.
+  /// The marker's current position, 0 to 1 of the view's width, from which the keys move it.
   virtual double waveFormViewTimeLinePosition(OVWaveFormView* view) = 0;
 };
 
@@ -44,14 +43,14 @@ class OVWaveFormViewDelegate {
 /// positions on the time line.
 ///
 /// The picture is rendered off screen when the number of elements, the size or the screen's pixel
-/// ratio has changed or a new rendering was asked for, and copied to the screen on every redraw,
-/// the dirty part only. While the summary regenerates, the last picture stays, unless
-/// overrideRegenerationCheck is set. A disabled view passes no input on. Setting a property does
-/// not redraw; who sets it asks for that.
+/// ratio has changed or a new rendering was requested. Every redraw copies only the dirty part to
+/// the screen. While the summary regenerates, the last picture stays, unless
+/// overrideRegenerationCheck is set. A disabled view ignores input. Setting a property does not
+/// redraw; call update().
 ///
 /// Reached by Tab, it moves the marker that is laid over it with the keys: Left and Right by a
 /// hundredth of the width, with Shift by a point, Page Up and Page Down by a tenth, Home and End to
-/// the ends. The delegate is told of each as of a drag. Other keys go on to the window.
+/// the ends. The delegate is notified of each as of a drag. Other keys pass to the window.
 ///
 /// Threads: main, except where said. Real-time: not safe.
 class OVWaveFormView : public QWidget {
@@ -85,7 +84,7 @@ class OVWaveFormView : public QWidget {
   /// The last rendering, null before the first: the view's size in points times the pixel ratio.
   [[nodiscard]] QImage image() const { return image_; }
 
-  /// Position and length as text, asked for whenever assistive technology wants to read them out.
+  /// Position and length as text, evaluated whenever assistive technology requests them.
   [[nodiscard]] QString accessibleValue() const;
   void setTimeLineText(std::function<QString()> text);
 
@@ -123,9 +122,9 @@ class OVWaveFormView : public QWidget {
 
   platform::GuardedPointer<std::shared_ptr<OVWaveformSummary>> waveForm_;
 
-  // Set by whichever thread has generated; cleared by the main thread alone, before it reads the
-  // elements, so that a generation in between asks for one rendering more, never for one less.
-  // Relaxed: the elements have a lock of their own.
+  // Set by the generating thread; cleared only by the main thread, before it reads the elements, so
+  // a generation in between causes one extra rendering, never a missing one. Relaxed: the elements
+  // have their own lock.
   std::atomic<bool> shouldRedrawWaveform_{true};
 
   // Main thread only.

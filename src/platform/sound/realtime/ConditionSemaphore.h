@@ -7,8 +7,8 @@
 
 namespace platform {
 
-/// A counting semaphore made from the standard library alone, for systems on which Semaphore has no
-/// implementation of its own. Its calls are those of Semaphore.
+/// A counting semaphore built on the standard library alone, for systems without their own
+/// implementation of Semaphore. Same interface as Semaphore.
 ///
 /// Threads: any.
 /// Real-time: not safe; post() takes a lock.

@@ -20,7 +20,7 @@ class InputSink {
   virtual void captured(const float* samples, std::uint32_t frames) noexcept = 0;
 };
 
-/// Hands every captured chunk to all sinks of a set that changes while the device runs.
+/// Passes every captured chunk to all sinks of a set that may change while the device runs.
 ///
 /// The real-time thread reads an immutable list through an atomic pointer; add() and remove()
 /// publish a new list and free the old one once the real-time thread cannot hold it any more.
@@ -39,7 +39,7 @@ class InputFanOut {
   /// Real-time: not safe.
   void add(InputSink& sink) EXCLUDES(mutex_);
 
-  /// When it has returned the sink is not called any more. Without effect for one not in the set.
+  /// After it returns the sink is not called. No effect for a sink not in the set.
   ///
   /// Threads: any but the real-time thread.
   /// Real-time: not safe.
@@ -58,8 +58,8 @@ class InputFanOut {
 
   RealTimeGracePeriod section_;
 
-  // What the real-time thread reads. Invariant: points to *owned_, or, within publish(), to the
-  // list that replaces it. Only writer: publish().
+  // Read by the real-time thread. Invariant: points to *owned_, or, within publish(), to the list
+  // that replaces it. Only writer: publish().
   std::atomic<const Sinks*> current_;
 
   Mutex mutex_;

@@ -7,20 +7,20 @@
 namespace platform {
 
 /// Carries captured samples from the device's real-time thread to an input queue's thread, in
-/// blocks of a fixed number of interleaved stereo float frames. All memory is taken and touched at
-/// construction. The two ends are types of their own: InputRingProducer, InputRingConsumer.
+/// blocks of a fixed number of interleaved stereo float frames. All memory is allocated and touched
+/// at construction. The two ends have their own types: InputRingProducer and InputRingConsumer.
 ///
 /// Threads: construction and destruction while neither end is in use.
 class InputRing {
  public:
-  /// What is known of a finished block. Frames are counted from the producer's first one, those
-  /// that were lost included.
+  /// Position of a finished block. Frames are counted from the producer's first one, including lost
+  /// ones.
   struct Block {
     std::uint64_t firstFrame = 0;
     std::uint64_t endFrame = 0;    ///< one past the last frame
-    std::uint64_t lostBefore = 0;  ///< frames lost between the block before and this one
+    std::uint64_t lostBefore = 0;  ///< frames lost between the previous block and this one
 
-    /// blockFrames(), but for the last block of a capture that ended in the middle of it.
+    /// blockFrames(), except for the last block of a capture that ended within it.
     [[nodiscard]] std::uint32_t frames() const {
       return static_cast<std::uint32_t>(endFrame - firstFrame);
     }
@@ -42,7 +42,7 @@ class InputRing {
     return publishedEndFrame_.load(std::memory_order_acquire);
   }
 
-  /// Frames that found no room, in all.
+  /// Total frames lost because the ring was full.
   ///
   /// Threads: any.
   /// Real-time: safe.
@@ -80,17 +80,16 @@ class InputRingProducer {
  public:
   explicit InputRingProducer(InputRing& ring) : ring_(ring) {}
 
-  /// Appends `frames` interleaved frames; those that find no room are counted as lost. Returns the
-  /// number of blocks that became full.
+  /// Appends `frames` interleaved frames; those that do not fit are counted as lost. Returns the
+  /// number of blocks completed.
   ///
   /// Threads: the device's real-time thread.
   /// Real-time: safe.
   std::uint32_t write(const float* samples, std::uint32_t frames) noexcept;
 
-  /// No more frames will come: gives out the block in work, if there is one, with the frames that
-  /// it has.
+  /// No more frames will come: publishes the unfinished block, if any, with the frames that it has.
   ///
-  /// Threads: the device's real-time thread, or any once that one writes no more.
+  /// Threads: the device's real-time thread, or any after its last write.
   /// Real-time: safe.
   void finish() noexcept;
 
@@ -102,7 +101,7 @@ class InputRingProducer {
   InputRing& ring_;
   std::uint64_t captured_ = 0;     // frames offered so far
   std::uint64_t lostPending_ = 0;  // frames lost since the last block ended
-  std::uint32_t filled_ = 0;       // frames in the block in work; 0: none is in work
+  std::uint32_t filled_ = 0;       // frames in the unfinished block; 0: there is none
 };
 
 /// The consumer's end.
@@ -122,7 +121,7 @@ class InputRingConsumer {
   /// Real-time: safe.
   [[nodiscard]] const float* frontSamples() const noexcept;
 
-  /// Gives the oldest finished block back to the producer.
+  /// Returns the oldest finished block to the producer.
   ///
   /// Threads: the consumer, one at a time.
   /// Real-time: safe.

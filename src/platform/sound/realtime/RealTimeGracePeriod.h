@@ -5,10 +5,10 @@
 
 namespace platform {
 
-/// Lets an ordinary thread take something away from a real-time thread without a lock on the
-/// real-time side. The real-time thread brackets its use with enter() and leave(); the other
-/// thread first makes the thing unreachable with a sequentially consistent store, then calls
-/// waitUntilLeft(), and may free it.
+/// Lets an ordinary thread free an object that a real-time thread uses, without a lock on the
+/// real-time side. The real-time thread brackets its use with enter() and leave(). The other thread
+/// makes the object unreachable with a sequentially consistent store, calls waitUntilLeft(), and
+/// may then free it.
 ///
 /// Threads: construction and destruction while no other thread uses it.
 class RealTimeGracePeriod {
@@ -21,16 +21,16 @@ class RealTimeGracePeriod {
   /// Real-time: safe.
   void leave() noexcept { passages_.fetch_add(1, std::memory_order_seq_cst); }
 
-  /// Returns when every section that may still see what was there before has been left. A section
-  /// lasts microseconds, longer only when its thread was preempted inside.
+  /// Returns when every section that may still see the old object has been left. A section lasts
+  /// microseconds, longer only if its thread is preempted inside.
   ///
   /// Threads: any but the real-time thread, several at a time.
   /// Real-time: not safe.
   void waitUntilLeft() const noexcept;
 
  private:
-  // Invariant: odd while the real-time thread is inside, and never less than before. Only writer:
-  // the real-time thread.
+  // Invariant: odd while the real-time thread is inside; never decreases. Only writer: the
+  // real-time thread.
   std::atomic<std::uint64_t> passages_{0};
 };
 

@@ -15,13 +15,11 @@ namespace platform {
 
 #if defined(__linux__) || defined(__APPLE__)
 
-/// A counting semaphore whose post() takes no lock: an atomic addition and, only when a thread
-/// waits, one wake-up by the kernel. std::counting_semaphore is not used because libstdc++'s can
-/// lose a wake-up.
+/// A counting semaphore whose post() takes no lock: an atomic addition and, only if a thread waits,
+/// one kernel wake-up. std::counting_semaphore is not used because libstdc++'s can lose a wake-up.
 ///
-/// What a thread did before post() is seen by the thread whose wait took that post. A semaphore may
-/// be destroyed as soon as every post has been taken. At most 2^24 - 1 posts stand untaken, at most
-/// 255 threads wait.
+/// post() synchronizes with the wait that takes it. A semaphore may be destroyed as soon as every
+/// post has been taken. At most 2^24 - 1 posts may be untaken, and at most 255 threads may wait.
 ///
 /// Threads: construction and destruction while no other thread uses it.
 class Semaphore {
@@ -41,13 +39,13 @@ class Semaphore {
   /// Real-time: safe.
   [[nodiscard]] bool tryWait() noexcept;
 
-  /// Takes a post, and sleeps until there is one.
+  /// Takes a post; sleeps until there is one.
   ///
   /// Threads: any.
   /// Real-time: not safe.
   void wait() noexcept;
 
-  /// The same until `deadline` at most; false when there was no post by then. Changes of the
+  /// The same, at most until `deadline`; false if there was no post by then. Changes to the
   /// system's time of day have no effect.
   ///
   /// Threads: any.
@@ -56,8 +54,8 @@ class Semaphore {
 
  private:
 #if defined(__linux__)
-  // Untaken posts in the low 24 bits, waiting threads in the high 8: post() sees both in one step
-  // and does not touch the semaphore after it, so the woken thread may destroy it. Invariant: a
+  // Untaken posts in the low 24 bits, waiting threads in the high 8. post() reads both in one step
+  // and does not touch the semaphore afterwards, so the woken thread may destroy it. Invariant: a
   // waiting thread is counted before it looks for a post. Written by all threads, by atomic
   // additions and exchanges only.
   std::atomic<std::uint32_t> state_{0};
@@ -68,7 +66,7 @@ class Semaphore {
 
 #else
 
-/// No lock-free semaphore is known here: a post by a real-time thread may wait for a lock.
+/// No lock-free semaphore for this system: a post by a real-time thread may wait for a lock.
 using Semaphore = ConditionSemaphore;
 
 #endif

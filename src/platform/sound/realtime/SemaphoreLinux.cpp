@@ -29,7 +29,7 @@ constexpr long kFutex = SYS_futex;
 static_assert(sizeof(std::atomic<std::uint32_t>) == sizeof(std::uint32_t) &&
               std::atomic<std::uint32_t>::is_always_lock_free);
 
-// Sleeps while the word is `seen`, at most until the deadline. May return for no reason.
+// Sleeps while the word is `seen`, at most until the deadline. May return spuriously.
 void sleepWhile(const std::atomic<std::uint32_t>& word, std::uint32_t seen,
                 const std::optional<TimePoint>& deadline) noexcept {
   __kernel_timespec until{};
@@ -47,7 +47,7 @@ void sleepWhile(const std::atomic<std::uint32_t>& word, std::uint32_t seen,
 bool take(std::atomic<std::uint32_t>& word, const std::optional<TimePoint>& deadline) noexcept {
   std::uint32_t seen = word.fetch_add(kWaiter, std::memory_order_relaxed) + kWaiter;
   for (;;) {
-    // Also decides when a post and the deadline come together.
+    // Also decides when a post and the deadline coincide.
     while ((seen & kPosts) != 0) {
       if (word.compare_exchange_weak(seen, seen - kWaiter - 1, std::memory_order_acquire,
                                      std::memory_order_relaxed)) {

@@ -8,11 +8,11 @@ namespace platform {
 
 /// A lock-free queue of at most `kRoom` small values between one producer and one consumer.
 ///
-/// Threads: construction and destruction while neither is at work.
+/// Threads: construction and destruction while neither uses it.
 template <typename Value, std::size_t kRoom>
 class SpscQueue {
  public:
-  /// False when `kRoom` values wait already.
+  /// False when the queue is full.
   ///
   /// Threads: the producer, one at a time.
   /// Real-time: safe.
@@ -26,7 +26,7 @@ class SpscQueue {
     return true;
   }
 
-  /// False when none waits; `value` is then left alone.
+  /// False when the queue is empty; `value` is then unchanged.
   ///
   /// Threads: the consumer, one at a time.
   /// Real-time: safe.
