@@ -47,7 +47,7 @@ bool OVUnsavedChanges::mayClose() {
   return false;
 }
 
-// What the window asks has to be seen: a quit waits for the answer.
+// The question must be visible: a quit waits for the answer.
 void OVUnsavedChanges::bringToFront() {
   if (window_) {
     window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
@@ -96,7 +96,7 @@ void OVUnsavedChanges::answer(int returnCode) {
       return;
     case kSave:
       state_ = State::savePending;
-      save_();  // begins when a load that runs has ended
+      save_();  // starts after a running load
       return;
     default:
       std::fprintf(stderr, "Unknown button return: %i\n", returnCode);

@@ -26,8 +26,8 @@ namespace {
 
 constexpr const char* kWindowInterface = "VNRecorderWindow";
 
-// The last reference may be dropped by a thread of the sound system; the controller owns timers
-// and views' partners, so it always dies on the main thread.
+// An audio thread may drop the last reference. The controller owns timers and objects tied to
+// views, so it is always destroyed on the main thread.
 void deleteOnMainThread(VLRecorderWindowController* controller) {
   if (platform::isMainThread()) {
     delete controller;
@@ -87,7 +87,7 @@ void VLRecorderWindowController::windowDidLoad() {
   parts_.operation.setChangeHandler([this] { operationChanged(); });
   parts_.progress.show(false);
   {
-    const platform::PostedAlertsScope afterwards;  // an alert comes when the window is there
+    const platform::PostedAlertsScope afterwards;  // alerts appear after the window
     if (auto blocks = OVBlockBuffer::init()) {
       setBuffer(std::move(blocks));
     }
@@ -216,7 +216,7 @@ void VLRecorderWindowController::windowDidCancelKey(OVRecorderWindow*, std::uint
 void VLRecorderWindowController::transportChanged() {
   const OVTransportState state = parts_.transport.state();
   if (std::exchange(shownState_, state) == OVTransportState::recording) {
-    parts_.markerAndTime.invalidate();  // it leaves the recording position at the next tick
+    parts_.markerAndTime.invalidate();  // the next tick moves it off the recording position
   }
   if (state != OVTransportState::recording) {
     parts_.markerAndTime.setIsRecordingMarker(false);
@@ -260,7 +260,7 @@ void VLRecorderWindowController::cut(void (OVAudioBufferInterface::*cutoff)(std:
   refreshCompleteUI(true);
 }
 
-// Reversing is its own inverse: it registers itself, and nothing else is touched.
+// Reversing is its own inverse, so it registers itself as the undo.
 void VLRecorderWindowController::reverseBuffer(QObject*) {
   if (isFileIOActive() || !buffer()) {
     return;
@@ -299,7 +299,7 @@ bool VLRecorderWindowController::validateMenuItem(MenuAction action) const {
     case MenuAction::redo:
       return idle && parts_.history.canRedo();
     case MenuAction::transport:
-    case MenuAction::open:  // in a window of its own: needs nothing of this document
+    case MenuAction::open:  // opens its own window, independent of this document
       return idle;
     case MenuAction::edit:
       return idle && buffer() != nullptr && !parts_.transport.isRecording();
@@ -344,7 +344,7 @@ void VLRecorderWindowController::moveToTimeLinePosition(double fraction) {
   parts_.transport.moveTo(static_cast<std::uint64_t>(size * clamped));
   parts_.markerAndTime.setLevel(waveForm()->powerAtPosition(clamped));
   if (!parts_.transport.isRecording()) {
-    doFFT();  // the spectrum of the place that was clicked
+    doFFT();  // the spectrum at the clicked position
   }
 }
 
@@ -384,7 +384,7 @@ void VLRecorderWindowController::dumpWaveform(QObject*) {
   exportWaveformPicture(wfView_, parts_.panels, parts_.file);
 }
 
-// The waveform and the meter rest while audio comes in.
+// The waveform and the meter are not updated during a load.
 void VLRecorderWindowController::operationChanged() {
   const bool loading = parts_.operation.isLoading();
   if (wfView_) {

@@ -22,12 +22,12 @@ class OVCircularVUView;
 
 /// One document: a recorder window with its own audio, transport, waveform, displays and undo.
 ///
-/// The controller conducts. Each of its parts has one subject; the operations below are the way in
-/// and pass the work on. Positions are frames. Every view may be missing, the window included: an
-/// operation on a missing view does nothing. The controller keeps itself alive from its creation
-/// until windowWillClose(), and always dies on the main thread.
+/// The operations below pass the work on to the controller's parts, each of which has one subject.
+/// Positions are frames. Every view may be missing, the window included: an operation on a missing
+/// view does nothing. The controller keeps itself alive from its creation until windowWillClose(),
+/// and is always destroyed on the main thread.
 ///
-/// Threads: main, except where said. Real-time: not safe.
+/// Threads: main, unless stated otherwise. Real-time: not safe.
 class VLRecorderWindowController : public OVAudioBufferDelegate,
                                    public OVAQPlayerDelegate,
                                    public OVWaveFormViewDelegate,
@@ -35,7 +35,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
                                    public OVRecorderWindowDelegate,
                                    public std::enable_shared_from_this<VLRecorderWindowController> {
  public:
-  /// A controller for a window, or for none. Set-up follows with windowDidLoad().
+  /// A controller for a window, which may be null. windowDidLoad() completes the set-up.
   static std::shared_ptr<VLRecorderWindowController> initWithWindow(OVRecorderWindow* window);
   /// A controller with a new window from the interface file of this name, set up and not yet
   /// shown. The only name is "VNRecorderWindow"; null for any other.
@@ -57,8 +57,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   // Transport -----------------------------------------------------------------------------------
 
-  /// Actions of the six buttons. recButton and playButton read the new state from the sender; a
-  /// missing sender counts as off.
+  /// Actions of the six buttons. recButton and playButton read the new state from the sender; null
+  /// counts as off.
   void recButton(OVTransportButton* sender);
   void playButton(OVTransportButton* sender);
   void pauseButton(OVTransportButton*) { parts_.transport.pause(); }
@@ -79,19 +79,20 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void removeAfterMarker(QObject* sender);
   void removeBeforeMarker(QObject* sender);
   void reverseBuffer(QObject* sender);
-  /// What the undo manager calls.
+  /// Called by the undo manager.
   void undo(QObject*) { refreshCompleteUI(parts_.history.undo()); }
   void redo(QObject*) { refreshCompleteUI(parts_.history.redo()); }
-  /// The Undo and Redo commands of menu and keys: pause what runs, then ask the undo manager.
+  /// The Undo and Redo commands of menu and keys: pause recording and playing, then call the undo
+  /// manager.
   void undoCommand();
   void redoCommand();
   [[nodiscard]] std::shared_ptr<platform::UndoManager> windowWillReturnUndoManager() const;
 
-  /// The commands of a menu that are not always possible.
+  /// Groups of menu commands that are enabled together.
   enum class MenuAction { reverseBuffer, undo, redo, edit, transport, open, file, other };
   [[nodiscard]] bool validateMenuItem(MenuAction action) const;
-  /// Called whenever validateMenuItem() may answer otherwise; the undo manager reports its own
-  /// changes.
+  /// Called whenever the result of validateMenuItem() may have changed, except by the undo manager,
+  /// which reports its own changes.
   void setCommandsChangedHandler(std::function<void()> handler);
 
   // Display loop --------------------------------------------------------------------------------
@@ -109,7 +110,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] std::uint64_t recordingPosition() const { return parts_.positions.recording(); }
   void setRecordingPosition(std::uint64_t frames) { parts_.positions.setRecording(frames); }
 
-  /// The view, if it is still there, is asked to redraw from the main queue. Threads: any.
+  /// Requests a redraw on the main queue if the view still exists. Threads: any.
   template <typename View>
   static void setViewNeedsDisplay(const QPointer<View>& view) {
     requestRedraw(view);
@@ -121,38 +122,45 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   [[nodiscard]] std::uint64_t lastPlaybackPosition() const;
   void setLastPlaybackPosition(std::uint64_t frames);
-  [[nodiscard]] bool isRenderingWaveform() const { return parts_.displayLoop.isRenderingWaveform(); }
-  void setIsRenderingWaveform(bool rendering) { parts_.displayLoop.setIsRenderingWaveform(rendering); }
+  [[nodiscard]] bool isRenderingWaveform() const {
+    return parts_.displayLoop.isRenderingWaveform();
+  }
+  void setIsRenderingWaveform(bool rendering) {
+    parts_.displayLoop.setIsRenderingWaveform(rendering);
+  }
   [[nodiscard]] QProgressBar* loadingIndicator() const;
   void recreateIndicator(bool indeterminate,
                          platform::TextKey activity = platform::textKey("Progress"));
 
   // Spectrum ------------------------------------------------------------------------------------
 
-  /// Action of the spectrum button and its menu item. The sender does not matter.
+  /// Action of the spectrum button and its menu item. The sender is ignored.
   void toggleFFT(QObject* sender);
   [[nodiscard]] bool isSpectrumShown() const { return parts_.spectrum.isShown(); }
-  /// The spectrum timer's tick, 30 a second: analyses what plays, then what was recorded last.
+  /// The spectrum timer's tick, 30 a second: analyses the audio being played, then the last
+  /// recorded chunk.
   void fireFFT();
   void doFFT();
   void doFFTwithData(const void* data, std::uint32_t size) { parts_.spectrum.show(data, size); }
-  /// Copy of the chunk recorded last. Threads: any.
+  /// Copy of the last recorded chunk. Threads: any.
   [[nodiscard]] std::vector<std::byte> fft_data() const { return parts_.fft_data.fft_data(); }
 
   // Files ---------------------------------------------------------------------------------------
 
-  /// Fills the document with a file, at the recording position. One file operation at a time:
-  /// nothing happens while another runs; the same of the commands below.
+  /// Loads a file into the document, at the recording position. This and the commands below do
+  /// nothing while another file operation runs.
   void openFileNamed(const std::string& path) { parts_.loading.open(path); }
-  /// Asks for a file and writes it into the document at the recording position, undoably.
+  /// Asks for a file and imports it at the recording position as an undoable step.
   void importFile(QObject*) { parts_.loading.chooseImport(); }
-  void fileLoadingComplete() { parts_.loading.drawWaveform(); }        ///< after the last chunk
+  void fileLoadingComplete() { parts_.loading.drawWaveform(); }    ///< after the last chunk
   void fileLoadingReallyComplete() { parts_.loading.complete(); }  ///< after the waveform
 
   void saveFile(QObject*) { parts_.saving.save(); }
   void saveFileAs(QObject*) { parts_.saving.saveAs(); }
   /// `withType` is a kind of the file writer, 0 to 3.
-  void saveFileNamed(const std::string& path, std::int32_t withType) { parts_.saving.saveNamed(path, withType); }
+  void saveFileNamed(const std::string& path, std::int32_t withType) {
+    parts_.saving.saveNamed(path, withType);
+  }
   void fileSavingComplete();  ///< after a save or an export that wrote everything
   void exportRingtone(QObject*) { parts_.saving.exportRingtone(); }
   void dumpWaveform(QObject* sender);
@@ -162,7 +170,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   static constexpr auto kCancelClosing = OVUnsavedChanges::kCancelClosing;
   static constexpr auto kDontSave = OVUnsavedChanges::kDontSave;
   static constexpr auto kSave = OVUnsavedChanges::kSave;
-  /// The end of the question about unsaved changes.
+  /// Handles the answer to the question about unsaved changes.
   void alertDidEnd(int returnCode) { parts_.unsavedChanges.answer(returnCode); }
 
   [[nodiscard]] bool isFileIOActive() const { return parts_.operation.isActive(); }
@@ -180,8 +188,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   // Audio ---------------------------------------------------------------------------------------
 
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const;
-  /// Replaces the document's audio by another kind of storage. For a document that has not
-  /// recorded yet.
+  /// Replaces the document's audio by another buffer. Only before the first recording.
   void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer);
   [[nodiscard]] std::shared_ptr<OVAQRecorder> recorder() const;
   [[nodiscard]] std::shared_ptr<OVAQPlayer> player() const { return parts_.transport.player(); }
