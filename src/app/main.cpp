@@ -118,7 +118,7 @@ int main(int argc, char** argv) {
   const int result = QApplication::exec();
 
   delegate.applicationWillTerminate();
-  platform::mainQueue().shutDown();  // first: nobody waits for an alert any more
+  platform::mainQueue().shutDown();  // first: no thread waits for an alert any more
   platform::globalQueue().waitUntilIdle(kLastWorkSeconds);
   return result;
 }

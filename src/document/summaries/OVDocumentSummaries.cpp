@@ -14,7 +14,7 @@ namespace {
 
 using Build = std::function<std::shared_ptr<OVWaveformSummary>()>;
 
-/// The summary and a copy of it; none of both where the memory does not suffice.
+/// The summary and a copy of it; neither if memory runs out.
 std::pair<std::shared_ptr<OVWaveformSummary>, std::shared_ptr<OVWaveformSummary>> buildWithMemory(
     const Build& build) try {
   const auto summary = build();
