@@ -13,7 +13,7 @@
 
 namespace {
 
-// What the smallest gap is taken for at first: a disk loses at least a page of 4 KiB.
+// Initial guess of the smallest gap: a disk loses at least a page of 4 KiB.
 constexpr std::uint64_t kPageFrames = 512;
 
 // Reads a whole range of a buffer. Unreadable frames become silence, so that everything after them
@@ -54,7 +54,7 @@ class StretchReader {
     return framesRead(frame_.data(), frame, 1) > 0;
   }
 
-  // The frame behind a gap that begins with `lost`, or `end` where the gap goes on beyond it.
+  // The frame after a gap that contains `lost`, or `end` if the gap extends to it.
   std::uint64_t endOfGap(std::uint64_t lost, std::uint64_t end) {
     std::uint64_t found = std::min(lost + step_, end - 1);
     while (!canBeRead(found)) {
