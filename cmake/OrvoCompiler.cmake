@@ -21,7 +21,7 @@ elseif(ORVO_SANITIZE)
   message(FATAL_ERROR "ORVO_SANITIZE is \"${ORVO_SANITIZE}\": use address or thread")
 endif()
 
-# The fuzzer is guided by what of our code an input reaches.
+# The fuzzer is guided by the coverage of our code.
 if(ORVO_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
@@ -36,7 +36,7 @@ if(ORVO_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   add_compile_options(-O1 -g1)
 endif()
 
-# Texts of interface files are looked up as all others are.
+# Texts of interface files are looked up like all others.
 set(CMAKE_AUTOUIC_OPTIONS -tr platform::localized --include platform/mainloop/Localization.h)
 
 # Only our presets make warnings errors (CMAKE_COMPILE_WARNING_AS_ERROR): another compiler may warn

@@ -24,8 +24,8 @@ function(orvo_library name)
 endfunction()
 
 # orvo_module(NAME LINKS …): a module of the program, orvo-NAME.so, from the sources of the current
-# folder: what is loaded late links its libraries here, where packaging tools see them. It links
-# none of ours, whose state the process must have once. Tests may link the archive, orvo_NAME.
+# folder: code that is loaded late links its libraries here, where packaging tools see them. It links
+# none of our libraries, whose state must exist once in the process. Tests may link the archive, orvo_NAME.
 function(orvo_module name)
   orvo_library(orvo_${name} ${ARGN})
   set_target_properties(orvo_${name} PROPERTIES

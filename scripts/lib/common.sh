@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What the scripts share. Sourced, not run.
+# Shared functions of the scripts. Sourced, not run.
 
 set -euo pipefail
 
@@ -22,7 +22,7 @@ has_sound_server() {
   command -v pulseaudio >/dev/null 2>&1 || command -v pipewire-pulse >/dev/null 2>&1
 }
 
-# install_missing PACKAGE…: installs those that are not there, as root or through sudo.
+# install_missing PACKAGE…: installs the missing ones, as root or through sudo.
 install_missing() {
   if ! command -v apt-get >/dev/null 2>&1; then
     say "No apt-get here; what Orvo needs must be there already: $*"

@@ -24,7 +24,7 @@ test_packages=(
   ffmpeg sox
 )
 
-# Installed only where neither kind is there: two sound servers on one machine get in each other's way.
+# Installed only if neither kind is installed: two sound servers on one machine conflict.
 sound_server_package=pulseaudio
 
 # Debian 13 has no clang 14; a later clang may warn about more.

@@ -6,8 +6,7 @@
 
 #include <QObject>
 
-/// What the desktop asks of the program through events: to open a file, at launch or while it runs,
-/// and to quit.
+/// Handles the desktop's events: to open a file, at launch or while the program runs, and to quit.
 ///
 /// Threads: main. Real-time: not safe.
 class OVApplicationEvents : public QObject {

@@ -8,14 +8,14 @@
 #include "platform/base/ApplicationServices.h"
 #include "platform/base/Mutex.h"
 
-/// The application's side of what the layers below ask for: modal alerts on the main thread, the
+/// The application's services for the layers below: modal alerts on the main thread, the
 /// diagnostics console, the registry of temporary files, the end of a quit that waits.
 ///
 /// Threads: any. Real-time: not safe.
 class OVApplicationServices : public platform::ApplicationServices {
  public:
-  /// What is done on the main thread with a line for the console and with a cancelled quit, and on
-  /// any thread with a temporary file.
+  /// Handlers of console lines and of a cancelled quit on the main thread, and of temporary files
+  /// on any thread.
   struct Receivers {
     std::function<void(const std::string&)> logToConsole;
     std::function<void(const std::string&)> registerTempFile;
@@ -30,14 +30,14 @@ class OVApplicationServices : public platform::ApplicationServices {
   void registerTempFile(const std::string& path) override;
   void cancelTermination() override;
 
-  /// An alert is on the screen or on its way there.
+  /// An alert is shown or pending.
   [[nodiscard]] bool hasAlerts() const { return *alerts_ > 0; }
 
  private:
   struct PostedAlerts;
 
   // Counted from the request on, so that nothing ends between it and the screen. Relaxed order
-  // would do: it stands for itself. Shared with what the main queue still holds.
+  // would suffice: it orders no other data. Shared with what the main queue still holds.
   const std::shared_ptr<std::atomic<int>> alerts_ = std::make_shared<std::atomic<int>>(0);
   const Receivers receivers_;
   const std::shared_ptr<PostedAlerts> posted_;

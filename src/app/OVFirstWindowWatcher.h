@@ -5,8 +5,8 @@
 #include <QObject>
 #include <QTimer>
 
-/// Waits for the moment when the user sees the first window: what is not needed before comes after
-/// it, so that it does not hold the window up.
+/// Waits until the user sees the first window, so that work not needed before can follow without
+/// delaying the window.
 ///
 /// Threads: main. Real-time: not safe.
 class OVFirstWindowWatcher : public QObject {

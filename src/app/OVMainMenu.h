@@ -13,7 +13,7 @@
 #include "platform/mainloop/Localization.h"
 
 /// The menus of one recorder window. Items of the document go to its controller and are enabled
-/// as it says; items of the application go to the commands given.
+/// by its validateMenuItem(); items of the application run the commands given.
 ///
 /// R, Return and Space are the window's own keys; the transport items show them as hints only.
 ///
@@ -33,12 +33,11 @@ class OVMainMenu : public QObject {
     std::function<void()> showAbout;
   };
 
-  /// Fills the window's menu bar and belongs to the window from then on.
+  /// Fills the window's menu bar; the window then owns this object.
   OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& controller,
              ApplicationCommands commands);
 
-  /// Takes over what the document says about its items: names of undo and redo, enabled and
-  /// checked states.
+  /// Updates the document's items: names of undo and redo, enabled and checked states.
   void update();
 
  private:

@@ -7,8 +7,8 @@
 
 #include "platform/base/SerialQueue.h"
 
-/// The recently opened files as the menu shows them: a copy of what the desktop's list says of
-/// Orvo, which is read and written on a queue of its own, so that no window waits for a disk.
+/// The recently opened files as the menu shows them: a copy of Orvo's entries in the desktop's
+/// list, which is read and written on its own queue, so that no window waits for a disk.
 ///
 /// Threads: main. Real-time: not safe.
 class OVRecentFiles {

@@ -2,9 +2,9 @@
 
 #include <functional>
 
-/// The end of the desktop's session, asked about as `Session` (QSessionManager, or a test's own)
-/// lets it: a cancel counts only while the session manager allows us to talk to the user. Where it
-/// does not, nothing can be asked.
+/// Handles the end of the desktop's session, as far as `Session` (QSessionManager, or a test's own)
+/// allows: the session can be cancelled only while the session manager permits interaction with the
+/// user. Otherwise no question can be asked.
 ///
 /// Threads: main. Real-time: not safe.
 template <typename Session>

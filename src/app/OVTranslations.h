@@ -7,21 +7,21 @@
 #include <QStringList>
 #include <QTranslator>
 
-/// The language of what the user reads, for as long as the object lives: Orvo's own texts, and
-/// those of Qt's dialogs where its translations are installed. What is not translated, and every
-/// language that is not there, is English, which needs no file and looks for none.
+/// Sets the language of the user interface while the object exists: Orvo's own texts, and those of
+/// Qt's dialogs where its translations are installed. Untranslated texts and missing languages fall
+/// back to English, which needs no file.
 ///
 /// Threads: main. Real-time: not safe.
 class OVTranslations {
  public:
-  /// Takes the first of the languages that there is, as QLocale::uiLanguages() lists them
+  /// Selects the first available language, as QLocale::uiLanguages() lists them
   /// ("zh-Hans-CN", "fr"), and installs its translators. Needs the QCoreApplication.
   explicit OVTranslations(const QStringList& uiLanguages);
   ~OVTranslations();
   OVTranslations(const OVTranslations&) = delete;
   OVTranslations& operator=(const OVTranslations&) = delete;
 
-  /// The language that is shown, as its file is named ("de", "zh_CN"); empty for English.
+  /// The selected language, as its file is named ("de", "zh_CN"); empty for English.
   [[nodiscard]] const QString& language() const { return language_; }
 
   /// The first of the languages for which there is a translation; empty for English, also when
@@ -29,7 +29,7 @@ class OVTranslations {
   /// not that.
   [[nodiscard]] static QString languageOf(const QStringList& uiLanguages);
 
-  /// The languages that there are, beside English.
+  /// The available languages besides English.
   [[nodiscard]] static QStringList languages();
 
  private:

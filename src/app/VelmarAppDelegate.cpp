@@ -110,7 +110,7 @@ bool VelmarAppDelegate::applicationOpenFiles(const std::vector<std::string>& pat
 void VelmarAppDelegate::openInNewWindow(const std::string& path) {
   std::string absolute = platform::absolutePathOf(path);
   if (absolute.empty()) {
-    absolute = path;  // no path at all, or no working folder: the reader tells
+    absolute = path;  // no path at all, or no working folder: the reader reports it
   }
   recentFiles_.note(absolute);
   const auto controller = makeWindow();
@@ -270,7 +270,7 @@ void VelmarAppDelegate::openPage(platform::TextKey address) {
 
 // Diagnostics and About -------------------------------------------------------------------------
 
-// Made when it is first needed: it lays text out, which most starts need not wait for.
+// Created on first use: its text layout would delay startup.
 void VelmarAppDelegate::makeDebugWindow() {
   auto window = std::make_unique<OVDiagnosticsWindow>();
   setDebugConsole(window->console());

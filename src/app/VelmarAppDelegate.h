@@ -41,14 +41,14 @@ class VelmarAppDelegate {
 
   /// Opens a file, or each of several in order, in a new window of its own, and lists it among the
   /// desktop's recent documents. The program's arguments, the desktop's open event and files that
-  /// were dropped on a window come here too. True always: what cannot be opened is told.
+  /// were dropped on a window come here too. Always true: failures are alerted.
   bool applicationOpenFile(const std::string& path);
   bool applicationOpenFiles(const std::vector<std::string>& paths);
   /// Asks for files and opens each in a new window. The panel belongs to `window`, which may be
   /// none.
   void openFile(QWidget* window);
-  /// The desktop asked for the program again while it runs: a new window if none is visible. True
-  /// always.
+  /// The desktop asked for the program again while it runs: a new window if none is visible. Always
+  /// true.
   bool applicationShouldHandleReopen(bool hasVisibleWindows);
 
   void openDocumentation(QObject* sender);
@@ -63,20 +63,20 @@ class VelmarAppDelegate {
   /// Ends the wait of a quit: terminates once no window is edited any more. A window that has
   /// become edited since then is asked as well, one that is just being saved is waited for.
   void checkTermination();
-  /// A document's question was answered with Cancel: the quit is off.
+  /// A document's question was answered with Cancel: ends the quit.
   void cancelTermination();
   [[nodiscard]] bool isTerminating() const { return terminationTimer_ != nullptr; }
   /// The timer that calls checkTermination; null while nothing is waited for.
   [[nodiscard]] const platform::Timer* terminationTimer() const { return terminationTimer_.get(); }
-  /// The desktop's session is about to end: asks as a quit does. False while something is asked or
-  /// a window is being saved: the session has to wait.
+  /// The desktop's session is about to end: asks as a quit does. False while a question is open
+  /// or a window is being saved: the session must wait.
   [[nodiscard]] bool applicationMayEndSession();
   /// Deletes every registered temporary file; failures are ignored.
   void applicationWillTerminate();
 
   /// The Quit command.
   void terminate();
-  /// A quit waits while this says that an alert is on the screen or on its way there.
+  /// A quit waits while this reports an alert shown or pending.
   void setAlertsPendingCheck(std::function<bool()> check) { alertsPending_ = std::move(check); }
 
   /// Any thread.
@@ -111,7 +111,7 @@ class VelmarAppDelegate {
   std::function<bool()> alertsPending_;
   std::vector<QPointer<OVRecorderWindow>> windows_;  // as they were made; gone ones are null
   bool spawn_rec_ = false;
-  std::vector<QPointer<OVRecorderWindow>> askedWindows_;  // by the quit that is under way
+  std::vector<QPointer<OVRecorderWindow>> askedWindows_;  // by the current quit
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
   bool cancelledWhileAsking_ = false;  // a window refused while the windows were being asked

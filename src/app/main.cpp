@@ -70,8 +70,8 @@ int main(int argc, char** argv) {
   platform::FontPreparation fonts;
   QApplication application(argc, argv);
   fonts.finish();
-  // To load cubeb and to open the microphone is as much work as to show a window, so one begins
-  // when the other is done; the recorder does not wait for it.
+  // Loading cubeb and opening the microphone takes as long as showing a window, so it starts after
+  // the window is shown; the recorder does not wait for it.
   const auto queues = std::make_shared<platform::DeviceAudioQueues>(platform::lateAudioDevice());
   std::promise<void> firstWindowShown;
   queues->prepareInput(firstWindowShown.get_future());
@@ -118,7 +118,7 @@ int main(int argc, char** argv) {
   const int result = QApplication::exec();
 
   delegate.applicationWillTerminate();
-  platform::mainQueue().shutDown();  // first: nobody waits for an alert any more
+  platform::mainQueue().shutDown();  // first: no thread waits for an alert any more
   platform::globalQueue().waitUntilIdle(kLastWorkSeconds);
   return result;
 }

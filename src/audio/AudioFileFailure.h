@@ -9,16 +9,16 @@
 ///
 /// Threads: any. Real-time: not safe.
 
-/// How a file is called in a text that a person reads: the last component of its path in quotation
-/// marks; line breaks and other characters that do not print as spaces, bytes that are no UTF-8 as
-/// replacement characters.
+/// A file's name for display: the last component of its path in quotation marks, with unprintable
+/// characters such as line breaks as spaces, and bytes that are not UTF-8 as replacement
+/// characters.
 [[nodiscard]] std::string shownFileName(const std::string& path);
 
-/// For a file that could not be opened: nothing of it was taken over.
+/// For a file that could not be opened: nothing was loaded.
 [[nodiscard]] std::string openingFailureReason(platform::AudioStatus status,
                                                const std::string& path);
 
-/// For a file of which reading broke off: what came before it is good and was delivered.
+/// For a file whose reading failed midway: the audio before the failure is good and was delivered.
 [[nodiscard]] std::string readingFailureReason(platform::AudioStatus status,
                                                const std::string& path);
 

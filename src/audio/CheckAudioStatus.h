@@ -15,7 +15,7 @@
 /// status prints "Error: LABEL (CODE)" to standard error, shows an alert and returns false.
 ///
 /// @param label   names the call, as in "AudioQueueStart failed"
-/// @param reason  plain words for the person, already localised: the file's name, what happened,
+/// @param reason  plain words for the user, already localised: the file's name, what happened,
 ///                what to do. Stands below the alert's message after a blank line; empty for none
 ///
 /// The alert is shown by ShowModalAlert: waited for, except on the thread of an audio queue.
@@ -24,7 +24,7 @@
 bool CheckAudioStatus(platform::AudioStatus status, const std::string& label,
                       const std::string& reason = {});
 
-/// Like CheckAudioStatus() without its alert, for a failure that the person was told of already.
+/// Like CheckAudioStatus() without its alert, for a failure that was alerted already.
 ///
 /// Threads: any. Real-time: not safe.
 bool CheckAudioStatusWithoutAlert(platform::AudioStatus status, const std::string& label);

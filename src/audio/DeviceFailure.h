@@ -14,6 +14,6 @@
 [[nodiscard]] bool isDeviceFailure(platform::AudioStatus status);
 
 /// Plain, localised words for a failed input or output: what happened, what to do, what is kept.
-/// Empty for a status that says nothing to a person.
+/// Empty for a status that means nothing to a user.
 [[nodiscard]] std::string inputFailureReason(platform::AudioStatus status);
 [[nodiscard]] std::string outputFailureReason(platform::AudioStatus status);

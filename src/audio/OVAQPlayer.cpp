@@ -190,7 +190,7 @@ void OVAQPlayer::deviceFailed(platform::AudioStatus status, const std::string& l
   }
   auto none = platform::kAudioStatusOk;
   const bool first = failure_.compare_exchange_strong(none, status, std::memory_order_acq_rel);
-  // Where the input went with it, the recorder may have told already.
+  // If the input failed too, the recorder may have alerted already.
   if (first && (status != platform::kDeviceLostStatus || queues_->claimDeviceLossAlert())) {
     CheckAudioStatus(status, label, outputFailureReason(status));
   } else {

@@ -16,13 +16,13 @@
 #include "platform/sound/AudioQueue.h"
 #include "storage/OVAudioBufferInterface.h"
 
-/// Plays a document's buffer from a byte position to the end of the data and tells its delegate
-/// how far it is and when it has stopped. One player serves one run of playback; to play from
+/// Plays a document's buffer from a byte position to the end of the data and notifies its delegate
+/// of the advance and the end. One player serves one run of playback; to play from
 /// elsewhere, make a new one.
 ///
 ///   primed --play()--> playing <--pause(), play()--> paused
-///   playing --end of the data--> draining (isDone) --last frame heard--> stopped, delegate told
-///   any state --stop()--> disposed
+///   playing --end of the data--> draining (isDone) --last frame heard--> stopped, delegate
+///   notified any state --stop()--> disposed
 ///
 /// At most 3 queue buffers of 1024 frames travel in turn, so that the reading position is at most
 /// about 70 ms ahead of what has gone to the device.
@@ -33,7 +33,7 @@ class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
 
  public:
   /// A primed player whose first buffers are read and queued, or null when its queue could not be
-  /// made; that was then reported. `andPlaybackPosition` is a byte offset in the buffer.
+  /// created, which is reported. `andPlaybackPosition` is a byte offset in the buffer.
   [[nodiscard]] static std::shared_ptr<OVAQPlayer> initWithBuffer(
       std::shared_ptr<OVAudioBufferInterface> buffer, std::uint64_t andPlaybackPosition);
 
@@ -44,17 +44,17 @@ class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
   OVAQPlayer& operator=(const OVAQPlayer&) = delete;
 
   /// Starts or resumes. A failure is reported. When the device has failed, or the system gives no
-  /// thread, isPlaying() is false afterwards and the delegate is told that playback has stopped;
-  /// the person is told once a player. A player that was stopped reports a failure and stays
-  /// stopped.
+  /// thread, isPlaying() is false afterwards and the delegate is notified that playback has
+  /// stopped; the user is alerted once per player. A player that was stopped reports a failure and
+  /// stays stopped.
   void play();
 
   /// Halts and keeps what is queued; play() resumes sample for sample. A failure is reported.
   /// Nothing once stopped.
   void pause();
 
-  /// Stops at once, disposes of the queue and releases the buffer. When it has returned, the
-  /// delegate is not told of any advance any more. Nothing the second time.
+  /// Stops at once, disposes of the queue and releases the buffer. After it has
+  /// returned, the delegate is not notified of any advance. A second call does nothing.
   void stop();
 
   /// Average power of each channel over the last buffer given to the device, linear (0 silence,
@@ -81,7 +81,7 @@ class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const { return buffer_.get(); }
   void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) { buffer_.set(std::move(buffer)); }
 
-  /// Not owned: a delegate that has gone is not called. Any thread.
+  /// Weak: a destroyed delegate is not called. Any thread.
   [[nodiscard]] std::shared_ptr<OVAQPlayerDelegate> delegate() const {
     return delegate_.get().lock();
   }
@@ -117,8 +117,9 @@ class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
   // meanwhile wins.
   std::atomic<std::uint64_t> readingPosition_{0};
 
-  // Read on any thread without a lock; release and acquire, so that whoever sees a flag sees what
-  // led to it. isDone_ is set by the callback and stop(); isPlaying_ is written under mutex_.
+  // Read on any thread without a lock; release and acquire, so that a reader of a flag also sees
+  // the writes before it. isDone_ is set by the callback and stop(); isPlaying_ is written under
+  // mutex_.
   std::atomic<bool> isDone_{false};
   std::atomic<bool> isPlaying_{false};
   // First failure of the device. Any thread.

@@ -35,9 +35,9 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   using FailureHandler = std::function<void(platform::AudioStatus)>;
 
   /// A monitoring recorder that writes from byte 0 of `buffer` on, or null when its queue could
-  /// not be made or started; that was then reported, and the recorder's reference to itself has
-  /// been dropped. The person is told of a failing device once until the device's state changes,
-  /// however many recorders are made meanwhile.
+  /// not be created or started; this is reported, and the recorder's reference to itself is
+  /// dropped. A failing device is alerted once until its state changes, however many recorders are
+  /// created meanwhile.
   [[nodiscard]] static std::shared_ptr<OVAQRecorder> initWithBuffer(
       std::shared_ptr<OVAudioBufferInterface> buffer);
 
@@ -96,7 +96,7 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   /// no further lost stretch is mapped. A write that is running is completed. Any thread.
   void stopWriting();
 
-  /// Called once when the device fails or vanishes after creation, after the person was told. On
+  /// Called once when the device fails or vanishes after creation, after the alert. On
   /// the queue's thread; or, when it happened before the handler was set, by setFailureHandler()
   /// on its caller's thread. A handler that is being called may still run when it has been
   /// replaced.
@@ -129,7 +129,7 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   std::shared_ptr<OVAQRecorder> self_retain_;
 
   // Written by the main thread, read by the queue's thread without a lock; release and acquire,
-  // so that whoever sees a flag sees what was set up before it.
+  // so that a reader of a flag also sees the writes before it.
   std::atomic<bool> isRunning_{false};
   std::atomic<bool> isRecording_{false};
 

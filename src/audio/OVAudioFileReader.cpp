@@ -31,7 +31,7 @@ OVAudioFileReader::~OVAudioFileReader() {
 
 bool OVAudioFileReader::openFile(const std::string& path) {
   path_ = path;
-  failed_ = false;  // what became of the file before is no matter of this one
+  failed_ = false;  // belongs to the previous file
   hasReported_ = false;
   try {
     return openSteps(path);
@@ -118,7 +118,7 @@ bool OVAudioFileReader::makeBuffer(std::uint64_t frames) {
 void OVAudioFileReader::rewind() {
   if (xafref_ != nullptr) {
     failed_ = false;
-    static_cast<void>(xafref_->seekToStart());  // the next read tells
+    static_cast<void>(xafref_->seekToStart());  // the next read reports a failure
   }
 }
 

@@ -17,14 +17,14 @@
 ///   open (or null) --readFrameChunkWithSize()--> reading --close() or destruction--> closed
 ///                                                  ↺ rewind()
 ///
-/// A failure is told exactly once, by the class itself: printed to standard error and shown in an
-/// alert, with the file's name and the reason in plain words. A reader that has told one stays
-/// silent about whatever follows, until it opens another file. Null from initWithFile() was told
-/// already, unless it was cancelled; a cancel is no failure and never shown.
+/// The class itself reports a failure exactly once: prints it to standard error and shows an alert
+/// with the file's name and the reason in plain words. After that it reports nothing until it opens
+/// another file. Null from initWithFile() was reported already, unless it was cancelled; a
+/// cancellation is not a failure and is never shown.
 ///
-/// Of a damaged or cut-off file everything that can be decoded is delivered first. That it is
-/// damaged is told by the read after the last delivered frame, which returns 0, and by failed().
-/// Rubbish between or behind the packets of MP3 and AAC streams is mostly a tag and is passed over
+/// Of a damaged or cut-off file everything that can be decoded is delivered first. The
+/// damage is reported by the read after the last delivered frame, which returns 0, and by failed().
+/// Garbage between or after the packets of MP3 and AAC streams is mostly a tag and is passed over
 /// silently as long as there is any sound.
 ///
 /// Threads: any, one at a time; the flag of a cancel may be set by any thread at any time. The
@@ -48,12 +48,12 @@ class OVAudioFileReader {
   OVAudioFileReader(const OVAudioFileReader&) = delete;
   OVAudioFileReader& operator=(const OVAudioFileReader&) = delete;
 
-  /// Opens the file, in place of one that is open, and forgets what became of that one. False when
-  /// it fails; it was told then.
+  /// Opens the file, in place of one that is open, and forgets what became of that one. False on
+  /// failure, which is reported.
   [[nodiscard]] bool openFile(const std::string& path);
 
-  /// Length of the sound in frames of the working format; 0 when nothing tells or nothing is open.
-  /// Exact for good files except AAC in ADTS or CAF, whose silence at the begin nothing marks, and
+  /// Length of the sound in frames of the working format; 0 when unknown or nothing is open.
+  /// Exact for good files except AAC in ADTS or CAF, whose silence at the start is not marked, and
   /// a hint only for damaged ones: never allocate by it. The first call counts the packets of MP3
   /// and ADTS files, half a second at most.
   [[nodiscard]] std::int64_t fileSizeInFrames();

@@ -14,11 +14,10 @@
 ///   open (or null) --sinkData()--> writing --close() or destruction--> closed
 ///
 /// The file is complete only when close() has said so. An existing file is emptied at once and
-/// keeps its permissions, so write beside the file that is to be replaced; to sync and to rename is
-/// left to the caller.
+/// keeps its permissions, so write beside the file to be replaced; the caller syncs and renames.
 ///
-/// A failure is told exactly once, by the class itself: printed to standard error and shown in an
-/// alert with the shown name and the reason in plain words.
+/// The class itself reports a failure exactly once: prints it to standard error and shows an alert
+/// with the display name and the reason in plain words.
 ///
 /// Threads: any, one at a time; fileName() from any thread. The alert is waited for, see
 /// CheckAudioStatus(). Real-time: not safe.
@@ -32,7 +31,7 @@ class OVAudioFileWriter {
   static constexpr auto kCaf = static_cast<std::uint32_t>(platform::AudioFileKind::caf);
   static constexpr auto kAac = static_cast<std::uint32_t>(platform::AudioFileKind::m4a);
 
-  /// A writer of the file at `path`, or null when that fails; it was told then.
+  /// A writer of the file at `path`, or null on failure, which is reported.
   ///
   /// @param outputFormat  one of the kinds; any other fails
   /// @param shownName     what alerts call the file where `path` is a temporary name; the path's
@@ -50,7 +49,7 @@ class OVAudioFileWriter {
   OVAudioFileWriter(const OVAudioFileWriter&) = delete;
   OVAudioFileWriter& operator=(const OVAudioFileWriter&) = delete;
 
-  /// Creates the file. False when that fails; it was told then.
+  /// Creates the file. False on failure, which is reported.
   [[nodiscard]] bool openFile(const std::string& path);
 
   /// Appends the whole frames (8 bytes each: left and right float) of `dataSize` bytes. Returns

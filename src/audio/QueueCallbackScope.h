@@ -26,8 +26,8 @@ class QueueCallbackScope {
   const void* previous_;
 };
 
-/// What a queue is given to call: `function` of the owner, inside a scope. It holds the owner while
-/// it runs, and does nothing once the owner has gone.
+/// A queue callback that calls `function` of the owner inside a scope. It keeps the owner alive
+/// while it runs, and does nothing once the owner is destroyed.
 template <typename Owner, typename... Arguments>
 auto queueCallback(Owner* owner, void (Owner::*function)(Arguments...)) {
   return [owner, weak = owner->weak_from_this(), function](Arguments... arguments) {

@@ -3,7 +3,7 @@
 #include <QBasicTimer>
 #include <QProgressBar>
 
-/// The thin progress bar shown while a file is loaded or saved or the waveform is made anew: a
+/// The thin progress bar shown while a file is loaded or saved or the waveform is regenerated: a
 /// pill of the waveform's teal over an overlay panel. With minimum equal to maximum the amount of
 /// work is unknown, and a short piece runs back and forth instead.
 ///

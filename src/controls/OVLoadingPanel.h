@@ -4,8 +4,7 @@
 
 #include "controls/OVOverlayView.h"
 
-/// The words beside the progress bar that say what goes on, in small light letters for a dark
-/// ground.
+/// The label beside the progress bar, in small light letters for a dark background.
 ///
 /// Threads: main. Real-time: not safe.
 class OVLoadingLabel : public QLabel {
@@ -18,9 +17,9 @@ class OVLoadingLabel : public QLabel {
   void paintEvent(QPaintEvent* event) override;
 };
 
-/// The panel over the waveform that holds the progress bar and the words beside it: an overlay on a
-/// ground of the waveform's own, so that the marker's line does not cross the words. It is as wide
-/// as the words need. The mouse passes through it.
+/// The panel over the waveform that holds the progress bar and its label: an overlay on the
+/// waveform's background colour, so that the marker's line does not cross the text. It is as wide
+/// as the text needs. The mouse passes through it.
 ///
 /// Threads: main. Real-time: not safe.
 class OVLoadingPanel : public OVOverlayView {
@@ -29,8 +28,7 @@ class OVLoadingPanel : public OVOverlayView {
  public:
   explicit OVLoadingPanel(QWidget* parent = nullptr);
 
-  /// Says what goes on, to who looks and to who listens: the label inside shows it, and the
-  /// progress bar inside bears it as its name.
+  /// Sets the current activity: the text of the label and the accessible name of the progress bar.
   void setActivity(const QString& activity);
 
  protected:

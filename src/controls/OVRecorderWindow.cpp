@@ -84,14 +84,14 @@ QSize OVRecorderWindow::sizeHint() const {
 }
 
 void OVRecorderWindow::setVisible(bool visible) {
-  // Left to itself, Qt would shrink the window to two thirds of the screen.
+  // By default Qt would shrink the window to two thirds of the screen.
   if (visible && !testAttribute(Qt::WA_Resized)) {
     resize(sizeHint());
   }
   QMainWindow::setVisible(visible);
 }
 
-// A key that repeats is down only if its first press was handed on as such: Ctrl+Space goes on as
+// A key that repeats is down only if its first press was passed on as such: Ctrl+Space goes on as
 // Space alone when Control comes up first.
 std::uint16_t OVRecorderWindow::codeOfPress(const QKeyEvent& event) {
   const std::uint16_t code = platform::hardwareKeyCode(event);

@@ -11,12 +11,12 @@
 
 class OVRecorderWindowDelegate;
 
-/// The window of one document. It hands every plain key to its delegate instead of its views,
+/// The window of one document. It passes every plain key to its delegate instead of its views,
 /// asks the delegate before it closes, and deletes itself once it has closed.
 ///
 /// Shortcuts of menus come first: a key that triggers one never reaches the delegate as key-down.
 /// A transport key reaches it as key-up only after its key-down: where the press was a command's, a
-/// menu's or another window's, its repetitions and its release are handed on as unmapped. A key
+/// menu's or another window's, its repetitions and its release are passed on as unmapped. A key
 /// that is down when the window loses the keyboard is cancelled instead. The views inside take the
 /// keyboard by Tab alone and pass plain keys on, so that R, Return and Space are always the
 /// window's.
@@ -31,8 +31,8 @@ class OVRecorderWindow : public QMainWindow {
   [[nodiscard]] std::shared_ptr<OVRecorderWindowDelegate> delegate() const;
   void setDelegate(std::weak_ptr<OVRecorderWindowDelegate> delegate);
 
-  /// Does what the close button does: asks windowShouldClose and, on yes, tells windowWillClose
-  /// and closes.
+  /// Does what the close button does: asks windowShouldClose and, on yes, calls
+  /// windowWillClose and closes.
   void performClose();
 
   /// Whether the document has changes that are not saved; shown in the title bar.
@@ -50,7 +50,7 @@ class OVRecorderWindow : public QMainWindow {
   /// The size at which the content is 640 x 330 points below the menu bar.
   [[nodiscard]] QSize sizeHint() const override;
 
-  /// A window that nobody has sized appears at its size hint.
+  /// A window without an explicit size appears at its size hint.
   void setVisible(bool visible) override;
 
  protected:

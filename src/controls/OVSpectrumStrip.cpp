@@ -54,7 +54,7 @@ void OVSpectrumStrip::startMoving() {
     stepTo(shown_ ? kHeight : 0);
     return;
   }
-  // One that is running turns where it is.
+  // A running animation reverses from where it is.
   animation_.setDirection(shown_ ? QAbstractAnimation::Forward : QAbstractAnimation::Backward);
   if (!isMoving()) {
     animation_.start();

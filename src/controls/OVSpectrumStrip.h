@@ -14,8 +14,8 @@
 /// window higher at its bottom edge and lower again, in a quarter of a second. The views above keep
 /// their size all the while, so that the waveform is not rendered anew on the way.
 ///
-/// Hiding gives back exactly the frame from before, whenever and however often the direction
-/// changes, unless the person has moved or resized the window meanwhile: then it becomes lower by
+/// Hiding restores exactly the previous frame, whenever and however often the direction changes,
+/// unless the user has moved or resized the window meanwhile: then it becomes lower by
 /// as much as it had become higher.
 ///
 /// A window whose strip would lie below the screen moves up for it, as far as there is room; what
@@ -36,10 +36,10 @@ class OVSpectrumStrip : public QObject {
   /// For a strip in the column of the window's central widget. Hidden at first.
   OVSpectrumStrip(QMainWindow* window, QWidget* strip);
 
-  /// Begins to show or hide; nothing when that is so already or on its way.
+  /// Begins to show or hide; does nothing if already there or on the way.
   void setShown(bool shown);
   [[nodiscard]] bool isShown() const { return shown_; }
-  /// Whether the window is on its way.
+  /// Whether the animation is running.
   [[nodiscard]] bool isMoving() const { return animation_.state() == QAbstractAnimation::Running; }
 
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -12,7 +12,7 @@ class OVTransportBackgroundView : public QWidget {
  public:
   explicit OVTransportBackgroundView(QWidget* parent = nullptr);
 
-  /// Whether a dark line of 1.3 points runs along the bottom edge, to part the bar from the
+  /// Whether a dark line of 1.3 points runs along the bottom edge, to separate the bar from the
   /// spectrum below it; no at first. Setting it does not redraw.
   [[nodiscard]] bool renderBottomShadow() const { return renderBottomShadow_; }
   void setRenderBottomShadow(bool render) { renderBottomShadow_ = render; }

@@ -8,9 +8,9 @@
 #include "displays/OVFFTDrawing.h"
 #include "platform/base/Mutex.h"
 
-/// Draws the magnitudes handed to it last as a line graph over a flat dark background. It keeps a
-/// copy of them and knows nothing of frequencies or decibels. Setting data does not redraw; who
-/// sets it asks for that.
+/// Draws the magnitudes set last as a line graph over a flat dark background. It keeps a
+/// copy of them and knows nothing of frequencies or decibels. Setting data does not redraw;
+/// the caller requests it.
 ///
 /// Threads: main, except setting and reading its values, which any thread may do.
 /// Real-time: not safe.
@@ -27,7 +27,7 @@ class OVFFTView : public QWidget {
   /// A copy of the values that are drawn.
   [[nodiscard]] std::vector<float> magnitudes() const;
 
-  /// Copies as many values as setSize() told. The array stays the caller's.
+  /// Copies as many values as setSize() specified. The caller keeps the array.
   void setData(const float* magnitudes);
 
   /// The ground of the waveform's look, drawn for the view's size into a painter in view

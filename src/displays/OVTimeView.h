@@ -8,7 +8,7 @@
 #include "displays/OVTimeText.h"
 
 /// Shows the current position and the total length as one line of text at the bottom right, on
-/// whatever lies behind the view. Setting a time does not redraw; who sets it asks for that.
+/// a transparent background. Setting a time does not redraw; the caller requests it.
 ///
 /// Threads: main; the times may be set and read from any. Real-time: not safe.
 class OVTimeView : public QWidget {

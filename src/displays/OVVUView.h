@@ -9,11 +9,11 @@
 #include "displays/OVVUViewDataSource.h"
 #include "platform/mainloop/Timer.h"
 
-/// What the level meters share: the polling. A subclass draws what it got.
+/// Base of the level meters: polls the data source. Subclasses draw the levels.
 ///
-/// A meter asks its data source on a timer of its own for as long as it lives, and draws what it
-/// answers as it is. An answer without levels draws nothing new: the last picture stays until
-/// something else redraws the view.
+/// A meter polls its data source on its own timer for as long as it exists, and draws the levels
+/// unchanged. Without levels it requests no redraw: the last picture stays until something else
+/// redraws the view.
 ///
 /// Threads: main. Real-time: not safe.
 class OVVUView : public QWidget {
@@ -37,7 +37,7 @@ class OVVUView : public QWidget {
   /// with at least one level.
   void pollForData();
 
-  /// The last answer, one linear level a channel, or what a redraw has put in its place.
+  /// The last levels, one linear level a channel, or those that a redraw has substituted.
   [[nodiscard]] const std::optional<std::vector<float>>& levelData() const { return levelData_; }
 
  protected:

@@ -1,5 +1,7 @@
 #include "document/OVDocumentParts.h"
 
+#include "controls/OVRecorderWindow.h"
+
 OVDocumentParts::OVDocumentParts(const Operations& operations)
     : keys(controls, transport, operations.menuCommand),
       loading({life, audio, positions, *summaries, history, operation, transport, file, panels,
@@ -10,3 +12,15 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
              operations.fileSavingComplete, [this] { unsavedChanges.saveFailed(); }),
       unsavedChanges({operation, history, file, transport, panels}, operations.saveFile,
                      operations.alertDidEnd) {}
+
+void OVDocumentParts::connect(OVRecorderWindow* window) {
+  const QPointer<OVWaveFormView> waveform = window->findChild<OVWaveFormView*>("wfView");
+  file.connect(window);
+  history.setWindow(window);
+  panels.setWindow(window);
+  unsavedChanges.setWindow(window);
+  progress.connect(window);
+  markerAndTime.connect(window);
+  summaries->setView(waveform);
+  displayLoop.setView(waveform);
+}

@@ -23,11 +23,11 @@
 #include "document/transport/OVTransportControls.h"
 #include "document/transport/OVTransportKeys.h"
 
-/// The parts of one document, each with one subject and after those that it works on.
+/// The parts of one document, one subject each. A part is declared after the parts that it uses.
 ///
-/// Threads: main, except as each part says. Real-time: not safe.
+/// Threads: main, unless a part states otherwise. Real-time: not safe.
 struct OVDocumentParts {
-  /// What the parts ask of the controller: its operations.
+  /// Operations of the controller that the parts call.
   struct Operations {
     std::function<void(OVTransportControls::Button)> menuCommand;
     OVFileLoading::Callbacks loading;
@@ -37,6 +37,9 @@ struct OVDocumentParts {
   };
 
   explicit OVDocumentParts(const Operations& operations);
+
+  /// Finds the views that the parts show themselves in.
+  void connect(OVRecorderWindow* window);
 
   OVDocumentLife life;
   OVDocumentAudio audio;
@@ -52,7 +55,7 @@ struct OVDocumentParts {
   OVDisplayLoop displayLoop{
       {life, audio, positions, operation, *summaries, transport, markerAndTime, progress}};
   OVSpectrum spectrum;
-  OVRecordedChunk fft_data;  // guards itself: the writer's thread fills, the main thread takes
+  OVRecordedChunk fft_data;  // thread-safe: filled by the writer's thread, read on main
   OVDocumentFile file;
   OVDocumentPanels panels{life};
   OVFileLoading loading;

@@ -47,7 +47,7 @@ bool OVUnsavedChanges::mayClose() {
   return false;
 }
 
-// What the window asks has to be seen: a quit waits for the answer.
+// The question must be visible: a quit waits for the answer.
 void OVUnsavedChanges::bringToFront() {
   if (window_) {
     window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);

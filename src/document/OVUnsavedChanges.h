@@ -11,8 +11,8 @@ class OVFileOperation;
 class OVRecorderWindow;
 class OVTransport;
 
-/// Whether the document's window may close: asks about unsaved changes, and waits for the save that
-/// the answer asked for.
+/// Decides whether the document's window may close: asks about unsaved changes and waits for the
+/// save that the user chose.
 ///
 ///   idle --close--> asking --Don't Save--> confirmed
 ///   asking --Save--> savePending --saved--> confirmed
@@ -25,14 +25,14 @@ class OVUnsavedChanges {
   enum class State {
     idle,
     asking,       ///< the question is on the screen
-    savePending,  ///< the window closes when what is written, or has yet to be, is complete
+    savePending,  ///< the window closes when the running or pending save is complete
     confirmed,    ///< the window may close
   };
 
-  /// Answers of the question.
+  /// Answers to the question.
   enum Answer : int { kCancelClosing = -1, kDontSave = 0, kSave = 1 };
 
-  /// The parts of the document that it asks; they outlive it.
+  /// The parts of the document that it uses; they outlive it.
   struct Parts {
     const OVFileOperation& operation;
     const OVEditHistory& history;
@@ -49,17 +49,19 @@ class OVUnsavedChanges {
   void setWindow(OVRecorderWindow* window);
   [[nodiscard]] State state() const { return state_; }
 
-  /// Whether the window may close now. Otherwise asks, or, where that cannot be now, ends a quit
-  /// and says so. What is recorded is paused when the question is on the screen.
+  /// Whether the window may close now. If not, waits for a save that runs, or asks, or, when
+  /// another panel is open, cancels a quit and alerts the user. Recording is paused once the
+  /// question is on the screen.
   [[nodiscard]] bool mayClose();
-  /// The end of the question. Any code but an Answer is a programming error and ends the program.
+  /// Handles the answer. Any code but an Answer is a programming error and ends the program.
   void answer(int returnCode);
 
-  /// A file operation that wrote nothing has ended: a save that waited for it begins.
+  /// A load has ended: starts a save that waited for it.
   void loadEnded();
-  /// Everything was written: by a save, or by an export, which has saved nothing of the document.
+  /// A save has written everything, or (`saved` false) an export, which leaves the document
+  /// unsaved.
   void written(bool saved);
-  /// A save has failed or was cancelled: the document stays, and so does the program.
+  /// A save failed or was cancelled: the document stays open and a quit is cancelled.
   void saveFailed();
 
  private:

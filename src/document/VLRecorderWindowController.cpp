@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <random>
 #include <utility>
 
 #include "audio/OVAQPlayer.h"
@@ -13,7 +11,6 @@
 #include "displays/OVCircularVUView.h"
 #include "document/files/OVWaveformPicture.h"
 #include "platform/base/ApplicationServices.h"
-#include "platform/files/TemporaryFiles.h"
 #include "platform/mainloop/MainQueue.h"
 #include "storage/OVAudioBuffer.h"
 #include "storage/OVBlockBuffer.h"
@@ -26,8 +23,8 @@ namespace {
 
 constexpr const char* kWindowInterface = "VNRecorderWindow";
 
-// The last reference may be dropped by a thread of the sound system; the controller owns timers
-// and views' partners, so it always dies on the main thread.
+// An audio thread may drop the last reference. The controller owns timers and objects tied to
+// views, so it is always destroyed on the main thread.
 void deleteOnMainThread(VLRecorderWindowController* controller) {
   if (platform::isMainThread()) {
     delete controller;
@@ -87,7 +84,7 @@ void VLRecorderWindowController::windowDidLoad() {
   parts_.operation.setChangeHandler([this] { operationChanged(); });
   parts_.progress.show(false);
   {
-    const platform::PostedAlertsScope afterwards;  // an alert comes when the window is there
+    const platform::PostedAlertsScope afterwards;  // alerts appear after the window
     if (auto blocks = OVBlockBuffer::init()) {
       setBuffer(std::move(blocks));
     }
@@ -103,18 +100,11 @@ void VLRecorderWindowController::connectViews() {
   window_->setDelegate(weak_from_this());
   wfView_ = window_->findChild<OVWaveFormView*>("wfView");
   vuView_ = window_->findChild<OVCircularVUView*>("vuView");
-  parts_.file.connect(window_);
-  parts_.history.setWindow(window_);
-  parts_.panels.setWindow(window_);
-  parts_.unsavedChanges.setWindow(window_);
-  parts_.progress.connect(window_);
-  parts_.markerAndTime.connect(window_);
+  parts_.connect(window_);
   parts_.controls.connect(
       window_, weak_from_this(),
       [this](Button button, OVTransportButton* sender) { press(button, sender); });
   parts_.spectrum.connect(window_, weak_from_this(), [this] { toggleFFT(nullptr); });
-  parts_.summaries->setView(wfView_);
-  parts_.displayLoop.setView(wfView_);
   if (wfView_) {
     wfView_->setDelegate(weak_from_this());
     wfView_->setTimeLineText([this, life = weak_from_this()] {
@@ -223,7 +213,7 @@ void VLRecorderWindowController::windowDidCancelKey(OVRecorderWindow*, std::uint
 void VLRecorderWindowController::transportChanged() {
   const OVTransportState state = parts_.transport.state();
   if (std::exchange(shownState_, state) == OVTransportState::recording) {
-    parts_.markerAndTime.invalidate();  // it leaves the recording position at the next tick
+    parts_.markerAndTime.invalidate();  // the next tick moves it off the recording position
   }
   if (state != OVTransportState::recording) {
     parts_.markerAndTime.setIsRecordingMarker(false);
@@ -267,7 +257,7 @@ void VLRecorderWindowController::cut(void (OVAudioBufferInterface::*cutoff)(std:
   refreshCompleteUI(true);
 }
 
-// Reversing is its own inverse: it registers itself, and nothing else is touched.
+// Reversing is its own inverse, so it registers itself as the undo.
 void VLRecorderWindowController::reverseBuffer(QObject*) {
   if (isFileIOActive() || !buffer()) {
     return;
@@ -312,7 +302,7 @@ bool VLRecorderWindowController::validateMenuItem(MenuAction action) const {
     case MenuAction::redo:
       return idle && parts_.history.canRedo();
     case MenuAction::transport:
-    case MenuAction::open:  // in a window of its own: needs nothing of this document
+    case MenuAction::open:  // opens its own window, independent of this document
       return idle;
     case MenuAction::edit:
       return idle && buffer() != nullptr && !parts_.transport.isRecording();
@@ -358,7 +348,7 @@ void VLRecorderWindowController::moveToTimeLinePosition(double fraction) {
   parts_.transport.moveTo(static_cast<std::uint64_t>(size * clamped));
   parts_.markerAndTime.setLevel(waveForm()->powerAtPosition(clamped));
   if (!parts_.transport.isRecording()) {
-    doFFT();  // the spectrum of the place that was clicked
+    doFFT();  // the spectrum at the clicked position
   }
 }
 
@@ -398,7 +388,7 @@ void VLRecorderWindowController::dumpWaveform(QObject*) {
   exportWaveformPicture(wfView_, parts_.panels, parts_.file);
 }
 
-// The waveform and the meter rest while audio comes in.
+// The waveform and the meter are not updated during a load.
 void VLRecorderWindowController::operationChanged() {
   const bool loading = parts_.operation.isLoading();
   if (wfView_) {
@@ -411,23 +401,6 @@ void VLRecorderWindowController::operationChanged() {
     vuView_->setDatasource(loading ? std::weak_ptr<OVVUViewDataSource>() : weak_from_this());
   }
   showTransport();
-}
-
-std::string VLRecorderWindowController::createTempFile() {
-  static constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
-  std::random_device random;
-  std::uniform_int_distribution<std::size_t> letter(0, sizeof(kLetters) - 2);
-  std::string path = platform::temporaryFiles()->directory() + "velmar_";
-  for (int i = 0; i < 12; ++i) {
-    path += kLetters[letter(random)];
-  }
-  return path;
-}
-
-void VLRecorderWindowController::removeTempFile(const std::string& path) {
-  if (!path.empty()) {
-    std::remove(path.c_str());
-  }
 }
 
 // Audio -----------------------------------------------------------------------------------------

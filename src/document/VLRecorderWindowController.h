@@ -14,6 +14,8 @@
 #include "controls/OVRecorderWindowDelegate.h"
 #include "displays/OVVUViewDataSource.h"
 #include "document/OVDocumentParts.h"
+#include "document/files/temporaryPath.h"
+#include "platform/files/TemporaryFiles.h"
 #include "platform/views/ViewRedraw.h"
 #include "storage/OVAudioBufferInterface.h"
 #include "waveform/views/OVWaveFormView.h"
@@ -22,12 +24,12 @@ class OVCircularVUView;
 
 /// One document: a recorder window with its own audio, transport, waveform, displays and undo.
 ///
-/// The controller conducts. Each of its parts has one subject; the operations below are the way in
-/// and pass the work on. Positions are frames. Every view may be missing, the window included: an
-/// operation on a missing view does nothing. The controller keeps itself alive from its creation
-/// until windowWillClose(), and always dies on the main thread.
+/// The operations below pass the work on to the controller's parts, each of which has one subject.
+/// Positions are frames. Every view may be missing, the window included: an operation on a missing
+/// view does nothing. The controller keeps itself alive from its creation until windowWillClose(),
+/// and is always destroyed on the main thread.
 ///
-/// Threads: main, except where said. Real-time: not safe.
+/// Threads: main, unless stated otherwise. Real-time: not safe.
 class VLRecorderWindowController : public OVAudioBufferDelegate,
                                    public OVAQPlayerDelegate,
                                    public OVWaveFormViewDelegate,
@@ -35,7 +37,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
                                    public OVRecorderWindowDelegate,
                                    public std::enable_shared_from_this<VLRecorderWindowController> {
  public:
-  /// A controller for a window, or for none. Set-up follows with windowDidLoad().
+  /// A controller for a window, which may be null. windowDidLoad() completes the set-up.
   static std::shared_ptr<VLRecorderWindowController> initWithWindow(OVRecorderWindow* window);
   /// A controller with a new window from the interface file of this name, set up and not yet
   /// shown. The only name is "VNRecorderWindow"; null for any other.
@@ -57,8 +59,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   // Transport -----------------------------------------------------------------------------------
 
-  /// Actions of the six buttons. recButton and playButton read the new state from the sender; a
-  /// missing sender counts as off.
+  /// Actions of the six buttons. recButton and playButton read the new state from the sender; null
+  /// counts as off.
   void recButton(OVTransportButton* sender);
   void playButton(OVTransportButton* sender);
   void pauseButton(OVTransportButton*) { parts_.transport.pause(); }
@@ -87,11 +89,11 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void redoCommand();
   [[nodiscard]] std::shared_ptr<platform::UndoManager> windowWillReturnUndoManager() const;
 
-  /// The commands of a menu that are not always possible.
+  /// Groups of menu commands that are enabled together.
   enum class MenuAction { reverseBuffer, undo, redo, edit, transport, open, file, other };
   [[nodiscard]] bool validateMenuItem(MenuAction action) const;
-  /// Called whenever validateMenuItem() may answer otherwise; the undo manager reports its own
-  /// changes.
+  /// Called whenever the result of validateMenuItem() may have changed, except by the undo manager,
+  /// which reports its own changes.
   void setCommandsChangedHandler(std::function<void()> handler);
 
   // Display loop --------------------------------------------------------------------------------
@@ -109,7 +111,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] std::uint64_t recordingPosition() const { return parts_.positions.recording(); }
   void setRecordingPosition(std::uint64_t frames) { parts_.positions.setRecording(frames); }
 
-  /// The view, if it is still there, is asked to redraw from the main queue. Threads: any.
+  /// Requests a redraw on the main queue if the view still exists. Threads: any.
   template <typename View>
   static void setViewNeedsDisplay(const QPointer<View>& view) {
     requestRedraw(view);
@@ -133,22 +135,23 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   // Spectrum ------------------------------------------------------------------------------------
 
-  /// Action of the spectrum button and its menu item. The sender does not matter.
+  /// Action of the spectrum button and its menu item. The sender is ignored.
   void toggleFFT(QObject* sender);
   [[nodiscard]] bool isSpectrumShown() const { return parts_.spectrum.isShown(); }
-  /// The spectrum timer's tick, 30 a second: analyses what plays, then what was recorded last.
+  /// The spectrum timer's tick, 30 a second: analyses the audio being played, then the last
+  /// recorded chunk.
   void fireFFT();
   void doFFT();
   void doFFTwithData(const void* data, std::uint32_t size) { parts_.spectrum.show(data, size); }
-  /// Copy of the chunk recorded last. Threads: any.
+  /// Copy of the last recorded chunk. Threads: any.
   [[nodiscard]] std::vector<std::byte> fft_data() const { return parts_.fft_data.fft_data(); }
 
   // Files ---------------------------------------------------------------------------------------
 
-  /// Fills the document with a file, at the recording position. One file operation at a time:
-  /// nothing happens while another runs; the same of the commands below.
+  /// Loads a file into the document, at the recording position. This and the commands below do
+  /// nothing while another file operation runs.
   void openFileNamed(const std::string& path) { parts_.loading.open(path); }
-  /// Asks for a file and writes it into the document at the recording position, undoably.
+  /// Asks for a file and imports it at the recording position as an undoable step.
   void importFile(QObject*) { parts_.loading.chooseImport(); }
   void fileLoadingComplete() { parts_.loading.drawWaveform(); }    ///< after the last chunk
   void fileLoadingReallyComplete() { parts_.loading.complete(); }  ///< after the waveform
@@ -168,7 +171,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   static constexpr auto kCancelClosing = OVUnsavedChanges::kCancelClosing;
   static constexpr auto kDontSave = OVUnsavedChanges::kDontSave;
   static constexpr auto kSave = OVUnsavedChanges::kSave;
-  /// The end of the question about unsaved changes.
+  /// Handles the answer to the question about unsaved changes.
   void alertDidEnd(int returnCode) { parts_.unsavedChanges.answer(returnCode); }
 
   [[nodiscard]] bool isFileIOActive() const { return parts_.operation.isActive(); }
@@ -186,8 +189,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   // Audio ---------------------------------------------------------------------------------------
 
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const;
-  /// Replaces the document's audio by another kind of storage. For a document that has not
-  /// recorded yet.
+  /// Replaces the document's audio by another buffer. Only before the first recording.
   void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer);
   [[nodiscard]] std::shared_ptr<OVAQRecorder> recorder() const;
   [[nodiscard]] std::shared_ptr<OVAQPlayer> player() const { return parts_.transport.player(); }
@@ -196,9 +198,9 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] bool waveformIsChanging() const { return parts_.summaries->isChanging(); }
   /// A fresh path in the user's temporary directory that begins with "velmar_"; the file is not
   /// made.
-  [[nodiscard]] static std::string createTempFile();
+  [[nodiscard]] static std::string createTempFile() { return freshTemporaryPath(); }
   /// Deletes a file; nothing for an empty path, errors are ignored.
-  static void removeTempFile(const std::string& path);
+  static void removeTempFile(const std::string& path) { platform::deleteFile(path); }
 
   // Callbacks -----------------------------------------------------------------------------------
 

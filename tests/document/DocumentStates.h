@@ -10,19 +10,19 @@
 
 #include <gtest/gtest.h>
 
-#include "support/Gate.h"
 #include "audio/OVAQPlayer.h"
 #include "audio/OVAQRecorder.h"
 #include "audio/OVAudioFileWriter.h"
-#include "support/fakes/SteppedAudioQueues.h"
 #include "controls/OVRecorderWindow.h"
 #include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
 #include "platform/mainloop/MainQueue.h"
+#include "support/Gate.h"
 #include "support/MainLoop.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/ScriptedFileDialogs.h"
+#include "support/fakes/SteppedAudioQueues.h"
 #include "support/fakes/TestUserAudioFiles.h"
 #include "support/programs/AudioFileTools.h"
 
@@ -224,9 +224,13 @@ class StateKeeper {
     }
   }
 
-  /// A click on a transport button, which may be disabled: as a command that comes too late.
+  /// A click on a transport button. While a file operation runs also on one that is disabled by
+  /// now: as a command that comes too late.
   void press(const char* name, void (VLRecorderWindowController::*action)(OVTransportButton*)) {
     auto* const button = document_->window()->findChild<OVTransportButton*>(name);
+    if (!button->isEnabled() && !document_->isFileIOActive()) {
+      return;
+    }
     if (button->isSwitch()) {
       button->setIsOn(!button->isOn());
     }

@@ -9,10 +9,10 @@
 
 namespace support {
 
-/// For as long as it lives this process gets only so many more bytes of address space: allocations
-/// beyond fail as they do where memory has run out. Not for the checkers, which end the program
-/// then. Take 64 MiB and more for what has to fail: smaller allocations may find room that the
-/// process has already.
+/// While it exists this process gets only so many more bytes of address space; allocations beyond
+/// fail as when memory has run out. Not for sanitizer builds, which end the program then. Use 64
+/// MiB and more for what has to fail: smaller allocations may find room that the process has
+/// already.
 ///
 /// Threads: main.
 class AddressSpaceLimit {

@@ -1,10 +1,10 @@
 #pragma once
 
-/// Which of the checkers this test program was built with.
+/// Which sanitizers this test program was built with.
 namespace support {
 
-/// The thread checker makes every byte that is touched cost as much as a hundred; the address
-/// checker keeps freed memory for a while. Both end the program where an allocation fails.
+/// ThreadSanitizer makes memory accesses up to a hundred times as expensive; AddressSanitizer keeps
+/// freed memory for a while. Both end the program when an allocation fails.
 #if defined(__SANITIZE_THREAD__)
 inline constexpr bool kThreadChecker = true;
 #elif defined(__has_feature)

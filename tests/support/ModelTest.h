@@ -54,7 +54,7 @@ inline std::string asCode(const Step& step) {
 }
 
 struct Difference {
-  std::size_t after = 0;  ///< the step behind which the two differ
+  std::size_t after = 0;  ///< the step after which the two differ
   std::string text;
 };
 
@@ -97,7 +97,7 @@ class Shrinking {
  private:
   static constexpr unsigned kMaxTries = 20'000;  // of a sequence; more is not worth the wait
 
-  // Steps behind the first difference go, too.
+  // Steps after the first difference are dropped too.
   bool keepIfDifferent(Steps candidate) {
     if (++tries_ > kMaxTries) {
       return false;
@@ -219,7 +219,7 @@ class Comparison {
     }
   }
 
-  /// The same for sequences, of which only the first place that differs is told.
+  /// The same for sequences, of which only the first difference is reported.
   template <typename Sequence>
   void tellSequence(const std::string& what, const Sequence& real, const Sequence& model) {
     if (!text_.empty() || real == model) {

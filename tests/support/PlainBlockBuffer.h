@@ -12,9 +12,9 @@
 
 namespace support {
 
-/// What a block buffer must do, written down once more, step by step and with no thought of speed:
+/// A reference model of the block buffer, simple rather than fast:
 /// four separate passes, every lookup a scan, the file a vector that is only appended to. The real
-/// one is held against it.
+/// buffer is compared with it.
 ///
 /// Threads: one.
 class PlainBlockBuffer {

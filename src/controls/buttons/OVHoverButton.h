@@ -4,8 +4,8 @@
 #include "platform/views/NamedImage.h"
 
 /// A button that is a picture and nothing else, with another picture while the mouse is over it. A
-/// switch unless setIsSwitch says otherwise. It looks the same when disabled, and then minds the
-/// mouse neither coming nor going: disabled under the mouse, it keeps its hovering state.
+/// switch unless setIsSwitch(false) is called. It looks the same when disabled, and then ignores
+/// the mouse entering or leaving: disabled under the mouse, it keeps its hovering state.
 ///
 /// Threads: main. Real-time: not safe.
 class OVHoverButton : public OVTrackingButton {

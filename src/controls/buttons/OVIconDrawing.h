@@ -9,7 +9,7 @@ class NamedImage;
 }
 class QPainter;
 
-/// How an icon meets what lies below it.
+/// How an icon is composited with the picture below it.
 enum class OVIconBlend {
   sourceAtop,  ///< over it, where something is
   plusDarker,  ///< the sum of both darknesses: 1 - min(1, (1 - below) + (1 - icon))

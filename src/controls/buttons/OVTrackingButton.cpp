@@ -54,7 +54,7 @@ QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
   return nullptr;
 }
 
-// Before a button is first asked for its interface.
+// Runs before a button's interface is first requested.
 void installAccessibility() {
   [[maybe_unused]] static const bool installed = [] {
     QAccessible::installFactory(makeInterface);

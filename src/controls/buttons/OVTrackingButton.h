@@ -7,7 +7,7 @@
 
 #include "platform/views/FocusRing.h"
 
-/// What the picture buttons of the window share: on and pressed state, following the mouse while
+/// Base of the window's picture buttons: on and pressed state, following the mouse while
 /// it is down, and sending an action to a target. A subclass draws itself.
 ///
 /// Pressing a switch turns it at once; dragging out shows the old state again and back in the new
@@ -15,7 +15,7 @@
 /// never changes isOn(). While disabled (QWidget::setEnabled) the mouse does nothing.
 ///
 /// The keyboard reaches it by Tab and presses it with Ctrl+Return; every other key goes on to the
-/// window, which so keeps its transport keys. A click does not take the keyboard. To assistive
+/// window, which keeps its transport keys that way. A click does not take the focus. To assistive
 /// technology it is a button, checkable if it is a switch, that can be pressed.
 ///
 /// Threads: main. Real-time: not safe.

@@ -6,9 +6,9 @@
 #include "platform/views/NamedImage.h"
 
 /// A button of the transport bar: a bezel of its own with an icon centred on it. A push button
-/// unless setIsSwitch says otherwise.
+/// unless setIsSwitch(true) is called.
 ///
-/// Everything it draws is redrawn whole. While it is pressed the bezel shows it; the icon itself
+/// Every redraw is complete. While it is pressed the bezel shows it; the icon itself
 /// changes only when the button is on as well. It must be a direct child of a view that is a
 /// direct child of the window's content view, see OVBezelFrameOfReference.
 ///
@@ -24,7 +24,7 @@ class OVTransportButton : public OVTrackingButton {
   void setOnImage(const QString& name);
   void setOffImage(const QString& name);
 
-  /// Always null: the images set by name are not handed out.
+  /// Always null: images set by name are not returned.
   [[nodiscard]] QImage onImage() const { return onImage_; }
   [[nodiscard]] QImage offImage() const { return offImage_; }
 

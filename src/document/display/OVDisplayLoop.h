@@ -18,13 +18,12 @@ class OVMarkerAndTime;
 class OVProgressDisplay;
 class OVTransport;
 
-/// Keeps the displays true to what the document does: 25 times a second, and as a whole after an
-/// edit.
+/// Updates the displays 25 times a second, and rebuilds them after an edit.
 ///
-/// Threads: main, except where said. Real-time: not safe.
+/// Threads: main, unless stated otherwise. Real-time: not safe.
 class OVDisplayLoop {
  public:
-  /// The parts of the document that it works on; they outlive it.
+  /// The parts of the document that it uses; they outlive it.
   struct Parts {
     const OVDocumentLife& life;
     const OVDocumentAudio& audio;
@@ -57,7 +56,7 @@ class OVDisplayLoop {
   [[nodiscard]] bool isRenderingWaveform() const { return isRenderingWaveform_; }
   void setIsRenderingWaveform(bool rendering) { isRenderingWaveform_ = rendering; }
 
-  /// A recorded chunk of so many frames was written.
+  /// A recorded chunk of `frames` frames was written.
   /// Threads: the writer's.
   void chunkWritten(std::uint64_t frames) { _lastNumberOfFramesWritten = frames; }
 
@@ -72,6 +71,6 @@ class OVDisplayLoop {
   QPointer<OVWaveFormView> wfView_;
   std::unique_ptr<platform::Timer> pollTimer_;
   bool isRenderingWaveform_ = false;
-  // The writer's thread writes, the main thread reads: it stands for itself.
+  // Written by the writer's thread, read on main; orders no other data.
   std::atomic<std::uint64_t> _lastNumberOfFramesWritten = 0;
 };

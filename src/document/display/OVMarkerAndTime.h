@@ -22,8 +22,7 @@ class OVMarkerAndTime {
 
   void connect(OVRecorderWindow* window);
 
-  /// The playback position at the last update of the marker: a position that differs has yet to be
-  /// drawn.
+  /// The playback position at the last update of the marker; a different position is not drawn yet.
   [[nodiscard]] std::uint64_t lastPlaybackPosition() const { return lastPlaybackPosition_; }
   void setLastPlaybackPosition(std::uint64_t frames) { lastPlaybackPosition_ = frames; }
   /// The next tick draws the marker even if it has not moved.
@@ -32,16 +31,16 @@ class OVMarkerAndTime {
   void setIsRecordingMarker(bool recording);
   /// Moves the marker to a frame of the audio and redraws where it was and where it is.
   void moveTo(std::uint64_t frames);
-  /// Level of each channel, of which the mean is shown; nothing changes without any.
+  /// Level of each channel, the mean of which is shown; without levels nothing changes.
   void setLevels(const std::optional<std::vector<float>>& levels);
   void setLevel(double level);
 
-  /// A frame as the current time and the audio's length, redrawn if they differ from what is shown,
-  /// or `always`.
+  /// Shows a frame as the current time, and the audio's length. Redraws if either has changed, or
+  /// `always`.
   void showTime(std::uint64_t currentFrames, bool always = false);
-  /// As showTime(), with the length of what has been loaded so far.
+  /// As showTime(), with the length loaded so far.
   void showDuration(std::uint64_t frames);
-  /// What the time display says.
+  /// The text of the time display.
   [[nodiscard]] QString text() const { return timeView_ ? timeView_->text() : QString(); }
 
  private:

@@ -8,8 +8,8 @@
 
 class OVRecorderWindow;
 
-/// The progress bar over the waveform and the words beside it, both of which may be missing. A
-/// fresh bar is made for every operation.
+/// The progress bar over the waveform and its label, both of which may be missing. Every operation
+/// gets a new bar.
 ///
 /// Threads: main. Real-time: not safe.
 class OVProgressDisplay {
@@ -19,12 +19,12 @@ class OVProgressDisplay {
   /// Null where there is none.
   [[nodiscard]] QProgressBar* loadingIndicator() const { return loadingIndicator_; }
 
-  /// Replaces the bar by a fresh one in the same place, hidden. `activity` is what it is for: the
-  /// words beside it and its name.
+  /// Replaces the bar by a new, hidden one in the same place. `activity` is the text of its label
+  /// and its accessible name.
   void recreate(bool indeterminate, platform::TextKey activity);
-  /// A fresh bar, shown.
+  /// Shows a new bar.
   void begin(platform::TextKey activity, bool indeterminate = false);
-  /// Empty and hidden.
+  /// Empties and hides the bar.
   void end();
 
   void setActivity(platform::TextKey activity);

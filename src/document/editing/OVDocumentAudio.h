@@ -7,10 +7,10 @@
 #include "platform/base/GuardedPointer.h"
 #include "storage/OVAudioBufferInterface.h"
 
-/// The audio of a document, and its lengths in frames, bytes and seconds. Without a buffer, which
-/// is missing where no temporary file could be made, every length is 0.
+/// The audio of a document, and its lengths in frames, bytes and seconds. Without a buffer
+/// (no temporary file could be created) every length is 0.
 ///
-/// Threads: any, except where said. Real-time: not safe.
+/// Threads: any, unless stated otherwise. Real-time: not safe.
 class OVDocumentAudio {
  public:
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const { return buffer_.get(); }

@@ -3,14 +3,14 @@
 #include <memory>
 #include <utility>
 
-/// Callbacks of a document's parts that come later, from the main queue or from a panel, run only
-/// while the document is there, and keep it for as long as they run.
+/// Guards callbacks of a document's parts that arrive later, from the main queue or a panel: they
+/// run only while the document exists, and keep it alive while they run.
 ///
-/// Threads: main for begin(); a guarded callback keeps the threads of what it wraps.
+/// Threads: main for begin(); a guarded callback has the threads of the callback that it wraps.
 /// Real-time: not safe.
 class OVDocumentLife {
  public:
-  /// `document` owns whatever the callbacks touch.
+  /// `document` owns everything that the callbacks use.
   void begin(std::weak_ptr<void> document) { document_ = std::move(document); }
   [[nodiscard]] const std::weak_ptr<void>& document() const { return document_; }
 

@@ -13,16 +13,16 @@ class OVDocumentAudio;
 class OVDocumentSummaries;
 class OVRecorderWindow;
 
-/// The undoable steps of a document: for each the audio's waypoint, the summary that was shown, the
-/// edited flag, and the entry in the undo manager, so that an undo, a redo, or a step that fails
-/// gives all four back together. One step can be undone.
+/// The undoable steps of a document. Each step holds the audio's waypoint, the shown summary, the
+/// edited flag and the entry in the undo manager; an undo, a redo or a failed step restores all
+/// four together. One step can be undone.
 ///
 /// Threads: main. Real-time: not safe.
 class OVEditHistory {
  public:
   OVEditHistory(OVDocumentAudio& audio, OVDocumentSummaries& summaries);
 
-  /// `undo` and `redo` are what the undo manager runs, while `target` is there.
+  /// The undo manager runs `undo` and `redo` as long as `target` exists.
   void open(std::weak_ptr<void> target, std::function<void()> undo, std::function<void()> redo);
   /// Drops the undo manager.
   void close();
@@ -38,24 +38,23 @@ class OVEditHistory {
   void setEdited(bool edited);
   /// Everything was saved.
   void saved();
-  /// The file is the present audio: what an undo or a redo brings back differs from it.
+  /// The file matches the present audio: the next undo or redo marks the document as edited.
   void fileReplaced() { prevSaveState_ = true; }
 
-  /// Before the audio is changed. `name` is what the menu calls the step.
+  /// Call before changing the audio. `name` is the step's name in the menu.
   void beginStep(platform::TextKey name);
-  /// The step that was begun last has failed: all is as it was before it, what could be undone and
-  /// redone then included.
+  /// The last step has failed: restores the state before it, including its undo and redo entries.
   void rollBackStep();
 
   /// A step that leaves no waypoint: `operation` is its own inverse.
   void registerInverse(std::function<void()> operation, platform::TextKey name);
 
-  /// The two operations of open(), between them the audio is restored. True if the summary that is
-  /// shown now has to be generated from scratch.
+  /// Restore the audio; called by the operations given to open(). True if the summary shown
+  /// afterwards must be generated from scratch.
   [[nodiscard]] bool undo();
   [[nodiscard]] bool redo();
 
-  /// Changes with every step, undo and redo: tells whether the audio is still that of a moment.
+  /// Changes with every step, undo and redo; compare two values to detect an edit in between.
   [[nodiscard]] std::uint64_t revision() const { return revision_; }
 
  private:
@@ -75,7 +74,7 @@ class OVEditHistory {
   std::shared_ptr<platform::UndoManager> undoManager_;
   QPointer<OVRecorderWindow> window_;
   bool documentEdited_ = false;  // the flag of a document without a window
-  bool prevSaveState_ = false;   // what the next undo or redo brings back
+  bool prevSaveState_ = false;   // the flag that the next undo or redo restores
   std::uint64_t revision_ = 0;
 
   // As they were before the last step.

@@ -3,8 +3,8 @@
 #include <functional>
 #include <utility>
 
-/// What a document is doing with a file; one thing at a time. Commands ask this, not the look of a
-/// button.
+/// The file operation that a document is running, at most one at a time. Commands check this state
+/// rather than the state of a button.
 ///
 /// Threads: main. Real-time: not safe.
 class OVFileOperation {
@@ -20,11 +20,11 @@ class OVFileOperation {
 
   [[nodiscard]] State state() const { return state_; }
   [[nodiscard]] bool isActive() const { return state_ != State::none; }
-  /// Audio comes in from a file.
+  /// A file is being read into the document.
   [[nodiscard]] bool isLoading() const {
     return state_ == State::opening || state_ == State::importing;
   }
-  /// Audio goes out to a file.
+  /// The document is being written to a file.
   [[nodiscard]] bool isWriting() const {
     return state_ == State::saving || state_ == State::exporting;
   }

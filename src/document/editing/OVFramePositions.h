@@ -4,8 +4,8 @@
 
 #include "platform/base/SerialQueue.h"
 
-/// The two positions of a document, in frames: the marker, from which playback reads, and the place
-/// at which recording writes. Each is reached through a serial queue of its own.
+/// The two positions of a document, in frames: the marker, where playback reads, and the recording
+/// position, where recording writes. Each is accessed through its own serial queue.
 ///
 /// Threads: any. Real-time: not safe.
 class OVFramePositions {

@@ -17,7 +17,7 @@ class OVRecorderWindow;
 /// Threads: main. Real-time: not safe.
 class OVDocumentFile {
  public:
-  /// The title of a document of this name: the product's name and it.
+  /// The title of a document of this name, preceded by the product's name.
   [[nodiscard]] static QString titleWithName(const QString& name);
 
   /// Sets the title of a document without a file. The window may be null.
@@ -31,14 +31,14 @@ class OVDocumentFile {
   [[nodiscard]] std::int32_t type() const { return currentFiletype_; }
   void setType(std::int32_t type) { currentFiletype_ = type; }
 
-  /// The document is this file from now on.
+  /// Makes this the document's file.
   void take(const std::string& path, std::int32_t type);
-  /// The document is not what the file is.
+  /// Detaches the document from its file.
   void forget();
 
-  /// The file's name for people, "Unnamed" without one.
+  /// The file's display name, "Unnamed" without a file.
   [[nodiscard]] QString shownName() const;
-  /// What a panel suggests, without suffix.
+  /// The name that a panel suggests, without suffix.
   [[nodiscard]] std::string suggestedName() const;
   /// The kind that a panel suggests: the file's own where it can be written, otherwise WAV.
   [[nodiscard]] std::int32_t suggestedType() const;
@@ -53,5 +53,5 @@ class OVDocumentFile {
   std::int32_t currentFiletype_ = -1;
 };
 
-/// A sentence about a file, "%1" of which is the file's name as people see it.
+/// A sentence with "%1" replaced by the file's display name.
 [[nodiscard]] QString sentenceWithName(platform::TextKey sentence, const std::string& path);

@@ -12,8 +12,8 @@
 
 class OVDocumentLife;
 
-/// The panels and questions of one document, one at a time. An answer comes only while the document
-/// is there; by then the panel counts as closed.
+/// The panels and questions of one document, one at a time. Answers are delivered only while the
+/// document exists; isShown() is false by then.
 ///
 /// Threads: main. Real-time: not safe.
 class OVDocumentPanels {
@@ -25,8 +25,7 @@ class OVDocumentPanels {
 
   [[nodiscard]] bool isShown() const { return isPanelShown_; }
 
-  /// The window of each request is filled in. `chosen` gets a path, or nothing where the panel was
-  /// cancelled.
+  /// Fills in the window of each request. `chosen` receives a path, or nothing if cancelled.
   void open(platform::OpenPanelRequest request,
             std::function<void(const std::optional<std::string>&)> chosen);
   void save(platform::SavePanelRequest request,

@@ -29,12 +29,12 @@ using platform::localized;
 using platform::textKey;
 using State = OVFileOperation::State;
 
-/// What came of the reading.
+/// Result of the reading.
 struct OVFileLoading::Outcome {
   bool opened = false;          // otherwise the reader has reported why not
   bool yieldedNothing = false;  // opened, but broken off before the first frame; reported, too
   std::uint64_t endOffset = 0;  // after the last byte that is stored
-  int writeError = 0;           // errno of a write that storage did not take
+  int writeError = 0;           // errno of a failed write
 
   [[nodiscard]] bool failed() const { return !opened || yieldedNothing || writeError != 0; }
 };
@@ -143,7 +143,7 @@ void OVFileLoading::load(const std::string& path, std::shared_ptr<OVAudioFileRea
   });
 }
 
-// On a background queue, which lets no exception out.
+// Runs on a background queue, which must not see an exception.
 OVFileLoading::Outcome OVFileLoading::read(const std::string& path,
                                            std::shared_ptr<OVAudioFileReader> opened,
                                            const LoadRequest& request) try {
@@ -181,7 +181,7 @@ void OVFileLoading::loadingEnded(const std::string& path, const Outcome& outcome
   if (rolledBack_) {
     parts_.history.rollBackStep();
   } else if (outcome.failed()) {
-    // The chunk that storage did not take stands after everything else.
+    // The chunk that could not be stored follows everything else.
     parts_.audio.buffer()->cutoffBufferAfterPosition(outcome.endOffset /
                                                      parts_.audio.bytesPerFrame());
     parts_.file.forget();

@@ -29,7 +29,7 @@ class OVTransport;
 /// Threads: main. Real-time: not safe.
 class OVFileLoading {
  public:
-  /// The parts of the document that it works on; they outlive it.
+  /// The parts of the document that it uses; they outlive it.
   struct Parts {
     const OVDocumentLife& life;
     OVDocumentAudio& audio;
@@ -63,7 +63,7 @@ class OVFileLoading {
   /// Ends the file operation.
   void complete();
 
-  /// The window closes: what is read ends at its next chunk, and nothing comes of it.
+  /// The window closes: a load ends at its next chunk, and its result is discarded.
   void cancel() { *cancelled_ = true; }
   [[nodiscard]] bool isCancelled() const { return *cancelled_; }
 
@@ -81,8 +81,8 @@ class OVFileLoading {
 
   const Parts parts_;
   const Callbacks callbacks_;
-  // Set when the window closes; shared with what runs in the background.
+  // Set when the window closes; shared with background work.
   std::shared_ptr<std::atomic<bool>> cancelled_ = std::make_shared<std::atomic<bool>>(false);
   bool rolledBack_ = false;             // the import could not be stored
-  std::function<void()> afterLoading_;  // an alert for the time when the load has ended
+  std::function<void()> afterLoading_;  // an alert to show after the load
 };

@@ -33,10 +33,10 @@ using State = OVFileOperation::State;
 
 namespace {
 
-constexpr std::int32_t kAacType = 3;  // what the file writer calls AAC
+constexpr std::int32_t kAacType = 3;  // the file writer's AAC kind
 constexpr const char* kRingtoneSuffix = "m4r";
 
-// The document keeps counting as unsaved.
+// The document remains unsaved.
 void tellGaps(const std::string& path, double seconds, bool saved) {
   const QString gaps = localized("%1 seconds of the recording could not be read.")
                            .arg(QLocale().toString(seconds, 'f', 2));
@@ -175,7 +175,7 @@ void OVFileSaving::start(Request request) {
     return;
   }
   parts_.transport.pauseIfRunning();
-  chooseStretch(request);  // what was recorded up to now is saved too
+  chooseStretch(request);  // includes the recording up to now
   parts_.progress.begin(request.isExport ? textKey("Exporting") : textKey("Saving"));
   parts_.operation.begin(request.isExport ? State::exporting : State::saving);
   auto show = parts_.life.guarded(
@@ -191,7 +191,7 @@ void OVFileSaving::start(Request request) {
       });
 }
 
-// What can be known before anything is written.
+// Failures that can be detected before writing.
 std::optional<std::string> OVFileSaving::refusalOf(const Request& request) {
   const auto most = OVAudioFileWriter::maximumFrames(request.job.outputFormat);
   if (most && request.job.frameCount > *most) {

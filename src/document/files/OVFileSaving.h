@@ -18,12 +18,12 @@ class OVFramePositions;
 class OVProgressDisplay;
 class OVTransport;
 
-/// Saving the document, and exporting a stretch of it as a ringtone, on the global queue.
+/// Saving the document, and exporting a range of it as a ringtone, on the global queue.
 ///
 /// Threads: main. Real-time: not safe.
 class OVFileSaving {
  public:
-  /// The parts of the document that it works on; they outlive it.
+  /// The parts of the document that it uses; they outlive it.
   struct Parts {
     const OVDocumentLife& life;
     OVDocumentAudio& audio;
@@ -40,8 +40,8 @@ class OVFileSaving {
   /// Longest ringtone, in seconds: phones take no longer ones.
   static constexpr double kRingtoneSeconds = 40.0;
 
-  /// `written` is called when everything was written, `failed` when a save or an export ended in
-  /// another way, a cancelled panel included.
+  /// `written` is called when everything was written, `failed` when a save or an export failed or
+  /// was cancelled.
   OVFileSaving(const Parts& parts, std::function<void()> written, std::function<void()> failed);
 
   /// Saves to the document's file in its kind; asks where for a document that has none. Nothing
@@ -82,5 +82,5 @@ class OVFileSaving {
   std::string last_saved_file_path_;
 };
 
-/// Reports a file that could not be written, with the reason in a sentence.
+/// Alerts the user that a file could not be written; `reason` is a sentence.
 void tellSaveFailed(const std::string& path, const std::string& reason);

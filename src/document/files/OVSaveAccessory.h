@@ -6,8 +6,8 @@
 #include <QPointer>
 #include <QWidget>
 
-/// What stands below the files in a panel that saves: the choice of the file's kind. The panel that
-/// shows it owns the views; a copy refers to the same ones.
+/// The choice of the file's kind below the files in a save panel. The panel owns the views; a copy
+/// refers to the same views.
 ///
 /// Threads: main. Real-time: not safe.
 class OVSaveAccessory {
@@ -16,7 +16,7 @@ class OVSaveAccessory {
   explicit OVSaveAccessory(std::int32_t type);
 
   [[nodiscard]] QWidget* view() const { return fileSaveAccessoryView_; }
-  /// The kind that is chosen, or was when the panel went.
+  /// The chosen kind; remains available after the panel is gone.
   [[nodiscard]] std::int32_t chosenType() const;
 
  private:

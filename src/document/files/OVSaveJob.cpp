@@ -13,12 +13,12 @@
 
 namespace {
 
-// What the smallest gap is taken for at first: a disk loses at least a page of 4 KiB.
+// Initial guess of the smallest gap: a disk loses at least a page of 4 KiB.
 constexpr std::uint64_t kPageFrames = 512;
 
-// Reads a stretch of a buffer whole. What storage does not give back becomes silence, so that
-// everything behind it stays in its place; the frames that are missing are counted. A failing disk
-// answers slowly: the end of a gap is looked for in growing steps and then between the last two.
+// Reads a whole range of a buffer. Unreadable frames become silence, so that everything after them
+// stays in place, and are counted. A failing disk is slow: the end of a gap is searched in growing
+// steps, then by bisection of the last step.
 class StretchReader {
  public:
   explicit StretchReader(OVAudioBufferInterface& buffer)
@@ -54,7 +54,7 @@ class StretchReader {
     return framesRead(frame_.data(), frame, 1) > 0;
   }
 
-  // The frame behind a gap that begins with `lost`, or `end` where the gap goes on beyond it.
+  // The frame after a gap that contains `lost`, or `end` if the gap extends to it.
   std::uint64_t endOfGap(std::uint64_t lost, std::uint64_t end) {
     std::uint64_t found = std::min(lost + step_, end - 1);
     while (!canBeRead(found)) {
@@ -97,7 +97,7 @@ bool writeAll(const OVSaveJob::Request& request, const OVSaveJob::Progress& prog
   return true;
 }
 
-// Whether a file is there; yes where that cannot be told.
+// Whether a file exists; true if unknown.
 bool mayExist(const std::string& path) {
   std::error_code error;
   return std::filesystem::exists(path, error) || error;
@@ -112,13 +112,13 @@ void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progres
   }
   const auto writer = OVAudioFileWriter::initWithFile(replacement->path(), request.outputFormat,
                                                       lastPathComponent(request.path));
-  // The writer has told what it could not do.
+  // The writer has reported its failure.
   outcome.told = !writer || !writeAll(request, progress, *writer, outcome.unreadableFrames) ||
                  !writer->close();
   if (outcome.told) {
     return;
   }
-  // A file with gaps is better than none, but not than one that is there.
+  // A file with gaps is better than none, but not better than an existing one.
   if (outcome.unreadableFrames > 0 && mayExist(request.path)) {
     return;
   }

@@ -7,8 +7,8 @@
 
 #include "storage/OVAudioBufferInterface.h"
 
-/// Writes a stretch of a buffer to an audio file: beside the target, to the disk, then in the
-/// target's place. A save that fails leaves the target as it was and nothing beside it.
+/// Writes a range of a buffer to an audio file: writes beside the target, syncs, then renames over
+/// the target. A failed save leaves the target unchanged and no file beside it.
 ///
 /// Threads: run() on any one thread; the buffer must not be edited meanwhile.
 /// Real-time: not safe.
@@ -23,11 +23,11 @@ class OVSaveJob {
   };
 
   struct Outcome {
-    bool complete = false;  ///< the target holds the whole stretch
+    bool complete = false;  ///< the target holds the whole range
     bool told = false;      ///< the failure has been shown already
     int error = 0;          ///< errno of a failure that has not been shown; 0 for none
-    /// Frames that storage did not give back: they are silent in a new file; one that was there is
-    /// not replaced by a file with gaps.
+    /// Frames that storage could not read. They are silent in a new file; an existing file is not
+    /// replaced by a file with gaps.
     std::uint64_t unreadableFrames = 0;
   };
 
@@ -37,6 +37,6 @@ class OVSaveJob {
   /// Frames read and written at a time: six seconds.
   static constexpr std::uint64_t kChunkFrames = platform::kFileChunkFrames;
 
-  /// Lets no exception out: without memory the save fails with ENOMEM.
+  /// Throws nothing: without memory the save fails with ENOMEM.
   [[nodiscard]] static Outcome run(const Request& request, const Progress& progress);
 };

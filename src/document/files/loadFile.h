@@ -18,7 +18,7 @@ struct LoadRequest {
   std::uint64_t atByteOffset = 0;
   /// Set by any thread: loading ends at the next chunk.
   std::shared_ptr<const std::atomic<bool>> cancelled;
-  /// The errno of a write that storage could not take since the last call, 0 for none.
+  /// The errno of a write that failed since the last call, 0 for none.
   std::function<int()> takeWriteError;
   /// After each chunk: the offset after it, and the chunk's share of the whole, which may exceed 1
   /// and is an estimate.
@@ -26,7 +26,7 @@ struct LoadRequest {
 };
 
 struct LoadOutcome {
-  std::uint64_t endOffset = 0;  ///< after the last byte that storage has taken
+  std::uint64_t endOffset = 0;  ///< after the last byte stored
   int writeError = 0;           ///< errno; 0 when everything that was read is stored
 };
 

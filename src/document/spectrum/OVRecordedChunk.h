@@ -7,9 +7,9 @@
 
 #include "platform/base/Mutex.h"
 
-/// A copy of the chunk of audio that was recorded last, for the spectrum, which takes it in
-/// quarters: a chunk lasts for about three of its ticks. Each chunk feeds four successive calls of
-/// nextQuarter(), and then again from its start until another one has come.
+/// A copy of the last recorded chunk for the spectrum, which reads it in quarters, since a chunk
+/// lasts for about three of its ticks. Each chunk feeds four successive calls of nextQuarter(),
+/// then repeats from its start until the next chunk.
 ///
 /// Threads: capture() is the buffer's writer's, nextQuarter() the main thread's, fft_data() any.
 /// Real-time: not safe.
@@ -29,7 +29,7 @@ class OVRecordedChunk {
  private:
   mutable platform::Mutex mutex_;
   std::vector<std::byte> fft_data_ GUARDED_BY(mutex_);
-  // Offset of the next quarter in fft_data_, always inside or 0.
+  // Offset of the next quarter, always inside fft_data_ or 0.
   std::size_t fft_data_p_ GUARDED_BY(mutex_) = 0;
   std::uint32_t fft_data_p_size_ GUARDED_BY(mutex_) = 0;
 

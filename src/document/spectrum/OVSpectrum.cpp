@@ -43,14 +43,14 @@ void OVSpectrum::toggle(std::function<void()> tick) {
     requestRedraw(transportBackView_);
   }
   if (fftButton_) {
-    fftButton_->setIsOn(isShown());  // the menu item turns it too
+    fftButton_->setIsOn(isShown());  // the menu item toggles it too
   }
   if (strip_) {
     strip_->setShown(isShown());
   }
 }
 
-// Made when it is first needed: most windows never show a spectrum.
+// Created on first use: most windows never show a spectrum.
 OVSpectrumAnalyser* OVSpectrum::analyser() {
   if (!analyser_) {
     analyser_ = OVSpectrumAnalyser::create();

@@ -45,7 +45,7 @@ class OVSpectrumAnalyser {
   /// The transform's input of the last analysis, 2n floats each.
   [[nodiscard]] std::span<const float> fft_inputReal() const { return fft_input_.real; }
   [[nodiscard]] std::span<const float> fft_inputImaginary() const { return fft_input_.imaginary; }
-  /// Its output: n bins, and as many zeros behind them.
+  /// Its output: n bins, followed by as many zeros.
   [[nodiscard]] std::span<const float> fft_outputReal() const { return fft_output_.real; }
   [[nodiscard]] std::span<const float> fft_outputImaginary() const { return fft_output_.imaginary; }
   /// Off after every analysis; nothing sets it.

@@ -14,7 +14,7 @@ namespace {
 
 using Build = std::function<std::shared_ptr<OVWaveformSummary>()>;
 
-/// The summary and a copy of it; none of both where the memory does not suffice.
+/// The summary and a copy of it; neither if memory runs out.
 std::pair<std::shared_ptr<OVWaveformSummary>, std::shared_ptr<OVWaveformSummary>> buildWithMemory(
     const Build& build) try {
   const auto summary = build();
@@ -69,7 +69,7 @@ void OVDocumentSummaries::keep() {
 }
 
 void OVDocumentSummaries::willExchange() {
-  abandonWork();  // first: from here on nothing begins
+  abandonWork();  // first: no generation begins from here on
   // What is under way reads on in the audio that comes, and what is being built never gets in.
   leavingIsStale_ = work_->isGenerating(*waveForm()) || waveformIsChanging_;
 }
@@ -143,7 +143,7 @@ void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFram
   }
   const double threshold = kStaticSummaryThreshold * buffer_->format().mSampleRate;
   if (static_cast<double>(size) > threshold && dynamic && position + chunkFrames < size) {
-    // One that is still being generated is waited for, and takes in what is recorded meanwhile.
+    // Wait for one still being generated; it also takes in audio recorded meanwhile.
     const bool unfinished = isRefreshing_ || kept_.inARefresh;
     replace({.build = [dynamic, work = work_,
                        epoch = work_->epoch()]() -> std::shared_ptr<OVWaveformSummary> {

@@ -15,19 +15,19 @@
 class OVAudioBufferInterface;
 class OVWaveformSummary;
 
-/// The waveform summaries of one document: the one that is shown, the one that an undo brings back,
-/// and the work in the background that keeps them true to the audio.
+/// The waveform summaries of one document: the one shown, the one kept for undo, and the background
+/// work that keeps them up to date with the audio.
 ///
-/// The kind follows the recording: growing while audio is appended, of fixed size while it goes
-/// over what is there. A summary of the other kind is built on the global queue and put in when it
-/// is ready, one at a time. What is recorded is added on a serial queue, so that two additions
-/// never overlap. After an edit the whole summary is generated on the global queue.
+/// The kind follows the recording: growing while appending, fixed-size while overwriting. A summary
+/// of the other kind is built on the global queue and installed when ready, one at a time. Recorded
+/// audio is added on a serial queue, so that two additions never overlap. After an edit the whole
+/// summary is generated on the global queue.
 ///
-/// Undo and redo exchange the two. One that comes back is made again if it was kept in the middle
-/// of a generation, if it was being generated or replaced when its audio went, or if it was kept
-/// with audio in it that came later.
+/// Undo and redo exchange the two. A restored summary is regenerated if it was kept during a
+/// generation, was being generated or replaced when its audio was exchanged, or holds audio that
+/// was recorded later.
 ///
-/// Threads: main, except where said. Real-time: not safe.
+/// Threads: main, unless stated otherwise. Real-time: not safe.
 class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummaries> {
  public:
   OVDocumentSummaries();
@@ -38,13 +38,13 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   /// The view that shows the summary, if there is one.
   void setView(const QPointer<OVWaveFormView>& view) { view_ = view; }
 
-  /// Starts over with a growing summary of this audio, nothing of which is summarised so far.
+  /// Starts over with an empty growing summary of this audio.
   void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer);
 
   /// The summary of the document's audio; null before setBuffer().
   /// Threads: any.
   [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const { return waveForm_.get(); }
-  /// What the next undo or redo brings back; null before the first undoable step.
+  /// The summary that the next undo or redo restores; null before the first undoable step.
   [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const { return kept_.summary; }
   /// A summary of the other kind is being built.
   [[nodiscard]] bool isChanging() const { return waveformIsChanging_; }
@@ -54,7 +54,7 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
 
   /// Puts the summary into the view.
   void putIntoView();
-  /// The same, and has it drawn anew.
+  /// As putIntoView(), and redraws.
   void show();
 
   // Edits ---------------------------------------------------------------------------------------
@@ -63,18 +63,18 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   void keep();
   /// Before an undo or redo changes the audio.
   void willExchange();
-  /// After it: exchanges the summary and the kept one, and shows it. True if it has to be
+  /// After it: exchanges the summary and the kept one, and shows it. True if it must be
   /// generated from scratch.
   [[nodiscard]] bool exchange();
-  /// The step that keep() was called for has failed: what was kept before it is kept again.
+  /// The step that keep() was called for has failed: restores the summary kept before it.
   void forgetKept() { kept_ = formerKept_; }
-  /// Audio is going to be loaded: what was begun is void.
+  /// Call before a load: discards the work begun so far.
   void abandonWork();
-  /// The document closes: what is under way ends soon, and nothing begins any more.
+  /// The document closes: running work ends soon, and none begins any more.
   void cancelWork() { work_->cancel(); }
   /// Brings the summary up to date in the background; with `regenerate` from scratch. `ended` is
-  /// called on the main thread when that has ended, also when there was no memory for it; not when
-  /// the audio has changed by then.
+  /// called on the main thread afterwards, also when memory ran out, but not if the audio has
+  /// changed meanwhile.
   void refresh(bool regenerate, std::function<void()> ended);
 
   // Recording -----------------------------------------------------------------------------------
@@ -83,14 +83,14 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   /// been written. `position`, in frames, is the end of the last chunk written, and `chunkFrames`
   /// the length of that chunk.
   void follow(std::uint64_t position, std::uint64_t chunkFrames);
-  /// Adds in the background what is not summarised so far, then has the view drawn anew.
+  /// Adds the audio not summarised yet in the background, then redraws the view.
   void extend();
   /// A chunk that was written up to the frame `position` goes into a summary of fixed size at once.
   /// Threads: the writer's.
   void chunkWritten(const float* chunk, std::uint32_t byteCount, std::uint64_t position);
 
  private:
-  /// What an undo or a redo brings back.
+  /// The summary that an undo or a redo restores.
   struct Kept {
     std::shared_ptr<OVWaveformSummary> summary;
     bool isStale = false;      // it does not describe the audio that comes with it
@@ -102,9 +102,9 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   struct Replacement {
     /// Runs in the background; yields null when an edit came first.
     std::function<std::shared_ptr<OVWaveformSummary>()> build;
-    /// Chunks may have been written behind its reading: it is generated once more when it is in.
+    /// Chunks may be written where it has already read: it is generated once more after install().
     bool mayMissChunks = false;
-    /// It may hold some of what is being recorded, which its copy must not show after an undo.
+    /// It may hold audio being recorded, which its copy must not show after an undo.
     bool holdsNewAudio = false;
   };
 
@@ -126,7 +126,7 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   std::shared_ptr<OVAudioBufferInterface> buffer_;
   Kept kept_;
   Kept formerKept_;              // before the last step
-  bool leavingIsStale_ = false;  // the summary that is going to be exchanged for the kept one is
+  bool leavingIsStale_ = false;  // the summary about to be exchanged for the kept one is stale
   bool isRefreshing_ = false;
   bool waveformIsChanging_ = false;
   // One extension in line is enough, for each summary and epoch. The flag is set on the main thread

@@ -8,28 +8,27 @@
 
 class OVWaveformSummary;
 
-/// Keeps the generations that a document has in the background apart from its edits.
+/// Separates a document's background summary generations from its edits.
 ///
-/// An epoch ends with every change of the audio. A generation that was asked for in an epoch and
-/// has not begun when it ends never begins: it would read other audio than it was meant for. One
-/// that is under way then goes on, and what it yields is a mixture: who keeps the summary has to
-/// ask for that when the epoch has begun and the audio has not changed yet.
+/// Every change of the audio begins a new epoch. A generation requested in an earlier epoch and not
+/// yet begun never begins, since it would read the wrong audio. A running generation continues and
+/// may mix old and new audio; call isGenerating() after beginEpoch() and before changing the audio.
 ///
-/// Threads: any, except where said. Real-time: not safe.
+/// Threads: any, unless stated otherwise. Real-time: not safe.
 class OVSummaryWork {
  public:
   [[nodiscard]] std::uint64_t epoch() const;
   /// Threads: main.
   void beginEpoch();
 
-  /// For good: nothing begins any more, and what is under way ends with the batch that it is at.
+  /// Permanent: no generation begins any more, and a running one ends after its current batch.
   void cancel();
-  /// Set by cancel(); for generations that this does not run.
+  /// Set by cancel(); for generations run elsewhere.
   [[nodiscard]] const std::atomic<bool>& cancelled() const { return cancelled_; }
 
-  /// Runs the summary's generate() unless `epoch` is over. True if it was not over at the end
-  /// either: the summary is one of the present audio. False also when there was no memory for it;
-  /// the summary then asks to be made again.
+  /// Runs the summary's generate() unless `epoch` is over. True if `epoch` is
+  /// still current at the end: the summary describes the present audio. False also when memory ran
+  /// out; the summary then requests regeneration.
   [[nodiscard]] bool generate(OVWaveformSummary& summary, std::uint64_t epoch);
 
   /// A generation of this summary is under way, whatever its epoch.

@@ -93,7 +93,7 @@ void OVTransport::record() {
   if (const auto former = recorder(); !former || former->failure() != platform::kAudioStatusOk) {
     replaceRecorder();
   }
-  if (const auto input = recorder()) {  // otherwise nothing has changed, and the user has been told
+  if (const auto input = recorder()) {  // otherwise nothing has changed, and the user was alerted
     bringRecordingPositionInside();
     parts_.history.beginStep(platform::textKey("Record"));
     recordingRevision_ = parts_.history.revision();
@@ -121,7 +121,7 @@ void OVTransport::play() {
       player_->setDelegate(delegate_);
     }
   }
-  if (player_) {  // otherwise there is no output device, and the user has been told
+  if (player_) {  // otherwise there is no output device, and the user was alerted
     player_->play();
   }
   changed();
@@ -234,7 +234,7 @@ void OVTransport::close() {
 std::shared_ptr<OVAQRecorder> OVTransport::makeRecorder() {
   const auto buffer = parts_.audio.buffer();
   if (!buffer) {
-    return nullptr;  // the temporary file could not be made; the user has been told
+    return nullptr;  // no temporary file; the user was alerted
   }
   const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a command
   auto recorder = OVAQRecorder::initWithBuffer(buffer);
@@ -325,7 +325,7 @@ void OVTransport::writingFailed(const OVWriteFailures::Failure& failure) {
 }
 
 // A lost chunk at the end of the recording goes, so that it plays to its end. One in the middle
-// stays: undo brings back what stood there.
+// stays: undo restores the audio before it.
 void OVTransport::dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize) {
   const std::uint64_t frameSize = parts_.audio.bytesPerFrame();
   const std::uint64_t lost = atByteOffset / frameSize;

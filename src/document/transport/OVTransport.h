@@ -19,16 +19,16 @@ class OVEditHistory;
 class OVFileOperation;
 class OVFramePositions;
 
-/// What the transport is doing. Paused and stopped differ in the positions alone.
+/// State of the transport. Paused and stopped differ only in the positions.
 enum class OVTransportState { resting, recording, playing };
 
 /// Starts and ends recording and playing, and moves the two positions. Owns the recorder, whose
-/// input is live from the start, and the player, which is there only while it plays. Knows no view.
+/// input is live from the start, and the player, which exists only during playback. Uses no view.
 ///
-/// Threads: main, except where said. Real-time: not safe.
+/// Threads: main, unless stated otherwise. Real-time: not safe.
 class OVTransport {
  public:
-  /// The parts of the document that it works on; they outlive it.
+  /// The parts of the document that it uses; they outlive it.
   struct Parts {
     const OVDocumentLife& life;
     OVDocumentAudio& audio;
@@ -43,8 +43,8 @@ class OVTransport {
   OVTransport(const OVTransport&) = delete;
   OVTransport& operator=(const OVTransport&) = delete;
 
-  /// Who hears of the playback's advance and end, and what is called when recording or playing has
-  /// begun or ended.
+  /// The delegate is notified of the playback's advance and end, the handler when recording or
+  /// playing has begun or ended.
   void setDelegate(std::weak_ptr<OVAQPlayerDelegate> delegate) { delegate_ = std::move(delegate); }
   void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
   /// Called when audio was cut because it could not be written.
@@ -59,45 +59,46 @@ class OVTransport {
   /// The running recording has written something.
   [[nodiscard]] bool hasRecorded() const { return writtenSincePress_; }
 
-  /// Level of each channel of what plays or, first, of what is recorded; none at rest.
+  /// Level of each channel of playback or recording, `first` preferred; none at rest.
   [[nodiscard]] std::optional<std::vector<float>> powerLevels(OVTransportState first) const;
 
   // Commands ------------------------------------------------------------------------------------
 
-  /// Nothing while a file operation runs or where there is no input device, which is told.
+  /// Does nothing while a file operation runs or without an input device; the latter is alerted.
   void record();
-  /// Nothing while a file operation runs or where there is no output device, which is told.
+  /// Does nothing while a file operation runs or without an output device; the latter is alerted.
   void play();
-  /// The way out of recording and playing. The recorder is replaced: none is used again after a
+  /// Ends recording and playing. The recorder is replaced, since a recorder is not reused after a
   /// pause.
   void pause();
   void pauseIfRunning();
-  /// As pause(), then the marker at the start and the recording position at the end.
+  /// As pause(), then moves the marker to the start and the recording position to the end.
   void stop();
-  /// These move the positions of what runs, too.
+  /// These also move the positions of a running recording or playback.
   void toStart();
   void toEnd();
   void moveTo(std::uint64_t frames);
 
-  /// Sets the recording position where a cut or a load leaves it; the marker is set apart.
+  /// Sets the recording position after a cut or a load; the marker is set separately.
   void setRecordingPosition(std::uint64_t frames);
-  /// Sets the marker and what the player reads next.
+  /// Sets the marker and the player's reading position.
   void setPlaybackPosition(std::uint64_t frames);
-  /// An undo may have left it past the end: a recording or an import there would leave a hole.
+  /// Limits the recording position to the audio's length. An undo may leave it past the end, where
+  /// a recording or an import would leave a gap.
   void bringRecordingPositionInside();
 
   // Set-up and tear-down ------------------------------------------------------------------------
 
-  /// Makes the recorder of a new buffer.
+  /// Creates the recorder for a new buffer.
   void bufferChanged();
-  /// Before the buffer is exchanged.
+  /// Call before the buffer is replaced.
   void prepareForNewBuffer();
-  /// The window has closed: nothing is reported any more.
+  /// Call when the window closes: nothing is reported afterwards.
   void close();
 
   // Reports -------------------------------------------------------------------------------------
 
-  /// The player's end, or null for one that nobody tells apart.
+  /// `player` has ended; null if unknown.
   void playbackEnded(const OVAQPlayer* player);
   /// The recorder while it records, otherwise null.
   /// Threads: any.
@@ -129,15 +130,15 @@ class OVTransport {
   std::function<void()> changed_;
   std::function<void()> cut_;
   std::shared_ptr<OVAQPlayer> player_;
-  std::uint64_t recordingRevision_ = 0;  // of the history, with the last recording's step begun
+  std::uint64_t recordingRevision_ = 0;  // of the history once the last recording's step has begun
 
   // Replaced on the main thread; any thread reads it.
   platform::GuardedPointer<std::shared_ptr<OVAQRecorder>> recorder_;
 
-  // The writer's thread sets it, the main thread reads and clears it: it stands for itself.
+  // Set by the writer's thread, read and cleared on main; orders no other data.
   std::atomic<bool> writtenSincePress_ = false;
-  // errno of the last read that failed since Play was pressed; any reader's thread writes.
+  // errno of the last failed read since Play was pressed; written by any reader's thread.
   std::atomic<int> readError_ = 0;
 
-  const std::shared_ptr<OVWriteFailures> writeFailures_;  // guards itself; a load shares it
+  const std::shared_ptr<OVWriteFailures> writeFailures_;  // thread-safe; shared with a load
 };

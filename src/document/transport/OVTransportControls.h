@@ -14,8 +14,8 @@ class OVRecorderWindow;
 class OVTransportButton;
 class QWidget;
 
-/// The six transport buttons of a window, any of which may be missing, and the waveform view as far
-/// as it is operated: they show what the transport does.
+/// The six transport buttons of a window, any of which may be missing, and the enabled state of the
+/// waveform view. They show the state of the transport.
 ///
 ///              recButton     playButton     the others, waveform
 ///   resting    enabled, off  enabled, off   enabled
@@ -29,8 +29,8 @@ class OVTransportControls {
   enum Button : std::uint8_t { rec, play, prev, next, stop, pause };
   static constexpr std::size_t kButtonCount = 6;
 
-  /// Finds the buttons and the waveform by their names in the window and gives them their pictures.
-  /// `action` is called with the button that was pressed, while `target` is there.
+  /// Finds the buttons and the waveform by their names in the window and sets the buttons' icons.
+  /// `action` is called with the pressed button as long as `target` exists.
   void connect(OVRecorderWindow* window, const std::weak_ptr<void>& target,
                std::function<void(Button, OVTransportButton*)> action);
 
@@ -42,11 +42,10 @@ class OVTransportControls {
   [[nodiscard]] bool isOn(Button button) const;
   void setOn(Button button, bool on);
 
-  /// Shows the button pressed, a switch in its other state; release() ends that. The command is the
-  /// caller's.
+  /// Shows the button as pressed, a toggle in its other state, until release(). Runs no command.
   void press(Button button);
   void release(Button button);
-  /// The press comes to nothing: the button shows what it stands for again.
+  /// Cancels the press: the button shows the transport's state again.
   void cancelPress(Button button);
   [[nodiscard]] bool isPressed(Button button) const;
 
@@ -60,5 +59,5 @@ class OVTransportControls {
   std::array<QPointer<OVTransportButton>, kButtonCount> buttons_;
   QPointer<QWidget> waveform_;
   OVTransportState state_ = OVTransportState::resting;
-  OVFocusKeeper focusKeeper_;  // for the controls that a file operation disables
+  OVFocusKeeper focusKeeper_;  // for controls disabled by a file operation
 };

@@ -7,17 +7,17 @@
 
 class OVAQRecorder;
 
-/// Writes that the temporary file of a document did not take: from the thread that writes to the
-/// one alert that tells of it.
+/// Failed writes to a document's temporary file, carried from the writer's thread to a single
+/// alert.
 ///
-/// The buffer tells of a failed write and, when the chunk has been mapped all the same, of the
-/// chunk. The first failure of a recording is reported then, since only then it is known what is
-/// lost; further ones are not. A load asks for its failures by itself.
+/// The buffer reports a failed write first and then, if the chunk was mapped nevertheless, the
+/// chunk. The first failure of a recording is reported at that point, when the lost range is known;
+/// later ones are not. A load polls for its failures.
 ///
-/// Threads: as said with each operation. Real-time: not safe.
+/// Threads: stated with each operation. Real-time: not safe.
 class OVWriteFailures {
  public:
-  /// A recording's first failed write. The range is where it would have gone.
+  /// A recording's first failed write, and the byte range that it was meant for.
   struct Failure {
     int error = 0;  ///< errno
     std::weak_ptr<OVAQRecorder> recorder;
@@ -28,30 +28,30 @@ class OVWriteFailures {
   /// `recordingFailed` is called on the writer's thread, at most once per recording.
   explicit OVWriteFailures(std::function<void(const Failure&)> recordingFailed);
 
-  /// Forget what was before. Threads: main.
+  /// The first two discard earlier failures. Threads: main.
   void recordingBegins();
   void loadingBegins();
   void loadingEnded();
 
-  /// The buffer's two calls, with the document's recorder of that moment, which may be null.
+  /// Called by the buffer, with the document's current recorder, which may be null.
   /// Threads: the writer's.
   void failedToWrite(int error, const std::shared_ptr<OVAQRecorder>& recorder);
   void chunkWritten(const std::shared_ptr<OVAQRecorder>& recorder, std::uint64_t atByteOffset,
                     std::uint32_t withSize);
 
-  /// The errno of a write that failed since the last call, 0 for none.
+  /// The errno of a write that failed since the last call, 0 for none; clears it.
   /// Threads: the loading job's.
   [[nodiscard]] int takeLoadingError() { return writeError_.exchange(0); }
 
-  /// Tells the user that the recording has ended because of it.
+  /// Alerts the user that the recording has ended because of this errno.
   /// Threads: main.
   static void tellRecordingStopped(int error);
 
  private:
   const std::function<void(const Failure&)> recordingFailed_;
 
-  // Set and taken by the writer's thread, cleared by the main thread before a recording or a load
-  // begins: each stands for itself, so relaxed order would do.
+  // Set and read by the writer's thread, cleared on main before a recording or a load begins. They
+  // order no other data, so relaxed order would suffice.
   std::atomic<int> writeError_ = 0;             // errno of the write being reported
   std::atomic<bool> isLoading_ = false;         // the loading job writes into the buffer
   std::atomic<bool> writeFailureTold_ = false;  // once per recording

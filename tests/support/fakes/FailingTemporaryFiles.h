@@ -17,7 +17,7 @@
 
 namespace support {
 
-/// Temporary files in memory that fail as a test tells them: cannot be created, fill up, take a
+/// Temporary files in memory that fail as a test scripts them: cannot be created, fill up, take a
 /// write in part, fail or shorten reads, keep their size, or take their time. Everything is healthy
 /// at first.
 ///
@@ -84,7 +84,7 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     return create(pathTemplate);
   }
 
-  /// The name stands nowhere.
+  /// There is no file of this name on disk.
   [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
     return create(pathTemplate);
   }

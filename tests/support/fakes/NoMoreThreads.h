@@ -8,7 +8,7 @@ namespace support {
 
 /// While one lives, no thread can be made in this process: the system is asked for a stack that no
 /// memory holds. Threads that run stay. Only where the system lets a program choose the usual size
-/// of stacks; isInForce() tells.
+/// of stacks; see isInForce().
 ///
 /// Threads: one, and no other may be making threads meanwhile.
 class NoMoreThreads {

@@ -26,7 +26,7 @@ class SparseTemporaryFiles : public platform::TemporaryFiles {
     return platform::TemporaryFile{.file = std::make_unique<SparseFile>(), .path = pathTemplate};
   }
 
-  /// The name stands nowhere.
+  /// There is no file of this name on disk.
   [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
     return createUnlinked(pathTemplate);
   }

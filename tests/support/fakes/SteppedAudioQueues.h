@@ -149,7 +149,7 @@ class SteppedInputQueue : public SteppedQueue<platform::AudioInputQueue> {
   }
   std::uint64_t lostFrames() const override { return 0; }
 
-  /// Fills the first enqueued buffer and hands it to the callback; false when none is enqueued.
+  /// Fills the first enqueued buffer and passes it to the callback; false when none is enqueued.
   bool deliver(const std::vector<float>& samples, std::uint64_t endFrame) {
     if (enqueued.empty()) {
       return false;
@@ -187,7 +187,7 @@ class SteppedOutputQueue : public SteppedQueue<platform::AudioOutputQueue> {
   AudioStatus failure() const override { return script_->failure; }
   std::uint64_t underrunFrames() const override { return 0; }
 
-  /// Plays the first enqueued buffer: returns its samples and hands it to the callback.
+  /// Plays the first enqueued buffer: returns its samples and passes it to the callback.
   std::vector<float> playOne() {
     if (enqueued.empty()) {
       return {};

@@ -19,8 +19,8 @@
 
 namespace support {
 
-/// Audio files in memory that fail as a test tells them. Pages of zeros take no room, so that hours
-/// of silence can be written. Everything is healthy at first. Put in with
+/// Audio files in memory that fail as a test scripts them. Pages of zeros take no room, so that
+/// hours of silence can be written. Everything is healthy at first. Put in with
 /// platform::Installed; must outlive the files.
 ///
 /// Threads: any, also while files are in use.

@@ -11,7 +11,7 @@
 /// Threads: any one at a time.
 namespace support {
 
-/// Runs ffmpeg with these arguments behind "-v error -nostdin -y". Empty when it succeeded, else
+/// Runs ffmpeg with these arguments after "-v error -nostdin -y". Empty when it succeeded, else
 /// what it said.
 [[nodiscard]] std::string ffmpeg(const std::vector<std::string>& arguments);
 

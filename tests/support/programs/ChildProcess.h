@@ -16,8 +16,8 @@ namespace support {
 /// Names and values of environment variables.
 using Environment = std::map<std::string, std::string>;
 
-/// What a program under test gets of this process's environment: PATH, TMPDIR, a UTF-8 locale, the
-/// options of the checkers and nothing else: no screen, no sound server, no message bus.
+/// The part of this process's environment that a program under test gets: PATH, TMPDIR, a UTF-8
+/// locale, the sanitizers' options and nothing else: no screen, no sound server, no message bus.
 [[nodiscard]] Environment cleanEnvironment();
 
 /// `base` with the variables of `additions` added or replaced.

@@ -11,8 +11,8 @@ namespace support {
 
 /// A sound server for one test, apart from the user's own: no hardware, two null sinks. What is
 /// played into the one named "feed" is what the default source, its monitor, captures; the other
-/// one, named "heard", is the default sink, and its monitor tells what a person would hear. Samples
-/// pass unchanged: 44100 Hz, stereo, 32-bit float, no volume, no resampling.
+/// one, named "heard", is the default sink, and its monitor captures what a user would hear.
+/// Samples pass unchanged: 44100 Hz, stereo, 32-bit float, no volume, no resampling.
 ///
 /// The kind is that which the machine has: PulseAudio, or else PipeWire with its PulseAudio
 /// interface. Both are reached through the same socket by the same clients.
@@ -53,7 +53,7 @@ class PrivateSoundServer {
   /// goes on until the process is ended. Null when none arrive.
   [[nodiscard]] std::unique_ptr<ChildProcess> captureHeard(const std::string& rawPath) const;
 
-  /// A stream of a client, as the server tells of it.
+  /// A stream of a client, as the server reports it.
   struct Stream {
     pid_t pid = 0;
     bool corked = false;  ///< made but not running

@@ -35,7 +35,7 @@ std::unique_ptr<VirtualScreen> VirtualScreen::start(std::string& error) {
     return nullptr;
   }
   // It announces itself before it serves windows, and one shown between is never managed. Only an
-  // answered request tells that it serves.
+  // answered request shows that it serves.
   const auto serves = [&] {
     return screen->run({"xdotool", "set_num_desktops", "1"}).status.succeeded() &&
            screen->run({"xdotool", "get_num_desktops"}).output == "1\n";
