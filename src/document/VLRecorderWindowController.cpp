@@ -159,17 +159,9 @@ void VLRecorderWindowController::press(Button button, OVTransportButton* sender)
   (this->*kActions[button])(sender);
 }
 
-void VLRecorderWindowController::recButton(OVTransportButton* sender) {
+void VLRecorderWindowController::turn(OVTransportButton* sender, void (OVTransport::*begin)()) {
   if (sender != nullptr && sender->isOn()) {
-    parts_.transport.record();
-  } else {
-    pauseButton(sender);
-  }
-}
-
-void VLRecorderWindowController::playButton(OVTransportButton* sender) {
-  if (sender != nullptr && sender->isOn()) {
-    parts_.transport.play();
+    (parts_.transport.*begin)();
   } else {
     pauseButton(sender);
   }
@@ -324,14 +316,9 @@ void VLRecorderWindowController::recreateIndicator(bool indeterminate, platform:
   parts_.progress.recreate(indeterminate, activity);
 }
 
-void VLRecorderWindowController::waveFormViewReceivedClick(OVWaveFormView*, QPointF,
+void VLRecorderWindowController::waveFormViewReceivedClick(OVWaveFormView* view, QPointF atPosition,
                                                            double timeLinePosition) {
-  moveToTimeLinePosition(timeLinePosition);
-}
-
-void VLRecorderWindowController::waveFormViewReceivedDrag(OVWaveFormView*, QPointF,
-                                                          double timeLinePosition) {
-  moveToTimeLinePosition(timeLinePosition);
+  waveFormViewReceivedDrag(view, atPosition, timeLinePosition);
 }
 
 double VLRecorderWindowController::waveFormViewTimeLinePosition(OVWaveFormView*) {
@@ -339,11 +326,12 @@ double VLRecorderWindowController::waveFormViewTimeLinePosition(OVWaveFormView*)
   return parts_.audio.fractionOfFrames(recording ? recordingPosition() : playbackPosition());
 }
 
-void VLRecorderWindowController::moveToTimeLinePosition(double fraction) {
+void VLRecorderWindowController::waveFormViewReceivedDrag(OVWaveFormView*, QPointF,
+                                                          double timeLinePosition) {
   if (!buffer()) {
     return;
   }
-  const double clamped = std::clamp(fraction, 0.0, 1.0);
+  const double clamped = std::clamp(timeLinePosition, 0.0, 1.0);
   const auto size = static_cast<double>(parts_.audio.sizeInFrames());
   parts_.transport.moveTo(static_cast<std::uint64_t>(size * clamped));
   parts_.markerAndTime.setLevel(waveForm()->powerAtPosition(clamped));

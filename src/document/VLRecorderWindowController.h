@@ -61,8 +61,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   /// Actions of the six buttons. recButton and playButton read the new state from the sender; null
   /// counts as off.
-  void recButton(OVTransportButton* sender);
-  void playButton(OVTransportButton* sender);
+  void recButton(OVTransportButton* sender) { turn(sender, &OVTransport::record); }
+  void playButton(OVTransportButton* sender) { turn(sender, &OVTransport::play); }
   void pauseButton(OVTransportButton*) { parts_.transport.pause(); }
   void stopButton(OVTransportButton*) { move(&OVTransport::stop); }
   void prevButton(OVTransportButton*) { move(&OVTransport::toStart); }
@@ -229,13 +229,13 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   void connectViews();
   void press(Button button, OVTransportButton* sender);
+  void turn(OVTransportButton* sender, void (OVTransport::*begin)());
   void menuCommand(Button button);
   void move(void (OVTransport::*command)());
   void exchangeHistory(bool (OVEditHistory::*operation)());
   void transportChanged();
   void operationChanged();
   void showTransport();
-  void moveToTimeLinePosition(double fraction);
   void cut(void (OVAudioBufferInterface::*cutoff)(std::uint64_t), platform::TextKey actionName);
   void runHistoryCommand(void (platform::UndoManager::*command)());
 
