@@ -21,8 +21,6 @@ using platform::textKey;
 
 namespace {
 
-constexpr const char* kWindowInterface = "VNRecorderWindow";
-
 // An audio thread may drop the last reference. The controller owns timers and objects tied to
 // views, so it is always destroyed on the main thread.
 void deleteOnMainThread(VLRecorderWindowController* controller) {
@@ -58,7 +56,7 @@ std::shared_ptr<VLRecorderWindowController> VLRecorderWindowController::initWith
 
 std::shared_ptr<VLRecorderWindowController> VLRecorderWindowController::initWithWindowNibName(
     const std::string& name) {
-  if (name != kWindowInterface) {
+  if (name != "VNRecorderWindow") {
     return nullptr;
   }
   auto* window = new OVRecorderWindow;  // deletes itself when it has closed
@@ -424,10 +422,6 @@ void VLRecorderWindowController::setLastPlaybackPosition(std::uint64_t frames) {
 
 QProgressBar* VLRecorderWindowController::loadingIndicator() const {
   return parts_.progress.loadingIndicator();
-}
-
-bool VLRecorderWindowController::isImport() const {
-  return parts_.operation.state() == OVFileOperation::State::importing;
 }
 
 bool VLRecorderWindowController::shouldCloseAfterSave() const {

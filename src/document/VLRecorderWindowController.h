@@ -100,7 +100,6 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   /// The display timer's tick, 25 a second.
   void updatePlaybackMarkerView() { parts_.displayLoop.tick(); }
-  /// From windowDidLoad() to windowWillClose().
   [[nodiscard]] bool isDisplayTimerRunning() const { return parts_.displayLoop.isRunning(); }
   /// Rebuilds the displays after an edit; with `regenerate` the summary starts from scratch.
   void refreshCompleteUI(bool regenerate) { parts_.displayLoop.refresh(regenerate); }
@@ -175,7 +174,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void alertDidEnd(int returnCode) { parts_.unsavedChanges.answer(returnCode); }
 
   [[nodiscard]] bool isFileIOActive() const { return parts_.operation.isActive(); }
-  [[nodiscard]] bool isImport() const;
+  [[nodiscard]] bool isImport() const { return parts_.operation.isImport(); }
   /// A save or export is running.
   [[nodiscard]] bool isSaving() const { return parts_.operation.isWriting(); }
   [[nodiscard]] bool shouldCloseAfterSave() const;

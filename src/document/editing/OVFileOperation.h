@@ -24,6 +24,7 @@ class OVFileOperation {
   [[nodiscard]] bool isLoading() const {
     return state_ == State::opening || state_ == State::importing;
   }
+  [[nodiscard]] bool isImport() const { return state_ == State::importing; }
   /// The document is being written to a file.
   [[nodiscard]] bool isWriting() const {
     return state_ == State::saving || state_ == State::exporting;
