@@ -109,6 +109,18 @@ TEST_F(DisplayTest, KeysOfTheWaveformMoveTheMarker) {
   EXPECT_EQ(document_->playbackPosition(), 0U);
 }
 
+TEST_F(DisplayTest, KeysOfTheWaveformMoveARecordingFromWhereItIs) {
+  openWindow();
+  recordChunks(4);
+  pressRecord();
+  ASSERT_TRUE(capture(0.5F));
+  const std::uint64_t end = length();
+  ASSERT_EQ(document_->recordingPosition(), end);
+  QTest::keyClick(waveformView(), Qt::Key_PageDown);
+  EXPECT_NEAR(static_cast<double>(document_->recordingPosition()), 0.9 * static_cast<double>(end),
+              2.0);
+}
+
 TEST_F(DisplayTest, FastKeysOfTheWaveformMoveTheMarkerAsFarAsSlowOnes) {
   openWindow();
   recordChunks(4);

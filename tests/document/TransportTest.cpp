@@ -528,3 +528,33 @@ TEST_F(TransportTest, AReadThatFailsElsewhereDoesNotEndAPlaybackThatGoesOn) {
   EXPECT_TRUE(playing());
   EXPECT_EQ(alertCount(), 0u);
 }
+
+TEST_F(TransportTest, RecordPressedBeforeTheReportThatPlaybackEndedGoesOnRecording) {
+  openWindow();
+  recordChunks(4);
+  document_->prevButton(nullptr);
+  pressPlay();
+  const auto place = document_->playbackPosition();
+  queues_.output().changeRunning(0);  // its report waits in the main queue
+  pressRecord();
+  drainMainQueue();
+  ASSERT_TRUE(document_->recorder()->isRecording());
+  EXPECT_EQ(document_->player(), nullptr);
+  ASSERT_TRUE(capture(0.5F));
+  document_->pauseButton(nullptr);
+  EXPECT_EQ(document_->recordingPosition(), place + kChunkFrames);
+}
+
+TEST_F(TransportTest, AnEndedPlaybackWhoseReportWaitsIsPausedWhereItEnded) {
+  openWindow();
+  recordChunks(4);
+  document_->prevButton(nullptr);
+  pressPlay();
+  const auto place = document_->playbackPosition();
+  queues_.output().changeRunning(0);
+  document_->pauseButton(nullptr);
+  drainMainQueue();
+  EXPECT_EQ(document_->playbackPosition(), place);
+  EXPECT_EQ(document_->recordingPosition(), place);
+  EXPECT_EQ(document_->recorder()->writingPosition(), place * kFrameBytes);
+}

@@ -86,7 +86,7 @@ bool isPosixHeader(const std::string& name) {
 /// one unit hides from the rest.
 bool mayIncludePosix(const std::string& path, const std::string& header) {
   static const std::map<std::string, std::set<std::string>> exceptions{
-      {"platform/base", {"dlfcn.h"}},       // libraries that are loaded late
+      {"platform/base", {"dlfcn.h"}},  // libraries that are loaded late
       // the wake-up that the device's thread posts
       {"platform/sound", {"linux/futex.h", "linux/time_types.h", "sys/syscall.h", "unistd.h"}},
       {"platform/desktop", {"fcntl.h", "sys/stat.h", "unistd.h"}},  // the list of recent files
