@@ -1,5 +1,6 @@
 // Reports of sound and disk that arrive when the document has gone on.
 #include <atomic>
+#include <memory>
 #include <thread>
 #include <utility>
 
@@ -71,9 +72,9 @@ TEST_F(PlayersCallbackTest, PauseTakesThePlaceThatThePlayerHadReachedWhenItStood
   recordChunks(4);
   pressPlay();
   queues_.output().changeRunning(1);
-  bool came = false;  // the recorder's queue, which is stopped too, has no part in this
-  queues_->during("stopImmediately", [&] {
-    if (!std::exchange(came, true)) {
+  // The recorder's queue, which is stopped too, has no part in this. The hook outlives the test.
+  queues_->during("stopImmediately", [this, came = std::make_shared<bool>(false)] {
+    if (!std::exchange(*came, true)) {
       queues_.output().playOne();
     }
   });
