@@ -54,6 +54,7 @@ class EveryStateTest : public testing::TestWithParam<std::tuple<State, Command>>
     if (window_) {
       window_->performClose();
     }
+    document_->windowWillClose(nullptr);  // also where a save that is waited for keeps it open
     document_.reset();
     StateKeeper::settle();
     delete window_.data();
