@@ -11,6 +11,7 @@
 #include <QMimeData>
 
 #include "controls/OVRecorderWindowDelegate.h"
+#include "controls/buttons/OVTrackingButton.h"
 #include "platform/desktop/FileUri.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/views/KeyCodes.h"
@@ -143,6 +144,9 @@ bool OVRecorderWindow::event(QEvent* event) {
   if (event->type() == QEvent::WindowDeactivate) {
     while (!keysDown_.empty()) {
       cancelKey(*keysDown_.begin());  // whatever comes up now comes up elsewhere
+    }
+    for (OVTrackingButton* const button : findChildren<OVTrackingButton*>()) {
+      button->cancelPress();  // the mouse too
     }
   }
   return QMainWindow::event(event);

@@ -17,7 +17,8 @@ class OVRecorderWindowDelegate;
 /// Shortcuts of menus come first: a key that triggers one never reaches the delegate as key-down.
 /// A transport key reaches it as key-up only after its key-down: where the press was a command's, a
 /// menu's or another window's, its repetitions and its release are passed on as unmapped. A key
-/// that is down when the window loses the keyboard is cancelled instead. The views inside take the
+/// that is down when the window loses the keyboard is cancelled instead, and so is a button that
+/// the mouse holds. The views inside take the
 /// keyboard by Tab alone and pass plain keys on, so that R, Return and Space are always the
 /// window's.
 ///

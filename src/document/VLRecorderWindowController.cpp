@@ -177,7 +177,7 @@ void VLRecorderWindowController::menuCommand(Button button) {
     return;
   }
   if (button == Button::rec || button == Button::play) {
-    parts_.controls.setOn(button, !parts_.controls.isOn(button));
+    parts_.controls.setOn(button, parts_.transport.state() == OVTransportState::resting);
   }
   press(button, parts_.controls.view(button));
 }

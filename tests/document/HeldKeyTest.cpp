@@ -2,51 +2,10 @@
 #include <array>
 #include <utility>
 
-#include <QKeyEvent>
-
-#include "document/FileFixture.h"
+#include "document/HeldPressFixture.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
-class HeldKeyTest : public DocumentFileFixture {
- protected:
-  static constexpr auto kSwitches = std::to_array<std::pair<Qt::Key, const char*>>(
-      {{Qt::Key_R, "recButton"}, {Qt::Key_Space, "playButton"}});
-
-  void press(Qt::Key key, bool autoRepeat = false) { send(QEvent::KeyPress, key, autoRepeat); }
-  void release(Qt::Key key) { send(QEvent::KeyRelease, key, false); }
-  void strike(Qt::Key key) {
-    press(key);
-    release(key);
-  }
-
-  /// As when an alert or another window comes up.
-  void loseTheKeyboard() {
-    QEvent deactivate(QEvent::WindowDeactivate);
-    QCoreApplication::sendEvent(document_->window(), &deactivate);
-  }
-
-  void click(const char* name) { QTest::mouseClick(button(name), Qt::LeftButton); }
-
-  bool recording() { return document_->recorder() && document_->recorder()->isRecording(); }
-  bool playing() { return document_->player() && document_->player()->isPlaying(); }
-
-  void expectShown(const char* name, bool on, bool highlighted) {
-    EXPECT_EQ(button(name)->isOn(), on) << name;
-    EXPECT_EQ(button(name)->isHighlighted(), highlighted) << name;
-  }
-
-  /// Until the main loop runs, the transport is disabled.
-  void beginToSave() {
-    document_->saveFileNamed(at("take.wav"), 0);
-    ASSERT_FALSE(transportEnabled());
-  }
-
- private:
-  void send(QEvent::Type type, Qt::Key key, bool autoRepeat) {
-    QKeyEvent event(type, key, Qt::NoModifier, QString(), autoRepeat);
-    QCoreApplication::sendEvent(document_->window(), &event);
-  }
-};
+using HeldKeyTest = HeldPressFixture;
 
 // The window loses the keyboard -------------------------------------------------------------------
 
@@ -158,14 +117,59 @@ TEST_F(HeldKeyTest, TwoHeldKeysAreBothCancelled) {
 TEST_F(HeldKeyTest, AButtonThatTheMouseHoldsIsNotTheCancelledKeys) {
   openWindow();
   recordChunks(1);
-  QTest::mousePress(button("recButton"), Qt::LeftButton);
-  press(Qt::Key_Space);
-  press(Qt::Key_R);  // is pressed already, so this changes nothing
-  loseTheKeyboard();
+  holdMouse("recButton");
+  press(Qt::Key_R);                       // is pressed already, so this changes nothing
+  press(Qt::Key_R, Qt::ControlModifier);  // is a command's now
   expectShown("recButton", true, true);
-  expectShown("playButton", false, false);
-  QTest::mouseRelease(button("recButton"), Qt::LeftButton);
+  releaseMouse("recButton");
   EXPECT_TRUE(recording());
+}
+
+TEST_F(HeldKeyTest, AStrokeOnAButtonThatTheMouseHoldsDoesNothing) {
+  openWindow();
+  holdMouse("recButton");
+  strike(Qt::Key_R);
+  EXPECT_FALSE(recording());
+  expectShown("recButton", true, true);
+  releaseMouse("recButton");
+  EXPECT_TRUE(recording());
+}
+
+TEST_F(HeldKeyTest, AKeyWhosePressWasTakenAwayDoesNotReleaseTheMouse) {
+  openWindow();
+  recordChunks(2);
+  press(Qt::Key_Space);
+  strike(Qt::Key_R);
+  document_->pauseButton(nullptr);
+  holdMouse("playButton");
+  release(Qt::Key_Space);
+  EXPECT_FALSE(playing());
+  expectShown("playButton", true, true);
+  releaseMouse("playButton");
+  EXPECT_TRUE(playing());
+}
+
+TEST_F(HeldKeyTest, AKeyHeldThroughAPauseAtRestActs) {
+  openWindow();
+  recordChunks(2);
+  press(Qt::Key_R);
+  document_->pauseButton(nullptr);
+  expectShown("recButton", true, true);
+  release(Qt::Key_R);
+  EXPECT_TRUE(recording());
+  expectShown("recButton", true, false);
+}
+
+TEST_F(HeldKeyTest, AKeyHeldThroughACutActs) {
+  openWindow();
+  recordChunks(2);
+  press(Qt::Key_R);
+  document_->removeAfterMarker(nullptr);
+  settle();
+  expectShown("recButton", true, true);
+  release(Qt::Key_R);
+  EXPECT_TRUE(recording());
+  expectShown("recButton", true, false);
 }
 
 // The button is disabled, or no longer the key's --------------------------------------------------
@@ -210,27 +214,18 @@ TEST_F(HeldKeyTest, AFailedFileOperationLeavesNoSwitchOn) {
   expectShown("playButton", false, false);
 }
 
-TEST_F(HeldKeyTest, AFileOperationTakesThePressOfTheMouseToo) {
-  openWindow();
-  recordChunks(2);
-  QTest::mousePress(button("playButton"), Qt::LeftButton);
-  ASSERT_NO_FATAL_FAILURE(beginToSave());
-  expectShown("playButton", false, false);
-  QTest::mouseRelease(button("playButton"), Qt::LeftButton);
-  awaitIdle();
-  expectShown("playButton", false, false);
-  EXPECT_FALSE(playing());
-}
-
 TEST_F(HeldKeyTest, ARecordingTakesThePressFromPlayWhichItDisables) {
   openWindow();
   press(Qt::Key_Space);
   strike(Qt::Key_R);
   ASSERT_TRUE(recording());
   expectShown("playButton", false, false);
-  release(Qt::Key_Space);  // as always while recording: stops it
-  EXPECT_FALSE(recording());
+  release(Qt::Key_Space);  // went down on Play
+  EXPECT_TRUE(recording());
+  expectShown("recButton", true, false);
   expectShown("playButton", false, false);
+  strike(Qt::Key_Space);  // goes down on Record
+  EXPECT_FALSE(recording());
 }
 
 TEST_F(HeldKeyTest, APlaybackTakesThePressFromRecordWhichItDisables) {
@@ -257,7 +252,7 @@ TEST_F(HeldKeyTest, ASpaceHeldBeyondItsRecordingLetsGoOfRecord) {
   capture(0.5F);
   ASSERT_TRUE(runMainLoopUntil([&] { return !recording(); }));
   settle();
-  press(Qt::Key_Space, true);  // is Play's now
+  press(Qt::Key_Space, Qt::NoModifier, true);  // is Play's now
   expectShown("recButton", false, false);
   expectShown("playButton", true, true);
   loseTheKeyboard();

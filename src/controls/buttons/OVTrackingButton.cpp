@@ -92,6 +92,14 @@ void OVTrackingButton::setAction(Action action) {
   action_ = std::move(action);
 }
 
+void OVTrackingButton::cancelPress() {
+  if (std::exchange(isTracking_, false) && isSwitch_) {
+    showOn(prevOn_);
+  }
+  isHighlighted_ = false;
+  update();
+}
+
 void OVTrackingButton::performClick() {
   if (!isEnabled()) {
     return;
@@ -113,6 +121,7 @@ void OVTrackingButton::mousePressEvent(QMouseEvent* event) {
     event->ignore();
     return;
   }
+  isTracking_ = true;
   isHighlighted_ = true;
   if (isSwitch_) {
     prevOn_ = isOn_;
@@ -122,7 +131,7 @@ void OVTrackingButton::mousePressEvent(QMouseEvent* event) {
 }
 
 void OVTrackingButton::mouseMoveEvent(QMouseEvent* event) {
-  if (!tracks(event)) {
+  if (!isTracking_ || !tracks(event)) {
     event->ignore();
     return;
   }
@@ -134,10 +143,11 @@ void OVTrackingButton::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void OVTrackingButton::mouseReleaseEvent(QMouseEvent* event) {
-  if (!tracks(event)) {
+  if (!isTracking_ || !tracks(event)) {
     event->ignore();
     return;
   }
+  isTracking_ = false;
   isHighlighted_ = false;
   update();
   if (isInside(*this, event->position())) {

@@ -12,7 +12,8 @@
 ///
 /// Pressing a switch turns it at once; dragging out shows the old state again and back in the new
 /// one, and only a release inside sends the action, which then finds the new state. A push button
-/// never changes isOn(). While disabled (QWidget::setEnabled) the mouse does nothing.
+/// never changes isOn(). While disabled (QWidget::setEnabled) the mouse does nothing. A window that
+/// loses the keyboard cancels the press: its release may be lost.
 ///
 /// The keyboard reaches it by Tab and presses it with Ctrl+Return; every other key goes on to the
 /// window, which keeps its transport keys that way. A click does not take the focus. To assistive
@@ -44,6 +45,10 @@ class OVTrackingButton : public QWidget {
   [[nodiscard]] const Action& action() const { return action_; }
   void setAction(Action action);
 
+  /// Ends a press without its action: the highlight goes, a switch that the mouse holds shows its
+  /// old state again, and the mouse does nothing until it is pressed again. Redraws.
+  void cancelPress();
+
   /// A click without a mouse, as keyboard and assistive technology make it: turns a switch and
   /// sends the action. Nothing while disabled.
   void performClick();
@@ -73,6 +78,7 @@ class OVTrackingButton : public QWidget {
   bool isOn_ = false;
   bool prevOn_ = false;  // isOn_ at mouse-down, switches only
   bool isSwitch_ = false;
-  bool isKeyDown_ = false;  // the key that pressed it has not come up yet
+  bool isTracking_ = false;  // the mouse holds it, inside or outside
+  bool isKeyDown_ = false;   // the key that pressed it has not come up yet
   platform::FocusRing focusRing_;
 };

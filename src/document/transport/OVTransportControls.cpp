@@ -6,6 +6,7 @@
 #include "platform/views/ViewRedraw.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -65,7 +66,10 @@ void OVTransportControls::connect(OVRecorderWindow* window, const std::weak_ptr<
 // What the transport does -----------------------------------------------------------------------
 
 void OVTransportControls::show(OVTransportState state, bool available) {
-  state_ = state;
+  if (std::exchange(state_, state) != state) {
+    cancelPress(Button::rec);  // what the press was for has happened
+    cancelPress(Button::play);
+  }
   if (!available) {
     focusKeeper_.takeFrom(window_, all());
   }
@@ -90,7 +94,7 @@ void OVTransportControls::showButton(Button button, bool enabled) {
     cancelPress(button);  // it would not see the release, of a key as little as of the mouse
   }
   view(button)->setEnabled(enabled);
-  if (isSwitch(button)) {
+  if (isSwitch(button) && !view(button)->isHighlighted()) {
     view(button)->setIsOn(standsFor(button));
   }
 }
@@ -113,41 +117,40 @@ bool OVTransportControls::isEnabled(Button button) const {
   return view(button) && view(button)->isEnabled();
 }
 
-bool OVTransportControls::isOn(Button button) const {
-  return view(button) && view(button)->isOn();
-}
-
 void OVTransportControls::setOn(Button button, bool on) {
   if (view(button)) {
     view(button)->setIsOn(on);
   }
 }
 
-bool OVTransportControls::isPressed(Button button) const {
-  return view(button) && view(button)->isHighlighted();
-}
-
-void OVTransportControls::press(Button button) {
+void OVTransportControls::press(Button button, std::uint16_t keyCode) {
+  if (!isEnabled(button) || view(button)->isHighlighted()) {
+    return;
+  }
+  presses_[keyCode] = button;
   if (isSwitch(button)) {
-    setOn(button, !isOn(button));
+    setOn(button, !standsFor(button));
   }
   view(button)->setIsHighlighted(true);
   requestRedraw(view(button));
 }
 
-void OVTransportControls::release(Button button) {
-  if (isSwitch(button)) {
-    setOn(button, !isOn(button));
+std::optional<Button> OVTransportControls::release(std::uint16_t keyCode) {
+  const auto press = presses_.extract(keyCode);
+  if (!press) {
+    return std::nullopt;
   }
-  view(button)->setIsHighlighted(false);
-  requestRedraw(view(button));
+  cancelPress(press.mapped());
+  return press.mapped();
 }
 
 void OVTransportControls::cancelPress(Button button) {
-  if (!isPressed(button)) {
+  std::erase_if(presses_, [button](const auto& press) { return press.second == button; });
+  if (!view(button)) {
     return;
   }
-  setOn(button, standsFor(button));
-  view(button)->setIsHighlighted(false);
-  requestRedraw(view(button));
+  view(button)->cancelPress();
+  if (isSwitch(button)) {
+    setOn(button, standsFor(button));
+  }
 }

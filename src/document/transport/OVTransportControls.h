@@ -3,7 +3,9 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 
 #include <QPointer>
 
@@ -34,31 +36,33 @@ class OVTransportControls {
   void connect(OVRecorderWindow* window, const std::weak_ptr<void>& target,
                std::function<void(Button, OVTransportButton*)> action);
 
-  /// `available` is false while a file operation runs.
+  /// `available` is false while a file operation runs. Cancels the press, of a key or of the mouse,
+  /// of each button that is disabled, and of the toggles when the state has changed.
   void show(OVTransportState state, bool available);
 
   [[nodiscard]] const QPointer<OVTransportButton>& view(Button button) const {
     return buttons_[static_cast<std::size_t>(button)];
   }
   [[nodiscard]] bool isEnabled(Button button) const;
-  [[nodiscard]] bool isOn(Button button) const;
   void setOn(Button button, bool on);
 
-  /// Shows the button as pressed, a toggle in its other state, until release(). Runs no command.
-  void press(Button button);
-  void release(Button button);
-  /// Cancels the press: the button shows the transport's state again.
-  void cancelPress(Button button);
-  [[nodiscard]] bool isPressed(Button button) const;
+  /// Shows the button as pressed by a key, a toggle in its other state, until release(). Nothing if
+  /// it is disabled or pressed already. Runs no command.
+  void press(Button button, std::uint16_t keyCode);
+  /// Ends the key's press: the button shows the transport's state again. The button that the key
+  /// pressed; none if the press was cancelled meanwhile.
+  std::optional<Button> release(std::uint16_t keyCode);
 
  private:
   [[nodiscard]] bool standsFor(Button button) const;
   void showButton(Button button, bool enabled);
+  void cancelPress(Button button);
   [[nodiscard]] std::array<QWidget*, kButtonCount + 1> all() const;
 
   QPointer<OVRecorderWindow> window_;
   std::array<QPointer<OVTransportButton>, kButtonCount> buttons_;
   QPointer<QWidget> waveform_;
+  std::map<std::uint16_t, Button> presses_;  // the button pressed by each held key
   OVTransportState state_ = OVTransportState::resting;
   OVFocusKeeper focusKeeper_;  // for controls disabled by a file operation
 };

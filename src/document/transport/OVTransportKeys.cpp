@@ -17,58 +17,17 @@ OVTransportKeys::OVTransportKeys(OVTransportControls& controls, const OVTranspor
 
 void OVTransportKeys::keyDown(std::uint16_t keyCode) {
   if (keyCode == kKeyR) {
-    press(keyCode, Button::rec);
+    controls_.press(Button::rec, keyCode);
   } else if (keyCode == kKeyReturn) {
-    press(keyCode, Button::prev);
+    controls_.press(Button::prev, keyCode);
   } else if (keyCode == kKeySpace) {
-    press(keyCode, spaceEndsRecording() ? Button::rec : Button::play);
+    const bool endsRecording = controls_.isEnabled(Button::rec) && transport_.isRecording();
+    controls_.press(endsRecording ? Button::rec : Button::play, keyCode);
   }
 }
 
 void OVTransportKeys::keyUp(std::uint16_t keyCode) {
-  if (keyCode == kKeyR) {
-    if (release(keyCode, Button::rec)) {
-      command_(Button::rec);
-    }
-  } else if (keyCode == kKeyReturn) {
-    if (release(keyCode, Button::prev)) {
-      command_(Button::prev);
-    }
-  } else if (keyCode == kKeySpace) {
-    if (spaceEndsRecording()) {
-      release(keyCode, Button::rec);
-      command_(Button::rec);
-    } else if (release(keyCode, Button::play)) {
-      command_(Button::play);
-    }
-  }
-}
-
-bool OVTransportKeys::spaceEndsRecording() const {
-  return controls_.isEnabled(Button::rec) && transport_.isRecording();
-}
-
-void OVTransportKeys::press(std::uint16_t keyCode, Button button) {
-  if (!controls_.isEnabled(button) || controls_.isPressed(button)) {
-    return;
-  }
-  cancel(keyCode);  // a held Space becomes Play's when the recording ends by itself
-  presses_[keyCode] = button;
-  controls_.press(button);
-}
-
-bool OVTransportKeys::release(std::uint16_t keyCode, Button button) {
-  const bool released = controls_.isEnabled(button) && controls_.isPressed(button);
-  if (released) {
-    controls_.release(button);
-  }
-  cancel(keyCode);  // where it went down on another button, or this one is disabled
-  return released;
-}
-
-// Nothing is left to do where its button was released.
-void OVTransportKeys::cancel(std::uint16_t keyCode) {
-  if (const auto press = presses_.extract(keyCode)) {
-    controls_.cancelPress(press.mapped());
+  if (const auto button = controls_.release(keyCode)) {
+    command_(*button);
   }
 }

@@ -2,13 +2,11 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 
 #include "document/transport/OVTransportControls.h"
 
 /// The window's keys R, Return and Space: key-down shows a button as pressed, key-up runs its
-/// command. The press of each key is kept until the key is released, or until it is cancelled
-/// because the window lost the keyboard focus or the button was disabled.
+/// command unless the press was cancelled meanwhile, by the window or by the controls.
 ///
 /// Threads: main. Real-time: not safe.
 class OVTransportKeys {
@@ -22,15 +20,10 @@ class OVTransportKeys {
   /// `keyCode` is a hardware key code. Other keys do nothing.
   void keyDown(std::uint16_t keyCode);
   void keyUp(std::uint16_t keyCode);
-  void cancel(std::uint16_t keyCode);
+  void cancel(std::uint16_t keyCode) { controls_.release(keyCode); }
 
  private:
-  [[nodiscard]] bool spaceEndsRecording() const;
-  void press(std::uint16_t keyCode, Button button);
-  bool release(std::uint16_t keyCode, Button button);
-
   OVTransportControls& controls_;
   const OVTransport& transport_;
   const std::function<void(Button)> command_;
-  std::map<std::uint16_t, Button> presses_;  // the button pressed by each held key
 };

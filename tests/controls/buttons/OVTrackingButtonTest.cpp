@@ -135,6 +135,34 @@ TEST_F(OVTrackingButtonTest, DisabledWhilePressedItKeepsLookingPressedAndSendsNo
   EXPECT_TRUE(sentWhile_.empty());
 }
 
+TEST_F(OVTrackingButtonTest, ACancelledPressShowsTheOldStateAndSendsNothingUntilTheNextPress) {
+  button_->setIsSwitch(true);
+  for (const bool before : {false, true}) {
+    button_->setIsOn(before);
+    window_.press(button_, kInside);
+    button_->cancelPress();
+    EXPECT_EQ(button_->isOn(), before);
+    EXPECT_FALSE(button_->isHighlighted());
+    window_.moveTo(button_, kOutside);
+    window_.moveTo(button_, kInside);
+    window_.release(button_, kInside);
+    EXPECT_EQ(button_->isOn(), before);
+    EXPECT_FALSE(button_->isHighlighted());
+  }
+  EXPECT_TRUE(sentWhile_.empty());
+  window_.click(button_, kInside);
+  EXPECT_EQ(sentWhile_, std::vector<bool>{false});
+}
+
+TEST_F(OVTrackingButtonTest, APressDuringWhichItWasCancelledAndDisabledForAWhileSendsNothing) {
+  window_.press(button_, kInside);
+  button_->cancelPress();
+  button_->setEnabled(false);
+  button_->setEnabled(true);
+  window_.release(button_, kInside);
+  EXPECT_TRUE(sentWhile_.empty());
+}
+
 TEST_F(OVTrackingButtonTest, OnlyTheLeftMouseButtonPresses) {
   for (const auto other : {Qt::RightButton, Qt::MiddleButton}) {
     window_.press(button_, kInside, other);
