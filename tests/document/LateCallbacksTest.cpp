@@ -131,4 +131,41 @@ TEST_F(LateWriteFailureTest, AnUndoThatCameFirstKeepsTheAudioThatItBroughtBack) 
   closeDocument();
 }
 
+TEST_F(LateWriteFailureTest, ARecordingThatBeganMeanwhileLosesNothing) {
+  openWindow();
+  pressRecord();
+  capture(0.25F);
+  files_.fillUpAfter(0);
+  capture(0.5F);  // lost; the report of it waits in the main queue
+  document_->pauseButton(nullptr);
+  files_.freeSpace();
+  document_->setRecordingPosition(kChunkFrames);
+  document_->recorder()->setWritingPosition(kChunkFrames * kFrameBytes);
+  pressRecord();
+  capture(0.75F);  // where the lost chunk was
+  settle();
+  EXPECT_TRUE(document_->recorder()->isRecording());
+  EXPECT_EQ(length(), 2U * kChunkFrames);
+  EXPECT_EQ(samplesAt(kChunkFrames, kChunkFrames), std::vector<float>(2 * kChunkFrames, 0.75F));
+  EXPECT_EQ(document_->recordingPosition(), 2U * kChunkFrames);
+  EXPECT_EQ(services_->alerts().size(), 1U);
+  closeDocument();
+}
+
+TEST_F(LateWriteFailureTest, NoPositionStaysBeyondTheEndThatIsDropped) {
+  openWindow();
+  pressRecord();
+  capture(0.25F);
+  files_.fillUpAfter(0);
+  capture(0.5F);  // lost; the report of it waits in the main queue
+  document_->pauseButton(nullptr);
+  document_->nextButton(nullptr);
+  ASSERT_EQ(document_->playbackPosition(), 2U * kChunkFrames);
+  settle();
+  EXPECT_EQ(length(), kChunkFrames);
+  EXPECT_EQ(document_->recordingPosition(), length());
+  EXPECT_EQ(document_->playbackPosition(), length());
+  closeDocument();
+}
+
 }  // namespace

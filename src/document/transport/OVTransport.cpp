@@ -96,8 +96,7 @@ void OVTransport::record() {
   if (const auto input = recorder()) {  // otherwise nothing has changed, and the user was alerted
     bringRecordingPositionInside();
     parts_.history.beginStep(platform::textKey("Record"));
-    recordingRevision_ = parts_.history.revision();
-    writeFailures_->recordingBegins();
+    writeFailures_->recordingBegins(parts_.history.revision());
     writtenSincePress_ = false;
     input->record();
     parts_.history.setEdited(true);
@@ -317,8 +316,8 @@ void OVTransport::writingFailed(const OVWriteFailures::Failure& failure) {
   if (failed && failed == recorder()) {
     pause();
   }
-  // Otherwise an edit or an undo came first: what stands there now is other audio.
-  if (parts_.history.revision() == recordingRevision_) {
+  // Otherwise an edit, an undo or another recording came first: what stands there is other audio.
+  if (parts_.history.revision() == failure.revision) {
     dropLostEnd(failure.atByteOffset, failure.withSize);
   }
   OVWriteFailures::tellRecordingStopped(failure.error);
@@ -329,13 +328,16 @@ void OVTransport::writingFailed(const OVWriteFailures::Failure& failure) {
 void OVTransport::dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize) {
   const std::uint64_t frameSize = parts_.audio.bytesPerFrame();
   const std::uint64_t lost = atByteOffset / frameSize;
-  if (parts_.operation.isLoading() || parts_.operation.isWriting() ||
+  if (isRecording() || parts_.operation.isLoading() || parts_.operation.isWriting() ||
       parts_.audio.sizeInFrames() != (atByteOffset + withSize) / frameSize) {
     return;
   }
   parts_.audio.buffer()->cutoffBufferAfterPosition(lost);
   if (parts_.positions.recording() > lost) {
     setRecordingPosition(lost);
+  }
+  if (parts_.positions.playback() > lost) {
+    setPlaybackPosition(lost);
   }
   if (cut_) {
     cut_();

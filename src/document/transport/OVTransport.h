@@ -130,7 +130,6 @@ class OVTransport {
   std::function<void()> changed_;
   std::function<void()> cut_;
   std::shared_ptr<OVAQPlayer> player_;
-  std::uint64_t recordingRevision_ = 0;  // of the history once the last recording's step has begun
 
   // Replaced on the main thread; any thread reads it.
   platform::GuardedPointer<std::shared_ptr<OVAQRecorder>> recorder_;

@@ -10,7 +10,8 @@
 OVWriteFailures::OVWriteFailures(std::function<void(const Failure&)> recordingFailed)
     : recordingFailed_(std::move(recordingFailed)) {}
 
-void OVWriteFailures::recordingBegins() {
+void OVWriteFailures::recordingBegins(std::uint64_t revision) {
+  revision_ = revision;
   writeError_ = 0;
   writeFailureTold_ = false;
 }
@@ -37,7 +38,7 @@ void OVWriteFailures::chunkWritten(const std::shared_ptr<OVAQRecorder>& recorder
                                    std::uint64_t atByteOffset, std::uint32_t withSize) {
   const int error = writeError_.exchange(0);
   if (error != 0 && !writeFailureTold_.exchange(true)) {
-    recordingFailed_({error, recorder, atByteOffset, withSize});
+    recordingFailed_({error, recorder, atByteOffset, withSize, revision_});
   }
 }
 

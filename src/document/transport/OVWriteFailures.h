@@ -23,13 +23,15 @@ class OVWriteFailures {
     std::weak_ptr<OVAQRecorder> recorder;
     std::uint64_t atByteOffset = 0;
     std::uint32_t withSize = 0;
+    std::uint64_t revision = 0;  ///< of the history, see recordingBegins()
   };
 
   /// `recordingFailed` is called on the writer's thread, at most once per recording.
   explicit OVWriteFailures(std::function<void(const Failure&)> recordingFailed);
 
-  /// The first two discard earlier failures. Threads: main.
-  void recordingBegins();
+  /// The first two discard earlier failures. `revision` is the history's once the recording's step
+  /// has begun. Threads: main.
+  void recordingBegins(std::uint64_t revision);
   void loadingBegins();
   void loadingEnded();
 
@@ -55,4 +57,5 @@ class OVWriteFailures {
   std::atomic<int> writeError_ = 0;             // errno of the write being reported
   std::atomic<bool> isLoading_ = false;         // the loading job writes into the buffer
   std::atomic<bool> writeFailureTold_ = false;  // once per recording
+  std::atomic<std::uint64_t> revision_ = 0;     // of the history when the recording began
 };

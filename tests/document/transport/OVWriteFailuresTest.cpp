@@ -38,7 +38,7 @@ TEST_F(OVWriteFailuresTest, ALoadDoesNotInheritTheFailureOfAnotherOne) {
 }
 
 TEST_F(OVWriteFailuresTest, AChunkThatWasWrittenIsNotReported) {
-  failures_.recordingBegins();
+  failures_.recordingBegins(0);
   failures_.chunkWritten(nullptr, 0, 4096);
   EXPECT_TRUE(reported_.empty());
 }
