@@ -1,15 +1,41 @@
-// A file whose waveform cannot be drawn for want of memory is there all the same.
+// A file that cannot be loaded whole, or whose waveform cannot be drawn, for want of memory: what
+// is loaded stays.
 #include <atomic>
 #include <new>
 
 #include <gmock/gmock.h>
 
 #include "document/FileFixture.h"
+#include "document/files/loadFile.h"
 #include "support/fakes/MemoryTestBuffer.h"
 
 namespace {
 
-using LoadingWithoutMemoryTest = DocumentFileFixture;
+using testing::HasSubstr;
+using testing::Not;
+
+/// A document whose audio cannot be stored from some byte on.
+class LoadingWithoutMemoryTest : public DocumentFileFixture {
+ protected:
+  void openWindowWithMemoryUpTo(std::uint64_t byteOffset) {
+    openWindow();
+    const auto audio = std::make_shared<MemoryTestBuffer>();
+    audio->beforeWrite = [byteOffset](const MemoryTestBuffer::Transfer& write) {
+      if (write.byteOffset >= byteOffset) {
+        throw std::bad_alloc();
+      }
+    };
+    document_->setBuffer(audio);
+  }
+
+  void expectOneAlertSaying(const std::string& text) {
+    ASSERT_EQ(services_->alerts().size(), 1U);
+    EXPECT_EQ(services_->alerts()[0].title, "“take.wav” could not be loaded whole");
+    EXPECT_THAT(services_->alerts()[0].message, HasSubstr(text));
+    EXPECT_THAT(services_->alerts()[0].message, HasSubstr("not enough memory"));
+    EXPECT_THAT(services_->alerts()[0].message, Not(HasSubstr("temporary file")));
+  }
+};
 
 TEST_F(LoadingWithoutMemoryTest, TheFileIsLoadedAndTheWaveformIsDrawnWhenThereIsMemoryAgain) {
   openWindow();
@@ -36,6 +62,26 @@ TEST_F(LoadingWithoutMemoryTest, TheFileIsLoadedAndTheWaveformIsDrawnWhenThereIs
   EXPECT_FALSE(document_->waveForm()->isRegenerating());
   EXPECT_EQ(document_->waveForm()->readerPos(), 44100U);
   closeDocument();  // before the flag goes
+}
+
+TEST_F(LoadingWithoutMemoryTest, AnOpenKeepsWhatWasLoadedAndSaysWhatIsMissing) {
+  openWindowWithMemoryUpTo(kLoadChunkFrames * kFrameBytes);
+  const Samples samples = ramp(3 * kLoadChunkFrames);
+  open(writeFile("take.wav", samples));
+  ASSERT_EQ(length(), kLoadChunkFrames);
+  EXPECT_TRUE(std::equal(samples.begin(), samples.begin() + 2 * kLoadChunkFrames, audio().begin()));
+  expectOneAlertSaying("Everything loaded before is kept.");
+  EXPECT_EQ(document_->window()->title(), "Orvo - Unnamed");
+  EXPECT_TRUE(transportEnabled());
+}
+
+TEST_F(LoadingWithoutMemoryTest, AnImportIsRolledBackAndSaysWhatIsMissing) {
+  openWindowWithMemoryUpTo(kLoadChunkFrames * kFrameBytes);
+  import(writeFile("take.wav", ramp(3 * kLoadChunkFrames)));
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
+  expectOneAlertSaying("Nothing was imported.");
+  EXPECT_TRUE(transportEnabled());
 }
 
 }  // namespace

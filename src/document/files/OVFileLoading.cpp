@@ -45,10 +45,14 @@ void tellNotStored(const std::string& path, int error, bool imported) {
   const QString name = QString::fromStdString(shownFileName(path));
   const QString kept = localized(imported ? textKey("Nothing was imported.")
                                           : textKey("Everything loaded before is kept."));
+  const QString cause =
+      error == ENOMEM
+          ? QString::fromStdString(openingFailureReason(platform::kOutOfMemoryStatus, path)) +
+                "\n\n" + kept
+          : localized("The audio could not be written to the temporary file. %1\n\n%2")
+                .arg(QString::fromStdString(platform::failureReason(error)), kept);
   ShowModalAlert(localized("%1 could not be loaded whole").arg(name).toStdString(),
-                 localized("The audio could not be written to the temporary file. %1\n\n%2")
-                     .arg(QString::fromStdString(platform::failureReason(error)), kept)
-                     .toStdString());
+                 cause.toStdString());
 }
 
 }  // namespace

@@ -1,9 +1,13 @@
 #include "document/files/loadFile.h"
 
+#include <cerrno>
+#include <new>
+
 #include "audio/OVAudioFileReader.h"
 
-LoadOutcome loadFile(OVAudioFileReader& reader, const LoadRequest& request) {
-  LoadOutcome outcome{.endOffset = request.atByteOffset};
+namespace {
+
+void copyChunks(OVAudioFileReader& reader, const LoadRequest& request, LoadOutcome& outcome) try {
   const auto length = reader.fileSizeInFrames();
   const double step =
       length > 0 ? static_cast<double>(kLoadChunkFrames) / static_cast<double>(length) : 1.0;
@@ -21,6 +25,15 @@ LoadOutcome loadFile(OVAudioFileReader& reader, const LoadRequest& request) {
     outcome.endOffset += size;
     request.progress(outcome.endOffset, step);
   }
+} catch (const std::bad_alloc&) {
+  outcome.writeError = ENOMEM;
+}
+
+}  // namespace
+
+LoadOutcome loadFile(OVAudioFileReader& reader, const LoadRequest& request) {
+  LoadOutcome outcome{.endOffset = request.atByteOffset};
+  copyChunks(reader, request, outcome);
   reader.close();
   return outcome;
 }

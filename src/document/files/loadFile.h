@@ -27,7 +27,7 @@ struct LoadRequest {
 
 struct LoadOutcome {
   std::uint64_t endOffset = 0;  ///< after the last byte stored
-  int writeError = 0;           ///< errno; 0 when everything that was read is stored
+  int writeError = 0;           ///< errno, ENOMEM without memory; 0: all that was read is stored
 };
 
 /// Copies an audio file into a buffer, chunk by chunk, and closes the reader. Frames are stored as

@@ -1,5 +1,6 @@
 #include "document/files/loadFile.h"
 
+#include <new>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -37,6 +38,9 @@ class loadFileTest : public testing::Test {
                                             if (offsets_.size() == cancelAfter_) {
                                               cancelled_->store(true);
                                             }
+                                            if (offsets_.size() == noMemoryAfter_) {
+                                              throw std::bad_alloc();
+                                            }
                                           }});
   }
 
@@ -47,6 +51,7 @@ class loadFileTest : public testing::Test {
   std::shared_ptr<std::atomic<bool>> cancelled_ = std::make_shared<std::atomic<bool>>(false);
   int writeError_ = 0;
   std::size_t cancelAfter_ = 0;
+  std::size_t noMemoryAfter_ = 0;
   std::vector<std::uint64_t> offsets_;
   std::vector<double> steps_;
 };
@@ -74,6 +79,13 @@ TEST_F(loadFileTest, AChunkThatStorageDidNotTakeIsNotCounted) {
   EXPECT_EQ(outcome.endOffset, 80U);
   EXPECT_EQ(outcome.writeError, ENOSPC);
   EXPECT_THAT(offsets_, IsEmpty());
+}
+
+TEST_F(loadFileTest, WhenMemoryRunsOutTheChunksBeforeCount) {
+  noMemoryAfter_ = 2;
+  const auto outcome = run(3 * kLoadChunkFrames);
+  EXPECT_EQ(outcome.endOffset, 80 + 2 * 8 * kLoadChunkFrames);
+  EXPECT_EQ(outcome.writeError, ENOMEM);
 }
 
 }  // namespace
