@@ -224,13 +224,10 @@ class StateKeeper {
     }
   }
 
-  /// A click on a transport button. While a file operation runs also on one that is disabled by
-  /// now: as a command that comes too late.
+  /// A click on a transport button, also on one that is disabled by now: as a command that comes
+  /// too late.
   void press(const char* name, void (VLRecorderWindowController::*action)(OVTransportButton*)) {
     auto* const button = document_->window()->findChild<OVTransportButton*>(name);
-    if (!button->isEnabled() && !document_->isFileIOActive()) {
-      return;
-    }
     if (button->isSwitch()) {
       button->setIsOn(!button->isOn());
     }

@@ -83,11 +83,11 @@ void OVTransport::changed() const {
 // Record and play -------------------------------------------------------------------------------
 
 void OVTransport::record() {
-  if (parts_.operation.isActive() || isRecording()) {
+  if (parts_.operation.isActive() || isRecording() || isPlaying()) {
     changed();
     return;
   }
-  if (player_ && !isPlaying()) {
+  if (player_) {
     endPlaying();  // it has ended; its report would end the recording
   }
   if (const auto former = recorder(); !former || former->failure() != platform::kAudioStatusOk) {
@@ -107,7 +107,7 @@ void OVTransport::record() {
 void OVTransport::play() {
   const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a command
   const auto buffer = parts_.audio.buffer();
-  if (parts_.operation.isActive() || !buffer) {
+  if (parts_.operation.isActive() || isRecording() || !buffer) {
     changed();
     return;
   }

@@ -64,9 +64,11 @@ class OVTransport {
 
   // Commands ------------------------------------------------------------------------------------
 
-  /// Does nothing while a file operation runs or without an input device; the latter is alerted.
+  /// Does nothing while a file operation or playback runs, or without an input device; the last is
+  /// alerted.
   void record();
-  /// Does nothing while a file operation runs or without an output device; the latter is alerted.
+  /// Does nothing while a file operation or a recording runs, or without an output device; the last
+  /// is alerted.
   void play();
   /// Ends recording and playing. The recorder is replaced, since a recorder is not reused after a
   /// pause.
