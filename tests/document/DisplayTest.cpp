@@ -1,3 +1,6 @@
+#include <atomic>
+#include <thread>
+
 #include <QAccessible>
 #include <QEvent>
 #include <QKeySequence>
@@ -336,6 +339,27 @@ TEST_F(DisplayTest, WhileAWaveformIsRenderedBarAndTimeFollowItsReader) {
   EXPECT_EQ(document_->loadingIndicator()->value(), static_cast<int>(1000 * reader / length()));
   EXPECT_NE(document_->lastPlaybackPosition(), kChunkFrames);  // the marker waits
   document_->setIsRenderingWaveform(false);
+}
+
+TEST_F(DisplayTest, APositionThatMovesDuringATickIsDrawnByTheNextOne) {
+  openWindow();
+  recordChunks(1);
+  tick();
+  std::atomic<bool> done = false;
+  std::thread player([&] {
+    for (std::uint64_t i = 0; !done; i = (i + 1) % kChunkFrames) {
+      document_->setPlaybackPosition(i);
+    }
+  });
+  int skipped = 0;  // ticks that took a position for drawn that the marker does not show
+  for (int i = 0; i < 20'000; ++i) {
+    tick();
+    const auto drawn = marker()->position() * static_cast<double>(length());
+    skipped += static_cast<double>(document_->lastPlaybackPosition()) == drawn ? 0 : 1;
+  }
+  done = true;
+  player.join();
+  EXPECT_EQ(skipped, 0);
 }
 
 TEST_F(DisplayTest, PositionsMayBeSetAndReadFromAnyThread) {

@@ -50,7 +50,7 @@ void OVDisplayLoop::updateRendering() {
 void OVDisplayLoop::updatePlayback() {
   const std::uint64_t position = parts_.positions.playback();
   parts_.markerAndTime.setIsRecordingMarker(false);
-  show(position);
+  show(position, position);
   parts_.markerAndTime.showTime(position);
 }
 
@@ -60,12 +60,11 @@ void OVDisplayLoop::updateRecording() {
     parts_.summaries.follow(position, _lastNumberOfFramesWritten);
   }
   parts_.markerAndTime.setIsRecordingMarker(true);
-  show(position);
+  show(position, parts_.positions.playback());
   parts_.markerAndTime.showTime(parts_.positions.recording(), true);
 }
 
-void OVDisplayLoop::show(std::uint64_t markerFrame) {
-  const std::uint64_t playback = parts_.positions.playback();
+void OVDisplayLoop::show(std::uint64_t markerFrame, std::uint64_t playback) {
   parts_.markerAndTime.moveTo(markerFrame);
   parts_.markerAndTime.setLastPlaybackPosition(playback);
   if (parts_.transport.isPlaying()) {

@@ -64,7 +64,7 @@ class OVDisplayLoop {
   void updateRendering();
   void updatePlayback();
   void updateRecording();
-  void show(std::uint64_t markerFrame);
+  void show(std::uint64_t markerFrame, std::uint64_t playback);
   void refreshed();
 
   const Parts parts_;
