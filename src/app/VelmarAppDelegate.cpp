@@ -25,6 +25,10 @@ namespace {
 constexpr double kTerminationInterval = 1.0 / 30.0;  // seconds
 constexpr std::size_t kTempfilesCapacity = 10;
 
+std::shared_ptr<VLRecorderWindowController> documentOf(const OVRecorderWindow& window) {
+  return std::dynamic_pointer_cast<VLRecorderWindowController>(window.delegate());
+}
+
 }  // namespace
 
 VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit) : quit_(std::move(quit)) {
@@ -149,26 +153,37 @@ std::vector<QPointer<OVRecorderWindow>> VelmarAppDelegate::recorderWindows() con
 bool VelmarAppDelegate::askEditedWindows() {
   auto edited = recorderWindows();
   std::erase_if(edited, [](const auto& window) { return !window->isDocumentEdited(); });
+  if (std::any_of(edited.begin(), edited.end(), [](const auto& window) {
+        const auto document = documentOf(*window);
+        return document && document->refusesQuit();
+      })) {
+    cancelTermination();
+    return true;
+  }
+  if (!edited.empty()) {
+    pollTermination();
+  }
   const auto asked = std::exchange(askedWindows_, edited);
   for (const auto& window : edited) {
     if (window && std::find(asked.begin(), asked.end(), window) == asked.end()) {
-      window->performClose();
+      closeForQuit(*window);
     }
   }
   return !edited.empty();
 }
 
+void VelmarAppDelegate::closeForQuit(OVRecorderWindow& window) {
+  const auto document = documentOf(window);
+  if (document && !document->shouldCloseAfterSave()) {
+    closedByQuit_.emplace_back(document);
+  }
+  window.performClose();
+}
+
 VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate() {
   platform::assertMainThread();
-  cancelledWhileAsking_ = false;
   askedWindows_.clear();
-  if (!askEditedWindows()) {
-    return TerminateReply::now;
-  }
-  if (!cancelledWhileAsking_) {  // otherwise one of them cannot be asked now
-    pollTermination();
-  }
-  return TerminateReply::cancel;
+  return askEditedWindows() ? TerminateReply::cancel : TerminateReply::now;
 }
 
 bool VelmarAppDelegate::applicationMayEndSession() {
@@ -178,7 +193,7 @@ bool VelmarAppDelegate::applicationMayEndSession() {
   }
   const auto windows = recorderWindows();
   return std::none_of(windows.begin(), windows.end(), [](const auto& window) {
-    const auto document = std::dynamic_pointer_cast<VLRecorderWindowController>(window->delegate());
+    const auto document = documentOf(*window);
     return document && document->isSaving();
   });
 }
@@ -204,9 +219,13 @@ void VelmarAppDelegate::checkTermination() {
 void VelmarAppDelegate::cancelTermination() {
   platform::assertMainThread();
   terminationCanceled_ = true;
-  cancelledWhileAsking_ = true;
   terminationTimer_.reset();
   askedWindows_.clear();
+  for (const auto& closing : std::exchange(closedByQuit_, {})) {
+    if (const auto document = closing.lock()) {
+      document->cancelClosing();
+    }
+  }
   terminationCanceled_ = false;
 }
 
@@ -216,7 +235,7 @@ void VelmarAppDelegate::terminate() {
   }
   for (const auto& window : recorderWindows()) {
     if (window) {
-      window->performClose();
+      closeForQuit(*window);
     }
   }
   const bool alertsPending = alertsPending_ && alertsPending_();

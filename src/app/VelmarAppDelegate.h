@@ -57,13 +57,14 @@ class VelmarAppDelegate {
   enum class TerminateReply { cancel = 0, now = 1 };
 
   /// Asks every edited window to close, in the order in which they were made; "now" when none is
-  /// edited. While one is, checkTermination is called 30 times a second, unless one of them cannot
-  /// be asked because another panel stands in front of it.
+  /// edited. While one is, checkTermination is called 30 times a second. If one of them has a panel
+  /// open, none is asked: the quit is cancelled, and one alert says so.
   TerminateReply applicationShouldTerminate();
   /// Ends the wait of a quit: terminates once no window is edited any more. A window that has
   /// become edited since then is asked as well, one that is just being saved is waited for.
   void checkTermination();
-  /// A document's question was answered with Cancel: ends the quit.
+  /// A document's question was answered with Cancel, or its save failed: ends the quit. A window
+  /// that waits for a save because of the quit stays open; one that was closed before it does not.
   void cancelTermination();
   [[nodiscard]] bool isTerminating() const { return terminationTimer_ != nullptr; }
   /// The timer that calls checkTermination; null while nothing is waited for.
@@ -100,8 +101,11 @@ class VelmarAppDelegate {
   [[nodiscard]] std::vector<QPointer<OVRecorderWindow>> recorderWindows() const;
   std::shared_ptr<VLRecorderWindowController> makeWindow();
   void openInNewWindow(const std::string& path);
-  /// Asks the edited windows that were not edited at the last call. False when none is edited.
+  /// Asks the edited windows that were not edited at the last call, or cancels the quit when one of
+  /// them has a panel open. False when none is edited.
   bool askEditedWindows();
+  /// cancelTermination() undoes it, unless the window was closing already.
+  void closeForQuit(OVRecorderWindow& window);
   void pollTermination();
   static void openPage(platform::TextKey address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
@@ -111,10 +115,10 @@ class VelmarAppDelegate {
   std::function<bool()> alertsPending_;
   std::vector<QPointer<OVRecorderWindow>> windows_;  // as they were made; gone ones are null
   bool spawn_rec_ = false;
-  std::vector<QPointer<OVRecorderWindow>> askedWindows_;  // by the current quit
+  std::vector<QPointer<OVRecorderWindow>> askedWindows_;                 // by the current quit
+  std::vector<std::weak_ptr<VLRecorderWindowController>> closedByQuit_;  // not by the user before
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
-  bool cancelledWhileAsking_ = false;  // a window refused while the windows were being asked
   std::unique_ptr<QWidget> debugWindow_;
   QPointer<QPlainTextEdit> debugConsole_;
   OVRecentFiles recentFiles_;

@@ -17,7 +17,7 @@ class OVTransport;
 ///   idle --close--> asking --Don't Save--> confirmed
 ///   asking --Save--> savePending --saved--> confirmed
 ///   idle --close while a file is written--> savePending
-///   asking --Cancel--> idle, savePending --save failed or cancelled--> idle
+///   asking --Cancel--> idle, savePending --save failed, or save or closing cancelled--> idle
 ///
 /// Threads: main. Real-time: not safe.
 class OVUnsavedChanges {
@@ -49,10 +49,15 @@ class OVUnsavedChanges {
   void setWindow(OVRecorderWindow* window);
   [[nodiscard]] State state() const { return state_; }
 
-  /// Whether the window may close now. If not, waits for a save that runs, or asks, or, when
-  /// another panel is open, cancels a quit and alerts the user. Recording is paused once the
-  /// question is on the screen.
+  /// Whether the window may close now. If not, waits for a save that runs, or asks, or, when a
+  /// panel is open, brings it to the front. Recording is paused once the question is on the screen.
   [[nodiscard]] bool mayClose();
+  /// Whether the question cannot be asked because another panel is open. If so, brings that to the
+  /// front and alerts the user; the caller cancels the quit.
+  [[nodiscard]] bool refusesQuit();
+  /// The window stays open when the save that it waits for is complete; one that has not begun yet
+  /// is not begun. A question on the screen stays.
+  void cancelClosing();
   /// Handles the answer. Any code but an Answer is a programming error and ends the program.
   void answer(int returnCode);
 
@@ -68,7 +73,6 @@ class OVUnsavedChanges {
   void bringToFront();
   void save();
   void ask();
-  void sayThatAPanelIsOpen() const;
   void closeWindow();
 
   const Parts parts_;

@@ -178,6 +178,11 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// A save or export is running.
   [[nodiscard]] bool isSaving() const { return parts_.operation.isWriting(); }
   [[nodiscard]] bool shouldCloseAfterSave() const;
+  /// A quit asks before it closes anything: true if a panel stands in the way of the question.
+  /// Alerts the user then.
+  [[nodiscard]] bool refusesQuit() { return parts_.unsavedChanges.refusesQuit(); }
+  /// The window stays open after a save that runs, and a save that waits for a load is not begun.
+  void cancelClosing() { parts_.unsavedChanges.cancelClosing(); }
   /// Path of the document's file, empty for a new recording.
   [[nodiscard]] const std::string& currentFilename() const { return parts_.file.name(); }
   void setCurrentFilename(std::string path) { parts_.file.setName(std::move(path)); }

@@ -36,6 +36,7 @@ enum class State {
   importing,
   saving,
   exporting,
+  savePending,           // closing, Save was answered, and an import has to end first
   asking,                // about unsaved changes
   askingAfterRecording,  // the same question; a recording was paused for it
   savePanel,
@@ -46,19 +47,26 @@ enum class State {
 
 inline constexpr auto kStates = std::to_array<State>(
     {State::idle, State::recording, State::playing, State::loading, State::openingImport,
-     State::importing, State::saving, State::exporting, State::asking, State::askingAfterRecording,
-     State::savePanel, State::savePanelWhileRecording, State::importPanel,
-     State::importPanelWhileRecording});
+     State::importing, State::saving, State::exporting, State::savePending, State::asking,
+     State::askingAfterRecording, State::savePanel, State::savePanelWhileRecording,
+     State::importPanel, State::importPanelWhileRecording});
 
 [[nodiscard]] inline std::string nameOf(State state) {
-  static constexpr std::array<const char*, kStates.size()> kNames = {
-      "Idle",          "Recording",
-      "Playing",       "Loading",
-      "OpeningImport", "Importing",
-      "Saving",        "Exporting",
-      "Asking",        "AskingAfterRecording",
-      "SavePanel",     "SavePanelWhileRecording",
-      "ImportPanel",   "ImportPanelWhileRecording"};
+  static constexpr std::array<const char*, kStates.size()> kNames = {"Idle",
+                                                                     "Recording",
+                                                                     "Playing",
+                                                                     "Loading",
+                                                                     "OpeningImport",
+                                                                     "Importing",
+                                                                     "Saving",
+                                                                     "Exporting",
+                                                                     "SavePending",
+                                                                     "Asking",
+                                                                     "AskingAfterRecording",
+                                                                     "SavePanel",
+                                                                     "SavePanelWhileRecording",
+                                                                     "ImportPanel",
+                                                                     "ImportPanelWhileRecording"};
   return kNames.at(static_cast<std::size_t>(state));
 }
 
@@ -67,7 +75,7 @@ inline void PrintTo(State state, std::ostream* out) {
 }
 
 [[nodiscard]] inline bool isFileOperation(State state) {
-  return state >= State::loading && state <= State::exporting;
+  return state >= State::loading && state <= State::savePending;
 }
 [[nodiscard]] inline bool isRecording(State state) {
   return state == State::recording || state == State::savePanelWhileRecording ||
@@ -166,6 +174,12 @@ class StateKeeper {
         document_->exportRingtone(nullptr);
         panels_->answerSave(folder_.file("tone.m4r"));
         ASSERT_TRUE(gate_.awaitArrival());
+        break;
+      case State::savePending:
+        document_->setDocumentEdited(true);
+        enter(State::importing);
+        close();
+        panels_->answerSheet(VLRecorderWindowController::kSave);
         break;
       case State::asking:
         document_->setDocumentEdited(true);

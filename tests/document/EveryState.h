@@ -54,12 +54,13 @@ enum class Command {
   validateMenu,
   closeUnedited,
   closeEdited,
+  cancelClosing,  // another window's Cancel, which ended a quit
   // The document's player where there is one, otherwise one that it has let go of.
   playbackEndsAtTheEnd,
   playbackEndsBelowTheEnd,
 };
 
-inline constexpr std::array<const char*, 37> kCommandNames = {"RecButton",
+inline constexpr std::array<const char*, 38> kCommandNames = {"RecButton",
                                                               "PlayButton",
                                                               "PauseButton",
                                                               "StopButton",
@@ -94,6 +95,7 @@ inline constexpr std::array<const char*, 37> kCommandNames = {"RecButton",
                                                               "ValidateMenu",
                                                               "CloseUnedited",
                                                               "CloseEdited",
+                                                              "CancelClosing",
                                                               "PlaybackEndsAtTheEnd",
                                                               "PlaybackEndsBelowTheEnd"};
 
@@ -131,6 +133,7 @@ struct Situation {
   std::size_t alerts = 0;
   std::size_t cancelledQuits = 0;
   bool spectrum = false;
+  bool closing = false;  // closes when its file is complete
   bool closed = false;
   bool editedBeforeTheStep = true;  // comes back with undo and redo; is not seen
   std::uint64_t lengthBeforeTheStep = StateKeeper::kFirstTakeFrames;  // likewise
@@ -187,7 +190,7 @@ struct Situation {
          line("save panels", std::to_string(at.savePanels)) +
          line("alerts", std::to_string(at.alerts)) +
          line("cancelled quits", std::to_string(at.cancelledQuits)) +
-         line("spectrum", yes(at.spectrum));
+         line("spectrum", yes(at.spectrum)) + line("closing", yes(at.closing));
 }
 
 // What happens to a situation ------------------------------------------------------------------
@@ -308,6 +311,10 @@ inline void endFileOperation(Situation& at) {
     case State::loading:
       at.doing = Doing::loading;
       break;
+    case State::savePending:
+      at.closing = true;
+      at.edited = true;
+      [[fallthrough]];
     case State::importing:
       begin(at, "Import File");
       [[fallthrough]];
@@ -380,6 +387,10 @@ inline void end(State state, Situation& at) {
       break;
   }
   endFileOperation(at);
+  if (std::exchange(at.closing, false)) {
+    at.closed = state != State::savePending || at.savePanels == 0;
+    at.cancelledQuits += at.closed ? 0 : 1;  // a panel keeps the save from beginning
+  }
 }
 
 // The rules ------------------------------------------------------------------------------------
@@ -447,35 +458,34 @@ struct Rule {
       {"a document that is being saved is asked about nothing: it closes when the file is complete",
        {S::saving},
        {C::closeUnedited, C::closeEdited},
-       nothing,
-       [](Situation& at) { at.closed = true; }},
+       [](Situation& at) { at.closing = true; }},
       {"an export saves nothing of the document, so an edited one asks when it is complete",
        {S::exporting},
        {C::closeEdited},
-       nothing,
-       ask},
+       [](Situation& at) { at.closing = true; },
+       [](Situation& at) {
+         at.closed = false;
+         ask(at);
+       }},
       {"an export is completed before its window goes",
        {S::exporting},
        {C::closeUnedited},
-       nothing,
-       [](Situation& at) { at.closed = true; }},
+       [](Situation& at) { at.closing = true; }},
+      {"while a save that closes the window is pending, closing again changes nothing",
+       {S::savePending},
+       {C::closeUnedited, C::closeEdited}},
+      {"a save that waits is given up, and the closing after it",
+       {S::savePending},
+       {C::cancelClosing},
+       [](Situation& at) { at.closing = false; }},
+      {"nothing closes; a question or a panel stays", all(), {C::cancelClosing}},
       {"the question is asked once",
        {S::asking, S::askingAfterRecording},
        {C::closeUnedited, C::closeEdited}},
-      {"a panel has to be answered first: the person is told, a quit ends, and a recording goes on",
-       {S::savePanel, S::importPanel},
-       {C::closeEdited},
-       [](Situation& at) {
-         ++at.alerts;
-         ++at.cancelledQuits;
-       }},
-      {"the same, and what is being recorded is always unsaved",
+      {"a panel has to be answered first", {S::savePanel, S::importPanel}, {C::closeEdited}},
+      {"the same, what is being recorded is always unsaved, and the recording goes on",
        {S::savePanelWhileRecording, S::importPanelWhileRecording},
-       {C::closeUnedited, C::closeEdited},
-       [](Situation& at) {
-         ++at.alerts;
-         ++at.cancelledQuits;
-       }},
+       {C::closeUnedited, C::closeEdited}},
       {"what is being recorded is unsaved; the question pauses it and says so",
        {S::recording},
        {C::closeUnedited, C::closeEdited},
@@ -700,9 +710,6 @@ struct Outcome {
   if (after.questions != before.questions) {
     return before.doing == Doing::recording ? "PausesAndAsks" : "Asks";
   }
-  if (after.alerts != before.alerts) {
-    return "IsRefusedAndTold";
-  }
   if (after.openPanels != before.openPanels || after.savePanels != before.savePanels) {
     return "ShowsAPanel";
   }
@@ -721,7 +728,7 @@ struct Outcome {
     return "Moves";
   }
   if (later.closed != untouched.closed) {
-    return "ClosesAfterwards";
+    return later.closed ? "ClosesAfterwards" : "StaysOpen";
   }
   if (later.questions != untouched.questions) {
     return "AsksAfterwards";

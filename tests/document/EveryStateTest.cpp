@@ -128,6 +128,8 @@ class EveryStateTest : public testing::TestWithParam<std::tuple<State, Command>>
       case Command::closeUnedited:
       case Command::closeEdited:
         return keeper_.close();
+      case Command::cancelClosing:
+        return document_->cancelClosing();
       case Command::playbackEndsAtTheEnd:
       case Command::playbackEndsBelowTheEnd:
         return endPlayback();
@@ -163,6 +165,7 @@ class EveryStateTest : public testing::TestWithParam<std::tuple<State, Command>>
     at.alerts = services_->alerts().size() + services_->postedAlerts().size();
     at.cancelledQuits = services_->cancelledTerminations();
     at.spectrum = document_->isSpectrumShown();
+    at.closing = document_->shouldCloseAfterSave();
     return at;
   }
 
