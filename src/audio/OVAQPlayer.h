@@ -26,7 +26,7 @@
 /// Three queue buffers of 1024 frames circulate, so the reading position is at most about 70 ms
 /// ahead of what has gone to the device.
 ///
-/// Threads: main, unless said otherwise. Real-time: not safe.
+/// Threads: main, unless noted. Real-time: not safe.
 class OVAQPlayer : public std::enable_shared_from_this<OVAQPlayer> {
   struct Key {};
 

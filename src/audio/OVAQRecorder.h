@@ -26,7 +26,7 @@
 ///   created, monitoring --record()--> recording --pause()--> monitoring
 ///     --prepareForDestruction()--> stopped --last reference--> destroyed
 ///
-/// Threads: main, unless said otherwise. Real-time: not safe.
+/// Threads: main, unless noted. Real-time: not safe.
 class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   struct Key {};
 

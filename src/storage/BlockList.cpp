@@ -87,8 +87,8 @@ void BlockList::map(const OVBlock& block) {
   add(block);
 }
 
-// The blocks that a write can change, in list order: of the reachable ones those that it overlaps
-// or touches; by the bounds of its steps, any of the others.
+// The blocks that a write can change, in list order: the reachable ones that it overlaps or
+// touches, and all unreachable ones, which its steps may match.
 std::vector<OrderedBlock> BlockList::inReachOf(const OVBlock& block) const {
   std::vector<OrderedBlock> result;
   auto position = reachable_.lowerBound(block.linear_addr_start());

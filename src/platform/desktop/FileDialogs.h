@@ -27,7 +27,7 @@ struct OpenPanelRequest {
 struct SavePanelRequest {
   QPointer<QWidget> window = nullptr;
   QString title;
-  std::string directory;      ///< initial directory; empty for that of the last panel
+  std::string directory;      ///< initial directory; empty for the last panel's
   std::string suggestedName;  ///< without the suffix, which acceptedSuffixes provides
 
   /// Shown below the files; the panel takes ownership. Null for none.

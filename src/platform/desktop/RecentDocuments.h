@@ -18,7 +18,7 @@ class RecentDocuments {
   virtual ~RecentDocuments() = default;
   static std::shared_ptr<RecentDocuments> whenNoneIsInstalled();
 
-  /// Records that the file at `path` was just opened or saved. A relative path starts at the
+  /// Records that the file at `path` was just opened or saved. A relative path is relative to the
   /// working directory. Failures are only logged to the diagnostics console.
   virtual void noteNewRecentDocument(const std::string& path) = 0;
 

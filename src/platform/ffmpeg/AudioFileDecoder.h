@@ -54,7 +54,7 @@ class AudioFileDecoder {
   AvPacket packet_;
   AvFrame current_;     // returned by next()
   AvFrame ahead_;       // decoded ahead, to detect the last frame
-  int aheadError_ = 0;  // why there is none ahead
+  int aheadError_ = 0;  // why ahead_ is empty
   bool primed_ = false;
   int inputError_ = 0;  // the error that ended the packets; 0 before
   int endError_ = 0;

@@ -59,7 +59,7 @@ class PosixUserAudioFiles : public UserAudioFiles {
   template <typename SystemFile>
   static Opened open(const std::string& path, int flags) {
     constexpr mode_t kUsualPermissions = 0666;  // before the umask
-    // Without O_NONBLOCK the opening of a pipe itself would wait; a regular file ignores it.
+    // Without O_NONBLOCK, opening a pipe would wait. Regular files ignore it.
     const int descriptor =
         ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kUsualPermissions);
     if (descriptor < 0) {
