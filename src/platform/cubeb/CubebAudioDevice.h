@@ -29,7 +29,7 @@ class CubebAudioDevice final : public AudioDevice {
 
   explicit CubebAudioDevice(ModuleConsole* consoleLog);
 
-  /// Disconnects once the streams are gone as well.
+  /// Disconnects once the streams are destroyed too.
   ~CubebAudioDevice() override;
 
   [[nodiscard]] Input openInput(AudioInputClient& client) override;

@@ -28,8 +28,8 @@ class DeviceAudioQueues final : public AudioQueues {
       std::shared_ptr<AudioDevice> device,
       std::shared_ptr<AudioClock> clock = std::make_shared<SteadyAudioClock>());
 
-  /// Closes the device once the last queue is gone as well. Waits at most 250 ms; a hanging control
-  /// thread is abandoned together with everything that it may still use, and ends with the process.
+  /// Closes the device once the last queue is destroyed too. Waits at most 250 ms; a hanging
+  /// control thread is abandoned with everything that it may still use, and ends with the process.
   ~DeviceAudioQueues() override;
 
   /// Starts connecting to the sound system and opening the input device ahead of the first queue,
