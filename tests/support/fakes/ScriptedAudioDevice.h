@@ -19,9 +19,10 @@ namespace platform {
 ///     ASSERT_TRUE(device->awaitInputOpen());
 ///     device->feed(samples);          // whole blocks of 4096 frames reach the recorder
 ///
-///     … make a player, play() … ASSERT_TRUE(device->awaitOutputRunning()); auto played =
-///     device->pull(1024); // the player's callback runs for these frames device->hearEverything();
-///     // and a drain ends
+///     … make a player, play() …
+///     ASSERT_TRUE(device->awaitOutputRunning());
+///     auto played = device->pull(1024);   // the player's callback runs for these frames
+///     device->hearEverything();           // and a drain ends
 ///
 /// feed() and pull() run the real-time callback on the calling thread and return after it. The
 /// queue's own thread runs the recorder's or player's callback a moment later, so a test waits for
