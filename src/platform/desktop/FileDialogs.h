@@ -14,7 +14,6 @@
 
 namespace platform {
 
-/// Content of an open panel.
 struct OpenPanelRequest {
   QPointer<QWidget> window = nullptr;  ///< the window that it blocks; null for none
   QString title;
@@ -23,7 +22,6 @@ struct OpenPanelRequest {
   std::vector<std::string> fileTypes;  ///< suffixes without the dot, most common first
 };
 
-/// Content of a save panel.
 struct SavePanelRequest {
   QPointer<QWidget> window = nullptr;
   QString title;

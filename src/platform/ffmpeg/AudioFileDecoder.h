@@ -31,7 +31,7 @@ class AudioFileDecoder {
 
   [[nodiscard]] const AudioFileDemuxer& demuxer() const { return *demuxer_; }
 
-  /// The next decoded stretch, valid until the next call; null at the end, then endError() is set.
+  /// The next decoded samples, valid until the next call. Null at the end; endError() is then set.
   [[nodiscard]] AVFrame* next();
 
   /// Why next() returned null: 0 at the end of a file with no detected damage, AVERROR_EXIT when

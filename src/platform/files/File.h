@@ -4,7 +4,6 @@
 
 namespace platform {
 
-/// Result of a transfer.
 struct FileTransfer {
   std::uint64_t byteCount = 0;  ///< contiguous bytes moved, from the first on
   int error = 0;                ///< errno of the failure that ended the transfer; 0 for none, also

@@ -44,7 +44,6 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     });
   }
 
-  /// The disk has room again.
   void freeSpace() { fillUpAfter(kUnlimited); }
 
   /// Every read fails with this errno and returns no bytes; 0 makes reads succeed again.

@@ -18,7 +18,6 @@ class ManualAudioClock final : public AudioClock {
   [[nodiscard]] TimePoint now() const noexcept override;
   [[nodiscard]] bool waitUntil(Semaphore& semaphore, TimePoint deadline) override;
 
-  /// Moves time forward.
   void advance(std::chrono::nanoseconds duration);
 
   /// Waits in real time until some thread waits for a moment at most `duration` ahead of now, so

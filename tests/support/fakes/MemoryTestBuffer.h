@@ -71,12 +71,10 @@ class MemoryTestBuffer : public OVAudioBufferInterface {
   }
   [[nodiscard]] std::uint64_t readCount() const { return readCount_; }
 
-  /// The reads requested, in order.
   [[nodiscard]] std::vector<Transfer> reads() const {
     const std::lock_guard guard(lock_);
     return reads_;
   }
-  /// The writes, in order.
   [[nodiscard]] std::vector<Transfer> writes() const {
     const std::lock_guard guard(lock_);
     return writes_;

@@ -79,7 +79,7 @@ class RecordingServices : public platform::ApplicationServices {
     return cancelledTerminations_;
   }
 
-  /// Console lines that contain `part`.
+  /// Number of console lines that contain `part`.
   std::size_t consoleLinesWith(const std::string& part) const {
     const auto lines = consoleLines();
     return static_cast<std::size_t>(std::count_if(
