@@ -23,7 +23,7 @@ class RecentDocuments {
   virtual void noteNewRecentDocument(const std::string& path) = 0;
 
   /// Paths of audio files that Orvo has noted and that still exist, latest first, at most `most`.
-  /// Empty when there is no readable list.
+  /// Empty if the list cannot be read.
   [[nodiscard]] virtual std::vector<std::string> recentDocuments(std::size_t most) const = 0;
 };
 

@@ -165,7 +165,7 @@ bool AudioFileDecoder::feed() {
   return true;
 }
 
-// In MPEG-4 the duration of the last packet says how much of it is sound.
+// In MPEG-4 the last packet's duration gives the length of its sound.
 void AudioFileDecoder::cutToPacket(AVFrame& frame) const {
   if (!demuxer_->isMpeg4() || durationOf(frame) <= 0 || frame.sample_rate <= 0) {
     return;

@@ -29,7 +29,7 @@ class WriteBehindFile : public PosixFile {
 #if defined(__linux__)
     if (offset + transfer.byteCount >= hinted_ + kStretch) {
       const std::uint64_t stretch = offset + transfer.byteCount - hinted_;
-      // Only a hint: the sync meets and reports any failure.
+      // Only a hint: the sync reports any failure.
       static_cast<void>(::sync_file_range(hintedDescriptor_, static_cast<off_t>(hinted_),
                                           static_cast<off_t>(stretch), SYNC_FILE_RANGE_WRITE));
       hinted_ += stretch;
