@@ -73,7 +73,7 @@ class PrivateSoundServer {
 
   TemporaryFolder folder_;
   Environment serverEnvironment_;
-  /// In the order of their start; killed in reverse order.
+  /// In the order of their start; kill() ends them in reverse order.
   std::vector<std::unique_ptr<ChildProcess>> programs_;
 };
 
