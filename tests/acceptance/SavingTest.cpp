@@ -1,5 +1,4 @@
-// Saving through the real panel: the file, decoded by another program, is compared with the
-// recording.
+// Saving through the real panel; the file, decoded by another program, must match the recording.
 
 #include <algorithm>
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Of 255, over a tile. Other rasteriser or font versions may differ by this much, not visibly.
+// Of 255, over a tile. Other rasterisers or fonts differ by less, a visible change by more.
 constexpr double kTolerance = 0.6;
 
 class ReferencePicturesTest : public testing::TestWithParam<double> {};

@@ -142,7 +142,7 @@ TEST_F(CubebAudioDeviceTest, AServerThatDiesEndsTheQueuesAndTheNextServerIsFound
   EXPECT_EQ(recording.failures.values()[0], kDeviceLostStatus);
   EXPECT_EQ(playback.queue->failure(), kDeviceLostStatus);
   EXPECT_TRUE(queues_->claimInputFailureAlert());
-  // Still no server: the request is refused, within the remembered second and after it.
+  // Still no server: requests are refused, while the failure is remembered (1 s) and afterwards.
   Recording refused;
   EXPECT_EQ(refused.make(*queues_), kDeviceLostStatus);
   EXPECT_TRUE(support::eventually([&] {
