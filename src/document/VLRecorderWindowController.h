@@ -129,8 +129,10 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
     parts_.displayLoop.setIsRenderingWaveform(rendering);
   }
   [[nodiscard]] QProgressBar* loadingIndicator() const;
-  void recreateIndicator(bool indeterminate,
-                         platform::TextKey activity = platform::textKey("Progress"));
+  void recreateIndicator(bool indeterminate) {
+    recreateIndicator(indeterminate, platform::textKey("Progress"));
+  }
+  void recreateIndicator(bool indeterminate, platform::TextKey activity);
 
   // Spectrum ------------------------------------------------------------------------------------
 

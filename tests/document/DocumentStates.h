@@ -74,6 +74,11 @@ inline void PrintTo(State state, std::ostream* out) {
          state == State::importPanelWhileRecording;
 }
 
+struct SlowMedium {
+  support::TestUserAudioFiles storage;
+  platform::Installed<platform::UserAudioFiles>::Scope installation{storage};
+};
+
 /// Brings a document into a state and holds it there: file operations wait at a gate, panels and
 /// questions wait for an answer, sound advances only when the test steps it.
 ///
@@ -293,11 +298,6 @@ class StateKeeper {
     medium_->storage.setBytes(support::wavBytes(44100, 2, 16, std::string(4 * kFileFrames, 'x')));
     medium_->storage.beforeReads([this](std::uint64_t) { passInBackground(); });
   }
-
-  struct SlowMedium {
-    support::TestUserAudioFiles storage;
-    platform::Installed<platform::UserAudioFiles>::Scope installation{storage};
-  };
 
   support::InstalledScriptedPanels& panels_;
   support::InstalledSteppedQueues& queues_;

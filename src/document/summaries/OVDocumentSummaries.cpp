@@ -161,16 +161,17 @@ void OVDocumentSummaries::replace(Replacement replacement) {
   waveformIsChanging_ = true;
   platform::globalQueue().async(
       [self = weak_from_this(), replacement = std::move(replacement), epoch = work_->epoch()] {
-        const auto [summary, copy] = buildWithMemory(replacement.build);
-        platform::mainQueue().async([self, replacement, summary, copy, epoch] {
-          if (const auto summaries = self.lock()) {
-            summaries->waveformIsChanging_ = false;
-            // Otherwise an edit or undo came first: this is a summary of older audio.
-            if (summary && epoch == summaries->work_->epoch()) {
-              summaries->install(replacement, summary, copy);
-            }
-          }
-        });
+        auto [summary, copy] = buildWithMemory(replacement.build);
+        platform::mainQueue().async(
+            [self, replacement, epoch, summary = std::move(summary), copy = std::move(copy)] {
+              if (const auto summaries = self.lock()) {
+                summaries->waveformIsChanging_ = false;
+                // Otherwise an edit or undo came first: this is a summary of older audio.
+                if (summary && epoch == summaries->work_->epoch()) {
+                  summaries->install(replacement, summary, copy);
+                }
+              }
+            });
       });
 }
 
