@@ -92,8 +92,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// Groups of menu commands that are enabled together.
   enum class MenuAction { reverseBuffer, undo, redo, edit, transport, open, file, other };
   [[nodiscard]] bool validateMenuItem(MenuAction action) const;
-  /// Called whenever the result of validateMenuItem() may have changed, except by the undo manager,
-  /// which reports its own changes.
+  /// Called when validateMenuItem() may have changed; the undo manager reports its own changes.
   void setCommandsChangedHandler(std::function<void()> handler);
 
   // Display loop --------------------------------------------------------------------------------
@@ -197,8 +196,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const;
   [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const;
   [[nodiscard]] bool waveformIsChanging() const { return parts_.summaries->isChanging(); }
-  /// A fresh path in the user's temporary directory, the name beginning with "velmar_". Creates no
-  /// file.
+  /// A fresh path, named "velmar_…", in the user's temporary directory. Creates no file.
   [[nodiscard]] static std::string createTempFile() { return freshTemporaryPath(); }
   /// Deletes a file. Ignores errors and an empty path.
   static void removeTempFile(const std::string& path) { platform::deleteFile(path); }

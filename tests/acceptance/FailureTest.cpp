@@ -25,8 +25,8 @@ class Failure : public AcceptanceTest {
     startOrvo(options);
   }
 
-  // Shortly after a failure, the program assumes that the sound system is gone without asking it. A
-  // key that is pressed too early must be pressed again.
+  // Shortly after a failure, the program assumes without trying that there is no sound system. A
+  // key pressed too early must be pressed again.
 
   /// Presses R until the recording runs. Attempts rolled back meanwhile show no second alert.
   void beginRecordingWhenItIsPossible() {

@@ -281,7 +281,7 @@ class StateKeeper {
     panels_->answerOpen({otherFile()});
   }
 
-  // The main thread passes every gate: the test runs on it.
+  // The main thread passes every gate, since the test runs on it.
   void passInBackground() {
     if (!platform::isMainThread()) {
       gate_.pass();
