@@ -32,7 +32,7 @@
 
 namespace {
 
-// How long the program waits at the end for background work to finish.
+// How long the program waits, at most, for background work to finish at the end.
 constexpr double kLastWorkSeconds = 2.0;
 
 std::shared_ptr<OVApplicationServices> servicesOf(VelmarAppDelegate& delegate) {
