@@ -123,11 +123,11 @@ TEST_F(Accessibility, TheWaveformsKeysMoveTheMarkerAndTheNewPositionIsReadOut) {
   for (const auto& [key, position] : steps) {
     ASSERT_TRUE(screen_->pressKey(key));
     std::string told;
-    EXPECT_TRUE(eventually([&] {
+    EXPECT_TRUE(eventually([&, expected = position] {
       told = waveformTells();
       const int hundredths = hundredthsOf(told);
       // A step may end a frame short, and hundredths are truncated.
-      return hundredths == position || hundredths == position - 1;
+      return hundredths == expected || hundredths == expected - 1;
     })) << key
         << ": " << told;
   }
