@@ -78,7 +78,7 @@ OVMainMenu::ApplicationCommands VelmarAppDelegate::commands() {
       .openFile = [this](QWidget* window) { openFile(window); },
       .recentFiles =
           [this] {
-            recentFiles_.refresh();  // for the next time
+            recentFiles_.refresh();  // for the next call
             return recentFiles_.latest();
           },
       .openRecentFile = [this](const std::string& path) { applicationOpenFile(path); },
@@ -114,7 +114,7 @@ bool VelmarAppDelegate::applicationOpenFiles(const std::vector<std::string>& pat
 void VelmarAppDelegate::openInNewWindow(const std::string& path) {
   std::string absolute = platform::absolutePathOf(path);
   if (absolute.empty()) {
-    absolute = path;  // no path at all, or no working folder: the reader reports it
+    absolute = path;  // an empty path, or no working directory: the reader reports it
   }
   recentFiles_.note(absolute);
   const auto controller = makeWindow();
@@ -141,7 +141,7 @@ void VelmarAppDelegate::openFile(QWidget* window) {
 
 // Quit ------------------------------------------------------------------------------------------
 
-// A copy: a window that is asked to close may be gone afterwards.
+// A copy: a window that is asked to close may be destroyed.
 std::vector<QPointer<OVRecorderWindow>> VelmarAppDelegate::recorderWindows() const {
   std::vector<QPointer<OVRecorderWindow>> shown;
   std::copy_if(windows_.begin(), windows_.end(), std::back_inserter(shown),
@@ -240,7 +240,7 @@ void VelmarAppDelegate::terminate() {
   }
   const bool alertsPending = alertsPending_ && alertsPending_();
   if (!recorderWindows().empty() || alertsPending) {
-    // A window that is just being saved goes when its file is complete, an alert when it was read.
+    // A window that is being saved closes when its file is complete, an alert when it is dismissed.
     pollTermination();
     return;
   }
@@ -269,7 +269,7 @@ std::vector<std::string> VelmarAppDelegate::tempfiles() const {
 
 // Pages -----------------------------------------------------------------------------------------
 
-// The address is looked up like any text, so that a language can have pages of its own.
+// The address is localized like any text, so that a language can have its own pages.
 void VelmarAppDelegate::openDocumentation(QObject*) {
   openPage(platform::textKey("https://orvo.example/help/"));
 }

@@ -108,7 +108,7 @@ void OVUnsavedChanges::loadEnded() {
   }
 }
 
-// One that a running load keeps from beginning is begun when that has ended.
+// A save that a running load prevents begins when the load has ended.
 void OVUnsavedChanges::save() {
   if (!save_() && !parts_.operation.isActive()) {
     saveFailed();

@@ -41,29 +41,30 @@ class OVUnsavedChanges {
     OVDocumentPanels& panels;
   };
 
-  /// `save` is the document's command, false if it began nothing; `answered` gets the answer and
-  /// calls answer() with it.
+  /// `save` runs the document's save command and returns false if nothing was begun; `answered`
+  /// receives the answer and calls answer() with it.
   OVUnsavedChanges(const Parts& parts, std::function<bool()> save,
                    std::function<void(int)> answered);
 
   void setWindow(OVRecorderWindow* window);
   [[nodiscard]] State state() const { return state_; }
 
-  /// Whether the window may close now. If not, waits for a save that runs, or asks, or, when a
-  /// panel is open, brings it to the front. Recording is paused once the question is on the screen.
+  /// Whether the window may close now. If not, waits for a running save, or asks the user, or, if
+  /// another panel is open, brings it to the front. Recording is paused once the question is on the
+  /// screen.
   [[nodiscard]] bool mayClose();
-  /// Whether the question cannot be asked because another panel is open. If so, brings that to the
-  /// front and alerts the user; the caller cancels the quit.
+  /// Whether the question cannot be asked because another panel is open. If so, brings the panel to
+  /// the front and shows an alert; the caller cancels the quit.
   [[nodiscard]] bool refusesQuit();
-  /// The window stays open when the save that it waits for is complete; one that has not begun yet
-  /// is not begun. A question on the screen stays.
+  /// The window stays open after the save that it waits for; a save that has not begun is dropped.
+  /// A question on the screen stays.
   void cancelClosing();
-  /// Handles the answer. Any code but an Answer is a programming error and ends the program.
+  /// Handles the answer. A code that is no Answer is a programming error and aborts the program.
   void answer(int returnCode);
 
   /// A load has ended: starts a save that waited for it.
   void loadEnded();
-  /// A save has written everything, or (`saved` false) an export, which leaves the document
+  /// A save has written everything; with `saved` false an export, which leaves the document
   /// unsaved.
   void written(bool saved);
   /// A save failed or was cancelled: the document stays open and a quit is cancelled.

@@ -154,7 +154,7 @@ void VLRecorderWindowController::press(Button button, OVTransportButton* sender)
       &VLRecorderWindowController::recButton,  &VLRecorderWindowController::playButton,
       &VLRecorderWindowController::prevButton, &VLRecorderWindowController::nextButton,
       &VLRecorderWindowController::stopButton, &VLRecorderWindowController::pauseButton};
-  (this->*kActions[button])(sender);
+  (this->*kActions[static_cast<std::size_t>(button)])(sender);
 }
 
 void VLRecorderWindowController::turn(OVTransportButton* sender, void (OVTransport::*begin)()) {
@@ -179,7 +179,7 @@ void VLRecorderWindowController::menuCommand(Button button) {
   if (button == Button::rec || button == Button::play) {
     parts_.controls.setOn(button, !parts_.controls.isOn(button));
   }
-  press(button, parts_.controls.button(button));
+  press(button, parts_.controls.view(button));
 }
 
 void VLRecorderWindowController::playMenu(QObject*) {
@@ -239,7 +239,7 @@ void VLRecorderWindowController::cut(void (OVAudioBufferInterface::*cutoff)(std:
   }
   parts_.transport.pause();
   parts_.history.beginStep(actionName);
-  // An undo may have left the marker after the end.
+  // An undo may have left the marker past the end.
   ((*audio).*cutoff)(std::min(playbackPosition(), audio->bufferSizeInFrames()));
   setDocumentEdited(true);
   parts_.transport.setPlaybackPosition(0);

@@ -1,4 +1,4 @@
-// Quit in every state of a document: asked for in another window, which has nothing to save.
+// Quit in every state of a document, chosen in another window that has nothing to save.
 #include <filesystem>
 #include <string>
 #include <tuple>
@@ -7,14 +7,14 @@
 
 namespace {
 
-/// What quitting does to the program and to the document in a state.
+/// The effect of quitting on the program and on the document in a state.
 struct Outcome {
   const char* why;
-  bool asks = false;                  // a question more is on the screen
+  bool asks = false;                  // one more question is on the screen
   bool tells = false;                 // an alert says why the program does not quit
   bool waits = false;                 // for an answer, or for the end of a file operation
   bool quits = false;                 // at once
-  bool asksWhenTheStateEnds = false;  // a question more, when the state has ended
+  bool asksWhenTheStateEnds = false;  // one more question, when the state has ended
   bool quitsWhenTheStateEnds = false;
   bool recordsOn = false;
   bool othersStay = true;  // the windows that have nothing to save

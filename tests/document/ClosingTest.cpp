@@ -70,7 +70,7 @@ TEST_F(ClosingTest, SaveWithACancelledPanelKeepsTheWindow) {
   panels_->answerSave(std::nullopt);
   EXPECT_EQ(services_->cancelledTerminations(), 1U);
   saveTo(at("take.wav"));
-  EXPECT_TRUE(document_->window()->isVisible());  // the wish to close went with the panel
+  EXPECT_TRUE(document_->window()->isVisible());  // cancelling the panel also cancelled closing
 }
 
 TEST_F(ClosingTest, SaveThatFailsKeepsTheWindow) {

@@ -26,7 +26,7 @@
 #include "support/fakes/TestUserAudioFiles.h"
 #include "support/programs/AudioFileTools.h"
 
-/// Everything that a document may be in the middle of when a command arrives.
+/// Everything that a document may be doing when a command arrives.
 enum class State {
   idle,
   recording,
@@ -82,10 +82,15 @@ inline void PrintTo(State state, std::ostream* out) {
          state == State::importPanelWhileRecording;
 }
 
-/// Brings a document into a state and holds it there: file operations stand at a gate, panels and
-/// questions wait for an answer, sound moves only when the test steps it.
+struct SlowMedium {
+  support::TestUserAudioFiles storage;
+  platform::Installed<platform::UserAudioFiles>::Scope installation{storage};
+};
+
+/// Brings a document into a state and holds it there: file operations wait at a gate, panels and
+/// questions wait for an answer, sound advances only when the test steps it.
 ///
-/// Make it before the document, whose temporary file it provides, and destroy it after the
+/// Create it before the document, whose temporary file it provides, and destroy it after the
 /// document. Threads: main.
 class StateKeeper {
  public:
@@ -115,12 +120,12 @@ class StateKeeper {
   StateKeeper(const StateKeeper&) = delete;
   StateKeeper& operator=(const StateKeeper&) = delete;
 
-  /// A file that is not the document's, of kFileFrames.
+  /// A file of kFileFrames that is not the document's.
   [[nodiscard]] std::string otherFile() const { return folder_.file("other.wav"); }
   [[nodiscard]] std::string ownFile() const { return folder_.file("take.wav"); }
 
-  /// Records two takes and takes the document for saved under ownFile(). Marker and recording
-  /// position differ from each other and from both ends.
+  /// Records two takes and treats the document as saved to ownFile(). Marker and recording position
+  /// differ from each other and from both ends.
   void fill(const std::shared_ptr<VLRecorderWindowController>& document) {
     document_ = document;
     record(3);
@@ -205,8 +210,8 @@ class StateKeeper {
     document_->updatePlaybackMarkerView();
   }
 
-  /// The state ends by itself, or as when its panel or question is cancelled; a recording or a
-  /// playback is paused. A file operation that runs then is waited for.
+  /// Ends the state: it ends by itself, its panel or question is cancelled, or its recording or
+  /// playback is paused. Waits for a file operation that then runs.
   void leave(State state) {
     gate_.open();
     switch (state) {
@@ -238,8 +243,8 @@ class StateKeeper {
     }
   }
 
-  /// A click on a transport button. While a file operation runs also on one that is disabled by
-  /// now: as a command that comes too late.
+  /// A click on a transport button. While a file operation runs, even on a disabled one: a command
+  /// that comes too late.
   void press(const char* name, void (VLRecorderWindowController::*action)(OVTransportButton*)) {
     auto* const button = document_->window()->findChild<OVTransportButton*>(name);
     if (!button->isEnabled() && !document_->isFileIOActive()) {
@@ -261,7 +266,7 @@ class StateKeeper {
     return document_->player() && document_->player()->isPlaying();
   }
 
-  /// Runs what the queues hold; not while a file operation stands at the gate.
+  /// Runs what the queues hold; not while a file operation waits at the gate.
   static void settle() {
     for (int i = 0; i < 2; ++i) {
       EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
@@ -290,7 +295,7 @@ class StateKeeper {
     panels_->answerOpen({otherFile()});
   }
 
-  // The main thread passes every gate: the test stands there.
+  // The main thread passes every gate, since the test runs on it.
   void passInBackground() {
     if (!platform::isMainThread()) {
       gate_.pass();
@@ -307,11 +312,6 @@ class StateKeeper {
     medium_->storage.setBytes(support::wavBytes(44100, 2, 16, std::string(4 * kFileFrames, 'x')));
     medium_->storage.beforeReads([this](std::uint64_t) { passInBackground(); });
   }
-
-  struct SlowMedium {
-    support::TestUserAudioFiles storage;
-    platform::Installed<platform::UserAudioFiles>::Scope installation{storage};
-  };
 
   support::InstalledScriptedPanels& panels_;
   support::InstalledSteppedQueues& queues_;

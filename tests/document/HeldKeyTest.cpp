@@ -1,4 +1,4 @@
-// Transport keys that are held while something takes their release away, or their button.
+// Transport keys that are held while they lose their release or their button.
 #include <array>
 #include <utility>
 
@@ -19,7 +19,7 @@ class HeldKeyTest : public DocumentFileFixture {
     release(key);
   }
 
-  /// As when an alert or another window comes up.
+  /// As when an alert or another window is shown.
   void loseTheKeyboard() {
     QEvent deactivate(QEvent::WindowDeactivate);
     QCoreApplication::sendEvent(document_->window(), &deactivate);
@@ -35,7 +35,7 @@ class HeldKeyTest : public DocumentFileFixture {
     EXPECT_EQ(button(name)->isHighlighted(), highlighted) << name;
   }
 
-  /// Until the main loop runs, the transport is disabled.
+  /// The transport is disabled until the main loop runs.
   void beginToSave() {
     document_->saveFileNamed(at("take.wav"), 0);
     ASSERT_FALSE(transportEnabled());
@@ -141,7 +141,7 @@ TEST_F(HeldKeyTest, AKeyCancelledAfterItsRecordingEndedShowsRecordOff) {
   queues_->fail("newInput", platform::kDeviceUnavailableStatus);
   queues_.input().failLate(platform::kDeviceLostStatus);
   ASSERT_TRUE(runMainLoopUntil([&] { return document_->recorder() == nullptr; }));
-  loseTheKeyboard();  // to the alert about it
+  loseTheKeyboard();  // to the alert about the failure
   expectShown("recButton", false, false);
   expectShown("playButton", false, false);
 }

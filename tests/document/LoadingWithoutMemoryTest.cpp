@@ -1,4 +1,4 @@
-// A file whose waveform cannot be drawn for want of memory is there all the same.
+// A file is loaded even if there is no memory to draw its waveform.
 #include <atomic>
 #include <new>
 
@@ -35,7 +35,7 @@ TEST_F(LoadingWithoutMemoryTest, TheFileIsLoadedAndTheWaveformIsDrawnWhenThereIs
   settle();
   EXPECT_FALSE(document_->waveForm()->isRegenerating());
   EXPECT_EQ(document_->waveForm()->readerPos(), 44100U);
-  closeDocument();  // before the flag goes
+  closeDocument();  // before the flag is destroyed
 }
 
 }  // namespace

@@ -327,7 +327,7 @@ TEST_F(OVAudioBufferTest, ReportsAWriteForWhichThereIsNoMemory) {
   EXPECT_EQ(buffer_->bufferCapacity(), kTenSeconds);
 }
 
-// A recording that takes much memory, on a machine that has none left for a second one.
+// A large recording in a process without memory for a copy of it.
 class OVAudioBufferWithoutMemoryTest : public OVAudioBufferTest {
  protected:
   static constexpr std::uint64_t kLong = std::uint64_t{96} << 20;   // bytes

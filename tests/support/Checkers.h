@@ -3,8 +3,8 @@
 /// Which sanitizers this test program was built with.
 namespace support {
 
-/// ThreadSanitizer makes memory accesses up to a hundred times as expensive; AddressSanitizer keeps
-/// freed memory for a while. Both end the program when an allocation fails.
+/// ThreadSanitizer makes memory accesses up to a hundred times slower; AddressSanitizer delays the
+/// reuse of freed memory. Both abort the program when an allocation fails.
 #if defined(__SANITIZE_THREAD__)
 inline constexpr bool kThreadChecker = true;
 #elif defined(__has_feature)

@@ -5,6 +5,8 @@
 #include "controls/buttons/OVTransportButton.h"
 #include "platform/views/ViewRedraw.h"
 
+#include <algorithm>
+
 namespace {
 
 using Button = OVTransportControls::Button;
@@ -25,6 +27,10 @@ constexpr std::array<Description, OVTransportControls::kButtonCount> kDescriptio
     {Button::pause, "pauseButton", "pause.png", "pause.png"},
 }};
 
+bool isSwitch(Button button) {
+  return button == Button::rec || button == Button::play;
+}
+
 void roundOff(OVTransportButton* button, int type) {
   if (auto* const rounded = qobject_cast<OVRoundedTransportButton*>(button)) {
     rounded->setType(type);
@@ -39,7 +45,7 @@ void OVTransportControls::connect(OVRecorderWindow* window, const std::weak_ptr<
   waveform_ = window->findChild<QWidget*>("wfView");
   for (const Description& description : kDescriptions) {
     auto* const button = window->findChild<OVTransportButton*>(description.name);
-    buttons_[description.button] = button;
+    buttons_[static_cast<std::size_t>(description.button)] = button;
     if (button == nullptr) {
       continue;
     }
@@ -50,22 +56,22 @@ void OVTransportControls::connect(OVRecorderWindow* window, const std::weak_ptr<
     button->setTarget(target);
     button->setIsOn(false);
     button->setIsSwitch(isSwitch(description.button));
-    requestRedraw(buttons_[description.button]);
+    requestRedraw(view(description.button));
   }
-  roundOff(buttons_[prev], 1);
-  roundOff(buttons_[next], 0);
+  roundOff(view(Button::prev), 1);
+  roundOff(view(Button::next), 0);
 }
 
-// What the transport does -----------------------------------------------------------------------
+// State of the transport ------------------------------------------------------------------------
 
 void OVTransportControls::show(OVTransportState state, bool available) {
   state_ = state;
   if (!available) {
     focusKeeper_.takeFrom(window_, all());
   }
-  showButton(rec, available && state != OVTransportState::playing);
-  showButton(play, available && state != OVTransportState::recording);
-  for (const Button button : {prev, next, stop, pause}) {
+  showButton(Button::rec, available && state != OVTransportState::playing);
+  showButton(Button::play, available && state != OVTransportState::recording);
+  for (const Button button : {Button::prev, Button::next, Button::stop, Button::pause}) {
     showButton(button, available);
   }
   if (waveform_) {
@@ -77,67 +83,64 @@ void OVTransportControls::show(OVTransportState state, bool available) {
 }
 
 void OVTransportControls::showButton(Button button, bool enabled) {
-  OVTransportButton* const view = buttons_[button];
-  if (view == nullptr) {
+  if (!view(button)) {
     return;
   }
   if (!enabled) {
-    cancelPress(button);  // it would not see the release, of a key as little as of the mouse
+    cancelPress(button);  // it would see neither the key's nor the mouse's release
   }
-  view->setEnabled(enabled);
+  view(button)->setEnabled(enabled);
   if (isSwitch(button)) {
-    view->setIsOn(standsFor(button));
+    view(button)->setIsOn(standsFor(button));
   }
 }
 
 bool OVTransportControls::standsFor(Button button) const {
-  return (button == rec && state_ == OVTransportState::recording) ||
-         (button == play && state_ == OVTransportState::playing);
+  return (button == Button::rec && state_ == OVTransportState::recording) ||
+         (button == Button::play && state_ == OVTransportState::playing);
 }
 
 std::array<QWidget*, OVTransportControls::kButtonCount + 1> OVTransportControls::all() const {
-  return {buttons_[rec],  buttons_[play],  buttons_[prev], buttons_[next],
-          buttons_[stop], buttons_[pause], waveform_};
+  std::array<QWidget*, kButtonCount + 1> all{};
+  std::ranges::copy(buttons_, all.begin());
+  all.back() = waveform_;
+  return all;
 }
 
 // Single buttons --------------------------------------------------------------------------------
 
-OVTransportButton* OVTransportControls::button(Button button) const {
-  return buttons_[button];
-}
-
 bool OVTransportControls::isEnabled(Button button) const {
-  return buttons_[button] && buttons_[button]->isEnabled();
+  return view(button) && view(button)->isEnabled();
 }
 
 bool OVTransportControls::isOn(Button button) const {
-  return buttons_[button] && buttons_[button]->isOn();
+  return view(button) && view(button)->isOn();
 }
 
 void OVTransportControls::setOn(Button button, bool on) {
-  if (buttons_[button]) {
-    buttons_[button]->setIsOn(on);
+  if (view(button)) {
+    view(button)->setIsOn(on);
   }
 }
 
 bool OVTransportControls::isPressed(Button button) const {
-  return buttons_[button] && buttons_[button]->isHighlighted();
+  return view(button) && view(button)->isHighlighted();
 }
 
 void OVTransportControls::press(Button button) {
   if (isSwitch(button)) {
     setOn(button, !isOn(button));
   }
-  buttons_[button]->setIsHighlighted(true);
-  requestRedraw(buttons_[button]);
+  view(button)->setIsHighlighted(true);
+  requestRedraw(view(button));
 }
 
 void OVTransportControls::release(Button button) {
   if (isSwitch(button)) {
     setOn(button, !isOn(button));
   }
-  buttons_[button]->setIsHighlighted(false);
-  requestRedraw(buttons_[button]);
+  view(button)->setIsHighlighted(false);
+  requestRedraw(view(button));
 }
 
 void OVTransportControls::cancelPress(Button button) {
@@ -145,6 +148,6 @@ void OVTransportControls::cancelPress(Button button) {
     return;
   }
   setOn(button, standsFor(button));
-  buttons_[button]->setIsHighlighted(false);
-  requestRedraw(buttons_[button]);
+  view(button)->setIsHighlighted(false);
+  requestRedraw(view(button));
 }

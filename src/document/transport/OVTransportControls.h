@@ -26,18 +26,20 @@ class QWidget;
 /// Threads: main. Real-time: not safe.
 class OVTransportControls {
  public:
-  enum Button : std::uint8_t { rec, play, prev, next, stop, pause };
+  enum class Button : std::uint8_t { rec, play, prev, next, stop, pause };
   static constexpr std::size_t kButtonCount = 6;
 
-  /// Finds the buttons and the waveform by their names in the window and sets the buttons' icons.
-  /// `action` is called with the pressed button as long as `target` exists.
+  /// Finds the buttons and the waveform by their names in the window, and sets the buttons' icons.
+  /// `action` is called with the pressed button while `target` exists.
   void connect(OVRecorderWindow* window, const std::weak_ptr<void>& target,
                std::function<void(Button, OVTransportButton*)> action);
 
   /// `available` is false while a file operation runs.
   void show(OVTransportState state, bool available);
 
-  [[nodiscard]] OVTransportButton* button(Button button) const;
+  [[nodiscard]] const QPointer<OVTransportButton>& view(Button button) const {
+    return buttons_[static_cast<std::size_t>(button)];
+  }
   [[nodiscard]] bool isEnabled(Button button) const;
   [[nodiscard]] bool isOn(Button button) const;
   void setOn(Button button, bool on);
@@ -50,7 +52,6 @@ class OVTransportControls {
   [[nodiscard]] bool isPressed(Button button) const;
 
  private:
-  [[nodiscard]] bool isSwitch(Button button) const { return button == rec || button == play; }
   [[nodiscard]] bool standsFor(Button button) const;
   void showButton(Button button, bool enabled);
   [[nodiscard]] std::array<QWidget*, kButtonCount + 1> all() const;

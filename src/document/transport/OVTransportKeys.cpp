@@ -52,7 +52,7 @@ void OVTransportKeys::press(std::uint16_t keyCode, Button button) {
   if (!controls_.isEnabled(button) || controls_.isPressed(button)) {
     return;
   }
-  cancel(keyCode);  // a held Space becomes Play's when the recording ends by itself
+  cancel(keyCode);  // a held Space changes to Play when the recording ends by itself
   presses_[keyCode] = button;
   controls_.press(button);
 }
@@ -62,11 +62,11 @@ bool OVTransportKeys::release(std::uint16_t keyCode, Button button) {
   if (released) {
     controls_.release(button);
   }
-  cancel(keyCode);  // where it went down on another button, or this one is disabled
+  cancel(keyCode);  // if it had pressed another button, or this one is disabled
   return released;
 }
 
-// Nothing is left to do where its button was released.
+// Nothing is left to do if its button was released.
 void OVTransportKeys::cancel(std::uint16_t keyCode) {
   if (const auto press = presses_.extract(keyCode)) {
     controls_.cancelPress(press.mapped());

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// The settings portal of a desktop.
+/// A desktop's settings portal.
 class Portal : public QObject {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
@@ -62,7 +62,7 @@ class DesktopColoursTest : public testing::Test {
     const QString connectionName = QString::fromLatin1(name);
     const QDBusConnection connection = QDBusConnection::connectToBus(address_, connectionName);
     if (!connection.isConnected()) {
-      QDBusConnection::disconnectFromBus(connectionName);  // else the failure would be remembered
+      QDBusConnection::disconnectFromBus(connectionName);  // otherwise Qt would cache the failure
     }
     return connection;
   }

@@ -48,7 +48,7 @@ TEST(FfmpegModuleTest, NamesFfmpegsLibrariesInItsFileForPackagingTools) {
   }
 }
 
-// Without a file to open, every library is missing.
+// If the process cannot open files, every library is missing.
 void useWithoutLibraries() {
   const support::InstalledRecordingServices services;
   const rlimit none{0, 0};
