@@ -1,6 +1,7 @@
 // Any file that the user can drop on a window is opened in one: the result is at most one alert and
 // a fully usable window, and the main loop keeps running.
 #include "support/BadFiles.h"
+#include "support/Sanitizers.h"
 
 #include <chrono>
 #include <filesystem>
@@ -22,11 +23,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 // Sanitizers slow everything down.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::chrono::seconds kMaxStandstill{20};
-#else
-constexpr std::chrono::seconds kMaxStandstill{2};
-#endif
+constexpr std::chrono::seconds kMaxStandstill{support::kAnySanitizer ? 20 : 2};
 
 /// Measures the longest standstill of the main loop during its lifetime.
 class Heartbeat {

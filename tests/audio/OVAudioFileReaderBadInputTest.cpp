@@ -16,6 +16,7 @@
 
 #include "support/BadFiles.h"
 #include "support/RawAudio.h"
+#include "support/Sanitizers.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/TestUserAudioFiles.h"
@@ -30,13 +31,8 @@ using testing::SizeIs;
 constexpr std::int64_t kMegabyte = 1 << 20;
 
 // Sanitizers delay the reuse of freed memory and slow everything down. Limits processor time.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::chrono::milliseconds kPatience{20'000};
-constexpr std::int64_t kMaxMemory = 1000 * kMegabyte;
-#else
-constexpr std::chrono::milliseconds kPatience{2000};
-constexpr std::int64_t kMaxMemory = 100 * kMegabyte;
-#endif
+constexpr std::chrono::seconds kPatience{support::kAnySanitizer ? 20 : 2};
+constexpr std::int64_t kMaxMemory = (support::kAnySanitizer ? 1000 : 100) * kMegabyte;
 
 std::string wav(std::size_t frames) {
   return support::wavBytes(44100, 2, 16, std::string(4 * frames, 'x'));

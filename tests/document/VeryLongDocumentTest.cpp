@@ -6,14 +6,14 @@
 #include <vector>
 
 #include "document/DocumentFixture.h"
-#include "support/Checkers.h"
 #include "support/ProcessMemory.h"
+#include "support/Sanitizers.h"
 #include "support/fakes/SparseTemporaryFiles.h"
 #include "support/fakes/TestUserAudioFiles.h"
 
 class VeryLongDocumentTest : public DocumentFixture {
  protected:
-  static constexpr std::uint64_t kHours = support::kThreadChecker ? 2 : 20;
+  static constexpr std::uint64_t kHours = support::kThreadSanitizer ? 2 : 20;
   static constexpr std::uint64_t kLength = kHours * 3600 * 44100;  // frames
   static constexpr std::uint64_t kMiddle = kLength / 2;
   static constexpr std::uint64_t kShortLength = 600ULL * 44100;
@@ -22,8 +22,8 @@ class VeryLongDocumentTest : public DocumentFixture {
 
   // Memory that a step may take temporarily, whatever the length. Sanitizers keep freed memory.
   static constexpr std::uint64_t kMegabyte = std::uint64_t{1} << 20;
-  static constexpr std::uint64_t kForOpening = (support::kAnyChecker ? 512 : 8) * kMegabyte;
-  static constexpr std::uint64_t kForAnEdit = (support::kAnyChecker ? 512 : 2) * kMegabyte;
+  static constexpr std::uint64_t kForOpening = (support::kAnySanitizer ? 512 : 8) * kMegabyte;
+  static constexpr std::uint64_t kForAnEdit = (support::kAnySanitizer ? 512 : 2) * kMegabyte;
 
   // Silence, with a second of sound from the middle on.
   void makeFile(std::uint64_t frames) {

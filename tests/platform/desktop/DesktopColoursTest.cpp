@@ -11,6 +11,7 @@
 #include <QDBusVariant>
 
 #include "support/MainLoop.h"
+#include "support/Sanitizers.h"
 #include "support/TemporaryFolder.h"
 #include "support/programs/ChildProcess.h"
 
@@ -37,9 +38,9 @@ class Portal : public QObject {
 class DesktopColoursTest : public testing::Test {
  protected:
   void SetUp() override {
-#if defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "Qt's thread for the bus is not built for the thread checker";
-#endif
+    if (support::kThreadSanitizer) {
+      GTEST_SKIP() << "Qt's thread for the bus is not built for ThreadSanitizer";
+    }
     const std::string socket = folder_.file("bus");
     std::string error;
     daemon_ = support::ChildProcess::start(
@@ -74,9 +75,7 @@ class DesktopColoursTest : public testing::Test {
     ASSERT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
   }
 
-  void follow() {
-    colours_ = std::make_unique<platform::DesktopColours>(connectTo("program"));
-  }
+  void follow() { colours_ = std::make_unique<platform::DesktopColours>(connectTo("program")); }
 
   static bool looksDark() {
     return QApplication::palette().color(QPalette::Window).lightness() < 100;

@@ -6,29 +6,29 @@ namespace support {
 /// ThreadSanitizer makes memory accesses up to a hundred times slower; AddressSanitizer delays the
 /// reuse of freed memory. Both abort the program when an allocation fails.
 #if defined(__SANITIZE_THREAD__)
-inline constexpr bool kThreadChecker = true;
+inline constexpr bool kThreadSanitizer = true;
 #elif defined(__has_feature)
 #if __has_feature(thread_sanitizer)
-inline constexpr bool kThreadChecker = true;
+inline constexpr bool kThreadSanitizer = true;
 #else
-inline constexpr bool kThreadChecker = false;
+inline constexpr bool kThreadSanitizer = false;
 #endif
 #else
-inline constexpr bool kThreadChecker = false;
+inline constexpr bool kThreadSanitizer = false;
 #endif
 
 #if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool kAddressChecker = true;
+inline constexpr bool kAddressSanitizer = true;
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
-inline constexpr bool kAddressChecker = true;
+inline constexpr bool kAddressSanitizer = true;
 #else
-inline constexpr bool kAddressChecker = false;
+inline constexpr bool kAddressSanitizer = false;
 #endif
 #else
-inline constexpr bool kAddressChecker = false;
+inline constexpr bool kAddressSanitizer = false;
 #endif
 
-inline constexpr bool kAnyChecker = kThreadChecker || kAddressChecker;
+inline constexpr bool kAnySanitizer = kThreadSanitizer || kAddressSanitizer;
 
 }  // namespace support
