@@ -3,17 +3,17 @@
 #include <fstream>
 #include <string>
 
-/// The resident memory of this process at its highest, as the system counts it.
+/// The peak of this process's resident memory, as the system counts it.
 ///
 /// Threads: any. Real-time: not safe.
 namespace benchmarks {
 
-/// From now on the highest counts anew.
+/// Resets the peak.
 inline void forgetPeakMemory() {
   std::ofstream("/proc/self/clear_refs") << "5";
 }
 
-/// 0 where the system does not tell.
+/// 0 if the system does not report it.
 [[nodiscard]] inline double peakMegabytes() {
   std::ifstream status("/proc/self/status");
   double kilobytes = 0.0;

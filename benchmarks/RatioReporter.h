@@ -6,11 +6,11 @@
 
 #include <benchmark/benchmark.h>
 
-/// Prints what the console reporter prints and, at the end, each benchmark as a multiple of its
-/// yardstick in the same run: times on a busy machine mean little, ratios more.
+/// A console reporter that also prints, at the end, each benchmark as a multiple of its yardstick
+/// in the same run: on a busy machine, ratios mean more than times.
 ///
-/// A benchmark is named "Group/case"; the one of its group whose case begins with "yardstick" is
-/// the yardstick, with the same arguments where there are several.
+/// A benchmark is named "Group/case". Its yardstick is the benchmark of the group whose case begins
+/// with "yardstick", with the same arguments if there are several.
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
   void ReportRuns(const std::vector<Run>& runs) override;

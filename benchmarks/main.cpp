@@ -1,4 +1,4 @@
-// Measures what a recording costs, beside yardsticks. docs/performance.md tells the budgets.
+// Measures the cost of recording against yardsticks. docs/performance.md lists the budgets.
 #include <QApplication>
 
 #include <benchmark/benchmark.h>

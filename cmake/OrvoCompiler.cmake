@@ -8,22 +8,22 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
 endif()
 
+# Some libraries ask for this option: precompiled headers need it everywhere or nowhere.
+add_compile_options($<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-pthread>)
+
 set(ORVO_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address or thread")
 set_property(CACHE ORVO_SANITIZE PROPERTY STRINGS "" address thread)
 if(ORVO_SANITIZE STREQUAL "address")
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined
                       -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
+  # The fuzz targets are guided by the coverage of our code.
+  add_compile_options($<$<CXX_COMPILER_ID:Clang>:-fsanitize=fuzzer-no-link>)
 elseif(ORVO_SANITIZE STREQUAL "thread")
   add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
   add_link_options(-fsanitize=thread)
 elseif(ORVO_SANITIZE)
   message(FATAL_ERROR "ORVO_SANITIZE is \"${ORVO_SANITIZE}\": use address or thread")
-endif()
-
-# The fuzzer is guided by the coverage of our code.
-if(ORVO_FUZZ)
-  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 # The sanitizers' own dlopen would look along their library's run path instead of the program's.

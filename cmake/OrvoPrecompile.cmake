@@ -4,8 +4,9 @@
 # preset builds without.
 option(ORVO_PRECOMPILE "Precompile the headers of the standard library, Qt and GoogleMock" ON)
 if(ORVO_PRECOMPILE)
-  # ccache recognises g++'s precompiled headers by this option.
-  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+  # What ccache needs to take sources with precompiled headers.
+  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>
+                      "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
 endif()
 
 set(ORVO_STANDARD_HEADERS

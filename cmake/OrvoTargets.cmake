@@ -30,6 +30,9 @@ function(orvo_module name)
   orvo_library(orvo_${name} ${ARGN})
   set_target_properties(orvo_${name} PROPERTIES
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")  # whose precompiled headers depend on the visibility
+    set_target_properties(orvo_${name} PROPERTIES DISABLE_PRECOMPILE_HEADERS ON)
+  endif()
   cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
   add_library(orvo-${name} MODULE $<TARGET_OBJECTS:orvo_${name}>)
   set_target_properties(orvo-${name} PROPERTIES PREFIX "" LINKER_LANGUAGE CXX

@@ -1,5 +1,5 @@
-// Reading sound files beside the ffmpeg program, which does the same with one thread: the share
-// that decoding has in opening a document.
+// Reading sound files, compared with the ffmpeg program on one thread: the share of decoding in
+// opening a document.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>

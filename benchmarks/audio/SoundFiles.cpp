@@ -56,7 +56,7 @@ bool run(std::vector<std::string> command) {
   return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-// Runs ffmpeg once with these arguments and the file's path behind them.
+// Runs ffmpeg once with these arguments, followed by the file's path.
 std::string made(const std::string& name, std::vector<std::string> arguments) {
   std::string path = folder().file(name);
   arguments.push_back(path);

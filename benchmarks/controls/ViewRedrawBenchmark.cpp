@@ -1,5 +1,5 @@
-// A redraw of each small view of the window, at one and two pixels a point, beside filling as many
-// pixels with one colour. The waveform and the spectrum have benchmarks of their own.
+// A redraw of each small view of the window, at one and two pixels per point, compared with filling
+// as many pixels with one colour. The waveform and the spectrum have benchmarks of their own.
 #include <functional>
 #include <memory>
 #include <vector>
@@ -30,7 +30,7 @@ class Levels final : public OVVUViewDataSource {
   std::optional<std::vector<float>> dataForVUView(QWidget*) override { return {{0.2F, 0.5F}}; }
 };
 
-/// A view in the place that it needs: buttons stand in a bar in a content view.
+/// A view in the place that it needs: buttons are in a bar in a content view.
 struct Staged {
   std::unique_ptr<QWidget> content = std::make_unique<QWidget>();
   QWidget* view = nullptr;

@@ -1,4 +1,4 @@
-// A redraw of the spectrum, 640 x 200 points, beside the same number of lines drawn bare.
+// A redraw of the spectrum, 640 x 200 points, compared with drawing only as many lines.
 #include <algorithm>
 #include <random>
 #include <span>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr QSize kSize(640, 200);
 
-/// A low floor of noise that falls towards the right, and a few peaks.
+/// A low noise floor that falls towards the right, and a few peaks.
 std::vector<float> magnitudes(std::size_t count) {
   std::mt19937 random(1);
   std::uniform_real_distribution<float> part(0.0F, 1.0F);
@@ -28,7 +28,7 @@ std::vector<float> magnitudes(std::size_t count) {
   return values;
 }
 
-/// Draws again and again into a picture of the view; the arguments are bins and pixel ratio.
+/// Draws repeatedly into a picture of the view; the arguments are bins and pixel ratio.
 template <typename Draw>
 void drawRepeatedly(benchmark::State& state, Draw draw) {
   auto values = magnitudes(static_cast<std::size_t>(state.range(0)));

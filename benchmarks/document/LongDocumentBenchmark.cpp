@@ -1,10 +1,10 @@
-// A document of twenty hours beside one of ten minutes: cut at its middle, its waveform made anew,
-// undo, redo, and the first buffer played from the middle. Nothing of it may take longer than in
-// the short one, nor take memory; the counter tells how much the peak rose meanwhile.
+// A document of twenty hours compared with one of ten minutes: a cut at its middle, regenerating
+// its waveform, undo, redo, and the first buffer played from the middle. No step may take longer
+// than in the short one, nor take memory; the counter shows how much the peak rose meanwhile.
 //
-// Commands are measured in processor time of the main thread, which is what they keep from the
-// window; the rest by the clock. The waveform's yardstick is to read the audio that is left once,
-// in large reads.
+// Commands are measured in processor time of the main thread, which the window must wait for; the
+// rest in wall-clock time. The waveform's yardstick is one read of the remaining audio in large
+// reads.
 #include <time.h>
 
 #include <algorithm>
@@ -50,7 +50,7 @@ struct Steps {
   double waveformAfterCut = 0;
   double readAfterCut = 0;
   double firstBuffer = 0;
-  double growthMegabytes = 0;  // from the cut to the buffer that is played, at most
+  double growthMegabytes = 0;  // highest, from the cut to the played buffer
 };
 
 double processorSecondsOf(const std::function<void()>& step) {
@@ -70,7 +70,7 @@ double secondsOf(const std::function<void()>& step) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// A document of so many frames that plays to a device which takes what it is given.
+/// A document of this many frames that plays to a device which accepts any buffer.
 class LongDocument {
  public:
   explicit LongDocument(std::uint64_t frames) {
@@ -106,8 +106,8 @@ class LongDocument {
 
   [[nodiscard]] VLRecorderWindowController& controller() { return *document_; }
 
-  /// From the press of Play until the device has a buffer: the median of several. 0 when it was not
-  /// the audio.
+  /// Seconds from the press of Play until the device has a buffer, the median of several. 0 if the
+  /// buffer did not hold the audio.
   [[nodiscard]] double playFirstBuffers() {
     std::vector<double> seconds(kPlays);
     std::generate(seconds.begin(), seconds.end(), [this] { return playFirstBuffer(); });
@@ -115,7 +115,7 @@ class LongDocument {
     return seconds.front() > 0 ? seconds[kPlays / 2] : 0;
   }
 
-  /// The audio from its begin to its end.
+  /// Reads the audio from its start to its end.
   void readAll() {
     std::vector<float> read(std::size_t{1} << 18);  // 1 MiB
     std::uint64_t offset = 0;
@@ -181,8 +181,8 @@ Steps walkThrough(std::uint64_t frames) {
   return steps;
 }
 
-// All steps of a document are made one after the other, and each is told by a benchmark of its own:
-// its nth repetition takes the nth document's.
+// All steps of a document run one after the other, and each is reported by a benchmark of its own,
+// whose nth repetition takes the time of the nth document.
 const Steps& stepsOf(std::uint64_t frames, std::size_t repetition) {
   static std::map<std::uint64_t, std::vector<Steps>> documents;
   std::vector<Steps>& made = documents[frames];

@@ -1,8 +1,8 @@
-// Opening a file until it can be edited, as a document does it: decode, store, summarise. At most
-// 0.8 times what ffmpeg takes to write an hour of WAV as raw floats and 2 times what cp takes to
-// copy those floats, 1.3 times what ffmpeg takes to decode ten minutes of MP3 or m4a to nothing.
-// The counter tells the peak of resident memory, which may not depend on the length and stays below
-// 80 MB.
+// Opening a file until it can be edited, as a document does: decode, store, summarise. At most 0.8
+// times the time of ffmpeg to write an hour of WAV as raw floats, 2 times that of cp to copy those
+// floats, 1.3 times that of ffmpeg to decode ten minutes of MP3 or m4a and discard the result. The
+// counter shows the peak of resident memory, which must not depend on the length and stays below 80
+// MB.
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -21,7 +21,7 @@ namespace {
 
 using Path = const std::string& (*)();
 
-// Frames that the document then has.
+// Returns the document's length in frames.
 std::uint64_t openDocument(const std::string& path) {
   const std::shared_ptr<OVAudioBufferInterface> buffer = OVBlockBuffer::init();
   const auto reader = OVAudioFileReader::initWithFile(path);

@@ -1,5 +1,5 @@
-// Saving an hour as a document does it: read from the block list, encoded beside the target, synced
-// and put in its place. At most 0.8 times what ffmpeg and a sync take for the same raw floats as
+// Saving an hour as a document does: read from the block list, encoded beside the target, synced
+// and renamed over it. At most 0.8 times the time of ffmpeg and a sync for the same raw floats as
 // WAV, 1.05 times as AAC.
 #include <atomic>
 #include <cstdint>
@@ -18,7 +18,7 @@
 
 namespace {
 
-// A document's storage with the hour in it, in blocks as a load leaves them. Null when it could not
+// A document's storage that holds the hour, in blocks as a load leaves them. Null if it could not
 // be filled.
 std::shared_ptr<OVAudioBufferInterface> hourInStorage() {
   std::shared_ptr<OVAudioBufferInterface> buffer = OVBlockBuffer::init();

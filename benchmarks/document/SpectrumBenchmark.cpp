@@ -1,4 +1,4 @@
-// One analysis of 4096 points, without its read, beside the bare transform. At most 4 times.
+// One analysis of 4096 points without its read: at most 4 times the bare transform.
 #include <random>
 #include <vector>
 

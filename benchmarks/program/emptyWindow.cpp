@@ -1,4 +1,4 @@
-// The yardstick for starting and idling: a window of Orvo's size with nothing in it.
+// The yardstick for starting and idling: an empty window of Orvo's size.
 #include <QApplication>
 #include <QWidget>
 

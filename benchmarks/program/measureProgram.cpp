@@ -1,6 +1,6 @@
 // Measures the running program on a virtual screen with a private sound server: the time from its
-// launch to its first window, its processor time idle, recording and playing, and how often its
-// main thread wakes up. docs/performance.md has the budgets.
+// launch to its first window, its processor time when idle, recording and playing, and how often
+// its main thread wakes up. docs/performance.md lists the budgets.
 //
 //   orvo_measure_program ORVO EMPTY-WINDOW [SECONDS]
 //       SECONDS: how long each state is watched; 10 by default.
@@ -46,10 +46,10 @@ double median(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
-/// What the system has counted for a process up to now.
+/// The system's counters of a process so far.
 struct Counters {
   double processorSeconds = 0;        ///< all threads, user and system
-  std::uint64_t mainThreadWakes = 0;  ///< times the main thread gave the processor up by itself
+  std::uint64_t mainThreadWakes = 0;  ///< voluntary context switches of the main thread
 };
 
 Counters countersOf(pid_t pid) {
@@ -60,7 +60,7 @@ Counters countersOf(pid_t pid) {
   std::getline(stat, line);
   need(line.rfind(") ") != std::string::npos, "the program has ended");
   std::istringstream fields(line.substr(line.rfind(") ") + 2));
-  // Counted from the state, which is the first field behind the name: user time is the 12th.
+  // Counted from the state, the first field after the name: user time is the 12th.
   std::string skipped;
   for (int i = 0; i < 11; ++i) {
     fields >> skipped;
@@ -105,13 +105,13 @@ class Measurement {
   }
 
  private:
-  /// A client of the screen that prints when a window is shown, the moment it is.
+  /// A client of the screen that prints a line as soon as a window is shown.
   [[nodiscard]] std::unique_ptr<ChildProcess> watchWindows() const {
     std::string error;
     auto watcher = ChildProcess::start({"stdbuf", "-oL", "xev", "-root", "-event", "substructure"},
                                        environment_, error);
     need(watcher != nullptr, error);
-    // It watches once it has noticed a window; one that came too early for it goes unnoticed.
+    // It is ready once it has noticed a window; a window shown too early goes unnoticed.
     need(eventually([&] {
            const auto window = ChildProcess::start({emptyWindow_}, environment_, error);
            return window != nullptr && !screen_->waitForWindow(window->pid(), "Empty").empty() &&
@@ -171,7 +171,7 @@ class Measurement {
     return orvo;
   }
 
-  /// The one place where time itself is waited for: it is what is measured over.
+  /// The only place that waits for time to pass: the measuring interval.
   void watch(const std::string& what, const RunningOrvo& orvo, const std::string& processorBudget,
              const std::string& wakesBudget) const {
     const Counters before = countersOf(orvo.pid());
@@ -204,7 +204,7 @@ class Measurement {
     need(eventually([&] { return geometry() != small; }), "the spectrum is not shown");
   }
 
-  /// Recording, then playing what was recorded.
+  /// Recording, then playing the recording.
   void measureRecording() const {
     const auto orvo = start();
     showSpectrum(*orvo);
@@ -214,7 +214,7 @@ class Measurement {
     need(screen_->pressKey("r") && orvo->waitUntilRecorded(kFramesPerSecond),
          "R starts no recording");
     watch("recording, spectrum shown", *orvo, "at most 4", "");
-    // More than is then watched.
+    // Longer than playing is watched.
     const double frames = (seconds_ + 2) * kFramesPerSecond;
     need(orvo->waitUntilRecorded(static_cast<std::uint64_t>(frames)), "the recording has ended");
     need(screen_->pressKey("r") && screen_->pressKey("space"), "no key can be pressed");

@@ -12,9 +12,9 @@
 namespace benchmarks {
 
 /// Temporary files of the operating system in which all offsets are folded into the first 64 MiB: a
-/// recording of many hours is read at the cost of real file transfers, from the page cache, without
-/// taking a disk's worth of room. The audio is nonsense. Where only the first 64 MiB are kept,
-/// later writes take no time either: what is read there is what was written first.
+/// recording of many hours is read at the cost of real transfers from the page cache, without
+/// filling a disk. The audio is meaningless. If only the first 64 MiB are kept, later writes take
+/// no time either: reads there return the first written data.
 ///
 /// Threads: any.
 class FoldedTemporaryFiles : public platform::TemporaryFiles {

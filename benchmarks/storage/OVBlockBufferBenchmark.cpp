@@ -1,4 +1,4 @@
-// The block list buffer beside its yardsticks. Read the ratios off pairs of names:
+// The block list buffer compared with its yardsticks. The ratios are those of pairs of names:
 //   RecorderWrite32KiB            / Yardstick_BareWrite32KiB     at most 1.5
 //   RandomRead64KiB/100000        / RandomRead64KiB/10           at most 4
 //   Play, Summarise, WriteOver: 100,000 blocks                   / the same with 10
@@ -62,7 +62,7 @@ BENCHMARK(RecorderWrite32KiB)
     ->Name("RecorderWrite/32 KiB into the block list")
     ->Iterations(kWritesOfARun);
 
-// Lays `chunks` chunks of `bytes` out in `blocks` blocks that cannot merge: in the list, each block
+// Lays out `chunks` chunks of `bytes` in `blocks` blocks that cannot merge: in the list, each block
 // is followed by one that is not its neighbour in the recording.
 void layOut(OVBlockBuffer& buffer, std::uint64_t chunks, std::uint64_t blocks,
             const std::vector<std::byte>& bytes) {
@@ -137,7 +137,7 @@ void Play(benchmark::State& state) {
 BENCHMARK(Play)->Name("Play/yardstick: 10 blocks")->Arg(10);
 BENCHMARK(Play)->Name("Play/100,000 blocks")->Arg(100'000);
 
-// What is drawn after an edit: a summary from scratch, of blocks of 16 frames.
+// The summary after an edit: from scratch, of blocks of 16 frames.
 void Summarise(benchmark::State& state) {
   const auto buffer = OVBlockBuffer::init();
   layOut(*buffer, kChunks, static_cast<std::uint64_t>(state.range(0)), audio(128));
@@ -153,7 +153,7 @@ BENCHMARK(Summarise)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(Summarise)->Name("Summarise/100,000 blocks")->Arg(100'000)->Unit(benchmark::kMillisecond);
 
-// An edit on a buffer of so many blocks; `before` brings about what it needs, off the clock.
+// An edit on a buffer of this many blocks; `before` prepares it, untimed.
 template <typename Before, typename Edit>
 void timeEdit(benchmark::State& state, Before before, Edit edit) {
   const auto blocks = static_cast<std::uint64_t>(state.range(0));
@@ -201,7 +201,7 @@ void Redo(benchmark::State& state) {
   timeEdit(state, undo, [](OVBlockBuffer& buffer) { buffer.redo(); });
 }
 
-// The first merge after a cut looks at every block.
+// The first merge after a cut examines every block.
 void MergeAfterCut(benchmark::State& state) {
   timeEdit(
       state,

@@ -1,5 +1,5 @@
-// A whole redraw of the waveform, rendered and copied to the screen, beside the same number of
-// lines drawn bare into the same kind of picture. At most 1.5 times.
+// A full redraw of the waveform, rendered and copied to the screen: at most 1.5 times the drawing
+// of only as many lines into the same kind of picture.
 #include <cmath>
 #include <random>
 #include <vector>
@@ -17,7 +17,7 @@ namespace {
 constexpr QSize kView(1200, 300);        // points
 constexpr std::size_t kElements = 1024;  // of a full summary
 
-/// Something like speech: noise whose loudness swells and fades.
+/// Noise that swells and fades like speech.
 std::vector<float> recording() {
   std::mt19937 random(3);
   std::uniform_real_distribution<float> noise(0.2F, 1.0F);

@@ -1,5 +1,5 @@
-// Summarising an hour of stereo audio in a page-cached file, beside the bare reading of the same
-// bytes in reads of 1 MiB. A summary from scratch may take at most 1.5 times as long as that.
+// Summarising an hour of stereo audio in a page-cached file, compared with only reading the same
+// bytes in reads of 1 MiB. A summary from scratch may take at most 1.5 times as long.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -40,7 +40,7 @@ class HourFile {
       const ssize_t count = write(descriptor_, noise.data(),
                                   std::min<std::uint64_t>(kYardstickReadBytes, kBytes - written));
       if (count <= 0) {
-        std::abort();  // no room for the hour: nothing can be measured
+        std::abort();  // no space for the hour: nothing can be measured
       }
       written += static_cast<std::uint64_t>(count);
     }
@@ -59,13 +59,13 @@ class HourFile {
   int descriptor_;
 };
 
-/// Made at the first measurement that needs it, gone with the process.
+/// Created by the first measurement that needs it, removed with the process.
 const HourFile& hourFile() {
   static const HourFile file;
   return file;
 }
 
-/// The hour behind the buffer interface, as thin as it gets.
+/// The thinnest implementation of the buffer interface over the hour.
 class HourBuffer final : public OVAudioBufferInterface {
  public:
   [[nodiscard]] BufferReadResult readDataInto(void* destination, std::uint64_t withSize,

@@ -32,7 +32,5 @@ llvm=14
 if grep -qs '^VERSION_CODENAME=trixie$' /etc/os-release; then
   llvm=19
 fi
-clang_packages=("clang-$llvm")
-# The seeds are made by ffmpeg.
-fuzz_packages=("clang-$llvm" "libclang-rt-$llvm-dev" ffmpeg)
+clang_packages=("clang-$llvm" "libclang-rt-$llvm-dev")  # with the sanitizers
 lint_packages=("clang-$llvm" "clang-format-$llvm" "clang-tidy-$llvm" git)

@@ -6,7 +6,7 @@
 
 #include <QObject>
 
-/// Handles the desktop's events: to open a file, at launch or while the program runs, and to quit.
+/// Handles the desktop's requests to open a file, at launch or while running, and to quit.
 ///
 /// Threads: main. Real-time: not safe.
 class OVApplicationEvents : public QObject {

@@ -13,7 +13,7 @@
 
 namespace {
 
-// Names of files stand in alerts: nothing in them is markup.
+// Alerts contain file names, which must not be read as markup.
 void showPlainText(QMessageBox& alert) {
   for (QLabel* const label : alert.findChildren<QLabel*>()) {
     label->setTextFormat(Qt::PlainText);
@@ -21,7 +21,7 @@ void showPlainText(QMessageBox& alert) {
 }
 
 void runAlert(const std::string& title, const std::string& message) {
-  // Above the window in front, but not its child: it stays when that window closes.
+  // Above the active window, but not its child: the alert stays when that window closes.
   const QWidget* const front = QApplication::activeWindow();
   QMessageBox alert;
   alert.setObjectName("modalAlert");
@@ -32,15 +32,15 @@ void runAlert(const std::string& title, const std::string& message) {
   showPlainText(alert);
   alert.addButton(platform::localized("OK"), QMessageBox::AcceptRole);
   alert.setWindowModality(Qt::ApplicationModal);
-  alert.setAttribute(Qt::WA_QuitOnClose, false);  // an alert may be the only window there is
-  alert.winId();                                  // makes its window
+  alert.setAttribute(Qt::WA_QuitOnClose, false);  // an alert may be the only window
+  alert.winId();                                  // creates its native window
   if (front != nullptr && alert.windowHandle() != nullptr) {
     alert.windowHandle()->setTransientParent(front->windowHandle());
   }
   alert.exec();
 }
 
-// Counts an alert for as long as it lives.
+// Counts an alert for as long as the object exists.
 class Counted {
  public:
   explicit Counted(std::shared_ptr<std::atomic<int>> alerts) : alerts_(std::move(alerts)) {
@@ -56,7 +56,7 @@ class Counted {
 
 }  // namespace
 
-// Main thread only. Alerts that were posted are shown one after the other.
+// Main thread only. Posted alerts are shown one after the other.
 struct OVApplicationServices::PostedAlerts {
   struct Alert {
     std::string title;
@@ -68,7 +68,7 @@ struct OVApplicationServices::PostedAlerts {
 
   void showAll() {
     if (isShowing) {
-      return;  // from the loop of the one on the screen
+      return;  // called from the event loop of the alert on the screen
     }
     isShowing = true;
     while (!waiting.empty()) {

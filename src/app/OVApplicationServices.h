@@ -9,13 +9,12 @@
 #include "platform/base/Mutex.h"
 
 /// The application's services for the layers below: modal alerts on the main thread, the
-/// diagnostics console, the registry of temporary files, the end of a quit that waits.
+/// diagnostics console, the registry of temporary files, cancelling a pending quit.
 ///
 /// Threads: any. Real-time: not safe.
 class OVApplicationServices : public platform::ApplicationServices {
  public:
-  /// Handlers of console lines and of a cancelled quit on the main thread, and of temporary files
-  /// on any thread.
+  /// Console lines and a cancelled quit are handled on the main thread, temporary files on any.
   struct Receivers {
     std::function<void(const std::string&)> logToConsole;
     std::function<void(const std::string&)> registerTempFile;
@@ -36,8 +35,8 @@ class OVApplicationServices : public platform::ApplicationServices {
  private:
   struct PostedAlerts;
 
-  // Counted from the request on, so that nothing ends between it and the screen. Relaxed order
-  // would suffice: it orders no other data. Shared with what the main queue still holds.
+  // Counted from the request on, so that the program does not end before the alert is shown.
+  // Relaxed order would suffice: it orders no other data. Shared with blocks on the main queue.
   const std::shared_ptr<std::atomic<int>> alerts_ = std::make_shared<std::atomic<int>>(0);
   const Receivers receivers_;
   const std::shared_ptr<PostedAlerts> posted_;

@@ -15,7 +15,7 @@ class OVDiagnosticsWindow : public QWidget {
 
   explicit OVDiagnosticsWindow(QWidget* parent = nullptr);
 
-  /// The text view inside, which lines are appended to.
+  /// The text view inside, to which lines are appended.
   [[nodiscard]] QPlainTextEdit* console() const { return console_; }
 
  private:

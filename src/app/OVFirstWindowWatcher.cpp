@@ -17,7 +17,7 @@ OVFirstWindowWatcher::OVFirstWindowWatcher(std::function<void()> shown) {
 }
 
 bool OVFirstWindowWatcher::eventFilter(QObject* watched, QEvent* event) {
-  // The window is drawn while this event is handled; the timer comes next.
+  // The window is drawn while this event is handled; the timer fires afterwards.
   const auto* window = qobject_cast<QWindow*>(watched);
   if (event->type() == QEvent::Expose && window != nullptr && window->isExposed()) {
     wait_.start(0);

@@ -5,8 +5,8 @@
 #include <QObject>
 #include <QTimer>
 
-/// Waits until the user sees the first window, so that work not needed before can follow without
-/// delaying the window.
+/// Waits until the user sees the first window, so that work that is not needed earlier does not
+/// delay it.
 ///
 /// Threads: main. Real-time: not safe.
 class OVFirstWindowWatcher : public QObject {
@@ -14,7 +14,7 @@ class OVFirstWindowWatcher : public QObject {
 
  public:
   /// The longest wait, in milliseconds, for a window that is not on the screen: minimised, on
-  /// another desktop, or behind a slow display server.
+  /// another desktop, or delayed by a slow display server.
   static constexpr int kMaxWait = 250;
 
   /// Calls `shown` once, from the event loop, after the first window of the program has been drawn

@@ -12,10 +12,10 @@
 #include "document/VLRecorderWindowController.h"
 #include "platform/mainloop/Localization.h"
 
-/// The menus of one recorder window. Items of the document go to its controller and are enabled
-/// by its validateMenuItem(); items of the application run the commands given.
+/// The menus of one recorder window. Document items call its controller and are enabled by its
+/// validateMenuItem(); application items run the given commands.
 ///
-/// R, Return and Space are the window's own keys; the transport items show them as hints only.
+/// R, Return and Space are the window's own keys; the transport items only show them as hints.
 ///
 /// Threads: main. Real-time: not safe.
 class OVMainMenu : public QObject {
@@ -37,7 +37,7 @@ class OVMainMenu : public QObject {
   OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& controller,
              ApplicationCommands commands);
 
-  /// Updates the document's items: names of undo and redo, enabled and checked states.
+  /// Updates the document's items: names of Undo and Redo, enabled and checked states.
   void update();
 
  private:

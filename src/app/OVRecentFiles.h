@@ -8,20 +8,20 @@
 #include "platform/base/SerialQueue.h"
 
 /// The recently opened files as the menu shows them: a copy of Orvo's entries in the desktop's
-/// list, which is read and written on its own queue, so that no window waits for a disk.
+/// list. That list is read and written on a queue of its own, so that no window waits for a disk.
 ///
 /// Threads: main. Real-time: not safe.
 class OVRecentFiles {
  public:
   static constexpr std::size_t kShown = 10;
 
-  /// Lists a file as the latest.
+  /// Adds a file to the list as the latest.
   void note(const std::string& path);
 
-  /// Reads the list anew; latest() changes when that is done.
+  /// Reads the list again in the background; latest() changes afterwards.
   void refresh();
 
-  /// The latest first, at most kShown. Empty until the list was read.
+  /// The latest first, at most kShown. Empty until the list has been read.
   [[nodiscard]] const std::vector<std::string>& latest() const { return *latest_; }
 
  private:

@@ -2,9 +2,9 @@
 
 #include <functional>
 
-/// Handles the end of the desktop's session, as far as `Session` (QSessionManager, or a test's own)
-/// allows: the session can be cancelled only while the session manager permits interaction with the
-/// user. Otherwise no question can be asked.
+/// Handles the end of the desktop's session. The program can ask the user, and cancel the end, only
+/// while the session manager permits interaction; otherwise nothing is done. `Session` is
+/// QSessionManager or a test's substitute.
 ///
 /// Threads: main. Real-time: not safe.
 template <typename Session>

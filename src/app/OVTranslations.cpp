@@ -14,14 +14,14 @@ const QString kFolder = QStringLiteral(":/translations");
 const QString kPrefix = QStringLiteral("orvo_");
 const QString kSuffix = QStringLiteral(".qm");
 
-// A language as translations are named: "de" for "de-AT", "zh_CN" for "zh-Hans-SG".
+// The name of a language's translation: "de" for "de-AT", "zh_CN" for "zh-Hans-SG".
 QString translationName(const QString& uiLanguage) {
   const QLocale locale(uiLanguage);
   if (locale.language() == QLocale::Chinese) {
     return locale.script() == QLocale::SimplifiedHanScript ? QStringLiteral("zh_CN")
                                                            : QStringLiteral("zh_TW");
   }
-  // "C" is no language, and what Qt does not know becomes "C" as well.
+  // "C" is no language; Qt also uses it for unknown ones.
   return locale.language() == QLocale::C ? QString() : QLocale::languageToCode(locale.language());
 }
 

@@ -14,19 +14,18 @@
 /// Threads: main. Real-time: not safe.
 class OVTranslations {
  public:
-  /// Selects the first available language, as QLocale::uiLanguages() lists them
+  /// Selects the first available one of the languages, named as in QLocale::uiLanguages()
   /// ("zh-Hans-CN", "fr"), and installs its translators. Needs the QCoreApplication.
   explicit OVTranslations(const QStringList& uiLanguages);
   ~OVTranslations();
   OVTranslations(const OVTranslations&) = delete;
   OVTranslations& operator=(const OVTranslations&) = delete;
 
-  /// The selected language, as its file is named ("de", "zh_CN"); empty for English.
+  /// The selected language, named as its file ("de", "zh_CN"); empty for English.
   [[nodiscard]] const QString& language() const { return language_; }
 
-  /// The first of the languages for which there is a translation; empty for English, also when
-  /// none of them is known. Every kind of Simplified Chinese is "zh_CN", and Traditional Chinese is
-  /// not that.
+  /// The first of the languages that has a translation; empty for English, and if none has one.
+  /// Every kind of Simplified Chinese is "zh_CN"; Traditional Chinese is not.
   [[nodiscard]] static QString languageOf(const QStringList& uiLanguages);
 
   /// The available languages besides English.

@@ -25,6 +25,10 @@ namespace {
 constexpr double kTerminationInterval = 1.0 / 30.0;  // seconds
 constexpr std::size_t kTempfilesCapacity = 10;
 
+std::shared_ptr<VLRecorderWindowController> documentOf(const OVRecorderWindow& window) {
+  return std::dynamic_pointer_cast<VLRecorderWindowController>(window.delegate());
+}
+
 }  // namespace
 
 VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit) : quit_(std::move(quit)) {
@@ -74,7 +78,7 @@ OVMainMenu::ApplicationCommands VelmarAppDelegate::commands() {
       .openFile = [this](QWidget* window) { openFile(window); },
       .recentFiles =
           [this] {
-            recentFiles_.refresh();  // for the next time
+            recentFiles_.refresh();  // for the next call
             return recentFiles_.latest();
           },
       .openRecentFile = [this](const std::string& path) { applicationOpenFile(path); },
@@ -110,7 +114,7 @@ bool VelmarAppDelegate::applicationOpenFiles(const std::vector<std::string>& pat
 void VelmarAppDelegate::openInNewWindow(const std::string& path) {
   std::string absolute = platform::absolutePathOf(path);
   if (absolute.empty()) {
-    absolute = path;  // no path at all, or no working folder: the reader reports it
+    absolute = path;  // an empty path, or no working directory: the reader reports it
   }
   recentFiles_.note(absolute);
   const auto controller = makeWindow();
@@ -137,7 +141,7 @@ void VelmarAppDelegate::openFile(QWidget* window) {
 
 // Quit ------------------------------------------------------------------------------------------
 
-// A copy: a window that is asked to close may be gone afterwards.
+// A copy: a window that is asked to close may be destroyed.
 std::vector<QPointer<OVRecorderWindow>> VelmarAppDelegate::recorderWindows() const {
   std::vector<QPointer<OVRecorderWindow>> shown;
   std::copy_if(windows_.begin(), windows_.end(), std::back_inserter(shown),
@@ -149,26 +153,37 @@ std::vector<QPointer<OVRecorderWindow>> VelmarAppDelegate::recorderWindows() con
 bool VelmarAppDelegate::askEditedWindows() {
   auto edited = recorderWindows();
   std::erase_if(edited, [](const auto& window) { return !window->isDocumentEdited(); });
+  if (std::any_of(edited.begin(), edited.end(), [](const auto& window) {
+        const auto document = documentOf(*window);
+        return document && document->refusesQuit();
+      })) {
+    cancelTermination();
+    return true;
+  }
+  if (!edited.empty()) {
+    pollTermination();
+  }
   const auto asked = std::exchange(askedWindows_, edited);
   for (const auto& window : edited) {
     if (window && std::find(asked.begin(), asked.end(), window) == asked.end()) {
-      window->performClose();
+      closeForQuit(*window);
     }
   }
   return !edited.empty();
 }
 
+void VelmarAppDelegate::closeForQuit(OVRecorderWindow& window) {
+  const auto document = documentOf(window);
+  if (document && !document->shouldCloseAfterSave()) {
+    closedByQuit_.emplace_back(document);
+  }
+  window.performClose();
+}
+
 VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate() {
   platform::assertMainThread();
-  cancelledWhileAsking_ = false;
   askedWindows_.clear();
-  if (!askEditedWindows()) {
-    return TerminateReply::now;
-  }
-  if (!cancelledWhileAsking_) {  // otherwise one of them cannot be asked now
-    pollTermination();
-  }
-  return TerminateReply::cancel;
+  return askEditedWindows() ? TerminateReply::cancel : TerminateReply::now;
 }
 
 bool VelmarAppDelegate::applicationMayEndSession() {
@@ -178,7 +193,7 @@ bool VelmarAppDelegate::applicationMayEndSession() {
   }
   const auto windows = recorderWindows();
   return std::none_of(windows.begin(), windows.end(), [](const auto& window) {
-    const auto document = std::dynamic_pointer_cast<VLRecorderWindowController>(window->delegate());
+    const auto document = documentOf(*window);
     return document && document->isSaving();
   });
 }
@@ -204,9 +219,13 @@ void VelmarAppDelegate::checkTermination() {
 void VelmarAppDelegate::cancelTermination() {
   platform::assertMainThread();
   terminationCanceled_ = true;
-  cancelledWhileAsking_ = true;
   terminationTimer_.reset();
   askedWindows_.clear();
+  for (const auto& closing : std::exchange(closedByQuit_, {})) {
+    if (const auto document = closing.lock()) {
+      document->cancelClosing();
+    }
+  }
   terminationCanceled_ = false;
 }
 
@@ -216,12 +235,12 @@ void VelmarAppDelegate::terminate() {
   }
   for (const auto& window : recorderWindows()) {
     if (window) {
-      window->performClose();
+      closeForQuit(*window);
     }
   }
   const bool alertsPending = alertsPending_ && alertsPending_();
   if (!recorderWindows().empty() || alertsPending) {
-    // A window that is just being saved goes when its file is complete, an alert when it was read.
+    // A window that is being saved closes when its file is complete, an alert when it is dismissed.
     pollTermination();
     return;
   }
@@ -250,7 +269,7 @@ std::vector<std::string> VelmarAppDelegate::tempfiles() const {
 
 // Pages -----------------------------------------------------------------------------------------
 
-// The address is looked up like any text, so that a language can have pages of its own.
+// The address is localized like any text, so that a language can have its own pages.
 void VelmarAppDelegate::openDocumentation(QObject*) {
   openPage(platform::textKey("https://orvo.example/help/"));
 }

@@ -19,11 +19,10 @@
 class OVRecorderWindow;
 class VLRecorderWindowController;
 
-/// The application: opens recorder windows, keeps the list of temporary files that are deleted at
-/// the end, and runs the quit that waits for documents with unsaved changes.
+/// The application: opens recorder windows, keeps the list of temporary files to delete at the end,
+/// and runs a quit, which waits for documents with unsaved changes.
 ///
-/// Threads: main, except registerTempFile(), which any thread may call.
-/// Real-time: not safe.
+/// Threads: main; any for registerTempFile() and tempfiles(). Real-time: not safe.
 class VelmarAppDelegate {
  public:
   /// `quit` ends the main loop.
@@ -32,7 +31,7 @@ class VelmarAppDelegate {
   VelmarAppDelegate(const VelmarAppDelegate&) = delete;
   VelmarAppDelegate& operator=(const VelmarAppDelegate&) = delete;
 
-  /// Before anything else, by the constructor: an empty window is wanted unless a file is opened.
+  /// Called first, by the constructor: an empty window is wanted unless a file is opened.
   void awakeFromNib();
   void applicationWillFinishLaunching();
   /// Opens an empty recorder window unless a file was opened.
@@ -40,14 +39,14 @@ class VelmarAppDelegate {
   void spawnNewRecorderWindow(QObject* sender);
 
   /// Opens a file, or each of several in order, in a new window of its own, and lists it among the
-  /// desktop's recent documents. The program's arguments, the desktop's open event and files that
-  /// were dropped on a window come here too. Always true: failures are alerted.
+  /// desktop's recent documents. Also called for the program's arguments, the desktop's open event
+  /// and files dropped on a window. Always true: failures are shown as alerts.
   bool applicationOpenFile(const std::string& path);
   bool applicationOpenFiles(const std::vector<std::string>& paths);
   /// Asks for files and opens each in a new window. The panel belongs to `window`, which may be
-  /// none.
+  /// null.
   void openFile(QWidget* window);
-  /// The desktop asked for the program again while it runs: a new window if none is visible. Always
+  /// The desktop activated the running program again: opens a new window if none is visible. Always
   /// true.
   bool applicationShouldHandleReopen(bool hasVisibleWindows);
 
@@ -56,20 +55,21 @@ class VelmarAppDelegate {
 
   enum class TerminateReply { cancel = 0, now = 1 };
 
-  /// Asks every edited window to close, in the order in which they were made; "now" when none is
-  /// edited. While one is, checkTermination is called 30 times a second, unless one of them cannot
-  /// be asked because another panel stands in front of it.
+  /// Asks every edited window to close, in the order of their creation; `now` if none is edited.
+  /// Otherwise checkTermination() is called 30 times a second. If one of the windows shows another
+  /// panel, none is asked: the quit is cancelled, with one alert.
   TerminateReply applicationShouldTerminate();
-  /// Ends the wait of a quit: terminates once no window is edited any more. A window that has
-  /// become edited since then is asked as well, one that is just being saved is waited for.
+  /// Terminates once no window is edited any more. A window that has become edited since the last
+  /// check is asked as well; one that is being saved is waited for.
   void checkTermination();
-  /// A document's question was answered with Cancel: ends the quit.
+  /// A document's question was answered with Cancel, or its save failed: cancels the quit. A window
+  /// that waits for a save because of the quit stays open; one that was closed before it does not.
   void cancelTermination();
   [[nodiscard]] bool isTerminating() const { return terminationTimer_ != nullptr; }
-  /// The timer that calls checkTermination; null while nothing is waited for.
+  /// The timer that calls checkTermination(); null while no quit is waiting.
   [[nodiscard]] const platform::Timer* terminationTimer() const { return terminationTimer_.get(); }
-  /// The desktop's session is about to end: asks as a quit does. False while a question is open
-  /// or a window is being saved: the session must wait.
+  /// The desktop's session is about to end: asks as a quit does. False while a question is open or
+  /// a window is being saved: the session must wait.
   [[nodiscard]] bool applicationMayEndSession();
   /// Deletes every registered temporary file; failures are ignored.
   void applicationWillTerminate();
@@ -79,7 +79,7 @@ class VelmarAppDelegate {
   /// A quit waits while this reports an alert shown or pending.
   void setAlertsPendingCheck(std::function<bool()> check) { alertsPending_ = std::move(check); }
 
-  /// Any thread.
+  /// Threads: any.
   void registerTempFile(const std::string& path);
   [[nodiscard]] std::vector<std::string> tempfiles() const;
 
@@ -87,9 +87,8 @@ class VelmarAppDelegate {
   void logToConsole(const std::string& text);
   void showDiagnostics();
 
-  /// The diagnostics window and the text view inside it; null before the first line or look, when
-  /// both are made, and for a text view that is gone. A window that is set belongs to the
-  /// delegate.
+  /// The diagnostics window and the text view inside it, both created for the first line or the
+  /// first showing; null before, and once the text view is destroyed. The delegate owns the window.
   [[nodiscard]] QWidget* debugWindow() const { return debugWindow_.get(); }
   void setDebugWindow(std::unique_ptr<QWidget> window) { debugWindow_ = std::move(window); }
   [[nodiscard]] QPlainTextEdit* debugConsole() const { return debugConsole_; }
@@ -100,8 +99,11 @@ class VelmarAppDelegate {
   [[nodiscard]] std::vector<QPointer<OVRecorderWindow>> recorderWindows() const;
   std::shared_ptr<VLRecorderWindowController> makeWindow();
   void openInNewWindow(const std::string& path);
-  /// Asks the edited windows that were not edited at the last call. False when none is edited.
+  /// Asks the edited windows that were not edited at the last call, or cancels the quit if one of
+  /// them shows another panel. False if none is edited.
   bool askEditedWindows();
+  /// cancelTermination() undoes it, unless the window was closing already.
+  void closeForQuit(OVRecorderWindow& window);
   void pollTermination();
   static void openPage(platform::TextKey address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
@@ -109,12 +111,12 @@ class VelmarAppDelegate {
 
   const std::function<void()> quit_;
   std::function<bool()> alertsPending_;
-  std::vector<QPointer<OVRecorderWindow>> windows_;  // as they were made; gone ones are null
+  std::vector<QPointer<OVRecorderWindow>> windows_;  // in order of creation; destroyed ones null
   bool spawn_rec_ = false;
-  std::vector<QPointer<OVRecorderWindow>> askedWindows_;  // by the current quit
+  std::vector<QPointer<OVRecorderWindow>> askedWindows_;                 // by the current quit
+  std::vector<std::weak_ptr<VLRecorderWindowController>> closedByQuit_;  // not by the user before
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
-  bool cancelledWhileAsking_ = false;  // a window refused while the windows were being asked
   std::unique_ptr<QWidget> debugWindow_;
   QPointer<QPlainTextEdit> debugConsole_;
   OVRecentFiles recentFiles_;

@@ -32,7 +32,7 @@
 
 namespace {
 
-// Background work that is still running at the end gets this long to finish.
+// How long the program waits, at most, for background work to finish at the end.
 constexpr double kLastWorkSeconds = 2.0;
 
 std::shared_ptr<OVApplicationServices> servicesOf(VelmarAppDelegate& delegate) {
@@ -43,7 +43,7 @@ std::shared_ptr<OVApplicationServices> servicesOf(VelmarAppDelegate& delegate) {
   });
 }
 
-// Files come as paths, byte for byte, or as URIs, as the list of recent files has them.
+// Arguments are paths, byte for byte, or URIs as in the desktop's list of recent files.
 std::vector<std::string> filesOf(int argc, char** argv) {
   std::vector<std::string> paths;
   for (int i = 1; i < argc; ++i) {
@@ -65,7 +65,7 @@ QIcon programIcon() {
 
 int main(int argc, char** argv) {
 #if defined(SIGXFSZ)
-  std::signal(SIGXFSZ, SIG_IGN);  // a limit on a file's size is a failed write, not the end
+  std::signal(SIGXFSZ, SIG_IGN);  // reaching a file size limit is a failed write, not the end
 #endif
   platform::FontPreparation fonts;
   QApplication application(argc, argv);
@@ -97,7 +97,7 @@ int main(int argc, char** argv) {
       {.openFile = [&delegate](const std::string& path) { delegate.applicationOpenFile(path); },
        .terminate = [&delegate] { delegate.terminate(); }});
   application.installEventFilter(&events);
-  // The end of the session, and a signal that asks for the end, ask as Quit does.
+  // The end of the session, and a termination signal, ask as Quit does.
   QObject::connect(
       &application, &QGuiApplication::commitDataRequest, &application,
       [&delegate](QSessionManager& session) {
@@ -105,20 +105,20 @@ int main(int argc, char** argv) {
       },
       Qt::DirectConnection);
   const platform::TerminationSignals signals([&delegate] { delegate.terminate(); });
-  delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has taken its own out
+  delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has removed its own arguments
   delegate.applicationDidFinishLaunching();
   std::unique_ptr<platform::DesktopColours> colours;
   const OVFirstWindowWatcher firstWindow([&] {
     firstWindowShown.set_value();
     QApplication::setWindowIcon(programIcon());
     colours = std::make_unique<platform::DesktopColours>(QDBusConnection::sessionBus());
-    // Needed for the first file or spectrum: loaded while the user looks at the window.
+    // Needed for the first file or spectrum; loaded now that the window is shown.
     platform::globalQueue().async([] { static_cast<void>(platform::ffmpegModule()); });
   });
   const int result = QApplication::exec();
 
   delegate.applicationWillTerminate();
-  platform::mainQueue().shutDown();  // first: no thread waits for an alert any more
+  platform::mainQueue().shutDown();  // first, so that no thread waits for an alert any more
   platform::globalQueue().waitUntilIdle(kLastWorkSeconds);
   return result;
 }

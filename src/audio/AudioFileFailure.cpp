@@ -12,7 +12,7 @@ using platform::localized;
 using platform::TextKey;
 using platform::textKey;
 
-// Filled in as data: a "%1" within the file's name stays as it is.
+// Replaces the placeholder only: a "%1" within the file's name is left as it is.
 std::string withName(TextKey sentence, const std::string& path) {
   return localized(sentence).arg(QString::fromStdString(shownFileName(path))).toStdString();
 }
@@ -119,7 +119,7 @@ std::string shownFileName(const std::string& path) {
                                        ? stripped
                                        : stripped.substr(slash + 1));
   for (QChar& character : name) {
-    // Formatting characters too: some turn the direction of what follows them.
+    // Formatting characters too: some reverse the direction of the text after them.
     if (character.category() == QChar::Other_Control ||
         character.category() == QChar::Other_Format ||
         character.category() == QChar::Separator_Line ||

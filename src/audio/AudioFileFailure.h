@@ -4,14 +4,13 @@
 
 #include "platform/base/AudioTypes.h"
 
-/// Plain, localised words for an audio file that could not be read or written: the file's name,
-/// what happened, what to do. They stand below the message of CheckAudioStatus().
+/// Plain, localised reasons why an audio file could not be read or written: the file's name, what
+/// happened, what to do. Alerts show them below the message of CheckAudioStatus().
 ///
 /// Threads: any. Real-time: not safe.
 
-/// A file's name for display: the last component of its path in quotation marks, with unprintable
-/// characters such as line breaks as spaces, and bytes that are not UTF-8 as replacement
-/// characters.
+/// A file's name for display: the last component of its path in quotation marks. Unprintable
+/// characters such as line breaks become spaces, bytes that are not UTF-8 replacement characters.
 [[nodiscard]] std::string shownFileName(const std::string& path);
 
 /// For a file that could not be opened: nothing was loaded.

@@ -7,11 +7,11 @@
 
 namespace {
 
-// The meter is always read with room for two channels, whatever the queue's channel count.
+// The meter is always read for two channels, whatever the queue's channel count.
 constexpr std::size_t kMeterReadChannels = 2;
 constexpr int kHighestChannelNumber = 127;
 
-// The meter's status counts by its low 16 bits, sign-extended.
+// Only the low 16 bits of the meter's status count, sign-extended.
 platform::AudioStatus lowWord(platform::AudioStatus status) {
   return static_cast<std::int16_t>(static_cast<std::uint16_t>(status));
 }
@@ -40,7 +40,7 @@ void ChannelLevels::setChannelCount(std::uint32_t channels) {
     return;
   }
   channelNumbers_ = channels < 2 ? std::vector<int>{0} : std::vector<int>{1, 0};
-  // A mono queue's array has room for the second channel too, since the read is always for two.
+  // A mono queue's array has room for the second channel too.
   chan_lvls_.resize(std::max<std::size_t>(channels, kMeterReadChannels));
 }
 
@@ -57,7 +57,7 @@ std::optional<std::vector<float>> ChannelLevels::powerLevels(const platform::Aud
   const auto capacity = std::min(kMeterReadChannels, chan_lvls_.size());
   const auto status = lowWord(queue.currentLevels(chan_lvls_.data(), capacity, count));
   if (status != platform::kAudioStatusOk) {
-    // The label names the decibel meter although the linear one is read; kept as it stands.
+    // The label deliberately names the decibel meter although the linear one is read.
     if (!failureReported_) {
       failureReported_ = true;
       CheckAudioStatus(status, "kAudioQueueProperty_CurrentLevelMeterDB");

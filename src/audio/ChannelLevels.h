@@ -10,8 +10,8 @@
 /// The average powers of the listed channels, in the order of the list.
 ///
 /// @param channelNumbers  channels to report, 0 the first
-/// @param levels          one entry a channel; when there are none, no level is appended
-/// @return linear levels (0 silence, 1 full scale); none when a channel number is negative, not
+/// @param levels          one entry a channel; channels without one are left out
+/// @return linear levels (0 silence, 1 full scale); nothing when a channel number is negative, not
 ///         below the list's own length, or above 127
 ///
 /// Threads: any. Real-time: not safe.
@@ -19,22 +19,21 @@
     const std::vector<int>& channelNumbers,
     const std::vector<platform::AudioQueueLevelMeterState>& levels);
 
-/// The level list of a recorder or player: which channels are reported, in which order, and the
-/// array into which the queue's meter is read.
+/// The channels that a recorder or player reports, in their order, and their last levels.
 ///
 /// Threads: one, the owner's. Real-time: not safe.
 class ChannelLevels {
  public:
-  /// Adapts to a queue's channel count: one channel or none are reported as [0], two and more as
+  /// Adapts to a queue's channel count, at least 1: one channel is reported as [0], two and more as
   /// [1, 0], the second channel first.
   void setChannelCount(std::uint32_t channels);
 
-  /// Reads the linear level meter of `queue`. None on failure, which is alerted once until a read
-  /// succeeds again: meters poll many times a second.
+  /// Reads the linear level meter of `queue`. Nothing on failure, which is alerted once until a
+  /// read succeeds again: meters poll many times a second.
   [[nodiscard]] std::optional<std::vector<float>> powerLevels(const platform::AudioQueue& queue);
 
-  /// The same for a queue that may be missing, or whose device may have ended it with a status
-  /// other than 0: then none, and the meter is not asked, since that failure was reported.
+  /// The same for a queue that may be null or whose device may have failed with `failure`, which is
+  /// reported elsewhere: then nothing, without reading the meter.
   [[nodiscard]] std::optional<std::vector<float>> powerLevels(const platform::AudioQueue* queue,
                                                               platform::AudioStatus failure);
 

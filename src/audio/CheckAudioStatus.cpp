@@ -8,12 +8,12 @@
 
 namespace {
 
-// Printable in the C locale, whatever the user's locale says.
+// Printable in the C locale, whatever the user's locale.
 bool isPrintable(char character) {
   return character >= 0x20 && character <= 0x7e;
 }
 
-// A translation is data: its two "%s" are filled in here instead of handing it to printf.
+// Fills in a translation's two "%s". A translation is data, so it never reaches printf.
 std::string filledIn(std::string format, const std::string& first, const std::string& second) {
   std::size_t from = 0;
   for (const std::string* text : {&first, &second}) {

@@ -4,7 +4,7 @@
 
 namespace {
 
-// What a failure that has nothing to do with the device's direction means; empty for none.
+// The reason for a failure that does not depend on the direction; empty for none.
 std::string commonFailureReason(platform::AudioStatus status) {
   return status == platform::kNoThreadStatus
              ? platform::localizedUtf8(

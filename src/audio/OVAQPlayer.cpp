@@ -71,7 +71,7 @@ bool OVAQPlayer::prime(std::uint32_t byteCapacity) {
 }
 
 void OVAQPlayer::play() {
-  const auto alive = shared_from_this();  // an alert runs the main loop, where the owner may let go
+  const auto alive = shared_from_this();  // an alert runs the main loop, which may release this
   if (!queue_) {
     CheckAudioStatus(platform::kInvalidQueueStateStatus, kStartFailed);
     return;
@@ -105,7 +105,7 @@ void OVAQPlayer::pause() {
 }
 
 void OVAQPlayer::stop() {
-  const auto alive = weak_from_this().lock();  // none in the destructor
+  const auto alive = weak_from_this().lock();  // null in the destructor
   if (!queue_) {
     return;
   }
@@ -190,7 +190,7 @@ void OVAQPlayer::deviceFailed(platform::AudioStatus status, const std::string& l
   }
   auto none = platform::kAudioStatusOk;
   const bool first = failure_.compare_exchange_strong(none, status, std::memory_order_acq_rel);
-  // If the input failed too, the recorder may have alerted already.
+  // If the input was lost too, the recorder may have alerted already.
   if (first && (status != platform::kDeviceLostStatus || queues_->claimDeviceLossAlert())) {
     CheckAudioStatus(status, label, outputFailureReason(status));
   } else {
@@ -199,7 +199,7 @@ void OVAQPlayer::deviceFailed(platform::AudioStatus status, const std::string& l
 }
 
 void OVAQPlayer::check(platform::AudioStatus status, const std::string& label) {
-  // What fails because the device has failed was reported with it.
+  // Follows from the device's failure, which was alerted already.
   if (failure() != platform::kAudioStatusOk) {
     CheckAudioStatusWithoutAlert(status, label);
   } else {

@@ -37,8 +37,7 @@ OVAQRecorder::~OVAQRecorder() {
 bool OVAQRecorder::initAudioQueue() {
   platform::AudioStreamBasicDescription format;
   queues_ = platform::audioQueues();
-  // Without a buffer there is nothing to complete: the all-zero description goes to the queue,
-  // which refuses it.
+  // Without a buffer the format stays all zero, and the queue refuses it.
   if (const auto source = buffer()) {
     format = source->format();
     if (!checkDevice(queues_->completeFormat(format), "AudioFormatGetProperty failed")) {
@@ -114,8 +113,8 @@ void OVAQRecorder::pause() {
     return;
   }
   if (queue_) {
-    // Under the lock under which the callback decides: a buffer that it wants before this lies
-    // within the span's new end and is waited for, every later one is judged by that end.
+    // Under the lock that the callback decides under: a buffer that it accepted before is within
+    // the span's new end and is waited for; later ones are compared with that end.
     std::uint64_t pressed = 0;
     {
       const platform::MutexLock lock(mutex_);
@@ -137,7 +136,7 @@ void OVAQRecorder::prepareForDestruction() {
 }
 
 void OVAQRecorder::selfrelease() {
-  // The reference goes with this scope, not with the assignment: it may be the last one.
+  // Released at the end of this scope, not within the assignment: it may be the last reference.
   const auto released = std::exchange(self_retain_, nullptr);
 }
 

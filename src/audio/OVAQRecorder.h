@@ -19,25 +19,23 @@
 
 /// Captures the default input into a document's buffer.
 ///
-/// The input queue runs from creation on, so that levels are live; recording is only a flag that
-/// decides whether captured buffers (3 of 4096 frames travel in turn) are written. A recorder
-/// keeps itself alive until prepareForDestruction(). It never starts again: a stopped one is
-/// replaced by a new one.
+/// The input queue runs from creation on, so that levels are live. Recording is a flag that decides
+/// whether captured buffers (three of 4096 frames circulate) are written. A recorder keeps itself
+/// alive until prepareForDestruction(). Once stopped it cannot be restarted: create a new one.
 ///
 ///   created, monitoring --record()--> recording --pause()--> monitoring
 ///     --prepareForDestruction()--> stopped --last reference--> destroyed
 ///
-/// Threads: main, unless said otherwise. Real-time: not safe.
+/// Threads: main, unless noted. Real-time: not safe.
 class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   struct Key {};
 
  public:
   using FailureHandler = std::function<void(platform::AudioStatus)>;
 
-  /// A monitoring recorder that writes from byte 0 of `buffer` on, or null when its queue could
-  /// not be created or started; this is reported, and the recorder's reference to itself is
-  /// dropped. A failing device is alerted once until its state changes, however many recorders are
-  /// created meanwhile.
+  /// A monitoring recorder that writes from byte 0 of `buffer` on. Null if its queue could not be
+  /// created or started, which is reported; the recorder's reference to itself is then dropped. A
+  /// failing device is alerted once until its state changes, for any number of recorders.
   [[nodiscard]] static std::shared_ptr<OVAQRecorder> initWithBuffer(
       std::shared_ptr<OVAudioBufferInterface> buffer);
 
@@ -47,19 +45,18 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   OVAQRecorder(const OVAQRecorder&) = delete;
   OVAQRecorder& operator=(const OVAQRecorder&) = delete;
 
-  /// From now on captured data is written at writingPosition(). A queue buffer that was wholly
-  /// captured before the call is not. Nothing while already recording; an alert without a queue.
+  /// From now on captured data is written at writingPosition(), except for queue buffers captured
+  /// entirely before the call. Does nothing while recording; alerts if there is no queue.
   void record();
 
-  /// Ends recording at the moment of the call: queue buffers that were wholly captured before it
-  /// are still written, also when the queue's thread was behind, later ones are not. Returns when
-  /// that is done: no write is running and none will come. The queue keeps running. Nothing while
-  /// not recording. There is no limit to the wait: a storage that hangs holds the caller until it
-  /// answers, since what was captured is worth more than a window that reacts.
+  /// Ends recording at the moment of the call: queue buffers captured entirely before it are still
+  /// written, later ones are not. Returns once they are written, without a time limit, since
+  /// captured audio matters more than a responsive window: a hanging storage blocks the caller. The
+  /// queue keeps running. Does nothing while not recording.
   void pause();
 
-  /// Stops the queue at once, ends recording and drops the recorder's reference to itself. When
-  /// it has returned nothing is written any more. To keep what was captured, pause() first.
+  /// Stops the queue at once, ends recording and drops the recorder's reference to itself. Nothing
+  /// is written after that. To keep what was captured, call pause() first.
   void prepareForDestruction();
 
   /// Drops the recorder's reference to itself.
@@ -68,22 +65,22 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   /// Stops the queue at once and disposes of it; queue() is null afterwards.
   void destroyAudioQueue();
 
-  /// Average power of each channel over the last captured buffer, linear (0 silence, 1 full
-  /// scale), the second channel first; none without a queue or when it cannot be read.
+  /// Average power of each channel over the last captured buffer, linear (0 silence, 1 full scale),
+  /// the second channel first; nothing without a queue or when it cannot be read.
   [[nodiscard]] std::optional<std::vector<float>> powerLevels();
 
-  /// While true the input callback stores and re-enqueues. Any thread.
+  /// While true, the input callback stores and re-enqueues buffers. Any thread.
   [[nodiscard]] bool isRunning() const { return isRunning_.load(std::memory_order_acquire); }
   /// Whether captured data is written. Any thread.
   [[nodiscard]] bool isRecording() const { return isRecording_.load(std::memory_order_acquire); }
   [[nodiscard]] platform::AudioInputQueue* queue() const { return queue_.get(); }
 
-  /// Where captured data goes. Any thread.
+  /// Destination of captured data. Any thread.
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const { return buffer_.get(); }
   void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) { buffer_.set(std::move(buffer)); }
 
-  /// Byte offset in the buffer of the next captured data. A position that is set while a captured
-  /// buffer is being written stays: that write does not advance it. Any thread.
+  /// Byte offset in the buffer of the next captured data. A position set while a captured buffer is
+  /// being written is kept: that write does not advance it. Any thread.
   [[nodiscard]] std::uint64_t writingPosition() const {
     return writingPosition_.load(std::memory_order_acquire);
   }
@@ -91,23 +88,22 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
     writingPosition_.store(byteOffset, std::memory_order_release);
   }
 
-  /// From now on no captured buffer is written, until the next record(); isRecording() stays true
-  /// until pause(). For a full disk: the buffer's failed-write notification calls this, so that
-  /// no further lost stretch is mapped. A write that is running is completed. Any thread.
+  /// Stops writing captured buffers until the next record(); isRecording() stays true until
+  /// pause(). The handler of failed writes calls this on a full disk, so that no more lost
+  /// stretches are mapped. A running write completes. Any thread.
   void stopWriting();
 
-  /// Called once when the device fails or vanishes after creation, after the alert. On
-  /// the queue's thread; or, when it happened before the handler was set, by setFailureHandler()
-  /// on its caller's thread. A handler that is being called may still run when it has been
-  /// replaced.
+  /// Called once, after the alert, when the device fails or vanishes after creation: on the queue's
+  /// thread, or within setFailureHandler() if it had failed before. A replaced handler may still be
+  /// running.
   void setFailureHandler(FailureHandler handler);
 
-  /// The status with which the device ended the queue, 0 while there is none. Any thread.
+  /// The status of the device failure that ended the queue; 0 for none. Any thread.
   [[nodiscard]] platform::AudioStatus failure() const;
 
  private:
-  /// Captured frames of the queue, counted from its start, that are written: those of buffers
-  /// whose end lies in (after, until].
+  /// The frames to write, counted from the queue's start: those of queue buffers that end within
+  /// (after, until].
   struct Span {
     std::uint64_t after = 0;
     std::uint64_t until = std::numeric_limits<std::uint64_t>::max();
@@ -122,7 +118,7 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   [[nodiscard]] bool isWanted(const platform::AudioQueueBuffer& buffer) const;
   void deviceFailed(platform::AudioStatus status);
 
-  // Main thread; the destructor's thread at the end.
+  // Main thread; finally the destructor's thread.
   std::shared_ptr<platform::AudioQueues> queues_;  // outlives queue_
   std::unique_ptr<platform::AudioInputQueue> queue_;
   ChannelLevels levels_;
@@ -133,8 +129,8 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   std::atomic<bool> isRunning_{false};
   std::atomic<bool> isRecording_{false};
 
-  // Set by the owner, advanced by the callback by compare-exchange: a position that the owner set
-  // meanwhile wins.
+  // Set by the owner; advanced by the callback with compare-exchange, so that a position set by the
+  // owner meanwhile wins.
   std::atomic<std::uint64_t> writingPosition_{0};
 
   platform::GuardedPointer<std::shared_ptr<OVAudioBufferInterface>> buffer_;

@@ -12,7 +12,7 @@
 
 namespace {
 
-// The status as reports of a read show it: its low 16 bits, with their sign.
+// The status as reports of a read show it: the low 16 bits, sign-extended.
 platform::AudioStatus lowHalf(platform::AudioStatus status) {
   return static_cast<std::int16_t>(static_cast<std::uint16_t>(status));
 }
@@ -76,7 +76,7 @@ std::uint32_t OVAudioFileReader::readFrameChunkWithSize(std::uint64_t frames) {
   if (frames == 0) {
     return 0;
   }
-  // As many bytes as the buffer has frames: the read overwrites what it fills.
+  // Only as many bytes as the buffer has frames; the read overwrites what it fills.
   std::memset(buffer_.get(), 0, bufferSize_);
   const auto count = static_cast<std::uint32_t>(
       std::min<std::uint64_t>(frames, std::numeric_limits<std::uint32_t>::max()));
@@ -106,7 +106,7 @@ bool OVAudioFileReader::makeBuffer(std::uint64_t frames) {
   if (frames > std::numeric_limits<std::size_t>::max() / platform::kWorkingFrameBytes) {
     return false;
   }
-  // Not cleared, and not touched before it is filled.
+  // Neither cleared nor touched before it is filled.
   buffer_.reset(static_cast<std::byte*>(std::malloc(frames * platform::kWorkingFrameBytes)));
   if (buffer_ == nullptr && frames > 0) {
     return false;

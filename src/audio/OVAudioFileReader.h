@@ -10,31 +10,30 @@
 #include "platform/base/AudioTypes.h"
 #include "platform/media/ExtAudioFileInput.h"
 
-/// Reads an audio file of any kind that can be decoded (CAF, AIFF, WAV, MP3, MPEG-4 with its
-/// suffixes mp4, m4a and m4r, AAC; the content counts, not the name) and delivers it chunk by chunk
-/// in the working format.
+/// Decodes an audio file (CAF, AIFF, WAV, MP3, AAC, MPEG-4 with suffix mp4, m4a or m4r; the content
+/// counts, not the name) and delivers it in chunks of the working format.
 ///
 ///   open (or null) --readFrameChunkWithSize()--> reading --close() or destruction--> closed
 ///                                                  ↺ rewind()
 ///
-/// The class itself reports a failure exactly once: prints it to standard error and shows an alert
-/// with the file's name and the reason in plain words. After that it reports nothing until it opens
-/// another file. Null from initWithFile() was reported already, unless it was cancelled; a
-/// cancellation is not a failure and is never shown.
+/// Reports a failure exactly once: prints it to standard error and shows an alert with the file's
+/// name and the reason in plain words. After that it reports nothing until it opens another file.
+/// When initWithFile() returns null, the failure has been reported. A cancellation is not a failure
+/// and is never shown.
 ///
-/// Of a damaged or cut-off file everything that can be decoded is delivered first. The
-/// damage is reported by the read after the last delivered frame, which returns 0, and by failed().
-/// Garbage between or after the packets of MP3 and AAC streams is mostly a tag and is passed over
-/// silently as long as there is any sound.
+/// All decodable audio of a damaged or truncated file is delivered first. The read after the last
+/// delivered frame reports the damage and returns 0; failed() is then true. Garbage between or
+/// after the packets of MP3 and AAC streams is mostly a tag and is silently skipped if there is any
+/// sound.
 ///
-/// Threads: any, one at a time; the flag of a cancel may be set by any thread at any time. The
-/// alert is waited for, see CheckAudioStatus(). Real-time: not safe.
+/// Threads: any, one at a time; any thread may set the cancel flag at any time. Alerts are waited
+/// for, see CheckAudioStatus(). Real-time: not safe.
 class OVAudioFileReader {
   struct Key {};
 
  public:
-  /// A reader of the file at `path`, or null when it cannot be read or the flag was set. Takes no
-  /// more than about a second of work, however the file is damaged.
+  /// A reader of the file at `path`; null if it cannot be read or the flag is set. Takes at most
+  /// about a second of work, however damaged the file is.
   ///
   /// @param cancelled  while it holds true, every call ends within a fraction of a second without
   ///                   a result; may be null
@@ -48,41 +47,40 @@ class OVAudioFileReader {
   OVAudioFileReader(const OVAudioFileReader&) = delete;
   OVAudioFileReader& operator=(const OVAudioFileReader&) = delete;
 
-  /// Opens the file, in place of one that is open, and forgets what became of that one. False on
-  /// failure, which is reported.
+  /// Opens the file, replacing an open one, whose state is forgotten. False on failure, which is
+  /// reported.
   [[nodiscard]] bool openFile(const std::string& path);
 
-  /// Length of the sound in frames of the working format; 0 when unknown or nothing is open.
-  /// Exact for good files except AAC in ADTS or CAF, whose silence at the start is not marked, and
-  /// a hint only for damaged ones: never allocate by it. The first call counts the packets of MP3
-  /// and ADTS files, half a second at most.
+  /// Length of the sound in frames of the working format; 0 when unknown or nothing is open. Exact
+  /// for good files, except AAC in ADTS or CAF, which does not mark the silence at its start. Only
+  /// a hint for damaged files: never allocate by it. The first call counts the packets of MP3 and
+  /// ADTS files, which takes half a second at most.
   [[nodiscard]] std::int64_t fileSizeInFrames();
 
-  /// Reads the next `frames` frames into the chunk buffer, and returns how many there were: fewer
-  /// near the end, 0 at the end, after a failure, when closed or cancelled. A size other than the
-  /// last one makes the chunk buffer anew (8 bytes a frame); the first `frames` bytes of it are
-  /// cleared before each read.
+  /// Reads the next `frames` frames into the chunk buffer and returns their number: fewer near the
+  /// end, 0 at the end, after a failure, when closed or cancelled. A new size reallocates the chunk
+  /// buffer (8 bytes a frame). Its first `frames` bytes are cleared before each read.
   [[nodiscard]] std::uint32_t readFrameChunkWithSize(std::uint64_t frames);
 
   /// The frames of the last read, interleaved pairs of float (left, right). Null before the first
-  /// read; valid until the next read or the reader's end.
+  /// read; valid until the next read or the reader's destruction.
   [[nodiscard]] const void* exposeBuffer() const { return buffer_.get(); }
 
-  /// The working format; its reserved field has the file's value.
+  /// The working format, except for the reserved field, which has the file's value.
   [[nodiscard]] const platform::AudioStreamBasicDescription& format() const { return format_; }
 
-  /// Starts over with the first frame. The same reads give the same frames to the bit, except where
-  /// damaged packets of a file leave the decoder guessing.
+  /// Returns to the first frame. Repeated reads are bit-identical, except where the decoder must
+  /// guess because of damaged packets.
   void rewind();
 
   /// Closes the file. The chunk buffer stays.
   void close();
 
-  /// Whether a read broke off because of the file or its medium: what came before is good. False
-  /// again after rewind().
+  /// Whether the file or its medium ended a read: the audio before is good. False again after
+  /// rewind().
   [[nodiscard]] bool failed() const { return failed_; }
 
-  /// Capacity of the chunk buffer in frames: the size asked for last.
+  /// Capacity of the chunk buffer in frames: the last size requested.
   [[nodiscard]] std::uint64_t bufferSize() const { return bufferSize_; }
 
  private:
@@ -94,7 +92,7 @@ class OVAudioFileReader {
   [[nodiscard]] bool makeBuffer(std::uint64_t frames);
   void report(platform::AudioStatus status, const std::string& label, const std::string& reason);
 
-  const std::shared_ptr<const std::atomic<bool>> cancelled_;  // null: nobody cancels
+  const std::shared_ptr<const std::atomic<bool>> cancelled_;  // null: no cancellation
   std::unique_ptr<std::byte, Free> buffer_;
   std::unique_ptr<platform::ExtAudioFileInput> xafref_;  // null when closed
   std::uint64_t bufferSize_ = 0;                         // frames

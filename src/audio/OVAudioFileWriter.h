@@ -8,39 +8,39 @@
 #include "platform/base/AudioTypes.h"
 #include "platform/media/ExtAudioFileOutput.h"
 
-/// Writes an audio file of one of four kinds from sound in the working format. Samples that came
-/// from 16-bit audio are written bit for bit; AAC's length is exact to the frame.
+/// Writes audio in the working format to a file of one of four kinds. Samples from 16-bit audio are
+/// written bit for bit; AAC's length is exact to the frame.
 ///
 ///   open (or null) --sinkData()--> writing --close() or destruction--> closed
 ///
-/// The file is complete only when close() has said so. An existing file is emptied at once and
+/// The file is complete only if close() returns true. An existing file is truncated at once and
 /// keeps its permissions, so write beside the file to be replaced; the caller syncs and renames.
 ///
-/// The class itself reports a failure exactly once: prints it to standard error and shows an alert
-/// with the display name and the reason in plain words.
+/// Reports a failure exactly once: prints it to standard error and shows an alert with the display
+/// name and the reason in plain words.
 ///
-/// Threads: any, one at a time; fileName() from any thread. The alert is waited for, see
+/// Threads: any, one at a time; fileName() from any thread. Alerts are waited for, see
 /// CheckAudioStatus(). Real-time: not safe.
 class OVAudioFileWriter {
   struct Key {};
 
  public:
-  /// Kinds of output files: WAV, AIFF and CAF of 16 bits, AAC in an MPEG-4 file.
+  /// Kinds of output files: 16-bit WAV, AIFF and CAF, and AAC in an MPEG-4 file.
   static constexpr auto kWave = static_cast<std::uint32_t>(platform::AudioFileKind::wave);
   static constexpr auto kAiff = static_cast<std::uint32_t>(platform::AudioFileKind::aiff);
   static constexpr auto kCaf = static_cast<std::uint32_t>(platform::AudioFileKind::caf);
   static constexpr auto kAac = static_cast<std::uint32_t>(platform::AudioFileKind::m4a);
 
-  /// A writer of the file at `path`, or null on failure, which is reported.
+  /// A writer to the file at `path`; null on failure, which is reported.
   ///
   /// @param outputFormat  one of the kinds; any other fails
-  /// @param shownName     what alerts call the file where `path` is a temporary name; the path's
-  ///                      last component when empty
+  /// @param shownName     the file's name in alerts where `path` is a temporary name; if empty, the
+  ///                      path's last component
   [[nodiscard]] static std::shared_ptr<OVAudioFileWriter> initWithFile(const std::string& path,
                                                                        std::uint32_t outputFormat,
                                                                        std::string shownName = {});
 
-  /// Most frames that a file of a kind can hold; nothing for no limit.
+  /// Maximum frames that a file of a kind can hold; nothing for no limit.
   [[nodiscard]] static std::optional<std::uint64_t> maximumFrames(std::uint32_t outputFormat);
 
   /// For initWithFile() only.
@@ -52,24 +52,24 @@ class OVAudioFileWriter {
   /// Creates the file. False on failure, which is reported.
   [[nodiscard]] bool openFile(const std::string& path);
 
-  /// Appends the whole frames (8 bytes each: left and right float) of `dataSize` bytes. Returns
-  /// the bytes of these frames; 0 for none, after a failure and when closed.
+  /// Appends the whole frames (8 bytes each: left and right float) of `dataSize` bytes. Returns the
+  /// number of bytes appended; 0 for no whole frame, after a failure and when closed.
   [[nodiscard]] std::uint64_t sinkData(const void* data, std::uint64_t dataSize);
 
-  /// Finishes the file. False when it is not complete on disk as far as the system has told, now or
-  /// before; the same again when called again.
+  /// Finishes the file. False if it is not complete on disk as far as the system reports, because
+  /// of this or an earlier failure. Repeated calls return the same.
   [[nodiscard]] bool close();
 
-  /// Path of the file. Fixed after construction, so any thread may ask.
+  /// Path of the file. Fixed after construction: any thread.
   [[nodiscard]] const std::string& fileName() const { return fileName_; }
   [[nodiscard]] std::uint32_t outputFormat() const { return outputFormat_; }
-  /// The format of the data taken: the working format.
+  /// The format of the data to write: the working format.
   [[nodiscard]] const platform::AudioStreamBasicDescription& format() const { return format_; }
 
  private:
   [[nodiscard]] bool check(platform::AudioStatus status, const std::string& label);
 
-  std::unique_ptr<platform::ExtAudioFileOutput> xafref_;  // null: not open, or failed to open
+  std::unique_ptr<platform::ExtAudioFileOutput> xafref_;  // null if opening failed
   platform::AudioStreamBasicDescription format_;
   const std::string fileName_;
   const std::uint32_t outputFormat_;

@@ -18,11 +18,11 @@ constexpr std::int32_t kReadOnly = -1;
 
 struct Suffix {
   const char* name;
-  const char* mimeType;  // one that the program's desktop entry lists
-  std::int32_t type;     // of the kind that is written under it, or kReadOnly
+  const char* mimeType;  // one listed in the program's desktop entry
+  std::int32_t type;     // of the kind written with it, or kReadOnly
 };
 
-// In the order of the open panel. Of several suffixes of a kind the last is the usual one.
+// In the order of the open panel; of several suffixes of a kind, the most common one last.
 constexpr std::array kSuffixes{
     Suffix{"caf", "audio/x-caf", 2},        Suffix{"aif", "audio/x-aiff", 1},
     Suffix{"aiff", "audio/x-aiff", 1},      Suffix{"wav", "audio/x-wav", 0},
@@ -31,7 +31,7 @@ constexpr std::array kSuffixes{
     Suffix{"aac", "audio/aac", kReadOnly},
 };
 
-// Null for a file that is not readable by its name.
+// Null for files that cannot be read.
 const Suffix* suffixOf(const std::string& path) {
   std::string extension = std::filesystem::path(path).extension().string();
   for (char& c : extension) {

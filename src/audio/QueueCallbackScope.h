@@ -6,11 +6,11 @@
 #include "platform/mainloop/MainQueue.h"
 #include "platform/sound/AudioQueue.h"
 
-/// Marks that the calling thread runs a callback of the queue that `owner` owns. The owner's last
-/// reference may go inside such a callback; its queue must then not be destroyed there, since the
-/// queue's thread would wait for itself.
+/// Marks that the calling thread runs a callback of the queue that `owner` owns. If the owner's
+/// last reference is released inside such a callback, the queue must not be destroyed there, since
+/// its thread would wait for itself.
 ///
-/// Threads: those of audio queues, one scope a callback; scopes nest. Real-time: not safe.
+/// Threads: those of audio queues, one scope per callback; scopes nest. Real-time: not safe.
 class QueueCallbackScope {
  public:
   explicit QueueCallbackScope(const void* owner) : previous_(std::exchange(current_, owner)) {}
@@ -18,7 +18,7 @@ class QueueCallbackScope {
   QueueCallbackScope(const QueueCallbackScope&) = delete;
   QueueCallbackScope& operator=(const QueueCallbackScope&) = delete;
 
-  /// Whether this thread runs a callback of `owner`'s queue, outermost callback only.
+  /// Whether the innermost callback running on this thread is of `owner`'s queue.
   [[nodiscard]] static bool isInside(const void* owner) { return current_ == owner; }
 
  private:
@@ -38,8 +38,8 @@ auto queueCallback(Owner* owner, void (Owner::*function)(Arguments...)) {
   };
 }
 
-/// Destroys a stopped queue: here, or on the main thread's next turn when this is a thread of that
-/// queue. `maker` outlives it.
+/// Destroys a stopped queue: here, or later on the main thread if this is a thread of that queue.
+/// `maker` outlives it.
 template <typename Queue>
 void releaseQueue(std::unique_ptr<Queue> queue, std::shared_ptr<platform::AudioQueues> maker,
                   const void* owner) {

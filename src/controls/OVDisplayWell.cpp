@@ -8,7 +8,7 @@ namespace {
 
 constexpr qreal kRadius = 5.0;
 constexpr qreal kRim = 1.0;          // height of the light rim below the well
-constexpr qreal kInnerShadow = 4.0;  // depth of the shadow that the upper edge throws
+constexpr qreal kInnerShadow = 4.0;  // depth of the shadow that the upper edge casts
 
 QPainterPath rounded(const QRectF& rect, qreal radius) {
   QPainterPath path;

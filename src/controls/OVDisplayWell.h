@@ -2,9 +2,9 @@
 
 #include <QWidget>
 
-/// The dark well in the transport bar that holds the meter and the time, whose light drawings
-/// would be unreadable on the bar itself. Shades of the waveform's background, corners of 5 points,
-/// with a faint light rim below, as if sunk into the bar.
+/// The dark well in the transport bar that holds the meter and the time, whose light colours would
+/// be unreadable on the bar itself. It has the shades of the waveform's background, a corner radius
+/// of 5 points and a faint light rim below, as if sunk into the bar.
 ///
 /// Threads: main. Real-time: not safe.
 class OVDisplayWell : public QWidget {

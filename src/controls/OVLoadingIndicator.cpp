@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kFrameInterval = 33;  // ms
 constexpr int kRound = 60;          // steps there and back
-constexpr qreal kPiece = 0.3;       // length of the running piece, of the whole
+constexpr qreal kPiece = 0.3;       // length of the moving piece, as a fraction of the whole
 
 }  // namespace
 
@@ -45,11 +45,11 @@ QRectF OVLoadingIndicator::filledRect() const {
 }
 
 void OVLoadingIndicator::paintEvent(QPaintEvent* /*event*/) {
-  adjustTimer();  // setRange is not virtual, but it always asks for a redraw
+  adjustTimer();  // setRange is not virtual, but always requests a redraw
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   OVOverlayView::draw(painter, rect());
-  // Cut out of the track's shape, so that a short fill keeps the pill's round end.
+  // Clipped to the track's shape, so that a short fill keeps the pill's round end.
   QPainterPath filled;
   filled.addRect(filledRect());
   painter.fillPath(OVOverlayView::outline(rect()).intersected(filled),

@@ -4,10 +4,9 @@
 #include <QProgressBar>
 
 /// The thin progress bar shown while a file is loaded or saved or the waveform is regenerated: a
-/// pill of the waveform's teal over an overlay panel. With minimum equal to maximum the amount of
-/// work is unknown, and a short piece runs back and forth instead.
-///
-/// A timer runs only while it is visible and the amount is unknown.
+/// pill of the waveform's teal over an overlay panel. If minimum equals maximum, the amount of work
+/// is unknown, and a short piece moves back and forth instead; only then, and while the bar is
+/// visible, a timer runs.
 ///
 /// Threads: main. Real-time: not safe.
 class OVLoadingIndicator : public QProgressBar {
@@ -19,7 +18,7 @@ class OVLoadingIndicator : public QProgressBar {
   [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override;
 
-  /// Whether the running piece is animated at the moment.
+  /// Whether the moving piece is animated now.
   [[nodiscard]] bool isAnimating() const { return timer_.isActive(); }
 
  protected:
@@ -34,5 +33,5 @@ class OVLoadingIndicator : public QProgressBar {
   [[nodiscard]] QRectF filledRect() const;
 
   QBasicTimer timer_;
-  int phase_ = 0;  // steps into the running piece's round
+  int phase_ = 0;  // steps into the moving piece's cycle
 };

@@ -22,7 +22,7 @@ OVLoadingLabel::OVLoadingLabel(QWidget* parent) : QLabel(parent) {
   setTextFormat(Qt::PlainText);
 }
 
-// Not the desktop's style: it would grey the words out while the waveform below is disabled.
+// Not the desktop's style, which would grey out the text while the waveform below is disabled.
 void OVLoadingLabel::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setPen(kWordsColor);
@@ -44,7 +44,7 @@ void OVLoadingPanel::setActivity(const QString& activity) {
   fitTheWords();
 }
 
-// At once, so that no frame shows the new words cut off at the old width.
+// At once, so that no frame shows the new text cut off at the old width.
 void OVLoadingPanel::fitTheWords() {
   const QWidget* const holder = parentWidget();
   if (layout() != nullptr) {

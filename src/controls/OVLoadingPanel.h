@@ -4,7 +4,7 @@
 
 #include "controls/OVOverlayView.h"
 
-/// The label beside the progress bar, in small light letters for a dark background.
+/// The label beside the progress bar: small light text for a dark background.
 ///
 /// Threads: main. Real-time: not safe.
 class OVLoadingLabel : public QLabel {
@@ -18,8 +18,8 @@ class OVLoadingLabel : public QLabel {
 };
 
 /// The panel over the waveform that holds the progress bar and its label: an overlay on the
-/// waveform's background colour, so that the marker's line does not cross the text. It is as wide
-/// as the text needs. The mouse passes through it.
+/// waveform's background colour, so that the marker's line does not cross the text. Its width fits
+/// the text. The mouse passes through it.
 ///
 /// Threads: main. Real-time: not safe.
 class OVLoadingPanel : public OVOverlayView {

@@ -3,8 +3,8 @@
 #include <QPainterPath>
 #include <QWidget>
 
-/// A faint rounded panel that lightens what lies below it: white at alpha 0.1 with corners of 6
-/// points, or of half the smaller side where that is less. The mouse passes through it.
+/// A faint rounded panel that lightens what lies below it: white at alpha 0.1, with a corner radius
+/// of 6 points or half the smaller side, whichever is less. The mouse passes through it.
 ///
 /// Threads: main. Real-time: not safe.
 class OVOverlayView : public QWidget {
@@ -13,7 +13,7 @@ class OVOverlayView : public QWidget {
  public:
   explicit OVOverlayView(QWidget* parent = nullptr);
 
-  /// The corner radius of a panel of this size, points.
+  /// The corner radius of a panel of this size, in points.
   [[nodiscard]] static qreal cornerRadius(const QSizeF& size);
   [[nodiscard]] static QPainterPath outline(const QRectF& bounds);
 

@@ -12,5 +12,5 @@ class QPainter;
 /// Threads: main. Real-time: not safe.
 void drawPanel(QPainter& painter, const QSizeF& bounds, bool bottomShadow);
 
-/// The panel's darker end, for what lies below it.
+/// The darker end of the panel's gradient, for the ground below the panel.
 [[nodiscard]] QColor panelGround();

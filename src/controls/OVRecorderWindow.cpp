@@ -21,7 +21,7 @@ namespace {
 constexpr QSize kContentSize(640, 330);             // points
 const QString kEditedMark = QStringLiteral("[*]");  // where Qt shows the mark for unsaved changes
 
-// From the URIs as they were sent: a QUrl replaces the bytes of a name that is no UTF-8.
+// From the URIs as sent: QUrl replaces bytes of a name that are not UTF-8.
 std::vector<std::string> localFiles(const QMimeData& data) {
   std::vector<std::string> paths;
   for (const QByteArray& line : data.data(QStringLiteral("text/uri-list")).split('\n')) {
@@ -71,7 +71,7 @@ QString OVRecorderWindow::title() const {
 
 void OVRecorderWindow::setTitle(const QString& title) {
   platform::assertMainThread();
-  // A mark that is part of a file's name is doubled, so that it is shown instead of read.
+  // A mark in a file's name is doubled, so that Qt shows it literally.
   QString escaped = title;
   escaped.replace(kEditedMark, kEditedMark + kEditedMark);
   setWindowTitle(escaped + kEditedMark);
@@ -85,15 +85,15 @@ QSize OVRecorderWindow::sizeHint() const {
 }
 
 void OVRecorderWindow::setVisible(bool visible) {
-  // By default Qt would shrink the window to two thirds of the screen.
+  // By default, Qt would shrink the window to two thirds of the screen.
   if (visible && !testAttribute(Qt::WA_Resized)) {
     resize(sizeHint());
   }
   QMainWindow::setVisible(visible);
 }
 
-// A key that repeats is down only if its first press was passed on as such: Ctrl+Space goes on as
-// Space alone when Control comes up first.
+// A repeating key is down only if its first press was reported as such: Ctrl+Space continues as
+// plain Space if Control is released first.
 std::uint16_t OVRecorderWindow::codeOfPress(const QKeyEvent& event) {
   const std::uint16_t code = platform::hardwareKeyCode(event);
   if (event.isAutoRepeat()) {
@@ -130,7 +130,7 @@ void OVRecorderWindow::keyPressEvent(QKeyEvent* event) {
 
 void OVRecorderWindow::keyReleaseEvent(QKeyEvent* event) {
   event->accept();
-  // A held key arrives as pairs of release and press; only the last release is a real one.
+  // A held key arrives as pairs of release and press; only the last release is real.
   if (event->isAutoRepeat()) {
     return;
   }
@@ -143,7 +143,7 @@ void OVRecorderWindow::keyReleaseEvent(QKeyEvent* event) {
 bool OVRecorderWindow::event(QEvent* event) {
   if (event->type() == QEvent::WindowDeactivate) {
     while (!keysDown_.empty()) {
-      cancelKey(*keysDown_.begin());  // whatever comes up now comes up elsewhere
+      cancelKey(*keysDown_.begin());  // another window receives its release
     }
     for (OVTrackingButton* const button : findChildren<OVTrackingButton*>()) {
       button->cancelPress();  // the mouse too
@@ -190,7 +190,7 @@ void OVRecorderWindow::dragEnterEvent(QDragEnterEvent* event) {
 void OVRecorderWindow::dropEvent(QDropEvent* event) {
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  // The program that was dragged from waits for the end of this call.
+  // The program at the other end of the drag waits until this call returns.
   const auto paths = localFiles(*event->mimeData());
   platform::mainQueue().async([handler = dropHandler_, paths] { handler(paths); });
 }

@@ -14,13 +14,12 @@ class OVRecorderWindowDelegate;
 /// The window of one document. It passes every plain key to its delegate instead of its views,
 /// asks the delegate before it closes, and deletes itself once it has closed.
 ///
-/// Shortcuts of menus come first: a key that triggers one never reaches the delegate as key-down.
-/// A transport key reaches it as key-up only after its key-down: where the press was a command's, a
-/// menu's or another window's, its repetitions and its release are passed on as unmapped. A key
-/// that is down when the window loses the keyboard is cancelled instead, and so is a button that
-/// the mouse holds. The views inside take the
-/// keyboard by Tab alone and pass plain keys on, so that R, Return and Space are always the
-/// window's.
+/// Menu shortcuts come first: a key that triggers one never reaches the delegate as key-down. A
+/// transport key is reported as key-up only after its key-down: if a command, a menu or another
+/// window took the press, its repeats and release are reported as unmapped. A key that is down when
+/// the window loses the keyboard is cancelled instead, and so is a button that the mouse holds. The
+/// views inside take the focus only by Tab and pass plain keys on, so that R, Return and Space
+/// always reach the window.
 ///
 /// Threads: main. Real-time: not safe.
 class OVRecorderWindow : public QMainWindow {
@@ -36,19 +35,19 @@ class OVRecorderWindow : public QMainWindow {
   /// windowWillClose and closes.
   void performClose();
 
-  /// Whether the document has changes that are not saved; shown in the title bar.
+  /// Whether the document has unsaved changes; shown in the title bar.
   [[nodiscard]] bool isDocumentEdited() const;
   void setDocumentEdited(bool edited);
 
-  /// The title without the mark for unsaved changes. Any text is shown as it stands.
+  /// The title without the mark for unsaved changes. Any text is shown literally.
   [[nodiscard]] QString title() const;
   void setTitle(const QString& title);
 
-  /// Called with the local files that were dropped on the window. None: nothing can be dropped.
+  /// Called with the local files dropped on the window. Without a handler, nothing can be dropped.
   using DropHandler = std::function<void(const std::vector<std::string>& paths)>;
   void setDropHandler(DropHandler handler);
 
-  /// The size at which the content is 640 x 330 points below the menu bar.
+  /// The size at which the content below the menu bar has 640 x 330 points.
   [[nodiscard]] QSize sizeHint() const override;
 
   /// A window without an explicit size appears at its size hint.

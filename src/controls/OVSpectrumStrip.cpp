@@ -69,13 +69,13 @@ void OVSpectrumStrip::stepTo(int height) {
   place(frameAt(height));
 }
 
-// Nothing is painted between this and the change of the window's height that belongs to it.
+// Nothing is painted between this and the matching change of the window's height.
 void OVSpectrumStrip::setStripHeight(int height) {
   strip_->setFixedHeight(height);
   strip_->setVisible(height > 0);
   window_->centralWidget()->setMinimumHeight(minimumHeightWithout_ + height);
   if (QLayout* const layout = window_->layout()) {
-    layout->activate();  // else the window would still be held at the minimum from before
+    layout->activate();  // otherwise the former minimum would still limit the window
   }
 }
 
@@ -132,7 +132,7 @@ bool OVSpectrumStrip::keepsItsSize() const {
 }
 
 bool OVSpectrumStrip::eventFilter(QObject* watched, QEvent* event) {
-  // It watches nothing but the window, whose last events come when it is no window any more.
+  // Only the window is watched. Its last events arrive after its destructor has begun.
   if (event->type() == QEvent::WindowStateChange) {
     stateChanged();
   }
@@ -146,7 +146,7 @@ void OVSpectrumStrip::stateChanged() {
     normalFrame_ = shown_ ? shownFrame_ : hiddenFrame_;
   }
   if (normalFrame_ && !keepsItsSize()) {
-    // Later: the frame that the window returns to by itself may not have arrived yet.
+    // Later: the frame that the window itself restores may not have arrived yet.
     platform::mainQueue().async([self = QPointer(this)] {
       if (self) {
         self->returnToNormalFrame();

@@ -10,18 +10,17 @@
 #include <QVariantAnimation>
 #include <QWidget>
 
-/// Shows and hides the strip below the transport bar, which holds the spectrum view, by making the
-/// window higher at its bottom edge and lower again, in a quarter of a second. The views above keep
-/// their size all the while, so that the waveform is not rendered anew on the way.
+/// Shows and hides the strip below the transport bar, which holds the spectrum view, by extending
+/// the window at its bottom edge and shrinking it again, in a quarter of a second. The views above
+/// keep their size meanwhile, so that the waveform is not rendered again at every step.
 ///
-/// Hiding restores exactly the previous frame, whenever and however often the direction changes,
-/// unless the user has moved or resized the window meanwhile: then it becomes lower by
-/// as much as it had become higher.
+/// Hiding restores exactly the previous frame, however often the direction changes on the way. If
+/// the user has moved or resized the window, its height only shrinks by as much as it had grown.
 ///
-/// A window whose strip would lie below the screen moves up for it, as far as there is room; what
-/// then still lacks comes off the waveform. A maximised or full-screen window keeps its size, the
-/// strip takes its height from the waveform, and the window's normal frame changes by what it
-/// missed when the window returns to it.
+/// A window whose strip would lie below the screen moves up as far as there is room; the height
+/// still missing is taken from the waveform. A maximised or full-screen window keeps its size: the
+/// strip takes its height from the waveform, and the window's normal frame is adjusted when the
+/// window returns to it.
 ///
 /// Threads: main. Real-time: not safe.
 class OVSpectrumStrip : public QObject {
@@ -30,13 +29,13 @@ class OVSpectrumStrip : public QObject {
  public:
   /// Height of the strip, points.
   static constexpr int kHeight = 200;
-  /// Duration of showing or hiding, milliseconds; none where the desktop wants no animations.
+  /// Duration of showing or hiding, milliseconds; none if the desktop has animations turned off.
   static constexpr int kDuration = 250;
 
   /// For a strip in the column of the window's central widget. Hidden at first.
   OVSpectrumStrip(QMainWindow* window, QWidget* strip);
 
-  /// Begins to show or hide; does nothing if already there or on the way.
+  /// Begins to show or hide; does nothing if the strip is already there or on the way.
   void setShown(bool shown);
   [[nodiscard]] bool isShown() const { return shown_; }
   /// Whether the animation is running.
@@ -63,11 +62,11 @@ class OVSpectrumStrip : public QObject {
   QVariantAnimation animation_;
   bool shown_ = false;
 
-  // Title bar and lower edge of the window as it stood last in its normal frame.
+  // Title bar and lower edge of the window when it was last in its normal frame.
   QMargins decorations_;
-  // The window's geometry at either end of the way, without its decorations.
+  // The window's geometry at either end of the animation, without its decorations.
   QRect hiddenFrame_;
   QRect shownFrame_;
-  // What the window returns to from a state in which it could not follow.
+  // What the window returns to from a maximised or full-screen state.
   std::optional<QRect> normalFrame_;
 };

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-/// The light grey bar behind the transport buttons. A resize redraws it whole, since its gradient
+/// The light grey bar behind the transport buttons. A resize redraws all of it, since its gradient
 /// spans the height.
 ///
 /// Threads: main. Real-time: not safe.
@@ -12,8 +12,8 @@ class OVTransportBackgroundView : public QWidget {
  public:
   explicit OVTransportBackgroundView(QWidget* parent = nullptr);
 
-  /// Whether a dark line of 1.3 points runs along the bottom edge, to separate the bar from the
-  /// spectrum below it; no at first. Setting it does not redraw.
+  /// Whether a dark line of 1.3 points along the bottom edge separates the bar from the spectrum
+  /// below it; initially false. No redraw.
   [[nodiscard]] bool renderBottomShadow() const { return renderBottomShadow_; }
   void setRenderBottomShadow(bool render) { renderBottomShadow_ = render; }
 

@@ -3,11 +3,11 @@
 #include "displays/OVVUView.h"
 #include "platform/views/NamedImage.h"
 
-/// A level meter with one dial and needle a channel, over the image "vumeter.png". Polls 60 times a
-/// second. Without a level it draws nothing at all.
+/// A level meter with one dial and needle per channel, over the image "vumeter.png". Polls 60 times
+/// a second. Without levels it draws nothing.
 ///
-/// The dials stand side by side from the left edge on; a view that shows all of n channels is n
-/// times as wide as dialSize().
+/// The dials are placed side by side from the left edge on; to show all of n channels, the view
+/// must be n times as wide as dialSize().
 ///
 /// Threads: main. Real-time: not safe.
 class OVAnalogVUView : public OVVUView {
@@ -16,7 +16,7 @@ class OVAnalogVUView : public OVVUView {
  public:
   explicit OVAnalogVUView(QWidget* parent = nullptr);
 
-  /// Width and height of one dial, points.
+  /// Width and height of one dial, in points.
   [[nodiscard]] QSizeF dialSize() const { return backgroundImage_.size(); }
   /// Two dials.
   [[nodiscard]] QSize sizeHint() const override;

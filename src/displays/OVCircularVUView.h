@@ -2,9 +2,9 @@
 
 #include "displays/OVVUView.h"
 
-/// The level meter of the recorder window: one circle a channel, its opacity following the level.
-/// Polls 30 times a second. Asked to draw without any level, it draws two of silence and keeps
-/// those as its levels.
+/// The level meter of the recorder window: one circle per channel, its opacity following the level.
+/// Polls 30 times a second. When it draws without levels, it substitutes two levels of silence and
+/// keeps them.
 ///
 /// Threads: main. Real-time: not safe.
 class OVCircularVUView : public OVVUView {

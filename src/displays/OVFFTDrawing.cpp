@@ -13,9 +13,9 @@ const QColor kGradientBottom = QColor::fromRgbF(0.13725F, 0.14510F, 0.24314F);
 const QColor kGradientTop = QColor::fromRgbF(0.14118F, 0.21176F, 0.27843F);
 
 constexpr double kLineWidth = 1.0;
-// A magnitude of 1 reaches this part of the height.
+// The fraction of the height that a magnitude of 1 reaches.
 constexpr double kUnitHeight = 0.9;
-// Far outside every view, where lines are still exact.
+// Far outside any view, but small enough for exact lines.
 constexpr float kMaxValue = 100.0F;
 
 double drawable(float value) {

@@ -8,30 +8,29 @@
 #include "displays/OVFFTDrawing.h"
 #include "platform/base/Mutex.h"
 
-/// Draws the magnitudes set last as a line graph over a flat dark background. It keeps a
-/// copy of them and knows nothing of frequencies or decibels. Setting data does not redraw;
-/// the caller requests it.
+/// Draws the last set magnitudes as a line graph over a flat dark background. It keeps a copy of
+/// them and knows nothing of frequencies or decibels. Setting data does not redraw; the caller
+/// requests it.
 ///
-/// Threads: main, except setting and reading its values, which any thread may do.
-/// Real-time: not safe.
+/// Threads: main; any for setting and reading the values. Real-time: not safe.
 class OVFFTView : public QWidget {
   Q_OBJECT
 
  public:
   explicit OVFFTView(QWidget* parent = nullptr);
 
-  /// The number of values; size() is the widget's own. Set it before the data.
+  /// The number of values (size() is the widget's own). Set it before the data.
   [[nodiscard]] std::uint64_t dataSize() const;
   void setSize(std::uint64_t size);
 
-  /// A copy of the values that are drawn.
+  /// A copy of the values.
   [[nodiscard]] std::vector<float> magnitudes() const;
 
-  /// Copies as many values as setSize() specified. The caller keeps the array.
+  /// Copies as many values as setSize() specified.
   void setData(const float* magnitudes);
 
-  /// The ground of the waveform's look, drawn for the view's size into a painter in view
-  /// coordinates. Not part of the view's own drawing.
+  /// The waveform's background, drawn for the view's size into a painter in view coordinates. Not
+  /// part of the view's own drawing.
   void drawGradient(QPainter& painter);
   void drawGrid(QPainter& painter);
 

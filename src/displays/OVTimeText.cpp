@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kFontSize = 10;                // points of the views' grid
 constexpr double kRightMargin = 1.0;         // points
-constexpr double kBelowBottomEdge = 1.0;     // points: uses the space under the font's baseline
+constexpr double kBelowBottomEdge = 1.0;     // points; uses the space below the font's baseline
 constexpr double kTimeLimit = 2147483648.0;  // 2^31 seconds: the fields are 32-bit integers
 
 double withinLimits(double seconds) {
@@ -33,9 +33,9 @@ std::int32_t truncated(double value) {
 
 OVTimeText::OVTimeText()
     : font_(QStringLiteral("Arial")), color_(QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.6F)) {
-  // No style hint: it would go before the system's own substitute for a missing Arial.
+  // No style hint: it would take precedence over the system's substitute for a missing Arial.
   font_.setPixelSize(kFontSize);
-  // Digits are all of one width, but the pair "11" is kerned: the text would twitch as time runs.
+  // Digits have equal widths, but the pair "11" is kerned: the text would jitter as time runs.
   font_.setKerning(false);
 }
 

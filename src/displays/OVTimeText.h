@@ -6,23 +6,23 @@
 #include <QSizeF>
 #include <QString>
 
-/// The line of text of the time display: how times are written and where they stand.
+/// The line of text of the time display: how times are formatted and where they are drawn.
 ///
-/// Threads: main, the formatting any. Real-time: not safe.
+/// Threads: main; any for formatting. Real-time: not safe.
 class OVTimeText {
  public:
   OVTimeText();
 
-  /// "HH:MM:SS.hh" of a time in seconds. Every field is cut off toward zero, never rounded, and a
-  /// negative time shows the sign in each field: -1.5 is "00:00:-01.-50". Times from 2^31 seconds
-  /// on show the largest that fits, with their sign; what is not a number shows as 0.
+  /// "HH:MM:SS.hh" of a time in seconds. Every field is truncated toward zero, and a negative time
+  /// shows the sign in each field: -1.5 is "00:00:-01.-50". Times of 2^31 seconds and more show the
+  /// largest that fits, with their sign; NaN shows as 0.
   [[nodiscard]] static QString formatTime(double seconds);
 
   /// Both times in seconds, "current / duration".
   [[nodiscard]] static QString formatTimes(double current, double duration);
 
-  /// Draws into a painter in view coordinates, one point in from the right edge of a view of
-  /// `size` and one point below its bottom edge.
+  /// Draws into a painter in view coordinates for a view of `size`. The text ends one point inside
+  /// the view's right edge and one point below its bottom edge.
   void draw(QPainter& painter, QSizeF size, const QString& text) const;
 
   [[nodiscard]] const QFont& font() const { return font_; }

@@ -10,7 +10,7 @@
 /// Shows the current position and the total length as one line of text at the bottom right, on
 /// a transparent background. Setting a time does not redraw; the caller requests it.
 ///
-/// Threads: main; the times may be set and read from any. Real-time: not safe.
+/// Threads: main; any for setting and reading the times. Real-time: not safe.
 class OVTimeView : public QWidget {
   Q_OBJECT
   Q_PROPERTY(QString accessibleValue READ text)
@@ -18,11 +18,11 @@ class OVTimeView : public QWidget {
  public:
   explicit OVTimeView(QWidget* parent = nullptr);
 
-  /// Position to show, seconds.
+  /// Position to show, in seconds.
   [[nodiscard]] double currentTimeInSeconds() const;
   void setCurrentTimeInSeconds(double seconds);
 
-  /// Total length to show, seconds.
+  /// Total length to show, in seconds.
   [[nodiscard]] double durationInSeconds() const;
   void setDurationInSeconds(double seconds);
 
@@ -33,7 +33,7 @@ class OVTimeView : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  // Numbers on their own, drawn at the next redraw, so relaxed: a loading job sets the duration.
+  // A loading job sets the duration. Each is read by itself at the next redraw: relaxed order.
   std::atomic<double> currentTimeInSeconds_{0.0};
   std::atomic<double> durationInSeconds_{0.0};
 

@@ -9,11 +9,9 @@
 #include "displays/OVVUViewDataSource.h"
 #include "platform/mainloop/Timer.h"
 
-/// Base of the level meters: polls the data source. Subclasses draw the levels.
-///
-/// A meter polls its data source on its own timer for as long as it exists, and draws the levels
-/// unchanged. Without levels it requests no redraw: the last picture stays until something else
-/// redraws the view.
+/// Base of the level meters: polls the data source on its own timer for as long as it exists.
+/// Subclasses draw the levels unchanged. Without levels, a meter requests no redraw: the last
+/// picture stays until something else redraws the view.
 ///
 /// Threads: main. Real-time: not safe.
 class OVVUView : public QWidget {
@@ -29,15 +27,15 @@ class OVVUView : public QWidget {
   [[nodiscard]] std::weak_ptr<OVVUViewDelegate> delegate() const { return delegate_; }
   void setDelegate(std::weak_ptr<OVVUViewDelegate> delegate);
 
-  /// Polls a second; setting it starts the timer anew. None at 0 and below.
+  /// Polls per second; setting it restarts the timer. No polls at 0 or below.
   [[nodiscard]] double pollingFrequency() const { return pollingFrequency_; }
   void setPollingFrequency(double pollingFrequency);
 
-  /// Asks the data source once, and for a redraw on a later pass of the main loop if it answered
-  /// with at least one level.
+  /// Polls the data source once. If it returns at least one level, requests a redraw on a later
+  /// pass of the main loop.
   void pollForData();
 
-  /// The last levels, one linear level a channel, or those that a redraw has substituted.
+  /// The last levels, one linear level per channel, or those that a redraw has substituted.
   [[nodiscard]] const std::optional<std::vector<float>>& levelData() const { return levelData_; }
 
  protected:

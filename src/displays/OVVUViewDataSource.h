@@ -10,7 +10,7 @@ class OVVUViewDataSource {
  public:
   virtual ~OVVUViewDataSource() = default;
 
-  /// One linear level a channel, 0 silence, 1 full scale; none when there is nothing to show.
+  /// One linear level per channel, 0 silence, 1 full scale; none if there is nothing to show.
   ///
   /// Threads: main. Real-time: not safe.
   [[nodiscard]] virtual std::optional<std::vector<float>> dataForVUView(QWidget* view) = 0;

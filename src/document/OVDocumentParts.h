@@ -23,7 +23,7 @@
 #include "document/transport/OVTransportControls.h"
 #include "document/transport/OVTransportKeys.h"
 
-/// The parts of one document, one subject each. A part is declared after the parts that it uses.
+/// The parts of one document, each with one subject. A part is declared after the parts it uses.
 ///
 /// Threads: main, unless a part states otherwise. Real-time: not safe.
 struct OVDocumentParts {
@@ -38,7 +38,7 @@ struct OVDocumentParts {
 
   explicit OVDocumentParts(const Operations& operations);
 
-  /// Finds the views that the parts show themselves in.
+  /// Connects the parts to their views in the window.
   void connect(OVRecorderWindow* window);
 
   OVDocumentLife life;

@@ -24,30 +24,22 @@ void OVUnsavedChanges::setWindow(OVRecorderWindow* window) {
 }
 
 bool OVUnsavedChanges::mayClose() {
-  if (state_ == State::confirmed) {
-    return true;
-  }
   if (state_ == State::idle && parts_.operation.isWriting()) {
     state_ = State::savePending;
   }
-  if (state_ == State::savePending) {
-    return false;
-  }
-  if (state_ == State::idle && !parts_.history.isEdited()) {
+  if (state_ == State::confirmed || (state_ == State::idle && !parts_.history.isEdited())) {
     return true;
   }
-  bringToFront();
-  if (state_ == State::idle) {
-    if (parts_.panels.isShown()) {
-      sayThatAPanelIsOpen();
-    } else {
-      ask();
-    }
+  if (state_ != State::savePending || !parts_.operation.isActive()) {  // there is an answer to give
+    bringToFront();
+  }
+  if (state_ == State::idle && !parts_.panels.isShown()) {
+    ask();
   }
   return false;
 }
 
-// The question must be visible: a quit waits for the answer.
+// A panel or question must be visible: a quit waits for the answer.
 void OVUnsavedChanges::bringToFront() {
   if (window_) {
     window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
@@ -56,13 +48,18 @@ void OVUnsavedChanges::bringToFront() {
   }
 }
 
-void OVUnsavedChanges::sayThatAPanelIsOpen() const {
-  platform::applicationServices()->cancelTermination();
+bool OVUnsavedChanges::refusesQuit() {
+  if (state_ != State::idle || parts_.operation.isWriting() || !parts_.history.isEdited() ||
+      !parts_.panels.isShown()) {
+    return false;
+  }
+  bringToFront();
   platform::applicationServices()->postModalAlert(
       platform::localizedUtf8("Quitting was cancelled"),
       localized("A panel of “%1” is open. Answer it first, then quit again.")
           .arg(parts_.file.shownName())
           .toStdString());
+  return true;
 }
 
 void OVUnsavedChanges::ask() {
@@ -111,7 +108,7 @@ void OVUnsavedChanges::loadEnded() {
   }
 }
 
-// One that a running load keeps from beginning is begun when that has ended.
+// A save that a running load prevents begins when the load has ended.
 void OVUnsavedChanges::save() {
   if (!save_() && !parts_.operation.isActive()) {
     saveFailed();
@@ -125,10 +122,14 @@ void OVUnsavedChanges::written(bool saved) {
   }
 }
 
-void OVUnsavedChanges::saveFailed() {
+void OVUnsavedChanges::cancelClosing() {
   if (state_ == State::savePending) {
     state_ = State::idle;
   }
+}
+
+void OVUnsavedChanges::saveFailed() {
+  cancelClosing();
   platform::applicationServices()->cancelTermination();
 }
 

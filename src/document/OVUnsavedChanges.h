@@ -17,7 +17,7 @@ class OVTransport;
 ///   idle --close--> asking --Don't Save--> confirmed
 ///   asking --Save--> savePending --saved--> confirmed
 ///   idle --close while a file is written--> savePending
-///   asking --Cancel--> idle, savePending --save failed or cancelled--> idle
+///   asking --Cancel--> idle, savePending --save failed, or save or closing cancelled--> idle
 ///
 /// Threads: main. Real-time: not safe.
 class OVUnsavedChanges {
@@ -41,24 +41,30 @@ class OVUnsavedChanges {
     OVDocumentPanels& panels;
   };
 
-  /// `save` is the document's command, false if it began nothing; `answered` gets the answer and
-  /// calls answer() with it.
+  /// `save` runs the document's save command and returns false if nothing was begun; `answered`
+  /// receives the answer and calls answer() with it.
   OVUnsavedChanges(const Parts& parts, std::function<bool()> save,
                    std::function<void(int)> answered);
 
   void setWindow(OVRecorderWindow* window);
   [[nodiscard]] State state() const { return state_; }
 
-  /// Whether the window may close now. If not, waits for a save that runs, or asks, or, when
-  /// another panel is open, cancels a quit and alerts the user. Recording is paused once the
-  /// question is on the screen.
+  /// Whether the window may close now. If not, waits for a running save, or asks the user, or, if
+  /// another panel is open, brings it to the front. Recording is paused once the question is on the
+  /// screen.
   [[nodiscard]] bool mayClose();
-  /// Handles the answer. Any code but an Answer is a programming error and ends the program.
+  /// Whether the question cannot be asked because another panel is open. If so, brings the panel to
+  /// the front and shows an alert; the caller cancels the quit.
+  [[nodiscard]] bool refusesQuit();
+  /// The window stays open after the save that it waits for; a save that has not begun is dropped.
+  /// A question on the screen stays.
+  void cancelClosing();
+  /// Handles the answer. A code that is no Answer is a programming error and aborts the program.
   void answer(int returnCode);
 
   /// A load has ended: starts a save that waited for it.
   void loadEnded();
-  /// A save has written everything, or (`saved` false) an export, which leaves the document
+  /// A save has written everything; with `saved` false an export, which leaves the document
   /// unsaved.
   void written(bool saved);
   /// A save failed or was cancelled: the document stays open and a quit is cancelled.
@@ -68,7 +74,6 @@ class OVUnsavedChanges {
   void bringToFront();
   void save();
   void ask();
-  void sayThatAPanelIsOpen() const;
   void closeWindow();
 
   const Parts parts_;

@@ -239,7 +239,7 @@ void VLRecorderWindowController::cut(void (OVAudioBufferInterface::*cutoff)(std:
   }
   parts_.transport.pause();
   parts_.history.beginStep(actionName);
-  // An undo may have left the marker after the end.
+  // An undo may have left the marker past the end.
   ((*audio).*cutoff)(std::min(playbackPosition(), audio->bufferSizeInFrames()));
   setDocumentEdited(true);
   parts_.transport.setPlaybackPosition(0);

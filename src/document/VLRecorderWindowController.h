@@ -24,10 +24,10 @@ class OVCircularVUView;
 
 /// One document: a recorder window with its own audio, transport, waveform, displays and undo.
 ///
-/// The operations below pass the work on to the controller's parts, each of which has one subject.
-/// Positions are frames. Every view may be missing, the window included: an operation on a missing
-/// view does nothing. The controller keeps itself alive from its creation until windowWillClose(),
-/// and is always destroyed on the main thread.
+/// The operations below delegate to the controller's parts, each of which has one subject.
+/// Positions are in frames. Any view may be missing, including the window: an operation on a
+/// missing view does nothing. The controller keeps itself alive from its creation until
+/// windowWillClose(), and is always destroyed on the main thread.
 ///
 /// Threads: main, unless stated otherwise. Real-time: not safe.
 class VLRecorderWindowController : public OVAudioBufferDelegate,
@@ -68,7 +68,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void prevButton(OVTransportButton*) { move(&OVTransport::toStart); }
   void nextButton(OVTransportButton*) { move(&OVTransport::toEnd); }
 
-  /// Menu commands: the buttons' actions where the buttons are enabled. pauseMenu does nothing.
+  /// Menu commands: the buttons' actions, if the button is enabled. pauseMenu does nothing.
   void recMenu(QObject*) { menuCommand(Button::rec); }
   void playMenu(QObject* sender);
   void pauseMenu(QObject*) {}
@@ -81,10 +81,10 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void removeAfterMarker(QObject* sender);
   void removeBeforeMarker(QObject* sender);
   void reverseBuffer(QObject* sender);
-  /// What the undo manager calls.
+  /// Called by the undo manager.
   void undo(QObject*) { exchangeHistory(&OVEditHistory::undo); }
   void redo(QObject*) { exchangeHistory(&OVEditHistory::redo); }
-  /// The Undo and Redo commands of menu and keys: pause what runs, then ask the undo manager.
+  /// The menu's Undo and Redo: pause recording and playback, then call the undo manager.
   void undoCommand();
   void redoCommand();
   [[nodiscard]] std::shared_ptr<platform::UndoManager> windowWillReturnUndoManager() const;
@@ -92,16 +92,15 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// Groups of menu commands that are enabled together.
   enum class MenuAction { reverseBuffer, undo, redo, edit, transport, open, file, other };
   [[nodiscard]] bool validateMenuItem(MenuAction action) const;
-  /// Called whenever the result of validateMenuItem() may have changed, except by the undo manager,
-  /// which reports its own changes.
+  /// Called when validateMenuItem() may have changed; the undo manager reports its own changes.
   void setCommandsChangedHandler(std::function<void()> handler);
 
   // Display loop --------------------------------------------------------------------------------
 
-  /// The display timer's tick, 25 a second.
+  /// Tick of the display timer, 25 times a second.
   void updatePlaybackMarkerView() { parts_.displayLoop.tick(); }
   [[nodiscard]] bool isDisplayTimerRunning() const { return parts_.displayLoop.isRunning(); }
-  /// Rebuilds the displays after an edit; with `regenerate` the summary starts from scratch.
+  /// Rebuilds the displays after an edit; with `regenerate`, generates the summary from scratch.
   void refreshCompleteUI(bool regenerate) { parts_.displayLoop.refresh(regenerate); }
 
   /// Threads: any.
@@ -129,15 +128,17 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
     parts_.displayLoop.setIsRenderingWaveform(rendering);
   }
   [[nodiscard]] QProgressBar* loadingIndicator() const;
-  void recreateIndicator(bool indeterminate,
-                         platform::TextKey activity = platform::textKey("Progress"));
+  void recreateIndicator(bool indeterminate) {
+    recreateIndicator(indeterminate, platform::textKey("Progress"));
+  }
+  void recreateIndicator(bool indeterminate, platform::TextKey activity);
 
   // Spectrum ------------------------------------------------------------------------------------
 
   /// Action of the spectrum button and its menu item. The sender is ignored.
   void toggleFFT(QObject* sender);
   [[nodiscard]] bool isSpectrumShown() const { return parts_.spectrum.isShown(); }
-  /// The spectrum timer's tick, 30 a second: analyses the audio being played, then the last
+  /// Tick of the spectrum timer, 30 times a second: analyses the audio being played, then the last
   /// recorded chunk.
   void fireFFT();
   void doFFT();
@@ -150,7 +151,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// Loads a file into the document, at the recording position. This and the commands below do
   /// nothing while another file operation runs.
   void openFileNamed(const std::string& path) { parts_.loading.open(path); }
-  /// Asks for a file and imports it at the recording position as an undoable step.
+  /// Asks for a file and imports it at the recording position, as an undoable step.
   void importFile(QObject*) { parts_.loading.chooseImport(); }
   void fileLoadingComplete() { parts_.loading.drawWaveform(); }    ///< after the last chunk
   void fileLoadingReallyComplete() { parts_.loading.complete(); }  ///< after the waveform
@@ -178,27 +179,31 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// A save or export is running.
   [[nodiscard]] bool isSaving() const { return parts_.operation.isWriting(); }
   [[nodiscard]] bool shouldCloseAfterSave() const;
+  /// A quit asks before it closes anything: true if a panel stands in the way of the question.
+  /// Alerts the user then.
+  [[nodiscard]] bool refusesQuit() { return parts_.unsavedChanges.refusesQuit(); }
+  /// The window stays open after a save that runs, and a save that waits for a load is not begun.
+  void cancelClosing() { parts_.unsavedChanges.cancelClosing(); }
   /// Path of the document's file, empty for a new recording.
   [[nodiscard]] const std::string& currentFilename() const { return parts_.file.name(); }
   void setCurrentFilename(std::string path) { parts_.file.setName(std::move(path)); }
-  /// Kind of file of the document, -1 for none or unknown.
+  /// Kind of the document's file; -1 if there is none or it is unknown.
   [[nodiscard]] std::int32_t currentFiletype() const { return parts_.file.type(); }
   void setCurrentFiletype(std::int32_t type) { parts_.file.setType(type); }
 
   // Audio ---------------------------------------------------------------------------------------
 
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const;
-  /// Replaces the document's audio by another buffer. Only before the first recording.
+  /// Replaces the document's buffer. Only before the first recording.
   void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer);
   [[nodiscard]] std::shared_ptr<OVAQRecorder> recorder() const;
   [[nodiscard]] std::shared_ptr<OVAQPlayer> player() const { return parts_.transport.player(); }
   [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const;
   [[nodiscard]] std::shared_ptr<OVWaveformSummary> prevWaveform() const;
   [[nodiscard]] bool waveformIsChanging() const { return parts_.summaries->isChanging(); }
-  /// A fresh path in the user's temporary directory that begins with "velmar_"; the file is not
-  /// made.
+  /// A fresh path, named "velmar_…", in the user's temporary directory. Creates no file.
   [[nodiscard]] static std::string createTempFile() { return freshTemporaryPath(); }
-  /// Deletes a file; nothing for an empty path, errors are ignored.
+  /// Deletes a file. Ignores errors and an empty path.
   static void removeTempFile(const std::string& path) { platform::deleteFile(path); }
 
   // Callbacks -----------------------------------------------------------------------------------

@@ -6,9 +6,9 @@
 namespace {
 
 // Makes room for `added` in one existing block. A part after the added block that must become a
-// separate block goes to `splitOff`. False when nothing is left of the block, which must then leave
-// the list. The order of the four steps, and whether bounds are inclusive, matter for empty blocks
-// and blocks that only touch.
+// separate block goes to `splitOff`. False when nothing of the block remains; the caller then
+// removes it from the list. The order of the four steps, and whether bounds are inclusive, matter
+// for empty blocks and blocks that only touch.
 bool makeWay(OVBlock& block, const OVBlock& added, std::vector<OVBlock>& splitOff) {
   const std::uint64_t start = added.linear_addr_start();
   const std::uint64_t end = added.end();
@@ -87,8 +87,8 @@ void BlockList::map(const OVBlock& block) {
   add(block);
 }
 
-// The blocks that a write can change, in list order: of the reachable ones those that it overlaps
-// or touches; by the bounds of its steps, any of the others.
+// The blocks that a write can change, in list order: the reachable ones that it overlaps or
+// touches, and all unreachable ones, which its steps may match.
 std::vector<OrderedBlock> BlockList::inReachOf(const OVBlock& block) const {
   std::vector<OrderedBlock> result;
   auto position = reachable_.lowerBound(block.linear_addr_start());

@@ -107,7 +107,6 @@ class CowBlockSequence {
     }
   }
 
-  /// Removes a block.
   void erase(Position position) {
     --size_;
     Chunk& blocks = own(position.chunk);

@@ -22,10 +22,10 @@ constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t kInitialCapacity =
     10 * platform::kWorkingRate * platform::kWorkingFrameBytes;
 
-// The capacity that exceeds `end`, repeatedly grown by half; 0 when there is none.
+// The capacity that exceeds `end`, repeatedly grown by half; 0 for none.
 std::uint64_t capacityBeyond(std::uint64_t capacity, std::uint64_t end) {
   if (capacity < 2) {
-    capacity = kInitialCapacity;  // half of it would not grow it
+    capacity = kInitialCapacity;  // growing by half would not help
   }
   while (capacity <= end) {
     if (capacity / 2 > kHighestAddress - capacity) {
@@ -153,7 +153,7 @@ void OVAudioBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
 
 void OVAudioBuffer::reverseBuffer() {
   const platform::MutexLock lock(bufferLock_);
-  constexpr std::size_t kSample = sizeof(std::uint32_t);  // whatever its bits mean
+  constexpr std::size_t kSample = sizeof(std::uint32_t);  // bits are moved, not interpreted
   const std::uint64_t length = std::min<std::uint64_t>(bufferFillSize_, sampleBuffer_.size());
   std::byte* const samples = sampleBuffer_.data();
   for (std::size_t left = 0, right = length / kSample; left + 1 < right; ++left) {
@@ -176,7 +176,7 @@ void OVAudioBuffer::setWaypoint() {
 }
 
 bool OVAudioBuffer::makeCopy() {
-  tmpBuffer_.reset();  // before the copy is made: both at once would need the memory thrice
+  tmpBuffer_.reset();  // released first, so that at most two copies exist
   tmpBufferFillSize_ = 0;
   tmpBufferCapacity_ = 0;
   try {

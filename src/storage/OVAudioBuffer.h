@@ -56,8 +56,8 @@ class OVAudioBuffer : public OVAudioBufferInterface {
   /// Reverses the order of the samples, not of the frames: left and right are swapped.
   void reverseBuffer() override;
 
-  /// Copies the whole capacity, replacing the previous copy. When memory runs out there is no copy
-  /// at all, which is logged to the console.
+  /// Copies the whole capacity, replacing the previous copy. When memory runs out no copy exists,
+  /// which is logged to the console.
   void setWaypoint() override;
   /// Both swap the recording with the copy of the last waypoint; do nothing without one.
   void undo() override;

@@ -50,7 +50,7 @@ class OVAudioBufferDelegate {
 /// Offsets and counts of transfers are in bytes, sizes and cut positions in frames; a frame is
 /// format().mBytesPerFrame bytes. Each buffer guards itself with one non-recursive lock.
 ///
-/// Threads: any, unless said otherwise. Real-time: not safe: locks, and files behind it.
+/// Threads: any, unless noted. Real-time: not safe: it locks and may access files.
 class OVAudioBufferInterface {
  public:
   virtual ~OVAudioBufferInterface() = default;

@@ -28,7 +28,7 @@ class OVBlock {
   /// One past the last address. Unsigned: a block that wraps ends at 0 or a little above.
   [[nodiscard]] constexpr std::uint64_t end() const { return linear_addr_start_ + size_; }
 
-  /// Whether an address lies in the block. Never for an empty block or one that wraps.
+  /// Whether an address is in the block. False for an empty block and one that wraps.
   [[nodiscard]] constexpr bool contains(std::uint64_t address) const {
     return linear_addr_start_ <= address && address < end();
   }

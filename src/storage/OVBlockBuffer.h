@@ -102,7 +102,7 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   void unlock() override RELEASE(bufferLock_);
 
   /// Mean of the two channels of a frame, signed; 1.0 past the end, in a hole, and for a frame
-  /// that lies in two blocks.
+  /// split over two blocks.
   [[nodiscard]] double powerAtPosition(std::uint64_t position) override;
 
   /// Deletes the file at a path, if one is given; an error is ignored.

@@ -82,7 +82,7 @@ void OVDynamicWaveForm::generateNoLock(const std::atomic<bool>* cancelled) {
     reset();
   }
   if (audioBuffer_) {
-    // One read size for the whole call, also when elements double during it.
+    // One read size for the whole call, even if elements double during it.
     SummaryReader reader(*audioBuffer_, chunksize());
     ReadPoint next = readPoint();
     for (;;) {

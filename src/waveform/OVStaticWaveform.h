@@ -73,7 +73,7 @@ class OVStaticWaveform final : public OVWaveformSummary {
   /// that has fewer floats than it would have elements, changes nothing.
   void updateWithDataChunk(const float* dataChunk, std::uint64_t ofSize, double atPosition);
 
-  /// Nothing: there is no state between generations.
+  /// Does nothing: no state is kept between generations.
   void reset() override;
 
   [[nodiscard]] std::uint64_t readerPos() const override;
@@ -90,7 +90,7 @@ class OVStaticWaveform final : public OVWaveformSummary {
   [[nodiscard]] double maxAmplitude() const override;
 
   /// The copy has the elements, counters and flags of one moment, the audio buffer and the dynamic
-  /// summary, if there is one.
+  /// summary, if any.
   [[nodiscard]] std::shared_ptr<OVWaveformSummary> copy() const override;
 
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> audioBuffer() const override;

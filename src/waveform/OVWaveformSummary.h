@@ -17,7 +17,7 @@ class OVAudioBufferInterface;
 /// generations never overlap. A separate short lock guards the elements, so that a view never waits
 /// for a generation or reads a half-written element.
 ///
-/// Threads: any, unless said otherwise. Real-time: not safe.
+/// Threads: any, unless noted. Real-time: not safe.
 class CAPABILITY("waveform summary") OVWaveformSummary {
  public:
   virtual ~OVWaveformSummary() = default;
@@ -35,7 +35,7 @@ class CAPABILITY("waveform summary") OVWaveformSummary {
   void generateNoLock() { generateNoLock(nullptr); }
   /// Makes the next generate() start from the beginning of the audio.
   virtual void setShouldRegenerateWaveform(bool should) = 0;
-  /// A generation from scratch is under way.
+  /// Whether a generation from scratch is running.
   [[nodiscard]] virtual bool isRegenerating() const = 0;
   virtual void reset() = 0;
 

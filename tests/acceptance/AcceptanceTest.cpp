@@ -4,7 +4,7 @@ using namespace support;
 
 namespace {
 
-/// True when `in` holds the whole of `part`, sample for sample.
+/// Whether `in` holds the whole of `part`, sample for sample.
 bool holds(const Samples& in, const Samples& part) {
   const auto start = findStart(part, in);
   return start && equalFrames(part, in, *start) == part.size() / kChannels;
@@ -97,7 +97,7 @@ void AcceptanceTest::waitUntilPlayed() {
 std::vector<AcceptanceTest::Window> AcceptanceTest::alerts() const {
   std::vector<Window> found;
   for (const Window& window : screen_->windowsOf(orvo_->pid(), "Orvo")) {
-    if (screen_->titleOf(window) == "Orvo") {  // documents have a name behind it
+    if (screen_->titleOf(window) == "Orvo") {  // titles of documents continue with a name
       found.push_back(window);
     }
   }

@@ -1,4 +1,4 @@
-// What a screen reader finds in the real program, and what it can do there.
+// What a screen reader finds, and can do, in the real program.
 #include <algorithm>
 
 #include "acceptance/DocumentTest.h"
@@ -40,7 +40,7 @@ class Accessibility : public DocumentTest {
     })) << "the program is not on the accessibility bus";
   }
 
-  /// The first thing of this name, and of this role where one is given; empty if there is none.
+  /// The first node with this name, and this role if one is given; empty if there is none.
   [[nodiscard]] Node named(const std::string& name, const std::string& role = {}) const {
     const auto found = std::find_if(nodes_.begin(), nodes_.end(), [&](const Node& node) {
       return node.name == name && (role.empty() || node.role == role);
@@ -57,7 +57,7 @@ class Accessibility : public DocumentTest {
     return {};
   }
 
-  /// A recording of so many seconds that 16 bits hold exactly.
+  /// A recording of this many seconds that 16 bits hold exactly.
   [[nodiscard]] std::string writeTake(const std::string& name, double seconds) const {
     const std::string path = document(name);
     const std::string raw = folder_.file("take.raw");
@@ -67,7 +67,7 @@ class Accessibility : public DocumentTest {
     return path;
   }
 
-  /// What is read out of the waveform now: position and length.
+  /// What is read out for the waveform now: position and length.
   [[nodiscard]] std::string waveformTells() const {
     const auto nodes = bus_->nodesFrom(named("Waveform"));
     return nodes.empty() ? std::string() : nodes.front().description;
@@ -123,11 +123,11 @@ TEST_F(Accessibility, TheWaveformsKeysMoveTheMarkerAndTheNewPositionIsReadOut) {
   for (const auto& [key, position] : steps) {
     ASSERT_TRUE(screen_->pressKey(key));
     std::string told;
-    EXPECT_TRUE(eventually([&] {
+    EXPECT_TRUE(eventually([&, expected = position] {
       told = waveformTells();
       const int hundredths = hundredthsOf(told);
-      // A step may end a frame short, and hundredths are cut off.
-      return hundredths == position || hundredths == position - 1;
+      // A step may end a frame short, and hundredths are truncated.
+      return hundredths == expected || hundredths == expected - 1;
     })) << key
         << ": " << told;
   }

@@ -25,7 +25,7 @@ DocumentTest::Window DocumentTest::panel(const std::string& title,
 }
 
 DocumentTest::Window DocumentTest::openPanel(const std::string& keys, const std::string& title) {
-  constexpr std::chrono::seconds kAgain{1};  // while a file is loaded or saved the keys do nothing
+  constexpr std::chrono::seconds kAgain{1};  // while a file is loaded or saved, keys do nothing
   Window found;
   static_cast<void>(eventually([&] {
     found = screen_->pressKey(keys) ? panel(title, kAgain) : Window();
@@ -39,7 +39,7 @@ void DocumentTest::startWith(const std::vector<std::string>& files, std::size_t 
   options.files = files;
   ASSERT_NO_FATAL_FAILURE(startOrvo(options));
   ASSERT_TRUE(orvo_->waitUntilRecorded(frames)) << orvo_->process().errorOutput();
-  // Then comes the summary, and last the picture of it.
+  // The summary follows, and last its picture.
   ASSERT_TRUE(screen_->screenshotAtRest(orvo_->window(), folder_.file("loaded.png")));
 }
 

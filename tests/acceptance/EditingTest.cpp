@@ -20,8 +20,8 @@ Samples slice(const Samples& samples, std::size_t fromFrame, std::size_t frames)
 
 class Editing : public DocumentTest {
  protected:
-  /// Puts the marker to the start and takes a picture. The marker stays as bright as the audio is
-  /// where it was clicked last.
+  /// Moves the marker to the start and takes a picture. The marker keeps the brightness of the
+  /// audio where it was last clicked.
   std::string picture(const std::string& name) {
     const std::string path = folder_.file(name + ".png");
     EXPECT_TRUE(screen_->activate(orvo_->window()) && orvo_->click(*screen_, kMiddle, kClickY) &&
@@ -30,7 +30,7 @@ class Editing : public DocumentTest {
     return path;
   }
 
-  /// Saves under a name of its own and gives the frames that the file holds.
+  /// Saves under this name and returns the number of frames in the file.
   std::size_t savedFrames(const std::string& name) {
     saveAs(document(name), Kind::wav);
     return decoded16ByFfmpeg(document(name)).size() / kChannels;
@@ -43,7 +43,7 @@ class Editing : public DocumentTest {
     EXPECT_FALSE(screen_->looksLike(one, other)) << one << ' ' << other;
   }
 
-  /// The marker that a click in the middle sets, a point more or less.
+  /// Expects the marker where a click in the middle sets it, within a point.
   static void expectMiddle(std::size_t frame, std::size_t frames) {
     EXPECT_NEAR(static_cast<double>(frame), static_cast<double>(frames) / 2,
                 2.0 * static_cast<double>(frames) / kWidth);

@@ -14,8 +14,8 @@ class Exporting : public DocumentTest {
   /// Commands of the File menu, counted from its end.
   enum class Command { waveformPicture = 3, ringtone = 4 };
 
-  /// Opens a file in a program for which everything is opened by a script, which only takes down
-  /// what that was.
+  /// Opens a file in a program whose desktop opens everything with a script that only records its
+  /// argument.
   void startWithFile(const std::string& name, const Samples& samples) {
     ASSERT_TRUE(writeWav(document(name), samples));
     const std::string programs = folder_.makeFolder("programs");

@@ -1,5 +1,4 @@
-// What a person meets when the sound server or the disk fails: told once, nothing lost, and the
-// program goes on.
+// Failures of the sound server or the disk: one alert, no loss, and the program continues.
 
 #include <chrono>
 
@@ -10,11 +9,11 @@ using namespace support;
 
 namespace {
 
-/// How long a window may take to react while something below it hangs. The server that hangs
-/// would hold a caller for 30 s.
+/// How long a window may take to react while a lower layer hangs. A hanging server would block a
+/// caller for 30 s.
 constexpr std::chrono::seconds kAtOnce{5};
 
-/// How long a press of a key is watched before it is made again. A recording that runs grows ten
+/// How long to wait for the effect of a key before pressing it again. A running recording grows ten
 /// times in this time.
 constexpr std::chrono::seconds kOneTry{1};
 
@@ -26,10 +25,10 @@ class Failure : public AcceptanceTest {
     startOrvo(options);
   }
 
-  // For a moment after a failure the program takes the sound system for gone without asking it, as
-  // a person finds out who presses the key too early, and again.
+  // Shortly after a failure, the program assumes without trying that there is no sound system. A
+  // key pressed too early must be pressed again.
 
-  /// Presses R until the recording runs. What is rolled back meanwhile shows no second alert.
+  /// Presses R until the recording runs. Attempts rolled back meanwhile show no second alert.
   void beginRecordingWhenItIsPossible() {
     ASSERT_TRUE(eventually([&] {
       return screen_->pressKey("r") && growsWithin(kOneTry) && growsWithin(kOneTry);
@@ -37,7 +36,8 @@ class Failure : public AcceptanceTest {
     EXPECT_TRUE(alerts().empty());
   }
 
-  /// Presses Space until the playback runs, and dismisses the alert of each try that was too early.
+  /// Presses Space until the playback runs, and dismisses the alert of each attempt that was too
+  /// early.
   void beginPlayingWhenItIsPossible() {
     ASSERT_TRUE(eventually([&] {
       const auto playing = [&] { return server_->isPlaying(orvo_->pid()); };
@@ -52,7 +52,7 @@ class Failure : public AcceptanceTest {
     }));
   }
 
-  /// The server comes back, and what the document holds is played from its start.
+  /// Restarts the server and expects the document to be played from its start.
   void expectPlayedByTheNextServer(const Samples& signal) {
     ASSERT_TRUE(server_->restart());
     ASSERT_NO_FATAL_FAILURE(listen());
@@ -61,7 +61,7 @@ class Failure : public AcceptanceTest {
     expectHeard(signal);
   }
 
-  /// The window takes commands: no alert stands in front of it, and nothing holds the main thread.
+  /// Expects the window to accept commands: no alert covers it, and nothing blocks the main thread.
   void expectUsable() {
     EXPECT_TRUE(alerts().empty());
     const Window further = openFurtherWindow(kAtOnce);
@@ -181,7 +181,7 @@ TEST_F(Failure, FullDiskStopsTheRecordingAndKeepsWhatWasRecorded) {
   ASSERT_NO_FATAL_FAILURE(beginRecording());
   ASSERT_NO_FATAL_FAILURE(feed(signal));
   ASSERT_NO_FATAL_FAILURE(expectOneAlertAndDismissIt());
-  // The first buffer that found no room is there as silence, which takes none.
+  // The first buffer for which there was no space is present as silence, which needs none.
   EXPECT_EQ(orvo_->recordedFrames(), 131072U + 4096U);
   ASSERT_NO_FATAL_FAILURE(expectUsable());
   expectRecorded(signal);

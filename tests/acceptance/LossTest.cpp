@@ -1,4 +1,4 @@
-// What is left when the program is killed or the disk is full: old files whole, nothing stray.
+// After the program is killed or the disk is full: old files are intact, and no stray ones remain.
 
 #include <csignal>
 #include <filesystem>
@@ -87,7 +87,7 @@ TEST_F(Loss, FullDiskWhileSavingIsToldOnceAndLeavesTheOldFileWhole) {
   EXPECT_EQ(names(disk), std::vector<std::string>{"old.wav"});
   EXPECT_EQ(fileBytes(disk + "/old.wav"), old);
 
-  // Elsewhere there is room.
+  // Another folder has space.
   ASSERT_NO_FATAL_FAILURE(saveAs(folder_.file("rescued.wav"), Kind::wav));
   EXPECT_GE(decoded16ByFfmpeg(folder_.file("rescued.wav")).size(), audio.size());
   EXPECT_TRUE(alerts().empty());

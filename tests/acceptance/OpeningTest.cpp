@@ -12,7 +12,7 @@ namespace {
 
 class Opening : public DocumentTest {
  protected:
-  /// Waits until the titles of the documents' windows are these, in any order.
+  /// Waits until the document windows have these titles, in any order.
   void expectDocuments(std::vector<std::string> titles) {
     std::sort(titles.begin(), titles.end());
     std::vector<std::string> shown;
@@ -39,7 +39,7 @@ class Opening : public DocumentTest {
     })) << seed;
   }
 
-  /// Opens the File menu by its keys and in it the list of recent files, as soon as there is one.
+  /// Opens the File menu by its keys and then the list of recent files, as soon as there is one.
   void openRecentMenu() {
     constexpr std::chrono::seconds kAgain{2};
     const auto popUps = [this] {
@@ -126,7 +126,7 @@ TEST_F(Opening, FilesDroppedOnAWindowGetWindowsOfTheirOwn) {
   ASSERT_FALSE(from.empty());
   ASSERT_TRUE(screen_->moveMouse(from, 50, 50) && screen_->mouseDown());
   ASSERT_TRUE(screen_->moveMouse(from, 70, 60));
-  // Like a hand, the mouse goes on moving until the window below shows that it takes the files.
+  // As with a hand, the mouse keeps moving until the window below shows that it accepts the files.
   int x = 200;
   EXPECT_TRUE(eventually([&] {
     x = x == 200 ? 210 : 200;

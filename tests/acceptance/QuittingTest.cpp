@@ -1,4 +1,4 @@
-// Closing and quitting with what is not saved: nothing goes without an answer.
+// Closing and quitting with unsaved changes: nothing is lost without an answer.
 
 #include <csignal>
 #include <utility>
@@ -20,7 +20,7 @@ class Quitting : public DocumentTest {
 
   void expectEnd() { EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, 0})); }
 
-  /// Behind the question nothing is recorded any more.
+  /// Waits until the recording stops growing while the question is shown.
   void waitUntilNoFurtherFrame(std::size_t document) {
     std::uint64_t frames = 0;
     ASSERT_TRUE(eventually([&] {
@@ -29,7 +29,7 @@ class Quitting : public DocumentTest {
     })) << "it goes on recording behind the question";
   }
 
-  /// Names the file that is asked for, and expects the program to end with it.
+  /// Names the requested file, and expects the program to end after saving it.
   void nameItAndExpectEnd(const std::string& path) {
     ASSERT_FALSE(panel("Save As").empty());
     ASSERT_NO_FATAL_FAILURE(chooseFile(path));
@@ -43,7 +43,7 @@ TEST_F(Quitting, CancelKeepsEverythingAndDontSaveEndsIt) {
   ASSERT_TRUE(screen_->pressKey("ctrl+q"));
   ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::cancel));
   ASSERT_TRUE(screen_->activate(orvo_->window()));
-  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 32)));  // it goes on as if not asked
+  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 32)));  // it continues as before
   EXPECT_TRUE(alerts().empty());
   EXPECT_EQ(equalFrames(recorded, orvo_->recorded(), 0), recorded.size() / kChannels);
   ASSERT_NO_FATAL_FAILURE(expectTitle("Unnamed*"));
@@ -92,7 +92,7 @@ TEST_F(Quitting, TwoEditedWindowsAreEachAskedFor) {
   ASSERT_TRUE(eventually([&] { return alerts().size() == 2; }));
   ASSERT_NO_FATAL_FAILURE(waitUntilNoFurtherFrame(1));
   const Samples other = orvo_->recorded(1);
-  // One is thrown away and the other kept.
+  // One is discarded and the other kept.
   const auto sheets = alerts();
   ASSERT_NO_FATAL_FAILURE(answer(sheets[1], Answer::dontSave));
   ASSERT_TRUE(eventually(

@@ -15,7 +15,7 @@ TEST_F(RecordAndPlay, WhatWasRecordedIsHeardSampleForSample) {
   const Samples signal = signalOfSeconds(3.0, 1);
   ASSERT_NO_FATAL_FAILURE(startOrvo());
   ASSERT_NO_FATAL_FAILURE(record(signal));
-  // Other work on the machine can make the server itself skip; it does not every time.
+  // Other work on the machine can make the server itself skip, but not every time.
   bool whole = false;
   for (int i = 0; i < 5 && !whole; ++i) {
     ASSERT_NO_FATAL_FAILURE(listen());
@@ -52,7 +52,7 @@ TEST_F(RecordAndPlay, RecordingGoesOnWhereItStopped) {
   expectHeard(second);
 }
 
-/// The recording after `over` was recorded over it from frame `at` on.
+/// `take` after `over` was recorded over it from frame `at` on.
 Samples recordedOver(const Samples& take, const Samples& over, std::size_t at) {
   Samples result = take;
   std::copy(over.begin(), over.end(), result.begin() + static_cast<std::ptrdiff_t>(at * kChannels));
@@ -74,7 +74,7 @@ TEST_F(RecordAndPlay, RecordingOverTheMiddleLeavesBothEnds) {
   expectHeard(above);
   ASSERT_NO_FATAL_FAILURE(waitUntilPlayed());
 
-  // The temporary file is appended to only, so it holds both takes, one after the other.
+  // The temporary file is only appended to, so it holds both takes in succession.
   const Samples all = orvo_->recorded();
   const auto border = all.begin() + static_cast<std::ptrdiff_t>(length * kChannels);
   const Samples take(all.begin(), border);
@@ -147,7 +147,7 @@ TEST_F(RecordAndPlay, PauseOfOneWindowLosesNothingOfTheOther) {
   ASSERT_TRUE(writeRaw(path, signal));
   const auto player = server_->playIntoFeed(path);
   ASSERT_NE(player, nullptr);
-  for (int i = 0; i < 4; ++i) {  // on, off, on, off: each makes the recorder anew
+  for (int i = 0; i < 4; ++i) {  // on, off, on, off: each replaces the recorder
     const std::uint64_t before = orvo_->recordedFrames(1);
     ASSERT_TRUE(screen_->pressKey("r"));
     ASSERT_TRUE(i % 2 == 1 || orvo_->waitUntilRecorded(before + 1, 1));
@@ -155,7 +155,7 @@ TEST_F(RecordAndPlay, PauseOfOneWindowLosesNothingOfTheOther) {
   expectRecorded(signal, 0);
 }
 
-/// The pictures are looked at by people; the test sees that they show different things.
+/// Takes pictures for people to look at; the test checks only that they differ.
 class Pictures : public AcceptanceTest, public testing::WithParamInterface<int> {
  protected:
   [[nodiscard]] std::string path(const std::string& name) const {

@@ -1,4 +1,4 @@
-// Saving through the real panel, compared with what was recorded as another program decodes it.
+// Saving through the real panel; the file, decoded by another program, must match the recording.
 
 #include <algorithm>
 
@@ -19,7 +19,7 @@ class Saving : public DocumentTest {
   }
 };
 
-/// A tune with a little noise over it: a codec keeps it well, and no two neighbourhoods are alike.
+/// A tune with a little noise: a codec preserves it well, and no two sections are alike.
 Samples tuneWithNoise(double seconds, std::uint32_t seed) {
   constexpr float kShare = 0.02F;
   Samples samples = tune(seconds);
@@ -124,7 +124,7 @@ TEST_F(Saving, NameMayBeLongAndInAnyLanguage) {
   ASSERT_NO_FATAL_FAILURE(saveAs(document(lengthy), Kind::wav));
   expectHolds(document(lengthy), old);
 
-  // The virtual keyboard has no keys for the letters of the other name, but the panel proposes it.
+  // The virtual keyboard cannot type the other name, but the panel suggests it.
   orvo_.reset();
   ASSERT_NO_FATAL_FAILURE(startWith({document(foreign)}, old.size() / kChannels));
   const Window shown = openPanel("ctrl+shift+s", "Save As");

@@ -1,4 +1,4 @@
-// The real window on a real screen: the spectrum that makes it grow, and the keyboard alone.
+// The real window on a real screen: the spectrum that enlarges it, and operation by keyboard alone.
 #include <utility>
 
 #include "acceptance/AcceptanceTest.h"
@@ -16,7 +16,7 @@ class RealWindow : public AcceptanceTest {
 
   [[nodiscard]] Frame frame() const { return screen_->frameOf(orvo_->window()); }
 
-  /// Waits until the window stands so.
+  /// Waits until the window has this frame.
   void expectFrame(const Frame& expected) {
     EXPECT_TRUE(eventually([&] { return frame() == expected; }))
         << frame().x << ", " << frame().y << ", " << frame().width << " x " << frame().height
@@ -24,7 +24,7 @@ class RealWindow : public AcceptanceTest {
         << expected.height;
   }
 
-  /// Clicks the spectrum button where it stands while the strip is hidden or shown.
+  /// Clicks the spectrum button where it is while the strip is hidden or shown.
   void clickSpectrum(bool shown) {
     const int bar = frame().height - (shown ? kStrip : 0);
     ASSERT_TRUE(orvo_->click(*screen_, frame().width - 28, bar - kBarBelow));
@@ -93,7 +93,7 @@ TEST_F(RealWindow, ToggledQuicklyItEndsWhereItBegan) {
 
 TEST_F(RealWindow, TheKeyboardAloneReachesRecordAndPressesIt) {
   ASSERT_NO_FATAL_FAILURE(startOrvo());
-  // The window in front gives the keyboard to the waveform; then come To Start and Record.
+  // An active window gives the focus to the waveform; To Start and Record follow.
   ASSERT_TRUE(screen_->pressKey("Tab"));
   ASSERT_TRUE(screen_->pressKey("Tab"));
   ASSERT_TRUE(screen_->pressKey("ctrl+Return"));

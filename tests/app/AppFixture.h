@@ -21,7 +21,7 @@
 #include "support/fakes/ScriptedFileDialogs.h"
 #include "support/fakes/SteppedAudioQueues.h"
 
-/// Recent documents that are kept for the test alone. Threads: any.
+/// Recent documents of the test alone. Threads: any.
 class KeptRecentDocuments : public platform::RecentDocuments {
  public:
   void noteNewRecentDocument(const std::string& path) override {
@@ -39,8 +39,8 @@ class KeptRecentDocuments : public platform::RecentDocuments {
   platform::Installed<platform::RecentDocuments>::Scope installation_{*this};
 };
 
-/// The application on sound queues that the test steps by hand, with panels that it answers.
-/// Questions about unsaved changes are answered with Don't Save unless the test says otherwise.
+/// The application on sound queues that the test steps manually, with panels that it answers.
+/// Questions about unsaved changes are answered with Don't Save by default.
 class AppFixture : public testing::Test {
  protected:
   AppFixture() { answerQuestionsWith(VLRecorderWindowController::kDontSave); }
@@ -74,7 +74,7 @@ class AppFixture : public testing::Test {
     return newcomer(before);
   }
 
-  /// The window that was not there before.
+  /// The window that did not exist before.
   static OVRecorderWindow* newcomer(const std::vector<OVRecorderWindow*>& before) {
     for (OVRecorderWindow* const window : windows()) {
       if (std::find(before.begin(), before.end(), window) == before.end()) {
@@ -96,7 +96,7 @@ class AppFixture : public testing::Test {
     return window->findChild<QAction*>(QString::fromUtf8(name));
   }
 
-  /// Recording services that let the end of a quit through.
+  /// Recording services that pass on the cancelling of a quit.
   class Services : public support::RecordingServices {
    public:
     explicit Services(VelmarAppDelegate& delegate) : delegate_(delegate) {}

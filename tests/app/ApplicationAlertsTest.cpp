@@ -43,7 +43,7 @@ class ApplicationAlertsTest : public AppFixture {
   support::TemporaryFolder folder_;
 };
 
-// The window closes as soon as the file is complete, and with the last one the program ends.
+// The window closes as soon as the file is complete, and the last one ends the program.
 TEST_F(ApplicationAlertsTest, AnAlertOfTheLastWindowIsReadBeforeTheProgramEnds) {
   desktop_.knowsPrograms = false;
   OVRecorderWindow* const window = spawn();
@@ -54,7 +54,7 @@ TEST_F(ApplicationAlertsTest, AnAlertOfTheLastWindowIsReadBeforeTheProgramEnds) 
   window->performClose();
   bool wasRead = false;
   int quitsWhileShown = -1;
-  // What Qt does when the last window is gone, from within the alert's own loop too.
+  // Does what Qt does when the last window has closed, even within the alert's own event loop.
   const std::function<void()> endAndRead = [&] {
     if (!windows().empty() || shownAlert() == nullptr) {
       platform::mainQueue().async(endAndRead);

@@ -1,6 +1,7 @@
-// Whatever a person can drop on a window, opened in one: it ends in at most one alert and in a
-// window that is as good as any, while the main loop goes on.
+// Any file that the user can drop on a window is opened in one: the result is at most one alert and
+// a fully usable window, and the main loop keeps running.
 #include "support/BadFiles.h"
+#include "support/Sanitizers.h"
 
 #include <chrono>
 #include <filesystem>
@@ -21,14 +22,10 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// The checkers slow everything down.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::chrono::seconds kMaxStandstill{20};
-#else
-constexpr std::chrono::seconds kMaxStandstill{2};
-#endif
+// Sanitizers slow everything down.
+constexpr std::chrono::seconds kMaxStandstill{support::kAnySanitizer ? 20 : 2};
 
-/// Measures how long the main loop stands still at most, while it lives.
+/// Measures the longest standstill of the main loop during its lifetime.
 class Heartbeat {
  public:
   Heartbeat() {
@@ -66,7 +63,7 @@ class BadFilesTest : public AppFixture, public testing::WithParamInterface<BadFi
         std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
   }
 
-  /// Records one buffer over the beginning and looks for it there.
+  /// Records one buffer over the beginning and expects it there.
   void expectRecordable(OVRecorderWindow* window) {
     constexpr std::uint32_t kFrames = 4096;
     const std::vector<float> samples(2 * kFrames, 0.25F);

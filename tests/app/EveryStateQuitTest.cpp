@@ -1,20 +1,20 @@
-// Quit in every state of a document: asked for in another window, which has nothing to save.
+// Quit in every state of a document, chosen in another window that has nothing to save.
+#include <filesystem>
 #include <string>
 #include <tuple>
 
-#include "app/AppFixture.h"
-#include "document/DocumentStates.h"
+#include "app/QuitFixture.h"
 
 namespace {
 
-/// What quitting does to the program and to the document in a state.
+/// The effect of quitting on the program and on the document in a state.
 struct Outcome {
   const char* why;
-  bool asks = false;                  // a question more is on the screen
+  bool asks = false;                  // one more question is on the screen
   bool tells = false;                 // an alert says why the program does not quit
   bool waits = false;                 // for an answer, or for the end of a file operation
   bool quits = false;                 // at once
-  bool asksWhenTheStateEnds = false;  // a question more, when the state has ended
+  bool asksWhenTheStateEnds = false;  // one more question, when the state has ended
   bool quitsWhenTheStateEnds = false;
   bool recordsOn = false;
   bool othersStay = true;  // the windows that have nothing to save
@@ -26,6 +26,10 @@ Outcome expected(State state, bool edited) {
     case State::asking:
     case State::askingAfterRecording:
       return {.why = "the question that is there is the quit's, too", .waits = true};
+    case State::savePending:
+      return {.why = "the save that was chosen before is completed first",
+              .waits = true,
+              .quitsWhenTheStateEnds = true};
     case State::savePanelWhileRecording:
     case State::importPanelWhileRecording:
       return {.why = "the panel comes first; nothing is paused before a question is there",
@@ -80,41 +84,15 @@ std::string inWords(const Outcome& outcome) {
 
 using Cell = std::tuple<State, bool>;
 
-class EveryStateQuitTest : public AppFixture, public testing::WithParamInterface<Cell> {
+class EveryStateQuitTest : public QuitFixture, public testing::WithParamInterface<Cell> {
  protected:
   static State state() { return std::get<State>(GetParam()); }
   static bool edited() { return std::get<bool>(GetParam()); }
-
-  EveryStateQuitTest() {
-    answerQuestionsWith(std::nullopt);
-    window_ = spawn();
-    other_ = spawn();
-    document_ = documentOf(window_);
-    document_->pauseButton(nullptr);  // the recorder made last is the one that the test feeds
-    keeper_.fill(document_);
-    document_->setDocumentEdited(edited());
+  static bool isAsking() {
+    return state() == State::asking || state() == State::askingAfterRecording;
   }
 
-  ~EveryStateQuitTest() override {
-    answerQuestionsWith(VLRecorderWindowController::kDontSave);
-    while (panels_->sheets() > 0) {
-      panels_->answerSheet(VLRecorderWindowController::kDontSave);
-    }
-    for (OVRecorderWindow* const window : windows()) {
-      window->performClose();
-    }
-    document_.reset();
-    EXPECT_TRUE(runMainLoopUntil([] { return windows().empty(); }));
-  }
-
-  [[nodiscard]] std::size_t told() const {
-    return services_->alerts().size() + services_->postedAlerts().size();
-  }
-
-  QPointer<OVRecorderWindow> window_;
-  QPointer<OVRecorderWindow> other_;
-  StateKeeper keeper_{panels_, queues_};
-  std::shared_ptr<VLRecorderWindowController> document_;
+  EveryStateQuitTest() { document_->setDocumentEdited(edited()); }
 };
 
 TEST_P(EveryStateQuitTest, Does) {
@@ -142,6 +120,33 @@ TEST_P(EveryStateQuitTest, Does) {
   seen.asksWhenTheStateEnds = panels_->sheets() > asked;
   seen.quitsWhenTheStateEnds = !seen.quits && quits_ > 0;
   EXPECT_EQ(inWords(seen), inWords(wanted));
+}
+
+// Its own question, if it has one, is answered with Save before.
+TEST_P(EveryStateQuitTest, CancelInAnotherWindowUndoesWhatTheQuitAskedFor) {
+  ASSERT_NO_FATAL_FAILURE(keeper_.enter(state()));
+  documentOf(other_)->setDocumentEdited(true);
+  const bool isRefused = expected(state(), edited()).tells;
+  delegate_.terminate();
+  EXPECT_EQ(panels_->sheets() == 0, isRefused) << "a quit that is refused asks no window";
+  if (panels_->sheets() > 1) {
+    panels_->answerSheet(VLRecorderWindowController::kSave);
+  }
+  if (panels_->sheets() > 0) {
+    panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
+  }
+  EXPECT_FALSE(delegate_.isTerminating());
+  keeper_.leave(isAsking() ? State::idle : state());
+  const bool closedBefore = state() == State::savePending;  // asked for by the window itself
+  EXPECT_EQ(keeper_.closed(), closedBefore);
+  EXPECT_FALSE(document_->shouldCloseAfterSave() && !closedBefore);
+  EXPECT_EQ(panels_->sheets(), 0U);
+  EXPECT_EQ(told(), isRefused ? 1U : 0U);
+  EXPECT_TRUE(other_ && other_->isVisible());
+  EXPECT_EQ(quits_, 0);
+  if (state() >= State::loading && state() <= State::importing) {
+    EXPECT_FALSE(std::filesystem::exists(keeper_.ownFile())) << "the save that waited was begun";
+  }
 }
 
 std::string nameOfCell(const testing::TestParamInfo<Cell>& cell) {

@@ -19,7 +19,7 @@ class OVApplicationEventsTest : public testing::Test {
 
   void send(QEvent& event) { QCoreApplication::sendEvent(&receiver_, &event); }
 
-  /// Counts what the filter lets through.
+  /// Counts the events that the filter passes on.
   class Receiver : public QObject {
    public:
     int events = 0;

@@ -43,7 +43,7 @@ std::vector<QMessageBox*> alertsOnScreen() {
   return found;
 }
 
-/// A person: looks at each alert that comes up, from the alert's own loop, and presses its button.
+/// A user who reads each alert from the alert's own event loop, and presses its button.
 class Person {
  public:
   using Look = std::function<void(QMessageBox&)>;
@@ -55,7 +55,7 @@ class Person {
 
   /// Texts of the alerts so far.
   [[nodiscard]] const std::vector<std::string>& seen() const { return seen_; }
-  /// Most alerts that stood on the screen at once.
+  /// The most alerts that were on the screen at once.
   [[nodiscard]] std::size_t mostAtOnce() const { return mostAtOnce_; }
 
  private:
@@ -78,12 +78,12 @@ class Person {
 
   const Look look_;
   QTimer timer_;
-  QMessageBox* attended_ = nullptr;  // being looked at, with the loop running
+  QMessageBox* attended_ = nullptr;  // being read, with the loop running
   std::vector<std::string> seen_;
   std::size_t mostAtOnce_ = 0;
 };
 
-/// What the receivers were given, and on which thread.
+/// What the receivers were called with, and on which thread.
 struct Received {
   std::mutex mutex;
   std::vector<std::pair<std::string, std::thread::id>> lines;  // guarded by mutex
@@ -123,7 +123,7 @@ class OVApplicationServicesTest : public testing::Test {
   const std::thread::id mainThread_ = std::this_thread::get_id();
 };
 
-// Alerts that are waited for
+// Synchronous alerts
 
 TEST_F(OVApplicationServicesTest, AnAlertHasItsTwoTextsOneButtonAndTheWholeApplicationsAttention) {
   Person person([](const QMessageBox& alert) {
@@ -202,7 +202,7 @@ TEST_F(OVApplicationServicesTest, AnotherThreadWaitsUntilItsAlertIsDismissed) {
 
 TEST_F(OVApplicationServicesTest, AlertsOfSeveralThreadsStandOneAfterTheOther) {
   Person person([](const QMessageBox&) {
-    EXPECT_TRUE(drainMainQueue());  // time for whatever else wants to be shown
+    EXPECT_TRUE(drainMainQueue());  // any other pending alert would be shown
   });
   std::vector<std::future<void>> threads;
   for (const char* const title : {"One", "Two", "Three"}) {
@@ -216,7 +216,7 @@ TEST_F(OVApplicationServicesTest, AlertsOfSeveralThreadsStandOneAfterTheOther) {
   EXPECT_EQ(person.mostAtOnce(), 1U);
 }
 
-// Alerts that are posted
+// Posted alerts
 
 TEST_F(OVApplicationServicesTest, APostedAlertIsShownLaterFromAnyThread) {
   services_->postModalAlert("Main", "Message");
@@ -232,7 +232,7 @@ TEST_F(OVApplicationServicesTest, PostedAlertsStandOneAfterTheOtherInTheirOrder)
     if (alert.text() == "One") {
       services_->postModalAlert("Four", "Message");
     }
-    EXPECT_TRUE(drainMainQueue());  // the others have their chance
+    EXPECT_TRUE(drainMainQueue());  // the others would be shown
   });
   for (const char* const title : {"One", "Two", "Three"}) {
     services_->postModalAlert(title, "Message");
@@ -265,7 +265,7 @@ TEST_F(OVApplicationServicesTest, AlertsCountFromTheirPostingUntilTheyAreDismiss
   EXPECT_FALSE(services_->hasAlerts());
 }
 
-// The rest
+// Other services
 
 TEST_F(OVApplicationServicesTest, LinesReachTheConsoleOnTheMainThreadInTheirOrder) {
   services_->logToConsole("one");

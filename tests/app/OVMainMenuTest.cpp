@@ -17,7 +17,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The menus of a window without an application: what its commands are asked for is recorded.
+/// The menus of a window without an application: calls of its commands are recorded.
 class OVMainMenuTest : public AppFixture {
  protected:
   OVRecorderWindow* window() {
@@ -55,7 +55,7 @@ class OVMainMenuTest : public AppFixture {
     return nullptr;
   }
 
-  /// The items of a menu as they are shown; a separator is "-".
+  /// The items of a menu as shown; a separator is "-".
   std::vector<std::string> itemsOf(const QString& title) {
     std::vector<std::string> items;
     for (const QAction* const action : menu(title)->actions()) {

@@ -19,7 +19,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A list that the test holds up and changes as another program would.
+/// A list that the test can stall, and change as another program would.
 class HeldList : public platform::RecentDocuments {
  public:
   void noteNewRecentDocument(const std::string& path) override { add(path); }

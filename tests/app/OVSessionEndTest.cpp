@@ -4,7 +4,7 @@
 
 namespace {
 
-/// A session manager: what is said to it counts only after it allowed it.
+/// A session manager: a call counts only after interaction was allowed.
 struct Session {
   bool allows = true;
   bool interacting = false;

@@ -52,7 +52,7 @@ class OpenAndQuitTest : public AppFixture {
     }
   }
 
-  /// A window with audio that is not saved.
+  /// A window with unsaved audio.
   OVRecorderWindow* spawnEdited() {
     OVRecorderWindow* const window = spawn();
     const std::vector<float> samples(2000, 0.5F);
@@ -139,7 +139,7 @@ TEST_F(OpenAndQuitTest, DroppedFilesAreOpenedEachInAWindowOfItsOwn) {
 
 TEST_F(OpenAndQuitTest, ADroppedFileIsOpenedByTheBytesOfItsName) {
   OVRecorderWindow* const window = spawn();
-  const std::string name = "caf\xE9 100%41 \xFF.wav";  // no UTF-8, and no escape
+  const std::string name = "caf\xE9 100%41 \xFF.wav";  // not UTF-8, and no escape sequence
   QMimeData data;
   const std::string address = platform::fileUriOf(writeFile(name));
   data.setData("text/uri-list", QByteArray::fromStdString("# a list\r\n" + address + "\r\n"));
@@ -348,7 +348,7 @@ TEST_F(OpenAndQuitTest, AWindowIsAskedOnceWhileTheQuitWaits) {
   OVRecorderWindow* const asked = spawnEdited();
   OVRecorderWindow* const later = spawn();
   delegate_.terminate();
-  asked->showMinimized();  // the question would bring it back
+  asked->showMinimized();  // another question would restore it
   later->setDocumentEdited(true);
   ASSERT_TRUE(runMainLoopUntil([&] { return panels_->sheets() == 2; }));
   EXPECT_TRUE(asked->isMinimized());
@@ -379,26 +379,27 @@ TEST_F(OpenAndQuitTest, AnEditedWindowWithAPanelEndsTheQuit) {
   EXPECT_EQ(panels_->sheets(), 1U);
 }
 
-TEST_F(OpenAndQuitTest, APanelInOneWindowStillLetsEachOtherEditedWindowAsk) {
+TEST_F(OpenAndQuitTest, EditedWindowsAskInOrderUnlessOneOfThemHasAPanel) {
   answerQuestionsWith(std::nullopt);
   std::vector<OVRecorderWindow*> edited;
   for (int i = 0; i < 5; ++i) {
     edited.push_back(spawnEdited());
-    edited.back()->setTitle(QString::number(i));
     documentOf(edited.back())->setCurrentFilename(at(std::to_string(i)));
   }
   item(edited[2], "Import…")->trigger();
   delegate_.terminate();
   EXPECT_FALSE(delegate_.isTerminating());
+  EXPECT_EQ(panels_->sheets(), 0U);
+  panels_->answerOpen({});
+  delegate_.terminate();
   std::vector<std::string> asked;
   while (panels_->sheets() > 0) {
     asked.push_back(panels_->sheet().title.toStdString());
     panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
   }
-  // In the order in which the windows were made.
-  EXPECT_THAT(asked,
-              ElementsAre(HasSubstr("“0”"), HasSubstr("“1”"), HasSubstr("“3”"), HasSubstr("“4”")));
-  panels_->answerOpen({});
+  // In the order in which the windows were created.
+  EXPECT_THAT(asked, ElementsAre(HasSubstr("“0”"), HasSubstr("“1”"), HasSubstr("“2”"),
+                                 HasSubstr("“3”"), HasSubstr("“4”")));
   EXPECT_EQ(quits_, 0);
 }
 
@@ -420,7 +421,7 @@ TEST_F(OpenAndQuitTest, TheTerminationIsCheckedThirtyTimesASecond) {
   delegate_.terminate();
   ASSERT_NE(delegate_.terminationTimer(), nullptr);
   EXPECT_DOUBLE_EQ(delegate_.terminationTimer()->intervalInSeconds(), 0.033);
-  delegate_.terminate();  // the timer that is there stays the only one
+  delegate_.terminate();  // adds no second timer
   panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
   EXPECT_EQ(delegate_.terminationTimer(), nullptr);
 }
@@ -498,7 +499,7 @@ TEST_F(OpenAndQuitTest, AWindowThatIsJustBeingSavedIsWaitedFor) {
   EXPECT_EQ(OVAudioFileReader::initWithFile(at("copy.wav"))->fileSizeInFrames(), 1000);
 }
 
-// At once is: with the piece of work that runs just then as the last.
+// At once: after the piece of work that is running.
 TEST_F(OpenAndQuitTest, QuittingWhileAFileIsLoadedEndsAtOnce) {
   support::FailingTemporaryFiles files;
   const platform::Installed<platform::TemporaryFiles>::Scope installation(files);

@@ -1,4 +1,4 @@
-// The window and its panels in every language: what they say, and whether it fits.
+// The window and its panels in every language: their texts, and whether these fit.
 #include <map>
 #include <set>
 
@@ -22,13 +22,13 @@ namespace {
 
 using testing::ElementsAreArray;
 
-/// What stands where in a language, written down here a second time.
+/// The expected texts of a language, written here independently.
 struct Expected {
   const char* title;
   std::vector<std::string> menus;
   const char* saveAs;
   const char* undoRecord;
-  const char* toStart;  ///< with the key that is shown beside it
+  const char* toStart;  ///< with the key shown beside it
   const char* recordButton;
   const char* waveform;
   const char* question;  ///< about unsaved changes
@@ -101,7 +101,7 @@ QString translated(const QString& key) {
   return QCoreApplication::translate("Orvo", key.toUtf8().constData());
 }
 
-/// The letters that reach something from the keyboard, in capitals.
+/// The mnemonic letters of the texts, in capitals.
 QStringList keyLettersOf(const QStringList& texts) {
   static const QRegularExpression kKeyLetter("(?<!&)&(\\p{L})");
   QStringList letters;
@@ -126,7 +126,7 @@ QStringList textsOf(const QList<QAction*>& actions) {
   return texts;
 }
 
-/// Whatever shows text has the room that it asks for.
+/// Every widget with text is as large as it requests.
 void expectNothingClipped(const QWidget& dialog) {
   for (const QAbstractButton* const button : dialog.findChildren<QAbstractButton*>()) {
     if (button->isVisible() && !button->text().isEmpty()) {

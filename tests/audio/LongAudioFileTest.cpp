@@ -1,4 +1,4 @@
-// Files beyond 4 GB, in a storage that keeps no zeros: a few seconds of work, hardly any memory.
+// Files beyond 4 GB, in a storage without zeros: a few seconds of work, hardly any memory.
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,12 +13,12 @@
 namespace {
 
 constexpr std::uint64_t kChunk = 1 << 20;                     // frames
-constexpr std::uint64_t kChunks = (1ULL << 32) / 4 / kChunk;  // just 4 GB of samples of 16 bits
-constexpr float kMark = 0.5F;                                 // the last frame alone is not silent
+constexpr std::uint64_t kChunks = (1ULL << 32) / 4 / kChunk;  // exactly 4 GB of 16-bit samples
+constexpr float kMark = 0.5F;  // of the last frame, the only one that is not silent
 
 class LongAudioFileTest : public testing::Test {
  protected:
-  // 4 GB of silence and one frame that is none.
+  // Silence and one last frame that is not silent.
   void write(std::uint32_t kind, std::uint64_t chunks) {
     const auto writer = OVAudioFileWriter::initWithFile("long", kind);
     ASSERT_NE(writer, nullptr);

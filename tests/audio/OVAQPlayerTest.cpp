@@ -17,8 +17,8 @@
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/SteppedAudioQueues.h"
 
-// The player over queues that a test steps by hand: order of calls, every failing call, and what
-// one callback does. OVAQPlayerThreadsTest.cpp runs it over real queues.
+// The player over stepped queues: the order of calls, every failing call, and the effect of one
+// callback. OVAQPlayerThreadsTest.cpp runs it over real queues.
 namespace {
 
 using support::ramp;
@@ -69,7 +69,7 @@ class OVAQPlayerTest : public testing::Test {
     }
   }
 
-  /// Runs everything that was posted to the main queue so far.
+  /// Runs everything posted to the main queue so far.
   static void drainMainQueue() {
     bool reached = false;
     platform::mainQueue().async([&reached] { reached = true; });
@@ -134,7 +134,7 @@ TEST_F(OVAQPlayerTest, StartingAtTheEndOfTheDataLeadsToPlayerStoppedPlayback) {
 TEST_F(OVAQPlayerTest, DataShorterThanThreeBuffersMakesFewerAndTheLastIsShort) {
   make(1500);
   EXPECT_TRUE(player_->isDone());
-  EXPECT_EQ(queues_.output().allocated(), 3U);  // the third met the end of the data
+  EXPECT_EQ(queues_.output().allocated(), 3U);  // the third reached the end of the data
   ASSERT_THAT(queues_.output().enqueued, SizeIs(2));
   EXPECT_EQ(queues_.output().enqueued[0]->mAudioDataByteSize, kBufferBytes);
   EXPECT_EQ(queues_.output().enqueued[1]->mAudioDataByteSize, 476U * kFrameBytes);
@@ -171,7 +171,7 @@ TEST_F(OVAQPlayerTest, TheReportedFrameRunsAheadOfTheAudibleOneByTheQueuedBuffer
 }
 
 TEST_F(OVAQPlayerTest, TheReportedFrameIsRoundedDown) {
-  make(10000, 4);  // half a frame in
+  make(10000, 4);  // in the middle of a frame
   queues_.output().playOne();
   EXPECT_THAT(delegate_->frames, ElementsAre(4096U));
 }
@@ -331,7 +331,7 @@ TEST_F(OVAQPlayerTest, TheRunningStateIsTheLowByteOfTheFlag) {
   queues_.output().changeRunning(0x100);
   EXPECT_FALSE(player_->isPlaying());
   drainMainQueue();
-  EXPECT_THAT(delegate_->stopped, IsEmpty());  // the flag as a whole was not 0
+  EXPECT_THAT(delegate_->stopped, IsEmpty());  // not all bytes of the flag are 0
 }
 
 TEST_F(OVAQPlayerTest, ARunningStateThatCannotBeReadCountsAsNotRunning) {

@@ -19,8 +19,8 @@
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/ScriptedAudioDevice.h"
 
-// The player over the real audio queues on a scripted device: its callback runs on the queue's
-// own thread.
+// The player over the real audio queues on a scripted device; its callback runs on the queue's
+// thread.
 namespace {
 
 using support::Gate;
@@ -50,8 +50,8 @@ class WatchingDelegate : public OVAQPlayerDelegate {
 
 class OVAQPlayerThreadsTest : public testing::Test {
  protected:
-  // A player that goes while its callback runs leaves its queue to the main thread, which must
-  // still run it.
+  // A player destroyed in its callback leaves its queue to the main thread, which must still
+  // destroy it.
   void TearDown() override {
     if (player_) {
       player_->stop();
@@ -95,7 +95,7 @@ class OVAQPlayerThreadsTest : public testing::Test {
     return all;
   }
 
-  /// The device goes on behind the last frame until the player has stopped by itself.
+  /// Lets the device continue after the last frame until the player has stopped.
   [[nodiscard]] bool awaitStopped() {
     EXPECT_TRUE(runMainLoopUntil([&] { return player_->isDone(); }));
     device_->pull(64);
@@ -139,7 +139,7 @@ TEST_F(OVAQPlayerThreadsTest, ShortClipsArePlayedWholeAndEnd) {
 TEST_F(OVAQPlayerThreadsTest, StartedAtTheEndOfTheDataItStopsByItself) {
   make(1000, 1000);
   EXPECT_TRUE(player_->isDone());
-  player_->play();  // runs so shortly that nobody may see it run
+  player_->play();  // too short to observe it running
   EXPECT_TRUE(awaitStopped());
   EXPECT_FALSE(player_->isPlaying());
 }
@@ -217,7 +217,7 @@ TEST_F(OVAQPlayerThreadsTest, WithoutADeviceThereIsNoPlayerAndNothingIsLeftBehin
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "Error: AudioQueueNewOutput failed ('!dev')\n"
             "Error: AudioQueueNewOutput failed ('!dev')\n");
-  EXPECT_THAT(services_->alerts(), SizeIs(2));  // each answers a press of its own
+  EXPECT_THAT(services_->alerts(), SizeIs(2));  // one for each press
   EXPECT_EQ(support::threadCount(), threads);
   EXPECT_EQ(buffer_.use_count(), 1);
 }
@@ -226,14 +226,14 @@ TEST_F(OVAQPlayerThreadsTest, ALastReferenceThatGoesOnTheQueuesThreadDoesNotDead
   make(20000);
   const std::weak_ptr<OVAQPlayer> watched = player_;
   delegate_->onAdvance = [this] { player_.reset(); };
-  const auto threads = support::threadCount();  // the queue's own comes with play()
+  const auto threads = support::threadCount();  // the queue's thread starts with play()
   play();
   EXPECT_THAT(device_->pull(1024), SizeIs(2048));
   EXPECT_TRUE(runMainLoopUntil([&] {
     return watched.expired() && device_->outputsClosed() == 1 && buffer_.use_count() == 1 &&
            support::threadCount() <= threads;
   }));
-  EXPECT_TRUE(drainMainQueue());  // where the queue goes
+  EXPECT_TRUE(drainMainQueue());  // destroys the queue
 }
 
 TEST_F(OVAQPlayerThreadsTest, AJumpDuringPlaybackIsHeardAfterWhatWasQueued) {

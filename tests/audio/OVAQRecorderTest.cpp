@@ -15,8 +15,8 @@
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/SteppedAudioQueues.h"
 
-// The recorder over queues that a test steps by hand: order of calls, every failing call, and
-// what one callback does. OVAQRecorderThreadsTest.cpp runs it over real queues.
+// The recorder over stepped queues: the order of calls, every failing call, and the effect of one
+// callback. OVAQRecorderThreadsTest.cpp runs it over real queues.
 namespace {
 
 using platform::AudioStatus;
@@ -115,7 +115,7 @@ TEST_P(OVAQRecorderSetUpFailureTest, IsReportedUnderItsLabelAndLeavesNothingBehi
   EXPECT_EQ(queues_->calls.back() == "dispose",
             std::string(step.call) != "completeFormat" && std::string(step.call) != "newInput");
   EXPECT_EQ(queues_->queuesAlive, 0);
-  EXPECT_EQ(buffer_.use_count(), 1);  // no recorder that keeps itself holds it
+  EXPECT_EQ(buffer_.use_count(), 1);  // no recorder holds it through its reference to itself
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -191,7 +191,7 @@ TEST_F(OVAQRecorderTest, PauseThenRecordGoesOnAtTheWritingPositionWithoutAGap) {
 
 TEST_F(OVAQRecorderTest, WhatWasCapturedBeforeRecordIsNotWrittenThoughDeliveredAfterIt) {
   make();
-  queues_->capturedFrames = 2 * kBufferFrames;  // lies in the ring at the press
+  queues_->capturedFrames = 2 * kBufferFrames;  // already in the ring when record() is called
   recorder_->record();
   queues_.input().deliver(ramp(0, kBufferFrames), kBufferFrames);
   queues_.input().deliver(ramp(kBufferFrames, kBufferFrames), 2 * kBufferFrames);

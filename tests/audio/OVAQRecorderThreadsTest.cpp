@@ -18,8 +18,8 @@
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/ScriptedAudioDevice.h"
 
-// The recorder over the real audio queues on a scripted device: its callback runs on the queue's
-// own thread.
+// The recorder over the real audio queues on a scripted device; its callback runs on the queue's
+// thread.
 namespace {
 
 using platform::AudioStatus;
@@ -50,7 +50,7 @@ class OVAQRecorderThreadsTest : public testing::Test {
     }
   }
 
-  /// The microphone hears the next `frames` frames of the ramp, in chunks that fit no block.
+  /// Captures the next `frames` frames of the ramp, in chunks that do not divide a block.
   void feed(std::uint64_t frames) {
     while (frames > 0) {
       const auto chunk = std::min<std::uint64_t>(frames, 1102);
@@ -93,7 +93,7 @@ TEST_F(OVAQRecorderThreadsTest, PauseWritesWhatWasCapturedThoughTheQueuesThreadI
   helper.join();
   EXPECT_EQ(buffer_->samples(), ramp(0, 5 * kBlock));
   EXPECT_EQ(recorder_->writingPosition(), 5 * kBlockBytes);
-  feed(kBlock);  // completes the buffer that was being filled at the press
+  feed(kBlock);  // completes the buffer being filled when pause() was called
   recorder_->queue()->waitUntilDelivered(6 * kBlock);
   EXPECT_THAT(buffer_->writes(), SizeIs(5));
 }
@@ -229,7 +229,7 @@ TEST_F(OVAQRecorderThreadsTest, ALastReferenceThatGoesOnTheQueuesThreadDoesNotDe
   feed(kBlock);
   EXPECT_TRUE(
       runMainLoopUntil([&] { return watched.expired() && support::threadCount() < threads; }));
-  EXPECT_TRUE(drainMainQueue());  // where the queue goes
+  EXPECT_TRUE(drainMainQueue());  // destroys the queue
   EXPECT_EQ(buffer_.use_count(), 1);
 }
 
@@ -255,13 +255,13 @@ TEST_F(OVAQRecorderThreadsTest, TwoHundredRecordersInARowLeaveNothingBehind) {
   EXPECT_EQ(buffer_->samples(), ramp(0, 400 * kBlock));
   EXPECT_EQ(buffer_.use_count(), 1);
   EXPECT_EQ(support::threadCount(), threads);
-  // A machine that stands still for seconds makes the device look late, no more.
+  // If the machine hangs for seconds, the device only seems late.
   EXPECT_THAT(services_->consoleLines(), Each(HasSubstr("lost inside the sound system")));
 }
 
 TEST_F(OVAQRecorderThreadsTest, PressesAtAnyMomentRecordWholeBuffersWithoutAGap) {
-  // How far the microphone may run: a few buffers ahead of what is written, so that the ring
-  // never fills while the presses still meet it at any moment.
+  // Frames that the microphone may feed: a few buffers more than were written, so that the ring
+  // never fills, yet record() and pause() come at any moment.
   std::atomic<std::uint64_t> allowed{0};
   std::atomic<bool> ended{false};
   std::thread microphone([&] {

@@ -1,5 +1,5 @@
-// Whatever a person can drop on a window: each ends in one clear sentence or in what can be had of
-// it, soon and without eating memory.
+// Any file that a user may drop on a window: each yields one clear sentence or its readable audio,
+// in limited time and memory.
 #include "audio/OVAudioFileReader.h"
 
 #include <chrono>
@@ -16,6 +16,7 @@
 
 #include "support/BadFiles.h"
 #include "support/RawAudio.h"
+#include "support/Sanitizers.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/TestUserAudioFiles.h"
@@ -29,15 +30,9 @@ using testing::SizeIs;
 
 constexpr std::int64_t kMegabyte = 1 << 20;
 
-// The checkers keep freed memory for a while, and slow everything down. The time is the
-// processor's.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::chrono::milliseconds kPatience{20'000};
-constexpr std::int64_t kMaxMemory = 1000 * kMegabyte;
-#else
-constexpr std::chrono::milliseconds kPatience{2000};
-constexpr std::int64_t kMaxMemory = 100 * kMegabyte;
-#endif
+// Sanitizers delay the reuse of freed memory and slow everything down. Limits processor time.
+constexpr std::chrono::seconds kPatience{support::kAnySanitizer ? 20 : 2};
+constexpr std::int64_t kMaxMemory = (support::kAnySanitizer ? 1000 : 100) * kMegabyte;
 
 std::string wav(std::size_t frames) {
   return support::wavBytes(44100, 2, 16, std::string(4 * frames, 'x'));
@@ -53,7 +48,7 @@ class OVAudioFileReaderBadInputTest : public testing::Test {
     return std::chrono::milliseconds(std::clock() / (CLOCKS_PER_SEC / 1000));
   }
 
-  // Kilobytes that the process had at its peak.
+  // The process's peak memory in kilobytes.
   static long peakMemory() {
     struct rusage usage = {};
     ::getrusage(RUSAGE_SELF, &usage);
@@ -173,7 +168,7 @@ TEST_F(OVAudioFileReaderBadInputTest, AFileThatShrinksWhileItIsReadGivesWhatIsLe
 }
 
 TEST_F(OVAudioFileReaderBadInputTest, ALongFileBeyondFourGigabytesIsReadWhole) {
-  // The header as a program writes it for 5 GB, over a file that is mostly a hole.
+  // A program's header for 5 GB, in a file that is mostly a hole.
   const std::string small = folder_.file("small.wav");
   const std::string path = folder_.file("large.wav");
   ASSERT_TRUE(support::writeBytes(small, wav(1000)));

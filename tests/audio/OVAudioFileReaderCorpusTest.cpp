@@ -1,5 +1,4 @@
-// Small real files of all the kinds that can be opened, made by ffmpeg and sox and decoded a second
-// time by them.
+// Small real files of all readable kinds, made by ffmpeg and sox and compared with their decoding.
 #include "audio/OVAudioFileReader.h"
 
 #include <algorithm>
@@ -28,19 +27,19 @@ constexpr const char* kMonoTo44100 =
     "internal_sample_fmt=fltp";
 constexpr const char* kMixDown = "aresample=ochl=stereo:internal_sample_fmt=fltp";
 
-// What our length must be beside what ffmpeg's decoder delivers.
+// The expected length, compared with what ffmpeg's decoder delivers.
 enum class Length {
-  asDelivered,  // by ffmpeg, which is also what the file declares
-  asSource,     // the decoder's padding is cut off
-  notDeclared,  // what we say beforehand is a hint
+  asDelivered,  // as ffmpeg delivers and the file declares
+  asSource,     // the source's, without the decoder's padding
+  notDeclared,  // the length before decoding is only a hint
 };
 
 struct Kind {
   std::string name;                    // of the test
-  std::string file;                    // made file
+  std::string file;                    // created file
   std::vector<std::string> arguments;  // of ffmpeg, between the source and the file
-  std::string filter = {};             // how ffmpeg brings it to the working format
-  double tolerance = 0;                // of a sample; 0: to the bit
+  std::string filter = {};             // ffmpeg's conversion to the working format
+  double tolerance = 0;                // of a sample; 0 for bit-identical
   Length length = Length::asDelivered;
 };
 
@@ -203,7 +202,7 @@ TEST_P(OVAudioFileReaderCorpusKindTest, IsReadAsFfmpegDecodesIt) {
   std::size_t frames = std::min(read.size(), decoded.size()) / 2;
   EXPECT_GT(frames + 2200, kFrames);
   if (kind.tolerance > 0 && read.size() < decoded.size()) {
-    frames -= 500;  // the filter of a resampler sees that our padding is cut off
+    frames -= 500;  // the resampler's filter reaches into the missing padding
   }
   expectNear(read, decoded, frames, kind.tolerance);
 }
@@ -282,7 +281,7 @@ TEST_F(OVAudioFileReaderCorpusTest, ADtsStreamInTheDisguiseOfSamplesIsHeardAsSou
   const auto reader = OVAudioFileReader::initWithFile(path);
   ASSERT_NE(reader, nullptr);
   const Samples read = readAll(*reader);
-  // Samples taken for what they are not would be noise at full scale.
+  // Misinterpreted samples would be noise at full scale.
   EXPECT_NEAR(support::peak(read), support::peak(samples_), 0.05);
   EXPECT_THAT(services_->consoleLines(), IsEmpty());
 }

@@ -38,7 +38,7 @@ class OVAudioFileReaderTest : public testing::Test {
   void SetUp() override { testing::internal::CaptureStderr(); }
   void TearDown() override { testing::internal::GetCapturedStderr(); }
 
-  // A WAV file of floats: what is read must be what was written.
+  // A WAV file of floats, which must be read back unchanged.
   std::string wav(const std::string& name, const Samples& samples) const {
     std::string path = folder_.file(name);
     EXPECT_TRUE(support::writeWav(path, samples));
@@ -104,7 +104,7 @@ TEST_F(OVAudioFileReaderTest, AsManyBytesOfTheBufferAsItHasFramesAreClearedBefor
   ASSERT_EQ(reader->readFrameChunkWithSize(100), 100U);
   ASSERT_EQ(reader->readFrameChunkWithSize(100), 50U);
   ASSERT_EQ(reader->readFrameChunkWithSize(100), 0U);
-  // 100 bytes: 25 samples. The rest still has what the reads before left.
+  // 100 bytes are 25 samples. The rest still has the content of earlier reads.
   const Samples left = lastRead(*reader, 100);
   EXPECT_EQ(std::count(left.begin(), left.end(), 0.0F), 25);
   EXPECT_THAT(Samples(left.begin(), left.begin() + 25), Each(0.0F));
@@ -180,7 +180,7 @@ TEST_F(OVAudioFileReaderTest, ATone48000ArrivesAsTheSameToneInTheSamePlace) {
   ASSERT_NE(reader, nullptr);
   const Samples read = readAll(*reader);
   ASSERT_EQ(read.size(), 44'100U * 2);
-  for (std::size_t i = 2000; i < 42'000; ++i) {  // away from the ends, where a tone is cut off
+  for (std::size_t i = 2000; i < 42'000; ++i) {  // away from the ends, where the tone is cut off
     const double time = static_cast<double>(i) / 44'100;
     ASSERT_NEAR(read[2 * i], 0.5 * std::sin(2 * M_PI * 1000 * time), 1e-5) << i;
     ASSERT_NEAR(read[2 * i + 1], 0.5 * std::cos(2 * M_PI * 15'000 * time), 1e-5) << i;
@@ -389,7 +389,7 @@ TEST_F(OVAudioFileReaderCancelTest, SetBeforehandOpensNothingAndSaysNothing) {
 }
 
 TEST_F(OVAudioFileReaderCancelTest, DuringAnEndlessOpeningEndsIt) {
-  // A chunk's header in every 8 bytes of zeros: petabytes of them.
+  // Petabytes of zeros; every 8 of them look like a chunk header.
   storage_.setBytes(support::wavBytes(44100, 2, 16, std::string(8000, 'x')), 1ULL << 50);
   storage_.beforeReads([this](std::uint64_t number) {
     if (number == 20) {

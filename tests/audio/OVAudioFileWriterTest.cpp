@@ -153,8 +153,8 @@ TEST_F(OVAudioFileWriterTest, PiecesOfAnySizeGiveTheSameFile) {
   }
 }
 
-// How far `read` is from `samples`, the latter moved by `shift` frames: power of the difference
-// over power of the signal.
+// The error of `read` relative to `samples` shifted by `shift` frames: power of the difference over
+// power of the signal.
 double relativeError(const Samples& samples, const Samples& read, std::ptrdiff_t shift) {
   double difference = 0;
   double signal = 0;
@@ -208,7 +208,7 @@ TEST_F(OVAudioFileWriterTest, WithoutAnyFrameTheFileIsStillWhole) {
     EXPECT_TRUE(writer->close());
     const auto reader = OVAudioFileReader::initWithFile(path(kind));
     ASSERT_NE(reader, nullptr) << kind;
-    // An MPEG-4 file without a frame could not be opened by anything.
+    // No program can open an MPEG-4 file without a frame.
     EXPECT_EQ(reader->fileSizeInFrames(), kind == OVAudioFileWriter::kAac ? 1 : 0);
   }
   EXPECT_THAT(services_->alerts(), IsEmpty());

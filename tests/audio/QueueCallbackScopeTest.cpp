@@ -11,7 +11,7 @@
 
 namespace {
 
-/// An owner of a queue that notes where its callbacks ran.
+/// An owner of a queue that records where its callbacks ran.
 class Owner : public std::enable_shared_from_this<Owner> {
  public:
   void called(int value) {

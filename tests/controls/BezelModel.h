@@ -23,21 +23,21 @@ struct Layer {
   double radius;
   Grey from;
   std::optional<Grey> to = std::nullopt;        ///< none: one colour
-  std::optional<double> height = std::nullopt;  ///< none: what the insets leave
+  std::optional<double> height = std::nullopt;  ///< none: the height within the insets
   bool isStroke = false;
 };
 
 }  // namespace bezelmodel
 
-/// The plain bezel reckoned pixel by pixel from the numbers of its layers, without the toolkit:
-/// shapes are sampled, colours composed in floating point.
+/// The plain bezel computed pixel by pixel from the numbers of its layers, without Qt: shapes are
+/// sampled, colours composed in floating point.
 class BezelModel {
  public:
-  /// `paper` is the grey below, 0 to 1; `ratio` the device pixels to a point.
+  /// `paper` is the grey below, 0 to 1; `ratio` the device pixels per point.
   BezelModel(const QRectF& frame, bool highlighted, double paper, int ratio)
       : frame_(frame), highlighted_(highlighted), paper_(paper), ratio_(ratio) {}
 
-  /// Whether the edge of a round corner goes through a device pixel, where rasterisers differ.
+  /// Whether the edge of a round corner crosses a device pixel, where rasterisers differ.
   [[nodiscard]] bool isOnACorner(int x, int y) const {
     const double corner = 5.0;  // points from the frame's corners
     const double px = (x + 0.5) / ratio_;
@@ -114,7 +114,7 @@ class BezelModel {
            !isInside(rect.adjusted(kHalf, kHalf, -kHalf, -kHalf), layer.radius - kHalf, x, y);
   }
 
-  /// Which part of a pixel the layer covers.
+  /// The fraction of a pixel that the layer covers.
   [[nodiscard]] double coverageOf(const Layer& layer, int x, int y) const {
     constexpr int kSamples = 16;  // each way
     const QRectF rect = rectOf(layer);

@@ -11,8 +11,8 @@
 
 #include "controls/OVTransportBackgroundView.h"
 
-/// A window with the bar at the bottom, as buttons find it: content 320 x 158, the bar its last 58
-/// points. Mouse events go in through the window system, so that pressing grabs the mouse as it
+/// A window with the bar at the bottom, as buttons need it: content 320 x 158, the bar its last 58
+/// points. Mouse events are sent through the window system, so that a press grabs the mouse as it
 /// does for a user.
 class ControlsWindow {
  public:
@@ -43,8 +43,8 @@ class ControlsWindow {
     release(view, at);
   }
 
-  /// What the window shows in the rectangle of `view`, on a screen of `ratio` pixels a point.
-  /// Pixels that the rectangle covers in part only are not in the picture.
+  /// The window in the rectangle of `view`, on a screen of `ratio` pixels per point. The picture
+  /// excludes pixels that the rectangle covers only in part.
   [[nodiscard]] QImage picture(const QWidget* view, double ratio = 1.0) {
     const QSizeF pixels = QSizeF(content_.size()) * ratio;
     QImage whole(static_cast<int>(std::ceil(pixels.width())),
@@ -72,10 +72,10 @@ class PaintCounter : public QObject {
  public:
   explicit PaintCounter(QWidget* view) : view_(view) { view->installEventFilter(this); }
 
-  /// Paints since the last call; whatever was asked for before has been painted by then.
+  /// Paints since the last call, including every redraw requested before this one.
   [[nodiscard]] int take() {
-    // A marker: the window paints in one go what was asked for, so once this is painted, so is
-    // everything else.
+    // A marker: the window paints all requested redraws together, so once this one is painted, the
+    // others are too.
     sawMarker_ = false;
     QWidget* marker = view_->parentWidget();
     marker->installEventFilter(this);

@@ -28,7 +28,7 @@ class OVLoadingPanelTest : public testing::Test {
 
   [[nodiscard]] QImage picture() { return view_.grab(panel_->geometry()).toImage(); }
 
-  /// The lightest green in a part of the panel.
+  /// The highest green value in a part of the panel.
   [[nodiscard]] int lightest(const QRect& part) {
     const QImage shown = picture();
     int green = 0;

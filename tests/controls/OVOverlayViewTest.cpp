@@ -32,7 +32,7 @@ TEST(OVOverlayViewTest, LightensWhatLiesBelowByATenth) {
   EXPECT_LE(colorDistance(picture.pixelColor(7, 0), QColor(116, 71, 26)), 1);
 }
 
-/// Which part of a pixel a panel with the corner radius covers, sampled.
+/// The fraction of a pixel that a panel with the corner radius covers, sampled.
 double coverage(const QSizeF& size, double radius, int x, int y, int ratio) {
   constexpr int kSamples = 16;
   int inside = 0;

@@ -131,7 +131,7 @@ TEST_F(OVRecorderWindowTest, MenuShortcutsWithModifiersKeepWorking) {
                   [&saved] { ++saved; });
   QTest::keyClick(window_->windowHandle(), Qt::Key_S, Qt::ControlModifier);
   EXPECT_EQ(saved, 1);
-  // Control itself went down; the S that made the shortcut only comes up.
+  // Control itself went down; the S of the shortcut is only reported as released.
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'u', 0xFFFF}, {'u', 0xFFFF}}));
 }
 
@@ -145,7 +145,7 @@ TEST_F(OVRecorderWindowTest, TheReleaseOfACommandKeyIsNoTransportKeyEither) {
   for (const auto key : {Qt::Key_R, Qt::Key_Return, Qt::Key_Space}) {
     delegate_->keys.clear();
     send(QEvent::KeyPress, key, false, Qt::ControlModifier);
-    send(QEvent::KeyRelease, key);  // Control has come up first
+    send(QEvent::KeyRelease, key);  // Control was released first
     EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'u', 0xFFFF}})) << key;
   }
 }
@@ -158,7 +158,7 @@ TEST_F(OVRecorderWindowTest, AReleaseWhosePressWentElsewhereIsUnmapped) {
 TEST_F(OVRecorderWindowTest, AHeldKeyWhosePressWentElsewhereStaysUnmapped) {
   send(QEvent::KeyPress, Qt::Key_Space, false, Qt::ControlModifier);
   send(QEvent::KeyRelease, Qt::Key_Space, true);
-  send(QEvent::KeyPress, Qt::Key_Space, true);  // Control has come up, Space repeats
+  send(QEvent::KeyPress, Qt::Key_Space, true);  // Control was released, Space repeats
   send(QEvent::KeyRelease, Qt::Key_Space);
   EXPECT_EQ(delegate_->keys, (Keys{{'d', 0xFFFF}, {'d', 0xFFFF}, {'u', 0xFFFF}}));
 }

@@ -13,7 +13,7 @@ namespace {
 constexpr int kBarHeight = 58;
 constexpr int kStripHeight = OVSpectrumStrip::kHeight;
 
-/// Counts how often it is painted at another size than before.
+/// Counts how often it is painted at a different size than before.
 class CountingView : public QWidget {
  public:
   int renderings = 0;
@@ -28,7 +28,7 @@ class CountingView : public QWidget {
   QSize rendered_;
 };
 
-/// A window like the recorder's: a view that takes what is left, a bar, and the strip.
+/// A window like the recorder's: a view that takes the remaining height, a bar, and the strip.
 class Window : public QMainWindow {
  public:
   Window() {
@@ -80,7 +80,7 @@ class OVSpectrumStripTest : public testing::Test {
     }));
   }
 
-  /// The part of the screen that a window's content can fill, inside the window's decorations.
+  /// The part of the screen that a window's content can fill, without its decorations.
   QRect room() const {
     const QRect outer = window_.frameGeometry();
     const QRect inner = window_.geometry();
@@ -343,5 +343,5 @@ TEST_F(OVSpectrumStripTest, OutlivesItsWindow) {
   window.reset();
   EXPECT_TRUE(runMainLoopUntil([&] { return !reveal->isMoving(); }));
   reveal->setShown(false);
-  EXPECT_TRUE(reveal->isShown());  // there is nothing to hide any more
+  EXPECT_TRUE(reveal->isShown());  // nothing is left to hide
 }

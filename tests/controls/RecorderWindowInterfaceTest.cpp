@@ -1,4 +1,4 @@
-// The interface file "VNRecorderWindow": every view under its name, at its place.
+// The interface file "VNRecorderWindow": every view has its name and its place.
 #include <algorithm>
 #include <functional>
 #include <map>

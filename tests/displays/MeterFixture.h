@@ -12,7 +12,7 @@
 #include "support/PaintCounter.h"
 #include "support/Pixels.h"
 
-/// A data source that answers what a test says.
+/// A data source that returns the levels set by the test.
 class ScriptedLevels final : public OVVUViewDataSource {
  public:
   using Levels = std::optional<std::vector<float>>;
@@ -28,7 +28,7 @@ class ScriptedLevels final : public OVVUViewDataSource {
   QWidget* askedBy = nullptr;
 };
 
-/// A meter of the given kind with such a source.
+/// A meter of the given kind with a scripted source.
 template <typename Meter>
 class MeterFixture : public testing::Test {
  protected:
@@ -46,7 +46,7 @@ class MeterFixture : public testing::Test {
     return screen;
   }
 
-  /// Shows the view with its own timer at rest, so that nothing but a test's polls redraws it.
+  /// Shows the view with its own timer stopped, so that only the test's polls redraw it.
   void showAtRest() {
     view_.setPollingFrequency(0.0);
     counter_.watch(&view_);

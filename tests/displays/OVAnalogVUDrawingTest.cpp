@@ -15,7 +15,7 @@ const QColor kDial(10, 90, 40);
 const QColor kNeedle(255, 0, 0);
 constexpr QSize kDialSize(220, 130);
 
-/// A dial of one colour, so that every other pixel is the needle's.
+/// A dial of one colour, so that pixels of any other colour are the needle's.
 platform::NamedImage plainDial(QSize size = kDialSize) {
   QImage single(size, QImage::Format_ARGB32_Premultiplied);
   single.fill(kDial);
@@ -41,7 +41,7 @@ class OVAnalogVUDrawingTest : public testing::TestWithParam<int> {
         picture.height() - 1 - static_cast<int>(std::floor(point.y() * ratio())));
   }
 
-  /// A point so far along the needle from its pivot and so far to its right, points.
+  /// The point at these distances along the needle from its pivot and to its right, in points.
   [[nodiscard]] static QPointF besideNeedle(double degrees, double along, double right,
                                             double left = 0.0) {
     const double angle = degrees * 3.14159265358979323846 / 180.0;
@@ -49,7 +49,7 @@ class OVAnalogVUDrawingTest : public testing::TestWithParam<int> {
             along * std::cos(angle) - right * std::sin(angle)};
   }
 
-  /// A red line 3 points wide and 100 long stands at so many degrees from the vertical.
+  /// Expects a red line 3 points wide and 100 long at this angle from the vertical.
   static void expectNeedle(const QImage& picture, double degrees, double left = 0.0) {
     for (const double along : {5.0, 30.0, 60.0, 98.0}) {
       for (const double right : {-0.4, 0.0, 0.4}) {
@@ -150,7 +150,7 @@ TEST_P(OVAnalogVUDrawingTest, TheDialIsCopiedNotBlended) {
 }
 
 TEST_P(OVAnalogVUDrawingTest, TheNeedleTurnsAroundTheMiddleOfADialOfAnyWidth) {
-  // Pivot at 150, tip at (110, 100) though: the line leans to the left.
+  // The pivot is at 150 but the tip at (110, 100): the line leans to the left.
   const QImage picture = draw({300, 130}, {0.75F}, plainDial({300, 130}));
   EXPECT_EQ(at(picture, {149.0, 2.5}), kNeedle);
   EXPECT_EQ(at(picture, {130.0, 50.0}), kNeedle);
@@ -171,7 +171,7 @@ TEST_P(OVAnalogVUDrawingTest, WithoutLevelsNothingIsDrawn) {
 
 TEST_P(OVAnalogVUDrawingTest, WithoutItsImageTheNeedlesStandInOnePlace) {
   const QImage picture = draw(kDialSize, {0.75F, 0.75F}, platform::NamedImage());
-  // The width of no image is 0, so the pivot lies in the corner.
+  // A missing image has width 0, so the pivot is in the corner.
   EXPECT_EQ(at(picture, {1.0, 0.9}), kNeedle);
   EXPECT_EQ(at(picture, {200.0, 120.0}), kPaper);
 }

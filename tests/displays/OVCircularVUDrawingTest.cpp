@@ -101,8 +101,8 @@ TEST_P(OVCircularVUDrawingTest, TheFillingIsOpaqueFromSevenTenthsOn) {
 }
 
 TEST_P(OVCircularVUDrawingTest, TheOutlinesOpacityIsTheLevelOver13ButAtLeastThreeTenths) {
-  // Radius 35 around (50, 50): right of the centre the outline's outer half covers x from 85 to
-  // 85.5, about half a pixel of an ordinary screen and a whole one of a doubly fine one.
+  // Radius 35 around (50, 50): right of the centre, the outer half of the outline covers x from 85
+  // to 85.5: about half a pixel at 1x, a whole one at 2x.
   const auto lineShareAt = [&](float level) {
     const QColor outer = at(draw({100, 100}, {level}), 85.0, 50.0);
     return (outer.red() - kPaper.red()) / (255.0 - kPaper.red());

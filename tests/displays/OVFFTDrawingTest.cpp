@@ -14,7 +14,7 @@ const QColor kGrid(37, 82, 91);        // (0.145, 0.32, 0.356)
 
 class OVFFTDrawingTest : public testing::TestWithParam<int> {
  protected:
-  /// Device pixels to a point.
+  /// Device pixels per point.
   static int ratio() { return GetParam(); }
 
   template <typename Draw>
@@ -26,7 +26,7 @@ class OVFFTDrawingTest : public testing::TestWithParam<int> {
     return drawn(size, [&](QPainter& painter) { drawing_.drawSpectrum(painter, size, data); });
   }
 
-  /// Whether every device pixel in the columns [left, right) of a row of points has the colour.
+  /// Whether all device pixels in the columns [left, right) of a row of points have the colour.
   static bool rowHasColor(const QImage& picture, int row, int left, int right,
                           const QColor& color) {
     for (int x = left * ratio(); x < right * ratio(); ++x) {
@@ -52,7 +52,7 @@ class OVFFTDrawingTest : public testing::TestWithParam<int> {
   OVFFTDrawing drawing_;
 };
 
-/// The value that is drawn at a height in points of a view that is 100 high.
+/// The value that is drawn at this height in a view 100 points high.
 float valueAt(double height) {
   return static_cast<float>(height / 90.0);
 }
@@ -65,7 +65,7 @@ TEST_P(OVFFTDrawingTest, WithoutValuesThereIsOnlyTheBackground) {
 
 TEST_P(OVFFTDrawingTest, ValuesOfZeroDrawAFlatLineAlongTheBottomEdge) {
   const QImage picture = spectrum({64, 20}, std::vector<float>(512, 0.0F));
-  // The line is one point high, and its lower half lies below the view.
+  // The line is one point high, and its lower half is below the view.
   const int bottom = picture.height() - 1;
   const QColor expected = ratio() == 1 ? blended(kBackground, kGraph, 0.5) : kGraph;
   for (int x = 0; x < picture.width(); ++x) {
@@ -102,7 +102,7 @@ TEST_P(OVFFTDrawingTest, BothNumbersOfBinsSpanTheWholeWidth) {
 TEST_P(OVFFTDrawingTest, StepsAdaptToTheNumberOfValues) {
   std::vector<float> data(8, 0.0F);
   data[3] = valueAt(80.0);
-  const QImage eight = spectrum({80, 100}, data);  // its peak stands at x = 40
+  const QImage eight = spectrum({80, 100}, data);  // its peak is at x = 40
   data.resize(16, 0.0F);
   const QImage sixteen = spectrum({80, 100}, data);  // at x = 20
   const auto lit = [](const QImage& picture, int point) {
@@ -172,11 +172,11 @@ TEST_P(OVFFTDrawingTest, TheGridHasALineEveryTwentyFourPoints) {
     painter.fillRect(QRectF(0, 0, 100, 60), kBackground);
     OVFFTDrawing::drawGrid(painter, {100, 60});
   });
-  // Upright lines fill the points 0, 24, 48, … 96; looked at where no level line passes.
+  // Vertical lines fill the points 0, 24, 48, … 96; checked where no horizontal line passes.
   for (int point = 0; point < 100; ++point) {
     EXPECT_EQ(rowHasColor(picture, 59, point, point + 1, kGrid), point % 24 == 0) << point;
   }
-  // Level lines begin at heights 12.5, 36.5 and 60.5 and end half a point lower.
+  // Horizontal lines begin at heights 12.5, 36.5 and 60.5 and end half a point lower.
   EXPECT_TRUE(rowHasColor(picture, 60 - 13, 1, 2, kGrid));
   EXPECT_TRUE(rowHasColor(picture, 60 - 37, 1, 2, kGrid));
   EXPECT_EQ(picture.pixelColor(2 * ratio(), 30 * ratio()), kBackground);

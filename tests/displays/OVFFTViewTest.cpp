@@ -16,7 +16,7 @@ namespace {
 
 const QColor kBackground(36, 54, 71);
 
-/// What the screen shows of the view.
+/// The view as the screen shows it.
 QImage pictureOf(OVFFTView& view) {
   return view.grab().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
@@ -60,7 +60,7 @@ TEST_F(OVFFTViewTest, BeforeTheFirstDataShowsOnlyItsBackground) {
       ASSERT_EQ(picture.pixelColor(x, y), kBackground) << x << ", " << y;
     }
   }
-  view_.setSize(512);  // a number alone is no data
+  view_.setSize(512);  // a size alone is no data
   EXPECT_EQ(pictureOf(view_), picture);
 }
 

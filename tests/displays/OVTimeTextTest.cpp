@@ -88,7 +88,7 @@ class OVTimeTextDrawingTest : public testing::TestWithParam<int> {
  protected:
   [[nodiscard]] static int ratio() { return GetParam(); }
 
-  /// The same text at the same baseline by the toolkit alone, in its own coordinates.
+  /// The same text at the same baseline, drawn by Qt alone in its own coordinates.
   [[nodiscard]] QImage expected(QSize size, const QString& line) const {
     QImage picture = makePicture(size, ratio(), kPaper);
     QPainter painter(&picture);

@@ -1,4 +1,4 @@
-// What both meters do alike.
+// The common behaviour of both meters.
 #include "displays/OVVUView.h"
 
 #include <limits>

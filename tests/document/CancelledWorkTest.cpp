@@ -1,5 +1,5 @@
-// A window that closes while a background queue works for it: the work ends with the piece that it
-// is at, nothing is told, and nothing is kept.
+// A window that closes while a background queue works for it: the work ends after its current
+// piece, nothing is reported, and nothing is kept.
 #include <gmock/gmock.h>
 
 #include "document/FileFixture.h"
@@ -11,7 +11,7 @@ namespace {
 
 using testing::IsEmpty;
 
-/// Two minutes of sound: a write for each chunk, and more than a hundred reads for its summary.
+/// Two minutes of sound: one write per chunk, and more than a hundred reads for its summary.
 constexpr std::uint64_t kManyChunks = 20;
 
 class CancelledWorkTest : public DocumentFileFixture {
@@ -20,7 +20,7 @@ class CancelledWorkTest : public DocumentFileFixture {
     return writeFile("take.wav", ramp(kManyChunks * kLoadChunkFrames));
   }
 
-  /// Closes the window while its work stands at the gate, and lets the work go on.
+  /// Closes the window while its work waits at the gate, then lets the work continue.
   void closeAndOpenTheGate() {
     const std::weak_ptr<OVAudioBufferInterface> buffer = document_->buffer();
     const QPointer<OVRecorderWindow> window = document_->window();
@@ -75,7 +75,7 @@ TEST_F(CancelledWorkTest, WhileARecordingTakesInWhatIsThereTheReadThatRunsIsTheL
   files_.beforeReads([this] { gate_.pass(); });
   pressRecord();
   ASSERT_TRUE(capture(0.25F));
-  document_->updatePlaybackMarkerView();  // extends the summary, which has seen nothing so far
+  document_->updatePlaybackMarkerView();  // extends the summary, which is still empty
   ASSERT_TRUE(gate_.awaitArrival());
   closeAndOpenTheGate();
   EXPECT_EQ(files_.reads(), 1U);
@@ -100,7 +100,7 @@ TEST_F(CancelledWorkTest, WhileARecordingGetsAGrowingSummaryAgainTheStretchBeing
   document_->updatePlaybackMarkerView();
   ASSERT_TRUE(gate_.awaitArrival());
   closeAndOpenTheGate();
-  EXPECT_EQ(files_.reads(), readsBefore + 2);  // of what was recorded, and of what stands behind it
+  EXPECT_EQ(files_.reads(), readsBefore + 2);  // of the recording, and of the audio after it
 }
 
 }  // namespace

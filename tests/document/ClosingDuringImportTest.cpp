@@ -1,5 +1,5 @@
 // A window that is closed while a file is imported into it: the answer Save waits for the import,
-// and until the file is saved nothing else can be asked for.
+// and until the file is saved no other command is accepted.
 #include <gmock/gmock.h>
 
 #include "document/DocumentStates.h"
@@ -47,7 +47,7 @@ TEST_F(ClosingDuringImportTest, ASaveAsThatIsCancelledAfterwardsTakesTheClosingB
   const std::string old = writeFile("old.wav", ramp(10));
   const std::string before = bytesOf(old);
   document_->setCurrentFilename(old);
-  document_->setCurrentFiletype(-1);  // so that Save asks where
+  document_->setCurrentFiletype(-1);  // so that Save asks for a path
   document_->setDocumentEdited(true);
   keeper_.enter(State::importing);
   window_->performClose();

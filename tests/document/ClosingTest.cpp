@@ -70,7 +70,7 @@ TEST_F(ClosingTest, SaveWithACancelledPanelKeepsTheWindow) {
   panels_->answerSave(std::nullopt);
   EXPECT_EQ(services_->cancelledTerminations(), 1U);
   saveTo(at("take.wav"));
-  EXPECT_TRUE(document_->window()->isVisible());  // the wish to close went with the panel
+  EXPECT_TRUE(document_->window()->isVisible());  // cancelling the panel also cancelled closing
 }
 
 TEST_F(ClosingTest, SaveThatFailsKeepsTheWindow) {
@@ -148,7 +148,7 @@ TEST_F(ClosingTest, TheQuestionThatIsThereAlreadyIsShownAgain) {
   EXPECT_FALSE(document_->window()->isMinimized());
 }
 
-TEST_F(ClosingTest, APanelThatHasToBeAnsweredFirstIsShown) {
+TEST_F(ClosingTest, APanelThatHasToBeAnsweredFirstIsShownAndCancelsNoQuit) {
   openWindow();
   document_->setDocumentEdited(true);
   document_->importFile(nullptr);
@@ -156,7 +156,35 @@ TEST_F(ClosingTest, APanelThatHasToBeAnsweredFirstIsShown) {
   document_->window()->performClose();
   EXPECT_EQ(panels_->sheets(), 0U);
   EXPECT_FALSE(document_->window()->isMinimized());
+  EXPECT_TRUE(services_->postedAlerts().empty());
+  EXPECT_EQ(services_->cancelledTerminations(), 0U);
   panels_->answerOpen({});
+}
+
+TEST_F(ClosingTest, AnExportThatEndsWhileAPanelIsOpenClosesNothingAndCancelsNoQuit) {
+  openWindow();
+  recordChunks(2);
+  document_->exportRingtone(nullptr);
+  panels_->answerSave(at("tone.m4r"));
+  document_->window()->performClose();
+  document_->dumpWaveform(nullptr);
+  awaitIdle();
+  EXPECT_TRUE(document_->window()->isVisible());
+  EXPECT_TRUE(services_->postedAlerts().empty());
+  EXPECT_EQ(services_->cancelledTerminations(), 0U);
+  panels_->answerSave(std::nullopt);
+}
+
+TEST_F(ClosingTest, TheSaveAsPanelOfAClosingIsShownAgain) {
+  openWindow();
+  recordChunks(1);
+  document_->window()->performClose();
+  panels_->answerSheet(VLRecorderWindowController::kSave);
+  document_->window()->showMinimized();
+  document_->window()->performClose();
+  EXPECT_EQ(panels_->savePanels(), 1U);
+  EXPECT_FALSE(document_->window()->isMinimized());
+  panels_->answerSave(std::nullopt);
 }
 
 TEST_F(ClosingTest, AChangedDocumentWithoutAWindowStaysWhileAPanelIsAnswered) {
@@ -164,7 +192,6 @@ TEST_F(ClosingTest, AChangedDocumentWithoutAWindowStaysWhileAPanelIsAnswered) {
   document_->setDocumentEdited(true);
   document_->importFile(nullptr);
   EXPECT_FALSE(document_->windowShouldClose(nullptr));
-  EXPECT_EQ(services_->cancelledTerminations(), 1U);
   panels_->answerOpen({});
   EXPECT_FALSE(document_->windowShouldClose(nullptr));
   EXPECT_EQ(panels_->sheets(), 1U);

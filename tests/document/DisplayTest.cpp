@@ -10,7 +10,7 @@
 
 namespace {
 
-// Counts the paint events of a widget and of everything inside it.
+// Counts the paint events of a widget and everything inside it.
 class PaintCounter : public QObject {
  public:
   explicit PaintCounter(QWidget* root) {
@@ -219,7 +219,7 @@ TEST_F(DisplayTest, RecordingIntoTheMiddleSwitchesToAStaticSummaryOnceAndPastThe
   capture(0.5F);
   tick();
   EXPECT_TRUE(document_->waveformIsChanging());
-  tick();  // none in addition to the one in flight
+  tick();  // queues none in addition to the pending one
   ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
   EXPECT_TRUE(summaryIsStatic());
   const auto installed = document_->waveForm();

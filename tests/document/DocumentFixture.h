@@ -22,13 +22,13 @@
 #include "waveform/OVStaticWaveform.h"
 #include "waveform/views/OVPlaybackMarkerView.h"
 
-/// A document on sound queues that the test steps by hand, with or without a window.
+/// A document on sound queues that the test steps manually, with or without a window.
 class DocumentFixture : public testing::Test {
  protected:
   static constexpr std::uint32_t kChunkFrames = 4096;
   static constexpr std::uint64_t kFrameBytes = 8;
 
-  // A test that closes a changed document throws the changes away, unless it asks otherwise.
+  // A test that closes a changed document discards the changes unless it sets another answer.
   DocumentFixture() { panels_->answerEverySheetWith(VLRecorderWindowController::kDontSave); }
   ~DocumentFixture() override { closeDocument(); }
 
@@ -65,7 +65,7 @@ class DocumentFixture : public testing::Test {
 
   static void drainMainQueue() { EXPECT_TRUE(::drainMainQueue()); }
 
-  /// The document's button of this name, or one of the test's own where there is no window.
+  /// The document's button of this name, or the test's own if there is no window.
   OVTransportButton* button(const char* name) {
     if (document_->window() != nullptr) {
       return document_->window()->findChild<OVTransportButton*>(name);
@@ -90,7 +90,7 @@ class DocumentFixture : public testing::Test {
     document_->playButton(play);
   }
 
-  /// One captured buffer, every sample of which is `value`; false if the recorder takes none.
+  /// Captures one buffer whose samples are all `value`; false if the recorder accepts none.
   bool capture(float value, std::uint32_t frames = kChunkFrames) {
     captured_ += frames;
     const std::vector<float> samples(2 * frames, value);
@@ -120,7 +120,7 @@ class DocumentFixture : public testing::Test {
     return std::dynamic_pointer_cast<OVStaticWaveform>(document_->waveForm()) != nullptr;
   }
 
-  /// Alerts that were shown or are about to be.
+  /// Alerts that were shown or are pending.
   std::size_t alertCount() { return services_->alerts().size() + services_->postedAlerts().size(); }
 
   std::uint64_t length() { return document_->buffer()->bufferSizeInFrames(); }

@@ -26,7 +26,7 @@
 #include "support/fakes/TestUserAudioFiles.h"
 #include "support/programs/AudioFileTools.h"
 
-/// Everything that a document may be in the middle of when a command arrives.
+/// Everything that a document may be doing when a command arrives.
 enum class State {
   idle,
   recording,
@@ -36,6 +36,7 @@ enum class State {
   importing,
   saving,
   exporting,
+  savePending,           // closing, Save was answered, and an import has to end first
   asking,                // about unsaved changes
   askingAfterRecording,  // the same question; a recording was paused for it
   savePanel,
@@ -46,19 +47,26 @@ enum class State {
 
 inline constexpr auto kStates = std::to_array<State>(
     {State::idle, State::recording, State::playing, State::loading, State::openingImport,
-     State::importing, State::saving, State::exporting, State::asking, State::askingAfterRecording,
-     State::savePanel, State::savePanelWhileRecording, State::importPanel,
-     State::importPanelWhileRecording});
+     State::importing, State::saving, State::exporting, State::savePending, State::asking,
+     State::askingAfterRecording, State::savePanel, State::savePanelWhileRecording,
+     State::importPanel, State::importPanelWhileRecording});
 
 [[nodiscard]] inline std::string nameOf(State state) {
-  static constexpr std::array<const char*, kStates.size()> kNames = {
-      "Idle",          "Recording",
-      "Playing",       "Loading",
-      "OpeningImport", "Importing",
-      "Saving",        "Exporting",
-      "Asking",        "AskingAfterRecording",
-      "SavePanel",     "SavePanelWhileRecording",
-      "ImportPanel",   "ImportPanelWhileRecording"};
+  static constexpr std::array<const char*, kStates.size()> kNames = {"Idle",
+                                                                     "Recording",
+                                                                     "Playing",
+                                                                     "Loading",
+                                                                     "OpeningImport",
+                                                                     "Importing",
+                                                                     "Saving",
+                                                                     "Exporting",
+                                                                     "SavePending",
+                                                                     "Asking",
+                                                                     "AskingAfterRecording",
+                                                                     "SavePanel",
+                                                                     "SavePanelWhileRecording",
+                                                                     "ImportPanel",
+                                                                     "ImportPanelWhileRecording"};
   return kNames.at(static_cast<std::size_t>(state));
 }
 
@@ -67,17 +75,22 @@ inline void PrintTo(State state, std::ostream* out) {
 }
 
 [[nodiscard]] inline bool isFileOperation(State state) {
-  return state >= State::loading && state <= State::exporting;
+  return state >= State::loading && state <= State::savePending;
 }
 [[nodiscard]] inline bool isRecording(State state) {
   return state == State::recording || state == State::savePanelWhileRecording ||
          state == State::importPanelWhileRecording;
 }
 
-/// Brings a document into a state and holds it there: file operations stand at a gate, panels and
-/// questions wait for an answer, sound moves only when the test steps it.
+struct SlowMedium {
+  support::TestUserAudioFiles storage;
+  platform::Installed<platform::UserAudioFiles>::Scope installation{storage};
+};
+
+/// Brings a document into a state and holds it there: file operations wait at a gate, panels and
+/// questions wait for an answer, sound advances only when the test steps it.
 ///
-/// Make it before the document, whose temporary file it provides, and destroy it after the
+/// Create it before the document, whose temporary file it provides, and destroy it after the
 /// document. Threads: main.
 class StateKeeper {
  public:
@@ -107,12 +120,12 @@ class StateKeeper {
   StateKeeper(const StateKeeper&) = delete;
   StateKeeper& operator=(const StateKeeper&) = delete;
 
-  /// A file that is not the document's, of kFileFrames.
+  /// A file of kFileFrames that is not the document's.
   [[nodiscard]] std::string otherFile() const { return folder_.file("other.wav"); }
   [[nodiscard]] std::string ownFile() const { return folder_.file("take.wav"); }
 
-  /// Records two takes and takes the document for saved under ownFile(). Marker and recording
-  /// position differ from each other and from both ends.
+  /// Records two takes and treats the document as saved to ownFile(). Marker and recording position
+  /// differ from each other and from both ends.
   void fill(const std::shared_ptr<VLRecorderWindowController>& document) {
     document_ = document;
     record(3);
@@ -167,6 +180,12 @@ class StateKeeper {
         panels_->answerSave(folder_.file("tone.m4r"));
         ASSERT_TRUE(gate_.awaitArrival());
         break;
+      case State::savePending:
+        document_->setDocumentEdited(true);
+        enter(State::importing);
+        close();
+        panels_->answerSheet(VLRecorderWindowController::kSave);
+        break;
       case State::asking:
         document_->setDocumentEdited(true);
         close();
@@ -191,8 +210,8 @@ class StateKeeper {
     document_->updatePlaybackMarkerView();
   }
 
-  /// The state ends by itself, or as when its panel or question is cancelled; a recording or a
-  /// playback is paused. A file operation that runs then is waited for.
+  /// Ends the state: it ends by itself, its panel or question is cancelled, or its recording or
+  /// playback is paused. Waits for a file operation that then runs.
   void leave(State state) {
     gate_.open();
     switch (state) {
@@ -224,8 +243,7 @@ class StateKeeper {
     }
   }
 
-  /// A click on a transport button, also on one that is disabled by now: as a command that comes
-  /// too late.
+  /// A click on a transport button, even on a disabled one: a command that comes too late.
   void press(const char* name, void (VLRecorderWindowController::*action)(OVTransportButton*)) {
     auto* const button = document_->window()->findChild<OVTransportButton*>(name);
     if (button->isSwitch()) {
@@ -244,7 +262,7 @@ class StateKeeper {
     return document_->player() && document_->player()->isPlaying();
   }
 
-  /// Runs what the queues hold; not while a file operation stands at the gate.
+  /// Runs what the queues hold; not while a file operation waits at the gate.
   static void settle() {
     for (int i = 0; i < 2; ++i) {
       EXPECT_TRUE(platform::globalQueue().waitUntilIdle(20));
@@ -273,7 +291,7 @@ class StateKeeper {
     panels_->answerOpen({otherFile()});
   }
 
-  // The main thread passes every gate: the test stands there.
+  // The main thread passes every gate, since the test runs on it.
   void passInBackground() {
     if (!platform::isMainThread()) {
       gate_.pass();
@@ -290,11 +308,6 @@ class StateKeeper {
     medium_->storage.setBytes(support::wavBytes(44100, 2, 16, std::string(4 * kFileFrames, 'x')));
     medium_->storage.beforeReads([this](std::uint64_t) { passInBackground(); });
   }
-
-  struct SlowMedium {
-    support::TestUserAudioFiles storage;
-    platform::Installed<platform::UserAudioFiles>::Scope installation{storage};
-  };
 
   support::InstalledScriptedPanels& panels_;
   support::InstalledSteppedQueues& queues_;

@@ -1,5 +1,5 @@
-// States that are what they should be from the start, and so must be changed before a test of what
-// sets them can fail.
+// States whose initial value is already the expected one: they must be changed first, or a test of
+// the code that sets them cannot fail.
 #include <gmock/gmock.h>
 
 #include "audio/OVAQRecorder.h"
@@ -13,12 +13,12 @@ class EdgeCasesTest : public DocumentFileFixture {
   EdgeCasesTest() { openWindow(); }
   ~EdgeCasesTest() override {
     gate_.open();
-    closeDocument();  // before what its work uses
+    closeDocument();  // before the objects that its work uses
   }
 
   OVWaveFormView* waveform() { return document_->window()->findChild<OVWaveFormView*>("wfView"); }
 
-  /// Three recorded chunks, with marker, recording and writing position at a fraction of them.
+  /// Records three chunks and sets marker, recording and writing position to a fraction of them.
   void recordAndClickAt(double fraction) {
     recordChunks(3);
     settle();
@@ -29,7 +29,7 @@ class EdgeCasesTest : public DocumentFileFixture {
     ASSERT_EQ(document_->recorder()->writingPosition(), frames * kFrameBytes);
   }
 
-  /// Holds every write of the audio back until the gate is open.
+  /// Holds every write of the audio until the gate is open.
   void holdWrites() {
     files_.beforeWrites([this] { gate_.pass(); });
   }

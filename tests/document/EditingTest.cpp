@@ -94,7 +94,7 @@ TEST_F(EditingTest, ASummaryThatWasUnderWayBeforeAnEditIsNotInstalled) {
   capture(0.5F);
   document_->updatePlaybackMarkerView();
   ASSERT_TRUE(document_->waveformIsChanging());
-  document_->undoCommand();  // before the replacement comes back
+  document_->undoCommand();  // before the replacement is installed
   const auto shown = document_->waveForm();
   settle();
   EXPECT_FALSE(document_->waveformIsChanging());

@@ -17,7 +17,7 @@
 namespace everystate {
 
 enum class Command {
-  // The actions of the buttons, also those of a button that is disabled: a command may come late.
+  // The actions of the buttons, including disabled ones: a command may come late.
   recButton,
   playButton,
   pauseButton,
@@ -33,7 +33,7 @@ enum class Command {
   keyR,
   keyReturn,
   keySpace,
-  // Down in the state, up when the state has ended.
+  // Pressed in the state, released when the state has ended.
   heldR,
   heldReturn,
   heldSpace,
@@ -54,12 +54,13 @@ enum class Command {
   validateMenu,
   closeUnedited,
   closeEdited,
-  // The document's player where there is one, otherwise one that it has let go of.
+  cancelClosing,  // another window's Cancel, which ended a quit
+  // The document's player if there is one, otherwise one that it has released.
   playbackEndsAtTheEnd,
   playbackEndsBelowTheEnd,
 };
 
-inline constexpr std::array<const char*, 37> kCommandNames = {"RecButton",
+inline constexpr std::array<const char*, 38> kCommandNames = {"RecButton",
                                                               "PlayButton",
                                                               "PauseButton",
                                                               "StopButton",
@@ -94,6 +95,7 @@ inline constexpr std::array<const char*, 37> kCommandNames = {"RecButton",
                                                               "ValidateMenu",
                                                               "CloseUnedited",
                                                               "CloseEdited",
+                                                              "CancelClosing",
                                                               "PlaybackEndsAtTheEnd",
                                                               "PlaybackEndsBelowTheEnd"};
 
@@ -115,7 +117,7 @@ inline void PrintTo(Command command, std::ostream* out) {
 
 enum class Doing { nothing, recording, playing, loading, importing, saving, exporting };
 
-/// All that a person, or the next command, can find out about a document. Positions in frames.
+/// All that the user or the next command can observe of a document. Positions are in frames.
 struct Situation {
   Doing doing = Doing::nothing;
   std::uint64_t marker = StateKeeper::kMarker;
@@ -131,6 +133,7 @@ struct Situation {
   std::size_t alerts = 0;
   std::size_t cancelledQuits = 0;
   bool spectrum = false;
+  bool closing = false;  // closes when its file is complete
   bool closed = false;
   bool editedBeforeTheStep = true;  // comes back with undo and redo; is not seen
   std::uint64_t lengthBeforeTheStep = StateKeeper::kFirstTakeFrames;  // likewise
@@ -138,7 +141,7 @@ struct Situation {
   [[nodiscard]] bool inFileOperation() const { return doing >= Doing::loading; }
 };
 
-/// How the buttons look: a function of what the document does, and of nothing else.
+/// How the buttons look: a function only of what the document does.
 [[nodiscard]] inline std::string buttonsOf(const Situation& at) {
   if (at.inFileOperation()) {
     return "rec disabled, play disabled, others disabled";
@@ -153,19 +156,19 @@ struct Situation {
   }
 }
 
-/// The commands of the menu that are shown enabled.
+/// The enabled commands of the menu.
 [[nodiscard]] inline std::string menuOf(const Situation& at) {
   std::string enabled;
   if (!at.inFileOperation()) {
     enabled += at.undo.empty() ? "" : "undo ";
     enabled += at.redo.empty() ? "" : "redo ";
-    enabled += at.doing == Doing::recording ? "" : "edit ";  // a cut would take the recording along
+    enabled += at.doing == Doing::recording ? "" : "edit ";  // a cut would affect the recording
     enabled += "transport open file ";
   }
   return enabled + "other";
 }
 
-/// In words, one line each, so that a difference reads by itself.
+/// In words, one per line, so that a difference is readable.
 [[nodiscard]] inline std::string inWords(const Situation& at, const std::string& buttons) {
   if (at.closed) {
     return "closed";
@@ -187,7 +190,7 @@ struct Situation {
          line("save panels", std::to_string(at.savePanels)) +
          line("alerts", std::to_string(at.alerts)) +
          line("cancelled quits", std::to_string(at.cancelledQuits)) +
-         line("spectrum", yes(at.spectrum));
+         line("spectrum", yes(at.spectrum)) + line("closing", yes(at.closing));
 }
 
 // What happens to a situation ------------------------------------------------------------------
@@ -205,7 +208,7 @@ inline void pause(Situation& at) {
 
 inline void moveTo(Situation& at, std::uint64_t marker, std::uint64_t recordAt) {
   at.marker = marker;
-  at.recordAt = at.doing == Doing::playing ? marker : recordAt;  // a playback takes it along
+  at.recordAt = at.doing == Doing::playing ? marker : recordAt;  // playback moves it too
 }
 
 inline void stop(Situation& at) {
@@ -259,7 +262,7 @@ inline void ask(Situation& at) {
   ++at.questions;
 }
 
-/// The file operation that runs comes to its end.
+/// The running file operation ends.
 inline void endFileOperation(Situation& at) {
   const std::uint64_t loadedUpTo = at.recordAt + StateKeeper::kFileFrames;
   switch (at.doing) {
@@ -308,6 +311,10 @@ inline void endFileOperation(Situation& at) {
     case State::loading:
       at.doing = Doing::loading;
       break;
+    case State::savePending:
+      at.closing = true;
+      at.edited = true;
+      [[fallthrough]];
     case State::importing:
       begin(at, "Import File");
       [[fallthrough]];
@@ -348,7 +355,7 @@ inline void endFileOperation(Situation& at) {
   return at;
 }
 
-/// What the end of a state does to the situation that a command left.
+/// Changes the situation after a command as the end of the state does.
 inline void end(State state, Situation& at) {
   if (at.closed) {
     return;
@@ -380,13 +387,17 @@ inline void end(State state, Situation& at) {
       break;
   }
   endFileOperation(at);
+  if (std::exchange(at.closing, false)) {
+    at.closed = state != State::savePending || at.savePanels == 0;
+    at.cancelledQuits += at.closed ? 0 : 1;  // a panel keeps the save from beginning
+  }
 }
 
 // The rules ------------------------------------------------------------------------------------
 
 using Effect = std::function<void(Situation&)>;
 
-/// What some commands do in some states, and why.
+/// The effect of some commands in some states, and why.
 struct Rule {
   const char* why;
   std::vector<State> states;
@@ -420,7 +431,7 @@ struct Rule {
 [[nodiscard]] inline std::vector<State> panelsAndQuestions() {
   return where([](State state) { return state >= State::asking; });
 }
-/// Nothing runs; a panel or a question may be on the screen.
+/// The states in which nothing runs; a panel or a question may be on the screen.
 [[nodiscard]] inline std::vector<State> atRest() {
   return where([](State state) {
     return !isFileOperation(state) && !isRecording(state) && state != State::playing;
@@ -430,7 +441,7 @@ struct Rule {
   return where([](State state) { return !isFileOperation(state); });
 }
 
-/// The whole table: of the rules that hold for a cell, the first decides.
+/// The whole table: the first rule that matches a cell decides.
 [[nodiscard]] inline std::vector<Rule> rules() {
   using C = Command;
   using S = State;
@@ -447,35 +458,34 @@ struct Rule {
       {"a document that is being saved is asked about nothing: it closes when the file is complete",
        {S::saving},
        {C::closeUnedited, C::closeEdited},
-       nothing,
-       [](Situation& at) { at.closed = true; }},
+       [](Situation& at) { at.closing = true; }},
       {"an export saves nothing of the document, so an edited one asks when it is complete",
        {S::exporting},
        {C::closeEdited},
-       nothing,
-       ask},
+       [](Situation& at) { at.closing = true; },
+       [](Situation& at) {
+         at.closed = false;
+         ask(at);
+       }},
       {"an export is completed before its window goes",
        {S::exporting},
        {C::closeUnedited},
-       nothing,
-       [](Situation& at) { at.closed = true; }},
+       [](Situation& at) { at.closing = true; }},
+      {"while a save that closes the window is pending, closing again changes nothing",
+       {S::savePending},
+       {C::closeUnedited, C::closeEdited}},
+      {"a save that waits is given up, and the closing after it",
+       {S::savePending},
+       {C::cancelClosing},
+       [](Situation& at) { at.closing = false; }},
+      {"nothing closes; a question or a panel stays", all(), {C::cancelClosing}},
       {"the question is asked once",
        {S::asking, S::askingAfterRecording},
        {C::closeUnedited, C::closeEdited}},
-      {"a panel has to be answered first: the person is told, a quit ends, and a recording goes on",
-       {S::savePanel, S::importPanel},
-       {C::closeEdited},
-       [](Situation& at) {
-         ++at.alerts;
-         ++at.cancelledQuits;
-       }},
-      {"the same, and what is being recorded is always unsaved",
+      {"a panel has to be answered first", {S::savePanel, S::importPanel}, {C::closeEdited}},
+      {"the same, what is being recorded is always unsaved, and the recording goes on",
        {S::savePanelWhileRecording, S::importPanelWhileRecording},
-       {C::closeUnedited, C::closeEdited},
-       [](Situation& at) {
-         ++at.alerts;
-         ++at.cancelledQuits;
-       }},
+       {C::closeUnedited, C::closeEdited}},
       {"what is being recorded is unsaved; the question pauses it and says so",
        {S::recording},
        {C::closeUnedited, C::closeEdited},
@@ -489,8 +499,7 @@ struct Rule {
        {C::closeUnedited},
        [](Situation& at) { at.closed = true; }},
 
-      // The end of playback
-      // ------------------------------------------------------------------------
+      // The end of playback ----------------------------------------------------
       {"playback that ends at the end of the audio does what Stop does",
        {S::playing},
        {C::playbackEndsAtTheEnd},
@@ -507,8 +516,7 @@ struct Rule {
        all(),
        {C::playbackEndsAtTheEnd, C::playbackEndsBelowTheEnd}},
 
-      // File operations
-      // ----------------------------------------------------------------------------
+      // File operations --------------------------------------------------------
       {"a picture can be written at any time, and moves nothing",
        fileOperations(),
        {C::dumpWaveform},
@@ -525,8 +533,7 @@ struct Rule {
         C::saveFile,           C::saveFileAs,    C::importFile,  C::openFileNamed,
         C::exportRingtone}},
 
-      // Record and Play
-      // ------------------------------------------------------------------------------
+      // Record and Play --------------------------------------------------------
       {"recording and playing exclude each other",
        {S::playing},
        {C::recButton, C::recMenu, C::keyR, C::heldR}},
@@ -548,8 +555,7 @@ struct Rule {
        {C::playButton, C::playMenu, C::keySpace},
        play},
 
-      // Keys that are held beyond the state
-      // ------------------------------------------------------------
+      // Keys held beyond the state ---------------------------------------------
       {"what the key was to end has ended before it came up",
        {S::recording, S::playing},
        {C::heldR, C::heldSpace}},
@@ -566,8 +572,7 @@ struct Rule {
        nothing,
        [](Situation& at) { moveTo(at, 0, 0); }},
 
-      // Pause, Stop, positions
-      // ---------------------------------------------------------------------------
+      // Pause, Stop, positions -------------------------------------------------
       {"it pauses what runs", freeOfFileOperations(), {C::pauseButton}, pause},
       {"marker to the start, recording to the end",
        freeOfFileOperations(),
@@ -586,8 +591,7 @@ struct Rule {
        {C::click, C::drag},
        [](Situation& at) { moveTo(at, at.length / 4, at.length / 4); }},
 
-      // Edits
-      // --------------------------------------------------------------------------------------------
+      // Edits ------------------------------------------------------------------
       {"a cut pauses first and cuts at the marker of then",
        freeOfFileOperations(),
        {C::removeAfterMarker},
@@ -630,8 +634,7 @@ struct Rule {
          exchangeHistory(at);
        }},
 
-      // Files
-      // --------------------------------------------------------------------------------------------
+      // Files ------------------------------------------------------------------
       {"one panel or question at a time",
        panelsAndQuestions(),
        {C::saveFile, C::saveFileAs, C::importFile, C::exportRingtone, C::dumpWaveform}},
@@ -656,7 +659,7 @@ struct Rule {
 
 // The cells ------------------------------------------------------------------------------------
 
-/// What a command does in a state: at once, and when the state has ended.
+/// The situation after a command in a state: at once, and when the state has ended.
 struct Outcome {
   Situation atOnce;
   Situation afterTheState;
@@ -667,7 +670,7 @@ struct Outcome {
   return kTable;
 }
 
-/// The first rule that holds; null for a cell that nobody has thought of.
+/// The first rule that matches; null if there is none.
 [[nodiscard]] inline const Rule* ruleFor(State state, Command command) {
   const auto rule = std::find_if(table().begin(), table().end(), [&](const Rule& candidate) {
     return candidate.holdsFor(state, command);
@@ -686,7 +689,7 @@ struct Outcome {
   return outcome;
 }
 
-/// The outcome in a word, for the name of the test.
+/// The outcome in one word, for the name of the test.
 [[nodiscard]] inline std::string headline(State state, Command command) {
   const Situation before = entered(state, command);
   const Outcome outcome = expected(state, command);
@@ -699,9 +702,6 @@ struct Outcome {
   }
   if (after.questions != before.questions) {
     return before.doing == Doing::recording ? "PausesAndAsks" : "Asks";
-  }
-  if (after.alerts != before.alerts) {
-    return "IsRefusedAndTold";
   }
   if (after.openPanels != before.openPanels || after.savePanels != before.savePanels) {
     return "ShowsAPanel";
@@ -721,7 +721,7 @@ struct Outcome {
     return "Moves";
   }
   if (later.closed != untouched.closed) {
-    return "ClosesAfterwards";
+    return later.closed ? "ClosesAfterwards" : "StaysOpen";
   }
   if (later.questions != untouched.questions) {
     return "AsksAfterwards";

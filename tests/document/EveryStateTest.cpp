@@ -1,4 +1,4 @@
-// Every command in every state of a document: one test a cell of the table in EveryState.h.
+// Every command in every state of a document: one test per cell of the table in EveryState.h.
 #include <array>
 #include <set>
 #include <tuple>
@@ -54,7 +54,7 @@ class EveryStateTest : public testing::TestWithParam<std::tuple<State, Command>>
     if (window_) {
       window_->performClose();
     }
-    document_->windowWillClose(nullptr);  // also where a save that is waited for keeps it open
+    document_->windowWillClose(nullptr);  // also if a pending save keeps it open
     document_.reset();
     StateKeeper::settle();
     delete window_.data();
@@ -128,6 +128,8 @@ class EveryStateTest : public testing::TestWithParam<std::tuple<State, Command>>
       case Command::closeUnedited:
       case Command::closeEdited:
         return keeper_.close();
+      case Command::cancelClosing:
+        return document_->cancelClosing();
       case Command::playbackEndsAtTheEnd:
       case Command::playbackEndsBelowTheEnd:
         return endPlayback();
@@ -141,7 +143,7 @@ class EveryStateTest : public testing::TestWithParam<std::tuple<State, Command>>
   void keyDown() { document_->windowDidReceiveKeyDown(window_, keyCode()); }
   void keyUp() { document_->windowDidReceiveKeyUp(window_, keyCode()); }
 
-  /// What a person sees now.
+  /// What the user sees now.
   Situation seen() {
     Situation at;
     at.closed = keeper_.closed();
@@ -163,6 +165,7 @@ class EveryStateTest : public testing::TestWithParam<std::tuple<State, Command>>
     at.alerts = services_->alerts().size() + services_->postedAlerts().size();
     at.cancelledQuits = services_->cancelledTerminations();
     at.spectrum = document_->isSpectrumShown();
+    at.closing = document_->shouldCloseAfterSave();
     return at;
   }
 
@@ -192,7 +195,7 @@ class EveryStateTest : public testing::TestWithParam<std::tuple<State, Command>>
     return enabled;
   }
 
-  /// Where the recorder would write is where the document says, in frames.
+  /// The recorder would write at the document's recording position.
   void expectTheRecorderToAgree(const Situation& at) {
     if (!at.closed && at.doing != Doing::playing && document_->recorder()) {
       EXPECT_EQ(document_->recorder()->writingPosition() / StateKeeper::kFrameBytes, at.recordAt)
@@ -254,7 +257,7 @@ class EveryStateTest : public testing::TestWithParam<std::tuple<State, Command>>
     return look + (button->isHighlighted() ? " and pressed" : "");
   }
 
-  // At a quarter of the width; through the view, which passes nothing on while it is disabled.
+  // At a quarter of the width, through the view, which passes no event on while it is disabled.
   void sendMouse(QEvent::Type type) {
     auto* const view = window_->findChild<OVWaveFormView*>("wfView");
     const QPointF place(view->width() / 4.0, view->height() / 2.0);

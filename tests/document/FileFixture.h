@@ -13,14 +13,14 @@
 #include "support/TestAudio.h"
 #include "support/fakes/RecordingDesktop.h"
 
-/// A document with files to open and to save to, and panels that the test answers.
+/// A document with files to open and save to, and panels that the test answers.
 class DocumentFileFixture : public DocumentFixture {
  protected:
   using Samples = std::vector<float>;
 
   DocumentFileFixture() { panels_->answerEverySheetWith(std::nullopt); }
   ~DocumentFileFixture() override {
-    // A question that a failed test left open must not keep the document.
+    // A question that a failed test left open must not keep the document alive.
     panels_->answerEverySheetWith(VLRecorderWindowController::kDontSave);
     while (panels_->sheets() > 0) {
       panels_->answerSheet(VLRecorderWindowController::kDontSave);
@@ -88,7 +88,7 @@ class DocumentFileFixture : public DocumentFixture {
 
   Samples audio() { return samplesAt(0, length()); }
 
-  /// Puts audio into the document as a recording does.
+  /// Writes audio into the document as a recording does.
   void fill(const Samples& samples, std::uint64_t atFrame = 0) {
     document_->buffer()->writeData(samples.data(), atFrame * kFrameBytes,
                                    static_cast<std::uint32_t>(samples.size() * sizeof(float)));

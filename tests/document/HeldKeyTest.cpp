@@ -1,4 +1,4 @@
-// Transport keys that are held while something takes their release away, or their button.
+// Transport keys that are held while they lose their release or their button.
 #include <array>
 #include <utility>
 
@@ -100,7 +100,7 @@ TEST_F(HeldKeyTest, AKeyCancelledAfterItsRecordingEndedShowsRecordOff) {
   queues_->fail("newInput", platform::kDeviceUnavailableStatus);
   queues_.input().failLate(platform::kDeviceLostStatus);
   ASSERT_TRUE(runMainLoopUntil([&] { return document_->recorder() == nullptr; }));
-  loseTheKeyboard();  // to the alert about it
+  loseTheKeyboard();  // to the alert about the failure
   expectShown("recButton", false, false);
   expectShown("playButton", false, false);
 }

@@ -1,5 +1,5 @@
-// The time between the choice of a file to import and its first sound: on a slow medium it may be
-// long, and the document is already in a file operation.
+// The time between choosing a file to import and reading its first audio: on a slow medium it may
+// be long, and the document is already in a file operation.
 #include <gmock/gmock.h>
 
 #include "document/FileFixture.h"
@@ -21,10 +21,10 @@ class ImportOpeningTest : public DocumentFileFixture {
   ~ImportOpeningTest() override {
     gate_.open();
     panels_->answerEverySheetWith(VLRecorderWindowController::kDontSave);
-    closeDocument();  // before the medium goes
+    closeDocument();  // before the medium is destroyed
   }
 
-  /// Chooses a file on a medium that does not answer until the gate is open.
+  /// Chooses a file on a medium that does not respond until the gate is open.
   void chooseOnASlowMedium(const std::string& bytes) {
     storage_.setBytes(bytes);
     storage_.beforeReads([this](std::uint64_t) { gate_.pass(); });
@@ -108,7 +108,7 @@ TEST_F(ImportOpeningTest, WhatAFullDiskDidNotTakeJustBeforeIsDroppedAllTheSame) 
   pressRecord();
   ASSERT_TRUE(capture(0.25F));
   files_.fillUpAfter(100);
-  static_cast<void>(capture(0.25F));  // what became of it is told when the main loop runs
+  static_cast<void>(capture(0.25F));  // its result is reported when the main loop runs
   ASSERT_NO_FATAL_FAILURE(chooseOnASlowMedium(sound()));
   drainMainQueue();
   EXPECT_THAT(services_->alerts(), SizeIs(1));

@@ -1,4 +1,4 @@
-// Reports of sound and disk that arrive when the document has gone on.
+// Reports of sound and disk that arrive after the document has moved on.
 #include <atomic>
 #include <memory>
 #include <thread>
@@ -13,8 +13,7 @@ namespace {
 
 constexpr std::uint16_t kKeyR = 15;
 
-// A playback that ended before a file operation began
-// -----------------------------------------------
+// A playback that ended before a file operation began --------------------------------------------
 
 class LateEndOfPlaybackTest : public DocumentFileFixture,
                               public testing::WithParamInterface<State> {
@@ -62,8 +61,7 @@ INSTANTIATE_TEST_SUITE_P(While, LateEndOfPlaybackTest,
                                          State::saving, State::exporting),
                          nameOfState);
 
-// The player's callback, which comes on a thread of its own
-// ------------------------------------------
+// The player's callback, on its own thread --------------------------------------------------------
 
 using PlayersCallbackTest = DocumentFixture;
 
@@ -72,7 +70,7 @@ TEST_F(PlayersCallbackTest, PauseTakesThePlaceThatThePlayerHadReachedWhenItStood
   recordChunks(4);
   pressPlay();
   queues_.output().changeRunning(1);
-  // The recorder's queue, which is stopped too, has no part in this. The hook outlives the test.
+  // The recorder's queue, which is stopped too, does not matter here. The hook outlives the test.
   queues_->during("stopImmediately", [this, came = std::make_shared<bool>(false)] {
     if (!std::exchange(*came, true)) {
       queues_.output().playOne();
@@ -123,7 +121,7 @@ TEST_F(LateWriteFailureTest, AnUndoThatCameFirstKeepsTheAudioThatItBroughtBack) 
   pressRecord();
   files_.fillUpAfter(0);
   capture(0.5F);             // lost; the report of it waits in the main queue
-  document_->undoCommand();  // brings back what stood there
+  document_->undoCommand();  // restores the former audio
   settle();
   EXPECT_EQ(length(), 3U * kChunkFrames);
   EXPECT_EQ(samplesAt(0, 3 * kChunkFrames), std::vector<float>(6 * kChunkFrames, 0.25F));

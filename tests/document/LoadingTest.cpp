@@ -23,7 +23,7 @@ class LoadingTest : public DocumentFileFixture {
     return all;
   }
 
-  /// A file that is not audio, under a name that says it is.
+  /// A file that is not audio, under an audio file's name.
   std::string writeNonsense(const std::string& name) {
     std::ofstream(at(name)) << "This is a letter, not a sound.\n";
     return at(name);
@@ -322,7 +322,7 @@ TEST_F(LoadingTest, AnImportThatBreaksOffBeforeItsFirstFrameIsTakenBack) {
   const Samples before = ramp(1000);
   fill(before);
   const std::string path = writeFile("part.m4a", ramp(100'000), 3);
-  // The header stays, every sound behind it goes.
+  // Keeps the header and removes all audio after it.
   std::string bytes = bytesOf(path);
   const std::size_t data = bytes.find("mdat");
   ASSERT_NE(data, std::string::npos);
@@ -352,8 +352,7 @@ TEST_F(LoadingTest, DontSaveDuringAnImportClosesAtOnce) {
   EXPECT_THAT(services_->alerts(), IsEmpty());
 }
 
-// A slow or full disk under the temporary file
-// ------------------------------------------------------------
+// A slow or full disk under the temporary file ----------------------------------------------------
 
 class LoadingFullDiskTest : public LoadingTest {
  protected:

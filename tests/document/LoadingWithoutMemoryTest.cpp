@@ -1,5 +1,4 @@
-// A file that cannot be loaded whole, or whose waveform cannot be drawn, for want of memory: what
-// is loaded stays.
+// Loading without enough memory for the audio or for its waveform keeps what was loaded.
 #include <atomic>
 #include <new>
 
@@ -61,7 +60,7 @@ TEST_F(LoadingWithoutMemoryTest, TheFileIsLoadedAndTheWaveformIsDrawnWhenThereIs
   settle();
   EXPECT_FALSE(document_->waveForm()->isRegenerating());
   EXPECT_EQ(document_->waveForm()->readerPos(), 44100U);
-  closeDocument();  // before the flag goes
+  closeDocument();  // before the flag is destroyed
 }
 
 TEST_F(LoadingWithoutMemoryTest, AnOpenKeepsWhatWasLoadedAndSaysWhatIsMissing) {

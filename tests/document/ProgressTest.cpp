@@ -1,4 +1,4 @@
-// What is shown while a document is busy: the bar, the words beside it, and who has the keyboard.
+// What is shown while a document is busy: the bar, its label, and the keyboard focus.
 #include <atomic>
 
 #include <QAccessible>
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// A document on a disk that stops in the midst of a job until the test lets it go.
+/// A document on a disk that stalls in the middle of a job until the test releases it.
 class ProgressTest : public DocumentFileFixture {
  protected:
   ~ProgressTest() override { gate_.open(); }
@@ -32,7 +32,7 @@ class ProgressTest : public DocumentFileFixture {
   }
   bool isShown(const char* name) { return view(name)->isVisibleTo(document_->window()); }
 
-  /// What a person reads and what a screen reader says; both are the same.
+  /// What the user reads and what a screen reader says; both are the same.
   std::string shownActivity() {
     EXPECT_TRUE(isShown("loadingPanel"));
     EXPECT_TRUE(isShown("loadingLabel"));

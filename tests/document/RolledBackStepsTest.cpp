@@ -1,4 +1,4 @@
-// Steps that fail or are taken back: the undo and the redo that stood before them stand again.
+// Steps that fail or are rolled back: the former undo and redo entries are restored.
 #include <functional>
 
 #include <gmock/gmock.h>
@@ -21,7 +21,7 @@ class RolledBackStepsTest : public DocumentFileFixture {
     one_ = samplesAt(0, kChunkFrames);
   }
 
-  /// An import that a full disk breaks off.
+  /// An import that a full disk interrupts.
   void importInVain() {
     const std::string path = writeFile("part.wav", ramp(2 * platform::kFileChunkFrames));
     files_.fillUpAfter(platform::kFileChunkFrames * kFrameBytes);
@@ -30,7 +30,7 @@ class RolledBackStepsTest : public DocumentFileFixture {
     EXPECT_EQ(services_->alerts().size(), 1U);
   }
 
-  /// A recording for which, it turns out, there is no input.
+  /// A recording for which there turns out to be no input.
   void recordInVain() {
     document_->nextButton(nullptr);
     pressRecord();

@@ -25,7 +25,7 @@ using testing::IsEmpty;
 
 class SavingTest : public DocumentFileFixture {
  protected:
-  /// Chooses a kind as a person does in the panel's accessory.
+  /// Chooses a kind as the user does in the panel's accessory.
   void chooseType(std::int32_t type) {
     auto* const choice =
         panels_->savePanel().accessoryView->findChild<QComboBox*>("fileTypeButton");
@@ -373,7 +373,7 @@ TEST_F(SavingTest, AnExportOrAFailedSaveLeavesToUndoWhatItHadToSay) {
   saveTo(at("gone/take.wav"));
   EXPECT_TRUE(document_->isDocumentEdited());
   document_->undoCommand();
-  EXPECT_FALSE(document_->isDocumentEdited());  // the empty document of before
+  EXPECT_FALSE(document_->isDocumentEdited());  // the empty document as it was
 }
 
 // Progress ---------------------------------------------------------------------------------------
@@ -387,7 +387,7 @@ TEST_F(SavingTest, TheBarMovesWhileTheFileIsWritten) {
     fill(chunk, i * OVSaveJob::kChunkFrames);
   }
   std::counting_semaphore<> turns(0);
-  disk.beforeReads([&turns] { turns.acquire(); });  // one read for each chunk
+  disk.beforeReads([&turns] { turns.acquire(); });  // one read per chunk
   document_->saveFileNamed(at("take.wav"), 0);
   const auto value = [this] {
     const QProgressBar* const bar = document_->loadingIndicator();
@@ -417,7 +417,7 @@ class SavingMediaTest : public SavingTest {
     ::chmod(folder_.path().c_str(), 0700);
   }
 
-  // The administrator may write everywhere; permissions show only to somebody else.
+  // Root may write everywhere; permissions affect only other users.
   void becomeOrdinaryUser() {
     constexpr uid_t kNobody = 65534;
     if (::geteuid() == 0) {
@@ -426,7 +426,7 @@ class SavingMediaTest : public SavingTest {
     }
   }
 
-  /// A document that is called take.wav and has changes that are not in the file of this name.
+  /// A document called take.wav with changes that are not in the file of this name.
   void openChanged() {
     const std::string path = writeFile("take.wav", ramp(100));
     openWindow();
@@ -439,7 +439,7 @@ class SavingMediaTest : public SavingTest {
     before_ = bytesOf(path);
   }
 
-  /// The save was told once, for this reason; the document is as it was, and so is the file.
+  /// One alert reported the failed save with this reason; the document and the file are unchanged.
   void expectTold(const std::string& reason) {
     ASSERT_EQ(services_->alerts().size(), 1U);
     EXPECT_THAT(services_->alerts()[0].title + services_->alerts()[0].message,

@@ -29,7 +29,7 @@ class SpectrumTest : public DocumentFixture {
   OVHoverButton* fftButton() { return view<OVHoverButton>("fftButton"); }
   std::vector<float> shown() { return fftView()->magnitudes(); }
 
-  /// Waits until the window has reached its height, whatever it is on its way to.
+  /// Waits until the window has reached this height.
   void arrive(int height) {
     ASSERT_TRUE(runMainLoopUntil([&] { return document_->window()->height() == height; }));
     drainMainQueue();
@@ -182,7 +182,7 @@ TEST_F(SpectrumTest, TheTimerRunsOnlyWhileShown) {
   toggle();
   EXPECT_TRUE(runMainLoopUntil([&] { return shown().size() == kPlayedBins; }));
   toggle();
-  // A timer that still ran would replace these by the bins of what plays.
+  // A timer that still ran would replace these with the bins of the playing audio.
   const std::vector<float> mark{0.5F};
   fftView()->setSize(mark.size());
   fftView()->setData(mark.data());

@@ -157,7 +157,7 @@ TEST_F(TransportTest, HoldingSpaceTogglesPlayExactlyOnceOnRelease) {
   keyDown(kKeySpace);
   EXPECT_FALSE(playing());
   EXPECT_TRUE(button("playButton")->isHighlighted());
-  EXPECT_TRUE(button("playButton")->isOn());  // shows what is to come
+  EXPECT_TRUE(button("playButton")->isOn());  // shows the state to come
   for (int i = 0; i < 20; ++i) {
     keyDown(kKeySpace);  // auto-repeat
   }
@@ -368,7 +368,7 @@ TEST_F(TransportTest, ADeviceThatVanishesWhileNothingIsRecordedTakesTheRecorderW
 TEST_F(TransportTest, RecordPressedBeforeALostDeviceWasNoticedRollsBack) {
   openWindow();
   queues_->fail("newInput", platform::kDeviceUnavailableStatus);
-  queues_.input().failLate(platform::kDeviceLostStatus);  // the main thread has not heard of it
+  queues_.input().failLate(platform::kDeviceLostStatus);  // not yet reported to the main thread
   pressRecord();
   EXPECT_FALSE(recording());
   EXPECT_FALSE(button("recButton")->isOn());
@@ -420,7 +420,7 @@ TEST_F(TransportTest, AFullDiskStopsTheRecordingKeepsWhatWasWrittenAndTellsOnce)
   EXPECT_FALSE(button("recButton")->isOn());
   EXPECT_EQ(services_->alerts().size(), 1u);
   EXPECT_EQ(samplesAt(0, 2 * kChunkFrames), std::vector<float>(4 * kChunkFrames, 0.5F));
-  EXPECT_EQ(length(), 2u * kChunkFrames);  // what was lost does not lie at the end
+  EXPECT_EQ(length(), 2u * kChunkFrames);  // the lost chunk is not at the end
   EXPECT_EQ(document_->recordingPosition(), length());
 
   files.freeSpace();
@@ -523,7 +523,7 @@ TEST_F(TransportTest, AReadThatFailsElsewhereDoesNotEndAPlaybackThatGoesOn) {
   document_->prevButton(nullptr);
   pressPlay();
   queues_.output().changeRunning(1);
-  document_->audioBufferFailedToRead(EIO);  // the waveform's, say
+  document_->audioBufferFailedToRead(EIO);  // for example a read for the waveform
   settle();
   EXPECT_TRUE(playing());
   EXPECT_EQ(alertCount(), 0u);

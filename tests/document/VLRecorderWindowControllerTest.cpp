@@ -177,7 +177,7 @@ TEST_F(VLRecorderWindowControllerTest, AClosedControllerIsFreedThoughNoOneElseHo
   const std::weak_ptr<VLRecorderWindowController> controller = document_;
   const QPointer<OVRecorderWindow> window = document_->window();
   document_.reset();
-  EXPECT_FALSE(controller.expired());  // it holds itself while its window is open
+  EXPECT_FALSE(controller.expired());  // it keeps itself alive while its window is open
   window->performClose();
   EXPECT_TRUE(controller.expired());
   EXPECT_TRUE(runMainLoopUntil([&] { return window.isNull(); }));

@@ -1,29 +1,29 @@
-// A document of twenty hours, 25 GB, opened from a file and edited, over storages that keep no
-// zeros. Under the thread checker it has two.
+// A document of twenty hours, 25 GB, opened from a file and edited, on storages that keep no zeros;
+// two hours under ThreadSanitizer.
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "document/DocumentFixture.h"
-#include "support/Checkers.h"
 #include "support/ProcessMemory.h"
+#include "support/Sanitizers.h"
 #include "support/fakes/SparseTemporaryFiles.h"
 #include "support/fakes/TestUserAudioFiles.h"
 
 class VeryLongDocumentTest : public DocumentFixture {
  protected:
-  static constexpr std::uint64_t kHours = support::kThreadChecker ? 2 : 20;
+  static constexpr std::uint64_t kHours = support::kThreadSanitizer ? 2 : 20;
   static constexpr std::uint64_t kLength = kHours * 3600 * 44100;  // frames
   static constexpr std::uint64_t kMiddle = kLength / 2;
   static constexpr std::uint64_t kShortLength = 600ULL * 44100;
   static constexpr std::uint32_t kFileFrameBytes = 4;  // two channels of 16 bits
   static constexpr std::chrono::minutes kPatience{5};
 
-  // What a step may take for a while, whatever the length. The checkers keep what was freed.
+  // Memory that a step may take temporarily, whatever the length. Sanitizers keep freed memory.
   static constexpr std::uint64_t kMegabyte = std::uint64_t{1} << 20;
-  static constexpr std::uint64_t kForOpening = (support::kAnyChecker ? 512 : 8) * kMegabyte;
-  static constexpr std::uint64_t kForAnEdit = (support::kAnyChecker ? 512 : 2) * kMegabyte;
+  static constexpr std::uint64_t kForOpening = (support::kAnySanitizer ? 512 : 8) * kMegabyte;
+  static constexpr std::uint64_t kForAnEdit = (support::kAnySanitizer ? 512 : 2) * kMegabyte;
 
   // Silence, with a second of sound from the middle on.
   void makeFile(std::uint64_t frames) {
@@ -44,7 +44,7 @@ class VeryLongDocumentTest : public DocumentFixture {
   // A WAV's header with lengths of 64 bits, for samples of 16 bits.
   static std::string rf64Header(std::uint64_t dataBytes) {
     constexpr std::uint32_t kElsewhere = 0xFFFFFFFF;  // in the ds64 chunk
-    constexpr std::uint64_t kHeaderBytes = 72;        // behind the length field
+    constexpr std::uint64_t kHeaderBytes = 72;        // after the length field
     std::string bytes = "RF64";
     append(bytes, kElsewhere);
     bytes += "WAVEds64";
@@ -73,14 +73,14 @@ class VeryLongDocumentTest : public DocumentFixture {
     }
   }
 
-  // A summary of all of it takes longer than others.
+  // The summary of the whole document takes long.
   void awaitEndOfWork() {
     EXPECT_TRUE(runMainLoopUntil([&] { return !document_->isFileIOActive(); }, kPatience));
     EXPECT_TRUE(platform::globalQueue().waitUntilIdle(300));
     settle();
   }
 
-  // A step and everything that it sets off.
+  // Runs a step and everything that it triggers.
   template <typename Step>
   void withoutMoreMemory(const char* what, std::uint64_t allowed, Step step) {
     const support::MemoryGrowth growth;
@@ -102,7 +102,7 @@ class VeryLongDocumentTest : public DocumentFixture {
 };
 
 TEST_F(VeryLongDocumentTest, IsOpenedCutInItsMiddleUndoneRedoneAndPlayedWithoutMoreMemory) {
-  // What opening takes once: the libraries, and batches for files of any length.
+  // Memory that opening takes once: the libraries, and batches for files of any length.
   makeFile(kShortLength);
   openDocument();
   document_->openFileNamed("short.wav");

@@ -55,7 +55,7 @@ class WindowLifeTest : public testing::Test {
     for (int i = 0; i < chunks; ++i) {
       device_->feedConstant(kChunkFrames, 0.5F, -0.5F);
     }
-    strike(document, Qt::Key_R);  // waits for what was captured before the press
+    strike(document, Qt::Key_R);  // waits for the audio captured before the press
     EXPECT_EQ(document.buffer()->bufferSizeInFrames(),
               before + static_cast<std::uint64_t>(chunks) * kChunkFrames);
   }
@@ -98,7 +98,7 @@ TEST_F(WindowLifeTest, TwoWindowsRecordAtTheSameTimeFromOneInputAndNeitherLosesA
   for (int i = 0; i < 8; ++i) {
     device_->feedConstant(kChunkFrames, 0.25F, 0.25F);
   }
-  strike(*first, Qt::Key_R);  // a recorder is made anew; the other one goes on
+  strike(*first, Qt::Key_R);  // replaces the recorder; the other document's continues
   for (int i = 0; i < 8; ++i) {
     device_->feedConstant(kChunkFrames, 0.25F, 0.25F);
   }
@@ -156,7 +156,7 @@ TEST_F(WindowLifeTest, TwoHundredWindowsLeaveNeitherThreadsNorDescriptorsNorTime
   settle();
   EXPECT_TRUE(runMainLoopUntil([&] { return threads() <= threadsBefore; }))
       << threads() << " threads, " << threadsBefore << " before";
-  // A background job may hold the last recording a moment longer than its window.
+  // A background job may hold the last recording slightly longer than its window.
   EXPECT_TRUE(runMainLoopUntil([&] { return descriptors() <= descriptorsBefore; }))
       << descriptors() << " descriptors, " << descriptorsBefore << " before";
 }

@@ -20,7 +20,7 @@ namespace {
 constexpr QSize kButton(46, 32);
 const QColor kDark(35, 45, 66);
 
-/// What a button looks like: pressed, on, disabled, with the keyboard.
+/// The look of a button: pressed, on, disabled, focused.
 struct ButtonState {
   const char* label;
   bool highlighted = false;
@@ -44,7 +44,7 @@ void setState(Button* button, const ButtonState& state) {
   button->setEnabled(state.enabled);
 }
 
-// A button finds its bezel's place only in a bar in a content view, as in the window.
+// A button can place its bezel only in a bar in a content view, as in the window.
 QWidget* addBar(GalleryPage& page, const QString& label, QSize size) {
   return page.addBar<OVTransportBackgroundView>(label, size);
 }

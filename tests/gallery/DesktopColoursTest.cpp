@@ -1,5 +1,5 @@
-// Light and dark desktops: the instrument looks the same in both, what belongs to the desktop
-// follows it.
+// Light and dark desktops: the recorder looks the same in both; what belongs to the desktop follows
+// it.
 #include <memory>
 
 #include <gtest/gtest.h>
@@ -36,7 +36,7 @@ Shown showWindow(double scale) {
   return {pictureOfWindow(*window.centralWidget()), pictureOfWindow(*window.menuBar())};
 }
 
-/// The lightest and the darkest green of a picture.
+/// The highest and the lowest green value of a picture.
 std::pair<int, int> range(const QImage& picture) {
   int lightest = 0;
   int darkest = 255;
@@ -50,7 +50,7 @@ std::pair<int, int> range(const QImage& picture) {
   return {lightest, darkest};
 }
 
-/// A page without its last row and column, which it may cover in part only.
+/// A page without its last row and column, which it may cover only in part.
 QImage wholePixelsOf(QWidget& page) {
   const QImage picture = pictureOfWindow(page);
   return picture.copy(0, 0, picture.width() - 1, picture.height() - 1);

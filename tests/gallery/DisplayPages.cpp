@@ -11,7 +11,7 @@ namespace {
 
 const QColor kWell(35, 45, 66);
 
-/// A source that is asked once.
+/// A source that is polled once.
 class Levels final : public OVVUViewDataSource {
  public:
   explicit Levels(std::vector<float> levels) : levels_(std::move(levels)) {}

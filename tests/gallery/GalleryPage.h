@@ -7,7 +7,7 @@
 #include <QString>
 #include <QWidget>
 
-/// A page of views, each with a label: tiles that follow each other in rows.
+/// A page of views, each with a label: tiles in rows.
 ///
 /// Threads: main.
 class GalleryPage : public QWidget {
@@ -21,7 +21,7 @@ class GalleryPage : public QWidget {
   /// its child.
   void place(const QString& label, QSize size, QWidget* tile);
 
-  /// A tile that is a transport bar, for the buttons that want to stand in one.
+  /// A tile that is a transport bar, for the buttons that need one.
   template <typename Bar>
   Bar* addBar(const QString& label, QSize size) {
     auto* const bar = new Bar;

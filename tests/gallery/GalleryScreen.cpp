@@ -27,7 +27,7 @@ bool showOnScreenOfScale(QWidget& window, double factor) {
       [&] { return window.screen() == screen && window.devicePixelRatioF() == factor; });
   static_cast<void>(drainMainQueue());
   QCoreApplication::processEvents();
-  window.resize(size);  // a window keeps its device pixels by itself
+  window.resize(size);  // by default, a window keeps its size in device pixels
   window.repaint();
   return arrived && drainMainQueue();
 }

@@ -5,17 +5,17 @@
 #include <QWidget>
 
 /// The screens of screens.json: four of the same size in points, with 1, 1.25, 1.5 and 2 device
-/// pixels to a point. They are there when the application runs on ORVO_GALLERY_PLATFORM.
+/// pixels per point. They exist if the application runs on ORVO_GALLERY_PLATFORM.
 
 /// The scale factors, in the order of the screens.
 inline constexpr double kScaleFactors[] = {1.0, 1.25, 1.5, 2.0};
 
-/// The screen of a scale factor; null when the platform has none.
+/// The screen of a scale factor; null if the platform has none.
 [[nodiscard]] QScreen* screenOfScale(double factor);
 
-/// Shows a window, moves it there with its size in points, and returns once it has been painted
-/// there; false when that does not come about.
+/// Shows a window, moves it to the screen with its size in points, and returns once it has been
+/// painted there; false if that does not happen.
 [[nodiscard]] bool showOnScreenOfScale(QWidget& window, double factor);
 
-/// What a window shows, in device pixels.
+/// The picture of a window, in device pixels.
 [[nodiscard]] QImage pictureOfWindow(QWidget& window);

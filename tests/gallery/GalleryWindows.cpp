@@ -30,7 +30,7 @@ namespace {
 constexpr std::size_t kChunkFrames = 4096;
 constexpr std::uint64_t kFramesPerSecond = 44100;
 
-/// A disk that lets so many transfers pass and then holds the next one until it is told to go on.
+/// A disk that passes a given number of transfers, then holds the next one until released.
 class Disk {
  public:
   enum class Transfer { read, write };
@@ -60,7 +60,7 @@ class Disk {
   std::atomic<bool> stopped_ = false;
 };
 
-/// A document whose sound comes from here.
+/// A document whose sound is generated here.
 class Document {
  public:
   explicit Document(double scale) {
@@ -74,7 +74,7 @@ class Document {
     disk_.goOn();
     static_cast<void>(runMainLoopUntil([&] { return !controller_->isFileIOActive(); }));
     controller_->pauseButton(nullptr);
-    controller_->setDocumentEdited(false);  // or closing would ask
+    controller_->setDocumentEdited(false);  // otherwise closing would ask
     window().performClose();
     controller_.reset();
     settle();
@@ -90,7 +90,7 @@ class Document {
     settle();
   }
 
-  /// Seconds of something like speech, from pressing Record on.
+  /// Presses Record and records this many seconds of a signal like speech.
   void record(double seconds) {
     press("recButton");
     const auto chunks = static_cast<int>(seconds * kFramesPerSecond / kChunkFrames);
@@ -110,7 +110,7 @@ class Document {
     settle();
   }
 
-  /// Begins a job that is held at a transfer of the disk, and shows how far it has come by then.
+  /// Begins a job that is held at a transfer of the disk, and shows its progress there.
   template <typename Begin>
   void holdAt(Disk::Transfer transfer, int number, Begin begin) {
     disk_.stopAt(transfer, number);
@@ -161,7 +161,7 @@ class Document {
   std::mt19937 random_{5};
 };
 
-/// A recording that has been stopped, with the marker in its middle.
+/// A stopped recording with the marker in its middle.
 void makeRecorded(Document& document) {
   document.record(6.0);
   document.press("pauseButton");
@@ -178,7 +178,7 @@ void play(Document& document) {
   Document::settle();
 }
 
-/// A minute of the same as a file.
+/// A file with a minute of the same signal.
 void writeFile(const std::string& path) {
   const auto writer = OVAudioFileWriter::initWithFile(path, 0);
   std::vector<float> second(2 * kFramesPerSecond);
@@ -205,7 +205,7 @@ void save(Document& document) {
   writeFile(path);
   document.controller().openFileNamed(path);
   static_cast<void>(runMainLoopUntil([&] { return !document.controller().isFileIOActive(); }));
-  document.controller().waveFormViewReceivedClick(nullptr, {}, 0.62);  // a line below the words
+  document.controller().waveFormViewReceivedClick(nullptr, {}, 0.62);  // a line below the text
   document.holdAt(Disk::Transfer::read, 5,
                   [&] { document.controller().saveFileNamed(document.file("take.wav"), 0); });
 }

@@ -1,5 +1,5 @@
-// The second net: what the views draw, compared with pictures of a day on which somebody looked at
-// them and found them right. scripts/gallery --renew makes them anew after a change that is meant.
+// A second line of defence: compares the views with reference pictures that were reviewed by eye.
+// scripts/gallery --renew regenerates them after an intended change.
 #include <gtest/gtest.h>
 
 #include "gallery/GalleryPages.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-// Of 255, over a tile. Another rasteriser or font version may differ by so much, no visible change.
+// Of 255, over a tile. Other rasterisers or fonts differ by less, a visible change by more.
 constexpr double kTolerance = 0.6;
 
 class ReferencePicturesTest : public testing::TestWithParam<double> {};

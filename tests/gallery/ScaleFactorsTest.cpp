@@ -1,4 +1,4 @@
-// The window at every scale factor of a desktop, and on its way between screens of different ones.
+// The window at every scale factor of a desktop, and moved between screens of different factors.
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -32,7 +32,7 @@ class ScaleFactorsTest : public testing::TestWithParam<double> {
 
   void moveTo(double scale) { ASSERT_TRUE(showOnScreenOfScale(window_, scale)); }
 
-  /// What a view shows, in device pixels.
+  /// The picture of a view, in device pixels.
   static QImage picture(QWidget* view) { return pictureOfWindow(*view); }
 
   [[nodiscard]] static QSize pixels(QSize points, double scale) {
@@ -91,7 +91,7 @@ TEST_P(ScaleFactorsTest, NeighbouringButtonsShareOneBorder) {
   const double scale = GetParam();
   moveTo(scale);
   const QImage bar = picture(ui_.transportBackView);
-  // Between Record and Stop, half-way down: the border of both lies at x = 101.5, one point wide.
+  // Between Record and Stop, half-way down: the border of both is at x = 101.5, one point wide.
   const int row = static_cast<int>(29.0 * scale);
   const int begin = static_cast<int>(96.0 * scale);
   const int end = static_cast<int>(107.0 * scale);
@@ -124,7 +124,7 @@ TEST_P(ScaleFactorsTest, TheLongestUsualTimeIsNotClipped) {
   const double scale = GetParam();
   const QRect view = ui_.timeView->geometry();
   const auto pixel = [scale](double points) { return static_cast<int>(points * scale); };
-  // A letter is brighter than the well at the same height left of the time view.
+  // A letter is brighter than the well at the same height, left of the time view.
   const auto hasInk = [&](int x) {
     for (int y = pixel(view.top() + 1.0); y < pixel(view.bottom()); ++y) {
       const int ground = well.pixelColor(pixel(view.left() - 3.0), y).green();
@@ -144,7 +144,7 @@ TEST_P(ScaleFactorsTest, TheLongestUsualTimeIsNotClipped) {
   EXPECT_NEAR(first / scale, begin, 1.5) << "the first digit is whole";
 }
 
-// On the bar between pixels an icon must not bring a frame of its own along.
+// On a bar that is not aligned to pixels, an icon must not have a visible frame.
 TEST_P(ScaleFactorsTest, PressingAButtonThatIsOnChangesNothingRoundItsIcon) {
   const double scale = GetParam();
   moveTo(scale);
@@ -154,7 +154,7 @@ TEST_P(ScaleFactorsTest, PressingAButtonThatIsOnChangesNothingRoundItsIcon) {
   const QImage off = picture(ui_.transportBackView);
   ui_.playButton->setIsOn(true);
   const QImage on = picture(ui_.transportBackView);
-  // The icon has 18 x 18 points from (200, 20) on, its outermost point all round is empty.
+  // The icon has 18 x 18 points from (200, 20) on; a border of one point is empty.
   const auto isRim = [&](int x, int y) {
     const QRectF icon(QPointF(200.0, 20.0) * scale, QSizeF(18.0, 18.0) * scale);
     const QRectF inside = icon.adjusted(scale, scale, -scale, -scale);
@@ -182,7 +182,7 @@ TEST_P(ScaleFactorsTest, TheProgressPanelsWordsAreReadable) {
   ui_.loadingPanel->show();
   ui_.loadingPanel->setActivity(QStringLiteral("Drawing the waveform"));
   QCoreApplication::processEvents();
-  // What is below it, the waveform and the marker's line, does not show through enough to matter.
+  // The waveform and the marker's line below it show through only slightly.
   ui_.playbackMarkerView->setPosition((ui_.loadingPanel->x() + 40.0) / 640.0);
   const QImage panel = picture(ui_.wfView)
                            .copy(QRectF(QPointF(ui_.loadingPanel->pos()) * scale,
@@ -199,7 +199,7 @@ TEST_P(ScaleFactorsTest, TheProgressPanelsWordsAreReadable) {
   }
   EXPECT_GT(lightest, 170);
   EXPECT_LT(*std::max_element(ground.begin(), ground.end()), 95);
-  // The bar: full to four tenths, then its track.
+  // The bar: filled to four tenths, then its track.
   const int bar = panel.height() / 2;
   const auto at = [&](double share) {
     return panel.pixelColor(static_cast<int>((ui_.loadingIndicator->x() + 150.0 * share) * scale),
@@ -264,7 +264,7 @@ TEST_F(ScaleFactorsMovedSpectrumTest,
     for (int y = 0; y < shown.height(); ++y) {
       ASSERT_TRUE(isSpectrum(0, y) && isSpectrum(shown.width() - 1, y)) << y << " at " << scale;
     }
-    // The curve of one value lies at nine tenths of it, whatever the scale.
+    // The curve of a constant value is at nine tenths of it, whatever the scale.
     const int curve = static_cast<int>((1.0 - 0.5 * 0.9) * OVSpectrumStrip::kHeight * scale);
     int brightest = 0;
     for (int y = curve - 2; y <= curve + 2; ++y) {
@@ -287,7 +287,7 @@ TEST_F(ScaleFactorsMovedSpectrumTest, OnAnotherScreenHidingTakesTheStripAwayAndN
 
 TEST_F(ScaleFactorsMovedWindowTest, ItNeverBecomesSmallerThanEverythingNeeds) {
   moveTo(1.0);
-  // Some desktops let a window keep its device pixels, which are half as many points here.
+  // On some desktops a window keeps its device pixels, which are half as many points here.
   window_.setScreen(screenOfScale(2.0));
   window_.move(screenOfScale(2.0)->geometry().topLeft() + QPoint(40, 60));
   ASSERT_TRUE(runMainLoopUntil([&] { return window_.devicePixelRatioF() == 2.0; }));

@@ -15,7 +15,7 @@ namespace {
 
 constexpr QSize kWaveform(420, 160);
 
-/// Something like speech: noise whose loudness swells and fades.
+/// Noise that swells and fades like speech.
 std::vector<float> speech(std::size_t count) {
   std::mt19937 random(3);
   std::vector<float> elements(count);
@@ -54,7 +54,7 @@ std::unique_ptr<GalleryPage> waveformPage() {
   return page;
 }
 
-/// A picture of the program's resources.
+/// Shows a picture of the program's resources.
 class PictureView : public QWidget {
  public:
   explicit PictureView(const QString& name) : image_(name) {}

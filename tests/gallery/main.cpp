@@ -1,7 +1,7 @@
-// Leaves pictures of every view in every state, and of the whole window, in a folder.
+// Writes pictures of every view in every state, and of the whole window, to a folder.
 //
 //   orvo_gallery pictures FOLDER     everything, at 1x, 1.25x, 1.5x and 2x
-//   orvo_gallery references FOLDER   what the tests compare with: the pages alone
+//   orvo_gallery references FOLDER   the tests' reference pictures: the pages alone
 #include <cstdio>
 
 #include <QApplication>

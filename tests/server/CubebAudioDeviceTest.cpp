@@ -12,7 +12,7 @@ using support::Samples;
 
 class CubebAudioDeviceTest : public testserver::ServerFixture {
  protected:
-  /// Frames of `signal` that stand in what was heard, from its first frame on.
+  /// Number of frames of `signal` that were heard, from its first frame on.
   [[nodiscard]] std::size_t heardFrames(const Samples& signal) const {
     const Samples heard = support::readRaw(folder_.file("heard"));
     const auto start = support::findStart(signal, heard);
@@ -105,7 +105,7 @@ TEST_F(CubebAudioDeviceTest, APauseResumesWithoutLosingOrRepeatingAFrame) {
   EXPECT_TRUE(streams[0].corked);
   ASSERT_EQ(playback.queue->start(), kAudioStatusOk);
   ASSERT_TRUE(playback.states.awaitCount(2));
-  // Silence stands between the two parts; without it the signal is whole.
+  // The two parts are separated by silence; without it the signal is complete.
   const auto withoutSilence = [](const Samples& samples) {
     Samples sounding;
     for (std::size_t i = 0; i + 1 < samples.size(); i += 2) {
@@ -142,7 +142,7 @@ TEST_F(CubebAudioDeviceTest, AServerThatDiesEndsTheQueuesAndTheNextServerIsFound
   EXPECT_EQ(recording.failures.values()[0], kDeviceLostStatus);
   EXPECT_EQ(playback.queue->failure(), kDeviceLostStatus);
   EXPECT_TRUE(queues_->claimInputFailureAlert());
-  // Still no server: a plain refusal, within the known second and beyond.
+  // Still no server: requests are refused, while the failure is remembered (1 s) and afterwards.
   Recording refused;
   EXPECT_EQ(refused.make(*queues_), kDeviceLostStatus);
   EXPECT_TRUE(support::eventually([&] {

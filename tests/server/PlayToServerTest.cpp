@@ -43,7 +43,7 @@ class PlayToServerTest : public testserver::ServerFixture {
     player_->setDelegate(delegate_);
   }
 
-  /// Plays the samples and compares what is heard, to the last frame.
+  /// Plays the samples and compares them with what is heard, to the last frame.
   void expectHeardWhole(const Samples& samples, const std::string& name) {
     const auto path = folder_.file(name);
     const auto capture = server_->captureHeard(path);
@@ -94,7 +94,7 @@ TEST_F(PlayToServerTest, PauseAndPlayLoseNoFrame) {
   player_->play();
   EXPECT_EQ(player_->readingPosition() >= paused, true);
   ASSERT_TRUE(runMainLoopUntil([&] { return delegate_->stopped > 0; }));
-  // What was heard is the signal with silence where it was paused.
+  // The signal is heard with silence where it was paused.
   Samples heard;
   EXPECT_TRUE(support::eventually([&] {
     heard = withoutSilence(support::readRaw(path));

@@ -24,13 +24,13 @@ using testserver::kMaxCall;
 using testserver::kSecond;
 using testserver::withoutSilence;
 
-/// Frames of `signal` that stand in `recorded` from the place where it begins there.
+/// Number of frames of `signal` that `recorded` holds from the start of the signal on.
 std::size_t framesFound(const Samples& signal, const Samples& recorded) {
   const auto start = findStart(signal, recorded);
   return start ? equalFrames(signal, recorded, *start) : 0;
 }
 
-/// Holds up the writing side once, at its third write, until a condition holds.
+/// Stalls the writer once, at its third write, until a condition holds.
 class StallingDelegate : public OVAudioBufferDelegate {
  public:
   explicit StallingDelegate(std::function<void()> stall) : stall_(std::move(stall)) {}
@@ -66,14 +66,14 @@ class RecordFromServerTest : public testserver::ServerFixture {
     ServerFixture::TearDown();
   }
 
-  /// What was recorded from a frame on, without silence.
+  /// The recording from a frame on, without silence.
   [[nodiscard]] Samples recorded(std::uint64_t fromFrame = 0) const {
     const Samples all = contents(*buffer_);
     return withoutSilence(Samples(
         all.begin() + static_cast<std::ptrdiff_t>(fromFrame * support::kChannels), all.end()));
   }
 
-  /// Whether all that was recorded from a frame on stands in `signal` without a difference.
+  /// Expects the recording from a frame on to be an exact part of `signal`.
   void expectPartOf(const Samples& signal, std::uint64_t fromFrame = 0) const {
     const Samples part = recorded(fromFrame);
     ASSERT_FALSE(part.empty());
@@ -84,15 +84,15 @@ class RecordFromServerTest : public testserver::ServerFixture {
     EXPECT_EQ(equalFrames(part, played, 0), part.size() / support::kChannels);
   }
 
-  /// Plays noise into the default source; null when that fails.
+  /// Plays the signal into the default source; null on failure.
   [[nodiscard]] std::unique_ptr<support::ChildProcess> feed(const Samples& signal) const {
     return support::writeRaw(folder_.file("signal"), signal)
                ? server_->playIntoFeed(folder_.file("signal"))
                : nullptr;
   }
 
-  /// Waits until the signal reaches the recorder: every buffer that is filled from then on holds
-  /// nothing else.
+  /// Waits until the signal reaches the recorder: every buffer filled afterwards holds only the
+  /// signal.
   [[nodiscard]] bool awaitSignal() {
     return support::eventually([this] {
       const auto levels = recorder_->powerLevels();
@@ -100,7 +100,7 @@ class RecordFromServerTest : public testserver::ServerFixture {
     });
   }
 
-  /// Records until the whole signal has arrived, or nothing more comes; frames that have.
+  /// Records until the whole signal has arrived or nothing more comes. Returns the frames arrived.
   [[nodiscard]] std::size_t recordAll(const Samples& signal) {
     const auto frames = signal.size() / support::kChannels;
     std::size_t found = 0;

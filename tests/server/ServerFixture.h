@@ -30,7 +30,7 @@ inline constexpr std::uint64_t kFrameBytes = platform::kWorkingFormat.mBytesPerF
 /// Frames of a second of audio.
 inline constexpr std::size_t kSecond = support::kFramesPerSecond;
 
-/// Everything that a buffer holds.
+/// All samples of a buffer.
 inline support::Samples contents(OVAudioBufferInterface& buffer) {
   support::Samples samples(buffer.bufferSizeInFrames() * support::kChannels);
   const auto read = buffer.readDataInto(samples.data(), samples.size() * sizeof(float), 0);
@@ -46,8 +46,8 @@ inline std::shared_ptr<OVBlockBuffer> blockBufferWith(const support::Samples& sa
 
 using support::withoutSilence;
 
-/// No call may wait for the sound system for more than 250 ms; the rest is for a busy machine. What
-/// is caught are the waits of a library that asks a hanging server: 30 s and more.
+/// No call may wait for the sound system for more than 250 ms; the rest allows for a busy machine.
+/// This detects a library that waits for a hanging server: 30 s and more.
 inline constexpr std::chrono::milliseconds kMaxCall{1000};
 
 /// How long a call takes.
@@ -58,8 +58,8 @@ inline std::chrono::milliseconds duration(const std::function<void()>& call) {
                                                                begin);
 }
 
-/// A private sound server, and the audio queues on the real device, which find that server and no
-/// other through this process's environment.
+/// A private sound server, and the audio queues on the real device, which find only that server,
+/// through this process's environment.
 class ServerFixture : public testing::Test {
  protected:
   void SetUp() override {

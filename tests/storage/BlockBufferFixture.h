@@ -15,7 +15,7 @@ namespace support {
 /// A block list buffer over temporary files in memory.
 class BlockBufferFixture : public testing::Test {
  protected:
-  /// `count` writes of `size` bytes, one behind the other from address 0 on; gives all their bytes.
+  /// Makes `count` consecutive writes of `size` bytes from address 0 on; returns all their bytes.
   Bytes writeSequence(std::size_t count, std::size_t size) {
     Bytes all;
     for (std::size_t i = 0; i < count; ++i) {

@@ -17,13 +17,13 @@ namespace support {
 
 inline constexpr std::uint64_t kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 
-/// Equal, or both not a number: which one a sum of two such gives is the compiler's choice.
+/// Equal, or both NaN: the compiler decides which NaN a sum of two NaNs is.
 inline bool isSameLevel(double left, double right) {
   return left == right || (std::isnan(left) && std::isnan(right));
 }
 
-/// What the pairs of a real buffer and its model share: files in memory, writes of drawn bytes, and
-/// a delegate whose calls are compared, too.
+/// The common part of pairs of a real buffer and its model: files in memory, writes of generated
+/// bytes, and a delegate whose calls are compared too.
 ///
 /// Threads: one.
 class BufferPair {
@@ -37,7 +37,7 @@ class BufferPair {
 
   void watch(OVAudioBufferInterface& buffer) { buffer.setDelegate(delegate_); }
 
-  /// Writes `size` bytes of the pattern `seed` into the real buffer and gives them.
+  /// Writes `size` bytes of the pattern `seed` into the real buffer and returns them.
   Bytes writeReal(OVAudioBufferInterface& buffer, std::uint64_t offset, std::uint64_t size,
                   std::uint64_t seed) {
     Bytes bytes = pattern(size, static_cast<unsigned>(seed));

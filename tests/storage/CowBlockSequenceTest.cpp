@@ -25,7 +25,7 @@ std::vector<std::uint64_t> startsIn(const Chunks& chunks) {
   return starts;
 }
 
-// The same by walking.
+// The same with next().
 std::vector<std::uint64_t> startsForward(const Chunks& chunks) {
   std::vector<std::uint64_t> starts;
   for (auto at = chunks.begin(); at != chunks.end(); at = chunks.next(at)) {

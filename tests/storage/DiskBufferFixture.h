@@ -13,7 +13,7 @@
 
 namespace support {
 
-/// A disk buffer over temporary files in memory that fail as a test tells them.
+/// A disk buffer over temporary files in memory with scripted failures.
 class DiskBufferFixture : public testing::Test {
  protected:
   void waitForTheFill() const {

@@ -1,5 +1,5 @@
-// What every buffer promises behind the interface, whichever it is. What is one's own stands in its
-// own tests.
+// The guarantees of the interface, checked for every buffer. Each buffer's own tests cover the
+// rest.
 #include "storage/OVAudioBufferInterface.h"
 
 #include <gmock/gmock.h>

@@ -83,7 +83,7 @@ class AudioBufferPair : support::BufferPair {
   PlainAudioBuffer model_;
 };
 
-// Mostly on a block made small first, where growth and the edges of the block are met often.
+// Mostly shrinks the block first, so that growth and the block's edges are common.
 Step draw(std::mt19937_64& random, const AudioBufferPair& pair) {
   const PlainAudioBuffer& model = pair.model();
   const std::uint64_t choice = below(random, 100);
@@ -108,7 +108,7 @@ TEST(OVAudioBufferModelTest, DoesTheSameThroughThousandsOfSequences) {
   EXPECT_TRUE(modeltest::holds<AudioBufferPair>(1500, 60, draw));
 }
 
-// As long as it takes a block of ten seconds to grow.
+// Long enough for a block of ten seconds to grow.
 TEST(OVAudioBufferModelTest, DoesTheSameWithLongRecordings) {
   const auto drawLong = [](std::mt19937_64& random, const AudioBufferPair& pair) -> Step {
     const std::uint64_t choice = below(random, 10);

@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "support/AddressSpaceLimit.h"
-#include "support/Checkers.h"
+#include "support/Sanitizers.h"
 #include "support/TransferHelpers.h"
 #include "support/fakes/RecordingDelegate.h"
 #include "support/fakes/RecordingServices.h"
@@ -316,7 +316,7 @@ TEST_F(OVAudioBufferTest, ReportsAWriteThatNoMemoryCanHold) {
 }
 
 TEST_F(OVAudioBufferTest, ReportsAWriteForWhichThereIsNoMemory) {
-  if (support::kAnyChecker) {
+  if (support::kAnySanitizer) {
     GTEST_SKIP() << "the checkers end the program at such an allocation";
   }
   const auto delegate = std::make_shared<support::RecordingDelegate>();
@@ -327,14 +327,14 @@ TEST_F(OVAudioBufferTest, ReportsAWriteForWhichThereIsNoMemory) {
   EXPECT_EQ(buffer_->bufferCapacity(), kTenSeconds);
 }
 
-// A recording that takes much memory, on a machine that has none left for a second one.
+// A large recording in a process without memory for a copy of it.
 class OVAudioBufferWithoutMemoryTest : public OVAudioBufferTest {
  protected:
   static constexpr std::uint64_t kLong = std::uint64_t{96} << 20;   // bytes
   static constexpr std::uint64_t kSpare = std::uint64_t{16} << 20;  // bytes
 
   void SetUp() override {
-    if (support::kAnyChecker) {
+    if (support::kAnySanitizer) {
       GTEST_SKIP() << "the checkers end the program at such an allocation";
     }
     write(*buffer_, first_, kLong - first_.size());

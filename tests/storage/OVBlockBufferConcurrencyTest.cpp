@@ -77,7 +77,7 @@ TEST_F(OVBlockBufferConcurrencySlowDiskTest, KeepsWritersInTheOrderOfTheFile) {
   EXPECT_EQ(read(*buffer_, 80, 0), pattern(80, 2));
 }
 
-// One value, repeated: whoever reads two of them in one value's place has seen a torn write.
+// A chunk repeats one value: a reader that finds two values has seen a torn write.
 constexpr std::size_t kChunkFrames = 64;
 constexpr std::size_t kChunkBytes = kChunkFrames * 8;
 
@@ -85,7 +85,7 @@ std::vector<std::uint64_t> chunkOf(std::uint64_t value) {
   return std::vector<std::uint64_t>(kChunkFrames, value);
 }
 
-// Reads whole chunks at random places and checks that each is one value that was written.
+// Reads whole chunks at random places and checks that each holds one written value.
 class ChunkReader {
  public:
   ChunkReader(OVBlockBuffer& buffer, unsigned seed) : buffer_(buffer), state_(seed) {}

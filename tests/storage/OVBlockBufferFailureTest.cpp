@@ -57,7 +57,7 @@ TEST_F(OVBlockBufferFailureTest, ThatGivesNoFileIsToldWithoutWaitingOnAThreadTha
   EXPECT_THAT(services_->postedAlerts(), ElementsAre(kCannotOpen));
 }
 
-// Answers with a directory whose name is longer than a path can be.
+// Returns a directory whose name is longer than any valid path.
 class DeepTemporaryFiles : public support::FailingTemporaryFiles {
  public:
   std::string directory() const override { return "/" + std::string(5000, 'd') + "/"; }

@@ -83,7 +83,7 @@ class BlockBufferPair : support::BufferPair {
   [[nodiscard]] const PlainBlockBuffer& model() const { return model_; }
 
  private:
-  static constexpr std::size_t kLookedUp = 64;  // blocks at most, for each is a scan of the model
+  static constexpr std::size_t kLookedUp = 64;  // maximum blocks, since each lookup scans the model
 
   template <typename Call>
   static bool throwsOutOfRange(Call call) {
@@ -112,7 +112,7 @@ class BlockBufferPair : support::BufferPair {
     }
   }
 
-  // At the start, and at two places that differ from step to step.
+  // At the start and at two places that vary from step to step.
   void compareReads(modeltest::Comparison& comparison) {
     const std::uint64_t length = std::min<std::uint64_t>(model_.live.fillSize, 20'000);
     const std::uint64_t some = length == 0 ? 0 : model_.file.size() * 31 % length;
@@ -135,13 +135,13 @@ class BlockBufferPair : support::BufferPair {
   bool modelThrew_ = false;
 };
 
-// How a sequence of operations is drawn. Small spaces make blocks meet at their edges.
+// Parameters of the random operations. In small spaces blocks often touch.
 struct Shape {
   const char* name;
-  std::uint64_t space;    // bytes: addresses of writes and positions of cuts lie below
+  std::uint64_t space;    // bytes: limit of write addresses and cut positions
   std::uint64_t longest;  // bytes of a write
   std::uint64_t grain;    // addresses and sizes are multiples of this
-  unsigned sequences;     // how many are run, seeds 1, 2, 3, …
+  unsigned sequences;     // number of sequences, seeds 1, 2, 3, …
   unsigned operations;    // in each
   bool wild;              // cuts beyond the end, addresses near 2^64
   unsigned cuts = 140;    // in a thousand operations

@@ -19,7 +19,7 @@ using testing::SizeIs;
 
 class OVBlockBufferUndoTest : public testing::Test {
  protected:
-  // Makes the recording `frames` frames long, of audio that tells its length.
+  // Makes the recording `frames` frames long, with audio that depends on the length.
   void becomeLong(std::uint64_t frames) {
     buffer_->cutoffBufferAfterPosition(0);
     write(*buffer_, pattern(frames * 8, static_cast<unsigned>(frames)), 0);

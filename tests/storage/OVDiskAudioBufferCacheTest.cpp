@@ -1,4 +1,4 @@
-// The read cache of the disk buffer: what it serves, when it is filled, and what empties it.
+// The read cache of the disk buffer: its hits, its fills and its invalidation.
 #include <gmock/gmock.h>
 
 #include <cstdint>
@@ -49,7 +49,7 @@ TEST_F(OVDiskAudioBufferCacheTest, ReadsWhatCrossesTheCachesEndFromTheFileAndQue
   EXPECT_EQ(buffer_->cache_fillsize(), 4496U);
 }
 
-// All threads of the global queue stand at the gate: what is submitted to a queue stays there.
+// Blocks all threads of the global queue at a gate, so that submitted work stays queued.
 class StoppedQueues {
  public:
   StoppedQueues() {

@@ -1,4 +1,4 @@
-// The disk buffer when files cannot be made, read, written or cut.
+// The disk buffer when files cannot be created, read, written or resized.
 #include <gmock/gmock.h>
 
 #include <cerrno>

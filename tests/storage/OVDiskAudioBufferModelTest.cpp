@@ -109,7 +109,7 @@ class DiskAudioBufferPair : support::BufferPair {
 struct Scale {
   std::uint64_t longestWrite;  // bytes
   std::uint64_t longestRead;   // bytes
-  std::uint64_t space;         // bytes: where writes begin
+  std::uint64_t space;         // bytes: limit of write offsets
 };
 
 Step drawAt(const Scale& scale, std::mt19937_64& random, const DiskAudioBufferPair& pair) {

@@ -28,7 +28,7 @@ using testing::SizeIs;
 
 class OVDiskAudioBufferTest : public support::DiskBufferFixture {};
 
-// Making and ending
+// Creation and destruction
 
 TEST_F(OVDiskAudioBufferTest, HasARegisteredFileWithPrefixAndExtension) {
   EXPECT_THAT(files_.templates(), ElementsAre("/nowhere/orvo_XXXXXX.flt"));
@@ -44,7 +44,7 @@ TEST_F(OVDiskAudioBufferTest, ClosesItsFileAtItsEnd) {
   EXPECT_EQ(files_.openFiles(), 0U);
 }
 
-// The operating system's temporary files in a folder of the test's own.
+// The operating system's temporary files, in the test's own folder.
 class FilesInAFolder : public platform::TemporaryFiles {
  public:
   [[nodiscard]] std::string directory() const override { return folder_.path() + "/"; }
@@ -225,7 +225,7 @@ TEST_F(OVDiskAudioBufferTest, CutsDoNotDiscardTheCache) {
 }
 
 TEST_F(OVDiskAudioBufferTest, CutBeforeKeepsTheTail) {
-  const Bytes bytes = pattern(3 * (1 << 20) + 8 * 77, 1);  // several pieces of the copy
+  const Bytes bytes = pattern(3 * (1 << 20) + 8 * 77, 1);  // copied in several pieces
   write(*buffer_, bytes, 0);
   buffer_->cutoffBufferBeforePosition(33);
   EXPECT_EQ(buffer_->f_size(), bytes.size() - 264);

@@ -11,13 +11,13 @@
 #include "storage/OVDiskAudioBuffer.h"
 #include "support/TransferHelpers.h"
 
-/// What the memory buffer and the disk buffer must do, written down once more with no thought of
-/// speed. The real ones are held against them.
+/// Reference models of the memory buffer and the disk buffer, simple rather than fast. Tests
+/// compare the real buffers with them.
 ///
 /// Threads: one.
 namespace support {
 
-/// `count` bytes from `from` on, as far as there are any.
+/// At most `count` bytes from `from` on.
 inline Bytes slice(const Bytes& bytes, std::uint64_t from, std::uint64_t count) {
   if (from >= bytes.size()) {
     return {};
@@ -64,7 +64,7 @@ struct PlainAudioBuffer {
     }
   }
 
-  /// The block is not shrunk: its last bytes stay where they are.
+  /// The block is not shrunk: its last bytes stay in place.
   void cutBefore(std::uint64_t frames) {
     const std::uint64_t b = frames * 8;
     if (b < capacity) {
@@ -109,7 +109,7 @@ struct PlainAudioBuffer {
   std::optional<Saved> saved;
 };
 
-/// The background fill is done as soon as it is asked for.
+/// The background fill happens as soon as it is requested.
 struct PlainDiskBuffer {
   static constexpr std::uint64_t kCache = OVDiskAudioBuffer::kCacheCapacity;
 

@@ -9,10 +9,10 @@
 
 namespace support {
 
-/// While it exists this process gets only so many more bytes of address space; allocations beyond
-/// fail as when memory has run out. Not for sanitizer builds, which end the program then. Use 64
-/// MiB and more for what has to fail: smaller allocations may find room that the process has
-/// already.
+/// While it exists, this process gets at most so many more bytes of address space; further
+/// allocations fail as if memory had run out. Not for sanitizer builds, which abort then. An
+/// allocation that must fail needs at least 64 MiB: a smaller one may fit into memory that the
+/// process already has.
 ///
 /// Threads: main.
 class AddressSpaceLimit {

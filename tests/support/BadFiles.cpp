@@ -41,7 +41,7 @@ std::string wav(std::size_t frames) {
   return support::wavBytes(44100, 2, 16, sound(frames));
 }
 
-// The same with other lengths in its header.
+// The same with different lengths in its header.
 std::string wavThatPromises(std::uint32_t bytes, std::size_t frames) {
   std::string file = wav(frames);
   for (const std::size_t place : {std::size_t{4}, std::size_t{40}}) {
@@ -60,7 +60,7 @@ std::string text(std::size_t bytes) {
   return words.substr(0, bytes);
 }
 
-// One second of sound, encoded by its suffix.
+// One second of sound, encoded as the suffix says.
 std::string encoded(const std::string& suffix, const std::vector<std::string>& options = {}) {
   const support::TemporaryFolder folder;
   const std::string source = folder.file("source.wav");
@@ -77,7 +77,7 @@ std::string half(const std::string& bytes) {
   return bytes.substr(0, bytes.size() / 2 + 1);
 }
 
-// Made in the test that needs them: every other test makes the list of cases, too.
+// Created only in the test that needs them, since every test creates the list of cases.
 std::string zeros() {
   return std::string(50 * kMegabyte, '\0');
 }

@@ -5,7 +5,7 @@
 
 namespace support {
 
-/// The colours of a dark desktop, for as long as it lives.
+/// The colours of a dark desktop while it lives.
 class DarkPalette {
  public:
   DarkPalette() : before_(QApplication::palette()) {

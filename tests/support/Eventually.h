@@ -3,14 +3,14 @@
 #include <chrono>
 #include <functional>
 
-/// Waiting in tests: always for something observed, never for time to pass.
+/// Waiting in tests: always for an observed condition, never for time to pass.
 namespace support {
 
-/// How long a test waits at most for something that usually takes milliseconds. Generous, since a
-/// busy machine must not fail a test; it is only used up when something is broken.
+/// Longest wait of a test for something that usually takes milliseconds. Generous, since a busy
+/// machine must not fail a test; only a defect uses it up.
 inline constexpr std::chrono::seconds kPatience{60};
 
-/// Looks at `condition` again and again until it holds; false when `patience` ran out first.
+/// Polls `condition` until it holds; false when `patience` has passed first.
 ///
 /// Threads: any; the condition is called on the caller's thread.
 [[nodiscard]] bool eventually(const std::function<bool()>& condition,

@@ -7,8 +7,7 @@
 
 namespace support {
 
-/// For as long as it lives no file of this process grows beyond a size: writes fail as they do on
-/// a disk that refuses them. Threads: main.
+/// While it lives, no file of this process grows beyond a size: further writes fail. Threads: main.
 class FileSizeLimit {
  public:
   explicit FileSizeLimit(rlim_t bytes) {

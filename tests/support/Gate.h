@@ -7,7 +7,7 @@
 
 namespace support {
 
-/// Holds threads back until a test lets them go, and lets the test wait for their arrival.
+/// Blocks threads until a test releases them, and lets the test wait for their arrival.
 ///
 /// Threads: any. A thread that arrives after open() passes at once.
 class Gate {
@@ -16,7 +16,7 @@ class Gate {
   Gate(const Gate&) = delete;
   Gate& operator=(const Gate&) = delete;
 
-  /// Waits until open() was called, at most kPatience, so that a failing test ends.
+  /// Waits until open() is called, at most kPatience, so that a failing test ends.
   void pass() {
     std::unique_lock lock(mutex_);
     ++arrived_;
@@ -24,7 +24,7 @@ class Gate {
     changed_.wait_for(lock, kPatience, [this] { return open_; });
   }
 
-  /// Waits until so many threads have arrived; false when they have not within kPatience.
+  /// Waits until so many threads have arrived; false if they have not within kPatience.
   [[nodiscard]] bool awaitArrival(int count = 1) {
     std::unique_lock lock(mutex_);
     return changed_.wait_for(lock, kPatience, [&] { return arrived_ >= count; });
@@ -36,8 +36,8 @@ class Gate {
     changed_.notify_all();
   }
 
-  /// A hook of any arguments that passes this gate when it is first called. The gate must outlive
-  /// that call.
+  /// A hook with any arguments that passes this gate on its first call. The gate must outlive that
+  /// call.
   [[nodiscard]] auto holdingTheFirst() {
     return [this, first = true](auto&&...) mutable {
       if (first) {

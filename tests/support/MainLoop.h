@@ -10,7 +10,7 @@
 #include "platform/mainloop/MainQueue.h"
 #include "support/Eventually.h"
 
-/// Runs the main loop until a condition holds; false when the deadline passed first.
+/// Runs the main loop until a condition holds; false if the deadline passed first.
 /// Threads: main.
 inline bool runMainLoopUntil(const std::function<bool()>& condition,
                              std::chrono::milliseconds deadline = support::kPatience) {
@@ -24,7 +24,7 @@ inline bool runMainLoopUntil(const std::function<bool()>& condition,
   return true;
 }
 
-/// Runs what the global queue holds; false when that took longer than the usual deadline.
+/// Waits until the global queue is idle; false if that took longer than the usual deadline.
 /// Threads: any but the global queue's.
 inline bool awaitGlobalQueue() {
   return platform::globalQueue().waitUntilIdle(

@@ -13,9 +13,9 @@
 #include <utility>
 #include <vector>
 
-/// Holds real code beside a plain, slow model of it through many drawn sequences of steps. A
-/// sequence after which the two differ is made as short and its numbers as small as the difference
-/// survives, and printed as a test that can be pasted.
+/// Compares real code with a plain, slow model of it over many random sequences of steps. A
+/// sequence after which the two differ is shrunk in length and numbers while the difference
+/// remains, and printed as a test ready to be pasted.
 ///
 /// A pair holds one real object and its model:
 ///
@@ -28,7 +28,7 @@
 /// Threads: one.
 namespace modeltest {
 
-/// One operation and its arguments; those it does not use are 0.
+/// One operation and its arguments; unused ones are 0.
 struct Step {
   std::string what;
   std::uint64_t a = 0;
@@ -37,7 +37,7 @@ struct Step {
 };
 using Steps = std::vector<Step>;
 
-/// {"cut", 3, 4}: as it is written in C++.
+/// As C++ code: {"cut", 3, 4}.
 inline std::string asCode(const Step& step) {
   const std::array arguments{step.a, step.b, step.c};
   std::size_t used = arguments.size();
@@ -58,7 +58,7 @@ struct Difference {
   std::string text;
 };
 
-/// What the steps, done one after the other on a new pair, bring to light first.
+/// The first difference that the steps cause on a new pair.
 template <typename Pair>
 std::optional<Difference> find(const Steps& steps) {
   Pair pair;
@@ -71,7 +71,7 @@ std::optional<Difference> find(const Steps& steps) {
   return std::nullopt;
 }
 
-/// The same as text, "" for none. What a pasted test expects.
+/// The same as text, "" for none. Pasted tests expect this.
 template <typename Pair>
 std::string firstDifference(const Steps& steps) {
   const auto difference = find<Pair>(steps);
@@ -80,8 +80,7 @@ std::string firstDifference(const Steps& steps) {
                            asCode(steps[difference->after]) + ": " + difference->text;
 }
 
-/// Makes a sequence with a difference smaller as long as it keeps one, by taking steps out and by
-/// lowering numbers.
+/// Shrinks a sequence while it still shows a difference, by removing steps and lowering numbers.
 template <typename Pair>
 class Shrinking {
  public:
@@ -95,7 +94,7 @@ class Shrinking {
   }
 
  private:
-  static constexpr unsigned kMaxTries = 20'000;  // of a sequence; more is not worth the wait
+  static constexpr unsigned kMaxTries = 20'000;  // for one sequence; more is not worth the wait
 
   // Steps after the first difference are dropped too.
   bool keepIfDifferent(Steps candidate) {
@@ -173,9 +172,9 @@ std::string asTest(const Steps& steps, std::uint64_t seed) {
   return code.str();
 }
 
-/// Draws `sequences` sequences of `length` steps, seeds 1, 2, 3, …, with `draw(random, pair)`,
-/// which may look at the pair as the steps so far have left it. "" when all are alike, otherwise
-/// the first difference, shrunk, with its test.
+/// Runs `sequences` random sequences of `length` steps with seeds 1, 2, 3, … `draw(random, pair)`
+/// makes each step and may examine the pair after the previous ones. "" for no difference,
+/// otherwise the first one, shrunk, with its test.
 template <typename Pair, typename Draw>
 std::string findAmong(std::uint64_t sequences, std::size_t length, Draw draw) {
   for (std::uint64_t seed = 1; seed <= sequences; ++seed) {
@@ -194,20 +193,19 @@ std::string findAmong(std::uint64_t sequences, std::size_t length, Draw draw) {
   return "";
 }
 
-/// Whether none of the sequences that findAmong() draws shows a difference; otherwise what it
-/// found.
+/// Success if findAmong() finds no difference, otherwise a failure that describes it.
 template <typename Pair, typename Draw>
 testing::AssertionResult holds(std::uint64_t sequences, std::size_t length, Draw draw) {
   const std::string found = findAmong<Pair>(sequences, length, draw);
   return found.empty() ? testing::AssertionSuccess() : testing::AssertionFailure() << found;
 }
 
-/// A number below `end`, which is not 0.
+/// A random number below `end`, which must not be 0.
 inline std::uint64_t below(std::mt19937_64& random, std::uint64_t end) {
   return std::uniform_int_distribution<std::uint64_t>(0, end - 1)(random);
 }
 
-/// Collects what differs: tell("length", real, model) keeps the first pair that is not equal.
+/// Collects differences: tell("length", real, model) keeps the first pair that is not equal.
 class Comparison {
  public:
   template <typename Real, typename Model>
@@ -219,7 +217,7 @@ class Comparison {
     }
   }
 
-  /// The same for sequences, of which only the first difference is reported.
+  /// The same for sequences; reports only their first different element.
   template <typename Sequence>
   void tellSequence(const std::string& what, const Sequence& real, const Sequence& model) {
     if (!text_.empty() || real == model) {

@@ -10,7 +10,7 @@ using modeltest::Steps;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-// A sum that is wrong, once it has been doubled, from 1000 on.
+// A sum that, once doubled, is wrong from 1000 on.
 struct DefectiveSum {
   static constexpr const char* kName = "DefectiveSum";
 

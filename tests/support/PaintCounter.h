@@ -6,7 +6,7 @@
 
 namespace support {
 
-/// Counts the paint events of the widgets that it watches.
+/// Counts the paint events of the widgets it watches.
 ///
 /// Threads: main.
 class PaintCounter final : public QObject {

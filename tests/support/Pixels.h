@@ -11,7 +11,7 @@
 
 #include "platform/views/ViewDrawing.h"
 
-/// Pictures and colours for tests that look at single pixels. Rows count from the top.
+/// Pictures and colours for tests that examine single pixels. Rows count from the top.
 
 /// A picture of `size` points at a device pixel ratio, of one colour.
 inline QImage makePicture(QSize size, double ratio, const QColor& background) {
@@ -21,7 +21,7 @@ inline QImage makePicture(QSize size, double ratio, const QColor& background) {
   return picture;
 }
 
-/// What `draw(painter)` makes of such a picture in view coordinates.
+/// Such a picture after `draw(painter)` in view coordinates.
 template <typename Draw>
 QImage drawnPicture(QSize size, double ratio, const QColor& background, Draw draw) {
   QImage picture = makePicture(size, ratio, background);
@@ -32,7 +32,7 @@ QImage drawnPicture(QSize size, double ratio, const QColor& background, Draw dra
   return picture;
 }
 
-/// `part` of `over` laid over `under`, 0 to 1.
+/// `over` blended over `under` with an opacity of `part`, 0 to 1.
 inline QColor blended(const QColor& under, const QColor& over, double part) {
   const auto channel = [part](int from, int to) {
     return static_cast<int>(std::lround(from + (to - from) * part));
@@ -41,13 +41,13 @@ inline QColor blended(const QColor& under, const QColor& over, double part) {
                 channel(under.blue(), over.blue()));
 }
 
-/// The largest difference of a channel between two colours, 0 to 255.
+/// The largest difference between the channels of two colours, 0 to 255.
 inline int colorDistance(const QColor& a, const QColor& b) {
   return std::max({std::abs(a.red() - b.red()), std::abs(a.green() - b.green()),
                    std::abs(a.blue() - b.blue())});
 }
 
-/// The mean difference of a channel between two pictures of one size, 0 to 255.
+/// The mean difference between the channels of two pictures of equal size, 0 to 255.
 inline double meanDistance(const QImage& a, const QImage& b) {
   double sum = 0.0;
   for (int y = 0; y < a.height(); ++y) {

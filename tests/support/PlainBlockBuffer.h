@@ -12,9 +12,8 @@
 
 namespace support {
 
-/// A reference model of the block buffer, simple rather than fast:
-/// four separate passes, every lookup a scan, the file a vector that is only appended to. The real
-/// buffer is compared with it.
+/// A reference model of the block buffer, simple rather than fast: four separate passes, every
+/// lookup a scan, the file an append-only vector. Tests compare the real buffer with it.
 ///
 /// Threads: one.
 class PlainBlockBuffer {
@@ -33,7 +32,7 @@ class PlainBlockBuffer {
     }
   }
 
-  /// What a write does to the list.
+  /// A write's effect on the list.
   void map(const OVBlock& b) {
     const std::uint64_t o = b.linear_addr_start();
     const std::uint64_t n = b.size();

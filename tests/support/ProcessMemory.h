@@ -9,7 +9,7 @@
 
 namespace support {
 
-/// Bytes of memory that this process has resident now; 0 where the system does not tell.
+/// Bytes of resident memory of this process; 0 where the system does not report it.
 ///
 /// Threads: any.
 inline std::uint64_t residentMemory() {
@@ -19,16 +19,15 @@ inline std::uint64_t residentMemory() {
   return file ? pages * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE)) : 0;
 }
 
-/// By how much this process's resident memory exceeds what it was when the object was made: at its
-/// highest meanwhile, so that what was given back counts, too. Where the system does not let the
-/// highest be forgotten, by how much it exceeds it now.
+/// Growth of this process's resident memory since the object's construction, at its peak, so that
+/// memory freed meanwhile counts too. Where the system cannot reset the peak, the current growth.
 ///
-/// Threads: any; one at a time in the process, since there is only one highest.
+/// Threads: any; only one object at a time, since a process has only one peak.
 class MemoryGrowth {
  public:
   MemoryGrowth() {
     std::ofstream file("/proc/self/clear_refs");
-    file << "5" << std::flush;  // the highest is now what there is
+    file << "5" << std::flush;  // resets the peak
     knowsHighest_ = file.good();
     before_ = residentMemory();
   }
@@ -39,7 +38,7 @@ class MemoryGrowth {
     return highest > before_ ? highest - before_ : 0;
   }
 
-  /// Whether what was given back counts.
+  /// Whether freed memory counts.
   [[nodiscard]] bool knowsHighest() const { return knowsHighest_; }
 
  private:

@@ -1,11 +1,11 @@
-// The main of every test program that needs Qt: no display, no user settings.
+// main() of every test program that needs Qt, without a display and user settings.
 #include <QApplication>
 #include <QSettings>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
-#ifndef ORVO_TEST_PLATFORM  // a test program may ask for screens of its own
+#ifndef ORVO_TEST_PLATFORM  // a test program may define its own screens
 #define ORVO_TEST_PLATFORM "offscreen"
 #endif
 

@@ -25,7 +25,7 @@ Samples noise(std::size_t frames, std::uint32_t seed) {
   std::minstd_rand random(seed);
   Samples samples(frames * kChannels);
   for (float& sample : samples) {
-    // 16 bits are exact in a float, and no sample is 0, so silence is never mistaken for it.
+    // 16 bits are exact in a float. No sample is 0, so noise differs from silence.
     const auto value = static_cast<int>((random() >> 8) & 0xffffU);
     sample = static_cast<float>(value - 32768) / 65536.0F + 1.0F / 131072.0F;
   }

@@ -4,9 +4,9 @@
 
 namespace support {
 
-/// A new folder, readable by the user alone, that is deleted with all it holds when the object
-/// dies. It lies in the system's temporary folder under a short path, since a socket's path may
-/// have 107 bytes at most.
+/// A new folder, readable by the user alone, that is deleted with its content when the object dies.
+/// It is in the system's temporary folder under a short path, since a socket's path has at most 107
+/// bytes.
 ///
 /// Threads: any one at a time.
 class TemporaryFolder {

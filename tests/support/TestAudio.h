@@ -7,11 +7,11 @@
 #include <random>
 #include <vector>
 
-/// Described signals, interleaved stereo.
+/// Test signals, interleaved stereo.
 namespace support {
 
-/// Frames numbered from `first`: left is the number, right its negative. A torn, lost, repeated or
-/// shifted frame shows.
+/// Frames numbered from `first`: left is the number, right its negative. Reveals torn, lost,
+/// repeated and shifted frames.
 inline std::vector<float> ramp(std::uint64_t first, std::size_t frames) {
   std::vector<float> samples(frames * 2);
   for (std::size_t i = 0; i < frames; ++i) {
@@ -22,7 +22,7 @@ inline std::vector<float> ramp(std::uint64_t first, std::size_t frames) {
   return samples;
 }
 
-/// Samples that 16 bits hold exactly, different in every frame and channel, and for every seed.
+/// Samples that are exact in 16 bits and differ in every frame and channel, and for every seed.
 inline std::vector<float> ramp16(std::uint64_t frames, int seed = 0) {
   std::vector<float> samples(2 * frames);
   for (std::size_t i = 0; i < samples.size(); ++i) {
@@ -32,8 +32,8 @@ inline std::vector<float> ramp16(std::uint64_t frames, int seed = 0) {
   return samples;
 }
 
-/// Frames whose left sample is `left(frame)` and whose right sample is 0.75: loud where it could be
-/// mistaken for the left one.
+/// Frames whose left sample is `left(frame)` and whose right sample is 0.75, loud enough that
+/// mixing them up shows.
 template <class Left>
 std::vector<float> stereo(std::uint64_t frameCount, Left left) {
   std::vector<float> samples(frameCount * 2);
@@ -61,8 +61,8 @@ inline std::vector<float> squareWave(std::uint64_t frameCount, std::uint64_t hal
                 [=](std::uint64_t frame) { return frame / halfPeriod % 2 == 0 ? 1.0 : -1.0; });
 }
 
-/// Blocks of 64 frames that start with one sample of the block's number / `blockCount`, the rest
-/// silent: elements rise, and merging keeps them rising.
+/// Blocks of 64 frames: one sample of the block's number / `blockCount`, then silence. The elements
+/// rise, also after merging.
 inline std::vector<float> risingBlocks(std::uint64_t firstBlock, std::uint64_t count,
                                        std::uint64_t blockCount) {
   return stereo(count * 64, [=](std::uint64_t frame) {
@@ -71,8 +71,7 @@ inline std::vector<float> risingBlocks(std::uint64_t firstBlock, std::uint64_t c
   });
 }
 
-/// Noise with silent and loud stretches, samples beyond full scale, infinities and samples that
-/// are no numbers.
+/// Noise with silent and loud stretches, samples beyond full scale, infinities and NaNs.
 inline std::vector<float> roughNoise(std::uint64_t sampleCount, std::mt19937_64& random) {
   constexpr float kInfinity = std::numeric_limits<float>::infinity();
   constexpr float kNoNumber = std::numeric_limits<float>::quiet_NaN();

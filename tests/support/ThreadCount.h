@@ -6,7 +6,7 @@
 
 namespace support {
 
-/// Threads of this process at the moment.
+/// Number of threads in this process now.
 [[nodiscard]] inline std::size_t threadCount() {
   const std::filesystem::directory_iterator tasks("/proc/self/task");
   return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));

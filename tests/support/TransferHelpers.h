@@ -10,7 +10,7 @@ namespace support {
 
 using Bytes = std::vector<unsigned char>;
 
-/// `count` bytes that differ from their neighbours and, by `seed`, from other chunks.
+/// `count` bytes that differ from their neighbours and, with another `seed`, from other chunks.
 inline Bytes pattern(std::size_t count, unsigned seed) {
   Bytes bytes(count);
   std::uint32_t state = seed * 2654435761U + 1U;
@@ -25,7 +25,7 @@ inline void write(OVAudioBufferInterface& buffer, const Bytes& bytes, std::uint6
   buffer.writeData(bytes.data(), offset, static_cast<std::uint32_t>(bytes.size()));
 }
 
-/// The bytes that a read of `count` bytes gives.
+/// The bytes that a read of `count` bytes returns.
 inline Bytes read(OVAudioBufferInterface& buffer, std::size_t count, std::uint64_t offset) {
   Bytes bytes(count);
   bytes.resize(buffer.readDataInto(bytes.data(), count, offset).byteCount);

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "storage/OVBlockBuffer.h"
-#include "support/Checkers.h"
 #include "support/ProcessMemory.h"
+#include "support/Sanitizers.h"
 #include "support/fakes/SparseTemporaryFiles.h"
 #include "waveform/OVDynamicWaveForm.h"
 #include "waveform/OVStaticWaveform.h"
@@ -17,12 +17,12 @@
 namespace {
 
 constexpr std::uint64_t kFrameBytes = 8;
-constexpr std::uint64_t kHour = 44100ULL * (support::kThreadChecker ? 360 : 3600);  // frames
+constexpr std::uint64_t kHour = 44100ULL * (support::kThreadSanitizer ? 360 : 3600);  // frames
 constexpr std::uint64_t kHours = 20;
 constexpr std::uint64_t kNoiseFrames = 44100;
 // What the process may grow by for a while, whatever the length: the batches of reading. The
 // checkers keep what was freed.
-constexpr std::uint64_t kAllowedGrowth = std::uint64_t{support::kAnyChecker ? 64 : 4} << 20;
+constexpr std::uint64_t kAllowedGrowth = std::uint64_t{support::kAnySanitizer ? 64 : 4} << 20;
 
 class VeryLongRecordingTest : public testing::Test {
  protected:

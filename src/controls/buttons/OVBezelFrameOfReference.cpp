@@ -11,7 +11,7 @@ const QWidget& contentViewOf(const QWidget& view) {
   return central != nullptr && central->isAncestorOf(&view) ? *central : *window;
 }
 
-// The bottom left corner of a view in its superview, y upward. A content view's is the origin.
+// The bottom left corner of a view in its superview, y upward; the origin for a content view.
 QPointF frameOrigin(const QWidget* view, const QWidget& content) {
   if (view == nullptr || view == &content || view->parentWidget() == nullptr) {
     return {};

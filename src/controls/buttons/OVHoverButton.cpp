@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr double kFocusRadius = 5.0;  // points, around the picture's own corners
+constexpr double kFocusRadius = 5.0;  // points; encloses the picture's own corners
 
 }  // namespace
 

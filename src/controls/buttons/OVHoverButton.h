@@ -3,9 +3,9 @@
 #include "controls/buttons/OVTrackingButton.h"
 #include "platform/views/NamedImage.h"
 
-/// A button that is a picture and nothing else, with another picture while the mouse is over it. A
-/// switch unless setIsSwitch(false) is called. It looks the same when disabled, and then ignores
-/// the mouse entering or leaving: disabled under the mouse, it keeps its hovering state.
+/// A button that is only a picture, with a different one while the mouse is over it. A switch
+/// unless setIsSwitch(false) is called. It looks the same when disabled, and then ignores the mouse
+/// entering or leaving: if disabled under the mouse, it keeps its hovering state.
 ///
 /// Threads: main. Real-time: not safe.
 class OVHoverButton : public OVTrackingButton {
@@ -17,7 +17,7 @@ class OVHoverButton : public OVTrackingButton {
   [[nodiscard]] bool isHovering() const { return isHovering_; }
 
   /// The picture while on; while off; while off with the mouse over it. Each is the name of an
-  /// image in the program's resources. No redraw is requested.
+  /// image in the program's resources. No redraw.
   void setOnImage(const QString& name);
   void setOffImage(const QString& name);
   void setHoverImage(const QString& name);

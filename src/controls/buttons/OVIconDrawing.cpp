@@ -13,14 +13,14 @@ bool hasFraction(qreal value) {
   return value - std::trunc(value) != 0.0;
 }
 
-// The pixels that `area` covers, wholly or in part, as the painter sees them.
+// The pixels that `area` covers, wholly or in part, in the painter's coordinates.
 QRectF coveredPixels(const QPainter& painter, const QRectF& area) {
   const QTransform& toPixels = painter.deviceTransform();
   const QRectF pixels(toPixels.mapRect(area).toAlignedRect());
   return toPixels.inverted().mapRect(pixels);
 }
 
-// Whole pixels only: half a negative of a half-covered pixel cannot be turned back.
+// Whole pixels only: the negative of a partly covered pixel could not be reverted.
 void turnIntoNegative(QPainter& painter, const QRectF& area) {
   const bool antialiasing = painter.testRenderHint(QPainter::Antialiasing);
   painter.setRenderHint(QPainter::Antialiasing, false);
@@ -29,8 +29,8 @@ void turnIntoNegative(QPainter& painter, const QRectF& area) {
   painter.setRenderHint(QPainter::Antialiasing, antialiasing);
 }
 
-// Qt has no plus-darker. Adding darknesses is adding light to a negative: turn what is below into
-// its negative, add the negative of the icon, and turn back.
+// Qt has no plus-darker. Adding darkness is adding light to a negative: invert the picture below,
+// add the inverted icon, and invert again.
 void drawPlusDarker(QPainter& painter, const QRectF& target, const QImage& image) {
   QImage negative = image;
   negative.invertPixels(QImage::InvertRgb);

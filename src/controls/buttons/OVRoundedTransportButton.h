@@ -13,7 +13,7 @@ class OVRoundedTransportButton : public OVTransportButton {
  public:
   using OVTransportButton::OVTransportButton;
 
-  /// 1 rounds the left end, any other value the right one; 0 at first. No redraw.
+  /// 1 rounds the left end, any other value the right one; initially 0. No redraw.
   [[nodiscard]] std::int32_t type() const { return type_; }
   void setType(std::int32_t type) { type_ = type; }
 

@@ -43,11 +43,11 @@ class ButtonInterface : public QAccessibleWidget {
   }
 
  private:
-  OVTrackingButton* button_;  // the interface goes when its button goes
+  OVTrackingButton* button_;  // Qt deletes the interface together with the button
 };
 
 QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
-  // Asked for each class of the object from the most derived one upward.
+  // Called for each class of the object, from the most derived one upward.
   if (className == QLatin1String(OVTrackingButton::staticMetaObject.className())) {
     return new ButtonInterface(static_cast<OVTrackingButton*>(object));
   }
@@ -66,7 +66,7 @@ bool isReturn(const QKeyEvent& event) {
   return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
 }
 
-// Half open, unlike QRect::contains: the pixel right of the last one is outside.
+// Half open: a point on the right or bottom edge is outside.
 bool isInside(const QWidget& widget, const QPointF& point) {
   return point.x() >= 0.0 && point.y() >= 0.0 && point.x() < widget.width() &&
          point.y() < widget.height();
@@ -167,7 +167,7 @@ void OVTrackingButton::keyPressEvent(QKeyEvent* event) {
 }
 
 void OVTrackingButton::keyReleaseEvent(QKeyEvent* event) {
-  // The window, for which Return alone is a command, is not to see half a key press.
+  // The window, for which plain Return is a command, must not see half a key press.
   if (!isKeyDown_ || !isReturn(*event)) {
     event->ignore();
   } else if (!event->isAutoRepeat()) {

@@ -7,17 +7,17 @@
 
 #include "platform/views/FocusRing.h"
 
-/// Base of the window's picture buttons: on and pressed state, following the mouse while
-/// it is down, and sending an action to a target. A subclass draws itself.
+/// Base of the window's picture buttons: keeps the on and pressed states, follows the mouse while
+/// it is down, and sends an action to a target. Subclasses draw.
 ///
-/// Pressing a switch turns it at once; dragging out shows the old state again and back in the new
-/// one, and only a release inside sends the action, which then finds the new state. A push button
-/// never changes isOn(). While disabled (QWidget::setEnabled) the mouse does nothing. A window that
-/// loses the keyboard cancels the press: its release may be lost.
+/// Pressing a switch toggles it at once; dragging out shows the old state, dragging back in the new
+/// one. Only a release inside sends the action, which then finds the new state. A push button never
+/// changes isOn(). While disabled (QWidget::setEnabled), the mouse does nothing. A window that
+/// loses the keyboard cancels the press, whose release may be lost.
 ///
-/// The keyboard reaches it by Tab and presses it with Ctrl+Return; every other key goes on to the
-/// window, which keeps its transport keys that way. A click does not take the focus. To assistive
-/// technology it is a button, checkable if it is a switch, that can be pressed.
+/// Tab moves the focus to it and Ctrl+Return presses it; every other key is passed on to the
+/// window, which needs its transport keys. A click does not take the focus. To assistive technology
+/// it is a button that can be pressed, checkable if it is a switch.
 ///
 /// Threads: main. Real-time: not safe.
 class OVTrackingButton : public QWidget {
@@ -38,19 +38,19 @@ class OVTrackingButton : public QWidget {
   [[nodiscard]] bool isSwitch() const { return isSwitch_; }
   void setIsSwitch(bool isSwitch) { isSwitch_ = isSwitch; }  ///< no redraw
 
-  /// The action is sent only while the target lives; with no target ever set it is not sent. The
-  /// target is kept alive for the length of the action, the button is not.
+  /// The action is sent only while the target exists, and never before one is set. The target is
+  /// kept alive during the action, the button is not.
   [[nodiscard]] std::weak_ptr<void> target() const { return target_; }
   void setTarget(std::weak_ptr<void> target);
   [[nodiscard]] const Action& action() const { return action_; }
   void setAction(Action action);
 
-  /// Ends a press without its action: the highlight goes, a switch that the mouse holds shows its
-  /// old state again, and the mouse does nothing until it is pressed again. Redraws.
+  /// Ends a press without its action: removes the highlight, restores the old state of a switch
+  /// that the mouse holds, and ignores the mouse until its next press. Redraws.
   void cancelPress();
 
-  /// A click without a mouse, as keyboard and assistive technology make it: turns a switch and
-  /// sends the action. Nothing while disabled.
+  /// A click from the keyboard or assistive technology: toggles a switch and sends the action. Does
+  /// nothing while disabled.
   void performClick();
 
  protected:
@@ -63,7 +63,7 @@ class OVTrackingButton : public QWidget {
   void focusOutEvent(QFocusEvent* event) override;
   void changeEvent(QEvent* event) override;
 
-  /// For a subclass to draw above all else.
+  /// For a subclass to draw on top.
   [[nodiscard]] const platform::FocusRing& focusRing() const { return focusRing_; }
 
  private:

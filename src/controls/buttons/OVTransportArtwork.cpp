@@ -62,8 +62,8 @@ constexpr Layer kPlainHighlighted[] = {
 };
 
 // The round types have a smaller palette: greys 0.45 to 1 in eight steps, alphas 0.07, 0.75 and 1.
-// The gradients of each state were fitted so that together they give the plain bezel's shade in
-// every row to within three levels of 255; singly they mean little.
+// The gradients of each state were fitted together: their sum matches the plain bezel's shade in
+// every row to within three levels of 255.
 constexpr Layer kRoundNormal[] = {
     {Paint::fill, 2.0F, 2.5F, 3.9F, {0.9F, 1.0F}},
     {Paint::gradient, 2.0F, 2.0F, 2.4F, {1.0F, 0.07F}, {0.7F, 0.75F}},
@@ -85,8 +85,8 @@ constexpr Layer kRoundHighlighted[] = {
     {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.45F, 0.0F}, {0.7F, 0.07F}},
 };
 
-// A half circle reaches half a point further out than a straight side. Outline and fills share its
-// centre, so that no crack opens between them.
+// A half circle extends half a point further out than a straight side. Outline and fills share its
+// centre, so that no gap appears between them.
 QRectF layerRect(const QRectF& frame, const Layer& layer, RoundEnd roundEnd) {
   constexpr qreal kRoundReach = 0.5;
   const qreal dx = layer.insetX;
@@ -100,7 +100,7 @@ QRectF layerRect(const QRectF& frame, const Layer& layer, RoundEnd roundEnd) {
   return rect;
 }
 
-// One closed arc path: the half circle joined to a rectangle as areas would show a seam.
+// One closed path: joining the areas of a half circle and a rectangle would show a seam.
 QPainterPath leftRoundPath(const QRectF& rect, qreal radius) {
   const qreal end = std::min(rect.height(), 2.0 * rect.width());  // diameter of the half circle
   const qreal corner = 2.0 * std::min({radius, rect.height() / 2.0, rect.width() / 2.0});
@@ -143,8 +143,8 @@ void drawBand(QPainter& painter, const QRectF& rect, const Layer& layer, RoundEn
   painter.fillPath(path, downward(band, layer));
 }
 
-// Along a round end the line stops where the outline bends away from it, with a short fainter
-// piece that takes the edge off.
+// At a round end, the line stops where the outline bends away from it, with a short fainter piece
+// that softens the end.
 void drawSeparator(QPainter& painter, const QRectF& rect, const Layer& layer, RoundEnd roundEnd) {
   constexpr qreal kFaintPiece = 3.0;
   QRectF line = rect;

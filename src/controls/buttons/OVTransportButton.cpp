@@ -8,7 +8,7 @@
 
 namespace {
 
-// The ring around the icon, which fits into the round ends too; points.
+// The focus ring around the icon, in points; it also fits into the round ends.
 constexpr double kFocusInsetX = 8.0;
 constexpr double kFocusInsetY = 5.0;
 constexpr double kFocusRadius = 5.0;

@@ -5,12 +5,12 @@
 #include "controls/buttons/OVTrackingButton.h"
 #include "platform/views/NamedImage.h"
 
-/// A button of the transport bar: a bezel of its own with an icon centred on it. A push button
-/// unless setIsSwitch(true) is called.
+/// A button of the transport bar: a bezel with an icon centred on it. A push button unless
+/// setIsSwitch(true) is called.
 ///
-/// Every redraw is complete. While it is pressed the bezel shows it; the icon itself
-/// changes only when the button is on as well. It must be a direct child of a view that is a
-/// direct child of the window's content view, see OVBezelFrameOfReference.
+/// Every redraw is complete. The bezel shows whether the button is pressed; the icon changes only
+/// if the button is also on. The button's superview must be a direct child of the window's content
+/// view, see OVBezelFrameOfReference.
 ///
 /// Threads: main. Real-time: not safe.
 class OVTransportButton : public OVTrackingButton {
@@ -20,7 +20,7 @@ class OVTransportButton : public OVTrackingButton {
   explicit OVTransportButton(QWidget* parent = nullptr);
 
   /// The icon while the button is on, or off: the name of an image in the program's resources. An
-  /// unknown name shows no icon. No redraw is requested.
+  /// unknown name shows no icon. No redraw.
   void setOnImage(const QString& name);
   void setOffImage(const QString& name);
 
@@ -28,7 +28,7 @@ class OVTransportButton : public OVTrackingButton {
   [[nodiscard]] QImage onImage() const { return onImage_; }
   [[nodiscard]] QImage offImage() const { return offImage_; }
 
-  /// Opacity of the icon while the button is on, 0 to 1; 1 at first. No redraw.
+  /// Opacity of the icon while the button is on, 0 to 1; initially 1. No redraw.
   [[nodiscard]] double alpha() const { return alpha_; }
   void setAlpha(double alpha) { alpha_ = alpha; }
 

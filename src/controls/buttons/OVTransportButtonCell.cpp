@@ -30,7 +30,7 @@ void OVTransportButtonCell::paintEvent(QPaintEvent* /*event*/) {
 
   QStyleOptionButton label;
   initStyleOption(&label);
-  // The bezel alone shows that it is pressed.
+  // Only the bezel shows that the button is pressed.
   label.state &= ~(QStyle::State_Sunken | QStyle::State_On);
   label.palette.setColor(QPalette::ButtonText, kLabelColor);
   painter.setOpacity(isEnabled() ? 1.0 : kDisabledOpacity);

@@ -2,8 +2,8 @@
 
 #include <QPushButton>
 
-/// A platform button with the bezel of the transport buttons: keyboard, focus, text and icon
-/// are the platform's, the bezel is drawn here and shows whether the button is pressed.
+/// A platform button with the bezel of the transport buttons. Keyboard, focus, text and icon are
+/// the platform's; the bezel is drawn here and shows whether the button is pressed.
 ///
 /// Text is drawn dark whatever the desktop's colours, since the bezel is always light.
 ///
@@ -19,7 +19,7 @@ class OVTransportButtonCell : public QPushButton {
   [[nodiscard]] bool isHighlighted() const { return isDown(); }
   void setHighlighted(bool isHighlighted) { setDown(isHighlighted); }
 
-  /// The answer alone: the background still shows at the corners.
+  /// Only a reported value: the background still shows at the corners.
   [[nodiscard]] virtual bool isOpaque() const { return true; }
 
   /// Draws the bezel into `frame` of a view; y grows downward. The painter must have antialiasing

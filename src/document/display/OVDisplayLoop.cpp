@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr double kInterval = 0.04;  // seconds, 25 a second
+constexpr double kInterval = 0.04;  // seconds: 25 ticks a second
 
 }  // namespace
 

@@ -43,16 +43,16 @@ class OVDisplayLoop {
   void end() { pollTimer_.reset(); }
   [[nodiscard]] bool isRunning() const { return pollTimer_ != nullptr; }
 
-  /// The timer's tick.
+  /// Tick of the timer.
   void tick();
   /// Rebuilds the waveform in the background, then all displays; with `regenerate` from scratch.
   void refresh(bool regenerate);
 
-  /// A file operation's progress ends: the bar goes, or shows the refresh of an edit that the
-  /// operation has not outlasted.
+  /// Ends the progress of a file operation: hides the bar, or shows the refresh of an edit if one
+  /// is still running.
   void endProgress();
 
-  /// The waveform of a file is being generated: the time shows how far it is.
+  /// The waveform of a file is being generated; the time display shows how far.
   [[nodiscard]] bool isRenderingWaveform() const { return isRenderingWaveform_; }
   void setIsRenderingWaveform(bool rendering) { isRenderingWaveform_ = rendering; }
 

@@ -31,12 +31,12 @@ class OVMarkerAndTime {
   void setIsRecordingMarker(bool recording);
   /// Moves the marker to a frame of the audio and redraws where it was and where it is.
   void moveTo(std::uint64_t frames);
-  /// Level of each channel, the mean of which is shown; without levels nothing changes.
+  /// Shows the mean of the channels' levels. Without levels, nothing changes.
   void setLevels(const std::optional<std::vector<float>>& levels);
   void setLevel(double level);
 
-  /// Shows a frame as the current time, and the audio's length. Redraws if either has changed, or
-  /// `always`.
+  /// Shows a frame as the current time, and the audio's length. Redraws if either has changed or
+  /// `always` is set.
   void showTime(std::uint64_t currentFrames, bool always = false);
   /// As showTime(), with the length loaded so far.
   void showDuration(std::uint64_t frames);

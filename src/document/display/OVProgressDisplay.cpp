@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int kSteps = 1000;  // of the bar, for 0.0 to 1.0
+constexpr int kSteps = 1000;  // of the bar, from 0.0 to 1.0
 
 }  // namespace
 

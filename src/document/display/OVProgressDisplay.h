@@ -16,10 +16,10 @@ class OVProgressDisplay {
  public:
   void connect(OVRecorderWindow* window);
 
-  /// Null where there is none.
+  /// Null if there is none.
   [[nodiscard]] QProgressBar* loadingIndicator() const { return loadingIndicator_; }
 
-  /// Replaces the bar by a new, hidden one in the same place. `activity` is the text of its label
+  /// Replaces the bar with a new, hidden one in the same place. `activity` is the text of its label
   /// and its accessible name.
   void recreate(bool indeterminate, platform::TextKey activity);
   /// Shows a new bar.
@@ -28,7 +28,7 @@ class OVProgressDisplay {
   void end();
 
   void setActivity(platform::TextKey activity);
-  /// 0 to 1 of the whole; more is shown as 1.
+  /// 0 to 1; larger values are shown as 1.
   void setValue(double value);
   void advance(double by) { setValue(value_ + by); }
   void show(bool shown);

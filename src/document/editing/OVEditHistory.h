@@ -22,7 +22,7 @@ class OVEditHistory {
  public:
   OVEditHistory(OVDocumentAudio& audio, OVDocumentSummaries& summaries);
 
-  /// The undo manager runs `undo` and `redo` as long as `target` exists.
+  /// The undo manager runs `undo` and `redo` while `target` exists.
   void open(std::weak_ptr<void> target, std::function<void()> undo, std::function<void()> redo);
   /// Drops the undo manager.
   void close();
@@ -32,7 +32,7 @@ class OVEditHistory {
   [[nodiscard]] bool canUndo() const { return undoManager_ && undoManager_->canUndo(); }
   [[nodiscard]] bool canRedo() const { return undoManager_ && undoManager_->canRedo(); }
 
-  /// The edited flag, kept by the window where there is one.
+  /// The edited flag, kept by the window if there is one.
   void setWindow(OVRecorderWindow* window);
   [[nodiscard]] bool isEdited() const;
   void setEdited(bool edited);

@@ -14,7 +14,7 @@ constexpr std::int32_t kUsualType = 0;  // WAV
 
 }  // namespace
 
-// Not one arg() for both: a name may hold the placeholder of the other.
+// Without arg(): a name may contain a placeholder.
 QString OVDocumentFile::titleWithName(const QString& name) {
   return localized("Orvo") + QStringLiteral(" - ") + name;
 }

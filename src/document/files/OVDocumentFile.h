@@ -11,7 +11,7 @@
 
 class OVRecorderWindow;
 
-/// The file that a document was opened from or saved to last, and the window's title, which names
+/// The file that a document was opened from or last saved to, and the window's title, which names
 /// it.
 ///
 /// Threads: main. Real-time: not safe.
@@ -38,11 +38,11 @@ class OVDocumentFile {
 
   /// The file's display name, "Unnamed" without a file.
   [[nodiscard]] QString shownName() const;
-  /// The name that a panel suggests, without suffix.
+  /// The name that a panel suggests, without the suffix.
   [[nodiscard]] std::string suggestedName() const;
-  /// The kind that a panel suggests: the file's own where it can be written, otherwise WAV.
+  /// The kind that a panel suggests: the file's own if it can be written, otherwise WAV.
   [[nodiscard]] std::int32_t suggestedType() const;
-  /// Whether the file can be saved without asking where and as what.
+  /// Whether the document can be saved without asking for a path and a kind.
   [[nodiscard]] bool canBeSaved() const;
   /// Path of its folder; empty without one.
   [[nodiscard]] std::string folder() const;

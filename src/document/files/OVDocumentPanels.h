@@ -20,12 +20,12 @@ class OVDocumentPanels {
  public:
   explicit OVDocumentPanels(const OVDocumentLife& life) : life_(life) {}
 
-  /// The window that they belong to; may be null.
+  /// The window that the panels belong to; may be null.
   void setWindow(QWidget* window) { window_ = window; }
 
   [[nodiscard]] bool isShown() const { return isPanelShown_; }
 
-  /// Fills in the window of each request. `chosen` receives a path, or nothing if cancelled.
+  /// Each fills in the request's window. `chosen` receives a path, or nothing if cancelled.
   void open(platform::OpenPanelRequest request,
             std::function<void(const std::optional<std::string>&)> chosen);
   void save(platform::SavePanelRequest request,

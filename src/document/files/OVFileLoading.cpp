@@ -29,11 +29,11 @@ using platform::localized;
 using platform::textKey;
 using State = OVFileOperation::State;
 
-/// Result of the reading.
+/// Result of read().
 struct OVFileLoading::Outcome {
   bool opened = false;          // otherwise the reader has reported why not
-  bool yieldedNothing = false;  // opened, but broken off before the first frame; reported, too
-  std::uint64_t endOffset = 0;  // after the last byte that is stored
+  bool yieldedNothing = false;  // the reader failed before the first frame and has reported it
+  std::uint64_t endOffset = 0;  // after the last byte stored
   int writeError = 0;           // errno of a failed write
 
   [[nodiscard]] bool failed() const { return !opened || yieldedNothing || writeError != 0; }
@@ -78,8 +78,8 @@ void OVFileLoading::chooseImport() {
 }
 
 // Opening may take a while, on a slow medium or with a damaged file: the document is in a file
-// operation from here on, and as it was again when it fails. What recorded or played is paused
-// first, so what was captured by now is not part of the undoable step.
+// operation from here on, and back in its former state if opening fails. Recording and playback are
+// paused first, so audio captured so far is not part of the undoable step.
 void OVFileLoading::openForImport(const std::string& path) {
   if (parts_.operation.isActive()) {
     return;
@@ -128,7 +128,7 @@ void OVFileLoading::open(const std::string& path) {
 
 // Reading ---------------------------------------------------------------------------------------
 
-// The reader is opened already for an import.
+// For an import, the reader is already open.
 void OVFileLoading::load(const std::string& path, std::shared_ptr<OVAudioFileReader> reader) {
   parts_.summaries.abandonWork();
   const auto failures = parts_.transport.writeFailures();
@@ -185,7 +185,7 @@ void OVFileLoading::loadingEnded(const std::string& path, const Outcome& outcome
   if (rolledBack_) {
     parts_.history.rollBackStep();
   } else if (outcome.failed()) {
-    // The chunk that could not be stored follows everything else.
+    // The chunk that could not be stored is the last one.
     parts_.audio.buffer()->cutoffBufferAfterPosition(outcome.endOffset /
                                                      parts_.audio.bytesPerFrame());
     parts_.file.forget();

@@ -22,9 +22,9 @@ class OVMarkerAndTime;
 class OVProgressDisplay;
 class OVTransport;
 
-/// Opening a file into the document, and importing one at the recording position as an undoable
-/// step. The file is read on the global queue; then the whole waveform is generated, and the
-/// document is stopped again.
+/// Opens a file into the document, or imports one at the recording position as an undoable step.
+/// The file is read on the global queue; then the whole waveform is generated, and the document is
+/// stopped again.
 ///
 /// Threads: main. Real-time: not safe.
 class OVFileLoading {
@@ -53,7 +53,7 @@ class OVFileLoading {
 
   OVFileLoading(const Parts& parts, Callbacks callbacks);
 
-  /// Nothing while another file operation runs.
+  /// Does nothing while another file operation runs.
   void open(const std::string& path);
   /// Asks for the file. A file that cannot be read changes nothing.
   void chooseImport();

@@ -18,7 +18,7 @@ class OVFramePositions;
 class OVProgressDisplay;
 class OVTransport;
 
-/// Saving the document, and exporting a range of it as a ringtone, on the global queue.
+/// Saves the document, and exports a range of it as a ringtone, on the global queue.
 ///
 /// Threads: main. Real-time: not safe.
 class OVFileSaving {
@@ -37,27 +37,27 @@ class OVFileSaving {
     OVDisplayLoop& displayLoop;
   };
 
-  /// Longest ringtone, in seconds: phones take no longer ones.
+  /// Maximum length of a ringtone, in seconds: phones accept no longer ones.
   static constexpr double kRingtoneSeconds = 40.0;
 
   /// `written` is called when everything was written, `failed` when a save or an export failed or
   /// was cancelled.
   OVFileSaving(const Parts& parts, std::function<void()> written, std::function<void()> failed);
 
-  /// Saves to the document's file in its kind; asks where for a document that has none. Nothing
-  /// while a file operation runs or a panel is shown; the same of saveAs() and exportRingtone().
-  /// False if nothing was begun.
+  /// Saves to the document's file in its kind, or asks for a path if it has none. Like saveAs() and
+  /// exportRingtone(), does nothing while a file operation runs or a panel is shown. False if
+  /// nothing was begun.
   bool save();
   bool saveAs();
   /// `withType` is a kind of the file writer, 0 to 3.
   void saveNamed(const std::string& path, std::int32_t withType);
-  /// Asks where and writes at most kRingtoneSeconds from the marker, or from the start when the
+  /// Asks for a path and writes at most kRingtoneSeconds from the marker, or from the start if the
   /// marker is at the end, as AAC in an .m4r file; complete() then opens it with the desktop's
-  /// program.
+  /// default program.
   void exportRingtone();
 
-  /// Ends the file operation after everything was written. After a save the document is stopped
-  /// and no longer edited; an export touches neither.
+  /// Ends the file operation after everything was written. After a save, the transport is stopped
+  /// and the document no longer edited; an export changes neither.
   void complete();
 
  private:

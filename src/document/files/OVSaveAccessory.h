@@ -6,13 +6,13 @@
 #include <QPointer>
 #include <QWidget>
 
-/// The choice of the file's kind below the files in a save panel. The panel owns the views; a copy
-/// refers to the same views.
+/// The selector of the file's kind in a save panel. The panel owns the views; a copy refers to the
+/// same views.
 ///
 /// Threads: main. Real-time: not safe.
 class OVSaveAccessory {
  public:
-  /// Offers the kinds that can be written, `type` chosen.
+  /// Offers the kinds that can be written, with `type` selected.
   explicit OVSaveAccessory(std::int32_t type);
 
   [[nodiscard]] QWidget* view() const { return fileSaveAccessoryView_; }

@@ -16,9 +16,9 @@ namespace {
 // Initial guess of the smallest gap: a disk loses at least a page of 4 KiB.
 constexpr std::uint64_t kPageFrames = 512;
 
-// Reads a whole range of a buffer. Unreadable frames become silence, so that everything after them
-// stays in place, and are counted. A failing disk is slow: the end of a gap is searched in growing
-// steps, then by bisection of the last step.
+// Reads a whole range of a buffer. Unreadable frames are counted and become silence, so that
+// everything after them stays in place. A failing disk is slow: the end of a gap is searched in
+// growing steps, then by bisection of the last step.
 class StretchReader {
  public:
   explicit StretchReader(OVAudioBufferInterface& buffer)
@@ -75,7 +75,7 @@ class StretchReader {
   OVAudioBufferInterface& buffer_;
   const std::uint64_t frameBytes_;
   std::vector<float> frame_;
-  std::uint64_t step_ = kPageFrames;  // grows while a gap goes on, also from chunk to chunk
+  std::uint64_t step_ = kPageFrames;  // grows while a gap continues, even across chunks
   std::uint64_t missing_ = 0;
 };
 

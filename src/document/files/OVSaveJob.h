@@ -7,8 +7,8 @@
 
 #include "storage/OVAudioBufferInterface.h"
 
-/// Writes a range of a buffer to an audio file: writes beside the target, syncs, then renames over
-/// the target. A failed save leaves the target unchanged and no file beside it.
+/// Writes a range of a buffer to an audio file: writes a file beside the target, syncs it, then
+/// renames it over the target. A failed save leaves the target unchanged and no file beside it.
 ///
 /// Threads: run() on any one thread; the buffer must not be edited meanwhile.
 /// Real-time: not safe.
@@ -31,12 +31,12 @@ class OVSaveJob {
     std::uint64_t unreadableFrames = 0;
   };
 
-  /// Called after each chunk with the fraction that is written, 0 to 1.
+  /// Called after each chunk with the fraction written so far, 0 to 1.
   using Progress = std::function<void(double fraction)>;
 
   /// Frames read and written at a time: six seconds.
   static constexpr std::uint64_t kChunkFrames = platform::kFileChunkFrames;
 
-  /// Throws nothing: without memory the save fails with ENOMEM.
+  /// Throws nothing: if memory runs out, the save fails with ENOMEM.
   [[nodiscard]] static Outcome run(const Request& request, const Progress& progress);
 };

@@ -21,7 +21,7 @@ namespace {
 
 constexpr const char* kPictureSuffix = "png";
 
-// On a background queue, which lets no exception out. 0, or the errno of the failure.
+// Runs on a background queue, which must not see an exception. 0, or the errno of the failure.
 int writePicture(const QImage& picture, const std::string& path) try {
   QByteArray encoded;
   QBuffer target(&encoded);
@@ -42,7 +42,7 @@ int writePicture(const QImage& picture, const std::string& path) try {
 void writePictureOf(OVWaveFormView& view, const std::string& path) {
   QImage picture = view.image();
   if (picture.isNull()) {
-    picture = view.grab().toImage();  // never painted so far
+    picture = view.grab().toImage();  // not painted yet
   }
   platform::globalQueue().async([picture, path] {
     const int error = writePicture(picture, path);

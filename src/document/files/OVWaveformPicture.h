@@ -7,8 +7,8 @@
 class OVDocumentFile;
 class OVDocumentPanels;
 
-/// Asks where, and writes the view's picture as PNG, in the screen's own pixels, on the global
-/// queue. Nothing without a view.
+/// Asks for a path and writes the view's picture to it as PNG, in the screen's own pixels, on the
+/// global queue. Does nothing without a view.
 ///
 /// Threads: main. Real-time: not safe.
 void exportWaveformPicture(const QPointer<OVWaveFormView>& view, OVDocumentPanels& panels,

@@ -16,12 +16,12 @@ inline constexpr std::uint64_t kLoadChunkFrames = platform::kFileChunkFrames;
 struct LoadRequest {
   std::shared_ptr<OVAudioBufferInterface> buffer;
   std::uint64_t atByteOffset = 0;
-  /// Set by any thread: loading ends at the next chunk.
+  /// May be set by any thread: loading then ends at the next chunk.
   std::shared_ptr<const std::atomic<bool>> cancelled;
   /// The errno of a write that failed since the last call, 0 for none.
   std::function<int()> takeWriteError;
-  /// After each chunk: the offset after it, and the chunk's share of the whole, which may exceed 1
-  /// and is an estimate.
+  /// Called after each chunk with the offset after it and the chunk's share of the whole, an
+  /// estimate that may exceed 1.
   std::function<void(std::uint64_t byteOffset, double step)> progress;
 };
 

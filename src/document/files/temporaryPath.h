@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// A fresh path in the user's temporary directory that begins with "velmar_"; the file is not made.
+/// A fresh path, named "velmar_…", in the user's temporary directory. Creates no file.
 ///
 /// Threads: any. Real-time: not safe.
 [[nodiscard]] std::string freshTemporaryPath();

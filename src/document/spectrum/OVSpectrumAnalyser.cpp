@@ -11,7 +11,7 @@ namespace {
 
 constexpr float kMagnitudeScale = 1.0F / 64.0F;
 
-// The stored audio is stereo, interleaved: every other float is the first channel.
+// The stored audio is interleaved stereo: every other float belongs to the first channel.
 constexpr std::size_t kStoredStride = 2;
 constexpr std::size_t kRecordedStride = 1;
 
@@ -39,7 +39,7 @@ std::span<const float> OVSpectrumAnalyser::doFFT(OVAudioBufferInterface* buffer,
   clearArrays();
   if (buffer != nullptr) {
     const std::uint64_t offset = buffer->format().mBytesPerFrame * playbackPosition;
-    // However little it reads, the rest is zero.
+    // What cannot be read stays zero.
     static_cast<void>(
         buffer->readDataInto(fft_input_.real.data(), kArrayLength * sizeof(float), offset));
   }
@@ -52,7 +52,7 @@ std::span<const float> OVSpectrumAnalyser::doFFTwithData(const void* data, std::
     return {};
   }
   clearArrays();
-  // A count of frames that bounds an index of samples: half of the data is never looked at.
+  // A count of frames that bounds an index of samples: the second half of the data is never used.
   const std::size_t frameCount = size / platform::kWorkingFormat.mBytesPerFrame;
   std::size_t source = 0;
   for (std::size_t i = 0; i < kLength / 2; i += 2) {

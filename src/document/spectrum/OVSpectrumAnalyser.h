@@ -10,34 +10,33 @@
 
 class OVAudioBufferInterface;
 
-/// Turns audio into the magnitudes that the spectrum view draws: a transform of n = 4096 points
-/// without window, decibels or smoothing, each bin's magnitude divided by 64.
+/// Computes the magnitudes that the spectrum view draws: a transform of n = 4096 points without
+/// window, decibels or smoothing, each bin's magnitude divided by 64.
 ///
-/// There are two analyses, and they differ on purpose. The one of stored audio takes n frames of
-/// the first channel and gives 2048 bins, 0 to 22050 Hz. The one of freshly recorded audio takes
-/// 1024 samples as they come, both channels in turn, spread over the even places of the first half
-/// of the input, and gives 512 bins.
+/// The two analyses differ on purpose. For stored audio, the input is n frames of the first channel
+/// and the result 2048 bins, 0 to 22050 Hz. For freshly recorded audio, the input is 1024 samples
+/// with the channels interleaved, spread over the even indices of its first half, and the result
+/// 512 bins.
 ///
-/// Threads: main, or one at a time. Real-time: not safe (it reads the buffer; nothing is allocated
-/// after creation).
+/// Threads: main, or any one at a time. Real-time: not safe (it reads the buffer; nothing is
+/// allocated after creation).
 class OVSpectrumAnalyser {
  public:
-  /// Null when there is no memory for the transform.
+  /// Null if there is no memory for the transform.
   [[nodiscard]] static std::unique_ptr<OVSpectrumAnalyser> create();
 
-  /// Analyses the stored audio from a frame position on. Past the end of the audio the input is
-  /// zero, and so is all of it without a buffer.
+  /// Analyses the stored audio from a frame position on. Past the end of the audio, and without a
+  /// buffer, the input is zero.
   ///
   /// @return 2048 magnitudes, valid until the next analysis.
   [[nodiscard]] std::span<const float> doFFT(OVAudioBufferInterface* buffer,
                                              std::uint64_t playbackPosition);
 
-  /// Analyses `size` bytes of 32-bit floats; no alignment is needed. Only their first half is
-  /// taken, size / 8 samples, but at least the first one, from the start again as often as it takes
-  /// to make 1024.
+  /// Analyses `size` bytes of 32-bit floats; no alignment is needed. Uses only the first half of
+  /// them, size / 8 samples but at least one, repeated from the start to make 1024.
   ///
-  /// @return 512 magnitudes, valid until the next analysis; none, with nothing done, when there is
-  /// no whole sample in the data (0 to 3 bytes).
+  /// @return 512 magnitudes, valid until the next analysis; empty, with nothing changed, if the
+  /// data holds no whole sample (0 to 3 bytes).
   [[nodiscard]] std::span<const float> doFFTwithData(const void* data, std::uint32_t size);
 
   /// Base-2 logarithm of the transform's length.
@@ -48,7 +47,7 @@ class OVSpectrumAnalyser {
   /// Its output: n bins, followed by as many zeros.
   [[nodiscard]] std::span<const float> fft_outputReal() const { return fft_output_.real; }
   [[nodiscard]] std::span<const float> fft_outputImaginary() const { return fft_output_.imaginary; }
-  /// Off after every analysis; nothing sets it.
+  /// False after every analysis; nothing sets it.
   [[nodiscard]] bool doingfft() const { return doingfft_; }
 
  private:

@@ -23,8 +23,8 @@ std::pair<std::shared_ptr<OVWaveformSummary>, std::shared_ptr<OVWaveformSummary>
   return {};
 }
 
-// Recordings longer than this many seconds are drawn from a static summary when they are recorded
-// over: all of them.
+// Recordings longer than this many seconds, which means all, use a fixed-size summary while they
+// are overwritten.
 constexpr double kStaticSummaryThreshold = 0.0;
 
 }  // namespace
@@ -63,14 +63,14 @@ void OVDocumentSummaries::keep() {
   formerKept_ = std::exchange(
       kept_, {.summary = waveForm()->copy(), .inARefresh = isRefreshing_, .length = length});
   if (waveForm()->readerPos() > length) {
-    // The undo of an undo may leave it ahead of the audio: what comes now would not get in.
+    // A redo may leave it ahead of the audio: new audio would then not be added.
     waveForm()->setShouldRegenerateWaveform(true);
   }
 }
 
 void OVDocumentSummaries::willExchange() {
   abandonWork();  // first: no generation begins from here on
-  // What is under way reads on in the audio that comes, and what is being built never gets in.
+  // A running generation reads on in the exchanged audio; a summary being built is not installed.
   leavingIsStale_ = work_->isGenerating(*waveForm()) || waveformIsChanging_;
 }
 
@@ -91,12 +91,12 @@ void OVDocumentSummaries::refresh(bool regenerate, std::function<void()> ended) 
   abandonWork();
   isRefreshing_ = true;
   if (regenerate) {
-    // At once: a copy that is taken before the task begins has to know it, too.
+    // At once: a copy made before the task begins needs the flag, too.
     waveForm()->setShouldRegenerateWaveform(true);
   }
   platform::globalQueue().async([self = weak_from_this(), summary = waveForm(), work = work_,
                                  epoch = work_->epoch(), ended = std::move(ended)] {
-    static_cast<void>(work->generate(*summary, epoch));  // the main thread asks for the epoch
+    static_cast<void>(work->generate(*summary, epoch));  // the main thread checks the epoch
     platform::mainQueue().async([self, epoch, ended] {
       if (const auto summaries = self.lock()) {
         summaries->refreshEnded(epoch, ended);
@@ -106,7 +106,7 @@ void OVDocumentSummaries::refresh(bool regenerate, std::function<void()> ended) 
 }
 
 void OVDocumentSummaries::refreshEnded(std::uint64_t epoch, const std::function<void()>& ended) {
-  if (epoch == work_->epoch() && !work_->cancelled()) {  // what came after it shows itself
+  if (epoch == work_->epoch() && !work_->cancelled()) {  // a later change has its own refresh
     isRefreshing_ = false;
     ended();
   }
@@ -125,7 +125,7 @@ void OVDocumentSummaries::follow(std::uint64_t position, std::uint64_t chunkFram
   }
 }
 
-// A growing summary while appending, one of fixed size while recording over what is there.
+// A growing summary while appending, a fixed-size one while overwriting.
 void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFrames) {
   const std::uint64_t size = buffer_->bufferSizeInFrames();
   const auto dynamic = std::dynamic_pointer_cast<OVDynamicWaveForm>(waveForm());
@@ -143,7 +143,7 @@ void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFram
   }
   const double threshold = kStaticSummaryThreshold * buffer_->format().mSampleRate;
   if (static_cast<double>(size) > threshold && dynamic && position + chunkFrames < size) {
-    // Wait for one still being generated; it also takes in audio recorded meanwhile.
+    // A summary still being generated is awaited; it also includes audio recorded meanwhile.
     const bool unfinished = isRefreshing_ || kept_.inARefresh;
     replace({.build = [dynamic, work = work_,
                        epoch = work_->epoch()]() -> std::shared_ptr<OVWaveformSummary> {
@@ -152,7 +152,7 @@ void OVDocumentSummaries::choose(std::uint64_t position, std::uint64_t chunkFram
                           : nullptr;
              },
              .mayMissChunks = unfinished,
-             // Also when the recording went past the end before it was moved back.
+             // Also if the recording went past the end before it was moved back.
              .holdsNewAudio = unfinished || size > kept_.length});
   }
 }
@@ -161,16 +161,17 @@ void OVDocumentSummaries::replace(Replacement replacement) {
   waveformIsChanging_ = true;
   platform::globalQueue().async(
       [self = weak_from_this(), replacement = std::move(replacement), epoch = work_->epoch()] {
-        const auto [summary, copy] = buildWithMemory(replacement.build);
-        platform::mainQueue().async([self, replacement, summary, copy, epoch] {
-          if (const auto summaries = self.lock()) {
-            summaries->waveformIsChanging_ = false;
-            // Otherwise an edit or an undo came first: this is a summary of older audio.
-            if (summary && epoch == summaries->work_->epoch()) {
-              summaries->install(replacement, summary, copy);
-            }
-          }
-        });
+        auto [summary, copy] = buildWithMemory(replacement.build);
+        platform::mainQueue().async(
+            [self, replacement, epoch, summary = std::move(summary), copy = std::move(copy)] {
+              if (const auto summaries = self.lock()) {
+                summaries->waveformIsChanging_ = false;
+                // Otherwise an edit or undo came first: this is a summary of older audio.
+                if (summary && epoch == summaries->work_->epoch()) {
+                  summaries->install(replacement, summary, copy);
+                }
+              }
+            });
       });
 }
 
@@ -194,7 +195,7 @@ void OVDocumentSummaries::extend() {
   }
   fft_queue_.async([view = view_, summary = waveForm(), queued = extensionQueued_, work = work_,
                     epoch = work_->epoch()] {
-    *queued = false;  // what is written from here on asks anew
+    *queued = false;  // audio written from here on needs another extension
     if (work->generate(*summary, epoch)) {
       platform::mainQueue().async([view] {
         if (view) {

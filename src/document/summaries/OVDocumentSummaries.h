@@ -79,13 +79,13 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
 
   // Recording -----------------------------------------------------------------------------------
 
-  /// A tick of the display loop while recording: chooses the kind of summary, and adds what has
-  /// been written. `position`, in frames, is the end of the last chunk written, and `chunkFrames`
+  /// A tick of the display loop while recording: chooses the kind of summary and adds the audio
+  /// written since. `position`, in frames, is the end of the last chunk written, and `chunkFrames`
   /// the length of that chunk.
   void follow(std::uint64_t position, std::uint64_t chunkFrames);
-  /// Adds the audio not summarised yet in the background, then redraws the view.
+  /// Adds the audio not yet summarised in the background, then redraws the view.
   void extend();
-  /// A chunk that was written up to the frame `position` goes into a summary of fixed size at once.
+  /// Adds a written chunk that ends at the frame `position` to a fixed-size summary at once.
   /// Threads: the writer's.
   void chunkWritten(const float* chunk, std::uint32_t byteCount, std::uint64_t position);
 
@@ -93,16 +93,16 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   /// The summary that an undo or a redo restores.
   struct Kept {
     std::shared_ptr<OVWaveformSummary> summary;
-    bool isStale = false;      // it does not describe the audio that comes with it
+    bool isStale = false;      // it does not describe the audio restored with it
     bool inARefresh = false;   // the step began before a refresh had ended
     std::uint64_t length = 0;  // of the audio when the step began, in frames
   };
 
-  /// How a summary of the other kind is made while recording.
+  /// How a summary of the other kind is built while recording.
   struct Replacement {
-    /// Runs in the background; yields null when an edit came first.
+    /// Runs in the background; returns null if an edit came first.
     std::function<std::shared_ptr<OVWaveformSummary>()> build;
-    /// Chunks may be written where it has already read: it is generated once more after install().
+    /// Chunks may be written where it has already read: it is generated again after install().
     bool mayMissChunks = false;
     /// It may hold audio being recorded, which its copy must not show after an undo.
     bool holdsNewAudio = false;
@@ -129,7 +129,7 @@ class OVDocumentSummaries : public std::enable_shared_from_this<OVDocumentSummar
   bool leavingIsStale_ = false;  // the summary about to be exchanged for the kept one is stale
   bool isRefreshing_ = false;
   bool waveformIsChanging_ = false;
-  // One extension in line is enough, for each summary and epoch. The flag is set on the main thread
-  // and cleared by the queue's block before it reads the audio.
+  // At most one extension is queued for each summary and epoch. The flag is set on the main thread
+  // and cleared by the queued block before it reads the audio.
   std::shared_ptr<std::atomic<bool>> extensionQueued_;
 };

@@ -26,9 +26,9 @@ class OVSummaryWork {
   /// Set by cancel(); for generations run elsewhere.
   [[nodiscard]] const std::atomic<bool>& cancelled() const { return cancelled_; }
 
-  /// Runs the summary's generate() unless `epoch` is over. True if `epoch` is
-  /// still current at the end: the summary describes the present audio. False also when memory ran
-  /// out; the summary then requests regeneration.
+  /// Runs the summary's generate() unless `epoch` is over. True if `epoch` is still current at the
+  /// end: the summary describes the present audio. False also if memory ran out; the summary then
+  /// requests regeneration.
   [[nodiscard]] bool generate(OVWaveformSummary& summary, std::uint64_t epoch);
 
   /// A generation of this summary is under way, whatever its epoch.
@@ -42,5 +42,5 @@ class OVSummaryWork {
 
   mutable platform::Mutex mutex_;  // never held during a generation
   std::uint64_t epoch_ GUARDED_BY(mutex_) = 0;
-  std::vector<const OVWaveformSummary*> underWay_ GUARDED_BY(mutex_);  // one entry a generation
+  std::vector<const OVWaveformSummary*> underWay_ GUARDED_BY(mutex_);  // one per generation
 };

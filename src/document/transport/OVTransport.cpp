@@ -88,7 +88,7 @@ void OVTransport::record() {
     return;
   }
   if (player_) {
-    endPlaying();  // it has ended; its report would end the recording
+    endPlaying();  // playback has ended; its late report would end the recording
   }
   if (const auto former = recorder(); !former || former->failure() != platform::kAudioStatusOk) {
     replaceRecorder();
@@ -148,7 +148,7 @@ void OVTransport::pauseIfRunning() {
 
 void OVTransport::endRecording() {
   const auto input = recorder();
-  input->pause();  // from here on writingPosition stands still
+  input->pause();  // from here on writingPosition is constant
   const auto buffer = parts_.audio.buffer();
   const std::uint64_t end = input->writingPosition() / parts_.audio.bytesPerFrame();
   parts_.positions.setRecording(end);
@@ -156,11 +156,11 @@ void OVTransport::endRecording() {
   if (const auto blocks = std::dynamic_pointer_cast<OVBlockBuffer>(buffer)) {
     blocks->optimize();
   }
-  parts_.summaries.extend();  // the last chunk shows too
+  parts_.summaries.extend();  // includes the last chunk
 }
 
-// The position is taken when it stands still, so that the marker and the next recording begin at
-// the same frame.
+// The position is read once it is constant, so that the marker and the next recording begin at the
+// same frame.
 void OVTransport::endPlaying() {
   const auto player = std::exchange(player_, nullptr);
   player->stop();
@@ -190,7 +190,7 @@ void OVTransport::moveTo(std::uint64_t frames) {
   setRecordingPosition(frames);
 }
 
-// The player first: what it reports from here on is the new place.
+// The player first, so that it reports the new position from here on.
 void OVTransport::setPlaybackPosition(std::uint64_t frames) {
   if (player_) {
     player_->setReadingPosition(frames * parts_.audio.bytesPerFrame());
@@ -261,9 +261,9 @@ void OVTransport::playbackEnded(const OVAQPlayer* player) {
   const bool isCurrent = player != nullptr && player == player_.get();
   const bool isLate = player != nullptr && !isCurrent && (isRecording() || player_);
   if (parts_.operation.isActive() || isLate) {
-    return;  // of a playback that has been ended already
+    return;  // the report of a playback that has already been ended
   }
-  // The last report of its advance may have come before To End set both positions.
+  // Its last advance may have been reported before To End set both positions.
   const std::uint64_t place =
       isCurrent ? player->readingPosition() / parts_.audio.bytesPerFrame() : 0;
   if (std::max(place, parts_.positions.playback()) >= parts_.audio.sizeInFrames()) {
@@ -271,7 +271,7 @@ void OVTransport::playbackEnded(const OVAQPlayer* player) {
   } else if (isCurrent) {
     const bool deviceFailed = player->failure() != platform::kAudioStatusOk;
     const int error = readError_.exchange(0);
-    pause();  // the marker stays where playing broke off
+    pause();  // the marker stays where playback broke off
     if (error != 0 && !deviceFailed) {
       tellReadingFailed(error);
     }
@@ -305,7 +305,7 @@ void OVTransport::inputFailed(const std::weak_ptr<OVAQRecorder>& recorder) {
   const std::uint64_t marker = parts_.positions.playback();
   pause();
   if (!writtenSincePress_) {
-    // The answer that there is no input came after the press: as if Record had not been pressed.
+    // The report that there is no input came after the press: as if Record had not been pressed.
     parts_.history.rollBackStep();
     parts_.positions.setPlayback(marker);
   }
@@ -316,15 +316,15 @@ void OVTransport::writingFailed(const OVWriteFailures::Failure& failure) {
   if (failed && failed == recorder()) {
     pause();
   }
-  // Otherwise an edit, an undo or another recording came first: what stands there is other audio.
+  // Otherwise an edit, undo or another recording came first, and the range now holds other audio.
   if (parts_.history.revision() == failure.revision) {
     dropLostEnd(failure.atByteOffset, failure.withSize);
   }
   OVWriteFailures::tellRecordingStopped(failure.error);
 }
 
-// A lost chunk at the end of the recording goes, so that it plays to its end. One in the middle
-// stays: undo restores the audio before it.
+// A lost chunk at the end of the recording is removed, so that the recording plays to its end. One
+// in the middle stays: undo restores the former audio.
 void OVTransport::dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize) {
   const std::uint64_t frameSize = parts_.audio.bytesPerFrame();
   const std::uint64_t lost = atByteOffset / frameSize;

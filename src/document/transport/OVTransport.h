@@ -43,8 +43,8 @@ class OVTransport {
   OVTransport(const OVTransport&) = delete;
   OVTransport& operator=(const OVTransport&) = delete;
 
-  /// The delegate is notified of the playback's advance and end, the handler when recording or
-  /// playing has begun or ended.
+  /// The delegate is notified of the advance and end of playback; the handler is called when
+  /// recording or playing has begun or ended.
   void setDelegate(std::weak_ptr<OVAQPlayerDelegate> delegate) { delegate_ = std::move(delegate); }
   void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
   /// Called when audio was cut because it could not be written.
@@ -59,16 +59,14 @@ class OVTransport {
   /// The running recording has written something.
   [[nodiscard]] bool hasRecorded() const { return writtenSincePress_; }
 
-  /// Level of each channel of playback or recording, `first` preferred; none at rest.
+  /// Level of each channel of playback or recording; `first` is preferred, none at rest.
   [[nodiscard]] std::optional<std::vector<float>> powerLevels(OVTransportState first) const;
 
   // Commands ------------------------------------------------------------------------------------
 
-  /// Does nothing while a file operation or playback runs, or without an input device; the last is
-  /// alerted.
+  /// Does nothing during a file operation or playback. Without an input device, alerts the user.
   void record();
-  /// Does nothing while a file operation or a recording runs, or without an output device; the last
-  /// is alerted.
+  /// Does nothing during a file operation or a recording. Without an output device, alerts the user.
   void play();
   /// Ends recording and playing. The recorder is replaced, since a recorder is not reused after a
   /// pause.
@@ -100,12 +98,12 @@ class OVTransport {
 
   // Reports -------------------------------------------------------------------------------------
 
-  /// `player` has ended; null if unknown.
+  /// `player` has ended; null if it is unknown which.
   void playbackEnded(const OVAQPlayer* player);
   /// The recorder while it records, otherwise null.
   /// Threads: any.
   [[nodiscard]] std::shared_ptr<OVAQRecorder> runningRecorder() const;
-  /// It has written a chunk that ends at this frame.
+  /// The recorder has written a chunk that ends at this frame.
   /// Threads: the writer's.
   void recordedUpTo(std::uint64_t frames);
   /// The storage failed with this errno.

@@ -63,7 +63,7 @@ void OVTransportControls::connect(OVRecorderWindow* window, const std::weak_ptr<
   roundOff(view(Button::next), 0);
 }
 
-// What the transport does -----------------------------------------------------------------------
+// State of the transport ------------------------------------------------------------------------
 
 void OVTransportControls::show(OVTransportState state, bool available) {
   if (std::exchange(state_, state) != state) {
@@ -91,7 +91,7 @@ void OVTransportControls::showButton(Button button, bool enabled) {
     return;
   }
   if (!enabled) {
-    cancelPress(button);  // it would not see the release, of a key as little as of the mouse
+    cancelPress(button);  // it would see neither the key's nor the mouse's release
   }
   view(button)->setEnabled(enabled);
   if (isSwitch(button) && !view(button)->isHighlighted()) {

@@ -31,8 +31,8 @@ class OVTransportControls {
   enum class Button : std::uint8_t { rec, play, prev, next, stop, pause };
   static constexpr std::size_t kButtonCount = 6;
 
-  /// Finds the buttons and the waveform by their names in the window and sets the buttons' icons.
-  /// `action` is called with the pressed button as long as `target` exists.
+  /// Finds the buttons and the waveform by their names in the window, and sets the buttons' icons.
+  /// `action` is called with the pressed button while `target` exists.
   void connect(OVRecorderWindow* window, const std::weak_ptr<void>& target,
                std::function<void(Button, OVTransportButton*)> action);
 

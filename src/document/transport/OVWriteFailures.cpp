@@ -27,7 +27,7 @@ void OVWriteFailures::loadingEnded() {
 
 void OVWriteFailures::failedToWrite(int error, const std::shared_ptr<OVAQRecorder>& recorder) {
   if (recorder && recorder->isRecording()) {
-    recorder->stopWriting();  // what cannot be kept is not mapped either
+    recorder->stopWriting();  // so that later chunks, which cannot be stored, are not mapped
     writeError_ = error;
   } else if (isLoading_) {
     writeError_ = error;

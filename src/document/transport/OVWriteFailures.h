@@ -7,8 +7,8 @@
 
 class OVAQRecorder;
 
-/// Failed writes to a document's temporary file, carried from the writer's thread to a single
-/// alert.
+/// Reports failed writes to a document's temporary file, which occur on the writer's thread, in a
+/// single alert.
 ///
 /// The buffer reports a failed write first and then, if the chunk was mapped nevertheless, the
 /// chunk. The first failure of a recording is reported at that point, when the lost range is known;
@@ -17,7 +17,7 @@ class OVAQRecorder;
 /// Threads: stated with each operation. Real-time: not safe.
 class OVWriteFailures {
  public:
-  /// A recording's first failed write, and the byte range that it was meant for.
+  /// A recording's first failed write, and the byte range that was to be written.
   struct Failure {
     int error = 0;  ///< errno
     std::weak_ptr<OVAQRecorder> recorder;

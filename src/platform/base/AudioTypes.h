@@ -44,8 +44,8 @@ inline constexpr std::uint32_t kLinearPcmFormat = fourCharacterCode("lpcm");
 inline constexpr std::uint32_t kFloatFormatFlag = 1;
 inline constexpr std::uint32_t kPackedFormatFlag = 8;
 
-/// Layout of samples in memory. 40 bytes; the field order is that of the description that audio
-/// queues and files exchange.
+/// Layout of samples in memory. 40 bytes, with the fields in the order that audio queues and files
+/// exchange.
 struct AudioStreamBasicDescription {
   double mSampleRate = 0;             ///< frames a second
   std::uint32_t mFormatID = 0;        ///< four characters

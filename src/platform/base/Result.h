@@ -10,7 +10,7 @@ namespace platform {
 /// An object, or the error that prevented making it.
 ///
 /// @tparam T the object, or a std::unique_ptr to it where its class may vary
-/// @tparam Error  an errno unless said otherwise
+/// @tparam Error  an errno unless noted
 ///
 /// Threads: one at a time. Real-time: safe where T is.
 template <typename T, typename Error = int>

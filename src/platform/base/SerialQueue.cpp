@@ -29,7 +29,7 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
   Mutex mutex;
   Condition turnGiven;
   std::deque<Item> line GUARDED_BY(mutex);
-  bool busy GUARDED_BY(mutex) = false;       // someone holds the right to run
+  bool busy GUARDED_BY(mutex) = false;       // a thread holds the right to run
   std::thread::id holder GUARDED_BY(mutex);  // the thread inside a block
 
   void submitDrain() {

@@ -13,8 +13,8 @@ class CubebConnection;
 /// The default microphone and loudspeaker of the machine, through cubeb.
 ///
 /// Input and output each have their own connection to the sound system, and so their own audio
-/// thread. A connection is not used again after any failure: it may belong to a dead server, or to
-/// a fallback chosen while there was no server.
+/// thread. A connection is discarded once a stream on it failed to open or died: it may belong to a
+/// dead server, or to a fallback chosen while no server ran.
 ///
 /// Failures are logged to `consoleLog`, since a status says little. cubeb's own log stays off,
 /// because it would be written on the audio threads.
@@ -29,13 +29,13 @@ class CubebAudioDevice final : public AudioDevice {
 
   explicit CubebAudioDevice(ModuleConsole* consoleLog);
 
-  /// Disconnects once the streams are gone as well.
+  /// Disconnects once the streams are destroyed too.
   ~CubebAudioDevice() override;
 
   [[nodiscard]] Input openInput(AudioInputClient& client) override;
   [[nodiscard]] Output openOutput(AudioOutputClient& client) override;
 
-  /// Connects the output; opening the input connects that.
+  /// Connects the output; openInput() connects the input.
   void prepare() override;
 
  private:

@@ -28,7 +28,7 @@ class CubebConnection {
   [[nodiscard]] cubeb* context() const { return context_; }
 
   /// Marks the connection as failed: it may belong to a dead server, or to a fallback chosen while
-  /// there was no server. No new stream is opened on it.
+  /// no server ran. No new stream is opened on it.
   void markBroken() noexcept { broken_.store(true); }
   [[nodiscard]] bool isBroken() const { return broken_.load(); }
 

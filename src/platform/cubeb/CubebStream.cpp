@@ -57,8 +57,8 @@ AudioStatus CubebStream::stop() {
 std::uint64_t CubebStream::position() {
   std::uint64_t frames = 0;
   if (life_.load() != Life::kDead && cubeb_stream_get_position(stream_, &frames) == CUBEB_OK) {
-    // cubeb extrapolates from the start on, and was seen hundreds of frames ahead of a server that
-    // had not begun to play. The last buffer's worth of frames may still be in the stream.
+    // cubeb extrapolates from the start on: it can be hundreds of frames ahead of a server that has
+    // not begun to play. The last buffer's worth of frames may still be in the stream.
     const std::uint64_t given = transferred_.load(std::memory_order_relaxed);
     position_ = std::min(frames, given - std::min<std::uint64_t>(given, latencyFrames_));
   }

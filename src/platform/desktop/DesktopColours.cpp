@@ -23,7 +23,7 @@ bool isDarkPalette(const QPalette& palette) {
          palette.color(QPalette::WindowText).lightness();
 }
 
-// Read wraps its reply in two variants, newer calls in one.
+// The portal's Read wraps its reply in two variants, newer calls in one.
 QVariant unwrapped(QVariant value) {
   while (value.canConvert<QDBusVariant>()) {
     value = value.value<QDBusVariant>().variant();

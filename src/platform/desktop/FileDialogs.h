@@ -14,7 +14,6 @@
 
 namespace platform {
 
-/// Content of an open panel.
 struct OpenPanelRequest {
   QPointer<QWidget> window = nullptr;  ///< the window that it blocks; null for none
   QString title;
@@ -23,11 +22,10 @@ struct OpenPanelRequest {
   std::vector<std::string> fileTypes;  ///< suffixes without the dot, most common first
 };
 
-/// Content of a save panel.
 struct SavePanelRequest {
   QPointer<QWidget> window = nullptr;
   QString title;
-  std::string directory;      ///< initial directory; empty for that of the last panel
+  std::string directory;      ///< initial directory; empty for the last panel's
   std::string suggestedName;  ///< without the suffix, which acceptedSuffixes provides
 
   /// Shown below the files; the panel takes ownership. Null for none.

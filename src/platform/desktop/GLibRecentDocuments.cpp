@@ -30,8 +30,7 @@ namespace fs = std::filesystem;
 
 constexpr char kApplication[] = "Orvo";
 constexpr char kCommand[] = "orvo %u";
-// GLib does not write entries without a registered program: the desktop's opener is registered for
-// them.
+// GLib drops entries without a registered program, so the desktop's opener is registered for them.
 constexpr char kOpener[] = "xdg-open";
 constexpr char kOpenerCommand[] = "xdg-open %u";
 constexpr char kUnknownType[] = "application/octet-stream";
@@ -188,7 +187,7 @@ int writeNew(const std::string& path, const std::string& text) {
   return ::fsync(descriptor) == 0 ? 0 : errno;
 }
 
-// A failure shows when the list is written there.
+// Failures show when the list is written there.
 void makeFolder(const fs::path& folder) {
   std::error_code error;
   if (folder.empty() || fs::exists(folder, error)) {

@@ -18,12 +18,12 @@ class RecentDocuments {
   virtual ~RecentDocuments() = default;
   static std::shared_ptr<RecentDocuments> whenNoneIsInstalled();
 
-  /// Records that the file at `path` was just opened or saved. A relative path starts at the
+  /// Records that the file at `path` was just opened or saved. A relative path is relative to the
   /// working directory. Failures are only logged to the diagnostics console.
   virtual void noteNewRecentDocument(const std::string& path) = 0;
 
   /// Paths of audio files that Orvo has noted and that still exist, latest first, at most `most`.
-  /// Empty when there is no readable list.
+  /// Empty if the list cannot be read.
   [[nodiscard]] virtual std::vector<std::string> recentDocuments(std::size_t most) const = 0;
 };
 

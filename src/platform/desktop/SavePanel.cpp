@@ -60,7 +60,7 @@ SavePanel::SavePanel(const SavePanelRequest& request)
   selectFile(QString::fromStdString(withSuffix(request.suggestedName, suffixes_)));
 }
 
-// Takes the place of the dialog's own filter choice, which has no effect here.
+// Replaces the dialog's own filter choice, which has no effect here.
 void SavePanel::addAccessory(QWidget* accessory) {
   auto* const filters = findChild<QWidget*>("fileTypeCombo");
   for (QWidget* const own : {findChild<QWidget*>("fileTypeLabel"), filters}) {
@@ -93,7 +93,7 @@ QString SavePanel::shownName() const {
   return edit == nullptr ? QString() : edit->text();
 }
 
-// A selection in the list would replace a name that was not typed.
+// Clears the selection first: the dialog would prefer it to a name that was not typed.
 void SavePanel::showName(const QString& name) {
   if (auto* const list = findChild<QAbstractItemView*>("listView")) {
     list->clearSelection();
@@ -120,7 +120,7 @@ void SavePanel::takeOverSuffix() {
   }
 }
 
-// The dialog knows no names with quotes in them, and none that are too long.
+// Enables Save for every name: the dialog itself rejects quotes and names that are too long.
 void SavePanel::enableSaving() {
   if (auto* const buttons = findChild<QDialogButtonBox*>("buttonBox")) {
     if (auto* const save = buttons->button(QDialogButtonBox::Save)) {

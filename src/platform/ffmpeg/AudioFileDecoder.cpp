@@ -9,8 +9,8 @@
 namespace platform {
 namespace {
 
-// Programs that write to a pipe cannot return to the header, so its length stands for "until the
-// end": the largest 31-bit or 32-bit number, minus a header or rounded.
+// Programs that write to a pipe cannot correct the header. Its length then means "until the end":
+// the largest 31-bit or 32-bit number, minus a header or rounded.
 bool standsForUntilTheEnd(std::int64_t frames, std::int64_t bytesPerFrame) {
   constexpr std::int64_t kRoundedBytes = 0x10000;
   for (const std::int64_t largest : {std::int64_t{1} << 31, std::int64_t{1} << 32}) {
@@ -165,7 +165,7 @@ bool AudioFileDecoder::feed() {
   return true;
 }
 
-// In MPEG-4 the duration of the last packet says how much of it is sound.
+// In MPEG-4 the last packet's duration gives the length of its sound.
 void AudioFileDecoder::cutToPacket(AVFrame& frame) const {
   if (!demuxer_->isMpeg4() || durationOf(frame) <= 0 || frame.sample_rate <= 0) {
     return;

@@ -31,7 +31,7 @@ class AudioFileDecoder {
 
   [[nodiscard]] const AudioFileDemuxer& demuxer() const { return *demuxer_; }
 
-  /// The next decoded stretch, valid until the next call; null at the end, then endError() is set.
+  /// The next decoded samples, valid until the next call. Null at the end; endError() is then set.
   [[nodiscard]] AVFrame* next();
 
   /// Why next() returned null: 0 at the end of a file with no detected damage, AVERROR_EXIT when
@@ -54,7 +54,7 @@ class AudioFileDecoder {
   AvPacket packet_;
   AvFrame current_;     // returned by next()
   AvFrame ahead_;       // decoded ahead, to detect the last frame
-  int aheadError_ = 0;  // why there is none ahead
+  int aheadError_ = 0;  // why ahead_ is empty
   bool primed_ = false;
   int inputError_ = 0;  // the error that ended the packets; 0 before
   int endError_ = 0;

@@ -95,7 +95,7 @@ int AudioFileDemuxer::openContainer(const std::string& path) {
   const int result = avformat_open_input(&context, path.c_str(), nullptr, &options);
   av_dict_free(&options);
   if (result < 0) {
-    return result;  // the context is gone
+    return result;  // FFmpeg has freed the context
   }
   context_.reset(context);
   io_->clearInterruption();

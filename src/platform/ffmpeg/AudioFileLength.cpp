@@ -12,7 +12,7 @@ namespace {
 constexpr AVRational kWorkingFrame{1, 44100};
 constexpr std::chrono::milliseconds kCountingWork{500};
 constexpr std::int64_t kCountingBytes = std::numeric_limits<std::int64_t>::max();
-// 2,000 years: anything longer is nonsense, and sums must not overflow.
+// 1,600 years: anything longer is nonsense, and sums must not overflow.
 constexpr std::int64_t kMaxFrames = std::int64_t{1} << 51;
 
 std::int64_t sane(std::int64_t frames) {

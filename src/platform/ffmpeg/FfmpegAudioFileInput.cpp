@@ -40,7 +40,7 @@ class FfmpegAudioFileInput final : public ExtAudioFileInput {
   FfmpegLog::Budget log_;
   std::unique_ptr<File> file_;
   std::uint64_t size_ = 0;                     // bytes
-  std::unique_ptr<AudioFileDecoder> decoder_;  // null when starting over failed
+  std::unique_ptr<AudioFileDecoder> decoder_;  // null when seekToStart() failed
   WorkingFormatConverter converter_;
   bool ended_ = false;
   AudioStatus endStatus_ = kAudioStatusOk;
@@ -59,7 +59,7 @@ std::uint32_t formatId(const AVCodecParameters& parameters, bool isLinearPcm) {
     case AV_CODEC_ID_ALAC:
       return fourCharacterCode("alac");
     default:
-      return __builtin_bswap32(parameters.codec_tag);  // FFmpeg stores the first one lowest
+      return __builtin_bswap32(parameters.codec_tag);  // FFmpeg stores the first character lowest
   }
 }
 

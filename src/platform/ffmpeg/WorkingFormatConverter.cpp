@@ -136,7 +136,7 @@ std::uint32_t WorkingFormatConverter::take(float* destination, std::uint32_t roo
 
 int WorkingFormatConverter::start(const Source& source) {
   const std::uint64_t usual = usualMask(source.channels);
-  // One and two channels are mono and left and right, whatever speakers a header names.
+  // One channel is always mono, two are left and right, whatever speakers a header names.
   const std::uint64_t named = source.channels <= 2 || source.mask == 0 ? usual : source.mask;
   int result = AVERROR(EINVAL);
   for (const std::uint64_t mask : {named, usual}) {

@@ -4,11 +4,10 @@
 
 namespace platform {
 
-/// Result of a transfer.
 struct FileTransfer {
   std::uint64_t byteCount = 0;  ///< contiguous bytes moved, from the first on
   int error = 0;                ///< errno of the failure that ended the transfer; 0 for none, also
-                                ///< when a read met the end of the file
+                                ///< when a read reached the end of the file
 };
 
 /// An open file with positioned transfers. There is no shared position, so readers and a writer

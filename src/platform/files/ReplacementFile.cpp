@@ -39,7 +39,7 @@ class Descriptor {
   int descriptor_;
 };
 
-// Follows links itself: the last one may point to a file that does not exist yet.
+// Not canonical(): the last link may point to a file that does not exist yet.
 int followLinks(std::filesystem::path& path) {
   std::error_code error;
   for (int i = 0; i < kMaximumLinks; ++i) {
@@ -57,7 +57,7 @@ std::string folderOf(const std::string& path) {
   return folder.empty() ? "." : folder;
 }
 
-// 0 where a file may be put at `path`.
+// 0 if a file may be placed at `path`, otherwise an errno.
 int checkTarget(const std::string& path) {
   struct stat status = {};
   if (::stat(path.c_str(), &status) != 0) {
@@ -86,7 +86,7 @@ void takeOverRights(int descriptor, const std::string& target) {
   ::fchmod(descriptor, status.st_mode & 07777);
 }
 
-// The name is independent of the target's, which may already be as long as a name can be.
+// The name is independent of the target's, which may already have the maximum length.
 int createBeside(const std::string& target, mode_t mode, std::string& path) {
   static constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
   std::random_device random;

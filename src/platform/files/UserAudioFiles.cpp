@@ -29,7 +29,7 @@ class WriteBehindFile : public PosixFile {
 #if defined(__linux__)
     if (offset + transfer.byteCount >= hinted_ + kStretch) {
       const std::uint64_t stretch = offset + transfer.byteCount - hinted_;
-      // Only a hint: the sync meets and reports any failure.
+      // Only a hint: the sync reports any failure.
       static_cast<void>(::sync_file_range(hintedDescriptor_, static_cast<off_t>(hinted_),
                                           static_cast<off_t>(stretch), SYNC_FILE_RANGE_WRITE));
       hinted_ += stretch;
@@ -59,7 +59,7 @@ class PosixUserAudioFiles : public UserAudioFiles {
   template <typename SystemFile>
   static Opened open(const std::string& path, int flags) {
     constexpr mode_t kUsualPermissions = 0666;  // before the umask
-    // Without O_NONBLOCK the opening of a pipe itself would wait; a regular file ignores it.
+    // Without O_NONBLOCK, opening a pipe would wait. Regular files ignore it.
     const int descriptor =
         ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kUsualPermissions);
     if (descriptor < 0) {

@@ -29,7 +29,7 @@ class TextKey {
   return TextKey(english);
 }
 
-/// Looks up a user-visible text in the installed translations; the English text when there is none.
+/// Looks up a user-visible text in the installed translations; the English text if not found.
 ///
 /// Threads: any. Real-time: not safe.
 [[nodiscard]] QString localized(TextKey key);

@@ -38,8 +38,8 @@ struct Item {
 
 }  // namespace
 
-// Blocks are passed under our own mutex; Qt is only woken. So ThreadSanitizer sees every transfer,
-// although the system's Qt is not instrumented.
+// Blocks are passed under our own mutex, and Qt only wakes the main loop. So ThreadSanitizer sees
+// every transfer although the system's Qt is not instrumented.
 struct MainQueue::State : QObject {
   Mutex mutex;
   std::deque<Item> items GUARDED_BY(mutex);
@@ -51,7 +51,7 @@ struct MainQueue::State : QObject {
     return type;
   }
 
-  // With the lock, so that the event's memory is ordered before its deletion.
+  // Under the lock, so that the event's creation is ordered before its deletion.
   void wake() REQUIRES(mutex) {
     if (!wakePosted && QCoreApplication::instance() != nullptr) {
       wakePosted = true;
@@ -139,7 +139,7 @@ MainQueue& mainQueue() {
 
 namespace {
 
-// Made before any other thread can ask for it, so that it belongs to the main thread.
+// Created before any other thread can use it, so that it belongs to the main thread.
 [[maybe_unused]] const MainQueue& kMadeAtStart = mainQueue();
 
 }  // namespace

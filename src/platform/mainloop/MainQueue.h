@@ -11,7 +11,7 @@
 ///
 /// Blocks must capture by value or by weak reference, and check that their objects still exist.
 ///
-/// Threads: any, unless said otherwise. Real-time: not safe.
+/// Threads: any, unless noted. Real-time: not safe.
 namespace platform {
 
 /// The main thread's queue. Its blocks run from the main loop, including that of a modal alert.

@@ -7,7 +7,6 @@
 /// Threads: any. Real-time: safe.
 namespace platform {
 
-/// The file does not exist.
 inline constexpr AudioStatus kFileNotFoundStatus = -43;
 /// No permission to read or write.
 inline constexpr AudioStatus kFilePermissionStatus = fourCharacterStatus("prm?");
@@ -15,7 +14,6 @@ inline constexpr AudioStatus kFilePermissionStatus = fourCharacterStatus("prm?")
 inline constexpr AudioStatus kFolderStatus = fourCharacterStatus("dir?");
 /// A pipe, a socket or a device: reading one could block forever.
 inline constexpr AudioStatus kNotARegularFileStatus = fourCharacterStatus("spc?");
-/// The file is empty.
 inline constexpr AudioStatus kEmptyFileStatus = -39;
 /// The name is too long for the system.
 inline constexpr AudioStatus kBadFileNameStatus = -37;

@@ -26,8 +26,8 @@ struct FfmpegModule {
 };
 
 /// The module; always null when it or FFmpeg is missing, which is logged once. The first call loads
-/// it with a hundred other libraries; linked with the program, they would add more to every start
-/// than the whole window takes.
+/// it with a hundred other libraries; linked with the program, they would delay every start by more
+/// than the window itself takes.
 ///
 /// Threads: any; calls wait while it loads. Real-time: not safe.
 [[nodiscard]] const FfmpegModule* ffmpegModule();

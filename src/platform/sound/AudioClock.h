@@ -9,7 +9,7 @@ namespace platform {
 
 /// The clock of the audio queues, for time limits on the sound system, the closing of an unused
 /// input device and the end of a draining output. The real one is the system's monotonic clock;
-/// tests advance a ManualAudioClock by hand.
+/// tests advance a ManualAudioClock.
 ///
 /// Threads: any. Real-time: now() is safe, waitUntil() is not.
 class AudioClock {

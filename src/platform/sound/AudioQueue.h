@@ -38,7 +38,7 @@ struct AudioQueueBuffer {
 /// The common base of input and output queues.
 ///
 /// Threads: one owner thread of any kind, and the queue's own thread from inside its callback,
-/// except where said. Real-time: not safe. No call waits more than 250 ms for the sound system.
+/// except where noted. Real-time: not safe. No call waits more than 250 ms for the sound system.
 class AudioQueue {
  public:
   /// Stops and disposes of the queue unless already done.
@@ -138,9 +138,9 @@ class AudioOutputQueue : public AudioQueue {
 [[nodiscard]] AudioStatus completeWorkingFormat(AudioStreamBasicDescription& format);
 
 /// Creates queues. One instance serves the whole process and shares one input stream among all
-/// input queues. The application installs that of the real device, tests that of the scripted one.
-/// With none installed every queue is refused with kDeviceUnavailableStatus and a line on standard
-/// error.
+/// input queues. The application installs one for the real device, tests one for the scripted
+/// device. With none installed every queue is refused with kDeviceUnavailableStatus and a line on
+/// standard error.
 ///
 /// Threads: any. Real-time: not safe.
 class AudioQueues {

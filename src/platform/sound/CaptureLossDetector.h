@@ -39,7 +39,7 @@ class CaptureLossDetector {
   AudioClock::TimePoint windowStart_;
   std::int64_t captured_ = 0;         // frames since origin_
   std::int64_t windowLag_ = kNone;    // smallest lag in this window, frames
-  std::int64_t baselineLag_ = kNone;  // smallest lag in the window before
+  std::int64_t baselineLag_ = kNone;  // smallest lag in the previous window
   std::uint32_t windowCalls_ = 0;
   std::uint32_t windows_ = 0;
 };

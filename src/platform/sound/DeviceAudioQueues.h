@@ -28,14 +28,14 @@ class DeviceAudioQueues final : public AudioQueues {
       std::shared_ptr<AudioDevice> device,
       std::shared_ptr<AudioClock> clock = std::make_shared<SteadyAudioClock>());
 
-  /// Closes the device once the last queue is gone as well. Waits at most 250 ms; a hanging control
-  /// thread is abandoned together with everything that it may still use, and ends with the process.
+  /// Closes the device once the last queue is destroyed too. Waits at most 250 ms; a hanging
+  /// control thread is abandoned with everything that it may still use, and ends with the process.
   ~DeviceAudioQueues() override;
 
   /// Starts connecting to the sound system and opening the input device ahead of the first queue,
-  /// which then does not wait for it. Returns at once. With a `start` the work, and everything
-  /// later for the device, begins when that is ready or its promise is destroyed. The input is
-  /// closed again if no queue uses it within 3 s.
+  /// which then does not wait for it. Returns at once. A valid `start` delays this and all later
+  /// device work until it is ready or its promise is destroyed. The input is closed again if no
+  /// queue uses it within 3 s.
   void prepareInput(std::future<void> start = {});
 
   [[nodiscard]] AudioStatus completeFormat(AudioStreamBasicDescription& format) const override;

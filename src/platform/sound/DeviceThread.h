@@ -66,8 +66,8 @@ class DeviceTasks {
 
   void run(std::shared_ptr<AudioDevice> device);
   void runSignals(AudioDevice& device) EXCLUDES(mutex_);
-  /// Takes the next task that is due; false when there is none. `wakeAt` is then the time of the
-  /// next delayed one, TimePoint::max() for none.
+  /// Takes the next task due; false for none. `wakeAt` is then the time of the next delayed task,
+  /// TimePoint::max() for none.
   [[nodiscard]] bool take(Task& task, AudioClock::TimePoint& wakeAt) EXCLUDES(mutex_);
   void finish(AudioDevice& device) EXCLUDES(mutex_);
 

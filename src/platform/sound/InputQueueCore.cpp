@@ -57,7 +57,7 @@ AudioStatus InputQueueCore::start() {
   }
   const std::uint32_t blockFrames = buffers_.smallestFrames();
   if (blockFrames == 0) {
-    return kInvalidQueueStateStatus;  // without a buffer there is no block size
+    return kInvalidQueueStateStatus;  // without a buffer the block size is unknown
   }
   ring_.emplace(blockFrames, kInputRingFrames / blockFrames);
   producer_.emplace(*ring_);

@@ -18,7 +18,7 @@ namespace platform {
 /// The implementation of an input queue. It outlives its DeviceInputQueue while its thread or the
 /// control thread still holds it.
 ///
-/// Threads: as AudioInputQueue, except where said. Real-time: only captured() is safe.
+/// Threads: as AudioInputQueue, except where noted. Real-time: only captured() is safe.
 class InputQueueCore final : public InputSink,
                              public InputSubscriber,
                              public std::enable_shared_from_this<InputQueueCore> {

@@ -62,8 +62,8 @@ std::uint32_t OutputFeeder::fill(float* samples, std::uint32_t frames) noexcept 
   const std::uint64_t before = given_.load(std::memory_order_relaxed);
   const bool begins = filled > 0 && realEnd_.load(std::memory_order_relaxed) == 0;
   if (begins && filled < frames && !draining_.load(std::memory_order_relaxed)) {
-    // More audio will follow: silence before the first frame is not heard as a gap, after the last
-    // it is.
+    // More audio will follow, so silence goes before the first frame: after the last it would be a
+    // gap.
     std::copy_backward(samples, samples + filled * kWorkingChannels,
                        samples + frames * kWorkingChannels);
     std::fill_n(samples, (frames - filled) * kWorkingChannels, 0.0F);

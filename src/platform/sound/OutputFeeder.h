@@ -13,7 +13,7 @@ namespace platform {
 /// Passes an output queue's buffers through the device's real-time thread: enqueued buffers go in,
 /// their samples go to the device, emptied buffers come out.
 ///
-/// Threads: said with each call. Real-time: fill() is safe.
+/// Threads: see each function. Real-time: fill() is safe.
 class OutputFeeder {
  public:
   // --- The queue's side.
@@ -23,7 +23,7 @@ class OutputFeeder {
   /// Threads: one at a time, under the queue's lock.
   void push(AudioQueueBuffer* buffer) noexcept;
 
-  /// The next emptied buffer, in order; null when there is none.
+  /// The next emptied buffer, in order; null for none.
   ///
   /// Threads: the queue's thread.
   [[nodiscard]] AudioQueueBuffer* popTaken() noexcept;

@@ -22,7 +22,7 @@ namespace platform {
 /// The implementation of an output queue. It outlives its DeviceOutputQueue while its thread, or a
 /// stream on the control thread, still needs it.
 ///
-/// Threads: as AudioOutputQueue, except where said. Real-time: only deviceWants() is safe.
+/// Threads: as AudioOutputQueue, except where noted. Real-time: only deviceWants() is safe.
 class OutputQueueCore final : public AudioOutputClient,
                               public std::enable_shared_from_this<OutputQueueCore> {
  public:

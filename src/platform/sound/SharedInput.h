@@ -30,7 +30,7 @@ class InputSubscriber {
 /// The process's only input stream: opened for the first user or ahead of it, closed a few seconds
 /// after the last has left. All users' sinks are attached to its fan-out.
 ///
-/// Threads: any, except where said. Real-time: not safe, except where said.
+/// Threads: any, except where noted. Real-time: not safe, except where noted.
 class SharedInput final : public AudioInputClient,
                           public std::enable_shared_from_this<SharedInput> {
  public:

@@ -6,9 +6,9 @@
 
 namespace platform {
 
-/// The ring around the view with keyboard focus. It shows only if the focus came by the keyboard,
-/// not by a click or by activating a window that focuses its first view. If the program takes the
-/// focus away and later returns it, the ring shows again.
+/// The ring around the view with keyboard focus. It is shown only if a key moved the focus, not a
+/// click or the activation of a window that focuses its first view. If the program takes the focus
+/// away and later returns it, the ring is shown again.
 ///
 /// Threads: main. Real-time: not safe.
 class FocusRing {

@@ -6,7 +6,7 @@ namespace {
 // The R key's scan code as X11 and Wayland report it (evdev 19 + 8).
 constexpr quint32 kScanCodeR = 27;
 
-// Letters of other scripts have Unicode values; from 0x01000000 on stand the function keys.
+// Letters of other scripts have their Unicode values; function keys start at 0x01000000.
 bool isLetterBeyondLatin1(int key) {
   return key > 0xFF && key < 0x01000000;
 }

@@ -16,7 +16,7 @@ int columnsPerPixel(double scale) {
   return std::clamp(static_cast<int>(kColumnsPerUnit / scale), 4, 16);
 }
 
-/// Rounds to the nearest; the numbers here are below 0 by a rounding error at most.
+/// Rounds to the nearest; values are never below 0 by more than a rounding error.
 int rounded(float value) {
   constexpr float kHalf = 0.5F;
   return static_cast<int>(value + kHalf);

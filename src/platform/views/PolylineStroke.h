@@ -75,13 +75,13 @@ class PolylineStroke {
   void countIntervals(float weight);
   [[nodiscard]] static Interval slice(const Piece& piece, float x);
 
-  std::vector<Piece> pieces_;         // in the order of their left ends
-  std::vector<const Piece*> active_;  // those that the current column may cut
-  std::size_t nextPiece_ = 0;         // the first that begins right of it
-  std::vector<Interval> intervals_;   // of the current column, in the order of their tops, and room
-  std::size_t intervalCount_ = 0;     // how many of them are in use
-  std::vector<float> change_;  // of the current pixel column's coverage, from each row to the next
-  Interval touched_;           // rows of the current pixel column whose coverage is not 0
+  std::vector<Piece> pieces_;         // sorted by left end
+  std::vector<const Piece*> active_;  // those that may intersect the current column
+  std::size_t nextPiece_ = 0;         // the first one to the right of it
+  std::vector<Interval> intervals_;   // of the current column, sorted by top; the rest is spare
+  std::size_t intervalCount_ = 0;     // number in use
+  std::vector<float> change_;         // in the pixel column's coverage, from row to row
+  Interval touched_;                  // rows of the current pixel column whose coverage is not 0
 
   QImage layer_;
   int firstRow_ = 0;  // of the layer's rows that are not empty

@@ -75,7 +75,7 @@ void drawViewGridLevels(QPainter& painter, QSizeF size) {
 }
 
 void drawViewGridUprights(QPainter& painter, QSizeF size, double offset) {
-  // Lines that fill whole pixels need no smoothing: a rectangle is the same.
+  // Lines that fill whole pixels need no smoothing: a rectangle gives the same pixels.
   const bool fillPixels = isWhole(offset) && isWhole(devicePixelsPerPoint(painter));
   painter.setRenderHint(QPainter::Antialiasing, !fillPixels);
   std::vector<QLineF> lines;

@@ -40,10 +40,10 @@ inline constexpr double kViewGridSpacing = 24.0;
 void drawViewGridLevels(QPainter& painter, QSizeF size);
 void drawViewGridUprights(QPainter& painter, QSizeF size, double offset);
 
-/// Fills the vertical bar from `left` to `right` and from 0 to `height`, with smoothed sides: the
-/// same as a vertical line of that width, without the path, the scan and the threads that Qt uses
-/// for a tall one. For painters that only translate and scale; the bar's ends are rounded to whole
-/// device pixels.
+/// Fills the vertical bar from `left` to `right` and from 0 to `height`, with smoothed sides. Looks
+/// like a vertical line of that width, but avoids the path, scan conversion and threads that Qt
+/// uses for tall lines. For painters that only translate and scale; the bar's ends are rounded to
+/// whole device pixels.
 void fillUprightBar(QPainter& painter, double left, double right, double height,
                     const QColor& color);
 

@@ -17,7 +17,7 @@ void requestRedraw(const QPointer<View>& view) {
   });
 }
 
-/// The same for a part of it, in points, rounded outward to whole ones.
+/// Redraws a part of it: `inRect`, in points, rounded outward to whole points.
 /// Threads: any. Real-time: not safe.
 template <typename View>
 void requestRedraw(const QPointer<View>& view, const QRectF& inRect) {

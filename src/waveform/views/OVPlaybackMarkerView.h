@@ -3,7 +3,7 @@
 #include <QWidget>
 
 /// The playback or recording marker: a transparent view laid over the waveform view as its child,
-/// so that moving the marker copies a strip of the waveform's picture and never renders it anew.
+/// so that moving the marker copies a strip of the waveform's picture and never renders it again.
 /// Mouse input passes through to the waveform. Setting a property does not redraw; call update().
 ///
 /// Threads: main. Real-time: not safe.
@@ -13,7 +13,7 @@ class OVPlaybackMarkerView : public QWidget {
  public:
   explicit OVPlaybackMarkerView(QWidget* parent = nullptr);
 
-  /// Where the line stands, as a fraction of the width.
+  /// Position of the line, as a fraction of the width.
   [[nodiscard]] double position() const { return position_; }
   void setPosition(double position) { position_ = position; }
 

@@ -52,7 +52,7 @@ class OVWaveFormViewDelegate {
 /// hundredth of the width, with Shift by a point, Page Up and Page Down by a tenth, Home and End to
 /// the ends. The delegate is notified of each as of a drag. Other keys pass to the window.
 ///
-/// Threads: main, except where said. Real-time: not safe.
+/// Threads: main, except where noted. Real-time: not safe.
 class OVWaveFormView : public QWidget {
   Q_OBJECT
   Q_PROPERTY(QString accessibleValue READ accessibleValue)
@@ -61,23 +61,23 @@ class OVWaveFormView : public QWidget {
   explicit OVWaveFormView(QWidget* parent = nullptr);
   ~OVWaveFormView() override;
 
-  /// What is drawn; may be null.
+  /// The summary to draw; may be null.
   /// Threads: any.
   [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const { return waveForm_.get(); }
   void setWaveForm(std::shared_ptr<OVWaveformSummary> waveForm) {
     waveForm_.set(std::move(waveForm));
   }
 
-  /// The grid moves one point to the right at each rendering.
+  /// Whether the grid moves one point to the right at each rendering.
   [[nodiscard]] bool scrollBack() const { return scrollBack_; }
   void setScrollBack(bool scrollBack) { scrollBack_ = scrollBack; }
 
-  /// The next redraw renders anew.
+  /// Whether the next redraw renders again.
   /// Threads: any.
   [[nodiscard]] bool shouldRedrawWaveform() const;
   void setShouldRedrawWaveform(bool should);
 
-  /// Render even while the summary regenerates.
+  /// Whether to render even while the summary regenerates.
   [[nodiscard]] bool overrideRegenerationCheck() const { return overrideRegenerationCheck_; }
   void setOverrideRegenerationCheck(bool override) { overrideRegenerationCheck_ = override; }
 

@@ -1,10 +1,10 @@
-// A window like one of a file manager: files can be dragged out of it, under addresses that keep
-// every byte of their names.
+// A window like a file manager's: files can be dragged out of it, as URIs that keep every byte of
+// their names.
 //
 //   orvo_drag_source FILE…
 //
-// Tells on standard output "accepted" when what the mouse is over takes the files, and "dropped"
-// when it got them.
+// Prints "accepted" when the window under the mouse accepts the files, and "dropped" when it has
+// received them.
 
 #include <iostream>
 #include <utility>

@@ -95,7 +95,7 @@ TEST_F(OVHoverButtonTest, DisabledUnderTheMouseItKeepsHoveringUntilItIsEnabledAn
   button_->setEnabled(false);
   window_.moveTo(button_, kElsewhere);
   EXPECT_TRUE(button_->isHovering());
-  expectShows("spectrum_hover.png");  // there is no disabled look
+  expectShows("spectrum_hover.png");  // it does not look disabled
   button_->setEnabled(true);
   window_.moveTo(button_, kInside);
   window_.moveTo(button_, kElsewhere);

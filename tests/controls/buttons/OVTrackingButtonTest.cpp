@@ -247,7 +247,7 @@ TEST_F(OVTrackingButtonTest, PressingDraggingAndReleasingRedraw) {
 }
 
 TEST_F(OVTrackingButtonTest, AClickDoesNotTakeTheKeyboard) {
-  button_->clearFocus();  // a window in front gives the keyboard to its first view
+  button_->clearFocus();  // an active window gives the focus to its first view
   window_.click(button_, kInside);
   EXPECT_FALSE(button_->hasFocus());
   EXPECT_EQ(button_->focusPolicy(), Qt::TabFocus);

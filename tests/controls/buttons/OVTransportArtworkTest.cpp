@@ -25,7 +25,7 @@ double over(double below, Grey grey) {
   return below * (1.0 - grey.alpha) + grey.white * grey.alpha;
 }
 
-// Between two greys, premultiplied, at `y` of a gradient from `top` to `bottom`.
+// The premultiplied grey at `y` of a gradient from `top` to `bottom`.
 Grey at(double y, double top, double bottom, Grey from, Grey to) {
   const double t = (y - top) / (bottom - top);
   const double alpha = from.alpha + (to.alpha - from.alpha) * t;
@@ -34,7 +34,7 @@ Grey at(double y, double top, double bottom, Grey from, Grey to) {
   return {alpha == 0.0 ? 0.0 : light / alpha, alpha};
 }
 
-// The plain bezel's shade on its vertical middle line, from the numbers of its layers.
+// The plain bezel's shade on its vertical centre line, from the numbers of its layers.
 double normalShade(double y) {
   double shade = over(kPaper, {0.9, 1.0});
   shade = over(shade, at(y, 2.0, 30.0, {0.96, 1.0}, {1.0, 0.0}));
@@ -179,7 +179,7 @@ TEST_P(OVTransportArtworkTest, TheLeftTypeHasASmallCornerOnTheRightAndAHalfCircl
   const auto alpha = [&](double x, double y) {
     return picture.pixelColor(static_cast<int>(x * ratio()), static_cast<int>(y * ratio())).alpha();
   };
-  // The half circle has its middle at (15.5, 16) and reaches 15 points out.
+  // The half circle has its centre at (15.5, 16) and a radius of 15 points.
   for (const double degrees : {100.0, 120.0, 135.0, 160.0, 180.0, 200.0, 225.0, 260.0}) {
     const double angle = degrees * 3.14159265358979 / 180.0;
     for (double radius = 10.0; radius < 14.5; radius += 0.25) {

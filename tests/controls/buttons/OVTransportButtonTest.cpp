@@ -84,7 +84,7 @@ TEST_P(OVTransportButtonTest, AHighlightedButtonThatIsOnDarkensItsIcon) {
   button_->setIsHighlighted(true);
   button_->setIsOn(true);
   expectIcon("rec_on.png", plusDarker);
-  button_->setEnabled(false);  // the pressed look goes before the disabled one
+  button_->setEnabled(false);  // the pressed look has precedence over the disabled one
   expectIcon("rec_on.png", plusDarker);
 }
 
@@ -132,7 +132,7 @@ TEST_P(OVTransportButtonTest, TheBezelCoversExactlyTheButtonInTheBar) {
 
 INSTANTIATE_TEST_SUITE_P(AtOneAndTwoPixelsAPoint, OVTransportButtonTest, testing::Values(1, 2));
 
-// Where points and pixels do not meet, an icon covers the pixels at its edges in part.
+// Where points do not align with pixels, an icon covers the pixels at its edges only in part.
 class OVTransportButtonBetweenPixelsTest : public testing::TestWithParam<double> {
  protected:
   OVTransportButtonBetweenPixelsTest() : button_(new OVTransportButton(window_.bar())) {
@@ -146,7 +146,7 @@ class OVTransportButtonBetweenPixelsTest : public testing::TestWithParam<double>
 
   [[nodiscard]] QImage bar() { return window_.picture(window_.bar(), GetParam()); }
 
-  // The icon alone, with its share of each pixel as alpha, where the bar shows it.
+  // The icon alone in its place on the bar, its share of each pixel as alpha.
   [[nodiscard]] QImage iconOnTheBar(const QString& name, QSize pixels) const {
     QImage picture(pixels, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);

@@ -36,7 +36,7 @@ TEST(OVDocumentFileTest, AnOpenedFileIsOfferedInItsOwnKindWhereThatCanBeWritten)
   OVDocumentFile file;
   file.setName("/music/take.CAF");
   EXPECT_EQ(file.suggestedType(), 2);
-  EXPECT_FALSE(file.canBeSaved());  // its type is not settled yet
+  EXPECT_FALSE(file.canBeSaved());  // its type is not known yet
   file.setName("/music/take.mp3");
   EXPECT_EQ(file.suggestedType(), 0);
 }

@@ -15,7 +15,7 @@ using testing::ElementsAre;
 namespace fs = std::filesystem;
 
 constexpr std::uint64_t kBytesPerFrame = 8;
-constexpr std::uint64_t kPageFrames = 512;  // what a disk loses at least: 4 KiB
+constexpr std::uint64_t kPageFrames = 512;  // the least that a disk loses: 4 KiB
 
 class OVSaveJobTest : public DocumentFileFixture {
  protected:
@@ -32,7 +32,7 @@ class OVSaveJobTest : public DocumentFileFixture {
     audio_->addHole(firstFrame * kBytesPerFrame, (firstFrame + frames) * kBytesPerFrame);
   }
 
-  /// `samples` with silence in the place of some frames.
+  /// `samples` with some frames replaced by silence.
   static Samples silenced(Samples samples, std::uint64_t firstFrame, std::uint64_t frames) {
     const auto begin = samples.begin() + static_cast<std::ptrdiff_t>(2 * firstFrame);
     std::fill(begin, begin + static_cast<std::ptrdiff_t>(2 * frames), 0.0F);
@@ -106,7 +106,7 @@ TEST_F(OVSaveJobTest, AWholeRecordingThatIsLostIsSilentAndCostsAFewReads) {
   EXPECT_EQ(readFile(at("take.wav")), Samples(2 * frames, 0.0F));
 }
 
-// What no job may let out: it would end the program, and every recording with it ------------------
+// No exception may leave a job: it would end the program and every recording ---------------------
 
 TEST_F(OVSaveJobTest, WithoutMemoryItFailsAndLeavesNothing) {
   audio_->append(ramp(1000));
@@ -124,7 +124,7 @@ TEST_F(OVSaveJobTest, ATargetThatCannotBeLookedAtAnyMoreIsKept) {
   lose(500, 10);
   audio_->beforeRead = [this](std::uint64_t) {
     std::error_code there;
-    fs::create_symlink("take.wav", at("take.wav"), there);  // a link that leads back to itself
+    fs::create_symlink("take.wav", at("take.wav"), there);  // a link to itself
   };
   OVSaveJob::Outcome outcome;
   ASSERT_NO_THROW(outcome = save(1000));

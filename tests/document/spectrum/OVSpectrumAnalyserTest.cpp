@@ -29,7 +29,7 @@ std::vector<float> noise(std::size_t count, unsigned seed = 1) {
   return samples;
 }
 
-/// The magnitude of one bin of 4096 real samples, from the sum as it is written.
+/// The magnitude of one bin of 4096 real samples, from the defining sum.
 double magnitudeOfBin(const std::vector<double>& samples, std::size_t bin) {
   std::complex<double> sum;
   for (std::size_t i = 0; i < samples.size(); ++i) {
@@ -39,7 +39,7 @@ double magnitudeOfBin(const std::vector<double>& samples, std::size_t bin) {
   return std::abs(sum) / 64.0;
 }
 
-/// Compares about a hundred bins, the first ones and the last one among them.
+/// Compares about a hundred bins, including the first ones and the last.
 void expectMagnitudes(std::span<const float> magnitudes, const std::vector<double>& samples) {
   for (std::size_t k = 0; k < magnitudes.size(); k += k < 8 ? 1 : magnitudes.size() / 97) {
     EXPECT_NEAR(magnitudes[k], magnitudeOfBin(samples, k), 1e-4) << "bin " << k;
@@ -175,7 +175,7 @@ TEST_F(OVSpectrumAnalyserTest, RecordedAudioGivesTheFirstFiveHundredAndTwelveBin
 }
 
 TEST_F(OVSpectrumAnalyserTest, OnlyTheFirstHalfOfAShortChunkIsRepeated) {
-  const auto samples = noise(20);  // 80 bytes: ten samples are looked at
+  const auto samples = noise(20);  // 80 bytes: ten samples are used
   ASSERT_THAT(analyse(*analyser_, samples), SizeIs(512));
   const auto input = analyser_->fft_inputReal();
   for (std::size_t j = 0; j < 1024; ++j) {

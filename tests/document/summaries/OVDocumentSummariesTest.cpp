@@ -15,7 +15,7 @@ class OVDocumentSummariesTest : public DocumentFileFixture {
  protected:
   using SharedGate = std::shared_ptr<support::Gate>;
 
-  /// Sound that looks different everywhere.
+  /// Audio whose waveform differs everywhere.
   static Samples noise(std::uint64_t frames, std::uint32_t seed = 1) {
     Samples samples(2 * frames);
     for (float& sample : samples) {
@@ -45,7 +45,7 @@ class OVDocumentSummariesTest : public DocumentFileFixture {
     return gate;
   }
 
-  /// From now on nothing that is submitted to the global queue begins.
+  /// From now on nothing submitted to the global queue begins.
   static SharedGate holdQueue() {
     auto gate = std::make_shared<support::Gate>();
     for (std::size_t i = 0; i < platform::GlobalQueue::kMaximumThreads; ++i) {
@@ -61,14 +61,14 @@ class OVDocumentSummariesTest : public DocumentFileFixture {
     return delivered;
   }
 
-  /// One chunk more of a recording, a tick of the display loop, and the summary that it asks for.
+  /// One more chunk of a recording, a tick of the display loop, and the summary that it requests.
   void recordOn(std::uint32_t seed) {
     ASSERT_TRUE(captureNoise(seed));
     document_->updatePlaybackMarkerView();
     ASSERT_TRUE(runMainLoopUntil([&] { return !document_->waveformIsChanging(); }));
   }
 
-  /// A recording of so many chunks, with a tick of the display loop after each.
+  /// A recording of this many chunks, with a tick of the display loop after each.
   void recordNoise(int chunks, std::uint32_t seed) {
     pressRecord();
     for (int i = 0; i < chunks; ++i) {
@@ -96,7 +96,7 @@ class OVDocumentSummariesTest : public DocumentFileFixture {
     return elements;
   }
 
-  /// The elements of a summary of the same kind that is made from the present audio.
+  /// The elements of a new summary of the same kind, generated from the present audio.
   Samples elementsMadeAnew() {
     std::shared_ptr<OVWaveformSummary> made;
     if (summaryIsStatic()) {
@@ -114,7 +114,7 @@ class OVDocumentSummariesTest : public DocumentFileFixture {
   OVTimeView* time() { return document_->window()->findChild<OVTimeView*>("timeView"); }
   bool barIsShown() { return document_->loadingIndicator()->isVisibleTo(document_->window()); }
 
-  /// Whether drawing anew would change what is on the screen.
+  /// Whether a full redraw would leave the screen unchanged.
   bool pictureIsUpToDate() {
     view()->grab();
     const QImage shown = view()->image().copy();
@@ -383,7 +383,7 @@ TEST_F(OVDocumentSummariesTest, UndoRedoUndoShowsTheWaveformBeforeTheLastActionA
   document_->undoCommand();
   settle();
   ASSERT_EQ(length(), 0u);
-  EXPECT_EQ(elements(), beforeTheLast);  // deliberately: it is exchanged, nothing else
+  EXPECT_EQ(elements(), beforeTheLast);  // on purpose: summaries are only exchanged
   recordNoise(1, 21);
   EXPECT_EQ(length(), kChunkFrames);
   EXPECT_EQ(elements(), elementsMadeAnew());

@@ -55,7 +55,7 @@ TEST(GuardedPointerTest, ReleasesTheFormerValueOutsideTheLock) {
   GuardedPointer<std::shared_ptr<Guest>> pointer(std::make_shared<Guest>());
   bool isReleased = false;
   pointer.get()->atRelease = [&] {
-    // Under the lock, another thread could not read.
+    // If the lock were held, another thread could not read.
     std::thread([&] { EXPECT_EQ(pointer.get(), nullptr); }).join();
     isReleased = true;
   };

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// A seam of the tests: who is asked says its name.
+/// An interface for these tests: each implementation returns its name.
 class Greeter {
  public:
   virtual ~Greeter() = default;

@@ -18,7 +18,7 @@ TEST(LateModuleTest, ThatIsMissingIsLoggedByItsName) {
 
 TEST(LateModuleTest, WithoutAFactoryCountsAsMissing) {
   const support::InstalledRecordingServices services;
-  EXPECT_EQ(makeFromModule<int>("libQt6Core"), nullptr);  // a library, but none of ours
+  EXPECT_EQ(makeFromModule<int>("libQt6Core"), nullptr);  // a library, but not a module
   EXPECT_THAT(services->consoleLines(), ElementsAre(HasSubstr("orvoModule")));
 }
 

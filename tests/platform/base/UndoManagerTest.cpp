@@ -8,7 +8,7 @@ using platform::UndoManager;
 
 namespace {
 
-// A number with one way to change it, each change undoable.
+// A number whose every change is undoable.
 class UndoableNumber {
  public:
   explicit UndoableNumber(UndoManager& manager) : manager_(manager) {}

@@ -11,12 +11,13 @@
 #include <QDBusVariant>
 
 #include "support/MainLoop.h"
+#include "support/Sanitizers.h"
 #include "support/TemporaryFolder.h"
 #include "support/programs/ChildProcess.h"
 
 namespace {
 
-/// The settings portal of a desktop.
+/// A desktop's settings portal.
 class Portal : public QObject {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
@@ -37,9 +38,9 @@ class Portal : public QObject {
 class DesktopColoursTest : public testing::Test {
  protected:
   void SetUp() override {
-#if defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "Qt's thread for the bus is not built for the thread checker";
-#endif
+    if (support::kThreadSanitizer) {
+      GTEST_SKIP() << "Qt's thread for the bus is not built for ThreadSanitizer";
+    }
     const std::string socket = folder_.file("bus");
     std::string error;
     daemon_ = support::ChildProcess::start(
@@ -62,7 +63,7 @@ class DesktopColoursTest : public testing::Test {
     const QString connectionName = QString::fromLatin1(name);
     const QDBusConnection connection = QDBusConnection::connectToBus(address_, connectionName);
     if (!connection.isConnected()) {
-      QDBusConnection::disconnectFromBus(connectionName);  // else the failure would be remembered
+      QDBusConnection::disconnectFromBus(connectionName);  // otherwise Qt would cache the failure
     }
     return connection;
   }
@@ -74,9 +75,7 @@ class DesktopColoursTest : public testing::Test {
     ASSERT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
   }
 
-  void follow() {
-    colours_ = std::make_unique<platform::DesktopColours>(connectTo("program"));
-  }
+  void follow() { colours_ = std::make_unique<platform::DesktopColours>(connectTo("program")); }
 
   static bool looksDark() {
     return QApplication::palette().color(QPalette::Window).lightness() < 100;

@@ -93,7 +93,7 @@ class GLibRecentDocumentsTest : public testing::Test {
     return documents_.recentDocuments(most);
   }
 
-  // An entry as another program leaves it, registered by `application`.
+  // An entry of another program, registered as `application`.
   std::string entry(const std::string& path, const std::string& application,
                     const std::string& time, const std::string& more = "") const {
     return "<bookmark href=\"" + fileUriOf(path) +
@@ -103,7 +103,7 @@ class GLibRecentDocumentsTest : public testing::Test {
            more + "</metadata></info></bookmark>";
   }
 
-  // Whether a document was not noted, the list's text stayed, and one line told it.
+  // Expects that noting a document leaves the list unchanged and logs one line.
   void expectLeftAlone(const std::string& text) {
     put(list_, text);
     log_->clear();
@@ -123,7 +123,7 @@ class GLibRecentDocumentsTest : public testing::Test {
   support::TemporaryFolder folder_;
   const std::string list_ = folder_.file("recently-used.xbel");
   std::chrono::system_clock::time_point now_{std::chrono::seconds(1'700'000'000)};
-  std::function<void()> meanwhile_;  // what another program does between reading and writing
+  std::function<void()> meanwhile_;  // another program's action between reading and writing
   GLibRecentDocuments documents_{list_, mimeTypeOf, [this] {
                                    if (meanwhile_) {
                                      meanwhile_();

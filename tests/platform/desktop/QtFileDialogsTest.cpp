@@ -72,8 +72,8 @@ class QtFileDialogsTest : public testing::Test {
     return panel_->findChild<QDialogButtonBox*>("buttonBox")->button(QDialogButtonBox::Save);
   }
 
-  /// Presses a button of the question whether to replace a file, which has to name it, as soon as
-  /// it is on the screen.
+  /// Presses a button of the question whether to replace a file as soon as it is shown; the
+  /// question must name the file.
   void answerQuestion(QMessageBox::StandardButton button, const std::string& fileName) {
     QTimer::singleShot(0, &window_, [this, button, fileName] {
       auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
@@ -140,7 +140,7 @@ TEST_F(QtFileDialogsTest, ANameWithoutItsSuffixGetsIt) {
 TEST_F(QtFileDialogsTest, AnotherKindForAFileThatExistsNamesAnotherFile) {
   std::ofstream(folder_.file("take.aiff")) << "old";
   const QLineEdit* const name = beginSave("take");
-  // On a screen the panel selects the file that has the proposed name.
+  // On a real screen the panel selects the file with the proposed name.
   const auto* const list = panel_->findChild<QAbstractItemView*>("listView");
   ASSERT_TRUE(runMainLoopUntil([&] { return list->model()->rowCount(list->rootIndex()) == 1; }));
   list->selectionModel()->select(list->model()->index(0, 0, list->rootIndex()),
@@ -149,7 +149,7 @@ TEST_F(QtFileDialogsTest, AnotherKindForAFileThatExistsNamesAnotherFile) {
             QStringList(QString::fromStdString(folder_.file("take.aiff"))));
   kind_->setCurrentIndex(1);
   EXPECT_EQ(name->text(), "take.wav");
-  QTimer refusal;  // of a question that would wait for ever
+  QTimer refusal;  // of a question that would wait forever
   QObject::connect(&refusal, &QTimer::timeout, [] {
     if (auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
       question->reject();
@@ -198,7 +198,7 @@ TEST_F(QtFileDialogsTest, NamesAreTakenLetterByLetter) {
   }
 }
 
-// What the file system says to such a name is told by whoever saves.
+// The caller reports the file system's error for such a name.
 TEST_F(QtFileDialogsTest, ANameThatIsTooLongIsHandedOn) {
   for (const std::size_t length : {251U, 255U, 256U, 400U}) {
     answers_ = 0;

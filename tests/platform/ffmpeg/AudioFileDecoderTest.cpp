@@ -15,7 +15,7 @@
 namespace platform {
 namespace {
 
-/// What a decoder gives, and why it ends.
+/// A decoder's output, and why it ended.
 struct Decoded {
   std::int64_t frames = 0;
   std::string bytes;  // of the first plane
@@ -73,7 +73,7 @@ TEST_F(AudioFileDecoderTest, GivesTheSoundOnceAndStaysAtItsEnd) {
 }
 
 TEST_F(AudioFileDecoderTest, LeavesOutTheSilenceThatAnEncoderPutsRoundTheSound) {
-  constexpr std::size_t kFrames = 50'001;  // no whole number of packets
+  constexpr std::size_t kFrames = 50'001;  // not a whole number of packets
   for (const auto& [suffix, options] :
        std::vector<std::pair<std::string, std::vector<std::string>>>{
            {"m4a", {"-c:a", "aac", "-movie_timescale", "44100"}},
@@ -117,7 +117,7 @@ TEST_F(AudioFileDecoderTest, RubbishBehindABareStreamIsNoDamage) {
   }
 }
 
-// Ends
+// Ends.
 
 TEST_F(AudioFileDecoderTest, ACutOffFileGivesWhatIsThereAndThenTellsOfIt) {
   const std::string file = wav(10'000);
@@ -127,7 +127,7 @@ TEST_F(AudioFileDecoderTest, ACutOffFileGivesWhatIsThereAndThenTellsOfIt) {
 }
 
 TEST_F(AudioFileDecoderTest, LengthsThatStandForUntilTheEndAreNoCut) {
-  constexpr std::uint32_t kRounded = 0x10000;  // bytes that such a length may be off by
+  constexpr std::uint32_t kRounded = 0x10000;  // maximum error of such a length, in bytes
   for (const std::uint32_t bytes :
        {0x7FFFFFFFU, 0x80000000U, 0x80000000U - kRounded, 0x80000000U + kRounded, 0xFFFFFFFFU,
         0xFFFFFFFFU - 44, 0U - kRounded}) {
@@ -166,7 +166,7 @@ TEST_F(AudioFileDecoderTest, AMediumThatFailsIsToldAfterWhatStandsBeforeThePlace
   EXPECT_LE(some.frames, 500'000);
 }
 
-// Openings that fail
+// Failing openings.
 
 TEST_F(AudioFileDecoderTest, WhatCannotBeDemuxedIsNotOpened) {
   put(std::string(3000, 'x'));

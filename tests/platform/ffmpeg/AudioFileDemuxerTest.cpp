@@ -14,7 +14,7 @@
 namespace platform {
 namespace {
 
-/// The packets of a stream and what ended them.
+/// A stream's packets and the error that ended them.
 struct Packets {
   std::vector<std::string> data;
   int end = 0;
@@ -185,7 +185,7 @@ TEST_F(AudioFileDemuxerTest, ALengthThatWasGuessedByTheFilesSizeIsNotDeclared) {
   EXPECT_EQ(demuxer->promisedPcmFrames(), 44'100);
 }
 
-// Ends that come early
+// Early ends
 
 TEST_F(AudioFileDemuxerTest, ACancelBeforehandOpensNothing) {
   put(wav(1000));
@@ -196,7 +196,7 @@ TEST_F(AudioFileDemuxerTest, ACancelBeforehandOpensNothing) {
 }
 
 TEST_F(AudioFileDemuxerTest, ACancelDuringAnEndlessHeaderEndsIt) {
-  put(wav(1000), 1ULL << 50);  // a chunk's header in every 8 bytes of zeros
+  put(wav(1000), 1ULL << 50);  // every 8 bytes of zeros look like a chunk header
   storage_.beforeReads([this](std::uint64_t number) {
     if (number == 20) {
       cancelled_->store(true);
@@ -241,7 +241,7 @@ TEST_F(AudioFileDemuxerTest, AnEndlessSearchForTheNextPacketIsTheEnd) {
   EXPECT_FALSE(interruption_.isDue()) << "no limit is left behind";
 }
 
-// Media that fail
+// Failing media
 
 TEST_F(AudioFileDemuxerTest, AMediumThatFailsWhileOpeningIsToldAsSuch) {
   for (const std::uint64_t place : {std::uint64_t{0}, std::uint64_t{20}}) {

@@ -22,7 +22,7 @@
 
 namespace platform {
 
-/// One file in memory for the classes below the extended audio files.
+/// One file in memory, for the classes below ExtAudioFileInput and ExtAudioFileOutput.
 class AudioFileFixture : public testing::Test {
  protected:
   void SetUp() override {
@@ -30,12 +30,12 @@ class AudioFileFixture : public testing::Test {
     logScope_.emplace(log_);
   }
 
-  /// A WAV of 16-bit stereo samples that are no zeros.
+  /// A WAV of nonzero 16-bit stereo samples.
   static std::string wav(std::size_t frames, std::uint32_t rate = 44100) {
     return support::wavBytes(rate, 2, 16, std::string(frames * 4, 'x'));
   }
 
-  /// So many bytes without an order, the same every time.
+  /// `count` pseudo-random bytes, always the same.
   static std::string rubbish(std::size_t count) {
     std::string bytes(count, '\0');
     std::uint32_t state = 1;
@@ -46,7 +46,7 @@ class AudioFileFixture : public testing::Test {
     return bytes;
   }
 
-  /// A wav() with another number of bytes in the header of its samples.
+  /// A wav() whose header declares `bytes` bytes of samples.
   static std::string wavThatPromises(std::uint32_t bytes, std::size_t frames) {
     constexpr std::size_t kPlace = 40;
     std::string file = wav(frames);
@@ -56,7 +56,7 @@ class AudioFileFixture : public testing::Test {
     return file;
   }
 
-  /// So many frames of noise, encoded by the suffix.
+  /// `frames` frames of noise, encoded as the suffix says.
   static std::string encoded(const std::string& suffix, std::size_t frames,
                              const std::vector<std::string>& options = {}) {
     const support::TemporaryFolder folder;
@@ -65,7 +65,7 @@ class AudioFileFixture : public testing::Test {
     return madeBy({"-i", source}, suffix, options);
   }
 
-  /// What ffmpeg makes of its own sources.
+  /// A file that ffmpeg makes from `input`.
   static std::string madeBy(std::vector<std::string> input, const std::string& suffix,
                             const std::vector<std::string>& options) {
     const support::TemporaryFolder folder;
@@ -76,7 +76,7 @@ class AudioFileFixture : public testing::Test {
     return support::fileBytes(file);
   }
 
-  /// From now on the file holds these bytes, followed by zeros up to `size`.
+  /// Sets the file's content: these bytes, then zeros up to `size`.
   void put(const std::string& bytes, std::uint64_t size = 0) {
     storage_.setBytes(bytes, size);
     file_ = *storage_.openForReading("a");
@@ -87,7 +87,7 @@ class AudioFileFixture : public testing::Test {
     return AudioFileDemuxer::open(*file_, size_, path, interruption_, error_);
   }
 
-  support::InstalledRecordingServices services_;  // the libraries' lines
+  support::InstalledRecordingServices services_;  // console lines
   FfmpegLog::Budget log_;
   std::optional<FfmpegLog::Scope> logScope_;
   const std::shared_ptr<std::atomic<bool>> cancelled_ = std::make_shared<std::atomic<bool>>(false);

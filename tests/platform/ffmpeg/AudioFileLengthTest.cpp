@@ -70,7 +70,7 @@ TEST_F(AudioFileLengthTest, CountsThePacketsOfABareStream) {
   EXPECT_EQ(length(mp3 + mp3 + mp3), 3 * once) << "no header of the first stretch is believed";
 }
 
-// The same bytes again and again.
+// Endlessly repeats the same bytes.
 class EndlessFile : public File {
  public:
   explicit EndlessFile(std::string bytes, std::uint64_t size)
@@ -114,7 +114,7 @@ TEST_F(AudioFileLengthTest, NonsenseInAHeaderStaysWithinBounds) {
   std::string file = encoded("m4a", 44'100, {"-c:a", "aac"});
   const std::size_t box = file.find("mdhd");
   ASSERT_NE(box, std::string::npos);
-  // Behind the name: version and flags, two dates, the time scale, the duration.
+  // After the name: version and flags, two dates, the time scale, the duration.
   file.replace(box + 16, 8, std::string("\0\0\0\1\xFF\xFF\xFF\xFE", 8));
   const std::int64_t frames = length(file);
   EXPECT_GE(frames, 0);

@@ -46,7 +46,7 @@ TEST(DecodingBudgetTest, TimeThatAnotherThreadWorksDoesNotCount) {
   DecodingBudget interruption(nullptr);
   interruption.limit(milliseconds(50), kAnyBytes);
   std::thread([] {
-    const std::clock_t end = std::clock() + CLOCKS_PER_SEC / 10;  // of the process: 100 ms
+    const std::clock_t end = std::clock() + CLOCKS_PER_SEC / 10;  // process time: 100 ms
     while (std::clock() < end) {
     }
   }).join();

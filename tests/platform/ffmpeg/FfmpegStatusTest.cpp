@@ -51,7 +51,7 @@ TEST(FfmpegStatusTest, AnUnknownErrorIsStillAFailureAndNeverACancel) {
   }
 }
 
-// Reports of a read show the low 16 bits alone: they must not make a success of a failure.
+// Reports of a read show only the low 16 bits, which must not be 0 for a failure.
 TEST(FfmpegStatusTest, NoStatusVanishesInItsLowHalf) {
   for (const AudioStatus status :
        {kFileNotFoundStatus, kFilePermissionStatus, kFolderStatus, kNotARegularFileStatus,

@@ -28,7 +28,7 @@ AvFrame frameOf(const std::vector<float>& samples, int channels, int rate) {
   return frame;
 }
 
-/// Everything that a converter gives for a row of frames, taken `room` frames at a time.
+/// The converter's whole output for `frames`, taken `room` frames at a time.
 std::vector<float> converted(WorkingFormatConverter& converter, std::vector<AvFrame> frames,
                              std::uint32_t room) {
   std::vector<float> all;
@@ -91,7 +91,7 @@ TEST(WorkingFormatConverterTest, SurroundIsMixedDownAndMayPassFullScale) {
   WorkingFormatConverter converter;
   const auto mixed =
       converted(converter, list(frameOf(std::vector<float>(6, 1.0F), 6, 44'100)), 10'000);
-  // Front, and centre and rear at 0.707 each; not the low frequencies.
+  // Front, plus centre and rear at 0.707 each, without the low-frequency channel.
   ASSERT_EQ(mixed.size(), 2U);
   EXPECT_NEAR(mixed[0], 1.0 + 2 * std::sqrt(0.5), 1e-5);
   EXPECT_NEAR(mixed[1], 1.0 + 2 * std::sqrt(0.5), 1e-5);
@@ -130,7 +130,7 @@ TEST(WorkingFormatConverterTest, WhatCannotBeConvertedIsRefused) {
   std::vector<float> room(1000);
   const AvFrame slow = frameOf({0.1F, 0.1F}, 2, 1);
   EXPECT_LT(converter.put(*slow, room.data(), 500), 0);
-  // What comes after it can be converted still.
+  // Later frames can still be converted.
   EXPECT_THAT(converted(converter, list(frameOf({0.1F, 0.2F}, 2, 44'100)), 10'000),
               ElementsAre(0.1F, 0.2F));
 }

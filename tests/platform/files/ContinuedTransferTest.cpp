@@ -16,7 +16,7 @@ struct Answer {
   int error = 0;
 };
 
-// Answers each step from a script and keeps what it was asked.
+// Scripted results of the steps, with a record of the requests.
 struct ScriptedSteps {
   std::deque<Answer> answers;
   std::vector<std::pair<std::uint64_t, std::uint64_t>> asked;

@@ -116,7 +116,7 @@ TEST_F(PosixFileTest, CannotEndWhereTheSystemCannotExpressIt) {
   EXPECT_EQ(file().size(), 1U);
 }
 
-// A limit on the size of files stands in for a disk that fills up in the middle of a write.
+// A limit on file sizes simulates a disk that fills up during a write.
 TEST_F(PosixFileTest, TellsHowMuchOfAWriteWasTakenAndWhyNotMore) {
   struct rlimit before = {};
   ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);

@@ -52,7 +52,7 @@ class ReplacementFileTest : public testing::Test {
     return result->commit();
   }
 
-  // The administrator may write everywhere; permissions show only to somebody else.
+  // Root may write everywhere; permissions apply only to other users.
   void becomeOrdinaryUser() {
     if (::geteuid() == 0) {
       ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);

@@ -9,7 +9,7 @@
 namespace platform {
 namespace {
 
-/// Answers with the context and the text that it is asked for.
+/// Translates every text into its context and the text itself.
 class Echo : public QTranslator {
  public:
   Echo() { QCoreApplication::installTranslator(this); }

@@ -77,7 +77,7 @@ TEST_F(ExtAudioFileInputTest, EveryCallTellsACancel) {
 }
 
 TEST_F(ExtAudioFileInputTest, AnMp3TooLongToBeCountedHasAnEstimatedLength) {
-  // A second of sound, then zeros without end: what is counted is a share of the file.
+  // A second of sound, then endless zeros: only a share of the file is counted.
   const support::TemporaryFolder folder;
   const std::string path = folder.file("a.mp3");
   ASSERT_EQ(support::ffmpeg({"-f", "lavfi", "-i", "sine=d=1", "-c:a", "libmp3lame", path}), "");

@@ -31,7 +31,7 @@ TEST_F(ExtAudioFileOutputTest, EveryKindBeginsAsItShould) {
   };
   const std::string wave = bytesOf(AudioFileKind::wave);
   EXPECT_EQ(wave.substr(0, 4), "RIFF");
-  // Room for the 64-bit sizes of a file that passes 4 GB.
+  // Room for the 64-bit sizes of a file beyond 4 GB.
   EXPECT_EQ(wave.substr(12, 4), "JUNK");
   EXPECT_NE(wave.find("data"), std::string::npos);
   const std::string aiff = bytesOf(AudioFileKind::aiff);
@@ -73,7 +73,7 @@ TEST_F(ExtAudioFileOutputTest, FramesThatAiffCannotHoldAreRefusedBeforeTheyAreWr
   ASSERT_NE(created.file, nullptr);
   const std::vector<float> frames(2 * 100, 0.1F);
   ASSERT_EQ(created.file->write(frames.data(), 100), kAudioStatusOk);
-  // Refused by the number alone: the frames are not looked at.
+  // Refused for the number alone: the frames are not read.
   const std::uint64_t most = *ExtAudioFileOutput::maximumFrames(AudioFileKind::aiff);
   EXPECT_EQ(created.file->write(frames.data(), most - 99), kFileTooLargeStatus);
   EXPECT_EQ(created.file->dispose(), kFileTooLargeStatus);

@@ -13,7 +13,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/media/AudioFileStatus.h"
-#include "support/Checkers.h"
+#include "support/Sanitizers.h"
 #include "support/fakes/RecordingServices.h"
 
 namespace platform {
@@ -48,7 +48,7 @@ TEST(FfmpegModuleTest, NamesFfmpegsLibrariesInItsFileForPackagingTools) {
   }
 }
 
-// Without a file to open, every library is missing.
+// If the process cannot open files, every library is missing.
 void useWithoutLibraries() {
   const support::InstalledRecordingServices services;
   const rlimit none{0, 0};
@@ -64,7 +64,7 @@ void useWithoutLibraries() {
 }
 
 TEST(FfmpegModuleTest, ThatIsMissingIsLoggedOnceAndFailsEveryTime) {
-  if (support::kAddressChecker) {
+  if (support::kAddressSanitizer) {
     GTEST_SKIP() << "the sanitizer itself needs files";
   }
   GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process that has not loaded it yet

@@ -13,7 +13,7 @@ using platform::SplitComplex;
 
 namespace {
 
-/// Real and imaginary parts in arrays of their own.
+/// Real and imaginary parts in separate arrays.
 struct Split {
   explicit Split(std::size_t size, float value = 0.0F) : re(size, value), im(size, value) {}
 
@@ -35,7 +35,7 @@ Split noise(std::size_t size) {
   return signal;
 }
 
-/// The sum as it is written, in double precision, over every stride-th element.
+/// The defining sum in double precision, over every stride-th element.
 std::vector<std::complex<double>> slowTransform(const Split& signal, std::size_t length,
                                                 std::size_t stride) {
   std::vector<std::complex<double>> roots(length);

@@ -27,12 +27,12 @@ inline constexpr std::uint32_t kPlayFrames = 1024;
 using support::Gate;
 using support::ramp;
 
-/// What happened on other threads, in order, and a way to wait for it.
+/// Records values from other threads in order and waits for them.
 template <typename Value>
 class Record {
  public:
   void add(Value value) {
-    // Notified under the lock: whoever waits may destroy this as soon as it has the lock.
+    // Notified under the lock: a waiting thread may destroy this as soon as it has the lock.
     const std::lock_guard lock(mutex_);
     values_.push_back(std::move(value));
     changed_.notify_all();
@@ -56,12 +56,12 @@ class Record {
   std::vector<Value> values_;  // guarded by mutex_
 };
 
-/// An input queue with the recorder's buffers, whose callback keeps everything.
+/// An input queue with the recorder's buffers; its callback keeps all samples.
 struct Recording {
   Recording() = default;
   Recording(const Recording&) = delete;
   Recording& operator=(const Recording&) = delete;
-  ~Recording() { queue.reset(); }  // before what its callbacks use
+  ~Recording() { queue.reset(); }  // before the members that its callbacks use
 
   std::unique_ptr<AudioInputQueue> queue;
   Record<std::uint64_t> endFrames;
@@ -118,20 +118,19 @@ struct Recording {
   std::vector<float> kept;  // guarded by mutex
 };
 
-/// An output queue that plays a given sequence of samples in the player's buffers, and ends as the
-/// player does.
+/// An output queue that plays given samples through the player's buffers and ends like the player.
 struct Playback {
   Playback() = default;
   Playback(const Playback&) = delete;
   Playback& operator=(const Playback&) = delete;
-  ~Playback() { queue.reset(); }  // before what its callbacks use
+  ~Playback() { queue.reset(); }  // before the members that its callbacks use
 
   std::vector<float> source;
   std::size_t readAt = 0;  // samples
   bool done = false;
   std::unique_ptr<AudioOutputQueue> queue;
-  Record<std::uint32_t> states;    // what the listener was told
-  Record<std::uint32_t> returned;  // frames of each buffer that came back, after its refill
+  Record<std::uint32_t> states;    // the listener's notifications
+  Record<std::uint32_t> returned;  // frames of each returned buffer, after its refill
   std::function<void(AudioOutputQueue&)> inCallback;
   std::function<void(AudioOutputQueue&)> inListener;
 
@@ -191,7 +190,7 @@ struct Playback {
   }
 };
 
-/// Queues on a scripted device. Uses the system's clock; see TurnedClock for the other.
+/// Queues on a scripted device with the system's clock.
 class AudioQueueFixture : public testing::Test {
  protected:
   ~AudioQueueFixture() override { device->release(); }
@@ -201,12 +200,12 @@ class AudioQueueFixture : public testing::Test {
   std::shared_ptr<DeviceAudioQueues> queues = std::make_shared<DeviceAudioQueues>(device);
 };
 
-/// The same with a clock that the test turns.
+/// The same with a clock that the test advances.
 class TurnedClockFixture : public testing::Test {
  protected:
   ~TurnedClockFixture() override { device->release(); }
 
-  /// Returns when the control thread has done all that was due.
+  /// Returns once the control thread has run all due tasks.
   void settle() {
     const std::size_t before = device->preparations();
     queues->prepareInput();

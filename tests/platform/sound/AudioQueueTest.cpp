@@ -10,7 +10,7 @@ namespace {
 TEST(AudioQueueTest, WithNoneInstalledEveryQueueIsRefusedAndThatIsNotReportedTwice) {
   EXPECT_EQ(audioQueues()->newInput(kWorkingFormat, {}, {}).error(), kDeviceUnavailableStatus);
   EXPECT_EQ(audioQueues()->newOutput(kWorkingFormat, {}).error(), kDeviceUnavailableStatus);
-  static_cast<void>(audioQueues()->claimInputFailureAlert());  // true once in this process
+  static_cast<void>(audioQueues()->claimInputFailureAlert());  // true only once per process
   EXPECT_FALSE(audioQueues()->claimInputFailureAlert());
 }
 

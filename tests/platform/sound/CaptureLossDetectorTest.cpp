@@ -5,10 +5,10 @@
 namespace platform::test {
 namespace {
 
-/// A device that captures at its own rate, and what the detector says about it.
+/// A device that captures at its own rate, and the detector's results.
 class CaptureLossDetectorTest : public testing::Test {
  protected:
-  /// Time in which `frames` are captured by a device that is `ppm` millionths too slow.
+  /// Lets the time pass in which a device `ppm` millionths too slow captures `frames`.
   void pass(std::uint32_t frames, double ppm = 0) {
     now_ += std::chrono::duration_cast<AudioClock::TimePoint::duration>(
         std::chrono::duration<double>(frames / (44100.0 * (1 - ppm * 1e-6))));
@@ -17,7 +17,7 @@ class CaptureLossDetectorTest : public testing::Test {
 
   void run(int seconds, double ppm = 0) {
     for (int i = 0; i < seconds * 43; ++i) {
-      const std::uint32_t chunk = i % 3 == 0 ? 3 : 1537;  // unevenly, 1025.67 on average
+      const std::uint32_t chunk = i % 3 == 0 ? 3 : 1537;  // uneven, 1025.67 on average
       pass(chunk, ppm);
       deliver(chunk);
     }
@@ -55,7 +55,7 @@ TEST_F(CaptureLossDetectorTest, AStallWhoseFramesArriveLateRaisesNoAlarm) {
 TEST_F(CaptureLossDetectorTest, FramesThatNeverArriveAreReportedOnceInTheirNumber) {
   run(60);
   for (int i = 0; i < 338; ++i) {
-    pass(1024);  // nothing of it arrives
+    pass(1024);  // none of it arrives
   }
   run(60);
   EXPECT_NEAR(static_cast<double>(reported_), 338 * 1024, 2000);
@@ -63,7 +63,7 @@ TEST_F(CaptureLossDetectorTest, FramesThatNeverArriveAreReportedOnceInTheirNumbe
 
 TEST_F(CaptureLossDetectorTest, ABurstAtTheStartOfAStreamRaisesNoAlarm) {
   for (int i = 0; i < 20; ++i) {
-    deliver(1024);  // what the server had kept
+    deliver(1024);  // kept back by the server
   }
   run(60);
   EXPECT_EQ(reported_, 0U);

@@ -60,7 +60,7 @@ TEST_F(DeviceAudioQueuesTest, DestructionDoesNotWaitForADeviceThatHangs) {
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   device->hang();
   recording.queue.reset();
-  queues.reset();  // would wait for ever
+  queues.reset();  // would wait forever
   EXPECT_EQ(device->inputsClosed(), 0U);
   device->release();
   EXPECT_TRUE(device->awaitInputClosed());

@@ -12,7 +12,7 @@ namespace {
 class DeviceThreadTest : public testing::Test {
  protected:
   DeviceTasks& control() { return *thread_->control(); }
-  /// A task that notes its name.
+  /// A task that records its name.
   DeviceTasks::Task note(int name) {
     return [this, name](AudioDevice&) { ran_.add(name); };
   }
@@ -92,7 +92,7 @@ TEST_F(DeviceThreadTest, AThreadThatHangsIsLeftBehindAndFinishesLater) {
   control().post([door](AudioDevice&) { door->pass(); });
   control().postAtEnd([last](AudioDevice&) { last->add(1); });
   ASSERT_TRUE(door->awaitArrival());
-  thread_.reset();  // would wait for ever
+  thread_.reset();  // would wait forever
   EXPECT_EQ(last->count(), 0U);
   door->open();
   EXPECT_TRUE(last->awaitCount(1));

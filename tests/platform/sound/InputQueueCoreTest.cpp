@@ -130,7 +130,7 @@ TEST_F(InputQueueCoreTest, BlocksWaitInTheRingUntilABufferIsEnqueuedAgain) {
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   feed(0, 5 * kRecordFrames);
   ASSERT_TRUE(recording.endFrames.awaitCount(3));
-  recording.queue->waitUntilDelivered(5 * kRecordFrames);  // ends: nothing to deliver into
+  recording.queue->waitUntilDelivered(5 * kRecordFrames);  // returns: no enqueued buffer left
   EXPECT_EQ(recording.endFrames.count(), 3U);
   AudioQueueBuffer* first = kept[0];
   ASSERT_EQ(recording.queue->enqueueBuffer(first), kAudioStatusOk);
@@ -177,7 +177,7 @@ TEST_F(InputQueueCoreTest, AFailureWhileFramesArriveLosesNoneOfThem) {
       while (device->feed(ramp(fed, 37))) {
         fed += 37;
         while (fed > recording.endFrames.count() * 64 + kInputRingFrames / 2) {
-          std::this_thread::yield();  // a full ring would lose frames of its own
+          std::this_thread::yield();  // a full ring would lose frames too
         }
       }
     });
@@ -224,7 +224,7 @@ TEST_F(InputQueueCoreTest, WaitingDoesNotWaitForBuffersCapturedLater) {
   first.open();
   ASSERT_TRUE(second.awaitArrival());
   recording.queue->waitUntilDelivered(kRecordFrames);          // the second is still inside
-  recording.queue->waitUntilDelivered(2 * kRecordFrames - 1);  // its end is later
+  recording.queue->waitUntilDelivered(2 * kRecordFrames - 1);  // it ends later
   EXPECT_EQ(recording.endFrames.count(), 1U);
   second.open();
 }
@@ -371,7 +371,7 @@ TEST_F(InputQueueCoreTest, LevelsAreThoseOfTheLastFilledBuffer) {
   EXPECT_EQ(count, 2U);
   EXPECT_EQ(levels[0].mAveragePower, 0);
   device->feedConstant(kRecordFrames, 0.5F, -0.25F);
-  device->feedConstant(kRecordFrames - 1, 1, 1);  // not a whole buffer
+  device->feedConstant(kRecordFrames - 1, 1, 1);  // less than a buffer
   recording.queue->waitUntilDelivered(recording.queue->capturedFrames());
   ASSERT_EQ(recording.queue->currentLevels(levels, 2, count), kAudioStatusOk);
   EXPECT_FLOAT_EQ(levels[0].mAveragePower, 0.5F);

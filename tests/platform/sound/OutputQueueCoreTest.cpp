@@ -15,7 +15,7 @@ using States = std::vector<std::uint32_t>;
 
 class OutputQueueCoreTest : public AudioQueueFixture {
  protected:
-  /// Pulls, and waits until the player has refilled what was emptied.
+  /// Pulls, and waits until the player has refilled the emptied buffers.
   std::vector<float> pullAndRefill(std::uint32_t frames) {
     auto samples = device->pull(frames);
     pulled_ += frames;
@@ -48,7 +48,7 @@ TEST_F(OutputQueueCoreTest, RequestsOfAnySizeGetEverySampleInOrder) {
   }
   EXPECT_EQ(heard, ramp(1, heard.size() / 2));
   EXPECT_EQ(playback.queue->underrunFrames(), 0U);
-  ASSERT_TRUE(playback.states.awaitCount(1));  // told when no buffer is left to bring back
+  ASSERT_TRUE(playback.states.awaitCount(1));  // notified once all buffers have been returned
   EXPECT_EQ(playback.states.values(), States{1});
 }
 
@@ -81,14 +81,14 @@ TEST_F(OutputQueueCoreTimeTest, ADrainWaitsUntilTheLastRealFrameWasHeard) {
     }));
     settle();
   }
-  EXPECT_EQ(device->outputsClosed(), 0U);  // 500 frames are not taken yet
+  EXPECT_EQ(device->outputsClosed(), 0U);  // 500 frames are still queued
   device->pull(1500);
   device->hear(499);
   clock->advance(milliseconds(10));
   settle();
   EXPECT_EQ(device->outputsClosed(), 0U);
   device->hear(1);
-  // The ending comes with the last look at the position, 10 ms apart.
+  // The end is noticed by the next check of the position, every 10 ms.
   ASSERT_TRUE(support::eventually([&] {
     clock->advance(milliseconds(10));
     return playback.states.count() == 2;
@@ -233,7 +233,7 @@ TEST_F(OutputQueueCoreTest, AfterAnImmediateStopNothingIsCalledAndTheDataIsDropp
   EXPECT_TRUE(device->awaitOutputsClosed(1));
   EXPECT_EQ(device->pull(100), std::vector<float>());
   EXPECT_EQ(playback.returned.count(), calls);
-  EXPECT_LE(playback.states.count(), 1U);  // the stop itself is not told
+  EXPECT_LE(playback.states.count(), 1U);  // the stop itself is not notified
   EXPECT_EQ(playback.queue->start(), kInvalidQueueStateStatus);
   EXPECT_EQ(playback.queue->pause(), kInvalidQueueStateStatus);
   EXPECT_EQ(playback.queue->stopAfterQueued(), kInvalidQueueStateStatus);
@@ -281,7 +281,7 @@ TEST_F(OutputQueueCoreTest, AStopFromInsideTheCallbackOrListenerReturnsAndIsTheL
 TEST_F(OutputQueueCoreTest, AQueueMayBeDestroyedInsideItsOwnListener) {
   ASSERT_EQ(playback.make(*queues), kAudioStatusOk);
   Record<int> ends;
-  std::latch started(1);  // the owner is inside start() until then
+  std::latch started(1);  // until then the owner is inside start()
   playback.queue->setRunningListener([&](AudioOutputQueue& queue) {
     std::uint32_t running = 9;
     ASSERT_EQ(queue.isRunning(running), kAudioStatusOk);
@@ -326,7 +326,7 @@ TEST_F(OutputQueueCoreTimeTest, AnImmediateStopDoesNotWaitForADeviceThatHangs) {
   EXPECT_EQ(playback.queue->stopImmediately(), kAudioStatusOk);
   EXPECT_EQ(playback.queue->dispose(), kAudioStatusOk);
   ASSERT_TRUE(device->awaitHanging());
-  EXPECT_EQ(device->pull(100), std::vector<float>(200, 0));  // its stream still lives
+  EXPECT_EQ(device->pull(100), std::vector<float>(200, 0));  // its stream still exists
   device->release();
   EXPECT_TRUE(device->awaitOutputsClosed(1));
 }

@@ -39,7 +39,7 @@ TEST_F(SharedInputTest, QueuesThatComeAndGoWhileTheDeviceRunsCostAnotherNoFrame)
   std::uint64_t fed = 0;
   std::thread microphone([&] {
     while (!stop) {
-      // As fast as the steady queue follows, so that its ring never fills.
+      // Only as fast as the steady queue follows, so that its ring never fills.
       if (fed - steady.endFrames.count() * 512 < kInputRingFrames / 2) {
         device->feed(ramp(fed, 300));
         fed += 300;
@@ -53,7 +53,7 @@ TEST_F(SharedInputTest, QueuesThatComeAndGoWhileTheDeviceRunsCostAnotherNoFrame)
     ASSERT_EQ(passing.begin(*queues, 64), kAudioStatusOk);
     ASSERT_TRUE(passing.endFrames.awaitCount(2));
     EXPECT_EQ(passing.queue->dispose(), kAudioStatusOk);
-    // The microphone waits for the steady queue only, and may outrun this one.
+    // The microphone waits only for the steady queue and may be faster than this one.
     auto samples = passing.samples();
     if (passing.queue->lostFrames() > 0) {
       samples.resize(2 * 128);
@@ -140,7 +140,7 @@ TEST_F(SharedInputTimeTest, AFailureIsAnsweredAtOnceForASecondAndThenTriedAnew) 
   EXPECT_EQ(recording.make(*queues), -5);
   EXPECT_EQ(recording.queue, nullptr);
   EXPECT_EQ(device->inputsRefused(), 1U);
-  device->hang();  // nobody may ask the device
+  device->hang();  // the device must not be called
   clock->advance(milliseconds(999));
   EXPECT_EQ(recording.make(*queues), -5);
   device->release();
@@ -165,7 +165,7 @@ TEST_F(SharedInputTimeTest, ADeviceThatHangsIsWaitedForAQuarterOfASecondInAll) {
   EXPECT_EQ(making.wait_for(seconds(0)), std::future_status::timeout);
   clock->advance(milliseconds(1));
   EXPECT_EQ(making.get(), kAudioStatusOk);
-  // The opening has been waited for: a second recorder need not.
+  // The first recorder has waited for the opening, so a second one does not.
   Recording second;
   EXPECT_EQ(second.begin(*queues), kAudioStatusOk);
   device->release();
@@ -264,7 +264,7 @@ TEST_F(SharedInputTimeTest, ALostDeviceEndsEveryQueueOnceAndTheNextQueueOpensAfr
   ASSERT_TRUE(one.failures.awaitCount(1));
   ASSERT_TRUE(two.failures.awaitCount(1));
   ASSERT_TRUE(device->awaitInputClosed());
-  // All that was captured before the loss has been delivered before it was told.
+  // Everything captured before the loss was delivered before the notification.
   EXPECT_EQ(one.samples(), ramp(0, kRecordFrames + 5));
   EXPECT_EQ(two.samples(), ramp(0, kRecordFrames + 5));
   clock->advance(seconds(1));
@@ -274,7 +274,7 @@ TEST_F(SharedInputTimeTest, ALostDeviceEndsEveryQueueOnceAndTheNextQueueOpensAfr
   device->feed(ramp(0, kRecordFrames));
   ASSERT_TRUE(three.endFrames.awaitCount(1));
   one.queue->waitUntilDelivered(one.queue->capturedFrames());
-  EXPECT_EQ(one.endFrames.count(), 2U);  // stays ended
+  EXPECT_EQ(one.endFrames.count(), 2U);  // no callback after the loss
   EXPECT_EQ(one.failures.values(), (std::vector<AudioStatus>{kDeviceLostStatus}));
   EXPECT_EQ(two.failures.values(), (std::vector<AudioStatus>{kDeviceLostStatus}));
   EXPECT_EQ(three.failures.count(), 0U);

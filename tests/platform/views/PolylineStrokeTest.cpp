@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int kFiner = 16;  // subdivisions of a pixel in the reference, each way
+constexpr int kFiner = 16;  // subdivisions of a reference pixel in each direction
 
 std::vector<QPointF> zigzag(QSize size, int bars, double reach) {
   std::mt19937 random(7);
@@ -27,8 +27,8 @@ std::vector<QPointF> zigzag(QSize size, int bars, double reach) {
   return points;
 }
 
-/// The toolkit's own stroke, without antialiasing in a picture many times as fine, averaged. Each
-/// corner is stroked by itself, which the union of the pieces does not show.
+/// Qt's own stroke without antialiasing, on a picture kFiner times as fine, then averaged. Each
+/// corner is stroked separately, which does not change the union of the pieces.
 QImage reference(QSize size, int ratio, const std::vector<QPointF>& points, double width) {
   const QImage fine = drawnPicture(size, ratio * kFiner, Qt::black, [&](QPainter& painter) {
     painter.setRenderHint(QPainter::Antialiasing, false);
@@ -151,7 +151,7 @@ TEST_P(PolylineStrokeTest, EachStrokeIsTheSameToTheBitAsOneOfAFreshStroker) {
   for (int step = 0; step < 200; ++step) {
     switch (random() % 6) {
       case 0:
-        points[random() % points.size()].ry() += 1e-13;  // fuzzily the same
+        points[random() % points.size()].ry() += 1e-13;  // equal for Qt's fuzzy comparison
         break;
       case 1:
         points[random() % points.size()].setY(static_cast<double>(random() % 60) - 15.0);

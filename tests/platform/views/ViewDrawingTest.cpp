@@ -129,7 +129,7 @@ TEST(ViewDrawingPenTest, CutsCornersThatAreTooSharpAndKeepsTheTipsOfTheOthers) {
   };
   // A join is 1 / sin(half its angle) widths long, half of it beyond the corner: 4 points × 6 / 2.
   EXPECT_NEAR(heightOfTip(60.0 / 5.916), 12, 2);
-  // 4 points × 12 / 2 would be 24, but is past the limit of 10.
+  // 4 points × 12 / 2 would be 24, but exceeds the limit of 10.
   EXPECT_LE(heightOfTip(60.0 / 11.96), 2);
 }
 

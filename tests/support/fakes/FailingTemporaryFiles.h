@@ -17,18 +17,17 @@
 
 namespace support {
 
-/// Temporary files in memory that fail as a test scripts them: cannot be created, fill up, take a
-/// write in part, fail or shorten reads, keep their size, or take their time. Everything is healthy
-/// at first.
+/// Temporary files in memory with scripted failures: creation fails, the disk fills up, a write is
+/// partial, reads fail or are short, resizing fails, transfers are slow. Initially nothing fails.
 ///
-/// One plan serves all files of one maker, also those that are open already. Files keep the plan
-/// alive and may outlive their maker. Put in with platform::Installed.
+/// All files of one object share its plan, including those already open. They keep the plan alive
+/// and may outlive the object. Install it with platform::Installed.
 ///
 /// Threads: any, also while files are in use.
 class FailingTemporaryFiles : public platform::TemporaryFiles {
  public:
   static constexpr std::uint64_t kUnlimited = std::numeric_limits<std::uint64_t>::max();
-  /// A file cannot be made longer than this, in bytes, by setSize(): it lives in memory.
+  /// Maximum size in bytes that setSize() grants, since files are in memory.
   static constexpr std::uint64_t kMaxSize = std::uint64_t{1} << 30;
 
   /// Later creations fail with this errno; 0 makes them succeed again.
@@ -36,7 +35,7 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     change([error](Plan& plan) { plan.creationError = error; });
   }
 
-  /// A disk that takes `bytes` more bytes in all; the write that passes them is taken in part and
+  /// The disk has room for `bytes` more bytes in all; the write that exceeds them is partial and
   /// ends with `error`.
   void fillUpAfter(std::uint64_t bytes, int error = ENOSPC) {
     change([=](Plan& plan) {
@@ -45,25 +44,24 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     });
   }
 
-  /// The disk has room again.
   void freeSpace() { fillUpAfter(kUnlimited); }
 
-  /// Every read fails with this errno and no bytes; 0 makes them succeed again.
+  /// Every read fails with this errno and returns no bytes; 0 makes reads succeed again.
   void failReads(int error) {
     change([error](Plan& plan) { plan.readError = error; });
   }
 
-  /// No file becomes longer or shorter by setSize(), which fails with this errno; 0 ends that.
+  /// setSize() fails with this errno and changes nothing; 0 makes it succeed again.
   void failSizeChanges(int error) {
     change([error](Plan& plan) { plan.sizeError = error; });
   }
 
-  /// No read gives more than `bytes` bytes at once.
+  /// A read returns at most `bytes` bytes.
   void shortenReads(std::uint64_t bytes) {
     change([bytes](Plan& plan) { plan.largestRead = bytes; });
   }
 
-  /// Runs before each transfer, on its thread and outside every lock: a slow disk.
+  /// Runs before each transfer, on its thread and outside every lock, to simulate a slow disk.
   void beforeWrites(std::function<void()> hook) {
     change([&hook](Plan& plan) { plan.beforeWrite = std::move(hook); });
   }
@@ -75,7 +73,7 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
   std::uint64_t writes() const { return look(&Plan::writes); }
   /// Files created and not yet closed.
   std::uint64_t openFiles() const { return look(&Plan::openFiles); }
-  /// Templates of all creations that were asked for, failed ones included.
+  /// Templates of all requested creations, including failed ones.
   std::vector<std::string> templates() const { return look(&Plan::templates); }
 
   [[nodiscard]] std::string directory() const override { return "/nowhere/"; }
@@ -84,7 +82,7 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     return create(pathTemplate);
   }
 
-  /// There is no file of this name on disk.
+  /// No file of this name exists on disk.
   [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
     return create(pathTemplate);
   }

@@ -10,9 +10,9 @@
 
 #include "waveform/OVWaveformSummary.h"
 
-/// A summary whose elements a test writes down. Counts the copies that are taken of them, and
-/// fails the test when its generation lock is taken.
-/// Threads: one, save isRegenerating and the counter.
+/// A summary with elements set by a test. Counts the copies made of them, and fails the test if its
+/// generation lock is taken.
+/// Threads: one, except isRegenerating and the counter.
 class FakeWaveformSummary final : public OVWaveformSummary {
  public:
   explicit FakeWaveformSummary(std::vector<float> elements = {}) : elements_(std::move(elements)) {}

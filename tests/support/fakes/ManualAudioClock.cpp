@@ -7,7 +7,7 @@
 namespace platform {
 
 namespace {
-constexpr auto kLook = std::chrono::milliseconds(1);  // between looks at the hands, real time
+constexpr auto kLook = std::chrono::milliseconds(1);  // real time between two checks of the clock
 }  // namespace
 
 AudioClock::TimePoint ManualAudioClock::now() const noexcept {

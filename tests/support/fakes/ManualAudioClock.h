@@ -8,9 +8,9 @@
 
 namespace platform {
 
-/// A clock that stands still until it is turned: the clock of tests with a ScriptedAudioDevice.
+/// A clock that moves only when a test advances it, for use with a ScriptedAudioDevice.
 ///
-/// A thread that waits on it wakes within about a millisecond of real time after the turn.
+/// A thread that waits on it wakes within about a millisecond of real time after advance().
 ///
 /// Threads: any. Real-time: not safe.
 class ManualAudioClock final : public AudioClock {
@@ -18,11 +18,10 @@ class ManualAudioClock final : public AudioClock {
   [[nodiscard]] TimePoint now() const noexcept override;
   [[nodiscard]] bool waitUntil(Semaphore& semaphore, TimePoint deadline) override;
 
-  /// Moves time forward.
   void advance(std::chrono::nanoseconds duration);
 
-  /// Waits in real time until some thread waits for a moment at most `duration` ahead of now: the
-  /// time to turn the clock. False when none does within 20 s.
+  /// Waits in real time until some thread waits for a moment at most `duration` ahead of now, so
+  /// that advance() can wake it. False if none does within 20 s.
   [[nodiscard]] bool awaitWaiter(std::chrono::nanoseconds duration) const;
 
  private:

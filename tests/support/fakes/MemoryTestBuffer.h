@@ -13,13 +13,13 @@
 
 #include "storage/OVAudioBufferInterface.h"
 
-/// A buffer in memory that can have holes, keeps a list of its transfers, and lets a test step in
-/// before each.
+/// A buffer in memory that can have holes, records its transfers, and lets a test intervene before
+/// each.
 ///
-/// It answers a read like every buffer: under one lock, up to the end or the next hole, and with
-/// nothing at all when no byte is there. Everything else of the interface does nothing.
+/// Reads behave as in every buffer: under one lock, up to the end or the next hole. The rest of the
+/// interface does nothing.
 ///
-/// Threads: any, except that the hooks are set while no one reads or writes.
+/// Threads: any, except that hooks are set while no other thread reads or writes.
 class MemoryTestBuffer : public OVAudioBufferInterface {
  public:
   static constexpr std::uint64_t kFrameBytes = platform::kWorkingFormat.mBytesPerFrame;
@@ -71,12 +71,10 @@ class MemoryTestBuffer : public OVAudioBufferInterface {
   }
   [[nodiscard]] std::uint64_t readCount() const { return readCount_; }
 
-  /// What was asked for, in order.
   [[nodiscard]] std::vector<Transfer> reads() const {
     const std::lock_guard guard(lock_);
     return reads_;
   }
-  /// What was written, in order.
   [[nodiscard]] std::vector<Transfer> writes() const {
     const std::lock_guard guard(lock_);
     return writes_;
@@ -97,7 +95,7 @@ class MemoryTestBuffer : public OVAudioBufferInterface {
     const std::lock_guard guard(lock_);
     writes_.push_back({atByteOffset, withSize});
     bytes_.resize(std::max<std::uint64_t>(bytes_.size(), atByteOffset + withSize));
-    // Not memcpy: a write of nothing may come without an address.
+    // Not memcpy: the address of an empty write may be null.
     std::copy_n(static_cast<const std::byte*>(data), withSize,
                 bytes_.begin() + static_cast<std::ptrdiff_t>(atByteOffset));
   }

@@ -6,11 +6,11 @@
 
 namespace support {
 
-/// While one lives, no thread can be made in this process: the system is asked for a stack that no
-/// memory holds. Threads that run stay. Only where the system lets a program choose the usual size
-/// of stacks; see isInForce().
+/// While one lives, no thread can be created in this process: the default stack is larger than any
+/// memory. Running threads continue. Works only where a program can set the default stack size; see
+/// isInForce().
 ///
-/// Threads: one, and no other may be making threads meanwhile.
+/// Threads: one; no other may create threads meanwhile.
 class NoMoreThreads {
  public:
 #if defined(__GLIBC__)

@@ -20,7 +20,7 @@ struct DelegateCall {
   friend bool operator==(const DelegateCall&, const DelegateCall&) = default;
 };
 
-/// Keeps every report of a buffer: writes and their failures in one order, failed reads in another.
+/// Records every call of a buffer: writes and their failures in one list, failed reads in another.
 ///
 /// Threads: any.
 class RecordingDelegate : public OVAudioBufferDelegate {
@@ -49,7 +49,7 @@ class RecordingDelegate : public OVAudioBufferDelegate {
     return calls_;
   }
 
-  /// Errnos of the reads that failed.
+  /// Errnos of the failed reads.
   std::vector<int> readErrors() const {
     const std::lock_guard lock(mutex_);
     return readErrors_;

@@ -7,7 +7,7 @@
 
 namespace support {
 
-/// A desktop that keeps what it was asked to open. Threads: main.
+/// A desktop that records what it was asked to open. Threads: main.
 class RecordingDesktop : public platform::DesktopServices {
  public:
   bool open(const QUrl& address) override {

@@ -20,14 +20,14 @@ struct RecordedAlert {
   friend bool operator==(const RecordedAlert&, const RecordedAlert&) = default;
 };
 
-/// Application services that keep what they were asked for and never wait for anybody. Put in with
+/// Application services that record all requests and never wait for a user. Install them with
 /// platform::Installed, or with InstalledRecordingServices below.
 ///
-/// Threads: any. Accessors return copies, so a test may look while other threads still report.
+/// Threads: any. Accessors return copies, so a test may read them while other threads still report.
 class RecordingServices : public platform::ApplicationServices {
  public:
-  /// Runs inside showModalAlert(), on its caller's thread and outside the lock: what a person
-  /// would do while the alert stands.
+  /// Runs inside showModalAlert(), on its caller's thread and outside the lock, in place of the
+  /// user.
   using AlertAnswer = std::function<void(const RecordedAlert&)>;
 
   void showModalAlert(const std::string& title, const std::string& message) override {
@@ -67,7 +67,7 @@ class RecordingServices : public platform::ApplicationServices {
     answer_ = std::move(answer);
   }
 
-  /// Alerts that their caller waited for, in order.
+  /// Alerts that the caller waited for, in order.
   std::vector<RecordedAlert> alerts() const { return copyOf(alerts_); }
   /// Alerts posted for later, in order.
   std::vector<RecordedAlert> postedAlerts() const { return copyOf(postedAlerts_); }
@@ -79,7 +79,7 @@ class RecordingServices : public platform::ApplicationServices {
     return cancelledTerminations_;
   }
 
-  /// Console lines that contain `part`.
+  /// Number of console lines that contain `part`.
   std::size_t consoleLinesWith(const std::string& part) const {
     const auto lines = consoleLines();
     return static_cast<std::size_t>(std::count_if(
@@ -112,7 +112,7 @@ class RecordingServices : public platform::ApplicationServices {
   AlertAnswer answer_;
 };
 
-/// A member of a test fixture: recording services, installed for as long as it lives.
+/// Recording services as a member of a test fixture, installed while it lives.
 class InstalledRecordingServices {
  public:
   RecordingServices* operator->() const { return services_.get(); }

@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kChannels = 2;
 }  // namespace
 
-/// One input stream as the test sees it.
+/// The test's end of an input stream.
 struct ScriptedAudioDevice::InputEnd {
   explicit InputEnd(AudioInputClient& itsClient) : client(itsClient) {}
 
@@ -42,7 +42,7 @@ struct ScriptedAudioDevice::Script {
   mutable std::condition_variable changed;
   // guarded by mutex
   bool hanging = false;
-  std::size_t blocked = 0;  // calls that wait for release()
+  std::size_t blocked = 0;  // calls waiting for release()
   AudioStatus openingInput = kAudioStatusOk;
   AudioStatus openingOutput = kAudioStatusOk;
   AudioStatus startingOutput = kAudioStatusOk;
@@ -54,7 +54,7 @@ struct ScriptedAudioDevice::Script {
   std::size_t outputsClosed = 0;
   std::size_t preparations = 0;
 
-  /// Every call of the device passes here first.
+  /// Every device call starts with this.
   void pass() {
     std::unique_lock lock(mutex);
     ++blocked;
@@ -107,7 +107,7 @@ struct ScriptedAudioDevice::Script {
     const auto giveUp = std::chrono::steady_clock::now() + support::kPatience;
     while (isRunning(stream) != running) {
       std::unique_lock lock(mutex);
-      // Looks again after a while: isRunning() cannot be asked under this lock.
+      // Polls, since isRunning() cannot be called under this lock.
       changed.wait_for(lock, std::chrono::milliseconds(1));
       if (std::chrono::steady_clock::now() > giveUp) {
         return false;
@@ -312,7 +312,7 @@ std::vector<float> ScriptedAudioDevice::pull(std::uint32_t frames, std::size_t s
   if (end->ended || !end->running) {
     return {};
   }
-  // A value that no client may leave standing.
+  // A value that the client must overwrite.
   std::vector<float> samples(std::size_t{frames} * kChannels, -1000.0F);
   end->client.deviceWants(samples.data(), frames);
   end->pulled += frames;

@@ -9,8 +9,8 @@
 
 namespace platform {
 
-/// A sound device that does nothing by itself: a test feeds it what the microphone hears, takes
-/// what the loudspeaker plays, moves the playing position, and makes it fail or hang.
+/// A sound device that a test drives: the test feeds captured samples, takes played samples, moves
+/// the playing position, and makes the device fail or hang.
 ///
 ///     auto device = std::make_shared<ScriptedAudioDevice>();
 ///     auto queues = std::make_shared<DeviceAudioQueues>(device);
@@ -21,19 +21,18 @@ namespace platform {
 ///
 ///     … make a player, play() …
 ///     ASSERT_TRUE(device->awaitOutputRunning());
-///     auto played = device->pull(1024);   // the player's callback runs for what was taken
+///     auto played = device->pull(1024);   // the player's callback runs for these frames
 ///     device->hearEverything();           // and a drain ends
 ///
-/// feed() and pull() run the real-time callback on the calling thread and return when it has
-/// returned; the queue's own thread runs the recorder's or player's callback a moment later, so a
-/// test waits for what it expects (AudioInputQueue::waitUntilDelivered(), or a condition).
-/// The control thread of the queues opens, starts and closes streams on its own account: the
-/// await… functions wait for that, up to 20 s of real time, and say whether it came.
+/// feed() and pull() run the real-time callback on the calling thread and return after it. The
+/// queue's own thread runs the recorder's or player's callback a moment later, so a test waits for
+/// the result (AudioInputQueue::waitUntilDelivered(), or a condition). The queues' control thread
+/// opens, starts and closes streams asynchronously: the await… functions wait for that, up to 20 s
+/// of real time, and return whether it happened.
 ///
-/// Output streams are numbered from 0 in the order of opening; kNewest is the one opened last
-/// among those still open.
+/// Output streams are numbered from 0 in the order of opening; kNewest is the last one still open.
 ///
-/// Threads: any, also several at once; feed() on one thread at a time, as with a real device.
+/// Threads: any, concurrently; feed() on one thread at a time, as with a real device.
 /// Real-time: not safe.
 class ScriptedAudioDevice final : public AudioDevice {
  public:
@@ -42,7 +41,7 @@ class ScriptedAudioDevice final : public AudioDevice {
   ScriptedAudioDevice();
   ~ScriptedAudioDevice() override;
 
-  // --- What the queues call.
+  // --- Called by the queues.
 
   [[nodiscard]] Input openInput(AudioInputClient& client) override;
   [[nodiscard]] Output openOutput(AudioOutputClient& client) override;
@@ -50,15 +49,15 @@ class ScriptedAudioDevice final : public AudioDevice {
 
   // --- Input.
 
-  /// The microphone hears `frames` interleaved stereo frames, any number. False, and nothing is
-  /// captured, while no input stream is open.
+  /// Captures `frames` interleaved stereo frames, any number. False, without effect, while no input
+  /// stream is open.
   bool feed(const float* samples, std::uint32_t frames);
   bool feed(const std::vector<float>& samples);
 
-  /// `frames` frames with the same two sample values.
+  /// Captures `frames` frames with the same two sample values.
   bool feedConstant(std::uint32_t frames, float left, float right);
 
-  /// The open input stream ends by itself with `status`, as when the device is pulled.
+  /// The open input stream fails with `status`, as when the device is unplugged.
   void failInput(AudioStatus status);
 
   /// Every openInput() from now on fails with `status`; kAudioStatusOk lets them succeed again.
@@ -68,23 +67,22 @@ class ScriptedAudioDevice final : public AudioDevice {
   [[nodiscard]] bool awaitInputOpen() const;
   [[nodiscard]] bool awaitInputClosed() const;
 
-  /// Streams opened, and closed again, since the beginning; and openInput() calls that failed.
+  /// Streams opened and closed since construction, and failed calls of openInput().
   [[nodiscard]] std::size_t inputsOpened() const;
   [[nodiscard]] std::size_t inputsClosed() const;
   [[nodiscard]] std::size_t inputsRefused() const;
 
   // --- Output.
 
-  /// The device wants `frames` frames; returns the 2 × `frames` samples that it got. Empty when
-  /// the stream does not exist or is not running.
+  /// Requests `frames` frames and returns the 2 × `frames` samples received. Empty if the stream
+  /// does not exist or is not running.
   std::vector<float> pull(std::uint32_t frames, std::size_t stream = kNewest);
 
-  /// `frames` more frames have been heard: moves AudioOutputStream::position(), at most up to what
-  /// was pulled.
+  /// Moves AudioOutputStream::position() by `frames` frames heard, at most to the last one pulled.
   void hear(std::uint64_t frames, std::size_t stream = kNewest);
   void hearEverything(std::size_t stream = kNewest);
 
-  /// The open output stream ends by itself with `status`.
+  /// The open output stream fails with `status`.
   void failOutput(AudioStatus status, std::size_t stream = kNewest);
 
   /// Every openOutput(), or start() of an output, from now on fails with `status`;
@@ -104,15 +102,15 @@ class ScriptedAudioDevice final : public AudioDevice {
   // --- Both.
 
   /// From now on every call to the device or its streams (opening, starting, stopping, closing,
-  /// asking the position) blocks until release(), as with a server that hangs. Release before the
-  /// test ends: the control thread blocks inside, and would be left behind.
+  /// reading the position) blocks until release(), as with a hanging server. Release before the
+  /// test ends; otherwise the blocked control thread is left over.
   void hang();
   void release();
 
   /// Waits until a call blocks.
   [[nodiscard]] bool awaitHanging() const;
 
-  /// Calls of prepare() since the beginning.
+  /// Calls of prepare() since construction.
   [[nodiscard]] std::size_t preparations() const;
 
  private:

@@ -15,7 +15,7 @@
 
 namespace support {
 
-/// Dialogs that a test answers in the place of a person, in the order in which they were shown.
+/// Dialogs that a test answers in place of the user, in the order in which they were shown.
 /// Threads: main.
 class ScriptedFileDialogs : public platform::FileDialogs {
  public:
@@ -34,14 +34,14 @@ class ScriptedFileDialogs : public platform::FileDialogs {
     }
   }
 
-  /// From now on the main loop answers each question; with nothing, by answerSheet() again.
+  /// From now on the main loop answers each sheet with this code; nothing returns to answerSheet().
   void answerEverySheetWith(std::optional<int> returnCode) { everySheet_ = returnCode; }
 
   [[nodiscard]] std::size_t openPanels() const { return open_.size(); }
   [[nodiscard]] std::size_t savePanels() const { return save_.size(); }
   [[nodiscard]] std::size_t sheets() const { return sheets_.size(); }
 
-  /// The panel that has been shown for longest.
+  /// The panel shown longest.
   [[nodiscard]] const platform::OpenPanelRequest& openPanel() const { return open_.at(0).first; }
   [[nodiscard]] const platform::SavePanelRequest& savePanel() const { return save_.at(0).first; }
   [[nodiscard]] const platform::SheetRequest& sheet() const { return sheets_.at(0).first; }
@@ -54,7 +54,7 @@ class ScriptedFileDialogs : public platform::FileDialogs {
   template <typename Request, typename Answer>
   using Shown = std::deque<std::pair<Request, Answer>>;
 
-  // The panel is gone before its answer arrives.
+  // Removes the panel before its answer arrives.
   template <typename Request, typename Answer>
   static Answer take(Shown<Request, Answer>& shown) {
     Answer answer = std::move(shown.at(0).second);
@@ -69,7 +69,7 @@ class ScriptedFileDialogs : public platform::FileDialogs {
   std::vector<std::unique_ptr<QWidget>> accessories_;
 };
 
-/// A member of a test fixture: scripted dialogs, installed for as long as it lives.
+/// Scripted dialogs as a member of a test fixture, installed while it lives.
 class InstalledScriptedPanels {
  public:
   ScriptedFileDialogs* operator->() { return &panels_; }

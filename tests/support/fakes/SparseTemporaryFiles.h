@@ -14,8 +14,8 @@
 
 namespace support {
 
-/// Temporary files in memory that keep no zeros: documents of many hours of silence, with sound
-/// where a test wants it, cost next to nothing.
+/// Temporary files in memory that do not store zeros: documents of many hours of silence, with
+/// sound where a test wants it, cost next to nothing.
 ///
 /// Threads: any.
 class SparseTemporaryFiles : public platform::TemporaryFiles {
@@ -26,7 +26,7 @@ class SparseTemporaryFiles : public platform::TemporaryFiles {
     return platform::TemporaryFile{.file = std::make_unique<SparseFile>(), .path = pathTemplate};
   }
 
-  /// There is no file of this name on disk.
+  /// No file of this name exists on disk.
   [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
     return createUnlinked(pathTemplate);
   }
@@ -96,7 +96,7 @@ class SparseTemporaryFiles : public platform::TemporaryFiles {
       std::uint64_t count;
     };
 
-    // `count` > 0: each byte equals the one before it, and the first is 0.
+    // `count` > 0: the first byte is 0, and each of the others equals the one before it.
     static bool onlyZeros(const std::byte* bytes, std::uint64_t count) {
       return *bytes == std::byte{0} && std::memcmp(bytes, bytes + 1, count - 1) == 0;
     }

@@ -14,8 +14,8 @@
 
 #include "platform/sound/AudioQueue.h"
 
-/// Audio queues without a thread: a test steps them call by call, sees the order of the calls and
-/// makes any single one fail.
+/// Audio queues without threads: a test steps them call by call, checks the order of the calls and
+/// can make any single one fail.
 ///
 /// Threads: one, the test's.
 namespace support {
@@ -23,7 +23,7 @@ namespace support {
 using platform::AudioQueueBuffer;
 using platform::AudioStatus;
 
-/// What the queues of one test share: the log of calls, planned failures, what is reported.
+/// State shared by the queues of one test: the log of calls, planned failures, reported values.
 struct QueueScript {
   std::vector<std::string> calls;
   platform::AudioStreamBasicDescription description = platform::kWorkingFormat;
@@ -36,12 +36,12 @@ struct QueueScript {
   int queuesAlive = 0;
   std::function<void(std::uint64_t)> whileWaiting;  ///< inside waitUntilDelivered()
 
-  /// The nth of the coming calls named `call` fails with `status`.
+  /// The nth future call named `call` fails with `status`.
   void fail(const std::string& call, AudioStatus status, int nth = 1) {
     failures_[call] = {status, nth};
   }
 
-  /// Runs inside the coming calls named `call`: what another thread does meanwhile.
+  /// Runs inside future calls named `call`, in place of a concurrent thread.
   void during(const std::string& call, std::function<void()> run) {
     during_[call] = std::move(run);
   }
@@ -49,7 +49,7 @@ struct QueueScript {
   AudioStatus called(const std::string& call) {
     calls.push_back(call);
     if (const auto run = during_.find(call); run != during_.end()) {
-      const auto meanwhile = run->second;  // a copy: it may lead to the same call
+      const auto meanwhile = run->second;  // a copy: it may make the same call
       meanwhile();
     }
     const auto planned = failures_.find(call);
@@ -74,7 +74,7 @@ struct QueueScript {
   std::map<std::string, std::function<void()>> during_;
 };
 
-/// What input and output queues share, as a mixin over their interfaces.
+/// The common part of input and output queues, as a mixin over their interfaces.
 template <typename Interface>
 class SteppedQueue : public Interface {
  public:
@@ -255,7 +255,7 @@ class SteppedAudioQueues : public platform::AudioQueues {
   std::shared_ptr<QueueScript> script_;
 };
 
-/// A member of a test fixture: stepped queues, installed for as long as it lives.
+/// Stepped queues as a member of a test fixture, installed while it lives.
 class InstalledSteppedQueues {
  public:
   QueueScript* operator->() const { return script_.get(); }

@@ -19,9 +19,9 @@
 
 namespace support {
 
-/// Audio files in memory that fail as a test scripts them. Pages of zeros take no room, so that
-/// hours of silence can be written. Everything is healthy at first. Put in with
-/// platform::Installed; must outlive the files.
+/// Audio files in memory with scripted failures. Pages of zeros take no room, so that hours of
+/// silence can be written. Initially nothing fails. Install it with platform::Installed; it must
+/// outlive the files.
 ///
 /// Threads: any, also while files are in use.
 class TestUserAudioFiles : public platform::UserAudioFiles {
@@ -29,7 +29,7 @@ class TestUserAudioFiles : public platform::UserAudioFiles {
   static constexpr std::uint64_t kUnlimited = std::numeric_limits<std::uint64_t>::max();
   static constexpr std::uint64_t kPageBytes = 65536;
 
-  /// The one file, under whatever name it is opened. Zeros follow its bytes up to `size`.
+  /// Sets the content of the only file, whatever name it is opened by. Zeros follow up to `size`.
   void setBytes(const std::string& bytes, std::uint64_t size = 0) {
     const std::lock_guard lock(mutex_);
     pages_.clear();
@@ -48,9 +48,9 @@ class TestUserAudioFiles : public platform::UserAudioFiles {
     return size_;
   }
 
-  /// Openings of either kind fail with this errno; 0 makes them succeed.
+  /// Opening and creating fail with this errno; 0 makes them succeed.
   void failOpening(int error) { openingError_ = error; }
-  /// A disk that takes `bytes` more bytes in all; the write that passes them is taken in part and
+  /// The disk has room for `bytes` more bytes in all; the write that exceeds them is partial and
   /// ends with `error`.
   void fillUpAfter(std::uint64_t bytes, int error = ENOSPC) {
     bytesLeft_ = bytes;
@@ -58,7 +58,7 @@ class TestUserAudioFiles : public platform::UserAudioFiles {
   }
   /// Reads of bytes from `offset` on fail with EIO.
   void failReadsFrom(std::uint64_t offset) { unreadable_ = offset; }
-  /// Runs before each read, on its thread, with the number of reads before it.
+  /// Runs before each read, on its thread, with the number of earlier reads.
   void beforeReads(std::function<void(std::uint64_t)> hook) { beforeRead_ = std::move(hook); }
   [[nodiscard]] std::uint64_t reads() const { return reads_; }
 
@@ -110,7 +110,7 @@ class TestUserAudioFiles : public platform::UserAudioFiles {
     }
 
     std::uint64_t size() override { return storage_.size(); }
-    int setSize(std::uint64_t) override { return ENOTSUP; }  // no audio file is cut
+    int setSize(std::uint64_t) override { return ENOTSUP; }  // audio files are never resized
 
    private:
     TestUserAudioFiles& storage_;

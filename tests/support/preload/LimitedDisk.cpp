@@ -1,8 +1,7 @@
-// Preloaded into a program under test where nothing can be mounted
-// (support/programs/LimitedDisk.h). Below the folder ORVO_TEST_DISK it answers as a disk that has
-// room for ORVO_TEST_DISK_BYTES bytes, in whole pages, or that can only be read where that is 0.
-// Stands for the calls that Orvo makes on files of its own. Room that a deleted file had stays
-// taken.
+// Preloaded into a program under test where mounting is not possible
+// (support/programs/LimitedDisk.h). Makes the folder ORVO_TEST_DISK behave as a disk with room for
+// ORVO_TEST_DISK_BYTES bytes, in whole pages, or as a read-only disk for 0. Replaces only the calls
+// that Orvo uses on its own files. Deleting a file does not free its room.
 
 #include <algorithm>
 #include <cerrno>
@@ -51,7 +50,7 @@ class Disk {
 
   bool isReadOnly() const { return pages_ == 0; }
 
-  /// How many of the bytes find room, from the first on; the pages that they need are taken.
+  /// Takes the pages that the bytes need; returns how many bytes, from the first on, found room.
   std::uint64_t take(int file, std::uint64_t offset, std::uint64_t size) {
     struct stat status {};
     if (::fstat(file, &status) != 0) {
@@ -104,7 +103,7 @@ int openOnDisk(const char* name, const char* path, int flags, mode_t mode) {
   return nextFunction<int(const char*, int, ...)>(name)(path, flags, mode);
 }
 
-/// Calls `write` with as many bytes as find room.
+/// Calls `write` with as many bytes as there is room for.
 template <typename Write>
 ssize_t writeToDisk(int file, off_t offset, size_t size, const Write& write) {
   const std::uint64_t room = Disk::instance().take(file, static_cast<std::uint64_t>(offset), size);
@@ -119,7 +118,7 @@ ssize_t writeToDisk(int file, off_t offset, size_t size, const Write& write) {
 
 extern "C" {
 
-// The mode is there to be read whether it was given or not: registers pass it.
+// The mode can be read whether it was passed or not, since it is in a register.
 int open(const char* path, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);

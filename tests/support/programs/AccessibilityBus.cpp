@@ -11,9 +11,9 @@ constexpr char kRegistry[] = "org.a11y.atspi.Registry";
 constexpr char kRoot[] = "/org/a11y/atspi/accessible/root";
 constexpr char kAccessible[] = "org.a11y.atspi.Accessible.";
 constexpr char kAction[] = "org.a11y.atspi.Action.";
-constexpr int kMax = 12;  // windows within windows
+constexpr int kMax = 12;  // maximum depth of nested elements
 
-/// The quoted texts of an answer, in order.
+/// The quoted texts of a reply, in order.
 std::vector<std::string> textsIn(const std::string& answer) {
   static const std::regex quoted(R"re('((?:[^'\\]|\\.)*)'|"((?:[^"\\]|\\.)*)")re");
   std::vector<std::string> texts;
@@ -124,7 +124,7 @@ std::vector<AccessibilityBus::Node> AccessibilityBus::nodesFrom(const Node& node
 }
 
 bool AccessibilityBus::hasState(const Node& node, int state) const {
-  // Two words of 32 bits: "([uint32 1090519296, 0],)".
+  // The reply has two 32-bit words: "([uint32 1090519296, 0],)".
   const std::string answer = ask({node.bus, node.path}, std::string(kAccessible) + "GetState");
   static const std::regex words(R"(\[uint32 (\d+), (\d+)\])");
   std::smatch found;

@@ -9,40 +9,40 @@
 
 namespace support {
 
-/// A private message bus with the desktop's accessibility service, seen as a screen reader sees it.
+/// A private message bus with the desktop's accessibility service, as a screen reader sees it.
 ///
-/// Every operation that can fail gives nothing or false.
+/// Every operation that can fail returns an empty result or false.
 ///
 /// Threads: the one that started it, which must outlive it.
 class AccessibilityBus {
  public:
-  /// One thing that a program shows.
+  /// One accessible element of a program.
   struct Node {
     std::string bus;   ///< name of the program on the bus
-    std::string path;  ///< of the thing within the program
+    std::string path;  ///< of the element within the program
     std::string role;  ///< "push button", …
     std::string name;
     std::string description;
     std::vector<std::string> actions;  ///< names, in the order of their numbers
   };
 
-  /// Starts the bus. Null with `error` set (a plain sentence) when it cannot be had.
+  /// Starts the bus. Null with `error` set (a plain sentence) on failure.
   [[nodiscard]] static std::unique_ptr<AccessibilityBus> start(std::string& error);
 
-  /// What a program needs to be seen here.
+  /// The environment that makes a program appear on this bus.
   [[nodiscard]] Environment environment() const;
 
-  /// Everything that the program with this process id shows now, from its windows down; empty while
+  /// All current elements of the program with this process id, from its windows down; empty while
   /// it is not on the bus.
   [[nodiscard]] std::vector<Node> nodesOf(pid_t pid) const;
 
-  /// A thing as it is now, and everything inside it.
+  /// The current state of an element and of everything inside it.
   [[nodiscard]] std::vector<Node> nodesFrom(const Node& node) const;
 
-  /// Whether a thing is in the state of this number of the accessibility service (4 is checked).
+  /// Whether an element has the accessibility service's state of this number (4 is checked).
   [[nodiscard]] bool hasState(const Node& node, int state) const;
 
-  /// Does one of a thing's actions, by name.
+  /// Performs one of an element's actions, by name.
   [[nodiscard]] bool act(const Node& node, const std::string& action) const;
 
  private:

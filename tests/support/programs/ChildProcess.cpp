@@ -23,7 +23,7 @@ std::string describe(int errorNumber) {
   return std::generic_category().message(errorNumber);
 }
 
-/// An open file without a name: gone with its last descriptor.
+/// An open, unlinked file, deleted with its last descriptor.
 int openUnlinked() {
   std::FILE* stream = std::tmpfile();
   if (stream == nullptr) {
@@ -57,8 +57,8 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   return pointers;
 }
 
-/// What the child does between fork and exec: system calls only, since other threads of the test
-/// may hold any lock at the moment of the fork.
+/// The child's work between fork and exec: system calls only, since other threads of the test may
+/// hold any lock at the moment of the fork.
 struct Launch {
   const char* program;
   char* const* arguments;
@@ -66,7 +66,7 @@ struct Launch {
   int input;
   int output;
   int error;
-  int failurePipe;  ///< errno of a failed exec goes here; closed by a successful one
+  int failurePipe;  ///< receives the errno of a failed exec; closed by a successful one
   pid_t parent;
 };
 
@@ -126,7 +126,7 @@ std::string findProgram(const std::string& name) {
 char processState(pid_t pid) {
   std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
   const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  const std::size_t nameEnd = text.rfind(") ");  // the name itself may hold brackets and spaces
+  const std::size_t nameEnd = text.rfind(") ");  // the name may contain brackets and spaces
   return nameEnd == std::string::npos || nameEnd + 2 >= text.size() ? '\0' : text[nameEnd + 2];
 }
 
@@ -216,8 +216,8 @@ bool ChildProcess::isRunning() {
       information.si_pid == 0) {
     return true;
   }
-  // Ended, but not yet waited for: its id, which is the group's too, cannot have been given to
-  // anyone else, so what the program left behind in its group can be killed safely now.
+  // The program has ended but is not reaped: its id, also the group's, cannot be reused yet, so its
+  // remaining group can be killed safely now.
   ::kill(-pid_, SIGKILL);
   int status = 0;
   ::waitpid(pid_, &status, 0);
@@ -248,7 +248,7 @@ void ChildProcess::thaw() {
 
 void ChildProcess::kill() {
   if (isRunning()) {
-    ::kill(pid_, SIGKILL);  // the group follows when its end is seen
+    ::kill(pid_, SIGKILL);  // the group follows once its end is noticed
     static_cast<void>(waitForExit());
   }
 }

@@ -16,8 +16,8 @@ namespace support {
 /// Names and values of environment variables.
 using Environment = std::map<std::string, std::string>;
 
-/// The part of this process's environment that a program under test gets: PATH, TMPDIR, a UTF-8
-/// locale, the sanitizers' options and nothing else: no screen, no sound server, no message bus.
+/// The environment of a program under test: PATH, TMPDIR, a UTF-8 locale and the sanitizers'
+/// options, but no screen, sound server or message bus.
 [[nodiscard]] Environment cleanEnvironment();
 
 /// `base` with the variables of `additions` added or replaced.
@@ -32,16 +32,16 @@ struct ExitStatus {
   friend bool operator==(const ExitStatus&, const ExitStatus&) = default;
 };
 
-/// A started program, in a process group of its own. Nothing is left behind: the destructor kills
-/// the whole group, and the system kills the program when the thread that started it ends, also
-/// when the test crashes. What it prints is kept in files, so it never waits for a reader.
+/// A started program in its own process group. The destructor kills the whole group, and the system
+/// kills the program when the thread that started it ends, even if the test crashes. Its output
+/// goes to files, so it never waits for a reader.
 ///
 /// Threads: the one that started it, which must outlive it.
 class ChildProcess {
  public:
-  /// Starts `arguments[0]`, looked up in PATH, with `environment` as its whole environment. Its
-  /// standard input is empty; its standard output goes to `outputPath` if one is given. Null with
-  /// `error` set (a plain sentence) when it cannot be started.
+  /// Starts `arguments[0]`, looked up in PATH, with exactly `environment`. Its standard input is
+  /// empty; its standard output goes to `outputPath`, if given. Null with `error` set (a plain
+  /// sentence) if it cannot be started.
   [[nodiscard]] static std::unique_ptr<ChildProcess> start(
       const std::vector<std::string>& arguments, const Environment& environment, std::string& error,
       const std::string& outputPath = {});
@@ -52,42 +52,42 @@ class ChildProcess {
 
   [[nodiscard]] pid_t pid() const { return pid_; }
 
-  /// Still there; a frozen program is.
+  /// Also true for a frozen program.
   [[nodiscard]] bool isRunning();
 
-  /// Waits until the program itself has ended. Nothing when it has not within `patience`.
+  /// Waits until the program itself has ended; nothing if it has not within `patience`.
   [[nodiscard]] std::optional<ExitStatus> waitForExit(
       std::chrono::milliseconds patience = kPatience);
 
-  /// Sends a signal to the program alone; nothing once it has ended.
+  /// Sends a signal to the program alone; does nothing once it has ended.
   void signal(int number);
-  /// Stops it without its notice (SIGSTOP); returns when the system shows it stopped.
+  /// Suspends it (SIGSTOP); returns once the system reports it as stopped.
   void freeze();
   void thaw();
-  /// Kills the whole group at once and waits for the program's end.
+  /// Kills the group at once and waits for the program's end.
   void kill();
-  /// Asks it to end (SIGTERM); kills it when it has not within `patience`.
+  /// Asks it to end (SIGTERM); kills it if it has not ended within `patience`.
   ExitStatus end(std::chrono::milliseconds patience = kPatience);
 
-  /// What it has written to standard output so far; empty when that goes to a given path.
+  /// Its standard output so far; empty if that goes to a given path.
   [[nodiscard]] std::string output() const;
-  /// What it has written to standard error so far.
+  /// Its standard error so far.
   [[nodiscard]] std::string errorOutput() const;
 
  private:
   ChildProcess() = default;
 
   pid_t pid_ = -1;
-  int outputFile_ = -1;  ///< unlinked file behind the program's standard output; -1 for none
+  int outputFile_ = -1;  ///< unlinked file that receives standard output; -1 for none
   int errorFile_ = -1;   ///< the same for its standard error
   std::optional<ExitStatus> ended_;
 };
 
-/// What a program that ran to its end has said.
+/// The results of a program that ran to its end.
 struct Finished {
   ExitStatus status;
   std::string output;
-  std::string error;  ///< standard error, or why it could not be started or did not end in time
+  std::string error;  ///< standard error, or why it did not start or end in time
 };
 
 /// Starts a program and waits for its end.
@@ -95,11 +95,11 @@ struct Finished {
                                 const Environment& environment,
                                 std::chrono::milliseconds patience = kPatience);
 
-/// Full path of a program, looked up in this process's PATH; empty when there is none.
+/// Full path of a program, looked up in this process's PATH; empty if not found.
 [[nodiscard]] std::string findProgram(const std::string& name);
 
-/// One-letter state of a process as the system shows it ('R', 'S', 'T' for stopped, 'Z'), or 0
-/// when there is no such process.
+/// One-letter state of a process as the system reports it ('R', 'S', 'T' for stopped, 'Z'); 0 if
+/// the process does not exist.
 [[nodiscard]] char processState(pid_t pid);
 
 }  // namespace support

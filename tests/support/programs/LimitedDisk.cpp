@@ -19,7 +19,7 @@ Words joined(Words words, const Words& further) {
   return words;
 }
 
-/// Runs a shell command with mounts of its own; `arguments` are its $0, $1 and so on.
+/// Runs a shell command in its own mount namespace; `arguments` are its $0, $1 and so on.
 Words inOwnMounts(const std::string& command, const Words& arguments) {
   Words words{"unshare", "--mount", "--propagation", "private"};
   if (::geteuid() != 0) {

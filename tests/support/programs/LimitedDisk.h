@@ -8,27 +8,27 @@
 
 namespace support {
 
-/// A folder that is a disk of its own for one program: a small one, or one that can only be read.
+/// A folder that appears to one program as a separate disk: a small one or a read-only one.
 ///
-/// A tmpfs in a mount namespace of the program's own. Where this process may not mount, a library
-/// that is preloaded into the program answers for the folder as such a disk (ENOSPC, EROFS). Which
-/// it is, is tried out; ORVO_TEST_WITHOUT_MOUNTS=1 in the environment forces the library.
+/// A tmpfs in the program's own mount namespace. Where this process may not mount, a library
+/// preloaded into the program makes the folder fail like such a disk (ENOSPC, EROFS). A trial mount
+/// decides; ORVO_TEST_WITHOUT_MOUNTS=1 in the environment forces the library.
 ///
 /// Threads: any.
 class LimitedDisk {
  public:
-  /// A disk of so many bytes (whole pages) that takes the place of an existing, empty folder.
-  /// `content`: a file that the disk holds from the start as `name`; none where `name` is empty.
+  /// A disk of so many bytes (whole pages) in place of an existing, empty folder. It initially
+  /// holds the file `content` under `name`, or nothing if `name` is empty.
   [[nodiscard]] static LimitedDisk ofSize(const std::string& folder, std::uint64_t bytes,
                                           const std::string& content = {},
                                           const std::string& name = {});
-  /// An empty disk that can only be read.
+  /// An empty read-only disk.
   [[nodiscard]] static LimitedDisk readOnly(const std::string& folder);
 
-  /// Program and arguments that at last exec what follows them, with the disk.
+  /// Program and arguments to put before a command, so that it runs with the disk.
   [[nodiscard]] const std::vector<std::string>& wrapper() const { return wrapper_; }
 
-  /// Path under which others find what the running program sees in the folder.
+  /// Path at which other processes find the folder as the running program sees it.
   [[nodiscard]] std::string seenBy(pid_t program) const;
 
  private:

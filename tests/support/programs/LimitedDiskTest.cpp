@@ -27,7 +27,7 @@ class LimitedDiskTest : public testing::TestWithParam<Way> {
     }
   }
 
-  /// Runs a shell command on the disk, whose folder is $0.
+  /// Runs a shell command with the disk, whose folder is $0.
   Finished run(const LimitedDisk& limited, const std::string& command) const {
     std::vector<std::string> words = limited.wrapper();
     words.insert(words.end(), {"sh", "-c", command, disk_});

@@ -15,16 +15,16 @@ constexpr char kHeard[] = "heard";
 
 struct Program {
   std::vector<std::string> arguments;
-  std::string socket;  ///< is there once the next program can be started; empty for at once
+  std::string socket;  ///< exists once the next program can be started; empty for at once
 };
 
-/// What a kind of server consists of; its files stand below the private folder.
+/// The parts of a kind of server; its files are in the private folder.
 struct Setup {
-  std::vector<Program> programs;                   ///< to be started in this order
-  std::vector<std::vector<std::string>> commands;  ///< to be run once the server answers
+  std::vector<Program> programs;                   ///< started in this order
+  std::vector<std::vector<std::string>> commands;  ///< run once the server answers
 };
 
-/// `norewinds`: without it a null sink delays the first data by seconds and loses its beginning.
+/// Without `norewinds` a null sink delays the first data by seconds and loses its beginning.
 Setup setUpPulseAudio(const TemporaryFolder& folder, const std::string& socket) {
   const std::string script = folder.file("server.pa");
   std::ofstream text(script);
@@ -41,8 +41,8 @@ Setup setUpPulseAudio(const TemporaryFolder& folder, const std::string& socket) 
           {}};
 }
 
-/// Of the session manager only what links streams to sinks: it ends when it finds no message bus
-/// for what looks after hardware.
+/// Enables only the session manager's linking of streams to sinks: its hardware modules would end
+/// it without a message bus.
 void configureSessionManager(const TemporaryFolder& folder) {
   const std::string configuration = folder.makeFolder("home/.config/wireplumber");
   folder.makeFolder("home/.config/wireplumber/main.lua.d");
@@ -55,7 +55,7 @@ void configureSessionManager(const TemporaryFolder& folder) {
   std::ofstream(configuration + "/bluetooth.lua.d/90-enable-all.lua") << "-- nothing\n";
 }
 
-/// A command that fails until the default is what it shall be.
+/// A command that fails until the default has the requested value.
 std::string setDefault(const std::string& what, const std::string& name) {
   return "pactl set-default-" + what + " " + name + " && [ \"$(pactl get-default-" + what +
          ")\" = " + name + " ]";
@@ -84,7 +84,7 @@ std::vector<std::string> rawFormat() {
   return {"--raw", "--format=float32le", "--rate=44100", "--channels=2", "--latency-msec=100"};
 }
 
-/// Value of a line `key: value` or `key = "value"`; empty when the line is another one.
+/// Value of a line `key: value` or `key = "value"`; empty for any other line.
 std::string valueOf(const std::string& line, const std::string& key) {
   const std::size_t begin = line.find_first_not_of(" \t");
   if (begin == std::string::npos || line.compare(begin, key.size(), key) != 0) {

@@ -9,13 +9,13 @@
 
 namespace support {
 
-/// A sound server for one test, apart from the user's own: no hardware, two null sinks. What is
-/// played into the one named "feed" is what the default source, its monitor, captures; the other
-/// one, named "heard", is the default sink, and its monitor captures what a user would hear.
-/// Samples pass unchanged: 44100 Hz, stereo, 32-bit float, no volume, no resampling.
+/// A sound server for one test, separate from the user's: no hardware, two null sinks. The monitor
+/// of the one named "feed" is the default source, so it captures what is played into it. The other
+/// one, named "heard", is the default sink; its monitor captures what a user would hear. Samples
+/// pass unchanged: 44100 Hz, stereo, 32-bit float, no volume, no resampling.
 ///
-/// The kind is that which the machine has: PulseAudio, or else PipeWire with its PulseAudio
-/// interface. Both are reached through the same socket by the same clients.
+/// The machine decides the kind: PulseAudio, otherwise PipeWire with its PulseAudio interface. The
+/// same clients reach both through the same socket.
 ///
 /// Threads: the one that started it, which must outlive it.
 class PrivateSoundServer {
@@ -25,42 +25,42 @@ class PrivateSoundServer {
   /// The kind of server that start() uses.
   [[nodiscard]] static Kind installedKind();
 
-  /// A server that answers. Null with `error` set (a plain sentence) when none can be had.
+  /// Returns once the server answers. Null with `error` set (a plain sentence) on failure.
   [[nodiscard]] static std::unique_ptr<PrivateSoundServer> start(std::string& error);
 
-  /// Ends the server; what it could not end is killed.
+  /// Ends the server; kills what does not end.
   ~PrivateSoundServer() = default;
 
-  /// What a client needs to reach this server and no other. Stays the same through restart().
+  /// The environment that connects a client to this server and no other. Unchanged by restart().
   [[nodiscard]] Environment environment() const;
 
-  /// Kills the server without its notice. Nothing listens at its address from then on.
+  /// Kills the server at once. Nothing listens at its address after that.
   void kill();
-  /// Stops the server without ending it: it holds its connections and answers nothing.
+  /// Suspends the server: it keeps its connections and does not answer.
   void freeze();
   void thaw();
-  /// Starts it anew at the same address, after kill(). False when it does not answer.
+  /// Starts it again at the same address, after kill(). False if it does not answer.
   [[nodiscard]] bool restart();
 
-  /// Answers a client at this moment.
+  /// Whether it answers a client now.
   [[nodiscard]] bool answers() const;
 
-  /// Starts playing a raw file into the feed and returns when the server runs the stream. The
-  /// player ends by itself when all was played. Null when it does not come to run.
+  /// Starts playing a raw file into the feed and returns once the server runs the stream. The
+  /// player ends after the last frame. Null if the stream does not start.
   [[nodiscard]] std::unique_ptr<ChildProcess> playIntoFeed(const std::string& rawPath) const;
 
-  /// Starts writing what is heard into a raw file and returns when samples arrive there. Recording
-  /// goes on until the process is ended. Null when none arrive.
+  /// Starts writing what is heard into a raw file and returns once samples arrive there. Recording
+  /// continues until the process is ended. Null if none arrive.
   [[nodiscard]] std::unique_ptr<ChildProcess> captureHeard(const std::string& rawPath) const;
 
-  /// A stream of a client, as the server reports it.
+  /// A client's stream, as the server reports it.
   struct Stream {
     pid_t pid = 0;
-    bool corked = false;  ///< made but not running
+    bool corked = false;  ///< created but not running
   };
   [[nodiscard]] std::vector<Stream> playingStreams() const;
   [[nodiscard]] std::vector<Stream> capturingStreams() const;
-  /// The process has a running stream there.
+  /// Whether the process has a running playback stream.
   [[nodiscard]] bool isPlaying(pid_t pid) const;
   [[nodiscard]] bool isCapturing(pid_t pid) const;
 
@@ -73,7 +73,7 @@ class PrivateSoundServer {
 
   TemporaryFolder folder_;
   Environment serverEnvironment_;
-  /// In the order of their start; destroyed and killed in the reverse one.
+  /// In the order of their start; kill() ends them in reverse order.
   std::vector<std::unique_ptr<ChildProcess>> programs_;
 };
 

@@ -8,7 +8,7 @@ namespace support {
 
 namespace {
 
-/// How the system shows a document's temporary file: "…/orvoXXXXXX (deleted)".
+/// Whether this is a document's temporary file, which the system shows as "…/orvoXXXXXX (deleted)".
 bool isRecording(const std::string& target) {
   constexpr std::string_view kPrefix = "orvo";
   constexpr std::string_view kSuffix = " (deleted)";

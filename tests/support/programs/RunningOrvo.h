@@ -14,24 +14,23 @@ namespace support {
 
 /// The real program on a virtual screen, with its first window in front.
 ///
-/// What it records is looked at where it lies: in the temporary file of each document, which has
-/// no name but can be reached through the process's open files.
+/// Recordings are read from each document's temporary file, which has no name but can be reached
+/// through the process's open files.
 ///
 /// Threads: the one that started it.
 class RunningOrvo {
  public:
   struct Options {
-    std::vector<std::string> files;  ///< to be opened
-    int scale = 1;                   ///< device pixels per point: 1 or 2
-    std::vector<std::string>
-        wrapper;                  ///< program and arguments that at last exec what follows them
+    std::vector<std::string> files;    ///< files to open
+    int scale = 1;                     ///< device pixels per point: 1 or 2
+    std::vector<std::string> wrapper;  ///< program and arguments to put before the command
     std::string temporaryFolder;  ///< where documents keep their audio; empty for a private one
-    bool alertFirst = false;      ///< an alert comes before the first document's window
+    bool alertFirst = false;      ///< an alert precedes the first document's window
   };
 
-  /// Starts `program` and returns when its first window is there and active, or its first alert
-  /// where that is expected. `sound` is what reaches the sound server. Null with `error` set (a
-  /// plain sentence) when it does not come.
+  /// Starts `program` and returns once its first window, or its first alert if one is expected, is
+  /// shown and active. `sound` connects it to the sound server. Null with `error` set (a plain
+  /// sentence) if the window does not appear.
   [[nodiscard]] static std::unique_ptr<RunningOrvo> start(const std::string& program,
                                                           const VirtualScreen& screen,
                                                           const Environment& sound,
@@ -40,21 +39,21 @@ class RunningOrvo {
 
   [[nodiscard]] ChildProcess& process() { return *process_; }
   [[nodiscard]] pid_t pid() const { return process_->pid(); }
-  /// The first document's window; empty until activateWindow() found it.
+  /// The first document's window; empty until activateWindow() has found it.
   [[nodiscard]] const VirtualScreen::Window& window() const { return window_; }
   /// Waits for the first document's window and gives it the keyboard.
   [[nodiscard]] bool activateWindow(const VirtualScreen& screen);
 
   /// Paths under which the temporary files of the documents can be opened, oldest document first.
   [[nodiscard]] std::vector<std::string> recordingPaths() const;
-  /// Frames in the temporary file of a document; 0 when there is none.
+  /// Frames in the temporary file of a document; 0 if the document does not exist.
   [[nodiscard]] std::uint64_t recordedFrames(std::size_t document = 0) const;
-  /// The whole temporary file of a document: all that it ever recorded, in the order of recording.
+  /// The whole temporary file of a document: everything ever recorded, in that order.
   [[nodiscard]] Samples recorded(std::size_t document = 0) const;
   /// Waits until a document has recorded so many frames.
   [[nodiscard]] bool waitUntilRecorded(std::uint64_t frames, std::size_t document = 0) const;
 
-  /// Clicks at a point of the window that is given in points, whatever the scale.
+  /// Clicks at a position in the window, in points, whatever the scale.
   [[nodiscard]] bool click(const VirtualScreen& screen, int x, int y) const;
 
  private:

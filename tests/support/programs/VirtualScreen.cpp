@@ -13,7 +13,7 @@ std::unique_ptr<VirtualScreen> VirtualScreen::start(std::string& error) {
   std::unique_ptr<VirtualScreen> screen(new VirtualScreen);
   screen->folder_.makeFolder("home/.config");
   screen->folder_.makeFolder("run");
-  // The server takes a free display by itself and writes its number to the given descriptor.
+  // The server chooses a free display and writes its number to the given descriptor.
   screen->server_ = ChildProcess::start(
       {"Xvfb", "-displayfd", "1", "-screen", "0", "1920x1400x24", "-nolisten", "tcp", "-noreset"},
       cleanEnvironment(), error);
@@ -34,8 +34,8 @@ std::unique_ptr<VirtualScreen> VirtualScreen::start(std::string& error) {
   if (screen->windowManager_ == nullptr) {
     return nullptr;
   }
-  // It announces itself before it serves windows, and one shown between is never managed. Only an
-  // answered request shows that it serves.
+  // It announces itself before it manages windows, and a window shown in between is never managed.
+  // Only an answered request proves that it is ready.
   const auto serves = [&] {
     return screen->run({"xdotool", "set_num_desktops", "1"}).status.succeeded() &&
            screen->run({"xdotool", "get_num_desktops"}).output == "1\n";
@@ -48,7 +48,7 @@ std::unique_ptr<VirtualScreen> VirtualScreen::start(std::string& error) {
 }
 
 VirtualScreen::~VirtualScreen() {
-  // Asked to end rather than killed, the server takes its lock file and socket away.
+  // Asked to end rather than killed, the server removes its lock file and socket.
   if (windowManager_ != nullptr) {
     windowManager_->end();
   }
@@ -80,7 +80,7 @@ std::vector<VirtualScreen::Window> VirtualScreen::windowsOf(pid_t pid,
       windows.push_back(window);
     }
   }
-  // Ids of one client only grow.
+  // The ids of a client only grow.
   std::sort(windows.begin(), windows.end(),
             [](const Window& a, const Window& b) { return std::stoul(a) < std::stoul(b); });
   return windows;
@@ -112,7 +112,7 @@ bool VirtualScreen::waitUntilGone(const Window& window) const {
 }
 
 bool VirtualScreen::activate(const Window& window) const {
-  // A window that is shown at the same moment can take the keyboard away again.
+  // A window shown at the same moment can take the focus away again.
   constexpr std::chrono::milliseconds kAgain{500};
   const auto hasKeyboard = [&] {
     return run({"xdotool", "getwindowfocus"}).output == window + "\n";

@@ -13,12 +13,12 @@ class VirtualScreenTest : public testing::Test {
     std::string error;
     screen_ = VirtualScreen::start(error);
     ASSERT_NE(screen_, nullptr) << error;
-    // A small program of the X distribution that prints the events its window gets.
+    // A small X program that prints the events of its window.
     program_ = ChildProcess::start(
         {"xev", "-event", "keyboard", "-event", "button", "-name", "Orvo - Test"},
         screen_->environment(), error);
     ASSERT_NE(program_, nullptr) << error;
-    // It tells the window manager no process id, so its window is found by its name.
+    // It publishes no process id, so its window is found by its name.
     ASSERT_TRUE(eventually([this] {
       window_ = runToEnd({"xdotool", "search", "--onlyvisible", "--name", "^Orvo - Test$"},
                          screen_->environment())

@@ -58,8 +58,8 @@ class InputRing {
   const std::uint32_t blockFrames_;
   const std::uint32_t blockCount_;
 
-  // Blocks numbered [tail_, head_) are finished and belong to the consumer; the others, at most
-  // blockCount_ less these, belong to the producer. Block n lies at n modulo blockCount_.
+  // Blocks numbered [tail_, head_) are finished and belong to the consumer; the others belong to
+  // the producer. Block n is stored at n modulo blockCount_.
   std::vector<Block> blocks_;
   std::vector<float> samples_;
 
@@ -101,7 +101,7 @@ class InputRingProducer {
   InputRing& ring_;
   std::uint64_t captured_ = 0;     // frames offered so far
   std::uint64_t lostPending_ = 0;  // frames lost since the last block ended
-  std::uint32_t filled_ = 0;       // frames in the unfinished block; 0: there is none
+  std::uint32_t filled_ = 0;       // frames in the unfinished block; 0 for none
 };
 
 /// The consumer's end.
@@ -109,7 +109,7 @@ class InputRingConsumer {
  public:
   explicit InputRingConsumer(InputRing& ring) : ring_(ring) {}
 
-  /// The oldest finished block, null when there is none. Valid until pop().
+  /// The oldest finished block; null for none. Valid until pop().
   ///
   /// Threads: the consumer, one at a time.
   /// Real-time: safe.

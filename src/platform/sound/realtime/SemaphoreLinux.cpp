@@ -43,7 +43,7 @@ void sleepWhile(const std::atomic<std::uint32_t>& word, std::uint32_t seen,
           FUTEX_BITSET_MATCH_ANY);
 }
 
-// Takes a post. When there is none: waits for one, as long as the deadline, if any, allows.
+// Takes a post; waits for one until the deadline, if any.
 bool take(std::atomic<std::uint32_t>& word, const std::optional<TimePoint>& deadline) noexcept {
   std::uint32_t seen = word.fetch_add(kWaiter, std::memory_order_relaxed) + kWaiter;
   for (;;) {

@@ -42,7 +42,7 @@ class SpscQueue {
 
  private:
   // Invariant: tail_ <= head_ <= tail_ + kRoom. Values numbered [tail_, head_) wait and belong to
-  // the consumer, the other places to the producer. Value n lies at n modulo kRoom.
+  // the consumer, the other places to the producer. Value n is stored at n modulo kRoom.
   std::array<Value, kRoom> values_{};
   // Only writer: the producer, with release after the value was written.
   alignas(64) std::atomic<std::size_t> head_{0};

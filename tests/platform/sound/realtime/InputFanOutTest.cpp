@@ -9,7 +9,7 @@
 namespace platform::test {
 namespace {
 
-/// Checks that the chunks come without a gap; the first sample of each is its number.
+/// Checks that no chunk is missing; the first sample of each is its number.
 class CountingSink final : public InputSink {
  public:
   void captured(const float* samples, std::uint32_t) noexcept override {

@@ -10,7 +10,7 @@
 namespace platform::test {
 namespace {
 
-/// Every sample of the block is the number of its frame, right negative.
+/// Whether every sample of the block is the number of its frame, right negative.
 bool holdsItsOwnFrames(const InputRing& ring, const InputRing::Block& block, const float* samples) {
   return block.endFrame - block.firstFrame == ring.blockFrames() &&
          std::equal(samples, samples + 2 * ring.blockFrames(),
@@ -139,7 +139,7 @@ TEST(InputRingTest, TwoThreadsNeverShowATornOrMisplacedFrame) {
       if (last) {
         break;
       }
-      last = finished;  // looks once more: what was written before is visible now
+      last = finished;  // checks once more: everything written is visible now
       std::this_thread::yield();
       continue;
     }

@@ -31,7 +31,7 @@ TEST(RealTimeGracePeriodTest, AWaitEndsAfterTheSectionAndNotBefore) {
         std::this_thread::yield();
       }
       for (int turn = 0; turn < 10; ++turn) {
-        std::this_thread::yield();  // lets a wait that does not wait come through
+        std::this_thread::yield();  // gives a faulty wait time to return early
       }
       leaving.store(true);
       period.leave();
@@ -58,7 +58,7 @@ TEST(RealTimeGracePeriodTest, AWaitEndsThoughTheRealTimeThreadKeepsComingBack) {
   done.store(true);
 }
 
-// Two parts that are equal for as long as anybody may look at them.
+// Two values that are equal while any thread may read them.
 struct Pair {
   int left = 0;
   int right = 0;
@@ -84,7 +84,7 @@ TEST(RealTimeGracePeriodTest, WhatWasReplacedBeforeTheWaitIsNotLookedAtAfterIt) 
     auto next = std::make_unique<Pair>(Pair{value, value});
     current.store(next.get(), std::memory_order_seq_cst);
     period.waitUntilLeft();
-    owned->left = -1;  // shows as torn to a thread that still looks, or as freed memory
+    owned->left = -1;  // a thread that still reads sees a difference or freed memory
     owned = std::move(next);
   }
   done.store(true);

@@ -68,7 +68,7 @@ TYPED_TEST(SemaphoreTest, AWaitThatMayLastForeverEndsWithThePost) {
 TYPED_TEST(SemaphoreTest, WhatWasDoneBeforeAPostIsSeenAfterTheWait) {
   TypeParam asked;
   TypeParam answered;
-  int value = 0;  // no atomic: the semaphores alone order it
+  int value = 0;  // not atomic: only the semaphores order it
   const std::jthread other([&] {
     for (int turn = 0; turn < 5000; ++turn) {
       asked.wait();
@@ -88,7 +88,7 @@ TYPED_TEST(SemaphoreTest, WhatWasDoneBeforeAPostIsSeenAfterTheWait) {
 
 TYPED_TEST(SemaphoreTest, ManyWaitersTakeAsManyPostsAsThereWere) {
   constexpr int kThreads = 4;
-  constexpr int kPosts = 2000;  // of each thread
+  constexpr int kPosts = 2000;  // per thread
   TypeParam semaphore;
   std::atomic<int> taken{0};
   {

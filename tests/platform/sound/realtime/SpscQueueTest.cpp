@@ -56,7 +56,7 @@ TEST(SpscQueueTest, KeepsItsOrderManyTimesRound) {
   }
 }
 
-// Too wide for one store, and each part says what the others must be.
+// Too wide for one store; each part determines the others.
 struct Wide {
   std::uint64_t number = 0;
   std::uint64_t inverse = 0;
