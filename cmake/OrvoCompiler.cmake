@@ -8,8 +8,8 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
 endif()
 
-# Some libraries ask for this option: precompiled headers need it everywhere or nowhere.
-add_compile_options($<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-pthread>)
+# Some libraries ask for these options; precompiled headers need them everywhere or nowhere.
+add_compile_options("$<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-pthread;-fPIC>")
 
 set(ORVO_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address or thread")
 set_property(CACHE ORVO_SANITIZE PROPERTY STRINGS "" address thread)

@@ -7,7 +7,8 @@
 
 #include "platform/mainloop/Localization.h"
 
-/// A kind of file that documents can be saved as.
+/// A kind of file that documents can be saved as. Reading ignores a file's name: the content
+/// decides.
 struct OVFileKind {
   std::int32_t type;        ///< its number in the file writer, 0 to 3
   platform::TextKey title;  ///< shown in the save panel

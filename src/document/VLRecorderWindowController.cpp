@@ -310,8 +310,8 @@ void VLRecorderWindowController::setCommandsChangedHandler(std::function<void()>
 
 // Display loop ----------------------------------------------------------------------------------
 
-void VLRecorderWindowController::recreateIndicator(bool indeterminate, platform::TextKey activity) {
-  parts_.progress.recreate(indeterminate, activity);
+void VLRecorderWindowController::recreateIndicator(bool indeterminate) {
+  parts_.progress.recreate(indeterminate, platform::textKey("Progress"));
 }
 
 void VLRecorderWindowController::waveFormViewReceivedClick(OVWaveFormView* view, QPointF atPosition,

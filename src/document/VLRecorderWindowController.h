@@ -59,8 +59,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   // Transport -----------------------------------------------------------------------------------
 
-  /// Actions of the six buttons. recButton and playButton read the new state from the sender; null
-  /// counts as off.
+  /// Actions of the six buttons. recButton and playButton read the sender's state; null is off.
   void recButton(OVTransportButton* sender) { turn(sender, &OVTransport::record); }
   void playButton(OVTransportButton* sender) { turn(sender, &OVTransport::play); }
   void pauseButton(OVTransportButton*) { parts_.transport.pause(); }
@@ -128,10 +127,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
     parts_.displayLoop.setIsRenderingWaveform(rendering);
   }
   [[nodiscard]] QProgressBar* loadingIndicator() const;
-  void recreateIndicator(bool indeterminate) {
-    recreateIndicator(indeterminate, platform::textKey("Progress"));
-  }
-  void recreateIndicator(bool indeterminate, platform::TextKey activity);
+  void recreateIndicator(bool indeterminate);
 
   // Spectrum ------------------------------------------------------------------------------------
 
@@ -179,8 +175,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// A save or export is running.
   [[nodiscard]] bool isSaving() const { return parts_.operation.isWriting(); }
   [[nodiscard]] bool shouldCloseAfterSave() const;
-  /// A quit asks before it closes anything: true if a panel stands in the way of the question.
-  /// Alerts the user then.
+  /// True, after an alert, if a panel stands in the way of a quit's question.
   [[nodiscard]] bool refusesQuit() { return parts_.unsavedChanges.refusesQuit(); }
   /// The window stays open after a save that runs, and a save that waits for a load is not begun.
   void cancelClosing() { parts_.unsavedChanges.cancelClosing(); }

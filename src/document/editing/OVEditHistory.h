@@ -41,7 +41,8 @@ class OVEditHistory {
   /// The file matches the present audio: the next undo or redo marks the document as edited.
   void fileReplaced() { prevSaveState_ = true; }
 
-  /// Call before changing the audio. `name` is the step's name in the menu.
+  /// Registers an undoable step. Call before changing the audio: cuts, recordings and imports do.
+  /// `name` is the step's name in the menu.
   void beginStep(platform::TextKey name);
   /// The last step has failed: restores the state before it, including its undo and redo entries.
   void rollBackStep();

@@ -11,7 +11,7 @@
 /// failures.
 namespace platform {
 
-/// Receives the input device's samples.
+/// Receives the input device's samples; implemented by SharedInput.
 class AudioInputClient {
  public:
   virtual ~AudioInputClient() = default;
@@ -28,7 +28,7 @@ class AudioInputClient {
   virtual void deviceInputFailed(AudioStatus status) noexcept = 0;
 };
 
-/// Supplies the output device's samples.
+/// Supplies the output device's samples; implemented by OutputQueueCore.
 class AudioOutputClient {
  public:
   virtual ~AudioOutputClient() = default;

@@ -10,7 +10,7 @@
 
 namespace platform {
 
-/// Takes captured samples on the device's real-time thread.
+/// Takes captured samples on the device's real-time thread; implemented by InputQueueCore.
 class InputSink {
  public:
   virtual ~InputSink() = default;
