@@ -14,6 +14,7 @@
 #include "audio/OVAudioFileReader.h"
 #include "platform/base/ApplicationServices.h"
 #include "platform/files/UserAudioFiles.h"
+#include "platform/media/FfmpegModule.h"
 
 namespace {
 
@@ -93,6 +94,12 @@ std::uint64_t hear(OVAudioFileReader& reader) {
 }
 
 }  // namespace
+
+// The module must be loaded before the first input: its coverage counts too.
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  require(platform::ffmpegModule() != nullptr, "the module is there");
+  return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) {
