@@ -14,6 +14,16 @@ double secondsOfOne(const benchmark::BenchmarkReporter::Run& run) {
   return run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
 }
 
+// Newer versions of the library have one field for failed and for skipped runs.
+template <typename Run>
+bool wasMeasured(const Run& run) {
+  if constexpr (requires { run.error_occurred; }) {
+    return !run.error_occurred;
+  } else {
+    return !run.skipped;
+  }
+}
+
 }  // namespace
 
 void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
@@ -22,7 +32,7 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
     const std::string& name = run.run_name.function_name;
     const auto slash = name.find('/');
     const bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
-    if (run.error_occurred || slash == std::string::npos ||
+    if (!wasMeasured(run) || slash == std::string::npos ||
         (run.run_type == Run::RT_Aggregate && !median)) {
       continue;
     }

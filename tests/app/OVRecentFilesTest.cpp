@@ -94,6 +94,7 @@ TEST_F(OVRecentFilesTest, DestructionWhileTheListIsReadIsSafe) {
   files_->note("/a.wav");
   list_.release();
   files_.reset();
+  EXPECT_TRUE(awaitGlobalQueue());
   bool ran = false;
   platform::mainQueue().async([&ran] { ran = true; });
   EXPECT_TRUE(runMainLoopUntil([&ran] { return ran; }));
