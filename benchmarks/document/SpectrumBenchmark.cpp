@@ -30,7 +30,7 @@ void bareTransform(benchmark::State& state) {
     return;
   }
   auto* const in = static_cast<AVComplexFloat*>(av_calloc(kLength, sizeof(AVComplexFloat)));
-  auto* const out = static_cast<AVComplexFloat*>(av_calloc(kLength, sizeof(AVComplexFloat)));
+  auto* out = static_cast<AVComplexFloat*>(av_calloc(kLength, sizeof(AVComplexFloat)));
   const auto samples = noise(2 * kLength);
   for (std::size_t i = 0; i < kLength; ++i) {
     in[i] = {samples[2 * i], samples[2 * i + 1]};

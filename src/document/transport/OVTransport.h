@@ -66,7 +66,8 @@ class OVTransport {
 
   /// Does nothing during a file operation or playback. Without an input device, alerts the user.
   void record();
-  /// Does nothing during a file operation or a recording. Without an output device, alerts the user.
+  /// Does nothing during a file operation or a recording. Without an output device, alerts the
+  /// user.
   void play();
   /// Ends recording and playing. The recorder is replaced, since a recorder is not reused after a
   /// pause.
