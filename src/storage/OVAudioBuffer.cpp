@@ -20,7 +20,7 @@ constexpr auto kHighestAddress = std::numeric_limits<std::uint64_t>::max();
 
 // Ten seconds, in bytes.
 constexpr std::uint64_t kInitialCapacity =
-    10 * platform::kWorkingRate * platform::kWorkingFrameBytes;
+    std::uint64_t{10} * platform::kWorkingRate * platform::kWorkingFrameBytes;
 
 // The capacity that exceeds `end`, repeatedly grown by half; 0 for none.
 std::uint64_t capacityBeyond(std::uint64_t capacity, std::uint64_t end) {

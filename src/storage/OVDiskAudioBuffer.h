@@ -40,7 +40,7 @@ class OVDiskAudioBuffer : public OVAudioBufferInterface,
  public:
   /// Ten seconds, in bytes.
   static constexpr std::uint64_t kCacheCapacity =
-      10 * platform::kWorkingRate * platform::kWorkingFrameBytes;
+      std::uint64_t{10} * platform::kWorkingRate * platform::kWorkingFrameBytes;
   /// cutoffBufferBeforePosition() keeps no audio if fewer bytes would remain: it treats the
   /// remaining audio as 512 chunks of whole bytes, which would then be empty.
   static constexpr std::uint64_t kSmallestKept = 512;

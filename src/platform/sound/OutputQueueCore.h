@@ -30,7 +30,7 @@ class OutputQueueCore final : public AudioOutputClient,
   static constexpr std::chrono::milliseconds kDrainLook{10};
   /// Frames of silence after the last real frame that end a drain whatever the position: 2 s, for a
   /// device whose position does not move.
-  static constexpr std::uint64_t kMaxDrainFrames = 2 * kWorkingRate;
+  static constexpr std::uint64_t kMaxDrainFrames = std::uint64_t{2} * kWorkingRate;
 
   static std::shared_ptr<OutputQueueCore> create(AudioOutputQueue& owner,
                                                  AudioOutputQueue::Callback callback,
