@@ -41,7 +41,7 @@ void roundOff(OVTransportButton* button, int type) {
 }  // namespace
 
 void OVTransportControls::connect(OVRecorderWindow* window, const std::weak_ptr<void>& target,
-                                  std::function<void(Button, OVTransportButton*)> action) {
+                                  const std::function<void(Button, OVTransportButton*)>& action) {
   window_ = window;
   waveform_ = window->findChild<QWidget*>("wfView");
   for (const Description& description : kDescriptions) {

@@ -34,7 +34,7 @@ class OVTransportControls {
   /// Finds the buttons and the waveform by their names in the window, and sets the buttons' icons.
   /// `action` is called with the pressed button while `target` exists.
   void connect(OVRecorderWindow* window, const std::weak_ptr<void>& target,
-               std::function<void(Button, OVTransportButton*)> action);
+               const std::function<void(Button, OVTransportButton*)>& action);
 
   /// `available` is false while a file operation runs. Cancels the press, of a key or of the mouse,
   /// of each button that is disabled, and of the toggles when the state has changed.

@@ -112,7 +112,7 @@ std::vector<std::string> urisOf(GBookmarkFile* bookmarks) {
 
 // The entry of a file, however its URI is written; a new one has the usual URI.
 std::string uriOf(GBookmarkFile* bookmarks, const std::string& path) {
-  const std::string usual = fileUriOf(path);
+  std::string usual = fileUriOf(path);
   if (g_bookmark_file_has_item(bookmarks, usual.c_str()) != FALSE) {
     return usual;
   }

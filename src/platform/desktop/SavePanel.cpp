@@ -151,8 +151,13 @@ void SavePanel::accept() {
   if (there.exists() && !there.isDir()) {
     askToReplace();
   } else {
-    QDialog::accept();  // the caller reports a folder
+    finish();  // the caller reports a folder
   }
+}
+
+// Without the checks of the dialog between, which have been made here.
+void SavePanel::finish() {
+  QDialog::accept();  // NOLINT(bugprone-parent-virtual-call)
 }
 
 void SavePanel::openFolder(const QString& path) {
@@ -174,7 +179,7 @@ void SavePanel::askToReplace() {
   }
   connect(question, &QDialog::finished, this, [this](int answer) {
     if (answer == QMessageBox::Yes) {
-      QDialog::accept();
+      finish();
     }
   });
   question->open();

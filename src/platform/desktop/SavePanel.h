@@ -39,6 +39,7 @@ class SavePanel : public QFileDialog {
   void showName(const QString& name);
   [[nodiscard]] QString pathOf(const QString& name) const;
   void openFolder(const QString& path);
+  void finish();
   void askToReplace();
 
   std::string path_;
