@@ -94,12 +94,13 @@ void SharedInput::open(AudioDevice& device) {
   detector_.reset();
   pendingFailure_.store(kAudioStatusOk);
   auto opened = device.openInput(*this);
+  const AudioStatus status = opened.error();
   if (opened) {
     stream_ = *std::move(opened);
   } else {
     pendingFailure_.store(kAudioStatusOk);
   }
-  settle(opened.error());
+  settle(status);
 }
 
 void SharedInput::settle(AudioStatus status) {
