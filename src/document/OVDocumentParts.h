@@ -6,6 +6,7 @@
 #include "document/OVUnsavedChanges.h"
 #include "document/display/OVDisplayLoop.h"
 #include "document/display/OVMarkerAndTime.h"
+#include "document/display/OVNotices.h"
 #include "document/display/OVProgressDisplay.h"
 #include "document/editing/OVDocumentAudio.h"
 #include "document/editing/OVDocumentLife.h"
@@ -42,6 +43,7 @@ struct OVDocumentParts {
   void connect(OVRecorderWindow* window);
 
   OVDocumentLife life;
+  OVNotices notices;
   OVDocumentAudio audio;
   OVFramePositions positions;
   OVFileOperation operation;
