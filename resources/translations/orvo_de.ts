@@ -592,6 +592,62 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Der Audioeingang ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Die Aufnahme ist beendet. Schließen Sie den Eingang wieder an und drücken Sie dann „Aufnahme“. Alles bisher Aufgenommene bleibt erhalten.</translation>
     </message>
     <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>Der Audioeingang ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Schließen Sie ihn wieder an, bevor Sie „Aufnahme“ drücken. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>Der Audioeingang „%1“ ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Schließen Sie ihn wieder an, bevor Sie „Aufnahme“ drücken. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>Der Audioeingang „%1“ ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Die Aufnahme ist beendet. Schließen Sie den Eingang wieder an und drücken Sie dann „Aufnahme“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>Vom Audioeingang kam nichts mehr: Er steht still, oder das Audiosystem antwortet nicht. Die Aufnahme ist beendet. Prüfen Sie den Eingang und drücken Sie dann „Aufnahme“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input “%1”: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>Vom Audioeingang „%1“ kam nichts mehr: Er steht still, oder das Audiosystem antwortet nicht. Die Aufnahme ist beendet. Prüfen Sie den Eingang und drücken Sie dann „Aufnahme“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The sound output stands still, or the sound system does not answer. Playback has ended. Check the output, then press Play. Everything recorded so far is kept.</source>
+        <translation>Der Audioausgang steht still, oder das Audiosystem antwortet nicht. Die Wiedergabe ist beendet. Prüfen Sie den Ausgang und drücken Sie dann „Wiedergabe“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>Recording from the default input</source>
+        <translation>Aufnahme vom Standardeingang</translation>
+    </message>
+    <message>
+        <source>Recording from %1</source>
+        <translation>Aufnahme von %1</translation>
+    </message>
+    <message>
+        <source>Recording has been paused.</source>
+        <translation>Die Aufnahme wurde angehalten.</translation>
+    </message>
+    <message>
+        <source>No microphone</source>
+        <translation>Kein Mikrofon</translation>
+    </message>
+    <message>
+        <source>No microphone: recording what this computer plays</source>
+        <translation>Kein Mikrofon: Aufgenommen wird, was dieser Computer wiedergibt</translation>
+    </message>
+    <message>
+        <source>Nothing is coming in</source>
+        <translation>Es kommt kein Ton an</translation>
+    </message>
+    <message>
+        <source>%1 s were lost at %2</source>
+        <translation>%1&#xa0;s gingen bei %2 verloren</translation>
+    </message>
+    <message>
+        <source>Lost in this recording: %1 s, first at %2</source>
+        <translation>In dieser Aufnahme verloren: %1&#xa0;s, zuerst bei %2</translation>
+    </message>
+    <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
         <translation>Das System lässt keinen weiteren Thread zu. Schließen Sie einige Fenster oder andere Programme, und versuchen Sie es dann noch einmal. Alles bisher Aufgenommene bleibt erhalten.</translation>
     </message>

@@ -592,6 +592,62 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>La entrada de sonido ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. La grabación ha terminado. Vuelva a conectar la entrada y pulse «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
     </message>
     <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>La entrada de sonido ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. Vuelva a conectarla antes de pulsar «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>La entrada de sonido «%1» ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. Vuelva a conectarla antes de pulsar «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>La entrada de sonido «%1» ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. La grabación ha terminado. Vuelva a conectar la entrada y pulse «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>No ha llegado nada más de la entrada de sonido: está parada o el sistema de sonido no responde. La grabación ha terminado. Compruebe la entrada y pulse «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input “%1”: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>No ha llegado nada más de la entrada de sonido «%1»: está parada o el sistema de sonido no responde. La grabación ha terminado. Compruebe la entrada y pulse «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>The sound output stands still, or the sound system does not answer. Playback has ended. Check the output, then press Play. Everything recorded so far is kept.</source>
+        <translation>La salida de sonido está parada o el sistema de sonido no responde. La reproducción ha terminado. Compruebe la salida y pulse «Reproducir». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>Recording from the default input</source>
+        <translation>Grabando de la entrada predeterminada</translation>
+    </message>
+    <message>
+        <source>Recording from %1</source>
+        <translation>Grabando de %1</translation>
+    </message>
+    <message>
+        <source>Recording has been paused.</source>
+        <translation>La grabación se ha puesto en pausa.</translation>
+    </message>
+    <message>
+        <source>No microphone</source>
+        <translation>No hay micrófono</translation>
+    </message>
+    <message>
+        <source>No microphone: recording what this computer plays</source>
+        <translation>No hay micrófono: se graba lo que reproduce este equipo</translation>
+    </message>
+    <message>
+        <source>Nothing is coming in</source>
+        <translation>No llega ningún sonido</translation>
+    </message>
+    <message>
+        <source>%1 s were lost at %2</source>
+        <translation>Se perdieron %1&#xa0;s en %2</translation>
+    </message>
+    <message>
+        <source>Lost in this recording: %1 s, first at %2</source>
+        <translation>Perdido en esta grabación: %1&#xa0;s, primero en %2</translation>
+    </message>
+    <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
         <translation>El sistema no permite más hilos. Cierre algunas ventanas u otros programas y vuelva a intentarlo. Se conserva todo lo grabado hasta ahora.</translation>
     </message>

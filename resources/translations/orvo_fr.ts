@@ -592,6 +592,62 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>L’entrée audio a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. L’enregistrement est terminé. Rebranchez l’entrée, puis cliquez sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
     </message>
     <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>L’entrée audio a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. Rebranchez-la avant de cliquer sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>L’entrée audio «&#xa0;%1&#xa0;» a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. Rebranchez-la avant de cliquer sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>L’entrée audio «&#xa0;%1&#xa0;» a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. L’enregistrement est terminé. Rebranchez l’entrée, puis cliquez sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>Plus rien n’est arrivé de l’entrée audio&#xa0;: elle est bloquée, ou le système audio ne répond pas. L’enregistrement est terminé. Vérifiez l’entrée, puis cliquez sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input “%1”: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>Plus rien n’est arrivé de l’entrée audio «&#xa0;%1&#xa0;»&#xa0;: elle est bloquée, ou le système audio ne répond pas. L’enregistrement est terminé. Vérifiez l’entrée, puis cliquez sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>The sound output stands still, or the sound system does not answer. Playback has ended. Check the output, then press Play. Everything recorded so far is kept.</source>
+        <translation>La sortie audio est bloquée, ou le système audio ne répond pas. La lecture est terminée. Vérifiez la sortie, puis cliquez sur «&#xa0;Lecture&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>Recording from the default input</source>
+        <translation>Enregistrement depuis l’entrée par défaut</translation>
+    </message>
+    <message>
+        <source>Recording from %1</source>
+        <translation>Enregistrement depuis %1</translation>
+    </message>
+    <message>
+        <source>Recording has been paused.</source>
+        <translation>L’enregistrement a été mis en pause.</translation>
+    </message>
+    <message>
+        <source>No microphone</source>
+        <translation>Aucun microphone</translation>
+    </message>
+    <message>
+        <source>No microphone: recording what this computer plays</source>
+        <translation>Aucun microphone&#xa0;: enregistrement de ce que cet ordinateur joue</translation>
+    </message>
+    <message>
+        <source>Nothing is coming in</source>
+        <translation>Aucun son n’arrive</translation>
+    </message>
+    <message>
+        <source>%1 s were lost at %2</source>
+        <translation>%1&#xa0;s ont été perdues à %2</translation>
+    </message>
+    <message>
+        <source>Lost in this recording: %1 s, first at %2</source>
+        <translation>Perte dans cet enregistrement&#xa0;: %1&#xa0;s, la première à %2</translation>
+    </message>
+    <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
         <translation>Le système n’autorise aucun thread supplémentaire. Fermez quelques fenêtres ou d’autres programmes, puis réessayez. Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
     </message>

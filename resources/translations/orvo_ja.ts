@@ -592,6 +592,62 @@ Everything recorded before is kept.</source>
         <translation>サウンド入力がなくなりました。取り外されたか、サウンドシステムが停止しました。録音は終了しました。入力を接続し直してから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
     </message>
     <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>サウンド入力がなくなりました。取り外されたか、サウンドシステムが停止しました。接続し直してから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>サウンド入力「%1」がなくなりました。取り外されたか、サウンドシステムが停止しました。接続し直してから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>サウンド入力「%1」がなくなりました。取り外されたか、サウンドシステムが停止しました。録音は終了しました。入力を接続し直してから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>サウンド入力から何も届かなくなりました。止まっているか、サウンドシステムが応答していません。録音は終了しました。入力を確かめてから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input “%1”: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>サウンド入力「%1」から何も届かなくなりました。止まっているか、サウンドシステムが応答していません。録音は終了しました。入力を確かめてから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The sound output stands still, or the sound system does not answer. Playback has ended. Check the output, then press Play. Everything recorded so far is kept.</source>
+        <translation>サウンド出力が止まっているか、サウンドシステムが応答していません。再生は終了しました。出力を確かめてから「再生」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>Recording from the default input</source>
+        <translation>デフォルトの入力から録音中</translation>
+    </message>
+    <message>
+        <source>Recording from %1</source>
+        <translation>%1から録音中</translation>
+    </message>
+    <message>
+        <source>Recording has been paused.</source>
+        <translation>録音を一時停止しました。</translation>
+    </message>
+    <message>
+        <source>No microphone</source>
+        <translation>マイクがありません</translation>
+    </message>
+    <message>
+        <source>No microphone: recording what this computer plays</source>
+        <translation>マイクがありません。このコンピューターの再生音を録音しています</translation>
+    </message>
+    <message>
+        <source>Nothing is coming in</source>
+        <translation>音が入ってきません</translation>
+    </message>
+    <message>
+        <source>%1 s were lost at %2</source>
+        <translation>%2で%1秒分が失われました</translation>
+    </message>
+    <message>
+        <source>Lost in this recording: %1 s, first at %2</source>
+        <translation>この録音で失われた長さ：%1秒、最初は%2</translation>
+    </message>
+    <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
         <translation>システムがこれ以上スレッドを作成できません。いくつかのウィンドウまたはほかのプログラムを閉じてから、もう一度お試しください。これまでに録音した内容はすべて残っています。</translation>
     </message>

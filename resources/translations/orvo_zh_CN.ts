@@ -592,6 +592,62 @@ Everything recorded before is kept.</source>
         <translation>声音输入已消失：设备被拔出，或声音系统已停止。录音已结束。请重新连接输入设备，然后按“录音”。到目前为止录制的内容均已保留。</translation>
     </message>
     <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>声音输入已消失：设备被拔出，或声音系统已停止。请在按“录音”之前重新连接。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>声音输入“%1”已消失：设备被拔出，或声音系统已停止。请在按“录音”之前重新连接。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>声音输入“%1”已消失：设备被拔出，或声音系统已停止。录音已结束。请重新连接输入设备，然后按“录音”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>声音输入不再传来任何数据：输入已停滞，或声音系统没有响应。录音已结束。请检查输入设备，然后按“录音”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input “%1”: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>声音输入“%1”不再传来任何数据：输入已停滞，或声音系统没有响应。录音已结束。请检查输入设备，然后按“录音”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The sound output stands still, or the sound system does not answer. Playback has ended. Check the output, then press Play. Everything recorded so far is kept.</source>
+        <translation>声音输出已停滞，或声音系统没有响应。播放已结束。请检查输出设备，然后按“播放”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>Recording from the default input</source>
+        <translation>正在从默认输入录音</translation>
+    </message>
+    <message>
+        <source>Recording from %1</source>
+        <translation>正在从%1录音</translation>
+    </message>
+    <message>
+        <source>Recording has been paused.</source>
+        <translation>录音已暂停。</translation>
+    </message>
+    <message>
+        <source>No microphone</source>
+        <translation>没有麦克风</translation>
+    </message>
+    <message>
+        <source>No microphone: recording what this computer plays</source>
+        <translation>没有麦克风：正在录制这台计算机播放的声音</translation>
+    </message>
+    <message>
+        <source>Nothing is coming in</source>
+        <translation>没有声音传入</translation>
+    </message>
+    <message>
+        <source>%1 s were lost at %2</source>
+        <translation>在%2处丢失了%1秒</translation>
+    </message>
+    <message>
+        <source>Lost in this recording: %1 s, first at %2</source>
+        <translation>本次录音共丢失：%1秒，首次在%2</translation>
+    </message>
+    <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
         <translation>系统不允许创建更多线程。请关闭一些窗口或其他程序，然后重试。到目前为止录制的内容均已保留。</translation>
     </message>

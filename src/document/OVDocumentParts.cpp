@@ -11,7 +11,9 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
               displayLoop},
              operations.fileSavingComplete, [this] { unsavedChanges.saveFailed(); }),
       unsavedChanges({operation, history, file, transport, panels}, operations.saveFile,
-                     operations.alertDidEnd) {}
+                     operations.alertDidEnd) {
+  displayLoop.setTickHandler([this] { inputNotices.update(transport.inputState()); });
+}
 
 void OVDocumentParts::connect(OVRecorderWindow* window) {
   const QPointer<OVWaveFormView> waveform = window->findChild<OVWaveFormView*>("wfView");

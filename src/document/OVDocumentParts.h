@@ -5,7 +5,9 @@
 
 #include "document/OVUnsavedChanges.h"
 #include "document/display/OVDisplayLoop.h"
+#include "document/display/OVInputNotices.h"
 #include "document/display/OVMarkerAndTime.h"
+#include "document/display/OVNotices.h"
 #include "document/display/OVProgressDisplay.h"
 #include "document/editing/OVDocumentAudio.h"
 #include "document/editing/OVDocumentLife.h"
@@ -42,6 +44,7 @@ struct OVDocumentParts {
   void connect(OVRecorderWindow* window);
 
   OVDocumentLife life;
+  OVNotices notices;
   OVDocumentAudio audio;
   OVFramePositions positions;
   OVFileOperation operation;
@@ -57,6 +60,7 @@ struct OVDocumentParts {
   OVSpectrum spectrum;
   OVRecordedChunk fft_data;  // thread-safe: filled by the writer's thread, read on main
   OVDocumentFile file;
+  OVInputNotices inputNotices{notices, [this] { return file.shownName(); }};
   OVDocumentPanels panels{life};
   OVFileLoading loading;
   OVFileSaving saving;

@@ -123,6 +123,10 @@ class DocumentFixture : public testing::Test {
   /// Alerts that were shown or are pending.
   std::size_t alertCount() { return services_->alerts().size() + services_->postedAlerts().size(); }
 
+  bool awaitAlert() {
+    return runMainLoopUntil([this] { return alertCount() > 0; });
+  }
+
   std::uint64_t length() { return document_->buffer()->bufferSizeInFrames(); }
 
   support::InstalledRecordingServices services_;

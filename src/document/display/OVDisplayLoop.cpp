@@ -26,6 +26,9 @@ void OVDisplayLoop::start() {
 
 void OVDisplayLoop::tick() {
   const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a tick
+  if (ticked_) {
+    ticked_();
+  }
   if (!parts_.audio.buffer()) {
     return;
   }

@@ -2,7 +2,9 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <utility>
 
 #include <QPointer>
 
@@ -39,6 +41,9 @@ class OVDisplayLoop {
 
   void setView(const QPointer<OVWaveFormView>& view) { wfView_ = view; }
 
+  /// Called at every tick, also without a window.
+  void setTickHandler(std::function<void()> handler) { ticked_ = std::move(handler); }
+
   void start();
   void end() { pollTimer_.reset(); }
   [[nodiscard]] bool isRunning() const { return pollTimer_ != nullptr; }
@@ -69,6 +74,7 @@ class OVDisplayLoop {
 
   const Parts parts_;
   QPointer<OVWaveFormView> wfView_;
+  std::function<void()> ticked_;
   std::unique_ptr<platform::Timer> pollTimer_;
   bool isRenderingWaveform_ = false;
   // Written by the writer's thread, read on main; orders no other data.

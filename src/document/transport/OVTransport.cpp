@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "audio/OVAQPlayer.h"
-#include "audio/OVAQRecorder.h"
 #include "document/editing/OVDocumentAudio.h"
 #include "document/editing/OVDocumentLife.h"
 #include "document/editing/OVEditHistory.h"
@@ -74,6 +73,17 @@ std::optional<std::vector<float>> OVTransport::powerLevels(OVTransportState firs
   return isPlaying() ? player_->powerLevels() : std::nullopt;
 }
 
+OVInputState OVTransport::inputState() const {
+  OVInputState state;
+  state.source = platform::audioQueues()->inputSource();
+  state.hasRecorded = hasRecorded();
+  const auto running = runningRecorder();
+  state.isRecording = running != nullptr;
+  state.silentFrames = running ? running->silentFrames() : 0;
+  state.losses = running ? running->losses() : losses_;
+  return state;
+}
+
 void OVTransport::changed() const {
   if (changed_) {
     changed_();
@@ -91,13 +101,14 @@ void OVTransport::record() {
     endPlaying();  // playback has ended; its late report would end the recording
   }
   if (const auto former = recorder(); !former || former->failure() != platform::kAudioStatusOk) {
-    replaceRecorder();
+    replaceRecorder(OVAQRecorder::DeviceAlerts::shown);
   }
   if (const auto input = recorder()) {  // otherwise nothing has changed, and the user was alerted
     bringRecordingPositionInside();
     parts_.history.beginStep(platform::textKey("Record"));
     writeFailures_->recordingBegins(parts_.history.revision());
     writtenSincePress_ = false;
+    losses_.clear();
     input->record();
     parts_.history.setEdited(true);
   }
@@ -137,7 +148,7 @@ void OVTransport::pause() {
     endPlaying();
   }
   changed();
-  replaceRecorder();
+  replaceRecorder(OVAQRecorder::DeviceAlerts::heldBack);
 }
 
 void OVTransport::pauseIfRunning() {
@@ -149,6 +160,7 @@ void OVTransport::pauseIfRunning() {
 void OVTransport::endRecording() {
   const auto input = recorder();
   input->pause();  // from here on writingPosition is constant
+  losses_ = input->losses();
   const auto buffer = parts_.audio.buffer();
   const std::uint64_t end = input->writingPosition() / parts_.audio.bytesPerFrame();
   parts_.positions.setRecording(end);
@@ -221,7 +233,7 @@ void OVTransport::prepareForNewBuffer() {
 }
 
 void OVTransport::bufferChanged() {
-  recorder_.set(makeRecorder());
+  recorder_.set(makeRecorder(OVAQRecorder::DeviceAlerts::heldBack));
 }
 
 void OVTransport::close() {
@@ -230,13 +242,13 @@ void OVTransport::close() {
   }
 }
 
-std::shared_ptr<OVAQRecorder> OVTransport::makeRecorder() {
+std::shared_ptr<OVAQRecorder> OVTransport::makeRecorder(OVAQRecorder::DeviceAlerts alerts) {
   const auto buffer = parts_.audio.buffer();
   if (!buffer) {
     return nullptr;  // no temporary file; the user was alerted
   }
   const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a command
-  auto recorder = OVAQRecorder::initWithBuffer(buffer);
+  auto recorder = OVAQRecorder::initWithBuffer(buffer, alerts);
   if (recorder) {
     recorder->setWritingPosition(parts_.positions.recording() * parts_.audio.bytesPerFrame());
     recorder->setFailureHandler(
@@ -247,12 +259,12 @@ std::shared_ptr<OVAQRecorder> OVTransport::makeRecorder() {
   return recorder;
 }
 
-void OVTransport::replaceRecorder() {
+void OVTransport::replaceRecorder(OVAQRecorder::DeviceAlerts alerts) {
   if (const auto former = recorder()) {
     former->pause();
     former->prepareForDestruction();
   }
-  recorder_.set(makeRecorder());
+  recorder_.set(makeRecorder(alerts));
 }
 
 // Reports ---------------------------------------------------------------------------------------

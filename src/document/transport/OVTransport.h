@@ -8,10 +8,11 @@
 #include <vector>
 
 #include "audio/OVAQPlayerDelegate.h"
+#include "audio/OVAQRecorder.h"
+#include "document/transport/OVInputState.h"
 #include "document/transport/OVWriteFailures.h"
 #include "platform/base/GuardedPointer.h"
 
-class OVAQRecorder;
 class OVDocumentAudio;
 class OVDocumentLife;
 class OVDocumentSummaries;
@@ -58,6 +59,9 @@ class OVTransport {
   [[nodiscard]] std::shared_ptr<OVAQPlayer> player() const { return player_; }
   /// The running recording has written something.
   [[nodiscard]] bool hasRecorded() const { return writtenSincePress_; }
+
+  /// The input, and what has come in. The gaps of a recording are kept until the next one begins.
+  [[nodiscard]] OVInputState inputState() const;
 
   /// Level of each channel of playback or recording; `first` is preferred, none at rest.
   [[nodiscard]] std::optional<std::vector<float>> powerLevels(OVTransportState first) const;
@@ -115,8 +119,8 @@ class OVTransport {
   [[nodiscard]] std::shared_ptr<OVWriteFailures> writeFailures() const { return writeFailures_; }
 
  private:
-  std::shared_ptr<OVAQRecorder> makeRecorder();
-  void replaceRecorder();
+  std::shared_ptr<OVAQRecorder> makeRecorder(OVAQRecorder::DeviceAlerts alerts);
+  void replaceRecorder(OVAQRecorder::DeviceAlerts alerts);
   void endRecording();
   void endPlaying();
   void inputFailed(const std::weak_ptr<OVAQRecorder>& recorder);
@@ -131,6 +135,7 @@ class OVTransport {
   std::function<void()> changed_;
   std::function<void()> cut_;
   std::shared_ptr<OVAQPlayer> player_;
+  std::vector<OVRecordingLoss> losses_;  // of the last recording that has ended
 
   // Replaced on the main thread; any thread reads it.
   platform::GuardedPointer<std::shared_ptr<OVAQRecorder>> recorder_;

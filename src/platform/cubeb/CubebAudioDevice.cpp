@@ -34,6 +34,8 @@ class CubebInput final : public AudioInputStream {
 
   [[nodiscard]] CubebStream& stream() { return stream_; }
 
+  [[nodiscard]] std::string currentInput() override { return stream_.currentInput(); }
+
  private:
   CubebStream stream_;
 };
@@ -54,22 +56,12 @@ class CubebOutput final : public AudioOutputStream {
   CubebStream stream_;
 };
 
-/// Replaces `connection` unless it is usable for opening a stream.
-void connect(std::shared_ptr<CubebConnection>& connection, ModuleConsole* consoleLog) {
-  if (connection && connection->isBroken()) {
-    connection.reset();
-  }
-  if (!connection) {
-    connection = CubebConnection::make(consoleLog);
-  }
-}
-
 template <typename Stream, typename Interface, typename Client>
 Result<std::unique_ptr<Interface>, AudioStatus> open(std::shared_ptr<CubebConnection>& connection,
                                                      ModuleConsole* consoleLog,
                                                      const char* direction, Client& client) {
-  connect(connection, consoleLog);
   if (!connection) {
+    consoleLog("No sound system could be reached");
     return kDeviceUnavailableStatus;
   }
   auto opened = std::make_unique<Stream>(client, connection);
@@ -89,15 +81,47 @@ CubebAudioDevice::CubebAudioDevice(ModuleConsole* consoleLog) : consoleLog_(cons
 CubebAudioDevice::~CubebAudioDevice() = default;
 
 AudioDevice::Input CubebAudioDevice::openInput(AudioInputClient& client) {
+  connectInput();
   return open<CubebInput, AudioInputStream>(input_, consoleLog_, "input", client);
 }
 
 AudioDevice::Output CubebAudioDevice::openOutput(AudioOutputClient& client) {
+  connect(output_);
   return open<CubebOutput, AudioOutputStream>(output_, consoleLog_, "output", client);
 }
 
 void CubebAudioDevice::prepare() {
-  connect(output_, consoleLog_);
+  connect(output_);
+}
+
+void CubebAudioDevice::setInputsChangedHandler(std::function<void()> changed) {
+  inputsChanged_ = std::move(changed);
+}
+
+std::optional<std::vector<AudioInputDevice>> CubebAudioDevice::inputs() {
+  connectInput();
+  const auto inputs = input_ ? input_->inputs() : std::nullopt;
+  if (input_ && (!inputs || input_->isLastResort())) {
+    input_->markBroken();  // the next call connects anew, perhaps to a server that is back
+  }
+  return inputs;
+}
+
+bool CubebAudioDevice::connect(std::shared_ptr<CubebConnection>& connection) {
+  if (connection && connection->isBroken()) {
+    connection.reset();
+  }
+  if (connection) {
+    return false;
+  }
+  connection = CubebConnection::make(consoleLog_);
+  return connection != nullptr;
+}
+
+void CubebAudioDevice::connectInput() {
+  if (connect(input_)) {
+    input_->notifyOfInputs(inputsChanged_);
+  }
 }
 
 }  // namespace platform

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <vector>
 
 #include "platform/base/LateModule.h"
 #include "platform/sound/AudioDevice.h"
@@ -38,9 +41,18 @@ class CubebAudioDevice final : public AudioDevice {
   /// Connects the output; openInput() connects the input.
   void prepare() override;
 
+  void setInputsChangedHandler(std::function<void()> changed) override;
+  [[nodiscard]] std::optional<std::vector<AudioInputDevice>> inputs() override;
+
  private:
+  /// Replaces a connection that is missing or broken. True if there is a new one.
+  bool connect(std::shared_ptr<CubebConnection>& connection);
+  void connectInput();
+
   ModuleConsole* const consoleLog_;
-  // Control thread only. Null until connected, or when the last one failed.
+  // Control thread only.
+  std::function<void()> inputsChanged_;
+  // Null until connected, or when the last one failed.
   std::shared_ptr<CubebConnection> input_;
   std::shared_ptr<CubebConnection> output_;
 };
