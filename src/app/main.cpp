@@ -13,6 +13,7 @@
 #include "app/OVApplicationEvents.h"
 #include "app/OVApplicationServices.h"
 #include "app/OVFirstWindowWatcher.h"
+#include "app/OVKeeper.h"
 #include "app/OVSessionEnd.h"
 #include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
@@ -92,6 +93,7 @@ int main(int argc, char** argv) {
   const auto services = servicesOf(delegate);
   const platform::Installed<platform::ApplicationServices>::Scope installedServices(services);
   delegate.setAlertsPendingCheck([services] { return services->hasAlerts(); });
+  OVKeeper keeper(OVKeeper::programPath());
   delegate.applicationWillFinishLaunching();
   OVApplicationEvents events(
       {.openFile = [&delegate](const std::string& path) { delegate.applicationOpenFile(path); },
@@ -110,6 +112,7 @@ int main(int argc, char** argv) {
   std::unique_ptr<platform::DesktopColours> colours;
   const OVFirstWindowWatcher firstWindow([&] {
     firstWindowShown.set_value();
+    keeper.start();
     QApplication::setWindowIcon(programIcon());
     colours = std::make_unique<platform::DesktopColours>(QDBusConnection::sessionBus());
     // Needed for the first file or spectrum; loaded now that the window is shown.

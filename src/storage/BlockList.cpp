@@ -53,7 +53,14 @@ BlockList::BlockList(const std::vector<OVBlock>& blocks) {
 std::vector<OVBlock> BlockList::blocks() const {
   std::vector<OVBlock> result;
   result.reserve(list_.size());
-  list_.forEach([&result](const OrderedBlock& block) { result.push_back(block.block); });
+  forEach([&result](const OVBlock& block) { result.push_back(block); });
+  return result;
+}
+
+std::vector<OVBlock> BlockList::reachableBlocks() const {
+  std::vector<OVBlock> result;
+  result.reserve(reachable_.size());
+  reachable_.forEach([&result](const OrderedBlock& block) { result.push_back(block.block); });
   return result;
 }
 

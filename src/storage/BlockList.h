@@ -31,6 +31,13 @@ class BlockList {
 
   /// In list order, which is not address order. Costs a copy.
   [[nodiscard]] std::vector<OVBlock> blocks() const;
+  /// The reachable ones, by address. Costs a copy.
+  [[nodiscard]] std::vector<OVBlock> reachableBlocks() const;
+  /// Calls `each` with every block, in list order. Allocates nothing.
+  template <typename Each>
+  void forEach(Each each) const {
+    list_.forEach([&each](const OrderedBlock& ordered) { each(ordered.block); });
+  }
   [[nodiscard]] bool empty() const { return list_.empty(); }
   [[nodiscard]] std::size_t size() const { return list_.size(); }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cinttypes>
 #include <limits>
+#include <system_error>
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
@@ -50,6 +51,7 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
   platform::FileTransfer written;
   std::uint64_t blocksAdded = 0;
   {
+    const SettlingAfterwards afterwards(*this);
     const platform::MutexLock appending(appendLock_);
     written = f_file_->writeAt(data, withSize, f_write_pos_);
     if (written.byteCount < withSize) {
@@ -68,12 +70,16 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
 
 // Maps the bytes just appended; returns the number of writes since the list was last optimised.
 std::uint64_t OVBlockBuffer::mapAppended(std::uint64_t atByteOffset, std::uint32_t withSize) {
-  blocklist_.map(OVBlock(atByteOffset, f_write_pos_, withSize));
+  const OVBlock block(atByteOffset, f_write_pos_, withSize);
+  blocklist_.map(block);
   f_write_pos_ += withSize;
   if (atByteOffset + withSize > bufferFillSize()) {
     bufferFillSize_.store(atByteOffset + withSize, std::memory_order_relaxed);
   }
   listChanged();
+  if (auto* const own = journal()) {
+    own->wrote(block);
+  }
   return ++blocksAddedSinceOptimization_;
 }
 
@@ -148,9 +154,13 @@ BlockLocation OVBlockBuffer::getFileOffsetForLinearAddress(std::uint64_t address
 }
 
 void OVBlockBuffer::optimize() {
+  const SettlingAfterwards afterwards(*this);
   const platform::MutexLock lock(bufferLock_);
   blocklist_.mergeNeighbours();
   blocksAddedSinceOptimization_ = 0;
+  if (auto* const own = journal()) {
+    own->merged();
+  }
 }
 
 platform::AudioStreamBasicDescription OVBlockBuffer::format() const {
@@ -166,33 +176,43 @@ std::uint64_t OVBlockBuffer::bufferFillSizeInFrames() const {
 }
 
 void OVBlockBuffer::cutoffBufferAfterPosition(std::uint64_t frames) {
+  const SettlingAfterwards afterwards(*this);
   const platform::MutexLock lock(bufferLock_);
   const std::uint64_t position = frames * format_.mBytesPerFrame;
   blocklist_.cutAfter(position);
   bufferFillSize_.store(position, std::memory_order_relaxed);
   listChanged();
+  if (auto* const own = journal()) {
+    own->cutAfter(position);
+  }
 }
 
 void OVBlockBuffer::cutoffBufferBeforePosition(std::uint64_t frames) {
+  const SettlingAfterwards afterwards(*this);
   const platform::MutexLock lock(bufferLock_);
   const std::uint64_t position = frames * format_.mBytesPerFrame;
   blocklist_.cutBefore(position);
   bufferFillSize_.store(bufferFillSize() - position, std::memory_order_relaxed);
   listChanged();
+  if (auto* const own = journal()) {
+    own->cutBefore(position);
+  }
 }
 
 void OVBlockBuffer::reverseBuffer() {}
 
 void OVBlockBuffer::setWaypoint() {
+  const SettlingAfterwards afterwards(*this);
   const platform::MutexLock lock(bufferLock_);
   waypointStack_.insert(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_),
-                        OVBufferState::initWithBlocklist(blocklist_, bufferFillSize()));
+                        keepState());
   ++waypointPos_;
 }
 
 void OVBlockBuffer::undo() {
+  const SettlingAfterwards afterwards(*this);
   const platform::MutexLock lock(bufferLock_);
-  redoState_ = OVBufferState::initWithBlocklist(blocklist_, bufferFillSize());
+  redoState_ = keepState();
   prevWaypointPos_ = waypointPos_;
   if (waypointPos_ > 0) {
     --waypointPos_;
@@ -201,6 +221,7 @@ void OVBlockBuffer::undo() {
 }
 
 void OVBlockBuffer::redo() {
+  const SettlingAfterwards afterwards(*this);
   const platform::MutexLock lock(bufferLock_);
   if (const auto state = std::exchange(redoState_, nullptr)) {
     restore(*state);
@@ -208,20 +229,95 @@ void OVBlockBuffer::redo() {
 }
 
 void OVBlockBuffer::rollBack() {
+  const SettlingAfterwards afterwards(*this);
   const platform::MutexLock lock(bufferLock_);
   restore(*waypointStack_.at(waypointPos_ - 1));
   --waypointPos_;
   waypointStack_.erase(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_));
 }
 
+std::shared_ptr<const OVBufferState> OVBlockBuffer::keepState() const {
+  auto state = OVBufferState::initWithBlocklist(blocklist_, bufferFillSize());
+  if (auto* const own = journal()) {
+    own->kept(*state);
+  }
+  return state;
+}
+
 void OVBlockBuffer::restore(const OVBufferState& state) {
   blocklist_ = state.list();
   bufferFillSize_.store(state.bufferFillSize(), std::memory_order_relaxed);
   listChanged();
+  if (auto* const own = journal()) {
+    own->restored(state);
+  }
 }
 
 void OVBlockBuffer::listChanged() {
   listIsEmpty_.store(blocklist_.empty(), std::memory_order_relaxed);
+}
+
+// Journal ---------------------------------------------------------------------------------------
+
+BlockJournal* OVBlockBuffer::beginJournal(const BlockJournal::Origin& origin) {
+  int error = 0;
+  {
+    const platform::MutexLock turn(journalLock_);
+    if (journal() == nullptr) {
+      auto created = BlockJournal::create(origin);
+      error = created ? settle(**created) : created.error();
+      if (journal() != nullptr) {
+        ownJournal_ = *std::move(created);
+      }
+    }
+  }
+  journalFailed(error);
+  return journal();
+}
+
+// A record under bufferLock_ makes no system call; what it needs of the system is done here.
+void OVBlockBuffer::settleJournal() {
+  auto* const own = journal();
+  if (own == nullptr || !own->wantsSettling()) {
+    return;
+  }
+  int error = 0;
+  {
+    const platform::MutexLock turn(journalLock_);
+    error = settle(*own);
+  }
+  journalFailed(error);
+}
+
+// Returns 0 or an errno; the journal then lacks what comes next, until a later call succeeds.
+int OVBlockBuffer::settle(BlockJournal& journal) {
+  bool isRenewed = false;
+  while (journal.wantsState()) {
+    bufferLock_.lock();
+    const std::uint64_t blocks = blocklist_.size();
+    bufferLock_.unlock();
+    if (const int error = journal.prepareState(blocks); error != 0) {
+      return error;
+    }
+    const platform::MutexLock lock(bufferLock_);
+    if (journal.writeState(blocklist_, bufferFillSize())) {
+      journal_.store(&journal, std::memory_order_release);
+      isRenewed = true;
+    }
+  }
+  if (isRenewed) {
+    journal.releaseFormer();
+  }
+  return journal.makeRoom();
+}
+
+void OVBlockBuffer::journalFailed(int error) {
+  if (error != 0 && !journalFailureTold_.exchange(true, std::memory_order_relaxed)) {
+    ConsoleLog(
+        "There is no room for the journal of a recording, which would be lost if the "
+        "program ended unexpectedly: %s",
+        std::generic_category().message(error).c_str());
+  }
 }
 
 void OVBlockBuffer::lock() {

@@ -11,6 +11,7 @@
 #include "platform/base/GuardedPointer.h"
 #include "platform/base/Mutex.h"
 #include "platform/files/File.h"
+#include "storage/BlockJournal.h"
 #include "storage/BlockList.h"
 #include "storage/OVAudioBufferInterface.h"
 #include "storage/OVBufferState.h"
@@ -34,7 +35,8 @@ struct BlockLocation {
 /// a read looks up its stretches under the lock and transfers them afterwards: it returns the
 /// recording as it was at the lookup and waits for no other transfer. `appendLock` serializes
 /// writers: each holds it from reserving its place at the end of the file until its block is
-/// mapped, so blocks are mapped in file order. It is always taken before bufferLock.
+/// mapped, so blocks are mapped in file order. It is always taken before bufferLock. `journalLock`
+/// is held while room for the journal is made; also taken before bufferLock.
 ///
 /// Threads: any, concurrently; lock() and unlock() in pairs on one thread, and between them only
 /// operations documented to take no lock. Real-time: not safe.
@@ -105,6 +107,14 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   /// split over two blocks.
   [[nodiscard]] double powerAtPosition(std::uint64_t position) override;
 
+  /// From now on the changes are written to a journal, which lives as long as the buffer; the first
+  /// call creates it. Null if there is no memory for one, of which the console has one line.
+  BlockJournal* beginJournal(const BlockJournal::Origin& origin) EXCLUDES(bufferLock_);
+  /// Null before beginJournal().
+  [[nodiscard]] BlockJournal* journal() const { return journal_.load(std::memory_order_acquire); }
+  /// The system's descriptor of the temporary file, open as long as the buffer lives; -1 for none.
+  [[nodiscard]] int fileDescriptor() const { return f_file_->descriptor(); }
+
   /// Deletes the file at a path, if one is given; an error is ignored.
   static void removeTempFile(const std::optional<std::string>& path);
 
@@ -142,6 +152,19 @@ class OVBlockBuffer : public OVAudioBufferInterface {
  private:
   OVBlockBuffer(std::unique_ptr<platform::File> file, std::string fileName);
 
+  // Settles the journal at the end of a scope. Declared before the scope's lock, so that the lock
+  // is released by then.
+  class SettlingAfterwards {
+   public:
+    explicit SettlingAfterwards(OVBlockBuffer& buffer) : buffer_(buffer) {}
+    ~SettlingAfterwards() { buffer_.settleJournal(); }
+    SettlingAfterwards(const SettlingAfterwards&) = delete;
+    SettlingAfterwards& operator=(const SettlingAfterwards&) = delete;
+
+   private:
+    OVBlockBuffer& buffer_;
+  };
+
   // A stretch of the file that holds neighbouring addresses.
   struct Stretch {
     std::uint64_t fileOffset;
@@ -154,6 +177,10 @@ class OVBlockBuffer : public OVAudioBufferInterface {
       REQUIRES(bufferLock_);
   void restore(const OVBufferState& state) REQUIRES(bufferLock_);
   void listChanged() REQUIRES(bufferLock_);
+  [[nodiscard]] std::shared_ptr<const OVBufferState> keepState() const REQUIRES(bufferLock_);
+  void settleJournal() EXCLUDES(bufferLock_);
+  [[nodiscard]] int settle(BlockJournal& journal) REQUIRES(journalLock_) EXCLUDES(bufferLock_);
+  void journalFailed(int error);
 
   // Fixed after construction.
   const std::unique_ptr<platform::File> f_file_;
@@ -163,6 +190,13 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   // Serializes writers, see above. Taken before bufferLock_.
   platform::Mutex appendLock_;
   mutable platform::Mutex bufferLock_;
+
+  // Taken before bufferLock_.
+  platform::Mutex journalLock_;
+  // Set once, with both locks held; read without them. The buffer owns the journal.
+  std::unique_ptr<BlockJournal> ownJournal_ GUARDED_BY(journalLock_);
+  std::atomic<BlockJournal*> journal_{nullptr};
+  std::atomic<bool> journalFailureTold_{false};  // independent, relaxed order is enough
 
   // Written only with both locks held, so that it may be read with either.
   std::uint64_t f_write_pos_ GUARDED_BY(appendLock_) = 0;

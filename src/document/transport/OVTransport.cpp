@@ -106,6 +106,7 @@ void OVTransport::record() {
   if (const auto input = recorder()) {  // otherwise nothing has changed, and the user was alerted
     bringRecordingPositionInside();
     parts_.history.beginStep(platform::textKey("Record"));
+    parts_.history.kept().recordingBegins();
     writeFailures_->recordingBegins(parts_.history.revision());
     writtenSincePress_ = false;
     losses_.clear();

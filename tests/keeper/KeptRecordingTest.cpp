@@ -1,0 +1,102 @@
+#include "keeper/KeptRecording.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <cerrno>
+
+#include "keeper/KeptRecordings.h"
+#include "support/TemporaryFolder.h"
+#include "support/fakes/FailingTemporaryFiles.h"
+#include "support/fakes/RecordingServices.h"
+
+namespace {
+
+using support::Bytes;
+using support::cafAudio;
+using support::editedBuffer;
+using support::pattern;
+using support::recoveredNames;
+using support::sameFile;
+using support::wholeRecording;
+using support::write;
+using Outcome = KeptRecording::Outcome;
+
+constexpr const char* kName = "Orvo recording 2001-09-09 01.46.40.caf";  // 10^9 s in UTC
+
+class KeptRecordingTest : public testing::Test {
+ protected:
+  KeptRecordingTest() {
+    ::setenv("TZ", "UTC", 1);  // NOLINT(concurrency-mt-unsafe): no other thread runs
+    ::tzset();
+    folder_ = *RecoveredFolder::open(data_.path());
+  }
+
+  [[nodiscard]] KeptRecording kept() const {
+    return {sameFile(buffer_->fileDescriptor()), sameFile(buffer_->journal()->descriptor())};
+  }
+
+  void expectRecovered(const std::string& name = kName) {
+    EXPECT_EQ(kept().recover(*folder_), Outcome::done);
+    EXPECT_EQ(recoveredNames(data_.path()), std::vector<std::string>{name});
+    EXPECT_TRUE(cafAudio(support::recoveredPath(data_.path()) + "/" + name) ==
+                wholeRecording(*buffer_));
+  }
+
+  support::TemporaryFolder data_;
+  std::unique_ptr<RecoveredFolder> folder_;
+  std::shared_ptr<OVBlockBuffer> buffer_ = editedBuffer();
+};
+
+TEST_F(KeptRecordingTest, IsWrittenAsTheDocumentWouldReadIt) {
+  write(*buffer_, pattern(800'000, 1), 0);
+  write(*buffer_, pattern(4000, 2), 400'000);
+  buffer_->cutoffBufferBeforePosition(100);
+  buffer_->cutoffBufferAfterPosition(99'000);
+  expectRecovered();
+}
+
+TEST_F(KeptRecordingTest, HolesAreSilent) {
+  write(*buffer_, pattern(800, 1), 0);
+  write(*buffer_, pattern(800, 2), 8000);
+  buffer_->cutoffBufferAfterPosition(2000);
+  expectRecovered();
+}
+
+TEST_F(KeptRecordingTest, WhatTheDiskDidNotTakeIsSilent) {
+  write(*buffer_, pattern(80'000, 1), 0);
+  ASSERT_EQ(::ftruncate(buffer_->fileDescriptor(), 50'000), 0);
+  expectRecovered();
+}
+
+TEST_F(KeptRecordingTest, HasTheTimeOfItsFirstRecording) {
+  write(*buffer_, pattern(800, 1), 0);
+  buffer_->journal()->recordingBegins(1'000'000'001);
+  expectRecovered("Orvo recording 2001-09-09 01.46.41.caf");
+}
+
+TEST_F(KeptRecordingTest, ReplacesTheFileThatItsDocumentCameFrom) {
+  buffer_ = editedBuffer(1'000'000'000, "Orvo recording 1999-01-01 00.00.00.caf");
+  write(*buffer_, pattern(800, 1), 0);
+  expectRecovered("Orvo recording 1999-01-01 00.00.00.caf");
+  write(*buffer_, pattern(800, 2), 800);
+  expectRecovered("Orvo recording 1999-01-01 00.00.00.caf");
+}
+
+TEST_F(KeptRecordingTest, NothingIsWrittenThatWasSavedOrDiscardedOrIsEmpty) {
+  EXPECT_EQ(kept().recover(*folder_), Outcome::done);
+  write(*buffer_, pattern(800, 1), 0);
+  for (const auto state : {journal::State::saved, journal::State::closed}) {
+    buffer_->journal()->setState(state);
+    EXPECT_EQ(kept().recover(*folder_), Outcome::done);
+  }
+  EXPECT_TRUE(recoveredNames(data_.path()).empty());
+}
+
+TEST_F(KeptRecordingTest, WithoutAJournalItCannotBeRecovered) {
+  KeptRecording recording(sameFile(buffer_->fileDescriptor()), sameFile(buffer_->fileDescriptor()));
+  EXPECT_EQ(recording.recover(*folder_), Outcome::failed);
+  EXPECT_TRUE(recoveredNames(data_.path()).empty());
+}
+
+}  // namespace
