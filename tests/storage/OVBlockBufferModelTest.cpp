@@ -43,6 +43,9 @@ class BlockBufferPair : support::BufferPair {
     } else if (step.what == "undo") {
       realThrew_ = throwsOutOfRange([this] { real_->undo(); });
       modelThrew_ = throwsOutOfRange([this] { model_.undo(); });
+    } else if (step.what == "rollBack") {
+      realThrew_ = throwsOutOfRange([this] { real_->rollBack(); });
+      modelThrew_ = throwsOutOfRange([this] { model_.rollBack(); });
     } else if (step.what == "redo") {
       real_->redo();
       model_.redo();
@@ -203,6 +206,9 @@ Step drawStep(const Shape& shape, std::mt19937_64& random, const BlockBufferPair
   }
   if (isOf(shape.undos / 2)) {
     return {"redo"};
+  }
+  if (isOf(shape.undos / 2)) {
+    return {"rollBack"};
   }
   if (isOf(60)) {
     return {"waypoint"};
