@@ -11,7 +11,11 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
               displayLoop},
              operations.fileSavingComplete, [this] { unsavedChanges.saveFailed(); }),
       unsavedChanges({operation, history, file, transport, panels}, operations.saveFile,
-                     operations.alertDidEnd) {}
+                     operations.alertDidEnd) {
+  transport.addStateHandler([this](OVTransportState state) {
+    diskWatch.setRecording(state == OVTransportState::recording);
+  });
+}
 
 void OVDocumentParts::connect(OVRecorderWindow* window) {
   const QPointer<OVWaveFormView> waveform = window->findChild<OVWaveFormView*>("wfView");
