@@ -352,6 +352,42 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Es wurde nichts importiert.</translation>
     </message>
     <message>
+        <source>Space for less than %1 minutes of recording is left in %2.</source>
+        <translation>Der freie Platz in %2 reicht für weniger als %1&#xa0;Minuten Aufnahme.</translation>
+    </message>
+    <message>
+        <source>Space for less than a minute of recording is left in %1.</source>
+        <translation>Der freie Platz in %1 reicht für weniger als eine Minute Aufnahme.</translation>
+    </message>
+    <message>
+        <source>%1 does not fit on the disk</source>
+        <translation>%1 passt nicht auf den Datenträger</translation>
+    </message>
+    <message>
+        <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
+        <translation>Dafür werden etwa %1 benötigt, aber auf dem Datenträger des Ordners %2 sind nur noch %3 frei.</translation>
+    </message>
+    <message>
+        <source>Orvo is recording</source>
+        <translation>Orvo nimmt auf</translation>
+    </message>
+    <message>
+        <source>Goes in at the end.</source>
+        <translation>Wird am Ende eingefügt.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1.</source>
+        <translation>Wird bei %1 eingefügt.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1 and replaces %2.</source>
+        <translation>Wird bei %1 eingefügt und ersetzt %2.</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1&#xa0;s</translation>
+    </message>
+    <message>
         <source>Everything loaded before is kept.</source>
         <translation>Alles zuvor Geladene bleibt erhalten.</translation>
     </message>

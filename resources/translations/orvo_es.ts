@@ -352,6 +352,42 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>No se ha importado nada.</translation>
     </message>
     <message>
+        <source>Space for less than %1 minutes of recording is left in %2.</source>
+        <translation>El espacio libre en %2 alcanza para menos de %1&#xa0;minutos de grabación.</translation>
+    </message>
+    <message>
+        <source>Space for less than a minute of recording is left in %1.</source>
+        <translation>El espacio libre en %1 alcanza para menos de un minuto de grabación.</translation>
+    </message>
+    <message>
+        <source>%1 does not fit on the disk</source>
+        <translation>%1 no cabe en el disco</translation>
+    </message>
+    <message>
+        <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
+        <translation>Se necesitan unos %1, pero en el disco de la carpeta %2 solo quedan %3.</translation>
+    </message>
+    <message>
+        <source>Orvo is recording</source>
+        <translation>Orvo está grabando</translation>
+    </message>
+    <message>
+        <source>Goes in at the end.</source>
+        <translation>Se insertará al final.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1.</source>
+        <translation>Se insertará en %1.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1 and replaces %2.</source>
+        <translation>Se insertará en %1 y reemplazará %2.</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1&#xa0;s</translation>
+    </message>
+    <message>
         <source>Everything loaded before is kept.</source>
         <translation>Se conserva todo lo cargado hasta entonces.</translation>
     </message>

@@ -352,6 +352,42 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Rien n’a été importé.</translation>
     </message>
     <message>
+        <source>Space for less than %1 minutes of recording is left in %2.</source>
+        <translation>L’espace libre dans %2 suffit pour moins de %1&#xa0;minutes d’enregistrement.</translation>
+    </message>
+    <message>
+        <source>Space for less than a minute of recording is left in %1.</source>
+        <translation>L’espace libre dans %1 suffit pour moins d’une minute d’enregistrement.</translation>
+    </message>
+    <message>
+        <source>%1 does not fit on the disk</source>
+        <translation>%1 ne tient pas sur le disque</translation>
+    </message>
+    <message>
+        <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
+        <translation>Il faut environ %1, mais il ne reste que %3 sur le disque du dossier %2.</translation>
+    </message>
+    <message>
+        <source>Orvo is recording</source>
+        <translation>Orvo enregistre</translation>
+    </message>
+    <message>
+        <source>Goes in at the end.</source>
+        <translation>Sera inséré à la fin.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1.</source>
+        <translation>Sera inséré à %1.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1 and replaces %2.</source>
+        <translation>Sera inséré à %1 et remplacera %2.</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1&#xa0;s</translation>
+    </message>
+    <message>
         <source>Everything loaded before is kept.</source>
         <translation>Tout ce qui a été chargé auparavant est conservé.</translation>
     </message>

@@ -352,6 +352,42 @@ Everything recorded before is kept.</source>
         <translation>何もインポートされませんでした。</translation>
     </message>
     <message>
+        <source>Space for less than %1 minutes of recording is left in %2.</source>
+        <translation>%2 の空き容量で録音できるのは残り %1 分未満です。</translation>
+    </message>
+    <message>
+        <source>Space for less than a minute of recording is left in %1.</source>
+        <translation>%1 の空き容量で録音できるのは残り 1 分未満です。</translation>
+    </message>
+    <message>
+        <source>%1 does not fit on the disk</source>
+        <translation>%1 はディスクに収まりません</translation>
+    </message>
+    <message>
+        <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
+        <translation>約 %1 必要ですが、フォルダー %2 のディスクには %3 しか空きがありません。</translation>
+    </message>
+    <message>
+        <source>Orvo is recording</source>
+        <translation>Orvo が録音中です</translation>
+    </message>
+    <message>
+        <source>Goes in at the end.</source>
+        <translation>末尾に入ります。</translation>
+    </message>
+    <message>
+        <source>Goes in at %1.</source>
+        <translation>%1 に入ります。</translation>
+    </message>
+    <message>
+        <source>Goes in at %1 and replaces %2.</source>
+        <translation>%1 に入り、%2 を置き換えます。</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
         <source>Everything loaded before is kept.</source>
         <translation>それまでに読み込んだ内容はすべて残っています。</translation>
     </message>

@@ -352,6 +352,42 @@ Everything recorded before is kept.</source>
         <translation>未导入任何内容。</translation>
     </message>
     <message>
+        <source>Space for less than %1 minutes of recording is left in %2.</source>
+        <translation>%2 中的剩余空间可供录音不到 %1 分钟。</translation>
+    </message>
+    <message>
+        <source>Space for less than a minute of recording is left in %1.</source>
+        <translation>%1 中的剩余空间可供录音不到 1 分钟。</translation>
+    </message>
+    <message>
+        <source>%1 does not fit on the disk</source>
+        <translation>磁盘放不下 %1</translation>
+    </message>
+    <message>
+        <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
+        <translation>大约需要 %1，但文件夹 %2 所在的磁盘只剩 %3。</translation>
+    </message>
+    <message>
+        <source>Orvo is recording</source>
+        <translation>Orvo 正在录音</translation>
+    </message>
+    <message>
+        <source>Goes in at the end.</source>
+        <translation>将放在末尾。</translation>
+    </message>
+    <message>
+        <source>Goes in at %1.</source>
+        <translation>将放在 %1 处。</translation>
+    </message>
+    <message>
+        <source>Goes in at %1 and replaces %2.</source>
+        <translation>将放在 %1 处，并替换 %2。</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
         <source>Everything loaded before is kept.</source>
         <translation>此前载入的内容均已保留。</translation>
     </message>

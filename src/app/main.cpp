@@ -18,6 +18,7 @@
 #include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
 #include "audio/OVFileKinds.h"
+#include "platform/desktop/DBusSleepInhibitor.h"
 #include "platform/desktop/DesktopColours.h"
 #include "platform/desktop/FileUri.h"
 #include "platform/desktop/GLibRecentDocuments.h"
@@ -81,6 +82,8 @@ int main(int argc, char** argv) {
       std::make_shared<platform::QtFileDialogs>());
   const platform::Installed<platform::DesktopServices>::Scope installedDesktop(
       std::make_shared<platform::QtDesktopServices>());
+  const platform::Installed<platform::SleepInhibitor>::Scope installedSleepInhibitor(
+      std::make_shared<platform::DBusSleepInhibitor>(platform::DBusSleepInhibitor::usualBuses()));
   const platform::Installed<platform::RecentDocuments>::Scope installedDocuments(
       std::make_shared<platform::GLibRecentDocuments>(platform::GLibRecentDocuments::desktopFile(),
                                                       mimeTypeOfPath));

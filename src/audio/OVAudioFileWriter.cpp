@@ -31,6 +31,11 @@ std::optional<std::uint64_t> OVAudioFileWriter::maximumFrames(std::uint32_t outp
   return kind ? platform::ExtAudioFileOutput::maximumFrames(*kind) : std::nullopt;
 }
 
+std::uint64_t OVAudioFileWriter::estimatedBytes(std::uint32_t outputFormat, std::uint64_t frames) {
+  const auto kind = kindOf(outputFormat);
+  return kind ? platform::ExtAudioFileOutput::estimatedBytes(*kind, frames) : 0;
+}
+
 OVAudioFileWriter::OVAudioFileWriter(Key, std::string path, std::uint32_t outputFormat,
                                      std::string shownName)
     : fileName_(std::move(path)), outputFormat_(outputFormat), shownName_(std::move(shownName)) {}

@@ -43,6 +43,11 @@ class OVAudioFileWriter {
   /// Maximum frames that a file of a kind can hold; nothing for no limit.
   [[nodiscard]] static std::optional<std::uint64_t> maximumFrames(std::uint32_t outputFormat);
 
+  /// Bytes that a file of a kind with so many frames takes at least, an estimate; 0 for an unknown
+  /// kind.
+  [[nodiscard]] static std::uint64_t estimatedBytes(std::uint32_t outputFormat,
+                                                    std::uint64_t frames);
+
   /// For initWithFile() only.
   OVAudioFileWriter(Key, std::string path, std::uint32_t outputFormat, std::string shownName);
   ~OVAudioFileWriter();  ///< closes

@@ -13,6 +13,9 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
       unsavedChanges({operation, history, file, transport, panels}, operations.saveFile,
                      operations.alertDidEnd) {
   displayLoop.setTickHandler([this] { inputNotices.update(transport.inputState()); });
+  transport.addStateHandler([this](OVTransportState state) {
+    diskWatch.setRecording(state == OVTransportState::recording);
+  });
 }
 
 void OVDocumentParts::connect(OVRecorderWindow* window) {

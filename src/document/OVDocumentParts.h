@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "document/OVUnsavedChanges.h"
+#include "document/display/OVDiskWatch.h"
 #include "document/display/OVDisplayLoop.h"
 #include "document/display/OVInputNotices.h"
 #include "document/display/OVMarkerAndTime.h"
@@ -53,6 +54,7 @@ struct OVDocumentParts {
   OVTransport transport{{life, audio, positions, *summaries, history, operation}};
   OVTransportControls controls;
   OVTransportKeys keys;
+  OVDiskWatch diskWatch{life, audio, notices};
   OVMarkerAndTime markerAndTime{audio};
   OVProgressDisplay progress;
   OVDisplayLoop displayLoop{

@@ -1,6 +1,7 @@
 #include "storage/BlockList.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -74,6 +75,18 @@ const OVBlock* BlockList::find(std::uint64_t address) const {
   }
   const OVBlock& block = reachable_[position].block;
   return block.contains(address) ? &block : nullptr;
+}
+
+std::uint64_t BlockList::endInFile() const {
+  std::uint64_t result = 0;
+  list_.forEach([&result](const OrderedBlock& each) {
+    const std::uint64_t start = each.block.file_offset_start();
+    const std::uint64_t end = start + each.block.size();
+    if (each.block.size() > 0) {
+      result = std::max(result, end < start ? std::numeric_limits<std::uint64_t>::max() : end);
+    }
+  });
+  return result;
 }
 
 // Writing ---------------------------------------------------------------------------------------

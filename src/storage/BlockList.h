@@ -45,6 +45,10 @@ class BlockList {
   /// logarithm of the number of blocks.
   [[nodiscard]] const OVBlock* find(std::uint64_t address) const;
 
+  /// The end of the last byte of the file that a block maps, reachable or not; 0 for none. Visits
+  /// all blocks.
+  [[nodiscard]] std::uint64_t endInFile() const;
+
   /// Maps a block over the addresses it covers: blocks inside it are removed, overlapping ones
   /// trimmed, and one that contains it is split. The parts split off go to the end of the list, in
   /// the order of their original blocks, followed by the new block.

@@ -53,6 +53,10 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
   {
     const SettlingAfterwards afterwards(*this);
     const platform::MutexLock appending(appendLock_);
+    if (tailToGiveBack_) {
+      const platform::MutexLock lock(bufferLock_);
+      giveBackTail();
+    }
     written = f_file_->writeAt(data, withSize, f_write_pos_);
     if (written.byteCount < withSize) {
       // Extending the file needs no disk space: the lost stretch reads as silence. If that fails
@@ -93,6 +97,7 @@ BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t wi
   if (fromOffset >= bufferFillSize() || listIsEmpty_.load(std::memory_order_relaxed)) {
     return {};
   }
+  const ReadScope reading(readsUnderWay_);
   std::vector<Stretch> wanted;
   {
     const platform::MutexLock lock(bufferLock_);
@@ -207,6 +212,7 @@ void OVBlockBuffer::setWaypoint() {
   waypointStack_.insert(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_),
                         keepState());
   ++waypointPos_;
+  lastWaypointWritePos_ = f_write_pos();  // readable with this lock, too
 }
 
 void OVBlockBuffer::undo() {
@@ -230,10 +236,36 @@ void OVBlockBuffer::redo() {
 
 void OVBlockBuffer::rollBack() {
   const SettlingAfterwards afterwards(*this);
+  const platform::MutexLock appending(appendLock_);
   const platform::MutexLock lock(bufferLock_);
   restore(*waypointStack_.at(waypointPos_ - 1));
   --waypointPos_;
   waypointStack_.erase(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_));
+  tailToGiveBack_ = std::min(lastWaypointWritePos_, tailToGiveBack_.value_or(f_write_pos_));
+  giveBackTail();
+}
+
+// With both locks held nobody writes, and nobody looks up a place. A read that has done so before
+// may still be transferring: then the next write tries again.
+void OVBlockBuffer::giveBackTail() {
+  if (readsUnderWay_.load(std::memory_order_acquire) > 0) {
+    return;
+  }
+  const std::uint64_t end = std::max(*std::exchange(tailToGiveBack_, {}), endOfMappedBytes());
+  // A longer file would show its old bytes where a later write is lost: without the cut nothing is
+  // given back.
+  if (end < f_write_pos_ && f_file_->setSize(end) == 0) {
+    f_write_pos_ = end;
+    lastWaypointWritePos_ = std::min(lastWaypointWritePos_, end);
+  }
+}
+
+std::uint64_t OVBlockBuffer::endOfMappedBytes() const {
+  std::uint64_t end = blocklist_.endInFile();
+  for (const auto& state : waypointStack_) {
+    end = std::max(end, state->list().endInFile());
+  }
+  return redoState_ ? std::max(end, redoState_->list().endInFile()) : end;
 }
 
 std::shared_ptr<const OVBufferState> OVBlockBuffer::keepState() const {
@@ -329,6 +361,7 @@ void OVBlockBuffer::unlock() {
 }
 
 double OVBlockBuffer::powerAtPosition(std::uint64_t position) {
+  const ReadScope reading(readsUnderWay_);
   BlockLocation location;
   {
     const platform::MutexLock lock(bufferLock_);

@@ -25,7 +25,7 @@ struct BlockLocation {
 
 /// The audio of a document: a list of blocks over one append-only temporary file. Overwriting,
 /// cutting and undo change only the list. The file keeps every byte ever written until the buffer
-/// is destroyed, and has no name.
+/// is destroyed, except what a step that was rolled back had written, and has no name.
 ///
 /// Addresses, offsets and sizes are in bytes, positions of cuts and of powerAtPosition() in frames
 /// of 8 bytes. Undo is many levels deep, redo one.
@@ -97,7 +97,10 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   /// Restores the state kept by the last undo(), once. Does not move among the waypoints.
   void redo() override;
 
-  /// Throws std::out_of_range when there is no waypoint.
+  /// Throws std::out_of_range when there is no waypoint. Also gives back what was written since the
+  /// last waypoint: the file is cut off and the next write appends there. What a block, a waypoint
+  /// or the redo state maps is kept; so is everything if the file cannot be shortened. A read that
+  /// is under way still finds its bytes: they are given back before the next write.
   void rollBack() override;
 
   void lock() override ACQUIRE(bufferLock_);
@@ -171,11 +174,27 @@ class OVBlockBuffer : public OVAudioBufferInterface {
     std::uint64_t byteCount;
   };
 
+  // Counts a read from before its lookup until after its transfer.
+  class ReadScope {
+   public:
+    explicit ReadScope(std::atomic<std::uint32_t>& reads) : reads_(reads) {
+      reads_.fetch_add(1, std::memory_order_relaxed);
+    }
+    ~ReadScope() { reads_.fetch_sub(1, std::memory_order_release); }
+    ReadScope(const ReadScope&) = delete;
+    ReadScope& operator=(const ReadScope&) = delete;
+
+   private:
+    std::atomic<std::uint32_t>& reads_;
+  };
+
   std::uint64_t mapAppended(std::uint64_t atByteOffset, std::uint32_t withSize)
       REQUIRES(appendLock_, bufferLock_);
   std::vector<Stretch> stretches(std::uint64_t address, std::uint64_t byteCount) const
       REQUIRES(bufferLock_);
   void restore(const OVBufferState& state) REQUIRES(bufferLock_);
+  void giveBackTail() REQUIRES(appendLock_, bufferLock_);
+  [[nodiscard]] std::uint64_t endOfMappedBytes() const REQUIRES(bufferLock_);
   void listChanged() REQUIRES(bufferLock_);
   [[nodiscard]] std::shared_ptr<const OVBufferState> keepState() const REQUIRES(bufferLock_);
   void settleJournal() EXCLUDES(bufferLock_);
@@ -200,9 +219,12 @@ class OVBlockBuffer : public OVAudioBufferInterface {
 
   // Written only with both locks held, so that it may be read with either.
   std::uint64_t f_write_pos_ GUARDED_BY(appendLock_) = 0;
+  // Where the file ends once a rolled-back step has been given back; none: nothing to give back.
+  std::optional<std::uint64_t> tailToGiveBack_ GUARDED_BY(appendLock_);
   BlockList blocklist_ GUARDED_BY(bufferLock_);
   std::vector<std::shared_ptr<const OVBufferState>> waypointStack_ GUARDED_BY(bufferLock_);
   std::uint64_t waypointPos_ GUARDED_BY(bufferLock_) = 0;
+  std::uint64_t lastWaypointWritePos_ GUARDED_BY(bufferLock_) = 0;  // f_write_pos_ at that moment
   std::uint64_t prevWaypointPos_ GUARDED_BY(bufferLock_) = 0;
   std::shared_ptr<const OVBufferState> redoState_ GUARDED_BY(bufferLock_);
   std::uint64_t blocksAddedSinceOptimization_ GUARDED_BY(bufferLock_) = 0;
@@ -211,6 +233,10 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   // They are independent, so relaxed order is enough: using the list takes the lock.
   std::atomic<std::uint64_t> bufferFillSize_{0};
   std::atomic<bool> listIsEmpty_{true};
+
+  // Reads that may be using places in the file. Raised before the lookup, which takes bufferLock_:
+  // whoever holds that lock sees every read that has looked up a place.
+  std::atomic<std::uint32_t> readsUnderWay_{0};
 
   platform::GuardedPointer<std::weak_ptr<OVAudioBufferDelegate>> delegate_;
 };

@@ -41,6 +41,9 @@ class BlockBufferPair : protected BufferPair {
     } else if (step.what == "undo") {
       realThrew_ = throwsOutOfRange([this] { real_->undo(); });
       modelThrew_ = throwsOutOfRange([this] { model_.undo(); });
+    } else if (step.what == "rollBack") {
+      realThrew_ = throwsOutOfRange([this] { real_->rollBack(); });
+      modelThrew_ = throwsOutOfRange([this] { model_.rollBack(); });
     } else if (step.what == "redo") {
       real_->redo();
       model_.redo();

@@ -89,6 +89,9 @@ inline modeltest::Step drawStep(const BlockSteps& shape, std::mt19937_64& random
   if (isOf(shape.undos / 2)) {
     return {"redo"};
   }
+  if (isOf(shape.undos / 2)) {
+    return {"rollBack"};
+  }
   if (isOf(60)) {
     return {"waypoint"};
   }

@@ -1,6 +1,8 @@
 #include "document/files/OVFileSaving.h"
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <utility>
 
 #include <QLabel>
@@ -35,6 +37,8 @@ namespace {
 
 constexpr std::int32_t kAacType = 3;  // the file writer's AAC kind
 constexpr const char* kRingtoneSuffix = "m4r";
+// A disk that has not said by then how much room it has is waited for by the job.
+constexpr std::chrono::milliseconds kRoomPatience{250};
 
 // The document remains unsaved.
 void tellGaps(const std::string& path, double seconds, bool saved) {
@@ -168,6 +172,7 @@ void OVFileSaving::chooseStretch(Request& request) const {
 
 void OVFileSaving::start(Request request) {
   chooseStretch(request);
+  request.job.shortage = OVSaveJob::lookForRoom(request.job);
   if (const auto refusal = refusalOf(request)) {
     shell_open_file_after_save_ = false;
     failed_();
@@ -202,6 +207,11 @@ std::optional<std::string> OVFileSaving::refusalOf(const Request& request) {
   if (request.type == kAacType && request.job.frameCount == 0) {
     return localizedUtf8("An AAC file cannot be empty. Record something first.");
   }
+  if (request.job.shortage.wait_for(kRoomPatience) == std::future_status::ready) {
+    if (const auto shortage = request.job.shortage.get()) {
+      return shortage->sentence().toStdString();
+    }
+  }
   return std::nullopt;
 }
 
@@ -221,7 +231,9 @@ void OVFileSaving::ended(const Request& request, const OVSaveJob::Outcome& outco
   parts_.displayLoop.endProgress();
   parts_.operation.end();
   failed_();
-  if (outcome.error != 0) {
+  if (outcome.shortage) {
+    tellSaveFailed(request.job.path, outcome.shortage->sentence().toStdString());
+  } else if (outcome.error != 0) {
     tellSaveFailed(request.job.path, platform::failureReason(outcome.error));
   } else if (!outcome.told) {
     tellGaps(request.job.path, parts_.audio.secondsOfFrames(outcome.unreadableFrames),

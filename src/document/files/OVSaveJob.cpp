@@ -9,6 +9,7 @@
 
 #include "audio/OVAudioFileWriter.h"
 #include "audio/OVFileKinds.h"
+#include "platform/base/GlobalQueue.h"
 #include "platform/files/ReplacementFile.h"
 
 namespace {
@@ -105,6 +106,12 @@ bool mayExist(const std::string& path) {
 
 void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
            OVSaveJob::Outcome& outcome) {
+  if (request.shortage.valid()) {
+    outcome.shortage = request.shortage.get();
+  }
+  if (outcome.shortage) {
+    return;
+  }
   const auto replacement = platform::ReplacementFile::beside(request.path);
   if (!replacement) {
     outcome.error = replacement.error();
@@ -127,6 +134,21 @@ void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progres
 }
 
 }  // namespace
+
+std::shared_future<std::optional<OVDiskShortage>> OVSaveJob::lookForRoom(const Request& request) {
+  const auto found = std::make_shared<std::promise<std::optional<OVDiskShortage>>>();
+  const std::uint64_t bytes =
+      OVAudioFileWriter::estimatedBytes(request.outputFormat, request.frameCount);
+  platform::globalQueue().async([found, path = request.path, bytes] {
+    std::optional<OVDiskShortage> shortage;
+    try {
+      shortage = shortageOf(platform::ReplacementFile::folderBeside(path), bytes);
+    } catch (const std::bad_alloc&) {  // the save itself will report it
+    }
+    found->set_value(shortage);
+  });
+  return found->get_future().share();
+}
 
 OVSaveJob::Outcome OVSaveJob::run(const Request& request, const Progress& progress) {
   Outcome outcome;

@@ -84,9 +84,24 @@ OVInputState OVTransport::inputState() const {
   return state;
 }
 
-void OVTransport::changed() const {
+void OVTransport::changed() {
+  const OVTransportState now = state();
+  keepAwake(now == OVTransportState::recording);
   if (changed_) {
     changed_();
+  }
+  if (std::exchange(lastState_, now) != now) {
+    for (const auto& handler : stateHandlers_) {
+      handler(now);
+    }
+  }
+}
+
+void OVTransport::keepAwake(bool awake) {
+  if (!awake) {
+    awake_.reset();
+  } else if (!awake_) {
+    awake_ = platform::sleepInhibitor()->hold(platform::localized("Orvo is recording"));
   }
 }
 
@@ -241,6 +256,7 @@ void OVTransport::close() {
   if (player_) {
     player_->setDelegate({});
   }
+  keepAwake(false);
 }
 
 std::shared_ptr<OVAQRecorder> OVTransport::makeRecorder(OVAQRecorder::DeviceAlerts alerts) {

@@ -12,6 +12,7 @@
 #include "document/transport/OVInputState.h"
 #include "document/transport/OVWriteFailures.h"
 #include "platform/base/GuardedPointer.h"
+#include "platform/desktop/SleepInhibitor.h"
 
 class OVDocumentAudio;
 class OVDocumentLife;
@@ -24,7 +25,8 @@ class OVFramePositions;
 enum class OVTransportState { resting, recording, playing };
 
 /// Starts and ends recording and playing, and moves the two positions. Owns the recorder, whose
-/// input is live from the start, and the player, which exists only during playback. Uses no view.
+/// input is live from the start, and the player, which exists only during playback. Keeps the
+/// machine from suspending while it records. Uses no view.
 ///
 /// Threads: main, unless stated otherwise. Real-time: not safe.
 class OVTransport {
@@ -48,6 +50,10 @@ class OVTransport {
   /// recording or playing has begun or ended.
   void setDelegate(std::weak_ptr<OVAQPlayerDelegate> delegate) { delegate_ = std::move(delegate); }
   void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
+  /// Called whenever state() has changed, after the change handler.
+  void addStateHandler(std::function<void(OVTransportState)> handler) {
+    stateHandlers_.push_back(std::move(handler));
+  }
   /// Called when audio was cut because it could not be written.
   void setCutHandler(std::function<void()> handler) { cut_ = std::move(handler); }
 
@@ -126,7 +132,8 @@ class OVTransport {
   void inputFailed(const std::weak_ptr<OVAQRecorder>& recorder);
   void writingFailed(const OVWriteFailures::Failure& failure);
   void dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize);
-  void changed() const;
+  void changed();
+  void keepAwake(bool awake);
 
   const Parts parts_;
 
@@ -134,6 +141,9 @@ class OVTransport {
   std::weak_ptr<OVAQPlayerDelegate> delegate_;
   std::function<void()> changed_;
   std::function<void()> cut_;
+  std::vector<std::function<void(OVTransportState)>> stateHandlers_;
+  OVTransportState lastState_ = OVTransportState::resting;  // the one that was reported
+  std::unique_ptr<platform::SleepInhibitor::Hold> awake_;
   std::shared_ptr<OVAQPlayer> player_;
   std::vector<OVRecordingLoss> losses_;  // of the last recording that has ended
 

@@ -8,6 +8,7 @@
 #include <QPushButton>
 
 #include "platform/base/MainThread.h"
+#include "platform/desktop/OpenPanelAccessory.h"
 #include "platform/desktop/SavePanel.h"
 #include "platform/mainloop/Localization.h"
 
@@ -48,6 +49,7 @@ QMessageBox::ButtonRole roleOf(SheetRequest::Button::Role role) {
 void QtFileDialogs::beginOpenPanel(const OpenPanelRequest& request, OpenAnswer answer) {
   assertMainThread();
   auto* const panel = new QFileDialog(request.window, request.title);
+  addAccessory(*panel, request);
   panel->setObjectName("openPanel");
   panel->setAttribute(Qt::WA_DeleteOnClose);
   panel->setWindowModality(request.window ? Qt::WindowModal : Qt::ApplicationModal);

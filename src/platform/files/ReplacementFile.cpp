@@ -143,6 +143,11 @@ Result<std::unique_ptr<ReplacementFile>> ReplacementFile::beside(const std::stri
   return std::unique_ptr<ReplacementFile>(new ReplacementFile(file.string(), path));
 }
 
+std::string ReplacementFile::folderBeside(const std::string& target) {
+  std::filesystem::path file(target);
+  return followLinks(file) == 0 ? folderOf(file.string()) : folderOf(target);
+}
+
 ReplacementFile::~ReplacementFile() {
   if (!committed_) {
     ::unlink(path_.c_str());

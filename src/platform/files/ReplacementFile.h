@@ -21,6 +21,10 @@ class ReplacementFile {
   /// EINVAL for a device or pipe, EACCES for a file that may not be written, or a system error.
   [[nodiscard]] static Result<std::unique_ptr<ReplacementFile>> beside(const std::string& target);
 
+  /// The folder in which beside() creates the file: the target's, links followed where possible.
+  /// Creates nothing.
+  [[nodiscard]] static std::string folderBeside(const std::string& target);
+
   /// Deletes the new file unless it was committed.
   ~ReplacementFile();
   ReplacementFile(const ReplacementFile&) = delete;

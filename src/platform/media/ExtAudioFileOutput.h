@@ -47,6 +47,17 @@ class ExtAudioFileOutput {
                                kBytesPerFrame);
   }
 
+  /// Bytes that a file with so many frames takes at least, to find out beforehand that it cannot
+  /// fit. AAC counts with half of its rate, since quiet sound takes less than the whole.
+  [[nodiscard]] static constexpr std::uint64_t estimatedBytes(AudioFileKind kind,
+                                                              std::uint64_t frames) {
+    constexpr std::uint64_t kBytesPerFrame = 4;
+    constexpr std::uint64_t kAacBytesPerSecond = 16'000;
+    constexpr std::uint64_t kRate = 44'100;
+    return kind == AudioFileKind::m4a ? frames / kRate * kAacBytesPerSecond
+                                      : frames * kBytesPerFrame;
+  }
+
   /// Disposes of the file unless already done.
   virtual ~ExtAudioFileOutput() = default;
 

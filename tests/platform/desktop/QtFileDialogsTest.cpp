@@ -273,6 +273,37 @@ TEST_F(QtFileDialogsTest, TheOpenPanelOffersTheFileTypesInCapitalsToo) {
   EXPECT_EQ(answers_, 1);
 }
 
+TEST_F(QtFileDialogsTest, TheOpenPanelShowsItsAccessoryAndReportsTheSelection) {
+  std::ofstream(folder_.file("one.wav")) << "1";
+  std::vector<std::string> selections;
+  const QPointer<QLabel> accessory(new QLabel("Goes in at the end."));
+  panels_.beginOpenPanel(
+      {.window = &window_,
+       .title = "Import",
+       .acceptLabel = "Import",
+       .fileTypes = {"wav"},
+       .accessoryView = accessory,
+       .selectionChanged = [&](const std::string& path) { selections.push_back(path); }},
+      [this](const auto&) { ++answers_; });
+  auto* const panel = shown<QFileDialog>("openPanel");
+  EXPECT_TRUE(accessory->isVisibleTo(panel));
+  EXPECT_EQ(panel->labelText(QFileDialog::Accept), "Import");
+  EXPECT_EQ(accessory->mapTo(panel, QPoint(0, 0)).y() + accessory->height() <= panel->height(),
+            true);
+  panel->setDirectory(QString::fromStdString(folder_.path()));
+  panel->selectFile("one.wav");
+  ASSERT_TRUE(runMainLoopUntil(
+      [&] { return !selections.empty() && selections.back() == folder_.file("one.wav"); }));
+  auto* const field = panel->findChild<QLineEdit*>("fileNameEdit");
+  field->setText("/elsewhere/two.wav");
+  EXPECT_EQ(selections.back(), "/elsewhere/two.wav");
+  field->clear();
+  EXPECT_EQ(selections.back(), "");
+  panel->reject();
+  EXPECT_EQ(answers_, 1);
+  EXPECT_TRUE(runMainLoopUntil([&] { return accessory.isNull(); })) << "the panel owns it";
+}
+
 TEST_F(QtFileDialogsTest, ASheetAnswersWithTheCodeOfItsButton) {
   using Role = platform::SheetRequest::Button::Role;
   const platform::SheetRequest request{.window = &window_,

@@ -206,4 +206,15 @@ TEST_F(ReplacementFileTest, TakesATargetInTheWorkingFolder) {
   EXPECT_EQ(contentsOf(at("take.wav")), "new");
 }
 
+TEST_F(ReplacementFileTest, TheFolderBesideIsThatOfTheFileThatALinkPointsTo) {
+  fs::create_directory(at("far"));
+  fs::create_symlink("far/real.wav", at("link.wav"));
+  EXPECT_EQ(ReplacementFile::folderBeside(at("link.wav")), at("far"));
+  EXPECT_EQ(ReplacementFile::folderBeside(at("new.wav")), folder_.path());
+  EXPECT_EQ(ReplacementFile::folderBeside("new.wav"), ".");
+  fs::create_symlink("round", at("round"));
+  EXPECT_EQ(ReplacementFile::folderBeside(at("round")), folder_.path());
+  EXPECT_EQ(filesInFolder(), 3U);
+}
+
 }  // namespace

@@ -36,7 +36,7 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
   }
 
   /// The disk has room for `bytes` more bytes in all; the write that exceeds them is partial and
-  /// ends with `error`.
+  /// ends with `error`. Shortening a file gives back the room of the bytes that were written there.
   void fillUpAfter(std::uint64_t bytes, int error = ENOSPC) {
     change([=](Plan& plan) {
       plan.bytesLeft = bytes;
@@ -140,6 +140,8 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
       if (count > 0) {
         bytes_.resize(std::max<std::uint64_t>(bytes_.size(), offset + count));
         std::memcpy(bytes_.data() + offset, data, count);
+        isWritten_.resize(bytes_.size());
+        std::fill_n(isWritten_.begin() + static_cast<std::ptrdiff_t>(offset), count, true);
       }
       return {.byteCount = count, .error = count < byteCount ? plan_->writeError : 0};
     }
@@ -154,6 +156,11 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
       if (plan_->sizeError != 0 || byteCount > kMaxSize) {
         return plan_->sizeError != 0 ? plan_->sizeError : EFBIG;
       }
+      if (byteCount < isWritten_.size() && plan_->bytesLeft != kUnlimited) {
+        plan_->bytesLeft += static_cast<std::uint64_t>(std::count(
+            isWritten_.begin() + static_cast<std::ptrdiff_t>(byteCount), isWritten_.end(), true));
+      }
+      isWritten_.resize(byteCount);
       bytes_.resize(byteCount);
       return 0;
     }
@@ -171,7 +178,9 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     }
 
     const std::shared_ptr<Plan> plan_;
-    std::vector<std::byte> bytes_;  // guarded by the plan's mutex
+    // Both by the plan's mutex.
+    std::vector<std::byte> bytes_;
+    std::vector<bool> isWritten_;  // of each byte: it takes room
   };
 
   Created create(const std::string& pathTemplate) {
