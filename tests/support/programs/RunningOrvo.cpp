@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace support {
@@ -48,6 +49,18 @@ std::unique_ptr<RunningOrvo> RunningOrvo::start(const std::string& program,
     return nullptr;
   }
   return orvo;
+}
+
+bool RunningOrvo::hasTaken(int signal) const {
+  std::ifstream file("/proc/" + std::to_string(pid()) + "/status");
+  constexpr std::string_view kPending = "ShdPnd:";
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with(kPending)) {
+      const auto pending = std::stoull(line.substr(kPending.size()), nullptr, 16);
+      return (pending >> (signal - 1) & 1U) == 0;
+    }
+  }
+  return true;
 }
 
 bool RunningOrvo::activateWindow(const VirtualScreen& screen) {

@@ -39,6 +39,8 @@ class RunningOrvo {
 
   [[nodiscard]] ChildProcess& process() { return *process_; }
   [[nodiscard]] pid_t pid() const { return process_->pid(); }
+  /// Whether a signal that was sent is no longer pending; also once the program has ended.
+  [[nodiscard]] bool hasTaken(int signal) const;
   /// The first document's window; empty until activateWindow() has found it.
   [[nodiscard]] const VirtualScreen::Window& window() const { return window_; }
   /// Waits for the first document's window and gives it the keyboard.
