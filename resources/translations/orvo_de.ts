@@ -456,6 +456,86 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>„%1“ gibt es schon. Soll die Datei ersetzt werden?</translation>
     </message>
     <message>
+        <source>Another program has changed the folder or the file meanwhile.</source>
+        <translation>Ein anderes Programm hat den Ordner oder die Datei inzwischen geändert.</translation>
+    </message>
+    <message>
+        <source>Look in:</source>
+        <translation>Suchen in:</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>Datei&amp;name:</translation>
+    </message>
+    <message>
+        <source>Files of type:</source>
+        <translation>Dateien vom Typ:</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Date modified</source>
+        <translation>Änderungsdatum</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>Parent Folder</source>
+        <translation>Übergeordneter Ordner</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>Neuer Ordner</translation>
+    </message>
+    <message>
+        <source>Name of the new folder:</source>
+        <translation>Name des neuen Ordners:</translation>
+    </message>
+    <message>
+        <source>Waiting for the folder to answer…</source>
+        <translation>Der Ordner antwortet noch nicht&#xa0;…</translation>
+    </message>
+    <message>
+        <source>“%1” is not there.</source>
+        <translation>„%1“ ist nicht vorhanden.</translation>
+    </message>
+    <message>
+        <source>The files cannot be shown</source>
+        <translation>Die Dateien können nicht angezeigt werden</translation>
+    </message>
+    <message>
+        <source>There is no room for another window</source>
+        <translation>Es ist kein weiteres Fenster möglich</translation>
+    </message>
+    <message>
+        <source>Too many files are open. Close some windows, then try again.</source>
+        <translation>Es sind zu viele Dateien geöffnet. Schließen Sie einige Fenster, und versuchen Sie es dann noch einmal.</translation>
+    </message>
+    <message>
+        <source>%1 can only be overwritten</source>
+        <translation>%1 kann nur überschrieben werden</translation>
+    </message>
+    <message>
+        <source>You may not make files in its folder. The old file is copied to the temporary directory first. The copy is kept if writing fails.</source>
+        <translation>Sie dürfen in diesem Ordner keine Dateien anlegen. Die alte Datei wird zuerst in das temporäre Verzeichnis kopiert. Die Kopie bleibt erhalten, wenn das Schreiben misslingt.</translation>
+    </message>
+    <message>
+        <source>Overwrite</source>
+        <translation>Überschreiben</translation>
+    </message>
+    <message>
+        <source>The file is damaged. What was in it is kept in %1.</source>
+        <translation>Die Datei ist beschädigt. Ihr bisheriger Inhalt liegt in %1.</translation>
+    </message>
+    <message>
         <source>There is a folder of this name.</source>
         <translation>Es gibt einen Ordner mit diesem Namen.</translation>
     </message>

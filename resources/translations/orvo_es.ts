@@ -456,6 +456,86 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>«%1» ya existe. ¿Desea reemplazar el archivo?</translation>
     </message>
     <message>
+        <source>Another program has changed the folder or the file meanwhile.</source>
+        <translation>Otro programa ha cambiado entretanto la carpeta o el archivo.</translation>
+    </message>
+    <message>
+        <source>Look in:</source>
+        <translation>Buscar en:</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>&amp;Nombre de archivo:</translation>
+    </message>
+    <message>
+        <source>Files of type:</source>
+        <translation>Archivos de tipo:</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nombre</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Tamaño</translation>
+    </message>
+    <message>
+        <source>Date modified</source>
+        <translation>Fecha de modificación</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Archivos</translation>
+    </message>
+    <message>
+        <source>Parent Folder</source>
+        <translation>Carpeta superior</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>Nueva carpeta</translation>
+    </message>
+    <message>
+        <source>Name of the new folder:</source>
+        <translation>Nombre de la nueva carpeta:</translation>
+    </message>
+    <message>
+        <source>Waiting for the folder to answer…</source>
+        <translation>Esperando respuesta de la carpeta…</translation>
+    </message>
+    <message>
+        <source>“%1” is not there.</source>
+        <translation>«%1» no existe.</translation>
+    </message>
+    <message>
+        <source>The files cannot be shown</source>
+        <translation>No se pueden mostrar los archivos</translation>
+    </message>
+    <message>
+        <source>There is no room for another window</source>
+        <translation>No se puede abrir otra ventana</translation>
+    </message>
+    <message>
+        <source>Too many files are open. Close some windows, then try again.</source>
+        <translation>Hay demasiados archivos abiertos. Cierre algunas ventanas y vuelva a intentarlo.</translation>
+    </message>
+    <message>
+        <source>%1 can only be overwritten</source>
+        <translation>%1 solo se puede sobrescribir</translation>
+    </message>
+    <message>
+        <source>You may not make files in its folder. The old file is copied to the temporary directory first. The copy is kept if writing fails.</source>
+        <translation>No tiene permiso para crear archivos en su carpeta. El archivo antiguo se copia antes en el directorio temporal. La copia se conserva si falla la escritura.</translation>
+    </message>
+    <message>
+        <source>Overwrite</source>
+        <translation>Sobrescribir</translation>
+    </message>
+    <message>
+        <source>The file is damaged. What was in it is kept in %1.</source>
+        <translation>El archivo está dañado. Su contenido anterior se conserva en %1.</translation>
+    </message>
+    <message>
         <source>There is a folder of this name.</source>
         <translation>Ya existe una carpeta con ese nombre.</translation>
     </message>

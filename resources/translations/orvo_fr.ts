@@ -456,6 +456,86 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>«&#xa0;%1&#xa0;» existe déjà. Voulez-vous remplacer ce fichier&#xa0;?</translation>
     </message>
     <message>
+        <source>Another program has changed the folder or the file meanwhile.</source>
+        <translation>Un autre programme a modifié le dossier ou le fichier entre-temps.</translation>
+    </message>
+    <message>
+        <source>Look in:</source>
+        <translation>Rechercher dans&#xa0;:</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>&amp;Nom du fichier&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Files of type:</source>
+        <translation>Fichiers de type&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Taille</translation>
+    </message>
+    <message>
+        <source>Date modified</source>
+        <translation>Date de modification</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Fichiers</translation>
+    </message>
+    <message>
+        <source>Parent Folder</source>
+        <translation>Dossier parent</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>Nouveau dossier</translation>
+    </message>
+    <message>
+        <source>Name of the new folder:</source>
+        <translation>Nom du nouveau dossier&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Waiting for the folder to answer…</source>
+        <translation>En attente d’une réponse du dossier…</translation>
+    </message>
+    <message>
+        <source>“%1” is not there.</source>
+        <translation>«&#xa0;%1&#xa0;» n’existe pas.</translation>
+    </message>
+    <message>
+        <source>The files cannot be shown</source>
+        <translation>Les fichiers ne peuvent pas être affichés</translation>
+    </message>
+    <message>
+        <source>There is no room for another window</source>
+        <translation>Impossible d’ouvrir une autre fenêtre</translation>
+    </message>
+    <message>
+        <source>Too many files are open. Close some windows, then try again.</source>
+        <translation>Trop de fichiers sont ouverts. Fermez quelques fenêtres, puis réessayez.</translation>
+    </message>
+    <message>
+        <source>%1 can only be overwritten</source>
+        <translation>%1 peut seulement être écrasé</translation>
+    </message>
+    <message>
+        <source>You may not make files in its folder. The old file is copied to the temporary directory first. The copy is kept if writing fails.</source>
+        <translation>Vous n’avez pas le droit de créer des fichiers dans son dossier. L’ancien fichier est d’abord copié dans le répertoire temporaire. La copie est conservée si l’écriture échoue.</translation>
+    </message>
+    <message>
+        <source>Overwrite</source>
+        <translation>Écraser</translation>
+    </message>
+    <message>
+        <source>The file is damaged. What was in it is kept in %1.</source>
+        <translation>Le fichier est endommagé. Son ancien contenu est conservé dans %1.</translation>
+    </message>
+    <message>
         <source>There is a folder of this name.</source>
         <translation>Un dossier porte déjà ce nom.</translation>
     </message>

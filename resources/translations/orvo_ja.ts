@@ -456,6 +456,86 @@ Everything recorded before is kept.</source>
         <translation>「%1」はすでに存在します。置き換えますか？</translation>
     </message>
     <message>
+        <source>Another program has changed the folder or the file meanwhile.</source>
+        <translation>その間に別のプログラムがフォルダーまたはファイルを変更しました。</translation>
+    </message>
+    <message>
+        <source>Look in:</source>
+        <translation>場所:</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>ファイル名(&amp;N):</translation>
+    </message>
+    <message>
+        <source>Files of type:</source>
+        <translation>表示する種類:</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>サイズ</translation>
+    </message>
+    <message>
+        <source>Date modified</source>
+        <translation>更新日時</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>ファイル</translation>
+    </message>
+    <message>
+        <source>Parent Folder</source>
+        <translation>親フォルダー</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>新しいフォルダー</translation>
+    </message>
+    <message>
+        <source>Name of the new folder:</source>
+        <translation>新しいフォルダーの名前:</translation>
+    </message>
+    <message>
+        <source>Waiting for the folder to answer…</source>
+        <translation>フォルダーの応答を待っています…</translation>
+    </message>
+    <message>
+        <source>“%1” is not there.</source>
+        <translation>「%1」がありません。</translation>
+    </message>
+    <message>
+        <source>The files cannot be shown</source>
+        <translation>ファイルを表示できません</translation>
+    </message>
+    <message>
+        <source>There is no room for another window</source>
+        <translation>これ以上ウィンドウを開けません</translation>
+    </message>
+    <message>
+        <source>Too many files are open. Close some windows, then try again.</source>
+        <translation>開いているファイルが多すぎます。いくつかのウィンドウを閉じてから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>%1 can only be overwritten</source>
+        <translation>%1 は上書きすることしかできません</translation>
+    </message>
+    <message>
+        <source>You may not make files in its folder. The old file is copied to the temporary directory first. The copy is kept if writing fails.</source>
+        <translation>このフォルダーにファイルを作成する権限がありません。元のファイルは先に一時ディレクトリにコピーされます。書き込みに失敗した場合、そのコピーは残ります。</translation>
+    </message>
+    <message>
+        <source>Overwrite</source>
+        <translation>上書き</translation>
+    </message>
+    <message>
+        <source>The file is damaged. What was in it is kept in %1.</source>
+        <translation>ファイルが壊れています。元の内容は %1 に残っています。</translation>
+    </message>
+    <message>
         <source>There is a folder of this name.</source>
         <translation>同じ名前のフォルダーがあります。</translation>
     </message>

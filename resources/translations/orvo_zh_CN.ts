@@ -456,6 +456,86 @@ Everything recorded before is kept.</source>
         <translation>“%1”已存在。要替换它吗？</translation>
     </message>
     <message>
+        <source>Another program has changed the folder or the file meanwhile.</source>
+        <translation>其间另一个程序更改了文件夹或文件。</translation>
+    </message>
+    <message>
+        <source>Look in:</source>
+        <translation>查找位置：</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>文件名(&amp;N)：</translation>
+    </message>
+    <message>
+        <source>Files of type:</source>
+        <translation>显示类型：</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>大小</translation>
+    </message>
+    <message>
+        <source>Date modified</source>
+        <translation>修改日期</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>文件</translation>
+    </message>
+    <message>
+        <source>Parent Folder</source>
+        <translation>上级文件夹</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>新建文件夹</translation>
+    </message>
+    <message>
+        <source>Name of the new folder:</source>
+        <translation>新文件夹的名称：</translation>
+    </message>
+    <message>
+        <source>Waiting for the folder to answer…</source>
+        <translation>正在等待文件夹响应…</translation>
+    </message>
+    <message>
+        <source>“%1” is not there.</source>
+        <translation>“%1”不存在。</translation>
+    </message>
+    <message>
+        <source>The files cannot be shown</source>
+        <translation>无法显示文件</translation>
+    </message>
+    <message>
+        <source>There is no room for another window</source>
+        <translation>无法再打开窗口</translation>
+    </message>
+    <message>
+        <source>Too many files are open. Close some windows, then try again.</source>
+        <translation>打开的文件过多。请关闭一些窗口，然后重试。</translation>
+    </message>
+    <message>
+        <source>%1 can only be overwritten</source>
+        <translation>%1 只能被覆盖</translation>
+    </message>
+    <message>
+        <source>You may not make files in its folder. The old file is copied to the temporary directory first. The copy is kept if writing fails.</source>
+        <translation>您无权在其文件夹中创建文件。旧文件会先复制到临时目录。如果写入失败，该副本将保留。</translation>
+    </message>
+    <message>
+        <source>Overwrite</source>
+        <translation>覆盖</translation>
+    </message>
+    <message>
+        <source>The file is damaged. What was in it is kept in %1.</source>
+        <translation>文件已损坏。其原有内容保留在 %1 中。</translation>
+    </message>
+    <message>
         <source>There is a folder of this name.</source>
         <translation>存在同名文件夹。</translation>
     </message>

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +17,7 @@
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/Timer.h"
 
+class QEventLoop;
 class OVRecorderWindow;
 class VLRecorderWindowController;
 
@@ -36,6 +38,7 @@ class VelmarAppDelegate {
   void applicationWillFinishLaunching();
   /// Opens an empty recorder window unless a file was opened.
   void applicationDidFinishLaunching();
+  /// Nothing but an alert, here and wherever a file is opened, if too many files are open.
   void spawnNewRecorderWindow(QObject* sender);
 
   /// Opens a file, or each of several in order, in a new window of its own, and lists it among the
@@ -68,14 +71,18 @@ class VelmarAppDelegate {
   [[nodiscard]] bool isTerminating() const { return terminationTimer_ != nullptr; }
   /// The timer that calls checkTermination(); null while no quit is waiting.
   [[nodiscard]] const platform::Timer* terminationTimer() const { return terminationTimer_.get(); }
-  /// The desktop's session is about to end: asks as a quit does. False while a question is open or
-  /// a window is being saved: the session must wait.
+  /// The desktop's session is about to end: asks as a quit does, and returns when the user has
+  /// answered and what was to be saved is saved. False if the quit was cancelled, or was asked for
+  /// in the same way and is not answered yet. Runs the main loop.
   [[nodiscard]] bool applicationMayEndSession();
   /// Deletes every registered temporary file; failures are ignored.
   void applicationWillTerminate();
 
   /// The Quit command.
   void terminate();
+  /// A termination signal came: quits, unless a quit is under way already or its refusal is still
+  /// shown.
+  void terminationSignalled();
   /// A quit waits while this reports an alert shown or pending.
   void setAlertsPendingCheck(std::function<bool()> check) { alertsPending_ = std::move(check); }
 
@@ -105,6 +112,14 @@ class VelmarAppDelegate {
   /// cancelTermination() undoes it, unless the window was closing already.
   void closeForQuit(OVRecorderWindow& window);
   void pollTermination();
+  /// Whether a further window can be made without running out of descriptors; else an alert says
+  /// so.
+  [[nodiscard]] bool hasRoomForAWindow() const;
+  [[nodiscard]] bool hasEditedWindow() const;
+  [[nodiscard]] bool isSaving() const;
+  [[nodiscard]] bool hasPendingAlerts() const { return alertsPending_ && alertsPending_(); }
+  /// Lets a session's end that waits for the quit go on, or refuses it.
+  void answerSession(bool mayEnd);
   static void openPage(platform::TextKey address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
   void makeDebugWindow();
@@ -117,6 +132,9 @@ class VelmarAppDelegate {
   std::vector<std::weak_ptr<VLRecorderWindowController>> closedByQuit_;  // not by the user before
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
+  bool quitRefused_ = false;              // by a panel; with an alert
+  QEventLoop* waitingSession_ = nullptr;  // until the quit has ended
+  std::optional<bool> sessionMayEnd_;     // the answer to it
   std::unique_ptr<QWidget> debugWindow_;
   QPointer<QPlainTextEdit> debugConsole_;
   OVRecentFiles recentFiles_;

@@ -1,4 +1,3 @@
-#include <csignal>
 #include <future>
 #include <memory>
 #include <string>
@@ -24,6 +23,8 @@
 #include "platform/desktop/GLibRecentDocuments.h"
 #include "platform/desktop/QtDesktopServices.h"
 #include "platform/desktop/QtFileDialogs.h"
+#include "platform/files/Descriptors.h"
+#include "platform/mainloop/FailedWriteSignals.h"
 #include "platform/mainloop/FontPreparation.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/mainloop/TerminationSignals.h"
@@ -66,9 +67,9 @@ QIcon programIcon() {
 }  // namespace
 
 int main(int argc, char** argv) {
-#if defined(SIGXFSZ)
-  std::signal(SIGXFSZ, SIG_IGN);  // reaching a file size limit is a failed write, not the end
-#endif
+  platform::failWritesWithoutSignals();
+  platform::occupyStandardStreams();
+  platform::raiseDescriptorLimit();
   platform::FontPreparation fonts;
   QApplication application(argc, argv);
   fonts.finish();
@@ -109,7 +110,7 @@ int main(int argc, char** argv) {
         askAtSessionEnd(session, [&delegate] { return delegate.applicationMayEndSession(); });
       },
       Qt::DirectConnection);
-  const platform::TerminationSignals signals([&delegate] { delegate.terminate(); });
+  const platform::TerminationSignals signals([&delegate] { delegate.terminationSignalled(); });
   delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has removed its own arguments
   delegate.applicationDidFinishLaunching();
   std::unique_ptr<platform::DesktopColours> colours;

@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 #include <QAbstractButton>
-#include <QFileDialog>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -16,6 +15,7 @@
 #include "app/OVTranslations.h"
 #include "controls/OVLoadingPanel.h"
 #include "platform/desktop/QtFileDialogs.h"
+#include "platform/desktop/SavePanel.h"
 #include "platform/mainloop/Localization.h"
 
 namespace {
@@ -288,7 +288,7 @@ TEST_P(TranslatedWindowTest, TheSavePanelIsWholeAndItsKeyLetterIsItsOwn) {
   platform::QtFileDialogs real;
   const platform::Installed<platform::FileDialogs>::Scope installation(real);
   item(window_, "Save As…")->trigger();
-  auto* const panel = shownDialog<QFileDialog>("savePanel");
+  auto* const panel = shownDialog<platform::SavePanel>("savePanel");
   ASSERT_NE(panel, nullptr);
   EXPECT_EQ(panel->windowTitle(), translated("Save As"));
   expectNothingClipped(*panel);
@@ -308,7 +308,7 @@ TEST_P(TranslatedWindowTest, TheRuleOfRingtonesIsWhole) {
   platform::QtFileDialogs real;
   const platform::Installed<platform::FileDialogs>::Scope installation(real);
   item(window_, "Export Ringtone…")->trigger();
-  auto* const panel = shownDialog<QFileDialog>("savePanel");
+  auto* const panel = shownDialog<platform::SavePanel>("savePanel");
   ASSERT_NE(panel, nullptr);
   expectNothingClipped(*panel);
   panel->reject();

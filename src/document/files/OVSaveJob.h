@@ -13,6 +13,9 @@
 /// Writes a range of a buffer to an audio file: writes a file beside the target, syncs it, then
 /// renames it over the target. A failed save leaves the target unchanged and no file beside it.
 ///
+/// In place, for a file of the user's in a folder in which no file can be made: encodes the whole
+/// audio in the temporary directory, copies the old file there, then writes over the target.
+///
 /// Threads: run() on any one thread; the buffer must not be edited meanwhile.
 /// Real-time: not safe.
 class OVSaveJob {
@@ -26,6 +29,7 @@ class OVSaveJob {
     /// Whether there is room for the file beside the target, as lookForRoom() reports; the job
     /// waits for it. May be invalid: then the job just begins.
     std::shared_future<std::optional<OVDiskShortage>> shortage = {};
+    enum class Way { beside, inPlace } way = Way::beside;
   };
 
   struct Outcome {
@@ -34,6 +38,10 @@ class OVSaveJob {
     int error = 0;          ///< errno of a failure that has not been shown; 0 for none
     /// There is no room: nothing was written, and nothing has been shown.
     std::optional<OVDiskShortage> shortage = {};
+    /// Nothing was written: no file can be made beside the target, but it can be written in place.
+    bool canBeInPlace = false;
+    /// A copy of the old file if writing in place has damaged the target; otherwise empty.
+    std::string copyOfOldFile = {};
     /// Frames that storage could not read. They are silent in a new file; an existing file is not
     /// replaced by a file with gaps.
     std::uint64_t unreadableFrames = 0;

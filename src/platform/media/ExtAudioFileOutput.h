@@ -7,6 +7,8 @@
 #include <string>
 
 #include "platform/base/AudioTypes.h"
+#include "platform/base/Result.h"
+#include "platform/files/File.h"
 #include "platform/media/AudioFileStatus.h"
 
 namespace platform {
@@ -35,6 +37,9 @@ class ExtAudioFileOutput {
 
   /// Creates the file, or truncates an existing one, and writes its header.
   [[nodiscard]] static Created createWithURL(const std::string& path, AudioFileKind kind);
+  /// Writes the header to a new, empty file, or fails as opening that file did.
+  [[nodiscard]] static Created createWithFile(Result<std::unique_ptr<File>> file,
+                                              AudioFileKind kind);
 
   /// Maximum frames that a file of this kind can hold; nothing for no limit.
   [[nodiscard]] static constexpr std::optional<std::uint64_t> maximumFrames(AudioFileKind kind) {

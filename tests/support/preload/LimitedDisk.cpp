@@ -43,11 +43,12 @@ class Disk {
   }
 
   bool holds(int file) const {
-    std::string path(4096, '\0');
-    const std::string link = "/proc/self/fd/" + std::to_string(file);
-    const ssize_t size = ::readlink(link.c_str(), path.data(), path.size());
-    return size > 0 && holds(path.substr(0, static_cast<std::size_t>(size)));
+    const std::string path = pathOf(file);
+    return !path.empty() && holds(std::filesystem::path(path));
   }
+
+  /// Whether an open folder is the disk's own or one on it.
+  bool is(int folder) const { return pathOf(folder) == folder_ || holds(folder); }
 
   bool isReadOnly() const { return pages_ == 0; }
 
@@ -97,6 +98,14 @@ class Disk {
   }
 
  private:
+  static std::string pathOf(int file) {
+    std::string path(4096, '\0');
+    const std::string link = "/proc/self/fd/" + std::to_string(file);
+    const ssize_t size = ::readlink(link.c_str(), path.data(), path.size());
+    path.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    return path;
+  }
+
   Disk() {
     const char* folder = std::getenv("ORVO_TEST_DISK");
     const char* bytes = std::getenv("ORVO_TEST_DISK_BYTES");
@@ -149,6 +158,17 @@ int spaceAt(const char* name, const char* path, Information* information) {
   return result;
 }
 
+int openInFolderOnDisk(const char* name, int folder, const char* path, int flags, mode_t mode) {
+  const bool changes = (flags & (O_WRONLY | O_RDWR | O_CREAT | O_TRUNC)) != 0;
+  if (changes && Disk::instance().isReadOnly() &&
+      (path[0] == '/' || folder == AT_FDCWD ? Disk::instance().holds(std::filesystem::path(path))
+                                            : Disk::instance().is(folder))) {
+    errno = EROFS;
+    return -1;
+  }
+  return nextFunction<int(int, const char*, int, ...)>(name)(folder, path, flags, mode);
+}
+
 /// Calls `write` with as many bytes as there is room for.
 template <typename Write>
 ssize_t writeToDisk(int file, off_t offset, size_t size, const Write& write) {
@@ -179,6 +199,22 @@ int open64(const char* path, int flags, ...) {
   const mode_t mode = va_arg(arguments, mode_t);
   va_end(arguments);
   return openOnDisk("open64", path, flags, mode);
+}
+
+int openat(int folder, const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = va_arg(arguments, mode_t);
+  va_end(arguments);
+  return openInFolderOnDisk("openat", folder, path, flags, mode);
+}
+
+int openat64(int folder, const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = va_arg(arguments, mode_t);
+  va_end(arguments);
+  return openInFolderOnDisk("openat64", folder, path, flags, mode);
 }
 
 ssize_t pwrite(int file, const void* data, size_t size, off_t offset) {

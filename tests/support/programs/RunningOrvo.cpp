@@ -86,6 +86,18 @@ pid_t RunningOrvo::keeperPid() const {
   return 0;
 }
 
+bool RunningOrvo::hasTaken(int signal) const {
+  std::ifstream file("/proc/" + std::to_string(pid()) + "/status");
+  constexpr std::string_view kPending = "ShdPnd:";
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with(kPending)) {
+      const auto pending = std::stoull(line.substr(kPending.size()), nullptr, 16);
+      return (pending >> (signal - 1) & 1U) == 0;
+    }
+  }
+  return true;
+}
+
 bool RunningOrvo::activateWindow(const VirtualScreen& screen) {
   return eventually([&] {
            const auto windows = screen.windowsOf(pid(), "Orvo - ");

@@ -48,6 +48,8 @@ class RunningOrvo {
   [[nodiscard]] pid_t keeperPid() const;
   /// The user's data.
   [[nodiscard]] const std::string& dataFolder() const { return dataFolder_; }
+  /// Whether a signal that was sent is no longer pending; also once the program has ended.
+  [[nodiscard]] bool hasTaken(int signal) const;
   /// The first document's window; empty until activateWindow() has found it.
   [[nodiscard]] const VirtualScreen::Window& window() const { return window_; }
   /// Waits for the first document's window and gives it the keyboard.
