@@ -1,7 +1,7 @@
 #include "platform/files/PrivateFolder.h"
 
-#include <gmock/gmock.h>
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
