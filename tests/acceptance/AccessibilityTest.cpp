@@ -100,10 +100,9 @@ TEST_F(Accessibility, TheQuestionAboutRecoveredRecordingsIsReadOutAndAnswered) {
   const RecoveredFolder recovered(screen_->environment().at("HOME") + "/.local/share");
   recovered.add("Orvo recording 2026-11-21 14.02.31.caf", noise16(kFramesPerSecond * 65, 4));
   ASSERT_NO_FATAL_FAILURE(startWithBus());
-  ASSERT_TRUE(eventually([&] {
-    nodes_ = bus_->nodesOf(orvo_->pid());
-    return !named("Recovered Recordings", "dialog").path.empty();
-  }));
+  ASSERT_FALSE(screen_->waitForWindow(orvo_->pid(), "Recovered Recordings").empty());
+  nodes_ = bus_->nodesOf(orvo_->pid());
+  ASSERT_FALSE(named("Recovered Recordings", "dialog").path.empty());
   EXPECT_NE(named("Recovered Recordings", "dialog")
                 .description.find("Orvo ended unexpectedly. Recordings kept: 1"),
             std::string::npos);

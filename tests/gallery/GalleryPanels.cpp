@@ -6,6 +6,7 @@
 #include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTemporaryDir>
 
 #include "app/OVRecoveredPanel.h"
 #include "app/OVRecoveredRecordings.h"
@@ -16,7 +17,6 @@
 #include "support/DarkPalette.h"
 #include "support/MainLoop.h"
 #include "support/RecoveredFolder.h"
-#include "support/TemporaryFolder.h"
 
 namespace {
 
@@ -54,8 +54,8 @@ void showPanel(double scale, const QString& name, Occasion occasion,
 void showDeletion(double scale, const Show& show) {
   platform::QtFileDialogs real;
   const platform::Installed<platform::FileDialogs>::Scope installation(real);
-  const support::TemporaryFolder data;
-  const support::RecoveredFolder folder(data.path());
+  const QTemporaryDir data;
+  const support::RecoveredFolder folder(data.path().toStdString());
   folder.add("Orvo recording 2026-11-21 14.02.31.caf", {0.5F, 0.5F});
   OVRecoveredRecordings recordings(folder.path(),
                                    {.open = [](const auto&) {}, .mayAsk = [] { return true; }});
