@@ -152,6 +152,90 @@
         <translation>Unbenannt</translation>
     </message>
     <message>
+        <source>Recovered Recordings…</source>
+        <translation>Gerettete Aufnahmen&#xa0;…</translation>
+    </message>
+    <message>
+        <source>Recovered Recordings</source>
+        <translation>Gerettete Aufnahmen</translation>
+    </message>
+    <message>
+        <source>Orvo ended unexpectedly.</source>
+        <translation>Orvo wurde unerwartet beendet.</translation>
+    </message>
+    <message>
+        <source>Recordings kept: %1</source>
+        <translation>Erhaltene Aufnahmen: %1</translation>
+    </message>
+    <message>
+        <source>Each recording opens in a window of its own. It is kept until you save or discard it.</source>
+        <translation>Jede Aufnahme wird in einem eigenen Fenster geöffnet. Sie bleibt erhalten, bis Sie sie speichern oder verwerfen.</translation>
+    </message>
+    <message>
+        <source>There are no recovered recordings.</source>
+        <translation>Es gibt keine geretteten Aufnahmen.</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>Länge</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>Zustand</translation>
+    </message>
+    <message>
+        <source>Complete</source>
+        <translation>Vollständig</translation>
+    </message>
+    <message>
+        <source>Damaged</source>
+        <translation>Beschädigt</translation>
+    </message>
+    <message>
+        <source>Still being written</source>
+        <translation>Wird noch geschrieben</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Später</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Delete for good?</source>
+        <translation>Endgültig löschen?</translation>
+    </message>
+    <message>
+        <source>Recordings to be deleted: %1. This cannot be undone.</source>
+        <translation>Zu löschende Aufnahmen: %1. Das lässt sich nicht rückgängig machen.</translation>
+    </message>
+    <message>
+        <source>Recovered %1</source>
+        <translation>Gerettet %1</translation>
+    </message>
+    <message>
+        <source>%1 could not be deleted</source>
+        <translation>%1 konnte nicht gelöscht werden</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 min %2 s</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
         <source>Orvo Diagnostics</source>
         <translation>Orvo – Diagnose</translation>
     </message>

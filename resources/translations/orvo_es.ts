@@ -152,6 +152,90 @@
         <translation>Sin título</translation>
     </message>
     <message>
+        <source>Recovered Recordings…</source>
+        <translation>Grabaciones recuperadas…</translation>
+    </message>
+    <message>
+        <source>Recovered Recordings</source>
+        <translation>Grabaciones recuperadas</translation>
+    </message>
+    <message>
+        <source>Orvo ended unexpectedly.</source>
+        <translation>Orvo se cerró de forma inesperada.</translation>
+    </message>
+    <message>
+        <source>Recordings kept: %1</source>
+        <translation>Grabaciones conservadas: %1</translation>
+    </message>
+    <message>
+        <source>Each recording opens in a window of its own. It is kept until you save or discard it.</source>
+        <translation>Cada grabación se abre en su propia ventana. Se conserva hasta que la guarde o la descarte.</translation>
+    </message>
+    <message>
+        <source>There are no recovered recordings.</source>
+        <translation>No hay grabaciones recuperadas.</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Fecha</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>Duración</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>Estado</translation>
+    </message>
+    <message>
+        <source>Complete</source>
+        <translation>Completa</translation>
+    </message>
+    <message>
+        <source>Damaged</source>
+        <translation>Dañada</translation>
+    </message>
+    <message>
+        <source>Still being written</source>
+        <translation>Aún se está escribiendo</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Más tarde</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Eliminar</translation>
+    </message>
+    <message>
+        <source>Delete for good?</source>
+        <translation>¿Eliminar definitivamente?</translation>
+    </message>
+    <message>
+        <source>Recordings to be deleted: %1. This cannot be undone.</source>
+        <translation>Grabaciones que se eliminarán: %1. Esto no se puede deshacer.</translation>
+    </message>
+    <message>
+        <source>Recovered %1</source>
+        <translation>Recuperada %1</translation>
+    </message>
+    <message>
+        <source>%1 could not be deleted</source>
+        <translation>No se pudo eliminar %1</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 min %2 s</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
         <source>Orvo Diagnostics</source>
         <translation>Diagnóstico de Orvo</translation>
     </message>

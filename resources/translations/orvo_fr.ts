@@ -152,6 +152,90 @@
         <translation>Sans titre</translation>
     </message>
     <message>
+        <source>Recovered Recordings…</source>
+        <translation>Enregistrements récupérés…</translation>
+    </message>
+    <message>
+        <source>Recovered Recordings</source>
+        <translation>Enregistrements récupérés</translation>
+    </message>
+    <message>
+        <source>Orvo ended unexpectedly.</source>
+        <translation>Orvo s’est arrêté de façon inattendue.</translation>
+    </message>
+    <message>
+        <source>Recordings kept: %1</source>
+        <translation>Enregistrements conservés&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Each recording opens in a window of its own. It is kept until you save or discard it.</source>
+        <translation>Chaque enregistrement s’ouvre dans sa propre fenêtre. Il est conservé jusqu’à ce que vous l’enregistriez ou l’abandonniez.</translation>
+    </message>
+    <message>
+        <source>There are no recovered recordings.</source>
+        <translation>Il n’y a aucun enregistrement récupéré.</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Date</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>Durée</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>État</translation>
+    </message>
+    <message>
+        <source>Complete</source>
+        <translation>Complet</translation>
+    </message>
+    <message>
+        <source>Damaged</source>
+        <translation>Endommagé</translation>
+    </message>
+    <message>
+        <source>Still being written</source>
+        <translation>Écriture en cours</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Plus tard</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Supprimer</translation>
+    </message>
+    <message>
+        <source>Delete for good?</source>
+        <translation>Supprimer définitivement&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Recordings to be deleted: %1. This cannot be undone.</source>
+        <translation>Enregistrements à supprimer&#xa0;: %1. Cette opération est irréversible.</translation>
+    </message>
+    <message>
+        <source>Recovered %1</source>
+        <translation>Récupéré %1</translation>
+    </message>
+    <message>
+        <source>%1 could not be deleted</source>
+        <translation>%1 n’a pas pu être supprimé</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 min %2 s</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
         <source>Orvo Diagnostics</source>
         <translation>Diagnostic d’Orvo</translation>
     </message>

@@ -152,6 +152,90 @@
         <translation>名称未設定</translation>
     </message>
     <message>
+        <source>Recovered Recordings…</source>
+        <translation>復元された録音…</translation>
+    </message>
+    <message>
+        <source>Recovered Recordings</source>
+        <translation>復元された録音</translation>
+    </message>
+    <message>
+        <source>Orvo ended unexpectedly.</source>
+        <translation>Orvo が予期せず終了しました。</translation>
+    </message>
+    <message>
+        <source>Recordings kept: %1</source>
+        <translation>保持された録音: %1</translation>
+    </message>
+    <message>
+        <source>Each recording opens in a window of its own. It is kept until you save or discard it.</source>
+        <translation>録音はそれぞれ別のウインドウで開きます。保存するか破棄するまで保持されます。</translation>
+    </message>
+    <message>
+        <source>There are no recovered recordings.</source>
+        <translation>復元された録音はありません。</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>日時</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>長さ</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>状態</translation>
+    </message>
+    <message>
+        <source>Complete</source>
+        <translation>完全</translation>
+    </message>
+    <message>
+        <source>Damaged</source>
+        <translation>破損</translation>
+    </message>
+    <message>
+        <source>Still being written</source>
+        <translation>書き込み中</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>後で</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>削除</translation>
+    </message>
+    <message>
+        <source>Delete for good?</source>
+        <translation>完全に削除しますか？</translation>
+    </message>
+    <message>
+        <source>Recordings to be deleted: %1. This cannot be undone.</source>
+        <translation>削除する録音: %1。この操作は取り消せません。</translation>
+    </message>
+    <message>
+        <source>Recovered %1</source>
+        <translation>復元 %1</translation>
+    </message>
+    <message>
+        <source>%1 could not be deleted</source>
+        <translation>%1 を削除できませんでした</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 時間 %2 分</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 分 %2 秒</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
         <source>Orvo Diagnostics</source>
         <translation>Orvo の診断</translation>
     </message>

@@ -152,6 +152,90 @@
         <translation>未命名</translation>
     </message>
     <message>
+        <source>Recovered Recordings…</source>
+        <translation>恢复的录音…</translation>
+    </message>
+    <message>
+        <source>Recovered Recordings</source>
+        <translation>恢复的录音</translation>
+    </message>
+    <message>
+        <source>Orvo ended unexpectedly.</source>
+        <translation>Orvo 意外退出。</translation>
+    </message>
+    <message>
+        <source>Recordings kept: %1</source>
+        <translation>已保留的录音：%1</translation>
+    </message>
+    <message>
+        <source>Each recording opens in a window of its own. It is kept until you save or discard it.</source>
+        <translation>每个录音都在单独的窗口中打开，并会一直保留，直到您保存或放弃它。</translation>
+    </message>
+    <message>
+        <source>There are no recovered recordings.</source>
+        <translation>没有恢复的录音。</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>日期</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>长度</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>状态</translation>
+    </message>
+    <message>
+        <source>Complete</source>
+        <translation>完整</translation>
+    </message>
+    <message>
+        <source>Damaged</source>
+        <translation>已损坏</translation>
+    </message>
+    <message>
+        <source>Still being written</source>
+        <translation>仍在写入</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>稍后</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Delete for good?</source>
+        <translation>要永久删除吗？</translation>
+    </message>
+    <message>
+        <source>Recordings to be deleted: %1. This cannot be undone.</source>
+        <translation>要删除的录音：%1。此操作无法撤销。</translation>
+    </message>
+    <message>
+        <source>Recovered %1</source>
+        <translation>已恢复 %1</translation>
+    </message>
+    <message>
+        <source>%1 could not be deleted</source>
+        <translation>无法删除 %1</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 小时 %2 分</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 分 %2 秒</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
         <source>Orvo Diagnostics</source>
         <translation>Orvo 诊断</translation>
     </message>

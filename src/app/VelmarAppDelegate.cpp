@@ -35,7 +35,11 @@ std::shared_ptr<VLRecorderWindowController> documentOf(const OVRecorderWindow& w
 
 }  // namespace
 
-VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit) : quit_(std::move(quit)) {
+VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit)
+    : quit_(std::move(quit)),
+      recovered_(recoveredFolder(),
+                 {.open = [this](const OVRecoveredFile& file) { openRecovered(file); },
+                  .mayAsk = [this] { return mayAskNow(); }}) {
   awakeFromNib();
 }
 
@@ -102,6 +106,7 @@ OVMainMenu::ApplicationCommands VelmarAppDelegate::commands() {
       .openRecentFile = [this](const std::string& path) { applicationOpenFile(path); },
       .terminate = [this] { terminate(); },
       .openDocumentation = [this] { openDocumentation(nullptr); },
+      .showRecovered = [this] { showRecovered(); },
       .showDiagnostics = [this] { showDiagnostics(); },
       .showAbout = [this] { showAbout(); },
   };
@@ -145,6 +150,23 @@ void VelmarAppDelegate::openInNewWindow(const std::string& path) {
   controller->setCurrentFilename(absolute);
   controller->setCurrentFiletype(-1);
   controller->openFileNamed(absolute);
+}
+
+void VelmarAppDelegate::openRecovered(const OVRecoveredFile& file) {
+  const auto controller = makeWindow();
+  controller->showWindow();
+  controller->openRecovered(file);
+}
+
+bool VelmarAppDelegate::mayAskNow() const {
+  const auto windows = recorderWindows();
+  return !isTerminating() && !(alertsPending_ && alertsPending_()) &&
+         QApplication::activeModalWidget() == nullptr &&
+         QApplication::activePopupWidget() == nullptr &&
+         std::none_of(windows.begin(), windows.end(), [](const auto& window) {
+           const auto document = documentOf(*window);
+           return document && document->isFileIOActive();
+         });
 }
 
 void VelmarAppDelegate::openFile(QWidget* window) {

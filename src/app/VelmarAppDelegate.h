@@ -13,6 +13,7 @@
 
 #include "app/OVMainMenu.h"
 #include "app/OVRecentFiles.h"
+#include "app/OVRecoveredRecordings.h"
 #include "platform/base/Mutex.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/Timer.h"
@@ -49,6 +50,15 @@ class VelmarAppDelegate {
   /// Asks for files and opens each in a new window. The panel belongs to `window`, which may be
   /// null.
   void openFile(QWidget* window);
+  /// From now on asks what to do with recordings that were kept when the program ended
+  /// unexpectedly: those that are there and those that appear. Waits while another question, an
+  /// alert or a file operation is shown. Call it after the program's arguments were opened.
+  void offerRecovered() { recovered_.begin(); }
+  /// Opens a recovered file in a new window. It is listed nowhere.
+  void openRecovered(const OVRecoveredFile& file);
+  /// The Recovered Recordings command.
+  void showRecovered() { recovered_.show(); }
+  [[nodiscard]] const OVRecoveredRecordings& recovered() const { return recovered_; }
   /// The desktop activated the running program again: opens a new window if none is visible. Always
   /// true.
   bool applicationShouldHandleReopen(bool hasVisibleWindows);
@@ -106,6 +116,8 @@ class VelmarAppDelegate {
   [[nodiscard]] std::vector<QPointer<OVRecorderWindow>> recorderWindows() const;
   std::shared_ptr<VLRecorderWindowController> makeWindow();
   void openInNewWindow(const std::string& path);
+  /// Whether a question disturbs nothing now.
+  [[nodiscard]] bool mayAskNow() const;
   /// Asks the edited windows that were not edited at the last call, or cancels the quit if one of
   /// them shows another panel. False if none is edited.
   bool askEditedWindows();
@@ -138,6 +150,7 @@ class VelmarAppDelegate {
   std::unique_ptr<QWidget> debugWindow_;
   QPointer<QPlainTextEdit> debugConsole_;
   OVRecentFiles recentFiles_;
+  OVRecoveredRecordings recovered_;
 
   mutable platform::Mutex tempfilesMutex_;
   std::vector<std::string> tempfiles_ GUARDED_BY(tempfilesMutex_);

@@ -121,6 +121,7 @@ int main(int argc, char** argv) {
     colours = std::make_unique<platform::DesktopColours>(QDBusConnection::sessionBus());
     // Needed for the first file or spectrum; loaded now that the window is shown.
     platform::globalQueue().async([] { static_cast<void>(platform::ffmpegModule()); });
+    delegate.offerRecovered();
   });
   const int result = QApplication::exec();
 

@@ -10,7 +10,8 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
       saving({life, audio, positions, history, operation, transport, file, panels, progress,
               displayLoop},
              operations.fileSavingComplete, [this] { unsavedChanges.saveFailed(); }),
-      unsavedChanges({operation, history, file, transport, panels}, operations.saveFile,
+      recovered({audio, operation, history, file, loading}),
+      unsavedChanges({operation, history, file, transport, panels, recovered}, operations.saveFile,
                      operations.alertDidEnd) {
   displayLoop.setTickHandler([this] { inputNotices.update(transport.inputState()); });
   transport.addStateHandler([this](OVTransportState state) {
@@ -28,4 +29,9 @@ void OVDocumentParts::connect(OVRecorderWindow* window) {
   markerAndTime.connect(window);
   summaries->setView(waveform);
   displayLoop.setView(waveform);
+}
+
+void OVDocumentParts::loadEnded() {
+  recovered.loadEnded();
+  unsavedChanges.loadEnded();
 }

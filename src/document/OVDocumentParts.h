@@ -19,6 +19,7 @@
 #include "document/files/OVDocumentPanels.h"
 #include "document/files/OVFileLoading.h"
 #include "document/files/OVFileSaving.h"
+#include "document/files/OVRecoveredOrigin.h"
 #include "document/spectrum/OVRecordedChunk.h"
 #include "document/spectrum/OVSpectrum.h"
 #include "document/summaries/OVDocumentSummaries.h"
@@ -43,6 +44,8 @@ struct OVDocumentParts {
 
   /// Connects the parts to their views in the window.
   void connect(OVRecorderWindow* window);
+  /// A load has ended.
+  void loadEnded();
 
   OVDocumentLife life;
   OVNotices notices;
@@ -66,5 +69,6 @@ struct OVDocumentParts {
   OVDocumentPanels panels{life};
   OVFileLoading loading;
   OVFileSaving saving;
+  OVRecoveredOrigin recovered;
   OVUnsavedChanges unsavedChanges;
 };

@@ -39,7 +39,7 @@ VLRecorderWindowController::VLRecorderWindowController(OVRecorderWindow* window)
     : parts_({.menuCommand = [this](Button button) { menuCommand(button); },
               .loading = {.loaded = [this] { fileLoadingComplete(); },
                           .drawn = [this] { fileLoadingReallyComplete(); },
-                          .ended = [this] { parts_.unsavedChanges.loadEnded(); }},
+                          .ended = [this] { parts_.loadEnded(); }},
               .fileSavingComplete = [this] { fileSavingComplete(); },
               .saveFile = [this] { return parts_.saving.save(); },
               .alertDidEnd = [this](int returnCode) { alertDidEnd(returnCode); }}),

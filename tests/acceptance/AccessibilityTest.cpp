@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "acceptance/DocumentTest.h"
+#include "support/RecoveredFolder.h"
 #include "support/programs/AccessibilityBus.h"
 #include "support/programs/AudioFileTools.h"
 
@@ -92,6 +93,25 @@ TEST_F(Accessibility, EveryControlHasANameARoleAndAPressAction) {
   for (const char* menu : {"File", "Edit", "Transport", "View", "Help"}) {
     EXPECT_EQ(named(menu).role, "menu item") << menu;
   }
+}
+
+TEST_F(Accessibility, TheQuestionAboutRecoveredRecordingsIsReadOutAndAnswered) {
+  ASSERT_TRUE(screen_);
+  const RecoveredFolder recovered(screen_->environment().at("HOME") + "/.local/share");
+  recovered.add("Orvo recording 2026-11-21 14.02.31.caf", noise16(kFramesPerSecond * 65, 4));
+  ASSERT_NO_FATAL_FAILURE(startWithBus());
+  ASSERT_FALSE(screen_->waitForWindow(orvo_->pid(), "Recovered Recordings").empty());
+  nodes_ = bus_->nodesOf(orvo_->pid());
+  ASSERT_FALSE(named("Recovered Recordings", "dialog").path.empty());
+  EXPECT_NE(named("Recovered Recordings", "dialog")
+                .description.find("Orvo ended unexpectedly. Recordings kept: 1"),
+            std::string::npos);
+  EXPECT_FALSE(named("21 Nov 2026 14:02:31, 1 min 5 s, Complete").path.empty());
+  for (const char* name : {"Later", "Delete"}) {
+    EXPECT_FALSE(button(name).path.empty()) << name;
+  }
+  ASSERT_TRUE(bus_->act(button("Open"), "Press"));
+  EXPECT_FALSE(screen_->waitForWindow(orvo_->pid(), "Orvo - Recovered").empty());
 }
 
 TEST_F(Accessibility, AScreenReaderRecordsAndReadsPositionAndLengthOut) {

@@ -4,14 +4,17 @@
 
 #include <gmock/gmock.h>
 #include <QAbstractButton>
+#include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QToolButton>
+#include <QTreeWidget>
 
 #include "app/AppFixture.h"
+#include "app/OVRecoveredPanel.h"
 #include "app/OVTranslations.h"
 #include "controls/OVLoadingPanel.h"
 #include "platform/desktop/QtFileDialogs.h"
@@ -192,7 +195,7 @@ TEST_P(TranslatedWindowTest, EveryMenuItemIsTheTranslationOfItsName) {
       }
     }
   }
-  EXPECT_EQ(items, 24);
+  EXPECT_EQ(items, 25);
 }
 
 TEST_P(TranslatedWindowTest, UndoNamesTheAction) {
@@ -312,6 +315,32 @@ TEST_P(TranslatedWindowTest, TheRuleOfRingtonesIsWhole) {
   ASSERT_NE(panel, nullptr);
   expectNothingClipped(*panel);
   panel->reject();
+}
+
+TEST_P(TranslatedWindowTest, TheQuestionAboutRecoveredRecordingsIsWhole) {
+  std::vector<OVRecoveredFile> files(3);
+  files[0].frames = 44100 * 7500ULL;
+  files[0].start = QDateTime(QDate(2026, 11, 21), QTime(14, 2));
+  files[1].state = OVRecoveredFile::State::damaged;
+  files[2].state = OVRecoveredFile::State::beingWritten;
+  for (const auto occasion :
+       {OVRecoveredPanel::Occasion::unexpectedEnd, OVRecoveredPanel::Occasion::command}) {
+    OVRecoveredPanel panel(occasion, {});
+    panel.setAttribute(Qt::WA_DeleteOnClose, false);
+    panel.setFiles(files);
+    panel.show();
+    ASSERT_TRUE(runMainLoopUntil([&] { return panel.isVisible(); }));
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(panel.windowTitle(), translated("Recovered Recordings"));
+    expectNothingClipped(panel);
+    const auto* const list = panel.findChild<QTreeWidget*>();
+    EXPECT_EQ(list->topLevelItem(1)->text(2), translated("Damaged"));
+    EXPECT_EQ(list->topLevelItem(2)->text(2), translated("Still being written"));
+    for (int column = 0; column < list->columnCount(); ++column) {
+      EXPECT_GE(list->columnWidth(column), list->sizeHintForColumn(column));
+    }
+    EXPECT_LE(list->header()->length(), list->viewport()->width()) << "nothing to scroll";
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(InEveryLanguage, TranslatedWindowTest,

@@ -68,8 +68,21 @@ Result<std::unique_ptr<ReplacementFile>> ReplacementFile::beside(const std::stri
 }
 
 std::string ReplacementFile::folderBeside(const std::string& target) {
+  constexpr int kMaximumLinks = 40;  // the system's own limit
+  const auto folderOf = [](const std::filesystem::path& file) {
+    const std::string folder = file.parent_path().string();
+    return folder.empty() ? "." : folder;
+  };
   std::filesystem::path file(target);
-  return followLinks(file) == 0 ? folderOf(file.string()) : folderOf(target);
+  for (int i = 0; i < kMaximumLinks; ++i) {
+    std::error_code noLink;
+    const auto link = std::filesystem::read_symlink(file, noLink);
+    if (noLink) {
+      return folderOf(file);
+    }
+    file = file.parent_path() / link;  // the link alone if it is absolute
+  }
+  return folderOf(target);
 }
 
 ReplacementFile::~ReplacementFile() {
