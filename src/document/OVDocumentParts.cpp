@@ -11,7 +11,9 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
               displayLoop},
              operations.fileSavingComplete, [this] { unsavedChanges.saveFailed(); }),
       unsavedChanges({operation, history, file, transport, panels}, operations.saveFile,
-                     operations.alertDidEnd) {}
+                     operations.alertDidEnd) {
+  transport.setRecordingHandler([this] { clipping.begin(); });
+}
 
 void OVDocumentParts::connect(OVRecorderWindow* window) {
   const QPointer<OVWaveFormView> waveform = window->findChild<OVWaveFormView*>("wfView");
@@ -23,4 +25,12 @@ void OVDocumentParts::connect(OVRecorderWindow* window) {
   markerAndTime.connect(window);
   summaries->setView(waveform);
   displayLoop.setView(waveform);
+  notices.connect(window);
+  recordingPlace.connect(window);
+  clipping.connect(window);
+  if (waveform) {
+    waveform->setStepHandler(life.guarded([this, waveform](OVMarkerStep step) {
+      markerMovement.step(step, waveform->width() * waveform->devicePixelRatioF());
+    }));
+  }
 }

@@ -98,6 +98,9 @@ void OVTransport::record() {
     parts_.history.beginStep(platform::textKey("Record"));
     writeFailures_->recordingBegins(parts_.history.revision());
     writtenSincePress_ = false;
+    if (recording_) {
+      recording_();
+    }
     input->record();
     parts_.history.setEdited(true);
   }

@@ -47,6 +47,8 @@ class OVTransport {
   /// recording or playing has begun or ended.
   void setDelegate(std::weak_ptr<OVAQPlayerDelegate> delegate) { delegate_ = std::move(delegate); }
   void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
+  /// Called before a recording begins, ahead of its first chunk.
+  void setRecordingHandler(std::function<void()> handler) { recording_ = std::move(handler); }
   /// Called when audio was cut because it could not be written.
   void setCutHandler(std::function<void()> handler) { cut_ = std::move(handler); }
 
@@ -130,6 +132,7 @@ class OVTransport {
   std::weak_ptr<OVAQPlayerDelegate> delegate_;
   std::function<void()> changed_;
   std::function<void()> cut_;
+  std::function<void()> recording_;
   std::shared_ptr<OVAQPlayer> player_;
 
   // Replaced on the main thread; any thread reads it.
