@@ -320,6 +320,42 @@ Ein Audiorekorder mit einfachem Editor.</translation>
         <translation>Die Aufnahme wurde angehalten.</translation>
     </message>
     <message>
+        <source>Record (R)</source>
+        <translation>Aufnahme (R)</translation>
+    </message>
+    <message>
+        <source>Play (Space)</source>
+        <translation>Wiedergabe (Leertaste)</translation>
+    </message>
+    <message>
+        <source>To Start (Return)</source>
+        <translation>Zum Anfang (Eingabetaste)</translation>
+    </message>
+    <message>
+        <source>Ends the recording (R)</source>
+        <translation>Beendet die Aufnahme (R)</translation>
+    </message>
+    <message>
+        <source>Records at the end (R)</source>
+        <translation>Nimmt am Ende auf (R)</translation>
+    </message>
+    <message>
+        <source>Records from %1 over what is there (R)</source>
+        <translation>Nimmt ab %1 über das Vorhandene auf (R)</translation>
+    </message>
+    <message>
+        <source>Recording position</source>
+        <translation>Aufnahmeposition</translation>
+    </message>
+    <message>
+        <source>Clipping</source>
+        <translation>Übersteuerung</translation>
+    </message>
+    <message>
+        <source>Too loud: clipped at %1. Click to turn off.</source>
+        <translation>Zu laut: übersteuert bei %1. Zum Ausschalten klicken.</translation>
+    </message>
+    <message>
         <source>Quitting was cancelled</source>
         <translation>Das Beenden wurde abgebrochen</translation>
     </message>

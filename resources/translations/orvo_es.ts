@@ -320,6 +320,42 @@ Una grabadora de audio con un editor sencillo.</translation>
         <translation>La grabación se ha pausado.</translation>
     </message>
     <message>
+        <source>Record (R)</source>
+        <translation>Grabar (R)</translation>
+    </message>
+    <message>
+        <source>Play (Space)</source>
+        <translation>Reproducir (Espacio)</translation>
+    </message>
+    <message>
+        <source>To Start (Return)</source>
+        <translation>Ir al principio (Intro)</translation>
+    </message>
+    <message>
+        <source>Ends the recording (R)</source>
+        <translation>Termina la grabación (R)</translation>
+    </message>
+    <message>
+        <source>Records at the end (R)</source>
+        <translation>Graba al final (R)</translation>
+    </message>
+    <message>
+        <source>Records from %1 over what is there (R)</source>
+        <translation>Graba desde %1 sobre lo que hay (R)</translation>
+    </message>
+    <message>
+        <source>Recording position</source>
+        <translation>Posición de grabación</translation>
+    </message>
+    <message>
+        <source>Clipping</source>
+        <translation>Saturación</translation>
+    </message>
+    <message>
+        <source>Too loud: clipped at %1. Click to turn off.</source>
+        <translation>Demasiado fuerte: saturado en %1. Haga clic para apagar.</translation>
+    </message>
+    <message>
         <source>Quitting was cancelled</source>
         <translation>Se ha cancelado la salida</translation>
     </message>

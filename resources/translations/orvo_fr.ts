@@ -320,6 +320,42 @@ Un enregistreur audio et éditeur simple.</translation>
         <translation>L’enregistrement a été mis en pause.</translation>
     </message>
     <message>
+        <source>Record (R)</source>
+        <translation>Enregistrement (R)</translation>
+    </message>
+    <message>
+        <source>Play (Space)</source>
+        <translation>Lecture (Espace)</translation>
+    </message>
+    <message>
+        <source>To Start (Return)</source>
+        <translation>Aller au début (Entrée)</translation>
+    </message>
+    <message>
+        <source>Ends the recording (R)</source>
+        <translation>Termine l’enregistrement (R)</translation>
+    </message>
+    <message>
+        <source>Records at the end (R)</source>
+        <translation>Enregistre à la fin (R)</translation>
+    </message>
+    <message>
+        <source>Records from %1 over what is there (R)</source>
+        <translation>Enregistre à partir de %1 par-dessus l’existant (R)</translation>
+    </message>
+    <message>
+        <source>Recording position</source>
+        <translation>Position d’enregistrement</translation>
+    </message>
+    <message>
+        <source>Clipping</source>
+        <translation>Saturation</translation>
+    </message>
+    <message>
+        <source>Too loud: clipped at %1. Click to turn off.</source>
+        <translation>Trop fort&#xa0;: saturation à %1. Cliquez pour éteindre.</translation>
+    </message>
+    <message>
         <source>Quitting was cancelled</source>
         <translation>La fermeture a été annulée</translation>
     </message>

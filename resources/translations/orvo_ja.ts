@@ -320,6 +320,42 @@ An audio recorder and simple editor.</source>
         <translation>録音は一時停止されました。</translation>
     </message>
     <message>
+        <source>Record (R)</source>
+        <translation>録音 (R)</translation>
+    </message>
+    <message>
+        <source>Play (Space)</source>
+        <translation>再生 (スペース)</translation>
+    </message>
+    <message>
+        <source>To Start (Return)</source>
+        <translation>先頭へ (Return)</translation>
+    </message>
+    <message>
+        <source>Ends the recording (R)</source>
+        <translation>録音を終了 (R)</translation>
+    </message>
+    <message>
+        <source>Records at the end (R)</source>
+        <translation>末尾に録音 (R)</translation>
+    </message>
+    <message>
+        <source>Records from %1 over what is there (R)</source>
+        <translation>%1 から上書き録音 (R)</translation>
+    </message>
+    <message>
+        <source>Recording position</source>
+        <translation>録音位置</translation>
+    </message>
+    <message>
+        <source>Clipping</source>
+        <translation>音割れ</translation>
+    </message>
+    <message>
+        <source>Too loud: clipped at %1. Click to turn off.</source>
+        <translation>音が大きすぎます: %1 で音割れしました。クリックで消灯します。</translation>
+    </message>
+    <message>
         <source>Quitting was cancelled</source>
         <translation>終了はキャンセルされました</translation>
     </message>

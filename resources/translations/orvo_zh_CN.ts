@@ -320,6 +320,42 @@ An audio recorder and simple editor.</source>
         <translation>录音已暂停。</translation>
     </message>
     <message>
+        <source>Record (R)</source>
+        <translation>录音 (R)</translation>
+    </message>
+    <message>
+        <source>Play (Space)</source>
+        <translation>播放 (空格键)</translation>
+    </message>
+    <message>
+        <source>To Start (Return)</source>
+        <translation>转到开头 (回车键)</translation>
+    </message>
+    <message>
+        <source>Ends the recording (R)</source>
+        <translation>结束录音 (R)</translation>
+    </message>
+    <message>
+        <source>Records at the end (R)</source>
+        <translation>在末尾录音 (R)</translation>
+    </message>
+    <message>
+        <source>Records from %1 over what is there (R)</source>
+        <translation>从 %1 起覆盖已有内容录音 (R)</translation>
+    </message>
+    <message>
+        <source>Recording position</source>
+        <translation>录音位置</translation>
+    </message>
+    <message>
+        <source>Clipping</source>
+        <translation>削波</translation>
+    </message>
+    <message>
+        <source>Too loud: clipped at %1. Click to turn off.</source>
+        <translation>音量过大：在 %1 处出现削波。点击即可熄灭。</translation>
+    </message>
+    <message>
         <source>Quitting was cancelled</source>
         <translation>退出已取消</translation>
     </message>

@@ -17,6 +17,7 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
   transport.addStateHandler([this](OVTransportState state) {
     diskWatch.setRecording(state == OVTransportState::recording);
   });
+  transport.setRecordingHandler([this] { clipping.begin(); });
 }
 
 void OVDocumentParts::connect(OVRecorderWindow* window) {
@@ -29,6 +30,14 @@ void OVDocumentParts::connect(OVRecorderWindow* window) {
   markerAndTime.connect(window);
   summaries->setView(waveform);
   displayLoop.setView(waveform);
+  notices.connect(window);
+  recordingPlace.connect(window);
+  clipping.connect(window);
+  if (waveform) {
+    waveform->setStepHandler(life.guarded([this, waveform](OVMarkerStep step) {
+      markerMovement.step(step, waveform->width() * waveform->devicePixelRatioF());
+    }));
+  }
 }
 
 void OVDocumentParts::loadEnded() {

@@ -3,13 +3,16 @@
 #include <functional>
 #include <memory>
 
+#include "document/OVMarkerMovement.h"
 #include "document/OVUnsavedChanges.h"
+#include "document/display/OVClipping.h"
 #include "document/display/OVDiskWatch.h"
 #include "document/display/OVDisplayLoop.h"
 #include "document/display/OVInputNotices.h"
 #include "document/display/OVMarkerAndTime.h"
 #include "document/display/OVNotices.h"
 #include "document/display/OVProgressDisplay.h"
+#include "document/display/OVRecordingPlace.h"
 #include "document/editing/OVDocumentAudio.h"
 #include "document/editing/OVDocumentLife.h"
 #include "document/editing/OVEditHistory.h"
@@ -60,9 +63,13 @@ struct OVDocumentParts {
   OVDiskWatch diskWatch{life, audio, notices};
   OVMarkerAndTime markerAndTime{audio};
   OVProgressDisplay progress;
-  OVDisplayLoop displayLoop{
-      {life, audio, positions, operation, *summaries, transport, markerAndTime, progress}};
+  OVRecordingPlace recordingPlace{{audio, positions, operation, transport}};
+  OVClipping clipping{life, audio};
+  OVDisplayLoop displayLoop{{life, audio, positions, operation, *summaries, transport,
+                             markerAndTime, progress, recordingPlace, clipping}};
   OVSpectrum spectrum;
+  OVMarkerMovement markerMovement{
+      {audio, positions, *summaries, transport, markerAndTime, spectrum}};
   OVRecordedChunk fft_data;  // thread-safe: filled by the writer's thread, read on main
   OVDocumentFile file;
   OVInputNotices inputNotices{notices, [this] { return file.shownName(); }};

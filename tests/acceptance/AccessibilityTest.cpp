@@ -138,8 +138,9 @@ TEST_F(Accessibility, TheWaveformsKeysMoveTheMarkerAndTheNewPositionIsReadOut) {
     ASSERT_TRUE(screen_->pressKey("Tab"));
   }
   ASSERT_TRUE(bus_->hasState(named("Waveform"), kFocused));
-  const std::vector<std::pair<std::string, int>> steps{{"Right", 4}, {"Prior", 44}, {"Left", 40},
-                                                       {"End", 400}, {"Next", 360}, {"Home", 0}};
+  const std::vector<std::pair<std::string, int>> steps{
+      {"Right", 100}, {"shift+Right", 110}, {"Prior", 150}, {"Left", 50},
+      {"End", 400},   {"Next", 360},        {"Home", 0}};
   for (const auto& [key, position] : steps) {
     ASSERT_TRUE(screen_->pressKey(key));
     std::string told;
@@ -151,6 +152,20 @@ TEST_F(Accessibility, TheWaveformsKeysMoveTheMarkerAndTheNewPositionIsReadOut) {
     })) << key
         << ": " << told;
   }
+}
+
+TEST_F(Accessibility, WhatMustBeKnownOfARecordingOfSilenceIsANotice) {
+  ASSERT_NO_FATAL_FAILURE(startWithBus());
+  const auto notice = [this] {
+    nodes_ = bus_->nodesOf(orvo_->pid());
+    const auto found = std::find_if(nodes_.begin(), nodes_.end(), [](const Node& node) {
+      return node.role == "notification" && !node.name.empty();
+    });
+    return found == nodes_.end() ? Node() : *found;
+  };
+  ASSERT_TRUE(bus_->act(button("Record"), "Press"));
+  ASSERT_TRUE(eventually([&] { return !notice().path.empty(); }));
+  EXPECT_TRUE(bus_->act(button("Record"), "Press"));
 }
 
 TEST_F(Accessibility, AProgressBarTellsWhatGoesOnAndIsGoneAfterwards) {

@@ -228,8 +228,14 @@ TEST_P(TranslatedWindowTest, MenusFitIntoTheNarrowestWindow) {
 
 TEST_P(TranslatedWindowTest, AScreenReaderHearsTheLanguage) {
   EXPECT_EQ(nameOf("recButton"), expected().recordButton);
-  EXPECT_EQ(window_->findChild<QWidget*>("recButton")->toolTip().toStdString(),
-            expected().recordButton);
+  const std::vector<std::pair<const char*, const char*>> tooltips{
+      {"recButton", "Record (R)"},
+      {"playButton", "Play (Space)"},
+      {"prevButton", "To Start (Return)"},
+      {"stopButton", "Stop"}};
+  for (const auto& [button, key] : tooltips) {
+    EXPECT_EQ(window_->findChild<QWidget*>(button)->toolTip(), translated(key)) << button;
+  }
   EXPECT_EQ(nameOf("wfView"), expected().waveform);
   const std::vector<std::pair<const char*, const char*>> names{
       {"prevButton", "To Start"},
@@ -242,7 +248,9 @@ TEST_P(TranslatedWindowTest, AScreenReaderHearsTheLanguage) {
       {"vuView", "Level meter"},
       {"timeView", "Position and length"},
       {"loadingIndicator", "Progress"},
-      {"playbackMarkerView", "Playback marker"}};
+      {"playbackMarkerView", "Playback marker"},
+      {"recordingTickView", "Recording position"},
+      {"clippingLamp", "Clipping"}};
   for (const auto& [view, key] : names) {
     EXPECT_EQ(nameOf(view), translated(key).toStdString()) << view;
   }

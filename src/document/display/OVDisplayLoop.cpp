@@ -1,7 +1,9 @@
 #include "document/display/OVDisplayLoop.h"
 
+#include "document/display/OVClipping.h"
 #include "document/display/OVMarkerAndTime.h"
 #include "document/display/OVProgressDisplay.h"
+#include "document/display/OVRecordingPlace.h"
 #include "document/editing/OVDocumentAudio.h"
 #include "document/editing/OVDocumentLife.h"
 #include "document/editing/OVFileOperation.h"
@@ -39,6 +41,8 @@ void OVDisplayLoop::tick() {
   } else if (parts_.positions.playback() != parts_.markerAndTime.lastPlaybackPosition()) {
     updatePlayback();
   }
+  parts_.recordingPlace.update();
+  parts_.clipping.update();
 }
 
 void OVDisplayLoop::updateRendering() {

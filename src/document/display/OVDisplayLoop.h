@@ -11,6 +11,7 @@
 #include "platform/mainloop/Timer.h"
 #include "waveform/views/OVWaveFormView.h"
 
+class OVClipping;
 class OVDocumentAudio;
 class OVDocumentLife;
 class OVDocumentSummaries;
@@ -18,6 +19,7 @@ class OVFileOperation;
 class OVFramePositions;
 class OVMarkerAndTime;
 class OVProgressDisplay;
+class OVRecordingPlace;
 class OVTransport;
 
 /// Updates the displays 25 times a second, and rebuilds them after an edit.
@@ -35,6 +37,8 @@ class OVDisplayLoop {
     const OVTransport& transport;
     OVMarkerAndTime& markerAndTime;
     OVProgressDisplay& progress;
+    OVRecordingPlace& recordingPlace;
+    OVClipping& clipping;
   };
 
   explicit OVDisplayLoop(const Parts& parts) : parts_(parts) {}

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "controls/OVRecorderWindow.h"
 #include "platform/base/MainThread.h"
 
 namespace {
@@ -15,6 +16,10 @@ QString inOneLine(QString text) {
 }
 
 }  // namespace
+
+void OVNotices::connect(OVRecorderWindow* window) {
+  view_ = window->findChild<OVNoticeView*>("noticeView");
+}
 
 void OVNotices::show(OVNoticeSubject subject, const QString& text) {
   put(subject, text, kShownFor);
@@ -30,6 +35,10 @@ void OVNotices::put(OVNoticeSubject subject, const QString& text, std::optional<
   if (line.isEmpty()) {
     withdraw(subject);
     return;
+  }
+  if (const auto kept = notices_.find(subject);
+      !left && kept != notices_.end() && !kept->second.left && kept->second.text == line) {
+    return;  // given again, at every tick perhaps
   }
   const TimePoint now = clock_();
   passTime(now);
@@ -73,13 +82,17 @@ void OVNotices::update(TimePoint now) {
     const bool isOld = subject != shown_ && notice.droppedAt <= now;
     return notice.left && (*notice.left <= Duration::zero() || isOld);
   });
+  bool isNews = false;
   shown_.reset();
   text_.clear();
   if (!notices_.empty()) {
     auto& [subject, notice] = *notices_.begin();
     shown_ = subject;
     text_ = notice.text;
-    notice.isAnnounced = true;
+    isNews = !std::exchange(notice.isAnnounced, true);
+  }
+  if (view_) {
+    view_->setText(text_, isNews);
   }
   startTimer();
 }

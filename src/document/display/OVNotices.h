@@ -7,15 +7,19 @@
 #include <optional>
 #include <utility>
 
+#include <QPointer>
 #include <QString>
 
+#include "controls/OVNoticeView.h"
 #include "platform/mainloop/Timer.h"
+
+class OVRecorderWindow;
 
 /// What a notice is about, the most important first.
 enum class OVNoticeSubject { lostFrames, disk, microphone, silence, input, paused };
 
-/// The line of notices of a document: what it says now, and for how long. There is one notice per
-/// subject at most; the first subject that has one is shown.
+/// The line of notices of a document, whose view may be missing: what it says now, and for how
+/// long. There is one notice per subject at most; the first subject that has one is shown.
 ///
 /// A passing notice is shown for some seconds. The time that it spends hidden by a more important
 /// one does not count, but it is dropped unseen once its news is old. A lasting notice stays until
@@ -38,6 +42,8 @@ class OVNotices {
   static constexpr Duration kDroppedAfter = std::chrono::seconds(30);
 
   explicit OVNotices(Clock clock = &std::chrono::steady_clock::now) : clock_(std::move(clock)) {}
+
+  void connect(OVRecorderWindow* window);
 
   /// A passing notice, which replaces the subject's former one. An empty text withdraws it.
   void show(OVNoticeSubject subject, const QString& text);
@@ -71,5 +77,6 @@ class OVNotices {
   std::optional<OVNoticeSubject> shown_;
   TimePoint lastUpdate_;
   QString text_;
+  QPointer<OVNoticeView> view_;
   std::unique_ptr<platform::Timer> timer_;  // runs while a passing notice is shown
 };

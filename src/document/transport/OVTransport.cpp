@@ -125,6 +125,9 @@ void OVTransport::record() {
     writeFailures_->recordingBegins(parts_.history.revision());
     writtenSincePress_ = false;
     losses_.clear();
+    if (recording_) {
+      recording_();
+    }
     input->record();
     parts_.history.setEdited(true);
   }

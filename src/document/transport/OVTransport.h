@@ -54,6 +54,8 @@ class OVTransport {
   void addStateHandler(std::function<void(OVTransportState)> handler) {
     stateHandlers_.push_back(std::move(handler));
   }
+  /// Called before a recording begins, ahead of its first chunk.
+  void setRecordingHandler(std::function<void()> handler) { recording_ = std::move(handler); }
   /// Called when audio was cut because it could not be written.
   void setCutHandler(std::function<void()> handler) { cut_ = std::move(handler); }
 
@@ -144,6 +146,7 @@ class OVTransport {
   std::vector<std::function<void(OVTransportState)>> stateHandlers_;
   OVTransportState lastState_ = OVTransportState::resting;  // the one that was reported
   std::unique_ptr<platform::SleepInhibitor::Hold> awake_;
+  std::function<void()> recording_;
   std::shared_ptr<OVAQPlayer> player_;
   std::vector<OVRecordingLoss> losses_;  // of the last recording that has ended
 

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "controls/OVRecorderWindow.h"
 #include "support/MainLoop.h"
+#include "support/fakes/RecordingAnnouncer.h"
 
 namespace {
 
@@ -20,6 +22,20 @@ class OVNoticesTest : public testing::Test {
 
   OVNotices::TimePoint now_;
   OVNotices notices_{[this] { return now_; }};
+};
+
+/// With a window that has the view.
+class OVNoticesInAWindowTest : public OVNoticesTest {
+ protected:
+  OVNoticesInAWindowTest() {
+    window_.setAttribute(Qt::WA_DeleteOnClose, false);
+    view_->setObjectName("noticeView");
+    notices_.connect(&window_);
+  }
+
+  support::RecordingAnnouncer announcer_;
+  OVRecorderWindow window_;
+  OVNoticeView* view_ = new OVNoticeView(&window_);
 };
 
 }  // namespace
@@ -150,4 +166,47 @@ TEST_F(OVNoticesTest, ItsOwnTimerEndsWhatWasShown) {
   now_ += seconds(1);
   EXPECT_TRUE(runMainLoopUntil([this] { return notices_.text().isEmpty(); }));
   EXPECT_FALSE(notices_.isTimerRunning());
+}
+
+TEST_F(OVNoticesTest, ALastingNoticeGivenAgainAtEveryTickDoesNotTouchTheOneShown) {
+  notices_.show(Subject::lostFrames, "0.3 s were lost at 12:31");
+  notices_.keep(Subject::silence, "Nothing is coming in");
+  now_ += seconds(1);
+  notices_.keep(Subject::silence, "Nothing is coming in");
+  EXPECT_EQ(notices_.text(), "0.3 s were lost at 12:31");
+  pass(OVNotices::kShownFor - seconds(1));
+  EXPECT_EQ(notices_.text(), "Nothing is coming in");
+}
+
+TEST_F(OVNoticesInAWindowTest, TheViewShowsWhatIsSaid) {
+  notices_.keep(Subject::silence, "Nothing is coming in");
+  EXPECT_EQ(view_->text(), "Nothing is coming in");
+  notices_.show(Subject::disk, "5 minutes are left");
+  EXPECT_EQ(view_->text(), "5 minutes are left");
+  pass(OVNotices::kShownFor);
+  EXPECT_EQ(view_->text(), "Nothing is coming in");
+  notices_.withdraw(Subject::silence);
+  EXPECT_EQ(view_->text(), "");
+}
+
+TEST_F(OVNoticesInAWindowTest, ATextIsAnnouncedOnceWhenItIsFirstShown) {
+  notices_.keep(Subject::silence, "Nothing is coming in");
+  notices_.keep(Subject::silence, "Nothing is coming in");
+  notices_.show(Subject::disk, "5 minutes are left");
+  notices_.show(Subject::disk, "5 minutes are left");
+  notices_.show(Subject::input, "Recording from Microphone");
+  pass(OVNotices::kShownFor);
+  EXPECT_EQ(announcer_.texts,
+            (std::vector<std::string>{"Nothing is coming in", "5 minutes are left"}))
+      << "what was hidden meanwhile is known";
+  notices_.withdraw(Subject::silence);
+  EXPECT_EQ(announcer_.texts.back(), "Recording from Microphone");
+  notices_.keep(Subject::silence, "Nothing is coming in");
+  EXPECT_EQ(announcer_.texts.size(), 4U) << "silence that comes back is news";
+}
+
+TEST_F(OVNoticesInAWindowTest, AViewThatIsGoneIsNotAsked) {
+  delete view_;
+  notices_.keep(Subject::silence, "Nothing is coming in");
+  EXPECT_EQ(notices_.text(), "Nothing is coming in");
 }
