@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "audio/DeviceLossAlert.h"
 #include "platform/base/AudioTypes.h"
 
 /// Failures of the sound device, as opposed to wrong calls.
@@ -12,6 +11,9 @@
 /// Whether a status from creating or starting a queue comes from the device or its sound system.
 /// False for success, the queue's own refusals (wrong parameter, wrong state) and a missing thread.
 [[nodiscard]] bool isDeviceFailure(platform::AudioStatus status);
+
+/// What the loss of a sound device interrupted, the least important first.
+enum class OVInterrupted { nothing, playback, recording };
 
 /// Whether a device that had been opened has gone or stands still.
 [[nodiscard]] bool isDeviceLoss(platform::AudioStatus status);

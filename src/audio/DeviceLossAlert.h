@@ -2,10 +2,8 @@
 
 #include <string>
 
+#include "audio/DeviceFailure.h"
 #include "platform/base/AudioTypes.h"
-
-/// What the loss of a sound device interrupted, the least important first.
-enum class OVInterrupted { nothing, playback, recording };
 
 /// Reports that a sound device was lost or has stalled: prints as CheckAudioStatus() does, and
 /// alerts the user. A sound server that dies takes input and output with it, and each window's

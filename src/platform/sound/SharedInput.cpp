@@ -290,7 +290,7 @@ void SharedInput::close() {
 
 void SharedInput::deviceCaptured(const float* samples, std::uint32_t frames) noexcept {
   calls_->fetch_add(1, std::memory_order_relaxed);
-  const std::uint64_t lost = detector_.captured(frames, clock_->now());
+  const std::uint64_t lost = detector_.captured(frames, clock_->nowWithSleep());
   if (lost > 0) {
     framesLostInSystem_.fetch_add(lost, std::memory_order_relaxed);
     fanOut_.skip(lost);

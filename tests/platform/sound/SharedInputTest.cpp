@@ -380,6 +380,27 @@ TEST_F(SharedInputTimeTest,
   EXPECT_NEAR(samples[2 * last], static_cast<double>(last), 10);
 }
 
+TEST_F(SharedInputTimeTest, WhatWasMissedWhileTheMachineSleptIsLostAndTheInputIsNot) {
+  Recording recording;
+  std::uint64_t silenced = 0;
+  recording.also = [&](AudioInputQueue&, AudioQueueBuffer& buffer) {
+    silenced += buffer.silencedFrames;
+  };
+  ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
+  const auto run = [&](int turns) {
+    for (int i = 0; i < turns; ++i) {
+      clock->advance(std::chrono::nanoseconds(23219955));  // 1024 frames
+      ASSERT_TRUE(device->feedConstant(1024, 1, 1));
+    }
+  };
+  run(43 * 8);
+  clock->sleep(seconds(10));
+  run(43 * 4);
+  recording.queue->waitUntilDelivered(recording.queue->capturedFrames());
+  EXPECT_NEAR(static_cast<double>(silenced), 10 * 44100, 20);
+  EXPECT_EQ(recording.failures.count(), 0U);
+}
+
 TEST_F(SharedInputTimeTest, AGapOfMoreThanAMinuteIsToldAndNotFilled) {
   Recording recording;
   std::uint64_t missing = 0;
