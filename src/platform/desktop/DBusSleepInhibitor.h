@@ -2,16 +2,14 @@
 
 #include <chrono>
 #include <cstddef>
-#include <functional>
 #include <memory>
 
 #include <QObject>
 #include <QPointer>
 #include <QString>
 
+#include "platform/desktop/DesktopBuses.h"
 #include "platform/desktop/SleepInhibitor.h"
-
-class QDBusConnection;
 
 namespace platform {
 
@@ -27,12 +25,8 @@ class DBusSleepInhibitor : public QObject, public SleepInhibitor {
   Q_OBJECT
 
  public:
-  /// Connects to a bus. Called on a background thread, since connecting waits for the bus.
-  using Bus = std::function<QDBusConnection()>;
-  struct Buses {
-    Bus session;  ///< of the portal
-    Bus system;   ///< of the login manager
-  };
+  /// The portal is on the session bus, the login manager on the system bus.
+  using Buses = DesktopBuses;
 
   /// How long the portal may take to answer before the login manager is asked.
   static constexpr std::chrono::milliseconds kPortalPatience{5000};

@@ -39,7 +39,7 @@ QString requestPath(const QDBusConnection& bus, const QString& token) {
 
 }  // namespace
 
-SleepInhibition::SleepInhibition(DBusSleepInhibitor::Buses buses, QString reason, QObject* parent)
+SleepInhibition::SleepInhibition(DesktopBuses buses, QString reason, QObject* parent)
     : QObject(parent), buses_(std::move(buses)), reason_(std::move(reason)) {}
 
 void SleepInhibition::begin(std::chrono::milliseconds portalPatience, Failed failed) {
@@ -73,7 +73,7 @@ void SleepInhibition::deleteWhenDone() {
   }
 }
 
-void SleepInhibition::connectTo(const DBusSleepInhibitor::Bus& bus,
+void SleepInhibition::connectTo(const DesktopBuses::Bus& bus,
                                 std::function<void(const QDBusConnection&)> connected) {
   ++pending_;
   globalQueue().async([bus, connected = std::move(connected), self = QPointer(this)] {

@@ -8,7 +8,7 @@
 #include <QString>
 #include <QVariantMap>
 
-#include "platform/desktop/DBusSleepInhibitor.h"
+#include "platform/desktop/DesktopBuses.h"
 
 class QDBusPendingCall;
 class QDBusPendingCallWatcher;
@@ -26,7 +26,7 @@ class SleepInhibition : public QObject {
  public:
   using Failed = std::function<void(const QString& reason)>;
 
-  SleepInhibition(DBusSleepInhibitor::Buses buses, QString reason, QObject* parent);
+  SleepInhibition(DesktopBuses buses, QString reason, QObject* parent);
 
   /// Call once. `failed` is called if the machine cannot be kept awake.
   void begin(std::chrono::milliseconds portalPatience, Failed failed);
@@ -40,7 +40,7 @@ class SleepInhibition : public QObject {
  private:  // NOLINT(readability-redundant-access-specifiers): it ends the slots
   using Answered = std::function<void(const QDBusPendingCallWatcher& answer)>;
 
-  void connectTo(const DBusSleepInhibitor::Bus& bus,
+  void connectTo(const DesktopBuses::Bus& bus,
                  std::function<void(const QDBusConnection&)> connected);
   void await(const QDBusPendingCall& call, Answered answered);
   void askPortal(const QDBusConnection& bus);
@@ -48,7 +48,7 @@ class SleepInhibition : public QObject {
   void askLoginManager();
   void deleteWhenDone();
 
-  const DBusSleepInhibitor::Buses buses_;
+  const DesktopBuses buses_;
   const QString reason_;
   Failed failed_;
   std::function<void()> releasePortal_;  // while the portal holds the machine awake
