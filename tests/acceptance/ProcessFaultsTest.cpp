@@ -88,10 +88,10 @@ TEST_F(ProcessFaults, LowLimitOfOpenFilesIsRaised) {
 
 TEST_F(ProcessFaults, WindowsAreRefusedInPlainWordsAndEverythingElseStillWorks) {
   RunningOrvo::Options options;
-  options.wrapper = withLimit("-n 130");
+  options.wrapper = withLimit("-n 92");
   ASSERT_NO_FATAL_FAILURE(startOrvo(options));
   ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 72)));
-  constexpr int kMore = 200;
+  constexpr int kMore = 30;
   for (int i = 0; i < kMore && alerts().empty(); ++i) {
     const std::size_t before = documents().size();
     ASSERT_TRUE(screen_->pressKey("ctrl+n"));
