@@ -25,6 +25,7 @@ namespace {
 constexpr int kPathRole = Qt::UserRole;
 constexpr int kMinimumTextWidth = 380;  // points
 constexpr int kMaximumListHeight = 260;
+constexpr int kColumnSpace = 16;
 
 platform::TextKey nameOf(OVRecoveredFile::State state) {
   switch (state) {
@@ -100,7 +101,6 @@ void OVRecoveredPanel::makeList() {
   list_->setTabKeyNavigation(false);
   list_->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
   list_->setMaximumHeight(kMaximumListHeight);
-  list_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   list_->header()->setSectionsMovable(false);
   connect(list_, &QTreeWidget::itemChanged, this, &OVRecoveredPanel::enableButtons);
 }
@@ -128,6 +128,10 @@ void OVRecoveredPanel::setFiles(const std::vector<OVRecoveredFile>& files) {
       addRow(file, unchecked);
     }
     list_->setCurrentItem(list_->topLevelItem(0));
+  }
+  for (int column = 0; column < list_->columnCount(); ++column) {
+    list_->resizeColumnToContents(column);
+    list_->setColumnWidth(column, list_->columnWidth(column) + kColumnSpace);
   }
   list_->setVisible(!files.empty());
   showHeading();
