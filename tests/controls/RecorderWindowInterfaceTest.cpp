@@ -76,12 +76,13 @@ TEST_F(RecorderWindowInterfaceTest, NoticesAreAtTheWaveformsLowerEdgeAndTheLampB
   EXPECT_EQ(notice.bottom(), ui_.wfView->height() - 7);
   EXPECT_EQ(notice.left(), 10);
   EXPECT_GT(notice.width(), 400);
-  EXPECT_EQ(ui_.recordingTickView->geometry(), ui_.wfView->rect());
   EXPECT_EQ(frameIn(ui_.displayWell, ui_.clippingLamp), QRect(65, 3, 13, 30));
   for (const QWidget* view :
        std::initializer_list<QWidget*>{ui_.noticeView, ui_.recordingTickView, ui_.clippingLamp}) {
     EXPECT_FALSE(view->isVisible()) << view->objectName().toStdString();
   }
+  ui_.recordingTickView->show();
+  EXPECT_EQ(ui_.recordingTickView->geometry(), ui_.wfView->rect());
 }
 
 TEST_F(RecorderWindowInterfaceTest, ALongNoticeAsksForNoWiderWindow) {

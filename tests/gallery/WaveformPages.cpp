@@ -101,7 +101,6 @@ std::unique_ptr<GalleryPage> noticePage() {
   addNotice(*page, "paused", "Recording has been paused.");
   addNotice(*page, "too long",
             "Recording from a microphone with a name that no line of this width could ever hold");
-  addNotice(*page, "Japanese", "音が入ってきていません");
   page->newRow();
   for (const double position : {0.0, 0.4, 1.0}) {
     auto* const view = addWaveform(*page, "tick", speech(1024), {320, 64});
