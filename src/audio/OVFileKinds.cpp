@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <iterator>
 
 namespace {
 
@@ -73,6 +74,7 @@ std::vector<std::string> suffixesOfType(std::int32_t type) {
 const std::vector<std::string>& readableFileTypes() {
   static const std::vector<std::string> types = [] {
     std::vector<std::string> names;
+    names.reserve(std::size(kSuffixes));
     for (const Suffix& suffix : kSuffixes) {
       names.emplace_back(suffix.name);
     }

@@ -111,7 +111,7 @@ void VLRecorderWindowController::connectViews() {
   }
 }
 
-void VLRecorderWindowController::setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer) {
+void VLRecorderWindowController::setBuffer(const std::shared_ptr<OVAudioBufferInterface>& buffer) {
   if (const auto former = parts_.audio.buffer()) {
     former->setDelegate({});
     parts_.transport.prepareForNewBuffer();

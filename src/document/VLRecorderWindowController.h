@@ -190,7 +190,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   [[nodiscard]] std::shared_ptr<OVAudioBufferInterface> buffer() const;
   /// Replaces the document's buffer. Only before the first recording.
-  void setBuffer(std::shared_ptr<OVAudioBufferInterface> buffer);
+  void setBuffer(const std::shared_ptr<OVAudioBufferInterface>& buffer);
   [[nodiscard]] std::shared_ptr<OVAQRecorder> recorder() const;
   [[nodiscard]] std::shared_ptr<OVAQPlayer> player() const { return parts_.transport.player(); }
   [[nodiscard]] std::shared_ptr<OVWaveformSummary> waveForm() const;

@@ -11,7 +11,7 @@
 #include "storage/OVAudioBufferInterface.h"
 
 /// Audio held entirely in memory: one block that grows by half its size, one level of undo,
-/// reversible.
+/// reversible. No document of the application uses it.
 ///
 /// Offsets, counts and capacities are in bytes, positions of cuts in frames of 8 bytes.
 ///

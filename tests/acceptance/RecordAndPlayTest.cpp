@@ -76,6 +76,7 @@ TEST_F(RecordAndPlay, RecordingOverTheMiddleLeavesBothEnds) {
 
   // The temporary file is only appended to, so it holds both takes in succession.
   const Samples all = orvo_->recorded();
+  ASSERT_GT(all.size(), length * kChannels);
   const auto border = all.begin() + static_cast<std::ptrdiff_t>(length * kChannels);
   const Samples take(all.begin(), border);
   const Samples over(border, all.end());

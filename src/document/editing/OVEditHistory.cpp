@@ -67,7 +67,8 @@ void OVEditHistory::rollBackStep() {
   ++revision_;
 }
 
-void OVEditHistory::registerInverse(std::function<void()> operation, platform::TextKey name) {
+void OVEditHistory::registerInverse(const std::function<void()>& operation,
+                                    platform::TextKey name) {
   registerOperation(operation);
   if (undoManager_) {
     undoManager_->setActionName(platform::localizedUtf8(name));

@@ -48,7 +48,7 @@ class OVEditHistory {
   void rollBackStep();
 
   /// A step that leaves no waypoint: `operation` is its own inverse.
-  void registerInverse(std::function<void()> operation, platform::TextKey name);
+  void registerInverse(const std::function<void()>& operation, platform::TextKey name);
 
   /// Restore the audio; called by the operations given to open(). True if the summary shown
   /// afterwards must be generated from scratch.
