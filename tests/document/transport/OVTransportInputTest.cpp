@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -38,9 +39,13 @@ class OVTransportInputTest : public testing::Test {
     ASSERT_TRUE(queues_.input().deliver(std::vector<float>(2 * kChunkFrames, value), captured_));
   }
   void lose(std::uint32_t frames) {
-    captured_ += frames;
     queues_->lostFrames += frames;
-    ASSERT_TRUE(queues_.input().deliverSilence(frames, captured_));
+    while (frames > 0) {
+      const std::uint32_t part = std::min(frames, kChunkFrames);
+      frames -= part;
+      captured_ += part;
+      ASSERT_TRUE(queues_.input().deliverSilence(part, captured_));
+    }
   }
   [[nodiscard]] OVInputState state() const { return parts_.transport.inputState(); }
 
