@@ -23,7 +23,7 @@ using platform::textKey;
 namespace {
 
 constexpr int kPathRole = Qt::UserRole;
-constexpr int kMinimumTextWidth = 380;  // points
+constexpr int kMinimumTextWidth = 440;  // points
 constexpr int kMaximumListHeight = 260;
 constexpr int kColumnSpace = 16;
 
@@ -129,7 +129,7 @@ void OVRecoveredPanel::setFiles(const std::vector<OVRecoveredFile>& files) {
     }
     list_->setCurrentItem(list_->topLevelItem(0));
   }
-  for (int column = 0; column < list_->columnCount(); ++column) {
+  for (int column = 0; column < list_->columnCount() - 1; ++column) {  // the last one stretches
     list_->resizeColumnToContents(column);
     list_->setColumnWidth(column, list_->columnWidth(column) + kColumnSpace);
   }
@@ -188,6 +188,8 @@ void OVRecoveredPanel::showHeading() {
                      "or discard it.");
   }
   heading_->setText(sentences.join("\n\n"));
+  // A window's size does not follow the height of wrapped text.
+  heading_->setMinimumHeight(heading_->heightForWidth(kMinimumTextWidth));
   setAccessibleDescription(sentences.join(' '));
 }
 
