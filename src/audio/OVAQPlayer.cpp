@@ -53,11 +53,11 @@ bool OVAQPlayer::initializePlayer() {
 bool OVAQPlayer::makeQueue(const platform::AudioStreamBasicDescription& format) {
   queues_ = platform::audioQueues();
   auto made = queues_->newOutput(format, queueCallback(this, &OVAQPlayer::outputCallback));
+  const platform::AudioStatus status = made.error();
   if (made) {
     queue_ = *std::move(made);
   }
-  return CheckAudioStatus(made.error(), "AudioQueueNewOutput failed",
-                          outputFailureReason(made.error()));
+  return CheckAudioStatus(status, "AudioQueueNewOutput failed", outputFailureReason(status));
 }
 
 bool OVAQPlayer::prime(std::uint32_t byteCapacity) {

@@ -67,10 +67,11 @@ bool OVAQRecorder::makeQueue(const platform::AudioStreamBasicDescription& format
   const auto callback = queueCallback(this, &OVAQRecorder::inputCallback);
   const auto failed = queueCallback(this, &OVAQRecorder::deviceFailed);
   auto made = queues_->newInput(format, callback, failed);
+  const platform::AudioStatus status = made.error();
   if (made) {
     queue_ = *std::move(made);
   }
-  return checkDevice(made.error(), "lul AudioQueueNewInput failed");
+  return checkDevice(status, "lul AudioQueueNewInput failed");
 }
 
 bool OVAQRecorder::enqueueBuffers(std::uint32_t byteCapacity) {
