@@ -652,6 +652,10 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Überschreiben</translation>
     </message>
     <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Speichern</translation>
+    </message>
+    <message>
         <source>The file is damaged. What was in it is kept in %1.</source>
         <translation>Die Datei ist beschädigt. Ihr bisheriger Inhalt liegt in %1.</translation>
     </message>

@@ -652,6 +652,10 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>Sobrescribir</translation>
     </message>
     <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Guardar</translation>
+    </message>
+    <message>
         <source>The file is damaged. What was in it is kept in %1.</source>
         <translation>El archivo está dañado. Su contenido anterior se conserva en %1.</translation>
     </message>

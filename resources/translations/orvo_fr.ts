@@ -652,6 +652,10 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Écraser</translation>
     </message>
     <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Enregistrer</translation>
+    </message>
+    <message>
         <source>The file is damaged. What was in it is kept in %1.</source>
         <translation>Le fichier est endommagé. Son ancien contenu est conservé dans %1.</translation>
     </message>

@@ -652,6 +652,10 @@ Everything recorded before is kept.</source>
         <translation>上書き</translation>
     </message>
     <message>
+        <source>&amp;Save</source>
+        <translation>保存(&amp;S)</translation>
+    </message>
+    <message>
         <source>The file is damaged. What was in it is kept in %1.</source>
         <translation>ファイルが壊れています。元の内容は %1 に残っています。</translation>
     </message>

@@ -652,6 +652,10 @@ Everything recorded before is kept.</source>
         <translation>覆盖</translation>
     </message>
     <message>
+        <source>&amp;Save</source>
+        <translation>保存(&amp;S)</translation>
+    </message>
+    <message>
         <source>The file is damaged. What was in it is kept in %1.</source>
         <translation>文件已损坏。其原有内容保留在 %1 中。</translation>
     </message>

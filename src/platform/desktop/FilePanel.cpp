@@ -90,8 +90,10 @@ FilePanel::FilePanel(QWidget* window, const QString& title, const QString& lookI
   resize(kUsualSize);
   waitTimer_.setSingleShot(true);
   waitTimer_.setInterval(kShortWait);
-  connect(&waitTimer_, &QTimer::timeout, this,
-          [this] { say(localized("Waiting for the folder to answer…")); });
+  connect(&waitTimer_, &QTimer::timeout, this, [this] {
+    say(localized("Waiting for the folder to answer…"));
+    isWaitingSaid_ = true;
+  });
 }
 
 FilePanel::~FilePanel() {
@@ -179,6 +181,7 @@ void FilePanel::makeNameRow() {
   connect(buttons_, &QDialogButtonBox::rejected, this, &QDialog::reject);
   connect(edit_, &QLineEdit::textChanged, this, [this] {
     cancelLook();
+    say({});
     Q_EMIT namesChanged();
   });
   edit_->setFocus();
@@ -370,13 +373,17 @@ void FilePanel::wait() {
   waitTimer_.start();
 }
 
+// Another sentence stays: a look may have ended while the folder was still being read.
 void FilePanel::endWaiting() {
   waitTimer_.stop();
-  say({});
+  if (isWaitingSaid_) {
+    say({});
+  }
 }
 
 void FilePanel::say(const QString& sentence) {
   waitTimer_.stop();
+  isWaitingSaid_ = false;
   status_->setText(sentence);
   status_->setVisible(!sentence.isEmpty());
   if (!sentence.isEmpty()) {

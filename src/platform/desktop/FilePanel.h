@@ -111,6 +111,7 @@ class FilePanel : public QDialog {
   std::shared_ptr<std::atomic<bool>> cancelled_;  // the reading of the folder; null for none
   int lookNumber_ = 0;                            // of the last look()
   bool isLooking_ = false;
+  bool isWaitingSaid_ = false;  // the sentence shown is the one of waitTimer_
   bool isShowingRows_ = false;
 };
 

@@ -26,7 +26,7 @@ SavePanel::SavePanel(const SavePanelRequest& request)
   setObjectName("savePanel");
   addNewFolderButton();
   addAccessory(request.accessoryView);
-  buttons()->addButton(QDialogButtonBox::Save)->setDefault(true);
+  buttons()->addButton(localized("&Save"), QDialogButtonBox::AcceptRole)->setDefault(true);
   buttons()->addButton(localized("Cancel"), QDialogButtonBox::RejectRole);
   if (acceptedSuffixes_) {
     suffixes_ = acceptedSuffixes_();

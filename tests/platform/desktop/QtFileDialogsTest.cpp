@@ -87,7 +87,13 @@ class QtFileDialogsTest : public testing::Test {
   }
 
   QPushButton* saveButton() {
-    return panel_->findChild<QDialogButtonBox*>("buttonBox")->button(QDialogButtonBox::Save);
+    for (QAbstractButton* const button :
+         panel_->findChild<QDialogButtonBox*>("buttonBox")->buttons()) {
+      if (button->text() == "&Save") {
+        return qobject_cast<QPushButton*>(button);
+      }
+    }
+    return nullptr;
   }
 
   /// Presses a button of the question whether to replace a file as soon as it is shown; the
