@@ -4,6 +4,7 @@
 
 #include "platform/cubeb/CubebConnection.h"
 #include "platform/cubeb/CubebStream.h"
+#include "platform/cubeb/RetiredConnections.h"
 
 namespace platform {
 
@@ -77,7 +78,9 @@ Result<std::unique_ptr<Interface>, AudioStatus> open(std::shared_ptr<CubebConnec
 
 }  // namespace
 
-CubebAudioDevice::CubebAudioDevice(ModuleConsole* consoleLog) : consoleLog_(consoleLog) {}
+CubebAudioDevice::CubebAudioDevice(ModuleConsole* consoleLog,
+                                   std::function<std::chrono::steady_clock::time_point()> now)
+    : consoleLog_(consoleLog), retired_(std::make_shared<RetiredConnections>(std::move(now))) {}
 CubebAudioDevice::~CubebAudioDevice() = default;
 
 AudioDevice::Input CubebAudioDevice::openInput(AudioInputClient& client) {
@@ -101,9 +104,12 @@ void CubebAudioDevice::setInputsChangedHandler(std::function<void()> changed) {
 std::optional<std::vector<AudioInputDevice>> CubebAudioDevice::inputs() {
   connectInput();
   const auto inputs = input_ ? input_->inputs() : std::nullopt;
-  if (input_ && (!inputs || input_->isLastResort())) {
+  // The list of a dead server is empty, without an error. Also such a list of a living one costs no
+  // more than a connection with every look.
+  if (input_ && (!inputs || inputs->empty() || input_->isLastResort())) {
     input_->markBroken();  // the next call connects anew, perhaps to a server that is back
   }
+  retired_->endQuietOnes();
   return inputs;
 }
 
@@ -114,8 +120,15 @@ bool CubebAudioDevice::connect(std::shared_ptr<CubebConnection>& connection) {
   if (connection) {
     return false;
   }
-  connection = CubebConnection::make(consoleLog_);
-  return connection != nullptr;
+  auto made = CubebConnection::make(consoleLog_);
+  if (!made) {
+    return false;
+  }
+  connection = std::shared_ptr<CubebConnection>(
+      made.release(), [retired = retired_](CubebConnection* unused) {
+        retired->take(std::unique_ptr<CubebConnection>(unused));
+      });
+  return true;
 }
 
 void CubebAudioDevice::connectInput() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -12,6 +13,7 @@
 namespace platform {
 
 class CubebConnection;
+class RetiredConnections;
 
 /// The default microphone and loudspeaker of the machine, through cubeb.
 ///
@@ -30,9 +32,12 @@ class CubebAudioDevice final : public AudioDevice {
   /// dropouts under load.
   static constexpr std::uint32_t kLatencyFrames = 4096;
 
-  explicit CubebAudioDevice(ModuleConsole* consoleLog);
+  explicit CubebAudioDevice(
+      ModuleConsole* consoleLog,
+      std::function<std::chrono::steady_clock::time_point()> now = std::chrono::steady_clock::now);
 
-  /// Disconnects once the streams are destroyed too.
+  /// Disconnects the output once its streams are destroyed too. The input stays connected until the
+  /// process ends, see RetiredConnections; the handler of changed inputs is not called any more.
   ~CubebAudioDevice() override;
 
   [[nodiscard]] Input openInput(AudioInputClient& client) override;
@@ -50,6 +55,7 @@ class CubebAudioDevice final : public AudioDevice {
   void connectInput();
 
   ModuleConsole* const consoleLog_;
+  const std::shared_ptr<RetiredConnections> retired_;  // its connections share it
   // Control thread only.
   std::function<void()> inputsChanged_;
   // Null until connected, or when the last one failed.

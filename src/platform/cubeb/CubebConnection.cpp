@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 namespace platform {
@@ -26,24 +27,40 @@ AudioInputDevice describe(const cubeb_device_info& info) {
 
 }  // namespace
 
-std::shared_ptr<CubebConnection> CubebConnection::make(ModuleConsole* consoleLog) {
+std::unique_ptr<CubebConnection> CubebConnection::make(ModuleConsole* consoleLog) {
   cubeb* context = nullptr;
   if (cubeb_init(&context, "Orvo", nullptr) != CUBEB_OK) {
     return nullptr;
   }
-  return std::make_shared<CubebConnection>(context, consoleLog);
+  return std::make_unique<CubebConnection>(context, consoleLog);
 }
 
 void CubebConnection::notifyOfInputs(std::function<void()> changed) {
   inputsChanged_ = std::move(changed);
-  const auto notify = [](cubeb*, void* self) {
-    static_cast<CubebConnection*>(self)->inputsChanged_();
-  };
+  const auto notify = [](cubeb*, void* self) { static_cast<CubebConnection*>(self)->notice(); };
   if (inputsChanged_) {
-    // Optional: without notifications the inputs are looked at from time to time.
-    isRegistered_ = cubeb_register_device_collection_changed(context_, CUBEB_DEVICE_TYPE_INPUT,
-                                                             notify, this) == CUBEB_OK;
+    // Optional: without notifications the inputs are looked at from time to time. A backend that
+    // can notify has stored the handler even if the server did not answer.
+    hasHandler_ = cubeb_register_device_collection_changed(
+                      context_, CUBEB_DEVICE_TYPE_INPUT, notify, this) != CUBEB_ERROR_NOT_SUPPORTED;
   }
+}
+
+void CubebConnection::notice() noexcept {
+  noticesUnderWay_.fetch_add(1);
+  notices_.fetch_add(1, std::memory_order_relaxed);
+  if (!noticesEnded_.load()) {
+    inputsChanged_();
+  }
+  noticesUnderWay_.fetch_sub(1);
+}
+
+void CubebConnection::endNotices() {
+  noticesEnded_.store(true);
+  while (noticesUnderWay_.load() > 0) {
+    std::this_thread::yield();  // the handler is short, and its thread cannot be made to wait
+  }
+  inputsChanged_ = nullptr;
 }
 
 std::optional<std::vector<AudioInputDevice>> CubebConnection::inputs() const {
@@ -62,7 +79,7 @@ std::optional<std::vector<AudioInputDevice>> CubebConnection::inputs() const {
 }
 
 CubebConnection::~CubebConnection() {
-  if (isRegistered_) {  // otherwise cubeb aborts the process
+  if (hasHandler_) {
     cubeb_register_device_collection_changed(context_, CUBEB_DEVICE_TYPE_INPUT, nullptr, nullptr);
   }
   cubeb_destroy(context_);

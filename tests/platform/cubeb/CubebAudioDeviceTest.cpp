@@ -1,5 +1,6 @@
 #include "platform/cubeb/CubebAudioDevice.h"
 
+#include <chrono>
 #include <cstdarg>
 #include <cstdio>
 #include <memory>
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/cubeb/FakeCubeb.h"
+#include "platform/cubeb/RetiredConnections.h"
 
 // The device over a library that the test scripts. tests/server runs it over the real one.
 namespace platform::test {
@@ -44,20 +46,37 @@ class FakedCubebAudioDeviceTest : public testing::Test {
  protected:
   FakedCubebAudioDeviceTest() {
     script() = {};
+    script().inputs = {{"mic", "Microphone", true}};
     consoleLines().clear();
     device_->setInputsChangedHandler([this] { ++changes_; });
   }
   ~FakedCubebAudioDeviceTest() override {
+    script().noticeIsUnderWay = true;
     device_.reset();
-    EXPECT_EQ(script().contextsAlive, 0);
+    EXPECT_EQ(script().callsOfNull, 0);
+    EXPECT_EQ(script().contextsAlive(), script().contextsWithHandler()) << "others are left over";
+    changes_ = 0;
+    script().notify();
+    EXPECT_EQ(changes_, 0) << "the handler may be gone";
     EXPECT_EQ(script().streamsAlive, 0);
     EXPECT_EQ(script().collectionsAlive, 0);
     EXPECT_EQ(script().devicesAlive, 0);
   }
 
+  /// The input's connection is given up, and the next one is made.
+  void reconnect() {
+    auto input = device_->openInput(client_);
+    ASSERT_TRUE(input);
+    script().die();
+    *input = nullptr;
+    ASSERT_TRUE(device_->inputs().has_value());
+  }
+
   Client client_;
   int changes_ = 0;
-  std::unique_ptr<CubebAudioDevice> device_ = std::make_unique<CubebAudioDevice>(&console);
+  std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
+  std::unique_ptr<CubebAudioDevice> device_ =
+      std::make_unique<CubebAudioDevice>(&console, [this] { return now_; });
 };
 
 TEST_F(FakedCubebAudioDeviceTest, TheInputsAreThoseOfTheLibraryWithTheirNamesAsTheyAre) {
@@ -99,6 +118,53 @@ TEST_F(FakedCubebAudioDeviceTest, ABackendThatCannotNotifyWorks) {
   script().registerResult = CUBEB_ERROR_NOT_SUPPORTED;
   EXPECT_TRUE(device_->openInput(client_));
   EXPECT_TRUE(consoleLines().empty());
+}
+
+TEST_F(FakedCubebAudioDeviceTest, AConnectionIsNotEndedWhileANoticeOfItsServerMayBeOnItsWay) {
+  ASSERT_TRUE(device_->inputs().has_value());
+  script().noticeIsUnderWay = true;  // the input that has gone
+  ASSERT_NO_FATAL_FAILURE(reconnect());
+  EXPECT_EQ(script().unregistrations, 0);
+  EXPECT_EQ(script().contextsAlive(), 2U);
+  changes_ = 0;
+  script().notify();
+  EXPECT_EQ(changes_, 1) << "of the connection in use";
+}
+
+TEST_F(FakedCubebAudioDeviceTest, AConnectionThatIsNotUsedAnyMoreIsEndedOnceItsServerIsQuiet) {
+  ASSERT_NO_FATAL_FAILURE(reconnect());
+  now_ += RetiredConnections::kQuiet / 2;
+  script().notify();
+  ASSERT_TRUE(device_->inputs().has_value());
+  now_ += RetiredConnections::kQuiet - std::chrono::milliseconds(1);
+  ASSERT_TRUE(device_->inputs().has_value());
+  EXPECT_EQ(script().contextsAlive(), 2U);
+  now_ += std::chrono::milliseconds(1);
+  ASSERT_TRUE(device_->inputs().has_value());
+  EXPECT_EQ(script().contextsAlive(), 1U);
+  EXPECT_EQ(script().contextsWithHandler(), 1U);
+}
+
+TEST_F(FakedCubebAudioDeviceTest, AHandlerThatWasStoredAlthoughTheServerDiedIsTakenBack) {
+  script().registerResult = CUBEB_ERROR;
+  ASSERT_NO_FATAL_FAILURE(reconnect());
+  script().registerResult = CUBEB_OK;
+  now_ += RetiredConnections::kQuiet;
+  ASSERT_TRUE(device_->inputs().has_value());  // the library aborts if it is not
+  EXPECT_EQ(script().unregistrations, 1);
+  EXPECT_EQ(script().contextsAlive(), 1U);
+}
+
+TEST_F(FakedCubebAudioDeviceTest, AnEmptyListMayBeThatOfADeadServerSoTheNextCallConnectsAnew) {
+  script().inputs.clear();
+  const auto none = device_->inputs();
+  ASSERT_TRUE(none.has_value());
+  EXPECT_TRUE(none->empty());
+  script().inputs = {{"mic", "Microphone", true}};
+  EXPECT_EQ(device_->inputs().value_or(std::vector<AudioInputDevice>()).size(), 1U);
+  EXPECT_EQ(script().contexts, 2);
+  EXPECT_TRUE(device_->inputs().has_value());
+  EXPECT_EQ(script().contexts, 2);
 }
 
 TEST_F(FakedCubebAudioDeviceTest, WhenTheInputsCannotBeListedTheNextCallConnectsAnew) {

@@ -1,12 +1,15 @@
 #include "platform/cubeb/FakeCubeb.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 using fakecubeb::script;
 
 struct cubeb {
-  int number;
+  cubeb_device_collection_changed_callback changed = nullptr;
+  void* changedUser = nullptr;
 };
 struct cubeb_stream {
   cubeb* context;
@@ -19,6 +22,20 @@ Script& script() {
   return theOne;
 }
 
+void Script::notify() const {
+  for (cubeb* const context : contextsAtWork) {
+    if (context->changed != nullptr) {
+      context->changed(context, context->changedUser);
+    }
+  }
+}
+
+std::size_t Script::contextsWithHandler() const {
+  return static_cast<std::size_t>(
+      std::count_if(contextsAtWork.begin(), contextsAtWork.end(),
+                    [](const cubeb* context) { return context->changed != nullptr; }));
+}
+
 }  // namespace fakecubeb
 
 extern "C" {
@@ -27,17 +44,17 @@ int cubeb_init(cubeb** context, char const*, char const*) {
   if (script().initResult != CUBEB_OK) {
     return script().initResult;
   }
-  *context = new cubeb{++script().contexts};
-  script().context = *context;
-  ++script().contextsAlive;
+  *context = new cubeb;
+  ++script().contexts;
+  script().contextsAtWork.push_back(*context);
   return CUBEB_OK;
 }
 
 void cubeb_destroy(cubeb* context) {
-  if (script().registrations > script().unregistrations) {
+  if (context->changed != nullptr) {
     std::abort();  // as the real one does
   }
-  --script().contextsAlive;
+  std::erase(script().contextsAtWork, context);
   delete context;
 }
 
@@ -118,16 +135,24 @@ int cubeb_device_collection_destroy(cubeb*, cubeb_device_collection* collection)
   return CUBEB_OK;
 }
 
-int cubeb_register_device_collection_changed(cubeb*, cubeb_device_type,
+int cubeb_register_device_collection_changed(cubeb* context, cubeb_device_type,
                                              cubeb_device_collection_changed_callback changed,
                                              void* user) {
-  if (script().registerResult != CUBEB_OK) {
+  if (script().registerResult == CUBEB_ERROR_NOT_SUPPORTED) {
     return script().registerResult;
   }
   ++(changed != nullptr ? script().registrations : script().unregistrations);
-  script().changed = changed;
-  script().changedUser = user;
-  return CUBEB_OK;
+  // As the real one does, before it asks the server.
+  context->changed = changed;
+  context->changedUser = user;
+  if (std::exchange(script().noticeIsUnderWay, false)) {
+    if (changed != nullptr) {
+      changed(context, user);
+    } else {
+      ++script().callsOfNull;  // where the real one crashes
+    }
+  }
+  return script().registerResult;
 }
 
 }  // extern "C"
