@@ -4,6 +4,7 @@
 #include <cinttypes>
 #include <limits>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "platform/base/ApplicationServices.h"
@@ -57,12 +58,7 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
       const platform::MutexLock lock(bufferLock_);
       giveBackTail();
     }
-    written = f_file_->writeAt(data, withSize, f_write_pos_);
-    if (written.byteCount < withSize) {
-      // Extending the file needs no disk space: the lost stretch reads as silence. If that fails
-      // too, reads stop at the gap until a later write extends the file past it.
-      static_cast<void>(f_file_->setSize(f_write_pos_ + withSize));
-    }
+    written = append(data, withSize);
     const platform::MutexLock lock(bufferLock_);
     blocksAdded = mapAppended(atByteOffset, withSize);
   }
@@ -70,6 +66,19 @@ void OVBlockBuffer::writeData(const void* data, std::uint64_t atByteOffset,
     optimize();
   }
   notifyOfWrite(delegate_.get(), data, atByteOffset, withSize, errorOfTransfer(written, withSize));
+}
+
+platform::FileTransfer OVBlockBuffer::append(const void* data, std::uint32_t withSize) {
+  auto written = f_file_->writeAt(data, withSize, f_write_pos_);
+  if (written.byteCount < withSize && giveBackTailAfterReads()) {
+    written = f_file_->writeAt(data, withSize, f_write_pos_);
+  }
+  if (written.byteCount < withSize) {
+    // Extending the file needs no disk space: the lost stretch reads as silence. If that fails too,
+    // reads stop at the gap until a later write extends the file past it.
+    static_cast<void>(f_file_->setSize(f_write_pos_ + withSize));
+  }
+  return written;
 }
 
 // Maps the bytes just appended; returns the number of writes since the list was last optimised.
@@ -247,17 +256,35 @@ void OVBlockBuffer::rollBack() {
 
 // With both locks held nobody writes, and nobody looks up a place. A read that has done so before
 // may still be transferring: then the next write tries again.
-void OVBlockBuffer::giveBackTail() {
+bool OVBlockBuffer::giveBackTail() {
   if (readsUnderWay_.load(std::memory_order_acquire) > 0) {
-    return;
+    return false;
   }
   const std::uint64_t end = std::max(*std::exchange(tailToGiveBack_, {}), endOfMappedBytes());
   // A longer file would show its old bytes where a later write is lost: without the cut nothing is
   // given back.
-  if (end < f_write_pos_ && f_file_->setSize(end) == 0) {
-    f_write_pos_ = end;
-    lastWaypointWritePos_ = std::min(lastWaypointWritePos_, end);
+  if (end >= f_write_pos_ || f_file_->setSize(end) != 0) {
+    return false;
   }
+  f_write_pos_ = end;
+  lastWaypointWritePos_ = std::min(lastWaypointWritePos_, end);
+  return true;
+}
+
+// Waits without bufferLock_, which a read needs to go on.
+bool OVBlockBuffer::giveBackTailAfterReads() {
+  const auto giveUp = std::chrono::steady_clock::now() + kReadsPatience;
+  while (tailToGiveBack_ && std::chrono::steady_clock::now() < giveUp) {
+    if (readsUnderWay_.load(std::memory_order_relaxed) > 0) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      continue;
+    }
+    const platform::MutexLock lock(bufferLock_);
+    if (giveBackTail()) {  // otherwise another read has begun, or the file cannot be shortened
+      return true;
+    }
+  }
+  return false;
 }
 
 std::uint64_t OVBlockBuffer::endOfMappedBytes() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -42,6 +43,9 @@ struct BlockLocation {
 /// operations documented to take no lock. Real-time: not safe.
 class OVBlockBuffer : public OVAudioBufferInterface {
  public:
+  /// See rollBack().
+  static constexpr std::chrono::seconds kReadsPatience{2};
+
   /// An empty buffer with its own temporary file. Null when the file cannot be created, which a
   /// modal alert reports.
   [[nodiscard]] static std::shared_ptr<OVBlockBuffer> init();
@@ -100,7 +104,9 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   /// Throws std::out_of_range when there is no waypoint. Also gives back what was written since the
   /// last waypoint: the file is cut off and the next write appends there. What a block, a waypoint
   /// or the redo state maps is kept; so is everything if the file cannot be shortened. A read that
-  /// is under way still finds its bytes: they are given back before the next write.
+  /// is under way still finds its bytes: they are given back before a later write, at the latest
+  /// before one for which there is no room otherwise, which waits for the reads, up to
+  /// kReadsPatience.
   void rollBack() override;
 
   void lock() override ACQUIRE(bufferLock_);
@@ -193,7 +199,11 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   std::vector<Stretch> stretches(std::uint64_t address, std::uint64_t byteCount) const
       REQUIRES(bufferLock_);
   void restore(const OVBufferState& state) REQUIRES(bufferLock_);
-  void giveBackTail() REQUIRES(appendLock_, bufferLock_);
+  platform::FileTransfer append(const void* data, std::uint32_t withSize) REQUIRES(appendLock_)
+      EXCLUDES(bufferLock_);
+  /// Both return whether the file has become shorter.
+  bool giveBackTail() REQUIRES(appendLock_, bufferLock_);
+  [[nodiscard]] bool giveBackTailAfterReads() REQUIRES(appendLock_) EXCLUDES(bufferLock_);
   [[nodiscard]] std::uint64_t endOfMappedBytes() const REQUIRES(bufferLock_);
   void listChanged() REQUIRES(bufferLock_);
   [[nodiscard]] std::shared_ptr<const OVBufferState> keepState() const REQUIRES(bufferLock_);

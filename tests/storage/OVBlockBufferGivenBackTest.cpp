@@ -6,6 +6,7 @@
 #include <future>
 
 #include "storage/BlockBufferFixture.h"
+#include "support/Eventually.h"
 #include "support/Gate.h"
 
 namespace {
@@ -145,6 +146,27 @@ TEST_F(OVBlockBufferGivenBackTest, AWriteDuringALongReadDoesNotWaitForIt) {
   write(*buffer_, pattern(40, 5), 960);
   EXPECT_EQ(buffer_->f_write_pos(), 1400U) << "nothing below a later write is given back";
   EXPECT_EQ(read(*buffer_, 960, 0), before_ + next);
+}
+
+TEST_F(OVBlockBufferGivenBackTest, AWriteForWhichThereIsNoRoomOtherwiseWaitsForTheReadAndIsWhole) {
+  write(*buffer_, before_, 0);
+  files_.fillUpAfter(400);
+  buffer_->setWaypoint();
+  write(*buffer_, pattern(400, 2), 800);
+  const Bytes during = read(*buffer_, 2000, 0);
+  holdTheNextRead();
+  auto reader = std::async(std::launch::async, [&] { return read(*buffer_, 2000, 0); });
+  ASSERT_TRUE(gate_.awaitArrival());
+  buffer_->rollBack();
+  const Bytes next = pattern(400, 4);
+  const auto writes = files_.writes();
+  auto writer = std::async(std::launch::async, [&] { write(*buffer_, next, 800); });
+  ASSERT_TRUE(support::eventually([&] { return files_.writes() > writes; }));
+  gate_.open();
+  EXPECT_EQ(reader.get(), during);
+  writer.get();
+  EXPECT_EQ(buffer_->f_write_pos(), 1200U);
+  EXPECT_EQ(read(*buffer_, 2000, 0), before_ + next);
 }
 
 TEST_F(OVBlockBufferGivenBackTest, StepsThatAreRolledBackOneAfterTheOtherGiveBackNothingTwice) {
