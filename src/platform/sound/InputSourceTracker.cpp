@@ -33,14 +33,7 @@ void InputSourceTracker::opened(AudioDevice& device, AudioInputStream& stream) {
 
 void InputSourceTracker::closed(AudioDevice& device) {
   isListed_ = false;
-  const auto inputs = device.inputs();
-  if (!inputs || inputs->empty()) {
-    setSource({.kind = Kind::kNone, .isOpen = false, .id = {}, .name = {}});
-    return;
-  }
-  const auto standard = std::find_if(inputs->begin(), inputs->end(),
-                                     [](const auto& input) { return input.isDefault; });
-  setSource(sourceOf(standard == inputs->end() ? inputs->front() : *standard, false));
+  setSource(standardOf(device.inputs().value_or(Inputs())));
 }
 
 InputSourceTracker::Change InputSourceTracker::look(AudioDevice& device, AudioInputStream& stream,
@@ -57,6 +50,7 @@ InputSourceTracker::Change InputSourceTracker::look(AudioDevice& device, AudioIn
   }
   if (isListed_ && find(*inputs, former.id) == nullptr) {
     setLost();
+    setSource(standardOf(*inputs));
     return Change::kLost;
   }
   if (!moved) {
@@ -80,12 +74,23 @@ AudioInputSource InputSourceTracker::lost() const {
 
 void InputSourceTracker::setLost() {
   const MutexLock lock(mutex_);
-  lost_ = std::exchange(source_, {});
+  if (source_ != AudioInputSource()) {  // otherwise it was lost already
+    lost_ = std::exchange(source_, {});
+  }
 }
 
 void InputSourceTracker::setSource(AudioInputSource source) {
   const MutexLock lock(mutex_);
   source_ = std::move(source);
+}
+
+AudioInputSource InputSourceTracker::standardOf(const Inputs& inputs) {
+  if (inputs.empty()) {
+    return {.kind = Kind::kNone, .isOpen = false, .id = {}, .name = {}};
+  }
+  const auto standard =
+      std::find_if(inputs.begin(), inputs.end(), [](const auto& input) { return input.isDefault; });
+  return sourceOf(standard == inputs.end() ? inputs.front() : *standard, false);
 }
 
 const AudioInputDevice* InputSourceTracker::find(const Inputs& inputs, const std::string& id) {

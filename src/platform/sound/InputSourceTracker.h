@@ -27,7 +27,7 @@ class InputSourceTracker {
   void closed(AudioDevice& device);
 
   /// Compares an open stream's input with the last one. `inputsChanged`: the list of inputs is
-  /// compared too, which asks the sound system.
+  /// compared too, which asks the sound system. After a loss the source is the default input.
   [[nodiscard]] Change look(AudioDevice& device, AudioInputStream& stream, bool inputsChanged);
 
   /// AudioQueues::inputSource() and lostInput(). Threads: any.
@@ -39,6 +39,8 @@ class InputSourceTracker {
  private:
   using Inputs = std::vector<AudioInputDevice>;
 
+  /// What the next stream would capture from.
+  [[nodiscard]] static AudioInputSource standardOf(const Inputs& inputs);
   [[nodiscard]] static const AudioInputDevice* find(const Inputs& inputs, const std::string& id);
   void setSource(AudioInputSource source) EXCLUDES(mutex_);
 

@@ -135,13 +135,16 @@ void SharedInput::scheduleClosing() {
 }
 
 void SharedInput::open(AudioDevice& device, std::uint64_t opening) {
+  if (!isCurrent(opening)) {
+    return;  // it was given up before it began
+  }
   watchForStall(opening);
   detector_.reset();
   pendingFailure_.store(kAudioStatusOk);
   auto made = device.openInput(*this);
   if (!made) {
     pendingFailure_.store(kAudioStatusOk);
-    if (isCurrent(opening)) {
+    if (claimEnd(opening)) {
       fail(made.error());
     }
     lookForInput(device);
@@ -151,15 +154,17 @@ void SharedInput::open(AudioDevice& device, std::uint64_t opening) {
   streamsOpening_ = opening;
   if (isCurrent(opening)) {  // otherwise it has stalled, and its end is posted
     tracker_.opened(device, *stream_);
-    opened();
-    scheduleLook(kLookAtStream);
+    opened(opening);
   }
 }
 
-void SharedInput::opened() {
+void SharedInput::opened(std::uint64_t opening) {
   decltype(questions_) questions;
   {
     const MutexLock lock(mutex_);
+    if (opening != opening_) {
+      return;  // it has stalled while its input was looked up
+    }
     questions.swap(questions_);
     failing_ = false;
     state_ = State::kOpen;
@@ -171,16 +176,30 @@ void SharedInput::opened() {
   for (const auto& question : questions) {
     question->give(kAudioStatusOk);
   }
+  scheduleLook(kLookAtStream);
+}
+
+bool SharedInput::claimEnd(std::uint64_t opening) {
+  const MutexLock lock(mutex_);
+  if (opening != opening_) {
+    return false;
+  }
+  ++opening_;
+  return true;
 }
 
 void SharedInput::fail(AudioStatus status) {
   {
     const MutexLock lock(mutex_);
-    unreported_ = unreported_ || !failing_;
-    failing_ = true;
+    noteFailing();
     failure_.note(status, clock_->now());
   }
   endUsers(status, LastBlock::kDelivered, State::kFailed);
+}
+
+void SharedInput::noteFailing() {
+  unreported_ = unreported_ || !failing_;
+  failing_ = true;
 }
 
 void SharedInput::endUsers(AudioStatus status, LastBlock lastBlock, State next) {
@@ -207,7 +226,7 @@ void SharedInput::tearDownFailed(AudioDevice& device) {
   if (status == kAudioStatusOk || !stream_) {
     return;
   }
-  if (isCurrent(streamsOpening_)) {
+  if (claimEnd(streamsOpening_)) {
     tracker_.setLost();
     fail(status);  // first: closing a dead stream may hang
   }
@@ -216,18 +235,18 @@ void SharedInput::tearDownFailed(AudioDevice& device) {
 }
 
 void SharedInput::stalled(std::uint64_t opening) {
-  {
-    const MutexLock lock(mutex_);
-    if (opening != opening_) {
-      return;
-    }
-    ++opening_;
+  if (!claimEnd(opening)) {
+    return;
   }
   tracker_.setLost();
   fail(kDeviceStalledStatus);
-  control_->post([self = shared_from_this()](AudioDevice& device) {
-    self->stream_.reset();
-    self->lookForInput(device);
+  control_->post([self = shared_from_this(), opening](AudioDevice& device) {
+    if (self->streamsOpening_ == opening) {  // otherwise there is a new one
+      self->stream_.reset();
+    }
+    if (!self->stream_) {
+      self->lookForInput(device);
+    }
   });
 }
 
@@ -246,14 +265,27 @@ void SharedInput::lookAtInputs(AudioDevice& device, bool changed) {
     lookForInput(device);
     return;
   }
-  if (tracker_.look(device, *stream_, changed) == InputSourceTracker::Change::kLost) {
-    // Another input may be there already: the next user opens it at once.
-    endUsers(kDeviceLostStatus, LastBlock::kDropped, State::kClosed);
-    stream_.reset();
-    lookForInput(device);
+  if (!isCurrent(streamsOpening_)) {
+    return;  // it has stalled, and its end is posted
+  }
+  if (tracker_.look(device, *stream_, changed) != InputSourceTracker::Change::kLost) {
+    scheduleLook(kLookAtStream);
     return;
   }
-  scheduleLook(kLookAtStream);
+  if (claimEnd(streamsOpening_)) {  // otherwise it has stalled meanwhile
+    lose();
+    stream_.reset();
+    lookForInput(device);
+  }
+}
+
+void SharedInput::lose() {
+  if (tracker_.source().kind != AudioInputSource::Kind::kMicrophone) {
+    const MutexLock lock(mutex_);
+    noteFailing();
+  }
+  // Another input may be there already: the next user opens it at once.
+  endUsers(kDeviceLostStatus, LastBlock::kDropped, State::kClosed);
 }
 
 void SharedInput::lookForInput(AudioDevice& device) {
@@ -279,6 +311,7 @@ void SharedInput::closeIfUnused() {
       return;
     }
     state_ = State::kClosed;
+    ++opening_;  // it cannot stall any more
     watched.swap(watched_);
   }
   stream_.reset();

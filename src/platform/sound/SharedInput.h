@@ -103,15 +103,20 @@ class SharedInput final : public AudioInputClient,
 
   // On the control thread.
   void open(AudioDevice& device, std::uint64_t opening);
-  void opened() EXCLUDES(mutex_);
+  void opened(std::uint64_t opening) EXCLUDES(mutex_);
   void tearDownFailed(AudioDevice& device);
   void scheduleLook(std::chrono::nanoseconds delay);
   void lookAtInputs(AudioDevice& device, bool changed) EXCLUDES(mutex_);
+  void lose() EXCLUDES(mutex_);
   void lookForInput(AudioDevice& device) EXCLUDES(mutex_);
   void closeIfUnused() EXCLUDES(mutex_);
   void close();
 
   // On the control thread, or that of the stall watch.
+  /// True if the opening, or its stream, is the last one and nobody else has ended it. The caller
+  /// then ends it.
+  [[nodiscard]] bool claimEnd(std::uint64_t opening) EXCLUDES(mutex_);
+  void noteFailing() REQUIRES(mutex_);
   void fail(AudioStatus status) EXCLUDES(mutex_);
   void endUsers(AudioStatus status, LastBlock lastBlock, State next) EXCLUDES(mutex_);
 
@@ -147,7 +152,7 @@ class SharedInput final : public AudioInputClient,
   bool preparing_ GUARDED_BY(mutex_) = false;
   AudioClock::TimePoint openingSince_ GUARDED_BY(mutex_);
   AudioClock::TimePoint unusedSince_ GUARDED_BY(mutex_);
-  // The number of the last opening. One that has stalled is no longer the last.
+  // The number of the last opening. One that was claimed for its end is no longer the last.
   std::uint64_t opening_ GUARDED_BY(mutex_) = 0;
   std::shared_ptr<StallWatch::Stream> watched_ GUARDED_BY(mutex_);
   RecentFailure failure_ GUARDED_BY(mutex_);

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "platform/sound/AudioQueueFixture.h"
+#include "platform/sound/StallWatch.h"
 
 namespace platform::test {
 namespace {
@@ -498,10 +499,12 @@ TEST_F(SharedInputTest, AnInputThatComesBackIsKnownAndRecordedFromAgain) {
   device->failOpeningInput(kDeviceUnavailableStatus);
   device->setInputs(std::vector<AudioInputDevice>());
   ASSERT_TRUE(recording.failures.awaitCount(1));
+  EXPECT_TRUE(queues->claimInputFailureAlert());
   ASSERT_TRUE(support::eventually(
       [&] { return queues->inputSource().kind == AudioInputSource::Kind::kNone; }));
   Recording refused;
   EXPECT_EQ(refused.make(*queues), kDeviceUnavailableStatus);
+  EXPECT_FALSE(queues->claimInputFailureAlert()) << "its loss was told";
   device->failOpeningInput(kAudioStatusOk);
   device->setInputs({{inputNamed("mic")}});
   ASSERT_TRUE(support::eventually(
@@ -510,6 +513,19 @@ TEST_F(SharedInputTest, AnInputThatComesBackIsKnownAndRecordedFromAgain) {
   Recording again;
   EXPECT_TRUE(support::eventually([&] { return again.begin(*queues) == kAudioStatusOk; }));
   EXPECT_TRUE(queues->inputSource().isOpen);
+}
+
+TEST_F(SharedInputTest, ALossThatAnotherMicrophoneReplacesIsNotTheFailureOfThatOne) {
+  device->setInputs({{inputNamed("mic"), inputNamed("other", false)}});
+  Recording recording;
+  ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
+  device->failOpeningInput(-5);
+  device->setInputs({{inputNamed("other")}});
+  ASSERT_TRUE(recording.failures.awaitCount(1));
+  EXPECT_FALSE(queues->claimInputFailureAlert());
+  Recording refused;
+  EXPECT_EQ(refused.make(*queues), -5);
+  EXPECT_TRUE(queues->claimInputFailureAlert());
 }
 
 TEST_F(SharedInputTimeTest, AMissingInputIsLookedForAlsoWithoutNotice) {
@@ -603,15 +619,87 @@ TEST_F(SharedInputTimeTest, AnOpeningThatHangsIsGivenUpAndItsLateStreamIsClosed)
   EXPECT_TRUE(again.endFrames.awaitCount(1));
 }
 
-TEST_F(SharedInputTimeTest, AProgramThatWasStoppedForLongLosesNoInput) {
+TEST_F(SharedInputTimeTest, AnOpeningThatIsGivenUpWhileItsInputIsLookedUpStaysGivenUp) {
+  device->hangListing();
+  Recording recording;
+  auto making = std::async(std::launch::async, [&] { return recording.begin(*queues); });
+  ASSERT_TRUE(clock->awaitWaiter(milliseconds(250)));
+  clock->advance(milliseconds(250));
+  ASSERT_EQ(making.get(), kAudioStatusOk);
+  ASSERT_TRUE(device->awaitHanging());
+  ASSERT_TRUE(device->isInputOpen());
+  ASSERT_TRUE(support::eventually([&] {
+    clock->advance(milliseconds(100));
+    return recording.failures.count() > 0;
+  }));
+  device->release();
+  ASSERT_TRUE(device->awaitInputClosed());
+  clock->advance(seconds(1));
+  Recording again;
+  ASSERT_EQ(again.begin(*queues), kAudioStatusOk);
+  EXPECT_TRUE(device->feed(ramp(0, kRecordFrames)));
+  EXPECT_TRUE(again.endFrames.awaitCount(1));
+}
+
+TEST_F(SharedInputTimeTest, AnOpeningThatIsGivenUpBeforeItBeginsOpensNothing) {
+  Recording former;
+  ASSERT_EQ(former.begin(*queues), kAudioStatusOk);
+  former.queue.reset();
+  clock->advance(milliseconds(2999));
+  settle();
+  device->hang();
+  clock->advance(milliseconds(1));
+  ASSERT_TRUE(device->awaitHanging());  // closing
+  Recording recording;
+  auto making = std::async(std::launch::async, [&] { return recording.begin(*queues); });
+  ASSERT_TRUE(clock->awaitWaiter(milliseconds(250)));
+  clock->advance(milliseconds(250));
+  ASSERT_EQ(making.get(), kAudioStatusOk);
+  ASSERT_TRUE(support::eventually([&] {
+    clock->advance(milliseconds(100));
+    return recording.failures.count() > 0;
+  }));
+  device->release();
+  clock->advance(seconds(1));
+  Recording again;
+  ASSERT_EQ(again.begin(*queues), kAudioStatusOk);
+  EXPECT_EQ(device->inputsOpened(), 2U);
+}
+
+TEST_F(SharedInputTimeTest, AnInputThatStallsWhileTheInputsAreListedIsNotLostASecondTime) {
+  device->setInputs({{inputNamed("mic"), inputNamed("spk.monitor", false)}});
+  Recording recording;
+  ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
+  device->hangListing();
+  device->moveInput("spk.monitor");
+  device->setInputs({{inputNamed("spk.monitor")}});
+  ASSERT_TRUE(device->awaitHanging());
+  ASSERT_TRUE(support::eventually([&] {
+    clock->advance(milliseconds(100));
+    return recording.failures.count() > 0;
+  }));
+  device->release();
+  ASSERT_TRUE(device->awaitInputClosed());
+  EXPECT_EQ(recording.failures.values(), (std::vector<AudioStatus>{kDeviceStalledStatus}));
+  EXPECT_EQ(queues->lostInput().name, "The mic");
+  // It is still known as failed: an input is looked for.
+  const std::size_t looks = device->looksAtInputs();
+  EXPECT_TRUE(support::eventually([&] {
+    clock->advance(seconds(1));
+    return device->looksAtInputs() >= looks + 3;
+  }));
+}
+
+TEST_F(SharedInputTimeTest, AProgramThatIsStoppedForLongAgainAndAgainLosesNoInput) {
   Recording recording;
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   device->feed(ramp(0, 100));
   for (int i = 0; i < 5; ++i) {
+    ASSERT_TRUE(clock->awaitWaiter(StallWatch::kInterval));
     clock->advance(seconds(20));
-    settle();
-    ASSERT_TRUE(device->feed(ramp(0, 100)));
   }
+  ASSERT_TRUE(clock->awaitWaiter(StallWatch::kInterval));  // it has looked each time
+  settle();
   EXPECT_EQ(recording.failures.count(), 0U);
 }
 

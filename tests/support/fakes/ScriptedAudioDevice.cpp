@@ -42,6 +42,7 @@ struct ScriptedAudioDevice::Script {
   mutable std::condition_variable changed;
   // guarded by mutex
   bool hanging = false;
+  bool listingHangs = false;
   std::size_t blocked = 0;  // calls waiting for release()
   AudioStatus openingInput = kAudioStatusOk;
   AudioStatus openingOutput = kAudioStatusOk;
@@ -60,11 +61,11 @@ struct ScriptedAudioDevice::Script {
   std::size_t looksAtInputs = 0;
 
   /// Every device call starts with this.
-  void pass() {
+  void pass(bool isListing = false) {
     std::unique_lock lock(mutex);
     ++blocked;
     changed.notify_all();
-    changed.wait(lock, [&] { return !hanging; });
+    changed.wait(lock, [&] { return !hanging && !(isListing && listingHangs); });
     --blocked;
   }
 
@@ -254,7 +255,7 @@ void ScriptedAudioDevice::setInputsChangedHandler(std::function<void()> changed)
 }
 
 std::optional<std::vector<AudioInputDevice>> ScriptedAudioDevice::inputs() {
-  script_->pass();
+  script_->pass(true);
   std::optional<std::vector<AudioInputDevice>> inputs;
   script_->change([&] {
     ++script_->looksAtInputs;
@@ -277,6 +278,10 @@ void ScriptedAudioDevice::setInputs(std::optional<std::vector<AudioInputDevice>>
 
 void ScriptedAudioDevice::moveInput(const std::string& id) {
   script_->change([&] { script_->currentInput = id; });
+}
+
+void ScriptedAudioDevice::hangListing() {
+  script_->change([this] { script_->listingHangs = true; });
 }
 
 std::size_t ScriptedAudioDevice::looksAtInputs() const {
@@ -423,11 +428,12 @@ void ScriptedAudioDevice::hang() {
 }
 
 void ScriptedAudioDevice::release() {
-  script_->change([this] { script_->hanging = false; });
+  script_->change([this] { script_->hanging = script_->listingHangs = false; });
 }
 
 bool ScriptedAudioDevice::awaitHanging() const {
-  return script_->await([this] { return script_->hanging && script_->blocked > 0; });
+  return script_->await(
+      [this] { return (script_->hanging || script_->listingHangs) && script_->blocked > 0; });
 }
 
 std::size_t ScriptedAudioDevice::preparations() const {

@@ -61,6 +61,8 @@ class ScriptedAudioDevice final : public AudioDevice {
   /// The open stream, and every one opened from now on, captures from the input with this id. Not
   /// notified: the sound system moves a stream silently.
   void moveInput(const std::string& id);
+  /// From now on inputs() alone blocks until release().
+  void hangListing();
   /// Calls of inputs().
   [[nodiscard]] std::size_t looksAtInputs() const;
 
