@@ -71,7 +71,6 @@ bool StallWatch::lookAtAll(AudioClock::TimePoint due) {
   const AudioClock::TimePoint now = clock_->now();
   std::vector<std::shared_ptr<Stream>> kept;  // released outside the lock
   std::vector<std::shared_ptr<Stream>> stalled;
-  bool goesOn = false;
   {
     const MutexLock lock(mutex_);
     std::erase_if(watched_, [&](Watched& watched) {
@@ -84,13 +83,14 @@ bool StallWatch::lookAtAll(AudioClock::TimePoint due) {
       (stands ? stalled : kept).push_back(std::move(stream));
       return stands;
     });
-    isRunning_ = !watched_.empty();
-    goesOn = isRunning_;
   }
   for (const auto& stream : stalled) {
     stream->stalled();
   }
-  return goesOn;
+  // After the calls: from here on watch() may wait for the end of this thread.
+  const MutexLock lock(mutex_);
+  isRunning_ = !watched_.empty();
+  return isRunning_;
 }
 
 }  // namespace platform

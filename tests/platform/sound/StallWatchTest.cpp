@@ -126,6 +126,17 @@ TEST_F(StallWatchTest, AStreamWhoseReferenceWasReleasedIsNotWatched) {
   EXPECT_EQ(stalls_, 0);
 }
 
+TEST_F(StallWatchTest, AStreamMayBeWatchedFromInsideACall) {
+  StallWatch watch(clock_);
+  std::shared_ptr<StallWatch::Stream> next;
+  const auto first = watch.watch(progress_, [&] {
+    next = watch.watch(other_, [this] { ++otherStalls_; });
+    ++stalls_;
+  });
+  ASSERT_TRUE(passUntil([&] { return otherStalls_ > 0; }));
+  EXPECT_EQ(stalls_, 1);
+}
+
 TEST_F(StallWatchTest, EndsItsThreadWhileNothingIsWatchedAndWatchesAgain) {
   const auto threads = support::threadCount();
   StallWatch watch(clock_);
