@@ -1,6 +1,7 @@
 #include "audio/DeviceLossAlert.h"
 
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
@@ -87,9 +88,26 @@ TEST_F(DeviceLossAlertTest, TenRecordingsAreOneAlert) {
     thread.join();
   }
   ASSERT_TRUE(awaitAlert());
-  report(OVInterrupted::recording);  // another, late
   passGathering();
   EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
+}
+
+TEST_F(DeviceLossAlertTest, ALossSoonAfterTheAlertIsNotToldAgainAndALaterOneIs) {
+  DeviceLossAlert::Clock::time_point now{std::chrono::hours(1)};
+  DeviceLossAlert alert([&now] { return now; });
+  const auto lose = [&alert] {
+    alert.add(platform::audioQueues(),
+              {OVInterrupted::recording, kDeviceLostStatus, "AudioQueueStart failed", "Mic"});
+  };
+  lose();
+  ASSERT_TRUE(awaitAlert());
+  now += DeviceLossAlert::kRemembered - std::chrono::milliseconds(1);
+  lose();
+  passGathering();
+  EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
+  now += std::chrono::milliseconds(1);
+  lose();
+  EXPECT_TRUE(runMainLoopUntil([this] { return services_->postedAlerts().size() == 2; }));
 }
 
 TEST_F(DeviceLossAlertTest, AMoreImportantLossThatComesLaterIsStillTold) {
