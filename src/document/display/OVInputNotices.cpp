@@ -60,7 +60,7 @@ void OVInputNotices::update(const OVInputState& now) {
 }
 
 void OVInputNotices::begin(const OVInputState&) {
-  shownSource_.clear();
+  shownSource_.reset();
   shownLosses_ = 0;
   notices_.withdraw(OVNoticeSubject::paused);
   notices_.withdraw(OVNoticeSubject::lostFrames);

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include <QString>
@@ -39,6 +41,6 @@ class OVInputNotices {
   OVNotices& notices_;
   const std::function<QString()> documentName_;
   bool wasRecording_ = false;
-  std::string shownSource_;      // its id
-  std::size_t shownLosses_ = 0;  // of this recording
+  std::optional<std::string> shownSource_;  // its id, which may be empty
+  std::size_t shownLosses_ = 0;             // of this recording
 };

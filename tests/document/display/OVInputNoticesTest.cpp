@@ -100,6 +100,15 @@ TEST_F(OVInputNoticesTest, AnInputWithoutANameIsTheDefaultInput) {
   EXPECT_EQ(shown(), "Recording from the default input");
 }
 
+TEST_F(OVInputNoticesTest, AnInputWithoutAnIdIsToldOfTooAndOnce) {
+  capture(Kind::kUnknown, "", "");
+  record();
+  EXPECT_EQ(shown(), "Recording from the default input");
+  fade();
+  update();
+  EXPECT_EQ(shown(), "");
+}
+
 TEST_F(OVInputNoticesTest, ANameIsShownInOneLineAndCut) {
   capture(Kind::kMicrophone, "mic", "<b>A</b>\nB" + std::string(300, 'x'));
   record();
