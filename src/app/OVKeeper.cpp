@@ -1,6 +1,6 @@
 #include "app/OVKeeper.h"
 
-#include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -14,15 +14,14 @@ OVKeeper::~OVKeeper() {
 }
 
 // Where the modules are: first as installed, then as in the build tree.
-std::string OVKeeper::programPath() {
-  const QString folder = QCoreApplication::applicationDirPath();
-  for (const char* const modules : {ORVO_INSTALLED_MODULES, "../../lib/orvo"}) {
-    const QFileInfo program(folder + '/' + modules + "/orvo-keeper");
-    if (program.isExecutable()) {
-      return QFile::encodeName(program.absoluteFilePath()).toStdString();
-    }
-  }
-  return "orvo-keeper";
+std::string OVKeeper::programPath(const QString& folder) {
+  const auto pathIn = [&folder](const char* modules) {
+    return QDir::cleanPath(QDir(folder).absoluteFilePath(modules)) + "/orvo-keeper";
+  };
+  const QString installed = pathIn(ORVO_INSTALLED_MODULES);
+  const QString built = pathIn("../../lib/orvo");
+  const bool isBuilt = !QFileInfo(installed).isExecutable() && QFileInfo(built).isExecutable();
+  return QFile::encodeName(isBuilt ? built : installed).toStdString();
 }
 
 void OVKeeper::watch() {

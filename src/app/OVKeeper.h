@@ -4,6 +4,7 @@
 #include <string>
 
 #include <QSocketNotifier>
+#include <QString>
 
 #include "platform/base/Installed.h"
 #include "recovery/KeeperConnection.h"
@@ -20,8 +21,9 @@ class OVKeeper {
   OVKeeper(const OVKeeper&) = delete;
   OVKeeper& operator=(const OVKeeper&) = delete;
 
-  /// The path of the keeper that belongs to the running program.
-  [[nodiscard]] static std::string programPath();
+  /// The absolute path of the keeper that belongs to the program in a folder, whether it is there
+  /// or not.
+  [[nodiscard]] static std::string programPath(const QString& folder);
 
   void start() { connection_->start(); }
 

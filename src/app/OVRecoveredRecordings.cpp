@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QFileInfo>
 
 #include "document/files/OVDocumentFile.h"
 #include "platform/base/ApplicationServices.h"
@@ -123,8 +124,8 @@ void OVRecoveredRecordings::listed(const Files& held, const OVRecoveredListing& 
     return file.claim && isIn(held, file.path) && !isIn(files_, file.path);
   });
   files_ = std::move(now);
-  watch();
-  if (isOutOfDate) {
+  // What happened before the folder was watched is seen by one more look.
+  if (watch(listing.nearest) || isOutOfDate) {
     list();
     return;
   }
@@ -132,11 +133,17 @@ void OVRecoveredRecordings::listed(const Files& held, const OVRecoveredListing& 
   present();
 }
 
-// The folder exists now. A folder that is deleted and made again is watched again.
-void OVRecoveredRecordings::watch() {
-  if (watcher_ && folderError_ == 0 && watcher_->directories().isEmpty()) {
-    watcher_->addPath(QFile::decodeName(folder_.c_str()));
+// While the recordings' own folder is missing, the nearest one above it is watched. Whether another
+// look is needed since what is watched has changed, or is gone.
+bool OVRecoveredRecordings::watch(const std::string& folder) {
+  const QString path = QFile::decodeName(folder.c_str());
+  if (!watcher_ || folderError_ != 0 || watcher_->directories() == QStringList{path}) {
+    return false;
   }
+  if (const QStringList former = watcher_->directories(); !former.isEmpty()) {
+    watcher_->removePaths(former);
+  }
+  return watcher_->addPath(path) || !QFileInfo::exists(path);
 }
 
 void OVRecoveredRecordings::lookAgainLater(const OVRecoveredListing& listing) {
@@ -154,7 +161,7 @@ void OVRecoveredRecordings::lookAgainLater(const OVRecoveredListing& listing) {
 
 bool OVRecoveredRecordings::hasNews() const {
   return std::any_of(files_.begin(), files_.end(), [this](const OVRecoveredFile& file) {
-    return file.claim && !offered_.contains(file.path);
+    return file.claim && !offered_.contains({file.path, file.number});
   });
 }
 
@@ -178,7 +185,7 @@ void OVRecoveredRecordings::present() {
 void OVRecoveredRecordings::noteOffered() {
   for (const OVRecoveredFile& file : files_) {
     if (file.claim) {
-      offered_.insert(file.path);
+      offered_.emplace(file.path, file.number);
     }
   }
 }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QFileSystemWatcher>
@@ -54,7 +56,7 @@ class OVRecoveredRecordings {
   void folderChanged();
   void list();
   void listed(const Files& held, const OVRecoveredListing& listing);
-  void watch();
+  [[nodiscard]] bool watch(const std::string& folder);
   void lookAgainLater(const OVRecoveredListing& listing);
   void present();
   [[nodiscard]] bool hasNews() const;
@@ -70,12 +72,12 @@ class OVRecoveredRecordings {
   const Callbacks callbacks_;
   platform::SerialQueue queue_{"recovered recordings"};
   Listing listing_ = Listing::none;
-  Files files_;                    // claimed, as long as they are or will be shown
-  std::set<std::string> offered_;  // paths that a question has named
-  bool isWanted_ = false;          // the command waits for the list
-  bool isAtLaunch_ = true;         // until the folder was read once
-  int folderError_ = 0;            // errno of the last listing
-  int nextLook_;                   // milliseconds until an unsettled folder is read again
+  Files files_;  // claimed, as long as they are or will be shown
+  std::set<std::pair<std::string, std::uint64_t>> offered_;  // path and number: questions named it
+  bool isWanted_ = false;                                    // the command waits for the list
+  bool isAtLaunch_ = true;                                   // until the folder was read once
+  int folderError_ = 0;                                      // errno of the last listing
+  int nextLook_;  // milliseconds until an unsettled folder is read again
   QPointer<OVRecoveredPanel> panel_;
   std::unique_ptr<QFileSystemWatcher> watcher_;  // from begin() on
   QTimer askAgain_;

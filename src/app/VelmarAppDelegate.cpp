@@ -153,6 +153,9 @@ void VelmarAppDelegate::openInNewWindow(const std::string& path) {
 }
 
 void VelmarAppDelegate::openRecovered(const OVRecoveredFile& file) {
+  if (!hasRoomForAWindow()) {
+    return;  // the file is kept, and listed
+  }
   const auto controller = makeWindow();
   controller->showWindow();
   controller->openRecovered(file);

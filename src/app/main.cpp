@@ -97,7 +97,7 @@ int main(int argc, char** argv) {
   const auto services = servicesOf(delegate);
   const platform::Installed<platform::ApplicationServices>::Scope installedServices(services);
   delegate.setAlertsPendingCheck([services] { return services->hasAlerts(); });
-  OVKeeper keeper(OVKeeper::programPath());
+  OVKeeper keeper(OVKeeper::programPath(QCoreApplication::applicationDirPath()));
   delegate.applicationWillFinishLaunching();
   OVApplicationEvents events(
       {.openFile = [&delegate](const std::string& path) { delegate.applicationOpenFile(path); },

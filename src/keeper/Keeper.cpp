@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "keeper/PassingErrors.h"
 #include "platform/files/PosixFile.h"
 
 Keeper::Keeper(std::unique_ptr<platform::DescriptorChannel> program, Settings settings)
@@ -56,7 +57,7 @@ bool Keeper::recover() {
   }
   auto folder = RecoveredFolder::open(settings_.dataDirectory);
   if (!folder) {
-    return folder.error() != ENOSPC && folder.error() != EDQUOT && folder.error() != EROFS;
+    return !mayPass(folder.error());
   }
   for (auto entry = recordings_.begin(); entry != recordings_.end();) {
     const bool waits = entry->second.recover(**folder) == KeptRecording::Outcome::waiting;

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "keeper/CafHeader.h"
+#include "keeper/PassingErrors.h"
 #include "platform/base/AudioTypes.h"
 #include "storage/JournalReplay.h"
 
@@ -59,12 +60,6 @@ int reserve(platform::PosixFile& file, std::uint64_t byteCount) {
   return file.setSize(byteCount);
 }
 
-// Whether another try may succeed once the user has made room or the disk is well again.
-bool mayPass(int error) {
-  constexpr std::array kPassing{ENOSPC, EDQUOT, EROFS, EIO, ENOMEM, EMFILE, ENFILE, EINTR};
-  return std::find(kPassing.begin(), kPassing.end(), error) != kPassing.end();
-}
-
 }  // namespace
 
 KeptRecording::KeptRecording(std::unique_ptr<platform::File> audio,
@@ -77,18 +72,22 @@ KeptRecording::Outcome KeptRecording::recover(RecoveredFolder& folder) {
     return Outcome::done;
   }
   if (mayPass(error)) {
-    if (part_) {
+    if (part_ && !part_->isSynced) {
       static_cast<void>(part_->file->setSize(0));  // the disk is full enough
     }
     return Outcome::waiting;
   }
-  if (const auto useless = std::exchange(part_, std::nullopt)) {
-    folder.discard(*useless);
+  // A recording that only lacks its name is offered with the suffix.
+  if (const auto left = std::exchange(part_, std::nullopt); left && !left->isSynced) {
+    folder.discard(*left);
   }
   return Outcome::failed;
 }
 
 int KeptRecording::write(RecoveredFolder& folder) {
+  if (part_ && part_->isSynced) {
+    return folder.complete(*part_);
+  }
   const auto origin = readJournalOrigin(*journal_);
   if (!origin) {
     return origin.error();

@@ -20,7 +20,7 @@ class KeptRecording {
   enum class Outcome {
     done,     ///< written, or there was nothing to lose
     waiting,  ///< no room on the disk: try again later
-    failed,   ///< it cannot be recovered
+    failed,   ///< it cannot be recovered, or stays as a whole part file
   };
   /// Writes the recording as its document last had it into the folder, if it would be lost
   /// otherwise. Holes, and what the disk never took, are silent. While there is no room for all of

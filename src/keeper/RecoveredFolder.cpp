@@ -67,6 +67,11 @@ int openDataDirectory(const std::string& path) {
   return folder;
 }
 
+bool isThere(int folder, const std::string& name) {
+  struct stat information = {};
+  return ::fstatat(folder, name.c_str(), &information, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
 int renameKeepingOthers(int folder, const std::string& from, const std::string& to) {
 #if defined(RENAME_NOREPLACE)
   if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0) {
@@ -77,10 +82,17 @@ int renameKeepingOthers(int folder, const std::string& from, const std::string& 
   }
 #endif
   // A second name never replaces a file either.
-  if (::linkat(folder, from.c_str(), folder, to.c_str(), 0) != 0) {
-    return errno;
+  if (::linkat(folder, from.c_str(), folder, to.c_str(), 0) == 0) {
+    return ::unlinkat(folder, from.c_str(), 0) == 0 ? 0 : errno;
   }
-  return ::unlinkat(folder, from.c_str(), 0) == 0 ? 0 : errno;
+  if (errno == EEXIST) {
+    return EEXIST;
+  }
+  // Some disks know neither. Only keepers write here, and two rarely need one name at once.
+  if (isThere(folder, to)) {
+    return EEXIST;
+  }
+  return ::renameat(folder, from.c_str(), folder, to.c_str()) == 0 ? 0 : errno;
 }
 
 }  // namespace
@@ -119,8 +131,7 @@ RecoveredFolder::~RecoveredFolder() {
 }
 
 bool RecoveredFolder::exists(const std::string& name) const {
-  struct stat information = {};
-  return ::fstatat(descriptor_, name.c_str(), &information, AT_SYMLINK_NOFOLLOW) == 0;
+  return isThere(descriptor_, name);
 }
 
 platform::Result<PartFile> RecoveredFolder::create(const std::string& name,
@@ -173,9 +184,10 @@ bool RecoveredFolder::removeDeadPart(const std::string& name) const {
 }
 
 int RecoveredFolder::complete(PartFile& part) {
-  if (::fsync(part.file->descriptor()) != 0) {
+  if (!part.isSynced && ::fsync(part.file->descriptor()) != 0) {
     return errno;
   }
+  part.isSynced = true;
   if (const int error = rename(part); error != 0) {
     return error;
   }
@@ -186,8 +198,9 @@ int RecoveredFolder::complete(PartFile& part) {
 
 int RecoveredFolder::rename(const PartFile& part) const {
   const std::string from = partOf(part.name);
-  if (part.replacesFormer) {
-    return ::renameat(descriptor_, from.c_str(), descriptor_, part.name.c_str()) == 0 ? 0 : errno;
+  if (part.replacesFormer &&
+      ::renameat(descriptor_, from.c_str(), descriptor_, part.name.c_str()) == 0) {
+    return 0;  // otherwise it gets a name of its own
   }
   // Another keeper may have taken the name meanwhile.
   const std::string base = part.name.substr(0, part.name.size() - kSuffix.size());

@@ -15,6 +15,7 @@ struct PartFile {
   std::unique_ptr<platform::PosixFile> file;
   std::string name;             ///< without the suffix
   bool replacesFormer = false;  ///< an earlier file of this name, see RecoveredFolder::create()
+  bool isSynced = false;        ///< everything is on the disk; it only lacks its name
 };
 
 /// The folder of recovered recordings, which only the user can read.
@@ -36,7 +37,8 @@ class RecoveredFolder {
   /// plain name of such a file is ignored.
   [[nodiscard]] platform::Result<PartFile> create(const std::string& name,
                                                   const std::string& former);
-  /// The part file is complete: writes it to disk and removes its suffix. Returns 0 or an errno.
+  /// The part file is complete: writes it to disk and removes its suffix. Returns 0 or an errno,
+  /// after which it can be called again.
   [[nodiscard]] int complete(PartFile& part);
   /// Deletes a part file that will not be completed.
   void discard(const PartFile& part);

@@ -44,6 +44,7 @@ void KeeperConnection::launch() {
 
 void KeeperConnection::keep(std::uint64_t document, const Recording& recording) {
   platform::assertMainThread();
+  reapFormer();
   if (!isAvailable_) {
     return;
   }
@@ -54,6 +55,7 @@ void KeeperConnection::keep(std::uint64_t document, const Recording& recording) 
 
 void KeeperConnection::letGo(std::uint64_t document) {
   platform::assertMainThread();
+  reapFormer();
   if (recordings_.erase(document) == 0) {
     return;
   }
@@ -66,6 +68,7 @@ void KeeperConnection::letGo(std::uint64_t document) {
 }
 
 void KeeperConnection::sendPending() {
+  reapFormer();
   while (channel_ && !pending_.empty()) {
     const KeeperMessage message = pending_.front();
     std::array<int, 2> descriptors{};
@@ -105,13 +108,17 @@ void KeeperConnection::died() {
   const bool soon = std::chrono::steady_clock::now() - started_ < kSoon;
   failures_ = soon ? failures_ + 1 : 0;
   channel_.reset();
-  former_.push_back(std::move(process_));  // its connection ends before it does
-  std::erase_if(former_, [](const auto& process) { return process->hasEnded(); });
+  former_.push_back(std::move(process_));
   if (failures_ >= kMaxFailures) {
     giveUp(ECHILD);
   } else {
     launch();
   }
+}
+
+// A keeper's connection may end before it does, so it is looked for again with each message.
+void KeeperConnection::reapFormer() {
+  std::erase_if(former_, [](const auto& process) { return process->hasEnded(); });
 }
 
 void KeeperConnection::giveUp(int error) {

@@ -64,6 +64,7 @@ class KeeperConnection : public RecordingKeeper {
  private:
   void launch();
   void died();
+  void reapFormer();
   void giveUp(int error);
   void changed() const;
 

@@ -61,6 +61,8 @@ class BlockJournal {
 
   // Room. Threads: one at a time, without the lock of the list where not stated otherwise.
 
+  /// Whether it lacks the present state: the other process would find an earlier one. Any thread.
+  [[nodiscard]] bool isBehind() const { return isBehind_.load(std::memory_order_relaxed); }
   /// Whether makeRoom() or a new state is needed. Any thread.
   [[nodiscard]] bool wantsSettling() const { return wantsRoom() || wantsState(); }
   [[nodiscard]] bool wantsState() const;

@@ -244,6 +244,16 @@ void OVBlockBuffer::redo() {
 }
 
 void OVBlockBuffer::rollBack() {
+  leaveStep();
+  // By now the journal has been settled, if it was behind.
+  const platform::MutexLock appending(appendLock_);
+  if (tailToGiveBack_) {
+    const platform::MutexLock lock(bufferLock_);
+    giveBackTail();
+  }
+}
+
+void OVBlockBuffer::leaveStep() {
   const SettlingAfterwards afterwards(*this);
   const platform::MutexLock appending(appendLock_);
   const platform::MutexLock lock(bufferLock_);
@@ -251,13 +261,14 @@ void OVBlockBuffer::rollBack() {
   --waypointPos_;
   waypointStack_.erase(waypointStack_.begin() + static_cast<std::ptrdiff_t>(waypointPos_));
   tailToGiveBack_ = std::min(lastWaypointWritePos_, tailToGiveBack_.value_or(f_write_pos_));
-  giveBackTail();
 }
 
 // With both locks held nobody writes, and nobody looks up a place. A read that has done so before
-// may still be transferring: then the next write tries again.
+// may still be transferring, and a journal that is behind still maps the bytes: then the next write
+// tries again.
 bool OVBlockBuffer::giveBackTail() {
-  if (readsUnderWay_.load(std::memory_order_acquire) > 0) {
+  const auto* const own = journal();
+  if (readsUnderWay_.load(std::memory_order_acquire) > 0 || (own != nullptr && own->isBehind())) {
     return false;
   }
   const std::uint64_t end = std::max(*std::exchange(tailToGiveBack_, {}), endOfMappedBytes());

@@ -104,9 +104,9 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   /// Throws std::out_of_range when there is no waypoint. Also gives back what was written since the
   /// last waypoint: the file is cut off and the next write appends there. What a block, a waypoint
   /// or the redo state maps is kept; so is everything if the file cannot be shortened. A read that
-  /// is under way still finds its bytes: they are given back before a later write, at the latest
-  /// before one for which there is no room otherwise, which waits for the reads, up to
-  /// kReadsPatience.
+  /// is under way still finds its bytes, and so does the keeper while the journal lacks the roll
+  /// back: they are given back before a later write, at the latest before one for which there is no
+  /// room otherwise, which waits for the reads, up to kReadsPatience.
   void rollBack() override;
 
   void lock() override ACQUIRE(bufferLock_);
@@ -199,6 +199,7 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   std::vector<Stretch> stretches(std::uint64_t address, std::uint64_t byteCount) const
       REQUIRES(bufferLock_);
   void restore(const OVBufferState& state) REQUIRES(bufferLock_);
+  void leaveStep();
   platform::FileTransfer append(const void* data, std::uint32_t withSize) REQUIRES(appendLock_)
       EXCLUDES(bufferLock_);
   /// Both return whether the file has become shorter.

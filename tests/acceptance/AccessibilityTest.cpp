@@ -30,6 +30,7 @@ class Accessibility : public DocumentTest {
     // The screen's environment has no message bus.
     RunningOrvo::Options options;
     options.files = files;
+    options.dataFolder = data_;
     options.wrapper = {"env"};
     for (const auto& [name, value] : bus_->environment()) {
       options.wrapper.push_back(name + "=" + value);
@@ -74,6 +75,7 @@ class Accessibility : public DocumentTest {
     return nodes.empty() ? std::string() : nodes.front().description;
   }
 
+  const std::string data_ = folder_.makeFolder("data");
   std::unique_ptr<AccessibilityBus> bus_;
   std::vector<Node> nodes_;
 };
@@ -97,7 +99,7 @@ TEST_F(Accessibility, EveryControlHasANameARoleAndAPressAction) {
 
 TEST_F(Accessibility, TheQuestionAboutRecoveredRecordingsIsReadOutAndAnswered) {
   ASSERT_TRUE(screen_);
-  const RecoveredFolder recovered(screen_->environment().at("HOME") + "/.local/share");
+  const RecoveredFolder recovered(data_);
   recovered.add("Orvo recording 2026-11-21 14.02.31.caf", noise16(kFramesPerSecond * 65, 4));
   ASSERT_NO_FATAL_FAILURE(startWithBus());
   ASSERT_FALSE(screen_->waitForWindow(orvo_->pid(), "Recovered Recordings").empty());

@@ -17,9 +17,15 @@ class Recovered : public DocumentTest {
  protected:
   void SetUp() override { ASSERT_TRUE(screen_ && server_); }
 
+  void startHere() {
+    RunningOrvo::Options options;
+    options.dataFolder = data_;
+    ASSERT_NO_FATAL_FAILURE(startOrvo(options));
+  }
+
   /// Starts the program, waits for the question and gives it the keyboard.
   void startAndAwaitQuestion() {
-    ASSERT_NO_FATAL_FAILURE(startOrvo());
+    ASSERT_NO_FATAL_FAILURE(startHere());
     question_ = panel("Recovered Recordings");
     ASSERT_FALSE(question_.empty()) << orvo_->process().errorOutput();
   }
@@ -65,8 +71,8 @@ class Recovered : public DocumentTest {
   void add(const std::string& name, std::uint32_t seed) { recovered_.add(name, samplesOf(seed)); }
   [[nodiscard]] static Samples samplesOf(std::uint32_t seed) { return noise16(44100, seed); }
 
-  const RecoveredFolder recovered_{(screen_ ? screen_->environment().at("HOME") : folder_.path()) +
-                                   "/.local/share"};
+  const std::string data_ = folder_.makeFolder("data");
+  const RecoveredFolder recovered_{data_};
   Window question_;
 };
 
@@ -96,7 +102,7 @@ TEST_F(Recovered, TwoOpenInTheirWindowsSaveDeletesOneAndDontSaveTheOther) {
   EXPECT_TRUE(eventually([&] { return !recovered_.has(kSecond); }));
 }
 
-TEST_F(Recovered, CancelAndAKillKeepTheFileAndTheNextStartOffersItAgain) {
+TEST_F(Recovered, CancelKeepsItAndAKillReplacesItAndTheNextStartOffersIt) {
   add(kFirst, 93);
   ASSERT_NO_FATAL_FAILURE(openAll(1));
   ASSERT_TRUE(screen_->activate(loaded().front()));
@@ -104,8 +110,14 @@ TEST_F(Recovered, CancelAndAKillKeepTheFileAndTheNextStartOffersItAgain) {
   ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::cancel));
   EXPECT_TRUE(recovered_.has(kFirst));
   EXPECT_FALSE(FileLock(recovered_.file(kFirst)).isHeld()) << "the document holds it";
+  const std::uintmax_t before = std::filesystem::file_size(recovered_.file(kFirst));
+  ASSERT_TRUE(eventually([&] { return orvo_->keeperPid() != 0; }));
+  const pid_t keeper = orvo_->keeperPid();
   orvo_->process().kill();
-  EXPECT_TRUE(recovered_.has(kFirst));
+  ASSERT_TRUE(eventually([&] { return hasEnded(keeper); }));
+  EXPECT_EQ(names(recovered_.path()), std::vector<std::string>{kFirst});
+  EXPECT_GT(std::filesystem::file_size(recovered_.file(kFirst)), before)
+      << "the keeper's header is longer";
 
   ASSERT_NO_FATAL_FAILURE(openAll(1));
   ASSERT_TRUE(screen_->activate(loaded().front()));
@@ -148,7 +160,7 @@ TEST_F(Recovered, DeleteAsksAgainAndThenDeletes) {
 }
 
 TEST_F(Recovered, ARunningProgramAsksWhenOneAppearsAndTheKeyboardStays) {
-  ASSERT_NO_FATAL_FAILURE(startOrvo());
+  ASSERT_NO_FATAL_FAILURE(startHere());
   ASSERT_TRUE(eventually([&] { return watchesAFolder(); }));
   const std::string elsewhere = folder_.file("written");
   ASSERT_TRUE(writeBytes(elsewhere, recoveredCaf(samplesOf(96))));
@@ -164,8 +176,11 @@ TEST_F(Recovered, ARunningProgramAsksWhenOneAppearsAndTheKeyboardStays) {
 TEST_F(Recovered, OfTwoRunningProgramsOneOffersIt) {
   add(kFirst, 97);
   ASSERT_NO_FATAL_FAILURE(startAndAwaitQuestion());
+  RunningOrvo::Options options;
+  options.dataFolder = data_;
   std::string error;
-  const auto other = RunningOrvo::start(ORVO_PROGRAM, *screen_, server_->environment(), {}, error);
+  const auto other =
+      RunningOrvo::start(ORVO_PROGRAM, *screen_, server_->environment(), options, error);
   ASSERT_NE(other, nullptr) << error;
   ASSERT_TRUE(screen_->pressKey("alt+h"));
   ASSERT_TRUE(screen_->pressKey("Down"));

@@ -277,10 +277,29 @@ TEST_F(OVRecoveredRecordingsTest, AFileThatCannotBeDeletedIsToldOnce) {
 TEST_F(OVRecoveredRecordingsTest, TheFolderMayBeDeletedAndComeBack) {
   begin();
   std::filesystem::remove_all(folder_.path());
-  EXPECT_TRUE(runMainLoopUntil([&] { return std::filesystem::exists(folder_.path()); }));
-  awaitListing();
+  const support::RecoveredFolder again(data_.path());
   add(kFirst);
   EXPECT_TRUE(awaitPanel());
+}
+
+TEST_F(OVRecoveredRecordingsTest, AFolderThatIsMissingIsNotMadeAndNoticedWhenAnotherMakesIt) {
+  std::filesystem::remove_all(data_.file("orvo"));
+  begin();
+  EXPECT_EQ(panel(), nullptr);
+  EXPECT_FALSE(std::filesystem::exists(data_.file("orvo")));
+  const support::RecoveredFolder made(data_.path());
+  add(kFirst);
+  EXPECT_TRUE(awaitPanel());
+  EXPECT_THAT(services_->consoleLines(), IsEmpty());
+}
+
+TEST_F(OVRecoveredRecordingsTest, AFileThatReplacesOneThatWasAskedAboutIsAskedAbout) {
+  const std::string first = add(kFirst);
+  begin();
+  press("recoveredLater");
+  std::filesystem::rename(folder_.add("new", support::ramp(0, 500)), first);
+  ASSERT_TRUE(awaitPanel());
+  EXPECT_THAT(panel()->chosen(), ElementsAre(first));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <QPushButton>
 
 #include "app/AppFixture.h"
+#include "support/FewDescriptors.h"
 #include "support/Gate.h"
 #include "support/RecoveredFolder.h"
 #include "support/TemporaryFolder.h"
@@ -114,6 +115,20 @@ TEST_F(RecoveredWindowsTest, QuittingAsksForEachAndDontSaveDeletesIt) {
   EXPECT_TRUE(awaitGlobalQueue());
   EXPECT_FALSE(folder_.has(kFirst));
   EXPECT_FALSE(folder_.has(kSecond));
+}
+
+TEST_F(RecoveredWindowsTest, OneForWhoseWindowThereIsNoRoomIsRefusedAndKept) {
+  add(kFirst);
+  delegate_.applicationDidFinishLaunching();
+  delegate_.offerRecovered();
+  ASSERT_TRUE(awaitPanel());
+  {
+    const support::FewDescriptors few(40);
+    press("openRecovered");
+  }
+  EXPECT_EQ(services_->postedAlerts().size(), 1U);
+  EXPECT_THAT(titles(), UnorderedElementsAre("Orvo - Unnamed"));
+  EXPECT_TRUE(support::FileLock(folder_.file(kFirst)).isHeld()) << "there, and released";
 }
 
 TEST_F(RecoveredWindowsTest, TheMenuShowsTheList) {

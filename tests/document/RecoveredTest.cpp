@@ -1,12 +1,16 @@
 // Documents that were opened from a recovered file.
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include "document/FileFixture.h"
 #include "document/files/loadFile.h"
 #include "document/files/recoveredFiles.h"
+#include "platform/files/PosixFile.h"
+#include "storage/JournalReplay.h"
 #include "support/Gate.h"
 #include "support/RecoveredFolder.h"
 #include "support/fakes/FailingTemporaryFiles.h"
+#include "support/fakes/RememberingKeeper.h"
 #include "support/fakes/TestUserAudioFiles.h"
 
 namespace {
@@ -109,6 +113,18 @@ TEST_F(RecoveredTest, ClosingWithSaveDeletesItWhenTheSaveIsComplete) {
   panels_->answerSave(at("take.wav"));
   EXPECT_TRUE(runMainLoopUntil([&] { return window.isNull(); }));
   EXPECT_FALSE(isKept());
+}
+
+TEST_F(RecoveredTest, IfTheProgramEndsUnexpectedlyAgainTheNewFileReplacesIt) {
+  const auto keeper = std::make_shared<support::RememberingKeeper>();
+  const platform::Installed<RecordingKeeper>::Scope installation(keeper);
+  openRecovered(ramp(1000));
+  ASSERT_EQ(keeper->kept.size(), 1U);
+  platform::PosixFile file(::dup(keeper->kept.begin()->second.journal));
+  const auto origin = readJournalOrigin(file);
+  ASSERT_TRUE(origin);
+  EXPECT_EQ(origin->state, journal::State::edited);
+  EXPECT_EQ(origin->recoveredFrom, kName);
 }
 
 TEST_F(RecoveredTest, ASaveThatFailsAndAnExportKeepIt) {

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "keeper/KeptRecordings.h"
+#include "support/FewDescriptors.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -92,6 +93,18 @@ TEST_F(KeeperTest, MessagesItDoesNotKnowChangeNothing) {
   EXPECT_EQ(program_->send(std::span(&byte, 1), {}), 0);
   endProgram();
   EXPECT_EQ(keeper_->size(), 1U);
+}
+
+TEST_F(KeeperTest, FolderThatCannotBeOpenedJustNowIsWaitedFor) {
+  keep(1);
+  endProgram();
+  {
+    const support::FewDescriptors none(0);
+    EXPECT_FALSE(keeper_->recover());
+  }
+  EXPECT_EQ(keeper_->size(), 1U);
+  EXPECT_TRUE(keeper_->recover());
+  EXPECT_EQ(recoveredNames(data_.path()).size(), 1U);
 }
 
 TEST_F(KeeperTest, FolderThatCannotBeUsedIsNotWaitedFor) {

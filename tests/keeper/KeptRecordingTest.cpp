@@ -4,8 +4,10 @@
 
 #include <fcntl.h>
 #include <cerrno>
+#include <optional>
 
 #include "keeper/KeptRecordings.h"
+#include "support/ClosedFolder.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/RecordingServices.h"
@@ -91,6 +93,41 @@ TEST_F(KeptRecordingTest, NothingIsWrittenThatWasSavedOrDiscardedOrIsEmpty) {
     EXPECT_EQ(kept().recover(*folder_), Outcome::done);
   }
   EXPECT_TRUE(recoveredNames(data_.path()).empty());
+}
+
+/// Audio whose first read takes the right to name files in a folder away.
+class ClosingAudio : public platform::File {
+ public:
+  ClosingAudio(int descriptor, std::string folder)
+      : file_(sameFile(descriptor)), folder_(std::move(folder)) {}
+
+  platform::FileTransfer readAt(void* destination, std::uint64_t byteCount,
+                                std::uint64_t offset) override {
+    if (!closed_) {
+      closed_.emplace(folder_);
+    }
+    return file_->readAt(destination, byteCount, offset);
+  }
+  platform::FileTransfer writeAt(const void*, std::uint64_t, std::uint64_t) override { return {}; }
+  std::uint64_t size() override { return file_->size(); }
+  int setSize(std::uint64_t) override { return ENOTSUP; }
+
+ private:
+  const std::unique_ptr<platform::File> file_;
+  const std::string folder_;
+  std::optional<support::ClosedFolder> closed_;
+};
+
+TEST_F(KeptRecordingTest, WholeRecordingThatCannotBeNamedStaysAsAPart) {
+  write(*buffer_, pattern(800, 1), 0);
+  const std::string folder = support::recoveredPath(data_.path());
+  {
+    KeptRecording recording(std::make_unique<ClosingAudio>(buffer_->fileDescriptor(), folder),
+                            sameFile(buffer_->journal()->descriptor()));
+    EXPECT_EQ(recording.recover(*folder_), Outcome::failed);
+  }
+  EXPECT_EQ(recoveredNames(data_.path()), std::vector<std::string>{std::string(kName) + ".part"});
+  EXPECT_TRUE(cafAudio(folder + "/" + kName + ".part") == wholeRecording(*buffer_));
 }
 
 TEST_F(KeptRecordingTest, WithoutAJournalItCannotBeRecovered) {

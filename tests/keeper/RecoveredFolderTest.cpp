@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "support/ClosedFolder.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -145,6 +146,31 @@ TEST_F(RecoveredFolderTest, FormerFileIsReplacedOnceTheNewOneIsComplete) {
   EXPECT_EQ(folder_->complete(*part), 0);
   EXPECT_EQ(names(), std::vector<std::string>{"a.caf"});
   EXPECT_EQ(content("a.caf"), "new");
+}
+
+TEST_F(RecoveredFolderTest, FormerNameThatCannotBeTakenAgainLeavesAFurtherOne) {
+  open();
+  fs::create_directory(path("a.caf"));
+  add("new", "b", "a.caf");
+  EXPECT_EQ(names(), (std::vector<std::string>{"a 2.caf", "a.caf"}));
+  EXPECT_EQ(content("a 2.caf"), "new");
+}
+
+TEST_F(RecoveredFolderTest, WholePartThatCannotBeNamedIsNamedLater) {
+  open();
+  auto part = folder_->create("a", "");
+  ASSERT_TRUE(part);
+  EXPECT_EQ(part->file->writeAt("text", 4, 0).error, 0);
+  EXPECT_FALSE(part->isSynced);
+  {
+    const support::ClosedFolder closed(path());
+    ASSERT_TRUE(closed.isClosed());
+    EXPECT_EQ(folder_->complete(*part), EACCES);
+  }
+  EXPECT_TRUE(part->isSynced);
+  EXPECT_EQ(folder_->complete(*part), 0);
+  EXPECT_EQ(names(), std::vector<std::string>{"a.caf"});
+  EXPECT_EQ(content("a.caf"), "text");
 }
 
 TEST_F(RecoveredFolderTest, FormerNameThatIsAPathIsIgnored) {

@@ -59,6 +59,8 @@ void applyTo(PlainBlockBuffer& model, const Step& step) {
     model.undo();
   } else if (step.what == "redo") {
     model.redo();
+  } else if (step.what == "rollBack" && model.position > 0) {
+    model.rollBack();
   } else if (step.what == "optimize") {
     model.optimize();
   }
@@ -77,6 +79,8 @@ void applyTo(OVBlockBuffer& buffer, const Step& step) {
     buffer.undo();
   } else if (step.what == "redo") {
     buffer.redo();
+  } else if (step.what == "rollBack" && buffer.waypointPos() > 0) {
+    buffer.rollBack();
   } else if (step.what == "optimize") {
     buffer.optimize();
   }

@@ -135,6 +135,22 @@ TEST_F(KeeperConnectionTest, KeeperThatDiesIsReplacedByOneThatKnowsEverything) {
   EXPECT_EQ(recoveredNames(data_.path()).size(), 2U);
 }
 
+TEST_F(KeeperConnectionTest, NothingIsLeftOfAKeeperThatHasDied) {
+  connection_->start();
+  const int first = connection_->keeperProcess();
+  ASSERT_EQ(::kill(first, SIGKILL), 0);
+  ASSERT_TRUE(eventually([&] {
+    connection_->check();
+    return connection_->keeperProcess() != first;
+  }));
+  std::uint64_t document = 0;
+  EXPECT_TRUE(eventually([&] {
+    keep(++document);
+    connection_->letGo(document);
+    return support::processState(first) == '\0';
+  })) << "it is a zombie";
+}
+
 TEST_F(KeeperConnectionTest, KeeperThatKeepsDyingIsDoneWithoutAfterOneLine) {
   connection_->start();
   keep(1);

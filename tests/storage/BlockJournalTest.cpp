@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <vector>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -90,6 +91,32 @@ TEST_F(BlockJournalTest, RolledBackStepIsReplayed) {
   write(*buffer_, pattern(800, 9), 400);
   buffer_->rollBack();
   expectReplayed();
+}
+
+// A program that is killed right after the cut is recovered by this journal.
+TEST_F(BlockJournalTest, FileIsCutOffOnceTheJournalMapsNothingThereAnyMore) {
+  for (const bool isBegunBefore : {true, false}) {
+    buffer_ = OVBlockBuffer::init();
+    writeSequence(3, 800);
+    if (isBegunBefore) {
+      begin();
+    }
+    buffer_->setWaypoint();
+    write(*buffer_, pattern(800, 9), 400);
+    begin();
+    std::vector<std::uint64_t> cuts;
+    files_.beforeSizeChanges([&](std::uint64_t size) {
+      cuts.push_back(size);
+      auto replay = JournalReplay::begin(*file_);
+      ASSERT_TRUE(replay);
+      replay->run();
+      EXPECT_LE(replay->list().endInFile(), size) << isBegunBefore;
+    });
+    buffer_->rollBack();
+    files_.beforeSizeChanges(nullptr);
+    EXPECT_EQ(cuts, std::vector<std::uint64_t>{2400}) << isBegunBefore;
+    EXPECT_EQ(buffer_->f_write_pos(), 2400U) << isBegunBefore;
+  }
 }
 
 TEST_F(BlockJournalTest, StateOlderThanTheJournalIsRestoredAsANewState) {

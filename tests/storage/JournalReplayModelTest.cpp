@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/files/PosixFile.h"
@@ -65,6 +66,10 @@ class JournaledPair : public BlockBufferPair {
  public:
   static constexpr const char* kName = "JournaledPair";
 
+  JournaledPair() {
+    files_.beforeSizeChanges([this](std::uint64_t size) { fileIsCut(size); });
+  }
+
   void apply(const modeltest::Step& step) {
     if (steps_++ == kBeginsAfter) {
       begin();
@@ -82,6 +87,7 @@ class JournaledPair : public BlockBufferPair {
 
   std::string difference() {
     modeltest::Comparison comparison;
+    comparison.tell("bytes cut off that the journal maps", std::exchange(lostBytes_, 0), 0U);
     if (journal_ && isCompared()) {
       compareReplay(comparison);
     } else {
@@ -102,6 +108,17 @@ class JournaledPair : public BlockBufferPair {
   void noteInstant(const PlainBlockBuffer& model) {
     if (isCompared()) {
       instants_.push_back(contentOf(model));
+    }
+  }
+
+  // A kill may come right after the cut.
+  void fileIsCut(std::uint64_t size) {
+    if (journal_ && isCompared()) {
+      auto replay = JournalReplay::begin(*journal_);
+      if (replay) {
+        replay->run();
+        lostBytes_ += std::max(replay->list().endInFile(), size) - size;
+      }
     }
   }
 
@@ -138,6 +155,7 @@ class JournaledPair : public BlockBufferPair {
 
   std::optional<platform::PosixFile> journal_;
   std::vector<Content> instants_;
+  std::uint64_t lostBytes_ = 0;  // in the last step
   unsigned steps_ = 0;
   unsigned records_ = 0;  // at the step before; the highest number if that was not compared
 };

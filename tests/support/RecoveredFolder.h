@@ -10,6 +10,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace support {
@@ -56,8 +57,8 @@ inline constexpr std::uint64_t kRecoveredHeaderBytes = 68;
 class RecoveredFolder {
  public:
   explicit RecoveredFolder(const std::string& dataFolder) : path_(dataFolder + "/orvo/recovered") {
-    std::filesystem::create_directories(path_);
-    std::filesystem::permissions(path_, std::filesystem::perms::owner_all);
+    std::filesystem::create_directories(dataFolder + "/orvo");
+    ::mkdir(path_.c_str(), 0700);  // never open to others, not even for a moment
   }
 
   [[nodiscard]] const std::string& path() const { return path_; }

@@ -6,6 +6,7 @@
 
 #include <QLocale>
 
+#include "audio/OVFileKinds.h"
 #include "document/editing/OVDocumentAudio.h"
 #include "document/editing/OVEditHistory.h"
 #include "document/editing/OVFileOperation.h"
@@ -61,6 +62,7 @@ void OVRecoveredOrigin::loadEnded() {
   }
   if (isLoadedWhole()) {
     change(State::standing);
+    parts_.history.kept().setRecoveredFrom(lastPathComponent(file_->path));
     parts_.history.setEdited(true);
   } else {
     change(State::none);

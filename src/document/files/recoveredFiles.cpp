@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cerrno>
 #include <chrono>
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -66,6 +68,7 @@ std::optional<OVRecoveredFile> examine(const platform::PrivateFolder& opener,
   found.path = folder + "/" + name;
   found.start = startOf(*file);
   found.byteCount = file->content().size();
+  found.number = file->number();
   if (!file->lock()) {
     if (!isUnfinished(name)) {
       ++listing.lockedElsewhere;
@@ -84,6 +87,31 @@ std::optional<OVRecoveredFile> examine(const platform::PrivateFolder& opener,
   found.state = content.isWhole && !isUnfinished(name) ? State::whole : State::damaged;
   found.claim = file;
   return found;
+}
+
+std::string nearestFolder(const std::string& folder) {
+  namespace fs = std::filesystem;
+  std::error_code unknown;
+  fs::path nearest = folder;
+  while (!fs::is_directory(nearest, unknown) && nearest.has_relative_path()) {
+    nearest = nearest.parent_path();
+  }
+  return nearest.string();
+}
+
+bool isBeingReplaced(const std::string& path, const OVRecoveredListing& listing) {
+  const std::string part = path + ".part";
+  return std::any_of(listing.files.begin(), listing.files.end(), [&part](const auto& file) {
+    return file.state == State::beingWritten && file.path == part;
+  });
+}
+
+// Nothing if the name belongs to another file now.
+const OVRecoveredFile* findHeld(const std::string& path, const std::vector<OVRecoveredFile>& held) {
+  const auto found = std::find_if(held.begin(), held.end(), [&path](const auto& file) {
+    return file.claim && file.path == path && file.claim->checkName() == 0;
+  });
+  return found == held.end() ? nullptr : &*found;
 }
 
 // " 2" comes after the name without a number.
@@ -155,19 +183,22 @@ std::string recoveredFolder() {
 OVRecoveredListing recoveredFilesIn(const std::string& folder,
                                     const std::vector<OVRecoveredFile>& held) {
   OVRecoveredListing listing;
-  const auto opened = platform::PrivateFolder::openOrMake(folder);
+  listing.nearest = nearestFolder(folder);
+  const auto opened = platform::PrivateFolder::at(folder);
   if (!opened) {
-    listing.error = opened.error();
+    listing.error = opened.error() == ENOENT ? 0 : opened.error();
     return listing;
   }
-  for (const std::string& name : latestNames(*opened)) {
-    const std::string path = folder + "/" + name;
-    const auto before = std::find_if(held.begin(), held.end(), [&path](const auto& file) {
-      return file.claim && file.path == path;
-    });
-    if (before != held.end()) {
+  // A part comes before the file that it may be about to replace.
+  const auto names = latestNames(*opened);
+  for (auto each = names.rbegin(); each != names.rend(); ++each) {
+    const std::string path = folder + "/" + *each;
+    if (isBeingReplaced(path, listing)) {
+      continue;
+    }
+    if (const auto* const before = findHeld(path, held)) {
       listing.files.push_back(*before);
-    } else if (auto found = examine(*opened, folder, name, listing)) {
+    } else if (auto found = examine(*opened, folder, *each, listing)) {
       listing.files.push_back(*std::move(found));
     }
   }

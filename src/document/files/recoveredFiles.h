@@ -26,6 +26,7 @@ struct OVRecoveredFile {
   std::uint64_t byteCount = 0;  ///< length of the file
   std::uint64_t frames = 0;     ///< frames of sound in it; 0 if unknown
   State state = State::whole;
+  std::uint64_t number = 0;  ///< tells it from another file that replaces it
 
   /// Holds the file's lock, so that neither another document nor another running Orvo takes the
   /// file. Null while it is being written.
@@ -39,6 +40,7 @@ struct OVRecoveredListing {
   std::vector<OVRecoveredFile> files;  ///< the oldest first
   std::size_t lockedElsewhere = 0;     ///< files left out because others hold or renamed them
   int error = 0;                       ///< errno if the folder cannot be used
+  std::string nearest;  ///< the folder, or the first above it that exists: it tells of changes
 };
 
 /// The folder: orvo/recovered in XDG_DATA_HOME, or in ~/.local/share if that is unset or relative.
@@ -47,8 +49,9 @@ struct OVRecoveredListing {
 [[nodiscard]] std::string recoveredFolder();
 
 /// Lists the folder and claims every file that is not being written. Foreign files, links and files
-/// that someone else has claimed are left out. Makes a missing folder; uses none that is a link,
-/// belongs to someone else or may be entered by others.
+/// that someone else has claimed are left out, and so is a file that is just being replaced: only
+/// the new one is listed. A missing folder is empty, and not made. One that is a link, belongs to
+/// someone else or may be entered by others is not used.
 ///
 /// @param held  files listed before and still claimed: listed again as they are, if still there
 ///

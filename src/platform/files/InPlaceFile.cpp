@@ -159,11 +159,15 @@ int InPlaceFile::overwrite(File& content, std::uint64_t byteCount) {
 }
 
 int InPlaceFile::replaceWith(File& content) {
+  const std::uint64_t before = sizeOf(file_.get());
   const std::uint64_t byteCount = content.size();
   if (const int error = reserve(byteCount)) {
     return error;
   }
   const int error = overwrite(content, byteCount);
+  if (error != 0 && !isDamaged_ && byteCount > before) {  // the room that was taken
+    isDamaged_ = ::ftruncate(file_.get(), static_cast<off_t>(before)) != 0;
+  }
   isDamaged_ = isDamaged_ && error != 0;
   return error;
 }

@@ -7,24 +7,13 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <string_view>
 #include <utility>
 
 namespace platform {
 namespace {
 
-constexpr mode_t kPrivateMode = 0700;
 constexpr mode_t kRightsOfOthers = 0077;
-
-// Failures show when the folder is opened.
-void makeFolders(const std::filesystem::path& folder) {
-  if (::mkdir(folder.c_str(), kPrivateMode) == 0 || errno != ENOENT || !folder.has_parent_path()) {
-    return;
-  }
-  makeFolders(folder.parent_path());
-  ::mkdir(folder.c_str(), kPrivateMode);
-}
 
 int errorOfFolder(int descriptor) {
   struct stat status = {};
@@ -66,6 +55,11 @@ PrivateFile::PrivateFile(std::shared_ptr<PosixFile> folder, int folderDescriptor
 
 PrivateFile::~PrivateFile() = default;
 
+std::uint64_t PrivateFile::number() const {
+  struct stat status = {};
+  return ::fstat(descriptor_, &status) == 0 ? status.st_ino : 0;
+}
+
 std::chrono::system_clock::time_point PrivateFile::modified() const {
   struct stat status = {};
   return std::chrono::system_clock::from_time_t(::fstat(descriptor_, &status) == 0 ? status.st_mtime
@@ -102,8 +96,7 @@ int PrivateFile::remove() {
 PrivateFolder::PrivateFolder(int descriptor)
     : folder_(std::make_shared<PosixFile>(descriptor)), descriptor_(descriptor) {}
 
-Result<PrivateFolder> PrivateFolder::openOrMake(const std::string& path) {
-  makeFolders(path);
+Result<PrivateFolder> PrivateFolder::at(const std::string& path) {
   const int descriptor =
       ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
   if (descriptor < 0) {

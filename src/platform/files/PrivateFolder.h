@@ -22,6 +22,8 @@ class PrivateFile {
 
   [[nodiscard]] const std::string& name() const { return name_; }
   [[nodiscard]] File& content() { return file_; }
+  /// Tells it from another file that takes its name while this object exists.
+  [[nodiscard]] std::uint64_t number() const;
   /// When its content last changed.
   [[nodiscard]] std::chrono::system_clock::time_point modified() const;
 
@@ -55,10 +57,10 @@ class PrivateFolder {
  public:
   using Opened = Result<std::shared_ptr<PrivateFile>>;
 
-  /// Opens the folder, and makes it and those above it first where they are missing. Fails with
-  /// ENOTDIR or ELOOP for a link and for anything that is no folder, and with EPERM for a folder
-  /// that belongs to someone else or that others may read, change or enter.
-  [[nodiscard]] static Result<PrivateFolder> openOrMake(const std::string& path);
+  /// Opens the folder. Fails with ENOENT where there is none, with ENOTDIR or ELOOP for a link and
+  /// for anything that is no folder, and with EPERM for a folder that belongs to someone else or
+  /// that others may read, change or enter.
+  [[nodiscard]] static Result<PrivateFolder> at(const std::string& path);
 
   /// Calls `found` with each name in it, in no order, without "." and "..".
   void forEachName(const std::function<void(const std::string& name)>& found) const;

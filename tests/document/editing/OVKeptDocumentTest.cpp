@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <unistd.h>
-#include <map>
 
 #include "document/editing/OVDocumentAudio.h"
 #include "platform/files/PosixFile.h"
@@ -11,21 +10,9 @@
 #include "storage/JournalReplay.h"
 #include "storage/OVAudioBuffer.h"
 #include "storage/OVBlockBuffer.h"
+#include "support/fakes/RememberingKeeper.h"
 
 namespace {
-
-/// A keeper that remembers what it keeps.
-class FakeKeeper : public RecordingKeeper {
- public:
-  [[nodiscard]] bool isAvailable() const override { return available; }
-  void keep(std::uint64_t document, const Recording& recording) override {
-    kept[document] = recording;
-  }
-  void letGo(std::uint64_t document) override { kept.erase(document); }
-
-  bool available = true;
-  std::map<std::uint64_t, Recording> kept;
-};
 
 class OVKeptDocumentTest : public testing::Test {
  protected:
@@ -37,7 +24,7 @@ class OVKeptDocumentTest : public testing::Test {
     return read ? *read : JournalOrigin();
   }
 
-  FakeKeeper keeper_;
+  support::RememberingKeeper keeper_;
   platform::Installed<RecordingKeeper>::Scope installed_{keeper_};
   std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
   OVDocumentAudio audio_;

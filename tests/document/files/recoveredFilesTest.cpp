@@ -54,11 +54,13 @@ class RecoveredFilesTest : public testing::Test {
 
 TEST_F(RecoveredFilesTest, AnEmptyAndAMissingFolderListNothing) {
   EXPECT_THAT(list().files, IsEmpty());
-  fs::remove_all(folder_.path());
+  EXPECT_EQ(list().nearest, folder_.path());
+  fs::remove_all(data_.file("orvo"));
   const auto listing = list();
   EXPECT_THAT(listing.files, IsEmpty());
   EXPECT_EQ(listing.error, 0);
-  EXPECT_EQ(fs::status(folder_.path()).permissions(), fs::perms::owner_all) << "made";
+  EXPECT_EQ(listing.nearest, data_.path());
+  EXPECT_FALSE(fs::exists(data_.file("orvo"))) << "nothing is made";
 }
 
 TEST_F(RecoveredFilesTest, AFolderThatOthersMayReadOrThatIsALinkIsNotUsed) {
@@ -180,6 +182,35 @@ TEST_F(RecoveredFilesTest, AClaimedFileThatIsGoneIsNotListedAgain) {
   const auto first = list();
   fs::remove(path);
   EXPECT_THAT(list(first.files).files, IsEmpty());
+}
+
+TEST_F(RecoveredFilesTest, AClaimedFileThatWasReplacedIsListedAsTheNewOne) {
+  const std::string path = folder_.add(kName, support::ramp(0, 10));
+  const auto first = list();
+  fs::rename(folder_.add("new", support::ramp(0, 20)), path);
+  const auto second = list(first.files);
+  ASSERT_THAT(second.files, SizeIs(1));
+  EXPECT_EQ(second.files[0].frames, 20U);
+  EXPECT_NE(second.files[0].number, first.files[0].number);
+  EXPECT_EQ(second.files[0].claim->checkName(), 0);
+}
+
+TEST_F(RecoveredFilesTest, AFileThatIsJustBeingReplacedIsLeftOutAndNotClaimed) {
+  const std::string path = folder_.add(kName, support::ramp(0, 10));
+  auto before = list();
+  const FileLock writer(folder_.put(kName + ".part", ""));
+  EXPECT_THAT(namesOf(list(before.files)), ElementsAre(kName + ".part")) << "claimed before";
+  before.files.clear();
+  const auto listing = list();
+  EXPECT_THAT(namesOf(listing), ElementsAre(kName + ".part"));
+  EXPECT_EQ(listing.files[0].state, State::beingWritten);
+  EXPECT_TRUE(FileLock(path).isHeld());
+}
+
+TEST_F(RecoveredFilesTest, AFileWhoseReplacementWasNeverFinishedIsListedWithIt) {
+  folder_.add(kName, support::ramp(0, 10));
+  folder_.put(kName + ".part", recoveredCaf(support::ramp(0, 5), 80));
+  EXPECT_THAT(namesOf(list()), ElementsAre(kName, kName + ".part"));
 }
 
 TEST_F(RecoveredFilesTest, AHugeFolderListsTheLatest) {

@@ -140,15 +140,16 @@ TEST_F(InPlaceFileTest, AFailureInTheMiddleLeavesTheCopyAndNamesIt) {
 }
 
 TEST_F(InPlaceFileTest, AFailureBeforeTheFirstByteIsWrittenDamagesNothing) {
-  const std::string before(6 << 20, 'o');
-  put(before);
-  auto file = InPlaceFile::at(take_);
-  ASSERT_TRUE(file);
-  ASSERT_EQ(file->keepCopy(), 0);
-  BrokenContent content(0);
-  EXPECT_EQ(file->replaceWith(content), EIO);
-  EXPECT_EQ(file->copyLeft(), "");
-  EXPECT_TRUE(contentsOf(take_) == before);
+  for (const std::string& before : {std::string(6 << 20, 'o'), std::string("a shorter one")}) {
+    put(before);
+    auto file = InPlaceFile::at(take_);
+    ASSERT_TRUE(file);
+    ASSERT_EQ(file->keepCopy(), 0);
+    BrokenContent content(0);  // of 5 MiB
+    EXPECT_EQ(file->replaceWith(content), EIO);
+    EXPECT_EQ(file->copyLeft(), "");
+    EXPECT_TRUE(contentsOf(take_) == before) << before.size();
+  }
 }
 
 TEST_F(InPlaceFileTest, ContentForWhichThereIsNoRoomLeavesTheFileWhole) {

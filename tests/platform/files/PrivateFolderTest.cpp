@@ -31,7 +31,7 @@ class PrivateFolderTest : public testing::Test {
   }
 
   PrivateFolder open() const {
-    auto opened = PrivateFolder::openOrMake(folder_);
+    auto opened = PrivateFolder::at(folder_);
     EXPECT_TRUE(opened) << opened.error();
     return *std::move(opened);
   }
@@ -42,21 +42,15 @@ class PrivateFolderTest : public testing::Test {
     return *opened;
   }
 
-  static int errorOf(const std::string& path) { return PrivateFolder::openOrMake(path).error(); }
+  static int errorOf(const std::string& path) { return PrivateFolder::at(path).error(); }
 
   support::TemporaryFolder temporary_;
   const std::string folder_ = temporary_.makeFolder("private");
 };
 
-TEST_F(PrivateFolderTest, MissingFoldersAreMadeForTheUserAlone) {
-  const std::string path = temporary_.file("data/orvo/recovered");
-  ASSERT_TRUE(PrivateFolder::openOrMake(path));
-  for (const char* made : {"data", "data/orvo", "data/orvo/recovered"}) {
-    EXPECT_EQ(fs::status(temporary_.file(made)).permissions(), fs::perms::owner_all) << made;
-  }
-}
-
-TEST_F(PrivateFolderTest, AFolderThatCannotBeMadeIsAnError) {
+TEST_F(PrivateFolderTest, AMissingFolderIsAnErrorAndNotMade) {
+  EXPECT_EQ(errorOf(temporary_.file("data")), ENOENT);
+  EXPECT_FALSE(fs::exists(temporary_.file("data")));
   put("file");
   EXPECT_EQ(errorOf(at("file/folder")), ENOTDIR);
   EXPECT_EQ(errorOf(""), ENOENT);
@@ -161,6 +155,7 @@ TEST_F(PrivateFolderTest, AnotherFileOfTheNameIsNotRemoved) {
   fs::rename(at("new"), at("file"));
   EXPECT_EQ(file->remove(), ESTALE);
   EXPECT_TRUE(fs::exists(at("file")));
+  EXPECT_NE(openFile("file")->number(), file->number());
 }
 
 TEST_F(PrivateFolderTest, TheTimeIsThatOfTheLastChange) {

@@ -69,6 +69,11 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     change([&hook](Plan& plan) { plan.beforeRead = std::move(hook); });
   }
 
+  /// The same before each change of a file's size, to this many bytes.
+  void beforeSizeChanges(std::function<void(std::uint64_t byteCount)> hook) {
+    change([&hook](Plan& plan) { plan.beforeSizeChange = std::move(hook); });
+  }
+
   std::uint64_t reads() const { return look(&Plan::reads); }
   std::uint64_t writes() const { return look(&Plan::writes); }
   /// Files created and not yet closed.
@@ -98,6 +103,7 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     std::uint64_t largestRead = kUnlimited;
     std::function<void()> beforeWrite;
     std::function<void()> beforeRead;
+    std::function<void(std::uint64_t)> beforeSizeChange;
     std::uint64_t reads = 0;
     std::uint64_t writes = 0;
     std::uint64_t openFiles = 0;
@@ -152,6 +158,7 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     }
 
     int setSize(std::uint64_t byteCount) override {
+      run(&Plan::beforeSizeChange, byteCount);
       const std::lock_guard lock(plan_->mutex);
       if (plan_->sizeError != 0 || byteCount > kMaxSize) {
         return plan_->sizeError != 0 ? plan_->sizeError : EFBIG;
@@ -166,14 +173,15 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     }
 
    private:
-    void run(std::function<void()> Plan::*hook) {
-      std::function<void()> call;
+    template <typename... Arguments>
+    void run(std::function<void(Arguments...)> Plan::*hook, Arguments... arguments) {
+      std::function<void(Arguments...)> call;
       {
         const std::lock_guard lock(plan_->mutex);
         call = (*plan_).*hook;
       }
       if (call) {
-        call();
+        call(arguments...);
       }
     }
 

@@ -79,7 +79,11 @@ pid_t RunningOrvo::keeperPid() const {
     std::getline(file, text);
     const std::string parent = " " + std::to_string(pid()) + " ";
     const std::size_t after = text.find("(orvo-keeper) ");
-    if (after != std::string::npos && text.find(parent, after) == text.find(' ', after + 14)) {
+    if (after == std::string::npos) {
+      continue;
+    }
+    const std::size_t state = after + std::string_view("(orvo-keeper) ").size();
+    if (text[state] != 'Z' && text.find(parent, after) == state + 1) {
       return std::stoi(name);
     }
   }
