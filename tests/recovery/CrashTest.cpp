@@ -122,8 +122,12 @@ modeltest::Steps drawSteps(unsigned seed) {
   PlainBlockBuffer model;
   modeltest::Steps steps;
   while (steps.size() < kSteps.operations) {
-    steps.push_back(support::drawStep(kSteps, random, model));
-    applyTo(model, steps.back());
+    const Step step = support::drawStep(kSteps, random, model);
+    if (step.what == "cutBefore" && step.a * 8 > model.live.fillSize) {
+      continue;  // the length would wrap, and no memory would hold what is compared
+    }
+    applyTo(model, step);
+    steps.push_back(step);
   }
   return steps;
 }
