@@ -1,6 +1,6 @@
 #pragma once
 
-// Defined by clang alone; g++ defines a macro for each sanitizer.
+// clang has it; g++, before 14, only a macro for each sanitizer.
 #if !defined(__has_feature)
 #define __has_feature(name) 0
 #endif
