@@ -152,6 +152,90 @@
         <translation>Unbenannt</translation>
     </message>
     <message>
+        <source>Recovered Recordings…</source>
+        <translation>Gerettete Aufnahmen&#xa0;…</translation>
+    </message>
+    <message>
+        <source>Recovered Recordings</source>
+        <translation>Gerettete Aufnahmen</translation>
+    </message>
+    <message>
+        <source>Orvo ended unexpectedly.</source>
+        <translation>Orvo wurde unerwartet beendet.</translation>
+    </message>
+    <message>
+        <source>Recordings kept: %1</source>
+        <translation>Erhaltene Aufnahmen: %1</translation>
+    </message>
+    <message>
+        <source>Each recording opens in a window of its own. It is kept until you save or discard it.</source>
+        <translation>Jede Aufnahme wird in einem eigenen Fenster geöffnet. Sie bleibt erhalten, bis Sie sie speichern oder verwerfen.</translation>
+    </message>
+    <message>
+        <source>There are no recovered recordings.</source>
+        <translation>Es gibt keine geretteten Aufnahmen.</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>Länge</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>Zustand</translation>
+    </message>
+    <message>
+        <source>Complete</source>
+        <translation>Vollständig</translation>
+    </message>
+    <message>
+        <source>Damaged</source>
+        <translation>Beschädigt</translation>
+    </message>
+    <message>
+        <source>Still being written</source>
+        <translation>Wird noch geschrieben</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Später</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Delete for good?</source>
+        <translation>Endgültig löschen?</translation>
+    </message>
+    <message>
+        <source>Recordings to be deleted: %1. This cannot be undone.</source>
+        <translation>Zu löschende Aufnahmen: %1. Das lässt sich nicht rückgängig machen.</translation>
+    </message>
+    <message>
+        <source>Recovered %1</source>
+        <translation>Gerettet %1</translation>
+    </message>
+    <message>
+        <source>%1 could not be deleted</source>
+        <translation>%1 konnte nicht gelöscht werden</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 min %2 s</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
         <source>Orvo Diagnostics</source>
         <translation>Orvo – Diagnose</translation>
     </message>
@@ -234,6 +318,42 @@ Ein Audiorekorder mit einfachem Editor.</translation>
     <message>
         <source>The recording was paused.</source>
         <translation>Die Aufnahme wurde angehalten.</translation>
+    </message>
+    <message>
+        <source>Record (R)</source>
+        <translation>Aufnahme (R)</translation>
+    </message>
+    <message>
+        <source>Play (Space)</source>
+        <translation>Wiedergabe (Leertaste)</translation>
+    </message>
+    <message>
+        <source>To Start (Return)</source>
+        <translation>Zum Anfang (Eingabetaste)</translation>
+    </message>
+    <message>
+        <source>Ends the recording (R)</source>
+        <translation>Beendet die Aufnahme (R)</translation>
+    </message>
+    <message>
+        <source>Records at the end (R)</source>
+        <translation>Nimmt am Ende auf (R)</translation>
+    </message>
+    <message>
+        <source>Records from %1 over what is there (R)</source>
+        <translation>Nimmt ab %1 über das Vorhandene auf (R)</translation>
+    </message>
+    <message>
+        <source>Recording position</source>
+        <translation>Aufnahmeposition</translation>
+    </message>
+    <message>
+        <source>Clipping</source>
+        <translation>Übersteuerung</translation>
+    </message>
+    <message>
+        <source>Too loud: clipped at %1. Click to turn off.</source>
+        <translation>Zu laut: übersteuert bei %1. Zum Ausschalten klicken.</translation>
     </message>
     <message>
         <source>Quitting was cancelled</source>
@@ -352,6 +472,42 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Es wurde nichts importiert.</translation>
     </message>
     <message>
+        <source>Space for less than %1 minutes of recording is left in %2.</source>
+        <translation>Der freie Platz in %2 reicht für weniger als %1&#xa0;Minuten Aufnahme.</translation>
+    </message>
+    <message>
+        <source>Space for less than a minute of recording is left in %1.</source>
+        <translation>Der freie Platz in %1 reicht für weniger als eine Minute Aufnahme.</translation>
+    </message>
+    <message>
+        <source>%1 does not fit on the disk</source>
+        <translation>%1 passt nicht auf den Datenträger</translation>
+    </message>
+    <message>
+        <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
+        <translation>Dafür werden etwa %1 benötigt, aber auf dem Datenträger des Ordners %2 sind nur noch %3 frei.</translation>
+    </message>
+    <message>
+        <source>Orvo is recording</source>
+        <translation>Orvo nimmt auf</translation>
+    </message>
+    <message>
+        <source>Goes in at the end.</source>
+        <translation>Wird am Ende eingefügt.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1.</source>
+        <translation>Wird bei %1 eingefügt.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1 and replaces %2.</source>
+        <translation>Wird bei %1 eingefügt und ersetzt %2.</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1&#xa0;s</translation>
+    </message>
+    <message>
         <source>Everything loaded before is kept.</source>
         <translation>Alles zuvor Geladene bleibt erhalten.</translation>
     </message>
@@ -418,6 +574,90 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
     <message>
         <source>“%1” already exists. Do you want to replace it?</source>
         <translation>„%1“ gibt es schon. Soll die Datei ersetzt werden?</translation>
+    </message>
+    <message>
+        <source>Another program has changed the folder or the file meanwhile.</source>
+        <translation>Ein anderes Programm hat den Ordner oder die Datei inzwischen geändert.</translation>
+    </message>
+    <message>
+        <source>Look in:</source>
+        <translation>Suchen in:</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>Datei&amp;name:</translation>
+    </message>
+    <message>
+        <source>Files of type:</source>
+        <translation>Dateien vom Typ:</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Date modified</source>
+        <translation>Änderungsdatum</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>Parent Folder</source>
+        <translation>Übergeordneter Ordner</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>Neuer Ordner</translation>
+    </message>
+    <message>
+        <source>Name of the new folder:</source>
+        <translation>Name des neuen Ordners:</translation>
+    </message>
+    <message>
+        <source>Waiting for the folder to answer…</source>
+        <translation>Der Ordner antwortet noch nicht&#xa0;…</translation>
+    </message>
+    <message>
+        <source>“%1” is not there.</source>
+        <translation>„%1“ ist nicht vorhanden.</translation>
+    </message>
+    <message>
+        <source>The files cannot be shown</source>
+        <translation>Die Dateien können nicht angezeigt werden</translation>
+    </message>
+    <message>
+        <source>There is no room for another window</source>
+        <translation>Es ist kein weiteres Fenster möglich</translation>
+    </message>
+    <message>
+        <source>Too many files are open. Close some windows, then try again.</source>
+        <translation>Es sind zu viele Dateien geöffnet. Schließen Sie einige Fenster, und versuchen Sie es dann noch einmal.</translation>
+    </message>
+    <message>
+        <source>%1 can only be overwritten</source>
+        <translation>%1 kann nur überschrieben werden</translation>
+    </message>
+    <message>
+        <source>You may not make files in its folder. The old file is copied to the temporary directory first. The copy is kept if writing fails.</source>
+        <translation>Sie dürfen in diesem Ordner keine Dateien anlegen. Die alte Datei wird zuerst in das temporäre Verzeichnis kopiert. Die Kopie bleibt erhalten, wenn das Schreiben misslingt.</translation>
+    </message>
+    <message>
+        <source>Overwrite</source>
+        <translation>Überschreiben</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Speichern</translation>
+    </message>
+    <message>
+        <source>The file is damaged. What was in it is kept in %1.</source>
+        <translation>Die Datei ist beschädigt. Ihr bisheriger Inhalt liegt in %1.</translation>
     </message>
     <message>
         <source>There is a folder of this name.</source>
@@ -590,6 +830,62 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
     <message>
         <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
         <translation>Der Audioeingang ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Die Aufnahme ist beendet. Schließen Sie den Eingang wieder an und drücken Sie dann „Aufnahme“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>Der Audioeingang ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Schließen Sie ihn wieder an, bevor Sie „Aufnahme“ drücken. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>Der Audioeingang „%1“ ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Schließen Sie ihn wieder an, bevor Sie „Aufnahme“ drücken. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>Der Audioeingang „%1“ ist nicht mehr da: Er wurde getrennt, oder das Audiosystem wurde beendet. Die Aufnahme ist beendet. Schließen Sie den Eingang wieder an und drücken Sie dann „Aufnahme“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>Vom Audioeingang kam nichts mehr: Er steht still, oder das Audiosystem antwortet nicht. Die Aufnahme ist beendet. Prüfen Sie den Eingang und drücken Sie dann „Aufnahme“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input “%1”: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>Vom Audioeingang „%1“ kam nichts mehr: Er steht still, oder das Audiosystem antwortet nicht. Die Aufnahme ist beendet. Prüfen Sie den Eingang und drücken Sie dann „Aufnahme“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>The sound output stands still, or the sound system does not answer. Playback has ended. Check the output, then press Play. Everything recorded so far is kept.</source>
+        <translation>Der Audioausgang steht still, oder das Audiosystem antwortet nicht. Die Wiedergabe ist beendet. Prüfen Sie den Ausgang und drücken Sie dann „Wiedergabe“. Alles bisher Aufgenommene bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>Recording from the default input</source>
+        <translation>Aufnahme vom Standardeingang</translation>
+    </message>
+    <message>
+        <source>Recording from %1</source>
+        <translation>Aufnahme von %1</translation>
+    </message>
+    <message>
+        <source>Recording has been paused.</source>
+        <translation>Die Aufnahme wurde angehalten.</translation>
+    </message>
+    <message>
+        <source>No microphone</source>
+        <translation>Kein Mikrofon</translation>
+    </message>
+    <message>
+        <source>No microphone: recording what this computer plays</source>
+        <translation>Kein Mikrofon: Aufgenommen wird, was dieser Computer wiedergibt</translation>
+    </message>
+    <message>
+        <source>Nothing is coming in</source>
+        <translation>Es kommt kein Ton an</translation>
+    </message>
+    <message>
+        <source>%1 s were lost at %2</source>
+        <translation>%1&#xa0;s gingen bei %2 verloren</translation>
+    </message>
+    <message>
+        <source>Lost in this recording: %1 s, first at %2</source>
+        <translation>In dieser Aufnahme verloren: %1&#xa0;s, zuerst bei %2</translation>
     </message>
     <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>

@@ -152,6 +152,90 @@
         <translation>Sin título</translation>
     </message>
     <message>
+        <source>Recovered Recordings…</source>
+        <translation>Grabaciones recuperadas…</translation>
+    </message>
+    <message>
+        <source>Recovered Recordings</source>
+        <translation>Grabaciones recuperadas</translation>
+    </message>
+    <message>
+        <source>Orvo ended unexpectedly.</source>
+        <translation>Orvo se cerró de forma inesperada.</translation>
+    </message>
+    <message>
+        <source>Recordings kept: %1</source>
+        <translation>Grabaciones conservadas: %1</translation>
+    </message>
+    <message>
+        <source>Each recording opens in a window of its own. It is kept until you save or discard it.</source>
+        <translation>Cada grabación se abre en su propia ventana. Se conserva hasta que la guarde o la descarte.</translation>
+    </message>
+    <message>
+        <source>There are no recovered recordings.</source>
+        <translation>No hay grabaciones recuperadas.</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Fecha</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>Duración</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>Estado</translation>
+    </message>
+    <message>
+        <source>Complete</source>
+        <translation>Completa</translation>
+    </message>
+    <message>
+        <source>Damaged</source>
+        <translation>Dañada</translation>
+    </message>
+    <message>
+        <source>Still being written</source>
+        <translation>Aún se está escribiendo</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Más tarde</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Eliminar</translation>
+    </message>
+    <message>
+        <source>Delete for good?</source>
+        <translation>¿Eliminar definitivamente?</translation>
+    </message>
+    <message>
+        <source>Recordings to be deleted: %1. This cannot be undone.</source>
+        <translation>Grabaciones que se eliminarán: %1. Esto no se puede deshacer.</translation>
+    </message>
+    <message>
+        <source>Recovered %1</source>
+        <translation>Recuperada %1</translation>
+    </message>
+    <message>
+        <source>%1 could not be deleted</source>
+        <translation>No se pudo eliminar %1</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 min %2 s</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
         <source>Orvo Diagnostics</source>
         <translation>Diagnóstico de Orvo</translation>
     </message>
@@ -234,6 +318,42 @@ Una grabadora de audio con un editor sencillo.</translation>
     <message>
         <source>The recording was paused.</source>
         <translation>La grabación se ha pausado.</translation>
+    </message>
+    <message>
+        <source>Record (R)</source>
+        <translation>Grabar (R)</translation>
+    </message>
+    <message>
+        <source>Play (Space)</source>
+        <translation>Reproducir (Espacio)</translation>
+    </message>
+    <message>
+        <source>To Start (Return)</source>
+        <translation>Ir al principio (Intro)</translation>
+    </message>
+    <message>
+        <source>Ends the recording (R)</source>
+        <translation>Termina la grabación (R)</translation>
+    </message>
+    <message>
+        <source>Records at the end (R)</source>
+        <translation>Graba al final (R)</translation>
+    </message>
+    <message>
+        <source>Records from %1 over what is there (R)</source>
+        <translation>Graba desde %1 sobre lo que hay (R)</translation>
+    </message>
+    <message>
+        <source>Recording position</source>
+        <translation>Posición de grabación</translation>
+    </message>
+    <message>
+        <source>Clipping</source>
+        <translation>Saturación</translation>
+    </message>
+    <message>
+        <source>Too loud: clipped at %1. Click to turn off.</source>
+        <translation>Demasiado fuerte: saturado en %1. Haga clic para apagar.</translation>
     </message>
     <message>
         <source>Quitting was cancelled</source>
@@ -352,6 +472,42 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>No se ha importado nada.</translation>
     </message>
     <message>
+        <source>Space for less than %1 minutes of recording is left in %2.</source>
+        <translation>El espacio libre en %2 alcanza para menos de %1&#xa0;minutos de grabación.</translation>
+    </message>
+    <message>
+        <source>Space for less than a minute of recording is left in %1.</source>
+        <translation>El espacio libre en %1 alcanza para menos de un minuto de grabación.</translation>
+    </message>
+    <message>
+        <source>%1 does not fit on the disk</source>
+        <translation>%1 no cabe en el disco</translation>
+    </message>
+    <message>
+        <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
+        <translation>Se necesitan unos %1, pero en el disco de la carpeta %2 solo quedan %3.</translation>
+    </message>
+    <message>
+        <source>Orvo is recording</source>
+        <translation>Orvo está grabando</translation>
+    </message>
+    <message>
+        <source>Goes in at the end.</source>
+        <translation>Se insertará al final.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1.</source>
+        <translation>Se insertará en %1.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1 and replaces %2.</source>
+        <translation>Se insertará en %1 y reemplazará %2.</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1&#xa0;s</translation>
+    </message>
+    <message>
         <source>Everything loaded before is kept.</source>
         <translation>Se conserva todo lo cargado hasta entonces.</translation>
     </message>
@@ -418,6 +574,90 @@ Se conserva todo lo grabado hasta entonces.</translation>
     <message>
         <source>“%1” already exists. Do you want to replace it?</source>
         <translation>«%1» ya existe. ¿Desea reemplazar el archivo?</translation>
+    </message>
+    <message>
+        <source>Another program has changed the folder or the file meanwhile.</source>
+        <translation>Otro programa ha cambiado entretanto la carpeta o el archivo.</translation>
+    </message>
+    <message>
+        <source>Look in:</source>
+        <translation>Buscar en:</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>&amp;Nombre de archivo:</translation>
+    </message>
+    <message>
+        <source>Files of type:</source>
+        <translation>Archivos de tipo:</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nombre</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Tamaño</translation>
+    </message>
+    <message>
+        <source>Date modified</source>
+        <translation>Fecha de modificación</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Archivos</translation>
+    </message>
+    <message>
+        <source>Parent Folder</source>
+        <translation>Carpeta superior</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>Nueva carpeta</translation>
+    </message>
+    <message>
+        <source>Name of the new folder:</source>
+        <translation>Nombre de la nueva carpeta:</translation>
+    </message>
+    <message>
+        <source>Waiting for the folder to answer…</source>
+        <translation>Esperando respuesta de la carpeta…</translation>
+    </message>
+    <message>
+        <source>“%1” is not there.</source>
+        <translation>«%1» no existe.</translation>
+    </message>
+    <message>
+        <source>The files cannot be shown</source>
+        <translation>No se pueden mostrar los archivos</translation>
+    </message>
+    <message>
+        <source>There is no room for another window</source>
+        <translation>No se puede abrir otra ventana</translation>
+    </message>
+    <message>
+        <source>Too many files are open. Close some windows, then try again.</source>
+        <translation>Hay demasiados archivos abiertos. Cierre algunas ventanas y vuelva a intentarlo.</translation>
+    </message>
+    <message>
+        <source>%1 can only be overwritten</source>
+        <translation>%1 solo se puede sobrescribir</translation>
+    </message>
+    <message>
+        <source>You may not make files in its folder. The old file is copied to the temporary directory first. The copy is kept if writing fails.</source>
+        <translation>No tiene permiso para crear archivos en su carpeta. El archivo antiguo se copia antes en el directorio temporal. La copia se conserva si falla la escritura.</translation>
+    </message>
+    <message>
+        <source>Overwrite</source>
+        <translation>Sobrescribir</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Guardar</translation>
+    </message>
+    <message>
+        <source>The file is damaged. What was in it is kept in %1.</source>
+        <translation>El archivo está dañado. Su contenido anterior se conserva en %1.</translation>
     </message>
     <message>
         <source>There is a folder of this name.</source>
@@ -590,6 +830,62 @@ Se conserva todo lo grabado hasta entonces.</translation>
     <message>
         <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
         <translation>La entrada de sonido ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. La grabación ha terminado. Vuelva a conectar la entrada y pulse «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>La entrada de sonido ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. Vuelva a conectarla antes de pulsar «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>La entrada de sonido «%1» ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. Vuelva a conectarla antes de pulsar «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>La entrada de sonido «%1» ha desaparecido: se ha desconectado o el sistema de sonido se ha detenido. La grabación ha terminado. Vuelva a conectar la entrada y pulse «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>No ha llegado nada más de la entrada de sonido: está parada o el sistema de sonido no responde. La grabación ha terminado. Compruebe la entrada y pulse «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input “%1”: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>No ha llegado nada más de la entrada de sonido «%1»: está parada o el sistema de sonido no responde. La grabación ha terminado. Compruebe la entrada y pulse «Grabar». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>The sound output stands still, or the sound system does not answer. Playback has ended. Check the output, then press Play. Everything recorded so far is kept.</source>
+        <translation>La salida de sonido está parada o el sistema de sonido no responde. La reproducción ha terminado. Compruebe la salida y pulse «Reproducir». Se conserva todo lo grabado hasta ahora.</translation>
+    </message>
+    <message>
+        <source>Recording from the default input</source>
+        <translation>Grabando de la entrada predeterminada</translation>
+    </message>
+    <message>
+        <source>Recording from %1</source>
+        <translation>Grabando de %1</translation>
+    </message>
+    <message>
+        <source>Recording has been paused.</source>
+        <translation>La grabación se ha puesto en pausa.</translation>
+    </message>
+    <message>
+        <source>No microphone</source>
+        <translation>No hay micrófono</translation>
+    </message>
+    <message>
+        <source>No microphone: recording what this computer plays</source>
+        <translation>No hay micrófono: se graba lo que reproduce este equipo</translation>
+    </message>
+    <message>
+        <source>Nothing is coming in</source>
+        <translation>No llega ningún sonido</translation>
+    </message>
+    <message>
+        <source>%1 s were lost at %2</source>
+        <translation>Se perdieron %1&#xa0;s en %2</translation>
+    </message>
+    <message>
+        <source>Lost in this recording: %1 s, first at %2</source>
+        <translation>Perdido en esta grabación: %1&#xa0;s, primero en %2</translation>
     </message>
     <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>

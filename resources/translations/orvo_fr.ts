@@ -152,6 +152,90 @@
         <translation>Sans titre</translation>
     </message>
     <message>
+        <source>Recovered Recordings…</source>
+        <translation>Enregistrements récupérés…</translation>
+    </message>
+    <message>
+        <source>Recovered Recordings</source>
+        <translation>Enregistrements récupérés</translation>
+    </message>
+    <message>
+        <source>Orvo ended unexpectedly.</source>
+        <translation>Orvo s’est arrêté de façon inattendue.</translation>
+    </message>
+    <message>
+        <source>Recordings kept: %1</source>
+        <translation>Enregistrements conservés&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Each recording opens in a window of its own. It is kept until you save or discard it.</source>
+        <translation>Chaque enregistrement s’ouvre dans sa propre fenêtre. Il est conservé jusqu’à ce que vous l’enregistriez ou l’abandonniez.</translation>
+    </message>
+    <message>
+        <source>There are no recovered recordings.</source>
+        <translation>Il n’y a aucun enregistrement récupéré.</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Date</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>Durée</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>État</translation>
+    </message>
+    <message>
+        <source>Complete</source>
+        <translation>Complet</translation>
+    </message>
+    <message>
+        <source>Damaged</source>
+        <translation>Endommagé</translation>
+    </message>
+    <message>
+        <source>Still being written</source>
+        <translation>Écriture en cours</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Plus tard</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Supprimer</translation>
+    </message>
+    <message>
+        <source>Delete for good?</source>
+        <translation>Supprimer définitivement&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Recordings to be deleted: %1. This cannot be undone.</source>
+        <translation>Enregistrements à supprimer&#xa0;: %1. Cette opération est irréversible.</translation>
+    </message>
+    <message>
+        <source>Recovered %1</source>
+        <translation>Récupéré %1</translation>
+    </message>
+    <message>
+        <source>%1 could not be deleted</source>
+        <translation>%1 n’a pas pu être supprimé</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 min %2 s</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
         <source>Orvo Diagnostics</source>
         <translation>Diagnostic d’Orvo</translation>
     </message>
@@ -234,6 +318,42 @@ Un enregistreur audio et éditeur simple.</translation>
     <message>
         <source>The recording was paused.</source>
         <translation>L’enregistrement a été mis en pause.</translation>
+    </message>
+    <message>
+        <source>Record (R)</source>
+        <translation>Enregistrement (R)</translation>
+    </message>
+    <message>
+        <source>Play (Space)</source>
+        <translation>Lecture (Espace)</translation>
+    </message>
+    <message>
+        <source>To Start (Return)</source>
+        <translation>Aller au début (Entrée)</translation>
+    </message>
+    <message>
+        <source>Ends the recording (R)</source>
+        <translation>Termine l’enregistrement (R)</translation>
+    </message>
+    <message>
+        <source>Records at the end (R)</source>
+        <translation>Enregistre à la fin (R)</translation>
+    </message>
+    <message>
+        <source>Records from %1 over what is there (R)</source>
+        <translation>Enregistre à partir de %1 par-dessus l’existant (R)</translation>
+    </message>
+    <message>
+        <source>Recording position</source>
+        <translation>Position d’enregistrement</translation>
+    </message>
+    <message>
+        <source>Clipping</source>
+        <translation>Saturation</translation>
+    </message>
+    <message>
+        <source>Too loud: clipped at %1. Click to turn off.</source>
+        <translation>Trop fort&#xa0;: saturation à %1. Cliquez pour éteindre.</translation>
     </message>
     <message>
         <source>Quitting was cancelled</source>
@@ -352,6 +472,42 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Rien n’a été importé.</translation>
     </message>
     <message>
+        <source>Space for less than %1 minutes of recording is left in %2.</source>
+        <translation>L’espace libre dans %2 suffit pour moins de %1&#xa0;minutes d’enregistrement.</translation>
+    </message>
+    <message>
+        <source>Space for less than a minute of recording is left in %1.</source>
+        <translation>L’espace libre dans %1 suffit pour moins d’une minute d’enregistrement.</translation>
+    </message>
+    <message>
+        <source>%1 does not fit on the disk</source>
+        <translation>%1 ne tient pas sur le disque</translation>
+    </message>
+    <message>
+        <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
+        <translation>Il faut environ %1, mais il ne reste que %3 sur le disque du dossier %2.</translation>
+    </message>
+    <message>
+        <source>Orvo is recording</source>
+        <translation>Orvo enregistre</translation>
+    </message>
+    <message>
+        <source>Goes in at the end.</source>
+        <translation>Sera inséré à la fin.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1.</source>
+        <translation>Sera inséré à %1.</translation>
+    </message>
+    <message>
+        <source>Goes in at %1 and replaces %2.</source>
+        <translation>Sera inséré à %1 et remplacera %2.</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1&#xa0;s</translation>
+    </message>
+    <message>
         <source>Everything loaded before is kept.</source>
         <translation>Tout ce qui a été chargé auparavant est conservé.</translation>
     </message>
@@ -418,6 +574,90 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
     <message>
         <source>“%1” already exists. Do you want to replace it?</source>
         <translation>«&#xa0;%1&#xa0;» existe déjà. Voulez-vous remplacer ce fichier&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Another program has changed the folder or the file meanwhile.</source>
+        <translation>Un autre programme a modifié le dossier ou le fichier entre-temps.</translation>
+    </message>
+    <message>
+        <source>Look in:</source>
+        <translation>Rechercher dans&#xa0;:</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>&amp;Nom du fichier&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Files of type:</source>
+        <translation>Fichiers de type&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Taille</translation>
+    </message>
+    <message>
+        <source>Date modified</source>
+        <translation>Date de modification</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Fichiers</translation>
+    </message>
+    <message>
+        <source>Parent Folder</source>
+        <translation>Dossier parent</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>Nouveau dossier</translation>
+    </message>
+    <message>
+        <source>Name of the new folder:</source>
+        <translation>Nom du nouveau dossier&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Waiting for the folder to answer…</source>
+        <translation>En attente d’une réponse du dossier…</translation>
+    </message>
+    <message>
+        <source>“%1” is not there.</source>
+        <translation>«&#xa0;%1&#xa0;» n’existe pas.</translation>
+    </message>
+    <message>
+        <source>The files cannot be shown</source>
+        <translation>Les fichiers ne peuvent pas être affichés</translation>
+    </message>
+    <message>
+        <source>There is no room for another window</source>
+        <translation>Impossible d’ouvrir une autre fenêtre</translation>
+    </message>
+    <message>
+        <source>Too many files are open. Close some windows, then try again.</source>
+        <translation>Trop de fichiers sont ouverts. Fermez quelques fenêtres, puis réessayez.</translation>
+    </message>
+    <message>
+        <source>%1 can only be overwritten</source>
+        <translation>%1 peut seulement être écrasé</translation>
+    </message>
+    <message>
+        <source>You may not make files in its folder. The old file is copied to the temporary directory first. The copy is kept if writing fails.</source>
+        <translation>Vous n’avez pas le droit de créer des fichiers dans son dossier. L’ancien fichier est d’abord copié dans le répertoire temporaire. La copie est conservée si l’écriture échoue.</translation>
+    </message>
+    <message>
+        <source>Overwrite</source>
+        <translation>Écraser</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Enregistrer</translation>
+    </message>
+    <message>
+        <source>The file is damaged. What was in it is kept in %1.</source>
+        <translation>Le fichier est endommagé. Son ancien contenu est conservé dans %1.</translation>
     </message>
     <message>
         <source>There is a folder of this name.</source>
@@ -590,6 +830,62 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
     <message>
         <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
         <translation>L’entrée audio a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. L’enregistrement est terminé. Rebranchez l’entrée, puis cliquez sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>L’entrée audio a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. Rebranchez-la avant de cliquer sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>L’entrée audio «&#xa0;%1&#xa0;» a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. Rebranchez-la avant de cliquer sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>L’entrée audio «&#xa0;%1&#xa0;» a disparu&#xa0;: elle a été débranchée, ou le système audio s’est arrêté. L’enregistrement est terminé. Rebranchez l’entrée, puis cliquez sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>Plus rien n’est arrivé de l’entrée audio&#xa0;: elle est bloquée, ou le système audio ne répond pas. L’enregistrement est terminé. Vérifiez l’entrée, puis cliquez sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input “%1”: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>Plus rien n’est arrivé de l’entrée audio «&#xa0;%1&#xa0;»&#xa0;: elle est bloquée, ou le système audio ne répond pas. L’enregistrement est terminé. Vérifiez l’entrée, puis cliquez sur «&#xa0;Enregistrement&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>The sound output stands still, or the sound system does not answer. Playback has ended. Check the output, then press Play. Everything recorded so far is kept.</source>
+        <translation>La sortie audio est bloquée, ou le système audio ne répond pas. La lecture est terminée. Vérifiez la sortie, puis cliquez sur «&#xa0;Lecture&#xa0;». Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
+    </message>
+    <message>
+        <source>Recording from the default input</source>
+        <translation>Enregistrement depuis l’entrée par défaut</translation>
+    </message>
+    <message>
+        <source>Recording from %1</source>
+        <translation>Enregistrement depuis %1</translation>
+    </message>
+    <message>
+        <source>Recording has been paused.</source>
+        <translation>L’enregistrement a été mis en pause.</translation>
+    </message>
+    <message>
+        <source>No microphone</source>
+        <translation>Aucun microphone</translation>
+    </message>
+    <message>
+        <source>No microphone: recording what this computer plays</source>
+        <translation>Aucun microphone&#xa0;: enregistrement de ce que cet ordinateur joue</translation>
+    </message>
+    <message>
+        <source>Nothing is coming in</source>
+        <translation>Aucun son n’arrive</translation>
+    </message>
+    <message>
+        <source>%1 s were lost at %2</source>
+        <translation>%1&#xa0;s ont été perdues à %2</translation>
+    </message>
+    <message>
+        <source>Lost in this recording: %1 s, first at %2</source>
+        <translation>Perte dans cet enregistrement&#xa0;: %1&#xa0;s, la première à %2</translation>
     </message>
     <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>

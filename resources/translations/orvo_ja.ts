@@ -152,6 +152,90 @@
         <translation>名称未設定</translation>
     </message>
     <message>
+        <source>Recovered Recordings…</source>
+        <translation>復元された録音…</translation>
+    </message>
+    <message>
+        <source>Recovered Recordings</source>
+        <translation>復元された録音</translation>
+    </message>
+    <message>
+        <source>Orvo ended unexpectedly.</source>
+        <translation>Orvo が予期せず終了しました。</translation>
+    </message>
+    <message>
+        <source>Recordings kept: %1</source>
+        <translation>保持された録音: %1</translation>
+    </message>
+    <message>
+        <source>Each recording opens in a window of its own. It is kept until you save or discard it.</source>
+        <translation>録音はそれぞれ別のウインドウで開きます。保存するか破棄するまで保持されます。</translation>
+    </message>
+    <message>
+        <source>There are no recovered recordings.</source>
+        <translation>復元された録音はありません。</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>日時</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>長さ</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>状態</translation>
+    </message>
+    <message>
+        <source>Complete</source>
+        <translation>完全</translation>
+    </message>
+    <message>
+        <source>Damaged</source>
+        <translation>破損</translation>
+    </message>
+    <message>
+        <source>Still being written</source>
+        <translation>書き込み中</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>後で</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>削除</translation>
+    </message>
+    <message>
+        <source>Delete for good?</source>
+        <translation>完全に削除しますか？</translation>
+    </message>
+    <message>
+        <source>Recordings to be deleted: %1. This cannot be undone.</source>
+        <translation>削除する録音: %1。この操作は取り消せません。</translation>
+    </message>
+    <message>
+        <source>Recovered %1</source>
+        <translation>復元 %1</translation>
+    </message>
+    <message>
+        <source>%1 could not be deleted</source>
+        <translation>%1 を削除できませんでした</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 時間 %2 分</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 分 %2 秒</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
         <source>Orvo Diagnostics</source>
         <translation>Orvo の診断</translation>
     </message>
@@ -234,6 +318,42 @@ An audio recorder and simple editor.</source>
     <message>
         <source>The recording was paused.</source>
         <translation>録音は一時停止されました。</translation>
+    </message>
+    <message>
+        <source>Record (R)</source>
+        <translation>録音 (R)</translation>
+    </message>
+    <message>
+        <source>Play (Space)</source>
+        <translation>再生 (スペース)</translation>
+    </message>
+    <message>
+        <source>To Start (Return)</source>
+        <translation>先頭へ (Return)</translation>
+    </message>
+    <message>
+        <source>Ends the recording (R)</source>
+        <translation>録音を終了 (R)</translation>
+    </message>
+    <message>
+        <source>Records at the end (R)</source>
+        <translation>末尾に録音 (R)</translation>
+    </message>
+    <message>
+        <source>Records from %1 over what is there (R)</source>
+        <translation>%1 から上書き録音 (R)</translation>
+    </message>
+    <message>
+        <source>Recording position</source>
+        <translation>録音位置</translation>
+    </message>
+    <message>
+        <source>Clipping</source>
+        <translation>音割れ</translation>
+    </message>
+    <message>
+        <source>Too loud: clipped at %1. Click to turn off.</source>
+        <translation>音が大きすぎます: %1 で音割れしました。クリックで消灯します。</translation>
     </message>
     <message>
         <source>Quitting was cancelled</source>
@@ -352,6 +472,42 @@ Everything recorded before is kept.</source>
         <translation>何もインポートされませんでした。</translation>
     </message>
     <message>
+        <source>Space for less than %1 minutes of recording is left in %2.</source>
+        <translation>%2 の空き容量で録音できるのは残り %1 分未満です。</translation>
+    </message>
+    <message>
+        <source>Space for less than a minute of recording is left in %1.</source>
+        <translation>%1 の空き容量で録音できるのは残り 1 分未満です。</translation>
+    </message>
+    <message>
+        <source>%1 does not fit on the disk</source>
+        <translation>%1 はディスクに収まりません</translation>
+    </message>
+    <message>
+        <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
+        <translation>約 %1 必要ですが、フォルダー %2 のディスクには %3 しか空きがありません。</translation>
+    </message>
+    <message>
+        <source>Orvo is recording</source>
+        <translation>Orvo が録音中です</translation>
+    </message>
+    <message>
+        <source>Goes in at the end.</source>
+        <translation>末尾に入ります。</translation>
+    </message>
+    <message>
+        <source>Goes in at %1.</source>
+        <translation>%1 に入ります。</translation>
+    </message>
+    <message>
+        <source>Goes in at %1 and replaces %2.</source>
+        <translation>%1 に入り、%2 を置き換えます。</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
         <source>Everything loaded before is kept.</source>
         <translation>それまでに読み込んだ内容はすべて残っています。</translation>
     </message>
@@ -418,6 +574,90 @@ Everything recorded before is kept.</source>
     <message>
         <source>“%1” already exists. Do you want to replace it?</source>
         <translation>「%1」はすでに存在します。置き換えますか？</translation>
+    </message>
+    <message>
+        <source>Another program has changed the folder or the file meanwhile.</source>
+        <translation>その間に別のプログラムがフォルダーまたはファイルを変更しました。</translation>
+    </message>
+    <message>
+        <source>Look in:</source>
+        <translation>場所:</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>ファイル名(&amp;N):</translation>
+    </message>
+    <message>
+        <source>Files of type:</source>
+        <translation>表示する種類:</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>サイズ</translation>
+    </message>
+    <message>
+        <source>Date modified</source>
+        <translation>更新日時</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>ファイル</translation>
+    </message>
+    <message>
+        <source>Parent Folder</source>
+        <translation>親フォルダー</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>新しいフォルダー</translation>
+    </message>
+    <message>
+        <source>Name of the new folder:</source>
+        <translation>新しいフォルダーの名前:</translation>
+    </message>
+    <message>
+        <source>Waiting for the folder to answer…</source>
+        <translation>フォルダーの応答を待っています…</translation>
+    </message>
+    <message>
+        <source>“%1” is not there.</source>
+        <translation>「%1」がありません。</translation>
+    </message>
+    <message>
+        <source>The files cannot be shown</source>
+        <translation>ファイルを表示できません</translation>
+    </message>
+    <message>
+        <source>There is no room for another window</source>
+        <translation>これ以上ウィンドウを開けません</translation>
+    </message>
+    <message>
+        <source>Too many files are open. Close some windows, then try again.</source>
+        <translation>開いているファイルが多すぎます。いくつかのウィンドウを閉じてから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>%1 can only be overwritten</source>
+        <translation>%1 は上書きすることしかできません</translation>
+    </message>
+    <message>
+        <source>You may not make files in its folder. The old file is copied to the temporary directory first. The copy is kept if writing fails.</source>
+        <translation>このフォルダーにファイルを作成する権限がありません。元のファイルは先に一時ディレクトリにコピーされます。書き込みに失敗した場合、そのコピーは残ります。</translation>
+    </message>
+    <message>
+        <source>Overwrite</source>
+        <translation>上書き</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>保存(&amp;S)</translation>
+    </message>
+    <message>
+        <source>The file is damaged. What was in it is kept in %1.</source>
+        <translation>ファイルが壊れています。元の内容は %1 に残っています。</translation>
     </message>
     <message>
         <source>There is a folder of this name.</source>
@@ -590,6 +830,62 @@ Everything recorded before is kept.</source>
     <message>
         <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
         <translation>サウンド入力がなくなりました。取り外されたか、サウンドシステムが停止しました。録音は終了しました。入力を接続し直してから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>サウンド入力がなくなりました。取り外されたか、サウンドシステムが停止しました。接続し直してから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>サウンド入力「%1」がなくなりました。取り外されたか、サウンドシステムが停止しました。接続し直してから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>サウンド入力「%1」がなくなりました。取り外されたか、サウンドシステムが停止しました。録音は終了しました。入力を接続し直してから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>サウンド入力から何も届かなくなりました。止まっているか、サウンドシステムが応答していません。録音は終了しました。入力を確かめてから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input “%1”: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>サウンド入力「%1」から何も届かなくなりました。止まっているか、サウンドシステムが応答していません。録音は終了しました。入力を確かめてから「録音」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>The sound output stands still, or the sound system does not answer. Playback has ended. Check the output, then press Play. Everything recorded so far is kept.</source>
+        <translation>サウンド出力が止まっているか、サウンドシステムが応答していません。再生は終了しました。出力を確かめてから「再生」を押してください。これまでに録音した内容はすべて残っています。</translation>
+    </message>
+    <message>
+        <source>Recording from the default input</source>
+        <translation>デフォルトの入力から録音中</translation>
+    </message>
+    <message>
+        <source>Recording from %1</source>
+        <translation>%1から録音中</translation>
+    </message>
+    <message>
+        <source>Recording has been paused.</source>
+        <translation>録音を一時停止しました。</translation>
+    </message>
+    <message>
+        <source>No microphone</source>
+        <translation>マイクがありません</translation>
+    </message>
+    <message>
+        <source>No microphone: recording what this computer plays</source>
+        <translation>マイクがありません。このコンピューターの再生音を録音しています</translation>
+    </message>
+    <message>
+        <source>Nothing is coming in</source>
+        <translation>音が入ってきません</translation>
+    </message>
+    <message>
+        <source>%1 s were lost at %2</source>
+        <translation>%2で%1秒分が失われました</translation>
+    </message>
+    <message>
+        <source>Lost in this recording: %1 s, first at %2</source>
+        <translation>この録音で失われた長さ：%1秒、最初は%2</translation>
     </message>
     <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>

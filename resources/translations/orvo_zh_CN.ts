@@ -152,6 +152,90 @@
         <translation>未命名</translation>
     </message>
     <message>
+        <source>Recovered Recordings…</source>
+        <translation>恢复的录音…</translation>
+    </message>
+    <message>
+        <source>Recovered Recordings</source>
+        <translation>恢复的录音</translation>
+    </message>
+    <message>
+        <source>Orvo ended unexpectedly.</source>
+        <translation>Orvo 意外退出。</translation>
+    </message>
+    <message>
+        <source>Recordings kept: %1</source>
+        <translation>已保留的录音：%1</translation>
+    </message>
+    <message>
+        <source>Each recording opens in a window of its own. It is kept until you save or discard it.</source>
+        <translation>每个录音都在单独的窗口中打开，并会一直保留，直到您保存或放弃它。</translation>
+    </message>
+    <message>
+        <source>There are no recovered recordings.</source>
+        <translation>没有恢复的录音。</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>日期</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>长度</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>状态</translation>
+    </message>
+    <message>
+        <source>Complete</source>
+        <translation>完整</translation>
+    </message>
+    <message>
+        <source>Damaged</source>
+        <translation>已损坏</translation>
+    </message>
+    <message>
+        <source>Still being written</source>
+        <translation>仍在写入</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>稍后</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Delete for good?</source>
+        <translation>要永久删除吗？</translation>
+    </message>
+    <message>
+        <source>Recordings to be deleted: %1. This cannot be undone.</source>
+        <translation>要删除的录音：%1。此操作无法撤销。</translation>
+    </message>
+    <message>
+        <source>Recovered %1</source>
+        <translation>已恢复 %1</translation>
+    </message>
+    <message>
+        <source>%1 could not be deleted</source>
+        <translation>无法删除 %1</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 小时 %2 分</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 分 %2 秒</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
         <source>Orvo Diagnostics</source>
         <translation>Orvo 诊断</translation>
     </message>
@@ -234,6 +318,42 @@ An audio recorder and simple editor.</source>
     <message>
         <source>The recording was paused.</source>
         <translation>录音已暂停。</translation>
+    </message>
+    <message>
+        <source>Record (R)</source>
+        <translation>录音 (R)</translation>
+    </message>
+    <message>
+        <source>Play (Space)</source>
+        <translation>播放 (空格键)</translation>
+    </message>
+    <message>
+        <source>To Start (Return)</source>
+        <translation>转到开头 (回车键)</translation>
+    </message>
+    <message>
+        <source>Ends the recording (R)</source>
+        <translation>结束录音 (R)</translation>
+    </message>
+    <message>
+        <source>Records at the end (R)</source>
+        <translation>在末尾录音 (R)</translation>
+    </message>
+    <message>
+        <source>Records from %1 over what is there (R)</source>
+        <translation>从 %1 起覆盖已有内容录音 (R)</translation>
+    </message>
+    <message>
+        <source>Recording position</source>
+        <translation>录音位置</translation>
+    </message>
+    <message>
+        <source>Clipping</source>
+        <translation>削波</translation>
+    </message>
+    <message>
+        <source>Too loud: clipped at %1. Click to turn off.</source>
+        <translation>音量过大：在 %1 处出现削波。点击即可熄灭。</translation>
     </message>
     <message>
         <source>Quitting was cancelled</source>
@@ -352,6 +472,42 @@ Everything recorded before is kept.</source>
         <translation>未导入任何内容。</translation>
     </message>
     <message>
+        <source>Space for less than %1 minutes of recording is left in %2.</source>
+        <translation>%2 中的剩余空间可供录音不到 %1 分钟。</translation>
+    </message>
+    <message>
+        <source>Space for less than a minute of recording is left in %1.</source>
+        <translation>%1 中的剩余空间可供录音不到 1 分钟。</translation>
+    </message>
+    <message>
+        <source>%1 does not fit on the disk</source>
+        <translation>磁盘放不下 %1</translation>
+    </message>
+    <message>
+        <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
+        <translation>大约需要 %1，但文件夹 %2 所在的磁盘只剩 %3。</translation>
+    </message>
+    <message>
+        <source>Orvo is recording</source>
+        <translation>Orvo 正在录音</translation>
+    </message>
+    <message>
+        <source>Goes in at the end.</source>
+        <translation>将放在末尾。</translation>
+    </message>
+    <message>
+        <source>Goes in at %1.</source>
+        <translation>将放在 %1 处。</translation>
+    </message>
+    <message>
+        <source>Goes in at %1 and replaces %2.</source>
+        <translation>将放在 %1 处，并替换 %2。</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
         <source>Everything loaded before is kept.</source>
         <translation>此前载入的内容均已保留。</translation>
     </message>
@@ -418,6 +574,90 @@ Everything recorded before is kept.</source>
     <message>
         <source>“%1” already exists. Do you want to replace it?</source>
         <translation>“%1”已存在。要替换它吗？</translation>
+    </message>
+    <message>
+        <source>Another program has changed the folder or the file meanwhile.</source>
+        <translation>其间另一个程序更改了文件夹或文件。</translation>
+    </message>
+    <message>
+        <source>Look in:</source>
+        <translation>查找位置：</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>文件名(&amp;N)：</translation>
+    </message>
+    <message>
+        <source>Files of type:</source>
+        <translation>显示类型：</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>大小</translation>
+    </message>
+    <message>
+        <source>Date modified</source>
+        <translation>修改日期</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>文件</translation>
+    </message>
+    <message>
+        <source>Parent Folder</source>
+        <translation>上级文件夹</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>新建文件夹</translation>
+    </message>
+    <message>
+        <source>Name of the new folder:</source>
+        <translation>新文件夹的名称：</translation>
+    </message>
+    <message>
+        <source>Waiting for the folder to answer…</source>
+        <translation>正在等待文件夹响应…</translation>
+    </message>
+    <message>
+        <source>“%1” is not there.</source>
+        <translation>“%1”不存在。</translation>
+    </message>
+    <message>
+        <source>The files cannot be shown</source>
+        <translation>无法显示文件</translation>
+    </message>
+    <message>
+        <source>There is no room for another window</source>
+        <translation>无法再打开窗口</translation>
+    </message>
+    <message>
+        <source>Too many files are open. Close some windows, then try again.</source>
+        <translation>打开的文件过多。请关闭一些窗口，然后重试。</translation>
+    </message>
+    <message>
+        <source>%1 can only be overwritten</source>
+        <translation>%1 只能被覆盖</translation>
+    </message>
+    <message>
+        <source>You may not make files in its folder. The old file is copied to the temporary directory first. The copy is kept if writing fails.</source>
+        <translation>您无权在其文件夹中创建文件。旧文件会先复制到临时目录。如果写入失败，该副本将保留。</translation>
+    </message>
+    <message>
+        <source>Overwrite</source>
+        <translation>覆盖</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>保存(&amp;S)</translation>
+    </message>
+    <message>
+        <source>The file is damaged. What was in it is kept in %1.</source>
+        <translation>文件已损坏。其原有内容保留在 %1 中。</translation>
     </message>
     <message>
         <source>There is a folder of this name.</source>
@@ -590,6 +830,62 @@ Everything recorded before is kept.</source>
     <message>
         <source>The sound input has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
         <translation>声音输入已消失：设备被拔出，或声音系统已停止。录音已结束。请重新连接输入设备，然后按“录音”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The sound input has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>声音输入已消失：设备被拔出，或声音系统已停止。请在按“录音”之前重新连接。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Connect it again before you press Record. Everything recorded so far is kept.</source>
+        <translation>声音输入“%1”已消失：设备被拔出，或声音系统已停止。请在按“录音”之前重新连接。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The sound input “%1” has gone: it was unplugged, or the sound system stopped. Recording has ended. Connect the input again, then press Record. Everything recorded so far is kept.</source>
+        <translation>声音输入“%1”已消失：设备被拔出，或声音系统已停止。录音已结束。请重新连接输入设备，然后按“录音”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>声音输入不再传来任何数据：输入已停滞，或声音系统没有响应。录音已结束。请检查输入设备，然后按“录音”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>Nothing more came from the sound input “%1”: it stands still, or the sound system does not answer. Recording has ended. Check the input, then press Record. Everything recorded so far is kept.</source>
+        <translation>声音输入“%1”不再传来任何数据：输入已停滞，或声音系统没有响应。录音已结束。请检查输入设备，然后按“录音”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>The sound output stands still, or the sound system does not answer. Playback has ended. Check the output, then press Play. Everything recorded so far is kept.</source>
+        <translation>声音输出已停滞，或声音系统没有响应。播放已结束。请检查输出设备，然后按“播放”。到目前为止录制的内容均已保留。</translation>
+    </message>
+    <message>
+        <source>Recording from the default input</source>
+        <translation>正在从默认输入录音</translation>
+    </message>
+    <message>
+        <source>Recording from %1</source>
+        <translation>正在从%1录音</translation>
+    </message>
+    <message>
+        <source>Recording has been paused.</source>
+        <translation>录音已暂停。</translation>
+    </message>
+    <message>
+        <source>No microphone</source>
+        <translation>没有麦克风</translation>
+    </message>
+    <message>
+        <source>No microphone: recording what this computer plays</source>
+        <translation>没有麦克风：正在录制这台计算机播放的声音</translation>
+    </message>
+    <message>
+        <source>Nothing is coming in</source>
+        <translation>没有声音传入</translation>
+    </message>
+    <message>
+        <source>%1 s were lost at %2</source>
+        <translation>在%2处丢失了%1秒</translation>
+    </message>
+    <message>
+        <source>Lost in this recording: %1 s, first at %2</source>
+        <translation>本次录音共丢失：%1秒，首次在%2</translation>
     </message>
     <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>

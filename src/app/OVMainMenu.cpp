@@ -172,6 +172,7 @@ void OVMainMenu::addHelpMenu() {
   addCommand(menu, textKey("Documentation"), commands_.openDocumentation)
       ->setShortcut(QKeySequence::HelpContents);
   menu->addSeparator();
+  addCommand(menu, textKey("Recovered Recordings…"), commands_.showRecovered);
   addCommand(menu, textKey("Diagnostics"), commands_.showDiagnostics);
   addCommand(menu, textKey("About Orvo"), commands_.showAbout);
 }

@@ -29,6 +29,7 @@ class OVMainMenu : public QObject {
     std::function<void(const std::string& path)> openRecentFile;
     std::function<void()> terminate;
     std::function<void()> openDocumentation;
+    std::function<void()> showRecovered;
     std::function<void()> showDiagnostics;
     std::function<void()> showAbout;
   };

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QMessageBox>
 #include <QUrl>
 
@@ -18,12 +19,15 @@
 #include "platform/desktop/DesktopServices.h"
 #include "platform/desktop/FileDialogs.h"
 #include "platform/files/AbsolutePath.h"
+#include "platform/files/Descriptors.h"
 #include "platform/mainloop/Localization.h"
 
 namespace {
 
 constexpr double kTerminationInterval = 1.0 / 30.0;  // seconds
 constexpr std::size_t kTempfilesCapacity = 10;
+// Enough for the window, and afterwards for panels, saving, and the sound device to open again.
+constexpr std::size_t kDescriptorsOfAWindow = 64;
 
 std::shared_ptr<VLRecorderWindowController> documentOf(const OVRecorderWindow& window) {
   return std::dynamic_pointer_cast<VLRecorderWindowController>(window.delegate());
@@ -31,7 +35,11 @@ std::shared_ptr<VLRecorderWindowController> documentOf(const OVRecorderWindow& w
 
 }  // namespace
 
-VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit) : quit_(std::move(quit)) {
+VelmarAppDelegate::VelmarAppDelegate(std::function<void()> quit)
+    : quit_(std::move(quit)),
+      recovered_(recoveredFolder(),
+                 {.open = [this](const OVRecoveredFile& file) { openRecovered(file); },
+                  .mayAsk = [this] { return mayAskNow(); }}) {
   awakeFromNib();
 }
 
@@ -58,7 +66,21 @@ void VelmarAppDelegate::applicationDidFinishLaunching() {
 }
 
 void VelmarAppDelegate::spawnNewRecorderWindow(QObject*) {
-  makeWindow()->showWindow();
+  if (hasRoomForAWindow()) {
+    makeWindow()->showWindow();
+  }
+}
+
+bool VelmarAppDelegate::hasRoomForAWindow() const {
+  if (recorderWindows().empty() || platform::hasFreeDescriptors(kDescriptorsOfAWindow)) {
+    return true;
+  }
+  if (!hasPendingAlerts()) {  // files may be opened by the dozen
+    platform::applicationServices()->postModalAlert(
+        platform::localizedUtf8("There is no room for another window"),
+        platform::localizedUtf8("Too many files are open. Close some windows, then try again."));
+  }
+  return false;
 }
 
 std::shared_ptr<VLRecorderWindowController> VelmarAppDelegate::makeWindow() {
@@ -84,6 +106,7 @@ OVMainMenu::ApplicationCommands VelmarAppDelegate::commands() {
       .openRecentFile = [this](const std::string& path) { applicationOpenFile(path); },
       .terminate = [this] { terminate(); },
       .openDocumentation = [this] { openDocumentation(nullptr); },
+      .showRecovered = [this] { showRecovered(); },
       .showDiagnostics = [this] { showDiagnostics(); },
       .showAbout = [this] { showAbout(); },
   };
@@ -112,6 +135,9 @@ bool VelmarAppDelegate::applicationOpenFiles(const std::vector<std::string>& pat
 }
 
 void VelmarAppDelegate::openInNewWindow(const std::string& path) {
+  if (!hasRoomForAWindow()) {
+    return;
+  }
   std::string absolute = platform::absolutePathOf(path);
   if (absolute.empty()) {
     absolute = path;  // an empty path, or no working directory: the reader reports it
@@ -124,6 +150,26 @@ void VelmarAppDelegate::openInNewWindow(const std::string& path) {
   controller->setCurrentFilename(absolute);
   controller->setCurrentFiletype(-1);
   controller->openFileNamed(absolute);
+}
+
+void VelmarAppDelegate::openRecovered(const OVRecoveredFile& file) {
+  if (!hasRoomForAWindow()) {
+    return;  // the file is kept, and listed
+  }
+  const auto controller = makeWindow();
+  controller->showWindow();
+  controller->openRecovered(file);
+}
+
+bool VelmarAppDelegate::mayAskNow() const {
+  const auto windows = recorderWindows();
+  return !isTerminating() && !(alertsPending_ && alertsPending_()) &&
+         QApplication::activeModalWidget() == nullptr &&
+         QApplication::activePopupWidget() == nullptr &&
+         std::none_of(windows.begin(), windows.end(), [](const auto& window) {
+           const auto document = documentOf(*window);
+           return document && document->isFileIOActive();
+         });
 }
 
 void VelmarAppDelegate::openFile(QWidget* window) {
@@ -157,6 +203,7 @@ bool VelmarAppDelegate::askEditedWindows() {
         const auto document = documentOf(*window);
         return document && document->refusesQuit();
       })) {
+    quitRefused_ = true;
     cancelTermination();
     return true;
   }
@@ -186,16 +233,46 @@ VelmarAppDelegate::TerminateReply VelmarAppDelegate::applicationShouldTerminate(
   return askEditedWindows() ? TerminateReply::cancel : TerminateReply::now;
 }
 
-bool VelmarAppDelegate::applicationMayEndSession() {
-  platform::assertMainThread();
-  if (applicationShouldTerminate() == TerminateReply::cancel) {
-    return false;
-  }
+bool VelmarAppDelegate::hasEditedWindow() const {
   const auto windows = recorderWindows();
-  return std::none_of(windows.begin(), windows.end(), [](const auto& window) {
+  return std::any_of(windows.begin(), windows.end(),
+                     [](const auto& window) { return window->isDocumentEdited(); });
+}
+
+bool VelmarAppDelegate::isSaving() const {
+  const auto windows = recorderWindows();
+  return std::any_of(windows.begin(), windows.end(), [](const auto& window) {
     const auto document = documentOf(*window);
     return document && document->isSaving();
   });
+}
+
+bool VelmarAppDelegate::applicationMayEndSession() {
+  platform::assertMainThread();
+  if (waitingSession_ != nullptr) {
+    return false;
+  }
+  if (!isTerminating() && !isSaving() && !hasEditedWindow()) {
+    return true;  // the session manager ends the program
+  }
+  QEventLoop waiting;
+  waitingSession_ = &waiting;
+  sessionMayEnd_.reset();
+  if (!isTerminating()) {
+    terminate();
+  }
+  if (!sessionMayEnd_) {
+    waiting.exec();
+  }
+  waitingSession_ = nullptr;
+  return sessionMayEnd_.value_or(false);
+}
+
+void VelmarAppDelegate::answerSession(bool mayEnd) {
+  if (waitingSession_ != nullptr && !sessionMayEnd_) {
+    sessionMayEnd_ = mayEnd;
+    waitingSession_->quit();
+  }
 }
 
 void VelmarAppDelegate::pollTermination() {
@@ -227,6 +304,15 @@ void VelmarAppDelegate::cancelTermination() {
     }
   }
   terminationCanceled_ = false;
+  answerSession(false);
+}
+
+void VelmarAppDelegate::terminationSignalled() {
+  if (isTerminating() || (quitRefused_ && hasPendingAlerts())) {
+    return;
+  }
+  quitRefused_ = false;
+  terminate();
 }
 
 void VelmarAppDelegate::terminate() {
@@ -238,13 +324,13 @@ void VelmarAppDelegate::terminate() {
       closeForQuit(*window);
     }
   }
-  const bool alertsPending = alertsPending_ && alertsPending_();
-  if (!recorderWindows().empty() || alertsPending) {
+  if (!recorderWindows().empty() || hasPendingAlerts()) {
     // A window that is being saved closes when its file is complete, an alert when it is dismissed.
     pollTermination();
     return;
   }
   terminationTimer_.reset();
+  answerSession(true);
   quit_();
 }
 

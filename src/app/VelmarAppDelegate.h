@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,10 +13,12 @@
 
 #include "app/OVMainMenu.h"
 #include "app/OVRecentFiles.h"
+#include "app/OVRecoveredRecordings.h"
 #include "platform/base/Mutex.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/Timer.h"
 
+class QEventLoop;
 class OVRecorderWindow;
 class VLRecorderWindowController;
 
@@ -36,6 +39,7 @@ class VelmarAppDelegate {
   void applicationWillFinishLaunching();
   /// Opens an empty recorder window unless a file was opened.
   void applicationDidFinishLaunching();
+  /// Nothing but an alert, here and wherever a file is opened, if too many files are open.
   void spawnNewRecorderWindow(QObject* sender);
 
   /// Opens a file, or each of several in order, in a new window of its own, and lists it among the
@@ -46,6 +50,15 @@ class VelmarAppDelegate {
   /// Asks for files and opens each in a new window. The panel belongs to `window`, which may be
   /// null.
   void openFile(QWidget* window);
+  /// From now on asks what to do with recordings that were kept when the program ended
+  /// unexpectedly: those that are there and those that appear. Waits while another question, an
+  /// alert or a file operation is shown. Call it after the program's arguments were opened.
+  void offerRecovered() { recovered_.begin(); }
+  /// Opens a recovered file in a new window. It is listed nowhere.
+  void openRecovered(const OVRecoveredFile& file);
+  /// The Recovered Recordings command.
+  void showRecovered() { recovered_.show(); }
+  [[nodiscard]] const OVRecoveredRecordings& recovered() const { return recovered_; }
   /// The desktop activated the running program again: opens a new window if none is visible. Always
   /// true.
   bool applicationShouldHandleReopen(bool hasVisibleWindows);
@@ -68,14 +81,18 @@ class VelmarAppDelegate {
   [[nodiscard]] bool isTerminating() const { return terminationTimer_ != nullptr; }
   /// The timer that calls checkTermination(); null while no quit is waiting.
   [[nodiscard]] const platform::Timer* terminationTimer() const { return terminationTimer_.get(); }
-  /// The desktop's session is about to end: asks as a quit does. False while a question is open or
-  /// a window is being saved: the session must wait.
+  /// The desktop's session is about to end: asks as a quit does, and returns when the user has
+  /// answered and what was to be saved is saved. False if the quit was cancelled, or was asked for
+  /// in the same way and is not answered yet. Runs the main loop.
   [[nodiscard]] bool applicationMayEndSession();
   /// Deletes every registered temporary file; failures are ignored.
   void applicationWillTerminate();
 
   /// The Quit command.
   void terminate();
+  /// A termination signal came: quits, unless a quit is under way already or its refusal is still
+  /// shown.
+  void terminationSignalled();
   /// A quit waits while this reports an alert shown or pending.
   void setAlertsPendingCheck(std::function<bool()> check) { alertsPending_ = std::move(check); }
 
@@ -99,12 +116,22 @@ class VelmarAppDelegate {
   [[nodiscard]] std::vector<QPointer<OVRecorderWindow>> recorderWindows() const;
   std::shared_ptr<VLRecorderWindowController> makeWindow();
   void openInNewWindow(const std::string& path);
+  /// Whether a question disturbs nothing now.
+  [[nodiscard]] bool mayAskNow() const;
   /// Asks the edited windows that were not edited at the last call, or cancels the quit if one of
   /// them shows another panel. False if none is edited.
   bool askEditedWindows();
   /// cancelTermination() undoes it, unless the window was closing already.
   void closeForQuit(OVRecorderWindow& window);
   void pollTermination();
+  /// Whether a further window can be made without running out of descriptors; else an alert says
+  /// so.
+  [[nodiscard]] bool hasRoomForAWindow() const;
+  [[nodiscard]] bool hasEditedWindow() const;
+  [[nodiscard]] bool isSaving() const;
+  [[nodiscard]] bool hasPendingAlerts() const { return alertsPending_ && alertsPending_(); }
+  /// Lets a session's end that waits for the quit go on, or refuses it.
+  void answerSession(bool mayEnd);
   static void openPage(platform::TextKey address);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
   void makeDebugWindow();
@@ -117,9 +144,13 @@ class VelmarAppDelegate {
   std::vector<std::weak_ptr<VLRecorderWindowController>> closedByQuit_;  // not by the user before
   std::unique_ptr<platform::Timer> terminationTimer_;
   bool terminationCanceled_ = false;
+  bool quitRefused_ = false;              // by a panel; with an alert
+  QEventLoop* waitingSession_ = nullptr;  // until the quit has ended
+  std::optional<bool> sessionMayEnd_;     // the answer to it
   std::unique_ptr<QWidget> debugWindow_;
   QPointer<QPlainTextEdit> debugConsole_;
   OVRecentFiles recentFiles_;
+  OVRecoveredRecordings recovered_;
 
   mutable platform::Mutex tempfilesMutex_;
   std::vector<std::string> tempfiles_ GUARDED_BY(tempfilesMutex_);

@@ -1,4 +1,3 @@
-#include <csignal>
 #include <future>
 #include <memory>
 #include <string>
@@ -13,15 +12,19 @@
 #include "app/OVApplicationEvents.h"
 #include "app/OVApplicationServices.h"
 #include "app/OVFirstWindowWatcher.h"
+#include "app/OVKeeper.h"
 #include "app/OVSessionEnd.h"
 #include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
 #include "audio/OVFileKinds.h"
+#include "platform/desktop/DBusSleepInhibitor.h"
 #include "platform/desktop/DesktopColours.h"
 #include "platform/desktop/FileUri.h"
 #include "platform/desktop/GLibRecentDocuments.h"
 #include "platform/desktop/QtDesktopServices.h"
 #include "platform/desktop/QtFileDialogs.h"
+#include "platform/files/Descriptors.h"
+#include "platform/mainloop/FailedWriteSignals.h"
 #include "platform/mainloop/FontPreparation.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/mainloop/TerminationSignals.h"
@@ -64,9 +67,9 @@ QIcon programIcon() {
 }  // namespace
 
 int main(int argc, char** argv) {
-#if defined(SIGXFSZ)
-  std::signal(SIGXFSZ, SIG_IGN);  // reaching a file size limit is a failed write, not the end
-#endif
+  platform::failWritesWithoutSignals();
+  platform::occupyStandardStreams();
+  platform::raiseDescriptorLimit();
   platform::FontPreparation fonts;
   QApplication application(argc, argv);
   fonts.finish();
@@ -80,6 +83,8 @@ int main(int argc, char** argv) {
       std::make_shared<platform::QtFileDialogs>());
   const platform::Installed<platform::DesktopServices>::Scope installedDesktop(
       std::make_shared<platform::QtDesktopServices>());
+  const platform::Installed<platform::SleepInhibitor>::Scope installedSleepInhibitor(
+      std::make_shared<platform::DBusSleepInhibitor>(platform::DBusSleepInhibitor::usualBuses()));
   const platform::Installed<platform::RecentDocuments>::Scope installedDocuments(
       std::make_shared<platform::GLibRecentDocuments>(platform::GLibRecentDocuments::desktopFile(),
                                                       mimeTypeOfPath));
@@ -92,6 +97,7 @@ int main(int argc, char** argv) {
   const auto services = servicesOf(delegate);
   const platform::Installed<platform::ApplicationServices>::Scope installedServices(services);
   delegate.setAlertsPendingCheck([services] { return services->hasAlerts(); });
+  OVKeeper keeper(OVKeeper::programPath(QCoreApplication::applicationDirPath()));
   delegate.applicationWillFinishLaunching();
   OVApplicationEvents events(
       {.openFile = [&delegate](const std::string& path) { delegate.applicationOpenFile(path); },
@@ -104,16 +110,18 @@ int main(int argc, char** argv) {
         askAtSessionEnd(session, [&delegate] { return delegate.applicationMayEndSession(); });
       },
       Qt::DirectConnection);
-  const platform::TerminationSignals signals([&delegate] { delegate.terminate(); });
+  const platform::TerminationSignals signals([&delegate] { delegate.terminationSignalled(); });
   delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has removed its own arguments
   delegate.applicationDidFinishLaunching();
   std::unique_ptr<platform::DesktopColours> colours;
   const OVFirstWindowWatcher firstWindow([&] {
     firstWindowShown.set_value();
+    keeper.start();
     QApplication::setWindowIcon(programIcon());
     colours = std::make_unique<platform::DesktopColours>(QDBusConnection::sessionBus());
     // Needed for the first file or spectrum; loaded now that the window is shown.
     platform::globalQueue().async([] { static_cast<void>(platform::ffmpegModule()); });
+    delegate.offerRecovered();
   });
   const int result = QApplication::exec();
 

@@ -114,10 +114,14 @@ std::string shownFileName(const std::string& path) {
   const std::size_t end = path.find_last_not_of('/');
   const std::string stripped = end == std::string::npos ? path : path.substr(0, end + 1);
   const std::size_t slash = stripped.rfind('/');
-  QString name = QString::fromUtf8(slash == std::string::npos || slash + 1 == stripped.size()
-                                       ? stripped
-                                       : stripped.substr(slash + 1));
-  for (QChar& character : name) {
+  return shownPath(slash == std::string::npos || slash + 1 == stripped.size()
+                       ? stripped
+                       : stripped.substr(slash + 1));
+}
+
+std::string shownPath(const std::string& path) {
+  QString shown = QString::fromUtf8(path);
+  for (QChar& character : shown) {
     // Formatting characters too: some reverse the direction of the text after them.
     if (character.category() == QChar::Other_Control ||
         character.category() == QChar::Other_Format ||
@@ -126,7 +130,7 @@ std::string shownFileName(const std::string& path) {
       character = u' ';
     }
   }
-  return localized("“%1”").arg(name).toStdString();
+  return localized("“%1”").arg(shown).toStdString();
 }
 
 std::string openingFailureReason(platform::AudioStatus status, const std::string& path) {

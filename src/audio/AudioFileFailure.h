@@ -13,6 +13,9 @@
 /// characters such as line breaks become spaces, bytes that are not UTF-8 replacement characters.
 [[nodiscard]] std::string shownFileName(const std::string& path);
 
+/// A whole path for display, in the same form.
+[[nodiscard]] std::string shownPath(const std::string& path);
+
 /// For a file that could not be opened: nothing was loaded.
 [[nodiscard]] std::string openingFailureReason(platform::AudioStatus status,
                                                const std::string& path);

@@ -57,11 +57,8 @@ bool CheckAudioStatusWithoutAlert(platform::AudioStatus status, const std::strin
   return false;
 }
 
-bool CheckAudioStatus(platform::AudioStatus status, const std::string& label,
-                      const std::string& reason) {
-  if (CheckAudioStatusWithoutAlert(status, label)) {
-    return true;
-  }
+void ShowAudioStatusAlert(platform::AudioStatus status, const std::string& label,
+                          const std::string& reason) {
   if (status == platform::kUnsupportedFileTypeStatus) {
     showAlert(platform::textKey("File Format Error"),
               platform::localizedUtf8("The file is of an unsupported format."), reason);
@@ -71,5 +68,13 @@ bool CheckAudioStatus(platform::AudioStatus status, const std::string& label,
                        AudioStatusCodeText(status)),
               reason);
   }
+}
+
+bool CheckAudioStatus(platform::AudioStatus status, const std::string& label,
+                      const std::string& reason) {
+  if (CheckAudioStatusWithoutAlert(status, label)) {
+    return true;
+  }
+  ShowAudioStatusAlert(status, label, reason);
   return false;
 }

@@ -24,6 +24,12 @@
 bool CheckAudioStatus(platform::AudioStatus status, const std::string& label,
                       const std::string& reason = {});
 
+/// The alert of CheckAudioStatus() alone, for a failure that was printed already.
+///
+/// Threads: any. Real-time: not safe.
+void ShowAudioStatusAlert(platform::AudioStatus status, const std::string& label,
+                          const std::string& reason);
+
 /// CheckAudioStatus() without the alert, for a failure that was alerted already.
 ///
 /// Threads: any. Real-time: not safe.

@@ -4,6 +4,7 @@
 
 #include "audio/CheckAudioStatus.h"
 #include "audio/DeviceFailure.h"
+#include "audio/DeviceLossAlert.h"
 #include "audio/QueueCallbackScope.h"
 #include "platform/mainloop/MainQueue.h"
 
@@ -190,8 +191,9 @@ void OVAQPlayer::deviceFailed(platform::AudioStatus status, const std::string& l
   }
   auto none = platform::kAudioStatusOk;
   const bool first = failure_.compare_exchange_strong(none, status, std::memory_order_acq_rel);
-  // If the input was lost too, the recorder may have alerted already.
-  if (first && (status != platform::kDeviceLostStatus || queues_->claimDeviceLossAlert())) {
+  if (first && isDeviceLoss(status)) {
+    reportDeviceLoss(OVInterrupted::playback, status, label);
+  } else if (first) {
     CheckAudioStatus(status, label, outputFailureReason(status));
   } else {
     CheckAudioStatusWithoutAlert(status, label);

@@ -1,9 +1,11 @@
 #include "audio/OVAQRecorder.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "audio/CheckAudioStatus.h"
 #include "audio/DeviceFailure.h"
+#include "audio/DeviceLossAlert.h"
 #include "audio/QueueCallbackScope.h"
 #include "platform/base/ApplicationServices.h"
 #include "platform/mainloop/Localization.h"
@@ -16,8 +18,9 @@ constexpr const char* kSupportMailAddress = "support@orvo.example";
 }  // namespace
 
 std::shared_ptr<OVAQRecorder> OVAQRecorder::initWithBuffer(
-    std::shared_ptr<OVAudioBufferInterface> buffer) {
+    std::shared_ptr<OVAudioBufferInterface> buffer, DeviceAlerts alerts) {
   auto recorder = std::make_shared<OVAQRecorder>(Key{});
+  recorder->deviceAlerts_ = alerts;
   recorder->self_retain_ = recorder;
   recorder->setBuffer(std::move(buffer));
   recorder->setWritingPosition(0);
@@ -83,9 +86,8 @@ bool OVAQRecorder::enqueueBuffers(std::uint32_t byteCapacity) {
 }
 
 bool OVAQRecorder::checkDevice(platform::AudioStatus status, const std::string& label) {
-  const bool lost = status == platform::kDeviceLostStatus;
   if (isDeviceFailure(status) &&
-      (!queues_->claimInputFailureAlert() || (lost && !queues_->claimDeviceLossAlert()))) {
+      (deviceAlerts_ == DeviceAlerts::heldBack || !queues_->claimInputFailureAlert())) {
     return CheckAudioStatusWithoutAlert(status, label);
   }
   return CheckAudioStatus(status, label, inputFailureReason(status));
@@ -106,6 +108,8 @@ void OVAQRecorder::record() {
     span_ = Span{.after = queue_->capturedFrames()};
     writingStopped_ = false;
   }
+  losses_.begin(queue_->lostFrames());
+  silentFrames_.store(0, std::memory_order_relaxed);
   isRecording_.store(true, std::memory_order_release);
 }
 
@@ -117,12 +121,15 @@ void OVAQRecorder::pause() {
     // Under the lock that the callback decides under: a buffer that it accepted before is within
     // the span's new end and is waited for; later ones are compared with that end.
     std::uint64_t pressed = 0;
+    std::uint64_t lost = 0;
     {
       const platform::MutexLock lock(mutex_);
       pressed = queue_->capturedFrames();
+      lost = queue_->lostFrames();
       span_.until = pressed;
     }
     queue_->waitUntilDelivered(pressed);
+    losses_.end(lost, writingPosition() / platform::kWorkingFrameBytes);
   }
   isRecording_.store(false, std::memory_order_release);
 }
@@ -161,6 +168,7 @@ void OVAQRecorder::inputCallback(platform::AudioInputQueue& queue,
   }
   const auto destination = buffer();
   if (isRecording() && destination && isWanted(captured)) {
+    measureSilence(captured);
     write(*destination, captured);
   }
   if (isRunning()) {
@@ -172,9 +180,23 @@ void OVAQRecorder::write(OVAudioBufferInterface& destination,
                          const platform::AudioQueueBuffer& captured) {
   auto position = writingPosition();
   const auto byteCount = captured.mAudioDataByteSize;
+  losses_.written(captured, position / platform::kWorkingFrameBytes);
   destination.writeData(captured.mAudioData, position, byteCount);
   writingPosition_.compare_exchange_strong(position, position + byteCount,
                                            std::memory_order_acq_rel);
+}
+
+void OVAQRecorder::measureSilence(const platform::AudioQueueBuffer& captured) {
+  if (captured.silencedFrames > 0) {
+    return;
+  }
+  const auto* const samples = reinterpret_cast<const float*>(captured.mAudioData);
+  const std::size_t count = captured.mAudioDataByteSize / sizeof(float);
+  if (std::all_of(samples, samples + count, [](float sample) { return sample == 0; })) {
+    silentFrames_.fetch_add(count / platform::kWorkingChannels, std::memory_order_relaxed);
+  } else {
+    silentFrames_.store(0, std::memory_order_relaxed);
+  }
 }
 
 bool OVAQRecorder::isWanted(const platform::AudioQueueBuffer& captured) const {
@@ -188,7 +210,16 @@ void OVAQRecorder::stopWriting() {
 }
 
 void OVAQRecorder::deviceFailed(platform::AudioStatus status) {
-  static_cast<void>(checkDevice(status, "AudioQueueStart failed"));
+  constexpr auto label = "AudioQueueStart failed";
+  if (isDeviceLoss(status)) {
+    static_cast<void>(queues_->claimInputFailureAlert());  // the next recorder need not alert again
+    reportDeviceLoss(isRecording() ? OVInterrupted::recording : OVInterrupted::nothing, status,
+                     label);
+  } else if (isRecording() && (!isDeviceFailure(status) || queues_->claimInputFailureAlert())) {
+    CheckAudioStatus(status, label, inputFailureReason(status));
+  } else {
+    CheckAudioStatusWithoutAlert(status, label);
+  }
   FailureHandler handler;
   {
     const platform::MutexLock lock(mutex_);

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "audio/ChannelLevels.h"
+#include "audio/OVRecordingLosses.h"
 #include "platform/base/AudioTypes.h"
 #include "platform/base/GuardedPointer.h"
 #include "platform/base/Mutex.h"
@@ -33,11 +34,16 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
  public:
   using FailureHandler = std::function<void(platform::AudioStatus)>;
 
+  /// Whether a device that cannot be opened is alerted.
+  enum class DeviceAlerts {
+    shown,     ///< once until its state changes, for any number of recorders
+    heldBack,  ///< it is only printed: nobody has asked for a recording yet
+  };
+
   /// A monitoring recorder that writes from byte 0 of `buffer` on. Null if its queue could not be
-  /// created or started, which is reported; the recorder's reference to itself is then dropped. A
-  /// failing device is alerted once until its state changes, for any number of recorders.
+  /// created or started, which is reported; the recorder's reference to itself is then dropped.
   [[nodiscard]] static std::shared_ptr<OVAQRecorder> initWithBuffer(
-      std::shared_ptr<OVAudioBufferInterface> buffer);
+      std::shared_ptr<OVAudioBufferInterface> buffer, DeviceAlerts alerts = DeviceAlerts::shown);
 
   /// For initWithBuffer() only.
   explicit OVAQRecorder(Key) {}
@@ -93,10 +99,19 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   /// stretches are mapped. A running write completes. Any thread.
   void stopWriting();
 
-  /// Called once, after the alert, when the device fails or vanishes after creation: on the queue's
-  /// thread, or within setFailureHandler() if it had failed before. A replaced handler may still be
-  /// running.
+  /// Called once when the device fails or vanishes after creation: on the queue's thread, or within
+  /// setFailureHandler() if it had failed before. The user is alerted (a late failure to open only
+  /// while recording). A replaced handler may still be running.
   void setFailureHandler(FailureHandler handler);
+
+  /// Frames of digital silence that the recording ends with so far; 0 while not recording. Silence
+  /// for lost frames does not count. Any thread.
+  [[nodiscard]] std::uint64_t silentFrames() const {
+    return isRecording() ? silentFrames_.load(std::memory_order_relaxed) : 0;
+  }
+
+  /// The gaps of the recording, or of the last one. Any thread.
+  [[nodiscard]] std::vector<OVRecordingLoss> losses() const { return losses_.all(); }
 
   /// The status of the device failure that ended the queue; 0 for none. Any thread.
   [[nodiscard]] platform::AudioStatus failure() const;
@@ -116,6 +131,7 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   void inputCallback(platform::AudioInputQueue& queue, platform::AudioQueueBuffer& buffer);
   void write(OVAudioBufferInterface& destination, const platform::AudioQueueBuffer& buffer);
   [[nodiscard]] bool isWanted(const platform::AudioQueueBuffer& buffer) const;
+  void measureSilence(const platform::AudioQueueBuffer& buffer);
   void deviceFailed(platform::AudioStatus status);
 
   // Main thread; finally the destructor's thread.
@@ -123,6 +139,7 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   std::unique_ptr<platform::AudioInputQueue> queue_;
   ChannelLevels levels_;
   std::shared_ptr<OVAQRecorder> self_retain_;
+  DeviceAlerts deviceAlerts_ = DeviceAlerts::shown;
 
   // Written by the main thread, read by the queue's thread without a lock; release and acquire,
   // so that a reader of a flag also sees the writes before it.
@@ -132,6 +149,10 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   // Set by the owner; advanced by the callback with compare-exchange, so that a position set by the
   // owner meanwhile wins.
   std::atomic<std::uint64_t> writingPosition_{0};
+
+  // Set by the callback, and to 0 by record(); only a count, so relaxed.
+  std::atomic<std::uint64_t> silentFrames_{0};
+  OVRecordingLosses losses_;  // thread-safe
 
   platform::GuardedPointer<std::shared_ptr<OVAudioBufferInterface>> buffer_;
 

@@ -26,9 +26,25 @@ std::shared_ptr<OVAudioFileWriter> OVAudioFileWriter::initWithFile(const std::st
   return writer->openFile(path) ? writer : nullptr;
 }
 
+std::shared_ptr<OVAudioFileWriter> OVAudioFileWriter::initWithOpenFile(
+    platform::Result<std::unique_ptr<platform::File>> file, std::uint32_t outputFormat,
+    std::string shownName) {
+  auto writer =
+      std::make_shared<OVAudioFileWriter>(Key{}, std::string(), outputFormat, std::move(shownName));
+  const bool isOpen = writer->open([&file](platform::AudioFileKind kind) {
+    return platform::ExtAudioFileOutput::createWithFile(std::move(file), kind);
+  });
+  return isOpen ? writer : nullptr;
+}
+
 std::optional<std::uint64_t> OVAudioFileWriter::maximumFrames(std::uint32_t outputFormat) {
   const auto kind = kindOf(outputFormat);
   return kind ? platform::ExtAudioFileOutput::maximumFrames(*kind) : std::nullopt;
+}
+
+std::uint64_t OVAudioFileWriter::estimatedBytes(std::uint32_t outputFormat, std::uint64_t frames) {
+  const auto kind = kindOf(outputFormat);
+  return kind ? platform::ExtAudioFileOutput::estimatedBytes(*kind, frames) : 0;
 }
 
 OVAudioFileWriter::OVAudioFileWriter(Key, std::string path, std::uint32_t outputFormat,
@@ -40,12 +56,19 @@ OVAudioFileWriter::~OVAudioFileWriter() {
 }
 
 bool OVAudioFileWriter::openFile(const std::string& path) {
+  return open([&path](platform::AudioFileKind kind) {
+    return platform::ExtAudioFileOutput::createWithURL(path, kind);
+  });
+}
+
+template <typename Create>
+bool OVAudioFileWriter::open(Create create) {
   const auto kind = kindOf(outputFormat_);
   if (!kind) {
     return check(platform::kUnsupportedDataFormatStatus, "ExtAudioFileOpen");
   }
   try {
-    auto created = platform::ExtAudioFileOutput::createWithURL(path, *kind);
+    auto created = create(*kind);
     if (!check(created.status, "ExtAudioFileOpen")) {
       return false;
     }

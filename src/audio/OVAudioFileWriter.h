@@ -14,7 +14,8 @@
 ///   open (or null) --sinkData()--> writing --close() or destruction--> closed
 ///
 /// The file is complete only if close() returns true. An existing file is truncated at once and
-/// keeps its permissions, so write beside the file to be replaced; the caller syncs and renames.
+/// keeps its permissions, so write to a file beside the one to be replaced; the caller syncs and
+/// renames.
 ///
 /// Reports a failure exactly once: prints it to standard error and shows an alert with the display
 /// name and the reason in plain words.
@@ -40,10 +41,21 @@ class OVAudioFileWriter {
                                                                        std::uint32_t outputFormat,
                                                                        std::string shownName = {});
 
+  /// A writer to a new, empty file that is open already, or could not be opened (an errno), which
+  /// is reported as well; `shownName` is its name in alerts.
+  [[nodiscard]] static std::shared_ptr<OVAudioFileWriter> initWithOpenFile(
+      platform::Result<std::unique_ptr<platform::File>> file, std::uint32_t outputFormat,
+      std::string shownName);
+
   /// Maximum frames that a file of a kind can hold; nothing for no limit.
   [[nodiscard]] static std::optional<std::uint64_t> maximumFrames(std::uint32_t outputFormat);
 
-  /// For initWithFile() only.
+  /// Bytes that a file of a kind with so many frames takes at least, an estimate; 0 for an unknown
+  /// kind.
+  [[nodiscard]] static std::uint64_t estimatedBytes(std::uint32_t outputFormat,
+                                                    std::uint64_t frames);
+
+  /// For the functions above only.
   OVAudioFileWriter(Key, std::string path, std::uint32_t outputFormat, std::string shownName);
   ~OVAudioFileWriter();  ///< closes
   OVAudioFileWriter(const OVAudioFileWriter&) = delete;
@@ -60,13 +72,15 @@ class OVAudioFileWriter {
   /// of this or an earlier failure. Repeated calls return the same.
   [[nodiscard]] bool close();
 
-  /// Path of the file. Fixed after construction: any thread.
+  /// Path of the file; empty for one that was open already. Fixed after construction: any thread.
   [[nodiscard]] const std::string& fileName() const { return fileName_; }
   [[nodiscard]] std::uint32_t outputFormat() const { return outputFormat_; }
   /// The format of the data to write: the working format.
   [[nodiscard]] const platform::AudioStreamBasicDescription& format() const { return format_; }
 
  private:
+  template <typename Create>
+  [[nodiscard]] bool open(Create create);
   [[nodiscard]] bool check(platform::AudioStatus status, const std::string& label);
 
   std::unique_ptr<platform::ExtAudioFileOutput> xafref_;  // null if opening failed

@@ -10,8 +10,6 @@ namespace {
 
 constexpr int kWordsSize = 11;  // points of the views' grid
 const QColor kWordsColor = QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.8F);
-// Between the two colours of the waveform's gradient, and nearly opaque.
-const QColor kGround = QColor::fromRgb(36, 50, 69, 230);
 
 }  // namespace
 
@@ -55,11 +53,7 @@ void OVLoadingPanel::fitTheWords() {
   }
 }
 
-void OVLoadingPanel::paintEvent(QPaintEvent* event) {
-  {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(outline(rect()), kGround);
-  }
-  OVOverlayView::paintEvent(event);
+void OVLoadingPanel::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  drawOnGround(painter, rect());
 }

@@ -4,6 +4,13 @@
 
 #include <QPainter>
 
+namespace {
+
+// Between the two colours of the waveform's gradient.
+const QColor kGround = QColor::fromRgb(36, 50, 69, 230);
+
+}  // namespace
+
 OVOverlayView::OVOverlayView(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_TransparentForMouseEvents);
 }
@@ -25,6 +32,14 @@ void OVOverlayView::draw(QPainter& painter, const QRectF& bounds) {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.fillPath(outline(bounds), QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.1F));
   painter.restore();
+}
+
+void OVOverlayView::drawOnGround(QPainter& painter, const QRectF& bounds) {
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.fillPath(outline(bounds), kGround);
+  painter.restore();
+  draw(painter, bounds);
 }
 
 void OVOverlayView::paintEvent(QPaintEvent* /*event*/) {

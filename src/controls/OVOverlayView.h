@@ -19,6 +19,9 @@ class OVOverlayView : public QWidget {
 
   /// Draws the panel over `bounds`.
   static void draw(QPainter& painter, const QRectF& bounds);
+  /// Draws it on the waveform's background colour, nearly opaque, so that light text on it can be
+  /// read over anything.
+  static void drawOnGround(QPainter& painter, const QRectF& bounds);
 
  protected:
   void paintEvent(QPaintEvent* event) override;

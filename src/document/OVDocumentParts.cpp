@@ -10,8 +10,15 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
       saving({life, audio, positions, history, operation, transport, file, panels, progress,
               displayLoop},
              operations.fileSavingComplete, [this] { unsavedChanges.saveFailed(); }),
-      unsavedChanges({operation, history, file, transport, panels}, operations.saveFile,
-                     operations.alertDidEnd) {}
+      recovered({audio, operation, history, file, loading}),
+      unsavedChanges({operation, history, file, transport, panels, recovered}, operations.saveFile,
+                     operations.alertDidEnd) {
+  displayLoop.setTickHandler([this] { inputNotices.update(transport.inputState()); });
+  transport.addStateHandler([this](OVTransportState state) {
+    diskWatch.setRecording(state == OVTransportState::recording);
+  });
+  transport.setRecordingHandler([this] { clipping.begin(); });
+}
 
 void OVDocumentParts::connect(OVRecorderWindow* window) {
   const QPointer<OVWaveFormView> waveform = window->findChild<OVWaveFormView*>("wfView");
@@ -23,4 +30,17 @@ void OVDocumentParts::connect(OVRecorderWindow* window) {
   markerAndTime.connect(window);
   summaries->setView(waveform);
   displayLoop.setView(waveform);
+  notices.connect(window);
+  recordingPlace.connect(window);
+  clipping.connect(window);
+  if (waveform) {
+    waveform->setStepHandler(life.guarded([this, waveform](OVMarkerStep step) {
+      markerMovement.step(step, waveform->width() * waveform->devicePixelRatioF());
+    }));
+  }
+}
+
+void OVDocumentParts::loadEnded() {
+  recovered.loadEnded();
+  unsavedChanges.loadEnded();
 }

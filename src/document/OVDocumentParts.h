@@ -3,10 +3,16 @@
 #include <functional>
 #include <memory>
 
+#include "document/OVMarkerMovement.h"
 #include "document/OVUnsavedChanges.h"
+#include "document/display/OVClipping.h"
+#include "document/display/OVDiskWatch.h"
 #include "document/display/OVDisplayLoop.h"
+#include "document/display/OVInputNotices.h"
 #include "document/display/OVMarkerAndTime.h"
+#include "document/display/OVNotices.h"
 #include "document/display/OVProgressDisplay.h"
+#include "document/display/OVRecordingPlace.h"
 #include "document/editing/OVDocumentAudio.h"
 #include "document/editing/OVDocumentLife.h"
 #include "document/editing/OVEditHistory.h"
@@ -16,6 +22,7 @@
 #include "document/files/OVDocumentPanels.h"
 #include "document/files/OVFileLoading.h"
 #include "document/files/OVFileSaving.h"
+#include "document/files/OVRecoveredOrigin.h"
 #include "document/spectrum/OVRecordedChunk.h"
 #include "document/spectrum/OVSpectrum.h"
 #include "document/summaries/OVDocumentSummaries.h"
@@ -40,8 +47,11 @@ struct OVDocumentParts {
 
   /// Connects the parts to their views in the window.
   void connect(OVRecorderWindow* window);
+  /// A load has ended.
+  void loadEnded();
 
   OVDocumentLife life;
+  OVNotices notices;
   OVDocumentAudio audio;
   OVFramePositions positions;
   OVFileOperation operation;
@@ -50,15 +60,22 @@ struct OVDocumentParts {
   OVTransport transport{{life, audio, positions, *summaries, history, operation}};
   OVTransportControls controls;
   OVTransportKeys keys;
+  OVDiskWatch diskWatch{life, audio, notices};
   OVMarkerAndTime markerAndTime{audio};
   OVProgressDisplay progress;
-  OVDisplayLoop displayLoop{
-      {life, audio, positions, operation, *summaries, transport, markerAndTime, progress}};
+  OVRecordingPlace recordingPlace{{audio, positions, operation, transport}};
+  OVClipping clipping{life, audio};
+  OVDisplayLoop displayLoop{{life, audio, positions, operation, *summaries, transport,
+                             markerAndTime, progress, recordingPlace, clipping}};
   OVSpectrum spectrum;
+  OVMarkerMovement markerMovement{
+      {audio, positions, *summaries, transport, markerAndTime, spectrum}};
   OVRecordedChunk fft_data;  // thread-safe: filled by the writer's thread, read on main
   OVDocumentFile file;
+  OVInputNotices inputNotices{notices, [this] { return file.shownName(); }};
   OVDocumentPanels panels{life};
   OVFileLoading loading;
   OVFileSaving saving;
+  OVRecoveredOrigin recovered;
   OVUnsavedChanges unsavedChanges;
 };

@@ -9,6 +9,7 @@
 #include "document/editing/OVFileOperation.h"
 #include "document/files/OVDocumentFile.h"
 #include "document/files/OVDocumentPanels.h"
+#include "document/files/OVRecoveredOrigin.h"
 #include "document/transport/OVTransport.h"
 #include "platform/base/ApplicationServices.h"
 #include "platform/mainloop/Localization.h"
@@ -89,6 +90,7 @@ void OVUnsavedChanges::answer(int returnCode) {
       platform::applicationServices()->cancelTermination();
       return;
     case kDontSave:
+      parts_.recovered.discarded();
       state_ = State::confirmed;
       closeWindow();
       return;
@@ -116,6 +118,9 @@ void OVUnsavedChanges::save() {
 }
 
 void OVUnsavedChanges::written(bool saved) {
+  if (saved) {
+    parts_.recovered.saved();
+  }
   if (state_ == State::savePending) {
     state_ = saved ? State::confirmed : State::idle;
     closeWindow();

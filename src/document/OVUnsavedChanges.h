@@ -8,6 +8,7 @@ class OVDocumentFile;
 class OVDocumentPanels;
 class OVEditHistory;
 class OVFileOperation;
+class OVRecoveredOrigin;
 class OVRecorderWindow;
 class OVTransport;
 
@@ -39,6 +40,7 @@ class OVUnsavedChanges {
     const OVDocumentFile& file;
     OVTransport& transport;
     OVDocumentPanels& panels;
+    OVRecoveredOrigin& recovered;
   };
 
   /// `save` runs the document's save command and returns false if nothing was begun; `answered`

@@ -39,7 +39,7 @@ VLRecorderWindowController::VLRecorderWindowController(OVRecorderWindow* window)
     : parts_({.menuCommand = [this](Button button) { menuCommand(button); },
               .loading = {.loaded = [this] { fileLoadingComplete(); },
                           .drawn = [this] { fileLoadingReallyComplete(); },
-                          .ended = [this] { parts_.unsavedChanges.loadEnded(); }},
+                          .ended = [this] { parts_.loadEnded(); }},
               .fileSavingComplete = [this] { fileSavingComplete(); },
               .saveFile = [this] { return parts_.saving.save(); },
               .alertDidEnd = [this](int returnCode) { alertDidEnd(returnCode); }}),
@@ -320,22 +320,12 @@ void VLRecorderWindowController::waveFormViewReceivedClick(OVWaveFormView* view,
 }
 
 double VLRecorderWindowController::waveFormViewTimeLinePosition(OVWaveFormView*) {
-  const bool recording = parts_.transport.isRecording();
-  return parts_.audio.fractionOfFrames(recording ? recordingPosition() : playbackPosition());
+  return parts_.markerMovement.fraction();
 }
 
 void VLRecorderWindowController::waveFormViewReceivedDrag(OVWaveFormView*, QPointF,
                                                           double timeLinePosition) {
-  if (!buffer()) {
-    return;
-  }
-  const double clamped = std::clamp(timeLinePosition, 0.0, 1.0);
-  const auto size = static_cast<double>(parts_.audio.sizeInFrames());
-  parts_.transport.moveTo(static_cast<std::uint64_t>(size * clamped));
-  parts_.markerAndTime.setLevel(waveForm()->powerAtPosition(clamped));
-  if (!parts_.transport.isRecording()) {
-    doFFT();  // the spectrum at the clicked position
-  }
+  parts_.markerMovement.moveToFraction(timeLinePosition);
 }
 
 std::optional<std::vector<float>> VLRecorderWindowController::dataForVUView(QWidget*) {
@@ -403,6 +393,7 @@ void VLRecorderWindowController::audioBufferDidWriteData(const void* data,
   parts_.fft_data.capture(data, withSize);
   parts_.transport.recordedUpTo(position);
   parts_.displayLoop.chunkWritten(withSize / frameSize);
+  parts_.clipping.chunkWritten(data, atByteOffset, withSize);
   parts_.summaries->chunkWritten(static_cast<const float*>(data), withSize, position);
   parts_.transport.writeFailures()->chunkWritten(recorder, atByteOffset, withSize);
 }

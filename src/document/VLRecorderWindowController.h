@@ -147,6 +147,8 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   /// Loads a file into the document, at the recording position. This and the commands below do
   /// nothing while another file operation runs.
   void openFileNamed(const std::string& path) { parts_.loading.open(path); }
+  /// The same for a recovered file in a new document, which then has no file of its own.
+  void openRecovered(const OVRecoveredFile& file) { parts_.recovered.open(file); }
   /// Asks for a file and imports it at the recording position, as an undoable step.
   void importFile(QObject*) { parts_.loading.chooseImport(); }
   void fileLoadingComplete() { parts_.loading.drawWaveform(); }    ///< after the last chunk
@@ -161,8 +163,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
   void fileSavingComplete();  ///< after a save or an export that wrote everything
   void exportRingtone(QObject*) { parts_.saving.exportRingtone(); }
   void dumpWaveform(QObject* sender);
-  /// Part of the document's commands; does nothing.
-  void revealTempFile(QObject*) {}
+  void revealTempFile(QObject*) {}  ///< does nothing
 
   static constexpr auto kCancelClosing = OVUnsavedChanges::kCancelClosing;
   static constexpr auto kDontSave = OVUnsavedChanges::kDontSave;
@@ -172,8 +173,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   [[nodiscard]] bool isFileIOActive() const { return parts_.operation.isActive(); }
   [[nodiscard]] bool isImport() const { return parts_.operation.isImport(); }
-  /// A save or export is running.
-  [[nodiscard]] bool isSaving() const { return parts_.operation.isWriting(); }
+  [[nodiscard]] bool isSaving() const { return parts_.operation.isWriting(); }  ///< or exporting
   [[nodiscard]] bool shouldCloseAfterSave() const;
   /// True, after an alert, if a panel stands in the way of a quit's question.
   [[nodiscard]] bool refusesQuit() { return parts_.unsavedChanges.refusesQuit(); }

@@ -1,6 +1,7 @@
 #include "storage/BlockList.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -53,7 +54,14 @@ BlockList::BlockList(const std::vector<OVBlock>& blocks) {
 std::vector<OVBlock> BlockList::blocks() const {
   std::vector<OVBlock> result;
   result.reserve(list_.size());
-  list_.forEach([&result](const OrderedBlock& block) { result.push_back(block.block); });
+  forEach([&result](const OVBlock& block) { result.push_back(block); });
+  return result;
+}
+
+std::vector<OVBlock> BlockList::reachableBlocks() const {
+  std::vector<OVBlock> result;
+  result.reserve(reachable_.size());
+  reachable_.forEach([&result](const OrderedBlock& block) { result.push_back(block.block); });
   return result;
 }
 
@@ -67,6 +75,18 @@ const OVBlock* BlockList::find(std::uint64_t address) const {
   }
   const OVBlock& block = reachable_[position].block;
   return block.contains(address) ? &block : nullptr;
+}
+
+std::uint64_t BlockList::endInFile() const {
+  std::uint64_t result = 0;
+  list_.forEach([&result](const OrderedBlock& each) {
+    const std::uint64_t start = each.block.file_offset_start();
+    const std::uint64_t end = start + each.block.size();
+    if (each.block.size() > 0) {
+      result = std::max(result, end < start ? std::numeric_limits<std::uint64_t>::max() : end);
+    }
+  });
+  return result;
 }
 
 // Writing ---------------------------------------------------------------------------------------

@@ -31,12 +31,23 @@ class BlockList {
 
   /// In list order, which is not address order. Costs a copy.
   [[nodiscard]] std::vector<OVBlock> blocks() const;
+  /// The reachable ones, by address. Costs a copy.
+  [[nodiscard]] std::vector<OVBlock> reachableBlocks() const;
+  /// Calls `each` with every block, in list order. Allocates nothing.
+  template <typename Each>
+  void forEach(Each each) const {
+    list_.forEach([&each](const OrderedBlock& ordered) { each(ordered.block); });
+  }
   [[nodiscard]] bool empty() const { return list_.empty(); }
   [[nodiscard]] std::size_t size() const { return list_.size(); }
 
   /// The block that holds an address; null in a hole. Valid until the list changes. Costs the
   /// logarithm of the number of blocks.
   [[nodiscard]] const OVBlock* find(std::uint64_t address) const;
+
+  /// The end of the last byte of the file that a block maps, reachable or not; 0 for none. Visits
+  /// all blocks.
+  [[nodiscard]] std::uint64_t endInFile() const;
 
   /// Maps a block over the addresses it covers: blocks inside it are removed, overlapping ones
   /// trimmed, and one that contains it is split. The parts split off go to the end of the list, in

@@ -26,6 +26,11 @@ class OVBufferState {
   /// Bytes.
   [[nodiscard]] std::uint64_t bufferFillSize() const { return bufferFillSize_; }
 
+  /// Higher than that of every state created before.
+  [[nodiscard]] std::uint64_t serial() const { return serial_; }
+  /// The serial number of the next state.
+  [[nodiscard]] static std::uint64_t nextSerial();
+
   /// For a buffer to copy when it restores this state.
   [[nodiscard]] const BlockList& list() const { return blocklist_; }
 
@@ -34,4 +39,5 @@ class OVBufferState {
 
   const BlockList blocklist_;
   const std::uint64_t bufferFillSize_;
+  const std::uint64_t serial_;
 };

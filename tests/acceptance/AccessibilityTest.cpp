@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "acceptance/DocumentTest.h"
+#include "support/RecoveredFolder.h"
 #include "support/programs/AccessibilityBus.h"
 #include "support/programs/AudioFileTools.h"
 
@@ -29,6 +30,7 @@ class Accessibility : public DocumentTest {
     // The screen's environment has no message bus.
     RunningOrvo::Options options;
     options.files = files;
+    options.dataFolder = data_;
     options.wrapper = {"env"};
     for (const auto& [name, value] : bus_->environment()) {
       options.wrapper.push_back(name + "=" + value);
@@ -73,6 +75,7 @@ class Accessibility : public DocumentTest {
     return nodes.empty() ? std::string() : nodes.front().description;
   }
 
+  const std::string data_ = folder_.makeFolder("data");
   std::unique_ptr<AccessibilityBus> bus_;
   std::vector<Node> nodes_;
 };
@@ -92,6 +95,25 @@ TEST_F(Accessibility, EveryControlHasANameARoleAndAPressAction) {
   for (const char* menu : {"File", "Edit", "Transport", "View", "Help"}) {
     EXPECT_EQ(named(menu).role, "menu item") << menu;
   }
+}
+
+TEST_F(Accessibility, TheQuestionAboutRecoveredRecordingsIsReadOutAndAnswered) {
+  ASSERT_TRUE(screen_);
+  const RecoveredFolder recovered(data_);
+  recovered.add("Orvo recording 2026-11-21 14.02.31.caf", noise16(kFramesPerSecond * 65, 4));
+  ASSERT_NO_FATAL_FAILURE(startWithBus());
+  ASSERT_FALSE(screen_->waitForWindow(orvo_->pid(), "Recovered Recordings").empty());
+  nodes_ = bus_->nodesOf(orvo_->pid());
+  ASSERT_FALSE(named("Recovered Recordings", "dialog").path.empty());
+  EXPECT_NE(named("Recovered Recordings", "dialog")
+                .description.find("Orvo ended unexpectedly. Recordings kept: 1"),
+            std::string::npos);
+  EXPECT_FALSE(named("21 Nov 2026 14:02:31, 1 min 5 s, Complete").path.empty());
+  for (const char* name : {"Later", "Delete"}) {
+    EXPECT_FALSE(button(name).path.empty()) << name;
+  }
+  ASSERT_TRUE(bus_->act(button("Open"), "Press"));
+  EXPECT_FALSE(screen_->waitForWindow(orvo_->pid(), "Orvo - Recovered").empty());
 }
 
 TEST_F(Accessibility, AScreenReaderRecordsAndReadsPositionAndLengthOut) {
@@ -118,8 +140,9 @@ TEST_F(Accessibility, TheWaveformsKeysMoveTheMarkerAndTheNewPositionIsReadOut) {
     ASSERT_TRUE(screen_->pressKey("Tab"));
   }
   ASSERT_TRUE(bus_->hasState(named("Waveform"), kFocused));
-  const std::vector<std::pair<std::string, int>> steps{{"Right", 4}, {"Prior", 44}, {"Left", 40},
-                                                       {"End", 400}, {"Next", 360}, {"Home", 0}};
+  const std::vector<std::pair<std::string, int>> steps{
+      {"Right", 100}, {"shift+Right", 110}, {"Prior", 150}, {"Left", 50},
+      {"End", 400},   {"Next", 360},        {"Home", 0}};
   for (const auto& [key, position] : steps) {
     ASSERT_TRUE(screen_->pressKey(key));
     std::string told;
@@ -131,6 +154,20 @@ TEST_F(Accessibility, TheWaveformsKeysMoveTheMarkerAndTheNewPositionIsReadOut) {
     })) << key
         << ": " << told;
   }
+}
+
+TEST_F(Accessibility, WhatMustBeKnownOfARecordingOfSilenceIsANotice) {
+  ASSERT_NO_FATAL_FAILURE(startWithBus());
+  const auto notice = [this] {
+    nodes_ = bus_->nodesOf(orvo_->pid());
+    const auto found = std::find_if(nodes_.begin(), nodes_.end(), [](const Node& node) {
+      return node.role == "notification" && !node.name.empty();
+    });
+    return found == nodes_.end() ? Node() : *found;
+  };
+  ASSERT_TRUE(bus_->act(button("Record"), "Press"));
+  ASSERT_TRUE(eventually([&] { return !notice().path.empty(); }));
+  EXPECT_TRUE(bus_->act(button("Record"), "Press"));
 }
 
 TEST_F(Accessibility, AProgressBarTellsWhatGoesOnAndIsGoneAfterwards) {

@@ -156,12 +156,33 @@ TEST_F(Quitting, SignalWithNothingToSaveEndsItAtOnce) {
   expectEnd();
 }
 
-TEST_F(Quitting, SameSignalASecondTimeEndsItWithoutAnAnswer) {
+TEST_F(Quitting, SignalAsksAgainAfterCancel) {
   ASSERT_NO_FATAL_FAILURE(startAndRecord(41));
+  for (int i = 0; i < 2; ++i) {
+    orvo_->process().signal(SIGTERM);
+    ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::cancel));
+    EXPECT_TRUE(orvo_->process().isRunning());
+  }
+  ASSERT_NO_FATAL_FAILURE(expectTitle("Unnamed*"));
+}
+
+TEST_F(Quitting, SignalChangesNothingWhileTheQuestionIsOpen) {
+  ASSERT_NO_FATAL_FAILURE(startAndRecord(42));
   orvo_->process().signal(SIGHUP);
-  ASSERT_TRUE(eventually([&] { return !alerts().empty(); }));
+  ASSERT_TRUE(eventually([&] { return alerts().size() == 1; }));
   orvo_->process().signal(SIGHUP);
-  EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, SIGHUP}));
+  ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::dontSave));
+  expectEnd();
+}
+
+TEST_F(Quitting, ThirdSignalInAShortTimeEndsItWithoutAnAnswer) {
+  ASSERT_NO_FATAL_FAILURE(startAndRecord(43));
+  for (int i = 0; i < 3; ++i) {
+    orvo_->process().signal(SIGINT);
+    // Two signals of a kind that are pending at once are one.
+    ASSERT_TRUE(eventually([&] { return orvo_->hasTaken(SIGINT); }));
+  }
+  EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, SIGINT}));
 }
 
 }  // namespace

@@ -41,6 +41,7 @@ class OVMainMenuTest : public AppFixture {
         .openRecentFile = [this](const std::string& path) { called_.push_back(path); },
         .terminate = record("quit"),
         .openDocumentation = record("documentation"),
+        .showRecovered = record("recovered"),
         .showDiagnostics = record("diagnostics"),
         .showAbout = record("about"),
     };
@@ -93,7 +94,8 @@ TEST_F(OVMainMenuTest, ItemsStandInGroups) {
   EXPECT_THAT(itemsOf("&Transport"),
               ElementsAre("Record\tR", "Play\tSpace", "Stop", "-", "To Start\tReturn", "To End"));
   EXPECT_THAT(itemsOf("&View"), ElementsAre("Spectrum"));
-  EXPECT_THAT(itemsOf("&Help"), ElementsAre("Documentation", "-", "Diagnostics", "About Orvo"));
+  EXPECT_THAT(itemsOf("&Help"), ElementsAre("Documentation", "-", "Recovered Recordings…",
+                                            "Diagnostics", "About Orvo"));
 }
 
 TEST_F(OVMainMenuTest, ItemsHaveTheUsualKeys) {
@@ -166,11 +168,12 @@ TEST_F(OVMainMenuTest, DocumentWithoutStorageOffersWhatNeedsNone) {
 }
 
 TEST_F(OVMainMenuTest, ApplicationItemsCallTheirCommands) {
-  for (const char* name :
-       {"New Recorder", "Open…", "Quit", "Documentation", "Diagnostics", "About Orvo"}) {
+  for (const char* name : {"New Recorder", "Open…", "Quit", "Documentation",
+                           "Recovered Recordings…", "Diagnostics", "About Orvo"}) {
     item(window(), name)->trigger();
   }
-  EXPECT_THAT(called_, ElementsAre("new", "open", "quit", "documentation", "diagnostics", "about"));
+  EXPECT_THAT(called_, ElementsAre("new", "open", "quit", "documentation", "recovered",
+                                   "diagnostics", "about"));
 }
 
 TEST_F(OVMainMenuTest, OpenRecentShowsNamesAndOpensPaths) {

@@ -426,22 +426,6 @@ TEST_F(OpenAndQuitTest, TheTerminationIsCheckedThirtyTimesASecond) {
   EXPECT_EQ(delegate_.terminationTimer(), nullptr);
 }
 
-TEST_F(OpenAndQuitTest, TheSessionMayEndOnlyWithNothingUnsavedAndNothingBeingSaved) {
-  answerQuestionsWith(std::nullopt);
-  EXPECT_TRUE(delegate_.applicationMayEndSession());
-  OVRecorderWindow* const window = spawnEdited();
-  EXPECT_FALSE(delegate_.applicationMayEndSession());
-  ASSERT_EQ(panels_->sheets(), 1U);
-  panels_->answerSheet(VLRecorderWindowController::kCancelClosing);
-
-  window->setDocumentEdited(false);
-  documentOf(window)->saveFileNamed(at("copy.wav"), 0);
-  EXPECT_FALSE(delegate_.applicationMayEndSession());
-  awaitAllIdle();
-  EXPECT_TRUE(delegate_.applicationMayEndSession());
-  EXPECT_EQ(quits_, 0) << "the session ends the program, not we";
-}
-
 TEST_F(OpenAndQuitTest, AFileThatIsBeingOpenedDoesNotHoldTheSession) {
   delegate_.applicationOpenFile(writeFile("long.wav", 100'000));
   EXPECT_TRUE(delegate_.applicationMayEndSession());

@@ -4,18 +4,21 @@
 
 #include <gmock/gmock.h>
 #include <QAbstractButton>
-#include <QFileDialog>
+#include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QToolButton>
+#include <QTreeWidget>
 
 #include "app/AppFixture.h"
+#include "app/OVRecoveredPanel.h"
 #include "app/OVTranslations.h"
 #include "controls/OVLoadingPanel.h"
 #include "platform/desktop/QtFileDialogs.h"
+#include "platform/desktop/SavePanel.h"
 #include "platform/mainloop/Localization.h"
 
 namespace {
@@ -192,7 +195,7 @@ TEST_P(TranslatedWindowTest, EveryMenuItemIsTheTranslationOfItsName) {
       }
     }
   }
-  EXPECT_EQ(items, 24);
+  EXPECT_EQ(items, 25);
 }
 
 TEST_P(TranslatedWindowTest, UndoNamesTheAction) {
@@ -225,8 +228,14 @@ TEST_P(TranslatedWindowTest, MenusFitIntoTheNarrowestWindow) {
 
 TEST_P(TranslatedWindowTest, AScreenReaderHearsTheLanguage) {
   EXPECT_EQ(nameOf("recButton"), expected().recordButton);
-  EXPECT_EQ(window_->findChild<QWidget*>("recButton")->toolTip().toStdString(),
-            expected().recordButton);
+  const std::vector<std::pair<const char*, const char*>> tooltips{
+      {"recButton", "Record (R)"},
+      {"playButton", "Play (Space)"},
+      {"prevButton", "To Start (Return)"},
+      {"stopButton", "Stop"}};
+  for (const auto& [button, key] : tooltips) {
+    EXPECT_EQ(window_->findChild<QWidget*>(button)->toolTip(), translated(key)) << button;
+  }
   EXPECT_EQ(nameOf("wfView"), expected().waveform);
   const std::vector<std::pair<const char*, const char*>> names{
       {"prevButton", "To Start"},
@@ -239,7 +248,9 @@ TEST_P(TranslatedWindowTest, AScreenReaderHearsTheLanguage) {
       {"vuView", "Level meter"},
       {"timeView", "Position and length"},
       {"loadingIndicator", "Progress"},
-      {"playbackMarkerView", "Playback marker"}};
+      {"playbackMarkerView", "Playback marker"},
+      {"recordingTickView", "Recording position"},
+      {"clippingLamp", "Clipping"}};
   for (const auto& [view, key] : names) {
     EXPECT_EQ(nameOf(view), translated(key).toStdString()) << view;
   }
@@ -288,7 +299,7 @@ TEST_P(TranslatedWindowTest, TheSavePanelIsWholeAndItsKeyLetterIsItsOwn) {
   platform::QtFileDialogs real;
   const platform::Installed<platform::FileDialogs>::Scope installation(real);
   item(window_, "Save As…")->trigger();
-  auto* const panel = shownDialog<QFileDialog>("savePanel");
+  auto* const panel = shownDialog<platform::SavePanel>("savePanel");
   ASSERT_NE(panel, nullptr);
   EXPECT_EQ(panel->windowTitle(), translated("Save As"));
   expectNothingClipped(*panel);
@@ -308,10 +319,38 @@ TEST_P(TranslatedWindowTest, TheRuleOfRingtonesIsWhole) {
   platform::QtFileDialogs real;
   const platform::Installed<platform::FileDialogs>::Scope installation(real);
   item(window_, "Export Ringtone…")->trigger();
-  auto* const panel = shownDialog<QFileDialog>("savePanel");
+  auto* const panel = shownDialog<platform::SavePanel>("savePanel");
   ASSERT_NE(panel, nullptr);
   expectNothingClipped(*panel);
   panel->reject();
+}
+
+TEST_P(TranslatedWindowTest, TheQuestionAboutRecoveredRecordingsIsWhole) {
+  std::vector<OVRecoveredFile> files(3);
+  files[0].frames = 44100 * 7500ULL;
+  files[0].start = QDateTime(QDate(2026, 11, 21), QTime(14, 2));
+  files[1].state = OVRecoveredFile::State::damaged;
+  files[2].state = OVRecoveredFile::State::beingWritten;
+  for (const auto occasion :
+       {OVRecoveredPanel::Occasion::unexpectedEnd, OVRecoveredPanel::Occasion::command}) {
+    OVRecoveredPanel panel(occasion, {});
+    panel.setAttribute(Qt::WA_DeleteOnClose, false);
+    panel.setFiles(files);
+    panel.show();
+    ASSERT_TRUE(runMainLoopUntil([&] { return panel.isVisible(); }));
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(panel.windowTitle(), translated("Recovered Recordings"));
+    expectNothingClipped(panel);
+    const auto* const list = panel.findChild<QTreeWidget*>();
+    EXPECT_EQ(list->topLevelItem(1)->text(2), translated("Damaged"));
+    EXPECT_EQ(list->topLevelItem(2)->text(2), translated("Still being written"));
+    for (int column = 0; column < list->columnCount(); ++column) {
+      const QString text = list->topLevelItem(2)->text(column);
+      EXPECT_GT(list->columnWidth(column), list->fontMetrics().horizontalAdvance(text))
+          << text.toStdString();
+    }
+    EXPECT_LE(list->header()->length(), list->viewport()->width()) << "nothing to scroll";
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(InEveryLanguage, TranslatedWindowTest,

@@ -67,6 +67,11 @@ TEST(AudioFileFailureTest, WhatDoesNotPrintIsShownAsASpaceOrAReplacement) {
   EXPECT_EQ(shownFileName("歌 Größe.wav"), "“歌 Größe.wav”");
 }
 
+TEST(AudioFileFailureTest, AWholePathIsShownInTheSameForm) {
+  EXPECT_EQ(shownPath("/music/My\nfolder"), "“/music/My folder”");
+  EXPECT_EQ(shownPath("/"), "“/”");
+}
+
 TEST(AudioFileFailureTest, APlaceholderInANameIsLeftAlone) {
   EXPECT_THAT(openingFailureReason(platform::kEmptyFileStatus, "%1%2 %s.wav"),
               testing::StrEq("“%1%2 %s.wav” is empty."));

@@ -9,6 +9,7 @@ namespace {
 
 using platform::kAudioStatusOk;
 using platform::kDeviceLostStatus;
+using platform::kDeviceStalledStatus;
 using platform::kDeviceUnavailableStatus;
 using platform::kInvalidParameterStatus;
 using platform::kInvalidQueueStateStatus;
@@ -16,6 +17,7 @@ using platform::kNoThreadStatus;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 TEST(DeviceFailureTest, SuccessARefusalAndAMissingThreadAreNotTheDevices) {
   for (const auto status :
@@ -30,23 +32,57 @@ TEST(DeviceFailureTest, EveryOtherStatusIsTheDevicesKnownOrNot) {
   }
 }
 
-TEST(DeviceFailureTest, EachDirectionHasASentenceForADeviceThatIsMissingAndOneForALostOne) {
-  const std::set<std::string> sentences{
-      inputFailureReason(kDeviceUnavailableStatus), inputFailureReason(kDeviceLostStatus),
-      outputFailureReason(kDeviceUnavailableStatus), outputFailureReason(kDeviceLostStatus)};
-  EXPECT_EQ(sentences.size(), 4U);
+TEST(DeviceFailureTest, ALossIsADeviceThatWasThere) {
+  EXPECT_TRUE(isDeviceLoss(kDeviceLostStatus));
+  EXPECT_TRUE(isDeviceLoss(kDeviceStalledStatus));
+  EXPECT_FALSE(isDeviceLoss(kDeviceUnavailableStatus));
+  EXPECT_FALSE(isDeviceLoss(kAudioStatusOk));
+}
+
+TEST(DeviceFailureTest, EachDirectionHasASentenceForADeviceThatCannotBeOpened) {
+  for (const auto status : {kDeviceUnavailableStatus, kDeviceLostStatus, kDeviceStalledStatus}) {
+    EXPECT_THAT(inputFailureReason(status), HasSubstr("No sound input could be opened."));
+    EXPECT_THAT(inputFailureReason(status), HasSubstr("press Record again"));
+    EXPECT_THAT(outputFailureReason(status), HasSubstr("No sound output could be opened."));
+    EXPECT_THAT(outputFailureReason(status), HasSubstr("press Play again"));
+  }
+}
+
+TEST(DeviceFailureTest, EachLossHasASentenceOfItsOwnThatSaysWhatHasEnded) {
+  std::set<std::string> sentences;
+  for (const auto status : {kDeviceLostStatus, kDeviceStalledStatus}) {
+    const std::string recording = deviceLossReason(OVInterrupted::recording, status, "");
+    const std::string playback = deviceLossReason(OVInterrupted::playback, status, "");
+    EXPECT_THAT(recording, HasSubstr("sound input"));
+    EXPECT_THAT(recording, HasSubstr("Recording has ended."));
+    EXPECT_THAT(recording, HasSubstr("press Record."));
+    EXPECT_THAT(playback, HasSubstr("sound output"));
+    EXPECT_THAT(playback, HasSubstr("Playback has ended."));
+    EXPECT_THAT(playback, HasSubstr("press Play."));
+    sentences.insert({recording, playback});
+  }
+  const std::string idle = deviceLossReason(OVInterrupted::nothing, kDeviceLostStatus, "");
+  EXPECT_THAT(idle, HasSubstr("sound input"));
+  EXPECT_THAT(idle, Not(HasSubstr("ended")));
+  sentences.insert(idle);
+  EXPECT_EQ(sentences.size(), 5U);
   for (const std::string& sentence : sentences) {
     EXPECT_THAT(sentence, EndsWith("Everything recorded so far is kept."));
   }
 }
 
-TEST(DeviceFailureTest, TheSentencesNameTheirOwnDirectionAndTheButtonToPress) {
-  for (const auto status : {kDeviceUnavailableStatus, kDeviceLostStatus}) {
-    EXPECT_THAT(inputFailureReason(status), HasSubstr("sound input"));
-    EXPECT_THAT(inputFailureReason(status), HasSubstr("press Record"));
-    EXPECT_THAT(outputFailureReason(status), HasSubstr("sound output"));
-    EXPECT_THAT(outputFailureReason(status), HasSubstr("press Play"));
+TEST(DeviceFailureTest, TheSentencesOfALostInputNameItSafely) {
+  const std::string name = "<b>100%1\nMic</b>" + std::string(300, 'x');
+  for (const auto interrupted : {OVInterrupted::recording, OVInterrupted::nothing}) {
+    const std::string reason = deviceLossReason(interrupted, kDeviceLostStatus, name);
+    EXPECT_THAT(reason, HasSubstr("The sound input “<b>100%1 Mic</b>xxx"));
+    EXPECT_THAT(reason, HasSubstr("x…” has gone"));
+    EXPECT_LT(reason.size(), 400U);
   }
+  EXPECT_THAT(deviceLossReason(OVInterrupted::recording, kDeviceStalledStatus, "USB"),
+              HasSubstr("the sound input “USB”:"));
+  EXPECT_EQ(deviceLossReason(OVInterrupted::recording, kDeviceLostStatus, "\n"),
+            deviceLossReason(OVInterrupted::recording, kDeviceLostStatus, ""));
 }
 
 TEST(DeviceFailureTest, AMissingThreadReadsAlikeInBothDirections) {

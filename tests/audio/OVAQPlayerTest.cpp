@@ -69,6 +69,10 @@ class OVAQPlayerTest : public testing::Test {
     }
   }
 
+  bool awaitLossAlert() {
+    return runMainLoopUntil([this] { return !services_->postedAlerts().empty(); });
+  }
+
   /// Runs everything posted to the main queue so far.
   static void drainMainQueue() {
     bool reached = false;
@@ -446,22 +450,24 @@ TEST_F(OVAQPlayerTest, ADeviceThatFailsWhilePlayingIsToldOnceAndStopsThePlayback
   queues_->fail("stopImmediately", platform::kDeviceLostStatus);
   player_->stop();
   EXPECT_EQ(player_->powerLevels(), std::nullopt);
-  EXPECT_THAT(services_->alerts(), SizeIs(1));
-  EXPECT_THAT(services_->alerts().at(0).message,
+  ASSERT_TRUE(awaitLossAlert());
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
+  EXPECT_THAT(services_->postedAlerts().at(0).message,
               StartsWith("Core Audio returned the error: AudioQueueStart failed ('gone')\n\n"));
 }
 
-TEST_F(OVAQPlayerTest, ALossThatWasToldOfTheInputIsNotToldAgain) {
-  queues_->lossReportPending = false;
+TEST_F(OVAQPlayerTest, AnOutputThatStandsStillIsToldAndEndsThePlayback) {
   make(10000);
   player_->play();
   queues_.output().changeRunning(1);
-  queues_->failure = platform::kDeviceLostStatus;
+  queues_->failure = platform::kDeviceStalledStatus;
   queues_.output().changeRunning(0);
   drainMainQueue();
-  EXPECT_EQ(player_->failure(), platform::kDeviceLostStatus);
+  EXPECT_EQ(player_->failure(), platform::kDeviceStalledStatus);
   EXPECT_THAT(delegate_->stopped, ElementsAre(player_.get()));
-  EXPECT_THAT(services_->alerts(), IsEmpty());
+  ASSERT_TRUE(awaitLossAlert());
+  EXPECT_THAT(services_->postedAlerts().at(0).message, HasSubstr("stands still"));
 }
 
 TEST_F(OVAQPlayerTest, ADeviceThatCannotStartIsToldOnceAndStopsThePlayback) {
@@ -492,7 +498,9 @@ TEST_F(OVAQPlayerTest, ADeviceThatFailedBeforePlayIsToldOnce) {
   queues_->fail("start", platform::kDeviceLostStatus);
   player_->play();
   EXPECT_FALSE(player_->isPlaying());
-  EXPECT_THAT(services_->alerts(), SizeIs(1));
+  ASSERT_TRUE(awaitLossAlert());
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
 }
 
 TEST_F(OVAQPlayerTest, AnOwnerThatLetsGoWhileAnAlertStandsIsSafe) {

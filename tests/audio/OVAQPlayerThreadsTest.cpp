@@ -192,6 +192,7 @@ TEST_F(OVAQPlayerThreadsTest, ADeviceLostWhilePlayingIsToldOnceAndEndsThePlaybac
   EXPECT_EQ(player_->failure(), platform::kDeviceLostStatus);
   player_->stop();
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: AudioQueueStart failed ('gone')\n");
+  EXPECT_TRUE(runMainLoopUntil([&] { return !services_->postedAlerts().empty(); }));
   EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
   EXPECT_THAT(services_->alerts(), IsEmpty());
 }
@@ -204,6 +205,7 @@ TEST_F(OVAQPlayerThreadsTest, ADeviceThatCannotStartIsToldOnceAndEndsThePlayback
   EXPECT_TRUE(runMainLoopUntil([&] { return delegate_->stopped > 0; }));
   EXPECT_FALSE(player_->isPlaying());
   testing::internal::GetCapturedStderr();
+  EXPECT_TRUE(runMainLoopUntil([&] { return !services_->postedAlerts().empty(); }));
   EXPECT_EQ(services_->alerts().size() + services_->postedAlerts().size(), 1U);
 }
 
@@ -263,7 +265,7 @@ TEST_F(OVAQPlayerThreadsTest, TwoHundredPlayersInARowLeaveNothingBehind) {
     ASSERT_TRUE(device_->awaitOutputsClosed(static_cast<std::size_t>(i) + 2));
   }
   EXPECT_EQ(buffer_.use_count(), 1);
-  EXPECT_EQ(support::threadCount(), threads);
+  EXPECT_TRUE(support::eventually([&] { return support::threadCount() == threads; }));
   EXPECT_THAT(services_->alerts(), IsEmpty());
   EXPECT_THAT(services_->postedAlerts(), IsEmpty());
 }

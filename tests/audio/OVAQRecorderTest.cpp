@@ -49,6 +49,10 @@ class OVAQRecorderTest : public testing::Test {
 
   void make() { recorder_ = OVAQRecorder::initWithBuffer(buffer_); }
 
+  bool awaitLossAlert() {
+    return runMainLoopUntil([this] { return !services_->postedAlerts().empty(); });
+  }
+
   /// Captures one queue buffer of 4096 ramp frames and delivers it.
   bool capture() {
     const auto first = queues_->capturedFrames;
@@ -392,12 +396,33 @@ TEST_F(OVAQRecorderTest, OneFailureOfTheInputIsAlertedOnceHoweverManyRecordersAr
   EXPECT_THAT(services_->alerts(), SizeIs(2));
 }
 
-TEST_F(OVAQRecorderTest, ALossThatWasToldOfTheOutputIsNotToldAgain) {
-  queues_->lossReportPending = false;
-  queues_->fail("start", platform::kDeviceLostStatus);
-  make();
-  EXPECT_EQ(recorder_, nullptr);
+TEST_F(OVAQRecorderTest, AMissingInputIsHeldBackUntilSomebodyWantsToRecord) {
+  for (const char* step : {"newInput", "start"}) {
+    queues_->fail(step, platform::kDeviceUnavailableStatus);
+    EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_, OVAQRecorder::DeviceAlerts::heldBack), nullptr);
+  }
   EXPECT_THAT(services_->alerts(), IsEmpty());
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  make();
+  EXPECT_THAT(services_->alerts(), SizeIs(1));
+}
+
+TEST_F(OVAQRecorderTest, AWrongCallIsNotHeldBack) {
+  queues_->fail("newInput", platform::kInvalidParameterStatus);
+  EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_, OVAQRecorder::DeviceAlerts::heldBack), nullptr);
+  EXPECT_THAT(services_->alerts(), SizeIs(1));
+}
+
+TEST_F(OVAQRecorderTest, ALateAnswerThatThereIsNoInputIsToldOnlyToARecording) {
+  make();
+  queues_.input().failLate(platform::kDeviceUnavailableStatus);
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  EXPECT_TRUE(queues_->inputFailureReportPending);
+  recorder_->prepareForDestruction();
+  make();
+  recorder_->record();
+  queues_.input().failLate(platform::kDeviceUnavailableStatus);
+  EXPECT_THAT(services_->alerts(), SizeIs(1));
   EXPECT_FALSE(queues_->inputFailureReportPending);
 }
 
@@ -430,23 +455,24 @@ TEST_F(OVAQRecorderTest, ASystemWithoutAThreadToGiveIsToldInWordsWhateverTheDevi
                     HasSubstr("The system allows no further thread.")));
 }
 
-TEST_F(OVAQRecorderTest, AnInputThatIsLostIsToldOnceThenTheOwnerLearnsOfIt) {
+TEST_F(OVAQRecorderTest, AnInputThatIsLostIsToldOnceAndTheOwnerLearnsOfIt) {
   make();
   std::vector<AudioStatus> told;
-  recorder_->setFailureHandler([&](AudioStatus status) {
-    EXPECT_THAT(services_->alerts(), SizeIs(1));
-    told.push_back(status);
-  });
+  recorder_->setFailureHandler([&](AudioStatus status) { told.push_back(status); });
   recorder_->record();
   capture();
   queues_.input().failLate(platform::kDeviceLostStatus);
   EXPECT_THAT(told, ElementsAre(platform::kDeviceLostStatus));
   EXPECT_EQ(recorder_->failure(), platform::kDeviceLostStatus);
-  EXPECT_THAT(services_->alerts().at(0).message,
-              StartsWith("Core Audio returned the error: AudioQueueStart failed ('gone')\n\n"));
   EXPECT_TRUE(recorder_->isRecording());  // until the owner pauses
   recorder_->pause();
   EXPECT_EQ(buffer_->samples(), ramp(0, kBufferFrames));
+  ASSERT_TRUE(awaitLossAlert());
+  EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
+  EXPECT_THAT(
+      services_->postedAlerts().at(0).message,
+      AllOf(StartsWith("Core Audio returned the error: AudioQueueStart failed ('gone')\n\n"),
+            HasSubstr("Recording has ended.")));
 }
 
 TEST_F(OVAQRecorderTest, AFailureBeforeTheHandlerWasSetIsToldWhenItIs) {
@@ -463,17 +489,86 @@ TEST_F(OVAQRecorderTest, TheMeterOfALostInputIsNotAskedAndNotReportedAgain) {
   queues_.input().failLate(platform::kDeviceLostStatus);
   EXPECT_EQ(recorder_->powerLevels(), std::nullopt);
   EXPECT_EQ(queues_->count("currentLevels/2"), 0U);
-  EXPECT_THAT(services_->alerts(), SizeIs(1));
+  EXPECT_THAT(services_->alerts(), IsEmpty());
 }
 
-TEST_F(OVAQRecorderTest, ALostInputIsNotToldWhenItWasToldThroughAnotherRecorder) {
+TEST_F(OVAQRecorderTest, AfterALostInputTheNextRecorderDoesNotAlertAgain) {
   make();
-  queues_->inputFailureReportPending = false;
-  int told = 0;
-  recorder_->setFailureHandler([&](AudioStatus) { ++told; });
+  recorder_->record();
   queues_.input().failLate(platform::kDeviceLostStatus);
+  recorder_->prepareForDestruction();
+  queues_->fail("newInput", platform::kDeviceLostStatus);
+  make();
+  EXPECT_EQ(recorder_, nullptr);
   EXPECT_THAT(services_->alerts(), IsEmpty());
-  EXPECT_EQ(told, 1);
+  EXPECT_TRUE(awaitLossAlert());
+}
+
+// Silence and losses ------------------------------------------------------------------------------
+
+TEST_F(OVAQRecorderTest, DigitalSilenceIsCountedWhileRecordingUntilASampleIsNotZero) {
+  make();
+  const std::vector<float> zeros(2 * kBufferFrames, 0);
+  std::vector<float> almost = zeros;
+  almost.back() = 1e-9F;
+  const auto deliver = [&](const std::vector<float>& samples) {
+    queues_->capturedFrames += kBufferFrames;
+    queues_.input().deliver(samples, queues_->capturedFrames);
+  };
+  deliver(zeros);
+  EXPECT_EQ(recorder_->silentFrames(), 0U);
+  recorder_->record();
+  deliver(zeros);
+  deliver(zeros);
+  EXPECT_EQ(recorder_->silentFrames(), 2 * kBufferFrames);
+  queues_->capturedFrames += 100;
+  queues_.input().deliverSilence(100, queues_->capturedFrames);
+  EXPECT_EQ(recorder_->silentFrames(), 2 * kBufferFrames) << "lost frames are no silence";
+  deliver(almost);
+  EXPECT_EQ(recorder_->silentFrames(), 0U);
+  deliver(zeros);
+  recorder_->pause();
+  EXPECT_EQ(recorder_->silentFrames(), 0U);
+  recorder_->record();
+  EXPECT_EQ(recorder_->silentFrames(), 0U);
+}
+
+TEST_F(OVAQRecorderTest, LostFramesAreWrittenAsSilenceAndMarkedAtTheirPlace) {
+  make();
+  recorder_->setWritingPosition(1000 * kFrameBytes);
+  recorder_->record();
+  capture();
+  queues_->capturedFrames += 300;
+  queues_->lostFrames = 300;
+  queues_.input().deliverSilence(300, queues_->capturedFrames);
+  capture();
+  recorder_->pause();
+  ASSERT_THAT(recorder_->losses(), SizeIs(1));
+  EXPECT_EQ(recorder_->losses()[0].atFrame, 1000 + kBufferFrames);
+  EXPECT_EQ(recorder_->losses()[0].frames, 300U);
+  EXPECT_EQ(recorder_->writingPosition(), (1000 + 2 * kBufferFrames + 300) * kFrameBytes);
+}
+
+TEST_F(OVAQRecorderTest, ALossThatIsDeliveredWhileNotRecordingIsNone) {
+  make();
+  queues_->capturedFrames += 300;
+  queues_->lostFrames = 300;
+  queues_.input().deliverSilence(300, queues_->capturedFrames);
+  recorder_->record();
+  capture();
+  recorder_->pause();
+  EXPECT_THAT(recorder_->losses(), IsEmpty());
+}
+
+TEST_F(OVAQRecorderTest, WhatWasLostWhenPauseIsCalledIsToldAsLostAtTheEnd) {
+  make();
+  recorder_->record();
+  capture();
+  queues_->lostFrames = 5000;  // the ring was full
+  recorder_->pause();
+  ASSERT_THAT(recorder_->losses(), SizeIs(1));
+  EXPECT_EQ(recorder_->losses()[0].atFrame, kBufferFrames);
+  EXPECT_EQ(recorder_->losses()[0].frames, 5000U);
 }
 
 }  // namespace

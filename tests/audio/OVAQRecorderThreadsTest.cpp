@@ -179,14 +179,19 @@ TEST_F(OVAQRecorderThreadsTest, AnInputLostWhileRecordingKeepsEverythingAndIsTol
   EXPECT_FALSE(recorder_->isRecording());
   EXPECT_EQ(buffer_->samples(), ramp(0, 3 * kBlock + 1000));
   EXPECT_EQ(recorder_->writingPosition(), (3 * kBlock + 1000) * kFrameBytes);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: AudioQueueStart failed ('gone')\n");
+  EXPECT_TRUE(runMainLoopUntil([&] { return !services_->postedAlerts().empty(); }));
   EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
   EXPECT_THAT(services_->alerts(), IsEmpty());
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: AudioQueueStart failed ('gone')\n");
+  EXPECT_THAT(services_->postedAlerts()[0].message,
+              testing::HasSubstr("The sound input “Microphone” has gone"));
 }
 
 TEST_F(OVAQRecorderThreadsTest, OneLostInputIsAlertedOnceForAllRecordersAndTheNext) {
   const auto second = OVAQRecorder::initWithBuffer(std::make_shared<MemoryTestBuffer>());
   ASSERT_NE(second, nullptr);
+  recorder_->record();
+  second->record();
   std::atomic<int> told{0};
   for (const auto& recorder : {recorder_, second}) {
     recorder->setFailureHandler([&](AudioStatus) { ++told; });
@@ -198,6 +203,7 @@ TEST_F(OVAQRecorderThreadsTest, OneLostInputIsAlertedOnceForAllRecordersAndTheNe
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_), nullptr);
   }
+  EXPECT_TRUE(runMainLoopUntil([&] { return !services_->postedAlerts().empty(); }));
   EXPECT_EQ(services_->alerts().size() + services_->postedAlerts().size(), 1U);
   second->prepareForDestruction();
   testing::internal::GetCapturedStderr();

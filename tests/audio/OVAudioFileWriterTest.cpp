@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdint>
+#include <filesystem>
 #include <limits>
 #include <string>
 #include <utility>
@@ -277,6 +278,23 @@ TEST_F(OVAudioFileWriterTest, OnlyAiffHasALimitAndItIsJustBelowFourGigabytes) {
   ASSERT_TRUE(most.has_value());
   EXPECT_LT(*most * 4, (1ULL << 32) - 100);
   EXPECT_GT(*most * 4, (1ULL << 32) - 10'000);
+}
+
+TEST_F(OVAudioFileWriterTest, TheEstimateOfAFilesSizeIsCloseAndNeverTooHighForNoise) {
+  constexpr std::uint64_t kFrames = 5 * 44100;
+  const auto samples = support::noise16(kFrames, 1);
+  for (const std::uint32_t kind : {0U, 1U, 2U, 3U}) {
+    const std::string path = folder_.file("noise" + std::to_string(kind));
+    const auto writer = OVAudioFileWriter::initWithFile(path, kind);
+    const std::uint64_t bytes = samples.size() * sizeof(float);
+    ASSERT_EQ(writer->sinkData(samples.data(), bytes), bytes);
+    ASSERT_TRUE(writer->close());
+    const std::uint64_t size = std::filesystem::file_size(path);
+    const std::uint64_t estimate = OVAudioFileWriter::estimatedBytes(kind, kFrames);
+    EXPECT_LE(estimate, size) << kind;
+    EXPECT_GE(estimate, size / (kind == OVAudioFileWriter::kAac ? 3 : 1) - 8192) << kind;
+  }
+  EXPECT_EQ(OVAudioFileWriter::estimatedBytes(7, kFrames), 0U);
 }
 
 // Failures.

@@ -71,6 +71,28 @@ TEST_F(RecorderWindowInterfaceTest, EveryViewHasItsFrame) {
   EXPECT_EQ(frameIn(ui_.transportBackView, ui_.fftButton), QRect(598, 15, 28, 28));
 }
 
+TEST_F(RecorderWindowInterfaceTest, NoticesAreAtTheWaveformsLowerEdgeAndTheLampBesideTheMeter) {
+  const QRect notice = frameIn(ui_.wfView, ui_.noticeView);
+  EXPECT_EQ(notice.bottom(), ui_.wfView->height() - 7);
+  EXPECT_EQ(notice.left(), 10);
+  EXPECT_GT(notice.width(), 400);
+  EXPECT_EQ(frameIn(ui_.displayWell, ui_.clippingLamp), QRect(65, 3, 13, 30));
+  for (const QWidget* view :
+       std::initializer_list<QWidget*>{ui_.noticeView, ui_.recordingTickView, ui_.clippingLamp}) {
+    EXPECT_FALSE(view->isVisible()) << view->objectName().toStdString();
+  }
+  ui_.recordingTickView->show();
+  EXPECT_EQ(ui_.recordingTickView->geometry(), ui_.wfView->rect());
+}
+
+TEST_F(RecorderWindowInterfaceTest, ALongNoticeAsksForNoWiderWindow) {
+  const QSize before = window_.minimumSizeHint();
+  ui_.noticeView->setText(QString(300, QLatin1Char('x')));
+  QCoreApplication::sendPostedEvents();
+  EXPECT_EQ(window_.minimumSizeHint(), before);
+  EXPECT_TRUE(ui_.wfView->rect().contains(frameIn(ui_.wfView, ui_.noticeView)));
+}
+
 TEST_F(RecorderWindowInterfaceTest, OnlyTheWaveformGrowsWithTheWindow) {
   window_.resize(window_.size() + QSize(200, 150));
   QCoreApplication::sendPostedEvents();
@@ -152,7 +174,7 @@ TEST_F(RecorderWindowInterfaceTest, RecordAndPlayAreSwitchesAndTheEndsAreRound) 
 
 TEST_F(RecorderWindowInterfaceTest, EveryButtonHasANameForAssistiveTechnology) {
   const auto buttons = window_.findChildren<OVTrackingButton*>();
-  ASSERT_EQ(buttons.size(), 7);
+  ASSERT_EQ(buttons.size(), 8);
   for (QWidget* button : buttons) {
     const auto* accessible = QAccessible::queryAccessibleInterface(button);
     ASSERT_NE(accessible, nullptr);
@@ -174,6 +196,16 @@ TEST_F(RecorderWindowInterfaceTest, TabReachesEveryControlInTheOrderOfTheWindowA
   EXPECT_EQ(window_.focusWidget(), order.front()) << "and round again";
   QTest::keyClick(window_.windowHandle(), Qt::Key_Tab, Qt::ShiftModifier);
   EXPECT_EQ(window_.focusWidget(), order.back());
+}
+
+TEST_F(RecorderWindowInterfaceTest, TabReachesTheLampWhileItIsLit) {
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+  ui_.clippingLamp->light(QStringLiteral("Too loud"));
+  ui_.nextButton->setFocus(Qt::TabFocusReason);
+  QTest::keyClick(window_.windowHandle(), Qt::Key_Tab);
+  EXPECT_EQ(window_.focusWidget(), ui_.clippingLamp);
+  QTest::keyClick(window_.windowHandle(), Qt::Key_Tab);
+  EXPECT_EQ(window_.focusWidget(), ui_.fftButton);
 }
 
 TEST_F(RecorderWindowInterfaceTest, NoClickTakesTheKeyboardAndOnlyControlsTakeIt) {
@@ -241,7 +273,7 @@ TEST_F(RecorderWindowInterfaceTest, AssistiveTechnologyReachesEveryButtonFromThe
   std::vector<QString> pressable;
   const std::function<void(QAccessibleInterface*)> walk = [&](QAccessibleInterface* at) {
     auto* const actions = at->actionInterface();
-    if (at->role() == QAccessible::Button && actions != nullptr &&
+    if (at->role() == QAccessible::Button && !at->state().invisible && actions != nullptr &&
         actions->actionNames().contains(QAccessibleActionInterface::pressAction())) {
       pressable.push_back(at->text(QAccessible::Name));
     }
@@ -253,6 +285,10 @@ TEST_F(RecorderWindowInterfaceTest, AssistiveTechnologyReachesEveryButtonFromThe
   std::sort(pressable.begin(), pressable.end());
   EXPECT_EQ(pressable, (std::vector<QString>{"Pause", "Play", "Record", "Spectrum", "Stop",
                                              "To End", "To Start"}));
+  ui_.clippingLamp->light(QStringLiteral("Too loud"));
+  pressable.clear();
+  walk(QAccessible::queryAccessibleInterface(&window_));
+  EXPECT_EQ(std::count(pressable.begin(), pressable.end(), QStringLiteral("Clipping")), 1);
 }
 
 }  // namespace

@@ -16,7 +16,9 @@
 #include "storage/OVBlockBuffer.h"
 #include "support/MainLoop.h"
 #include "support/fakes/RecordingServices.h"
+#include "support/fakes/RecordingSleepInhibitor.h"
 #include "support/fakes/ScriptedFileDialogs.h"
+#include "support/fakes/ScriptedFreeSpace.h"
 #include "support/fakes/SteppedAudioQueues.h"
 #include "waveform/OVDynamicWaveForm.h"
 #include "waveform/OVStaticWaveform.h"
@@ -123,11 +125,17 @@ class DocumentFixture : public testing::Test {
   /// Alerts that were shown or are pending.
   std::size_t alertCount() { return services_->alerts().size() + services_->postedAlerts().size(); }
 
+  bool awaitAlert() {
+    return runMainLoopUntil([this] { return alertCount() > 0; });
+  }
+
   std::uint64_t length() { return document_->buffer()->bufferSizeInFrames(); }
 
   support::InstalledRecordingServices services_;
   support::InstalledSteppedQueues queues_;
   support::InstalledScriptedPanels panels_;
+  support::InstalledFreeSpace freeSpace_;
+  support::RecordingSleepInhibitor sleep_;
   std::shared_ptr<VLRecorderWindowController> document_;
   std::uint64_t captured_ = 0;
 

@@ -81,6 +81,28 @@ TEST_F(ExportingTest, TheWaveformPictureHasTheViewsSizeInThePixelsOfTheScreen) {
   EXPECT_EQ(document_->currentFilename(), "");
 }
 
+TEST_F(ExportingTest, TheWaveformPictureShowsNoneOfTheViewsOverIt) {
+  document_ = VLRecorderWindowController::initWithWindowNibName("VNRecorderWindow");
+  fill(ramp(44100));
+  document_->setPlaybackPosition(0);
+  document_->setRecordingPosition(22050);
+  document_->updatePlaybackMarkerView();
+  auto* const view = document_->window()->findChild<OVWaveFormView*>("wfView");
+  ASSERT_TRUE(view->findChild<QWidget*>("recordingTickView")->isVisibleTo(view));
+  ASSERT_TRUE(view->image().isNull()) << "never painted";
+  const QSize size = view->size() * view->devicePixelRatioF();
+  document_->dumpWaveform(nullptr);
+  panels_->answerSave(at("picture.png"));
+  settle();
+  const QImage picture(QString::fromStdString(at("picture.png")));
+  ASSERT_EQ(picture.size(), size);
+  for (int y = 0; y < 10; ++y) {
+    for (int x = 0; x < picture.width(); ++x) {
+      ASSERT_LT(picture.pixelColor(x, y).red(), 100) << x << ", " << y;
+    }
+  }
+}
+
 TEST_F(ExportingTest, APictureThatCannotBeWrittenIsTold) {
   openWindow();
   document_->dumpWaveform(nullptr);

@@ -2,6 +2,7 @@
 #include <set>
 
 #include <gmock/gmock.h>
+#include <QLabel>
 
 #include "document/FileFixture.h"
 #include "document/files/loadFile.h"
@@ -241,6 +242,43 @@ TEST_F(LoadingTest, TheImportPanelTakesOneFileOfTheReadableKinds) {
   EXPECT_FALSE(document_->isFileIOActive());
   EXPECT_FALSE(document_->isDocumentEdited());
   EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
+}
+
+TEST_F(LoadingTest, TheImportPanelSaysWhereTheFileGoesAndWhatItReplaces) {
+  openWindow();
+  fill(ramp(10 * 44100));
+  const auto sentence = [this](const std::string& path) {
+    const auto& panel = panels_->openPanel();
+    panel.selectionChanged(path);
+    settle();
+    return qobject_cast<QLabel*>(panel.accessoryView)->text().toStdString();
+  };
+  const std::string path = writeFile("part.wav", ramp(8 * 44100));
+  document_->setRecordingPosition(std::uint64_t{44100});
+  document_->importFile(nullptr);
+  EXPECT_EQ(sentence(""), "Goes in at 00:00:01.00.");
+  EXPECT_EQ(sentence(path), "Goes in at 00:00:01.00 and replaces 8 s.");
+  EXPECT_EQ(sentence(at("no such file.wav")), "Goes in at 00:00:01.00.");
+  EXPECT_EQ(sentence(folder_.path()), "Goes in at 00:00:01.00.");
+  panels_->answerOpen({});
+  document_->nextButton(nullptr);
+  document_->importFile(nullptr);
+  EXPECT_EQ(sentence(path), "Goes in at the end.");
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  panels_->answerOpen({});
+}
+
+TEST_F(LoadingTest, TheImportPanelFollowsARunningRecordingOrPlayback) {
+  openWindow();
+  fill(ramp(10 * 44100));
+  pressRecord();
+  ASSERT_TRUE(capture(0.25F));
+  document_->importFile(nullptr);
+  const auto* const label = qobject_cast<QLabel*>(panels_->openPanel().accessoryView);
+  EXPECT_EQ(label->text().toStdString(), "Goes in at 00:00:00.09.");
+  ASSERT_TRUE(capture(0.25F));
+  EXPECT_TRUE(runMainLoopUntil([&] { return label->text() == "Goes in at 00:00:00.18."; }));
+  panels_->answerOpen({});
 }
 
 TEST_F(LoadingTest, AnImportIsOneUndoableStep) {

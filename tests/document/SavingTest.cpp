@@ -460,12 +460,113 @@ class SavingMediaTest : public SavingTest {
 };
 
 TEST_F(SavingMediaTest, AFolderThatMayNotBeWrittenIsTold) {
+  if (::geteuid() != 0) {
+    GTEST_SKIP() << "only root can make another user's file";
+  }
   openChanged();
   ASSERT_EQ(::chmod(folder_.path().c_str(), 0555), 0);
   becomeOrdinaryUser();
   document_->saveFile(nullptr);
   awaitIdle();
   expectTold("You do not have the permission for it.");
+}
+
+/// The file is the user's own, in a folder in which the user may make none.
+class SavingInPlaceTest : public SavingMediaTest {
+ protected:
+  void saveWhereNothingCanBeMade() {
+    openChanged();
+    if (::geteuid() == 0) {
+      constexpr uid_t kNobody = 65534;
+      ASSERT_EQ(::chown(at("take.wav").c_str(), kNobody, kNobody), 0);
+    }
+    ASSERT_EQ(::chmod(folder_.path().c_str(), 0555), 0);
+    becomeOrdinaryUser();
+    document_->saveFile(nullptr);
+    awaitIdle();
+    ASSERT_EQ(panels_->sheets(), 1U);
+    EXPECT_THAT(panels_->sheet().title.toStdString(), HasSubstr("“take.wav”"));
+    EXPECT_EQ(panels_->sheet().buttons.size(), 2U);
+    EXPECT_EQ(alertCount(), 0U);
+  }
+};
+
+TEST_F(SavingInPlaceTest, TheFileIsWrittenAfterAQuestion) {
+  ASSERT_NO_FATAL_FAILURE(saveWhereNothingCanBeMade());
+  EXPECT_EQ(bytesOf(at("take.wav")), before_);
+  panels_->answerSheet(1);
+  awaitIdle();
+  EXPECT_FALSE(document_->isDocumentEdited());
+  EXPECT_EQ(readFile(at("take.wav")), recorded_);
+  EXPECT_EQ(alertCount(), 0U);
+}
+
+TEST_F(SavingInPlaceTest, CancelKeepsFileAndChangesAndEndsAQuit) {
+  ASSERT_NO_FATAL_FAILURE(saveWhereNothingCanBeMade());
+  panels_->answerSheet(0);
+  EXPECT_TRUE(document_->isDocumentEdited());
+  EXPECT_EQ(bytesOf(at("take.wav")), before_);
+  EXPECT_EQ(services_->cancelledTerminations(), 1U);
+  EXPECT_EQ(alertCount(), 0U);
+}
+
+/// Temporary files that can be written, but not read beyond the first megabyte.
+class UnreadableTemporaryFiles : public platform::TemporaryFiles {
+ public:
+  explicit UnreadableTemporaryFiles(std::string folder) : folder_(std::move(folder) + "/") {}
+  [[nodiscard]] std::string directory() const override { return folder_; }
+  [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override {
+    auto created = real_->createUnlinked(pathTemplate);
+    if (created) {
+      created->file = std::make_unique<Unreadable>(std::move(created->file));
+    }
+    return created;
+  }
+  [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
+    return real_->createNamed(pathTemplate);
+  }
+
+ private:
+  class Unreadable : public platform::File {
+   public:
+    explicit Unreadable(std::unique_ptr<platform::File> file) : file_(std::move(file)) {}
+    platform::FileTransfer readAt(void* destination, std::uint64_t byteCount,
+                                  std::uint64_t offset) override {
+      constexpr std::uint64_t kReadable = 1 << 20;
+      return offset + byteCount > kReadable ? platform::FileTransfer{.byteCount = 0, .error = EIO}
+                                            : file_->readAt(destination, byteCount, offset);
+    }
+    platform::FileTransfer writeAt(const void* data, std::uint64_t byteCount,
+                                   std::uint64_t offset) override {
+      return file_->writeAt(data, byteCount, offset);
+    }
+    std::uint64_t size() override { return file_->size(); }
+    int setSize(std::uint64_t byteCount) override { return file_->setSize(byteCount); }
+
+   private:
+    const std::unique_ptr<platform::File> file_;
+  };
+
+  const std::shared_ptr<platform::TemporaryFiles> real_ =
+      platform::TemporaryFiles::whenNoneIsInstalled();
+  const std::string folder_;
+};
+
+TEST_F(SavingInPlaceTest, TheAlertOfAFailureNamesTheCopyOfTheOldFile) {
+  support::TemporaryFolder copies;
+  ASSERT_EQ(::chmod(copies.path().c_str(), 0777), 0);
+  ASSERT_NO_FATAL_FAILURE(saveWhereNothingCanBeMade());
+  fill(ramp(600'000), length());
+  UnreadableTemporaryFiles files(copies.path());
+  const platform::Installed<platform::TemporaryFiles>::Scope installed(files);
+  panels_->answerSheet(1);
+  awaitIdle();
+  ASSERT_EQ(services_->alerts().size(), 1U);
+  const std::string told = services_->alerts()[0].message;
+  const std::size_t path = told.find(copies.path());
+  ASSERT_NE(path, std::string::npos) << told;
+  EXPECT_EQ(bytesOf(told.substr(path, told.rfind('.') - path)), before_);
+  EXPECT_TRUE(document_->isDocumentEdited());
 }
 
 TEST_F(SavingMediaTest, AFileThatMayNotBeWrittenIsTold) {

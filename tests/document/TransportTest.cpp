@@ -272,6 +272,7 @@ TEST_F(TransportTest, WithNoInputDeviceRecordRollsBackAndOneAlertIsShown) {
   queues_->fail("newInput", platform::kDeviceUnavailableStatus);
   openWindow();
   EXPECT_EQ(document_->recorder(), nullptr);
+  EXPECT_EQ(alertCount(), 0u) << "nobody has asked for a recording";
   queues_->fail("newInput", platform::kDeviceUnavailableStatus);
   pressRecord();
   EXPECT_FALSE(button("recButton")->isOn());
@@ -281,6 +282,9 @@ TEST_F(TransportTest, WithNoInputDeviceRecordRollsBackAndOneAlertIsShown) {
   const auto blocks = std::dynamic_pointer_cast<OVBlockBuffer>(document_->buffer());
   EXPECT_EQ(blocks->waypointPos(), 0u);
   EXPECT_EQ(alertCount(), 1u);
+  queues_->fail("newInput", platform::kDeviceUnavailableStatus);
+  pressRecord();
+  EXPECT_EQ(alertCount(), 1u) << "the device's state has not changed";
 }
 
 TEST_F(TransportTest, RecordingIsPossibleAgainWhenTheDeviceIsBack) {
@@ -306,6 +310,10 @@ TEST_F(TransportTest, ADeviceThatVanishesWhileRecordingStopsWithEverythingKept) 
   EXPECT_EQ(document_->recordingPosition(), 2u * kChunkFrames);
   EXPECT_TRUE(document_->isDocumentEdited());
   EXPECT_TRUE(document_->windowWillReturnUndoManager()->canUndo());
+  ASSERT_TRUE(awaitAlert());
+  EXPECT_EQ(alertCount(), 1u);
+  pressRecord();
+  EXPECT_TRUE(recording());
   EXPECT_EQ(alertCount(), 1u);
 }
 
@@ -362,6 +370,7 @@ TEST_F(TransportTest, ADeviceThatVanishesWhileNothingIsRecordedTakesTheRecorderW
   openWindow();
   queues_.input().failLate(platform::kDeviceLostStatus);
   ASSERT_TRUE(runMainLoopUntil([&] { return document_->recorder() == nullptr; }));
+  ASSERT_TRUE(awaitAlert());
   EXPECT_EQ(alertCount(), 1u);
 }
 
@@ -374,7 +383,7 @@ TEST_F(TransportTest, RecordPressedBeforeALostDeviceWasNoticedRollsBack) {
   EXPECT_FALSE(button("recButton")->isOn());
   EXPECT_FALSE(document_->isDocumentEdited());
   EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
-  settle();
+  ASSERT_TRUE(awaitAlert());
   EXPECT_EQ(alertCount(), 1u);
 }
 

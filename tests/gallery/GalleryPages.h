@@ -14,7 +14,7 @@ void addButtonPages(GalleryPages& pages);
 /// Meters, spectrum, time.
 void addDisplayPages(GalleryPages& pages);
 
-/// Waveform and marker, the program's pictures.
+/// Waveform and marker, notices, tick and lamp, the program's pictures.
 void addWaveformPages(GalleryPages& pages);
 
 [[nodiscard]] inline GalleryPages makeGalleryPages() {

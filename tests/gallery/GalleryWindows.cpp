@@ -14,6 +14,7 @@
 #include "app/OVMainMenu.h"
 #include "app/OVTranslations.h"
 #include "audio/OVAudioFileWriter.h"
+#include "controls/OVNoticeView.h"
 #include "controls/OVRecorderWindow.h"
 #include "controls/buttons/OVTransportButton.h"
 #include "document/VLRecorderWindowController.h"
@@ -101,6 +102,18 @@ class Document {
     }
   }
 
+  /// Records this many seconds of one level.
+  void recordLevel(double seconds, float level) {
+    const auto chunks = static_cast<int>(seconds * kFramesPerSecond / kChunkFrames) + 1;
+    for (int i = 0; i < chunks; ++i) {
+      deliver(std::vector<float>(2 * kChunkFrames, level));
+    }
+    controller_->updatePlaybackMarkerView();
+    settle();
+    auto* const notice = window().findChild<OVNoticeView*>();
+    static_cast<void>(runMainLoopUntil([&] { return !notice->isFading(); }));
+  }
+
   void showSpectrum() {
     controller_->toggleFFT(nullptr);
     auto* const view = window().findChild<QWidget*>("fftView");
@@ -147,6 +160,10 @@ class Document {
       samples[2 * i] = sample;
       samples[2 * i + 1] = 0.8F * sample;
     }
+    deliver(samples);
+  }
+
+  void deliver(const std::vector<float>& samples) {
     captured_ += kChunkFrames;
     queues_.input().deliver(samples, captured_);
     queues_->capturedFrames = captured_;
@@ -233,6 +250,27 @@ void forEachGalleryWindow(double scale, const std::function<void(const QString&,
   each("empty", [](Document&) {});
   each("recorded", makeRecorded);
   each("recording", [](Document& document) { document.record(3.0); });
+  each("silence", [](Document& document) {
+    document.record(3.0);
+    document.recordLevel(5.0, 0.0F);
+  });
+  each("clipped", [](Document& document) {
+    document.record(3.0);
+    document.recordLevel(0.1, 1.0F);
+  });
+  each("interrupted", [](Document& document) {
+    document.record(3.0);
+    document.press("pauseButton");
+    document.press("recButton");
+    document.controller().undoCommand();
+    document.recordLevel(0.0, 0.0F);  // not recorded: only waits for the notice
+  });
+  each("stopped", [](Document& document) {
+    makeRecorded(document);
+    document.press("stopButton");
+    document.controller().updatePlaybackMarkerView();
+    Document::settle();
+  });
   each("playing", [](Document& document) {
     makeRecorded(document);
     play(document);

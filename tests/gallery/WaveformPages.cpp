@@ -5,10 +5,16 @@
 #include <QFocusEvent>
 #include <QPainter>
 
+#include "controls/OVDisplayWell.h"
+#include "controls/OVNoticeView.h"
+#include "controls/buttons/OVClippingLamp.h"
+#include "displays/OVCircularVUView.h"
+#include "displays/OVTimeView.h"
 #include "gallery/GalleryPages.h"
 #include "platform/views/NamedImage.h"
 #include "support/fakes/FakeWaveformSummary.h"
 #include "waveform/views/OVPlaybackMarkerView.h"
+#include "waveform/views/OVRecordingTickView.h"
 #include "waveform/views/OVWaveFormView.h"
 
 namespace {
@@ -27,8 +33,9 @@ std::vector<float> speech(std::size_t count) {
   return elements;
 }
 
-OVWaveFormView* addWaveform(GalleryPage& page, const char* label, std::vector<float> elements) {
-  auto* const view = page.addView<OVWaveFormView>(QString::fromUtf8(label), kWaveform);
+OVWaveFormView* addWaveform(GalleryPage& page, const char* label, std::vector<float> elements,
+                            QSize size = kWaveform) {
+  auto* const view = page.addView<OVWaveFormView>(QString::fromUtf8(label), size);
   view->setWaveForm(std::make_shared<FakeWaveformSummary>(std::move(elements)));
   return view;
 }
@@ -51,6 +58,62 @@ std::unique_ptr<GalleryPage> waveformPage() {
   auto* const keyboard = addWaveform(*page, "with the keyboard", speech(1024));
   QFocusEvent focus(QEvent::FocusIn, Qt::TabFocusReason);
   QCoreApplication::sendEvent(keyboard, &focus);
+  return page;
+}
+
+void addTick(OVWaveFormView* view, double position) {
+  auto* const tick = new OVRecordingTickView(view);
+  tick->setGeometry(view->rect());
+  tick->setPosition(position);
+}
+
+OVNoticeView* addNotice(GalleryPage& page, const char* label, const char* text) {
+  auto* const view = addWaveform(page, label, speech(1024), {320, 64});
+  addMarker(view, 0.2, 0.6);
+  auto* const notice = new OVNoticeView(view);
+  notice->setGeometry(10, view->height() - OVNoticeView::kHeight - 6, view->width() - 20,
+                      OVNoticeView::kHeight);
+  notice->setText(QString::fromUtf8(text));
+  return notice;
+}
+
+OVClippingLamp* addLamp(GalleryPage& page, const char* label) {
+  auto* const well = page.addView<OVDisplayWell>(QString::fromUtf8(label), {236, 36});
+  auto* const meter = new OVCircularVUView(well);
+  meter->setGeometry(7, 3, 60, 30);
+  meter->setPollingFrequency(0.0);
+  auto* const time = new OVTimeView(well);
+  time->setGeometry(76, 8, 150, 14);
+  auto* const lamp = new OVClippingLamp(well);
+  lamp->setGeometry(65, 3, 13, 30);
+  lamp->light(QString());
+  return lamp;
+}
+
+std::unique_ptr<GalleryPage> noticePage() {
+  auto page = std::make_unique<GalleryPage>(QStringLiteral("notices"));
+  addNotice(*page, "input", "Recording from Built-in Microphone");
+  addNotice(*page, "no input", "No microphone");
+  addNotice(*page, "a monitor", "No microphone: recording what this computer plays");
+  addNotice(*page, "silence", "Nothing is coming in");
+  addNotice(*page, "lost frames", "0.3 s were lost at 12:31");
+  addNotice(*page, "disk", "The disk is full in 5 minutes");
+  addNotice(*page, "paused", "Recording has been paused.");
+  addNotice(*page, "too long",
+            "Recording from a microphone with a name that no line of this width could ever hold");
+  page->newRow();
+  for (const double position : {0.0, 0.4, 1.0}) {
+    auto* const view = addWaveform(*page, "tick", speech(1024), {320, 64});
+    addMarker(view, position == 1.0 ? 0.0 : position, 0.6);
+    addTick(view, position);
+  }
+  addTick(addWaveform(*page, "tick over full scale", std::vector<float>(320, 1.2F), {320, 64}),
+          0.6);
+  page->newRow();
+  addLamp(*page, "clipped");
+  addLamp(*page, "pressed")->setIsHighlighted(true);
+  QFocusEvent focus(QEvent::FocusIn, Qt::TabFocusReason);
+  QCoreApplication::sendEvent(addLamp(*page, "with the keyboard"), &focus);
   return page;
 }
 
@@ -87,5 +150,6 @@ std::unique_ptr<GalleryPage> picturePage() {
 
 void addWaveformPages(GalleryPages& pages) {
   pages.push_back(waveformPage());
+  pages.push_back(noticePage());
   pages.push_back(picturePage());
 }

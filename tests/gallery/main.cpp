@@ -1,4 +1,4 @@
-// Writes pictures of every view in every state, and of the whole window, to a folder.
+// Writes pictures of every view in every state, of the whole window and of panels, to a folder.
 //
 //   orvo_gallery pictures FOLDER     everything, at 1x, 1.25x, 1.5x and 2x
 //   orvo_gallery references FOLDER   the tests' reference pictures: the pages alone
@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 
 #include "gallery/GalleryPages.h"
+#include "gallery/GalleryPanels.h"
 #include "gallery/GalleryScreen.h"
 #include "gallery/GalleryWindows.h"
 
@@ -40,9 +41,11 @@ bool savePages(const QString& folder) {
 bool saveWindows(const QString& folder) {
   bool saved = true;
   for (const double scale : kScaleFactors) {
-    forEachGalleryWindow(scale, [&](const QString& name, QWidget& window) {
+    const auto saveOne = [&](const QString& name, QWidget& window) {
       saved = saved && save(window, folder, name, scale);
-    });
+    };
+    forEachGalleryWindow(scale, saveOne);
+    forEachGalleryPanel(scale, saveOne);
   }
   return saved;
 }

@@ -113,6 +113,7 @@ TEST_F(PlayToServerTest, AServerKilledWhilePlayingIsToldOnceAndEndsThePlayback) 
   EXPECT_FALSE(player_->isPlaying());
   EXPECT_EQ(player_->failure(), platform::kDeviceLostStatus);
   EXPECT_LE(duration([&] { player_->stop(); }), kMaxCall);
+  ASSERT_TRUE(runMainLoopUntil([&] { return !services_->postedAlerts().empty(); }));
   EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
   EXPECT_THAT(services_->alerts(), IsEmpty());
   EXPECT_LE(duration([&] {

@@ -169,6 +169,7 @@ TEST_F(RecordFromServerTest, AServerKilledWhileRecordingKeepsEverythingIsToldOnc
   EXPECT_LE(duration([&] { recorder_->prepareForDestruction(); }), kMaxCall);
   recorder_.reset();
   EXPECT_LE(duration([&] { EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_), nullptr); }), kMaxCall);
+  ASSERT_TRUE(runMainLoopUntil([&] { return !services_->postedAlerts().empty(); }));
   EXPECT_EQ(services_->alerts().size() + services_->postedAlerts().size(), 1U);
 
   ASSERT_TRUE(server_->restart());

@@ -19,6 +19,7 @@ const std::map<std::string, std::set<std::string>>& arrows() {
   static const std::map<std::string, std::set<std::string>> below{
       {"platform/base", {}},
       {"platform/files", {"platform/base"}},
+      {"platform/process", {"platform/base"}},
       {"platform/sound", {"platform/base"}},
       {"platform/cubeb", {"platform/sound"}},
       {"platform/media", {"platform/files"}},
@@ -27,6 +28,8 @@ const std::map<std::string, std::set<std::string>>& arrows() {
       {"platform/views", {"platform/mainloop"}},
       {"platform/desktop", {"platform/mainloop", "platform/files"}},
       {"storage", {"platform/files"}},
+      {"recovery", {"platform/process"}},
+      {"keeper", {"recovery", "storage"}},
       {"waveform", {"storage"}},
       {"waveform/views", {"waveform", "platform/views"}},
       {"audio", {"storage", "platform/sound", "platform/media", "platform/mainloop"}},
@@ -34,7 +37,7 @@ const std::map<std::string, std::set<std::string>>& arrows() {
       {"controls/buttons", {"platform/views"}},
       {"controls", {"controls/buttons", "platform/views", "platform/desktop"}},
       {"document/summaries", {"waveform/views"}},
-      {"document/editing", {"document/summaries", "controls"}},
+      {"document/editing", {"document/summaries", "controls", "recovery"}},
       {"document/transport", {"document/editing", "audio"}},
       {"document/display", {"document/transport", "displays"}},
       {"document/spectrum", {"storage", "platform/media", "controls", "displays"}},
@@ -82,8 +85,8 @@ bool isPosixHeader(const std::string& name) {
   return name.starts_with("sys/") || name.starts_with("linux/") || known.contains(name);
 }
 
-/// Whether a file may include a header of POSIX: everything in files/ and mainloop/, elsewhere what
-/// one unit hides from the rest.
+/// Whether a file may include a header of POSIX: everything in files/, process/ and mainloop/ and the
+/// keeper, elsewhere what one unit hides from the rest.
 bool mayIncludePosix(const std::string& path, const std::string& header) {
   static const std::map<std::string, std::set<std::string>> exceptions{
       {"platform/base", {"dlfcn.h"}},  // libraries that are loaded late
@@ -93,7 +96,9 @@ bool mayIncludePosix(const std::string& path, const std::string& header) {
   };
   const std::string room = roomOf(path);
   const auto exception = exceptions.find(room);
-  return room == "platform/files" || room == "platform/mainloop" ||
+  static const std::set<std::string> rooms{"platform/files", "platform/process",
+                                           "platform/mainloop", "keeper"};
+  return rooms.contains(room) ||
          (exception != exceptions.end() && exception->second.contains(header));
 }
 

@@ -138,6 +138,7 @@ class PlainBlockBuffer {
   void setWaypoint() {
     waypoints.insert(waypoints.begin() + static_cast<std::ptrdiff_t>(position), live);
     ++position;
+    lastWaypoint = file.size();
   }
 
   void undo() {
@@ -158,14 +159,45 @@ class PlainBlockBuffer {
     }
   }
 
+  /// Gives back the end of the file that nothing maps any more, down to where the last waypoint was
+  /// set.
+  void rollBack() {
+    if (position == 0) {
+      throw std::out_of_range("no waypoint");
+    }
+    --position;
+    live = waypoints[position];
+    waypoints.erase(waypoints.begin() + static_cast<std::ptrdiff_t>(position));
+    std::uint64_t end = std::min<std::uint64_t>(lastWaypoint, file.size());
+    for (const State& state : everyState()) {
+      for (const OVBlock& block : state.blocks) {
+        if (block.size() > 0) {
+          end = std::max(end, block.file_offset_start() + block.size());
+        }
+      }
+    }
+    file.resize(std::min<std::uint64_t>(end, file.size()));
+    lastWaypoint = std::min<std::uint64_t>(lastWaypoint, file.size());
+  }
+
   State live;
   Bytes file;
   std::vector<State> waypoints;
   std::uint64_t position = 0;
   std::optional<State> redoable;
   std::uint64_t added = 0;
+  std::uint64_t lastWaypoint = 0;  ///< length of the file when the last waypoint was set
 
  private:
+  std::vector<State> everyState() const {
+    std::vector<State> states = waypoints;
+    states.push_back(live);
+    if (redoable) {
+      states.push_back(*redoable);
+    }
+    return states;
+  }
+
   void removeCovered(std::uint64_t bs, std::uint64_t be) {
     std::erase_if(live.blocks, [=](const OVBlock& x) {
       return x.linear_addr_start() >= bs && x.linear_addr_start() + x.size() <= be;

@@ -31,8 +31,10 @@ const std::vector<std::string> kEnglishOnly{
     "AudioQueueStart failed",
     // In a line of the console.
     "It is longer than ", "further messages about this file are left out",
-    "No sound system could be reached (%d)", "No sound %s could be opened through \"%s\" (%d)%s",
+    "No sound system could be reached", "No sound %s could be opened through \"%s\" (%d)%s",
     "; no sound server was found",
+    // Names of files: the same in every language.
+    "Orvo recording ", "yyyy-MM-dd HH.mm.ss",
     // The name of a lock in the compiler's warnings.
     "waveform summary"};
 

@@ -1,7 +1,9 @@
 #include "document/display/OVDisplayLoop.h"
 
+#include "document/display/OVClipping.h"
 #include "document/display/OVMarkerAndTime.h"
 #include "document/display/OVProgressDisplay.h"
+#include "document/display/OVRecordingPlace.h"
 #include "document/editing/OVDocumentAudio.h"
 #include "document/editing/OVDocumentLife.h"
 #include "document/editing/OVFileOperation.h"
@@ -26,6 +28,9 @@ void OVDisplayLoop::start() {
 
 void OVDisplayLoop::tick() {
   const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a tick
+  if (ticked_) {
+    ticked_();
+  }
   if (!parts_.audio.buffer()) {
     return;
   }
@@ -36,6 +41,8 @@ void OVDisplayLoop::tick() {
   } else if (parts_.positions.playback() != parts_.markerAndTime.lastPlaybackPosition()) {
     updatePlayback();
   }
+  parts_.recordingPlace.update();
+  parts_.clipping.update();
 }
 
 void OVDisplayLoop::updateRendering() {

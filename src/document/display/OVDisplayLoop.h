@@ -2,13 +2,16 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <utility>
 
 #include <QPointer>
 
 #include "platform/mainloop/Timer.h"
 #include "waveform/views/OVWaveFormView.h"
 
+class OVClipping;
 class OVDocumentAudio;
 class OVDocumentLife;
 class OVDocumentSummaries;
@@ -16,6 +19,7 @@ class OVFileOperation;
 class OVFramePositions;
 class OVMarkerAndTime;
 class OVProgressDisplay;
+class OVRecordingPlace;
 class OVTransport;
 
 /// Updates the displays 25 times a second, and rebuilds them after an edit.
@@ -33,11 +37,16 @@ class OVDisplayLoop {
     const OVTransport& transport;
     OVMarkerAndTime& markerAndTime;
     OVProgressDisplay& progress;
+    OVRecordingPlace& recordingPlace;
+    OVClipping& clipping;
   };
 
   explicit OVDisplayLoop(const Parts& parts) : parts_(parts) {}
 
   void setView(const QPointer<OVWaveFormView>& view) { wfView_ = view; }
+
+  /// Called at every tick, also without a window.
+  void setTickHandler(std::function<void()> handler) { ticked_ = std::move(handler); }
 
   void start();
   void end() { pollTimer_.reset(); }
@@ -69,6 +78,7 @@ class OVDisplayLoop {
 
   const Parts parts_;
   QPointer<OVWaveFormView> wfView_;
+  std::function<void()> ticked_;
   std::unique_ptr<platform::Timer> pollTimer_;
   bool isRenderingWaveform_ = false;
   // Written by the writer's thread, read on main; orders no other data.

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "platform/base/GuardedPointer.h"
@@ -19,9 +20,14 @@ class OVDocumentAudio {
 
   [[nodiscard]] std::uint64_t bytesPerFrame() const;
   [[nodiscard]] std::uint64_t sizeInFrames() const;
+  /// Bytes that a second takes in the storage.
+  [[nodiscard]] double bytesPerSecond() const;
   [[nodiscard]] double secondsOfFrames(std::uint64_t frames) const;
   /// 0 to 1 of the whole length; 0 for an empty buffer.
   [[nodiscard]] double fractionOfFrames(std::uint64_t frames) const;
+
+  /// The folder in which the audio's temporary file was created; empty if there is none.
+  [[nodiscard]] std::string storageFolder() const;
 
  private:
   platform::GuardedPointer<std::shared_ptr<OVAudioBufferInterface>> buffer_;

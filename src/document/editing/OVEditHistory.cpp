@@ -20,6 +20,7 @@ void OVEditHistory::open(std::weak_ptr<void> target, std::function<void()> undo,
 
 void OVEditHistory::close() {
   undoManager_.reset();
+  kept_.close();
 }
 
 // Edited flag -----------------------------------------------------------------------------------
@@ -37,6 +38,7 @@ void OVEditHistory::setEdited(bool edited) {
   if (window_) {
     window_->setDocumentEdited(edited);
   }
+  kept_.setEdited(edited);
 }
 
 void OVEditHistory::saved() {
@@ -47,6 +49,7 @@ void OVEditHistory::saved() {
 // Steps -----------------------------------------------------------------------------------------
 
 void OVEditHistory::beginStep(platform::TextKey name) {
+  kept_.setEdited(true);  // from here on the audio differs from any file
   audio_.buffer()->setWaypoint();
   summaries_.keep();
   formerPrevSaveState_ = std::exchange(prevSaveState_, isEdited());

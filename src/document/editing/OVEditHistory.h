@@ -6,6 +6,7 @@
 
 #include <QPointer>
 
+#include "document/editing/OVKeptDocument.h"
 #include "platform/base/UndoManager.h"
 #include "platform/mainloop/Localization.h"
 
@@ -24,7 +25,7 @@ class OVEditHistory {
 
   /// The undo manager runs `undo` and `redo` while `target` exists.
   void open(std::weak_ptr<void> target, std::function<void()> undo, std::function<void()> redo);
-  /// Drops the undo manager.
+  /// The document is closed: drops the undo manager, and the keeper lets go of the recording.
   void close();
 
   /// Null before open() and after close().
@@ -40,6 +41,9 @@ class OVEditHistory {
   void saved();
   /// The file matches the present audio: the next undo or redo marks the document as edited.
   void fileReplaced() { prevSaveState_ = true; }
+
+  /// The recording, as the keeper knows it.
+  [[nodiscard]] OVKeptDocument& kept() { return kept_; }
 
   /// Registers an undoable step. Call before changing the audio: cuts, recordings and imports do.
   /// `name` is the step's name in the menu.
@@ -69,6 +73,7 @@ class OVEditHistory {
 
   OVDocumentAudio& audio_;
   OVDocumentSummaries& summaries_;
+  OVKeptDocument kept_{audio_};
   std::weak_ptr<void> target_;
   Operation undo_;
   Operation redo_;

@@ -1,6 +1,7 @@
 #include "document/files/OVDocumentFile.h"
 
 #include <filesystem>
+#include <utility>
 
 #include "audio/AudioFileFailure.h"
 #include "audio/OVFileKinds.h"
@@ -33,20 +34,30 @@ void OVDocumentFile::take(const std::string& path, std::int32_t type) {
 }
 
 void OVDocumentFile::forget() {
+  nameWithoutFile({}, {});
+}
+
+void OVDocumentFile::nameWithoutFile(const QString& shown, std::string suggested) {
   currentFilename_.clear();
+  nameWithoutFile_ = shown;
+  suggestedWithoutFile_ = std::move(suggested);
   if (window_) {
     window_->setTitle(titleWithName(shownName()));
   }
 }
 
 QString OVDocumentFile::shownName() const {
-  return currentFilename_.empty() ? localized("Unnamed")
-                                  : QString::fromStdString(lastPathComponent(currentFilename_));
+  if (!currentFilename_.empty()) {
+    return QString::fromStdString(lastPathComponent(currentFilename_));
+  }
+  return nameWithoutFile_.isEmpty() ? localized("Unnamed") : nameWithoutFile_;
 }
 
 std::string OVDocumentFile::suggestedName() const {
-  return currentFilename_.empty() ? platform::localizedUtf8("Unnamed")
-                                  : nameWithoutSuffix(currentFilename_);
+  if (!currentFilename_.empty()) {
+    return nameWithoutSuffix(currentFilename_);
+  }
+  return suggestedWithoutFile_.empty() ? platform::localizedUtf8("Unnamed") : suggestedWithoutFile_;
 }
 
 std::int32_t OVDocumentFile::suggestedType() const {

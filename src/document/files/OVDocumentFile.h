@@ -35,8 +35,11 @@ class OVDocumentFile {
   void take(const std::string& path, std::int32_t type);
   /// Detaches the document from its file.
   void forget();
+  /// Names a document that has no file, in the title and in a save panel, until it gets a file or
+  /// forgets the name.
+  void nameWithoutFile(const QString& shown, std::string suggested);
 
-  /// The file's display name, "Unnamed" without a file.
+  /// The file's display name; without a file, the document's own or "Unnamed".
   [[nodiscard]] QString shownName() const;
   /// The name that a panel suggests, without the suffix.
   [[nodiscard]] std::string suggestedName() const;
@@ -51,6 +54,8 @@ class OVDocumentFile {
   QPointer<OVRecorderWindow> window_;
   std::string currentFilename_;
   std::int32_t currentFiletype_ = -1;
+  QString nameWithoutFile_;
+  std::string suggestedWithoutFile_;
 };
 
 /// A sentence with "%1" replaced by the file's display name.

@@ -17,6 +17,7 @@
 #include "document/editing/OVFramePositions.h"
 #include "document/files/OVDocumentFile.h"
 #include "document/files/OVDocumentPanels.h"
+#include "document/files/OVImportPlaceLabel.h"
 #include "document/files/loadFile.h"
 #include "document/summaries/OVDocumentSummaries.h"
 #include "document/transport/OVTransport.h"
@@ -31,7 +32,8 @@ using State = OVFileOperation::State;
 
 /// Result of read().
 struct OVFileLoading::Outcome {
-  bool opened = false;          // otherwise the reader has reported why not
+  bool opened = false;                          // otherwise the reader has reported why not, or:
+  std::optional<OVDiskShortage> shortage = {};  // there is no room for the whole file
   bool yieldedNothing = false;  // the reader failed before the first frame and has reported it
   std::uint64_t endOffset = 0;  // after the last byte stored
   int writeError = 0;           // errno of a failed write
@@ -40,6 +42,13 @@ struct OVFileLoading::Outcome {
 };
 
 namespace {
+
+constexpr std::uint64_t kRecordingLag = 8192;  // frames: two buffers
+
+void tellDoesNotFit(const std::string& path, const OVDiskShortage& shortage) {
+  ShowModalAlert(sentenceWithName(textKey("%1 does not fit on the disk"), path).toStdString(),
+                 shortage.sentence().toStdString());
+}
 
 void tellNotStored(const std::string& path, int error, bool imported) {
   const QString name = QString::fromStdString(shownFileName(path));
@@ -66,15 +75,39 @@ void OVFileLoading::chooseImport() {
   if (parts_.operation.isActive() || parts_.panels.isShown() || !parts_.audio.buffer()) {
     return;
   }
+  // The panel may outlive the document for a moment.
+  auto* const label = new OVImportPlaceLabel([this, document = parts_.life.document()] {
+    return document.lock() ? importPlace() : OVImportPlace();
+  });
   parts_.panels.open({.title = localized("Import"),
                       .acceptLabel = localized("Import"),
                       .allowsMultipleSelection = false,
-                      .fileTypes = readableFileTypes()},
+                      .fileTypes = readableFileTypes(),
+                      .accessoryView = label,
+                      .selectionChanged =
+                          [label = QPointer(label)](const std::string& path) {
+                            if (label) {
+                              label->choose(path);
+                            }
+                          }},
                      [this](const std::optional<std::string>& path) {
                        if (path) {
                          openForImport(*path);
                        }
                      });
+}
+
+// A running playback or recording is paused before the import, which then goes where it was.
+OVImportPlace OVFileLoading::importPlace() const {
+  const std::uint64_t end = parts_.audio.sizeInFrames();
+  std::uint64_t frames =
+      parts_.transport.isPlaying() ? parts_.positions.playback() : parts_.positions.recording();
+  // A recording at the end lengthens the audio a moment before it moves its position.
+  if (parts_.transport.isRecording() && frames + kRecordingLag >= end) {
+    frames = end;
+  }
+  return {.atSecond = parts_.audio.secondsOfFrames(frames),
+          .endSecond = parts_.audio.secondsOfFrames(end)};
 }
 
 // Opening may take a while, on a slow medium or with a damaged file: the document is in a file
@@ -87,23 +120,30 @@ void OVFileLoading::openForImport(const std::string& path) {
   parts_.transport.pauseIfRunning();
   parts_.progress.begin(textKey("Importing"), true);
   parts_.operation.begin(State::openingImport);
-  auto opened = parts_.life.guarded([this, path](const std::shared_ptr<OVAudioFileReader>& reader) {
-    beginImport(path, reader);
+  auto opened = parts_.life.guarded([this, path](const std::shared_ptr<OVAudioFileReader>& reader,
+                                                 const std::optional<OVDiskShortage>& shortage) {
+    beginImport(path, reader, shortage);
   });
-  platform::globalQueue().async([opened = std::move(opened), path, cancelled = cancelled_] {
+  platform::globalQueue().async([opened = std::move(opened), path, cancelled = cancelled_,
+                                 folder = parts_.audio.storageFolder()] {
     const auto reader = OVAudioFileReader::initWithFile(path, cancelled);
-    platform::mainQueue().async([opened, reader] { opened(reader); });
+    const auto shortage = reader ? shortageOfLoading(*reader, path, folder) : std::nullopt;
+    platform::mainQueue().async([opened, reader, shortage] { opened(reader, shortage); });
   });
 }
 
 void OVFileLoading::beginImport(const std::string& path,
-                                const std::shared_ptr<OVAudioFileReader>& reader) {
+                                const std::shared_ptr<OVAudioFileReader>& reader,
+                                const std::optional<OVDiskShortage>& shortage) {
   if (isCancelled()) {
     return;
   }
-  if (!reader) {
+  if (!reader || shortage) {
     parts_.displayLoop.endProgress();
     parts_.operation.end();
+    if (shortage) {
+      tellDoesNotFit(path, *shortage);
+    }
     callbacks_.ended();
     return;
   }
@@ -142,19 +182,26 @@ void OVFileLoading::load(const std::string& path, std::shared_ptr<OVAudioFileRea
       .takeWriteError = [failures] { return failures->takeLoadingError(); },
       .progress = progressReport()};
   platform::globalQueue().async([path, opened = std::move(reader), request,
-                                 ended = std::move(ended)] {
-    platform::mainQueue().async([ended, outcome = read(path, opened, request)] { ended(outcome); });
+                                 ended = std::move(ended), folder = parts_.audio.storageFolder()] {
+    platform::mainQueue().async(
+        [ended, outcome = read(path, opened, request, folder)] { ended(outcome); });
   });
 }
 
-// Runs on a background queue, which must not see an exception.
+// Runs on a background queue, which must not see an exception. A reader that was opened before has
+// been found to fit.
 OVFileLoading::Outcome OVFileLoading::read(const std::string& path,
                                            std::shared_ptr<OVAudioFileReader> opened,
-                                           const LoadRequest& request) try {
+                                           const LoadRequest& request,
+                                           const std::string& folder) try {
+  const bool isNew = !opened;
   const auto reader =
-      opened ? std::move(opened) : OVAudioFileReader::initWithFile(path, request.cancelled);
+      isNew ? OVAudioFileReader::initWithFile(path, request.cancelled) : std::move(opened);
   if (!reader) {
     return {.endOffset = request.atByteOffset};
+  }
+  if (auto shortage = isNew ? shortageOfLoading(*reader, path, folder) : std::nullopt) {
+    return {.shortage = std::move(shortage), .endOffset = request.atByteOffset};
   }
   const LoadOutcome loaded = loadFile(*reader, request);
   return {.opened = true,
@@ -190,7 +237,9 @@ void OVFileLoading::loadingEnded(const std::string& path, const Outcome& outcome
                                                      parts_.audio.bytesPerFrame());
     parts_.file.forget();
   }
-  if (outcome.writeError != 0) {
+  if (outcome.shortage) {
+    afterLoading_ = [path, shortage = *outcome.shortage] { tellDoesNotFit(path, shortage); };
+  } else if (outcome.writeError != 0) {
     afterLoading_ = [path, error = outcome.writeError, imported] {
       tellNotStored(path, error, imported);
     };

@@ -4,8 +4,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "document/files/OVDiskShortage.h"
+#include "document/files/OVImportPlace.h"
 #include "document/files/loadFile.h"
 
 class OVAudioFileReader;
@@ -24,7 +27,8 @@ class OVTransport;
 
 /// Opens a file into the document, or imports one at the recording position as an undoable step.
 /// The file is read on the global queue; then the whole waveform is generated, and the document is
-/// stopped again.
+/// stopped again. A file that promises to be too long for the disk is refused before its first
+/// chunk.
 ///
 /// Threads: main. Real-time: not safe.
 class OVFileLoading {
@@ -55,7 +59,7 @@ class OVFileLoading {
 
   /// Does nothing while another file operation runs.
   void open(const std::string& path);
-  /// Asks for the file. A file that cannot be read changes nothing.
+  /// Asks for the file. A file that cannot be read, or for which there is no room, changes nothing.
   void chooseImport();
 
   /// Generates the waveform of what was loaded.
@@ -70,12 +74,14 @@ class OVFileLoading {
  private:
   struct Outcome;
 
+  [[nodiscard]] OVImportPlace importPlace() const;
   void openForImport(const std::string& path);
-  void beginImport(const std::string& path, const std::shared_ptr<OVAudioFileReader>& reader);
+  void beginImport(const std::string& path, const std::shared_ptr<OVAudioFileReader>& reader,
+                   const std::optional<OVDiskShortage>& shortage);
   void load(const std::string& path, std::shared_ptr<OVAudioFileReader> reader);
   [[nodiscard]] static Outcome read(const std::string& path,
                                     std::shared_ptr<OVAudioFileReader> opened,
-                                    const LoadRequest& request);
+                                    const LoadRequest& request, const std::string& folder);
   [[nodiscard]] std::function<void(std::uint64_t, double)> progressReport() const;
   void loadingEnded(const std::string& path, const Outcome& outcome);
 

@@ -1,6 +1,8 @@
 #include "document/files/OVFileSaving.h"
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <utility>
 
 #include <QLabel>
@@ -22,6 +24,7 @@
 #include "document/transport/OVTransport.h"
 #include "platform/base/ApplicationServices.h"
 #include "platform/desktop/DesktopServices.h"
+#include "platform/desktop/FileUri.h"
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
@@ -35,6 +38,11 @@ namespace {
 
 constexpr std::int32_t kAacType = 3;  // the file writer's AAC kind
 constexpr const char* kRingtoneSuffix = "m4r";
+// A disk that has not said by then how much room it has is waited for by the job.
+constexpr std::chrono::milliseconds kRoomPatience{250};
+// Answers to the question whether to write in place.
+constexpr int kOverwrite = 1;
+constexpr int kKeepOldFile = 0;
 
 // The document remains unsaved.
 void tellGaps(const std::string& path, double seconds, bool saved) {
@@ -49,6 +57,16 @@ void tellGaps(const std::string& path, double seconds, bool saved) {
                        path)
           .toStdString(),
       (gaps + QLatin1Char(' ') + outcome).toStdString());
+}
+
+std::string reasonOf(const OVSaveJob::Outcome& outcome) {
+  const std::string reason = platform::failureReason(outcome.error);
+  return outcome.copyOfOldFile.empty()
+             ? reason
+             : reason + ' ' +
+                   localized("The file is damaged. What was in it is kept in %1.")
+                       .arg(QString::fromStdString(outcome.copyOfOldFile))
+                       .toStdString();
 }
 
 }  // namespace
@@ -142,8 +160,8 @@ void OVFileSaving::exportRingtoneTo(const std::string& path) {
 }
 
 void OVFileSaving::openSavedFile() const {
-  if (!platform::desktopServices()->open(
-          QUrl::fromLocalFile(QString::fromStdString(last_saved_file_path_)))) {
+  if (!platform::desktopServices()->open(QUrl::fromEncoded(
+          QByteArray::fromStdString(platform::fileUriOf(last_saved_file_path_))))) {
     ShowModalAlert(
         localizedUtf8("The file was saved but could not be opened"),
         sentenceWithName(textKey("No program was found that opens %1."), last_saved_file_path_)
@@ -168,6 +186,7 @@ void OVFileSaving::chooseStretch(Request& request) const {
 
 void OVFileSaving::start(Request request) {
   chooseStretch(request);
+  request.job.shortage = OVSaveJob::lookForRoom(request.job);
   if (const auto refusal = refusalOf(request)) {
     shell_open_file_after_save_ = false;
     failed_();
@@ -202,10 +221,42 @@ std::optional<std::string> OVFileSaving::refusalOf(const Request& request) {
   if (request.type == kAacType && request.job.frameCount == 0) {
     return localizedUtf8("An AAC file cannot be empty. Record something first.");
   }
+  if (request.job.shortage.wait_for(kRoomPatience) == std::future_status::ready) {
+    if (const auto shortage = request.job.shortage.get()) {
+      return shortage->sentence().toStdString();
+    }
+  }
   return std::nullopt;
 }
 
+// The panel of an export may be open.
+void OVFileSaving::askToWriteInPlace(const Request& request) {
+  using Role = platform::SheetRequest::Button::Role;
+  parts_.panels.ask(
+      {.title = sentenceWithName(textKey("%1 can only be overwritten"), request.job.path),
+       .message = localized("You may not make files in its folder. The old file is copied to the "
+                            "temporary directory first. The copy is kept if writing fails."),
+       .buttons = {{localized("Overwrite"), kOverwrite, Role::destructive},
+                   {localized("Cancel"), kKeepOldFile, Role::reject}}},
+      [this, request](int answer) {
+        if (answer == kOverwrite && !parts_.operation.isActive()) {
+          Request inPlace = request;
+          inPlace.job.way = OVSaveJob::Request::Way::inPlace;
+          start(inPlace);
+        } else {
+          shell_open_file_after_save_ = false;
+          failed_();
+        }
+      });
+}
+
 void OVFileSaving::ended(const Request& request, const OVSaveJob::Outcome& outcome) {
+  if (outcome.canBeInPlace && !parts_.panels.isShown()) {
+    parts_.displayLoop.endProgress();
+    parts_.operation.end();
+    askToWriteInPlace(request);
+    return;
+  }
   if (outcome.complete) {
     last_saved_file_path_ = request.job.path;
     if (!request.isExport) {
@@ -221,8 +272,10 @@ void OVFileSaving::ended(const Request& request, const OVSaveJob::Outcome& outco
   parts_.displayLoop.endProgress();
   parts_.operation.end();
   failed_();
-  if (outcome.error != 0) {
-    tellSaveFailed(request.job.path, platform::failureReason(outcome.error));
+  if (outcome.shortage) {
+    tellSaveFailed(request.job.path, outcome.shortage->sentence().toStdString());
+  } else if (outcome.error != 0) {
+    tellSaveFailed(request.job.path, reasonOf(outcome));
   } else if (!outcome.told) {
     tellGaps(request.job.path, parts_.audio.secondsOfFrames(outcome.unreadableFrames),
              outcome.complete);

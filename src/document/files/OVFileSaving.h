@@ -73,6 +73,7 @@ class OVFileSaving {
   void chooseStretch(Request& request) const;
   void start(Request request);
   void ended(const Request& request, const OVSaveJob::Outcome& outcome);
+  void askToWriteInPlace(const Request& request);
   void openSavedFile() const;
 
   const Parts parts_;

@@ -5,11 +5,16 @@
 #include <filesystem>
 #include <new>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "audio/OVAudioFileWriter.h"
 #include "audio/OVFileKinds.h"
+#include "platform/base/GlobalQueue.h"
+#include "platform/files/InPlaceFile.h"
 #include "platform/files/ReplacementFile.h"
+#include "platform/files/TemporaryFiles.h"
+#include "platform/files/UserAudioFiles.h"
 
 namespace {
 
@@ -103,30 +108,106 @@ bool mayExist(const std::string& path) {
   return std::filesystem::exists(path, error) || error;
 }
 
-void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
-           OVSaveJob::Outcome& outcome) {
-  const auto replacement = platform::ReplacementFile::beside(request.path);
-  if (!replacement) {
-    outcome.error = replacement.error();
-    return;
-  }
-  const auto writer = OVAudioFileWriter::initWithFile(replacement->path(), request.outputFormat,
-                                                      lastPathComponent(request.path));
+// Whether the whole range was encoded to the file, without gaps where a file is to be replaced: a
+// file with gaps is better than none, but not better than an existing one.
+bool encode(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
+            platform::UserAudioFiles::Opened file, OVSaveJob::Outcome& outcome) {
+  const auto writer = OVAudioFileWriter::initWithOpenFile(std::move(file), request.outputFormat,
+                                                          lastPathComponent(request.path));
   // The writer has reported its failure.
   outcome.told = !writer || !writeAll(request, progress, *writer, outcome.unreadableFrames) ||
                  !writer->close();
-  if (outcome.told) {
+  return !outcome.told && (outcome.unreadableFrames == 0 || !mayExist(request.path));
+}
+
+void writeBeside(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
+                 OVSaveJob::Outcome& outcome) {
+  const auto replacement = platform::ReplacementFile::beside(request.path);
+  if (!replacement) {
+    outcome.error = replacement.error();
+    outcome.canBeInPlace = platform::InPlaceFile::isTheOnlyWay(request.path, outcome.error);
     return;
   }
-  // A file with gaps is better than none, but not better than an existing one.
-  if (outcome.unreadableFrames > 0 && mayExist(request.path)) {
+  if (encode(request, progress, platform::userAudioFiles()->writeTo(replacement->descriptor()),
+             outcome)) {
+    outcome.error = replacement->commit();
+    outcome.complete = outcome.error == 0;
+  }
+}
+
+// The writer's view of a file that outlives it.
+class SharedFile : public platform::File {
+ public:
+  explicit SharedFile(std::shared_ptr<platform::File> file) : file_(std::move(file)) {}
+
+  [[nodiscard]] platform::FileTransfer readAt(void* destination, std::uint64_t byteCount,
+                                              std::uint64_t offset) override {
+    return file_->readAt(destination, byteCount, offset);
+  }
+  [[nodiscard]] platform::FileTransfer writeAt(const void* data, std::uint64_t byteCount,
+                                               std::uint64_t offset) override {
+    return file_->writeAt(data, byteCount, offset);
+  }
+  [[nodiscard]] std::uint64_t size() override { return file_->size(); }
+  [[nodiscard]] int setSize(std::uint64_t byteCount) override { return file_->setSize(byteCount); }
+
+ private:
+  const std::shared_ptr<platform::File> file_;
+};
+
+// The target is touched last, when everything else has succeeded.
+void writeInPlace(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
+                  OVSaveJob::Outcome& outcome) {
+  const auto target = platform::InPlaceFile::at(request.path);
+  if (!target) {
+    outcome.error = target.error();
     return;
   }
-  outcome.error = replacement->commit();
+  auto created = platform::temporaryFiles()->createUnlinked(
+      platform::temporaryFiles()->directory() + "velmar_XXXXXX");
+  if (!created) {
+    outcome.error = created.error().error;
+    return;
+  }
+  const std::shared_ptr<platform::File> content = std::move(created->file);
+  if (!encode(request, progress, std::make_unique<SharedFile>(content), outcome)) {
+    return;
+  }
+  outcome.error = target->keepCopy();
+  if (outcome.error == 0) {
+    outcome.error = target->replaceWith(*content);
+  }
   outcome.complete = outcome.error == 0;
+  outcome.copyOfOldFile = target->copyLeft();
+}
+
+void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
+           OVSaveJob::Outcome& outcome) {
+  if (request.shortage.valid()) {
+    outcome.shortage = request.shortage.get();
+  }
+  if (!outcome.shortage) {
+    (request.way == OVSaveJob::Request::Way::inPlace ? writeInPlace : writeBeside)(
+        request, progress, outcome);
+  }
 }
 
 }  // namespace
+
+std::shared_future<std::optional<OVDiskShortage>> OVSaveJob::lookForRoom(const Request& request) {
+  const auto found = std::make_shared<std::promise<std::optional<OVDiskShortage>>>();
+  const std::uint64_t bytes =
+      OVAudioFileWriter::estimatedBytes(request.outputFormat, request.frameCount);
+  platform::globalQueue().async([found, path = request.path, bytes] {
+    std::optional<OVDiskShortage> shortage;
+    try {
+      shortage = shortageOf(platform::ReplacementFile::folderBeside(path), bytes);
+    } catch (const std::bad_alloc&) {  // the save itself will report it
+    }
+    found->set_value(shortage);
+  });
+  return found->get_future().share();
+}
 
 OVSaveJob::Outcome OVSaveJob::run(const Request& request, const Progress& progress) {
   Outcome outcome;

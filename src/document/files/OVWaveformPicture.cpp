@@ -39,11 +39,20 @@ int writePicture(const QImage& picture, const std::string& path) try {
   return ENOMEM;
 }
 
-void writePictureOf(OVWaveFormView& view, const std::string& path) {
-  QImage picture = view.image();
-  if (picture.isNull()) {
-    picture = view.grab().toImage();  // not painted yet
+// The waveform alone, without the views that are laid over it.
+QImage pictureOf(OVWaveFormView& waveform) {
+  QImage picture = waveform.image();
+  if (picture.isNull()) {  // not painted yet
+    QWidget& view = waveform;
+    picture = QImage(view.size() * view.devicePixelRatioF(), QImage::Format_ARGB32_Premultiplied);
+    picture.setDevicePixelRatio(view.devicePixelRatioF());
+    view.render(&picture, QPoint(), QRegion(), QWidget::RenderFlags());
   }
+  return picture;
+}
+
+void writePictureOf(OVWaveFormView& view, const std::string& path) {
+  const QImage picture = pictureOf(view);
   platform::globalQueue().async([picture, path] {
     const int error = writePicture(picture, path);
     if (error != 0) {

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "audio/OVAQPlayer.h"
-#include "audio/OVAQRecorder.h"
 #include "document/editing/OVDocumentAudio.h"
 #include "document/editing/OVDocumentLife.h"
 #include "document/editing/OVEditHistory.h"
@@ -74,9 +73,35 @@ std::optional<std::vector<float>> OVTransport::powerLevels(OVTransportState firs
   return isPlaying() ? player_->powerLevels() : std::nullopt;
 }
 
-void OVTransport::changed() const {
+OVInputState OVTransport::inputState() const {
+  OVInputState state;
+  state.source = platform::audioQueues()->inputSource();
+  state.hasRecorded = hasRecorded();
+  const auto running = runningRecorder();
+  state.isRecording = running != nullptr;
+  state.silentFrames = running ? running->silentFrames() : 0;
+  state.losses = running ? running->losses() : losses_;
+  return state;
+}
+
+void OVTransport::changed() {
+  const OVTransportState now = state();
+  keepAwake(now == OVTransportState::recording);
   if (changed_) {
     changed_();
+  }
+  if (std::exchange(lastState_, now) != now) {
+    for (const auto& handler : stateHandlers_) {
+      handler(now);
+    }
+  }
+}
+
+void OVTransport::keepAwake(bool awake) {
+  if (!awake) {
+    awake_.reset();
+  } else if (!awake_) {
+    awake_ = platform::sleepInhibitor()->hold(platform::localized("Orvo is recording"));
   }
 }
 
@@ -91,13 +116,18 @@ void OVTransport::record() {
     endPlaying();  // playback has ended; its late report would end the recording
   }
   if (const auto former = recorder(); !former || former->failure() != platform::kAudioStatusOk) {
-    replaceRecorder();
+    replaceRecorder(OVAQRecorder::DeviceAlerts::shown);
   }
   if (const auto input = recorder()) {  // otherwise nothing has changed, and the user was alerted
     bringRecordingPositionInside();
     parts_.history.beginStep(platform::textKey("Record"));
+    parts_.history.kept().recordingBegins();
     writeFailures_->recordingBegins(parts_.history.revision());
     writtenSincePress_ = false;
+    losses_.clear();
+    if (recording_) {
+      recording_();
+    }
     input->record();
     parts_.history.setEdited(true);
   }
@@ -137,7 +167,7 @@ void OVTransport::pause() {
     endPlaying();
   }
   changed();
-  replaceRecorder();
+  replaceRecorder(OVAQRecorder::DeviceAlerts::heldBack);
 }
 
 void OVTransport::pauseIfRunning() {
@@ -149,6 +179,7 @@ void OVTransport::pauseIfRunning() {
 void OVTransport::endRecording() {
   const auto input = recorder();
   input->pause();  // from here on writingPosition is constant
+  losses_ = input->losses();
   const auto buffer = parts_.audio.buffer();
   const std::uint64_t end = input->writingPosition() / parts_.audio.bytesPerFrame();
   parts_.positions.setRecording(end);
@@ -221,22 +252,23 @@ void OVTransport::prepareForNewBuffer() {
 }
 
 void OVTransport::bufferChanged() {
-  recorder_.set(makeRecorder());
+  recorder_.set(makeRecorder(OVAQRecorder::DeviceAlerts::heldBack));
 }
 
 void OVTransport::close() {
   if (player_) {
     player_->setDelegate({});
   }
+  keepAwake(false);
 }
 
-std::shared_ptr<OVAQRecorder> OVTransport::makeRecorder() {
+std::shared_ptr<OVAQRecorder> OVTransport::makeRecorder(OVAQRecorder::DeviceAlerts alerts) {
   const auto buffer = parts_.audio.buffer();
   if (!buffer) {
     return nullptr;  // no temporary file; the user was alerted
   }
   const platform::PostedAlertsScope afterwards;  // no main loop runs in the middle of a command
-  auto recorder = OVAQRecorder::initWithBuffer(buffer);
+  auto recorder = OVAQRecorder::initWithBuffer(buffer, alerts);
   if (recorder) {
     recorder->setWritingPosition(parts_.positions.recording() * parts_.audio.bytesPerFrame());
     recorder->setFailureHandler(
@@ -247,12 +279,12 @@ std::shared_ptr<OVAQRecorder> OVTransport::makeRecorder() {
   return recorder;
 }
 
-void OVTransport::replaceRecorder() {
+void OVTransport::replaceRecorder(OVAQRecorder::DeviceAlerts alerts) {
   if (const auto former = recorder()) {
     former->pause();
     former->prepareForDestruction();
   }
-  recorder_.set(makeRecorder());
+  recorder_.set(makeRecorder(alerts));
 }
 
 // Reports ---------------------------------------------------------------------------------------

@@ -8,10 +8,12 @@
 #include <vector>
 
 #include "audio/OVAQPlayerDelegate.h"
+#include "audio/OVAQRecorder.h"
+#include "document/transport/OVInputState.h"
 #include "document/transport/OVWriteFailures.h"
 #include "platform/base/GuardedPointer.h"
+#include "platform/desktop/SleepInhibitor.h"
 
-class OVAQRecorder;
 class OVDocumentAudio;
 class OVDocumentLife;
 class OVDocumentSummaries;
@@ -23,7 +25,8 @@ class OVFramePositions;
 enum class OVTransportState { resting, recording, playing };
 
 /// Starts and ends recording and playing, and moves the two positions. Owns the recorder, whose
-/// input is live from the start, and the player, which exists only during playback. Uses no view.
+/// input is live from the start, and the player, which exists only during playback. Keeps the
+/// machine from suspending while it records. Uses no view.
 ///
 /// Threads: main, unless stated otherwise. Real-time: not safe.
 class OVTransport {
@@ -47,6 +50,12 @@ class OVTransport {
   /// recording or playing has begun or ended.
   void setDelegate(std::weak_ptr<OVAQPlayerDelegate> delegate) { delegate_ = std::move(delegate); }
   void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
+  /// Called whenever state() has changed, after the change handler.
+  void addStateHandler(std::function<void(OVTransportState)> handler) {
+    stateHandlers_.push_back(std::move(handler));
+  }
+  /// Called before a recording begins, ahead of its first chunk.
+  void setRecordingHandler(std::function<void()> handler) { recording_ = std::move(handler); }
   /// Called when audio was cut because it could not be written.
   void setCutHandler(std::function<void()> handler) { cut_ = std::move(handler); }
 
@@ -58,6 +67,9 @@ class OVTransport {
   [[nodiscard]] std::shared_ptr<OVAQPlayer> player() const { return player_; }
   /// The running recording has written something.
   [[nodiscard]] bool hasRecorded() const { return writtenSincePress_; }
+
+  /// The input, and what has come in. The gaps of a recording are kept until the next one begins.
+  [[nodiscard]] OVInputState inputState() const;
 
   /// Level of each channel of playback or recording; `first` is preferred, none at rest.
   [[nodiscard]] std::optional<std::vector<float>> powerLevels(OVTransportState first) const;
@@ -115,14 +127,15 @@ class OVTransport {
   [[nodiscard]] std::shared_ptr<OVWriteFailures> writeFailures() const { return writeFailures_; }
 
  private:
-  std::shared_ptr<OVAQRecorder> makeRecorder();
-  void replaceRecorder();
+  std::shared_ptr<OVAQRecorder> makeRecorder(OVAQRecorder::DeviceAlerts alerts);
+  void replaceRecorder(OVAQRecorder::DeviceAlerts alerts);
   void endRecording();
   void endPlaying();
   void inputFailed(const std::weak_ptr<OVAQRecorder>& recorder);
   void writingFailed(const OVWriteFailures::Failure& failure);
   void dropLostEnd(std::uint64_t atByteOffset, std::uint32_t withSize);
-  void changed() const;
+  void changed();
+  void keepAwake(bool awake);
 
   const Parts parts_;
 
@@ -130,7 +143,12 @@ class OVTransport {
   std::weak_ptr<OVAQPlayerDelegate> delegate_;
   std::function<void()> changed_;
   std::function<void()> cut_;
+  std::vector<std::function<void(OVTransportState)>> stateHandlers_;
+  OVTransportState lastState_ = OVTransportState::resting;  // the one that was reported
+  std::unique_ptr<platform::SleepInhibitor::Hold> awake_;
+  std::function<void()> recording_;
   std::shared_ptr<OVAQPlayer> player_;
+  std::vector<OVRecordingLoss> losses_;  // of the last recording that has ended
 
   // Replaced on the main thread; any thread reads it.
   platform::GuardedPointer<std::shared_ptr<OVAQRecorder>> recorder_;

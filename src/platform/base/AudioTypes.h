@@ -33,6 +33,8 @@ inline constexpr AudioStatus kUnsupportedFileTypeStatus = fourCharacterStatus("w
 inline constexpr AudioStatus kDeviceUnavailableStatus = fourCharacterStatus("!dev");
 /// The device was unplugged, or its sound server died.
 inline constexpr AudioStatus kDeviceLostStatus = fourCharacterStatus("gone");
+/// The device has stood still for some seconds, or its sound server does not answer.
+inline constexpr AudioStatus kDeviceStalledStatus = fourCharacterStatus("hang");
 /// A parameter is out of range, such as an unsupported format.
 inline constexpr AudioStatus kInvalidParameterStatus = -50;
 /// The queue was disposed of, or its state does not allow the call.

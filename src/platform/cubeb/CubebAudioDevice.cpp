@@ -4,6 +4,7 @@
 
 #include "platform/cubeb/CubebConnection.h"
 #include "platform/cubeb/CubebStream.h"
+#include "platform/cubeb/RetiredConnections.h"
 
 namespace platform {
 
@@ -34,6 +35,8 @@ class CubebInput final : public AudioInputStream {
 
   [[nodiscard]] CubebStream& stream() { return stream_; }
 
+  [[nodiscard]] std::string currentInput() override { return stream_.currentInput(); }
+
  private:
   CubebStream stream_;
 };
@@ -54,22 +57,12 @@ class CubebOutput final : public AudioOutputStream {
   CubebStream stream_;
 };
 
-/// Replaces `connection` unless it is usable for opening a stream.
-void connect(std::shared_ptr<CubebConnection>& connection, ModuleConsole* consoleLog) {
-  if (connection && connection->isBroken()) {
-    connection.reset();
-  }
-  if (!connection) {
-    connection = CubebConnection::make(consoleLog);
-  }
-}
-
 template <typename Stream, typename Interface, typename Client>
 Result<std::unique_ptr<Interface>, AudioStatus> open(std::shared_ptr<CubebConnection>& connection,
                                                      ModuleConsole* consoleLog,
                                                      const char* direction, Client& client) {
-  connect(connection, consoleLog);
   if (!connection) {
+    consoleLog("No sound system could be reached");
     return kDeviceUnavailableStatus;
   }
   auto opened = std::make_unique<Stream>(client, connection);
@@ -85,19 +78,63 @@ Result<std::unique_ptr<Interface>, AudioStatus> open(std::shared_ptr<CubebConnec
 
 }  // namespace
 
-CubebAudioDevice::CubebAudioDevice(ModuleConsole* consoleLog) : consoleLog_(consoleLog) {}
+CubebAudioDevice::CubebAudioDevice(ModuleConsole* consoleLog,
+                                   std::function<std::chrono::steady_clock::time_point()> now)
+    : consoleLog_(consoleLog), retired_(std::make_shared<RetiredConnections>(std::move(now))) {}
 CubebAudioDevice::~CubebAudioDevice() = default;
 
 AudioDevice::Input CubebAudioDevice::openInput(AudioInputClient& client) {
+  connectInput();
   return open<CubebInput, AudioInputStream>(input_, consoleLog_, "input", client);
 }
 
 AudioDevice::Output CubebAudioDevice::openOutput(AudioOutputClient& client) {
+  connect(output_);
   return open<CubebOutput, AudioOutputStream>(output_, consoleLog_, "output", client);
 }
 
 void CubebAudioDevice::prepare() {
-  connect(output_, consoleLog_);
+  connect(output_);
+}
+
+void CubebAudioDevice::setInputsChangedHandler(std::function<void()> changed) {
+  inputsChanged_ = std::move(changed);
+}
+
+std::optional<std::vector<AudioInputDevice>> CubebAudioDevice::inputs() {
+  connectInput();
+  const auto inputs = input_ ? input_->inputs() : std::nullopt;
+  // The list of a dead server is empty, without an error. Also such a list of a living one costs no
+  // more than a connection with every look.
+  if (input_ && (!inputs || inputs->empty() || input_->isLastResort())) {
+    input_->markBroken();  // the next call connects anew, perhaps to a server that is back
+  }
+  retired_->endQuietOnes();
+  return inputs;
+}
+
+bool CubebAudioDevice::connect(std::shared_ptr<CubebConnection>& connection) {
+  if (connection && connection->isBroken()) {
+    connection.reset();
+  }
+  if (connection) {
+    return false;
+  }
+  auto made = CubebConnection::make(consoleLog_);
+  if (!made) {
+    return false;
+  }
+  connection = std::shared_ptr<CubebConnection>(
+      made.release(), [retired = retired_](CubebConnection* unused) {
+        retired->take(std::unique_ptr<CubebConnection>(unused));
+      });
+  return true;
+}
+
+void CubebAudioDevice::connectInput() {
+  if (connect(input_)) {
+    input_->notifyOfInputs(inputsChanged_);
+  }
 }
 
 }  // namespace platform

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <vector>
 
 #include "platform/base/LateModule.h"
 #include "platform/sound/AudioDevice.h"
@@ -9,6 +13,7 @@
 namespace platform {
 
 class CubebConnection;
+class RetiredConnections;
 
 /// The default microphone and loudspeaker of the machine, through cubeb.
 ///
@@ -27,9 +32,12 @@ class CubebAudioDevice final : public AudioDevice {
   /// dropouts under load.
   static constexpr std::uint32_t kLatencyFrames = 4096;
 
-  explicit CubebAudioDevice(ModuleConsole* consoleLog);
+  explicit CubebAudioDevice(
+      ModuleConsole* consoleLog,
+      std::function<std::chrono::steady_clock::time_point()> now = std::chrono::steady_clock::now);
 
-  /// Disconnects once the streams are destroyed too.
+  /// Disconnects the output once its streams are destroyed too. The input stays connected until the
+  /// process ends, see RetiredConnections; the handler of changed inputs is not called any more.
   ~CubebAudioDevice() override;
 
   [[nodiscard]] Input openInput(AudioInputClient& client) override;
@@ -38,9 +46,19 @@ class CubebAudioDevice final : public AudioDevice {
   /// Connects the output; openInput() connects the input.
   void prepare() override;
 
+  void setInputsChangedHandler(std::function<void()> changed) override;
+  [[nodiscard]] std::optional<std::vector<AudioInputDevice>> inputs() override;
+
  private:
+  /// Replaces a connection that is missing or broken. True if there is a new one.
+  bool connect(std::shared_ptr<CubebConnection>& connection);
+  void connectInput();
+
   ModuleConsole* const consoleLog_;
-  // Control thread only. Null until connected, or when the last one failed.
+  const std::shared_ptr<RetiredConnections> retired_;  // its connections share it
+  // Control thread only.
+  std::function<void()> inputsChanged_;
+  // Null until connected, or when the last one failed.
   std::shared_ptr<CubebConnection> input_;
   std::shared_ptr<CubebConnection> output_;
 };

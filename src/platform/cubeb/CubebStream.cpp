@@ -47,11 +47,30 @@ AudioStatus CubebStream::open(std::uint32_t latencyFrames) {
 }
 
 AudioStatus CubebStream::start() {
-  return statusOfCubeb(cubeb_stream_start(stream_));
+  return checked(cubeb_stream_start(stream_));
 }
 
 AudioStatus CubebStream::stop() {
-  return statusOfCubeb(cubeb_stream_stop(stream_));
+  return checked(cubeb_stream_stop(stream_));
+}
+
+AudioStatus CubebStream::checked(int result) {
+  const AudioStatus status = statusOfCubeb(result);
+  if (status != kAudioStatusOk) {
+    connection_->markBroken();
+  }
+  return status;
+}
+
+std::string CubebStream::currentInput() {
+  std::string id;
+  cubeb_device* device = nullptr;
+  if (life_.load() == Life::kOpen &&
+      cubeb_stream_get_current_device(stream_, &device) == CUBEB_OK && device != nullptr) {
+    id = device->input_name == nullptr ? "" : device->input_name;
+    cubeb_stream_device_destroy(stream_, device);
+  }
+  return id;
 }
 
 std::uint64_t CubebStream::position() {

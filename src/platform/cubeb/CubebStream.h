@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include <cubeb/cubeb.h>
@@ -45,8 +46,12 @@ class CubebStream {
   /// opened, and `died` is not called for it. A failure marks the connection as broken.
   [[nodiscard]] AudioStatus open(std::uint32_t latencyFrames);
 
+  /// A failure marks the connection as broken.
   [[nodiscard]] AudioStatus start();
   [[nodiscard]] AudioStatus stop();
+
+  /// AudioInputStream::currentInput().
+  [[nodiscard]] std::string currentInput();
 
   /// Frames played; the last known number if cubeb does not report it. Never more than the device
   /// must have taken from the stream's buffer.
@@ -54,6 +59,8 @@ class CubebStream {
 
  private:
   enum class Life { kOpening, kOpen, kDead };
+
+  [[nodiscard]] AudioStatus checked(int result);
 
   static long transferCallback(cubeb_stream* stream, void* user, const void* input, void* output,
                                long frames);

@@ -16,6 +16,7 @@ class StandardErrorDialogs : public FileDialogs {
  public:
   void beginOpenPanel(const OpenPanelRequest& request, OpenAnswer answer) override {
     log(request.title);
+    delete request.accessoryView;
     mainQueue().async([answer = std::move(answer)] { answer({}); });
   }
   void beginSavePanel(const SavePanelRequest& request, SaveAnswer answer) override {

@@ -20,6 +20,12 @@ struct OpenPanelRequest {
   QString acceptLabel;  ///< title of the default button
   bool allowsMultipleSelection = false;
   std::vector<std::string> fileTypes;  ///< suffixes without the dot, most common first
+
+  /// Shown below the files; the panel takes ownership. Null for none.
+  QWidget* accessoryView = nullptr;
+  /// Called with the path of the file that is selected or typed, whenever it changes; empty for
+  /// none. The file need not exist. Not called after the answer.
+  std::function<void(const std::string& path)> selectionChanged = nullptr;
 };
 
 struct SavePanelRequest {

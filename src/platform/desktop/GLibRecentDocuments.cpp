@@ -34,7 +34,6 @@ constexpr char kCommand[] = "orvo %u";
 constexpr char kOpener[] = "xdg-open";
 constexpr char kOpenerCommand[] = "xdg-open %u";
 constexpr char kUnknownType[] = "application/octet-stream";
-constexpr mode_t kPrivateFile = 0600;
 constexpr mode_t kPrivateFolder = 0700;
 // Limits retries when another program keeps rewriting the list.
 constexpr int kMaximumAttempts = 10;
@@ -170,23 +169,6 @@ std::string textOf(GBookmarkFile* bookmarks) {
   return {text.get(), length};
 }
 
-// Writes the new list beside the old one and flushes it to disk. 0, or the errno of the failure.
-int writeNew(const std::string& path, const std::string& text) {
-  const int descriptor = ::open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
-  if (descriptor < 0) {
-    return errno;
-  }
-  PosixFile file(descriptor);
-  if (::fchmod(descriptor, kPrivateFile) != 0) {
-    return errno;
-  }
-  const FileTransfer transfer = file.writeAt(text.data(), text.size(), 0);
-  if (transfer.error != 0) {
-    return transfer.error;
-  }
-  return ::fsync(descriptor) == 0 ? 0 : errno;
-}
-
 // Failures show when the list is written there.
 void makeFolder(const fs::path& folder) {
   std::error_code error;
@@ -253,12 +235,12 @@ GLibRecentDocuments::Outcome GLibRecentDocuments::tryToNote(const std::string& d
 GLibRecentDocuments::Outcome GLibRecentDocuments::replace(const std::string& before,
                                                           const std::string& after) const {
   makeFolder(fs::path(file_).parent_path());
-  const auto replacement = ReplacementFile::beside(file_);
+  const auto replacement = ReplacementFile::beside(file_, ReplacementFile::NewFile::ownerOnly);
   if (!replacement) {
     reportFailure(file_, failureReason(replacement.error()));
     return Outcome::failed;
   }
-  int error = writeNew(replacement->path(), after);
+  int error = replacement->write(after.data(), after.size());
   if (error == 0) {
     const ListText now = readList(file_);
     if (!now.failure.empty() || now.text != before) {

@@ -2,33 +2,40 @@
 
 #include <utility>
 
-#include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "platform/base/ApplicationServices.h"
 #include "platform/base/MainThread.h"
+#include "platform/desktop/OpenPanel.h"
 #include "platform/desktop/SavePanel.h"
+#include "platform/files/AbsolutePath.h"
+#include "platform/files/Descriptors.h"
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/MainQueue.h"
 
 namespace platform {
 namespace {
 
-QString nameFilter(const std::vector<std::string>& fileTypes) {
-  QStringList patterns;
-  for (const std::string& type : fileTypes) {
-    const QString suffix = QString::fromStdString(type);
-    patterns << QStringLiteral("*.") + suffix << QStringLiteral("*.") + suffix.toUpper();
-  }
-  return localized("Audio Files") + QStringLiteral(" (%1)").arg(patterns.join(QLatin1Char(' ')));
-}
+// What a panel opens while it is used: folders, pictures of its icons.
+constexpr std::size_t kDescriptorsOfAPanel = 16;
 
-std::vector<std::string> toPaths(const QStringList& files) {
-  std::vector<std::string> paths;
-  for (const QString& file : files) {
-    paths.push_back(file.toStdString());
+// Whether a panel can be shown. Otherwise an alert says why not, and `cancel` runs from the main
+// loop unless the window has gone by then.
+bool hasRoomForAPanel(const QPointer<QWidget>& window, std::function<void()> cancel) {
+  if (hasFreeDescriptors(kDescriptorsOfAPanel)) {
+    return true;
   }
-  return paths;
+  applicationServices()->postModalAlert(
+      localizedUtf8("The files cannot be shown"),
+      localizedUtf8("Too many files are open. Close some windows, then try again."));
+  mainQueue().async([window, isFree = window.isNull(), cancel = std::move(cancel)] {
+    if (isFree || window) {
+      cancel();
+    }
+  });
+  return false;
 }
 
 QMessageBox::ButtonRole roleOf(SheetRequest::Button::Role role) {
@@ -45,32 +52,42 @@ QMessageBox::ButtonRole roleOf(SheetRequest::Button::Role role) {
 
 }  // namespace
 
+const std::string& QtFileDialogs::lastFolder() {
+  if (lastFolder_.empty()) {
+    lastFolder_ = absolutePathOf(".");
+  }
+  return lastFolder_;
+}
+
 void QtFileDialogs::beginOpenPanel(const OpenPanelRequest& request, OpenAnswer answer) {
   assertMainThread();
-  auto* const panel = new QFileDialog(request.window, request.title);
-  panel->setObjectName("openPanel");
-  panel->setAttribute(Qt::WA_DeleteOnClose);
-  panel->setWindowModality(request.window ? Qt::WindowModal : Qt::ApplicationModal);
-  panel->setAcceptMode(QFileDialog::AcceptOpen);
-  panel->setFileMode(request.allowsMultipleSelection ? QFileDialog::ExistingFiles
-                                                     : QFileDialog::ExistingFile);
-  panel->setOption(QFileDialog::HideNameFilterDetails);  // a list of 18 patterns
-  panel->setNameFilters({nameFilter(request.fileTypes), localized("All Files") + " (*)"});
-  panel->setLabelText(QFileDialog::Accept, request.acceptLabel);
-  QObject::connect(
-      panel, &QDialog::finished, panel, [panel, answer = std::move(answer)](int result) {
-        const bool accepted = result == QDialog::Accepted;
-        answer(accepted ? toPaths(panel->selectedFiles()) : std::vector<std::string>());
-      });
+  if (!hasRoomForAPanel(request.window, [answer] { answer({}); })) {
+    delete request.accessoryView;
+    return;
+  }
+  auto* const panel = new OpenPanel(request);
+  panel->showFolder(lastFolder());
+  QObject::connect(panel, &QDialog::finished, panel,
+                   [this, panel, answer = std::move(answer)](int result) {
+                     const bool accepted = result == QDialog::Accepted;
+                     lastFolder_ = accepted ? panel->folder() : lastFolder_;
+                     answer(accepted ? panel->paths() : std::vector<std::string>());
+                   });
   panel->open();
 }
 
 void QtFileDialogs::beginSavePanel(const SavePanelRequest& request, SaveAnswer answer) {
   assertMainThread();
+  if (!hasRoomForAPanel(request.window, [answer] { answer(std::nullopt); })) {
+    delete request.accessoryView;
+    return;
+  }
   auto* const panel = new SavePanel(request);
+  panel->showFolder(request.directory.empty() ? lastFolder() : request.directory);
   QObject::connect(panel, &QDialog::finished, panel,
-                   [panel, answer = std::move(answer)](int result) {
+                   [this, panel, answer = std::move(answer)](int result) {
                      const bool accepted = result == QDialog::Accepted;
+                     lastFolder_ = accepted ? panel->folder() : lastFolder_;
                      answer(accepted ? std::optional(panel->path()) : std::nullopt);
                    });
   panel->open();

@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
-#include <QFileDialog>
-
 #include "platform/desktop/FileDialogs.h"
+#include "platform/desktop/FilePanel.h"
 
 namespace platform {
 
@@ -14,14 +13,13 @@ namespace platform {
 [[nodiscard]] std::string withSuffix(const std::string& path,
                                      const std::vector<std::string>& suffixes);
 
-/// The save panel: a file dialog that gives the name a suffix matching the kind chosen in its
-/// accessory before it asks whether to replace an existing file.
-///
-/// Qt's own dialog treats quotes in a name as separators between names, and ignores a name that is
-/// too long.
+/// The save panel: gives the name a suffix matching the kind chosen in its accessory before it asks
+/// whether to replace an existing file. Quotes in a name are part of it.
 ///
 /// Threads: main. Real-time: not safe.
-class SavePanel : public QFileDialog {
+class SavePanel : public FilePanel {
+  Q_OBJECT
+
  public:
   explicit SavePanel(const SavePanelRequest& request);
 
@@ -33,14 +31,12 @@ class SavePanel : public QFileDialog {
 
  private:
   void addAccessory(QWidget* accessory);
+  void addNewFolderButton();
   void takeOverSuffix();
-  void enableSaving();
-  [[nodiscard]] QString shownName() const;
-  void showName(const QString& name);
-  [[nodiscard]] QString pathOf(const QString& name) const;
-  void openFolder(const QString& path);
-  void finish();
+  void take(const std::string& name, const std::vector<PathKind>& kinds);
   void askToReplace();
+  void askForNewFolder();
+  void makeNewFolder(const std::string& name);
 
   std::string path_;
   const std::function<std::vector<std::string>()> acceptedSuffixes_;

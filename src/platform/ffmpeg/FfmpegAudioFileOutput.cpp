@@ -44,8 +44,7 @@ Encoding encodingOf(AudioFileKind kind) {
 
 class FfmpegAudioFileOutput final : public ExtAudioFileOutput {
  public:
-  [[nodiscard]] static Created create(UserAudioFiles& files, const std::string& path,
-                                      AudioFileKind kind);
+  [[nodiscard]] static Created create(UserAudioFiles::Opened file, AudioFileKind kind);
 
   ~FfmpegAudioFileOutput() override;
 
@@ -57,7 +56,7 @@ class FfmpegAudioFileOutput final : public ExtAudioFileOutput {
  private:
   explicit FfmpegAudioFileOutput(AudioFileKind kind) : kind_(kind) {}
 
-  [[nodiscard]] AudioStatus start(UserAudioFiles& files, const std::string& path);
+  [[nodiscard]] AudioStatus start(UserAudioFiles::Opened file);
   [[nodiscard]] int openEncoder();
   [[nodiscard]] int openConverter();
   [[nodiscard]] int openMuxer();
@@ -89,16 +88,14 @@ class FfmpegAudioFileOutput final : public ExtAudioFileOutput {
 
 }  // namespace
 
-ExtAudioFileOutput::Created createOutput(UserAudioFiles& files, const std::string& path,
-                                         AudioFileKind kind) {
-  return FfmpegAudioFileOutput::create(files, path, kind);
+ExtAudioFileOutput::Created createOutput(UserAudioFiles::Opened file, AudioFileKind kind) {
+  return FfmpegAudioFileOutput::create(std::move(file), kind);
 }
 
-ExtAudioFileOutput::Created FfmpegAudioFileOutput::create(UserAudioFiles& files,
-                                                          const std::string& path,
+ExtAudioFileOutput::Created FfmpegAudioFileOutput::create(UserAudioFiles::Opened file,
                                                           AudioFileKind kind) {
   std::unique_ptr<FfmpegAudioFileOutput> output(new FfmpegAudioFileOutput(kind));
-  const AudioStatus status = output->start(files, path);
+  const AudioStatus status = output->start(std::move(file));
   if (status != kAudioStatusOk) {
     output->isDisposed_ = true;  // there is nothing to finish
     return {.file = nullptr, .status = status};
@@ -110,13 +107,12 @@ FfmpegAudioFileOutput::~FfmpegAudioFileOutput() {
   static_cast<void>(dispose());
 }
 
-AudioStatus FfmpegAudioFileOutput::start(UserAudioFiles& files, const std::string& path) {
+AudioStatus FfmpegAudioFileOutput::start(UserAudioFiles::Opened file) {
   const FfmpegLog::Scope scope(log_);
-  auto created = files.createForWriting(path);
-  if (!created) {
-    return keep(AVERROR(created.error()));
+  if (!file) {
+    return keep(AVERROR(file.error()));
   }
-  file_ = *std::move(created);
+  file_ = *std::move(file);
   io_ = AudioFileIo::forWriting(*file_);
   packet_.reset(av_packet_alloc());
   if (io_ == nullptr || packet_ == nullptr) {

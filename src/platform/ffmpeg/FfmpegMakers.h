@@ -8,8 +8,8 @@ namespace platform {
 [[nodiscard]] ExtAudioFileInput::Opened openInput(
     UserAudioFiles& files, const std::string& path,
     std::shared_ptr<const std::atomic<bool>> cancelled);
-[[nodiscard]] ExtAudioFileOutput::Created createOutput(UserAudioFiles& files,
-                                                       const std::string& path, AudioFileKind kind);
+[[nodiscard]] ExtAudioFileOutput::Created createOutput(UserAudioFiles::Opened file,
+                                                       AudioFileKind kind);
 [[nodiscard]] std::unique_ptr<FourierTransform> createTransform(int log2Length);
 
 }  // namespace platform

@@ -33,6 +33,9 @@ class File {
   /// Truncates the file to `byteCount` bytes or extends it with zeros. Returns 0, or the errno of
   /// the failure; the file is then unchanged.
   [[nodiscard]] virtual int setSize(std::uint64_t byteCount) = 0;
+
+  /// The system's descriptor of the file, which it keeps; -1 for a file without one.
+  [[nodiscard]] virtual int descriptor() const { return -1; }
 };
 
 }  // namespace platform

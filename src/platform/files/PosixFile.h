@@ -23,6 +23,7 @@ class PosixFile : public File {
                                      std::uint64_t offset) override;
   [[nodiscard]] std::uint64_t size() override;
   [[nodiscard]] int setSize(std::uint64_t byteCount) override;
+  [[nodiscard]] int descriptor() const override { return descriptor_; }
 
  private:
   const int descriptor_;

@@ -11,169 +11,132 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/files/PosixFile.h"
+#include "platform/files/ContinuedTransfer.h"
+#include "platform/files/FileRights.h"
 
 namespace platform {
 namespace {
 
-constexpr int kMaximumLinks = 40;  // the system's own limit
 constexpr int kMaximumAttempts = 100;
-// Permissions of a new file that replaces none, before the umask.
-constexpr mode_t kNewFileMode = 0666;
+constexpr mode_t kUsualMode = 0666;    // before the umask
 constexpr mode_t kPrivateMode = 0600;  // until it gets the permissions of the file it replaces
 
-class Descriptor {
- public:
-  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-  ~Descriptor() { close(); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  [[nodiscard]] int get() const { return descriptor_; }
-  int close() {
-    const int open = std::exchange(descriptor_, -1);
-    return open < 0 ? 0 : ::close(open);
-  }
-
- private:
-  int descriptor_;
-};
-
-// Not canonical(): the last link may point to a file that does not exist yet.
-int followLinks(std::filesystem::path& path) {
-  std::error_code error;
-  for (int i = 0; i < kMaximumLinks; ++i) {
-    const auto link = std::filesystem::read_symlink(path, error);
-    if (error) {
-      return 0;
-    }
-    path = link.is_absolute() ? link : path.parent_path() / link;
-  }
-  return ELOOP;
-}
-
-std::string folderOf(const std::string& path) {
-  const auto folder = std::filesystem::path(path).parent_path().string();
-  return folder.empty() ? "." : folder;
-}
-
-// 0 if a file may be placed at `path`, otherwise an errno.
-int checkTarget(const std::string& path) {
-  struct stat status = {};
-  if (::stat(path.c_str(), &status) != 0) {
-    return errno == ENOENT ? 0 : errno;
-  }
-  if (S_ISDIR(status.st_mode)) {
-    return EISDIR;
-  }
-  if (!S_ISREG(status.st_mode)) {
-    return EINVAL;
-  }
-  return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0 ? 0 : errno;
-}
-
-void takeOverRights(int descriptor, const std::string& target) {
-  struct stat status = {};
-  if (::stat(target.c_str(), &status) != 0) {
-    return;
-  }
-  // Only root may change a file's owner. Permissions are set after the owner, since changing it
-  // clears some of them.
-  if (::fchown(descriptor, status.st_uid, status.st_gid) != 0 &&
-      ::fchown(descriptor, static_cast<uid_t>(-1), status.st_gid) != 0) {
-    errno = 0;
-  }
-  ::fchmod(descriptor, status.st_mode & 07777);
-}
-
 // The name is independent of the target's, which may already have the maximum length.
-int createBeside(const std::string& target, mode_t mode, std::string& path) {
+std::string freshName() {
   static constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
   std::random_device random;
   std::uniform_int_distribution<std::size_t> letter(0, kLetters.size() - 1);
+  std::string name = ".orvo-";
+  for (int i = 0; i < 8; ++i) {
+    name += kLetters[letter(random)];
+  }
+  return name;
+}
+
+// None, with the reason in errno, on failure.
+Descriptor create(const FilePlace& place, mode_t mode, std::string& name) {
   for (int attempt = 0; attempt < kMaximumAttempts; ++attempt) {
-    path = folderOf(target) + "/.orvo-";
-    for (int i = 0; i < 8; ++i) {
-      path += kLetters[letter(random)];
-    }
-    const Descriptor created(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode));
-    if (created.get() >= 0) {
-      return 0;
-    }
-    if (errno != EEXIST) {
-      return errno;
+    name = freshName();
+    Descriptor created(::openat(place.folder(), name.c_str(),
+                                O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+    if (created || errno != EEXIST) {
+      return created;
     }
   }
-  return EEXIST;
-}
-
-int sync(int descriptor) {
-  return ::fsync(descriptor) == 0 ? 0 : errno;
-}
-
-// The rename itself must survive a power failure too. Systems that cannot sync a folder do not need
-// it.
-void syncFolder(const std::string& path) {
-  const Descriptor folder(::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (folder.get() >= 0) {
-    ::fsync(folder.get());
-  }
+  return Descriptor();
 }
 
 }  // namespace
 
-ReplacementFile::ReplacementFile(std::string target, std::string path)
-    : target_(std::move(target)), path_(std::move(path)) {}
+Result<std::unique_ptr<ReplacementFile>> ReplacementFile::beside(const std::string& target,
+                                                                 NewFile rights) {
+  auto place = FilePlace::of(target);
+  if (!place) {
+    return place.error();
+  }
+  if (const int error = place->check()) {
+    return error;
+  }
+  const bool isPrivate = rights == NewFile::ownerOnly || place->isOccupied();
+  std::string name;
+  Descriptor file = create(*place, isPrivate ? kPrivateMode : kUsualMode, name);
+  if (!file) {
+    return errno;
+  }
+  return std::unique_ptr<ReplacementFile>(
+      new ReplacementFile(target, *std::move(place), std::move(name), std::move(file)));
+}
 
-Result<std::unique_ptr<ReplacementFile>> ReplacementFile::beside(const std::string& target) {
+std::string ReplacementFile::folderBeside(const std::string& target) {
+  constexpr int kMaximumLinks = 40;  // the system's own limit
+  const auto folderOf = [](const std::filesystem::path& file) {
+    const std::string folder = file.parent_path().string();
+    return folder.empty() ? "." : folder;
+  };
   std::filesystem::path file(target);
-  if (const int error = followLinks(file)) {
-    return error;
+  for (int i = 0; i < kMaximumLinks; ++i) {
+    std::error_code noLink;
+    const auto link = std::filesystem::read_symlink(file, noLink);
+    if (noLink) {
+      return folderOf(file);
+    }
+    file = file.parent_path() / link;  // the link alone if it is absolute
   }
-  if (const int error = checkTarget(file.string())) {
-    return error;
-  }
-  std::error_code unknown;
-  const bool replaces = std::filesystem::exists(file, unknown) || unknown;
-  std::string path;
-  const int error = createBeside(file.string(), replaces ? kPrivateMode : kNewFileMode, path);
-  if (error != 0) {
-    return error;
-  }
-  return std::unique_ptr<ReplacementFile>(new ReplacementFile(file.string(), path));
+  return folderOf(target);
 }
 
 ReplacementFile::~ReplacementFile() {
-  if (!committed_) {
-    ::unlink(path_.c_str());
+  if (!committed_ && place_.checkName(temporaryName_, file_.get()) == 0) {
+    ::unlinkat(place_.folder(), temporaryName_.c_str(), 0);
   }
 }
 
 int ReplacementFile::write(const void* data, std::uint64_t byteCount) {
-  const int descriptor = ::open(path_.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
-  if (descriptor < 0) {
+  if (::ftruncate(file_.get(), 0) != 0) {
     return errno;
   }
-  return PosixFile(descriptor).writeAt(data, byteCount, 0).error;
+  const auto* const bytes = static_cast<const char*>(data);
+  const FileTransfer transfer = continuedTransfer(
+      byteCount, NothingMoved::failure, [&](std::uint64_t done, std::uint64_t wanted) {
+        return ::pwrite(file_.get(), bytes + done, wanted, static_cast<off_t>(done));
+      });
+  if (transfer.error != 0) {
+    return transfer.error;
+  }
+  return ::fsync(file_.get()) == 0 ? 0 : errno;
+}
+
+// Others may have changed names in the folder, and folders on the way to it.
+int ReplacementFile::checkAgain() const {
+  if (const int error = place_.checkName(temporaryName_, file_.get())) {
+    return error;
+  }
+  const auto place = FilePlace::of(target_);
+  if (!place) {
+    return place.error();
+  }
+  return place->isSameAs(place_) ? place->check() : ESTALE;
 }
 
 int ReplacementFile::commit() {
-  Descriptor file(::open(path_.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file.get() < 0) {
+  if (place_.isOccupied()) {
+    takeOverRights(file_.get(), place_.openExisting().get());
+  }
+  if (::fsync(file_.get()) != 0) {
     return errno;
   }
-  takeOverRights(file.get(), target_);
-  if (const int error = sync(file.get())) {
+  if (const int error = checkAgain()) {
     return error;
   }
-  if (file.close() != 0) {
-    return errno;
-  }
-  if (::rename(path_.c_str(), target_.c_str()) != 0) {
+  if (::renameat(place_.folder(), temporaryName_.c_str(), place_.folder(), place_.name().c_str()) !=
+      0) {
     return errno;
   }
   committed_ = true;
-  syncFolder(target_);
+  if (const int error = place_.checkName(place_.name(), file_.get())) {
+    return error == ENOENT ? ESTALE : error;
+  }
+  place_.sync();
   return 0;
 }
 

@@ -78,6 +78,14 @@ class PosixUserAudioFiles : public UserAudioFiles {
 
 }  // namespace
 
+UserAudioFiles::Opened UserAudioFiles::writeTo(int descriptor) {
+  const int own = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);  // the file closes it
+  if (own < 0) {
+    return errno;
+  }
+  return std::make_unique<WriteBehindFile>(own);
+}
+
 std::shared_ptr<UserAudioFiles> UserAudioFiles::whenNoneIsInstalled() {
   return std::make_shared<PosixUserAudioFiles>();
 }

@@ -27,6 +27,9 @@ class UserAudioFiles {
 
   /// Creates the file, or truncates an existing one, which keeps its permissions.
   [[nodiscard]] virtual Opened createForWriting(const std::string& path) = 0;
+
+  /// A file over an open descriptor, which stays the caller's: that of a new, empty file.
+  [[nodiscard]] virtual Opened writeTo(int descriptor);
 };
 
 inline std::shared_ptr<UserAudioFiles> userAudioFiles() {

@@ -28,6 +28,7 @@ constexpr std::array kReasons{
     Reason{EIO, textKey("The disk could not be read or written.")},
     Reason{ENODEV, textKey("The disk has been removed.")},
     Reason{ENXIO, textKey("The disk has been removed.")},
+    Reason{ESTALE, textKey("Another program has changed the folder or the file meanwhile.")},
     Reason{ENAMETOOLONG, textKey("The name is too long.")},
     Reason{ELOOP, textKey("The name is a link that leads back to itself.")},
     Reason{EMFILE, textKey("Too many files are open.")},

@@ -7,6 +7,8 @@
 #include <string>
 
 #include "platform/base/AudioTypes.h"
+#include "platform/base/Result.h"
+#include "platform/files/File.h"
 #include "platform/media/AudioFileStatus.h"
 
 namespace platform {
@@ -35,6 +37,9 @@ class ExtAudioFileOutput {
 
   /// Creates the file, or truncates an existing one, and writes its header.
   [[nodiscard]] static Created createWithURL(const std::string& path, AudioFileKind kind);
+  /// Writes the header to a new, empty file, or fails as opening that file did.
+  [[nodiscard]] static Created createWithFile(Result<std::unique_ptr<File>> file,
+                                              AudioFileKind kind);
 
   /// Maximum frames that a file of this kind can hold; nothing for no limit.
   [[nodiscard]] static constexpr std::optional<std::uint64_t> maximumFrames(AudioFileKind kind) {
@@ -45,6 +50,17 @@ class ExtAudioFileOutput {
                ? std::nullopt
                : std::optional((std::numeric_limits<std::uint32_t>::max() - kHeaderBytes) /
                                kBytesPerFrame);
+  }
+
+  /// Bytes that a file with so many frames takes at least, to find out beforehand that it cannot
+  /// fit. AAC counts with half of its rate, since quiet sound takes less than the whole.
+  [[nodiscard]] static constexpr std::uint64_t estimatedBytes(AudioFileKind kind,
+                                                              std::uint64_t frames) {
+    constexpr std::uint64_t kBytesPerFrame = 4;
+    constexpr std::uint64_t kAacBytesPerSecond = 16'000;
+    constexpr std::uint64_t kRate = 44'100;
+    return kind == AudioFileKind::m4a ? frames / kRate * kAacBytesPerSecond
+                                      : frames * kBytesPerFrame;
   }
 
   /// Disposes of the file unless already done.

@@ -11,16 +11,15 @@
 
 namespace platform {
 
-/// Interface of the module orvo-ffmpeg. Files are opened through `files`.
+/// Interface of the module orvo-ffmpeg. Files to read are opened through `files`.
 ///
 /// Threads: any. Real-time: not safe.
 struct FfmpegModule {
   /// ExtAudioFileInput::openURL()
   ExtAudioFileInput::Opened (*openInput)(UserAudioFiles& files, const std::string& path,
                                          std::shared_ptr<const std::atomic<bool>> cancelled);
-  /// ExtAudioFileOutput::createWithURL()
-  ExtAudioFileOutput::Created (*createOutput)(UserAudioFiles& files, const std::string& path,
-                                              AudioFileKind kind);
+  /// ExtAudioFileOutput::createWithFile(), or its failure to create the file
+  ExtAudioFileOutput::Created (*createOutput)(UserAudioFiles::Opened file, AudioFileKind kind);
   /// FourierTransform::create()
   std::unique_ptr<FourierTransform> (*createTransform)(int log2Length);
 };

@@ -1,7 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "platform/base/AudioTypes.h"
 #include "platform/base/Result.h"
@@ -45,12 +49,24 @@ class AudioOutputClient {
   virtual void deviceOutputFailed(AudioStatus status) noexcept = 0;
 };
 
+/// A sound input of the system.
+struct AudioInputDevice {
+  std::string id;          ///< unique while it exists
+  std::string name;        ///< for users; any characters and any length, also none
+  bool isMonitor = false;  ///< captures what an output plays
+  bool isDefault = false;
+};
+
 /// An open, running input stream. Destruction ends it; the client is not called after that.
 ///
 /// Threads: the control thread of the audio queues. Every call may block for long.
 class AudioInputStream {
  public:
   virtual ~AudioInputStream() = default;
+
+  /// The id of the input that the stream captures from now: the sound system may move it. Empty if
+  /// it is unknown.
+  [[nodiscard]] virtual std::string currentInput() { return {}; }
 };
 
 /// An open output stream, initially stopped. Destruction drops queued audio and ends it; the client
@@ -90,6 +106,18 @@ class AudioDevice {
   /// Connects to the sound system ahead of the first stream. Failure is not reported: opening a
   /// stream tries again.
   virtual void prepare() {}
+
+  /// `changed` is called whenever an input appears or vanishes, as far as the sound system
+  /// notifies, on any thread of the device; it must be real-time safe. Set before the first stream
+  /// opens.
+  virtual void setInputsChangedHandler(std::function<void()> changed) {
+    static_cast<void>(changed);
+  }
+
+  /// The inputs that exist now; nothing if the sound system does not answer or cannot list them.
+  [[nodiscard]] virtual std::optional<std::vector<AudioInputDevice>> inputs() {
+    return std::nullopt;
+  }
 };
 
 }  // namespace platform

@@ -23,7 +23,6 @@ class NoAudioQueues final : public AudioQueues {
     return kDeviceUnavailableStatus;
   }
   bool claimInputFailureAlert() override { return !claimed_.exchange(true); }
-  bool claimDeviceLossAlert() override { return true; }
 
  private:
   std::atomic<bool> claimed_{false};

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <vector>
+#include <string>
 
 #include "platform/base/AudioTypes.h"
 #include "platform/base/Installed.h"
@@ -16,13 +16,18 @@
 ///
 /// The device's real-time thread never runs a callback; it moves samples through a lock-free ring.
 /// Callbacks run on the queue's thread and may lock, write files and block. If that thread stalls,
-/// no frame is lost until the ring is full (kInputRingFrames); frames lost after that are counted
-/// and logged to the diagnostics console.
+/// no frame is lost until the ring is full (kInputRingFrames). For frames lost after that, or
+/// inside the sound system, an input queue delivers silence of the same length, so that what
+/// follows keeps its time; they are also logged to the diagnostics console.
 namespace platform {
 
 /// Capacity in frames of an input queue's ring, nearly 6 s: the longest stall of the queue's thread
 /// without loss.
 inline constexpr std::uint32_t kInputRingFrames = 64 * kRecordingChunkFrames;
+
+/// The longest gap, in frames, for which an input queue delivers silence: a minute. Above that,
+/// silence would only fill the disk.
+inline constexpr std::uint64_t kMaxSilencedFrames = 60 * std::uint64_t{kWorkingRate};
 
 /// One buffer of a queue. The queue owns it; the pointer is valid until the queue is disposed of.
 struct AudioQueueBuffer {
@@ -30,9 +35,30 @@ struct AudioQueueBuffer {
   std::uint32_t mAudioDataBytesCapacity = 0;  ///< bytes
   std::uint32_t mAudioDataByteSize = 0;       ///< bytes of valid data
   std::uint32_t mPacketDescriptionCount = 0;  ///< always 0 for linear PCM
-  /// Input only: frames captured from the queue's start to the end of this buffer. Compares with
-  /// AudioInputQueue::capturedFrames().
+  /// Input only: frames captured from the queue's start to the end of this buffer, lost ones
+  /// included. Compares with AudioInputQueue::capturedFrames().
   std::uint64_t endFrame = 0;
+  /// Input only: how many of this buffer's frames were lost, and are silence: all or none.
+  std::uint32_t silencedFrames = 0;
+  /// Input only: frames lost before this buffer that no silence stands for: more than
+  /// kMaxSilencedFrames, otherwise 0.
+  std::uint64_t missingBefore = 0;
+};
+
+/// The input that recordings come from.
+struct AudioInputSource {
+  enum class Kind {
+    kUnknown,     ///< not looked at yet, or the sound system does not say
+    kNone,        ///< there is no input at all
+    kMicrophone,  ///< any input but a monitor
+    kMonitor,     ///< what the computer plays
+  };
+  Kind kind = Kind::kUnknown;
+  bool isOpen = false;  ///< captured from now; otherwise the one that would be
+  std::string id;       ///< of the sound system; empty if unknown
+  std::string name;     ///< as the sound system has it: UTF-8 of any length and content, also empty
+
+  friend bool operator==(const AudioInputSource&, const AudioInputSource&) = default;
 };
 
 /// The common base of input and output queues.
@@ -85,7 +111,8 @@ class AudioQueue {
 class AudioInputQueue : public AudioQueue {
  public:
   /// Called on the queue's thread with each filled buffer, in the order of capture. Only the last
-  /// one before the failure listener may be partly filled.
+  /// one before the failure listener, or before lost frames, and the last one of the silence that
+  /// stands for these may be partly filled.
   using Callback = std::function<void(AudioInputQueue&, AudioQueueBuffer&)>;
   /// Called on the queue's thread, at most once, when the device fails or is unplugged. Its last
   /// frames are delivered first if enough buffers are enqueued.
@@ -99,7 +126,7 @@ class AudioInputQueue : public AudioQueue {
   /// the queue is stopped or has no enqueued buffer left. Not from inside the callback.
   virtual void waitUntilDelivered(std::uint64_t frame) = 0;
 
-  /// Captured frames lost because the ring was full. Any thread.
+  /// Frames lost because the ring was full, or inside the sound system. Any thread.
   [[nodiscard]] virtual std::uint64_t lostFrames() const = 0;
 };
 
@@ -168,12 +195,14 @@ class AudioQueues {
 
   /// True for the first caller after the input device began to fail, which alerts the user. False
   /// until the device's state changes again, so one failure shows one alert for any number of
-  /// recorders.
+  /// recorders. An input that appears is such a change.
   [[nodiscard]] virtual bool claimInputFailureAlert() = 0;
 
-  /// True for the first caller that reports a lost device (kDeviceLostStatus), then false for a
-  /// second: a dying sound server takes input and output with it, but shows one alert.
-  [[nodiscard]] virtual bool claimDeviceLossAlert() = 0;
+  /// The input that is captured from; while none is open, the default one. Never waits.
+  [[nodiscard]] virtual AudioInputSource inputSource() const { return {}; }
+
+  /// The input that was captured from when a queue's failure listener was last called.
+  [[nodiscard]] virtual AudioInputSource lostInput() const { return {}; }
 };
 
 inline std::shared_ptr<AudioQueues> audioQueues() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "platform/base/AudioTypes.h"
 
@@ -9,6 +10,8 @@ namespace platform {
 
 namespace {
 constexpr auto kWindow = std::chrono::seconds(2);
+constexpr auto kStall = std::chrono::milliseconds(500);
+constexpr auto kWindowAfterStall = std::chrono::seconds(1);
 // A burst after a stall arrives in many callbacks; a window must hold enough to see its end.
 constexpr std::uint32_t kWindowCalls = 16;
 }  // namespace
@@ -19,17 +22,26 @@ std::uint64_t CaptureLossDetector::captured(std::uint32_t frames,
     begun_ = true;
     origin_ = now;
     windowStart_ = now;
+    lastCall_ = now;
     return 0;
+  }
+  if (now - std::exchange(lastCall_, now) >= kStall) {
+    windowStart_ = now;
+    windowLag_ = kNone;
+    windowCalls_ = 0;
+    isAfterStall_ = true;
   }
   captured_ += frames;
   const double seconds = std::chrono::duration<double>(now - origin_).count();
   const auto expected = static_cast<std::int64_t>(seconds * kWorkingRate);
   windowLag_ = std::min(windowLag_, expected - captured_);
   ++windowCalls_;
-  if (now - windowStart_ < kWindow || windowCalls_ < kWindowCalls) {
+  const auto length = isAfterStall_ ? kWindowAfterStall : kWindow;
+  if (now - windowStart_ < length || windowCalls_ < kWindowCalls) {
     return 0;
   }
   windowStart_ = now;
+  isAfterStall_ = false;
   return closeWindow();
 }
 

@@ -13,8 +13,9 @@ namespace platform {
 /// The lag is the number of frames due by now minus the number received. It varies with every
 /// callback, but its minimum over a window of two seconds is stable. That minimum drifts slowly
 /// with the device's clock (1000 ppm are 88 frames a window) and stays raised only when frames are
-/// missing: after a stall without loss the late frames arrive in a burst. The first window is
-/// ignored, since streams start unevenly.
+/// missing: after a stall without loss the late frames arrive in a burst. After a pause between two
+/// callbacks of half a second or more, a shorter window begins, so that a loss is found soon. The
+/// first window is ignored, since streams start unevenly.
 ///
 /// Threads: the device's real-time thread. Real-time: safe.
 class CaptureLossDetector {
@@ -37,6 +38,8 @@ class CaptureLossDetector {
   bool begun_ = false;
   AudioClock::TimePoint origin_;
   AudioClock::TimePoint windowStart_;
+  AudioClock::TimePoint lastCall_;
+  bool isAfterStall_ = false;         // this window
   std::int64_t captured_ = 0;         // frames since origin_
   std::int64_t windowLag_ = kNone;    // smallest lag in this window, frames
   std::int64_t baselineLag_ = kNone;  // smallest lag in the previous window

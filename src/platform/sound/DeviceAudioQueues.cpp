@@ -2,10 +2,11 @@
 
 #include <utility>
 
-#include "platform/sound/DeviceQueues.h"
 #include "platform/sound/DeviceThread.h"
+#include "platform/sound/QueueHandles.h"
 #include "platform/sound/RecentFailure.h"
 #include "platform/sound/SharedInput.h"
+#include "platform/sound/StallWatch.h"
 
 namespace platform {
 
@@ -19,7 +20,8 @@ DeviceAudioQueues::DeviceAudioQueues(std::shared_ptr<AudioDevice> device,
                                      std::shared_ptr<AudioClock> clock)
     : clock_(std::move(clock)),
       deviceThread_(std::make_shared<DeviceThread>(std::move(device), clock_)),
-      input_(SharedInput::create(deviceThread_->control(), clock_)),
+      stallWatch_(std::make_shared<StallWatch>(clock_)),
+      input_(SharedInput::create(deviceThread_->control(), clock_, stallWatch_)),
       outputFailure_(std::make_shared<RecentFailure>()) {}
 
 DeviceAudioQueues::~DeviceAudioQueues() = default;
@@ -42,7 +44,7 @@ AudioQueues::NewInput DeviceAudioQueues::newInput(const AudioStreamBasicDescript
   if (!isWorkingFormat(format)) {
     return kInvalidParameterStatus;
   }
-  auto made = std::make_unique<DeviceInputQueue>(std::move(callback), std::move(failed),
+  auto made = std::make_unique<InputQueueHandle>(std::move(callback), std::move(failed),
                                                  deviceThread_, input_);
   if (const AudioStatus status = made->acquireDevice(); status != kAudioStatusOk) {
     return status;
@@ -58,8 +60,8 @@ AudioQueues::NewOutput DeviceAudioQueues::newOutput(const AudioStreamBasicDescri
   if (const AudioStatus known = outputFailure_->recent(clock_->now()); known != kAudioStatusOk) {
     return known;
   }
-  auto made = std::make_unique<DeviceOutputQueue>(std::move(callback), deviceThread_, clock_,
-                                                  outputFailure_);
+  auto made = std::make_unique<OutputQueueHandle>(std::move(callback), deviceThread_, clock_,
+                                                  stallWatch_, outputFailure_);
   if (const AudioStatus status = made->open(); status != kAudioStatusOk) {
     return status;
   }
@@ -67,17 +69,15 @@ AudioQueues::NewOutput DeviceAudioQueues::newOutput(const AudioStreamBasicDescri
 }
 
 bool DeviceAudioQueues::claimInputFailureAlert() {
-  return input_->takeFailureReport();
+  return input_->claimFailureAlert();
 }
 
-bool DeviceAudioQueues::claimDeviceLossAlert() {
-  const MutexLock lock(mutex_);
-  const AudioClock::TimePoint now = clock_->now();
-  if (lossToldAt_ && now - *lossToldAt_ < RecentFailure::kMemory) {
-    return false;
-  }
-  lossToldAt_ = now;
-  return true;
+AudioInputSource DeviceAudioQueues::inputSource() const {
+  return input_->source();
+}
+
+AudioInputSource DeviceAudioQueues::lostInput() const {
+  return input_->lost();
 }
 
 }  // namespace platform

@@ -2,9 +2,7 @@
 
 #include <future>
 #include <memory>
-#include <optional>
 
-#include "platform/base/Mutex.h"
 #include "platform/sound/AudioClock.h"
 #include "platform/sound/AudioDevice.h"
 #include "platform/sound/AudioQueue.h"
@@ -14,6 +12,7 @@ namespace platform {
 class DeviceThread;
 class RecentFailure;
 class SharedInput;
+class StallWatch;
 
 /// The audio queues of the process, on a sound device: the real CubebAudioDevice, or a
 /// ScriptedAudioDevice in tests. docs/sound.md describes how its threads and rings work together.
@@ -45,17 +44,16 @@ class DeviceAudioQueues final : public AudioQueues {
   [[nodiscard]] NewOutput newOutput(const AudioStreamBasicDescription& format,
                                     AudioOutputQueue::Callback callback) override;
   [[nodiscard]] bool claimInputFailureAlert() override;
-  [[nodiscard]] bool claimDeviceLossAlert() override;
+  [[nodiscard]] AudioInputSource inputSource() const override;
+  [[nodiscard]] AudioInputSource lostInput() const override;
 
  private:
   // Fixed after construction.
   const std::shared_ptr<AudioClock> clock_;
   const std::shared_ptr<DeviceThread> deviceThread_;
+  const std::shared_ptr<StallWatch> stallWatch_;  // no other object owns it
   const std::shared_ptr<SharedInput> input_;
   const std::shared_ptr<RecentFailure> outputFailure_;
-
-  Mutex mutex_;
-  std::optional<AudioClock::TimePoint> lossToldAt_ GUARDED_BY(mutex_);
 };
 
 }  // namespace platform

@@ -49,7 +49,7 @@ AudioStatus InputQueueCore::start() {
     return kInvalidQueueStateStatus;
   }
   if (failure_ != kAudioStatusOk) {
-    failureTold_ = true;
+    failureReported_ = true;
     return failure_;
   }
   if (state_ == State::kRunning) {
@@ -80,7 +80,7 @@ void InputQueueCore::stop() {
   progress_.notifyAll();
   thread_.end();
   if (!thread_.isCurrent()) {
-    tellLossAtTheEnd();
+    logRemainingLoss();
   }
 }
 
@@ -134,7 +134,13 @@ void InputQueueCore::captured(const float* samples, std::uint32_t frames) noexce
   }
 }
 
-void InputQueueCore::inputFailed(AudioStatus status) {
+void InputQueueCore::skipped(std::uint64_t frames) noexcept {
+  if (producer_->skip(frames) > 0) {
+    thread_.wake();
+  }
+}
+
+void InputQueueCore::inputFailed(AudioStatus status, LastBlock lastBlock) {
   {
     const MutexLock lock(mutex_);
     if (failure_ != kAudioStatusOk) {
@@ -146,7 +152,7 @@ void InputQueueCore::inputFailed(AudioStatus status) {
   {
     // The real-time thread has left: its unfinished block is the last of the capture.
     const MutexLock lock(mutex_);
-    if (producer_) {
+    if (producer_ && lastBlock == LastBlock::kDelivered) {
       producer_->finish();
     }
     captureEnded_ = true;
@@ -157,9 +163,9 @@ void InputQueueCore::inputFailed(AudioStatus status) {
 void InputQueueCore::serve() {
   while (!thread_.isEnding() && deliverOne()) {
   }
-  tellLossInSystem();
+  logSystemLoss();
   if (!thread_.isEnding()) {
-    tellFailure();
+    reportFailure();
   }
 }
 
@@ -175,17 +181,13 @@ bool InputQueueCore::deliverOne() {
     if (!canDeliver()) {
       return false;
     }
-    const InputRing::Block* block = consumer_->front();
     buffer = enqueued_.front();
     enqueued_.pop_front();
     buffers_.markReturned(buffer);
-    inCallback_ = block->endFrame;
-    lost = block->lostBefore;
-    lossTold_ += lost;
-    fill(*buffer);
-    consumer_->pop();
+    lost = fill(*buffer);
+    inCallback_ = buffer->endFrame;
   }
-  tellLoss(lost);
+  logLoss(lost);
   levels_.measure(reinterpret_cast<const float*>(buffer->mAudioData),
                   buffer->mAudioDataByteSize / kWorkingFrameBytes);
   if (callback_) {
@@ -199,47 +201,78 @@ bool InputQueueCore::deliverOne() {
   return true;
 }
 
-void InputQueueCore::fill(AudioQueueBuffer& buffer) {
-  const std::uint32_t bytes = consumer_->front()->frames() * kWorkingFrameBytes;
-  std::memcpy(buffer.mAudioData, consumer_->frontSamples(), bytes);
-  buffer.mAudioDataByteSize = bytes;
+std::uint64_t InputQueueCore::fill(AudioQueueBuffer& buffer) {
+  const InputRing::Block& block = *consumer_->front();
   buffer.mPacketDescriptionCount = 0;
-  buffer.endFrame = consumer_->front()->endFrame;
+  std::uint64_t lostInRing = 0;
+  if (!silenceLeft_) {
+    silenceLeft_ = block.lostBefore <= kMaxSilencedFrames ? block.lostBefore : 0;
+    lostInRing = block.lostBefore - block.skippedBefore;
+    loggedLoss_ += block.lostBefore;
+  }
+  if (*silenceLeft_ > 0) {
+    fillWithSilence(buffer, block);
+  } else {
+    fillWithBlock(buffer, block);
+    silenceLeft_.reset();
+    consumer_->pop();
+  }
+  return lostInRing;
 }
 
-void InputQueueCore::tellLoss(std::uint64_t frames) {
+void InputQueueCore::fillWithSilence(AudioQueueBuffer& buffer, const InputRing::Block& next) {
+  const auto frames = static_cast<std::uint32_t>(
+      std::min<std::uint64_t>(buffer.mAudioDataBytesCapacity / kWorkingFrameBytes, *silenceLeft_));
+  *silenceLeft_ -= frames;
+  std::memset(buffer.mAudioData, 0, std::size_t{frames} * kWorkingFrameBytes);
+  buffer.mAudioDataByteSize = frames * kWorkingFrameBytes;
+  buffer.endFrame = next.firstFrame - *silenceLeft_;
+  buffer.silencedFrames = frames;
+  buffer.missingBefore = 0;
+}
+
+void InputQueueCore::fillWithBlock(AudioQueueBuffer& buffer, const InputRing::Block& block) {
+  const std::uint32_t bytes = block.frames() * kWorkingFrameBytes;
+  std::memcpy(buffer.mAudioData, consumer_->frontSamples(), bytes);
+  buffer.mAudioDataByteSize = bytes;
+  buffer.endFrame = block.endFrame;
+  buffer.silencedFrames = 0;
+  buffer.missingBefore = block.lostBefore > kMaxSilencedFrames ? block.lostBefore : 0;
+}
+
+void InputQueueCore::logLoss(std::uint64_t frames) {
   if (frames > 0) {
     ConsoleLog("Audio input: %llu frames were lost, their receiver was held up for too long",
                static_cast<unsigned long long>(frames));
   }
 }
 
-void InputQueueCore::tellLossInSystem() {
+void InputQueueCore::logSystemLoss() {
   if (const std::uint64_t lost = input_->takeFramesLostInSystem()) {
     ConsoleLog("Audio input: about %llu frames were lost inside the sound system",
                static_cast<unsigned long long>(lost));
   }
 }
 
-void InputQueueCore::tellLossAtTheEnd() {
-  tellLossInSystem();
-  std::uint64_t untold = 0;
+void InputQueueCore::logRemainingLoss() {
+  logSystemLoss();
+  std::uint64_t unlogged = 0;
   {
     const MutexLock lock(mutex_);
     if (ring_) {
-      untold = ring_->lostFrames() - lossTold_;
-      lossTold_ += untold;
+      unlogged = ring_->lostFrames() - loggedLoss_;
+      loggedLoss_ += unlogged;
     }
   }
-  tellLoss(untold);
+  logLoss(unlogged);
 }
 
-void InputQueueCore::tellFailure() {
+void InputQueueCore::reportFailure() {
   AudioStatus status = kAudioStatusOk;
   {
     const MutexLock lock(mutex_);
     // Blocks finished since the last check of the ring go first; their wake-up is under way.
-    if (!captureEnded_ || canDeliver() || std::exchange(failureTold_, true)) {
+    if (!captureEnded_ || canDeliver() || std::exchange(failureReported_, true)) {
       return;
     }
     status = failure_;

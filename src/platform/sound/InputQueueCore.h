@@ -15,10 +15,11 @@
 
 namespace platform {
 
-/// The implementation of an input queue. It outlives its DeviceInputQueue while its thread or the
+/// The implementation of an input queue. It outlives its InputQueueHandle while its thread or the
 /// control thread still holds it.
 ///
-/// Threads: as AudioInputQueue, except where noted. Real-time: only captured() is safe.
+/// Threads: as AudioInputQueue, except where noted. Real-time: only captured() and skipped() are
+/// safe.
 class InputQueueCore final : public InputSink,
                              public InputSubscriber,
                              public std::enable_shared_from_this<InputQueueCore> {
@@ -41,7 +42,8 @@ class InputQueueCore final : public InputSink,
   [[nodiscard]] LevelMeter& levels() { return levels_; }
 
   void captured(const float* samples, std::uint32_t frames) noexcept override;
-  void inputFailed(AudioStatus status) override;
+  void skipped(std::uint64_t frames) noexcept override;
+  void inputFailed(AudioStatus status, LastBlock lastBlock) override;
 
  private:
   enum class State { kCreated, kRunning, kStopped };
@@ -49,15 +51,19 @@ class InputQueueCore final : public InputSink,
   // On the queue's thread.
   void serve() EXCLUDES(mutex_);
   [[nodiscard]] bool deliverOne() EXCLUDES(mutex_);
-  void fill(AudioQueueBuffer& buffer) REQUIRES(mutex_);
-  void tellLoss(std::uint64_t frames);
-  void tellFailure() EXCLUDES(mutex_);
+  /// Fills the buffer with the oldest block, or with silence for frames lost before it. Returns the
+  /// frames whose loss is to be logged, lost in the ring.
+  std::uint64_t fill(AudioQueueBuffer& buffer) REQUIRES(mutex_);
+  void fillWithSilence(AudioQueueBuffer& buffer, const InputRing::Block& next) REQUIRES(mutex_);
+  void fillWithBlock(AudioQueueBuffer& buffer, const InputRing::Block& block) REQUIRES(mutex_);
+  void logLoss(std::uint64_t frames);
+  void reportFailure() EXCLUDES(mutex_);
 
   [[nodiscard]] bool isDelivered(std::uint64_t frame) const REQUIRES(mutex_);
   [[nodiscard]] bool canDeliver() const REQUIRES(mutex_);
 
-  void tellLossInSystem();
-  void tellLossAtTheEnd() EXCLUDES(mutex_);
+  void logSystemLoss();
+  void logRemainingLoss() EXCLUDES(mutex_);
 
   // Fixed after construction.
   AudioInputQueue& owner_;
@@ -80,13 +86,16 @@ class InputQueueCore final : public InputSink,
   QueueBuffers buffers_ GUARDED_BY(mutex_);
   std::deque<AudioQueueBuffer*> enqueued_ GUARDED_BY(mutex_);
   std::optional<InputRingConsumer> consumer_ GUARDED_BY(mutex_);
+  // frames lost before the oldest block: unknown until it is looked at, then those for which
+  // silence is still to be delivered
+  std::optional<std::uint64_t> silenceLeft_ GUARDED_BY(mutex_);
   // endFrame of the buffer that the callback has
   std::optional<std::uint64_t> inCallback_ GUARDED_BY(mutex_);
   AudioStatus failure_ GUARDED_BY(mutex_) = kAudioStatusOk;
   // the device failed, and its last frames are in the ring
   bool captureEnded_ GUARDED_BY(mutex_) = false;
-  bool failureTold_ GUARDED_BY(mutex_) = false;
-  std::uint64_t lossTold_ GUARDED_BY(mutex_) = 0;  // frames
+  bool failureReported_ GUARDED_BY(mutex_) = false;
+  std::uint64_t loggedLoss_ GUARDED_BY(mutex_) = 0;  // frames
 };
 
 }  // namespace platform

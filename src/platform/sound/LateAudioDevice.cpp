@@ -25,15 +25,31 @@ class LateAudioDevice final : public AudioDevice {
     }
   }
 
+  void setInputsChangedHandler(std::function<void()> changed) override {
+    if (device_) {
+      device_->setInputsChangedHandler(std::move(changed));
+    } else {
+      inputsChanged_ = std::move(changed);  // loads nothing yet
+    }
+  }
+
+  std::optional<std::vector<AudioInputDevice>> inputs() override {
+    return load() ? device_->inputs() : std::nullopt;
+  }
+
  private:
   // Tries once, whether it succeeds or not.
   [[nodiscard]] bool load() {
     if (const char* const name = std::exchange(moduleName_, nullptr); name != nullptr) {
       device_.reset(makeFromModule<AudioDevice>(name));
+      if (device_) {
+        device_->setInputsChangedHandler(std::exchange(inputsChanged_, nullptr));
+      }
     }
     return device_ != nullptr;
   }
 
+  std::function<void()> inputsChanged_;
   const char* moduleName_;  // null once loaded or found missing
   std::unique_ptr<AudioDevice> device_;
 };

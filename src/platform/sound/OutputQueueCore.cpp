@@ -10,9 +10,11 @@ std::shared_ptr<OutputQueueCore> OutputQueueCore::create(AudioOutputQueue& owner
                                                          AudioOutputQueue::Callback callback,
                                                          std::shared_ptr<DeviceTasks> control,
                                                          std::shared_ptr<AudioClock> clock,
+                                                         std::weak_ptr<StallWatch> stallWatch,
                                                          std::shared_ptr<RecentFailure> known) {
-  std::shared_ptr<OutputQueueCore> core(new OutputQueueCore(
-      owner, std::move(callback), std::move(control), std::move(clock), std::move(known)));
+  std::shared_ptr<OutputQueueCore> core(
+      new OutputQueueCore(owner, std::move(callback), std::move(control), std::move(clock),
+                          std::move(stallWatch), std::move(known)));
   core->failureSignal_ = core->control_->makeSignal([weak = std::weak_ptr(core)](AudioDevice&) {
     if (const auto self = weak.lock()) {
       const AudioStatus status = self->pendingFailure_.exchange(kAudioStatusOk);
@@ -27,13 +29,15 @@ std::shared_ptr<OutputQueueCore> OutputQueueCore::create(AudioOutputQueue& owner
 OutputQueueCore::OutputQueueCore(AudioOutputQueue& owner, AudioOutputQueue::Callback callback,
                                  std::shared_ptr<DeviceTasks> control,
                                  std::shared_ptr<AudioClock> clock,
+                                 std::weak_ptr<StallWatch> stallWatch,
                                  std::shared_ptr<RecentFailure> known)
     : owner_(owner),
       control_(std::move(control)),
       clock_(std::move(clock)),
       known_(std::move(known)),
       created_(clock_->now()),
-      callback_(std::move(callback)) {}
+      callback_(std::move(callback)),
+      stallWatch_(std::move(stallWatch)) {}
 
 // --- Calls of the owner.
 
@@ -103,10 +107,28 @@ AudioStatus OutputQueueCore::start() {
     }
     state_ = State::kRunning;
   }
+  watchForStall();  // from here on, since the control thread may hang and not even begin
   return ask(&OutputQueueCore::startStream);
 }
 
+void OutputQueueCore::watchForStall() {
+  const auto watch = stallWatch_.lock();
+  if (!watch) {
+    return;
+  }
+  auto watched = watch->watch(calls_, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) {
+      self->stalled();
+    }
+  });
+  const MutexLock lock(mutex_);
+  if (state_ == State::kRunning) {
+    watched_.swap(watched);
+  }
+}
+
 AudioStatus OutputQueueCore::pause() {
+  decltype(watched_) watched;
   {
     const MutexLock lock(mutex_);
     if (state_ == State::kStopped) {
@@ -116,6 +138,7 @@ AudioStatus OutputQueueCore::pause() {
       return kAudioStatusOk;
     }
     state_ = State::kPaused;
+    watched.swap(watched_);
   }
   return ask(&OutputQueueCore::pauseStream);
 }
@@ -137,22 +160,24 @@ AudioStatus OutputQueueCore::stopAfterQueued() {
 
 void OutputQueueCore::stop() {
   bool first = false;
+  decltype(watched_) watched;
   {
     const MutexLock lock(mutex_);
     first = state_ != State::kStopped;
     state_ = State::kStopped;
     running_ = false;
     changes_.clear();
+    watched.swap(watched_);
   }
   feeder_.close();
   if (first) {
     control_->post([self = shared_from_this()](AudioDevice&) { self->stream_.reset(); });
-    tellUnderruns();
+    logUnderruns();
   }
   thread_.end();
 }
 
-void OutputQueueCore::tellUnderruns() const {
+void OutputQueueCore::logUnderruns() const {
   if (const std::uint64_t frames = underrunFrames()) {
     ConsoleLog(
         "Audio output: %llu frames of silence came in between, the audio was not there in time",
@@ -183,8 +208,8 @@ AudioStatus OutputQueueCore::setRunningListener(AudioOutputQueue::RunningListene
 }
 
 bool OutputQueueCore::isRunning() const {
-  if (thread_.isCurrent() && telling_) {
-    return *telling_;
+  if (thread_.isCurrent() && notified_) {
+    return *notified_;
   }
   const MutexLock lock(mutex_);
   return running_;
@@ -198,6 +223,7 @@ AudioStatus OutputQueueCore::failure() const {
 // --- The device's threads.
 
 void OutputQueueCore::deviceWants(float* samples, std::uint32_t frames) noexcept {
+  calls_->fetch_add(1, std::memory_order_relaxed);
   if (feeder_.fill(samples, frames) > 0) {
     thread_.wake();
   }
@@ -301,6 +327,7 @@ void OutputQueueCore::watchDrain() {
 }
 
 void OutputQueueCore::endDrained() {
+  decltype(watched_) watched;
   {
     const MutexLock lock(mutex_);
     if (state_ != State::kRunning) {
@@ -309,12 +336,31 @@ void OutputQueueCore::endDrained() {
     state_ = State::kEnded;
     running_ = false;
     changes_.push_back(false);
+    watched.swap(watched_);
   }
   thread_.wake();
   stream_.reset();
 }
 
 void OutputQueueCore::fail(AudioStatus status, TimedReply* answer) {
+  end(status, answer);
+  stream_.reset();
+}
+
+void OutputQueueCore::stalled() {
+  {
+    const MutexLock lock(mutex_);
+    if (state_ != State::kRunning) {
+      return;
+    }
+  }
+  feeder_.close();  // the stream may go on before it is closed
+  end(kDeviceStalledStatus, nullptr);
+  control_->post([self = shared_from_this()](AudioDevice&) { self->stream_.reset(); });
+}
+
+void OutputQueueCore::end(AudioStatus status, TimedReply* answer) {
+  decltype(watched_) watched;
   known_->note(status, clock_->now());
   {
     const MutexLock lock(mutex_);
@@ -332,9 +378,9 @@ void OutputQueueCore::fail(AudioStatus status, TimedReply* answer) {
         changes_.push_back(false);
       }
     }
+    watched.swap(watched_);
   }
   thread_.wake();
-  stream_.reset();
 }
 
 // --- The queue's thread.
@@ -354,7 +400,7 @@ void OutputQueueCore::serve() {
     // Buffers that the device took before the change are returned before it.
     returnTaken();
     if (!thread_.isEnding()) {
-      tell(running);
+      notifyListener(running);
     }
   }
 }
@@ -377,12 +423,12 @@ void OutputQueueCore::returnTaken() {
   }
 }
 
-void OutputQueueCore::tell(bool running) {
-  telling_ = running;
+void OutputQueueCore::notifyListener(bool running) {
+  notified_ = running;
   if (listener_) {
     listener_(owner_);
   }
-  telling_.reset();
+  notified_.reset();
 }
 
 }  // namespace platform

@@ -15,11 +15,12 @@
 #include "platform/sound/QueueBuffers.h"
 #include "platform/sound/QueueThread.h"
 #include "platform/sound/RecentFailure.h"
+#include "platform/sound/StallWatch.h"
 #include "platform/sound/TimedReply.h"
 
 namespace platform {
 
-/// The implementation of an output queue. It outlives its DeviceOutputQueue while its thread, or a
+/// The implementation of an output queue. It outlives its OutputQueueHandle while its thread, or a
 /// stream on the control thread, still needs it.
 ///
 /// Threads: as AudioOutputQueue, except where noted. Real-time: only deviceWants() is safe.
@@ -36,6 +37,7 @@ class OutputQueueCore final : public AudioOutputClient,
                                                  AudioOutputQueue::Callback callback,
                                                  std::shared_ptr<DeviceTasks> control,
                                                  std::shared_ptr<AudioClock> clock,
+                                                 std::weak_ptr<StallWatch> stallWatch,
                                                  std::shared_ptr<RecentFailure> known);
 
   /// Opens the stream; waits at most kMaxWait, then assumes success.
@@ -63,10 +65,16 @@ class OutputQueueCore final : public AudioOutputClient,
 
   OutputQueueCore(AudioOutputQueue& owner, AudioOutputQueue::Callback callback,
                   std::shared_ptr<DeviceTasks> control, std::shared_ptr<AudioClock> clock,
-                  std::shared_ptr<RecentFailure> known);
+                  std::weak_ptr<StallWatch> stallWatch, std::shared_ptr<RecentFailure> known);
 
   [[nodiscard]] AudioStatus ask(void (OutputQueueCore::*task)(TimedReply&));
-  void tellUnderruns() const;
+  void logUnderruns() const;
+  void watchForStall() EXCLUDES(mutex_);
+  /// Ends the queue with a failure, whose stream is still to be closed. Threads: any.
+  void end(AudioStatus status, TimedReply* answer) EXCLUDES(mutex_);
+
+  // On the stall watch's thread.
+  void stalled() EXCLUDES(mutex_);
 
   // On the control thread.
   void openStream(AudioDevice& device, TimedReply& answer);
@@ -79,7 +87,7 @@ class OutputQueueCore final : public AudioOutputClient,
   // On the queue's thread.
   void serve() EXCLUDES(mutex_);
   void returnTaken() EXCLUDES(mutex_);
-  void tell(bool running);
+  void notifyListener(bool running);
 
   // Fixed after construction.
   AudioOutputQueue& owner_;
@@ -88,7 +96,9 @@ class OutputQueueCore final : public AudioOutputClient,
   const std::shared_ptr<RecentFailure> known_;
   const AudioClock::TimePoint created_;
   AudioOutputQueue::Callback callback_;  // released by dispose(), when no callback runs any more
+  const std::weak_ptr<StallWatch> stallWatch_;
   std::shared_ptr<DeviceTasks::Signal> failureSignal_;
+  const std::shared_ptr<StallWatch::Progress> calls_ = std::make_shared<StallWatch::Progress>(0);
 
   LevelMeter levels_;
   QueueThread thread_;
@@ -102,7 +112,7 @@ class OutputQueueCore final : public AudioOutputClient,
   bool watching_ = false;  // a check of the drain is posted
 
   // Queue's thread only: the state that the running listener is being notified of.
-  std::optional<bool> telling_;
+  std::optional<bool> notified_;
   // Set while kCreated, before the queue's thread runs; released by dispose(), after it.
   AudioOutputQueue::RunningListener listener_;
 
@@ -112,6 +122,7 @@ class OutputQueueCore final : public AudioOutputClient,
   bool running_ GUARDED_BY(mutex_) = false;      // the running state as the device has it
   bool openSettled_ GUARDED_BY(mutex_) = false;  // the opening has succeeded or failed
   AudioStatus failure_ GUARDED_BY(mutex_) = kAudioStatusOk;
+  std::shared_ptr<StallWatch::Stream> watched_ GUARDED_BY(mutex_);  // while kRunning
   std::deque<bool> changes_ GUARDED_BY(mutex_);  // of the running state, not yet notified
   QueueBuffers buffers_ GUARDED_BY(mutex_);
 };

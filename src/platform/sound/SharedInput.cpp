@@ -6,23 +6,36 @@
 namespace platform {
 
 std::shared_ptr<SharedInput> SharedInput::create(std::shared_ptr<DeviceTasks> control,
-                                                 std::shared_ptr<AudioClock> clock) {
-  std::shared_ptr<SharedInput> input(new SharedInput(std::move(control), std::move(clock)));
-  input->failureSignal_ = input->control_->makeSignal([weak = std::weak_ptr(input)](AudioDevice&) {
-    if (const auto self = weak.lock()) {
-      self->tearDownFailed();
-    }
+                                                 std::shared_ptr<AudioClock> clock,
+                                                 std::weak_ptr<StallWatch> stallWatch) {
+  std::shared_ptr<SharedInput> input(
+      new SharedInput(std::move(control), std::move(clock), std::move(stallWatch)));
+  const auto signal = [&](void (*task)(SharedInput&, AudioDevice&)) {
+    return input->control_->makeSignal([weak = std::weak_ptr(input), task](AudioDevice& device) {
+      if (const auto self = weak.lock()) {
+        task(*self, device);
+      }
+    });
+  };
+  input->failureSignal_ =
+      signal([](SharedInput& self, AudioDevice& device) { self.tearDownFailed(device); });
+  input->inputsSignal_ =
+      signal([](SharedInput& self, AudioDevice& device) { self.lookAtInputs(device, true); });
+  input->control_->post([changed = input->inputsSignal_](AudioDevice& device) {
+    device.setInputsChangedHandler([changed] { changed->raise(); });
   });
   input->control_->postAtEnd([input](AudioDevice&) { input->close(); });
   return input;
 }
 
-SharedInput::SharedInput(std::shared_ptr<DeviceTasks> control, std::shared_ptr<AudioClock> clock)
-    : control_(std::move(control)), clock_(std::move(clock)) {}
+SharedInput::SharedInput(std::shared_ptr<DeviceTasks> control, std::shared_ptr<AudioClock> clock,
+                         std::weak_ptr<StallWatch> stallWatch)
+    : control_(std::move(control)), clock_(std::move(clock)), stallWatch_(std::move(stallWatch)) {}
 
 AudioStatus SharedInput::acquire(const std::shared_ptr<InputSubscriber>& user) {
   auto question = std::make_shared<TimedReply>();
   AudioClock::TimePoint deadline;
+  std::uint64_t opening = 0;
   {
     const MutexLock lock(mutex_);
     if (state_ == State::kFailed) {
@@ -39,12 +52,12 @@ AudioStatus SharedInput::acquire(const std::shared_ptr<InputSubscriber>& user) {
     if (state_ == State::kOpen || (state_ == State::kOpening && preparing_)) {
       return kAudioStatusOk;
     }
-    if (state_ != State::kOpening) {
-      beginOpening();
-    }
+    opening = state_ == State::kOpening ? opening_ : beginOpening();
     questions_.push_back(question);
     deadline = openingSince_ + kMaxWait;
   }
+  // From here on, since the control thread may hang and not even begin.
+  watchForStall(opening);
   return question->wait(*clock_, deadline).value_or(kAudioStatusOk);
 }
 
@@ -72,16 +85,47 @@ void SharedInput::prepare() {
   }
 }
 
-bool SharedInput::takeFailureReport() {
+bool SharedInput::claimFailureAlert() {
   const MutexLock lock(mutex_);
-  return std::exchange(untold_, false);
+  return std::exchange(unreported_, false);
 }
 
-void SharedInput::beginOpening() {
+std::uint64_t SharedInput::beginOpening() {
   state_ = State::kOpening;
   preparing_ = false;
   openingSince_ = clock_->now();
-  control_->post([self = shared_from_this()](AudioDevice& device) { self->open(device); });
+  ++opening_;
+  control_->post([self = shared_from_this(), opening = opening_](AudioDevice& device) {
+    self->open(device, opening);
+  });
+  return opening_;
+}
+
+bool SharedInput::isCurrent(std::uint64_t opening) {
+  const MutexLock lock(mutex_);
+  return opening == opening_;
+}
+
+void SharedInput::watchForStall(std::uint64_t opening) {
+  const auto watch = stallWatch_.lock();
+  if (!watch) {
+    return;
+  }
+  {
+    const MutexLock lock(mutex_);
+    if (watched_ || opening != opening_) {
+      return;
+    }
+  }
+  auto watched = watch->watch(calls_, [weak = weak_from_this(), opening] {
+    if (const auto self = weak.lock()) {
+      self->stalled(opening);
+    }
+  });
+  const MutexLock lock(mutex_);
+  if (!watched_ && opening == opening_ && (state_ == State::kOpening || state_ == State::kOpen)) {
+    watched_.swap(watched);
+  }
 }
 
 void SharedInput::scheduleClosing() {
@@ -90,63 +134,185 @@ void SharedInput::scheduleClosing() {
                       [self = shared_from_this()](AudioDevice&) { self->closeIfUnused(); });
 }
 
-void SharedInput::open(AudioDevice& device) {
+void SharedInput::open(AudioDevice& device, std::uint64_t opening) {
+  if (!isCurrent(opening)) {
+    return;  // it was given up before it began
+  }
+  watchForStall(opening);
   detector_.reset();
   pendingFailure_.store(kAudioStatusOk);
-  auto opened = device.openInput(*this);
-  const AudioStatus status = opened.error();
-  if (opened) {
-    stream_ = *std::move(opened);
-  } else {
+  auto made = device.openInput(*this);
+  if (!made) {
     pendingFailure_.store(kAudioStatusOk);
+    if (claimEnd(opening)) {
+      fail(made.error());
+    }
+    lookForInput(device);
+    return;
   }
-  settle(status);
+  stream_ = *std::move(made);
+  streamsOpening_ = opening;
+  if (isCurrent(opening)) {  // otherwise it has stalled, and its end is posted
+    tracker_.opened(device, *stream_);
+    opened(opening);
+  }
 }
 
-void SharedInput::settle(AudioStatus status) {
-  decltype(users_) failedUsers;
+void SharedInput::opened(std::uint64_t opening) {
   decltype(questions_) questions;
   {
     const MutexLock lock(mutex_);
+    if (opening != opening_) {
+      return;  // it has stalled while its input was looked up
+    }
     questions.swap(questions_);
-    const bool failedBefore = std::exchange(failing_, status != kAudioStatusOk);
-    if (failing_) {
-      untold_ = untold_ || !failedBefore;
-      state_ = State::kFailed;
-      failure_.note(status, clock_->now());
-      failedUsers.swap(users_);
-    } else {
-      state_ = State::kOpen;
-      failure_.clear();
-      if (users_.empty()) {
-        scheduleClosing();
-      }
+    failing_ = false;
+    state_ = State::kOpen;
+    failure_.clear();
+    if (users_.empty()) {
+      scheduleClosing();
     }
   }
-  for (const auto& user : failedUsers) {
-    user->inputFailed(status);
+  for (const auto& question : questions) {
+    question->give(kAudioStatusOk);
+  }
+  scheduleLook(kLookAtStream);
+}
+
+bool SharedInput::claimEnd(std::uint64_t opening) {
+  const MutexLock lock(mutex_);
+  if (opening != opening_) {
+    return false;
+  }
+  ++opening_;
+  return true;
+}
+
+void SharedInput::fail(AudioStatus status) {
+  {
+    const MutexLock lock(mutex_);
+    noteFailing();
+    failure_.note(status, clock_->now());
+  }
+  endUsers(status, LastBlock::kDelivered, State::kFailed);
+}
+
+void SharedInput::noteFailing() {
+  unreported_ = unreported_ || !failing_;
+  failing_ = true;
+}
+
+void SharedInput::endUsers(AudioStatus status, LastBlock lastBlock, State next) {
+  decltype(users_) users;
+  decltype(questions_) questions;
+  decltype(watched_) watched;
+  {
+    const MutexLock lock(mutex_);
+    users.swap(users_);
+    questions.swap(questions_);
+    watched.swap(watched_);
+    state_ = next;
+  }
+  for (const auto& user : users) {
+    user->inputFailed(status, lastBlock);
   }
   for (const auto& question : questions) {
     question->give(status);
   }
 }
 
-void SharedInput::tearDownFailed() {
+void SharedInput::tearDownFailed(AudioDevice& device) {
   const AudioStatus status = pendingFailure_.exchange(kAudioStatusOk);
   if (status == kAudioStatusOk || !stream_) {
     return;
   }
-  settle(status);  // first: closing a dead stream may hang
+  if (claimEnd(streamsOpening_)) {
+    tracker_.setLost();
+    fail(status);  // first: closing a dead stream may hang
+  }
   stream_.reset();
+  lookForInput(device);
+}
+
+void SharedInput::stalled(std::uint64_t opening) {
+  if (!claimEnd(opening)) {
+    return;
+  }
+  tracker_.setLost();
+  fail(kDeviceStalledStatus);
+  control_->post([self = shared_from_this(), opening](AudioDevice& device) {
+    if (self->streamsOpening_ == opening) {  // otherwise there is a new one
+      self->stream_.reset();
+    }
+    if (!self->stream_) {
+      self->lookForInput(device);
+    }
+  });
+}
+
+void SharedInput::scheduleLook(std::chrono::nanoseconds delay) {
+  if (std::exchange(lookIsPosted_, true)) {
+    return;
+  }
+  control_->postAfter(delay, [self = shared_from_this()](AudioDevice& device) {
+    self->lookIsPosted_ = false;
+    self->lookAtInputs(device, false);
+  });
+}
+
+void SharedInput::lookAtInputs(AudioDevice& device, bool changed) {
+  if (!stream_) {
+    lookForInput(device);
+    return;
+  }
+  if (!isCurrent(streamsOpening_)) {
+    return;  // it has stalled, and its end is posted
+  }
+  if (tracker_.look(device, *stream_, changed) != InputSourceTracker::Change::kLost) {
+    scheduleLook(kLookAtStream);
+    return;
+  }
+  if (claimEnd(streamsOpening_)) {  // otherwise it has stalled meanwhile
+    lose();
+    stream_.reset();
+    lookForInput(device);
+  }
+}
+
+void SharedInput::lose() {
+  if (tracker_.source().kind != AudioInputSource::Kind::kMicrophone) {
+    const MutexLock lock(mutex_);
+    noteFailing();
+  }
+  // Another input may be there already: the next user opens it at once.
+  endUsers(kDeviceLostStatus, LastBlock::kDropped, State::kClosed);
+}
+
+void SharedInput::lookForInput(AudioDevice& device) {
+  constexpr auto none = AudioInputSource::Kind::kNone;
+  const bool wasMissing = tracker_.source().kind == none;
+  tracker_.closed(device);
+  const bool hasAppeared = wasMissing && tracker_.source().kind != none;
+  {
+    const MutexLock lock(mutex_);
+    unreported_ = unreported_ || (failing_ && hasAppeared);
+    if (state_ != State::kFailed) {
+      return;
+    }
+  }
+  scheduleLook(kLookForInput);
 }
 
 void SharedInput::closeIfUnused() {
+  decltype(watched_) watched;
   {
     const MutexLock lock(mutex_);
     if (state_ != State::kOpen || !users_.empty() || clock_->now() - unusedSince_ < kLinger) {
       return;
     }
     state_ = State::kClosed;
+    ++opening_;  // it cannot stall any more
+    watched.swap(watched_);
   }
   stream_.reset();
 }
@@ -156,11 +322,13 @@ void SharedInput::close() {
 }
 
 void SharedInput::deviceCaptured(const float* samples, std::uint32_t frames) noexcept {
-  fanOut_.distribute(samples, frames);
-  const std::uint64_t lost = detector_.captured(frames, clock_->now());
+  calls_->fetch_add(1, std::memory_order_relaxed);
+  const std::uint64_t lost = detector_.captured(frames, clock_->nowWithSleep());
   if (lost > 0) {
     framesLostInSystem_.fetch_add(lost, std::memory_order_relaxed);
+    fanOut_.skip(lost);
   }
+  fanOut_.distribute(samples, frames);
 }
 
 void SharedInput::deviceInputFailed(AudioStatus status) noexcept {

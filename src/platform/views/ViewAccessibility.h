@@ -1,8 +1,12 @@
 #pragma once
 
+#include <memory>
+
 #include <QAccessible>
 #include <QString>
 #include <QWidget>
+
+#include "platform/base/Installed.h"
 
 namespace platform {
 
@@ -12,5 +16,31 @@ namespace platform {
 ///
 /// Threads: main. Real-time: not safe.
 void describeView(QWidget* view, const QString& name, QAccessible::Role role);
+
+/// The role of a view whose texts are announced.
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+inline constexpr QAccessible::Role kAnnouncerRole = QAccessible::StaticText;
+#else
+// Without announcements, screen readers on Linux read a notification when it is shown.
+inline constexpr QAccessible::Role kAnnouncerRole = QAccessible::Notification;
+#endif
+
+/// Has texts read out. The default passes them to assistive technology, if there is any; tests
+/// record them.
+///
+/// Threads: main. Real-time: not safe.
+class Announcer {
+ public:
+  virtual ~Announcer() = default;
+  static std::shared_ptr<Announcer> whenNoneIsInstalled();
+
+  /// `text` is also the name or the description of `view`. A view that is not shown yet is
+  /// announced before it is shown.
+  virtual void announce(QWidget* view, const QString& text) = 0;
+};
+
+inline void announce(QWidget* view, const QString& text) {
+  Installed<Announcer>::get()->announce(view, text);
+}
 
 }  // namespace platform

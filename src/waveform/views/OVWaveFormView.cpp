@@ -17,8 +17,7 @@
 namespace {
 
 constexpr double kFocusRadius = 3.0;  // points
-constexpr double kKeyStep = 0.01;     // of the width
-constexpr double kPageStep = 0.1;
+constexpr double kPageStep = 0.1;     // of the width
 
 // Whole pixels that cover a length; a ratio such as 1.1 must not add one by rounding error.
 int pixelsToCover(int points, double ratio) {
@@ -29,6 +28,19 @@ QPointF nearestPointInside(const QWidget& view, QPointF position) {
   const double height = view.height();
   return {std::clamp(position.x(), 0.0, static_cast<double>(view.width())),
           height - std::clamp(position.y(), 0.0, height)};
+}
+
+// None for a combination that belongs to the window.
+std::optional<OVMarkerStep::Length> stepLength(Qt::KeyboardModifiers modifiers) {
+  modifiers.setFlag(Qt::KeypadModifier, false);
+  if (modifiers == Qt::NoModifier) {
+    return OVMarkerStep::Length::second;
+  }
+  if (modifiers == Qt::ShiftModifier) {
+    return OVMarkerStep::Length::tenthOfSecond;
+  }
+  return modifiers == Qt::ControlModifier ? std::optional(OVMarkerStep::Length::devicePixel)
+                                          : std::nullopt;
 }
 
 double fractionOfWidth(const QWidget& view, double x) {
@@ -171,13 +183,7 @@ double OVWaveFormView::markerPosition() {
 }
 
 std::optional<double> OVWaveFormView::positionAfterKey(const QKeyEvent& event) {
-  const bool finely = event.modifiers().testFlag(Qt::ShiftModifier);
-  const double step = finely ? fractionOfWidth(*this, 1.0) : kKeyStep;
   switch (event.key()) {
-    case Qt::Key_Left:
-      return markerPosition() - step;
-    case Qt::Key_Right:
-      return markerPosition() + step;
     case Qt::Key_PageDown:
       return markerPosition() - kPageStep;
     case Qt::Key_PageUp:
@@ -191,20 +197,36 @@ std::optional<double> OVWaveFormView::positionAfterKey(const QKeyEvent& event) {
   }
 }
 
-void OVWaveFormView::keyPressEvent(QKeyEvent* event) {
+bool OVWaveFormView::stepMarker(const QKeyEvent& event) {
+  const auto length = stepLength(event.modifiers());
+  if (!step_ || !length || (event.key() != Qt::Key_Left && event.key() != Qt::Key_Right)) {
+    return false;
+  }
+  step_({.length = *length, .isForward = event.key() == Qt::Key_Right});
+  return true;
+}
+
+bool OVWaveFormView::moveMarker(const QKeyEvent& event) {
   constexpr Qt::KeyboardModifiers kCommand =
       Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-  const auto position = positionAfterKey(*event);
-  if (!isEnabled() || !position || (event->modifiers() & kCommand)) {
-    event->ignore();
-    return;
+  const auto position = positionAfterKey(event);
+  if (!position || (event.modifiers() & kCommand)) {
+    return false;
   }
   if (const auto delegate = delegate_.lock()) {
     const double fraction = std::clamp(*position, 0.0, 1.0);
     delegate->waveFormViewReceivedDrag(this, {fraction * width(), height() / 2.0}, fraction);
-    QAccessibleEvent moved(this, QAccessible::DescriptionChanged);
-    QAccessible::updateAccessibility(&moved);
   }
+  return true;
+}
+
+void OVWaveFormView::keyPressEvent(QKeyEvent* event) {
+  if (!isEnabled() || (!stepMarker(*event) && !moveMarker(*event))) {
+    event->ignore();
+    return;
+  }
+  QAccessibleEvent moved(this, QAccessible::DescriptionChanged);
+  QAccessible::updateAccessibility(&moved);
 }
 
 void OVWaveFormView::focusInEvent(QFocusEvent* event) {

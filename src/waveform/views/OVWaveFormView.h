@@ -20,6 +20,14 @@
 
 class OVWaveFormView;
 
+/// A step of the marker by an arrow key.
+struct OVMarkerStep {
+  enum class Length : std::uint8_t { second, tenthOfSecond, devicePixel };
+
+  Length length = Length::second;
+  bool isForward = false;
+};
+
 /// Notified of clicks and drags in a waveform view.
 ///
 /// Threads: main. Real-time: not safe.
@@ -49,8 +57,9 @@ class OVWaveFormViewDelegate {
 /// redraw; call update().
 ///
 /// Reached by Tab, it moves the marker that is laid over it with the keys: Left and Right by a
-/// hundredth of the width, with Shift by a point, Page Up and Page Down by a tenth, Home and End to
-/// the ends. The delegate is notified of each as of a drag. Other keys pass to the window.
+/// second, with Shift by a tenth of a second, with Ctrl by the time of a device pixel; Page Up and
+/// Page Down by a tenth of the width, Home and End to the ends. The step handler is called for an
+/// arrow; the delegate is notified of the other keys as of a drag. Other keys pass to the window.
 ///
 /// Threads: main, except where noted. Real-time: not safe.
 class OVWaveFormView : public QWidget {
@@ -88,6 +97,9 @@ class OVWaveFormView : public QWidget {
   [[nodiscard]] QString accessibleValue() const;
   void setTimeLineText(std::function<QString()> text);
 
+  /// Called with each step of the arrow keys. Without one, they pass to the window.
+  void setStepHandler(std::function<void(OVMarkerStep)> handler) { step_ = std::move(handler); }
+
   [[nodiscard]] std::weak_ptr<OVWaveFormViewDelegate> delegate() const { return delegate_; }
   void setDelegate(std::weak_ptr<OVWaveFormViewDelegate> delegate);
 
@@ -119,6 +131,8 @@ class OVWaveFormView : public QWidget {
   void scrollGrid();
   [[nodiscard]] double markerPosition();
   [[nodiscard]] std::optional<double> positionAfterKey(const QKeyEvent& event);
+  [[nodiscard]] bool stepMarker(const QKeyEvent& event);
+  [[nodiscard]] bool moveMarker(const QKeyEvent& event);
 
   platform::GuardedPointer<std::shared_ptr<OVWaveformSummary>> waveForm_;
 
@@ -136,6 +150,7 @@ class OVWaveFormView : public QWidget {
   QImage image_;
   std::weak_ptr<OVWaveFormViewDelegate> delegate_;
   std::function<QString()> timeLineText_;
+  std::function<void(OVMarkerStep)> step_;
   platform::FocusRing focusRing_;
   OVWaveFormDrawing drawing_;
   std::vector<float> elements_;  // memory for the copy of the elements, kept between renderings

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "storage/OVBlockBuffer.h"
+#include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/MemoryTestBuffer.h"
 
 TEST(OVDocumentAudioTest, WithoutABufferEveryLengthIsZero) {
@@ -13,6 +15,19 @@ TEST(OVDocumentAudioTest, WithoutABufferEveryLengthIsZero) {
   EXPECT_EQ(audio.sizeInFrames(), 0U);
   EXPECT_EQ(audio.secondsOfFrames(44100), 0.0);
   EXPECT_EQ(audio.fractionOfFrames(10), 0.0);
+  EXPECT_EQ(audio.bytesPerSecond(), 0.0);
+  EXPECT_EQ(audio.storageFolder(), "");
+}
+
+TEST(OVDocumentAudioTest, KnowsTheFolderOfItsTemporaryFileAndWhatASecondTakesThere) {
+  support::FailingTemporaryFiles files;
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
+  OVDocumentAudio audio;
+  audio.setBuffer(OVBlockBuffer::init());
+  EXPECT_EQ(audio.storageFolder(), "/nowhere");
+  EXPECT_DOUBLE_EQ(audio.bytesPerSecond(), 352'800.0);
+  audio.setBuffer(std::make_shared<MemoryTestBuffer>());
+  EXPECT_EQ(audio.storageFolder(), "") << "audio in memory fills no disk";
 }
 
 TEST(OVDocumentAudioTest, LengthsAreThoseOfTheBuffer) {

@@ -32,6 +32,25 @@ TEST(OVDocumentFileTest, TheTitleNamesTheFileAlsoOneThatLooksLikeAPlaceholder) {
   EXPECT_FALSE(file.canBeSaved());
 }
 
+TEST(OVDocumentFileTest, ADocumentWithoutAFileMayHaveANameUntilItGetsAFile) {
+  OVRecorderWindow window;
+  OVDocumentFile file;
+  file.connect(&window);
+  file.nameWithoutFile("Recovered 21/11/2026 14:02", "Recovered 2026-11-21");
+  EXPECT_EQ(window.title(), "Orvo - Recovered 21/11/2026 14:02");
+  EXPECT_EQ(file.shownName(), "Recovered 21/11/2026 14:02");
+  EXPECT_EQ(file.suggestedName(), "Recovered 2026-11-21");
+  EXPECT_TRUE(file.name().empty());
+  EXPECT_TRUE(file.folder().empty());
+  EXPECT_FALSE(file.canBeSaved());
+  file.take("/music/take.wav", 0);
+  EXPECT_EQ(file.shownName(), "take.wav");
+  EXPECT_EQ(file.suggestedName(), "take");
+  file.forget();
+  EXPECT_EQ(window.title(), "Orvo - Unnamed");
+  EXPECT_EQ(file.suggestedName(), "Unnamed");
+}
+
 TEST(OVDocumentFileTest, AnOpenedFileIsOfferedInItsOwnKindWhereThatCanBeWritten) {
   OVDocumentFile file;
   file.setName("/music/take.CAF");

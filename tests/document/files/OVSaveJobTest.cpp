@@ -1,7 +1,11 @@
 #include "document/files/OVSaveJob.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
 #include <new>
 
 #include <gmock/gmock.h>
@@ -132,6 +136,91 @@ TEST_F(OVSaveJobTest, ATargetThatCannotBeLookedAtAnyMoreIsKept) {
   EXPECT_EQ(outcome.unreadableFrames, 10U);
   EXPECT_TRUE(fs::is_symlink(at("take.wav")));
   EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(OVSaveJobTest, ALinkThatTakesTheNewFilesNameMeanwhileLeadsToNoOtherFile) {
+  audio_->append(ramp(1000));
+  std::ofstream(at("victim")) << "secret";
+  bool swapped = false;
+  audio_->beforeRead = [&](std::uint64_t) {
+    for (const auto& entry : fs::directory_iterator(folder_.path())) {
+      if (!swapped && entry.path().filename().string().starts_with(".orvo-")) {
+        swapped = true;
+        fs::remove(entry.path());
+        fs::create_symlink("victim", entry.path());
+        break;
+      }
+    }
+  };
+  const auto outcome = save(1000);
+  EXPECT_TRUE(swapped);
+  EXPECT_EQ(outcome.error, ESTALE);
+  EXPECT_EQ(bytesOf(at("victim")), "secret");
+}
+
+// In place ---------------------------------------------------------------------------------------
+
+/// The user's own file in a folder in which the user may make none.
+class OVSaveJobInPlaceTest : public OVSaveJobTest {
+ protected:
+  static constexpr uid_t kNobody = 65534;
+
+  OVSaveJobInPlaceTest() {
+    std::ofstream(at("take.wav")) << "old";
+    if (::geteuid() == 0) {
+      EXPECT_EQ(::chown(at("take.wav").c_str(), kNobody, kNobody), 0);
+    }
+    EXPECT_EQ(::chmod(folder_.path().c_str(), 0555), 0);
+    if (::geteuid() == 0) {
+      EXPECT_EQ(::seteuid(kNobody), 0);
+      dropped_ = true;
+    }
+  }
+  ~OVSaveJobInPlaceTest() override {
+    if (dropped_) {
+      EXPECT_EQ(::seteuid(0), 0);
+    }
+    EXPECT_EQ(::chmod(folder_.path().c_str(), 0700), 0);
+  }
+
+  OVSaveJob::Outcome saveInPlace(std::uint64_t frames) {
+    return OVSaveJob::run({.buffer = audio_,
+                           .fromFrame = 0,
+                           .frameCount = frames,
+                           .path = at("take.wav"),
+                           .outputFormat = OVAudioFileWriter::kWave,
+                           .way = OVSaveJob::Request::Way::inPlace},
+                          [](double) {});
+  }
+
+  bool dropped_ = false;
+};
+
+TEST_F(OVSaveJobInPlaceTest, IsOfferedWhereNothingCanBeMadeBeside) {
+  audio_->append(ramp(1000));
+  const auto outcome = save(1000);
+  EXPECT_FALSE(outcome.complete);
+  EXPECT_TRUE(outcome.canBeInPlace);
+  EXPECT_EQ(outcome.error, EACCES);
+  EXPECT_EQ(bytesOf(at("take.wav")), "old");
+}
+
+TEST_F(OVSaveJobInPlaceTest, WritesTheWholeRangeAndLeavesNoCopy) {
+  const Samples samples = ramp(20'000);
+  audio_->append(samples);
+  const auto outcome = saveInPlace(20'000);
+  EXPECT_TRUE(outcome.complete);
+  EXPECT_EQ(outcome.copyOfOldFile, "");
+  EXPECT_EQ(readFile(at("take.wav")), samples);
+}
+
+TEST_F(OVSaveJobInPlaceTest, TouchesNothingWhereTheAudioHasGaps) {
+  audio_->append(ramp(1000));
+  lose(500, 10);
+  const auto outcome = saveInPlace(1000);
+  EXPECT_FALSE(outcome.complete);
+  EXPECT_EQ(outcome.unreadableFrames, 10U);
+  EXPECT_EQ(bytesOf(at("take.wav")), "old");
 }
 
 }  // namespace

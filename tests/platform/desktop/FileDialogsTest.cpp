@@ -18,6 +18,8 @@ TEST(FileDialogsTest, WithNoneInstalledAreCancelledLaterAndSaySo) {
   std::optional<int> code;
   platform::OpenPanelRequest open;
   open.title = "Open";
+  const QPointer<QWidget> openAccessory(new QWidget);
+  open.accessoryView = openAccessory.data();
   platform::SavePanelRequest save;
   save.title = "Save";
   save.accessoryView = accessory.data();
@@ -38,6 +40,7 @@ TEST(FileDialogsTest, WithNoneInstalledAreCancelledLaterAndSaySo) {
   EXPECT_TRUE(saveIsCancelled);
   EXPECT_EQ(code, platform::FileDialogs::kNoAnswer);
   EXPECT_EQ(accessory, nullptr) << "taken over and deleted";
+  EXPECT_EQ(openAccessory, nullptr);
 }
 
 }  // namespace

@@ -1,5 +1,9 @@
 #include "platform/desktop/QtFileDialogs.h"
 
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 
@@ -10,7 +14,6 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDir>
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -19,9 +22,12 @@
 #include <QTest>
 #include <QTimer>
 
+#include "platform/desktop/OpenPanel.h"
 #include "platform/desktop/SavePanel.h"
+#include "platform/files/Descriptors.h"
 #include "support/MainLoop.h"
 #include "support/TemporaryFolder.h"
+#include "support/fakes/RecordingServices.h"
 
 namespace {
 
@@ -62,14 +68,32 @@ class QtFileDialogsTest : public testing::Test {
       ++answers_;
       saved_ = path;
     });
-    panel_ = shown<QFileDialog>("savePanel");
+    panel_ = shown<platform::SavePanel>("savePanel");
     return panel_->findChild<QLineEdit*>("fileNameEdit");
   }
 
-  void acceptPanel() { QMetaObject::invokeMethod(panel_, "accept"); }
+  /// Returns when the panel has looked what is there.
+  void acceptPanel() {
+    const QPointer<platform::SavePanel> panel = panel_;
+    panel->accept();
+    EXPECT_TRUE(runMainLoopUntil(
+        [&] { return !panel || !panel->isVisible() || saveButton()->isEnabled() || isEmpty(); }));
+  }
+  bool isEmpty() { return panel_->findChild<QLineEdit*>("fileNameEdit")->text().isEmpty(); }
+
+  void awaitEnd() {
+    EXPECT_TRUE(runMainLoopUntil(
+        [&] { return window_.findChild<platform::FilePanel*>("savePanel") == nullptr; }));
+  }
 
   QPushButton* saveButton() {
-    return panel_->findChild<QDialogButtonBox*>("buttonBox")->button(QDialogButtonBox::Save);
+    for (QAbstractButton* const button :
+         panel_->findChild<QDialogButtonBox*>("buttonBox")->buttons()) {
+      if (button->text() == "&Save") {
+        return qobject_cast<QPushButton*>(button);
+      }
+    }
+    return nullptr;
   }
 
   /// Presses a button of the question whether to replace a file as soon as it is shown; the
@@ -93,7 +117,7 @@ class QtFileDialogsTest : public testing::Test {
   support::TemporaryFolder folder_;
   QWidget window_;
   QtFileDialogs panels_;
-  QFileDialog* panel_ = nullptr;
+  platform::SavePanel* panel_ = nullptr;
   QComboBox* kind_ = nullptr;
   int answers_ = 0;
   int questions_ = 0;
@@ -124,8 +148,7 @@ TEST_F(QtFileDialogsTest, TheSuffixOfTheNameFollowsTheKind) {
 
 TEST_F(QtFileDialogsTest, TheSavePanelOffersTheKindsOfItsAccessoryAndNoOthers) {
   beginSave("x");
-  EXPECT_FALSE(panel_->findChild<QComboBox*>("fileTypeCombo")->isVisible());
-  EXPECT_FALSE(panel_->findChild<QWidget*>("fileTypeLabel")->isVisible());
+  EXPECT_EQ(panel_->findChild<QComboBox*>("fileTypeCombo"), nullptr);
   EXPECT_TRUE(kind_->isVisible());
   panel_->reject();
 }
@@ -140,13 +163,11 @@ TEST_F(QtFileDialogsTest, ANameWithoutItsSuffixGetsIt) {
 TEST_F(QtFileDialogsTest, AnotherKindForAFileThatExistsNamesAnotherFile) {
   std::ofstream(folder_.file("take.aiff")) << "old";
   const QLineEdit* const name = beginSave("take");
-  // On a real screen the panel selects the file with the proposed name.
   const auto* const list = panel_->findChild<QAbstractItemView*>("listView");
-  ASSERT_TRUE(runMainLoopUntil([&] { return list->model()->rowCount(list->rootIndex()) == 1; }));
-  list->selectionModel()->select(list->model()->index(0, 0, list->rootIndex()),
+  ASSERT_TRUE(runMainLoopUntil([&] { return list->model()->rowCount() == 1; }));
+  list->selectionModel()->select(list->model()->index(0, 0),
                                  QItemSelectionModel::Select | QItemSelectionModel::Rows);
-  ASSERT_EQ(panel_->selectedFiles(),
-            QStringList(QString::fromStdString(folder_.file("take.aiff"))));
+  ASSERT_EQ(panel_->names(), std::vector<std::string>{"take.aiff"});
   kind_->setCurrentIndex(1);
   EXPECT_EQ(name->text(), "take.wav");
   QTimer refusal;  // of a question that would wait forever
@@ -193,8 +214,7 @@ TEST_F(QtFileDialogsTest, NamesAreTakenLetterByLetter) {
     acceptPanel();
     EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; })) << name;
     EXPECT_EQ(saved_, folder_.file(std::string(name) + ".aiff"));
-    EXPECT_TRUE(
-        runMainLoopUntil([&] { return window_.findChild<QFileDialog*>("savePanel") == nullptr; }));
+    awaitEnd();
   }
 }
 
@@ -208,8 +228,7 @@ TEST_F(QtFileDialogsTest, ANameThatIsTooLongIsHandedOn) {
     saveButton()->click();
     EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; })) << length;
     EXPECT_EQ(saved_, folder_.file(name + ".aiff"));
-    EXPECT_TRUE(
-        runMainLoopUntil([&] { return window_.findChild<QFileDialog*>("savePanel") == nullptr; }));
+    awaitEnd();
   }
 }
 
@@ -219,22 +238,49 @@ TEST_F(QtFileDialogsTest, APathLeadsElsewhereAndAFoldersNameIntoIt) {
   name->setText("in \"it\"");
   acceptPanel();
   EXPECT_EQ(answers_, 0);
-  EXPECT_EQ(panel_->directory().absolutePath().toStdString(), folder_.file("in \"it\""));
+  EXPECT_EQ(panel_->folder(), folder_.file("in \"it\""));
   name->setText("..");
   acceptPanel();
-  EXPECT_EQ(panel_->directory().absolutePath().toStdString(), folder_.path());
+  EXPECT_EQ(panel_->folder(), folder_.path());
   name->setText("in \"it\"/take");
   acceptPanel();
   EXPECT_EQ(answers_, 1);
   EXPECT_EQ(saved_, folder_.file("in \"it\"/take.aiff"));
 }
 
+TEST_F(QtFileDialogsTest, AFolderWhoseNameIsNoTextIsSavedIntoAndAFileOfSuchANameReplaced) {
+  const std::string folder = folder_.makeFolder("caf\xE9");
+  auto request = saveRequest("t\xE9ke");
+  request.directory = folder;
+  panels_.beginSavePanel(request, [this](const auto& path) {
+    ++answers_;
+    saved_ = path;
+  });
+  panel_ = shown<platform::SavePanel>("savePanel");
+  acceptPanel();
+  EXPECT_EQ(saved_, folder + "/t\xE9ke.aiff");
+}
+
+TEST_F(QtFileDialogsTest, ThePanelBeginsWhereTheLastOneEnded) {
+  const std::string folder = folder_.makeFolder("last");
+  beginSave("x")->setText(QString::fromStdString(folder));
+  acceptPanel();
+  panel_->findChild<QLineEdit*>("fileNameEdit")->setText("take");
+  acceptPanel();
+  awaitEnd();
+  auto request = saveRequest("y");
+  request.directory.clear();
+  panels_.beginSavePanel(request, [](const auto&) {});
+  panel_ = shown<platform::SavePanel>("savePanel");
+  EXPECT_EQ(panel_->folder(), folder);
+  panel_->reject();
+}
+
 TEST_F(QtFileDialogsTest, AnAbsolutePathAndTheHomeFolderAreUnderstood) {
   beginSave("x")->setText(QString::fromStdString(folder_.file("else")));
   acceptPanel();
   EXPECT_EQ(saved_, folder_.file("else.aiff"));
-  EXPECT_TRUE(
-      runMainLoopUntil([&] { return window_.findChild<QFileDialog*>("savePanel") == nullptr; }));
+  awaitEnd();
   beginSave("x")->setText("~/no such folder/take");
   acceptPanel();
   EXPECT_EQ(saved_, QDir::homePath().toStdString() + "/no such folder/take.aiff");
@@ -257,20 +303,6 @@ TEST_F(QtFileDialogsTest, APanelWhoseWindowGoesAnswersNothing) {
   window.reset();
   EXPECT_TRUE(drainMainQueue());
   EXPECT_EQ(answers_, 0);
-}
-
-TEST_F(QtFileDialogsTest, TheOpenPanelOffersTheFileTypesInCapitalsToo) {
-  panels_.beginOpenPanel({.window = &window_,
-                          .title = "Open",
-                          .acceptLabel = "Open",
-                          .allowsMultipleSelection = true,
-                          .fileTypes = {"caf", "wav"}},
-                         [this](const auto&) { ++answers_; });
-  auto* const panel = shown<QFileDialog>("openPanel");
-  EXPECT_EQ(panel->fileMode(), QFileDialog::ExistingFiles);
-  EXPECT_TRUE(panel->nameFilters().front().endsWith("(*.caf *.CAF *.wav *.WAV)"));
-  panel->reject();
-  EXPECT_EQ(answers_, 1);
 }
 
 TEST_F(QtFileDialogsTest, ASheetAnswersWithTheCodeOfItsButton) {
@@ -301,6 +333,37 @@ TEST_F(QtFileDialogsTest, ASheetAnswersWithTheCodeOfItsButton) {
               }
             }),
             0);
+}
+
+// With hardly any descriptors left ----------------------------------------------------------------
+
+TEST_F(QtFileDialogsTest, APanelThatHasNoRoomIsRefusedInPlainWords) {
+  const support::InstalledRecordingServices services;
+  rlimit before = {};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  rlimit low = before;
+  low.rlim_cur = 256;
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &low), 0);
+  std::vector<int> taken;
+  while (platform::hasFreeDescriptors(12)) {
+    taken.push_back(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+  }
+  panels_.beginSavePanel(saveRequest("x"), [this](const auto& path) {
+    ++answers_;
+    saved_ = path;
+  });
+  panels_.beginOpenPanel(
+      {.window = &window_, .title = "Open", .acceptLabel = "Open", .fileTypes = {"wav"}},
+      [this](const auto& paths) { answers_ += paths.empty() ? 1 : 0; });
+  EXPECT_EQ(answers_, 0) << "it is answered from the main loop";
+  EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 2; }));
+  EXPECT_EQ(saved_, std::nullopt);
+  EXPECT_EQ(services->postedAlerts().size(), 2U);
+  for (const int descriptor : taken) {
+    ::close(descriptor);
+  }
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_EQ(window_.findChild<QDialog*>(), nullptr);
 }
 
 }  // namespace

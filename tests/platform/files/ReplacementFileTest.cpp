@@ -48,8 +48,18 @@ class ReplacementFileTest : public testing::Test {
     if (!result) {
       return result.error();
     }
-    put(result->path(), text);
+    EXPECT_EQ(result->write(text.data(), text.size()), 0);
     return result->commit();
+  }
+
+  /// Path of the file that is being written.
+  std::string newFile() const {
+    for (const auto& entry : fs::directory_iterator(folder_.path())) {
+      if (entry.path().filename().string().starts_with(".orvo-")) {
+        return entry.path().string();
+      }
+    }
+    return {};
   }
 
   // Root may write everywhere; permissions apply only to other users.
@@ -75,7 +85,7 @@ TEST_F(ReplacementFileTest, LeavesTheOldFileWholeUntilItIsCommitted) {
   put(at("take.wav"), "old");
   auto result = ReplacementFile::beside(at("take.wav"));
   ASSERT_TRUE(result);
-  put(result->path(), "new");
+  EXPECT_EQ(result->write("new", 3), 0);
   EXPECT_EQ(contentsOf(at("take.wav")), "old");
   EXPECT_EQ(result->commit(), 0);
   EXPECT_EQ(contentsOf(at("take.wav")), "new");
@@ -115,7 +125,7 @@ TEST_F(ReplacementFileTest, IsReadableByTheUserAloneBeforeItHasTheOldFilesRights
   const auto result = ReplacementFile::beside(at("take.wav"));
   ASSERT_TRUE(result);
   struct stat status = {};
-  ASSERT_EQ(::stat(result->path().c_str(), &status), 0);
+  ASSERT_EQ(::stat(newFile().c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0077, 0U);
 }
 
@@ -200,10 +210,99 @@ TEST_F(ReplacementFileTest, TakesATargetInTheWorkingFolder) {
   fs::current_path(folder_.path());
   const auto result = ReplacementFile::beside("take.wav");
   ASSERT_TRUE(result);
-  put(result->path(), "new");
+  EXPECT_EQ(result->write("new", 3), 0);
   EXPECT_EQ(result->commit(), 0);
   fs::current_path(before);
   EXPECT_EQ(contentsOf(at("take.wav")), "new");
+}
+
+TEST_F(ReplacementFileTest, TheFolderBesideIsThatOfTheFileThatALinkPointsTo) {
+  fs::create_directory(at("far"));
+  fs::create_symlink("far/real.wav", at("link.wav"));
+  EXPECT_EQ(ReplacementFile::folderBeside(at("link.wav")), at("far"));
+  EXPECT_EQ(ReplacementFile::folderBeside(at("new.wav")), folder_.path());
+  EXPECT_EQ(ReplacementFile::folderBeside("new.wav"), ".");
+  fs::create_symlink("round", at("round"));
+  EXPECT_EQ(ReplacementFile::folderBeside(at("round")), folder_.path());
+  EXPECT_EQ(filesInFolder(), 3U);
+}
+
+TEST_F(ReplacementFileTest, GivesANewListOfTheUsersToNobodyElse) {
+  const mode_t before = ::umask(0);
+  auto result = ReplacementFile::beside(at("list"), ReplacementFile::NewFile::ownerOnly);
+  ::umask(before);
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->commit(), 0);
+  struct stat status = {};
+  ASSERT_EQ(::stat(at("list").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0600U);
+}
+
+// What others do in the folder meanwhile --------------------------------------------------------
+
+TEST_F(ReplacementFileTest, WritesToNoOtherFileThatTookTheNewOnesName) {
+  put(at("take.wav"), "old");
+  put(at("victim"), "secret");
+  ASSERT_EQ(::chmod(at("victim").c_str(), 0600), 0);
+  auto result = ReplacementFile::beside(at("take.wav"));
+  ASSERT_TRUE(result);
+  const std::string name = newFile();
+  fs::remove(name);
+  fs::create_symlink("victim", name);
+  EXPECT_EQ(result->write("new", 3), 0);
+  EXPECT_EQ(result->commit(), ESTALE);
+  *result = nullptr;
+  EXPECT_EQ(contentsOf(at("victim")), "secret");
+  struct stat status = {};
+  ASSERT_EQ(::stat(at("victim").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0600U);
+  EXPECT_EQ(contentsOf(at("take.wav")), "old");
+  EXPECT_TRUE(fs::is_symlink(name)) << "what another program put there is not ours to delete";
+}
+
+TEST_F(ReplacementFileTest, PutsNoOtherFileInTheTargetsPlace) {
+  put(at("take.wav"), "old");
+  const auto result = ReplacementFile::beside(at("take.wav"));
+  ASSERT_TRUE(result);
+  put(at("foreign"), "foreign");
+  fs::rename(at("foreign"), newFile());
+  EXPECT_EQ(result->commit(), ESTALE);
+  EXPECT_EQ(contentsOf(at("take.wav")), "old");
+}
+
+TEST_F(ReplacementFileTest, IsToldThatAnotherFolderTookTheFoldersPlace) {
+  const std::string folder = folder_.makeFolder("songs");
+  const auto result = ReplacementFile::beside(folder + "/take.wav");
+  ASSERT_TRUE(result);
+  fs::rename(folder, at("moved"));
+  folder_.makeFolder("songs");
+  EXPECT_EQ(result->commit(), ESTALE);
+  EXPECT_TRUE(fs::is_empty(folder));
+}
+
+TEST_F(ReplacementFileTest, IsToldThatTheTargetBecameALinkToAnotherFile) {
+  put(at("take.wav"), "old");
+  put(at("victim"), "secret");
+  const auto result = ReplacementFile::beside(at("take.wav"));
+  ASSERT_TRUE(result);
+  fs::remove(at("take.wav"));
+  fs::create_symlink("victim", at("take.wav"));
+  EXPECT_EQ(result->commit(), ESTALE);
+  EXPECT_EQ(contentsOf(at("victim")), "secret");
+}
+
+TEST_F(ReplacementFileTest, FollowsNoLinkOfAnotherUserWhereOthersMayWrite) {
+  if (::geteuid() != 0) {
+    GTEST_SKIP() << "only root can give a link to another user";
+  }
+  const std::string shared = folder_.makeFolder("shared");
+  put(at("victim"), "secret");
+  fs::create_symlink(at("victim"), shared + "/take.wav");
+  ASSERT_EQ(::lchown((shared + "/take.wav").c_str(), kNobody, kNobody), 0);
+  EXPECT_EQ(replace("shared/take.wav", "followed"), 0) << "only the user may write there";
+  ASSERT_EQ(::chmod(shared.c_str(), 0777), 0);
+  EXPECT_EQ(replace("shared/take.wav", "new"), EACCES);
+  EXPECT_EQ(contentsOf(at("victim")), "followed");
 }
 
 }  // namespace

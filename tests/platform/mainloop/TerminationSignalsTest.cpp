@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <thread>
 
@@ -64,7 +65,27 @@ TEST(TerminationSignalsTest, ASignalThatCameBeforeTheMainLoopIsNotForgotten) {
   EXPECT_TRUE(runMainLoopUntil([&calls] { return calls > 0; }));
 }
 
-TEST(TerminationSignalsDeathTest, ASignalEndsTheProgramTheSecondTime) {
+TEST(TerminationSignalsTest, EachSignalIsACallHoweverManyThereWere) {
+  int calls = 0;
+  // A third signal never comes within no time.
+  const TerminationSignals signals([&calls] { ++calls; }, std::chrono::seconds(0));
+  for (int i = 1; i <= 5; ++i) {
+    ASSERT_EQ(std::raise(SIGTERM), 0);
+    EXPECT_TRUE(runMainLoopUntil([&] { return calls == i; })) << i;
+  }
+}
+
+TEST(TerminationSignalsTest, TwoSignalsEndNothingAndThoseOfAnEarlierObjectAreForgotten) {
+  for (int i = 0; i < 3; ++i) {
+    int calls = 0;
+    const TerminationSignals signals([&calls] { ++calls; }, std::chrono::hours(1));
+    ASSERT_EQ(std::raise(SIGTERM), 0);
+    ASSERT_EQ(std::raise(SIGTERM), 0);
+    EXPECT_TRUE(runMainLoopUntil([&calls] { return calls > 0; }));
+  }
+}
+
+TEST(TerminationSignalsDeathTest, TheThirdSignalInAShortTimeEndsTheProgram) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (const int signal : kSignals) {
     EXPECT_EXIT(
@@ -72,9 +93,22 @@ TEST(TerminationSignalsDeathTest, ASignalEndsTheProgramTheSecondTime) {
           const TerminationSignals signals([] {});
           std::raise(signal);
           std::raise(signal);
+          std::raise(signal);
         },
         testing::KilledBySignal(signal), "");
   }
+}
+
+TEST(TerminationSignalsDeathTest, SignalsOfEveryKindAreCountedTogether) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        const TerminationSignals signals([] {});
+        std::raise(SIGINT);
+        std::raise(SIGTERM);
+        std::raise(SIGHUP);
+      },
+      testing::KilledBySignal(SIGHUP), "");
 }
 
 TEST(TerminationSignalsTest, ASignalThatWasIgnoredStaysIgnored) {

@@ -61,6 +61,20 @@ TEST_F(CaptureLossDetectorTest, FramesThatNeverArriveAreReportedOnceInTheirNumbe
   EXPECT_NEAR(static_cast<double>(reported_), 338 * 1024, 2000);
 }
 
+TEST_F(CaptureLossDetectorTest, ALossInAStallIsFoundWithinASecondAfterIt) {
+  run(60);
+  for (int i = 0; i < 43; ++i) {
+    pass(1024);  // none of it arrives
+  }
+  for (int i = 0; i < 46 && reported_ == 0; ++i) {
+    pass(1024);
+    deliver(1024);
+  }
+  EXPECT_NEAR(static_cast<double>(reported_), 43 * 1024, 10);
+  run(60);
+  EXPECT_NEAR(static_cast<double>(reported_), 43 * 1024, 2000);
+}
+
 TEST_F(CaptureLossDetectorTest, ABurstAtTheStartOfAStreamRaisesNoAlarm) {
   for (int i = 0; i < 20; ++i) {
     deliver(1024);  // kept back by the server

@@ -82,10 +82,14 @@ TEST_F(InputQueueCoreTest, AWritingSideThatIsHeldUpFor250MillisecondsLosesNothin
   EXPECT_EQ(services->consoleLinesWith("lost"), 0U);
 }
 
-TEST_F(InputQueueCoreTest, FramesBeyondTheFullRingAreCountedAndToldOncePerStretch) {
+TEST_F(InputQueueCoreTest, SilenceStandsForFramesBeyondTheFullRingWhichAreToldOncePerStretch) {
   Gate door;
   Recording recording;
-  recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) { door.pass(); };
+  Record<std::uint32_t> silenced;
+  recording.also = [&](AudioInputQueue&, AudioQueueBuffer& buffer) {
+    silenced.add(buffer.silencedFrames);
+    door.pass();
+  };
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   feed(0, kRecordFrames);
   ASSERT_TRUE(door.awaitArrival());
@@ -98,14 +102,45 @@ TEST_F(InputQueueCoreTest, FramesBeyondTheFullRingAreCountedAndToldOncePerStretc
   ASSERT_TRUE(recording.endFrames.awaitCount(65));
   const std::uint64_t resumed = kRecordFrames + kInputRingFrames + 1096;
   feed(resumed, 2 * kRecordFrames);
-  ASSERT_TRUE(recording.endFrames.awaitCount(67));
+  ASSERT_TRUE(recording.endFrames.awaitCount(68));
+  EXPECT_EQ(recording.endFrames.values().at(65), resumed);
   EXPECT_EQ(recording.endFrames.values().back(), resumed + 2 * kRecordFrames);
+  EXPECT_EQ(silenced.values().at(64), 0U);
+  EXPECT_EQ(silenced.values().at(65), 1096U);
+  EXPECT_EQ(silenced.values().at(66), 0U);
   auto expected = ramp(0, kRecordFrames + kInputRingFrames);
+  expected.resize(expected.size() + std::size_t{1096} * 2);
   const auto rest = ramp(resumed, 2 * kRecordFrames);
   expected.insert(expected.end(), rest.begin(), rest.end());
   EXPECT_EQ(recording.samples(), expected);
   EXPECT_EQ(services->consoleLinesWith("1096 frames were lost"), 1U);
   EXPECT_EQ(services->consoleLinesWith("lost"), 1U);
+}
+
+TEST_F(InputQueueCoreTest, SilenceLongerThanABufferComesInSeveral) {
+  Gate door;
+  Recording recording;
+  recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) { door.pass(); };
+  ASSERT_EQ(recording.begin(*queues, 1000), kAudioStatusOk);
+  feed(0, 1000);
+  ASSERT_TRUE(door.awaitArrival());
+  constexpr std::uint64_t kRoom = kInputRingFrames / 1000 * 1000;
+  feed(1000, kRoom);
+  feed(1000 + kRoom, 2500);
+  door.open();
+  ASSERT_TRUE(recording.endFrames.awaitCount(1 + kRoom / 1000));
+  const std::uint64_t resumed = 1000 + kRoom + 2500;
+  feed(resumed, 1000);
+  ASSERT_TRUE(recording.endFrames.awaitCount(1 + kRoom / 1000 + 4));
+  auto ends = recording.endFrames.values();
+  ends.erase(ends.begin(), ends.end() - 4);
+  EXPECT_EQ(ends,
+            (std::vector<std::uint64_t>{resumed - 1500, resumed - 500, resumed, resumed + 1000}));
+  auto expected = ramp(0, 1000 + kRoom);
+  expected.resize(expected.size() + std::size_t{2500} * 2);
+  const auto rest = ramp(resumed, 1000);
+  expected.insert(expected.end(), rest.begin(), rest.end());
+  EXPECT_EQ(recording.samples(), expected);
 }
 
 TEST_F(InputQueueCoreTest, ALossThatNoBufferFollowedIsToldWhenTheQueueStops) {

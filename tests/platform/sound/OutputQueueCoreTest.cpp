@@ -464,5 +464,55 @@ TEST_F(OutputQueueCoreTest, TheListenerIsSetBeforeTheStartOnly) {
   EXPECT_EQ(playback.queue->setRunningListener({}), kInvalidQueueStateStatus);
 }
 
+TEST_F(OutputQueueCoreTimeTest, AnOutputThatStandsStillEndsAlsoWhileTheSoundSystemHangs) {
+  playback.source = ramp(0, 20 * kPlayFrames);
+  ASSERT_EQ(playback.begin(*queues), kAudioStatusOk);
+  ASSERT_TRUE(device->awaitOutputRunning());
+  ASSERT_EQ(device->pull(kPlayFrames), ramp(0, kPlayFrames));
+  device->hang();
+  const auto begun = clock->now();
+  ASSERT_TRUE(support::eventually([&] {
+    clock->advance(std::chrono::milliseconds(100));
+    return playback.states.count() == 2;
+  }));
+  EXPECT_GE(clock->now() - begun, std::chrono::seconds(2));
+  EXPECT_EQ(playback.states.values(), (std::vector<std::uint32_t>{1, 0}));
+  EXPECT_EQ(playback.queue->failure(), kDeviceStalledStatus);
+  device->release();
+  EXPECT_TRUE(device->awaitOutputsClosed(1));
+}
+
+TEST_F(OutputQueueCoreTimeTest, AnOutputThatNeverBeginsEnds) {
+  device->hang();
+  playback.source = ramp(0, 20 * kPlayFrames);
+  auto beginning = std::async(std::launch::async, [&] { return playback.begin(*queues); });
+  ASSERT_TRUE(support::eventually([&] {
+    clock->advance(std::chrono::milliseconds(50));
+    return beginning.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+  }));
+  ASSERT_EQ(beginning.get(), kAudioStatusOk);
+  EXPECT_TRUE(support::eventually([&] {
+    clock->advance(std::chrono::milliseconds(100));
+    return playback.queue->failure() == kDeviceStalledStatus;
+  }));
+}
+
+TEST_F(OutputQueueCoreTimeTest, APausedOutputMayStandStillForEver) {
+  playback.source = ramp(0, 20 * kPlayFrames);
+  ASSERT_EQ(playback.begin(*queues), kAudioStatusOk);
+  ASSERT_TRUE(device->awaitOutputRunning());
+  device->pull(kPlayFrames);
+  ASSERT_EQ(playback.queue->pause(), kAudioStatusOk);
+  const auto begun = clock->now();
+  ASSERT_TRUE(support::eventually([&] {
+    clock->advance(std::chrono::milliseconds(100));
+    return clock->now() - begun > std::chrono::seconds(10);
+  }));
+  EXPECT_EQ(playback.queue->failure(), kAudioStatusOk);
+  ASSERT_EQ(playback.queue->start(), kAudioStatusOk);
+  ASSERT_TRUE(device->awaitOutputRunning());
+  EXPECT_FALSE(device->pull(kPlayFrames).empty());
+}
+
 }  // namespace
 }  // namespace platform::test

@@ -36,7 +36,7 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
   }
 
   /// The disk has room for `bytes` more bytes in all; the write that exceeds them is partial and
-  /// ends with `error`.
+  /// ends with `error`. Shortening a file gives back the room of the bytes that were written there.
   void fillUpAfter(std::uint64_t bytes, int error = ENOSPC) {
     change([=](Plan& plan) {
       plan.bytesLeft = bytes;
@@ -69,6 +69,11 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     change([&hook](Plan& plan) { plan.beforeRead = std::move(hook); });
   }
 
+  /// The same before each change of a file's size, to this many bytes.
+  void beforeSizeChanges(std::function<void(std::uint64_t byteCount)> hook) {
+    change([&hook](Plan& plan) { plan.beforeSizeChange = std::move(hook); });
+  }
+
   std::uint64_t reads() const { return look(&Plan::reads); }
   std::uint64_t writes() const { return look(&Plan::writes); }
   /// Files created and not yet closed.
@@ -98,6 +103,7 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     std::uint64_t largestRead = kUnlimited;
     std::function<void()> beforeWrite;
     std::function<void()> beforeRead;
+    std::function<void(std::uint64_t)> beforeSizeChange;
     std::uint64_t reads = 0;
     std::uint64_t writes = 0;
     std::uint64_t openFiles = 0;
@@ -140,6 +146,8 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
       if (count > 0) {
         bytes_.resize(std::max<std::uint64_t>(bytes_.size(), offset + count));
         std::memcpy(bytes_.data() + offset, data, count);
+        isWritten_.resize(bytes_.size());
+        std::fill_n(isWritten_.begin() + static_cast<std::ptrdiff_t>(offset), count, true);
       }
       return {.byteCount = count, .error = count < byteCount ? plan_->writeError : 0};
     }
@@ -150,28 +158,37 @@ class FailingTemporaryFiles : public platform::TemporaryFiles {
     }
 
     int setSize(std::uint64_t byteCount) override {
+      run(&Plan::beforeSizeChange, byteCount);
       const std::lock_guard lock(plan_->mutex);
       if (plan_->sizeError != 0 || byteCount > kMaxSize) {
         return plan_->sizeError != 0 ? plan_->sizeError : EFBIG;
       }
+      if (byteCount < isWritten_.size() && plan_->bytesLeft != kUnlimited) {
+        plan_->bytesLeft += static_cast<std::uint64_t>(std::count(
+            isWritten_.begin() + static_cast<std::ptrdiff_t>(byteCount), isWritten_.end(), true));
+      }
+      isWritten_.resize(byteCount);
       bytes_.resize(byteCount);
       return 0;
     }
 
    private:
-    void run(std::function<void()> Plan::*hook) {
-      std::function<void()> call;
+    template <typename... Arguments>
+    void run(std::function<void(Arguments...)> Plan::*hook, Arguments... arguments) {
+      std::function<void(Arguments...)> call;
       {
         const std::lock_guard lock(plan_->mutex);
         call = (*plan_).*hook;
       }
       if (call) {
-        call();
+        call(arguments...);
       }
     }
 
     const std::shared_ptr<Plan> plan_;
-    std::vector<std::byte> bytes_;  // guarded by the plan's mutex
+    // Both by the plan's mutex.
+    std::vector<std::byte> bytes_;
+    std::vector<bool> isWritten_;  // of each byte: it takes room
   };
 
   Created create(const std::string& pathTemplate) {

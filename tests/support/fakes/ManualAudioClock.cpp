@@ -15,6 +15,16 @@ AudioClock::TimePoint ManualAudioClock::now() const noexcept {
   return now_;
 }
 
+AudioClock::TimePoint ManualAudioClock::nowWithSleep() const noexcept {
+  const std::lock_guard lock(mutex_);
+  return now_ + slept_;
+}
+
+void ManualAudioClock::sleep(std::chrono::nanoseconds duration) {
+  const std::lock_guard lock(mutex_);
+  slept_ += duration;
+}
+
 bool ManualAudioClock::waitUntil(Semaphore& semaphore, TimePoint deadline) {
   decltype(deadlines_)::iterator mine;
   {

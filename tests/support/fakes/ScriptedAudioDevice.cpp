@@ -42,6 +42,7 @@ struct ScriptedAudioDevice::Script {
   mutable std::condition_variable changed;
   // guarded by mutex
   bool hanging = false;
+  bool listingHangs = false;
   std::size_t blocked = 0;  // calls waiting for release()
   AudioStatus openingInput = kAudioStatusOk;
   AudioStatus openingOutput = kAudioStatusOk;
@@ -53,13 +54,18 @@ struct ScriptedAudioDevice::Script {
   std::size_t inputsRefused = 0;
   std::size_t outputsClosed = 0;
   std::size_t preparations = 0;
+  std::optional<std::vector<AudioInputDevice>> inputs{
+      {{.id = "mic", .name = "Microphone", .isMonitor = false, .isDefault = true}}};
+  std::string currentInput = "mic";
+  std::function<void()> inputsChanged;
+  std::size_t looksAtInputs = 0;
 
   /// Every device call starts with this.
-  void pass() {
+  void pass(bool isListing = false) {
     std::unique_lock lock(mutex);
     ++blocked;
     changed.notify_all();
-    changed.wait(lock, [&] { return !hanging; });
+    changed.wait(lock, [&] { return !hanging && !(isListing && listingHangs); });
     --blocked;
   }
 
@@ -121,6 +127,11 @@ class ScriptedAudioDevice::InputStream final : public AudioInputStream {
  public:
   InputStream(std::shared_ptr<Script> script, std::shared_ptr<InputEnd> end)
       : script_(std::move(script)), end_(std::move(end)) {}
+
+  [[nodiscard]] std::string currentInput() override {
+    script_->pass();
+    return script_->look([this] { return script_->currentInput; });
+  }
 
   ~InputStream() override {
     script_->pass();
@@ -237,6 +248,44 @@ AudioDevice::Output ScriptedAudioDevice::openOutput(AudioOutputClient& client) {
 void ScriptedAudioDevice::prepare() {
   script_->pass();
   script_->change([this] { ++script_->preparations; });
+}
+
+void ScriptedAudioDevice::setInputsChangedHandler(std::function<void()> changed) {
+  script_->change([&] { script_->inputsChanged = std::move(changed); });
+}
+
+std::optional<std::vector<AudioInputDevice>> ScriptedAudioDevice::inputs() {
+  script_->pass(true);
+  std::optional<std::vector<AudioInputDevice>> inputs;
+  script_->change([&] {
+    ++script_->looksAtInputs;
+    inputs = script_->inputs;
+  });
+  return inputs;
+}
+
+void ScriptedAudioDevice::setInputsSilently(std::optional<std::vector<AudioInputDevice>> inputs) {
+  script_->change([&] { script_->inputs = std::move(inputs); });
+}
+
+void ScriptedAudioDevice::setInputs(std::optional<std::vector<AudioInputDevice>> inputs) {
+  setInputsSilently(std::move(inputs));
+  const auto changed = script_->look([this] { return script_->inputsChanged; });
+  if (changed) {
+    changed();
+  }
+}
+
+void ScriptedAudioDevice::moveInput(const std::string& id) {
+  script_->change([&] { script_->currentInput = id; });
+}
+
+void ScriptedAudioDevice::hangListing() {
+  script_->change([this] { script_->listingHangs = true; });
+}
+
+std::size_t ScriptedAudioDevice::looksAtInputs() const {
+  return script_->look([this] { return script_->looksAtInputs; });
 }
 
 bool ScriptedAudioDevice::feed(const float* samples, std::uint32_t frames) {
@@ -379,11 +428,12 @@ void ScriptedAudioDevice::hang() {
 }
 
 void ScriptedAudioDevice::release() {
-  script_->change([this] { script_->hanging = false; });
+  script_->change([this] { script_->hanging = script_->listingHangs = false; });
 }
 
 bool ScriptedAudioDevice::awaitHanging() const {
-  return script_->await([this] { return script_->hanging && script_->blocked > 0; });
+  return script_->await(
+      [this] { return (script_->hanging || script_->listingHangs) && script_->blocked > 0; });
 }
 
 std::size_t ScriptedAudioDevice::preparations() const {

@@ -2,7 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "platform/sound/AudioDevice.h"
@@ -46,6 +49,22 @@ class ScriptedAudioDevice final : public AudioDevice {
   [[nodiscard]] Input openInput(AudioInputClient& client) override;
   [[nodiscard]] Output openOutput(AudioOutputClient& client) override;
   void prepare() override;
+  void setInputsChangedHandler(std::function<void()> changed) override;
+  [[nodiscard]] std::optional<std::vector<AudioInputDevice>> inputs() override;
+
+  // --- Inputs. There is one at the beginning, the default, "mic" with the name "Microphone".
+
+  /// Replaces the list of inputs, and notifies of it. Nothing: the sound system does not answer.
+  void setInputs(std::optional<std::vector<AudioInputDevice>> inputs);
+  /// The same without a notice.
+  void setInputsSilently(std::optional<std::vector<AudioInputDevice>> inputs);
+  /// The open stream, and every one opened from now on, captures from the input with this id. Not
+  /// notified: the sound system moves a stream silently.
+  void moveInput(const std::string& id);
+  /// From now on inputs() alone blocks until release().
+  void hangListing();
+  /// Calls of inputs().
+  [[nodiscard]] std::size_t looksAtInputs() const;
 
   // --- Input.
 

@@ -20,6 +20,7 @@ namespace support {
 class ScriptedFileDialogs : public platform::FileDialogs {
  public:
   void beginOpenPanel(const platform::OpenPanelRequest& request, OpenAnswer answer) override {
+    accessories_.emplace_back(request.accessoryView);
     open_.push_back({request, std::move(answer)});
   }
   void beginSavePanel(const platform::SavePanelRequest& request, SaveAnswer answer) override {

@@ -32,7 +32,9 @@ struct QueueScript {
   std::uint32_t running = 0;
   AudioStatus failure = platform::kAudioStatusOk;
   bool inputFailureReportPending = true;
-  bool lossReportPending = true;
+  platform::AudioInputSource inputSource;
+  platform::AudioInputSource lostInput;
+  std::uint64_t lostFrames = 0;
   int queuesAlive = 0;
   std::function<void(std::uint64_t)> whileWaiting;  ///< inside waitUntilDelivered()
 
@@ -147,10 +149,11 @@ class SteppedInputQueue : public SteppedQueue<platform::AudioInputQueue> {
       script_->whileWaiting(frame);
     }
   }
-  std::uint64_t lostFrames() const override { return 0; }
+  std::uint64_t lostFrames() const override { return script_->lostFrames; }
 
   /// Fills the first enqueued buffer and passes it to the callback; false when none is enqueued.
-  bool deliver(const std::vector<float>& samples, std::uint64_t endFrame) {
+  bool deliver(const std::vector<float>& samples, std::uint64_t endFrame,
+               std::uint64_t missingBefore = 0) {
     if (enqueued.empty()) {
       return false;
     }
@@ -159,6 +162,23 @@ class SteppedInputQueue : public SteppedQueue<platform::AudioInputQueue> {
     buffer->mAudioDataByteSize = static_cast<std::uint32_t>(samples.size() * sizeof(float));
     std::memcpy(buffer->mAudioData, samples.data(), buffer->mAudioDataByteSize);
     buffer->endFrame = endFrame;
+    buffer->silencedFrames = 0;
+    buffer->missingBefore = missingBefore;
+    callback_(*this, *buffer);
+    return true;
+  }
+  /// Passes a buffer of silence for `frames` lost frames, at most a buffer.
+  bool deliverSilence(std::uint32_t frames, std::uint64_t endFrame) {
+    if (enqueued.empty()) {
+      return false;
+    }
+    auto* buffer = enqueued.front();
+    enqueued.pop_front();
+    buffer->mAudioDataByteSize = frames * platform::kWorkingFrameBytes;
+    std::memset(buffer->mAudioData, 0, buffer->mAudioDataByteSize);
+    buffer->endFrame = endFrame;
+    buffer->silencedFrames = frames;
+    buffer->missingBefore = 0;
     callback_(*this, *buffer);
     return true;
   }
@@ -239,7 +259,8 @@ class SteppedAudioQueues : public platform::AudioQueues {
   bool claimInputFailureAlert() override {
     return std::exchange(script_->inputFailureReportPending, false);
   }
-  bool claimDeviceLossAlert() override { return std::exchange(script_->lossReportPending, false); }
+  platform::AudioInputSource inputSource() const override { return script_->inputSource; }
+  platform::AudioInputSource lostInput() const override { return script_->lostInput; }
 
   SteppedInputQueue* input = nullptr;    ///< the last one made
   SteppedOutputQueue* output = nullptr;  ///< the last one made

@@ -77,6 +77,8 @@ class TestUserAudioFiles : public platform::UserAudioFiles {
     return std::make_unique<MemoryFile>(*this);
   }
 
+  [[nodiscard]] Opened writeTo(int /*descriptor*/) override { return createForWriting({}); }
+
  private:
   using Page = std::array<char, kPageBytes>;
 

@@ -130,6 +130,11 @@ char processState(pid_t pid) {
   return nameEnd == std::string::npos || nameEnd + 2 >= text.size() ? '\0' : text[nameEnd + 2];
 }
 
+bool hasEnded(pid_t pid) {
+  const char state = processState(pid);
+  return state == '\0' || state == 'Z';
+}
+
 std::unique_ptr<ChildProcess> ChildProcess::start(const std::vector<std::string>& arguments,
                                                   const Environment& environment,
                                                   std::string& error,

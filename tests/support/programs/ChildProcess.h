@@ -102,4 +102,7 @@ struct Finished {
 /// the process does not exist.
 [[nodiscard]] char processState(pid_t pid);
 
+/// Whether a process has ended, also if nobody has taken note of it yet.
+[[nodiscard]] bool hasEnded(pid_t pid);
+
 }  // namespace support

@@ -56,6 +56,16 @@ TEST_P(LimitedDiskTest, HoldsAFileFromTheStart) {
   EXPECT_EQ(finished.output, "40000\n24576\n");
 }
 
+TEST_P(LimitedDiskTest, TellsItsFreeSpaceAndTakesBackWhatAFileIsCutOff) {
+  const Finished finished = run(LimitedDisk::ofSize(disk_, 65536),
+                                "head -c 65536 /dev/zero >$0/a; df --output=avail -B1 $0 | tail -1;"
+                                "truncate -s 20480 $0/a; df --output=avail -B1 $0 | tail -1;"
+                                "head -c 40960 /dev/zero >$0/b; stat -c %s $0/b");
+  std::string output = finished.output;
+  std::erase(output, ' ');
+  EXPECT_EQ(output, "0\n45056\n40960\n") << finished.error;
+}
+
 TEST_P(LimitedDiskTest, CanOnlyBeRead) {
   const Finished finished =
       run(LimitedDisk::readOnly(disk_), "dd if=/dev/zero of=$0/a count=1; ls $0");

@@ -229,6 +229,28 @@ std::unique_ptr<ChildProcess> PrivateSoundServer::captureHeard(const std::string
   return recorder;
 }
 
+std::optional<std::string> PrivateSoundServer::plugMicrophone(
+    const std::string& name, const std::string& description) const {
+  const Finished loaded = runToEnd(
+      {"pactl", "load-module", "module-remap-source", std::string("master=") + kFeedMonitor,
+       "source_name=" + name, "source_properties=\"device.description='" + description + "'\""},
+      environment());
+  std::string index = loaded.output.substr(0, loaded.output.find_last_not_of(" \n") + 1);
+  if (!loaded.status.succeeded() || index.empty() ||
+      !eventually([&] { return setDefaultSource(name); })) {
+    return std::nullopt;
+  }
+  return index;
+}
+
+bool PrivateSoundServer::unplugMicrophone(const std::string& plug) const {
+  return runToEnd({"pactl", "unload-module", plug}, environment()).status.succeeded();
+}
+
+bool PrivateSoundServer::setDefaultSource(const std::string& name) const {
+  return runToEnd({"sh", "-c", setDefault("source", name)}, environment()).status.succeeded();
+}
+
 std::vector<PrivateSoundServer::Stream> PrivateSoundServer::streams(const std::string& what) const {
   const Finished list = runToEnd({"pactl", "list", what}, environment());
   std::vector<Stream> found;

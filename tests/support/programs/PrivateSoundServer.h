@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,17 @@ class PrivateSoundServer {
   /// Starts writing what is heard into a raw file and returns once samples arrive there. Recording
   /// continues until the process is ended. Null if none arrive.
   [[nodiscard]] std::unique_ptr<ChildProcess> captureHeard(const std::string& rawPath) const;
+
+  /// Adds a source that captures what is played into the feed and is no monitor, as a microphone is
+  /// none, and makes it the default. Nothing on failure.
+  [[nodiscard]] std::optional<std::string> plugMicrophone(const std::string& name,
+                                                          const std::string& description) const;
+  /// Removes it again; takes what plugMicrophone() returned. False on failure.
+  [[nodiscard]] bool unplugMicrophone(const std::string& plug) const;
+  [[nodiscard]] bool setDefaultSource(const std::string& name) const;
+  /// Names of the monitors of the feed and of what is heard.
+  static constexpr const char* kFeedMonitor = "feed.monitor";
+  static constexpr const char* kHeardMonitor = "heard.monitor";
 
   /// A client's stream, as the server reports it.
   struct Stream {

@@ -1,7 +1,9 @@
 #include "support/programs/RunningOrvo.h"
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace support {
@@ -18,6 +20,9 @@ bool isRecording(const std::string& target) {
          name.starts_with(kPrefix) && name.ends_with(kSuffix);
 }
 
+constexpr std::chrono::seconds kKeepersPatience{
+    10};  // writes what is left of the test's recordings
+
 }  // namespace
 
 std::unique_ptr<RunningOrvo> RunningOrvo::start(const std::string& program,
@@ -29,8 +34,11 @@ std::unique_ptr<RunningOrvo> RunningOrvo::start(const std::string& program,
   const std::string temporaryFolder = options.temporaryFolder.empty()
                                           ? orvo->folder_.makeFolder("temporary")
                                           : options.temporaryFolder;
+  orvo->dataFolder_ =
+      options.dataFolder.empty() ? orvo->folder_.makeFolder("data") : options.dataFolder;
   Environment environment = with(sound, screen.environment());
   environment["TMPDIR"] = temporaryFolder;
+  environment["XDG_DATA_HOME"] = orvo->dataFolder_;
   environment["QT_SCALE_FACTOR"] = std::to_string(options.scale);
   std::vector<std::string> arguments = options.wrapper;
   arguments.push_back(program);
@@ -48,6 +56,50 @@ std::unique_ptr<RunningOrvo> RunningOrvo::start(const std::string& program,
     return nullptr;
   }
   return orvo;
+}
+
+RunningOrvo::~RunningOrvo() {
+  const pid_t keeper = process_ != nullptr ? keeperPid() : 0;
+  process_.reset();
+  if (keeper != 0 && !eventually([&] { return hasEnded(keeper); }, kKeepersPatience)) {
+    ::kill(keeper, SIGKILL);
+  }
+}
+
+pid_t RunningOrvo::keeperPid() const {
+  std::error_code gone;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc", gone)) {
+    const std::string name = entry.path().filename().string();
+    if (name.find_first_not_of("0123456789") != std::string::npos) {
+      continue;
+    }
+    // "number (name) state parent …"
+    std::ifstream file(entry.path() / "stat");
+    std::string text;
+    std::getline(file, text);
+    const std::string parent = " " + std::to_string(pid()) + " ";
+    const std::size_t after = text.find("(orvo-keeper) ");
+    if (after == std::string::npos) {
+      continue;
+    }
+    const std::size_t state = after + std::string_view("(orvo-keeper) ").size();
+    if (text[state] != 'Z' && text.find(parent, after) == state + 1) {
+      return std::stoi(name);
+    }
+  }
+  return 0;
+}
+
+bool RunningOrvo::hasTaken(int signal) const {
+  std::ifstream file("/proc/" + std::to_string(pid()) + "/status");
+  constexpr std::string_view kPending = "ShdPnd:";
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with(kPending)) {
+      const auto pending = std::stoull(line.substr(kPending.size()), nullptr, 16);
+      return (pending >> (signal - 1) & 1U) == 0;
+    }
+  }
+  return true;
 }
 
 bool RunningOrvo::activateWindow(const VirtualScreen& screen) {

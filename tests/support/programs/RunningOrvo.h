@@ -25,6 +25,7 @@ class RunningOrvo {
     int scale = 1;                     ///< device pixels per point: 1 or 2
     std::vector<std::string> wrapper;  ///< program and arguments to put before the command
     std::string temporaryFolder;  ///< where documents keep their audio; empty for a private one
+    std::string dataFolder;       ///< the user's data; empty for a private one
     bool alertFirst = false;      ///< an alert precedes the first document's window
   };
 
@@ -36,9 +37,19 @@ class RunningOrvo {
                                                           const Environment& sound,
                                                           const Options& options,
                                                           std::string& error);
+  /// Kills the program and waits until its keeper has ended as well.
+  ~RunningOrvo();
+  RunningOrvo(const RunningOrvo&) = delete;
+  RunningOrvo& operator=(const RunningOrvo&) = delete;
 
   [[nodiscard]] ChildProcess& process() { return *process_; }
   [[nodiscard]] pid_t pid() const { return process_->pid(); }
+  /// The process of the program's keeper; 0 if there is none.
+  [[nodiscard]] pid_t keeperPid() const;
+  /// The user's data.
+  [[nodiscard]] const std::string& dataFolder() const { return dataFolder_; }
+  /// Whether a signal that was sent is no longer pending; also once the program has ended.
+  [[nodiscard]] bool hasTaken(int signal) const;
   /// The first document's window; empty until activateWindow() has found it.
   [[nodiscard]] const VirtualScreen::Window& window() const { return window_; }
   /// Waits for the first document's window and gives it the keyboard.
@@ -61,6 +72,7 @@ class RunningOrvo {
 
   TemporaryFolder folder_;
   std::unique_ptr<ChildProcess> process_;
+  std::string dataFolder_;
   VirtualScreen::Window window_;
   int scale_ = 1;
 };

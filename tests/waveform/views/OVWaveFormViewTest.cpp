@@ -406,25 +406,38 @@ class OVWaveFormViewKeysTest : public OVWaveFormViewTest {
 
 }  // namespace
 
-TEST_F(OVWaveFormViewKeysTest, ArrowsMoveTheMarkerByAHundredthAndPagesByATenth) {
-  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right), 0.51);
-  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Left), 0.49);
+TEST_F(OVWaveFormViewKeysTest, PagesMoveTheMarkerByATenthAndHomeAndEndToTheEnds) {
   EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_PageUp), 0.6);
   EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_PageDown), 0.4);
   EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Home), 0.0);
   EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_End), 1.0);
 }
 
-TEST_F(OVWaveFormViewKeysTest, WithShiftArrowsMoveItByAPoint) {
-  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right, Qt::ShiftModifier), 0.5 + 1.0 / 240.0);
-  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Left, Qt::ShiftModifier), 0.5 - 1.0 / 240.0);
+TEST_F(OVWaveFormViewKeysTest, ArrowsAreReportedAsStepsByTheirModifiers) {
+  using Length = OVMarkerStep::Length;
+  std::vector<OVMarkerStep> steps;
+  view_.setStepHandler([&](OVMarkerStep step) { steps.push_back(step); });
+  const std::vector<std::pair<Qt::KeyboardModifiers, Length>> lengths{
+      {Qt::NoModifier, Length::second},
+      {Qt::ShiftModifier, Length::tenthOfSecond},
+      {Qt::ControlModifier, Length::devicePixel},
+      {Qt::KeypadModifier, Length::second}};
+  for (const auto& [modifiers, length] : lengths) {
+    for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Right}) {
+      steps.clear();
+      EXPECT_EQ(reportedAfter(key, modifiers), -1.0) << "no fraction of the width";
+      ASSERT_EQ(steps.size(), 1U);
+      EXPECT_EQ(steps[0].length, length);
+      EXPECT_EQ(steps[0].isForward, key == Qt::Key_Right);
+    }
+  }
 }
 
 TEST_F(OVWaveFormViewKeysTest, NoKeyMovesItPastTheEnds) {
   delegate_->marker = 0.05;
   EXPECT_EQ(reportedAfter(Qt::Key_PageDown), 0.0);
-  delegate_->marker = 0.995;
-  EXPECT_EQ(reportedAfter(Qt::Key_Right), 1.0);
+  delegate_->marker = 0.95;
+  EXPECT_EQ(reportedAfter(Qt::Key_PageUp), 1.0);
 }
 
 TEST_F(OVWaveFormViewKeysTest, AKeyIsReportedAtItsPlaceInTheView) {
@@ -440,15 +453,32 @@ TEST_F(OVWaveFormViewKeysTest, OtherKeysAndThoseOfADisabledViewGoOnToTheWindow) 
     QCoreApplication::sendEvent(&view_, &event);
     EXPECT_FALSE(event.isAccepted()) << key;
   }
-  QKeyEvent command(QEvent::KeyPress, Qt::Key_Left, Qt::ControlModifier);
-  QCoreApplication::sendEvent(&view_, &command);
-  EXPECT_FALSE(command.isAccepted());
+  int steps = 0;
+  view_.setStepHandler([&](OVMarkerStep) { ++steps; });
+  const std::vector<std::pair<Qt::Key, Qt::KeyboardModifiers>> commands{
+      {Qt::Key_Left, Qt::AltModifier},
+      {Qt::Key_Right, Qt::ControlModifier | Qt::ShiftModifier},
+      {Qt::Key_Right, Qt::MetaModifier},
+      {Qt::Key_Home, Qt::ControlModifier}};
+  for (const auto& [key, modifiers] : commands) {
+    QKeyEvent command(QEvent::KeyPress, key, modifiers);
+    QCoreApplication::sendEvent(&view_, &command);
+    EXPECT_FALSE(command.isAccepted()) << key;
+  }
   view_.setEnabled(false);
-  EXPECT_EQ(reportedAfter(Qt::Key_Left), -1.0);
+  EXPECT_EQ(reportedAfter(Qt::Key_Home), -1.0);
+  QTest::keyClick(&view_, Qt::Key_Left);
+  EXPECT_EQ(steps, 0);
+}
+
+TEST_F(OVWaveFormViewKeysTest, WithoutAStepHandlerArrowsGoOnToTheWindow) {
+  QKeyEvent event(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier);
+  QCoreApplication::sendEvent(&view_, &event);
+  EXPECT_FALSE(event.isAccepted());
 }
 
 TEST_F(OVWaveFormViewKeysTest, TheyMoveTheMarkerFromItsPlaceInTheDocumentNotFromWhereItWasDrawn) {
   auto* const drawn = new OVPlaybackMarkerView(&view_);
   drawn->setPosition(0.1);
-  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_Right), 0.51);
+  EXPECT_DOUBLE_EQ(reportedAfter(Qt::Key_PageUp), 0.6);
 }

@@ -40,4 +40,12 @@ void InputFanOut::distribute(const float* samples, std::uint32_t frames) noexcep
   section_.leave();
 }
 
+void InputFanOut::skip(std::uint64_t frames) noexcept {
+  section_.enter();
+  for (InputSink* sink : *current_.load(std::memory_order_seq_cst)) {
+    sink->skipped(frames);
+  }
+  section_.leave();
+}
+
 }  // namespace platform

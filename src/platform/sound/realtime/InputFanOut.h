@@ -18,6 +18,12 @@ class InputSink {
   /// Threads: the device's real-time thread.
   /// Real-time: must be safe.
   virtual void captured(const float* samples, std::uint32_t frames) noexcept = 0;
+
+  /// The next `frames` frames were lost before they reached the program.
+  ///
+  /// Threads: the device's real-time thread.
+  /// Real-time: must be safe.
+  virtual void skipped(std::uint64_t frames) noexcept = 0;
 };
 
 /// Passes every captured chunk to all sinks of a set that may change while the device runs.
@@ -50,6 +56,12 @@ class InputFanOut {
   /// Threads: the device's real-time thread.
   /// Real-time: safe.
   void distribute(const float* samples, std::uint32_t frames) noexcept;
+
+  /// Reports lost frames to every sink.
+  ///
+  /// Threads: the device's real-time thread.
+  /// Real-time: safe.
+  void skip(std::uint64_t frames) noexcept;
 
  private:
   using Sinks = std::vector<InputSink*>;

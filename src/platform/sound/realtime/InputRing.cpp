@@ -24,7 +24,9 @@ bool InputRingProducer::beginBlock() noexcept {
   auto& block = ring_.blocks_[head % ring_.blockCount_];
   block.firstFrame = captured_;
   block.lostBefore = lostPending_;
+  block.skippedBefore = skippedPending_;
   lostPending_ = 0;
+  skippedPending_ = 0;
   return true;
 }
 
@@ -36,7 +38,7 @@ void InputRingProducer::endBlock() noexcept {
   ring_.publishedEndFrame_.store(captured_, std::memory_order_release);
 }
 
-void InputRingProducer::lose(std::uint32_t frames) noexcept {
+void InputRingProducer::lose(std::uint64_t frames) noexcept {
   captured_ += frames;
   lostPending_ += frames;
   ring_.lostFrames_.store(ring_.lostFrames_.load(std::memory_order_relaxed) + frames,
@@ -63,6 +65,14 @@ std::uint32_t InputRingProducer::write(const float* samples, std::uint32_t frame
       ++completed;
     }
   }
+  return completed;
+}
+
+std::uint32_t InputRingProducer::skip(std::uint64_t frames) noexcept {
+  const std::uint32_t completed = filled_ > 0 ? 1 : 0;
+  finish();
+  skippedPending_ += frames;
+  lose(frames);
   return completed;
 }
 

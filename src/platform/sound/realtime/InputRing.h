@@ -19,8 +19,10 @@ class InputRing {
     std::uint64_t firstFrame = 0;
     std::uint64_t endFrame = 0;    ///< one past the last frame
     std::uint64_t lostBefore = 0;  ///< frames lost between the previous block and this one
+    /// Those of them that were lost before they reached the ring.
+    std::uint64_t skippedBefore = 0;
 
-    /// blockFrames(), except for the last block of a capture that ended within it.
+    /// blockFrames(), except for a block within which the capture ended or frames were skipped.
     [[nodiscard]] std::uint32_t frames() const {
       return static_cast<std::uint32_t>(endFrame - firstFrame);
     }
@@ -42,7 +44,7 @@ class InputRing {
     return publishedEndFrame_.load(std::memory_order_acquire);
   }
 
-  /// Total frames lost because the ring was full.
+  /// Total frames lost because the ring was full, or skipped.
   ///
   /// Threads: any.
   /// Real-time: safe.
@@ -87,6 +89,13 @@ class InputRingProducer {
   /// Real-time: safe.
   std::uint32_t write(const float* samples, std::uint32_t frames) noexcept;
 
+  /// The next `frames` frames are lost. The unfinished block, if any, is published with the frames
+  /// that it has. Returns the number of blocks completed.
+  ///
+  /// Threads: the device's real-time thread.
+  /// Real-time: safe.
+  std::uint32_t skip(std::uint64_t frames) noexcept;
+
   /// No more frames will come: publishes the unfinished block, if any, with the frames that it has.
   ///
   /// Threads: the device's real-time thread, or any after its last write.
@@ -96,12 +105,13 @@ class InputRingProducer {
  private:
   [[nodiscard]] bool beginBlock() noexcept;
   void endBlock() noexcept;
-  void lose(std::uint32_t frames) noexcept;
+  void lose(std::uint64_t frames) noexcept;
 
   InputRing& ring_;
-  std::uint64_t captured_ = 0;     // frames offered so far
-  std::uint64_t lostPending_ = 0;  // frames lost since the last block ended
-  std::uint32_t filled_ = 0;       // frames in the unfinished block; 0 for none
+  std::uint64_t captured_ = 0;        // frames offered so far
+  std::uint64_t lostPending_ = 0;     // frames lost since the last block ended
+  std::uint64_t skippedPending_ = 0;  // those of them that were skipped
+  std::uint32_t filled_ = 0;          // frames in the unfinished block; 0 for none
 };
 
 /// The consumer's end.

@@ -19,6 +19,8 @@ class CountingSink final : public InputSink {
     last = samples[0];
     ++count;
   }
+  void skipped(std::uint64_t frames) noexcept override { skippedFrames += frames; }
+  std::uint64_t skippedFrames = 0;
   float last = 0;
   int count = 0;
   bool gapless = true;
@@ -42,6 +44,20 @@ TEST(InputFanOutTest, EverySinkGetsEveryChunkWhileItIsIn) {
   EXPECT_EQ(early.count, 2);
   EXPECT_EQ(late.count, 2);
   EXPECT_EQ(late.last, 4);
+}
+
+TEST(InputFanOutTest, EverySinkLearnsOfSkippedFramesWhileItIsIn) {
+  InputFanOut fanOut;
+  CountingSink early;
+  CountingSink late;
+  fanOut.add(early);
+  fanOut.skip(7);
+  fanOut.add(late);
+  fanOut.skip(100);
+  fanOut.remove(early);
+  fanOut.skip(1000);
+  EXPECT_EQ(early.skippedFrames, 107U);
+  EXPECT_EQ(late.skippedFrames, 1100U);
 }
 
 TEST(InputFanOutTest, RemovingTwiceOrAStrangerDoesNothing) {

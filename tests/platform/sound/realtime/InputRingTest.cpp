@@ -85,6 +85,37 @@ TEST(InputRingTest, AFullRingCountsWhatItCannotTakeAndTheNextBlockTellsIt) {
   EXPECT_TRUE(holdsItsOwnFrames(ring, *block, consumer.frontSamples()));
 }
 
+TEST(InputRingTest, SkippedFramesEndTheBlockAndAreLostBeforeTheNext) {
+  InputRing ring(4, 4);
+  InputRingProducer producer(ring);
+  InputRingConsumer consumer(ring);
+  producer.write(ramp(0, 3).data(), 3);
+  EXPECT_EQ(producer.skip(100), 1U);
+  EXPECT_EQ(producer.skip(10), 0U);
+  producer.write(ramp(113, 4).data(), 4);
+  EXPECT_EQ(ring.lostFrames(), 110U);
+  EXPECT_EQ(consumer.front()->frames(), 3U);
+  EXPECT_EQ(consumer.front()->lostBefore, 0U);
+  consumer.pop();
+  EXPECT_EQ(consumer.front()->firstFrame, 113U);
+  EXPECT_EQ(consumer.front()->endFrame, 117U);
+  EXPECT_EQ(consumer.front()->lostBefore, 110U);
+  EXPECT_EQ(consumer.front()->skippedBefore, 110U);
+}
+
+TEST(InputRingTest, OfALossInAFullRingAndBeforeItOnlyTheLatterWasSkipped) {
+  InputRing ring(4, 2);
+  InputRingProducer producer(ring);
+  InputRingConsumer consumer(ring);
+  producer.write(ramp(0, 9).data(), 9);
+  producer.skip(100);
+  consumer.pop();
+  consumer.pop();
+  producer.write(ramp(109, 4).data(), 4);
+  EXPECT_EQ(consumer.front()->lostBefore, 101U);
+  EXPECT_EQ(consumer.front()->skippedBefore, 100U);
+}
+
 TEST(InputRingTest, AStretchOfLossIsToldByOneBlockOnly) {
   InputRing ring(4, 2);
   InputRingProducer producer(ring);

@@ -22,7 +22,7 @@ namespace platform {
 ///
 /// Threads, Real-time: as AudioQueue.
 template <typename Interface, typename Core>
-class DeviceQueue : public Interface {
+class QueueHandle : public Interface {
  public:
   [[nodiscard]] Result<AudioQueueBuffer*, AudioStatus> allocateBuffer(
       std::uint32_t byteCapacity) override {
@@ -58,7 +58,7 @@ class DeviceQueue : public Interface {
  protected:
   /// `makeCore` creates the core for the queue passed to it.
   template <typename MakeCore>
-  DeviceQueue(std::shared_ptr<DeviceThread> deviceThread, MakeCore makeCore)
+  QueueHandle(std::shared_ptr<DeviceThread> deviceThread, MakeCore makeCore)
       : deviceThread_(std::move(deviceThread)), core_(makeCore(static_cast<Interface&>(*this))) {}
 
   [[nodiscard]] Core& core() const { return *core_; }
@@ -72,15 +72,15 @@ class DeviceQueue : public Interface {
 /// An input queue of DeviceAudioQueues.
 ///
 /// Threads, Real-time: as AudioInputQueue.
-class DeviceInputQueue final : public DeviceQueue<AudioInputQueue, InputQueueCore> {
+class InputQueueHandle final : public QueueHandle<AudioInputQueue, InputQueueCore> {
  public:
-  DeviceInputQueue(Callback callback, FailureListener failed,
+  InputQueueHandle(Callback callback, FailureListener failed,
                    std::shared_ptr<DeviceThread> deviceThread, std::shared_ptr<SharedInput> input)
-      : DeviceQueue(std::move(deviceThread), [&](AudioInputQueue& queue) {
+      : QueueHandle(std::move(deviceThread), [&](AudioInputQueue& queue) {
           return std::make_shared<InputQueueCore>(queue, std::move(callback), std::move(failed),
                                                   std::move(input));
         }) {}
-  ~DeviceInputQueue() override { core().dispose(); }
+  ~InputQueueHandle() override { core().dispose(); }
 
   [[nodiscard]] AudioStatus acquireDevice() { return core().acquireDevice(); }
 
@@ -92,15 +92,16 @@ class DeviceInputQueue final : public DeviceQueue<AudioInputQueue, InputQueueCor
 /// An output queue of DeviceAudioQueues.
 ///
 /// Threads, Real-time: as AudioOutputQueue.
-class DeviceOutputQueue final : public DeviceQueue<AudioOutputQueue, OutputQueueCore> {
+class OutputQueueHandle final : public QueueHandle<AudioOutputQueue, OutputQueueCore> {
  public:
-  DeviceOutputQueue(Callback callback, std::shared_ptr<DeviceThread> deviceThread,
-                    std::shared_ptr<AudioClock> clock, std::shared_ptr<RecentFailure> known)
-      : DeviceQueue(deviceThread, [&](AudioOutputQueue& queue) {
+  OutputQueueHandle(Callback callback, std::shared_ptr<DeviceThread> deviceThread,
+                    std::shared_ptr<AudioClock> clock, std::weak_ptr<StallWatch> stallWatch,
+                    std::shared_ptr<RecentFailure> known)
+      : QueueHandle(deviceThread, [&](AudioOutputQueue& queue) {
           return OutputQueueCore::create(queue, std::move(callback), deviceThread->control(),
-                                         std::move(clock), std::move(known));
+                                         std::move(clock), std::move(stallWatch), std::move(known));
         }) {}
-  ~DeviceOutputQueue() override { core().dispose(); }
+  ~OutputQueueHandle() override { core().dispose(); }
 
   [[nodiscard]] AudioStatus open() { return core().open(); }
 

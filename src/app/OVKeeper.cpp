@@ -1,0 +1,58 @@
+#include "app/OVKeeper.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+OVKeeper::OVKeeper(const std::string& program)
+    : connection_(std::make_shared<KeeperConnection>(program)), installed_(connection_) {
+  connection_->setChangeHandler([this] { watch(); });
+}
+
+OVKeeper::~OVKeeper() {
+  connection_->setChangeHandler(nullptr);
+}
+
+// Where the modules are: first as installed, then as in the build tree.
+std::string OVKeeper::programPath(const QString& folder) {
+  const auto pathIn = [&folder](const char* modules) {
+    return QDir::cleanPath(QDir(folder).absoluteFilePath(modules)) + "/orvo-keeper";
+  };
+  const QString installed = pathIn(ORVO_INSTALLED_MODULES);
+  const QString built = pathIn("../../lib/orvo");
+  const bool isBuilt = !QFileInfo(installed).isExecutable() && QFileInfo(built).isExecutable();
+  return QFile::encodeName(isBuilt ? built : installed).toStdString();
+}
+
+void OVKeeper::watch() {
+  if (watched_ != connection_->starts() || connection_->descriptor() < 0) {
+    unwatch();
+  }
+  if (connection_->descriptor() < 0) {
+    return;
+  }
+  if (!gone_) {
+    watched_ = connection_->starts();
+    gone_ = notifier(QSocketNotifier::Read, &KeeperConnection::check);
+    takesMessages_ = notifier(QSocketNotifier::Write, &KeeperConnection::sendPending);
+  }
+  takesMessages_->setEnabled(connection_->hasPending());
+}
+
+std::unique_ptr<QSocketNotifier> OVKeeper::notifier(QSocketNotifier::Type type,
+                                                    void (KeeperConnection::*call)()) {
+  auto notifier = std::make_unique<QSocketNotifier>(connection_->descriptor(), type);
+  QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(),
+                   [this, call] { (connection_.get()->*call)(); });
+  return notifier;
+}
+
+// A notifier may be reporting just now.
+void OVKeeper::unwatch() {
+  for (auto* const each : {&gone_, &takesMessages_}) {
+    if (QSocketNotifier* const notifier = each->release()) {
+      notifier->setEnabled(false);
+      notifier->deleteLater();
+    }
+  }
+}

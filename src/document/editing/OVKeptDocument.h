@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+
+class OVBlockBuffer;
+class OVDocumentAudio;
+class RecordingKeeper;
+
+/// Has the keeper keep the document's recording, from its first change until it is closed, so that
+/// it survives an unexpected end of the program. Does nothing without a keeper.
+///
+/// Threads: main. Real-time: not safe.
+class OVKeptDocument {
+ public:
+  explicit OVKeptDocument(const OVDocumentAudio& audio);
+  ~OVKeptDocument();  ///< as close()
+  OVKeptDocument(const OVKeptDocument&) = delete;
+  OVKeptDocument& operator=(const OVKeptDocument&) = delete;
+
+  /// The document came from a file in the folder of recovered recordings: if it is recovered again,
+  /// the new file replaces that one. `name` is the file's, without a folder. Call before the first
+  /// change.
+  void setRecoveredFrom(std::string name) { recoveredFrom_ = std::move(name); }
+
+  /// Whether there is something that no file has. Call it with true before the change.
+  void setEdited(bool edited);
+  /// Record was pressed.
+  void recordingBegins();
+  /// The document is closed: what was not saved was discarded.
+  void close();
+
+ private:
+  void begin();
+
+  const OVDocumentAudio& audio_;
+  const std::uint64_t number_;
+  std::string recoveredFrom_;
+  bool isClosed_ = false;
+  // While it is kept.
+  std::shared_ptr<OVBlockBuffer> buffer_;
+  std::shared_ptr<RecordingKeeper> keeper_;
+};

@@ -1,0 +1,73 @@
+#include "keeper/Keeper.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+#include <span>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "keeper/PassingErrors.h"
+#include "platform/files/PosixFile.h"
+
+Keeper::Keeper(std::unique_ptr<platform::DescriptorChannel> program, Settings settings)
+    : program_(std::move(program)), settings_(std::move(settings)) {}
+
+void Keeper::listen() {
+  using Channel = platform::DescriptorChannel;
+  std::array<std::byte, sizeof(KeeperMessage)> bytes{};
+  while (true) {
+    auto received = program_->receive(bytes, Channel::Waiting::untilItCame);
+    if (received.error == ENOMEM || received.error == EMFILE) {
+      continue;  // that message is lost, the others are not
+    }
+    if (received.error != 0 || received.byteCount == 0) {
+      return;
+    }
+    KeeperMessage message{.version = 0};
+    if (received.byteCount == sizeof message) {
+      std::memcpy(&message, bytes.data(), sizeof message);
+    }
+    take(message, std::move(received.descriptors));
+  }
+}
+
+void Keeper::take(const KeeperMessage& message, std::vector<int> descriptors) {
+  std::vector<std::unique_ptr<platform::File>> files;
+  files.reserve(descriptors.size());
+  for (const int descriptor : descriptors) {
+    files.push_back(std::make_unique<platform::PosixFile>(descriptor));  // closes what is not kept
+  }
+  if (message.version != KeeperMessage::kVersion) {
+    return;
+  }
+  if (message.kind == KeeperMessage::Kind::letGo) {
+    recordings_.erase(message.document);
+  } else if (message.kind == KeeperMessage::Kind::keep && files.size() == 2) {
+    recordings_.insert_or_assign(message.document,
+                                 KeptRecording(std::move(files[0]), std::move(files[1])));
+  }
+}
+
+bool Keeper::recover() {
+  if (recordings_.empty()) {
+    return true;
+  }
+  auto folder = RecoveredFolder::open(settings_.dataDirectory);
+  if (!folder) {
+    return !mayPass(folder.error());
+  }
+  for (auto entry = recordings_.begin(); entry != recordings_.end();) {
+    const bool waits = entry->second.recover(**folder) == KeptRecording::Outcome::waiting;
+    entry = waits ? std::next(entry) : recordings_.erase(entry);
+  }
+  return recordings_.empty();
+}
+
+void Keeper::recoverAll() {
+  while (!recover()) {
+    std::this_thread::sleep_for(settings_.patience);
+  }
+}

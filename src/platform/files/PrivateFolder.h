@@ -1,0 +1,79 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/base/Result.h"
+#include "platform/files/PosixFile.h"
+
+namespace platform {
+
+/// A regular file of the user's own in a PrivateFolder, open.
+///
+/// Threads: one at a time; content() from any. Real-time: not safe.
+class PrivateFile {
+ public:
+  ~PrivateFile();  ///< releases the lock
+  PrivateFile(const PrivateFile&) = delete;
+  PrivateFile& operator=(const PrivateFile&) = delete;
+
+  [[nodiscard]] const std::string& name() const { return name_; }
+  [[nodiscard]] File& content() { return file_; }
+  /// Tells it from another file that takes its name while this object exists.
+  [[nodiscard]] std::uint64_t number() const;
+  /// When its content last changed.
+  [[nodiscard]] std::chrono::system_clock::time_point modified() const;
+
+  /// Takes the lock of the whole file, without waiting; the object holds it until its end. False if
+  /// another object, in this program or another, holds it. Where the file system has no locks, it
+  /// counts as taken.
+  [[nodiscard]] bool lock();
+
+  /// 0 if the file still has its name; ESTALE if another one has it, ENOENT if none has.
+  [[nodiscard]] int checkName() const;
+  /// Deletes the file if it still has its name. Returns 0 or an errno.
+  [[nodiscard]] int remove();
+
+ private:
+  friend class PrivateFolder;
+  PrivateFile(std::shared_ptr<PosixFile> folder, int folderDescriptor, std::string name,
+              int descriptor);
+
+  const std::shared_ptr<PosixFile> folder_;  // owns folderDescriptor_
+  const int folderDescriptor_;
+  const std::string name_;
+  const int descriptor_;  // file_ owns it
+  PosixFile file_;
+};
+
+/// A folder that belongs to the user and that nobody else may enter. Files are reached through its
+/// descriptor, and no link in it or to it is followed.
+///
+/// Threads: any. Real-time: not safe.
+class PrivateFolder {
+ public:
+  using Opened = Result<std::shared_ptr<PrivateFile>>;
+
+  /// Opens the folder. Fails with ENOENT where there is none, with ENOTDIR or ELOOP for a link and
+  /// for anything that is no folder, and with EPERM for a folder that belongs to someone else or
+  /// that others may read, change or enter.
+  [[nodiscard]] static Result<PrivateFolder> at(const std::string& path);
+
+  /// Calls `found` with each name in it, in no order, without "." and "..".
+  void forEachName(const std::function<void(const std::string& name)>& found) const;
+
+  /// Opens a file for reading. Fails with EPERM for a file of someone else's, and with EINVAL or
+  /// ELOOP for anything but a regular file.
+  [[nodiscard]] Opened open(const std::string& name) const;
+
+ private:
+  explicit PrivateFolder(int descriptor);
+
+  std::shared_ptr<PosixFile> folder_;  // owns descriptor_
+  int descriptor_;
+};
+
+}  // namespace platform

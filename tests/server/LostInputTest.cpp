@@ -1,0 +1,403 @@
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "audio/OVAQPlayer.h"
+#include "audio/OVAQRecorder.h"
+#include "server/ServerFixture.h"
+#include "support/MainLoop.h"
+
+// Microphones that are unplugged, replaced and plugged in again, and servers that stand still,
+// while something is recorded or played.
+namespace {
+
+using platform::AudioInputSource;
+using platform::kDeviceLostStatus;
+using platform::kDeviceStalledStatus;
+using support::equalFrames;
+using support::findStart;
+using support::noise;
+using support::Samples;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testserver::contents;
+using testserver::kSecond;
+
+class LostInputTest : public testserver::ServerFixture {
+ protected:
+  void SetUp() override {
+    ServerFixture::SetUp();
+    if (HasFatalFailure()) {
+      return;
+    }
+    testing::internal::CaptureStderr();  // every failure prints a line
+  }
+  void TearDown() override {
+    if (recorder_) {
+      recorder_->prepareForDestruction();
+      recorder_.reset();
+    }
+    testing::internal::GetCapturedStderr();
+    ServerFixture::TearDown();
+  }
+
+  void plug(const std::string& name, const std::string& description) {
+    plug_ = server_->plugMicrophone(name, description);
+    ASSERT_TRUE(plug_.has_value());
+  }
+  void unplug() { ASSERT_TRUE(server_->unplugMicrophone(*std::exchange(plug_, std::nullopt))); }
+
+  void makeRecorder() {
+    failure_ = 0;
+    recorder_ = OVAQRecorder::initWithBuffer(buffer_);
+    ASSERT_NE(recorder_, nullptr);
+    recorder_->setWritingPosition(buffer_->bufferSizeInFrames() * testserver::kFrameBytes);
+    recorder_->setFailureHandler([this](platform::AudioStatus status) { failure_ = status; });
+    ASSERT_TRUE(awaitCapturing());
+  }
+
+  void feed(const Samples& signal) {
+    ASSERT_TRUE(support::writeRaw(folder_.file("signal"), signal));
+    player_ = server_->playIntoFeed(folder_.file("signal"));
+    ASSERT_NE(player_, nullptr);
+  }
+
+  /// Records while the signal is fed, until a second of it has arrived.
+  void recordSome(const Samples& signal) {
+    makeRecorder();
+    if (HasFatalFailure()) {
+      return;
+    }
+    recorder_->record();
+    feed(signal);
+    ASSERT_TRUE(support::eventually([&] {
+      const Samples all = contents(*buffer_);
+      const auto start = findStart(signal, all);
+      return start && all.size() / support::kChannels - *start > kSecond;
+    }));
+  }
+
+  [[nodiscard]] bool awaitFailure(platform::AudioStatus status) {
+    return support::eventually([&] { return failure_ != 0; }) && failure_ == status;
+  }
+
+  /// The recording is the signal without a gap from its first frame on; returns how many frames it
+  /// has of it, and `after` how many follow that are not the signal's.
+  std::size_t framesOf(const Samples& signal, std::size_t& after) {
+    const Samples all = contents(*buffer_);
+    const auto start = findStart(signal, all);
+    if (!start) {
+      return 0;
+    }
+    const std::size_t found = equalFrames(signal, all, *start);
+    after = all.size() / support::kChannels - *start - found;
+    return found;
+  }
+
+  /// The last `frames` frames of the recording are digital silence.
+  [[nodiscard]] bool endsWithSilence(std::size_t frames) const {
+    const Samples all = contents(*buffer_);
+    return std::all_of(all.end() - static_cast<std::ptrdiff_t>(frames * support::kChannels),
+                       all.end(), [](float sample) { return sample == 0; });
+  }
+
+  void expectOneAlertThatSays(const std::string& words) {
+    ASSERT_TRUE(runMainLoopUntil([&] { return !services_->postedAlerts().empty(); }));
+    EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
+    EXPECT_THAT(services_->postedAlerts()[0].message, HasSubstr(words));
+    EXPECT_THAT(services_->alerts(), IsEmpty());
+  }
+
+  [[nodiscard]] bool awaitSource(AudioInputSource::Kind kind, const std::string& id = {}) {
+    return support::eventually([&] {
+      const auto source = queues_->inputSource();
+      return source.kind == kind && (id.empty() || source.id == id);
+    });
+  }
+
+  std::atomic<platform::AudioStatus> failure_{0};
+  std::optional<std::string> plug_;
+  std::unique_ptr<support::ChildProcess> player_;
+  std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
+  std::shared_ptr<OVAQRecorder> recorder_;
+};
+
+TEST_F(LostInputTest, AMicrophoneIsLosslessAndNamed) {
+  ASSERT_NO_FATAL_FAILURE(plug("mic", "USB Mic"));
+  const Samples signal = noise(3 * kSecond, 21);
+  ASSERT_NO_FATAL_FAILURE(recordSome(signal));
+  EXPECT_EQ(queues_->inputSource(), (AudioInputSource{.kind = AudioInputSource::Kind::kMicrophone,
+                                                      .isOpen = true,
+                                                      .id = "mic",
+                                                      .name = "USB Mic"}));
+  std::size_t after = 0;
+  EXPECT_TRUE(support::eventually([&] { return framesOf(signal, after) == 3 * kSecond; }));
+}
+
+TEST_F(LostInputTest,
+       AMicrophoneThatIsUnpluggedEndsTheRecordingToldOnceAndItsReturnIsRecordedFrom) {
+  ASSERT_TRUE(server_->setDefaultSource(support::PrivateSoundServer::kHeardMonitor));
+  ASSERT_NO_FATAL_FAILURE(plug("mic", "USB Mic"));
+  const Samples signal = noise(20 * kSecond, 22);
+  ASSERT_NO_FATAL_FAILURE(recordSome(signal));
+  ASSERT_NO_FATAL_FAILURE(unplug());
+  ASSERT_TRUE(awaitFailure(kDeviceLostStatus));
+  recorder_->pause();
+  std::size_t after = 0;
+  EXPECT_GT(framesOf(signal, after), kSecond);
+  // What the server captured from the monitor, where it moves the stream, until that was noticed.
+  EXPECT_LE(after, kSecond);
+  EXPECT_TRUE(endsWithSilence(after));
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertThatSays(
+      "The sound input “USB Mic” has gone: it was unplugged, or the sound system stopped. "
+      "Recording has ended."));
+  recorder_->prepareForDestruction();
+  ASSERT_TRUE(awaitSource(AudioInputSource::Kind::kMonitor));
+  EXPECT_FALSE(queues_->inputSource().isOpen);
+
+  ASSERT_NO_FATAL_FAILURE(plug("mic", "USB Mic"));
+  ASSERT_TRUE(awaitSource(AudioInputSource::Kind::kMicrophone));
+  player_.reset();
+  buffer_ = OVBlockBuffer::init();
+  const Samples more = noise(20 * kSecond, 23);
+  ASSERT_NO_FATAL_FAILURE(recordSome(more));
+  EXPECT_GT(framesOf(more, after), kSecond / 2);
+  EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
+}
+
+TEST_F(LostInputTest, AnotherDefaultWhileTheFormerIsThereIsFollowedWithoutAnAlert) {
+  ASSERT_NO_FATAL_FAILURE(plug("mic", "USB Mic"));
+  const auto first = plug_;
+  ASSERT_NO_FATAL_FAILURE(makeRecorder());
+  recorder_->record();
+  ASSERT_TRUE(awaitSource(AudioInputSource::Kind::kMicrophone, "mic"));
+  ASSERT_NO_FATAL_FAILURE(plug("headset", "Headset"));
+  ASSERT_TRUE(awaitSource(AudioInputSource::Kind::kMicrophone, "headset"));
+  EXPECT_TRUE(queues_->inputSource().isOpen);
+  const auto before = buffer_->bufferSizeInFrames();
+  ASSERT_TRUE(support::eventually([&] { return buffer_->bufferSizeInFrames() > before + 20'000; }));
+  EXPECT_EQ(failure_, 0);
+  // The former one may go now.
+  EXPECT_TRUE(server_->unplugMicrophone(*first));
+  const auto then = buffer_->bufferSizeInFrames();
+  ASSERT_TRUE(support::eventually([&] { return buffer_->bufferSizeInFrames() > then + 60'000; }));
+  EXPECT_EQ(failure_, 0);
+  EXPECT_THAT(services_->postedAlerts(), IsEmpty());
+}
+
+TEST_F(LostInputTest, AMonitorThatIsTheDefaultIsRecordedFromAndKnownAsOne) {
+  ASSERT_NO_FATAL_FAILURE(makeRecorder());
+  EXPECT_TRUE(awaitSource(AudioInputSource::Kind::kMonitor));
+  EXPECT_EQ(queues_->inputSource().id, support::PrivateSoundServer::kFeedMonitor);
+}
+
+TEST_F(LostInputTest, TenRecordingsFromOneMicrophoneAreOneAlertWhenItGoes) {
+  ASSERT_NO_FATAL_FAILURE(plug("mic", "USB Mic"));
+  std::vector<std::shared_ptr<OVAQRecorder>> recorders;
+  std::atomic<int> ended{0};
+  for (int i = 0; i < 10; ++i) {
+    recorders.push_back(OVAQRecorder::initWithBuffer(OVBlockBuffer::init()));
+    ASSERT_NE(recorders.back(), nullptr);
+    recorders.back()->setFailureHandler([&](platform::AudioStatus) { ++ended; });
+    recorders.back()->record();
+  }
+  ASSERT_TRUE(awaitSource(AudioInputSource::Kind::kMicrophone));
+  ASSERT_NO_FATAL_FAILURE(unplug());
+  ASSERT_TRUE(support::eventually([&] { return ended == 10; }));
+  expectOneAlertThatSays("“USB Mic”");
+  for (const auto& recorder : recorders) {
+    recorder->pause();
+    recorder->prepareForDestruction();
+  }
+  EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
+}
+
+TEST_F(LostInputTest, AServerThatStandsStillForLongEndsTheRecordingWithEverythingKept) {
+  ASSERT_NO_FATAL_FAILURE(plug("mic", "USB Mic"));
+  const Samples signal = noise(20 * kSecond, 25);
+  ASSERT_NO_FATAL_FAILURE(recordSome(signal));
+  const auto frozen = std::chrono::steady_clock::now();
+  server_->freeze();
+  ASSERT_TRUE(awaitFailure(kDeviceStalledStatus));
+  const auto noticed = std::chrono::steady_clock::now() - frozen;
+  EXPECT_GE(noticed, std::chrono::milliseconds(1900));
+  recorder_->pause();
+  std::size_t after = 0;
+  EXPECT_GT(framesOf(signal, after), kSecond);
+  EXPECT_EQ(after, 0U);
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertThatSays(
+      "Nothing more came from the sound input “USB Mic”: it stands still, or the sound system does "
+      "not answer. Recording has ended."));
+  recorder_->prepareForDestruction();
+  const auto kept = buffer_->bufferSizeInFrames();
+  server_->thaw();
+  ASSERT_TRUE(support::eventually([&] {
+    recorder_ = OVAQRecorder::initWithBuffer(buffer_);
+    return recorder_ != nullptr;
+  }));
+  recorder_->setWritingPosition(kept * testserver::kFrameBytes);
+  recorder_->record();
+  EXPECT_TRUE(support::eventually([&] { return buffer_->bufferSizeInFrames() > kept + kSecond; }));
+}
+
+class StoppedDelegate : public OVAQPlayerDelegate {
+ public:
+  void playerAdvancedToFrame(std::uint64_t) override {}
+  void playerStoppedPlayback(OVAQPlayer*) override { ++stopped; }
+  int stopped = 0;  // main thread
+};
+
+TEST_F(LostInputTest, AServerThatStandsStillEndsThePlaybackWhereItIs) {
+  const auto delegate = std::make_shared<StoppedDelegate>();
+  const auto player =
+      OVAQPlayer::initWithBuffer(testserver::blockBufferWith(noise(20 * kSecond, 26)), 0);
+  ASSERT_NE(player, nullptr);
+  player->setDelegate(delegate);
+  player->play();
+  ASSERT_TRUE(runMainLoopUntil([&] { return player->readingPosition() > 400'000; }));
+  server_->freeze();
+  ASSERT_TRUE(runMainLoopUntil([&] { return delegate->stopped > 0; }));
+  EXPECT_EQ(player->failure(), kDeviceStalledStatus);
+  EXPECT_FALSE(player->isPlaying());
+  const auto place = player->readingPosition();
+  EXPECT_LT(place, 20 * kSecond * testserver::kFrameBytes);
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertThatSays("Playback has ended."));
+  server_->thaw();
+  player->stop();
+  EXPECT_EQ(player->readingPosition(), place);
+}
+
+TEST_F(LostInputTest, AServerThatDiesIsToldInTheSameWordsEveryTimeForEachOfThreeStates) {
+  struct Case {
+    bool records;
+    bool plays;
+    const char* words;
+    const char* notWords;
+  };
+  for (const Case& each : {Case{false, false, "before you press Record.", "ended"},
+                           Case{false, true, "Playback has ended.", "Recording has ended"},
+                           Case{true, true, "Recording has ended.", "Playback has ended"},
+                           Case{true, false, "Recording has ended.", "Playback has ended"}}) {
+    for (int round = 0; round < 2; ++round) {
+      SCOPED_TRACE(std::string(each.words) + " " + std::to_string(round));
+      services_->clear();
+      ASSERT_NO_FATAL_FAILURE(makeRecorder());
+      std::shared_ptr<OVAQPlayer> player;
+      if (each.records) {
+        recorder_->record();
+      }
+      if (each.plays) {
+        player =
+            OVAQPlayer::initWithBuffer(testserver::blockBufferWith(noise(20 * kSecond, 27)), 0);
+        ASSERT_NE(player, nullptr);
+        player->play();
+        ASSERT_TRUE(support::eventually([&] { return player->readingPosition() > 100'000; }));
+      }
+      server_->kill();
+      ASSERT_TRUE(awaitFailure(kDeviceLostStatus));
+      recorder_->pause();
+      ASSERT_NO_FATAL_FAILURE(expectOneAlertThatSays(each.words));
+      EXPECT_THAT(services_->postedAlerts()[0].message, testing::Not(HasSubstr(each.notWords)));
+      recorder_->prepareForDestruction();
+      recorder_.reset();
+      player.reset();
+      installation_.reset();
+      queues_ = std::make_shared<platform::DeviceAudioQueues>(platform::lateAudioDevice());
+      installation_.emplace(queues_);
+      ASSERT_TRUE(server_->restart());
+    }
+  }
+}
+
+TEST_F(LostInputTest, AServerThatIsRestartedThreeTimesInASecondIsRecordedFromAfterwards) {
+  ASSERT_NO_FATAL_FAILURE(makeRecorder());
+  recorder_->record();
+  ASSERT_TRUE(server_->restart());
+  ASSERT_TRUE(server_->restart());
+  ASSERT_TRUE(server_->restart());
+  ASSERT_TRUE(awaitFailure(kDeviceLostStatus));
+  recorder_->pause();
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertThatSays("Recording has ended."));
+  recorder_->prepareForDestruction();
+  ASSERT_TRUE(support::eventually([&] {
+    recorder_ = OVAQRecorder::initWithBuffer(buffer_, OVAQRecorder::DeviceAlerts::heldBack);
+    return recorder_ != nullptr;
+  }));
+  recorder_->record();
+  const auto before = buffer_->bufferSizeInFrames();
+  EXPECT_TRUE(support::eventually([&] { return buffer_->bufferSizeInFrames() > before; }));
+  EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
+}
+
+TEST_F(LostInputTest, AMicrophoneWithoutAReasonableNameIsToldSafely) {
+  ASSERT_NO_FATAL_FAILURE(plug("mic", "<b>" + std::string(300, 'x') + "</b>"));
+  ASSERT_NO_FATAL_FAILURE(makeRecorder());
+  recorder_->record();
+  ASSERT_TRUE(awaitSource(AudioInputSource::Kind::kMicrophone));
+  ASSERT_NO_FATAL_FAILURE(unplug());
+  ASSERT_TRUE(awaitFailure(kDeviceLostStatus));
+  recorder_->pause();
+  expectOneAlertThatSays("“<b>" + std::string(56, 'x') + "…” has gone");
+}
+
+// A server that is stopped for some seconds, while one document records and another plays.
+class FrozenServerTest : public LostInputTest, public testing::WithParamInterface<int> {
+ protected:
+  void freezeFor(std::chrono::seconds time) {
+    const auto frozen = std::chrono::steady_clock::now();
+    server_->freeze();
+    ASSERT_TRUE(runMainLoopUntil([&] { return std::chrono::steady_clock::now() - frozen >= time; },
+                                 time + support::kPatience));
+    server_->thaw();
+  }
+};
+
+TEST_P(FrozenServerTest, BothGoOnAfterASecondAndEndWithEverythingKeptAfterMore) {
+  const std::chrono::seconds time(GetParam());
+  if (time > std::chrono::seconds(30) && std::getenv("ORVO_TEST_LONG_FREEZES") == nullptr) {
+    GTEST_SKIP() << "takes a minute; set ORVO_TEST_LONG_FREEZES to run it";
+  }
+  const auto delegate = std::make_shared<StoppedDelegate>();
+  const auto player =
+      OVAQPlayer::initWithBuffer(testserver::blockBufferWith(noise(100 * kSecond, 28)), 0);
+  ASSERT_NE(player, nullptr);
+  player->setDelegate(delegate);
+  const Samples signal = noise(100 * kSecond, 24);
+  ASSERT_NO_FATAL_FAILURE(recordSome(signal));
+  player->play();
+  ASSERT_TRUE(runMainLoopUntil([&] { return player->readingPosition() > 100'000; }));
+  ASSERT_NO_FATAL_FAILURE(freezeFor(time));
+  if (time <= std::chrono::seconds(1)) {
+    const auto before = buffer_->bufferSizeInFrames();
+    ASSERT_TRUE(
+        runMainLoopUntil([&] { return buffer_->bufferSizeInFrames() > before + 2 * kSecond; }));
+    const auto heard = player->readingPosition();
+    ASSERT_TRUE(runMainLoopUntil([&] { return player->readingPosition() > heard + kSecond; }));
+    EXPECT_EQ(failure_, 0);
+    EXPECT_EQ(delegate->stopped, 0);
+    recorder_->pause();
+    EXPECT_THAT(services_->postedAlerts(), IsEmpty());
+  } else {
+    EXPECT_EQ(failure_, kDeviceStalledStatus);
+    EXPECT_EQ(player->failure(), kDeviceStalledStatus);
+    EXPECT_EQ(delegate->stopped, 1);
+    recorder_->pause();
+    std::size_t after = 0;
+    EXPECT_GT(framesOf(signal, after), kSecond);
+    EXPECT_EQ(after, 0U);
+    expectOneAlertThatSays("Recording has ended.");
+  }
+  player->stop();
+}
+
+INSTANTIATE_TEST_SUITE_P(Seconds, FrozenServerTest, testing::Values(1, 5, 60));
+
+}  // namespace

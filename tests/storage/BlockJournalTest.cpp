@@ -1,0 +1,230 @@
+#include "storage/BlockJournal.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstring>
+#include <vector>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/files/PosixFile.h"
+#include "storage/BlockBufferFixture.h"
+#include "storage/JournalReplay.h"
+
+namespace {
+
+using support::pattern;
+using support::write;
+
+class BlockJournalTest : public support::BlockBufferFixture {
+ protected:
+  void begin(const BlockJournal::Origin& origin = {.created = 7, .recoveredFrom = {}}) {
+    ASSERT_NE(buffer_->beginJournal(origin), nullptr);
+    file_ = std::make_unique<platform::PosixFile>(::dup(buffer_->journal()->descriptor()));
+  }
+
+  /// Memory that the journal takes.
+  [[nodiscard]] std::uint64_t bytesInUse() const {
+    struct stat information = {};
+    EXPECT_EQ(::fstat(file_->descriptor(), &information), 0);
+    return static_cast<std::uint64_t>(information.st_blocks) * 512;
+  }
+
+  void expectReplayed() const {
+    auto replay = JournalReplay::begin(*file_);
+    ASSERT_TRUE(replay);
+    replay->run();
+    EXPECT_EQ(replay->list().blocks(), buffer_->blocklist());
+    EXPECT_EQ(replay->fillSize(), buffer_->bufferFillSize());
+  }
+
+  std::unique_ptr<platform::PosixFile> file_;
+};
+
+TEST_F(BlockJournalTest, SaysWhatItsDocumentSaid) {
+  begin({.created = 7, .recoveredFrom = "Orvo recording.caf"});
+  auto origin = readJournalOrigin(*file_);
+  ASSERT_TRUE(origin);
+  EXPECT_EQ(origin->state, journal::State::saved);
+  EXPECT_EQ(origin->begun, 7);
+  EXPECT_EQ(origin->recoveredFrom, "Orvo recording.caf");
+
+  buffer_->journal()->setState(journal::State::edited);
+  buffer_->journal()->recordingBegins(20);
+  buffer_->journal()->recordingBegins(30);
+  origin = readJournalOrigin(*file_);
+  ASSERT_TRUE(origin);
+  EXPECT_EQ(origin->state, journal::State::edited);
+  EXPECT_EQ(origin->begun, 20) << "the time of the first recording counts";
+}
+
+TEST_F(BlockJournalTest, NameThatDoesNotFitIsLeftOut) {
+  begin({.created = 7, .recoveredFrom = std::string(journal::kMaxName, 'n')});
+  const auto origin = readJournalOrigin(*file_);
+  ASSERT_TRUE(origin);
+  EXPECT_EQ(origin->recoveredFrom, "");
+}
+
+TEST_F(BlockJournalTest, BeginsWithWhatTheBufferHolds) {
+  writeSequence(5, 800);
+  begin();
+  expectReplayed();
+  buffer_->cutoffBufferAfterPosition(100);
+  expectReplayed();
+}
+
+TEST_F(BlockJournalTest, SecondBeginningKeepsTheFirst) {
+  begin();
+  const auto* const first = buffer_->journal();
+  EXPECT_EQ(buffer_->beginJournal({.created = 8, .recoveredFrom = {}}), first);
+  const auto origin = readJournalOrigin(*file_);
+  ASSERT_TRUE(origin);
+  EXPECT_EQ(origin->begun, 7);
+}
+
+TEST_F(BlockJournalTest, RolledBackStepIsReplayed) {
+  writeSequence(3, 800);
+  begin();
+  buffer_->setWaypoint();
+  write(*buffer_, pattern(800, 9), 400);
+  buffer_->rollBack();
+  expectReplayed();
+}
+
+// A program that is killed right after the cut is recovered by this journal.
+TEST_F(BlockJournalTest, FileIsCutOffOnceTheJournalMapsNothingThereAnyMore) {
+  for (const bool isBegunBefore : {true, false}) {
+    buffer_ = OVBlockBuffer::init();
+    writeSequence(3, 800);
+    if (isBegunBefore) {
+      begin();
+    }
+    buffer_->setWaypoint();
+    write(*buffer_, pattern(800, 9), 400);
+    begin();
+    std::vector<std::uint64_t> cuts;
+    files_.beforeSizeChanges([&](std::uint64_t size) {
+      cuts.push_back(size);
+      auto replay = JournalReplay::begin(*file_);
+      ASSERT_TRUE(replay);
+      replay->run();
+      EXPECT_LE(replay->list().endInFile(), size) << isBegunBefore;
+    });
+    buffer_->rollBack();
+    files_.beforeSizeChanges(nullptr);
+    EXPECT_EQ(cuts, std::vector<std::uint64_t>{2400}) << isBegunBefore;
+    EXPECT_EQ(buffer_->f_write_pos(), 2400U) << isBegunBefore;
+  }
+}
+
+TEST_F(BlockJournalTest, StateOlderThanTheJournalIsRestoredAsANewState) {
+  writeSequence(3, 800);
+  buffer_->setWaypoint();
+  write(*buffer_, pattern(800, 9), 400);
+  begin();
+  buffer_->undo();
+  expectReplayed();
+  buffer_->redo();
+  expectReplayed();
+}
+
+TEST_F(BlockJournalTest, UndoWithoutAWaypointLeavesItAsItWas) {
+  writeSequence(3, 800);
+  begin();
+  EXPECT_THROW(buffer_->undo(), std::out_of_range);
+  expectReplayed();
+}
+
+// 20 hours in chunks of 93 ms, into a recording of 100,000 pieces.
+TEST_F(BlockJournalTest, StaysBelow16MegabytesInALongRecordingOfManyPieces) {
+  constexpr std::uint64_t kPieces = 100'000;
+  constexpr std::uint64_t kChunks = std::uint64_t{20} * 3600 * 44100 / 4096;
+  const auto chunk = pattern(8, 1);
+  begin();
+  for (std::uint64_t i = 0; i < kPieces; ++i) {
+    write(*buffer_, chunk, i * 16);
+  }
+  std::uint64_t most = 0;
+  for (std::uint64_t i = 0; i < kChunks; ++i) {
+    write(*buffer_, chunk, kPieces * 16 + i * 8);
+    if (i % 1000 == 0) {
+      most = std::max(most, bytesInUse());
+    }
+  }
+  EXPECT_LT(most, 16'000'000U);
+  expectReplayed();
+}
+
+TEST_F(BlockJournalTest, ShortRecordingTakesLittleMemory) {
+  begin();
+  writeSequence(500, 80);
+  EXPECT_LE(bytesInUse(), 256U * 1024);
+  expectReplayed();
+}
+
+TEST_F(BlockJournalTest, MoreBlocksThanItHoldsAreAnError) {
+  auto made = BlockJournal::create({});
+  ASSERT_TRUE(made);
+  EXPECT_EQ((*made)->prepareState(300'000), 0);
+  EXPECT_EQ((*made)->prepareState(400'000), ENOSPC);
+}
+
+TEST_F(BlockJournalTest, NothingIsRecordedBeforeTheFirstState) {
+  auto made = BlockJournal::create({});
+  ASSERT_TRUE(made);
+  (*made)->merged();
+  platform::PosixFile file(::dup((*made)->descriptor()));
+  EXPECT_FALSE(JournalReplay::begin(file));
+  EXPECT_TRUE((*made)->wantsSettling());
+}
+
+TEST_F(BlockJournalTest, AnythingElseThanAJournalIsRefused) {
+  platform::PosixFile nothing(::dup(0));
+  EXPECT_FALSE(readJournalOrigin(nothing));
+  auto memory = platform::SharedMemory::create("zeros", journal::kBytes);
+  ASSERT_TRUE(memory);
+  platform::PosixFile zeros(::dup((*memory)->descriptor()));
+  EXPECT_EQ(readJournalOrigin(zeros).error(), EBADMSG);
+  EXPECT_EQ(JournalReplay::begin(zeros).error(), EBADMSG);
+}
+
+// Bytes that a dying program may have overwritten: the replay ends there.
+class DamagedJournalTest : public BlockJournalTest {
+ protected:
+  /// Writes `value` over the number at an offset of the area in use.
+  void overwrite(std::uint64_t offset, std::uint64_t value) {
+    std::uint64_t published = 0;
+    static_cast<void>(file_->readAt(&published, sizeof published, 8));
+    const auto area = journal::areaOffset(journal::unpacked(published).area);
+    ASSERT_EQ(file_->writeAt(&value, sizeof value, area + offset).byteCount, sizeof value);
+  }
+
+  std::size_t stepsReplayed() {
+    auto replay = JournalReplay::begin(*file_);
+    std::size_t steps = 0;
+    while (replay && replay->step()) {
+      ++steps;
+    }
+    return steps;
+  }
+};
+
+TEST_F(DamagedJournalTest, EndsTheReplayAtTheRecordThatMakesNoSense) {
+  begin();
+  writeSequence(6, 80);
+  EXPECT_EQ(stepsReplayed(), 6U);
+  overwrite(sizeof(journal::Record) * 4, 99);  // the kind of the fourth write
+  EXPECT_EQ(stepsReplayed(), 3U);
+  overwrite(sizeof(journal::Record) * 2, 7);  // a state that was never kept
+  EXPECT_EQ(stepsReplayed(), 1U);
+}
+
+TEST_F(DamagedJournalTest, StateThatIsLongerThanTheJournalIsRefused) {
+  begin();
+  overwrite(8, 1'000'000'000'000);  // the number of blocks
+  EXPECT_FALSE(JournalReplay::begin(*file_));
+}
+
+}  // namespace
