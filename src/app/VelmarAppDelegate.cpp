@@ -21,6 +21,7 @@
 #include "platform/files/AbsolutePath.h"
 #include "platform/files/Descriptors.h"
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 
 namespace {
 
@@ -145,8 +146,8 @@ void VelmarAppDelegate::openInNewWindow(const std::string& path) {
   recentFiles_.note(absolute);
   const auto controller = makeWindow();
   controller->showWindow();
-  controller->window()->setTitle(VLRecorderWindowController::titleWithName(
-      QString::fromStdString(lastPathComponent(absolute))));
+  controller->window()->setTitle(
+      VLRecorderWindowController::titleWithName(platform::shownName(lastPathComponent(absolute))));
   controller->setCurrentFilename(absolute);
   controller->setCurrentFiletype(-1);
   controller->openFileNamed(absolute);

@@ -6,6 +6,7 @@
 #include "audio/AudioFileFailure.h"
 #include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
+#include "platform/mainloop/ShownName.h"
 
 using platform::localized;
 
@@ -48,7 +49,7 @@ void OVDocumentFile::nameWithoutFile(const QString& shown, std::string suggested
 
 QString OVDocumentFile::shownName() const {
   if (!currentFilename_.empty()) {
-    return QString::fromStdString(lastPathComponent(currentFilename_));
+    return platform::shownName(lastPathComponent(currentFilename_));
   }
   return nameWithoutFile_.isEmpty() ? localized("Unnamed") : nameWithoutFile_;
 }

@@ -29,6 +29,7 @@
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
 
+#include "platform/mainloop/ShownName.h"
 using platform::localized;
 using platform::localizedUtf8;
 using platform::textKey;
@@ -65,7 +66,7 @@ std::string reasonOf(const OVSaveJob::Outcome& outcome) {
              ? reason
              : reason + ' ' +
                    localized("The file is damaged. What was in it is kept in %1.")
-                       .arg(QString::fromStdString(outcome.copyOfOldFile))
+                       .arg(platform::shownName(outcome.copyOfOldFile))
                        .toStdString();
 }
 

@@ -20,6 +20,7 @@
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
+#include "platform/mainloop/ShownName.h"
 #include "platform/mainloop/WaitingWork.h"
 
 namespace platform {
@@ -212,7 +213,7 @@ void FilePanel::fillFolders() {
   folders_->clear();
   for (const std::string& folder : folders) {
     if (!folder.empty() && seen.insert(folder).second) {
-      folders_->addItem(style()->standardIcon(QStyle::SP_DirIcon), shown(folder),
+      folders_->addItem(style()->standardIcon(QStyle::SP_DirIcon), shownName(folder),
                         QByteArray::fromStdString(folder));
     }
   }

@@ -10,6 +10,7 @@
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/WaitingWork.h"
+#include "platform/mainloop/ShownName.h"
 
 namespace platform {
 
@@ -87,11 +88,11 @@ void SavePanel::take(const std::string& name, const std::vector<PathKind>& kinds
 
 void SavePanel::askToReplace() {
   const std::string name = std::filesystem::path(path_).filename().string();
-  auto* const question =
-      new QMessageBox(QMessageBox::Warning, windowTitle(),
-                      localized("“%1” already exists. Do you want to replace it?")
-                          .arg(QString::fromStdString(name)),
-                      QMessageBox::Yes | QMessageBox::No, this);
+  auto* const question = new QMessageBox(
+      QMessageBox::Warning, windowTitle(),
+      localized("“%1” already exists. Do you want to replace it?").arg(shownName(name)),
+      QMessageBox::Yes | QMessageBox::No, this);
+  question->setInformativeText(loss);
   question->setDefaultButton(QMessageBox::No);
   question->setAttribute(Qt::WA_DeleteOnClose);
   question->setWindowModality(Qt::WindowModal);
