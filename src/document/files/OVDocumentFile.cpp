@@ -32,6 +32,9 @@ void OVDocumentFile::take(const std::string& path, std::int32_t type) {
   if (window_) {
     window_->setTitle(titleWithName(shownName()));
   }
+  if (taken_) {
+    taken_(path);
+  }
 }
 
 void OVDocumentFile::forget() {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -32,6 +34,11 @@ class OVDocumentFile {
   void setType(std::int32_t type) { currentFiletype_ = type; }
 
   /// Makes this the document's file.
+  /// Called with the path when the document has got a file by take().
+  void setTakenHandler(std::function<void(const std::string& path)> handler) {
+    taken_ = std::move(handler);
+  }
+
   void take(const std::string& path, std::int32_t type);
   /// Detaches the document from its file.
   void forget();
@@ -57,6 +64,7 @@ class OVDocumentFile {
   QString nameWithoutFile_;
   std::string suggestedWithoutFile_;
 };
+  std::function<void(const std::string&)> taken_;
 
 /// A sentence with "%1" replaced by the file's display name.
 [[nodiscard]] QString sentenceWithName(platform::TextKey sentence, const std::string& path);

@@ -240,6 +240,7 @@ void OVFileLoading::loadingEnded(const std::string& path, const Outcome& outcome
   if (outcome.shortage) {
     afterLoading_ = [path, shortage = *outcome.shortage] { tellDoesNotFit(path, shortage); };
   } else if (outcome.writeError != 0) {
+  openedNothing_ = !imported && outcome.failed() && parts_.audio.sizeInFrames() == 0;
     afterLoading_ = [path, error = outcome.writeError, imported] {
       tellNotStored(path, error, imported);
     };
