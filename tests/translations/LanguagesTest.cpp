@@ -35,6 +35,8 @@ const std::vector<std::string> kEnglishOnly{
     "; no sound server was found",
     // Names of files: the same in every language.
     "Orvo recording ", "yyyy-MM-dd HH.mm.ss",
+    // Names of tags in files.
+    "recorded date", "track number", "Cover (front)",
     // The name of a lock in the compiler's warnings.
     "waveform summary"};
 

@@ -43,6 +43,7 @@ void OVDocumentFile::forget() {
 
 void OVDocumentFile::nameWithoutFile(const QString& shown, std::string suggested) {
   currentFilename_.clear();
+  tags_ = std::make_shared<const platform::AudioFileTags>();
   nameWithoutFile_ = shown;
   suggestedWithoutFile_ = std::move(suggested);
   if (window_) {

@@ -57,6 +57,18 @@ TEST(OVDocumentFileTest, WhoeverWantsToKnowIsToldOfEachFileThatTheDocumentGets) 
   EXPECT_EQ(taken, (std::vector<std::string>{"/music/one.wav", "/music/two.caf"}));
 }
 
+TEST(OVDocumentFileTest, TagsBelongToTheDocumentUntilItForgetsItsFile) {
+  OVDocumentFile file;
+  EXPECT_TRUE(file.tags()->all().empty());
+  platform::AudioFileTags tags;
+  tags.texts[platform::AudioFileTag::title] = "Song";
+  file.setTags(std::make_shared<const platform::AudioFileTags>(tags));
+  file.take("/music/take.wav", 0);
+  EXPECT_EQ(*file.tags(), tags);
+  file.forget();
+  EXPECT_TRUE(file.tags()->all().empty());
+}
+
 TEST(OVDocumentFileTest, ADocumentWithoutAFileMayHaveANameUntilItGetsAFile) {
   OVRecorderWindow window;
   OVDocumentFile file;
