@@ -34,9 +34,9 @@ const std::vector<std::string> kEnglishOnly{
     "No sound system could be reached", "No sound %s could be opened through \"%s\" (%d)%s",
     "; no sound server was found",
     // Names of files: the same in every language.
-    "Orvo recording ", "yyyy-MM-dd HH.mm.ss",
-    // Names of tags in files.
-    "recorded date", "track number", "Cover (front)",
+    "Orvo recording ", "yyyy-MM-dd HH.mm.ss", "Orvo recording %Y-%m-%d %H.%M.%S",
+    // Names of memory and of fields within files.
+    "orvo journal", "recorded date", "track number", "Cover (front)",
     // The name of a lock in the compiler's warnings.
     "waveform summary"};
 

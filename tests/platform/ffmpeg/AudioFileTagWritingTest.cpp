@@ -6,8 +6,9 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/ffmpeg/FfmpegLog.h"
+#include "platform/ffmpeg/FfmpegMakers.h"
 #include "platform/files/UserAudioFiles.h"
-#include "platform/media/ExtAudioFileInput.h"
 #include "support/RawAudio.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/RecordingServices.h"
@@ -28,10 +29,11 @@ constexpr std::array kKinds{Kind{AudioFileKind::wave, "wav"}, Kind{AudioFileKind
 
 class AudioFileTagWritingTest : public testing::Test {
  protected:
+  void SetUp() override { FfmpegLog::install(ConsoleLog); }
+
   std::string write(const Kind& kind, const AudioFileTags& tags, const std::string& name) {
     const std::string path = folder_.file(name + "." + kind.suffix);
-    auto created = ExtAudioFileOutput::createWithFile(userAudioFiles()->createForWriting(path),
-                                                      kind.kind, tags);
+    auto created = createOutput(userAudioFiles()->createForWriting(path), kind.kind, tags);
     EXPECT_EQ(created.status, kAudioStatusOk) << kind.suffix;
     if (created.file != nullptr) {
       EXPECT_EQ(created.file->write(sound_.data(), sound_.size() / 2), kAudioStatusOk);
@@ -41,7 +43,7 @@ class AudioFileTagWritingTest : public testing::Test {
   }
 
   static AudioFileTags tagsIn(const std::string& path) {
-    const auto opened = ExtAudioFileInput::openURL(path, nullptr);
+    const auto opened = openInput(*userAudioFiles(), path, nullptr);
     if (opened.file == nullptr) {
       ADD_FAILURE() << path << " cannot be opened";
       return {};
@@ -130,8 +132,7 @@ TEST_F(AudioFileTagWritingTest, AnEmptyFileCanHoldThemToo) {
   const AudioFileTags tags = allTags();
   for (const Kind& kind : kKinds) {
     const std::string path = folder_.file(std::string("empty.") + kind.suffix);
-    auto created = ExtAudioFileOutput::createWithFile(userAudioFiles()->createForWriting(path),
-                                                      kind.kind, tags);
+    auto created = createOutput(userAudioFiles()->createForWriting(path), kind.kind, tags);
     ASSERT_NE(created.file, nullptr);
     EXPECT_EQ(created.file->dispose(), kAudioStatusOk) << kind.suffix;
     EXPECT_EQ(tagsIn(path).texts, tags.texts) << kind.suffix;
