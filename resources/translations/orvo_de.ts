@@ -648,6 +648,98 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Überschreiben</translation>
     </message>
     <message>
+        <source>There is no such folder.</source>
+        <translation>Diesen Ordner gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>It is not a folder.</source>
+        <translation>Das ist kein Ordner.</translation>
+    </message>
+    <message>
+        <source>The temporary directory “%1” cannot be used. %2</source>
+        <translation>Das temporäre Verzeichnis „%1“ kann nicht benutzt werden. %2</translation>
+    </message>
+    <message>
+        <source>title</source>
+        <translation>Titel</translation>
+    </message>
+    <message>
+        <source>artist</source>
+        <translation>Interpret</translation>
+    </message>
+    <message>
+        <source>album</source>
+        <translation>Album</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>Kommentar</translation>
+    </message>
+    <message>
+        <source>genre</source>
+        <translation>Genre</translation>
+    </message>
+    <message>
+        <source>track</source>
+        <translation>Titelnummer</translation>
+    </message>
+    <message>
+        <source>cover</source>
+        <translation>Titelbild</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1 und %2</translation>
+    </message>
+    <message>
+        <source>%1 kHz</source>
+        <translation>%1 kHz</translation>
+    </message>
+    <message>
+        <source>%1 bits</source>
+        <translation>%1 Bit</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 Kanäle</translation>
+    </message>
+    <message>
+        <source>lossless sound</source>
+        <translation>verlustfreien Ton</translation>
+    </message>
+    <message>
+        <source>compressed sound (AAC)</source>
+        <translation>komprimierten Ton (AAC)</translation>
+    </message>
+    <message>
+        <source>The old file has %1, the new one only has %2.</source>
+        <translation>Die alte Datei hat %1, die neue nur %2.</translation>
+    </message>
+    <message>
+        <source>16 bits, 44.1 kHz, stereo</source>
+        <translation>16 Bit, 44,1 kHz, Stereo</translation>
+    </message>
+    <message>
+        <source>AAC with 256 kbit/s, 44.1 kHz, stereo</source>
+        <translation>AAC mit 256 kbit/s, 44,1 kHz, Stereo</translation>
+    </message>
+    <message>
+        <source>%1; keeps %2</source>
+        <translation>%1; behält %2</translation>
+    </message>
+    <message>
+        <source>%1; leaves out the cover</source>
+        <translation>%1; ohne das Titelbild</translation>
+    </message>
+    <message>
         <source>&amp;Save</source>
         <translation>&amp;Speichern</translation>
     </message>

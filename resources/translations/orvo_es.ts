@@ -648,6 +648,98 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>Sobrescribir</translation>
     </message>
     <message>
+        <source>There is no such folder.</source>
+        <translation>Esa carpeta no existe.</translation>
+    </message>
+    <message>
+        <source>It is not a folder.</source>
+        <translation>No es una carpeta.</translation>
+    </message>
+    <message>
+        <source>The temporary directory “%1” cannot be used. %2</source>
+        <translation>No se puede usar el directorio temporal «%1». %2</translation>
+    </message>
+    <message>
+        <source>title</source>
+        <translation>título</translation>
+    </message>
+    <message>
+        <source>artist</source>
+        <translation>artista</translation>
+    </message>
+    <message>
+        <source>album</source>
+        <translation>álbum</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>fecha</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>comentario</translation>
+    </message>
+    <message>
+        <source>genre</source>
+        <translation>género</translation>
+    </message>
+    <message>
+        <source>track</source>
+        <translation>número de pista</translation>
+    </message>
+    <message>
+        <source>cover</source>
+        <translation>carátula</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1 y %2</translation>
+    </message>
+    <message>
+        <source>%1 kHz</source>
+        <translation>%1 kHz</translation>
+    </message>
+    <message>
+        <source>%1 bits</source>
+        <translation>%1 bits</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 canales</translation>
+    </message>
+    <message>
+        <source>lossless sound</source>
+        <translation>sonido sin pérdidas</translation>
+    </message>
+    <message>
+        <source>compressed sound (AAC)</source>
+        <translation>sonido comprimido (AAC)</translation>
+    </message>
+    <message>
+        <source>The old file has %1, the new one only has %2.</source>
+        <translation>El archivo antiguo tiene %1; el nuevo, solo %2.</translation>
+    </message>
+    <message>
+        <source>16 bits, 44.1 kHz, stereo</source>
+        <translation>16 bits, 44,1 kHz, estéreo</translation>
+    </message>
+    <message>
+        <source>AAC with 256 kbit/s, 44.1 kHz, stereo</source>
+        <translation>AAC a 256 kbit/s, 44,1 kHz, estéreo</translation>
+    </message>
+    <message>
+        <source>%1; keeps %2</source>
+        <translation>%1; conserva %2</translation>
+    </message>
+    <message>
+        <source>%1; leaves out the cover</source>
+        <translation>%1; sin la carátula</translation>
+    </message>
+    <message>
         <source>&amp;Save</source>
         <translation>&amp;Guardar</translation>
     </message>

@@ -648,6 +648,98 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Écraser</translation>
     </message>
     <message>
+        <source>There is no such folder.</source>
+        <translation>Ce dossier n’existe pas.</translation>
+    </message>
+    <message>
+        <source>It is not a folder.</source>
+        <translation>Ce n’est pas un dossier.</translation>
+    </message>
+    <message>
+        <source>The temporary directory “%1” cannot be used. %2</source>
+        <translation>Le répertoire temporaire «&#xa0;%1&#xa0;» ne peut pas être utilisé. %2</translation>
+    </message>
+    <message>
+        <source>title</source>
+        <translation>titre</translation>
+    </message>
+    <message>
+        <source>artist</source>
+        <translation>artiste</translation>
+    </message>
+    <message>
+        <source>album</source>
+        <translation>album</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>date</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>commentaire</translation>
+    </message>
+    <message>
+        <source>genre</source>
+        <translation>genre</translation>
+    </message>
+    <message>
+        <source>track</source>
+        <translation>numéro de piste</translation>
+    </message>
+    <message>
+        <source>cover</source>
+        <translation>pochette</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1 et %2</translation>
+    </message>
+    <message>
+        <source>%1 kHz</source>
+        <translation>%1 kHz</translation>
+    </message>
+    <message>
+        <source>%1 bits</source>
+        <translation>%1 bits</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 canaux</translation>
+    </message>
+    <message>
+        <source>lossless sound</source>
+        <translation>un son sans perte</translation>
+    </message>
+    <message>
+        <source>compressed sound (AAC)</source>
+        <translation>un son compressé (AAC)</translation>
+    </message>
+    <message>
+        <source>The old file has %1, the new one only has %2.</source>
+        <translation>L’ancien fichier a %1, le nouveau seulement %2.</translation>
+    </message>
+    <message>
+        <source>16 bits, 44.1 kHz, stereo</source>
+        <translation>16 bits, 44,1 kHz, stéréo</translation>
+    </message>
+    <message>
+        <source>AAC with 256 kbit/s, 44.1 kHz, stereo</source>
+        <translation>AAC à 256 kbit/s, 44,1 kHz, stéréo</translation>
+    </message>
+    <message>
+        <source>%1; keeps %2</source>
+        <translation>%1&#xa0;; garde %2</translation>
+    </message>
+    <message>
+        <source>%1; leaves out the cover</source>
+        <translation>%1&#xa0;; sans la pochette</translation>
+    </message>
+    <message>
         <source>&amp;Save</source>
         <translation>&amp;Enregistrer</translation>
     </message>

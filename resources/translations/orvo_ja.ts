@@ -648,6 +648,98 @@ Everything recorded before is kept.</source>
         <translation>上書き</translation>
     </message>
     <message>
+        <source>There is no such folder.</source>
+        <translation>そのフォルダーはありません。</translation>
+    </message>
+    <message>
+        <source>It is not a folder.</source>
+        <translation>それはフォルダーではありません。</translation>
+    </message>
+    <message>
+        <source>The temporary directory “%1” cannot be used. %2</source>
+        <translation>一時ディレクトリー「%1」は使えません。%2</translation>
+    </message>
+    <message>
+        <source>title</source>
+        <translation>タイトル</translation>
+    </message>
+    <message>
+        <source>artist</source>
+        <translation>アーティスト</translation>
+    </message>
+    <message>
+        <source>album</source>
+        <translation>アルバム</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>日付</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>コメント</translation>
+    </message>
+    <message>
+        <source>genre</source>
+        <translation>ジャンル</translation>
+    </message>
+    <message>
+        <source>track</source>
+        <translation>トラック番号</translation>
+    </message>
+    <message>
+        <source>cover</source>
+        <translation>カバー画像</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1、%2</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1と%2</translation>
+    </message>
+    <message>
+        <source>%1 kHz</source>
+        <translation>%1 kHz</translation>
+    </message>
+    <message>
+        <source>%1 bits</source>
+        <translation>%1ビット</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1チャンネル</translation>
+    </message>
+    <message>
+        <source>lossless sound</source>
+        <translation>可逆圧縮の音声</translation>
+    </message>
+    <message>
+        <source>compressed sound (AAC)</source>
+        <translation>非可逆圧縮の音声（AAC）</translation>
+    </message>
+    <message>
+        <source>The old file has %1, the new one only has %2.</source>
+        <translation>古いファイルは%1ですが、新しいファイルは%2になります。</translation>
+    </message>
+    <message>
+        <source>16 bits, 44.1 kHz, stereo</source>
+        <translation>16ビット、44.1 kHz、ステレオ</translation>
+    </message>
+    <message>
+        <source>AAC with 256 kbit/s, 44.1 kHz, stereo</source>
+        <translation>AAC 256 kbit/s、44.1 kHz、ステレオ</translation>
+    </message>
+    <message>
+        <source>%1; keeps %2</source>
+        <translation>%1。%2を残します</translation>
+    </message>
+    <message>
+        <source>%1; leaves out the cover</source>
+        <translation>%1。カバー画像は残りません</translation>
+    </message>
+    <message>
         <source>&amp;Save</source>
         <translation>保存(&amp;S)</translation>
     </message>

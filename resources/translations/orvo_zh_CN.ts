@@ -648,6 +648,98 @@ Everything recorded before is kept.</source>
         <translation>覆盖</translation>
     </message>
     <message>
+        <source>There is no such folder.</source>
+        <translation>没有这个文件夹。</translation>
+    </message>
+    <message>
+        <source>It is not a folder.</source>
+        <translation>它不是文件夹。</translation>
+    </message>
+    <message>
+        <source>The temporary directory “%1” cannot be used. %2</source>
+        <translation>无法使用临时目录“%1”。%2</translation>
+    </message>
+    <message>
+        <source>title</source>
+        <translation>标题</translation>
+    </message>
+    <message>
+        <source>artist</source>
+        <translation>艺术家</translation>
+    </message>
+    <message>
+        <source>album</source>
+        <translation>专辑</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>日期</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>注释</translation>
+    </message>
+    <message>
+        <source>genre</source>
+        <translation>流派</translation>
+    </message>
+    <message>
+        <source>track</source>
+        <translation>音轨号</translation>
+    </message>
+    <message>
+        <source>cover</source>
+        <translation>封面</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1、%2</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1和%2</translation>
+    </message>
+    <message>
+        <source>%1 kHz</source>
+        <translation>%1 kHz</translation>
+    </message>
+    <message>
+        <source>%1 bits</source>
+        <translation>%1 位</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 个声道</translation>
+    </message>
+    <message>
+        <source>lossless sound</source>
+        <translation>无损声音</translation>
+    </message>
+    <message>
+        <source>compressed sound (AAC)</source>
+        <translation>有损压缩的声音（AAC）</translation>
+    </message>
+    <message>
+        <source>The old file has %1, the new one only has %2.</source>
+        <translation>旧文件为%1，新文件只有%2。</translation>
+    </message>
+    <message>
+        <source>16 bits, 44.1 kHz, stereo</source>
+        <translation>16 位，44.1 kHz，立体声</translation>
+    </message>
+    <message>
+        <source>AAC with 256 kbit/s, 44.1 kHz, stereo</source>
+        <translation>AAC 256 kbit/s，44.1 kHz，立体声</translation>
+    </message>
+    <message>
+        <source>%1; keeps %2</source>
+        <translation>%1；保留%2</translation>
+    </message>
+    <message>
+        <source>%1; leaves out the cover</source>
+        <translation>%1；不含封面</translation>
+    </message>
+    <message>
         <source>&amp;Save</source>
         <translation>保存(&amp;S)</translation>
     </message>

@@ -9,6 +9,7 @@
 #include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 
 using platform::localized;
 using platform::TextKey;
@@ -105,10 +106,10 @@ void OVMainMenu::addFileMenu() {
 void OVMainMenu::fillRecentMenu() {
   recent_->clear();
   for (const std::string& path : commands_.recentFiles()) {
-    QString name = QString::fromStdString(lastPathComponent(path));
+    QString name = platform::shownName(lastPathComponent(path));
     name.replace(QLatin1Char('&'), QLatin1String("&&"));
     QAction* const action = recent_->addAction(name);
-    action->setToolTip(QString::fromStdString(path).toHtmlEscaped());
+    action->setToolTip(platform::shownName(path).toHtmlEscaped());
     connect(action, &QAction::triggered, this, [this, path] {
       if (canOpen()) {
         commands_.openRecentFile(path);

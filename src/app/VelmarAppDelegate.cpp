@@ -21,6 +21,7 @@
 #include "platform/files/AbsolutePath.h"
 #include "platform/files/Descriptors.h"
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 
 namespace {
 
@@ -91,6 +92,9 @@ std::shared_ptr<VLRecorderWindowController> VelmarAppDelegate::makeWindow() {
   new OVMainMenu(controller, commands());  // belongs to the window
   controller->window()->setDropHandler(
       [this](const std::vector<std::string>& paths) { applicationOpenFiles(paths); });
+  controller->setEvents(
+      {.saved = [this](const std::string& path) { recentFiles_.note(path); },
+       .nothingOpened = [this, window = windows_.back()] { closeUnlessTheOnlyOne(window); }});
   return controller;
 }
 
@@ -144,12 +148,27 @@ void VelmarAppDelegate::openInNewWindow(const std::string& path) {
   }
   recentFiles_.note(absolute);
   const auto controller = makeWindow();
+  if (!controller->buffer()) {  // nothing can be opened without storage, which was told
+    closeUnlessTheOnlyOne(controller->window());
+    return;
+  }
   controller->showWindow();
-  controller->window()->setTitle(VLRecorderWindowController::titleWithName(
-      QString::fromStdString(lastPathComponent(absolute))));
+  controller->window()->setTitle(
+      VLRecorderWindowController::titleWithName(platform::shownName(lastPathComponent(absolute))));
   controller->setCurrentFilename(absolute);
   controller->setCurrentFiletype(-1);
   controller->openFileNamed(absolute);
+}
+
+// The only window stays as an empty recorder.
+void VelmarAppDelegate::closeUnlessTheOnlyOne(const QPointer<OVRecorderWindow>& window) {
+  const auto others = recorderWindows();
+  if (window && std::any_of(others.begin(), others.end(),
+                            [&window](const auto& other) { return other != window; })) {
+    window->performClose();
+  } else if (window) {
+    window->show();
+  }
 }
 
 void VelmarAppDelegate::openRecovered(const OVRecoveredFile& file) {
@@ -157,6 +176,10 @@ void VelmarAppDelegate::openRecovered(const OVRecoveredFile& file) {
     return;  // the file is kept, and listed
   }
   const auto controller = makeWindow();
+  if (!controller->buffer()) {
+    closeUnlessTheOnlyOne(controller->window());
+    return;  // the file is kept, and listed
+  }
   controller->showWindow();
   controller->openRecovered(file);
 }

@@ -44,7 +44,8 @@ class VelmarAppDelegate {
 
   /// Opens a file, or each of several in order, in a new window of its own, and lists it among the
   /// desktop's recent documents. Also called for the program's arguments, the desktop's open event
-  /// and files dropped on a window. Always true: failures are shown as alerts.
+  /// and files dropped on a window. Always true: failures are shown as alerts, after which the
+  /// window closes unless it is the only one.
   bool applicationOpenFile(const std::string& path);
   bool applicationOpenFiles(const std::vector<std::string>& paths);
   /// Asks for files and opens each in a new window. The panel belongs to `window`, which may be
@@ -54,7 +55,8 @@ class VelmarAppDelegate {
   /// unexpectedly: those that are there and those that appear. Waits while another question, an
   /// alert or a file operation is shown. Call it after the program's arguments were opened.
   void offerRecovered() { recovered_.begin(); }
-  /// Opens a recovered file in a new window. It is listed nowhere.
+  /// Opens a recovered file in a new window, which closes again if the file gives nothing and there
+  /// is another window. It is listed nowhere.
   void openRecovered(const OVRecoveredFile& file);
   /// The Recovered Recordings command.
   void showRecovered() { recovered_.show(); }
@@ -116,6 +118,8 @@ class VelmarAppDelegate {
   [[nodiscard]] std::vector<QPointer<OVRecorderWindow>> recorderWindows() const;
   std::shared_ptr<VLRecorderWindowController> makeWindow();
   void openInNewWindow(const std::string& path);
+  /// For a window whose file could not be opened.
+  void closeUnlessTheOnlyOne(const QPointer<OVRecorderWindow>& window);
   /// Whether a question disturbs nothing now.
   [[nodiscard]] bool mayAskNow() const;
   /// Asks the edited windows that were not edited at the last call, or cancels the quit if one of

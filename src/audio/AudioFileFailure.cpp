@@ -4,10 +4,10 @@
 #include <array>
 #include <cstddef>
 
-#include <QChar>
 #include <QString>
 
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 #include "platform/media/AudioFileStatus.h"
 
 namespace {
@@ -120,17 +120,7 @@ std::string shownFileName(const std::string& path) {
 }
 
 std::string shownPath(const std::string& path) {
-  QString shown = QString::fromUtf8(path);
-  for (QChar& character : shown) {
-    // Formatting characters too: some reverse the direction of the text after them.
-    if (character.category() == QChar::Other_Control ||
-        character.category() == QChar::Other_Format ||
-        character.category() == QChar::Separator_Line ||
-        character.category() == QChar::Separator_Paragraph) {
-      character = u' ';
-    }
-  }
-  return localized("“%1”").arg(shown).toStdString();
+  return localized("“%1”").arg(platform::shownName(path)).toStdString();
 }
 
 std::string openingFailureReason(platform::AudioStatus status, const std::string& path) {

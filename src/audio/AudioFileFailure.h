@@ -9,8 +9,8 @@
 ///
 /// Threads: any. Real-time: not safe.
 
-/// A file's name for display: the last component of its path in quotation marks. Unprintable
-/// characters such as line breaks become spaces, bytes that are not UTF-8 replacement characters.
+/// A file's name for display: the last component of its path, as platform::shownName() shows it, in
+/// quotation marks.
 [[nodiscard]] std::string shownFileName(const std::string& path);
 
 /// A whole path for display, in the same form.

@@ -63,6 +63,11 @@ std::int64_t OVAudioFileReader::fileSizeInFrames() {
   return xafref_ != nullptr ? xafref_->fileLengthFrames() : 0;
 }
 
+std::shared_ptr<const platform::AudioFileTags> OVAudioFileReader::tags() const {
+  return std::make_shared<const platform::AudioFileTags>(
+      xafref_ != nullptr ? xafref_->tags() : platform::AudioFileTags());
+}
+
 std::uint32_t OVAudioFileReader::readFrameChunkWithSize(std::uint64_t frames) {
   if (xafref_ == nullptr || failed_) {
     return 0;

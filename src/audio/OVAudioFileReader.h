@@ -57,6 +57,9 @@ class OVAudioFileReader {
   /// ADTS files, which takes half a second at most.
   [[nodiscard]] std::int64_t fileSizeInFrames();
 
+  /// What the file says of its sound; never null, empty if nothing is open.
+  [[nodiscard]] std::shared_ptr<const platform::AudioFileTags> tags() const;
+
   /// Reads the next `frames` frames into the chunk buffer and returns their number: fewer near the
   /// end, 0 at the end, after a failure, when closed or cancelled. A new size reallocates the chunk
   /// buffer (8 bytes a frame). Its first `frames` bytes are cleared before each read.

@@ -18,6 +18,11 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
     diskWatch.setRecording(state == OVTransportState::recording);
   });
   transport.setRecordingHandler([this] { clipping.begin(); });
+  file.setTakenHandler([this](const std::string& path) {
+    if (events.saved) {
+      events.saved(path);
+    }
+  });
 }
 
 void OVDocumentParts::connect(OVRecorderWindow* window) {
@@ -43,4 +48,7 @@ void OVDocumentParts::connect(OVRecorderWindow* window) {
 void OVDocumentParts::loadEnded() {
   recovered.loadEnded();
   unsavedChanges.loadEnded();
+  if (loading.takeOpenedNothing() && events.nothingOpened) {
+    events.nothingOpened();
+  }
 }

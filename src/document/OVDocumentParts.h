@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 
+#include "document/OVDocumentEvents.h"
 #include "document/OVMarkerMovement.h"
 #include "document/OVUnsavedChanges.h"
 #include "document/display/OVClipping.h"
@@ -50,6 +51,7 @@ struct OVDocumentParts {
   /// A load has ended.
   void loadEnded();
 
+  OVDocumentEvents events;
   OVDocumentLife life;
   OVNotices notices;
   OVDocumentAudio audio;

@@ -35,8 +35,8 @@ const std::vector<std::string> kEnglishOnly{
     "; no sound server was found",
     // Names of files: the same in every language.
     "Orvo recording ", "yyyy-MM-dd HH.mm.ss", "Orvo recording %Y-%m-%d %H.%M.%S",
-    // Names of memory and of a field within a file.
-    "orvo journal", "recorded date",
+    // Names of memory and of fields within files.
+    "orvo journal", "recorded date", "track number", "Cover (front)",
     // The name of a lock in the compiler's warnings.
     "waveform summary"};
 

@@ -6,6 +6,7 @@
 #include "audio/AudioFileFailure.h"
 #include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
+#include "platform/mainloop/ShownName.h"
 
 using platform::localized;
 
@@ -31,6 +32,9 @@ void OVDocumentFile::take(const std::string& path, std::int32_t type) {
   if (window_) {
     window_->setTitle(titleWithName(shownName()));
   }
+  if (taken_) {
+    taken_(path);
+  }
 }
 
 void OVDocumentFile::forget() {
@@ -39,6 +43,7 @@ void OVDocumentFile::forget() {
 
 void OVDocumentFile::nameWithoutFile(const QString& shown, std::string suggested) {
   currentFilename_.clear();
+  tags_ = std::make_shared<const platform::AudioFileTags>();
   nameWithoutFile_ = shown;
   suggestedWithoutFile_ = std::move(suggested);
   if (window_) {
@@ -48,7 +53,7 @@ void OVDocumentFile::nameWithoutFile(const QString& shown, std::string suggested
 
 QString OVDocumentFile::shownName() const {
   if (!currentFilename_.empty()) {
-    return QString::fromStdString(lastPathComponent(currentFilename_));
+    return platform::shownName(lastPathComponent(currentFilename_));
   }
   return nameWithoutFile_.isEmpty() ? localized("Unnamed") : nameWithoutFile_;
 }

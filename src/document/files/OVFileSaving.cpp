@@ -21,6 +21,7 @@
 #include "document/files/OVDocumentFile.h"
 #include "document/files/OVDocumentPanels.h"
 #include "document/files/OVSaveAccessory.h"
+#include "document/files/keptByKind.h"
 #include "document/transport/OVTransport.h"
 #include "platform/base/ApplicationServices.h"
 #include "platform/desktop/DesktopServices.h"
@@ -28,6 +29,7 @@
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
+#include "platform/mainloop/ShownName.h"
 
 using platform::localized;
 using platform::localizedUtf8;
@@ -65,7 +67,7 @@ std::string reasonOf(const OVSaveJob::Outcome& outcome) {
              ? reason
              : reason + ' ' +
                    localized("The file is damaged. What was in it is kept in %1.")
-                       .arg(QString::fromStdString(outcome.copyOfOldFile))
+                       .arg(platform::shownName(outcome.copyOfOldFile))
                        .toStdString();
 }
 
@@ -96,13 +98,14 @@ bool OVFileSaving::saveAs() {
   if (!mayAsk()) {
     return false;
   }
-  const OVSaveAccessory accessory(parts_.file.suggestedType());
+  const OVSaveAccessory accessory(parts_.file.suggestedType(), parts_.file.tags());
   parts_.panels.save(
       {.title = localized("Save As"),
        .directory = parts_.file.folder(),
        .suggestedName = parts_.file.suggestedName(),
        .accessoryView = accessory.view(),
-       .acceptedSuffixes = [accessory] { return suffixesOfType(accessory.chosenType()); }},
+       .acceptedSuffixes = [accessory] { return suffixesOfType(accessory.chosenType()); },
+       .lossOfReplacing = lossOfReplacing},
       [this, accessory](const std::optional<std::string>& path) {
         if (path) {
           saveNamed(*path, accessory.chosenType());
@@ -120,7 +123,8 @@ void OVFileSaving::saveNamed(const std::string& path, std::int32_t withType) {
   }
   start({.job = {.buffer = parts_.audio.buffer(),
                  .path = path,
-                 .outputFormat = static_cast<std::uint32_t>(withType)},
+                 .outputFormat = static_cast<std::uint32_t>(withType),
+                 .tags = parts_.file.tags()},
          .type = withType});
 }
 
@@ -139,7 +143,8 @@ void OVFileSaving::exportRingtone() {
                       .directory = parts_.file.folder(),
                       .suggestedName = parts_.file.suggestedName(),
                       .accessoryView = rule,
-                      .acceptedSuffixes = [] { return std::vector<std::string>{kRingtoneSuffix}; }},
+                      .acceptedSuffixes = [] { return std::vector<std::string>{kRingtoneSuffix}; },
+                      .lossOfReplacing = lossOfReplacing},
                      [this](const std::optional<std::string>& path) {
                        if (path) {
                          exportRingtoneTo(*path);
@@ -212,7 +217,8 @@ void OVFileSaving::start(Request request) {
 
 // Failures that can be detected before writing.
 std::optional<std::string> OVFileSaving::refusalOf(const Request& request) {
-  const auto most = OVAudioFileWriter::maximumFrames(request.job.outputFormat);
+  const auto most =
+      OVAudioFileWriter::maximumFrames(request.job.outputFormat, request.job.tags->byteCount());
   if (most && request.job.frameCount > *most) {
     return localized("The recording is too long for a file of the type %1. Choose another type.")
         .arg(localized(fileKindOfType(request.type)->title))

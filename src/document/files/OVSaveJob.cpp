@@ -112,8 +112,8 @@ bool mayExist(const std::string& path) {
 // file with gaps is better than none, but not better than an existing one.
 bool encode(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
             platform::UserAudioFiles::Opened file, OVSaveJob::Outcome& outcome) {
-  const auto writer = OVAudioFileWriter::initWithOpenFile(std::move(file), request.outputFormat,
-                                                          lastPathComponent(request.path));
+  const auto writer = OVAudioFileWriter::initWithOpenFile(
+      std::move(file), request.outputFormat, lastPathComponent(request.path), *request.tags);
   // The writer has reported its failure.
   outcome.told = !writer || !writeAll(request, progress, *writer, outcome.unreadableFrames) ||
                  !writer->close();
@@ -197,7 +197,8 @@ void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progres
 std::shared_future<std::optional<OVDiskShortage>> OVSaveJob::lookForRoom(const Request& request) {
   const auto found = std::make_shared<std::promise<std::optional<OVDiskShortage>>>();
   const std::uint64_t bytes =
-      OVAudioFileWriter::estimatedBytes(request.outputFormat, request.frameCount);
+      OVAudioFileWriter::estimatedBytes(request.outputFormat, request.frameCount) +
+      (OVAudioFileWriter::holdsCover(request.outputFormat) ? request.tags->cover.size() : 0);
   platform::globalQueue().async([found, path = request.path, bytes] {
     std::optional<OVDiskShortage> shortage;
     try {

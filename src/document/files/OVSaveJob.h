@@ -8,6 +8,7 @@
 #include <string>
 
 #include "document/files/OVDiskShortage.h"
+#include "platform/media/AudioFileTags.h"
 #include "storage/OVAudioBufferInterface.h"
 
 /// Writes a range of a buffer to an audio file: writes a file beside the target, syncs it, then
@@ -26,6 +27,8 @@ class OVSaveJob {
     std::uint64_t frameCount = 0;
     std::string path;                ///< of the target
     std::uint32_t outputFormat = 0;  ///< a kind of the file writer, 0 to 3
+    std::shared_ptr<const platform::AudioFileTags> tags =
+        std::make_shared<const platform::AudioFileTags>();  ///< never null
     /// Whether there is room for the file beside the target, as lookForRoom() reports; the job
     /// waits for it. May be invalid: then the job just begins.
     std::shared_future<std::optional<OVDiskShortage>> shortage = {};

@@ -112,6 +112,9 @@ void OVTransport::record() {
     changed();
     return;
   }
+  if (!parts_.audio.buffer() && makeBuffer_) {
+    makeBuffer_();  // otherwise the user is alerted again
+  }
   if (player_) {
     endPlaying();  // playback has ended; its late report would end the recording
   }

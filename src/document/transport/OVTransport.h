@@ -56,6 +56,8 @@ class OVTransport {
   }
   /// Called before a recording begins, ahead of its first chunk.
   void setRecordingHandler(std::function<void()> handler) { recording_ = std::move(handler); }
+  /// Called by record() in a document without a buffer, to make one.
+  void setBufferMaker(std::function<void()> make) { makeBuffer_ = std::move(make); }
   /// Called when audio was cut because it could not be written.
   void setCutHandler(std::function<void()> handler) { cut_ = std::move(handler); }
 
@@ -143,6 +145,7 @@ class OVTransport {
   std::weak_ptr<OVAQPlayerDelegate> delegate_;
   std::function<void()> changed_;
   std::function<void()> cut_;
+  std::function<void()> makeBuffer_;
   std::vector<std::function<void(OVTransportState)>> stateHandlers_;
   OVTransportState lastState_ = OVTransportState::resting;  // the one that was reported
   std::unique_ptr<platform::SleepInhibitor::Hold> awake_;

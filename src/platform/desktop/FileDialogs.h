@@ -41,6 +41,10 @@ struct SavePanelRequest {
   /// appended to a name that has none of them. Called again whenever that choice changes; the shown
   /// name then takes the new suffix.
   std::function<std::vector<std::string>()> acceptedSuffixes;
+
+  /// What gets lost when the existing file at a path is replaced, a sentence below the question
+  /// about it; empty for nothing. Runs on a thread of its own, perhaps after the panel has gone.
+  std::function<QString(const std::string& path)> lossOfReplacing = nullptr;
 };
 
 /// A question with named buttons, attached to a window.

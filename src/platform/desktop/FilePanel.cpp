@@ -20,6 +20,7 @@
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
+#include "platform/mainloop/ShownName.h"
 #include "platform/mainloop/WaitingWork.h"
 
 namespace platform {
@@ -212,7 +213,7 @@ void FilePanel::fillFolders() {
   folders_->clear();
   for (const std::string& folder : folders) {
     if (!folder.empty() && seen.insert(folder).second) {
-      folders_->addItem(style()->standardIcon(QStyle::SP_DirIcon), shown(folder),
+      folders_->addItem(style()->standardIcon(QStyle::SP_DirIcon), shownName(folder),
                         QByteArray::fromStdString(folder));
     }
   }
@@ -329,20 +330,24 @@ std::string FilePanel::pathOf(const std::string& name) const {
 
 void FilePanel::look(const std::vector<std::string>& paths,
                      std::function<void(const std::vector<PathKind>&)> done) {
+  const auto kinds = std::make_shared<std::vector<PathKind>>(paths.size());
+  look([paths, kinds] { std::transform(paths.begin(), paths.end(), kinds->begin(), kindOfPath); },
+       [kinds, done = std::move(done)] { done(*kinds); });
+}
+
+void FilePanel::look(std::function<void()> work, std::function<void()> done) {
   isLooking_ = true;
   wait();
   updateAccept();
-  const bool begun = beginWaitingWork(
-      this,
-      [paths] {
-        std::vector<PathKind> kinds(paths.size());
-        std::transform(paths.begin(), paths.end(), kinds.begin(), kindOfPath);
-        return kinds;
-      },
-      [this, number = ++lookNumber_, done = std::move(done)](const std::vector<PathKind>& kinds) {
+  const auto report = [work = std::move(work)] {
+    work();
+    return true;
+  };
+  const bool begun =
+      beginWaitingWork(this, report, [this, number = ++lookNumber_, done = std::move(done)](bool) {
         if (number == lookNumber_) {
           cancelLook();
-          done(kinds);
+          done();
         }
       });
   if (!begun) {

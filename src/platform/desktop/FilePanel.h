@@ -79,6 +79,8 @@ class FilePanel : public QDialog {
   /// then. Nothing can be accepted meanwhile.
   void look(const std::vector<std::string>& paths,
             std::function<void(const std::vector<PathKind>&)> done);
+  /// The same for any work, which runs on a thread of its own.
+  void look(std::function<void()> work, std::function<void()> done);
 
  private:
   void makeFolderRow(const QString& lookIn);

@@ -5,6 +5,7 @@
 #include <QPushButton>
 
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 
 namespace platform {
 
@@ -62,7 +63,7 @@ void OpenPanel::take(const std::vector<std::string>& paths, const std::vector<Pa
   const auto missing = std::find(kinds.begin(), kinds.end(), PathKind::missing);
   if (missing != kinds.end()) {
     const auto index = static_cast<std::size_t>(missing - kinds.begin());
-    say(localized("“%1” is not there.").arg(QString::fromStdString(paths[index])));
+    say(localized("“%1” is not there.").arg(shownName(paths[index])));
     return;
   }
   paths_ = paths;

@@ -1,6 +1,7 @@
 #include "platform/desktop/SavePanel.h"
 
 #include <filesystem>
+#include <memory>
 
 #include <QInputDialog>
 #include <QMessageBox>
@@ -9,6 +10,7 @@
 
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 #include "platform/mainloop/WaitingWork.h"
 
 namespace platform {
@@ -20,9 +22,17 @@ std::string withSuffix(const std::string& path, const std::vector<std::string>& 
   return path + "." + suffixes.front();
 }
 
+/// What accept() looks for.
+struct SavePanel::Found {
+  PathKind typed = PathKind::missing;   // at the name as it was typed
+  PathKind target = PathKind::missing;  // with its suffix
+  QString loss;
+};
+
 SavePanel::SavePanel(const SavePanelRequest& request)
     : FilePanel(request.window, request.title, localized("Save in:"), Selection::one),
-      acceptedSuffixes_(request.acceptedSuffixes) {
+      acceptedSuffixes_(request.acceptedSuffixes),
+      lossOfReplacing_(request.lossOfReplacing) {
   setObjectName("savePanel");
   addNewFolderButton();
   addAccessory(request.accessoryView);
@@ -66,32 +76,41 @@ void SavePanel::accept() {
     return;
   }
   const std::string name = names().front();
-  look({pathOf(name), pathOf(withSuffix(name, suffixes_))},
-       [this, name](const std::vector<PathKind>& kinds) { take(name, kinds); });
+  const auto found = std::make_shared<Found>();
+  look(
+      [found, typed = pathOf(name), target = pathOf(withSuffix(name, suffixes_)),
+       lossOfReplacing = lossOfReplacing_] {
+        found->typed = kindOfPath(typed);
+        found->target = kindOfPath(target);
+        if (found->target == PathKind::file && lossOfReplacing) {
+          found->loss = lossOfReplacing(target);
+        }
+      },
+      [this, name, found] { take(name, *found); });
 }
 
-void SavePanel::take(const std::string& name, const std::vector<PathKind>& kinds) {
-  if (kinds[0] == PathKind::folder) {
+void SavePanel::take(const std::string& name, const Found& found) {
+  if (found.typed == PathKind::folder) {
     showFolder(pathOf(name));
     setName({});
     return;
   }
   setName(withSuffix(name, suffixes_));
   path_ = pathOf(withSuffix(name, suffixes_));
-  if (kinds[1] == PathKind::file) {
-    askToReplace();
+  if (found.target == PathKind::file) {
+    askToReplace(found.loss);
   } else {
     QDialog::accept();  // the caller reports a folder
   }
 }
 
-void SavePanel::askToReplace() {
+void SavePanel::askToReplace(const QString& loss) {
   const std::string name = std::filesystem::path(path_).filename().string();
-  auto* const question =
-      new QMessageBox(QMessageBox::Warning, windowTitle(),
-                      localized("“%1” already exists. Do you want to replace it?")
-                          .arg(QString::fromStdString(name)),
-                      QMessageBox::Yes | QMessageBox::No, this);
+  auto* const question = new QMessageBox(
+      QMessageBox::Warning, windowTitle(),
+      localized("“%1” already exists. Do you want to replace it?").arg(shownName(name)),
+      QMessageBox::Yes | QMessageBox::No, this);
+  question->setInformativeText(loss);
   question->setDefaultButton(QMessageBox::No);
   question->setAttribute(Qt::WA_DeleteOnClose);
   question->setWindowModality(Qt::WindowModal);

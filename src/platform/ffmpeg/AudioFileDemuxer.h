@@ -9,6 +9,7 @@
 #include "platform/ffmpeg/DecodingBudget.h"
 #include "platform/files/File.h"
 
+struct AVFormatContext;
 struct AVStream;
 
 namespace platform {
@@ -36,6 +37,7 @@ class AudioFileDemuxer {
   AudioFileDemuxer& operator=(const AudioFileDemuxer&) = delete;
 
   [[nodiscard]] const AVStream& stream() const { return *stream_; }
+  [[nodiscard]] const AVFormatContext& container() const { return *context_; }
 
   /// Reads the stream's next packet. 0, AVERROR_EOF at the end (also when the search for the next
   /// packet was given up after too much other data), AVERROR_EXIT when interrupted, or the error

@@ -3,6 +3,7 @@
 
 #include "platform/ffmpeg/AudioFileDecoder.h"
 #include "platform/ffmpeg/AudioFileLength.h"
+#include "platform/ffmpeg/AudioFileTagReading.h"
 #include "platform/ffmpeg/DecodingBudget.h"
 #include "platform/ffmpeg/Ffmpeg.h"
 #include "platform/ffmpeg/FfmpegLog.h"
@@ -21,6 +22,7 @@ class FfmpegAudioFileInput final : public ExtAudioFileInput {
   ~FfmpegAudioFileInput() override;
 
   [[nodiscard]] AudioStreamBasicDescription fileDataFormat() const override;
+  [[nodiscard]] AudioFileTags tags() const override;
   [[nodiscard]] AudioStatus setClientDataFormat(
       const AudioStreamBasicDescription& format) const override;
   [[nodiscard]] std::int64_t fileLengthFrames() override;
@@ -124,9 +126,16 @@ AudioStreamBasicDescription FfmpegAudioFileInput::fileDataFormat() const {
     format.mBytesPerFrame = format.mBitsPerChannel / 8 * format.mChannelsPerFrame;
     format.mBytesPerPacket = format.mBytesPerFrame;
   } else {
+    if (parameters.codec_id == AV_CODEC_ID_ALAC) {
+      format.mBitsPerChannel = static_cast<std::uint32_t>(parameters.bits_per_raw_sample);
+    }
     format.mFramesPerPacket = static_cast<std::uint32_t>(parameters.frame_size);
   }
   return format;
+}
+
+AudioFileTags FfmpegAudioFileInput::tags() const {
+  return decoder_ != nullptr ? tagsOf(decoder_->demuxer().container()) : AudioFileTags();
 }
 
 AudioStatus FfmpegAudioFileInput::setClientDataFormat(

@@ -7,6 +7,7 @@
 
 #include "platform/base/AudioTypes.h"
 #include "platform/media/AudioFileStatus.h"
+#include "platform/media/AudioFileTags.h"
 
 namespace platform {
 
@@ -29,8 +30,12 @@ class ExtAudioFileInput {
 
   virtual ~ExtAudioFileInput() = default;
 
-  /// The encoding of the file's sound. Fields without a value are 0.
+  /// The encoding of the file's sound. Fields without a value are 0; mBitsPerChannel has one where
+  /// the samples are kept exactly.
   [[nodiscard]] virtual AudioStreamBasicDescription fileDataFormat() const = 0;
+
+  /// What the file says of its sound; empty after a failed seekToStart().
+  [[nodiscard]] virtual AudioFileTags tags() const = 0;
 
   /// Sets the format that read() returns; only kWorkingFormat is supported. Files with 1 to 8
   /// channels and 1,000 to 768,000 Hz can be converted to it.

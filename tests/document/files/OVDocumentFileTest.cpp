@@ -1,5 +1,9 @@
 #include "document/files/OVDocumentFile.h"
 
+#include <memory>
+#include <string>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "controls/OVRecorderWindow.h"
@@ -30,6 +34,39 @@ TEST(OVDocumentFileTest, TheTitleNamesTheFileAlsoOneThatLooksLikeAPlaceholder) {
   file.forget();
   EXPECT_EQ(window.title(), "Orvo - Unnamed");
   EXPECT_FALSE(file.canBeSaved());
+}
+
+TEST(OVDocumentFileTest, ANameThatWouldDisturbItsLineIsShownWithoutThat) {
+  OVRecorderWindow window;
+  OVDocumentFile file;
+  file.connect(&window);
+  file.take("/music/a\nb\u202Efdp.wav", 0);
+  EXPECT_EQ(file.shownName(), "a b fdp.wav");
+  EXPECT_EQ(window.title(), "Orvo - a b fdp.wav");
+  EXPECT_EQ(file.suggestedName(), "a\nb\u202Efdp") << "a name for a file stays as it is";
+}
+
+TEST(OVDocumentFileTest, WhoeverWantsToKnowIsToldOfEachFileThatTheDocumentGets) {
+  OVDocumentFile file;
+  std::vector<std::string> taken;
+  file.setTakenHandler([&taken](const std::string& path) { taken.push_back(path); });
+  file.setName("/music/opened.wav");
+  file.take("/music/one.wav", 0);
+  file.take("/music/two.caf", 2);
+  file.forget();
+  EXPECT_EQ(taken, (std::vector<std::string>{"/music/one.wav", "/music/two.caf"}));
+}
+
+TEST(OVDocumentFileTest, TagsBelongToTheDocumentUntilItForgetsItsFile) {
+  OVDocumentFile file;
+  EXPECT_TRUE(file.tags()->all().empty());
+  platform::AudioFileTags tags;
+  tags.texts[platform::AudioFileTag::title] = "Song";
+  file.setTags(std::make_shared<const platform::AudioFileTags>(tags));
+  file.take("/music/take.wav", 0);
+  EXPECT_EQ(*file.tags(), tags);
+  file.forget();
+  EXPECT_TRUE(file.tags()->all().empty());
 }
 
 TEST(OVDocumentFileTest, ADocumentWithoutAFileMayHaveANameUntilItGetsAFile) {

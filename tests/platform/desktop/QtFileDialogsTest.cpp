@@ -22,6 +22,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include "platform/base/MainThread.h"
 #include "platform/desktop/OpenPanel.h"
 #include "platform/desktop/SavePanel.h"
 #include "platform/files/Descriptors.h"
@@ -204,6 +205,55 @@ TEST_F(QtFileDialogsTest, TheQuestionBeforeReplacingShowsANameAsItStands) {
   EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
   EXPECT_EQ(questions_, 1);
   EXPECT_EQ(saved_, folder_.file("<b>a \"b\".aiff"));
+}
+
+TEST_F(QtFileDialogsTest, TheQuestionBeforeReplacingSaysWhatGetsLost) {
+  std::ofstream(folder_.file("take.aiff")) << "old";
+  platform::SavePanelRequest request = saveRequest("take");
+  request.lossOfReplacing = [](const std::string& path) {
+    EXPECT_FALSE(platform::isMainThread()) << "the disk may not answer";
+    return QString("Much of %1.").arg(QString::fromStdString(path));
+  };
+  panels_.beginSavePanel(request, [this](const auto&) { ++answers_; });
+  panel_ = shown<platform::SavePanel>("savePanel");
+  std::string loss;
+  panel_->accept();
+  ASSERT_TRUE(runMainLoopUntil([&] {
+    auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (question == nullptr) {
+      return false;
+    }
+    loss = question->informativeText().toStdString();
+    question->button(QMessageBox::Yes)->click();
+    return true;
+  }));
+  EXPECT_EQ(loss, "Much of " + folder_.file("take.aiff") + ".");
+  EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
+}
+
+TEST_F(QtFileDialogsTest, ANewFileIsNotExaminedForWhatGetsLost) {
+  platform::SavePanelRequest request = saveRequest("take");
+  request.lossOfReplacing = [](const std::string& path) {
+    ADD_FAILURE() << path;
+    return QString();
+  };
+  panels_.beginSavePanel(request, [this](const auto&) { ++answers_; });
+  panel_ = shown<platform::SavePanel>("savePanel");
+  acceptPanel();
+  EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
+}
+
+TEST_F(QtFileDialogsTest, ANameThatWouldTurnTheDirectionOfTextIsShownWithoutThat) {
+  const std::string name = "take\u202Efdp.aiff";
+  std::ofstream(folder_.file(name)) << "old";
+  beginSave("take\u202Efdp");
+  const auto* const list = panel_->findChild<QAbstractItemView*>("listView");
+  ASSERT_TRUE(runMainLoopUntil([&] { return list->model()->rowCount() == 1; }));
+  EXPECT_EQ(list->model()->index(0, 0).data().toString(), "take fdp.aiff");
+  answerQuestion(QMessageBox::Yes, "“take fdp.aiff”");
+  acceptPanel();
+  EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
+  EXPECT_EQ(saved_, folder_.file(name)) << "the file itself is found by its own name";
 }
 
 TEST_F(QtFileDialogsTest, NamesAreTakenLetterByLetter) {
