@@ -59,8 +59,16 @@ bool OVAudioFileReader::openSteps(const std::string& path) {
   return status == platform::kAudioStatusOk;
 }
 
-std::int64_t OVAudioFileReader::fileSizeInFrames() {
+std::int64_t OVAudioFileReader::fileSizeInFrames() const {
   return xafref_ != nullptr ? xafref_->fileLengthFrames() : 0;
+}
+
+bool OVAudioFileReader::isFileSizeEstimated() const {
+  return xafref_ != nullptr && xafref_->isLengthEstimated();
+}
+
+double OVAudioFileReader::shareRead() const {
+  return xafref_ != nullptr ? xafref_->shareRead() : 1.0;
 }
 
 std::uint32_t OVAudioFileReader::readFrameChunkWithSize(std::uint64_t frames) {
