@@ -161,6 +161,32 @@ std::vector<BadFile> badFiles() {
          write(path, bytes);
        },
        kAnyNumber, damaged});
+  // FFmpeg gives errnos for these, which no system call has told.
+  add({"A57ByteWavWithAnEndlessFormat", "a.wav",
+       [](const std::string& path) {
+         write(path, support::wavBytes(44100, 2, 16, std::string(13, 'x')).replace(17, 1, "\x1F"));
+       },
+       0, "“a.wav” " + unknown});
+  add({"DamagedIndexOfAnM4a", "a.m4a",
+       [](const std::string& path) {
+         std::string bytes = encoded("m4a");
+         write(path, bytes.replace(bytes.find("stco") + 8, 1, "\xFF"));
+       },
+       0, unknown});
+  add({"CutOffAiffWithAWrongLength", "a.aiff",
+       [](const std::string& path) {
+         std::string bytes = half(encoded("aiff"));
+         bytes[7] = static_cast<char>(bytes[7] + 3);
+         write(path, bytes);
+       },
+       0, unknown});
+  add({"AFlippedBitInThePacketTableOfACaf", "a.caf",
+       [](const std::string& path) {
+         std::string bytes = encoded("caf", {"-c:a", "alac"});
+         bytes[bytes.size() - 3] = static_cast<char>(bytes[bytes.size() - 3] | 0x80);
+         write(path, bytes);
+       },
+       kAnyNumber, damaged});
   add({"Promises4GigabytesOver1Kilobyte", "a.wav",
        [](const std::string& path) { write(path, wavThatPromises(0xFFFFFFF0, 250)); }, 250});
   add({"Promises1GigabyteOver1Kilobyte", "a.wav",

@@ -42,9 +42,16 @@ class ExtAudioFileInput {
   [[nodiscard]] virtual AudioStatus setClientDataFormat(
       const AudioStreamBasicDescription& format) const = 0;
 
-  /// Length in frames of the client format, rounded; 0 when unknown. A hint only. Counting an MP3
-  /// or ADTS file takes half a second at most, once.
-  [[nodiscard]] virtual std::int64_t fileLengthFrames() = 0;
+  /// Length in frames of the client format, rounded; 0 when unknown. A hint only: never allocate by
+  /// it.
+  [[nodiscard]] virtual std::int64_t fileLengthFrames() const = 0;
+
+  /// Whether the length is an estimate from the file's size and bit rate: that of MP3 without a
+  /// length header and of ADTS, until the file has been read to its end.
+  [[nodiscard]] virtual bool isLengthEstimated() const = 0;
+
+  /// Share of the file's bytes that has been read since its start, 0 to 1; 1 at the end.
+  [[nodiscard]] virtual double shareRead() const = 0;
 
   struct Read {
     std::uint32_t frames = 0;

@@ -130,16 +130,30 @@ TEST_F(AudioFileDecoderTest, LengthsThatStandForUntilTheEndAreNoCut) {
   constexpr std::uint32_t kRounded = 0x10000;  // maximum error of such a length, in bytes
   for (const std::uint32_t bytes :
        {0x7FFFFFFFU, 0x80000000U, 0x80000000U - kRounded, 0x80000000U + kRounded, 0xFFFFFFFFU,
-        0xFFFFFFFFU - 44, 0U - kRounded}) {
+        0xFFFFFFFFU - 44, 0U - kRounded, 0x7F000000U}) {
     const Decoded all = decode(wavThatPromises(bytes, 250));
     EXPECT_EQ(all.frames, 250) << bytes;
     EXPECT_EQ(all.end, 0) << bytes;
   }
-  for (const std::uint32_t bytes : {1004U, 0x40000000U, 0x80000000U - kRounded - 4,
-                                    0x80000000U + kRounded + 4, 0U - kRounded - 4}) {
+  for (const std::uint32_t bytes :
+       {0x40000000U, 0x7F000000U - kRounded - 4, 0x80000000U - kRounded - 4,
+        0x80000000U + kRounded + 4, 0U - kRounded - 4}) {
     const Decoded all = decode(wavThatPromises(bytes, 250));
     EXPECT_EQ(all.frames, 250) << bytes;
     EXPECT_EQ(all.end, AVERROR_INVALIDDATA) << bytes;
+  }
+}
+
+TEST_F(AudioFileDecoderTest, ALackOfLessThanATenthOfASecondOfSamplesIsNoCut) {
+  constexpr std::uint32_t kFrames = 10'000;
+  for (const std::uint32_t rate : {8000U, 44'100U, 192'000U}) {
+    const std::string whole = wav(kFrames, rate);
+    const Decoded almost = decode(whole.substr(0, whole.size() - (rate / 10 - 1) * 4));
+    EXPECT_EQ(almost.frames, kFrames - rate / 10 + 1) << rate;
+    EXPECT_EQ(almost.end, 0) << rate;
+    const Decoded some = decode(whole.substr(0, whole.size() - rate / 10 * 4));
+    EXPECT_EQ(some.frames, kFrames - rate / 10) << rate;
+    EXPECT_EQ(some.end, AVERROR_INVALIDDATA) << rate;
   }
 }
 
