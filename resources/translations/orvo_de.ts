@@ -200,6 +200,10 @@
         <translation>Wird noch geschrieben</translation>
     </message>
     <message>
+        <source>Waiting for room on the disk</source>
+        <translation>Wartet auf Platz auf dem Datenträger</translation>
+    </message>
+    <message>
         <source>Later</source>
         <translation>Später</translation>
     </message>

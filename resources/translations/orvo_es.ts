@@ -200,6 +200,10 @@
         <translation>Aún se está escribiendo</translation>
     </message>
     <message>
+        <source>Waiting for room on the disk</source>
+        <translation>A la espera de espacio en el disco</translation>
+    </message>
+    <message>
         <source>Later</source>
         <translation>Más tarde</translation>
     </message>

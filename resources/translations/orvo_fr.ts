@@ -200,6 +200,10 @@
         <translation>Écriture en cours</translation>
     </message>
     <message>
+        <source>Waiting for room on the disk</source>
+        <translation>En attente de place sur le disque</translation>
+    </message>
+    <message>
         <source>Later</source>
         <translation>Plus tard</translation>
     </message>

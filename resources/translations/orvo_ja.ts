@@ -200,6 +200,10 @@
         <translation>書き込み中</translation>
     </message>
     <message>
+        <source>Waiting for room on the disk</source>
+        <translation>ディスクの空きを待っています</translation>
+    </message>
+    <message>
         <source>Later</source>
         <translation>後で</translation>
     </message>

@@ -200,6 +200,10 @@
         <translation>仍在写入</translation>
     </message>
     <message>
+        <source>Waiting for room on the disk</source>
+        <translation>正在等待磁盘空间</translation>
+    </message>
+    <message>
         <source>Later</source>
         <translation>稍后</translation>
     </message>

@@ -33,6 +33,8 @@ platform::TextKey nameOf(OVRecoveredFile::State state) {
       return textKey("Complete");
     case OVRecoveredFile::State::beingWritten:
       return textKey("Still being written");
+    case OVRecoveredFile::State::waitingForRoom:
+      return textKey("Waiting for room on the disk");
     case OVRecoveredFile::State::damaged:
       return textKey("Damaged");
   }
@@ -146,7 +148,7 @@ void OVRecoveredPanel::addRow(const OVRecoveredFile& file, const Paths& unchecke
   auto* const row = new QTreeWidgetItem(list_, {start, length, state});
   row->setData(0, kPathRole, QByteArray::fromStdString(file.path));
   row->setData(0, Qt::AccessibleTextRole, QStringList{start, length, state}.join(", "));
-  if (file.state == OVRecoveredFile::State::beingWritten) {
+  if (isBeingMade(file.state)) {
     row->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren);
     return;
   }

@@ -17,7 +17,7 @@
 class Keeper {
  public:
   struct Settings {
-    std::string dataDirectory;           ///< see userDataDirectory()
+    std::string dataDirectory;           ///< see platform::userDataDirectory()
     std::chrono::milliseconds patience;  ///< between two tries on a full disk
   };
 

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "keeper/Keeper.h"
-#include "keeper/RecoveredFolder.h"
+#include "platform/files/UserDataDirectory.h"
 #include "platform/process/DescriptorChannel.h"
 #include "platform/process/SpawnedProgram.h"
 
@@ -27,8 +27,9 @@ int main() {
 #if defined(__linux__)
   ::close_range(SpawnedProgram::kInheritedDescriptor + 1, ~0U, 0);
 #endif
-  Keeper keeper(std::make_unique<platform::DescriptorChannel>(SpawnedProgram::kInheritedDescriptor),
-                {.dataDirectory = userDataDirectory(), .patience = std::chrono::seconds(5)});
+  Keeper keeper(
+      std::make_unique<platform::DescriptorChannel>(SpawnedProgram::kInheritedDescriptor),
+      {.dataDirectory = platform::userDataDirectory(), .patience = std::chrono::seconds(5)});
   keeper.listen();
   if (!keeper.recover()) {
     std::signal(SIGTERM, SIG_DFL);

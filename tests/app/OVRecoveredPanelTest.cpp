@@ -150,6 +150,13 @@ TEST_F(OVRecoveredPanelTest, AFileThatIsBeingWrittenSaysSoAndCannotBeChosen) {
   EXPECT_THAT(panel_->chosen(), IsEmpty());
 }
 
+TEST_F(OVRecoveredPanelTest, AFileThatWaitsForRoomSaysSoAndCannotBeChosen) {
+  show(Occasion::unexpectedEnd, {fileOf("/a.caf.part", State::waitingForRoom)});
+  EXPECT_EQ(textsOfRow(0)[2], "Waiting for room on the disk");
+  EXPECT_THAT(panel_->chosen(), IsEmpty());
+  EXPECT_TRUE(button("recoveredLater")->isDefault());
+}
+
 TEST_F(OVRecoveredPanelTest, CheckMarksStayWhenAFileIsAdded) {
   show(Occasion::unexpectedEnd, {fileOf("/a.caf"), fileOf("/b.caf")});
   list()->topLevelItem(0)->setCheckState(0, Qt::Unchecked);

@@ -326,11 +326,12 @@ TEST_P(TranslatedWindowTest, TheRuleOfRingtonesIsWhole) {
 }
 
 TEST_P(TranslatedWindowTest, TheQuestionAboutRecoveredRecordingsIsWhole) {
-  std::vector<OVRecoveredFile> files(3);
+  std::vector<OVRecoveredFile> files(4);
   files[0].frames = 44100 * 7500ULL;
   files[0].start = QDateTime(QDate(2026, 11, 21), QTime(14, 2));
   files[1].state = OVRecoveredFile::State::damaged;
   files[2].state = OVRecoveredFile::State::beingWritten;
+  files[3].state = OVRecoveredFile::State::waitingForRoom;
   for (const auto occasion :
        {OVRecoveredPanel::Occasion::unexpectedEnd, OVRecoveredPanel::Occasion::command}) {
     OVRecoveredPanel panel(occasion, {});

@@ -7,6 +7,9 @@
 #include <fstream>
 
 #include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -105,6 +108,23 @@ TEST_F(KeeperConnectionTest, KeeperIsSmallAndHoldsNothingOfTheProgram) {
   EXPECT_LT(support::kAnySanitizer ? 0 : anonymousBytes(connection_->keeperProcess()), 1U << 20);
   EXPECT_NE(::getsid(connection_->keeperProcess()), ::getsid(0));
   ::close(mine);
+}
+
+TEST_F(KeeperConnectionTest, NobodyElseCanReachTheConnection) {
+  connection_->start();
+  sockaddr_un name = {};
+  socklen_t length = sizeof name;
+  ASSERT_EQ(::getsockname(connection_->descriptor(), reinterpret_cast<sockaddr*>(&name), &length),
+            0);
+  EXPECT_EQ(length, sizeof name.sun_family) << "it has a name";
+  ucred peer = {};
+  length = sizeof peer;
+  ASSERT_EQ(::getsockopt(connection_->descriptor(), SOL_SOCKET, SO_PEERCRED, &peer, &length), 0);
+  EXPECT_EQ(peer.uid, ::geteuid());
+  struct stat keeper = {};
+  ASSERT_EQ(::stat(("/proc/" + std::to_string(connection_->keeperProcess())).c_str(), &keeper), 0);
+  EXPECT_EQ(keeper.st_uid, ::geteuid()) << "the keeper runs as someone else";
+  EXPECT_EQ(::fcntl(connection_->descriptor(), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
 }
 
 TEST_F(KeeperConnectionTest, KeeperIsDeafToSignalsThatEndASession) {

@@ -181,6 +181,24 @@ void writeInPlace(const OVSaveJob::Request& request, const OVSaveJob::Progress& 
   outcome.copyOfOldFile = target->copyLeft();
 }
 
+std::optional<OVDiskShortage> shortageBeside(const std::string& path, std::uint64_t bytes) {
+  // Where no file can be made beside it, the user is asked before anything is written.
+  return platform::InPlaceFile::isTheOnlyWay(path, EACCES)
+             ? std::nullopt
+             : shortageOf(platform::ReplacementFile::folderBeside(path), bytes);
+}
+
+// The new content and a copy of the old one stand in the temporary directory before the file grows.
+std::optional<OVDiskShortage> shortageInPlace(const std::string& path, std::uint64_t bytes) {
+  std::error_code unknown;
+  const std::uintmax_t size = std::filesystem::file_size(path, unknown);
+  const std::uint64_t old = unknown ? 0 : size;
+  const auto shortage = shortageOf(platform::temporaryFiles()->directory(), bytes + old);
+  return shortage || bytes <= old
+             ? shortage
+             : shortageOf(platform::ReplacementFile::folderBeside(path), bytes - old);
+}
+
 void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
            OVSaveJob::Outcome& outcome) {
   if (request.shortage.valid()) {
@@ -199,10 +217,11 @@ std::shared_future<std::optional<OVDiskShortage>> OVSaveJob::lookForRoom(const R
   const std::uint64_t bytes =
       OVAudioFileWriter::estimatedBytes(request.outputFormat, request.frameCount) +
       (OVAudioFileWriter::holdsCover(request.outputFormat) ? request.tags->cover.size() : 0);
-  platform::globalQueue().async([found, path = request.path, bytes] {
+  platform::globalQueue().async([found, way = request.way, path = request.path, bytes] {
     std::optional<OVDiskShortage> shortage;
     try {
-      shortage = shortageOf(platform::ReplacementFile::folderBeside(path), bytes);
+      shortage =
+          way == Request::Way::inPlace ? shortageInPlace(path, bytes) : shortageBeside(path, bytes);
     } catch (const std::bad_alloc&) {  // the save itself will report it
     }
     found->set_value(shortage);

@@ -29,8 +29,8 @@ class OVSaveJob {
     std::uint32_t outputFormat = 0;  ///< a kind of the file writer, 0 to 3
     std::shared_ptr<const platform::AudioFileTags> tags =
         std::make_shared<const platform::AudioFileTags>();  ///< never null
-    /// Whether there is room for the file beside the target, as lookForRoom() reports; the job
-    /// waits for it. May be invalid: then the job just begins.
+    /// Whether there is room for the file, as lookForRoom() reports; the job waits for it. May be
+    /// invalid: then the job just begins.
     std::shared_future<std::optional<OVDiskShortage>> shortage = {};
     enum class Way { beside, inPlace } way = Way::beside;
   };
@@ -56,8 +56,9 @@ class OVSaveJob {
   /// Frames read and written at a time: six seconds.
   static constexpr std::uint64_t kChunkFrames = platform::kFileChunkFrames;
 
-  /// Looks on the global queue for the room that a request needs, by an estimate. The old file
-  /// exists until the new one replaces it, so its space does not count as free.
+  /// Looks on the global queue for the room that a request needs, by an estimate: beside the
+  /// target, where the old file exists until the new one replaces it, so its space does not count
+  /// as free; in place, in the temporary directory, and for what the target grows.
   [[nodiscard]] static std::shared_future<std::optional<OVDiskShortage>> lookForRoom(
       const Request& request);
 

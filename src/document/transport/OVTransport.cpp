@@ -342,6 +342,7 @@ void OVTransport::inputFailed(const std::weak_ptr<OVAQRecorder>& recorder) {
   if (!writtenSincePress_) {
     // The report that there is no input came after the press: as if Record had not been pressed.
     parts_.history.rollBackStep();
+    parts_.history.kept().recordingTakenBack();
     parts_.positions.setPlayback(marker);
   }
 }

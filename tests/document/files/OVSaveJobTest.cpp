@@ -11,7 +11,9 @@
 #include <gmock/gmock.h>
 
 #include "document/FileFixture.h"
+#include "platform/files/TemporaryFiles.h"
 #include "support/fakes/MemoryTestBuffer.h"
+#include "support/fakes/ScriptedFreeSpace.h"
 
 namespace {
 
@@ -221,6 +223,31 @@ TEST_F(OVSaveJobInPlaceTest, TouchesNothingWhereTheAudioHasGaps) {
   EXPECT_FALSE(outcome.complete);
   EXPECT_EQ(outcome.unreadableFrames, 10U);
   EXPECT_EQ(bytesOf(at("take.wav")), "old");
+}
+
+TEST_F(OVSaveJobInPlaceTest, RoomIsLookedForWhereTheNewContentAndTheCopyStand) {
+  const support::InstalledFreeSpace space;
+  audio_->append(ramp(20'000));
+  OVSaveJob::Request request{.buffer = audio_,
+                             .fromFrame = 0,
+                             .frameCount = 20'000,
+                             .path = at("take.wav"),
+                             .outputFormat = OVAudioFileWriter::kWave};
+  EXPECT_FALSE(OVSaveJob::lookForRoom(request).get());
+  EXPECT_TRUE(space->folders().empty()) << "nothing is written beside it";
+
+  request.way = OVSaveJob::Request::Way::inPlace;
+  const std::uint64_t bytes =
+      OVAudioFileWriter::estimatedBytes(OVAudioFileWriter::kWave, request.frameCount);
+  constexpr std::uint64_t kOld = 3;
+  space->set(bytes + kOld - 1);
+  const auto shortage = OVSaveJob::lookForRoom(request).get();
+  ASSERT_TRUE(shortage);
+  EXPECT_EQ(shortage->folder, platform::temporaryFiles()->directory());
+  EXPECT_EQ(shortage->neededBytes, bytes + kOld);
+  space->set(bytes + kOld);
+  EXPECT_FALSE(OVSaveJob::lookForRoom(request).get());
+  EXPECT_EQ(space->folders().back(), folder_.path()) << "for what it grows";
 }
 
 }  // namespace
