@@ -10,6 +10,7 @@
 #include "document/display/OVDiskWatch.h"
 #include "document/display/OVDisplayLoop.h"
 #include "document/display/OVInputNotices.h"
+#include "document/display/OVLossMarks.h"
 #include "document/display/OVMarkerAndTime.h"
 #include "document/display/OVNotices.h"
 #include "document/display/OVProgressDisplay.h"
@@ -27,6 +28,7 @@
 #include "document/spectrum/OVRecordedChunk.h"
 #include "document/spectrum/OVSpectrum.h"
 #include "document/summaries/OVDocumentSummaries.h"
+#include "document/transport/OVInputWatch.h"
 #include "document/transport/OVTransport.h"
 #include "document/transport/OVTransportControls.h"
 #include "document/transport/OVTransportKeys.h"
@@ -60,6 +62,7 @@ struct OVDocumentParts {
   const std::shared_ptr<OVDocumentSummaries> summaries = std::make_shared<OVDocumentSummaries>();
   OVEditHistory history{audio, *summaries};
   OVTransport transport{{life, audio, positions, *summaries, history, operation}};
+  OVInputWatch inputWatch{transport};
   OVTransportControls controls;
   OVTransportKeys keys;
   OVDiskWatch diskWatch{life, audio, notices};
@@ -67,6 +70,7 @@ struct OVDocumentParts {
   OVProgressDisplay progress;
   OVRecordingPlace recordingPlace{{audio, positions, operation, transport}};
   OVClipping clipping{life, audio};
+  OVLossMarks lossMarks{audio, history};
   OVDisplayLoop displayLoop{{life, audio, positions, operation, *summaries, transport,
                              markerAndTime, progress, recordingPlace, clipping}};
   OVSpectrum spectrum;
