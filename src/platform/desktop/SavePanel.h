@@ -32,6 +32,7 @@ class SavePanel : public FilePanel {
  private:
   void addAccessory(QWidget* accessory);
   void addNewFolderButton();
+  void list();
   void takeOverSuffix();
   void take(const std::string& name, const std::vector<PathKind>& kinds);
   void askToReplace();
@@ -40,7 +41,8 @@ class SavePanel : public FilePanel {
 
   std::string path_;
   const std::function<std::vector<std::string>()> acceptedSuffixes_;
-  std::vector<std::string> suffixes_;  // for the accessory's last known choice
+  std::vector<std::string> suffixes_;     // for the accessory's last known choice
+  std::vector<std::string> listedTypes_;  // empty: suffixes_
 };
 
 }  // namespace platform
