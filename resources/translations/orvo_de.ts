@@ -8,64 +8,60 @@
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <source>New Recorder</source>
-        <translation>Neuer Rekorder</translation>
+        <source>&amp;New Recorder</source>
+        <translation>&amp;Neuer Rekorder</translation>
     </message>
     <message>
-        <source>Open…</source>
-        <translation>Öffnen&#xa0;…</translation>
+        <source>&amp;Open…</source>
+        <translation>Ö&amp;ffnen&#xa0;…</translation>
     </message>
     <message>
-        <source>Open Recent</source>
-        <translation>Zuletzt geöffnet</translation>
+        <source>Open &amp;Recent</source>
+        <translation>&amp;Zuletzt geöffnet</translation>
     </message>
     <message>
-        <source>Import…</source>
-        <translation>Importieren&#xa0;…</translation>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importieren&#xa0;…</translation>
     </message>
     <message>
-        <source>Save</source>
-        <translation>Speichern</translation>
+        <source>Save &amp;As…</source>
+        <translation>Speichern &amp;unter&#xa0;…</translation>
     </message>
     <message>
-        <source>Save As…</source>
-        <translation>Speichern unter&#xa0;…</translation>
+        <source>Export Rin&amp;gtone…</source>
+        <translation>&amp;Klingelton exportieren&#xa0;…</translation>
     </message>
     <message>
-        <source>Export Ringtone…</source>
-        <translation>Klingelton exportieren&#xa0;…</translation>
+        <source>Export &amp;Waveform Picture…</source>
+        <translation>&amp;Wellenform als Bild exportieren&#xa0;…</translation>
     </message>
     <message>
-        <source>Export Waveform Picture…</source>
-        <translation>Wellenform als Bild exportieren&#xa0;…</translation>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>Schließen</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Beenden</translation>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
     </message>
     <message>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <source>Undo</source>
-        <translation>Rückgängig</translation>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
     </message>
     <message>
-        <source>Redo</source>
-        <translation>Wiederherstellen</translation>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederherstellen</translation>
     </message>
     <message>
-        <source>Undo %1</source>
-        <translation>Rückgängig: %1</translation>
+        <source>&amp;Undo %1</source>
+        <translation>&amp;Rückgängig: %1</translation>
     </message>
     <message>
-        <source>Redo %1</source>
-        <translation>Wiederherstellen: %1</translation>
+        <source>&amp;Redo %1</source>
+        <translation>&amp;Wiederherstellen: %1</translation>
     </message>
     <message>
         <source>Remove After Marker</source>
@@ -132,12 +128,84 @@
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <source>Documentation</source>
-        <translation>Dokumentation</translation>
+        <source>Remove &amp;After Marker</source>
+        <translation>&amp;Hinter dem Marker entfernen</translation>
     </message>
     <message>
-        <source>Diagnostics</source>
-        <translation>Diagnose</translation>
+        <source>Remove &amp;Before Marker</source>
+        <translation>&amp;Vor dem Marker entfernen</translation>
+    </message>
+    <message>
+        <source>Re&amp;verse Audio</source>
+        <translation>Audio &amp;umkehren</translation>
+    </message>
+    <message>
+        <source>&amp;About Orvo</source>
+        <translation>Ü&amp;ber Orvo</translation>
+    </message>
+    <message>
+        <source>&amp;Record</source>
+        <translation>&amp;Aufnahme</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>&amp;Wiedergabe</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Stopp</translation>
+    </message>
+    <message>
+        <source>&amp;To Start</source>
+        <translation>Zum An&amp;fang</translation>
+    </message>
+    <message>
+        <source>To &amp;End</source>
+        <translation>Zum &amp;Ende</translation>
+    </message>
+    <message>
+        <source>&amp;Spectrum</source>
+        <translation>&amp;Spektrum</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>Ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>I&amp;mportieren</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>&amp;Ersetzen</translation>
+    </message>
+    <message>
+        <source>Nothing has been reported.</source>
+        <translation>Es liegen keine Meldungen vor.</translation>
+    </message>
+    <message>
+        <source>Recording %1</source>
+        <translation>Aufnahme %1</translation>
+    </message>
+    <message>
+        <source>There is no file %1.</source>
+        <translation>Es gibt keine Datei %1.</translation>
+    </message>
+    <message>
+        <source>There is no file “%1”.</source>
+        <translation>Es gibt keine Datei „%1“.</translation>
+    </message>
+    <message>
+        <source>You may not write in the folder %1. Choose another.</source>
+        <translation>Sie dürfen im Ordner %1 nicht schreiben. Wählen Sie einen anderen.</translation>
+    </message>
+    <message>
+        <source>&amp;Documentation</source>
+        <translation>&amp;Dokumentation</translation>
+    </message>
+    <message>
+        <source>D&amp;iagnostics</source>
+        <translation>Di&amp;agnose</translation>
     </message>
     <message>
         <source>About Orvo</source>
@@ -152,8 +220,8 @@
         <translation>Unbenannt</translation>
     </message>
     <message>
-        <source>Recovered Recordings…</source>
-        <translation>Gerettete Aufnahmen&#xa0;…</translation>
+        <source>&amp;Recovered Recordings…</source>
+        <translation>&amp;Gerettete Aufnahmen&#xa0;…</translation>
     </message>
     <message>
         <source>Recovered Recordings</source>
@@ -206,10 +274,12 @@
     <message>
         <source>Later</source>
         <translation>Später</translation>
+        <source>&amp;Later</source>
+        <translation>S&amp;päter</translation>
     </message>
     <message>
-        <source>Delete</source>
-        <translation>Löschen</translation>
+        <source>&amp;Delete</source>
+        <translation>&amp;Löschen</translation>
     </message>
     <message>
         <source>Delete for good?</source>
@@ -296,23 +366,23 @@ Ein Audiorekorder mit einfachem Editor.</translation>
         <translation>Wellenform wird gezeichnet</translation>
     </message>
     <message>
-        <source>OK</source>
-        <translation>OK</translation>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>Abbrechen</translation>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
     </message>
     <message>
-        <source>Don't Save</source>
-        <translation>Nicht speichern</translation>
+        <source>Do&amp;n’t Save</source>
+        <translation>&amp;Nicht speichern</translation>
     </message>
     <message>
         <source>Do you want to save the changes made to “%1”?</source>
         <translation>Möchten Sie die Änderungen an „%1“ speichern?</translation>
     </message>
     <message>
-        <source>Your changes will be lost if you don't save them.</source>
+        <source>Your changes will be lost if you don’t save them.</source>
         <translation>Wenn Sie nicht speichern, gehen Ihre Änderungen verloren.</translation>
     </message>
     <message>
@@ -380,8 +450,8 @@ Ein Audiorekorder mit einfachem Editor.</translation>
         <translation>Speichern unter</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Speichern in:</translation>
+        <source>Save &amp;in:</source>
+        <translation>Speichern &amp;in:</translation>
     </message>
     <message>
         <source>File &amp;type:</source>
@@ -580,16 +650,16 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Ein anderes Programm hat den Ordner oder die Datei inzwischen geändert.</translation>
     </message>
     <message>
-        <source>Look in:</source>
-        <translation>Suchen in:</translation>
+        <source>&amp;Look in:</source>
+        <translation>Suchen &amp;in:</translation>
     </message>
     <message>
         <source>File &amp;name:</source>
         <translation>Datei&amp;name:</translation>
     </message>
     <message>
-        <source>Files of type:</source>
-        <translation>Dateien vom Typ:</translation>
+        <source>Files of &amp;type:</source>
+        <translation>Dateien vom &amp;Typ:</translation>
     </message>
     <message>
         <source>Name</source>
@@ -624,10 +694,6 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Der Ordner antwortet noch nicht&#xa0;…</translation>
     </message>
     <message>
-        <source>“%1” is not there.</source>
-        <translation>„%1“ ist nicht vorhanden.</translation>
-    </message>
-    <message>
         <source>The files cannot be shown</source>
         <translation>Die Dateien können nicht angezeigt werden</translation>
     </message>
@@ -648,8 +714,8 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Sie dürfen in diesem Ordner keine Dateien anlegen. Die alte Datei wird zuerst in das temporäre Verzeichnis kopiert. Die Kopie bleibt erhalten, wenn das Schreiben misslingt.</translation>
     </message>
     <message>
-        <source>Overwrite</source>
-        <translation>Überschreiben</translation>
+        <source>&amp;Overwrite</source>
+        <translation>Ü&amp;berschreiben</translation>
     </message>
     <message>
         <source>There is no such folder.</source>
@@ -780,10 +846,6 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Es sind zu viele Dateien geöffnet.</translation>
     </message>
     <message>
-        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
-        <translation>%1 ist nicht mehr vorhanden. Die Datei wurde möglicherweise verschoben, umbenannt oder gelöscht.</translation>
-    </message>
-    <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
         <translation>Sie dürfen %1 nicht lesen. Fragen Sie den Eigentümer oder ändern Sie die Zugriffsrechte.</translation>
     </message>
@@ -824,7 +886,7 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Der Arbeitsspeicher reicht nicht aus, um %1 zu lesen.</translation>
     </message>
     <message>
-        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 kann nicht gelesen werden: Auf diesem Computer fehlen die Bibliotheken von FFmpeg.</translation>
     </message>
     <message>
@@ -888,7 +950,7 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Der Arbeitsspeicher reicht nicht aus, um %1 zu schreiben.</translation>
     </message>
     <message>
-        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 kann nicht geschrieben werden: Auf diesem Computer fehlen die Bibliotheken von FFmpeg.</translation>
     </message>
     <message>

@@ -8,64 +8,60 @@
         <translation>&amp;Archivo</translation>
     </message>
     <message>
-        <source>New Recorder</source>
-        <translation>Nueva grabadora</translation>
+        <source>&amp;New Recorder</source>
+        <translation>&amp;Nueva grabadora</translation>
     </message>
     <message>
-        <source>Open…</source>
-        <translation>Abrir…</translation>
+        <source>&amp;Open…</source>
+        <translation>&amp;Abrir…</translation>
     </message>
     <message>
-        <source>Open Recent</source>
-        <translation>Abrir reciente</translation>
+        <source>Open &amp;Recent</source>
+        <translation>Abrir &amp;reciente</translation>
     </message>
     <message>
-        <source>Import…</source>
-        <translation>Importar…</translation>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importar…</translation>
     </message>
     <message>
-        <source>Save</source>
-        <translation>Guardar</translation>
+        <source>Save &amp;As…</source>
+        <translation>Guardar &amp;como…</translation>
     </message>
     <message>
-        <source>Save As…</source>
-        <translation>Guardar como…</translation>
+        <source>Export Rin&amp;gtone…</source>
+        <translation>Exportar &amp;tono de llamada…</translation>
     </message>
     <message>
-        <source>Export Ringtone…</source>
-        <translation>Exportar tono de llamada…</translation>
+        <source>Export &amp;Waveform Picture…</source>
+        <translation>Exportar imagen de la &amp;forma de onda…</translation>
     </message>
     <message>
-        <source>Export Waveform Picture…</source>
-        <translation>Exportar imagen de la forma de onda…</translation>
+        <source>&amp;Close</source>
+        <translation>C&amp;errar</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>Cerrar</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Salir</translation>
+        <source>&amp;Quit</source>
+        <translation>&amp;Salir</translation>
     </message>
     <message>
         <source>&amp;Edit</source>
         <translation>&amp;Editar</translation>
     </message>
     <message>
-        <source>Undo</source>
-        <translation>Deshacer</translation>
+        <source>&amp;Undo</source>
+        <translation>&amp;Deshacer</translation>
     </message>
     <message>
-        <source>Redo</source>
-        <translation>Rehacer</translation>
+        <source>&amp;Redo</source>
+        <translation>&amp;Rehacer</translation>
     </message>
     <message>
-        <source>Undo %1</source>
-        <translation>Deshacer: %1</translation>
+        <source>&amp;Undo %1</source>
+        <translation>&amp;Deshacer: %1</translation>
     </message>
     <message>
-        <source>Redo %1</source>
-        <translation>Rehacer: %1</translation>
+        <source>&amp;Redo %1</source>
+        <translation>&amp;Rehacer: %1</translation>
     </message>
     <message>
         <source>Remove After Marker</source>
@@ -132,12 +128,84 @@
         <translation>A&amp;yuda</translation>
     </message>
     <message>
-        <source>Documentation</source>
-        <translation>Documentación</translation>
+        <source>Remove &amp;After Marker</source>
+        <translation>Eliminar de&amp;spués del marcador</translation>
     </message>
     <message>
-        <source>Diagnostics</source>
-        <translation>Diagnóstico</translation>
+        <source>Remove &amp;Before Marker</source>
+        <translation>Eliminar &amp;antes del marcador</translation>
+    </message>
+    <message>
+        <source>Re&amp;verse Audio</source>
+        <translation>&amp;Invertir audio</translation>
+    </message>
+    <message>
+        <source>&amp;About Orvo</source>
+        <translation>&amp;Acerca de Orvo</translation>
+    </message>
+    <message>
+        <source>&amp;Record</source>
+        <translation>&amp;Grabar</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>&amp;Reproducir</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Detener</translation>
+    </message>
+    <message>
+        <source>&amp;To Start</source>
+        <translation>Ir al &amp;principio</translation>
+    </message>
+    <message>
+        <source>To &amp;End</source>
+        <translation>Ir al &amp;final</translation>
+    </message>
+    <message>
+        <source>&amp;Spectrum</source>
+        <translation>&amp;Espectro</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>&amp;Abrir</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>&amp;Importar</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>&amp;Reemplazar</translation>
+    </message>
+    <message>
+        <source>Nothing has been reported.</source>
+        <translation>No se ha comunicado nada.</translation>
+    </message>
+    <message>
+        <source>Recording %1</source>
+        <translation>Grabación %1</translation>
+    </message>
+    <message>
+        <source>There is no file %1.</source>
+        <translation>No hay ningún archivo %1.</translation>
+    </message>
+    <message>
+        <source>There is no file “%1”.</source>
+        <translation>No hay ningún archivo «%1».</translation>
+    </message>
+    <message>
+        <source>You may not write in the folder %1. Choose another.</source>
+        <translation>No puede escribir en la carpeta %1. Elija otra.</translation>
+    </message>
+    <message>
+        <source>&amp;Documentation</source>
+        <translation>&amp;Documentación</translation>
+    </message>
+    <message>
+        <source>D&amp;iagnostics</source>
+        <translation>D&amp;iagnóstico</translation>
     </message>
     <message>
         <source>About Orvo</source>
@@ -152,8 +220,8 @@
         <translation>Sin título</translation>
     </message>
     <message>
-        <source>Recovered Recordings…</source>
-        <translation>Grabaciones recuperadas…</translation>
+        <source>&amp;Recovered Recordings…</source>
+        <translation>&amp;Grabaciones recuperadas…</translation>
     </message>
     <message>
         <source>Recovered Recordings</source>
@@ -206,10 +274,12 @@
     <message>
         <source>Later</source>
         <translation>Más tarde</translation>
+        <source>&amp;Later</source>
+        <translation>&amp;Más tarde</translation>
     </message>
     <message>
-        <source>Delete</source>
-        <translation>Eliminar</translation>
+        <source>&amp;Delete</source>
+        <translation>E&amp;liminar</translation>
     </message>
     <message>
         <source>Delete for good?</source>
@@ -296,23 +366,23 @@ Una grabadora de audio con un editor sencillo.</translation>
         <translation>Dibujando la forma de onda</translation>
     </message>
     <message>
-        <source>OK</source>
-        <translation>Aceptar</translation>
+        <source>&amp;OK</source>
+        <translation>&amp;Aceptar</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>Cancelar</translation>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Cancelar</translation>
     </message>
     <message>
-        <source>Don't Save</source>
-        <translation>No guardar</translation>
+        <source>Do&amp;n’t Save</source>
+        <translation>&amp;No guardar</translation>
     </message>
     <message>
         <source>Do you want to save the changes made to “%1”?</source>
         <translation>¿Desea guardar los cambios realizados en «%1»?</translation>
     </message>
     <message>
-        <source>Your changes will be lost if you don't save them.</source>
+        <source>Your changes will be lost if you don’t save them.</source>
         <translation>Si no los guarda, se perderán los cambios.</translation>
     </message>
     <message>
@@ -380,8 +450,8 @@ Una grabadora de audio con un editor sencillo.</translation>
         <translation>Guardar como</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Guardar en:</translation>
+        <source>Save &amp;in:</source>
+        <translation>G&amp;uardar en:</translation>
     </message>
     <message>
         <source>File &amp;type:</source>
@@ -580,16 +650,16 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>Otro programa ha cambiado entretanto la carpeta o el archivo.</translation>
     </message>
     <message>
-        <source>Look in:</source>
-        <translation>Buscar en:</translation>
+        <source>&amp;Look in:</source>
+        <translation>&amp;Buscar en:</translation>
     </message>
     <message>
         <source>File &amp;name:</source>
         <translation>&amp;Nombre de archivo:</translation>
     </message>
     <message>
-        <source>Files of type:</source>
-        <translation>Archivos de tipo:</translation>
+        <source>Files of &amp;type:</source>
+        <translation>Archivos de &amp;tipo:</translation>
     </message>
     <message>
         <source>Name</source>
@@ -624,10 +694,6 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>Esperando respuesta de la carpeta…</translation>
     </message>
     <message>
-        <source>“%1” is not there.</source>
-        <translation>«%1» no existe.</translation>
-    </message>
-    <message>
         <source>The files cannot be shown</source>
         <translation>No se pueden mostrar los archivos</translation>
     </message>
@@ -648,8 +714,8 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>No tiene permiso para crear archivos en su carpeta. El archivo antiguo se copia antes en el directorio temporal. La copia se conserva si falla la escritura.</translation>
     </message>
     <message>
-        <source>Overwrite</source>
-        <translation>Sobrescribir</translation>
+        <source>&amp;Overwrite</source>
+        <translation>&amp;Sobrescribir</translation>
     </message>
     <message>
         <source>There is no such folder.</source>
@@ -780,10 +846,6 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>Hay demasiados archivos abiertos.</translation>
     </message>
     <message>
-        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
-        <translation>%1 ya no existe. Puede que se haya movido, renombrado o eliminado.</translation>
-    </message>
-    <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
         <translation>No tiene permiso para leer %1. Consulte al propietario o cambie los permisos.</translation>
     </message>
@@ -824,7 +886,7 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>No hay memoria suficiente para leer %1.</translation>
     </message>
     <message>
-        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
         <translation>No se puede leer %1: faltan las bibliotecas de FFmpeg en este equipo.</translation>
     </message>
     <message>
@@ -888,7 +950,7 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>No hay memoria suficiente para escribir %1.</translation>
     </message>
     <message>
-        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
         <translation>No se puede escribir %1: faltan las bibliotecas de FFmpeg en este equipo.</translation>
     </message>
     <message>

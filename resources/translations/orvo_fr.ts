@@ -8,64 +8,60 @@
         <translation>&amp;Fichier</translation>
     </message>
     <message>
-        <source>New Recorder</source>
-        <translation>Nouvel enregistreur</translation>
+        <source>&amp;New Recorder</source>
+        <translation>&amp;Nouvel enregistreur</translation>
     </message>
     <message>
-        <source>Open…</source>
-        <translation>Ouvrir…</translation>
+        <source>&amp;Open…</source>
+        <translation>&amp;Ouvrir…</translation>
     </message>
     <message>
-        <source>Open Recent</source>
-        <translation>Fichiers récents</translation>
+        <source>Open &amp;Recent</source>
+        <translation>Fichiers &amp;récents</translation>
     </message>
     <message>
-        <source>Import…</source>
-        <translation>Importer…</translation>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importer…</translation>
     </message>
     <message>
-        <source>Save</source>
-        <translation>Enregistrer</translation>
+        <source>Save &amp;As…</source>
+        <translation>Enregistrer &amp;sous…</translation>
     </message>
     <message>
-        <source>Save As…</source>
-        <translation>Enregistrer sous…</translation>
+        <source>Export Rin&amp;gtone…</source>
+        <translation>E&amp;xporter une sonnerie…</translation>
     </message>
     <message>
-        <source>Export Ringtone…</source>
-        <translation>Exporter une sonnerie…</translation>
+        <source>Export &amp;Waveform Picture…</source>
+        <translation>Exporter l’image de la &amp;forme d’onde…</translation>
     </message>
     <message>
-        <source>Export Waveform Picture…</source>
-        <translation>Exporter l’image de la forme d’onde…</translation>
+        <source>&amp;Close</source>
+        <translation>Fer&amp;mer</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>Fermer</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Quitter</translation>
+        <source>&amp;Quit</source>
+        <translation>&amp;Quitter</translation>
     </message>
     <message>
         <source>&amp;Edit</source>
         <translation>É&amp;dition</translation>
     </message>
     <message>
-        <source>Undo</source>
-        <translation>Annuler</translation>
+        <source>&amp;Undo</source>
+        <translation>&amp;Annuler</translation>
     </message>
     <message>
-        <source>Redo</source>
-        <translation>Rétablir</translation>
+        <source>&amp;Redo</source>
+        <translation>&amp;Rétablir</translation>
     </message>
     <message>
-        <source>Undo %1</source>
-        <translation>Annuler&#xa0;: %1</translation>
+        <source>&amp;Undo %1</source>
+        <translation>&amp;Annuler&#xa0;: %1</translation>
     </message>
     <message>
-        <source>Redo %1</source>
-        <translation>Rétablir&#xa0;: %1</translation>
+        <source>&amp;Redo %1</source>
+        <translation>&amp;Rétablir&#xa0;: %1</translation>
     </message>
     <message>
         <source>Remove After Marker</source>
@@ -132,12 +128,84 @@
         <translation>Aid&amp;e</translation>
     </message>
     <message>
-        <source>Documentation</source>
-        <translation>Documentation</translation>
+        <source>Remove &amp;After Marker</source>
+        <translation>Supprimer a&amp;près le marqueur</translation>
     </message>
     <message>
-        <source>Diagnostics</source>
-        <translation>Diagnostic</translation>
+        <source>Remove &amp;Before Marker</source>
+        <translation>Supprimer a&amp;vant le marqueur</translation>
+    </message>
+    <message>
+        <source>Re&amp;verse Audio</source>
+        <translation>&amp;Inverser l’audio</translation>
+    </message>
+    <message>
+        <source>&amp;About Orvo</source>
+        <translation>À &amp;propos d’Orvo</translation>
+    </message>
+    <message>
+        <source>&amp;Record</source>
+        <translation>&amp;Enregistrement</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>&amp;Lecture</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Arrêt</translation>
+    </message>
+    <message>
+        <source>&amp;To Start</source>
+        <translation>Aller au &amp;début</translation>
+    </message>
+    <message>
+        <source>To &amp;End</source>
+        <translation>Aller à la &amp;fin</translation>
+    </message>
+    <message>
+        <source>&amp;Spectrum</source>
+        <translation>&amp;Spectre</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>&amp;Ouvrir</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>&amp;Importer</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>&amp;Remplacer</translation>
+    </message>
+    <message>
+        <source>Nothing has been reported.</source>
+        <translation>Rien n’a été signalé.</translation>
+    </message>
+    <message>
+        <source>Recording %1</source>
+        <translation>Enregistrement %1</translation>
+    </message>
+    <message>
+        <source>There is no file %1.</source>
+        <translation>Il n’y a pas de fichier %1.</translation>
+    </message>
+    <message>
+        <source>There is no file “%1”.</source>
+        <translation>Il n’y a pas de fichier «&#xa0;%1&#xa0;».</translation>
+    </message>
+    <message>
+        <source>You may not write in the folder %1. Choose another.</source>
+        <translation>Vous n’avez pas le droit d’écrire dans le dossier %1. Choisissez-en un autre.</translation>
+    </message>
+    <message>
+        <source>&amp;Documentation</source>
+        <translation>&amp;Documentation</translation>
+    </message>
+    <message>
+        <source>D&amp;iagnostics</source>
+        <translation>D&amp;iagnostic</translation>
     </message>
     <message>
         <source>About Orvo</source>
@@ -152,8 +220,8 @@
         <translation>Sans titre</translation>
     </message>
     <message>
-        <source>Recovered Recordings…</source>
-        <translation>Enregistrements récupérés…</translation>
+        <source>&amp;Recovered Recordings…</source>
+        <translation>&amp;Enregistrements récupérés…</translation>
     </message>
     <message>
         <source>Recovered Recordings</source>
@@ -206,10 +274,12 @@
     <message>
         <source>Later</source>
         <translation>Plus tard</translation>
+        <source>&amp;Later</source>
+        <translation>Plus &amp;tard</translation>
     </message>
     <message>
-        <source>Delete</source>
-        <translation>Supprimer</translation>
+        <source>&amp;Delete</source>
+        <translation>&amp;Supprimer</translation>
     </message>
     <message>
         <source>Delete for good?</source>
@@ -296,23 +366,23 @@ Un enregistreur audio et éditeur simple.</translation>
         <translation>Tracé de la forme d’onde</translation>
     </message>
     <message>
-        <source>OK</source>
-        <translation>OK</translation>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>Annuler</translation>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
     </message>
     <message>
-        <source>Don't Save</source>
-        <translation>Ne pas enregistrer</translation>
+        <source>Do&amp;n’t Save</source>
+        <translation>Ne &amp;pas enregistrer</translation>
     </message>
     <message>
         <source>Do you want to save the changes made to “%1”?</source>
         <translation>Voulez-vous enregistrer les modifications apportées à «&#xa0;%1&#xa0;»&#xa0;?</translation>
     </message>
     <message>
-        <source>Your changes will be lost if you don't save them.</source>
+        <source>Your changes will be lost if you don’t save them.</source>
         <translation>Vos modifications seront perdues si vous ne les enregistrez pas.</translation>
     </message>
     <message>
@@ -380,8 +450,8 @@ Un enregistreur audio et éditeur simple.</translation>
         <translation>Enregistrer sous</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Enregistrer dans&#xa0;:</translation>
+        <source>Save &amp;in:</source>
+        <translation>Enregistrer &amp;dans&#xa0;:</translation>
     </message>
     <message>
         <source>File &amp;type:</source>
@@ -580,16 +650,16 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Un autre programme a modifié le dossier ou le fichier entre-temps.</translation>
     </message>
     <message>
-        <source>Look in:</source>
-        <translation>Rechercher dans&#xa0;:</translation>
+        <source>&amp;Look in:</source>
+        <translation>&amp;Rechercher dans&#xa0;:</translation>
     </message>
     <message>
         <source>File &amp;name:</source>
         <translation>&amp;Nom du fichier&#xa0;:</translation>
     </message>
     <message>
-        <source>Files of type:</source>
-        <translation>Fichiers de type&#xa0;:</translation>
+        <source>Files of &amp;type:</source>
+        <translation>Fichiers de &amp;type&#xa0;:</translation>
     </message>
     <message>
         <source>Name</source>
@@ -624,10 +694,6 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>En attente d’une réponse du dossier…</translation>
     </message>
     <message>
-        <source>“%1” is not there.</source>
-        <translation>«&#xa0;%1&#xa0;» n’existe pas.</translation>
-    </message>
-    <message>
         <source>The files cannot be shown</source>
         <translation>Les fichiers ne peuvent pas être affichés</translation>
     </message>
@@ -648,8 +714,8 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Vous n’avez pas le droit de créer des fichiers dans son dossier. L’ancien fichier est d’abord copié dans le répertoire temporaire. La copie est conservée si l’écriture échoue.</translation>
     </message>
     <message>
-        <source>Overwrite</source>
-        <translation>Écraser</translation>
+        <source>&amp;Overwrite</source>
+        <translation>É&amp;craser</translation>
     </message>
     <message>
         <source>There is no such folder.</source>
@@ -780,10 +846,6 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Trop de fichiers sont ouverts.</translation>
     </message>
     <message>
-        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
-        <translation>%1 n’existe plus. Le fichier a peut-être été déplacé, renommé ou supprimé.</translation>
-    </message>
-    <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
         <translation>Vous n’êtes pas autorisé à lire %1. Adressez-vous à son propriétaire ou modifiez ses droits d’accès.</translation>
     </message>
@@ -824,7 +886,7 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>La mémoire ne suffit pas pour lire %1.</translation>
     </message>
     <message>
-        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 ne peut pas être lu&#xa0;: les bibliothèques de FFmpeg sont absentes de cet ordinateur.</translation>
     </message>
     <message>
@@ -888,7 +950,7 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>La mémoire ne suffit pas pour écrire %1.</translation>
     </message>
     <message>
-        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 ne peut pas être écrit&#xa0;: les bibliothèques de FFmpeg sont absentes de cet ordinateur.</translation>
     </message>
     <message>

@@ -8,64 +8,60 @@
         <translation>ファイル(&amp;F)</translation>
     </message>
     <message>
-        <source>New Recorder</source>
-        <translation>新規レコーダー</translation>
+        <source>&amp;New Recorder</source>
+        <translation>新規レコーダー(&amp;N)</translation>
     </message>
     <message>
-        <source>Open…</source>
-        <translation>開く…</translation>
+        <source>&amp;Open…</source>
+        <translation>開く(&amp;O)…</translation>
     </message>
     <message>
-        <source>Open Recent</source>
-        <translation>最近使ったファイル</translation>
+        <source>Open &amp;Recent</source>
+        <translation>最近使ったファイル(&amp;R)</translation>
     </message>
     <message>
-        <source>Import…</source>
-        <translation>インポート…</translation>
+        <source>&amp;Import…</source>
+        <translation>インポート(&amp;I)…</translation>
     </message>
     <message>
-        <source>Save</source>
-        <translation>保存</translation>
+        <source>Save &amp;As…</source>
+        <translation>名前を付けて保存(&amp;A)…</translation>
     </message>
     <message>
-        <source>Save As…</source>
-        <translation>名前を付けて保存…</translation>
+        <source>Export Rin&amp;gtone…</source>
+        <translation>着信音をエクスポート(&amp;G)…</translation>
     </message>
     <message>
-        <source>Export Ringtone…</source>
-        <translation>着信音をエクスポート…</translation>
+        <source>Export &amp;Waveform Picture…</source>
+        <translation>波形の画像をエクスポート(&amp;W)…</translation>
     </message>
     <message>
-        <source>Export Waveform Picture…</source>
-        <translation>波形の画像をエクスポート…</translation>
+        <source>&amp;Close</source>
+        <translation>閉じる(&amp;C)</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>閉じる</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>終了</translation>
+        <source>&amp;Quit</source>
+        <translation>終了(&amp;Q)</translation>
     </message>
     <message>
         <source>&amp;Edit</source>
         <translation>編集(&amp;E)</translation>
     </message>
     <message>
-        <source>Undo</source>
-        <translation>元に戻す</translation>
+        <source>&amp;Undo</source>
+        <translation>元に戻す(&amp;U)</translation>
     </message>
     <message>
-        <source>Redo</source>
-        <translation>やり直す</translation>
+        <source>&amp;Redo</source>
+        <translation>やり直す(&amp;R)</translation>
     </message>
     <message>
-        <source>Undo %1</source>
-        <translation>元に戻す: %1</translation>
+        <source>&amp;Undo %1</source>
+        <translation>元に戻す(&amp;U): %1</translation>
     </message>
     <message>
-        <source>Redo %1</source>
-        <translation>やり直す: %1</translation>
+        <source>&amp;Redo %1</source>
+        <translation>やり直す(&amp;R): %1</translation>
     </message>
     <message>
         <source>Remove After Marker</source>
@@ -132,12 +128,84 @@
         <translation>ヘルプ(&amp;H)</translation>
     </message>
     <message>
-        <source>Documentation</source>
-        <translation>ドキュメント</translation>
+        <source>Remove &amp;After Marker</source>
+        <translation>マーカーより後を削除(&amp;A)</translation>
     </message>
     <message>
-        <source>Diagnostics</source>
-        <translation>診断</translation>
+        <source>Remove &amp;Before Marker</source>
+        <translation>マーカーより前を削除(&amp;B)</translation>
+    </message>
+    <message>
+        <source>Re&amp;verse Audio</source>
+        <translation>オーディオを前後反転(&amp;V)</translation>
+    </message>
+    <message>
+        <source>&amp;About Orvo</source>
+        <translation>Orvo について(&amp;A)</translation>
+    </message>
+    <message>
+        <source>&amp;Record</source>
+        <translation>録音(&amp;R)</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>再生(&amp;P)</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>停止(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;To Start</source>
+        <translation>先頭へ(&amp;T)</translation>
+    </message>
+    <message>
+        <source>To &amp;End</source>
+        <translation>末尾へ(&amp;E)</translation>
+    </message>
+    <message>
+        <source>&amp;Spectrum</source>
+        <translation>スペクトラム(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>開く(&amp;O)</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>インポート(&amp;I)</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>置き換え(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Nothing has been reported.</source>
+        <translation>報告はありません。</translation>
+    </message>
+    <message>
+        <source>Recording %1</source>
+        <translation>録音 %1</translation>
+    </message>
+    <message>
+        <source>There is no file %1.</source>
+        <translation>ファイル%1はありません。</translation>
+    </message>
+    <message>
+        <source>There is no file “%1”.</source>
+        <translation>ファイル「%1」はありません。</translation>
+    </message>
+    <message>
+        <source>You may not write in the folder %1. Choose another.</source>
+        <translation>フォルダー%1に書き込む権限がありません。別のフォルダーを選んでください。</translation>
+    </message>
+    <message>
+        <source>&amp;Documentation</source>
+        <translation>ドキュメント(&amp;D)</translation>
+    </message>
+    <message>
+        <source>D&amp;iagnostics</source>
+        <translation>診断(&amp;I)</translation>
     </message>
     <message>
         <source>About Orvo</source>
@@ -152,8 +220,8 @@
         <translation>名称未設定</translation>
     </message>
     <message>
-        <source>Recovered Recordings…</source>
-        <translation>復元された録音…</translation>
+        <source>&amp;Recovered Recordings…</source>
+        <translation>復元された録音(&amp;R)…</translation>
     </message>
     <message>
         <source>Recovered Recordings</source>
@@ -206,10 +274,12 @@
     <message>
         <source>Later</source>
         <translation>後で</translation>
+        <source>&amp;Later</source>
+        <translation>後で(&amp;L)</translation>
     </message>
     <message>
-        <source>Delete</source>
-        <translation>削除</translation>
+        <source>&amp;Delete</source>
+        <translation>削除(&amp;D)</translation>
     </message>
     <message>
         <source>Delete for good?</source>
@@ -296,23 +366,23 @@ An audio recorder and simple editor.</source>
         <translation>波形を描画中</translation>
     </message>
     <message>
-        <source>OK</source>
-        <translation>OK</translation>
+        <source>&amp;OK</source>
+        <translation>OK(&amp;O)</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>キャンセル</translation>
+        <source>&amp;Cancel</source>
+        <translation>キャンセル(&amp;C)</translation>
     </message>
     <message>
-        <source>Don't Save</source>
-        <translation>保存しない</translation>
+        <source>Do&amp;n’t Save</source>
+        <translation>保存しない(&amp;N)</translation>
     </message>
     <message>
         <source>Do you want to save the changes made to “%1”?</source>
         <translation>「%1」への変更を保存しますか？</translation>
     </message>
     <message>
-        <source>Your changes will be lost if you don't save them.</source>
+        <source>Your changes will be lost if you don’t save them.</source>
         <translation>保存しないと、変更内容は失われます。</translation>
     </message>
     <message>
@@ -380,8 +450,8 @@ An audio recorder and simple editor.</source>
         <translation>名前を付けて保存</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>保存先:</translation>
+        <source>Save &amp;in:</source>
+        <translation>保存先(&amp;I):</translation>
     </message>
     <message>
         <source>File &amp;type:</source>
@@ -580,16 +650,16 @@ Everything recorded before is kept.</source>
         <translation>その間に別のプログラムがフォルダーまたはファイルを変更しました。</translation>
     </message>
     <message>
-        <source>Look in:</source>
-        <translation>場所:</translation>
+        <source>&amp;Look in:</source>
+        <translation>場所(&amp;L):</translation>
     </message>
     <message>
         <source>File &amp;name:</source>
         <translation>ファイル名(&amp;N):</translation>
     </message>
     <message>
-        <source>Files of type:</source>
-        <translation>表示する種類:</translation>
+        <source>Files of &amp;type:</source>
+        <translation>表示する種類(&amp;T):</translation>
     </message>
     <message>
         <source>Name</source>
@@ -624,10 +694,6 @@ Everything recorded before is kept.</source>
         <translation>フォルダーの応答を待っています…</translation>
     </message>
     <message>
-        <source>“%1” is not there.</source>
-        <translation>「%1」がありません。</translation>
-    </message>
-    <message>
         <source>The files cannot be shown</source>
         <translation>ファイルを表示できません</translation>
     </message>
@@ -648,8 +714,8 @@ Everything recorded before is kept.</source>
         <translation>このフォルダーにファイルを作成する権限がありません。元のファイルは先に一時ディレクトリにコピーされます。書き込みに失敗した場合、そのコピーは残ります。</translation>
     </message>
     <message>
-        <source>Overwrite</source>
-        <translation>上書き</translation>
+        <source>&amp;Overwrite</source>
+        <translation>上書き(&amp;O)</translation>
     </message>
     <message>
         <source>There is no such folder.</source>
@@ -780,10 +846,6 @@ Everything recorded before is kept.</source>
         <translation>開いているファイルが多すぎます。</translation>
     </message>
     <message>
-        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
-        <translation>%1 はなくなっています。移動、名前の変更、または削除された可能性があります。</translation>
-    </message>
-    <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
         <translation>%1 を読み取る権限がありません。所有者に問い合わせるか、アクセス権を変更してください。</translation>
     </message>
@@ -824,7 +886,7 @@ Everything recorded before is kept.</source>
         <translation>メモリが足りないため、%1 を読み取れませんでした。</translation>
     </message>
     <message>
-        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 を読み取れません。このコンピューターに FFmpeg のライブラリがありません。</translation>
     </message>
     <message>
@@ -888,7 +950,7 @@ Everything recorded before is kept.</source>
         <translation>メモリが足りないため、%1 を書き込めませんでした。</translation>
     </message>
     <message>
-        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 を書き込めません。このコンピューターに FFmpeg のライブラリがありません。</translation>
     </message>
     <message>

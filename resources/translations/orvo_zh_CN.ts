@@ -8,64 +8,60 @@
         <translation>文件(&amp;F)</translation>
     </message>
     <message>
-        <source>New Recorder</source>
-        <translation>新建录音机</translation>
+        <source>&amp;New Recorder</source>
+        <translation>新建录音机(&amp;N)</translation>
     </message>
     <message>
-        <source>Open…</source>
-        <translation>打开…</translation>
+        <source>&amp;Open…</source>
+        <translation>打开(&amp;O)…</translation>
     </message>
     <message>
-        <source>Open Recent</source>
-        <translation>最近打开的文件</translation>
+        <source>Open &amp;Recent</source>
+        <translation>最近打开的文件(&amp;R)</translation>
     </message>
     <message>
-        <source>Import…</source>
-        <translation>导入…</translation>
+        <source>&amp;Import…</source>
+        <translation>导入(&amp;I)…</translation>
     </message>
     <message>
-        <source>Save</source>
-        <translation>保存</translation>
+        <source>Save &amp;As…</source>
+        <translation>另存为(&amp;A)…</translation>
     </message>
     <message>
-        <source>Save As…</source>
-        <translation>另存为…</translation>
+        <source>Export Rin&amp;gtone…</source>
+        <translation>导出铃声(&amp;G)…</translation>
     </message>
     <message>
-        <source>Export Ringtone…</source>
-        <translation>导出铃声…</translation>
+        <source>Export &amp;Waveform Picture…</source>
+        <translation>导出波形图片(&amp;W)…</translation>
     </message>
     <message>
-        <source>Export Waveform Picture…</source>
-        <translation>导出波形图片…</translation>
+        <source>&amp;Close</source>
+        <translation>关闭(&amp;C)</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>关闭</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>退出</translation>
+        <source>&amp;Quit</source>
+        <translation>退出(&amp;Q)</translation>
     </message>
     <message>
         <source>&amp;Edit</source>
         <translation>编辑(&amp;E)</translation>
     </message>
     <message>
-        <source>Undo</source>
-        <translation>撤销</translation>
+        <source>&amp;Undo</source>
+        <translation>撤销(&amp;U)</translation>
     </message>
     <message>
-        <source>Redo</source>
-        <translation>重做</translation>
+        <source>&amp;Redo</source>
+        <translation>重做(&amp;R)</translation>
     </message>
     <message>
-        <source>Undo %1</source>
-        <translation>撤销：%1</translation>
+        <source>&amp;Undo %1</source>
+        <translation>撤销(&amp;U)：%1</translation>
     </message>
     <message>
-        <source>Redo %1</source>
-        <translation>重做：%1</translation>
+        <source>&amp;Redo %1</source>
+        <translation>重做(&amp;R)：%1</translation>
     </message>
     <message>
         <source>Remove After Marker</source>
@@ -132,12 +128,84 @@
         <translation>帮助(&amp;H)</translation>
     </message>
     <message>
-        <source>Documentation</source>
-        <translation>文档</translation>
+        <source>Remove &amp;After Marker</source>
+        <translation>删除标记之后的内容(&amp;A)</translation>
     </message>
     <message>
-        <source>Diagnostics</source>
-        <translation>诊断</translation>
+        <source>Remove &amp;Before Marker</source>
+        <translation>删除标记之前的内容(&amp;B)</translation>
+    </message>
+    <message>
+        <source>Re&amp;verse Audio</source>
+        <translation>反转音频(&amp;V)</translation>
+    </message>
+    <message>
+        <source>&amp;About Orvo</source>
+        <translation>关于 Orvo(&amp;A)</translation>
+    </message>
+    <message>
+        <source>&amp;Record</source>
+        <translation>录音(&amp;R)</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>播放(&amp;P)</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>停止(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;To Start</source>
+        <translation>转到开头(&amp;T)</translation>
+    </message>
+    <message>
+        <source>To &amp;End</source>
+        <translation>转到末尾(&amp;E)</translation>
+    </message>
+    <message>
+        <source>&amp;Spectrum</source>
+        <translation>频谱(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>打开(&amp;O)</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>导入(&amp;I)</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>替换(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Nothing has been reported.</source>
+        <translation>没有任何报告。</translation>
+    </message>
+    <message>
+        <source>Recording %1</source>
+        <translation>录音 %1</translation>
+    </message>
+    <message>
+        <source>There is no file %1.</source>
+        <translation>没有文件%1。</translation>
+    </message>
+    <message>
+        <source>There is no file “%1”.</source>
+        <translation>没有文件“%1”。</translation>
+    </message>
+    <message>
+        <source>You may not write in the folder %1. Choose another.</source>
+        <translation>您无权写入文件夹%1。请选择其他文件夹。</translation>
+    </message>
+    <message>
+        <source>&amp;Documentation</source>
+        <translation>文档(&amp;D)</translation>
+    </message>
+    <message>
+        <source>D&amp;iagnostics</source>
+        <translation>诊断(&amp;I)</translation>
     </message>
     <message>
         <source>About Orvo</source>
@@ -152,8 +220,8 @@
         <translation>未命名</translation>
     </message>
     <message>
-        <source>Recovered Recordings…</source>
-        <translation>恢复的录音…</translation>
+        <source>&amp;Recovered Recordings…</source>
+        <translation>恢复的录音(&amp;R)…</translation>
     </message>
     <message>
         <source>Recovered Recordings</source>
@@ -206,10 +274,12 @@
     <message>
         <source>Later</source>
         <translation>稍后</translation>
+        <source>&amp;Later</source>
+        <translation>稍后(&amp;L)</translation>
     </message>
     <message>
-        <source>Delete</source>
-        <translation>删除</translation>
+        <source>&amp;Delete</source>
+        <translation>删除(&amp;D)</translation>
     </message>
     <message>
         <source>Delete for good?</source>
@@ -296,23 +366,23 @@ An audio recorder and simple editor.</source>
         <translation>正在绘制波形</translation>
     </message>
     <message>
-        <source>OK</source>
-        <translation>确定</translation>
+        <source>&amp;OK</source>
+        <translation>确定(&amp;O)</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>取消</translation>
+        <source>&amp;Cancel</source>
+        <translation>取消(&amp;C)</translation>
     </message>
     <message>
-        <source>Don't Save</source>
-        <translation>不保存</translation>
+        <source>Do&amp;n’t Save</source>
+        <translation>不保存(&amp;N)</translation>
     </message>
     <message>
         <source>Do you want to save the changes made to “%1”?</source>
         <translation>要保存对“%1”所做的更改吗？</translation>
     </message>
     <message>
-        <source>Your changes will be lost if you don't save them.</source>
+        <source>Your changes will be lost if you don’t save them.</source>
         <translation>如果不保存，您的更改将会丢失。</translation>
     </message>
     <message>
@@ -380,8 +450,8 @@ An audio recorder and simple editor.</source>
         <translation>另存为</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>保存位置：</translation>
+        <source>Save &amp;in:</source>
+        <translation>保存位置(&amp;I)：</translation>
     </message>
     <message>
         <source>File &amp;type:</source>
@@ -580,16 +650,16 @@ Everything recorded before is kept.</source>
         <translation>其间另一个程序更改了文件夹或文件。</translation>
     </message>
     <message>
-        <source>Look in:</source>
-        <translation>查找位置：</translation>
+        <source>&amp;Look in:</source>
+        <translation>查找位置(&amp;L)：</translation>
     </message>
     <message>
         <source>File &amp;name:</source>
         <translation>文件名(&amp;N)：</translation>
     </message>
     <message>
-        <source>Files of type:</source>
-        <translation>显示类型：</translation>
+        <source>Files of &amp;type:</source>
+        <translation>显示类型(&amp;T)：</translation>
     </message>
     <message>
         <source>Name</source>
@@ -624,10 +694,6 @@ Everything recorded before is kept.</source>
         <translation>正在等待文件夹响应…</translation>
     </message>
     <message>
-        <source>“%1” is not there.</source>
-        <translation>“%1”不存在。</translation>
-    </message>
-    <message>
         <source>The files cannot be shown</source>
         <translation>无法显示文件</translation>
     </message>
@@ -648,8 +714,8 @@ Everything recorded before is kept.</source>
         <translation>您无权在其文件夹中创建文件。旧文件会先复制到临时目录。如果写入失败，该副本将保留。</translation>
     </message>
     <message>
-        <source>Overwrite</source>
-        <translation>覆盖</translation>
+        <source>&amp;Overwrite</source>
+        <translation>覆盖(&amp;O)</translation>
     </message>
     <message>
         <source>There is no such folder.</source>
@@ -780,10 +846,6 @@ Everything recorded before is kept.</source>
         <translation>打开的文件过多。</translation>
     </message>
     <message>
-        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
-        <translation>%1 已不存在，可能已被移动、重命名或删除。</translation>
-    </message>
-    <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
         <translation>您无权读取 %1。请联系其所有者或更改其权限。</translation>
     </message>
@@ -824,7 +886,7 @@ Everything recorded before is kept.</source>
         <translation>内存不足，无法读取 %1。</translation>
     </message>
     <message>
-        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
         <translation>无法读取 %1：这台计算机上缺少 FFmpeg 的库。</translation>
     </message>
     <message>
@@ -888,7 +950,7 @@ Everything recorded before is kept.</source>
         <translation>内存不足，无法写入 %1。</translation>
     </message>
     <message>
-        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
         <translation>无法写入 %1：这台计算机上缺少 FFmpeg 的库。</translation>
     </message>
     <message>

@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "platform/base/AudioTypes.h"
+#include "platform/desktop/MessageBox.h"
 #include "platform/mainloop/Localization.h"
 
 using platform::localized;
@@ -80,10 +81,7 @@ OVRecoveredPanel::OVRecoveredPanel(Occasion occasion, Commands commands)
 
 QLayout* OVRecoveredPanel::makeHeading() {
   auto* const icon = new QLabel;
-  const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
-  icon->setPixmap(style()
-                      ->standardIcon(QStyle::SP_MessageBoxInformation, nullptr, this)
-                      .pixmap(QSize(size, size), devicePixelRatioF()));
+  icon->setPixmap(platform::programPicture(*this));
   heading_->setObjectName("recoveredHeading");
   heading_->setWordWrap(true);
   heading_->setMinimumWidth(kMinimumTextWidth);
@@ -108,11 +106,11 @@ void OVRecoveredPanel::makeList() {
 }
 
 void OVRecoveredPanel::makeButtons() {
-  open_ = buttons_->addButton(localized("Open"), QDialogButtonBox::AcceptRole);
-  later_ =
-      buttons_->addButton(occasion_ == Occasion::command ? localized("Close") : localized("Later"),
-                          QDialogButtonBox::RejectRole);
-  delete_ = buttons_->addButton(localized("Delete"), QDialogButtonBox::DestructiveRole);
+  open_ = buttons_->addButton(localized("&Open"), QDialogButtonBox::AcceptRole);
+  later_ = buttons_->addButton(
+      occasion_ == Occasion::command ? localized("&Close") : localized("&Later"),
+      QDialogButtonBox::RejectRole);
+  delete_ = buttons_->addButton(localized("&Delete"), QDialogButtonBox::DestructiveRole);
   open_->setObjectName("openRecovered");
   later_->setObjectName("recoveredLater");
   delete_->setObjectName("deleteRecovered");

@@ -247,8 +247,8 @@ void OVRecoveredRecordings::askToDelete(const Paths& paths) {
        .title = localized("Delete for good?"),
        .message =
            localized("Recordings to be deleted: %1. This cannot be undone.").arg(paths.size()),
-       .buttons = {{localized("Cancel"), platform::FileDialogs::kNoAnswer, Role::reject},
-                   {localized("Delete"), kDelete, Role::destructive}}},
+       .buttons = {{localized("&Cancel"), platform::FileDialogs::kNoAnswer, Role::reject},
+                   {localized("&Delete"), kDelete, Role::destructive}}},
       [life = std::weak_ptr(life_), paths](int answer) {
         const auto alive = life.lock();
         if (alive && answer == kDelete) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <iterator>
 #include <utility>
 
@@ -32,6 +33,14 @@ constexpr std::size_t kDescriptorsOfAWindow = 64;
 
 std::shared_ptr<VLRecorderWindowController> documentOf(const OVRecorderWindow& window) {
   return std::dynamic_pointer_cast<VLRecorderWindowController>(window.delegate());
+}
+
+// Of the file of a window's document; empty for none.
+std::string folderOfDocument(const QWidget* window) {
+  const auto* const recorder = qobject_cast<const OVRecorderWindow*>(window);
+  const auto document = recorder != nullptr ? documentOf(*recorder) : nullptr;
+  return document ? std::filesystem::path(document->currentFilename()).parent_path().string()
+                  : std::string();
 }
 
 }  // namespace
@@ -198,7 +207,8 @@ bool VelmarAppDelegate::mayAskNow() const {
 void VelmarAppDelegate::openFile(QWidget* window) {
   platform::fileDialogs()->beginOpenPanel({.window = window,
                                            .title = platform::localized("Open"),
-                                           .acceptLabel = platform::localized("Open"),
+                                           .acceptLabel = platform::localized("&Open"),
+                                           .directory = folderOfDocument(window),
                                            .allowsMultipleSelection = true,
                                            .fileTypes = readableFileTypes()},
                                           [this](const std::vector<std::string>& paths) {

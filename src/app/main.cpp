@@ -5,7 +5,6 @@
 
 #include <QApplication>
 #include <QDBusConnection>
-#include <QIcon>
 #include <QLocale>
 #include <QSessionManager>
 
@@ -21,6 +20,7 @@
 #include "platform/desktop/DesktopColours.h"
 #include "platform/desktop/FileUri.h"
 #include "platform/desktop/GLibRecentDocuments.h"
+#include "platform/desktop/MessageBox.h"
 #include "platform/desktop/QtDesktopServices.h"
 #include "platform/desktop/QtFileDialogs.h"
 #include "platform/files/Descriptors.h"
@@ -56,14 +56,6 @@ std::vector<std::string> filesOf(int argc, char** argv) {
   return paths;
 }
 
-QIcon programIcon() {
-  QIcon icon;
-  for (const int size : {16, 32, 48, 64, 128, 256}) {
-    icon.addFile(QStringLiteral(":/images/orvo-%1.png").arg(size));
-  }
-  return icon;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -80,7 +72,7 @@ int main(int argc, char** argv) {
   queues->prepareInput(firstWindowShown.get_future());
   const platform::Installed<platform::AudioQueues>::Scope installedQueues(queues);
   const platform::Installed<platform::FileDialogs>::Scope installedDialogs(
-      std::make_shared<platform::QtFileDialogs>());
+      std::make_shared<platform::QtFileDialogs>(&QDBusConnection::sessionBus));
   const platform::Installed<platform::DesktopServices>::Scope installedDesktop(
       std::make_shared<platform::QtDesktopServices>());
   const platform::Installed<platform::SleepInhibitor>::Scope installedSleepInhibitor(
@@ -117,7 +109,7 @@ int main(int argc, char** argv) {
   const OVFirstWindowWatcher firstWindow([&] {
     firstWindowShown.set_value();
     keeper.start();
-    QApplication::setWindowIcon(programIcon());
+    QApplication::setWindowIcon(platform::programIcon());
     colours = std::make_unique<platform::DesktopColours>(QDBusConnection::sessionBus());
     // Needed for the first file or spectrum; loaded now that the window is shown.
     platform::globalQueue().async([] { static_cast<void>(platform::ffmpegModule()); });

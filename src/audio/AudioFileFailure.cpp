@@ -25,8 +25,7 @@ struct Sentence {
 constexpr platform::AudioStatus kAnyOther = platform::kAudioStatusOk;
 
 constexpr std::array kOpening{
-    Sentence{platform::kFileNotFoundStatus,
-             textKey("%1 is no longer there. It may have been moved, renamed or deleted.")},
+    Sentence{platform::kFileNotFoundStatus, textKey("There is no file %1.")},
     Sentence{platform::kFilePermissionStatus,
              textKey("You are not allowed to read %1. Ask its owner, or change its permissions.")},
     Sentence{platform::kFolderStatus, textKey("%1 is a folder. Choose a sound file inside it.")},
@@ -47,7 +46,7 @@ constexpr std::array kOpening{
             "%1 could not be opened, because too many files are open. Close some windows first.")},
     Sentence{platform::kOutOfMemoryStatus, textKey("There was not enough memory to read %1.")},
     Sentence{platform::kFfmpegMissingStatus,
-             textKey("%1 cannot be read: FFmpeg's libraries are missing on this computer.")},
+             textKey("%1 cannot be read: FFmpeg’s libraries are missing on this computer.")},
     Sentence{kAnyOther, textKey("%1 is not a sound file that can be read, or it is damaged.")},
 };
 
@@ -90,7 +89,7 @@ constexpr std::array kWriting{
             "%1 could not be written, because too many files are open. Close some windows first.")},
     Sentence{platform::kOutOfMemoryStatus, textKey("There was not enough memory to write %1.")},
     Sentence{platform::kFfmpegMissingStatus,
-             textKey("%1 cannot be written: FFmpeg's libraries are missing on this computer.")},
+             textKey("%1 cannot be written: FFmpeg’s libraries are missing on this computer.")},
     Sentence{platform::kUnsupportedDataFormatStatus,
              textKey("%1 cannot be written as a file of this kind.")},
     Sentence{platform::kUnsupportedFileTypeStatus,
@@ -131,6 +130,16 @@ std::string readingFailureReason(platform::AudioStatus status, const std::string
   return reasonIn(kReading, status, path);
 }
 
+std::string closedFolderReason(const std::string& folder) {
+  return localized("You may not write in the folder %1. Choose another.")
+      .arg(QString::fromStdString(shownFileName(folder)))
+      .toStdString();
+}
+
 std::string writingFailureReason(platform::AudioStatus status, const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  if (status == platform::kFilePermissionStatus && slash != std::string::npos) {
+    return closedFolderReason(path.substr(0, slash + 1));
+  }
   return reasonIn(kWriting, status, path);
 }

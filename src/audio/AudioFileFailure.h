@@ -27,3 +27,6 @@
 /// For a file that could not be written or finished.
 [[nodiscard]] std::string writingFailureReason(platform::AudioStatus status,
                                                const std::string& path);
+
+/// For a file that could not be made because the user may not write in its folder.
+[[nodiscard]] std::string closedFolderReason(const std::string& folder);

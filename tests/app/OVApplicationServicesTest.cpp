@@ -130,7 +130,9 @@ TEST_F(OVApplicationServicesTest, AnAlertHasItsTwoTextsOneButtonAndTheWholeAppli
     EXPECT_EQ(alert.text(), "Title");
     EXPECT_EQ(alert.informativeText(), "Message");
     ASSERT_THAT(alert.buttons(), SizeIs(1));
-    EXPECT_EQ(alert.buttons().front()->text().remove('&'), "OK");
+    EXPECT_EQ(alert.buttons().front()->text(), "&OK");
+    EXPECT_TRUE(alert.buttons().front()->icon().isNull());
+    EXPECT_TRUE(alert.findChild<QLabel*>("qt_msgbox_label")->font().bold());
     EXPECT_EQ(alert.windowModality(), Qt::ApplicationModal);
   });
   services_->showModalAlert("Title", "Message");

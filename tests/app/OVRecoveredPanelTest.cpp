@@ -85,7 +85,7 @@ TEST_F(OVRecoveredPanelTest, TheQuestionSaysWhatHappenedAndWhatWasKept) {
       QLocale().toString(fileOf("/a.caf").start, QLocale::ShortFormat).toStdString();
   EXPECT_THAT(textsOfRow(0), ElementsAre(start, "12 min 31 s", "Complete"));
   EXPECT_THAT(textsOfRow(1), ElementsAre(start, "8 s", "Damaged"));
-  EXPECT_EQ(button("recoveredLater")->text(), "Later");
+  EXPECT_EQ(button("recoveredLater")->text(), "&Later");
 }
 
 TEST_F(OVRecoveredPanelTest, TheListSaysThatThereIsNothing) {
@@ -94,7 +94,7 @@ TEST_F(OVRecoveredPanelTest, TheListSaysThatThereIsNothing) {
   EXPECT_FALSE(list()->isVisible());
   EXPECT_FALSE(button("openRecovered")->isEnabled());
   EXPECT_FALSE(button("deleteRecovered")->isEnabled());
-  EXPECT_EQ(button("recoveredLater")->text(), "Close");
+  EXPECT_EQ(button("recoveredLater")->text(), "&Close");
   EXPECT_TRUE(button("recoveredLater")->isDefault());
 }
 

@@ -46,7 +46,8 @@ TEST_F(SavingTest, ANewDocumentAsksWhereToSave) {
   fill(ramp(100));
   document_->saveFile(nullptr);
   ASSERT_EQ(panels_->savePanels(), 1U);
-  EXPECT_EQ(panels_->savePanel().suggestedName, "Unnamed");
+  EXPECT_THAT(panels_->savePanel().suggestedName, testing::StartsWith("Recording 2"));
+  EXPECT_THAT(panels_->savePanel().fileTypes, testing::Contains("wav"));
   EXPECT_THAT(panels_->savePanel().acceptedSuffixes(), ElementsAre("wav"));
   chooseType(1);
   EXPECT_THAT(panels_->savePanel().acceptedSuffixes(), ElementsAre("aiff", "aif"));

@@ -112,10 +112,10 @@ std::vector<BadFile> badFiles() {
   add({"Device", "null.wav",
        [](const std::string& path) { ASSERT_EQ(::symlink("/dev/zero", path.c_str()), 0); }, 0,
        "is not an ordinary file"});
-  add({"Missing", "gone.wav", [](const std::string&) {}, 0, "“gone.wav” is no longer there."});
+  add({"Missing", "gone.wav", [](const std::string&) {}, 0, "There is no file “gone.wav”."});
   add({"LinkToNowhere", "link.wav",
        [](const std::string& path) { ASSERT_EQ(::symlink("/no/such", path.c_str()), 0); }, 0,
-       "“link.wav” is no longer there."});
+       "There is no file “link.wav”."});
   add({"LinkToItself", "link.wav",
        [](const std::string& path) { ASSERT_EQ(::symlink(path.c_str(), path.c_str()), 0); }, 0,
        "link.wav"});

@@ -107,7 +107,7 @@ TranslationFile translationsInto(const QString& language) {
 
 TEST(LanguagesTest, SourcesTextsAndLanguagesAreFound) {
   EXPECT_THAT(sources(), Contains(kRoot / "src" / "app" / "main.cpp"));
-  EXPECT_TRUE(allKeys().contains("Save"));
+  EXPECT_TRUE(allKeys().contains("&Save"));
   EXPECT_TRUE(languages().contains("de"));
 }
 
@@ -130,11 +130,19 @@ TEST(LanguagesTest, EveryTextOfTheInterfaceFilesIsTranslated) {
 
 TEST(LanguagesTest, TextsOfEveryKindAreKnown) {
   const auto keys = allKeys();
-  for (const char* key : {"Unnamed", "&File", "Progress", "The disk is full.", "Undo %1",
+  for (const char* key : {"Unnamed", "&File", "Progress", "The disk is full.", "&Undo %1",
                           "Core Audio returned the error: %s (%s)", "Waveform"}) {
     EXPECT_THAT(keys, Contains(QString(key)));
   }
   EXPECT_GT(keys.size(), 120U);
+}
+
+TEST(LanguagesTest, EnglishHasOneKindOfApostropheAndOfQuotationMarks) {
+  for (const QString& key : allKeys()) {
+    if (key != QLatin1String("this shouldn't happen. contact ")) {  // a given text
+      EXPECT_FALSE(key.contains(u'\'') || key.contains(u'"')) << key.toStdString();
+    }
+  }
 }
 
 TEST(LanguagesTest, GermanFrenchSpanishJapaneseAndSimplifiedChineseAreThere) {

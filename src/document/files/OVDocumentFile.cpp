@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <utility>
 
+#include <QDateTime>
+
 #include "audio/AudioFileFailure.h"
 #include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
@@ -13,6 +15,13 @@ using platform::localized;
 namespace {
 
 constexpr std::int32_t kUsualType = 0;  // WAV
+
+// The same in every region, so that names sort by time; a colon is no part of a name everywhere.
+std::string nameOfNewTake() {
+  return localized("Recording %1")
+      .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH.mm")))
+      .toStdString();
+}
 
 }  // namespace
 
@@ -62,7 +71,7 @@ std::string OVDocumentFile::suggestedName() const {
   if (!currentFilename_.empty()) {
     return nameWithoutSuffix(currentFilename_);
   }
-  return suggestedWithoutFile_.empty() ? platform::localizedUtf8("Unnamed") : suggestedWithoutFile_;
+  return suggestedWithoutFile_.empty() ? nameOfNewTake() : suggestedWithoutFile_;
 }
 
 std::int32_t OVDocumentFile::suggestedType() const {

@@ -53,7 +53,8 @@ class OVDocumentFile {
 
   /// The file's display name; without a file, the document's own or "Unnamed".
   [[nodiscard]] QString shownName() const;
-  /// The name that a panel suggests, without the suffix.
+  /// The name that a panel suggests, without the suffix: the file's, or for a new take one with the
+  /// present date and time, "Recording 2026-11-21 14.02".
   [[nodiscard]] std::string suggestedName() const;
   /// The kind that a panel suggests: the file's own if it can be written, otherwise WAV.
   [[nodiscard]] std::int32_t suggestedType() const;

@@ -81,7 +81,8 @@ void OVFileLoading::chooseImport() {
     return document.lock() ? importPlace() : OVImportPlace();
   });
   parts_.panels.open({.title = localized("Import"),
-                      .acceptLabel = localized("Import"),
+                      .acceptLabel = localized("&Import"),
+                      .directory = parts_.file.folder(),
                       .allowsMultipleSelection = false,
                       .fileTypes = readableFileTypes(),
                       .accessoryView = label,

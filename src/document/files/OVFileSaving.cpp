@@ -9,6 +9,7 @@
 #include <QLocale>
 #include <QUrl>
 
+#include "audio/AudioFileFailure.h"
 #include "audio/OVAudioFileWriter.h"
 #include "audio/OVFileKinds.h"
 #include "document/display/OVDisplayLoop.h"
@@ -62,7 +63,9 @@ void tellGaps(const std::string& path, double seconds, bool saved) {
 }
 
 std::string reasonOf(const OVSaveJob::Outcome& outcome) {
-  const std::string reason = platform::failureReason(outcome.error);
+  const std::string reason = outcome.closedFolder.empty()
+                                 ? platform::failureReason(outcome.error)
+                                 : closedFolderReason(outcome.closedFolder);
   return outcome.copyOfOldFile.empty()
              ? reason
              : reason + ' ' +
@@ -103,6 +106,7 @@ bool OVFileSaving::saveAs() {
       {.title = localized("Save As"),
        .directory = parts_.file.folder(),
        .suggestedName = parts_.file.suggestedName(),
+       .fileTypes = readableFileTypes(),
        .accessoryView = accessory.view(),
        .acceptedSuffixes = [accessory] { return suffixesOfType(accessory.chosenType()); },
        .lossOfReplacing = lossOfReplacing},
@@ -142,6 +146,7 @@ void OVFileSaving::exportRingtone() {
   parts_.panels.save({.title = localized("Export Ringtone"),
                       .directory = parts_.file.folder(),
                       .suggestedName = parts_.file.suggestedName(),
+                      .fileTypes = readableFileTypes(),
                       .accessoryView = rule,
                       .acceptedSuffixes = [] { return std::vector<std::string>{kRingtoneSuffix}; },
                       .lossOfReplacing = lossOfReplacing},
@@ -242,8 +247,8 @@ void OVFileSaving::askToWriteInPlace(const Request& request) {
       {.title = sentenceWithName(textKey("%1 can only be overwritten"), request.job.path),
        .message = localized("You may not make files in its folder. The old file is copied to the "
                             "temporary directory first. The copy is kept if writing fails."),
-       .buttons = {{localized("Overwrite"), kOverwrite, Role::destructive},
-                   {localized("Cancel"), kKeepOldFile, Role::reject}}},
+       .buttons = {{localized("&Overwrite"), kOverwrite, Role::destructive},
+                   {localized("&Cancel"), kKeepOldFile, Role::reject}}},
       [this, request](int answer) {
         if (answer == kOverwrite && !parts_.operation.isActive()) {
           Request inPlace = request;

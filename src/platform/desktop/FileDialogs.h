@@ -18,6 +18,8 @@ struct OpenPanelRequest {
   QPointer<QWidget> window = nullptr;  ///< the window that it blocks; null for none
   QString title;
   QString acceptLabel;  ///< title of the default button
+  /// Initial folder; empty for the last panel's.
+  std::string directory = {};
   bool allowsMultipleSelection = false;
   std::vector<std::string> fileTypes;  ///< suffixes without the dot, most common first
 
@@ -31,8 +33,10 @@ struct OpenPanelRequest {
 struct SavePanelRequest {
   QPointer<QWidget> window = nullptr;
   QString title;
-  std::string directory;      ///< initial directory; empty for the last panel's
+  std::string directory;      ///< initial folder; empty for the last panel's
   std::string suggestedName;  ///< without the suffix, which acceptedSuffixes provides
+  /// Suffixes, without the dot, of the files that are listed; if empty, those accepted.
+  std::vector<std::string> fileTypes = {};
 
   /// Shown below the files; the panel takes ownership. Null for none.
   QWidget* accessoryView = nullptr;

@@ -27,7 +27,7 @@ namespace platform {
 namespace {
 
 constexpr std::chrono::milliseconds kShortWait{400};
-constexpr QSize kUsualSize(640, 440);
+constexpr QSize kMinimumSize(760, 480);  // wide enough for whole names, sizes and dates
 
 QString shown(const std::string& path) {
   return QString::fromStdString(path);
@@ -88,7 +88,8 @@ FilePanel::FilePanel(QWidget* window, const QString& title, const QString& lookI
   makeFolderRow(lookIn);
   makeList(selection);
   makeNameRow();
-  resize(kUsualSize);
+  setMinimumSize(kMinimumSize);
+  resize(kMinimumSize);
   waitTimer_.setSingleShot(true);
   waitTimer_.setInterval(kShortWait);
   connect(&waitTimer_, &QTimer::timeout, this, [this] {
@@ -190,7 +191,8 @@ void FilePanel::makeNameRow() {
 
 // Folders ---------------------------------------------------------------------------------------
 
-void FilePanel::showFolder(const std::string& path) {
+void FilePanel::showFolder(const std::string& path, const std::string& otherwise) {
+  otherwise_ = otherwise;
   folder_ = path.empty() ? "/" : normal(path);
   cancelLook();
   fillFolders();
@@ -267,6 +269,10 @@ void FilePanel::showRows(std::vector<FolderRow> rows) {
 }
 
 void FilePanel::listed(int error) {
+  if ((error == ENOENT || error == ENOTDIR) && !otherwise_.empty()) {
+    showFolder(std::exchange(otherwise_, {}));
+    return;
+  }
   if (!isLooking_) {
     endWaiting();
   }

@@ -4,10 +4,10 @@
 #include <memory>
 
 #include <QInputDialog>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QStyle>
 
+#include "platform/desktop/MessageBox.h"
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/ShownName.h"
@@ -30,17 +30,19 @@ struct SavePanel::Found {
 };
 
 SavePanel::SavePanel(const SavePanelRequest& request)
-    : FilePanel(request.window, request.title, localized("Save in:"), Selection::one),
+    : FilePanel(request.window, request.title, localized("Save &in:"), Selection::one),
       acceptedSuffixes_(request.acceptedSuffixes),
       lossOfReplacing_(request.lossOfReplacing) {
   setObjectName("savePanel");
   addNewFolderButton();
   addAccessory(request.accessoryView);
   buttons()->addButton(localized("&Save"), QDialogButtonBox::AcceptRole)->setDefault(true);
-  buttons()->addButton(localized("Cancel"), QDialogButtonBox::RejectRole);
+  buttons()->addButton(localized("&Cancel"), QDialogButtonBox::RejectRole);
   if (acceptedSuffixes_) {
     suffixes_ = acceptedSuffixes_();
   }
+  listedTypes_ = request.fileTypes;
+  list();
   setName(withSuffix(request.suggestedName, suffixes_));
 }
 
@@ -52,6 +54,10 @@ void SavePanel::addAccessory(QWidget* accessory) {
   for (QComboBox* const choice : accessory->findChildren<QComboBox*>()) {
     connect(choice, &QComboBox::currentIndexChanged, this, &SavePanel::takeOverSuffix);
   }
+}
+
+void SavePanel::list() {
+  model()->setSuffixes(listedTypes_.empty() ? suffixes_ : listedTypes_);
 }
 
 void SavePanel::takeOverSuffix() {
@@ -66,6 +72,7 @@ void SavePanel::takeOverSuffix() {
     }
   }
   suffixes_ = acceptedSuffixes_();
+  list();
   if (!name.empty()) {
     setName(withSuffix(name, suffixes_));
   }
@@ -106,19 +113,21 @@ void SavePanel::take(const std::string& name, const Found& found) {
 
 void SavePanel::askToReplace(const QString& loss) {
   const std::string name = std::filesystem::path(path_).filename().string();
-  auto* const question = new QMessageBox(
-      QMessageBox::Warning, windowTitle(),
-      localized("“%1” already exists. Do you want to replace it?").arg(shownName(name)),
-      QMessageBox::Yes | QMessageBox::No, this);
-  question->setInformativeText(loss);
-  question->setDefaultButton(QMessageBox::No);
+  auto* const question = new QMessageBox(this);
+  question->setObjectName("replaceQuestion");
   question->setAttribute(Qt::WA_DeleteOnClose);
   question->setWindowModality(Qt::WindowModal);
-  for (QLabel* const label : question->findChildren<QLabel*>()) {
-    label->setTextFormat(Qt::PlainText);  // it contains a file name
-  }
-  connect(question, &QDialog::finished, this, [this](int answer) {
-    if (answer == QMessageBox::Yes) {
+  fillMessageBox(*question,
+                 localized("“%1” already exists. Do you want to replace it?").arg(shownName(name)),
+                 loss);
+  question->setWindowTitle(windowTitle());
+  const QPushButton* const replace =
+      question->addButton(localized("&Replace"), QMessageBox::DestructiveRole);
+  QPushButton* const cancel = question->addButton(localized("&Cancel"), QMessageBox::RejectRole);
+  question->setDefaultButton(cancel);
+  question->setEscapeButton(cancel);
+  connect(question, &QDialog::finished, this, [this, question, replace] {
+    if (question->clickedButton() == replace) {
       QDialog::accept();
     }
   });
@@ -143,13 +152,17 @@ void SavePanel::askForNewFolder() {
   question->setWindowModality(Qt::WindowModal);
   question->setWindowTitle(localized("New Folder"));
   question->setLabelText(localized("Name of the new folder:"));
-  question->setCancelButtonText(localized("Cancel"));
+  question->setOkButtonText(localized("&OK"));
+  question->setCancelButtonText(localized("&Cancel"));
   connect(question, &QInputDialog::textValueSelected, this, [this](const QString& name) {
     if (!name.isEmpty()) {
       makeNewFolder(name.toStdString());
     }
   });
   question->open();
+  for (QPushButton* const button : question->findChildren<QPushButton*>()) {
+    button->setIcon({});  // no button has one
+  }
 }
 
 void SavePanel::makeNewFolder(const std::string& name) {

@@ -33,6 +33,7 @@ class SavePanel : public FilePanel {
  private:
   void addAccessory(QWidget* accessory);
   void addNewFolderButton();
+  void list();
   void takeOverSuffix();
   struct Found;
   void take(const std::string& name, const Found& found);
@@ -43,7 +44,8 @@ class SavePanel : public FilePanel {
   std::string path_;
   const std::function<std::vector<std::string>()> acceptedSuffixes_;
   const std::function<QString(const std::string&)> lossOfReplacing_;
-  std::vector<std::string> suffixes_;  // for the accessory's last known choice
+  std::vector<std::string> suffixes_;     // for the accessory's last known choice
+  std::vector<std::string> listedTypes_;  // empty: suffixes_
 };
 
 }  // namespace platform

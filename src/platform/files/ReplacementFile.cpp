@@ -74,6 +74,13 @@ std::string ReplacementFile::folderBeside(const std::string& target) {
   return folderOf(target);
 }
 
+std::string ReplacementFile::closedFolderBeside(const std::string& target) {
+  std::string folder = folderBeside(target);
+  const bool isClosed =
+      ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0 && errno == EACCES;
+  return isClosed ? folder : std::string();
+}
+
 ReplacementFile::~ReplacementFile() {
   if (!committed_ && place_.checkName(temporaryName_, file_.get()) == 0) {
     ::unlinkat(place_.folder(), temporaryName_.c_str(), 0);

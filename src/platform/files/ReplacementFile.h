@@ -42,6 +42,9 @@ class ReplacementFile {
   /// Creates nothing.
   [[nodiscard]] static std::string folderBeside(const std::string& target);
 
+  /// That folder, if the user may not make files in it; otherwise, or if it is not there, empty.
+  [[nodiscard]] static std::string closedFolderBeside(const std::string& target);
+
   /// Deletes the new file unless it was committed.
   ~ReplacementFile();
   ReplacementFile(const ReplacementFile&) = delete;
