@@ -13,7 +13,11 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
       recovered({audio, operation, history, file, loading}),
       unsavedChanges({operation, history, file, transport, panels, recovered}, operations.saveFile,
                      operations.alertDidEnd) {
-  displayLoop.setTickHandler([this] { inputNotices.update(transport.inputState()); });
+  displayLoop.setTickHandler([this] {
+    if (inputWatch.look()) {
+      inputNotices.update(inputWatch.state());
+    }
+  });
   transport.addStateHandler([this](OVTransportState state) {
     diskWatch.setRecording(state == OVTransportState::recording);
   });

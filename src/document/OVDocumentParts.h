@@ -26,6 +26,7 @@
 #include "document/spectrum/OVRecordedChunk.h"
 #include "document/spectrum/OVSpectrum.h"
 #include "document/summaries/OVDocumentSummaries.h"
+#include "document/transport/OVInputWatch.h"
 #include "document/transport/OVTransport.h"
 #include "document/transport/OVTransportControls.h"
 #include "document/transport/OVTransportKeys.h"
@@ -58,6 +59,7 @@ struct OVDocumentParts {
   const std::shared_ptr<OVDocumentSummaries> summaries = std::make_shared<OVDocumentSummaries>();
   OVEditHistory history{audio, *summaries};
   OVTransport transport{{life, audio, positions, *summaries, history, operation}};
+  OVInputWatch inputWatch{transport};
   OVTransportControls controls;
   OVTransportKeys keys;
   OVDiskWatch diskWatch{life, audio, notices};

@@ -73,15 +73,14 @@ std::optional<std::vector<float>> OVTransport::powerLevels(OVTransportState firs
   return isPlaying() ? player_->powerLevels() : std::nullopt;
 }
 
-OVInputState OVTransport::inputState() const {
-  OVInputState state;
-  state.source = platform::audioQueues()->inputSource();
-  state.hasRecorded = hasRecorded();
+std::vector<OVRecordingLoss> OVTransport::losses() const {
   const auto running = runningRecorder();
-  state.isRecording = running != nullptr;
-  state.silentFrames = running ? running->silentFrames() : 0;
-  state.losses = running ? running->losses() : losses_;
-  return state;
+  return running ? running->losses() : losses_;
+}
+
+std::size_t OVTransport::lossCount() const {
+  const auto running = runningRecorder();
+  return running ? running->lossCount() : losses_.size();
 }
 
 void OVTransport::changed() {
@@ -125,6 +124,7 @@ void OVTransport::record() {
     writeFailures_->recordingBegins(parts_.history.revision());
     writtenSincePress_ = false;
     losses_.clear();
+    ++recordings_;
     if (recording_) {
       recording_();
     }
