@@ -884,6 +884,10 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>In dieser Aufnahme verloren: %1&#xa0;s, zuerst bei %2</translation>
     </message>
     <message>
+        <source>Lost sound</source>
+        <translation>Verlorener Ton</translation>
+    </message>
+    <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
         <translation>Das System lässt keinen weiteren Thread zu. Schließen Sie einige Fenster oder andere Programme, und versuchen Sie es dann noch einmal. Alles bisher Aufgenommene bleibt erhalten.</translation>
     </message>

@@ -884,6 +884,10 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>Perdido en esta grabación: %1&#xa0;s, primero en %2</translation>
     </message>
     <message>
+        <source>Lost sound</source>
+        <translation>Sonido perdido</translation>
+    </message>
+    <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
         <translation>El sistema no permite más hilos. Cierre algunas ventanas u otros programas y vuelva a intentarlo. Se conserva todo lo grabado hasta ahora.</translation>
     </message>

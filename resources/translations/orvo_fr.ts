@@ -884,6 +884,10 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Perte dans cet enregistrement&#xa0;: %1&#xa0;s, la première à %2</translation>
     </message>
     <message>
+        <source>Lost sound</source>
+        <translation>Son perdu</translation>
+    </message>
+    <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
         <translation>Le système n’autorise aucun thread supplémentaire. Fermez quelques fenêtres ou d’autres programmes, puis réessayez. Tout ce qui a été enregistré jusqu’ici est conservé.</translation>
     </message>

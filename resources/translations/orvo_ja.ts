@@ -884,6 +884,10 @@ Everything recorded before is kept.</source>
         <translation>この録音で失われた長さ：%1秒、最初は%2</translation>
     </message>
     <message>
+        <source>Lost sound</source>
+        <translation>失われた音</translation>
+    </message>
+    <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
         <translation>システムがこれ以上スレッドを作成できません。いくつかのウィンドウまたはほかのプログラムを閉じてから、もう一度お試しください。これまでに録音した内容はすべて残っています。</translation>
     </message>

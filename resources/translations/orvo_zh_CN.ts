@@ -884,6 +884,10 @@ Everything recorded before is kept.</source>
         <translation>本次录音共丢失：%1秒，首次在%2</translation>
     </message>
     <message>
+        <source>Lost sound</source>
+        <translation>丢失的声音</translation>
+    </message>
+    <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>
         <translation>系统不允许创建更多线程。请关闭一些窗口或其他程序，然后重试。到目前为止录制的内容均已保留。</translation>
     </message>

@@ -17,11 +17,15 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
     if (inputWatch.look()) {
       inputNotices.update(inputWatch.state());
     }
+    lossMarks.update(inputWatch.state().losses);
   });
   transport.addStateHandler([this](OVTransportState state) {
     diskWatch.setRecording(state == OVTransportState::recording);
   });
-  transport.setRecordingHandler([this] { clipping.begin(); });
+  transport.setRecordingHandler([this] {
+    clipping.begin();
+    lossMarks.begin();
+  });
 }
 
 void OVDocumentParts::connect(OVRecorderWindow* window) {
@@ -37,6 +41,7 @@ void OVDocumentParts::connect(OVRecorderWindow* window) {
   notices.connect(window);
   recordingPlace.connect(window);
   clipping.connect(window);
+  lossMarks.connect(window);
   if (waveform) {
     waveform->setStepHandler(life.guarded([this, waveform](OVMarkerStep step) {
       markerMovement.step(step, waveform->width() * waveform->devicePixelRatioF());

@@ -9,6 +9,7 @@
 #include "document/display/OVDiskWatch.h"
 #include "document/display/OVDisplayLoop.h"
 #include "document/display/OVInputNotices.h"
+#include "document/display/OVLossMarks.h"
 #include "document/display/OVMarkerAndTime.h"
 #include "document/display/OVNotices.h"
 #include "document/display/OVProgressDisplay.h"
@@ -67,6 +68,7 @@ struct OVDocumentParts {
   OVProgressDisplay progress;
   OVRecordingPlace recordingPlace{{audio, positions, operation, transport}};
   OVClipping clipping{life, audio};
+  OVLossMarks lossMarks{audio, history};
   OVDisplayLoop displayLoop{{life, audio, positions, operation, *summaries, transport,
                              markerAndTime, progress, recordingPlace, clipping}};
   OVSpectrum spectrum;

@@ -249,6 +249,7 @@ TEST_P(TranslatedWindowTest, AScreenReaderHearsTheLanguage) {
       {"timeView", "Position and length"},
       {"loadingIndicator", "Progress"},
       {"playbackMarkerView", "Playback marker"},
+      {"lossMarksView", "Lost sound"},
       {"recordingTickView", "Recording position"},
       {"clippingLamp", "Clipping"}};
   for (const auto& [view, key] : names) {
