@@ -24,6 +24,9 @@ test_packages=(
   ffmpeg sox
 )
 
+# The other kind of sound server, for scripts/test --pipewire.
+pipewire_packages=(pipewire pipewire-pulse wireplumber)
+
 # Installed only if neither kind is installed: two sound servers on one machine conflict.
 sound_server_package=pulseaudio
 
