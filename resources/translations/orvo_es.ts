@@ -236,10 +236,6 @@
         <translation>%1 min %2 s</translation>
     </message>
     <message>
-        <source>%1 s</source>
-        <translation>%1 s</translation>
-    </message>
-    <message>
         <source>Orvo Diagnostics</source>
         <translation>Diagnóstico de Orvo</translation>
     </message>

@@ -236,10 +236,6 @@
         <translation>%1 分 %2 秒</translation>
     </message>
     <message>
-        <source>%1 s</source>
-        <translation>%1 秒</translation>
-    </message>
-    <message>
         <source>Orvo Diagnostics</source>
         <translation>Orvo 诊断</translation>
     </message>

@@ -53,12 +53,14 @@ std::vector<std::byte> cafHeader(std::uint64_t audioBytes, const std::string& re
   bytes.number(format.mChannelsPerFrame);
   bytes.number(format.mBitsPerChannel);
   if (!recorded.empty()) {
-    constexpr std::string_view kKey("recorded date\0", 14);
-    bytes.chunk("info", 4 + kKey.size() + recorded.size() + 1);
+    constexpr std::string_view kKey = "recorded date";
+    constexpr std::string_view kEnd("\0", 1);  // of each text
+    bytes.chunk("info", 4 + kKey.size() + kEnd.size() + recorded.size() + kEnd.size());
     bytes.number(std::uint32_t{1});  // entries
     bytes.text(kKey);
+    bytes.text(kEnd);
     bytes.text(recorded);
-    bytes.text(std::string_view("\0", 1));
+    bytes.text(kEnd);
   }
   bytes.chunk("data", kEditCount + audioBytes);
   bytes.number(std::uint32_t{0});  // edit count

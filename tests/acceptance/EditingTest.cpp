@@ -12,6 +12,7 @@ namespace {
 constexpr int kWidth = 640;  // points
 constexpr int kMiddle = 320;
 constexpr int kClickY = 120;
+constexpr int kAboveNotices = 250;
 
 Samples slice(const Samples& samples, std::size_t fromFrame, std::size_t frames) {
   const auto begin = samples.begin() + static_cast<std::ptrdiff_t>(fromFrame * kChannels);
@@ -20,13 +21,15 @@ Samples slice(const Samples& samples, std::size_t fromFrame, std::size_t frames)
 
 class Editing : public DocumentTest {
  protected:
-  /// Moves the marker to the start and takes a picture. The marker keeps the brightness of the
-  /// audio where it was last clicked.
+  /// Moves the marker to the start and takes a picture, without the lower edge of the waveform,
+  /// where notices come and go. The marker keeps the brightness of the audio where it was last
+  /// clicked.
   std::string picture(const std::string& name) {
     const std::string path = folder_.file(name + ".png");
     EXPECT_TRUE(screen_->activate(orvo_->window()) && orvo_->click(*screen_, kMiddle, kClickY) &&
                 screen_->pressKey("Return"));
     EXPECT_TRUE(screen_->screenshotAtRest(orvo_->window(), path));
+    EXPECT_TRUE(screen_->keepTop(path, kAboveNotices));
     return path;
   }
 

@@ -85,8 +85,8 @@ bool isPosixHeader(const std::string& name) {
   return name.starts_with("sys/") || name.starts_with("linux/") || known.contains(name);
 }
 
-/// Whether a file may include a header of POSIX: everything in files/, process/ and mainloop/ and the
-/// keeper, elsewhere what one unit hides from the rest.
+/// Whether a file may include a header of POSIX: everything in files/, process/ and mainloop/ and
+/// the keeper, elsewhere what one unit hides from the rest.
 bool mayIncludePosix(const std::string& path, const std::string& header) {
   static const std::map<std::string, std::set<std::string>> exceptions{
       {"platform/base", {"dlfcn.h"}},  // libraries that are loaded late

@@ -219,7 +219,7 @@ class DBusSleepInhibitorTest : public testing::Test {
                                   .system =
                                       [this] {
                                         hasAskedForSystemBus_ = true;
-                  if (isSystemBusSlow_) {
+                                        if (isSystemBusSlow_) {
                                           gate_.pass();
                                         }
                                         return hasSystemBus_ ? connectTo("system")

@@ -67,7 +67,7 @@ TEST_F(PrivateFolderTest, ALinkAndAFileAreNotUsed) {
 }
 
 TEST_F(PrivateFolderTest, AFolderThatOthersMayUseIsClosedToThem) {
-  for (const mode_t mode : {0750, 0705, 0711, 0702, 0777}) {
+  for (const mode_t mode : {0750U, 0705U, 0711U, 0702U, 0777U}) {
     ASSERT_EQ(::chmod(folder_.c_str(), mode), 0);
     EXPECT_EQ(errorOf(folder_), 0) << mode;
     EXPECT_EQ(fs::status(folder_).permissions(), fs::perms::owner_all);

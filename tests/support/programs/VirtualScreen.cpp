@@ -213,6 +213,11 @@ bool VirtualScreen::screenshotAtRest(const Window& window, const std::string& pa
          });
 }
 
+bool VirtualScreen::keepTop(const std::string& path, int height) const {
+  return run({"mogrify", "-crop", "x" + std::to_string(height) + "+0+0", "+repage", path})
+      .status.succeeded();
+}
+
 bool VirtualScreen::looksLike(const std::string& path, const std::string& otherPath) const {
   const Finished difference = run({"compare", "-metric", "AE", path, otherPath, "null:"});
   return difference.status.succeeded() && difference.error == "0";

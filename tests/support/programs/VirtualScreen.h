@@ -79,6 +79,8 @@ class VirtualScreen {
   [[nodiscard]] bool screenshot(const Window& window, const std::string& path) const;
   /// The same, once two successive pictures of the window are identical.
   [[nodiscard]] bool screenshotAtRest(const Window& window, const std::string& path) const;
+  /// Cuts a picture off below this many pixels.
+  [[nodiscard]] bool keepTop(const std::string& path, int height) const;
   /// Whether two pictures look the same.
   [[nodiscard]] bool looksLike(const std::string& path, const std::string& otherPath) const;
 
