@@ -232,7 +232,11 @@ TEST_F(QtFileDialogsTest, TheQuestionBeforeReplacingSaysWhatGetsLost) {
       return false;
     }
     loss = question->informativeText().toStdString();
-    question->button(QMessageBox::Yes)->click();
+    for (QAbstractButton* const each : question->buttons()) {
+      if (each->text() == "&Replace") {
+        each->click();
+      }
+    }
     return true;
   }));
   EXPECT_EQ(loss, "Much of " + folder_.file("take.aiff") + ".");
@@ -258,7 +262,7 @@ TEST_F(QtFileDialogsTest, ANameThatWouldTurnTheDirectionOfTextIsShownWithoutThat
   const auto* const list = panel_->findChild<QAbstractItemView*>("listView");
   ASSERT_TRUE(runMainLoopUntil([&] { return list->model()->rowCount() == 1; }));
   EXPECT_EQ(list->model()->index(0, 0).data().toString(), "take fdp.aiff");
-  answerQuestion(QMessageBox::Yes, "“take fdp.aiff”");
+  answerQuestion("&Replace", "“take fdp.aiff”");
   acceptPanel();
   EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
   EXPECT_EQ(saved_, folder_.file(name)) << "the file itself is found by its own name";
