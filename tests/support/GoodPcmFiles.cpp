@@ -157,9 +157,11 @@ void addLayouts(std::vector<GoodFile>& all) {
   all.push_back(made("WavExtensible20BitsIn24", "a.wav",
                      riff(extensible(1, 2, 24, 20, 3) + chunk("data", std::string(6000, '\1'))),
                      1000, GoodFile::Sound::any));
-  all.push_back(made("WavExtensible24BitsIn32", "a.wav",
-                     riff(extensible(1, 2, 32, 24, 3) + chunk("data", std::string(8000, '\1'))),
-                     1000, GoodFile::Sound::any));
+  std::string upperBits;
+  for (std::size_t i = 0; i < samples.size(); i += 2) {
+    upperBits += std::string(2, '\0') + samples.substr(i, 2);
+  }
+  add("WavExtensible24BitsIn32", extensible(1, 2, 32, 24, 3) + chunk("data", upperBits));
   all.push_back(made("WavExtensibleFloat", "a.wav",
                      riff(extensible(3, 2, 32, 32, 3) + chunk("data", std::string(8000, '\0'))),
                      1000, GoodFile::Sound::any));

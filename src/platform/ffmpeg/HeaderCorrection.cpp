@@ -94,6 +94,21 @@ void correctWav(AudioFileView& view) {
   }
 }
 
+// Samples of 24 bits that fill 32 are floating-point numbers to FFmpeg, and silence to the ear.
+// They are the upper bits of integers, so all 32 can be taken for significant.
+void correctSignificantBits(AudioFileView& view) {
+  constexpr std::size_t kFormat = 26;  // up to the tag inside the extension
+  constexpr std::uint32_t kExtensible = 0xFFFE;
+  constexpr std::uint32_t kIntegers = 1;
+  const auto chunk = findChunk(view, "fmt ", ByteOrder::little);
+  const std::string format = chunk ? view.peek(chunk->content(), kFormat) : std::string();
+  if (format.size() == kFormat && AV_RL16(format.data()) == kExtensible &&
+      AV_RL16(format.data() + 24) == kIntegers &&
+      AV_RL16(format.data() + 18) < AV_RL16(format.data() + 14)) {
+    view.correct(chunk->content() + 18, format.substr(14, 2));
+  }
+}
+
 void correctAiff(AudioFileView& view) {
   const auto common = findChunk(view, "COMM", ByteOrder::big);
   const auto sound = findChunk(view, "SSND", ByteOrder::big);
@@ -136,6 +151,7 @@ void correctHeader(AudioFileView& view) {
   }
   const std::string type = form.substr(8);
   if (form.compare(0, 4, "RIFF") == 0 && type == "WAVE") {
+    correctSignificantBits(view);
     correctWav(view);
   } else if (form.compare(0, 4, "FORM") == 0 && (type == "AIFF" || type == "AIFC")) {
     correctAiff(view);

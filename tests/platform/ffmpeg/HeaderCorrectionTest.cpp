@@ -86,6 +86,19 @@ TEST_F(HeaderCorrectionTest, AWavWhoseLengthStandsForUntilTheEndIsReadSoFar) {
   EXPECT_EQ(view.peek(36, 8), "data" + little(kHalf));
 }
 
+TEST_F(HeaderCorrectionTest, IntegersThatDoNotFillTheirBytesCountAsFull) {
+  const auto format = [](char tag, char significant) {
+    return std::string(
+               "RIFF\x3C\0\0\0WAVEfmt \x28\0\0\0\xFE\xFF\2\0\x44\xAC\0\0\0\0\0\0\x08\0\x20\0", 36) +
+           std::string("\x16\0", 2) + significant + std::string("\0\3\0\0\0", 5) + tag +
+           std::string(15, '\0') + "data" + little(0);
+  };
+  constexpr std::size_t kSignificant = 38;
+  EXPECT_EQ(show(format(1, 24), 1000).peek(kSignificant, 2), std::string("\x20\0", 2));
+  EXPECT_EQ(show(format(3, 24), 1000).peek(kSignificant, 2), std::string("\x18\0", 2)) << "floats";
+  EXPECT_EQ(show(format(1, 32), 1000).peek(kSignificant, 2), std::string("\x20\0", 2));
+}
+
 TEST_F(HeaderCorrectionTest, AnAiffWithoutLengthsIsGivenThoseOfTheFile) {
   const std::string common = std::string("COMM\0\0\0\x12", 8) +
                              std::string("\0\2\0\0\0\0\0\x10", 8) +
