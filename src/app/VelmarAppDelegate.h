@@ -19,6 +19,7 @@
 #include "platform/mainloop/Timer.h"
 
 class QEventLoop;
+class QUrl;
 class OVRecorderWindow;
 class VLRecorderWindowController;
 
@@ -63,6 +64,7 @@ class VelmarAppDelegate {
   /// true.
   bool applicationShouldHandleReopen(bool hasVisibleWindows);
 
+  /// Opens the help page that is installed with the program.
   void openDocumentation(QObject* sender);
   void openWebsite(QObject* sender);
 
@@ -132,7 +134,7 @@ class VelmarAppDelegate {
   [[nodiscard]] bool hasPendingAlerts() const { return alertsPending_ && alertsPending_(); }
   /// Lets a session's end that waits for the quit go on, or refuses it.
   void answerSession(bool mayEnd);
-  static void openPage(platform::TextKey address);
+  static void openPage(const QUrl& page);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
   void makeDebugWindow();
 

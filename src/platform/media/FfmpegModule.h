@@ -22,6 +22,8 @@ struct FfmpegModule {
   ExtAudioFileOutput::Created (*createOutput)(UserAudioFiles::Opened file, AudioFileKind kind);
   /// FourierTransform::create()
   std::unique_ptr<FourierTransform> (*createTransform)(int log2Length);
+  /// FFmpeg's version, as the library tells it
+  const char* (*version)();
 };
 
 /// The module; always null when it or FFmpeg is missing, which is logged once. The first call loads
