@@ -70,7 +70,7 @@ use_package() { # ROOT DEBS…
   shift
   files_of "$root" "$root/build/before"
   in_root "$root" 'dpkg-query -W | sort >/build/packages-before'
-  in_root "$root" 'apt-get install -qq -y --no-install-recommends /build/orvo_*.deb >/build/install.log 2>&1 ||
+  in_root "$root" 'apt-get update -qq; apt-get install -qq -y --no-install-recommends /build/orvo_*.deb >/build/install.log 2>&1 ||
     { cat /build/install.log; exit 1; }'
   in_root "$root" '
     dpkg-query -W | sort >/build/packages-after
