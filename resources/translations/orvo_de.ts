@@ -318,8 +318,82 @@ An audio recorder and simple editor.</source>
 Ein Audiorekorder mit einfachem Editor.</translation>
     </message>
     <message>
-        <source>https://orvo.example/help/</source>
-        <translation>https://orvo.example/help/</translation>
+        <source>Usage: orvo [OPTION…] [--] [FILE…]</source>
+        <translation>Aufruf: orvo [OPTION&#xa0;…] [--] [FILE&#xa0;…]</translation>
+    </message>
+    <message>
+        <source>Orvo records from the default sound input, shows the growing waveform, and plays it back. Each file opens in a window of its own. Without a file, an empty recorder opens.</source>
+        <translation>Orvo nimmt vom Standardeingang auf, zeigt die wachsende Wellenform und gibt sie wieder. Jede Datei öffnet sich in einem eigenen Fenster. Ohne Datei öffnet sich ein leerer Rekorder.</translation>
+    </message>
+    <message>
+        <source>Arguments:</source>
+        <translation>Argumente:</translation>
+    </message>
+    <message>
+        <source>A path or a file:// address. Orvo opens caf, aif, aiff, wav, mp3, mp4, m4a, m4r and aac.</source>
+        <translation>Ein Pfad oder eine Adresse mit file://. Orvo öffnet caf, aif, aiff, wav, mp3, mp4, m4a, m4r und aac.</translation>
+    </message>
+    <message>
+        <source>Ends the options. What follows is a file, even if it begins with a dash.</source>
+        <translation>Beendet die Optionen. Was folgt, ist eine Datei, auch wenn es mit einem Strich beginnt.</translation>
+    </message>
+    <message>
+        <source>Prints this text.</source>
+        <translation>Gibt diesen Text aus.</translation>
+    </message>
+    <message>
+        <source>Prints the version.</source>
+        <translation>Gibt die Version aus.</translation>
+    </message>
+    <message>
+        <source>These and the other options of Qt are passed on to Qt.</source>
+        <translation>Diese und die anderen Optionen von Qt werden an Qt weitergegeben.</translation>
+    </message>
+    <message>
+        <source>Environment:</source>
+        <translation>Umgebung:</translation>
+    </message>
+    <message>
+        <source>The language of the texts: English, German, French, Spanish, Japanese or Simplified Chinese.</source>
+        <translation>Die Sprache der Texte: Englisch, Deutsch, Französisch, Spanisch, Japanisch oder vereinfachtes Chinesisch.</translation>
+    </message>
+    <message>
+        <source>The directory in which open recordings are kept, 20 MB a minute. Otherwise /tmp, or /var/tmp if /tmp is in memory.</source>
+        <translation>Das Verzeichnis, in dem offene Aufnahmen liegen, 20 MB in der Minute. Sonst /tmp, oder /var/tmp, wenn /tmp im Arbeitsspeicher liegt.</translation>
+    </message>
+    <message>
+        <source>If Orvo ends unexpectedly, recordings that were not saved are kept in orvo/recovered below this directory. Otherwise below ~/.local/share.</source>
+        <translation>Wird Orvo unerwartet beendet, so werden nicht gespeicherte Aufnahmen in orvo/recovered unter diesem Verzeichnis aufbewahrt. Sonst unter ~/.local/share.</translation>
+    </message>
+    <message>
+        <source>Exit status:</source>
+        <translation>Rückgabewert:</translation>
+    </message>
+    <message>
+        <source>Orvo ended as asked.</source>
+        <translation>Orvo wurde wie gewünscht beendet.</translation>
+    </message>
+    <message>
+        <source>The help or the version could not be printed.</source>
+        <translation>Die Hilfe oder die Version konnte nicht ausgegeben werden.</translation>
+    </message>
+    <message>
+        <source>An option is unknown. Nothing was opened.</source>
+        <translation>Eine Option ist unbekannt. Es wurde nichts geöffnet.</translation>
+    </message>
+    <message>
+        <source>orvo: unknown option: %1
+Try orvo --help</source>
+        <translation>orvo: unbekannte Option: %1
+Versuchen Sie orvo --help</translation>
+    </message>
+    <message>
+        <source>en/index.html</source>
+        <translation>de/index.html</translation>
+    </message>
+    <message>
+        <source>%1 is missing. Install Orvo again.</source>
+        <translation>%1 fehlt. Installieren Sie Orvo neu.</translation>
     </message>
     <message>
         <source>https://orvo.example/</source>

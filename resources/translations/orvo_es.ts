@@ -318,8 +318,82 @@ An audio recorder and simple editor.</source>
 Una grabadora de audio con un editor sencillo.</translation>
     </message>
     <message>
-        <source>https://orvo.example/help/</source>
-        <translation>https://orvo.example/help/</translation>
+        <source>Usage: orvo [OPTION…] [--] [FILE…]</source>
+        <translation>Uso: orvo [OPTION…] [--] [FILE…]</translation>
+    </message>
+    <message>
+        <source>Orvo records from the default sound input, shows the growing waveform, and plays it back. Each file opens in a window of its own. Without a file, an empty recorder opens.</source>
+        <translation>Orvo graba de la entrada de sonido predeterminada, muestra la forma de onda que crece y la reproduce. Cada archivo se abre en su propia ventana. Sin archivo, se abre una grabadora vacía.</translation>
+    </message>
+    <message>
+        <source>Arguments:</source>
+        <translation>Argumentos:</translation>
+    </message>
+    <message>
+        <source>A path or a file:// address. Orvo opens caf, aif, aiff, wav, mp3, mp4, m4a, m4r and aac.</source>
+        <translation>Una ruta o una dirección file://. Orvo abre caf, aif, aiff, wav, mp3, mp4, m4a, m4r y aac.</translation>
+    </message>
+    <message>
+        <source>Ends the options. What follows is a file, even if it begins with a dash.</source>
+        <translation>Termina las opciones. Lo que sigue es un archivo, aunque empiece con un guion.</translation>
+    </message>
+    <message>
+        <source>Prints this text.</source>
+        <translation>Muestra este texto.</translation>
+    </message>
+    <message>
+        <source>Prints the version.</source>
+        <translation>Muestra la versión.</translation>
+    </message>
+    <message>
+        <source>These and the other options of Qt are passed on to Qt.</source>
+        <translation>Estas y las demás opciones de Qt se pasan a Qt.</translation>
+    </message>
+    <message>
+        <source>Environment:</source>
+        <translation>Entorno:</translation>
+    </message>
+    <message>
+        <source>The language of the texts: English, German, French, Spanish, Japanese or Simplified Chinese.</source>
+        <translation>El idioma de los textos: inglés, alemán, francés, español, japonés o chino simplificado.</translation>
+    </message>
+    <message>
+        <source>The directory in which open recordings are kept, 20 MB a minute. Otherwise /tmp, or /var/tmp if /tmp is in memory.</source>
+        <translation>El directorio de las grabaciones abiertas, 20 MB por minuto. Si no, /tmp, o /var/tmp si /tmp está en la memoria.</translation>
+    </message>
+    <message>
+        <source>If Orvo ends unexpectedly, recordings that were not saved are kept in orvo/recovered below this directory. Otherwise below ~/.local/share.</source>
+        <translation>Si Orvo se cierra de forma inesperada, las grabaciones sin guardar se conservan en orvo/recovered bajo este directorio. Si no, bajo ~/.local/share.</translation>
+    </message>
+    <message>
+        <source>Exit status:</source>
+        <translation>Código de salida:</translation>
+    </message>
+    <message>
+        <source>Orvo ended as asked.</source>
+        <translation>Orvo terminó como se pidió.</translation>
+    </message>
+    <message>
+        <source>The help or the version could not be printed.</source>
+        <translation>No se pudo mostrar la ayuda o la versión.</translation>
+    </message>
+    <message>
+        <source>An option is unknown. Nothing was opened.</source>
+        <translation>Una opción es desconocida. No se abrió nada.</translation>
+    </message>
+    <message>
+        <source>orvo: unknown option: %1
+Try orvo --help</source>
+        <translation>orvo: opción desconocida: %1
+Pruebe con orvo --help</translation>
+    </message>
+    <message>
+        <source>en/index.html</source>
+        <translation>es/index.html</translation>
+    </message>
+    <message>
+        <source>%1 is missing. Install Orvo again.</source>
+        <translation>Falta %1. Instale Orvo de nuevo.</translation>
     </message>
     <message>
         <source>https://orvo.example/</source>

@@ -318,8 +318,82 @@ An audio recorder and simple editor.</source>
 Un enregistreur audio et éditeur simple.</translation>
     </message>
     <message>
-        <source>https://orvo.example/help/</source>
-        <translation>https://orvo.example/help/</translation>
+        <source>Usage: orvo [OPTION…] [--] [FILE…]</source>
+        <translation>Utilisation&#xa0;: orvo [OPTION…] [--] [FILE…]</translation>
+    </message>
+    <message>
+        <source>Orvo records from the default sound input, shows the growing waveform, and plays it back. Each file opens in a window of its own. Without a file, an empty recorder opens.</source>
+        <translation>Orvo enregistre depuis l’entrée audio par défaut, affiche la forme d’onde qui grandit et la lit. Chaque fichier s’ouvre dans sa propre fenêtre. Sans fichier, un enregistreur vide s’ouvre.</translation>
+    </message>
+    <message>
+        <source>Arguments:</source>
+        <translation>Arguments&#xa0;:</translation>
+    </message>
+    <message>
+        <source>A path or a file:// address. Orvo opens caf, aif, aiff, wav, mp3, mp4, m4a, m4r and aac.</source>
+        <translation>Un chemin ou une adresse file://. Orvo ouvre caf, aif, aiff, wav, mp3, mp4, m4a, m4r et aac.</translation>
+    </message>
+    <message>
+        <source>Ends the options. What follows is a file, even if it begins with a dash.</source>
+        <translation>Termine les options. Ce qui suit est un fichier, même s’il commence par un tiret.</translation>
+    </message>
+    <message>
+        <source>Prints this text.</source>
+        <translation>Affiche ce texte.</translation>
+    </message>
+    <message>
+        <source>Prints the version.</source>
+        <translation>Affiche la version.</translation>
+    </message>
+    <message>
+        <source>These and the other options of Qt are passed on to Qt.</source>
+        <translation>Ces options et les autres de Qt sont transmises à Qt.</translation>
+    </message>
+    <message>
+        <source>Environment:</source>
+        <translation>Environnement&#xa0;:</translation>
+    </message>
+    <message>
+        <source>The language of the texts: English, German, French, Spanish, Japanese or Simplified Chinese.</source>
+        <translation>La langue des textes&#xa0;: anglais, allemand, français, espagnol, japonais ou chinois simplifié.</translation>
+    </message>
+    <message>
+        <source>The directory in which open recordings are kept, 20 MB a minute. Otherwise /tmp, or /var/tmp if /tmp is in memory.</source>
+        <translation>Le répertoire où se trouvent les enregistrements ouverts, 20 Mo par minute. Sinon /tmp, ou /var/tmp si /tmp est en mémoire.</translation>
+    </message>
+    <message>
+        <source>If Orvo ends unexpectedly, recordings that were not saved are kept in orvo/recovered below this directory. Otherwise below ~/.local/share.</source>
+        <translation>Si Orvo s’arrête de façon inattendue, les enregistrements non sauvegardés sont conservés dans orvo/recovered sous ce répertoire. Sinon sous ~/.local/share.</translation>
+    </message>
+    <message>
+        <source>Exit status:</source>
+        <translation>Code de sortie&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Orvo ended as asked.</source>
+        <translation>Orvo s’est terminé comme demandé.</translation>
+    </message>
+    <message>
+        <source>The help or the version could not be printed.</source>
+        <translation>L’aide ou la version n’a pas pu être affichée.</translation>
+    </message>
+    <message>
+        <source>An option is unknown. Nothing was opened.</source>
+        <translation>Une option est inconnue. Rien n’a été ouvert.</translation>
+    </message>
+    <message>
+        <source>orvo: unknown option: %1
+Try orvo --help</source>
+        <translation>orvo&#xa0;: option inconnue&#xa0;: %1
+Essayez orvo --help</translation>
+    </message>
+    <message>
+        <source>en/index.html</source>
+        <translation>fr/index.html</translation>
+    </message>
+    <message>
+        <source>%1 is missing. Install Orvo again.</source>
+        <translation>%1 est absent. Réinstallez Orvo.</translation>
     </message>
     <message>
         <source>https://orvo.example/</source>

@@ -318,8 +318,82 @@ An audio recorder and simple editor.</source>
 オーディオレコーダー兼シンプルなエディターです。</translation>
     </message>
     <message>
-        <source>https://orvo.example/help/</source>
-        <translation>https://orvo.example/help/</translation>
+        <source>Usage: orvo [OPTION…] [--] [FILE…]</source>
+        <translation>使い方: orvo [OPTION…] [--] [FILE…]</translation>
+    </message>
+    <message>
+        <source>Orvo records from the default sound input, shows the growing waveform, and plays it back. Each file opens in a window of its own. Without a file, an empty recorder opens.</source>
+        <translation>Orvo はデフォルトのサウンド入力から録音し、伸びていく波形を表示し、再生します。ファイルはそれぞれ別のウィンドウで開きます。ファイルがなければ、空のレコーダーが開きます。</translation>
+    </message>
+    <message>
+        <source>Arguments:</source>
+        <translation>引数:</translation>
+    </message>
+    <message>
+        <source>A path or a file:// address. Orvo opens caf, aif, aiff, wav, mp3, mp4, m4a, m4r and aac.</source>
+        <translation>パスまたは file:// で始まるアドレス。Orvo は caf、aif、aiff、wav、mp3、mp4、m4a、m4r、aac を開きます。</translation>
+    </message>
+    <message>
+        <source>Ends the options. What follows is a file, even if it begins with a dash.</source>
+        <translation>オプションの終わり。これより後は、ダッシュで始まるものもファイルです。</translation>
+    </message>
+    <message>
+        <source>Prints this text.</source>
+        <translation>この説明を表示します。</translation>
+    </message>
+    <message>
+        <source>Prints the version.</source>
+        <translation>バージョンを表示します。</translation>
+    </message>
+    <message>
+        <source>These and the other options of Qt are passed on to Qt.</source>
+        <translation>これらを含む Qt のオプションは Qt に渡されます。</translation>
+    </message>
+    <message>
+        <source>Environment:</source>
+        <translation>環境変数:</translation>
+    </message>
+    <message>
+        <source>The language of the texts: English, German, French, Spanish, Japanese or Simplified Chinese.</source>
+        <translation>表示に使う言語: 英語、ドイツ語、フランス語、スペイン語、日本語、簡体字中国語。</translation>
+    </message>
+    <message>
+        <source>The directory in which open recordings are kept, 20 MB a minute. Otherwise /tmp, or /var/tmp if /tmp is in memory.</source>
+        <translation>開いている録音を置くディレクトリ。1 分あたり 20 MB。なければ /tmp、/tmp がメモリ上にある場合は /var/tmp。</translation>
+    </message>
+    <message>
+        <source>If Orvo ends unexpectedly, recordings that were not saved are kept in orvo/recovered below this directory. Otherwise below ~/.local/share.</source>
+        <translation>Orvo が予期せず終了したとき、保存していない録音は、このディレクトリの orvo/recovered に残ります。なければ ~/.local/share の下です。</translation>
+    </message>
+    <message>
+        <source>Exit status:</source>
+        <translation>終了ステータス:</translation>
+    </message>
+    <message>
+        <source>Orvo ended as asked.</source>
+        <translation>Orvo は指示どおりに終了しました。</translation>
+    </message>
+    <message>
+        <source>The help or the version could not be printed.</source>
+        <translation>説明またはバージョンを表示できませんでした。</translation>
+    </message>
+    <message>
+        <source>An option is unknown. Nothing was opened.</source>
+        <translation>不明なオプションがあります。何も開かれませんでした。</translation>
+    </message>
+    <message>
+        <source>orvo: unknown option: %1
+Try orvo --help</source>
+        <translation>orvo: 不明なオプション: %1
+次を試してください: orvo --help</translation>
+    </message>
+    <message>
+        <source>en/index.html</source>
+        <translation>ja/index.html</translation>
+    </message>
+    <message>
+        <source>%1 is missing. Install Orvo again.</source>
+        <translation>%1 がありません。Orvo を再インストールしてください。</translation>
     </message>
     <message>
         <source>https://orvo.example/</source>

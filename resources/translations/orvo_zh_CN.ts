@@ -318,8 +318,82 @@ An audio recorder and simple editor.</source>
 录音与简易音频编辑软件。</translation>
     </message>
     <message>
-        <source>https://orvo.example/help/</source>
-        <translation>https://orvo.example/help/</translation>
+        <source>Usage: orvo [OPTION…] [--] [FILE…]</source>
+        <translation>用法：orvo [OPTION…] [--] [FILE…]</translation>
+    </message>
+    <message>
+        <source>Orvo records from the default sound input, shows the growing waveform, and plays it back. Each file opens in a window of its own. Without a file, an empty recorder opens.</source>
+        <translation>Orvo 从默认声音输入录音，显示不断增长的波形，并可播放。每个文件在自己的窗口中打开。没有文件时，打开一个空的录音机。</translation>
+    </message>
+    <message>
+        <source>Arguments:</source>
+        <translation>参数：</translation>
+    </message>
+    <message>
+        <source>A path or a file:// address. Orvo opens caf, aif, aiff, wav, mp3, mp4, m4a, m4r and aac.</source>
+        <translation>路径或 file:// 地址。Orvo 可以打开 caf、aif、aiff、wav、mp3、mp4、m4a、m4r 和 aac。</translation>
+    </message>
+    <message>
+        <source>Ends the options. What follows is a file, even if it begins with a dash.</source>
+        <translation>结束选项。其后的内容都是文件，即使以短横线开头。</translation>
+    </message>
+    <message>
+        <source>Prints this text.</source>
+        <translation>显示本说明。</translation>
+    </message>
+    <message>
+        <source>Prints the version.</source>
+        <translation>显示版本。</translation>
+    </message>
+    <message>
+        <source>These and the other options of Qt are passed on to Qt.</source>
+        <translation>这些选项以及 Qt 的其他选项会传给 Qt。</translation>
+    </message>
+    <message>
+        <source>Environment:</source>
+        <translation>环境变量：</translation>
+    </message>
+    <message>
+        <source>The language of the texts: English, German, French, Spanish, Japanese or Simplified Chinese.</source>
+        <translation>界面的语言：英语、德语、法语、西班牙语、日语或简体中文。</translation>
+    </message>
+    <message>
+        <source>The directory in which open recordings are kept, 20 MB a minute. Otherwise /tmp, or /var/tmp if /tmp is in memory.</source>
+        <translation>存放已打开录音的目录，每分钟 20 MB。否则为 /tmp；如果 /tmp 在内存中，则为 /var/tmp。</translation>
+    </message>
+    <message>
+        <source>If Orvo ends unexpectedly, recordings that were not saved are kept in orvo/recovered below this directory. Otherwise below ~/.local/share.</source>
+        <translation>如果 Orvo 意外退出，未保存的录音会保留在此目录下的 orvo/recovered 中。否则在 ~/.local/share 下。</translation>
+    </message>
+    <message>
+        <source>Exit status:</source>
+        <translation>退出状态：</translation>
+    </message>
+    <message>
+        <source>Orvo ended as asked.</source>
+        <translation>Orvo 按要求结束。</translation>
+    </message>
+    <message>
+        <source>The help or the version could not be printed.</source>
+        <translation>无法显示说明或版本。</translation>
+    </message>
+    <message>
+        <source>An option is unknown. Nothing was opened.</source>
+        <translation>有未知的选项。没有打开任何内容。</translation>
+    </message>
+    <message>
+        <source>orvo: unknown option: %1
+Try orvo --help</source>
+        <translation>orvo：未知的选项：%1
+请尝试 orvo --help</translation>
+    </message>
+    <message>
+        <source>en/index.html</source>
+        <translation>zh_CN/index.html</translation>
+    </message>
+    <message>
+        <source>%1 is missing. Install Orvo again.</source>
+        <translation>缺少 %1。请重新安装 Orvo。</translation>
     </message>
     <message>
         <source>https://orvo.example/</source>

@@ -8,10 +8,13 @@
 
 #include <QApplication>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QUrl>
 
+#include "app/OVAboutText.h"
 #include "app/OVDiagnosticsWindow.h"
+#include "app/OVHelpPage.h"
 #include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
 #include "document/VLRecorderWindowController.h"
@@ -388,21 +391,25 @@ std::vector<std::string> VelmarAppDelegate::tempfiles() const {
 
 // Pages -----------------------------------------------------------------------------------------
 
-// The address is localized like any text, so that a language can have its own pages.
 void VelmarAppDelegate::openDocumentation(QObject*) {
-  openPage(platform::textKey("https://orvo.example/help/"));
+  const QString page = OVHelpPage::pathFrom(QCoreApplication::applicationDirPath());
+  openPage(QUrl::fromLocalFile(page));
 }
 
+// The address is localized like any text, so that a language can have its own page.
 void VelmarAppDelegate::openWebsite(QObject*) {
-  openPage(platform::textKey("https://orvo.example/"));
+  openPage(QUrl(platform::localized("https://orvo.example/")));
 }
 
-void VelmarAppDelegate::openPage(platform::TextKey address) {
-  const QString page = platform::localized(address);
-  if (!platform::desktopServices()->open(QUrl(page))) {
-    ShowModalAlert(
-        platform::localizedUtf8("The page could not be opened"),
-        platform::localized("No program was found that opens %1.").arg(page).toStdString());
+void VelmarAppDelegate::openPage(const QUrl& page) {
+  const QString name = page.toDisplayString(QUrl::PreferLocalFile);
+  const bool isMissing = page.isLocalFile() && !QFileInfo::exists(page.toLocalFile());
+  if (isMissing || !platform::desktopServices()->open(page)) {
+    ShowModalAlert(platform::localizedUtf8("The page could not be opened"),
+                   (isMissing ? platform::localized("%1 is missing. Install Orvo again.")
+                              : platform::localized("No program was found that opens %1."))
+                       .arg(name)
+                       .toStdString());
   }
 }
 
@@ -432,7 +439,5 @@ void VelmarAppDelegate::showDiagnostics() {
 }
 
 void VelmarAppDelegate::showAbout() {
-  QMessageBox::about(QApplication::activeWindow(), platform::localized("About Orvo"),
-                     platform::localized("Orvo %1\n\nAn audio recorder and simple editor.")
-                         .arg(QCoreApplication::applicationVersion()));
+  QMessageBox::about(QApplication::activeWindow(), platform::localized("About Orvo"), aboutText());
 }

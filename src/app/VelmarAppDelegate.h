@@ -19,6 +19,7 @@
 #include "platform/mainloop/Timer.h"
 
 class QEventLoop;
+class QUrl;
 class OVRecorderWindow;
 class VLRecorderWindowController;
 
@@ -65,6 +66,7 @@ class VelmarAppDelegate {
   /// true.
   bool applicationShouldHandleReopen(bool hasVisibleWindows);
 
+  /// Opens the help page that is installed with the program.
   void openDocumentation(QObject* sender);
   void openWebsite(QObject* sender);
 
@@ -136,7 +138,7 @@ class VelmarAppDelegate {
   [[nodiscard]] bool hasPendingAlerts() const { return alertsPending_ && alertsPending_(); }
   /// Lets a session's end that waits for the quit go on, or refuses it.
   void answerSession(bool mayEnd);
-  static void openPage(platform::TextKey address);
+  static void openPage(const QUrl& page);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
   void makeDebugWindow();
 

@@ -1,3 +1,4 @@
+#include <cstdio>
 #include <future>
 #include <memory>
 #include <string>
@@ -10,6 +11,8 @@
 
 #include "app/OVApplicationEvents.h"
 #include "app/OVApplicationServices.h"
+#include "app/OVCommandLine.h"
+#include "app/OVCommandLineText.h"
 #include "app/OVFirstWindowWatcher.h"
 #include "app/OVKeeper.h"
 #include "app/OVSessionEnd.h"
@@ -26,6 +29,7 @@
 #include "platform/files/Descriptors.h"
 #include "platform/mainloop/FailedWriteSignals.h"
 #include "platform/mainloop/FontPreparation.h"
+#include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/mainloop/TerminationSignals.h"
 #include "platform/media/FfmpegModule.h"
@@ -46,14 +50,36 @@ std::shared_ptr<OVApplicationServices> servicesOf(VelmarAppDelegate& delegate) {
   });
 }
 
-// Arguments are paths, byte for byte, or URIs as in the desktop's list of recent files.
-std::vector<std::string> filesOf(int argc, char** argv) {
+// Arguments may be URIs, as in the desktop's list of recent files.
+std::vector<std::string> pathsOf(const std::vector<std::string>& arguments) {
   std::vector<std::string> paths;
-  for (int i = 1; i < argc; ++i) {
-    const std::string argument = argv[i];
+  for (const std::string& argument : arguments) {
     paths.push_back(platform::pathOfFileUri(argument).value_or(argument));
   }
   return paths;
+}
+
+int print(std::FILE* stream, const QString& text) {
+  std::fputs(qUtf8Printable(text), stream);
+  return std::fflush(stream) == 0 && std::ferror(stream) == 0 ? 0 : 1;
+}
+
+// Answers what needs no window, and so no screen either. The exit code.
+int answer(const OVCommandLine& commandLine) {
+  int noArguments = 0;
+  const QCoreApplication application(noArguments, nullptr);
+  const OVTranslations translations(QLocale::system().uiLanguages());
+  switch (commandLine.request()) {
+    case OVCommandLine::Request::printHelp:
+      return print(stdout, OVCommandLineText::help());
+    case OVCommandLine::Request::printVersion:
+      return print(stdout, QStringLiteral("Orvo " ORVO_VERSION "\n"));
+    default:
+      print(stderr, platform::localized("orvo: unknown option: %1\nTry orvo --help")
+                            .arg(QString::fromStdString(commandLine.unknownOption())) +
+                        u'\n');
+      return 2;
+  }
 }
 
 }  // namespace
@@ -61,9 +87,14 @@ std::vector<std::string> filesOf(int argc, char** argv) {
 int main(int argc, char** argv) {
   platform::failWritesWithoutSignals();
   platform::occupyStandardStreams();
+  OVCommandLine commandLine(argc, argv);
+  if (commandLine.request() != OVCommandLine::Request::openFiles) {
+    return answer(commandLine);
+  }
   platform::raiseDescriptorLimit();
   platform::FontPreparation fonts;
-  QApplication application(argc, argv);
+  int argumentsForQt = static_cast<int>(commandLine.forQt().size()) - 1;
+  QApplication application(argumentsForQt, commandLine.forQt().data());
   fonts.finish();
   // Loading cubeb and opening the microphone takes as long as showing a window, so it starts after
   // the window is shown; the recorder does not wait for it.
@@ -82,7 +113,7 @@ int main(int argc, char** argv) {
                                                       mimeTypeOfPath));
   QApplication::setApplicationName("Orvo");
   QApplication::setApplicationVersion(ORVO_VERSION);
-  QApplication::setDesktopFileName("orvo");
+  QApplication::setDesktopFileName(ORVO_APPLICATION_ID);
   const OVTranslations translations(QLocale::system().uiLanguages());
 
   VelmarAppDelegate delegate([] { QCoreApplication::exit(0); });
@@ -103,7 +134,7 @@ int main(int argc, char** argv) {
       },
       Qt::DirectConnection);
   const platform::TerminationSignals signals([&delegate] { delegate.terminationSignalled(); });
-  delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has removed its own arguments
+  delegate.applicationOpenFiles(pathsOf(commandLine.files()));
   delegate.applicationDidFinishLaunching();
   std::unique_ptr<platform::DesktopColours> colours;
   const OVFirstWindowWatcher firstWindow([&] {

@@ -366,14 +366,24 @@ TEST_F(OpenAndQuitTest, AFileCanBeOpenedFromAWindowWithoutStorage) {
   EXPECT_TRUE(item(window, "Open…")->isEnabled());
 }
 
-TEST_F(OpenAndQuitTest, DocumentationAndWebsiteOpenInTheBrowser) {
+TEST_F(OpenAndQuitTest, DocumentationOpensTheHelpPageFromTheDisk) {
   item(spawn(), "Documentation")->trigger();
+  ASSERT_EQ(desktop_.opened.size(), 1U);
+  const QUrl page(QString::fromStdString(desktop_.opened[0]));
+  EXPECT_TRUE(page.isLocalFile());
+  EXPECT_TRUE(std::filesystem::is_regular_file(page.toLocalFile().toStdString()))
+      << desktop_.opened[0];
+  EXPECT_THAT(desktop_.opened[0], testing::EndsWith("/help/en/index.html"));
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+TEST_F(OpenAndQuitTest, APageThatNoProgramOpensIsTold) {
   delegate_.openWebsite(nullptr);
-  EXPECT_EQ(desktop_.opened.size(), 2U);
   EXPECT_THAT(services_->alerts(), IsEmpty());
   desktop_.knowsPrograms = false;
   delegate_.openWebsite(nullptr);
-  EXPECT_EQ(services_->alerts().size(), 1U);
+  delegate_.openDocumentation(nullptr);
+  EXPECT_EQ(services_->alerts().size(), 2U);
 }
 
 // Quit ------------------------------------------------------------------------------------------

@@ -37,6 +37,8 @@ const std::vector<std::string> kEnglishOnly{
     "Orvo recording ", "yyyy-MM-dd HH.mm.ss", "Orvo recording %Y-%m-%d %H.%M.%S",
     // Names of memory and of fields within files.
     "orvo journal", "recorded date", "track number", "Cover (front)",
+    // The manual page, which is English.
+    ".Op Fl Fl\n.Op Ar\n.Sh DESCRIPTION\n", ".Bl -tag -width Ds\n",
     // The name of a lock in the compiler's warnings.
     "waveform summary"};
 
@@ -170,11 +172,34 @@ TEST(LanguagesTest, EachKeepsPlaceholdersKeyLettersAndItsOwnPunctuation) {
 }
 
 TEST(LanguagesTest, EachIsInTheDesktopEntry) {
-  const std::string entry = contentOf(kRoot / "resources" / "orvo.desktop");
+  const std::string entry = contentOf(kRoot / "resources" / "desktop" / "entry.desktop.in");
   for (const QString& language : languages()) {
-    for (const char* key : {"GenericName", "Comment"}) {
+    for (const char* key : {"GenericName", "Comment", "Keywords", "Name"}) {
       const std::string line = std::string("\n") + key + "[" + language.toStdString() + "]=";
       EXPECT_THAT(entry, testing::HasSubstr(line));
+    }
+  }
+}
+
+TEST(LanguagesTest, EachIsInTheMetainfoWhereverEnglishIs) {
+  for (const char* const name : {"metainfo.xml.in", "mime.xml.in"}) {
+    const std::string text = contentOf(kRoot / "resources" / "desktop" / name);
+    const auto count = [&text](const std::string& word) {
+      std::size_t found = 0;
+      for (std::size_t at = text.find(word); at != std::string::npos;
+           at = text.find(word, at + 1)) {
+        ++found;
+      }
+      return found;
+    };
+    std::size_t english = 0;
+    for (const char* const element : {"<summary>", "<p>", "<li>", "<comment>"}) {
+      english += count(element);
+    }
+    ASSERT_GT(english, 0U) << name;
+    for (const QString& language : languages()) {
+      EXPECT_EQ(count("xml:lang=\"" + language.toStdString() + "\""), english)
+          << name << " " << language.toStdString();
     }
   }
 }

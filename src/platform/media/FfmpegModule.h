@@ -23,6 +23,8 @@ struct FfmpegModule {
                                               const AudioFileTags& tags);
   /// FourierTransform::create()
   std::unique_ptr<FourierTransform> (*createTransform)(int log2Length);
+  /// FFmpeg's version, as the library tells it
+  const char* (*version)();
 };
 
 /// The module; always null when it or FFmpeg is missing, which is logged once. The first call loads
