@@ -44,7 +44,8 @@ Page readPage(const QString& path) {
     if (reader.isStartElement()) {
       const auto attributes = reader.attributes();
       const QString id = attributes.value("id").toString();
-      page.elements.push_back((reader.name().toString() + (id.isEmpty() ? QString() : "#" + id)).toStdString());
+      page.elements.push_back(
+          (reader.name().toString() + (id.isEmpty() ? QString() : "#" + id)).toStdString());
       for (const char* const link : {"href", "src"}) {
         if (attributes.hasAttribute(link)) {
           page.links.push_back(attributes.value(link).toString());
