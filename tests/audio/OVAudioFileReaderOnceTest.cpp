@@ -27,6 +27,7 @@ class CountedFile : public platform::UserAudioFiles {
     return std::make_unique<Reads>(*this);
   }
   [[nodiscard]] Opened createForWriting(const std::string&) override { return ENOTSUP; }
+  [[nodiscard]] Opened writeTo(int) override { return ENOTSUP; }
 
   [[nodiscard]] int most() const { return *std::max_element(times_.begin(), times_.end()); }
   [[nodiscard]] std::int64_t bytesRead() const {
