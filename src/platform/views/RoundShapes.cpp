@@ -32,9 +32,11 @@ QPainterPath pathOf(const QPolygonF& polygon) {
   return path;
 }
 
+// Runs round the inner path the other way: where both lines cross one pixel, what they cover is
+// then subtracted, and not folded as by the odd-even rule.
 QPainterPath between(QPainterPath outer, const QPainterPath& inner) {
-  outer.addPath(inner);
-  outer.setFillRule(Qt::OddEvenFill);
+  outer.addPath(inner.toReversed());
+  outer.setFillRule(Qt::WindingFill);
   return outer;
 }
 

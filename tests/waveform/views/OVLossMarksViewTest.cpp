@@ -6,6 +6,7 @@
 #include <QHelpEvent>
 #include <QToolTip>
 
+#include "support/MainLoop.h"
 #include "support/PaintCounter.h"
 #include "support/Pixels.h"
 
@@ -27,7 +28,8 @@ class OVLossMarksViewTest : public testing::Test {
 
   /// Lets the pointer rest over the view below; the tooltip that follows.
   QString tooltipAt(QPoint point) {
-    QToolTip::hideText();
+    QToolTip::hideText();  // soon
+    EXPECT_TRUE(runMainLoopUntil([] { return !QToolTip::isVisible(); }));
     QHelpEvent help(QEvent::ToolTip, point, below_.mapToGlobal(point));
     isTaken_ = QCoreApplication::sendEvent(&below_, &help) && help.isAccepted();
     return QToolTip::isVisible() ? QToolTip::text() : QString();
