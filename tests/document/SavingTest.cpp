@@ -469,7 +469,7 @@ TEST_F(SavingMediaTest, AFolderThatMayNotBeWrittenIsTold) {
   becomeOrdinaryUser();
   document_->saveFile(nullptr);
   awaitIdle();
-  expectTold("You do not have the permission for it.");
+  expectTold("You may not write in the folder “");
 }
 
 /// The file is the user's own, in a folder in which the user may make none.
