@@ -79,8 +79,8 @@ class AudioFileDecoderTest : public AudioFileFixture {
     const std::string one = number(1);
     const std::string file =
         box("ftyp", "qt  " + zero) + box("mdat", rubbish(kFrames * kFrameBytes));
-    const std::string format = box("sowt", zero + one + zero + zero + number(4U << 16U | 16U) +
-                                               zero + zero + number(44100U << 16U));
+    const std::string format = box(
+        "sowt", zero + one + zero + zero + number(4U << 16U | 16U) + zero + number(44100U << 16U));
     const std::string table =
         box("stsd", zero + one + format) +
         box("stts", zero + one + number(kLongestPacket) + number(kLongestPacket)) +
