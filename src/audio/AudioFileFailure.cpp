@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstddef>
 
 #include <QString>
 
+#include "platform/files/ReplacementFile.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/ShownName.h"
 #include "platform/media/AudioFileStatus.h"
@@ -137,9 +139,10 @@ std::string closedFolderReason(const std::string& folder) {
 }
 
 std::string writingFailureReason(platform::AudioStatus status, const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  if (status == platform::kFilePermissionStatus && slash != std::string::npos) {
-    return closedFolderReason(path.substr(0, slash + 1));
-  }
-  return reasonIn(kWriting, status, path);
+  // A mere name tells nothing of a folder.
+  const bool mayBeFolder =
+      status == platform::kFilePermissionStatus && path.find('/') != std::string::npos;
+  const std::string closed =
+      mayBeFolder ? platform::ReplacementFile::closedFolderBeside(path, EACCES) : std::string();
+  return closed.empty() ? reasonIn(kWriting, status, path) : closedFolderReason(closed);
 }

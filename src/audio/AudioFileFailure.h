@@ -24,7 +24,8 @@
 [[nodiscard]] std::string readingFailureReason(platform::AudioStatus status,
                                                const std::string& path);
 
-/// For a file that could not be written or finished.
+/// For a file that could not be written or finished. With a path, and not a mere name, looks at the
+/// disk whether the folder is what may not be written in.
 [[nodiscard]] std::string writingFailureReason(platform::AudioStatus status,
                                                const std::string& path);
 

@@ -123,4 +123,21 @@ TEST_F(TagsTest, ThePanelSaysWhatGetsLostOfAFileThatIsReplaced) {
   panels_->answerSave(std::nullopt);
 }
 
+// What was opened has no kind yet: its first Save goes through the panel and so meets its question.
+TEST_F(TagsTest, TheFirstSaveOverAnOpenedFileAsksInThePanelThatSaysWhatGetsLost) {
+  const std::string before = support::wavBytes(96000, 6, 24, std::string(18 * 5000, '\1'));
+  ASSERT_TRUE(support::writeBytes(at("good.wav"), before));
+  openDocument();
+  document_->setCurrentFilename(at("good.wav"));
+  open(at("good.wav"));
+  ASSERT_GT(length(), 0U);
+  document_->saveFile(nullptr);
+  ASSERT_EQ(panels_->savePanels(), 1U);
+  EXPECT_EQ(panels_->savePanel().suggestedName, "good");
+  ASSERT_TRUE(panels_->savePanel().lossOfReplacing);
+  EXPECT_FALSE(panels_->savePanel().lossOfReplacing(at("good.wav")).isEmpty());
+  panels_->answerSave(std::nullopt);
+  EXPECT_EQ(bytesOf(at("good.wav")), before);
+}
+
 }  // namespace

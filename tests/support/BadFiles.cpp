@@ -179,7 +179,7 @@ std::vector<BadFile> badFiles() {
          bytes[7] = static_cast<char>(bytes[7] + 3);
          write(path, bytes);
        },
-       0, unknown});
+       kAnyNumber, damaged});
   add({"AFlippedBitInThePacketTableOfACaf", "a.caf",
        [](const std::string& path) {
          std::string bytes = encoded("caf", {"-c:a", "alac"});

@@ -126,7 +126,8 @@ void writeBeside(const OVSaveJob::Request& request, const OVSaveJob::Progress& p
   if (!replacement) {
     outcome.error = replacement.error();
     outcome.canBeInPlace = platform::InPlaceFile::isTheOnlyWay(request.path, outcome.error);
-    outcome.closedFolder = platform::ReplacementFile::closedFolderBeside(request.path);
+    outcome.closedFolder =
+        platform::ReplacementFile::closedFolderBeside(request.path, outcome.error);
     return;
   }
   if (encode(request, progress, platform::userAudioFiles()->writeTo(replacement->descriptor()),

@@ -43,7 +43,7 @@ class OVSaveJob {
     std::optional<OVDiskShortage> shortage = {};
     /// Nothing was written: no file can be made beside the target, but it can be written in place.
     bool canBeInPlace = false;
-    /// Nothing was written: the target's folder, if the user may not make files in it.
+    /// Nothing was written, since the user may not make files in this folder, the target's.
     std::string closedFolder = {};
     /// A copy of the old file if writing in place has damaged the target; otherwise empty.
     std::string copyOfOldFile = {};

@@ -53,7 +53,7 @@ void writePictureOf(OVWaveFormView& view, const std::string& path) {
   platform::globalQueue().async([picture, path] {
     const int error = writePicture(picture, path);
     if (error != 0) {
-      const std::string closed = platform::ReplacementFile::closedFolderBeside(path);
+      const std::string closed = platform::ReplacementFile::closedFolderBeside(path, error);
       platform::mainQueue().async([path, error, closed] {
         tellSaveFailed(
             path, closed.empty() ? platform::failureReason(error) : closedFolderReason(closed));

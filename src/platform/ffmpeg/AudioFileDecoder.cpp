@@ -245,9 +245,10 @@ bool AudioFileDecoder::isCutOff() const {
   const int rate = codec_->sample_rate;
   if (demuxer_->isLinearPcm()) {
     const std::int64_t promised = demuxer_->promisedPcmFrames();
-    const std::int64_t bytesPerFrame = std::max(stream.codecpar->block_align, 1);
+    const auto bytesPerFrame =
+        static_cast<std::uint64_t>(std::max(stream.codecpar->block_align, 1));
     return promised - decodedFrames_ >= std::max(rate / kToleratedPcmShare, 1) &&
-           !standsForUntilTheEnd(static_cast<std::uint64_t>(promised * bytesPerFrame));
+           !standsForUntilTheEnd(static_cast<std::uint64_t>(promised) * bytesPerFrame);
   }
   const std::int64_t declared = demuxer_->declaredDuration();
   // Other containers' lengths include the encoder's silence.
@@ -256,7 +257,7 @@ bool AudioFileDecoder::isCutOff() const {
   }
   const std::int64_t frames =
       av_rescale_q_rnd(declared, stream.time_base, {1, rate}, AV_ROUND_NEAR_INF);
-  return frames - kToleratedFrames > decodedFrames_;
+  return frames < 0 || frames > decodedFrames_ + kToleratedFrames;  // negative: it overflowed
 }
 
 }  // namespace platform

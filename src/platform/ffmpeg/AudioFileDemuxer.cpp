@@ -207,10 +207,17 @@ std::int64_t AudioFileDemuxer::estimatedDuration() const {
 }
 
 std::int64_t AudioFileDemuxer::promisedPcmFrames() const {
+  return std::clamp<std::int64_t>(promiseOfHeader(), 0, kMostPromisedFrames);
+}
+
+// As the header has it, whatever number that is.
+std::int64_t AudioFileDemuxer::promiseOfHeader() const {
   const AVCodecParameters& parameters = *stream_->codecpar;
   if (isMpeg4()) {
-    return av_rescale_q_rnd(declaredDuration(), stream_->time_base,
-                            {1, std::max(parameters.sample_rate, 1)}, AV_ROUND_NEAR_INF);
+    const std::int64_t frames =
+        av_rescale_q_rnd(declaredDuration(), stream_->time_base,
+                         {1, std::max(parameters.sample_rate, 1)}, AV_ROUND_NEAR_INF);
+    return frames >= 0 ? frames : kMostPromisedFrames;  // FFmpeg's answer to what overflows
   }
   if (stream_->nb_frames > 0) {
     return stream_->nb_frames;

@@ -67,8 +67,11 @@ class AudioFileDemuxer {
   [[nodiscard]] std::int64_t estimatedDuration() const;
 
   /// Length in frames declared by a linear PCM header, whatever the file's real length; 0 if
-  /// absent.
+  /// absent. At most kMostPromisedFrames.
   [[nodiscard]] std::int64_t promisedPcmFrames() const;
+
+  /// Five years at the highest rate: a longer promise is nonsense, and sums must not overflow.
+  static constexpr std::int64_t kMostPromisedFrames = std::int64_t{1} << 47;
 
   /// MP3: what the encoder added, which the decoder leaves out. Only in a file that declares its
   /// length.
@@ -90,6 +93,7 @@ class AudioFileDemuxer {
   [[nodiscard]] int chooseStream();
   [[nodiscard]] int verdict(int error) const;
   [[nodiscard]] bool isDurationGuessed() const;
+  [[nodiscard]] std::int64_t promiseOfHeader() const;
 
   const std::unique_ptr<AudioFileIo> io_;  // outlives the context
   DecodingBudget& interruption_;

@@ -27,7 +27,8 @@ AudioFileLength lengthOfBareStream(const AudioFileDemuxer& demuxer) {
             .isEstimated = true};
   }
   const AVRational frame{1, std::max(stream.codecpar->sample_rate, 1)};
-  const std::int64_t all = av_rescale_q_rnd(declared, stream.time_base, frame, AV_ROUND_NEAR_INF);
+  const std::int64_t all = std::max<std::int64_t>(
+      av_rescale_q_rnd(declared, stream.time_base, frame, AV_ROUND_NEAR_INF), 0);
   const Mp3LengthTag added = demuxer.mp3Tag().value_or(Mp3LengthTag{});
   return {.frames = workingFrames(all - added.atStart - added.atEnd, frame)};
 }

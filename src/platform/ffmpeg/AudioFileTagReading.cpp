@@ -96,15 +96,12 @@ void takeCover(const AVStream& stream, AudioFileTags& tags) {
 
 }  // namespace
 
-AudioFileTags tagsOf(const AVFormatContext& file) {
+AudioFileTags tagsOf(const AVFormatContext& file, const AVStream& sound) {
   AudioFileTags tags;
   addTexts(file.metadata, tags);
+  addTexts(sound.metadata, tags);
   for (unsigned i = 0; i < file.nb_streams; ++i) {
-    const AVStream& stream = *file.streams[i];
-    if (stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
-      addTexts(stream.metadata, tags);
-    }
-    takeCover(stream, tags);
+    takeCover(*file.streams[i], tags);
   }
   return tags;
 }

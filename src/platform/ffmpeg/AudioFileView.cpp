@@ -54,13 +54,20 @@ void AudioFileView::remember(const char* bytes, std::uint64_t byteCount, std::ui
   }
   remembered_.push_back({offset + byteCount - kept, {bytes + byteCount - kept, kept}});
   rememberedBytes_ += kept;
-  while (rememberedBytes_ > kMaxRemembered && remembered_.size() > 1) {
+  while (rememberedBytes_ > kMaxRemembered) {
     // What is furthest on has yet to be read: the file is read from its start in the end.
     const auto first = std::min_element(
-        remembered_.begin(), remembered_.end() - 1,
+        remembered_.begin(), remembered_.end(),
         [](const Extent& one, const Extent& other) { return one.offset < other.offset; });
-    rememberedBytes_ -= first->bytes.size();
-    remembered_.erase(first);
+    const std::size_t surplus = rememberedBytes_ - kMaxRemembered;
+    if (first == remembered_.end() - 1 && first->bytes.size() > surplus) {
+      first->bytes.erase(0, surplus);
+      first->offset += surplus;
+      rememberedBytes_ -= surplus;
+    } else {
+      rememberedBytes_ -= first->bytes.size();
+      remembered_.erase(first);
+    }
   }
 }
 

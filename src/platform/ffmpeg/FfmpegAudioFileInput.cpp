@@ -148,7 +148,11 @@ AudioStreamBasicDescription FfmpegAudioFileInput::fileDataFormat() const {
 }
 
 AudioFileTags FfmpegAudioFileInput::tags() const {
-  return decoder_ != nullptr ? tagsOf(decoder_->demuxer().container()) : AudioFileTags();
+  if (decoder_ == nullptr) {
+    return {};
+  }
+  const AudioFileDemuxer& demuxer = decoder_->demuxer();
+  return tagsOf(demuxer.container(), demuxer.stream());
 }
 
 AudioStatus FfmpegAudioFileInput::setClientDataFormat(

@@ -71,6 +71,7 @@ class FfmpegAudioFileOutput final : public ExtAudioFileOutput {
   [[nodiscard]] int encode(const AVFrame* frame);
   [[nodiscard]] int finish();
   [[nodiscard]] AudioStatus keep(int error);
+  [[nodiscard]] AudioStatus keepStatus(AudioStatus status);
 
   const AudioFileKind kind_;
   const std::optional<std::uint64_t> maximumFrames_;
@@ -117,7 +118,7 @@ FfmpegAudioFileOutput::~FfmpegAudioFileOutput() {
 AudioStatus FfmpegAudioFileOutput::start(UserAudioFiles::Opened file, const AudioFileTags& tags) {
   const FfmpegLog::Scope scope(log_);
   if (!file) {
-    return keep(AVERROR(file.error()));
+    return keepStatus(audioFileStatus(AudioFileStage::writing, AVERROR(file.error())));
   }
   file_ = *std::move(file);
   io_ = AudioFileIo::forWriting(*file_);
@@ -236,7 +237,7 @@ AudioStatus FfmpegAudioFileOutput::write(const float* frames, std::uint64_t coun
     return kInvalidParameterStatus;
   }
   if (maximumFrames_ && count > *maximumFrames_ - std::min(frameCount_, *maximumFrames_)) {
-    return keep(AVERROR(EFBIG));
+    return keepStatus(kFileTooLargeStatus);
   }
   const FfmpegLog::Scope scope(log_);
   frameCount_ += count;
@@ -353,13 +354,17 @@ int FfmpegAudioFileOutput::finish() {
   return result;
 }
 
-// Keeps the first failure; the file's own error says more than FFmpeg's.
+// What a function of FFmpeg returned. The file's own error says more than FFmpeg's.
 AudioStatus FfmpegAudioFileOutput::keep(int error) {
-  if (io_ != nullptr && io_->firstError() != 0) {
-    error = io_->firstError();
-  }
+  const bool hasFileFailed = io_ != nullptr && io_->firstError() != 0;
+  return keepStatus(audioFileStatus(AudioFileStage::writing,
+                                    hasFileFailed ? io_->firstError() : ffmpegVerdict(error)));
+}
+
+// Keeps the first failure.
+AudioStatus FfmpegAudioFileOutput::keepStatus(AudioStatus status) {
   if (firstFailure_ == kAudioStatusOk) {
-    firstFailure_ = audioFileStatus(AudioFileStage::writing, error);
+    firstFailure_ = status;
   }
   return firstFailure_;
 }

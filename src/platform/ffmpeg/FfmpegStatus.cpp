@@ -41,9 +41,10 @@ constexpr std::array kRows{
     always(AVERROR(EMFILE), kTooManyOpenFilesStatus),
     always(AVERROR(ENFILE), kTooManyOpenFilesStatus),
     always(AVERROR(ENOMEM), kOutOfMemoryStatus),
-    // A file that no demuxer takes, that one gave up on, or that ended inside its header.
+    // A file that no demuxer takes, that one gave up on, or that ended inside its header; what an
+    // encoder or a muxer does not take.
     Row{AVERROR_INVALIDDATA, kUnsupportedFileTypeStatus, kInvalidFileStatus,
-        kFileInputOutputStatus},
+        kUnsupportedDataFormatStatus},
     Row{AVERROR(EINVAL), kUnsupportedFileTypeStatus, kInvalidFileStatus, kFileInputOutputStatus},
     Row{AVERROR_EOF, kUnsupportedFileTypeStatus, kInvalidFileStatus, kFileInputOutputStatus},
     Row{AVERROR_EXIT, kUnsupportedFileTypeStatus, kInvalidFileStatus, kFileInputOutputStatus},

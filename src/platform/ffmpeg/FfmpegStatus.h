@@ -25,9 +25,9 @@ enum class AudioFileStage {
 /// Bound for a single allocation by FFmpeg, in bytes, which a damaged length field can inflate.
 inline constexpr std::size_t kLargestAllocation = std::size_t{512} << 20;
 
-/// An error that a function of FFmpeg returned, as its own verdict. Demuxers and decoders return
-/// errnos too (EPERM, EIO, ENOMEM) that no system call gave them: those are AVERROR_INVALIDDATA
-/// here. ENOMEM stays if the system does refuse kLargestAllocation.
+/// An error that a function of FFmpeg returned, as its own verdict. Demuxers, decoders, encoders
+/// and muxers return errnos too (EPERM, EIO, ENOMEM) that no system call gave them: those are
+/// AVERROR_INVALIDDATA here. ENOMEM stays if the system does refuse kLargestAllocation.
 [[nodiscard]] int ffmpegVerdict(int error);
 
 }  // namespace platform

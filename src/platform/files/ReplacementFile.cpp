@@ -74,7 +74,10 @@ std::string ReplacementFile::folderBeside(const std::string& target) {
   return folderOf(target);
 }
 
-std::string ReplacementFile::closedFolderBeside(const std::string& target) {
+std::string ReplacementFile::closedFolderBeside(const std::string& target, int error) {
+  if (error != EACCES && error != EPERM) {
+    return {};
+  }
   std::string folder = folderBeside(target);
   const bool isClosed =
       ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0 && errno == EACCES;

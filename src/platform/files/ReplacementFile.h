@@ -42,8 +42,9 @@ class ReplacementFile {
   /// Creates nothing.
   [[nodiscard]] static std::string folderBeside(const std::string& target);
 
-  /// That folder, if the user may not make files in it; otherwise, or if it is not there, empty.
-  [[nodiscard]] static std::string closedFolderBeside(const std::string& target);
+  /// That folder, if the user may not make files in it and `error` of a failure to write `target`,
+  /// an errno, can come of that; otherwise, or if it is not there, empty.
+  [[nodiscard]] static std::string closedFolderBeside(const std::string& target, int error);
 
   /// Deletes the new file unless it was committed.
   ~ReplacementFile();

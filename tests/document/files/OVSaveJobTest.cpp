@@ -12,6 +12,7 @@
 
 #include "document/FileFixture.h"
 #include "platform/files/TemporaryFiles.h"
+#include "support/ClosedFolder.h"
 #include "support/fakes/MemoryTestBuffer.h"
 #include "support/fakes/ScriptedFreeSpace.h"
 
@@ -158,6 +159,27 @@ TEST_F(OVSaveJobTest, ALinkThatTakesTheNewFilesNameMeanwhileLeadsToNoOtherFile) 
   EXPECT_TRUE(swapped);
   EXPECT_EQ(outcome.error, ESTALE);
   EXPECT_EQ(bytesOf(at("victim")), "secret");
+}
+
+TEST_F(OVSaveJobTest, AFolderInWhichNothingMayBeMadeIsNamed) {
+  audio_->append(ramp(1000));
+  ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+  const support::ClosedFolder closed(folder_.path());
+  ASSERT_TRUE(closed.isClosed());
+  const auto refused = save(1000);
+  EXPECT_EQ(refused.error, EACCES);
+  EXPECT_EQ(refused.closedFolder, folder_.path());
+}
+
+TEST_F(OVSaveJobTest, AnotherErrorInAClosedFolderIsToldAsItIs) {
+  audio_->append(ramp(1000));
+  fs::create_directory(at("take.wav"));
+  ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+  const support::ClosedFolder closed(folder_.path());
+  ASSERT_TRUE(closed.isClosed());
+  const auto refused = save(1000);
+  EXPECT_EQ(refused.error, EISDIR);
+  EXPECT_EQ(refused.closedFolder, "");
 }
 
 // In place ---------------------------------------------------------------------------------------

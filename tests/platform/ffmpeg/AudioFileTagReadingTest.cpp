@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 
 #include "platform/ffmpeg/AudioFileFixture.h"
+#include "platform/ffmpeg/AvResources.h"
+#include "platform/ffmpeg/Ffmpeg.h"
 
 namespace platform {
 namespace {
@@ -28,7 +30,7 @@ class AudioFileTagReadingTest : public AudioFileFixture {
       ADD_FAILURE() << "cannot be opened";
       return {};
     }
-    return tagsOf(demuxer->container());
+    return tagsOf(demuxer->container(), demuxer->stream());
   }
 
   /// A file of sound with a picture that ffmpeg makes.
@@ -81,6 +83,23 @@ TEST_F(AudioFileTagReadingTest, AFileWithoutTagsHasNone) {
   for (const char* const suffix : {"wav", "aiff", "mp3", "m4a", "caf", "aac"}) {
     EXPECT_EQ(read(suffix, {"-fflags", "+bitexact"}), AudioFileTags()) << suffix;
   }
+}
+
+TEST_F(AudioFileTagReadingTest, OfSeveralSoundsTheTextsOfTheOneThatIsReadCount) {
+  const AvInput file(avformat_alloc_context());
+  ASSERT_NE(file, nullptr);
+  for (const char* const title : {"One", "Other"}) {
+    AVStream* const stream = avformat_new_stream(file.get(), nullptr);
+    ASSERT_NE(stream, nullptr);
+    stream->codecpar->codec_type = AVMEDIA_TYPE_AUDIO;
+    av_dict_set(&stream->metadata, "title", title, 0);
+  }
+  av_dict_set(&file->streams[0]->metadata, "artist", "Someone", 0);
+  EXPECT_EQ(tagsOf(*file, *file->streams[0]).texts,
+            (Texts{{AudioFileTag::title, "One"}, {AudioFileTag::artist, "Someone"}}));
+  EXPECT_EQ(tagsOf(*file, *file->streams[1]).texts, (Texts{{AudioFileTag::title, "Other"}}));
+  av_dict_set(&file->metadata, "title", "All", 0);
+  EXPECT_EQ(tagsOf(*file, *file->streams[1]).texts, (Texts{{AudioFileTag::title, "All"}}));
 }
 
 TEST_F(AudioFileTagReadingTest, NamesThatCafAndAiffHaveOfTheirOwnAreKnown) {

@@ -76,6 +76,17 @@ TEST_F(AudioFileViewTest, WhatIsFurthestOnIsRememberedLongest) {
   EXPECT_EQ(all.bytesRead(), before + 10) << "only so much is remembered";
 }
 
+TEST_F(AudioFileViewTest, ALargeReadLeavesWhatIsRememberedBehindIt) {
+  constexpr std::size_t kLarge = AudioFileView::kMaxRemembered;  // a picture in a tag
+  const std::string bytes = numbered(kLarge + 5000);
+  AudioFileView all = view(bytes);
+  EXPECT_EQ(read(all, kLarge, 2000), bytes.substr(kLarge, 2000));
+  EXPECT_TRUE(read(all, 0, kLarge) == bytes.substr(0, kLarge));
+  EXPECT_EQ(read(all, kLarge, 2000), bytes.substr(kLarge, 2000));
+  EXPECT_TRUE(read(all, 2000, kLarge - 2000) == bytes.substr(2000, kLarge - 2000));
+  EXPECT_EQ(all.bytesRead(), kLarge + 2000);
+}
+
 TEST_F(AudioFileViewTest, ShowsCorrectionsWhereverAReadBegins) {
   AudioFileView all = view("0123456789");
   all.correct(3, "abc");

@@ -71,6 +71,14 @@ TEST(FfmpegStatusTest, MemoryThatTheSystemRefusesIsNotTheFilesFault) {
   EXPECT_EQ(ffmpegVerdict(AVERROR(ENOMEM)), AVERROR(ENOMEM));
 }
 
+TEST(FfmpegStatusTest, WhatAnEncoderDoesNotTakeIsNeitherTheMediumsNorTheRightsFault) {
+  for (const int error : {EPERM, EIO, ENOMEM}) {
+    EXPECT_EQ(audioFileStatus(AudioFileStage::writing, ffmpegVerdict(AVERROR(error))),
+              kUnsupportedDataFormatStatus)
+        << error;
+  }
+}
+
 // Reports of a read show only the low 16 bits, which must not be 0 for a failure.
 TEST(FfmpegStatusTest, NoStatusVanishesInItsLowHalf) {
   for (const AudioStatus status :
