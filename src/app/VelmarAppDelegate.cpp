@@ -402,7 +402,7 @@ void VelmarAppDelegate::openWebsite(QObject*) {
 }
 
 void VelmarAppDelegate::openPage(const QUrl& page) {
-  const QString name = page.toDisplayString(QUrl::PreferLocalFile);
+  const QString name = platform::shownName(page.toDisplayString(QUrl::PreferLocalFile));
   const bool isMissing = page.isLocalFile() && !QFileInfo::exists(page.toLocalFile());
   if (isMissing || !platform::desktopServices()->open(page)) {
     ShowModalAlert(platform::localizedUtf8("The page could not be opened"),

@@ -4,6 +4,7 @@
 #include <QFileOpenEvent>
 #include <QMenu>
 #include <QMimeData>
+#include <QTranslator>
 #include <QUrl>
 #include <filesystem>
 #include <fstream>
@@ -384,6 +385,27 @@ TEST_F(OpenAndQuitTest, APageThatNoProgramOpensIsTold) {
   delegate_.openWebsite(nullptr);
   delegate_.openDocumentation(nullptr);
   EXPECT_EQ(services_->alerts().size(), 2U);
+}
+
+/// A language whose help page has a name that no line should show.
+class OddHelpPage : public QTranslator {
+ public:
+  [[nodiscard]] QString translate(const char* context, const char* text, const char* disambiguation,
+                                  int n) const override {
+    return text == std::string_view("en/index.html")
+               ? QStringLiteral("x\ny\u202E.html")
+               : QTranslator::translate(context, text, disambiguation, n);
+  }
+  [[nodiscard]] bool isEmpty() const override { return false; }
+};
+
+TEST_F(OpenAndQuitTest, ThePathOfAMissingPageStandsInOneLine) {
+  OddHelpPage odd;
+  ASSERT_TRUE(QCoreApplication::installTranslator(&odd));
+  delegate_.openDocumentation(nullptr);
+  ASSERT_EQ(services_->alerts().size(), 1U);
+  EXPECT_THAT(services_->alerts()[0].message,
+              HasSubstr("/x y .html is missing. Install Orvo again."));
 }
 
 // Quit ------------------------------------------------------------------------------------------
