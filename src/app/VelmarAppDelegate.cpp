@@ -427,7 +427,7 @@ void VelmarAppDelegate::logToConsole(const std::string& text) {
   if (!debugConsole_) {
     makeDebugWindow();
   }
-  debugConsole_->appendPlainText(QString::fromStdString(text));
+  debugConsole_->appendPlainText(platform::shownName(text));  // it may hold names of files
 }
 
 void VelmarAppDelegate::showDiagnostics() {

@@ -104,7 +104,7 @@ class VelmarAppDelegate {
   void registerTempFile(const std::string& path);
   [[nodiscard]] std::vector<std::string> tempfiles() const;
 
-  /// Appends a line to the debug console.
+  /// Appends a line to the debug console. Line breaks in it, as of a file's name, become spaces.
   void logToConsole(const std::string& text);
   void showDiagnostics();
 
