@@ -22,6 +22,7 @@
 #include "platform/base/MainThread.h"
 #include "platform/desktop/DesktopServices.h"
 #include "platform/desktop/FileDialogs.h"
+#include "platform/desktop/MessageBox.h"
 #include "platform/files/AbsolutePath.h"
 #include "platform/files/Descriptors.h"
 #include "platform/mainloop/Localization.h"
@@ -439,5 +440,13 @@ void VelmarAppDelegate::showDiagnostics() {
 }
 
 void VelmarAppDelegate::showAbout() {
-  QMessageBox::about(QApplication::activeWindow(), platform::localized("About Orvo"), aboutText());
+  const QString text = aboutText();  // its first paragraph is the title
+  const QString paragraph = QStringLiteral("\n\n");
+  auto* const about = new QMessageBox(QApplication::activeWindow());
+  about->setObjectName("about");
+  about->setAttribute(Qt::WA_DeleteOnClose);
+  platform::fillMessageBox(*about, text.section(paragraph, 0, 0), text.section(paragraph, 1));
+  about->setWindowTitle(platform::localized("About Orvo"));
+  about->addButton(platform::localized("&OK"), QMessageBox::AcceptRole);
+  about->open();
 }
