@@ -146,31 +146,34 @@ bool VelmarAppDelegate::applicationOpenFiles(const std::vector<std::string>& pat
   platform::assertMainThread();
   for (const std::string& path : paths) {
     spawn_rec_ = false;
-    openInNewWindow(path);
+    if (!openInNewWindow(path)) {
+      break;
+    }
   }
   return true;
 }
 
-void VelmarAppDelegate::openInNewWindow(const std::string& path) {
+bool VelmarAppDelegate::openInNewWindow(const std::string& path) {
   if (!hasRoomForAWindow()) {
-    return;
+    return false;
   }
   std::string absolute = platform::absolutePathOf(path);
   if (absolute.empty()) {
     absolute = path;  // an empty path, or no working directory: the reader reports it
   }
-  recentFiles_.note(absolute);
   const auto controller = makeWindow();
   if (!controller->buffer()) {  // nothing can be opened without storage, which was told
     closeUnlessTheOnlyOne(controller->window());
-    return;
+    return false;
   }
+  recentFiles_.note(absolute);
   controller->showWindow();
   controller->window()->setTitle(
       VLRecorderWindowController::titleWithName(platform::shownName(lastPathComponent(absolute))));
   controller->setCurrentFilename(absolute);
   controller->setCurrentFiletype(-1);
   controller->openFileNamed(absolute);
+  return true;
 }
 
 // The only window stays as an empty recorder.
@@ -209,17 +212,14 @@ bool VelmarAppDelegate::mayAskNow() const {
 }
 
 void VelmarAppDelegate::openFile(QWidget* window) {
-  platform::fileDialogs()->beginOpenPanel({.window = window,
-                                           .title = platform::localized("Open"),
-                                           .acceptLabel = platform::localized("&Open"),
-                                           .directory = folderOfDocument(window),
-                                           .allowsMultipleSelection = true,
-                                           .fileTypes = readableFileTypes()},
-                                          [this](const std::vector<std::string>& paths) {
-                                            for (const std::string& path : paths) {
-                                              openInNewWindow(path);
-                                            }
-                                          });
+  platform::fileDialogs()->beginOpenPanel(
+      {.window = window,
+       .title = platform::localized("Open"),
+       .acceptLabel = platform::localized("&Open"),
+       .directory = folderOfDocument(window),
+       .allowsMultipleSelection = true,
+       .fileTypes = readableFileTypes()},
+      [this](const std::vector<std::string>& paths) { applicationOpenFiles(paths); });
 }
 
 // Quit ------------------------------------------------------------------------------------------

@@ -302,11 +302,27 @@ TEST_F(OpenAndQuitTest, WithoutStorageFilesLeaveOneWindowAndTheAlertThatSaysWhy)
   support::FailingTemporaryFiles files;
   files.failCreation(ENOENT);
   const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
-  delegate_.applicationOpenFiles({writeFile("one.wav"), writeFile("two.wav")});
+  delegate_.applicationOpenFiles(
+      {writeFile("one.wav"), writeFile("two.wav"), writeFile("three.wav")});
   EXPECT_TRUE(runMainLoopUntil([] { return windows().size() == 1; }));
+  settleQueues();
   EXPECT_THAT(titles(), ElementsAre("Orvo - Unnamed"));
   EXPECT_TRUE(windows().at(0)->isVisible());
+  EXPECT_EQ(services_->postedAlerts().size(), 1U);
   EXPECT_THAT(services_->postedAlerts().at(0).message, HasSubstr("There is no such folder."));
+}
+
+TEST_F(OpenAndQuitTest, AFileThatWasNotOpenedForLackOfStorageIsNotListed) {
+  support::FailingTemporaryFiles files;
+  files.failCreation(ENOENT);
+  {
+    const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
+    delegate_.applicationOpenFile(writeFile("one.wav"));
+  }
+  delegate_.applicationOpenFile(writeFile("two.wav"));
+  awaitAllIdle();
+  EXPECT_TRUE(runMainLoopUntil([&] { return !recent_.recentDocuments(9).empty(); }));
+  EXPECT_THAT(recent_.recentDocuments(9), ElementsAre(at("two.wav")));
 }
 
 TEST_F(OpenAndQuitTest, OpenRecentIsDisabledWithNothingToShow) {
