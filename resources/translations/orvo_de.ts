@@ -272,8 +272,6 @@
         <translation>Wartet auf Platz auf dem Datenträger</translation>
     </message>
     <message>
-        <source>Later</source>
-        <translation>Später</translation>
         <source>&amp;Later</source>
         <translation>S&amp;päter</translation>
     </message>

@@ -272,8 +272,6 @@
         <translation>A la espera de espacio en el disco</translation>
     </message>
     <message>
-        <source>Later</source>
-        <translation>Más tarde</translation>
         <source>&amp;Later</source>
         <translation>&amp;Más tarde</translation>
     </message>

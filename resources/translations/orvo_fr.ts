@@ -272,8 +272,6 @@
         <translation>En attente de place sur le disque</translation>
     </message>
     <message>
-        <source>Later</source>
-        <translation>Plus tard</translation>
         <source>&amp;Later</source>
         <translation>Plus &amp;tard</translation>
     </message>

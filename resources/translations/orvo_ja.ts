@@ -272,8 +272,6 @@
         <translation>ディスクの空きを待っています</translation>
     </message>
     <message>
-        <source>Later</source>
-        <translation>後で</translation>
         <source>&amp;Later</source>
         <translation>後で(&amp;L)</translation>
     </message>

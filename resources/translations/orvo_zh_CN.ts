@@ -272,8 +272,6 @@
         <translation>正在等待磁盘空间</translation>
     </message>
     <message>
-        <source>Later</source>
-        <translation>稍后</translation>
         <source>&amp;Later</source>
         <translation>稍后(&amp;L)</translation>
     </message>

@@ -10,6 +10,7 @@
 #include "platform/desktop/MessageBox.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
+#include "platform/mainloop/ShownName.h"
 
 namespace {
 
@@ -18,7 +19,7 @@ void runAlert(const std::string& title, const std::string& message) {
   const QWidget* const front = QApplication::activeWindow();
   QMessageBox alert;
   alert.setObjectName("modalAlert");
-  platform::fillMessageBox(alert, QString::fromStdString(title), QString::fromStdString(message));
+  platform::fillMessageBox(alert, platform::shownMessage(title), platform::shownMessage(message));
   alert.addButton(platform::localized("&OK"), QMessageBox::AcceptRole);
   alert.setWindowModality(Qt::ApplicationModal);
   alert.setAttribute(Qt::WA_QuitOnClose, false);  // an alert may be the only window

@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 
 using platform::localized;
 using platform::TextKey;
@@ -166,6 +167,11 @@ QString OVCommandLineText::help() {
     }
   }
   return text;
+}
+
+QString OVCommandLineText::refusalOf(const std::string& option) {
+  return localized("orvo: unknown option: %1\nTry orvo --help").arg(platform::shownName(option)) +
+         u'\n';
 }
 
 std::string OVCommandLineText::manualPage(const std::string& date) {

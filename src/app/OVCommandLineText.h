@@ -13,6 +13,10 @@ class OVCommandLineText {
   /// The answer to --help, in the language of the user interface. Ends with a newline.
   [[nodiscard]] static QString help();
 
+  /// The answer to an option that is unknown, shown so that it does not disturb the terminal. Ends
+  /// with a newline.
+  [[nodiscard]] static QString refusalOf(const std::string& option);
+
   /// The manual page in mdoc, always ASCII. `date` is the day of the release as YYYY-MM-DD.
   [[nodiscard]] static std::string manualPage(const std::string& date);
 };

@@ -22,6 +22,7 @@
 #include "platform/base/MainThread.h"
 #include "platform/desktop/DesktopServices.h"
 #include "platform/desktop/FileDialogs.h"
+#include "platform/desktop/MessageBox.h"
 #include "platform/files/AbsolutePath.h"
 #include "platform/files/Descriptors.h"
 #include "platform/mainloop/Localization.h"
@@ -145,31 +146,34 @@ bool VelmarAppDelegate::applicationOpenFiles(const std::vector<std::string>& pat
   platform::assertMainThread();
   for (const std::string& path : paths) {
     spawn_rec_ = false;
-    openInNewWindow(path);
+    if (!openInNewWindow(path)) {
+      break;
+    }
   }
   return true;
 }
 
-void VelmarAppDelegate::openInNewWindow(const std::string& path) {
+bool VelmarAppDelegate::openInNewWindow(const std::string& path) {
   if (!hasRoomForAWindow()) {
-    return;
+    return false;
   }
   std::string absolute = platform::absolutePathOf(path);
   if (absolute.empty()) {
     absolute = path;  // an empty path, or no working directory: the reader reports it
   }
-  recentFiles_.note(absolute);
   const auto controller = makeWindow();
   if (!controller->buffer()) {  // nothing can be opened without storage, which was told
     closeUnlessTheOnlyOne(controller->window());
-    return;
+    return false;
   }
+  recentFiles_.note(absolute);
   controller->showWindow();
   controller->window()->setTitle(
       VLRecorderWindowController::titleWithName(platform::shownName(lastPathComponent(absolute))));
   controller->setCurrentFilename(absolute);
   controller->setCurrentFiletype(-1);
   controller->openFileNamed(absolute);
+  return true;
 }
 
 // The only window stays as an empty recorder.
@@ -208,17 +212,14 @@ bool VelmarAppDelegate::mayAskNow() const {
 }
 
 void VelmarAppDelegate::openFile(QWidget* window) {
-  platform::fileDialogs()->beginOpenPanel({.window = window,
-                                           .title = platform::localized("Open"),
-                                           .acceptLabel = platform::localized("&Open"),
-                                           .directory = folderOfDocument(window),
-                                           .allowsMultipleSelection = true,
-                                           .fileTypes = readableFileTypes()},
-                                          [this](const std::vector<std::string>& paths) {
-                                            for (const std::string& path : paths) {
-                                              openInNewWindow(path);
-                                            }
-                                          });
+  platform::fileDialogs()->beginOpenPanel(
+      {.window = window,
+       .title = platform::localized("Open"),
+       .acceptLabel = platform::localized("&Open"),
+       .directory = folderOfDocument(window),
+       .allowsMultipleSelection = true,
+       .fileTypes = readableFileTypes()},
+      [this](const std::vector<std::string>& paths) { applicationOpenFiles(paths); });
 }
 
 // Quit ------------------------------------------------------------------------------------------
@@ -402,7 +403,7 @@ void VelmarAppDelegate::openWebsite(QObject*) {
 }
 
 void VelmarAppDelegate::openPage(const QUrl& page) {
-  const QString name = page.toDisplayString(QUrl::PreferLocalFile);
+  const QString name = platform::shownName(page.toDisplayString(QUrl::PreferLocalFile));
   const bool isMissing = page.isLocalFile() && !QFileInfo::exists(page.toLocalFile());
   if (isMissing || !platform::desktopServices()->open(page)) {
     ShowModalAlert(platform::localizedUtf8("The page could not be opened"),
@@ -427,7 +428,7 @@ void VelmarAppDelegate::logToConsole(const std::string& text) {
   if (!debugConsole_) {
     makeDebugWindow();
   }
-  debugConsole_->appendPlainText(QString::fromStdString(text));
+  debugConsole_->appendPlainText(platform::shownName(text));  // it may hold names of files
 }
 
 void VelmarAppDelegate::showDiagnostics() {
@@ -439,5 +440,13 @@ void VelmarAppDelegate::showDiagnostics() {
 }
 
 void VelmarAppDelegate::showAbout() {
-  QMessageBox::about(QApplication::activeWindow(), platform::localized("About Orvo"), aboutText());
+  const QString text = aboutText();  // its first paragraph is the title
+  const QString paragraph = QStringLiteral("\n\n");
+  auto* const about = new QMessageBox(QApplication::activeWindow());
+  about->setObjectName("about");
+  about->setAttribute(Qt::WA_DeleteOnClose);
+  platform::fillMessageBox(*about, text.section(paragraph, 0, 0), text.section(paragraph, 1));
+  about->setWindowTitle(platform::localized("About Orvo"));
+  about->addButton(platform::localized("&OK"), QMessageBox::AcceptRole);
+  about->open();
 }

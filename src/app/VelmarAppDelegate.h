@@ -104,7 +104,7 @@ class VelmarAppDelegate {
   void registerTempFile(const std::string& path);
   [[nodiscard]] std::vector<std::string> tempfiles() const;
 
-  /// Appends a line to the debug console.
+  /// Appends a line to the debug console. Line breaks in it, as of a file's name, become spaces.
   void logToConsole(const std::string& text);
   void showDiagnostics();
 
@@ -119,7 +119,8 @@ class VelmarAppDelegate {
  private:
   [[nodiscard]] std::vector<QPointer<OVRecorderWindow>> recorderWindows() const;
   std::shared_ptr<VLRecorderWindowController> makeWindow();
-  void openInNewWindow(const std::string& path);
+  /// False if no further file can be opened either, which was told.
+  [[nodiscard]] bool openInNewWindow(const std::string& path);
   /// For a window whose file could not be opened.
   void closeUnlessTheOnlyOne(const QPointer<OVRecorderWindow>& window);
   /// Whether a question disturbs nothing now.

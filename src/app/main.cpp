@@ -29,7 +29,6 @@
 #include "platform/files/Descriptors.h"
 #include "platform/mainloop/FailedWriteSignals.h"
 #include "platform/mainloop/FontPreparation.h"
-#include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/mainloop/TerminationSignals.h"
 #include "platform/media/FfmpegModule.h"
@@ -75,9 +74,7 @@ int answer(const OVCommandLine& commandLine) {
     case OVCommandLine::Request::printVersion:
       return print(stdout, QStringLiteral("Orvo " ORVO_VERSION "\n"));
     default:
-      print(stderr, platform::localized("orvo: unknown option: %1\nTry orvo --help")
-                            .arg(QString::fromStdString(commandLine.unknownOption())) +
-                        u'\n');
+      print(stderr, OVCommandLineText::refusalOf(commandLine.unknownOption()));
       return 2;
   }
 }

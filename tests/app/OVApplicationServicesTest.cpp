@@ -155,6 +155,15 @@ TEST_F(OVApplicationServicesTest, NamesOfFilesAreNoMarkup) {
   EXPECT_THAT(person.seen(), SizeIs(1));
 }
 
+TEST_F(OVApplicationServicesTest, WhatDisturbsALineIsNotShown) {
+  Person person([](const QMessageBox& alert) {
+    EXPECT_EQ(alert.text(), "a b.wav");
+    EXPECT_EQ(alert.informativeText(), "The file /tmp/ orvo is not there.\n\nLook again.");
+  });
+  services_->showModalAlert("a\tb.wav", "The file /tmp/\u202Eorvo is not there.\n\nLook again.");
+  EXPECT_THAT(person.seen(), SizeIs(1));
+}
+
 TEST_F(OVApplicationServicesTest, AnAlertThatIsClosedWithoutItsButtonIsDismissedToo) {
   Person person([](QMessageBox& alert) {
     QTest::keyClick(&alert, Qt::Key_Escape);

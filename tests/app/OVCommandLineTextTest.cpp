@@ -39,6 +39,11 @@ TEST(OVCommandLineTextTest, HelpIsInTheLanguageOfTheInterface) {
   EXPECT_THAT(help(), Not(HasSubstr("Prints")));
 }
 
+TEST(OVCommandLineTextTest, ARefusedOptionDoesNotDisturbTheTerminal) {
+  EXPECT_EQ(OVCommandLineText::refusalOf("--loud\x1b]0;name\x07\n").toStdString(),
+            "orvo: unknown option: --loud ]0;name  \nTry orvo --help\n");
+}
+
 TEST(OVCommandLineTextTest, ManualHasTheTextsOfTheHelp) {
   const std::string page = OVCommandLineText::manualPage("2026-03-05");
   for (const char* const text : {"Prints the version.", "Ends the options.\n", ".It Fl \\-help\n",

@@ -4,6 +4,7 @@
 #include <QFileOpenEvent>
 #include <QMenu>
 #include <QMimeData>
+#include <QTranslator>
 #include <QUrl>
 #include <filesystem>
 #include <fstream>
@@ -301,11 +302,27 @@ TEST_F(OpenAndQuitTest, WithoutStorageFilesLeaveOneWindowAndTheAlertThatSaysWhy)
   support::FailingTemporaryFiles files;
   files.failCreation(ENOENT);
   const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
-  delegate_.applicationOpenFiles({writeFile("one.wav"), writeFile("two.wav")});
+  delegate_.applicationOpenFiles(
+      {writeFile("one.wav"), writeFile("two.wav"), writeFile("three.wav")});
   EXPECT_TRUE(runMainLoopUntil([] { return windows().size() == 1; }));
+  settleQueues();
   EXPECT_THAT(titles(), ElementsAre("Orvo - Unnamed"));
   EXPECT_TRUE(windows().at(0)->isVisible());
+  EXPECT_EQ(services_->postedAlerts().size(), 1U);
   EXPECT_THAT(services_->postedAlerts().at(0).message, HasSubstr("There is no such folder."));
+}
+
+TEST_F(OpenAndQuitTest, AFileThatWasNotOpenedForLackOfStorageIsNotListed) {
+  support::FailingTemporaryFiles files;
+  files.failCreation(ENOENT);
+  {
+    const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
+    delegate_.applicationOpenFile(writeFile("one.wav"));
+  }
+  delegate_.applicationOpenFile(writeFile("two.wav"));
+  awaitAllIdle();
+  EXPECT_TRUE(runMainLoopUntil([&] { return !recent_.recentDocuments(9).empty(); }));
+  EXPECT_THAT(recent_.recentDocuments(9), ElementsAre(at("two.wav")));
 }
 
 TEST_F(OpenAndQuitTest, OpenRecentIsDisabledWithNothingToShow) {
@@ -384,6 +401,27 @@ TEST_F(OpenAndQuitTest, APageThatNoProgramOpensIsTold) {
   delegate_.openWebsite(nullptr);
   delegate_.openDocumentation(nullptr);
   EXPECT_EQ(services_->alerts().size(), 2U);
+}
+
+/// A language whose help page has a name that no line should show.
+class OddHelpPage : public QTranslator {
+ public:
+  [[nodiscard]] QString translate(const char* context, const char* text, const char* disambiguation,
+                                  int n) const override {
+    return text == std::string_view("en/index.html")
+               ? QStringLiteral("x\ny\u202E.html")
+               : QTranslator::translate(context, text, disambiguation, n);
+  }
+  [[nodiscard]] bool isEmpty() const override { return false; }
+};
+
+TEST_F(OpenAndQuitTest, ThePathOfAMissingPageStandsInOneLine) {
+  OddHelpPage odd;
+  ASSERT_TRUE(QCoreApplication::installTranslator(&odd));
+  delegate_.openDocumentation(nullptr);
+  ASSERT_EQ(services_->alerts().size(), 1U);
+  EXPECT_THAT(services_->alerts()[0].message,
+              HasSubstr("/x y .html is missing. Install Orvo again."));
 }
 
 // Quit ------------------------------------------------------------------------------------------

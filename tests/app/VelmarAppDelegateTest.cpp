@@ -48,6 +48,11 @@ TEST_F(VelmarAppDelegateTest, LinesGoToTheConsoleInTheDebugWindow) {
   EXPECT_TRUE(delegate_.debugWindow()->isVisible());
 }
 
+TEST_F(VelmarAppDelegateTest, ANameWithALineBreakMakesNoLineOfTheConsole) {
+  delegate_.logToConsole("one \"a\nb\u202E.wav\"");
+  EXPECT_EQ(delegate_.debugConsole()->toPlainText(), "one \"a b .wav\"");
+}
+
 TEST_F(VelmarAppDelegateTest, AConsoleThatIsSetGetsTheLines) {
   auto window = std::make_unique<QWidget>();
   auto* const shown = window.get();

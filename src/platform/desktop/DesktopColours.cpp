@@ -41,7 +41,8 @@ DesktopColours::DesktopColours(const QDBusConnection& bus, QObject* parent) : QO
     return;
   }
   QDBusConnection connection = bus;
-  if (!connection.connect(kService, kPath, kInterface, QStringLiteral("SettingChanged"), this,
+  // With the portal's name as the sender, Qt would wait for the bus to find it.
+  if (!connection.connect(QString(), kPath, kInterface, QStringLiteral("SettingChanged"), this,
                           SLOT(settingChanged(QString, QString, QDBusVariant)))) {
     ConsoleLog("changes between light and dark are not followed: %s",
                qUtf8Printable(connection.lastError().message()));

@@ -14,7 +14,8 @@ namespace platform {
 /// by itself: menus and dialogs then take dark colours. Where Qt's platform theme has its own dark
 /// colours, or no portal answers, nothing changes.
 ///
-/// The portal is queried asynchronously. If its signal cannot be connected, one line is logged.
+/// The portal is queried asynchronously, and nothing here waits for the bus. If its signal cannot
+/// be connected, one line is logged.
 ///
 /// Threads: main. Real-time: not safe.
 class DesktopColours : public QObject {

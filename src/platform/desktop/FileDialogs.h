@@ -18,7 +18,8 @@ struct OpenPanelRequest {
   QPointer<QWidget> window = nullptr;  ///< the window that it blocks; null for none
   QString title;
   QString acceptLabel;  ///< title of the default button
-  /// Initial folder; empty for the last panel's.
+  /// Initial folder; empty for the last panel's or, before the first, the user's Music folder. If
+  /// it cannot be shown, the home folder is.
   std::string directory = {};
   bool allowsMultipleSelection = false;
   std::vector<std::string> fileTypes;  ///< suffixes without the dot, most common first
@@ -33,7 +34,7 @@ struct OpenPanelRequest {
 struct SavePanelRequest {
   QPointer<QWidget> window = nullptr;
   QString title;
-  std::string directory;      ///< initial folder; empty for the last panel's
+  std::string directory;      ///< initial folder, as for OpenPanelRequest
   std::string suggestedName;  ///< without the suffix, which acceptedSuffixes provides
   /// Suffixes, without the dot, of the files that are listed; if empty, those accepted.
   std::vector<std::string> fileTypes = {};

@@ -119,7 +119,7 @@ PortalOpenDialog::~PortalOpenDialog() {
 void PortalOpenDialog::begin(const DesktopBuses::Bus& session, std::chrono::milliseconds patience) {
   open();
   QTimer::singleShot(patience, this, [this] {
-    if (!isAccepted_) {
+    if (portalName_.isEmpty()) {
       finish(End::unavailable);
     }
   });
@@ -140,11 +140,7 @@ void PortalOpenDialog::ask(const QDBusConnection& bus) {
   registerTypes();
   bus_ = bus;
   const QString token = portal::nextToken();
-  requestPath_ = portal::requestPath(bus, token);
-  const bool connected =
-      bus_->connect(QString(), requestPath_, QLatin1String(portal::kRequestInterface),
-                    QStringLiteral("Response"), this, SLOT(portalResponded(uint, QVariantMap)));
-  if (!connected) {
+  if (!listenAt(portal::requestPath(bus, token))) {
     finish(End::unavailable);
     return;
   }
@@ -153,7 +149,7 @@ void PortalOpenDialog::ask(const QDBusConnection& bus) {
                                                 QDBusServiceWatcher::WatchForUnregistration, this);
   connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
     requestPath_.clear();
-    finish(isAccepted_ ? End::cancelled : End::unavailable);
+    finish(portalName_.isEmpty() ? End::unavailable : End::cancelled);
   });
   QDBusMessage question = QDBusMessage::createMethodCall(
       QLatin1String(portal::kService), QLatin1String(portal::kPath),
@@ -163,12 +159,27 @@ void PortalOpenDialog::ask(const QDBusConnection& bus) {
   connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] { accepted(*call); });
 }
 
+// Naming the portal instead of no sender would wait for the bus to find it.
+bool PortalOpenDialog::listenAt(const QString& path) {
+  requestPath_ = path;
+  return bus_->connect(QString(), path, QLatin1String(portal::kRequestInterface),
+                       QStringLiteral("Response"), this,
+                       SLOT(portalResponded(uint, QVariantMap, QDBusMessage)));
+}
+
+// An old portal chooses the request's path by itself.
 void PortalOpenDialog::accepted(const QDBusPendingCallWatcher& answer) {
   const QDBusPendingReply<QDBusObjectPath> handle = answer;
-  isAccepted_ = !handle.isError();
   if (handle.isError()) {
     requestPath_.clear();
     finish(End::unavailable);
+    return;
+  }
+  portalName_ = handle.reply().service();
+  if (handle.value().path() != requestPath_ && !listenAt(handle.value().path())) {
+    finish(End::unavailable);
+  } else if (const auto response = early_.constFind(portalName_); response != early_.cend()) {
+    responded(response->code, response->results);
   }
 }
 
@@ -194,10 +205,19 @@ QString PortalOpenDialog::parentHandle() const {
   return QStringLiteral("x11:%1").arg(request_.window->window()->winId(), 0, 16);
 }
 
-void PortalOpenDialog::portalResponded(uint response, const QVariantMap& results) {
+void PortalOpenDialog::portalResponded(uint code, const QVariantMap& results,
+                                       const QDBusMessage& signal) {
+  if (portalName_.isEmpty()) {
+    early_.insert(signal.service(), {.code = code, .results = results});
+  } else if (signal.service() == portalName_) {
+    responded(code, results);
+  }
+}
+
+void PortalOpenDialog::responded(uint code, const QVariantMap& results) {
   requestPath_.clear();
-  if (response != portal::kGranted) {
-    finish(response == portal::kCancelledByUser ? End::cancelled : End::unavailable);
+  if (code != portal::kGranted) {
+    finish(code == portal::kCancelledByUser ? End::cancelled : End::unavailable);
     return;
   }
   std::vector<std::string> paths;

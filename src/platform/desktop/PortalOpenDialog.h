@@ -6,8 +6,11 @@
 #include <string>
 #include <vector>
 
+// moc must see the whole types of a slot's parameters.
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDialog>
+#include <QHash>
 #include <QVariantMap>
 
 #include "platform/desktop/DesktopBuses.h"
@@ -22,7 +25,8 @@ namespace platform {
 /// portal's dialog is on the screen. It deletes itself at the end; the portal's dialog closes if
 /// this one, or its window, goes first.
 ///
-/// Paths arrive byte for byte. What the portal offers that is no local file is left out.
+/// Paths arrive byte for byte. What the portal offers that is no local file is left out. Only the
+/// portal that accepted the request is listened to: any program on the bus can send its signal.
 ///
 /// Threads: main. Real-time: not safe.
 class PortalOpenDialog : public QDialog {
@@ -49,11 +53,13 @@ class PortalOpenDialog : public QDialog {
 
  private Q_SLOTS:
   // The portal's signal.
-  void portalResponded(uint response, const QVariantMap& results);
+  void portalResponded(uint code, const QVariantMap& results, const QDBusMessage& signal);
 
  private:  // NOLINT(readability-redundant-access-specifiers): it ends the slots
   void ask(const QDBusConnection& bus);
+  [[nodiscard]] bool listenAt(const QString& path);
   void accepted(const QDBusPendingCallWatcher& answer);
+  void responded(uint code, const QVariantMap& results);
   [[nodiscard]] QVariantMap options(const QString& token) const;
   [[nodiscard]] QString parentHandle() const;
   void finish(End end, const std::vector<std::string>& paths = {});
@@ -62,7 +68,12 @@ class PortalOpenDialog : public QDialog {
   Ended ended_;  // null once it has been called
   std::optional<QDBusConnection> bus_;
   QString requestPath_;  // while the portal may have a dialog open
-  bool isAccepted_ = false;
+  QString portalName_;   // on the bus, of the one that accepted the request; empty before
+  struct Response {
+    uint code = 0;
+    QVariantMap results;
+  };
+  QHash<QString, Response> early_;  // by sender, until the portal's name is known
 };
 
 }  // namespace platform

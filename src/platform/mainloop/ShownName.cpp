@@ -8,8 +8,8 @@ namespace {
 
 constexpr char32_t kNonJoiner = 0x200C;  // Persian words are spelt with it
 constexpr char32_t kJoiner = 0x200D;     // and many emoji are made with it
-constexpr QChar kIsolate(0x2068);
-constexpr QChar kEndOfIsolate(0x2069);
+constexpr char32_t kIsolate = 0x2068;
+constexpr char32_t kEndOfIsolate = 0x2069;
 
 bool disturbsItsLine(char32_t character) {
   switch (QChar::category(character)) {
@@ -38,11 +38,21 @@ QString shownName(const QString& name) {
     line += disturbsItsLine(character) ? QStringLiteral(" ") : QString::fromUcs4(&character, 1);
     isIsolated = isIsolated || runsFromRightToLeft(character);
   }
-  return isIsolated ? kIsolate + line + kEndOfIsolate : line;
+  return isIsolated ? QChar(kIsolate) + line + QChar(kEndOfIsolate) : line;
 }
 
 QString shownName(const std::string& name) {
   return shownName(QString::fromStdString(name));
+}
+
+QString shownMessage(const std::string& message) {
+  QString lines;
+  for (const char32_t character : QString::fromStdString(message).toUcs4()) {
+    const bool stays = character == U'\n' || character == kIsolate || character == kEndOfIsolate ||
+                       !disturbsItsLine(character);
+    lines += stays ? QString::fromUcs4(&character, 1) : QStringLiteral(" ");
+  }
+  return lines;
 }
 
 }  // namespace platform

@@ -21,4 +21,10 @@ namespace platform {
 [[nodiscard]] QString shownName(const std::string& name);
 [[nodiscard]] QString shownName(const QString& name);
 
+/// A message of several lines that may contain names as they are: what shownName() makes spaces
+/// becomes spaces here, except line feeds and the isolation of names that are shown already.
+///
+/// Threads: any. Real-time: not safe.
+[[nodiscard]] QString shownMessage(const std::string& message);
+
 }  // namespace platform

@@ -1,5 +1,6 @@
 #include "platform/desktop/DesktopColours.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -18,6 +19,9 @@
 #include "support/programs/PrivateBus.h"
 
 namespace {
+
+/// Less than Qt waits for an answer of the bus.
+constexpr std::chrono::seconds kPatienceOfACall{15};
 
 /// A desktop's settings portal.
 class Portal : public QObject {
@@ -164,6 +168,18 @@ TEST_F(DesktopColoursTest, WithoutAPortalOrWithoutABusNothingHappens) {
   EXPECT_FALSE(colours_->isDark());
   EXPECT_FALSE(alone.isDark());
   EXPECT_EQ(QApplication::palette(), before);
+}
+
+TEST_F(DesktopColoursTest, ABusThatDoesNotAnswerIsNotWaitedFor) {
+  portal_.colorScheme = 1;
+  offerPortal();
+  ASSERT_TRUE(bus_->connect("program").isConnected());
+  bus_->daemon().freeze();
+  const auto before = std::chrono::steady_clock::now();
+  follow();
+  EXPECT_LT(std::chrono::steady_clock::now() - before, kPatienceOfACall);
+  bus_->daemon().thaw();
+  EXPECT_TRUE(runMainLoopUntil([&] { return colours_->isDark(); }));
 }
 
 TEST(DesktopColoursPaletteTest, TheHighlightIsTheSameInLightAndDark) {

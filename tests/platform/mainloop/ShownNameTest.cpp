@@ -42,4 +42,14 @@ TEST(ShownNameTest, BytesThatAreNotUtf8BecomeReplacementCharacters) {
   EXPECT_EQ(shown("a\xff.wav"), "a\uFFFD.wav");
 }
 
+TEST(ShownMessageTest, AMessageKeepsItsLinesAndLosesWhatDisturbsThem) {
+  EXPECT_EQ(platform::shownMessage("One.\n\nTwo\r\x1b[2J\u202Ethree\u2067.").toStdString(),
+            "One.\n\nTwo  [2J three .");
+}
+
+TEST(ShownMessageTest, ANameThatIsShownInItStaysIsolated) {
+  const std::string message = "“" + shown("שיר.wav") + "” was kept";
+  EXPECT_EQ(platform::shownMessage(message).toStdString(), message);
+}
+
 }  // namespace

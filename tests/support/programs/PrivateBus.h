@@ -38,6 +38,8 @@ class PrivateBus {
   [[nodiscard]] QDBusConnection connect(const char* name) const {
     return QDBusConnection::connectToBus(address_, QString::fromLatin1(name));
   }
+  /// The program that passes on the messages.
+  [[nodiscard]] ChildProcess& daemon() const { return *daemon_; }
   static void disconnect(const char* name) {
     QDBusConnection::disconnectFromBus(QString::fromLatin1(name));
   }
