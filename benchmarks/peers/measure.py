@@ -220,8 +220,8 @@ def make_files(folder, share):
         if not os.path.exists(path):
             new = os.path.join(folder, "new-" + name)
             subprocess.run(["ffmpeg", "-y", "-v", "error", "-f", "lavfi", "-i",
-                            f"anoisesrc=d={seconds * share}:c=pink:r=44100:a=0.3:seed=1", "-ac", "2",
-                            *codec, new], check=True, stdin=subprocess.DEVNULL)
+                            f"anoisesrc=d={seconds * share}:c=pink:r=44100:a=0.3:seed=1",
+                            "-ac", "2", *codec, new], check=True, stdin=subprocess.DEVNULL)
             os.rename(new, path)
     return made
 
@@ -266,11 +266,12 @@ def main():
     with Session(os.path.abspath("build/peers")) as session:
         measuring = Measuring(session, commands, {k: os.path.abspath(v) for k, v in files.items()},
                               effort)
+        versions = {program.name: program.version() for program in measuring.programs}
         measuring.run()
         results = {
             "date": datetime.date.today().isoformat(),
             "machine": machine(),
-            "versions": {program.name: program.version() for program in measuring.programs},
+            "versions": versions,
             "seconds": {"watched": effort.watch_seconds, "recorded": effort.record_seconds},
             "busy": {"limit": report.BUSY_LIMIT, "before": round(before, 3),
                      "during": {title: round(max(shares), 3)
@@ -279,13 +280,24 @@ def main():
                                   for name, values in of.items()}
                         for measure, of in measuring.figures.items()},
         }
-    os.makedirs(os.path.dirname(chosen.results), exist_ok=True)
-    new = chosen.results + ".new"
-    with open(new, "w", encoding="utf-8") as file:
+    print(report.plain(results))
+    if not chosen.trial:
+        try:
+            report.check(results)
+        except report.NotPublishable as reason:
+            refused = "out/peers-refused.json"
+            write(results, refused)
+            raise NotMeasured(f"no comparison is written: {reason}; the figures: {refused}"
+                              ) from reason
+    write(results, chosen.results)
+
+
+def write(results, path):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path + ".new", "w", encoding="utf-8") as file:
         json.dump(results, file, indent=1, ensure_ascii=False)
         file.write("\n")
-    os.rename(new, chosen.results)
-    print(report.plain(results))
+    os.rename(path + ".new", path)
 
 
 if __name__ == "__main__":

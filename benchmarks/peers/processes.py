@@ -1,4 +1,4 @@
-"""What the system counts of processes: processor time, wake-ups, memory, and how busy others are."""
+"""What the system counts of processes: processor time, wake-ups, memory; how busy others are."""
 
 import ctypes
 import os
@@ -6,6 +6,7 @@ import time
 
 TICKS = os.sysconf("SC_CLK_TCK")
 PR_SET_CHILD_SUBREAPER = 36
+KERNEL = 2  # the parent of the kernel's threads; has no parent, unlike a 2 in a container
 
 
 def adopt_orphans():
@@ -88,7 +89,8 @@ def memory(pids):
 def busy_of_machine(text):
     """Seconds of all cores that were not idle, from the text of /proc/stat. Time that a virtual
     machine's host took away counts as busy."""
-    user, nice, system, _idle, _wait, irq, soft, stolen = map(int, text.split(b"\n")[0].split()[1:9])
+    fields = map(int, text.split(b"\n")[0].split()[1:9])
+    user, nice, system, _idle, _wait, irq, soft, stolen = fields
     return (user + nice + system + irq + soft + stolen) / TICKS
 
 
@@ -116,7 +118,9 @@ class Others:
             fields = stat_fields(pid)
             if len(fields) > 1:
                 parents[pid] = int(fields[1])
-        own = processor_seconds(descendants(os.getpid(), parents))
+        # The kernel's own threads mostly write what the programs have written to their files.
+        kernel = descendants(KERNEL, parents) if parents.get(KERNEL) == 0 else []
+        own = processor_seconds({*descendants(os.getpid(), parents), *kernel})
         return time.monotonic(), busy_of_machine(_read("/proc/stat")) - own
 
     def share(self):

@@ -95,11 +95,11 @@ class Program:
         if not self.process.is_running():
             raise NotMeasured(f"{self.name} has ended: {self.process.words_of_log()}")
 
-    def wait_for_main(self, matches=None):
+    def wait_for_main(self, matches=None, patience=60.0):
         def find():
             self.need_running()
             return self.screen.find(matches or self.is_main)
-        self.window = until(find, f"{self.name} shows its window", interval=0.005)
+        self.window = until(find, f"{self.name} shows its window", patience, 0.005)
         return time.monotonic()
 
     def start(self, arguments=()):
@@ -111,7 +111,7 @@ class Program:
         self.screen.last_change(self.window, 0.7, 60, self.name)
 
     def wait_until_open(self, name):
-        self.wait_for_main(lambda title: self.is_open(title, name))
+        self.wait_for_main(lambda title: self.is_open(title, name), 300)
         self.screen.activate(self.window)
 
     def wait_until_shown(self, name):
@@ -175,8 +175,9 @@ class Orvo(Program):
     environment = {"QT_QPA_PLATFORM": "xcb"}
 
     def version(self):
-        return self.session.need(["git", "-C", os.path.dirname(__file__), "describe", "--always",
-                                  "--dirty"]).strip()
+        return self.session.need(["git", "-c", "safe.directory=*", "-C",
+                                  os.path.dirname(os.path.abspath(__file__)), "describe",
+                                  "--always", "--dirty"]).strip()
 
     def is_main(self, title):
         return title.startswith("Orvo - ")

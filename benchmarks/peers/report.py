@@ -166,8 +166,9 @@ def plain(results):
     for measure in MEASURES:
         for name, values in results["figures"].get(measure.key, {}).items():
             low, high = measure.text(min(values)).strip(), measure.text(max(values)).strip()
-            lines.append(f"{measure.label:64} {name:22} {measure.text(statistics.median(values)):>12}"
-                         f"   ({low} to {high}, {len(values)})")
+            mid = measure.text(statistics.median(values))
+            lines.append(f"{measure.label:64} {name:22} {mid:>12}   ({low} to {high}, "
+                         f"{len(values)})")
     lines.append("Cores that others kept busy, at most: " + ", ".join(
         f"{title} {share:.2f}" for title, share in busy_shares(results).items()))
     return "\n".join(lines)

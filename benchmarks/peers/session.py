@@ -170,7 +170,8 @@ class Session:
             file.write("load-module module-remap-source master=feed.monitor source_name=microphone "
                        "source_properties=device.description=Microphone\n"
                        "set-default-sink heard\nset-default-source microphone\n"
-                       f"load-module module-native-protocol-unix auth-anonymous=1 socket={socket}\n")
+                       "load-module module-native-protocol-unix auth-anonymous=1 "
+                       f"socket={socket}\n")
         self.base["PULSE_SERVER"] = self.own["PULSE_SERVER"] = "unix:" + socket
         self.base["PULSE_COOKIE"] = self.own["PULSE_COOKIE"] = self.path("cookie")
         without = {k: v for k, v in self.own.items() if k != "PULSE_SERVER"}

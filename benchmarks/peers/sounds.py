@@ -40,7 +40,8 @@ def seconds_kept(heard, reference, begin, end):
         if at < 0 or at + PIECE > len(reference):
             return 0.0
         power = (energy[at + PIECE] - energy[at]) * float(numpy.dot(piece, piece))
-        return float(numpy.dot(piece, reference[at:at + PIECE])) / power ** 0.5 if power > 0 else 0.0
+        product = float(numpy.dot(piece, reference[at:at + PIECE]))
+        return product / power ** 0.5 if power > 0 else 0.0
 
     def find(piece):
         products = numpy.fft.irfft(spectrum * numpy.conj(numpy.fft.rfft(piece, size)), size)
