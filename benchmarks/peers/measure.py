@@ -280,6 +280,8 @@ def main():
                                   for name, values in of.items()}
                         for measure, of in measuring.figures.items()},
         }
+    if chosen.trial:
+        print("A trial: the files are a sixtieth as long as said here.")
     print(report.plain(results))
     if not chosen.trial:
         try:

@@ -177,10 +177,12 @@ def plain(results):
 def main():
     if len(sys.argv) != 3:
         sys.exit(__doc__.strip())
-    with open(sys.argv[1], encoding="utf-8") as file:
-        results = json.load(file)
     try:
+        with open(sys.argv[1], encoding="utf-8") as file:
+            results = json.load(file)
         text = page(results)
+    except OSError as failure:
+        sys.exit(f"compare: no comparison is written: {failure}")
     except NotPublishable as reason:
         sys.exit(f"compare: no comparison is written: {reason}")
     with open(sys.argv[2], "w", encoding="utf-8") as file:
