@@ -14,6 +14,7 @@
 #include "support/MainLoop.h"
 #include "support/TestAudio.h"
 #include "support/ThreadCount.h"
+#include "support/fakes/ManualAudioClock.h"
 #include "support/fakes/MemoryTestBuffer.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/ScriptedAudioDevice.h"
@@ -64,7 +65,8 @@ class OVAQRecorderThreadsTest : public testing::Test {
   std::shared_ptr<platform::ScriptedAudioDevice> device_ =
       std::make_shared<platform::ScriptedAudioDevice>();
   platform::Installed<platform::AudioQueues>::Scope installation_{
-      std::make_shared<platform::DeviceAudioQueues>(device_)};
+      std::make_shared<platform::DeviceAudioQueues>(
+          device_, std::make_shared<platform::ManualAudioClock>())};
   std::shared_ptr<MemoryTestBuffer> buffer_ = std::make_shared<MemoryTestBuffer>();
   std::shared_ptr<OVAQRecorder> recorder_;
   std::uint64_t fed_ = 0;

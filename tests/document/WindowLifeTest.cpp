@@ -1,3 +1,4 @@
+#include <chrono>
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 #include "platform/mainloop/MainQueue.h"
 #include "platform/sound/DeviceAudioQueues.h"
 #include "support/MainLoop.h"
+#include "support/fakes/ManualAudioClock.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/ScriptedAudioDevice.h"
 #include "support/fakes/ScriptedFileDialogs.h"
@@ -67,6 +69,7 @@ class WindowLifeTest : public testing::Test {
     EXPECT_TRUE(runMainLoopUntil([&] {
       device_->pull(1024);
       device_->hearEverything();
+      clock_->advance(std::chrono::milliseconds(23));
       return document.player() == nullptr;
     }));
   }
@@ -83,10 +86,13 @@ class WindowLifeTest : public testing::Test {
 
   std::shared_ptr<platform::ScriptedAudioDevice> device_ =
       std::make_shared<platform::ScriptedAudioDevice>();
+  /// Turned by what is played: a slow machine's own clock would tell of lost frames.
+  std::shared_ptr<platform::ManualAudioClock> clock_ =
+      std::make_shared<platform::ManualAudioClock>();
   support::InstalledRecordingServices services_;
   support::InstalledScriptedPanels panels_;
   std::shared_ptr<platform::DeviceAudioQueues> queues_ =
-      std::make_shared<platform::DeviceAudioQueues>(device_);
+      std::make_shared<platform::DeviceAudioQueues>(device_, clock_);
   platform::Installed<platform::AudioQueues>::Scope installation_{queues_};
 };
 

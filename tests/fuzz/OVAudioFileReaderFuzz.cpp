@@ -26,6 +26,7 @@ class OneFile : public platform::UserAudioFiles {
     return std::make_unique<Bytes>(bytes_, size_);
   }
   [[nodiscard]] Opened createForWriting(const std::string&) override { std::abort(); }
+  [[nodiscard]] Opened writeTo(int) override { std::abort(); }
 
  private:
   class Bytes : public platform::File {

@@ -74,8 +74,8 @@ void forEachGalleryPanel(double scale, const Show& show) {
   showPanel(scale, "question", Occasion::unexpectedEnd, files(), show);
   showPanel(scale, "question-one", Occasion::unexpectedEnd, {files().front()}, show);
   std::vector<OVRecoveredFile> many;
-  for (int i = 0; i < 25; ++i) {
-    many.push_back(file(files().front().start.addSecs(3600 * i), 60 * i + 7));
+  for (std::uint64_t i = 0; i < 25; ++i) {
+    many.push_back(file(files().front().start.addSecs(static_cast<qint64>(3600 * i)), 60 * i + 7));
   }
   showPanel(scale, "list-long", Occasion::command, many, show);
   showPanel(scale, "list-empty", Occasion::command, {}, show);

@@ -55,6 +55,14 @@ class PosixUserAudioFiles : public UserAudioFiles {
     return open<WriteBehindFile>(path, O_WRONLY | O_CREAT | O_TRUNC);
   }
 
+  Opened writeTo(int descriptor) override {
+    const int own = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);  // the file closes it
+    if (own < 0) {
+      return errno;
+    }
+    return std::make_unique<WriteBehindFile>(own);
+  }
+
  private:
   template <typename SystemFile>
   static Opened open(const std::string& path, int flags) {
@@ -77,14 +85,6 @@ class PosixUserAudioFiles : public UserAudioFiles {
 };
 
 }  // namespace
-
-UserAudioFiles::Opened UserAudioFiles::writeTo(int descriptor) {
-  const int own = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);  // the file closes it
-  if (own < 0) {
-    return errno;
-  }
-  return std::make_unique<WriteBehindFile>(own);
-}
 
 std::shared_ptr<UserAudioFiles> UserAudioFiles::whenNoneIsInstalled() {
   return std::make_shared<PosixUserAudioFiles>();

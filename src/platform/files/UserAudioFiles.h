@@ -15,6 +15,9 @@ namespace platform {
 /// Opens regular files only, since a pipe or a device could block its reader forever. Fails with
 /// EISDIR for a folder and ESPIPE for anything else.
 ///
+/// Every function is pure, so that the module that reads and writes through it needs no symbol of
+/// the program.
+///
 /// Threads: any. Real-time: not safe.
 class UserAudioFiles {
  public:
@@ -29,7 +32,7 @@ class UserAudioFiles {
   [[nodiscard]] virtual Opened createForWriting(const std::string& path) = 0;
 
   /// A file over an open descriptor, which stays the caller's: that of a new, empty file.
-  [[nodiscard]] virtual Opened writeTo(int descriptor);
+  [[nodiscard]] virtual Opened writeTo(int descriptor) = 0;
 };
 
 inline std::shared_ptr<UserAudioFiles> userAudioFiles() {

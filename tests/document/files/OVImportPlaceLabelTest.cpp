@@ -48,6 +48,7 @@ class NamedFiles : public platform::UserAudioFiles {
     return file->openForReading(path);
   }
   Opened createForWriting(const std::string&) override { return EROFS; }
+  Opened writeTo(int) override { return EROFS; }
 
  private:
   support::Gate& gate_;
