@@ -69,7 +69,8 @@ class WindowLifeTest : public testing::Test {
     EXPECT_TRUE(runMainLoopUntil([&] {
       device_->pull(1024);
       device_->hearEverything();
-      clock_->advance(std::chrono::milliseconds(23));
+      device_->feedConstant(1024, 0.0F, 0.0F);  // the microphone goes on
+      clock_->advance(std::chrono::microseconds(23220));
       return document.player() == nullptr;
     }));
   }
@@ -86,7 +87,7 @@ class WindowLifeTest : public testing::Test {
 
   std::shared_ptr<platform::ScriptedAudioDevice> device_ =
       std::make_shared<platform::ScriptedAudioDevice>();
-  /// Turned by what is played: a slow machine's own clock would tell of lost frames.
+  /// Turned by what is played and fed: a slow machine's own clock would tell of lost frames.
   std::shared_ptr<platform::ManualAudioClock> clock_ =
       std::make_shared<platform::ManualAudioClock>();
   support::InstalledRecordingServices services_;
