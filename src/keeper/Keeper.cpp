@@ -1,7 +1,9 @@
 #include "keeper/Keeper.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <iterator>
 #include <span>
@@ -12,19 +14,34 @@
 #include "keeper/PassingErrors.h"
 #include "platform/files/PosixFile.h"
 
+namespace {
+
+using Received = platform::DescriptorChannel::Received;
+
+// An error is the end only if it says that there is no connection.
+bool hasProgramEnded(const Received& received) {
+  constexpr std::array kNone{ECONNRESET, ENOTCONN, ENOTSOCK, EBADF};
+  return received.error == 0 ? received.byteCount == 0
+                             : std::find(kNone.begin(), kNone.end(), received.error) != kNone.end();
+}
+
+}  // namespace
+
 Keeper::Keeper(std::unique_ptr<platform::DescriptorChannel> program, Settings settings)
     : program_(std::move(program)), settings_(std::move(settings)) {}
 
 void Keeper::listen() {
   using Channel = platform::DescriptorChannel;
+  constexpr std::chrono::milliseconds kPause{10};
   std::array<std::byte, sizeof(KeeperMessage)> bytes{};
   while (true) {
     auto received = program_->receive(bytes, Channel::Waiting::untilItCame);
-    if (received.error == ENOMEM || received.error == EMFILE) {
-      continue;  // that message is lost, the others are not
-    }
-    if (received.error != 0 || received.byteCount == 0) {
+    if (hasProgramEnded(received)) {
       return;
+    }
+    if (received.error != 0) {
+      std::this_thread::sleep_for(kPause);  // no memory, say
+      continue;
     }
     KeeperMessage message{.version = 0};
     if (received.byteCount == sizeof message) {

@@ -23,7 +23,9 @@ class Keeper {
 
   Keeper(std::unique_ptr<platform::DescriptorChannel> program, Settings settings);
 
-  /// Takes messages until the program has ended. Sleeps between them.
+  /// Takes messages until the program has ended. Sleeps between them. Nothing but the end of the
+  /// connection is taken for the program's end: a message that is lost is less than a running
+  /// program's recordings.
   void listen();
   /// Writes what would be lost; false if some of it must wait for room on the disk.
   [[nodiscard]] bool recover();
