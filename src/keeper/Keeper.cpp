@@ -27,8 +27,8 @@ bool hasProgramEnded(const Received& received) {
 
 }  // namespace
 
-Keeper::Keeper(std::unique_ptr<platform::DescriptorChannel> program, Settings settings)
-    : program_(std::move(program)), settings_(std::move(settings)) {}
+Keeper::Keeper(std::unique_ptr<platform::DescriptorChannel> program, std::string dataDirectory)
+    : program_(std::move(program)), dataDirectory_(std::move(dataDirectory)) {}
 
 void Keeper::listen() {
   using Channel = platform::DescriptorChannel;
@@ -72,7 +72,7 @@ bool Keeper::recover() {
   if (recordings_.empty()) {
     return true;
   }
-  auto folder = RecoveredFolder::open(settings_.dataDirectory);
+  auto folder = RecoveredFolder::open(dataDirectory_);
   if (!folder) {
     return !mayPass(folder.error());
   }
@@ -83,8 +83,7 @@ bool Keeper::recover() {
   return recordings_.empty();
 }
 
-void Keeper::recoverAll() {
-  while (!recover()) {
-    std::this_thread::sleep_for(settings_.patience);
-  }
+bool Keeper::isMoving() const {
+  return std::any_of(recordings_.begin(), recordings_.end(),
+                     [](const auto& entry) { return entry.second.isMoving(); });
 }

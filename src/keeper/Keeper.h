@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -16,12 +15,8 @@
 /// Threads: one. Real-time: not safe.
 class Keeper {
  public:
-  struct Settings {
-    std::string dataDirectory;           ///< see platform::userDataDirectory()
-    std::chrono::milliseconds patience;  ///< between two tries on a full disk
-  };
-
-  Keeper(std::unique_ptr<platform::DescriptorChannel> program, Settings settings);
+  /// For the data directory see platform::userDataDirectory().
+  Keeper(std::unique_ptr<platform::DescriptorChannel> program, std::string dataDirectory);
 
   /// Takes messages until the program has ended. Sleeps between them. Nothing but the end of the
   /// connection is taken for the program's end: a message that is lost is less than a running
@@ -29,8 +24,9 @@ class Keeper {
   void listen();
   /// Writes what would be lost; false if some of it must wait for room on the disk.
   [[nodiscard]] bool recover();
-  /// The same until nothing waits any more.
-  void recoverAll();
+
+  /// Whether a recording is being moved: what is not in its file yet ends with the keeper.
+  [[nodiscard]] bool isMoving() const;
 
   /// Number of documents kept.
   [[nodiscard]] std::size_t size() const { return recordings_.size(); }
@@ -39,6 +35,6 @@ class Keeper {
   void take(const KeeperMessage& message, std::vector<int> descriptors);
 
   const std::unique_ptr<platform::DescriptorChannel> program_;
-  const Settings settings_;
+  const std::string dataDirectory_;
   std::map<std::uint64_t, KeptRecording> recordings_;  // by the number of their document
 };

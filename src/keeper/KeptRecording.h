@@ -36,6 +36,9 @@ class KeptRecording {
   /// The program that wrote audio and journal must have ended.
   [[nodiscard]] Outcome recover(RecoveredFolder& folder);
 
+  /// Whether it is being moved: then nothing else has what is not in its part file yet.
+  [[nodiscard]] bool isMoving() const { return way_ == Way::move; }
+
  private:
   enum class Way { copy, move };
 

@@ -31,9 +31,7 @@ class KeeperTest : public testing::Test {
     auto [own, other] = *DescriptorChannel::connect();
     program_ = std::move(own);
     keepersEnd_ = other->descriptor();
-    keeper_ = std::make_unique<Keeper>(
-        std::move(other),
-        Keeper::Settings{.dataDirectory = data_.path(), .patience = std::chrono::milliseconds(1)});
+    keeper_ = std::make_unique<Keeper>(std::move(other), data_.path());
   }
 
   void send(const KeeperMessage& message, std::span<const int> descriptors = {}) {
