@@ -72,12 +72,13 @@ bool Keeper::recover() {
   if (recordings_.empty()) {
     return true;
   }
-  auto folder = RecoveredFolder::open(dataDirectory_);
-  if (!folder) {
-    return !mayPass(folder.error());
+  if (auto opened = RecoveredFolder::open(dataDirectory_)) {
+    folder_ = *std::move(opened);
+  } else if (!folder_) {  // what was begun in it is written to the end
+    return !mayPass(opened.error());
   }
   for (auto entry = recordings_.begin(); entry != recordings_.end();) {
-    const bool waits = entry->second.recover(**folder) == KeptRecording::Outcome::waiting;
+    const bool waits = entry->second.recover(*folder_) == KeptRecording::Outcome::waiting;
     entry = waits ? std::next(entry) : recordings_.erase(entry);
   }
   return recordings_.empty();

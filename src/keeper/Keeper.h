@@ -36,5 +36,6 @@ class Keeper {
 
   const std::unique_ptr<platform::DescriptorChannel> program_;
   const std::string dataDirectory_;
+  std::unique_ptr<RecoveredFolder> folder_;            // null until it could be opened
   std::map<std::uint64_t, KeptRecording> recordings_;  // by the number of their document
 };

@@ -1,5 +1,7 @@
 #include "keeper/KeptRecording.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -78,8 +80,10 @@ KeptRecording::Outcome KeptRecording::recover(RecoveredFolder& folder) {
     }
     return Outcome::waiting;
   }
-  // A recording that only lacks its name is offered with the suffix.
-  if (const auto left = std::exchange(part_, std::nullopt); left && !left->isSynced) {
+  // A recording that only lacks its name is offered with the suffix. So is what there is of one
+  // that was moved: nothing else has it.
+  const auto left = std::exchange(part_, std::nullopt);
+  if (left && !left->isSynced && way_ == Way::copy) {
     folder.discard(*left);
   }
   return Outcome::failed;
@@ -97,8 +101,14 @@ int KeptRecording::write(RecoveredFolder& folder) {
       return error;
     }
   }
-  const int error = writePart();
-  return error != 0 ? error : folder.complete(*part_);
+  if (const int error = writePart(); error != 0) {
+    return error;
+  }
+  if (lost_ != 0) {
+    ::fsync(part_->file->descriptor());
+    return lost_;
+  }
+  return folder.complete(*part_);
 }
 
 int KeptRecording::replay() {
@@ -205,7 +215,7 @@ int KeptRecording::writeHeader() {
     error = part_->file->writeAt(header_.data(), header_.size(), 0).error;
     hasHeader_ = error == 0;
   }
-  return error;
+  return orLost(error);
 }
 
 int KeptRecording::writeHeld() {
@@ -213,11 +223,20 @@ int KeptRecording::writeHeld() {
     Held& held = held_.front();
     const auto written =
         part_->file->writeAt(held.bytes.data(), held.count, header_.size() + held.to);
-    if (written.error != 0) {
-      return written.error;
+    if (const int error = orLost(written.error); error != 0) {
+      return error;
     }
     spare_ = std::move(held.bytes);
   }
+  return 0;
+}
+
+// No error that lasts ends the writing of a recording that is moved.
+int KeptRecording::orLost(int error) {
+  if (way_ == Way::copy || error == 0 || mayPass(error)) {
+    return error;
+  }
+  lost_ = error;
   return 0;
 }
 
