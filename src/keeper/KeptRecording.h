@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -54,6 +55,7 @@ class KeptRecording {
   [[nodiscard]] int writeHeld();
   [[nodiscard]] int orLost(int error);
   [[nodiscard]] bool readNext();
+  void giveBack(std::uint64_t from, std::uint64_t byteCount);
   [[nodiscard]] std::uint64_t fileBytes() const { return header_.size() + length_; }
 
   std::unique_ptr<platform::File> audio_;
@@ -75,8 +77,9 @@ class KeptRecording {
 
   // How far the writing has come.
   Way way_ = Way::copy;
-  std::size_t block_ = 0;      // the one that is read from
-  std::uint64_t inBlock_ = 0;  // bytes of it that were read
+  std::size_t block_ = 0;                          // the one that is read from
+  std::uint64_t inBlock_ = 0;                      // bytes of it that were read
+  std::map<std::uint64_t, std::uint64_t> unread_;  // of the audio: begins and ends; only if moved
   bool hasHeader_ = false;
   int lost_ = 0;                  // errno for which something was left out; 0 for none
   std::deque<Held> held_;         // the oldest first
