@@ -1,10 +1,13 @@
 #include "keeper/KeptRecording.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
 #include <ctime>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -78,8 +81,10 @@ KeptRecording::Outcome KeptRecording::recover(RecoveredFolder& folder) {
     }
     return Outcome::waiting;
   }
-  // A recording that only lacks its name is offered with the suffix.
-  if (const auto left = std::exchange(part_, std::nullopt); left && !left->isSynced) {
+  // A recording that only lacks its name is offered with the suffix. So is what there is of one
+  // that was moved: nothing else has it.
+  const auto left = std::exchange(part_, std::nullopt);
+  if (left && !left->isSynced && way_ == Way::copy) {
     folder.discard(*left);
   }
   return Outcome::failed;
@@ -97,8 +102,14 @@ int KeptRecording::write(RecoveredFolder& folder) {
       return error;
     }
   }
-  const int error = writePart();
-  return error != 0 ? error : folder.complete(*part_);
+  if (const int error = writePart(); error != 0) {
+    return error;
+  }
+  if (lost_ != 0) {
+    ::fsync(part_->file->descriptor());
+    return lost_;
+  }
+  return folder.complete(*part_);
 }
 
 int KeptRecording::replay() {
@@ -169,6 +180,7 @@ bool KeptRecording::canMove() {
   if (audio < 0 || !areOnOneDisk(audio, part_->file->descriptor())) {
     return false;
   }
+  unread_.clear();
   std::uint64_t used = 0;  // up to here
   for (const OVBlock& block : inFileOrder(blocks_)) {
     const std::uint64_t begin = block.file_offset_start();
@@ -179,13 +191,14 @@ bool KeptRecording::canMove() {
       return false;
     }
     used = begin + block.size();
+    unread_.emplace(begin, used);
   }
   const std::uint64_t size = audio_->size();
   return giveBackRoom(audio, used, size > used ? size - used : kUnreadable);
 }
 
 // What is not written reads as zeros, which is silence. A stretch that is moved frees somewhat less
-// than it takes if it does not begin and end with a block of the disk: then more of them are held.
+// than it takes while its first and last block of the disk are needed: then more of them are held.
 int KeptRecording::writeSound() {
   while (true) {
     int error = writeHeld();
@@ -205,7 +218,7 @@ int KeptRecording::writeHeader() {
     error = part_->file->writeAt(header_.data(), header_.size(), 0).error;
     hasHeader_ = error == 0;
   }
-  return error;
+  return orLost(error);
 }
 
 int KeptRecording::writeHeld() {
@@ -213,12 +226,41 @@ int KeptRecording::writeHeld() {
     Held& held = held_.front();
     const auto written =
         part_->file->writeAt(held.bytes.data(), held.count, header_.size() + held.to);
-    if (written.error != 0) {
-      return written.error;
+    if (const int error = orLost(written.error); error != 0) {
+      return error;
     }
     spare_ = std::move(held.bytes);
   }
   return 0;
+}
+
+// No error that lasts ends the writing of a recording that is moved.
+int KeptRecording::orLost(int error) {
+  if (way_ == Way::copy || error == 0 || mayPass(error)) {
+    return error;
+  }
+  lost_ = error;
+  return 0;
+}
+
+// Gives back a stretch that was read, together with what was given back on both sides of it: a
+// block of the disk is free only once all of it is given back at a time.
+void KeptRecording::giveBack(std::uint64_t from, std::uint64_t byteCount) {
+  const auto next = unread_.upper_bound(from);
+  if (next == unread_.begin()) {
+    return;  // never so
+  }
+  const auto piece = std::prev(next);
+  const std::uint64_t begin = piece == unread_.begin() ? 0 : std::prev(piece)->second;
+  const std::uint64_t pieceEnd = piece->second;
+  std::uint64_t end = from + byteCount;
+  unread_.erase(piece);
+  if (end < pieceEnd) {
+    unread_.emplace(end, pieceEnd);
+  } else {
+    end = next != unread_.end() ? next->first : std::max(audio_->size(), end) + kUnreadable;
+  }
+  static_cast<void>(giveBackRoom(audio_->descriptor(), begin, end - begin));
 }
 
 // Holds the next stretch that can be read; false at the end of the recording.
@@ -231,8 +273,8 @@ bool KeptRecording::readNext() {
     const std::uint64_t from = block.file_offset_start() + inBlock_;
     const auto got = audio_->readAt(held.bytes.data(), wanted, from);
     held.count = got.byteCount;
-    if (way_ == Way::move) {
-      static_cast<void>(giveBackRoom(audio_->descriptor(), from, got.byteCount));
+    if (way_ == Way::move && got.byteCount > 0) {
+      giveBack(from, got.byteCount);
     }
     // The temporary file may end here, or not return some of its bytes.
     const bool hasEnded = got.byteCount < wanted && got.error == 0;

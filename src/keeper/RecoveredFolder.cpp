@@ -76,6 +76,14 @@ bool isThere(int folder, const std::string& name) {
   return ::fstatat(folder, name.c_str(), &information, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
+bool isNameOf(int file, int folder, const std::string& name) {
+  struct stat opened = {};
+  struct stat named = {};
+  return ::fstat(file, &opened) == 0 && S_ISREG(opened.st_mode) &&
+         ::fstatat(folder, name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
 int renameKeepingOthers(int folder, const std::string& from, const std::string& to) {
 #if defined(RENAME_NOREPLACE)
   if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0) {
@@ -179,12 +187,13 @@ platform::Result<PartFile> RecoveredFolder::createPart(const std::string& name) 
 }
 
 // A part file of this name, left by a keeper that was killed. The program that has just ended may
-// have offered it.
+// have offered it. By the time that its lock is had the name may be another part's.
 bool RecoveredFolder::removeDeadPart(const std::string& name) const {
   const std::string path = partOf(name);
   const platform::Descriptor file(
-      ::openat(folder_.get(), path.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
+      ::openat(folder_.get(), path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   return file && lock(file.get(), std::chrono::seconds(1)) &&
+         isNameOf(file.get(), folder_.get(), path) &&
          ::unlinkat(folder_.get(), path.c_str(), 0) == 0;
 }
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <csignal>
 #include <memory>
@@ -11,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "keeper/FullDisk.h"
 #include "keeper/KeptRecordings.h"
 #include "platform/files/TemporaryFiles.h"
 #include "platform/process/DescriptorChannel.h"
@@ -132,24 +132,6 @@ TEST_F(KeeperProgramTest, EndsByATerminationSignalOnlyWhileItWaits) {
   }));
 }
 
-/// Real temporary files in a folder of the test's choice.
-class TemporaryFilesIn : public platform::TemporaryFiles {
- public:
-  explicit TemporaryFilesIn(const std::string& folder) : folder_(folder + "/") {}
-  [[nodiscard]] std::string directory() const override { return folder_; }
-  [[nodiscard]] Created createUnlinked(const std::string& pathTemplate) override {
-    return real_->createUnlinked(pathTemplate);
-  }
-  [[nodiscard]] Created createNamed(const std::string& pathTemplate) override {
-    return real_->createNamed(pathTemplate);
-  }
-
- private:
-  const std::shared_ptr<platform::TemporaryFiles> real_ =
-      platform::TemporaryFiles::whenNoneIsInstalled();
-  const std::string folder_;
-};
-
 /// A full disk that holds the temporary file as well as the recovered folder.
 class KeeperOnItsDiskTest : public KeeperProgramTest {
  protected:
@@ -174,23 +156,15 @@ class KeeperOnItsDiskTest : public KeeperProgramTest {
   }
   ~KeeperOnItsDiskTest() override { ::close(disk_); }
 
-  /// Fills what is left of the disk, but for so many bytes.
-  void fillBut(std::uint64_t bytes) {
-    const int file = ::openat(disk_, "filler", O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-    ASSERT_GE(file, 0);
-    const std::string page(4096, 'x');
-    off_t size = 0;
-    while (::write(file, page.data(), page.size()) == static_cast<ssize_t>(page.size())) {
-      size += static_cast<off_t>(page.size());
-    }
-    ASSERT_EQ(::ftruncate(file, std::max<off_t>(size - static_cast<off_t>(bytes), 0)), 0);
-    ::close(file);
-  }
-
   void expectRecovered() {
     const Bytes whole = wholeRecording(*buffer_);
     ASSERT_NO_FATAL_FAILURE(keep());
     program_.reset();
+    expectWritten(whole);
+  }
+
+  /// The keeper ends, and has written this.
+  void expectWritten(const Bytes& whole) {
     ASSERT_EQ(keeper_->waitForExit(), (ExitStatus{0, 0}));
     const std::string name = "Orvo recording 2001-09-09 01.46.40.caf";
     const std::string path = "/dev/fd/" + std::to_string(disk_);
@@ -198,12 +172,22 @@ class KeeperOnItsDiskTest : public KeeperProgramTest {
     EXPECT_TRUE(cafAudio(recoveredPath(path) + "/" + name) == whole);
   }
 
+  /// Bytes that the only recovered file takes on the disk.
+  [[nodiscard]] std::uint64_t writtenBytes() const {
+    const std::string path = "/dev/fd/" + std::to_string(disk_);
+    const auto names = recoveredNames(path);
+    struct stat status = {};
+    const bool isThere =
+        names.size() == 1 && ::stat((recoveredPath(path) + "/" + names[0]).c_str(), &status) == 0;
+    return isThere ? static_cast<std::uint64_t>(status.st_blocks) * 512 : 0;
+  }
+
   int disk_ = -1;
 };
 
 TEST_F(KeeperOnItsDiskTest, RecordingThatFillsTheDiskIsMoved) {
   write(*buffer_, pattern(6 << 20, 1), 0);
-  ASSERT_NO_FATAL_FAILURE(fillBut(32 << 10));  // the folders and their names
+  ASSERT_TRUE(fillBut(32 << 10, disk_));  // the folders and their names
   expectRecovered();
 }
 
@@ -213,7 +197,7 @@ TEST_F(KeeperOnItsDiskTest, EditedRecordingIsMovedThoughItsPiecesEndAnywhere) {
     write(*buffer_, pattern(10'008, i), 100'000ULL * (i + 1));
   }
   buffer_->cutoffBufferBeforePosition(1001);
-  ASSERT_NO_FATAL_FAILURE(fillBut(32 << 10));
+  ASSERT_TRUE(fillBut(32 << 10, disk_));
   expectRecovered();
 }
 
@@ -221,8 +205,23 @@ TEST_F(KeeperOnItsDiskTest, WhatTheRecordingDoesNotUseMakesRoomForACopy) {
   write(*buffer_, pattern(5 << 20, 1), 0);
   write(*buffer_, pattern(2 << 20, 2), 0);
   buffer_->cutoffBufferAfterPosition((2 << 20) / 8);
-  ASSERT_NO_FATAL_FAILURE(fillBut(32 << 10));
+  ASSERT_TRUE(fillBut(32 << 10, disk_));
   expectRecovered();
+}
+
+TEST_F(KeeperOnItsDiskTest, TerminationSignalDoesNotEndItWhileItMoves) {
+  constexpr std::uint64_t kBytes = 6 << 20;
+  write(*buffer_, pattern(kBytes, 1), 0);
+  ASSERT_TRUE(fillBut(0, disk_));  // the last stretch waits for room for the header
+  const Bytes whole = wholeRecording(*buffer_);
+  ASSERT_NO_FATAL_FAILURE(keep());
+  program_.reset();
+  ASSERT_TRUE(eventually([&] {
+    return writtenBytes() >= kBytes - (256 << 10) && processState(keeper_->pid()) == 'S';
+  }));
+  keeper_->signal(SIGTERM);
+  ASSERT_EQ(::unlinkat(disk_, "filler", 0), 0);
+  expectWritten(whole);
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include "support/ClosedFolder.h"
+#include "support/Eventually.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -228,6 +229,34 @@ TEST_F(RecoveredFolderTest, LockThatIsReleasedLateIsWaitedFor) {
   add("new", "b", "a.caf");
   dying.join();
   EXPECT_EQ(names(), std::vector<std::string>{"a.caf"});
+}
+
+/// Descriptors of this process for the file.
+std::ptrdiff_t descriptorsOf(const std::string& path) {
+  const auto all = fs::directory_iterator("/proc/self/fd");
+  return std::count_if(begin(all), end(all), [&path](const auto& entry) {
+    std::error_code gone;
+    return fs::equivalent(entry.path(), path, gone);
+  });
+}
+
+TEST_F(RecoveredFolderTest, PartThatTakesTheNameOfADeadOneMeanwhileStays) {
+  open();
+  add("old", "a");
+  std::ofstream(path("a.caf.part")) << "half";
+  auto other = std::make_unique<platform::PosixFile>(
+      ::open(path("a.caf.part").c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(other->descriptor(), LOCK_EX | LOCK_NB), 0);
+  std::thread finishing([this, &other] {
+    EXPECT_TRUE(support::eventually([this] { return descriptorsOf(path("a.caf.part")) > 1; }));
+    fs::rename(path("a.caf.part"), path("b.caf"));
+    std::ofstream(path("a.caf.part")) << "another";
+    other.reset();
+  });
+  add("new", "c", "a.caf");
+  finishing.join();
+  EXPECT_EQ(content("a.caf.part"), "another");
+  EXPECT_EQ(content("c.caf"), "new");
 }
 
 TEST_F(RecoveredFolderTest, FolderAboveThatIsALinkIsNotUsed) {

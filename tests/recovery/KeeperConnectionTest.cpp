@@ -223,4 +223,22 @@ TEST_F(KeeperConnectionTest, StoppedKeeperIsNeverWaitedFor) {
   EXPECT_EQ(recoveredNames(data_.path()).size(), 2U);
 }
 
+TEST_F(KeeperConnectionTest, KeeperThatLivesWhenItsConnectionFailsWritesNothing) {
+  connection_->start();
+  keep(1);
+  ASSERT_TRUE(holds(1));
+  const int first = connection_->keeperProcess();
+  ASSERT_EQ(::kill(first, SIGSTOP), 0);
+  ASSERT_TRUE(eventually([&] { return support::processState(first) == 'T'; }));
+  ASSERT_EQ(::shutdown(connection_->descriptor(), SHUT_RD), 0);  // the next look fails
+  connection_->check();
+  EXPECT_NE(connection_->keeperProcess(), first);
+  ::kill(first, SIGCONT);
+  EXPECT_TRUE(eventually([&] { return support::hasEnded(first); }));
+  EXPECT_TRUE(recoveredNames(data_.path()).empty()) << "the program still runs";
+  EXPECT_TRUE(holds(1));
+  end();
+  EXPECT_EQ(recoveredNames(data_.path()).size(), 1U);
+}
+
 }  // namespace
