@@ -246,7 +246,8 @@ TEST_F(VLRecorderWindowControllerTest, TemporaryPathsAreFreshAndRemovingNoneDoes
   VLRecorderWindowController::removeTempFile("");
 }
 
-TEST_F(VLRecorderWindowControllerTest, ADocumentWithoutATemporaryFileTellsAgainAtRecordAndStaysUsable) {
+TEST_F(VLRecorderWindowControllerTest,
+       ADocumentWithoutATemporaryFileTellsAgainAtRecordAndStaysUsable) {
   support::FailingTemporaryFiles files;
   const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   files.failCreation(EACCES);

@@ -192,7 +192,7 @@ TEST_F(Installation, NothingRefersToTheFolderOfTheBuildOrOfTheInstallation) {
     EXPECT_THAT(contentOf(entry.path()), Not(HasSubstr(ORVO_REPOSITORY))) << entry.path();
   }
   for (const std::string& file : {program(), at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-ffmpeg.so"),
-                                 at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-cubeb.so")}) {
+                                  at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-cubeb.so")}) {
     const std::string dynamic = complaintsOf({"readelf", "-d", "-W", file});
     for (const std::string& line : lines(dynamic)) {
       const std::size_t path = line.find("path: [");
