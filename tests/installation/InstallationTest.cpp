@@ -135,7 +135,7 @@ TEST_F(Installation, IconsHaveTheSizesOfTheirFolders) {
                 size);
     }
   }
-  for (const std::string name :
+  for (const std::string& name :
        {"scalable/apps/" + kId + ".svg", "symbolic/apps/" + kId + "-symbolic.svg"}) {
     EXPECT_EQ(complaintsOf({"xmllint", "--noout", share("icons/hicolor/" + name)}), "");
   }
@@ -153,7 +153,7 @@ TEST_F(Installation, ManualPageShowsTheOptions) {
 }
 
 TEST_F(Installation, XmlIsWellFormed) {
-  for (const std::string name :
+  for (const std::string& name :
        {"mime/packages/" + kId + ".xml", "metainfo/" + kId + ".metainfo.xml"}) {
     EXPECT_EQ(complaintsOf({"xmllint", "--noout", share(name)}), "");
   }
@@ -191,8 +191,8 @@ TEST_F(Installation, NothingRefersToTheFolderOfTheBuildOrOfTheInstallation) {
     }
     EXPECT_THAT(contentOf(entry.path()), Not(HasSubstr(ORVO_REPOSITORY))) << entry.path();
   }
-  for (const std::string file : {program(), at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-ffmpeg.so"),
-                                 at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-cubeb.so")}) {
+  for (const std::string& file : {program(), at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-ffmpeg.so"),
+                                  at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-cubeb.so")}) {
     const std::string dynamic = complaintsOf({"readelf", "-d", "-W", file});
     for (const std::string& line : lines(dynamic)) {
       const std::size_t path = line.find("path: [");
