@@ -77,8 +77,9 @@ use_package() { # ROOT DEBS…
     printf "  pulls in %s packages; " $(($(wc -l </build/packages-after) - $(wc -l </build/packages-before) - 1))
     printf "installed size %s KiB\n" "$(dpkg-query -W -f "\${Installed-Size}" orvo)"
     useradd --create-home listener
+    home=$(getent passwd listener | cut -d : -f 6)
     chown listener /build/pictures
-    runuser -u listener -- env HOME=/home/listener PICTURE=/build/pictures/recorded.png \
+    runuser -u listener -- env HOME="$home" PICTURE=/build/pictures/recorded.png \
       bash /build/record'
   in_root "$root" '
     userdel listener

@@ -39,17 +39,20 @@ class Installation : public InstallationFixture {
  protected:
   /// A home, and data directories of which the installation is the first.
   support::Environment desktop() {
-    return {{"XDG_DATA_DIRS", at("share") + ":/usr/local/share:/usr/share"},
+    return {{"PATH", at(ORVO_INSTALLED_BINARIES) + ":/usr/bin:/bin"},  // else its entry is ignored
+            {"XDG_DATA_DIRS", at("share") + ":/usr/local/share:/usr/share"},
             {"XDG_DATA_HOME", home_.path()},
             {"XDG_CONFIG_HOME", home_.path()}};
   }
 
   /// Has the desktop read the installed entry and MIME file, as a package's triggers do.
   void register_() {
-    fs::copy_file("/usr/share/mime/packages/freedesktop.org.xml",
-                  share("mime/packages/freedesktop.org.xml"), fs::copy_options::skip_existing);
-    EXPECT_EQ(complaintsOf({"update-mime-database", share("mime")}), "");
-    EXPECT_EQ(complaintsOf({"update-desktop-database", share("applications")}), "");
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"update-mime-database", share("mime")},
+          std::vector<std::string>{"update-desktop-database", share("applications")}}) {
+      const Finished updated = run(command, desktop());
+      EXPECT_TRUE(updated.status.succeeded()) << updated.error;
+    }
   }
 
   std::string typeOf(const std::string& path) {

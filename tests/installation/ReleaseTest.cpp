@@ -30,8 +30,8 @@ class Release : public testing::Test {
 
   void makeClone(const std::string& name) {
     const support::Finished clone =
-        support::runToEnd({"git", "-c", "safe.directory=*", "clone", "--quiet", "--no-local",
-                           ORVO_REPOSITORY, folder_.file(name)},
+        support::runToEnd({"git", "-c", "safe.directory=*", "clone", "--quiet", "--depth=1",
+                           "file://" ORVO_REPOSITORY, folder_.file(name)},
                           support::with(support::cleanEnvironment(), kAuthor));
     ASSERT_TRUE(clone.status.succeeded()) << clone.error;
   }

@@ -78,6 +78,12 @@ QStringList languages() {
   return names;
 }
 
+QStringList withEnglish() {
+  QStringList names = languages();
+  names << "en";
+  return names;
+}
+
 /// A text as it is shown: without the letters for the keyboard.
 QString shown(QString text) {
   static const QRegularExpression letters("\\(&.\\)|&");
@@ -96,7 +102,7 @@ std::map<QString, QString> textsIn(const QString& language) {
 
 TEST(HelpPagesTest, EveryLanguageOfTheProgramHasThePage) {
   ASSERT_TRUE(languages().contains("de"));
-  for (const QString& language : languages() << "en") {
+  for (const QString& language : withEnglish()) {
     const Page page = pageIn(language);
     EXPECT_EQ(page.error, "") << language.toStdString();
     EXPECT_EQ(page.language.toStdString(), QString(language).replace('_', '-').toStdString());
@@ -105,7 +111,7 @@ TEST(HelpPagesTest, EveryLanguageOfTheProgramHasThePage) {
 
 TEST(HelpPagesTest, NoPageIsOfALanguageThatTheProgramLacks) {
   for (const QString& folder : QDir(kHelp).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-    EXPECT_TRUE((languages() << "en").contains(folder)) << folder.toStdString();
+    EXPECT_TRUE(withEnglish().contains(folder)) << folder.toStdString();
   }
 }
 
@@ -149,7 +155,7 @@ TEST(HelpPagesTest, LabelsOfEachLanguageAreTheTranslationsOfTheEnglishOnes) {
 
 TEST(HelpPagesTest, LinksLeadToPagesAndSectionsThatAreThere) {
   const std::set<QString> elsewhere{"../window.png"};  // the build puts it there
-  for (const QString& language : languages() << "en") {
+  for (const QString& language : withEnglish()) {
     const Page page = pageIn(language);
     EXPECT_GT(page.links.size(), 10U);
     for (const QString& link : page.links) {
@@ -164,7 +170,7 @@ TEST(HelpPagesTest, LinksLeadToPagesAndSectionsThatAreThere) {
 }
 
 TEST(HelpPagesTest, PagesNameNothingOutsideTheInstallation) {
-  for (const QString& language : languages() << "en") {
+  for (const QString& language : withEnglish()) {
     for (const QString& link : pageIn(language).links) {
       EXPECT_FALSE(link.contains(':') || link.startsWith('/')) << link.toStdString();
     }

@@ -38,7 +38,10 @@ const std::vector<std::string> kEnglishOnly{
     // Names of memory and of fields within files.
     "orvo journal", "recorded date", "track number", "Cover (front)",
     // The manual page, which is English.
-    ".Op Fl Fl\n.Op Ar\n.Sh DESCRIPTION\n", ".Bl -tag -width Ds\n",
+    "\n.Dt ORVO 1\n.Os\n.Sh NAME\n.Nm orvo\n.Nd audio recorder and simple editor\n.Sh "
+    "SYNOPSIS\n.Nm\n"
+    ".Op Ar OPTION ...\n.Op Fl Fl\n.Op Ar\n.Sh DESCRIPTION\n",
+    "Fl Fl", ".Bl -tag -width Ds\n",
     // The name of a lock in the compiler's warnings.
     "waveform summary"};
 
