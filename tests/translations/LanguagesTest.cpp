@@ -41,7 +41,7 @@ const std::vector<std::string> kEnglishOnly{
     "\n.Dt ORVO 1\n.Os\n.Sh NAME\n.Nm orvo\n.Nd audio recorder and simple editor\n.Sh "
     "SYNOPSIS\n.Nm\n"
     ".Op Ar OPTION ...\n.Op Fl Fl\n.Op Ar\n.Sh DESCRIPTION\n",
-    "Fl Fl", ".Bl -tag -width Ds\n",
+    "Fl Fl", ".Bl -tag -width Ds\n", "EXIT STATUS",
     // The name of a lock in the compiler's warnings.
     "waveform summary"};
 
