@@ -8,64 +8,60 @@
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <source>New Recorder</source>
-        <translation>Neuer Rekorder</translation>
+        <source>&amp;New Recorder</source>
+        <translation>&amp;Neuer Rekorder</translation>
     </message>
     <message>
-        <source>Open…</source>
-        <translation>Öffnen&#xa0;…</translation>
+        <source>&amp;Open…</source>
+        <translation>Ö&amp;ffnen&#xa0;…</translation>
     </message>
     <message>
-        <source>Open Recent</source>
-        <translation>Zuletzt geöffnet</translation>
+        <source>Open &amp;Recent</source>
+        <translation>&amp;Zuletzt geöffnet</translation>
     </message>
     <message>
-        <source>Import…</source>
-        <translation>Importieren&#xa0;…</translation>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importieren&#xa0;…</translation>
     </message>
     <message>
-        <source>Save</source>
-        <translation>Speichern</translation>
+        <source>Save &amp;As…</source>
+        <translation>Speichern &amp;unter&#xa0;…</translation>
     </message>
     <message>
-        <source>Save As…</source>
-        <translation>Speichern unter&#xa0;…</translation>
+        <source>Export Rin&amp;gtone…</source>
+        <translation>&amp;Klingelton exportieren&#xa0;…</translation>
     </message>
     <message>
-        <source>Export Ringtone…</source>
-        <translation>Klingelton exportieren&#xa0;…</translation>
+        <source>Export &amp;Waveform Picture…</source>
+        <translation>&amp;Wellenform als Bild exportieren&#xa0;…</translation>
     </message>
     <message>
-        <source>Export Waveform Picture…</source>
-        <translation>Wellenform als Bild exportieren&#xa0;…</translation>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>Schließen</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Beenden</translation>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
     </message>
     <message>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <source>Undo</source>
-        <translation>Rückgängig</translation>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
     </message>
     <message>
-        <source>Redo</source>
-        <translation>Wiederherstellen</translation>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederherstellen</translation>
     </message>
     <message>
-        <source>Undo %1</source>
-        <translation>Rückgängig: %1</translation>
+        <source>&amp;Undo %1</source>
+        <translation>&amp;Rückgängig: %1</translation>
     </message>
     <message>
-        <source>Redo %1</source>
-        <translation>Wiederherstellen: %1</translation>
+        <source>&amp;Redo %1</source>
+        <translation>&amp;Wiederherstellen: %1</translation>
     </message>
     <message>
         <source>Remove After Marker</source>
@@ -132,12 +128,84 @@
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <source>Documentation</source>
-        <translation>Dokumentation</translation>
+        <source>Remove &amp;After Marker</source>
+        <translation>&amp;Hinter dem Marker entfernen</translation>
     </message>
     <message>
-        <source>Diagnostics</source>
-        <translation>Diagnose</translation>
+        <source>Remove &amp;Before Marker</source>
+        <translation>&amp;Vor dem Marker entfernen</translation>
+    </message>
+    <message>
+        <source>Re&amp;verse Audio</source>
+        <translation>Audio &amp;umkehren</translation>
+    </message>
+    <message>
+        <source>&amp;About Orvo</source>
+        <translation>Ü&amp;ber Orvo</translation>
+    </message>
+    <message>
+        <source>&amp;Record</source>
+        <translation>&amp;Aufnahme</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>&amp;Wiedergabe</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Stopp</translation>
+    </message>
+    <message>
+        <source>&amp;To Start</source>
+        <translation>Zum An&amp;fang</translation>
+    </message>
+    <message>
+        <source>To &amp;End</source>
+        <translation>Zum &amp;Ende</translation>
+    </message>
+    <message>
+        <source>&amp;Spectrum</source>
+        <translation>&amp;Spektrum</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>Ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>I&amp;mportieren</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>&amp;Ersetzen</translation>
+    </message>
+    <message>
+        <source>Nothing has been reported.</source>
+        <translation>Es liegen keine Meldungen vor.</translation>
+    </message>
+    <message>
+        <source>Recording %1</source>
+        <translation>Aufnahme %1</translation>
+    </message>
+    <message>
+        <source>There is no file %1.</source>
+        <translation>Es gibt keine Datei %1.</translation>
+    </message>
+    <message>
+        <source>There is no file “%1”.</source>
+        <translation>Es gibt keine Datei „%1“.</translation>
+    </message>
+    <message>
+        <source>You may not write in the folder %1. Choose another.</source>
+        <translation>Sie dürfen im Ordner %1 nicht schreiben. Wählen Sie einen anderen.</translation>
+    </message>
+    <message>
+        <source>&amp;Documentation</source>
+        <translation>&amp;Dokumentation</translation>
+    </message>
+    <message>
+        <source>D&amp;iagnostics</source>
+        <translation>Di&amp;agnose</translation>
     </message>
     <message>
         <source>About Orvo</source>
@@ -152,8 +220,8 @@
         <translation>Unbenannt</translation>
     </message>
     <message>
-        <source>Recovered Recordings…</source>
-        <translation>Gerettete Aufnahmen&#xa0;…</translation>
+        <source>&amp;Recovered Recordings…</source>
+        <translation>&amp;Gerettete Aufnahmen&#xa0;…</translation>
     </message>
     <message>
         <source>Recovered Recordings</source>
@@ -200,12 +268,16 @@
         <translation>Wird noch geschrieben</translation>
     </message>
     <message>
-        <source>Later</source>
-        <translation>Später</translation>
+        <source>Waiting for room on the disk</source>
+        <translation>Wartet auf Platz auf dem Datenträger</translation>
     </message>
     <message>
-        <source>Delete</source>
-        <translation>Löschen</translation>
+        <source>&amp;Later</source>
+        <translation>S&amp;päter</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>&amp;Löschen</translation>
     </message>
     <message>
         <source>Delete for good?</source>
@@ -244,8 +316,82 @@ An audio recorder and simple editor.</source>
 Ein Audiorekorder mit einfachem Editor.</translation>
     </message>
     <message>
-        <source>https://orvo.example/help/</source>
-        <translation>https://orvo.example/help/</translation>
+        <source>Usage: orvo [OPTION…] [--] [FILE…]</source>
+        <translation>Aufruf: orvo [OPTION&#xa0;…] [--] [FILE&#xa0;…]</translation>
+    </message>
+    <message>
+        <source>Orvo records from the default sound input, shows the growing waveform, and plays it back. Each file opens in a window of its own. Without a file, an empty recorder opens.</source>
+        <translation>Orvo nimmt vom Standardeingang auf, zeigt die wachsende Wellenform und gibt sie wieder. Jede Datei öffnet sich in einem eigenen Fenster. Ohne Datei öffnet sich ein leerer Rekorder.</translation>
+    </message>
+    <message>
+        <source>Arguments:</source>
+        <translation>Argumente:</translation>
+    </message>
+    <message>
+        <source>A path or a file:// address. Orvo opens caf, aif, aiff, wav, mp3, mp4, m4a, m4r and aac.</source>
+        <translation>Ein Pfad oder eine Adresse mit file://. Orvo öffnet caf, aif, aiff, wav, mp3, mp4, m4a, m4r und aac.</translation>
+    </message>
+    <message>
+        <source>Ends the options. What follows is a file, even if it begins with a dash.</source>
+        <translation>Beendet die Optionen. Was folgt, ist eine Datei, auch wenn es mit einem Strich beginnt.</translation>
+    </message>
+    <message>
+        <source>Prints this text.</source>
+        <translation>Gibt diesen Text aus.</translation>
+    </message>
+    <message>
+        <source>Prints the version.</source>
+        <translation>Gibt die Version aus.</translation>
+    </message>
+    <message>
+        <source>These and the other options of Qt are passed on to Qt.</source>
+        <translation>Diese und die anderen Optionen von Qt werden an Qt weitergegeben.</translation>
+    </message>
+    <message>
+        <source>Environment:</source>
+        <translation>Umgebung:</translation>
+    </message>
+    <message>
+        <source>The language of the texts: English, German, French, Spanish, Japanese or Simplified Chinese.</source>
+        <translation>Die Sprache der Texte: Englisch, Deutsch, Französisch, Spanisch, Japanisch oder vereinfachtes Chinesisch.</translation>
+    </message>
+    <message>
+        <source>The directory in which open recordings are kept, 20 MB a minute. Otherwise /tmp, or /var/tmp if /tmp is in memory.</source>
+        <translation>Das Verzeichnis, in dem offene Aufnahmen liegen, 20 MB in der Minute. Sonst /tmp, oder /var/tmp, wenn /tmp im Arbeitsspeicher liegt.</translation>
+    </message>
+    <message>
+        <source>If Orvo ends unexpectedly, recordings that were not saved are kept in orvo/recovered below this directory. Otherwise below ~/.local/share.</source>
+        <translation>Wird Orvo unerwartet beendet, so werden nicht gespeicherte Aufnahmen in orvo/recovered unter diesem Verzeichnis aufbewahrt. Sonst unter ~/.local/share.</translation>
+    </message>
+    <message>
+        <source>Exit status:</source>
+        <translation>Rückgabewert:</translation>
+    </message>
+    <message>
+        <source>Orvo ended as asked.</source>
+        <translation>Orvo wurde wie gewünscht beendet.</translation>
+    </message>
+    <message>
+        <source>The help or the version could not be printed.</source>
+        <translation>Die Hilfe oder die Version konnte nicht ausgegeben werden.</translation>
+    </message>
+    <message>
+        <source>An option is unknown. Nothing was opened.</source>
+        <translation>Eine Option ist unbekannt. Es wurde nichts geöffnet.</translation>
+    </message>
+    <message>
+        <source>orvo: unknown option: %1
+Try orvo --help</source>
+        <translation>orvo: unbekannte Option: %1
+Versuchen Sie orvo --help</translation>
+    </message>
+    <message>
+        <source>en/index.html</source>
+        <translation>de/index.html</translation>
+    </message>
+    <message>
+        <source>%1 is missing. Install Orvo again.</source>
+        <translation>%1 fehlt. Installieren Sie Orvo neu.</translation>
     </message>
     <message>
         <source>https://orvo.example/</source>
@@ -292,23 +438,23 @@ Ein Audiorekorder mit einfachem Editor.</translation>
         <translation>Wellenform wird gezeichnet</translation>
     </message>
     <message>
-        <source>OK</source>
-        <translation>OK</translation>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>Abbrechen</translation>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
     </message>
     <message>
-        <source>Don't Save</source>
-        <translation>Nicht speichern</translation>
+        <source>Do&amp;n’t Save</source>
+        <translation>&amp;Nicht speichern</translation>
     </message>
     <message>
         <source>Do you want to save the changes made to “%1”?</source>
         <translation>Möchten Sie die Änderungen an „%1“ speichern?</translation>
     </message>
     <message>
-        <source>Your changes will be lost if you don't save them.</source>
+        <source>Your changes will be lost if you don’t save them.</source>
         <translation>Wenn Sie nicht speichern, gehen Ihre Änderungen verloren.</translation>
     </message>
     <message>
@@ -376,8 +522,8 @@ Ein Audiorekorder mit einfachem Editor.</translation>
         <translation>Speichern unter</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Speichern in:</translation>
+        <source>Save &amp;in:</source>
+        <translation>Speichern &amp;in:</translation>
     </message>
     <message>
         <source>File &amp;type:</source>
@@ -576,16 +722,16 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Ein anderes Programm hat den Ordner oder die Datei inzwischen geändert.</translation>
     </message>
     <message>
-        <source>Look in:</source>
-        <translation>Suchen in:</translation>
+        <source>&amp;Look in:</source>
+        <translation>Suchen &amp;in:</translation>
     </message>
     <message>
         <source>File &amp;name:</source>
         <translation>Datei&amp;name:</translation>
     </message>
     <message>
-        <source>Files of type:</source>
-        <translation>Dateien vom Typ:</translation>
+        <source>Files of &amp;type:</source>
+        <translation>Dateien vom &amp;Typ:</translation>
     </message>
     <message>
         <source>Name</source>
@@ -620,10 +766,6 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Der Ordner antwortet noch nicht&#xa0;…</translation>
     </message>
     <message>
-        <source>“%1” is not there.</source>
-        <translation>„%1“ ist nicht vorhanden.</translation>
-    </message>
-    <message>
         <source>The files cannot be shown</source>
         <translation>Die Dateien können nicht angezeigt werden</translation>
     </message>
@@ -644,8 +786,100 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Sie dürfen in diesem Ordner keine Dateien anlegen. Die alte Datei wird zuerst in das temporäre Verzeichnis kopiert. Die Kopie bleibt erhalten, wenn das Schreiben misslingt.</translation>
     </message>
     <message>
-        <source>Overwrite</source>
-        <translation>Überschreiben</translation>
+        <source>&amp;Overwrite</source>
+        <translation>Ü&amp;berschreiben</translation>
+    </message>
+    <message>
+        <source>There is no such folder.</source>
+        <translation>Diesen Ordner gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>It is not a folder.</source>
+        <translation>Das ist kein Ordner.</translation>
+    </message>
+    <message>
+        <source>The temporary directory “%1” cannot be used. %2</source>
+        <translation>Das temporäre Verzeichnis „%1“ kann nicht benutzt werden. %2</translation>
+    </message>
+    <message>
+        <source>title</source>
+        <translation>Titel</translation>
+    </message>
+    <message>
+        <source>artist</source>
+        <translation>Interpret</translation>
+    </message>
+    <message>
+        <source>album</source>
+        <translation>Album</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>Kommentar</translation>
+    </message>
+    <message>
+        <source>genre</source>
+        <translation>Genre</translation>
+    </message>
+    <message>
+        <source>track</source>
+        <translation>Titelnummer</translation>
+    </message>
+    <message>
+        <source>cover</source>
+        <translation>Titelbild</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1 und %2</translation>
+    </message>
+    <message>
+        <source>%1 kHz</source>
+        <translation>%1 kHz</translation>
+    </message>
+    <message>
+        <source>%1 bits</source>
+        <translation>%1 Bit</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 Kanäle</translation>
+    </message>
+    <message>
+        <source>lossless sound</source>
+        <translation>verlustfreien Ton</translation>
+    </message>
+    <message>
+        <source>compressed sound (AAC)</source>
+        <translation>komprimierten Ton (AAC)</translation>
+    </message>
+    <message>
+        <source>The old file has %1, the new one only has %2.</source>
+        <translation>Die alte Datei hat %1, die neue nur %2.</translation>
+    </message>
+    <message>
+        <source>16 bits, 44.1 kHz, stereo</source>
+        <translation>16 Bit, 44,1 kHz, Stereo</translation>
+    </message>
+    <message>
+        <source>AAC with 256 kbit/s, 44.1 kHz, stereo</source>
+        <translation>AAC mit 256 kbit/s, 44,1 kHz, Stereo</translation>
+    </message>
+    <message>
+        <source>%1; keeps %2</source>
+        <translation>%1; behält %2</translation>
+    </message>
+    <message>
+        <source>%1; leaves out the cover</source>
+        <translation>%1; ohne das Titelbild</translation>
     </message>
     <message>
         <source>&amp;Save</source>
@@ -682,10 +916,6 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
     <message>
         <source>Too many files are open.</source>
         <translation>Es sind zu viele Dateien geöffnet.</translation>
-    </message>
-    <message>
-        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
-        <translation>%1 ist nicht mehr vorhanden. Die Datei wurde möglicherweise verschoben, umbenannt oder gelöscht.</translation>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
@@ -728,7 +958,7 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Der Arbeitsspeicher reicht nicht aus, um %1 zu lesen.</translation>
     </message>
     <message>
-        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 kann nicht gelesen werden: Auf diesem Computer fehlen die Bibliotheken von FFmpeg.</translation>
     </message>
     <message>
@@ -792,7 +1022,7 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Der Arbeitsspeicher reicht nicht aus, um %1 zu schreiben.</translation>
     </message>
     <message>
-        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 kann nicht geschrieben werden: Auf diesem Computer fehlen die Bibliotheken von FFmpeg.</translation>
     </message>
     <message>
@@ -882,6 +1112,10 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
     <message>
         <source>Lost in this recording: %1 s, first at %2</source>
         <translation>In dieser Aufnahme verloren: %1&#xa0;s, zuerst bei %2</translation>
+    </message>
+    <message>
+        <source>Lost sound</source>
+        <translation>Verlorener Ton</translation>
     </message>
     <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>

@@ -8,64 +8,60 @@
         <translation>&amp;Archivo</translation>
     </message>
     <message>
-        <source>New Recorder</source>
-        <translation>Nueva grabadora</translation>
+        <source>&amp;New Recorder</source>
+        <translation>&amp;Nueva grabadora</translation>
     </message>
     <message>
-        <source>Open…</source>
-        <translation>Abrir…</translation>
+        <source>&amp;Open…</source>
+        <translation>&amp;Abrir…</translation>
     </message>
     <message>
-        <source>Open Recent</source>
-        <translation>Abrir reciente</translation>
+        <source>Open &amp;Recent</source>
+        <translation>Abrir &amp;reciente</translation>
     </message>
     <message>
-        <source>Import…</source>
-        <translation>Importar…</translation>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importar…</translation>
     </message>
     <message>
-        <source>Save</source>
-        <translation>Guardar</translation>
+        <source>Save &amp;As…</source>
+        <translation>Guardar &amp;como…</translation>
     </message>
     <message>
-        <source>Save As…</source>
-        <translation>Guardar como…</translation>
+        <source>Export Rin&amp;gtone…</source>
+        <translation>Exportar &amp;tono de llamada…</translation>
     </message>
     <message>
-        <source>Export Ringtone…</source>
-        <translation>Exportar tono de llamada…</translation>
+        <source>Export &amp;Waveform Picture…</source>
+        <translation>Exportar imagen de la &amp;forma de onda…</translation>
     </message>
     <message>
-        <source>Export Waveform Picture…</source>
-        <translation>Exportar imagen de la forma de onda…</translation>
+        <source>&amp;Close</source>
+        <translation>C&amp;errar</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>Cerrar</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Salir</translation>
+        <source>&amp;Quit</source>
+        <translation>&amp;Salir</translation>
     </message>
     <message>
         <source>&amp;Edit</source>
         <translation>&amp;Editar</translation>
     </message>
     <message>
-        <source>Undo</source>
-        <translation>Deshacer</translation>
+        <source>&amp;Undo</source>
+        <translation>&amp;Deshacer</translation>
     </message>
     <message>
-        <source>Redo</source>
-        <translation>Rehacer</translation>
+        <source>&amp;Redo</source>
+        <translation>&amp;Rehacer</translation>
     </message>
     <message>
-        <source>Undo %1</source>
-        <translation>Deshacer: %1</translation>
+        <source>&amp;Undo %1</source>
+        <translation>&amp;Deshacer: %1</translation>
     </message>
     <message>
-        <source>Redo %1</source>
-        <translation>Rehacer: %1</translation>
+        <source>&amp;Redo %1</source>
+        <translation>&amp;Rehacer: %1</translation>
     </message>
     <message>
         <source>Remove After Marker</source>
@@ -132,12 +128,84 @@
         <translation>A&amp;yuda</translation>
     </message>
     <message>
-        <source>Documentation</source>
-        <translation>Documentación</translation>
+        <source>Remove &amp;After Marker</source>
+        <translation>Eliminar de&amp;spués del marcador</translation>
     </message>
     <message>
-        <source>Diagnostics</source>
-        <translation>Diagnóstico</translation>
+        <source>Remove &amp;Before Marker</source>
+        <translation>Eliminar &amp;antes del marcador</translation>
+    </message>
+    <message>
+        <source>Re&amp;verse Audio</source>
+        <translation>&amp;Invertir audio</translation>
+    </message>
+    <message>
+        <source>&amp;About Orvo</source>
+        <translation>&amp;Acerca de Orvo</translation>
+    </message>
+    <message>
+        <source>&amp;Record</source>
+        <translation>&amp;Grabar</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>&amp;Reproducir</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Detener</translation>
+    </message>
+    <message>
+        <source>&amp;To Start</source>
+        <translation>Ir al &amp;principio</translation>
+    </message>
+    <message>
+        <source>To &amp;End</source>
+        <translation>Ir al &amp;final</translation>
+    </message>
+    <message>
+        <source>&amp;Spectrum</source>
+        <translation>&amp;Espectro</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>&amp;Abrir</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>&amp;Importar</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>&amp;Reemplazar</translation>
+    </message>
+    <message>
+        <source>Nothing has been reported.</source>
+        <translation>No se ha comunicado nada.</translation>
+    </message>
+    <message>
+        <source>Recording %1</source>
+        <translation>Grabación %1</translation>
+    </message>
+    <message>
+        <source>There is no file %1.</source>
+        <translation>No hay ningún archivo %1.</translation>
+    </message>
+    <message>
+        <source>There is no file “%1”.</source>
+        <translation>No hay ningún archivo «%1».</translation>
+    </message>
+    <message>
+        <source>You may not write in the folder %1. Choose another.</source>
+        <translation>No puede escribir en la carpeta %1. Elija otra.</translation>
+    </message>
+    <message>
+        <source>&amp;Documentation</source>
+        <translation>&amp;Documentación</translation>
+    </message>
+    <message>
+        <source>D&amp;iagnostics</source>
+        <translation>D&amp;iagnóstico</translation>
     </message>
     <message>
         <source>About Orvo</source>
@@ -152,8 +220,8 @@
         <translation>Sin título</translation>
     </message>
     <message>
-        <source>Recovered Recordings…</source>
-        <translation>Grabaciones recuperadas…</translation>
+        <source>&amp;Recovered Recordings…</source>
+        <translation>&amp;Grabaciones recuperadas…</translation>
     </message>
     <message>
         <source>Recovered Recordings</source>
@@ -200,12 +268,16 @@
         <translation>Aún se está escribiendo</translation>
     </message>
     <message>
-        <source>Later</source>
-        <translation>Más tarde</translation>
+        <source>Waiting for room on the disk</source>
+        <translation>A la espera de espacio en el disco</translation>
     </message>
     <message>
-        <source>Delete</source>
-        <translation>Eliminar</translation>
+        <source>&amp;Later</source>
+        <translation>&amp;Más tarde</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>E&amp;liminar</translation>
     </message>
     <message>
         <source>Delete for good?</source>
@@ -244,8 +316,82 @@ An audio recorder and simple editor.</source>
 Una grabadora de audio con un editor sencillo.</translation>
     </message>
     <message>
-        <source>https://orvo.example/help/</source>
-        <translation>https://orvo.example/help/</translation>
+        <source>Usage: orvo [OPTION…] [--] [FILE…]</source>
+        <translation>Uso: orvo [OPTION…] [--] [FILE…]</translation>
+    </message>
+    <message>
+        <source>Orvo records from the default sound input, shows the growing waveform, and plays it back. Each file opens in a window of its own. Without a file, an empty recorder opens.</source>
+        <translation>Orvo graba de la entrada de sonido predeterminada, muestra la forma de onda que crece y la reproduce. Cada archivo se abre en su propia ventana. Sin archivo, se abre una grabadora vacía.</translation>
+    </message>
+    <message>
+        <source>Arguments:</source>
+        <translation>Argumentos:</translation>
+    </message>
+    <message>
+        <source>A path or a file:// address. Orvo opens caf, aif, aiff, wav, mp3, mp4, m4a, m4r and aac.</source>
+        <translation>Una ruta o una dirección file://. Orvo abre caf, aif, aiff, wav, mp3, mp4, m4a, m4r y aac.</translation>
+    </message>
+    <message>
+        <source>Ends the options. What follows is a file, even if it begins with a dash.</source>
+        <translation>Termina las opciones. Lo que sigue es un archivo, aunque empiece con un guion.</translation>
+    </message>
+    <message>
+        <source>Prints this text.</source>
+        <translation>Muestra este texto.</translation>
+    </message>
+    <message>
+        <source>Prints the version.</source>
+        <translation>Muestra la versión.</translation>
+    </message>
+    <message>
+        <source>These and the other options of Qt are passed on to Qt.</source>
+        <translation>Estas y las demás opciones de Qt se pasan a Qt.</translation>
+    </message>
+    <message>
+        <source>Environment:</source>
+        <translation>Entorno:</translation>
+    </message>
+    <message>
+        <source>The language of the texts: English, German, French, Spanish, Japanese or Simplified Chinese.</source>
+        <translation>El idioma de los textos: inglés, alemán, francés, español, japonés o chino simplificado.</translation>
+    </message>
+    <message>
+        <source>The directory in which open recordings are kept, 20 MB a minute. Otherwise /tmp, or /var/tmp if /tmp is in memory.</source>
+        <translation>El directorio de las grabaciones abiertas, 20 MB por minuto. Si no, /tmp, o /var/tmp si /tmp está en la memoria.</translation>
+    </message>
+    <message>
+        <source>If Orvo ends unexpectedly, recordings that were not saved are kept in orvo/recovered below this directory. Otherwise below ~/.local/share.</source>
+        <translation>Si Orvo se cierra de forma inesperada, las grabaciones sin guardar se conservan en orvo/recovered bajo este directorio. Si no, bajo ~/.local/share.</translation>
+    </message>
+    <message>
+        <source>Exit status:</source>
+        <translation>Código de salida:</translation>
+    </message>
+    <message>
+        <source>Orvo ended as asked.</source>
+        <translation>Orvo terminó como se pidió.</translation>
+    </message>
+    <message>
+        <source>The help or the version could not be printed.</source>
+        <translation>No se pudo mostrar la ayuda o la versión.</translation>
+    </message>
+    <message>
+        <source>An option is unknown. Nothing was opened.</source>
+        <translation>Una opción es desconocida. No se abrió nada.</translation>
+    </message>
+    <message>
+        <source>orvo: unknown option: %1
+Try orvo --help</source>
+        <translation>orvo: opción desconocida: %1
+Pruebe con orvo --help</translation>
+    </message>
+    <message>
+        <source>en/index.html</source>
+        <translation>es/index.html</translation>
+    </message>
+    <message>
+        <source>%1 is missing. Install Orvo again.</source>
+        <translation>Falta %1. Instale Orvo de nuevo.</translation>
     </message>
     <message>
         <source>https://orvo.example/</source>
@@ -292,23 +438,23 @@ Una grabadora de audio con un editor sencillo.</translation>
         <translation>Dibujando la forma de onda</translation>
     </message>
     <message>
-        <source>OK</source>
-        <translation>Aceptar</translation>
+        <source>&amp;OK</source>
+        <translation>&amp;Aceptar</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>Cancelar</translation>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Cancelar</translation>
     </message>
     <message>
-        <source>Don't Save</source>
-        <translation>No guardar</translation>
+        <source>Do&amp;n’t Save</source>
+        <translation>&amp;No guardar</translation>
     </message>
     <message>
         <source>Do you want to save the changes made to “%1”?</source>
         <translation>¿Desea guardar los cambios realizados en «%1»?</translation>
     </message>
     <message>
-        <source>Your changes will be lost if you don't save them.</source>
+        <source>Your changes will be lost if you don’t save them.</source>
         <translation>Si no los guarda, se perderán los cambios.</translation>
     </message>
     <message>
@@ -376,8 +522,8 @@ Una grabadora de audio con un editor sencillo.</translation>
         <translation>Guardar como</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Guardar en:</translation>
+        <source>Save &amp;in:</source>
+        <translation>G&amp;uardar en:</translation>
     </message>
     <message>
         <source>File &amp;type:</source>
@@ -576,16 +722,16 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>Otro programa ha cambiado entretanto la carpeta o el archivo.</translation>
     </message>
     <message>
-        <source>Look in:</source>
-        <translation>Buscar en:</translation>
+        <source>&amp;Look in:</source>
+        <translation>&amp;Buscar en:</translation>
     </message>
     <message>
         <source>File &amp;name:</source>
         <translation>&amp;Nombre de archivo:</translation>
     </message>
     <message>
-        <source>Files of type:</source>
-        <translation>Archivos de tipo:</translation>
+        <source>Files of &amp;type:</source>
+        <translation>Archivos de &amp;tipo:</translation>
     </message>
     <message>
         <source>Name</source>
@@ -620,10 +766,6 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>Esperando respuesta de la carpeta…</translation>
     </message>
     <message>
-        <source>“%1” is not there.</source>
-        <translation>«%1» no existe.</translation>
-    </message>
-    <message>
         <source>The files cannot be shown</source>
         <translation>No se pueden mostrar los archivos</translation>
     </message>
@@ -644,8 +786,100 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>No tiene permiso para crear archivos en su carpeta. El archivo antiguo se copia antes en el directorio temporal. La copia se conserva si falla la escritura.</translation>
     </message>
     <message>
-        <source>Overwrite</source>
-        <translation>Sobrescribir</translation>
+        <source>&amp;Overwrite</source>
+        <translation>&amp;Sobrescribir</translation>
+    </message>
+    <message>
+        <source>There is no such folder.</source>
+        <translation>Esa carpeta no existe.</translation>
+    </message>
+    <message>
+        <source>It is not a folder.</source>
+        <translation>No es una carpeta.</translation>
+    </message>
+    <message>
+        <source>The temporary directory “%1” cannot be used. %2</source>
+        <translation>No se puede usar el directorio temporal «%1». %2</translation>
+    </message>
+    <message>
+        <source>title</source>
+        <translation>título</translation>
+    </message>
+    <message>
+        <source>artist</source>
+        <translation>artista</translation>
+    </message>
+    <message>
+        <source>album</source>
+        <translation>álbum</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>fecha</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>comentario</translation>
+    </message>
+    <message>
+        <source>genre</source>
+        <translation>género</translation>
+    </message>
+    <message>
+        <source>track</source>
+        <translation>número de pista</translation>
+    </message>
+    <message>
+        <source>cover</source>
+        <translation>carátula</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1 y %2</translation>
+    </message>
+    <message>
+        <source>%1 kHz</source>
+        <translation>%1 kHz</translation>
+    </message>
+    <message>
+        <source>%1 bits</source>
+        <translation>%1 bits</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 canales</translation>
+    </message>
+    <message>
+        <source>lossless sound</source>
+        <translation>sonido sin pérdidas</translation>
+    </message>
+    <message>
+        <source>compressed sound (AAC)</source>
+        <translation>sonido comprimido (AAC)</translation>
+    </message>
+    <message>
+        <source>The old file has %1, the new one only has %2.</source>
+        <translation>El archivo antiguo tiene %1; el nuevo, solo %2.</translation>
+    </message>
+    <message>
+        <source>16 bits, 44.1 kHz, stereo</source>
+        <translation>16 bits, 44,1 kHz, estéreo</translation>
+    </message>
+    <message>
+        <source>AAC with 256 kbit/s, 44.1 kHz, stereo</source>
+        <translation>AAC a 256 kbit/s, 44,1 kHz, estéreo</translation>
+    </message>
+    <message>
+        <source>%1; keeps %2</source>
+        <translation>%1; conserva %2</translation>
+    </message>
+    <message>
+        <source>%1; leaves out the cover</source>
+        <translation>%1; sin la carátula</translation>
     </message>
     <message>
         <source>&amp;Save</source>
@@ -682,10 +916,6 @@ Se conserva todo lo grabado hasta entonces.</translation>
     <message>
         <source>Too many files are open.</source>
         <translation>Hay demasiados archivos abiertos.</translation>
-    </message>
-    <message>
-        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
-        <translation>%1 ya no existe. Puede que se haya movido, renombrado o eliminado.</translation>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
@@ -728,7 +958,7 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>No hay memoria suficiente para leer %1.</translation>
     </message>
     <message>
-        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
         <translation>No se puede leer %1: faltan las bibliotecas de FFmpeg en este equipo.</translation>
     </message>
     <message>
@@ -792,7 +1022,7 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>No hay memoria suficiente para escribir %1.</translation>
     </message>
     <message>
-        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
         <translation>No se puede escribir %1: faltan las bibliotecas de FFmpeg en este equipo.</translation>
     </message>
     <message>
@@ -882,6 +1112,10 @@ Se conserva todo lo grabado hasta entonces.</translation>
     <message>
         <source>Lost in this recording: %1 s, first at %2</source>
         <translation>Perdido en esta grabación: %1&#xa0;s, primero en %2</translation>
+    </message>
+    <message>
+        <source>Lost sound</source>
+        <translation>Sonido perdido</translation>
     </message>
     <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>

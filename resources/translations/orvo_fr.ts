@@ -8,64 +8,60 @@
         <translation>&amp;Fichier</translation>
     </message>
     <message>
-        <source>New Recorder</source>
-        <translation>Nouvel enregistreur</translation>
+        <source>&amp;New Recorder</source>
+        <translation>&amp;Nouvel enregistreur</translation>
     </message>
     <message>
-        <source>Open…</source>
-        <translation>Ouvrir…</translation>
+        <source>&amp;Open…</source>
+        <translation>&amp;Ouvrir…</translation>
     </message>
     <message>
-        <source>Open Recent</source>
-        <translation>Fichiers récents</translation>
+        <source>Open &amp;Recent</source>
+        <translation>Fichiers &amp;récents</translation>
     </message>
     <message>
-        <source>Import…</source>
-        <translation>Importer…</translation>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importer…</translation>
     </message>
     <message>
-        <source>Save</source>
-        <translation>Enregistrer</translation>
+        <source>Save &amp;As…</source>
+        <translation>Enregistrer &amp;sous…</translation>
     </message>
     <message>
-        <source>Save As…</source>
-        <translation>Enregistrer sous…</translation>
+        <source>Export Rin&amp;gtone…</source>
+        <translation>E&amp;xporter une sonnerie…</translation>
     </message>
     <message>
-        <source>Export Ringtone…</source>
-        <translation>Exporter une sonnerie…</translation>
+        <source>Export &amp;Waveform Picture…</source>
+        <translation>Exporter l’image de la &amp;forme d’onde…</translation>
     </message>
     <message>
-        <source>Export Waveform Picture…</source>
-        <translation>Exporter l’image de la forme d’onde…</translation>
+        <source>&amp;Close</source>
+        <translation>Fer&amp;mer</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>Fermer</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Quitter</translation>
+        <source>&amp;Quit</source>
+        <translation>&amp;Quitter</translation>
     </message>
     <message>
         <source>&amp;Edit</source>
         <translation>É&amp;dition</translation>
     </message>
     <message>
-        <source>Undo</source>
-        <translation>Annuler</translation>
+        <source>&amp;Undo</source>
+        <translation>&amp;Annuler</translation>
     </message>
     <message>
-        <source>Redo</source>
-        <translation>Rétablir</translation>
+        <source>&amp;Redo</source>
+        <translation>&amp;Rétablir</translation>
     </message>
     <message>
-        <source>Undo %1</source>
-        <translation>Annuler&#xa0;: %1</translation>
+        <source>&amp;Undo %1</source>
+        <translation>&amp;Annuler&#xa0;: %1</translation>
     </message>
     <message>
-        <source>Redo %1</source>
-        <translation>Rétablir&#xa0;: %1</translation>
+        <source>&amp;Redo %1</source>
+        <translation>&amp;Rétablir&#xa0;: %1</translation>
     </message>
     <message>
         <source>Remove After Marker</source>
@@ -132,12 +128,84 @@
         <translation>Aid&amp;e</translation>
     </message>
     <message>
-        <source>Documentation</source>
-        <translation>Documentation</translation>
+        <source>Remove &amp;After Marker</source>
+        <translation>Supprimer a&amp;près le marqueur</translation>
     </message>
     <message>
-        <source>Diagnostics</source>
-        <translation>Diagnostic</translation>
+        <source>Remove &amp;Before Marker</source>
+        <translation>Supprimer a&amp;vant le marqueur</translation>
+    </message>
+    <message>
+        <source>Re&amp;verse Audio</source>
+        <translation>&amp;Inverser l’audio</translation>
+    </message>
+    <message>
+        <source>&amp;About Orvo</source>
+        <translation>À &amp;propos d’Orvo</translation>
+    </message>
+    <message>
+        <source>&amp;Record</source>
+        <translation>&amp;Enregistrement</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>&amp;Lecture</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Arrêt</translation>
+    </message>
+    <message>
+        <source>&amp;To Start</source>
+        <translation>Aller au &amp;début</translation>
+    </message>
+    <message>
+        <source>To &amp;End</source>
+        <translation>Aller à la &amp;fin</translation>
+    </message>
+    <message>
+        <source>&amp;Spectrum</source>
+        <translation>&amp;Spectre</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>&amp;Ouvrir</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>&amp;Importer</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>&amp;Remplacer</translation>
+    </message>
+    <message>
+        <source>Nothing has been reported.</source>
+        <translation>Rien n’a été signalé.</translation>
+    </message>
+    <message>
+        <source>Recording %1</source>
+        <translation>Enregistrement %1</translation>
+    </message>
+    <message>
+        <source>There is no file %1.</source>
+        <translation>Il n’y a pas de fichier %1.</translation>
+    </message>
+    <message>
+        <source>There is no file “%1”.</source>
+        <translation>Il n’y a pas de fichier «&#xa0;%1&#xa0;».</translation>
+    </message>
+    <message>
+        <source>You may not write in the folder %1. Choose another.</source>
+        <translation>Vous n’avez pas le droit d’écrire dans le dossier %1. Choisissez-en un autre.</translation>
+    </message>
+    <message>
+        <source>&amp;Documentation</source>
+        <translation>&amp;Documentation</translation>
+    </message>
+    <message>
+        <source>D&amp;iagnostics</source>
+        <translation>D&amp;iagnostic</translation>
     </message>
     <message>
         <source>About Orvo</source>
@@ -152,8 +220,8 @@
         <translation>Sans titre</translation>
     </message>
     <message>
-        <source>Recovered Recordings…</source>
-        <translation>Enregistrements récupérés…</translation>
+        <source>&amp;Recovered Recordings…</source>
+        <translation>&amp;Enregistrements récupérés…</translation>
     </message>
     <message>
         <source>Recovered Recordings</source>
@@ -200,12 +268,16 @@
         <translation>Écriture en cours</translation>
     </message>
     <message>
-        <source>Later</source>
-        <translation>Plus tard</translation>
+        <source>Waiting for room on the disk</source>
+        <translation>En attente de place sur le disque</translation>
     </message>
     <message>
-        <source>Delete</source>
-        <translation>Supprimer</translation>
+        <source>&amp;Later</source>
+        <translation>Plus &amp;tard</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>&amp;Supprimer</translation>
     </message>
     <message>
         <source>Delete for good?</source>
@@ -244,8 +316,82 @@ An audio recorder and simple editor.</source>
 Un enregistreur audio et éditeur simple.</translation>
     </message>
     <message>
-        <source>https://orvo.example/help/</source>
-        <translation>https://orvo.example/help/</translation>
+        <source>Usage: orvo [OPTION…] [--] [FILE…]</source>
+        <translation>Utilisation&#xa0;: orvo [OPTION…] [--] [FILE…]</translation>
+    </message>
+    <message>
+        <source>Orvo records from the default sound input, shows the growing waveform, and plays it back. Each file opens in a window of its own. Without a file, an empty recorder opens.</source>
+        <translation>Orvo enregistre depuis l’entrée audio par défaut, affiche la forme d’onde qui grandit et la lit. Chaque fichier s’ouvre dans sa propre fenêtre. Sans fichier, un enregistreur vide s’ouvre.</translation>
+    </message>
+    <message>
+        <source>Arguments:</source>
+        <translation>Arguments&#xa0;:</translation>
+    </message>
+    <message>
+        <source>A path or a file:// address. Orvo opens caf, aif, aiff, wav, mp3, mp4, m4a, m4r and aac.</source>
+        <translation>Un chemin ou une adresse file://. Orvo ouvre caf, aif, aiff, wav, mp3, mp4, m4a, m4r et aac.</translation>
+    </message>
+    <message>
+        <source>Ends the options. What follows is a file, even if it begins with a dash.</source>
+        <translation>Termine les options. Ce qui suit est un fichier, même s’il commence par un tiret.</translation>
+    </message>
+    <message>
+        <source>Prints this text.</source>
+        <translation>Affiche ce texte.</translation>
+    </message>
+    <message>
+        <source>Prints the version.</source>
+        <translation>Affiche la version.</translation>
+    </message>
+    <message>
+        <source>These and the other options of Qt are passed on to Qt.</source>
+        <translation>Ces options et les autres de Qt sont transmises à Qt.</translation>
+    </message>
+    <message>
+        <source>Environment:</source>
+        <translation>Environnement&#xa0;:</translation>
+    </message>
+    <message>
+        <source>The language of the texts: English, German, French, Spanish, Japanese or Simplified Chinese.</source>
+        <translation>La langue des textes&#xa0;: anglais, allemand, français, espagnol, japonais ou chinois simplifié.</translation>
+    </message>
+    <message>
+        <source>The directory in which open recordings are kept, 20 MB a minute. Otherwise /tmp, or /var/tmp if /tmp is in memory.</source>
+        <translation>Le répertoire où se trouvent les enregistrements ouverts, 20 Mo par minute. Sinon /tmp, ou /var/tmp si /tmp est en mémoire.</translation>
+    </message>
+    <message>
+        <source>If Orvo ends unexpectedly, recordings that were not saved are kept in orvo/recovered below this directory. Otherwise below ~/.local/share.</source>
+        <translation>Si Orvo s’arrête de façon inattendue, les enregistrements non sauvegardés sont conservés dans orvo/recovered sous ce répertoire. Sinon sous ~/.local/share.</translation>
+    </message>
+    <message>
+        <source>Exit status:</source>
+        <translation>Code de sortie&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Orvo ended as asked.</source>
+        <translation>Orvo s’est terminé comme demandé.</translation>
+    </message>
+    <message>
+        <source>The help or the version could not be printed.</source>
+        <translation>L’aide ou la version n’a pas pu être affichée.</translation>
+    </message>
+    <message>
+        <source>An option is unknown. Nothing was opened.</source>
+        <translation>Une option est inconnue. Rien n’a été ouvert.</translation>
+    </message>
+    <message>
+        <source>orvo: unknown option: %1
+Try orvo --help</source>
+        <translation>orvo&#xa0;: option inconnue&#xa0;: %1
+Essayez orvo --help</translation>
+    </message>
+    <message>
+        <source>en/index.html</source>
+        <translation>fr/index.html</translation>
+    </message>
+    <message>
+        <source>%1 is missing. Install Orvo again.</source>
+        <translation>%1 est absent. Réinstallez Orvo.</translation>
     </message>
     <message>
         <source>https://orvo.example/</source>
@@ -292,23 +438,23 @@ Un enregistreur audio et éditeur simple.</translation>
         <translation>Tracé de la forme d’onde</translation>
     </message>
     <message>
-        <source>OK</source>
-        <translation>OK</translation>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>Annuler</translation>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
     </message>
     <message>
-        <source>Don't Save</source>
-        <translation>Ne pas enregistrer</translation>
+        <source>Do&amp;n’t Save</source>
+        <translation>Ne &amp;pas enregistrer</translation>
     </message>
     <message>
         <source>Do you want to save the changes made to “%1”?</source>
         <translation>Voulez-vous enregistrer les modifications apportées à «&#xa0;%1&#xa0;»&#xa0;?</translation>
     </message>
     <message>
-        <source>Your changes will be lost if you don't save them.</source>
+        <source>Your changes will be lost if you don’t save them.</source>
         <translation>Vos modifications seront perdues si vous ne les enregistrez pas.</translation>
     </message>
     <message>
@@ -376,8 +522,8 @@ Un enregistreur audio et éditeur simple.</translation>
         <translation>Enregistrer sous</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Enregistrer dans&#xa0;:</translation>
+        <source>Save &amp;in:</source>
+        <translation>Enregistrer &amp;dans&#xa0;:</translation>
     </message>
     <message>
         <source>File &amp;type:</source>
@@ -576,16 +722,16 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Un autre programme a modifié le dossier ou le fichier entre-temps.</translation>
     </message>
     <message>
-        <source>Look in:</source>
-        <translation>Rechercher dans&#xa0;:</translation>
+        <source>&amp;Look in:</source>
+        <translation>&amp;Rechercher dans&#xa0;:</translation>
     </message>
     <message>
         <source>File &amp;name:</source>
         <translation>&amp;Nom du fichier&#xa0;:</translation>
     </message>
     <message>
-        <source>Files of type:</source>
-        <translation>Fichiers de type&#xa0;:</translation>
+        <source>Files of &amp;type:</source>
+        <translation>Fichiers de &amp;type&#xa0;:</translation>
     </message>
     <message>
         <source>Name</source>
@@ -620,10 +766,6 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>En attente d’une réponse du dossier…</translation>
     </message>
     <message>
-        <source>“%1” is not there.</source>
-        <translation>«&#xa0;%1&#xa0;» n’existe pas.</translation>
-    </message>
-    <message>
         <source>The files cannot be shown</source>
         <translation>Les fichiers ne peuvent pas être affichés</translation>
     </message>
@@ -644,8 +786,100 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Vous n’avez pas le droit de créer des fichiers dans son dossier. L’ancien fichier est d’abord copié dans le répertoire temporaire. La copie est conservée si l’écriture échoue.</translation>
     </message>
     <message>
-        <source>Overwrite</source>
-        <translation>Écraser</translation>
+        <source>&amp;Overwrite</source>
+        <translation>É&amp;craser</translation>
+    </message>
+    <message>
+        <source>There is no such folder.</source>
+        <translation>Ce dossier n’existe pas.</translation>
+    </message>
+    <message>
+        <source>It is not a folder.</source>
+        <translation>Ce n’est pas un dossier.</translation>
+    </message>
+    <message>
+        <source>The temporary directory “%1” cannot be used. %2</source>
+        <translation>Le répertoire temporaire «&#xa0;%1&#xa0;» ne peut pas être utilisé. %2</translation>
+    </message>
+    <message>
+        <source>title</source>
+        <translation>titre</translation>
+    </message>
+    <message>
+        <source>artist</source>
+        <translation>artiste</translation>
+    </message>
+    <message>
+        <source>album</source>
+        <translation>album</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>date</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>commentaire</translation>
+    </message>
+    <message>
+        <source>genre</source>
+        <translation>genre</translation>
+    </message>
+    <message>
+        <source>track</source>
+        <translation>numéro de piste</translation>
+    </message>
+    <message>
+        <source>cover</source>
+        <translation>pochette</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1 et %2</translation>
+    </message>
+    <message>
+        <source>%1 kHz</source>
+        <translation>%1 kHz</translation>
+    </message>
+    <message>
+        <source>%1 bits</source>
+        <translation>%1 bits</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 canaux</translation>
+    </message>
+    <message>
+        <source>lossless sound</source>
+        <translation>un son sans perte</translation>
+    </message>
+    <message>
+        <source>compressed sound (AAC)</source>
+        <translation>un son compressé (AAC)</translation>
+    </message>
+    <message>
+        <source>The old file has %1, the new one only has %2.</source>
+        <translation>L’ancien fichier a %1, le nouveau seulement %2.</translation>
+    </message>
+    <message>
+        <source>16 bits, 44.1 kHz, stereo</source>
+        <translation>16 bits, 44,1 kHz, stéréo</translation>
+    </message>
+    <message>
+        <source>AAC with 256 kbit/s, 44.1 kHz, stereo</source>
+        <translation>AAC à 256 kbit/s, 44,1 kHz, stéréo</translation>
+    </message>
+    <message>
+        <source>%1; keeps %2</source>
+        <translation>%1&#xa0;; garde %2</translation>
+    </message>
+    <message>
+        <source>%1; leaves out the cover</source>
+        <translation>%1&#xa0;; sans la pochette</translation>
     </message>
     <message>
         <source>&amp;Save</source>
@@ -682,10 +916,6 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
     <message>
         <source>Too many files are open.</source>
         <translation>Trop de fichiers sont ouverts.</translation>
-    </message>
-    <message>
-        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
-        <translation>%1 n’existe plus. Le fichier a peut-être été déplacé, renommé ou supprimé.</translation>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
@@ -728,7 +958,7 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>La mémoire ne suffit pas pour lire %1.</translation>
     </message>
     <message>
-        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 ne peut pas être lu&#xa0;: les bibliothèques de FFmpeg sont absentes de cet ordinateur.</translation>
     </message>
     <message>
@@ -792,7 +1022,7 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>La mémoire ne suffit pas pour écrire %1.</translation>
     </message>
     <message>
-        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 ne peut pas être écrit&#xa0;: les bibliothèques de FFmpeg sont absentes de cet ordinateur.</translation>
     </message>
     <message>
@@ -882,6 +1112,10 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
     <message>
         <source>Lost in this recording: %1 s, first at %2</source>
         <translation>Perte dans cet enregistrement&#xa0;: %1&#xa0;s, la première à %2</translation>
+    </message>
+    <message>
+        <source>Lost sound</source>
+        <translation>Son perdu</translation>
     </message>
     <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>

@@ -8,64 +8,60 @@
         <translation>ファイル(&amp;F)</translation>
     </message>
     <message>
-        <source>New Recorder</source>
-        <translation>新規レコーダー</translation>
+        <source>&amp;New Recorder</source>
+        <translation>新規レコーダー(&amp;N)</translation>
     </message>
     <message>
-        <source>Open…</source>
-        <translation>開く…</translation>
+        <source>&amp;Open…</source>
+        <translation>開く(&amp;O)…</translation>
     </message>
     <message>
-        <source>Open Recent</source>
-        <translation>最近使ったファイル</translation>
+        <source>Open &amp;Recent</source>
+        <translation>最近使ったファイル(&amp;R)</translation>
     </message>
     <message>
-        <source>Import…</source>
-        <translation>インポート…</translation>
+        <source>&amp;Import…</source>
+        <translation>インポート(&amp;I)…</translation>
     </message>
     <message>
-        <source>Save</source>
-        <translation>保存</translation>
+        <source>Save &amp;As…</source>
+        <translation>名前を付けて保存(&amp;A)…</translation>
     </message>
     <message>
-        <source>Save As…</source>
-        <translation>名前を付けて保存…</translation>
+        <source>Export Rin&amp;gtone…</source>
+        <translation>着信音をエクスポート(&amp;G)…</translation>
     </message>
     <message>
-        <source>Export Ringtone…</source>
-        <translation>着信音をエクスポート…</translation>
+        <source>Export &amp;Waveform Picture…</source>
+        <translation>波形の画像をエクスポート(&amp;W)…</translation>
     </message>
     <message>
-        <source>Export Waveform Picture…</source>
-        <translation>波形の画像をエクスポート…</translation>
+        <source>&amp;Close</source>
+        <translation>閉じる(&amp;C)</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>閉じる</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>終了</translation>
+        <source>&amp;Quit</source>
+        <translation>終了(&amp;Q)</translation>
     </message>
     <message>
         <source>&amp;Edit</source>
         <translation>編集(&amp;E)</translation>
     </message>
     <message>
-        <source>Undo</source>
-        <translation>元に戻す</translation>
+        <source>&amp;Undo</source>
+        <translation>元に戻す(&amp;U)</translation>
     </message>
     <message>
-        <source>Redo</source>
-        <translation>やり直す</translation>
+        <source>&amp;Redo</source>
+        <translation>やり直す(&amp;R)</translation>
     </message>
     <message>
-        <source>Undo %1</source>
-        <translation>元に戻す: %1</translation>
+        <source>&amp;Undo %1</source>
+        <translation>元に戻す(&amp;U): %1</translation>
     </message>
     <message>
-        <source>Redo %1</source>
-        <translation>やり直す: %1</translation>
+        <source>&amp;Redo %1</source>
+        <translation>やり直す(&amp;R): %1</translation>
     </message>
     <message>
         <source>Remove After Marker</source>
@@ -132,12 +128,84 @@
         <translation>ヘルプ(&amp;H)</translation>
     </message>
     <message>
-        <source>Documentation</source>
-        <translation>ドキュメント</translation>
+        <source>Remove &amp;After Marker</source>
+        <translation>マーカーより後を削除(&amp;A)</translation>
     </message>
     <message>
-        <source>Diagnostics</source>
-        <translation>診断</translation>
+        <source>Remove &amp;Before Marker</source>
+        <translation>マーカーより前を削除(&amp;B)</translation>
+    </message>
+    <message>
+        <source>Re&amp;verse Audio</source>
+        <translation>オーディオを前後反転(&amp;V)</translation>
+    </message>
+    <message>
+        <source>&amp;About Orvo</source>
+        <translation>Orvo について(&amp;A)</translation>
+    </message>
+    <message>
+        <source>&amp;Record</source>
+        <translation>録音(&amp;R)</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>再生(&amp;P)</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>停止(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;To Start</source>
+        <translation>先頭へ(&amp;T)</translation>
+    </message>
+    <message>
+        <source>To &amp;End</source>
+        <translation>末尾へ(&amp;E)</translation>
+    </message>
+    <message>
+        <source>&amp;Spectrum</source>
+        <translation>スペクトラム(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>開く(&amp;O)</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>インポート(&amp;I)</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>置き換え(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Nothing has been reported.</source>
+        <translation>報告はありません。</translation>
+    </message>
+    <message>
+        <source>Recording %1</source>
+        <translation>録音 %1</translation>
+    </message>
+    <message>
+        <source>There is no file %1.</source>
+        <translation>ファイル%1はありません。</translation>
+    </message>
+    <message>
+        <source>There is no file “%1”.</source>
+        <translation>ファイル「%1」はありません。</translation>
+    </message>
+    <message>
+        <source>You may not write in the folder %1. Choose another.</source>
+        <translation>フォルダー%1に書き込む権限がありません。別のフォルダーを選んでください。</translation>
+    </message>
+    <message>
+        <source>&amp;Documentation</source>
+        <translation>ドキュメント(&amp;D)</translation>
+    </message>
+    <message>
+        <source>D&amp;iagnostics</source>
+        <translation>診断(&amp;I)</translation>
     </message>
     <message>
         <source>About Orvo</source>
@@ -152,8 +220,8 @@
         <translation>名称未設定</translation>
     </message>
     <message>
-        <source>Recovered Recordings…</source>
-        <translation>復元された録音…</translation>
+        <source>&amp;Recovered Recordings…</source>
+        <translation>復元された録音(&amp;R)…</translation>
     </message>
     <message>
         <source>Recovered Recordings</source>
@@ -200,12 +268,16 @@
         <translation>書き込み中</translation>
     </message>
     <message>
-        <source>Later</source>
-        <translation>後で</translation>
+        <source>Waiting for room on the disk</source>
+        <translation>ディスクの空きを待っています</translation>
     </message>
     <message>
-        <source>Delete</source>
-        <translation>削除</translation>
+        <source>&amp;Later</source>
+        <translation>後で(&amp;L)</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>削除(&amp;D)</translation>
     </message>
     <message>
         <source>Delete for good?</source>
@@ -244,8 +316,82 @@ An audio recorder and simple editor.</source>
 オーディオレコーダー兼シンプルなエディターです。</translation>
     </message>
     <message>
-        <source>https://orvo.example/help/</source>
-        <translation>https://orvo.example/help/</translation>
+        <source>Usage: orvo [OPTION…] [--] [FILE…]</source>
+        <translation>使い方: orvo [OPTION…] [--] [FILE…]</translation>
+    </message>
+    <message>
+        <source>Orvo records from the default sound input, shows the growing waveform, and plays it back. Each file opens in a window of its own. Without a file, an empty recorder opens.</source>
+        <translation>Orvo はデフォルトのサウンド入力から録音し、伸びていく波形を表示し、再生します。ファイルはそれぞれ別のウィンドウで開きます。ファイルがなければ、空のレコーダーが開きます。</translation>
+    </message>
+    <message>
+        <source>Arguments:</source>
+        <translation>引数:</translation>
+    </message>
+    <message>
+        <source>A path or a file:// address. Orvo opens caf, aif, aiff, wav, mp3, mp4, m4a, m4r and aac.</source>
+        <translation>パスまたは file:// で始まるアドレス。Orvo は caf、aif、aiff、wav、mp3、mp4、m4a、m4r、aac を開きます。</translation>
+    </message>
+    <message>
+        <source>Ends the options. What follows is a file, even if it begins with a dash.</source>
+        <translation>オプションの終わり。これより後は、ダッシュで始まるものもファイルです。</translation>
+    </message>
+    <message>
+        <source>Prints this text.</source>
+        <translation>この説明を表示します。</translation>
+    </message>
+    <message>
+        <source>Prints the version.</source>
+        <translation>バージョンを表示します。</translation>
+    </message>
+    <message>
+        <source>These and the other options of Qt are passed on to Qt.</source>
+        <translation>これらを含む Qt のオプションは Qt に渡されます。</translation>
+    </message>
+    <message>
+        <source>Environment:</source>
+        <translation>環境変数:</translation>
+    </message>
+    <message>
+        <source>The language of the texts: English, German, French, Spanish, Japanese or Simplified Chinese.</source>
+        <translation>表示に使う言語: 英語、ドイツ語、フランス語、スペイン語、日本語、簡体字中国語。</translation>
+    </message>
+    <message>
+        <source>The directory in which open recordings are kept, 20 MB a minute. Otherwise /tmp, or /var/tmp if /tmp is in memory.</source>
+        <translation>開いている録音を置くディレクトリ。1 分あたり 20 MB。なければ /tmp、/tmp がメモリ上にある場合は /var/tmp。</translation>
+    </message>
+    <message>
+        <source>If Orvo ends unexpectedly, recordings that were not saved are kept in orvo/recovered below this directory. Otherwise below ~/.local/share.</source>
+        <translation>Orvo が予期せず終了したとき、保存していない録音は、このディレクトリの orvo/recovered に残ります。なければ ~/.local/share の下です。</translation>
+    </message>
+    <message>
+        <source>Exit status:</source>
+        <translation>終了ステータス:</translation>
+    </message>
+    <message>
+        <source>Orvo ended as asked.</source>
+        <translation>Orvo は指示どおりに終了しました。</translation>
+    </message>
+    <message>
+        <source>The help or the version could not be printed.</source>
+        <translation>説明またはバージョンを表示できませんでした。</translation>
+    </message>
+    <message>
+        <source>An option is unknown. Nothing was opened.</source>
+        <translation>不明なオプションがあります。何も開かれませんでした。</translation>
+    </message>
+    <message>
+        <source>orvo: unknown option: %1
+Try orvo --help</source>
+        <translation>orvo: 不明なオプション: %1
+次を試してください: orvo --help</translation>
+    </message>
+    <message>
+        <source>en/index.html</source>
+        <translation>ja/index.html</translation>
+    </message>
+    <message>
+        <source>%1 is missing. Install Orvo again.</source>
+        <translation>%1 がありません。Orvo を再インストールしてください。</translation>
     </message>
     <message>
         <source>https://orvo.example/</source>
@@ -292,23 +438,23 @@ An audio recorder and simple editor.</source>
         <translation>波形を描画中</translation>
     </message>
     <message>
-        <source>OK</source>
-        <translation>OK</translation>
+        <source>&amp;OK</source>
+        <translation>OK(&amp;O)</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>キャンセル</translation>
+        <source>&amp;Cancel</source>
+        <translation>キャンセル(&amp;C)</translation>
     </message>
     <message>
-        <source>Don't Save</source>
-        <translation>保存しない</translation>
+        <source>Do&amp;n’t Save</source>
+        <translation>保存しない(&amp;N)</translation>
     </message>
     <message>
         <source>Do you want to save the changes made to “%1”?</source>
         <translation>「%1」への変更を保存しますか？</translation>
     </message>
     <message>
-        <source>Your changes will be lost if you don't save them.</source>
+        <source>Your changes will be lost if you don’t save them.</source>
         <translation>保存しないと、変更内容は失われます。</translation>
     </message>
     <message>
@@ -376,8 +522,8 @@ An audio recorder and simple editor.</source>
         <translation>名前を付けて保存</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>保存先:</translation>
+        <source>Save &amp;in:</source>
+        <translation>保存先(&amp;I):</translation>
     </message>
     <message>
         <source>File &amp;type:</source>
@@ -576,16 +722,16 @@ Everything recorded before is kept.</source>
         <translation>その間に別のプログラムがフォルダーまたはファイルを変更しました。</translation>
     </message>
     <message>
-        <source>Look in:</source>
-        <translation>場所:</translation>
+        <source>&amp;Look in:</source>
+        <translation>場所(&amp;L):</translation>
     </message>
     <message>
         <source>File &amp;name:</source>
         <translation>ファイル名(&amp;N):</translation>
     </message>
     <message>
-        <source>Files of type:</source>
-        <translation>表示する種類:</translation>
+        <source>Files of &amp;type:</source>
+        <translation>表示する種類(&amp;T):</translation>
     </message>
     <message>
         <source>Name</source>
@@ -620,10 +766,6 @@ Everything recorded before is kept.</source>
         <translation>フォルダーの応答を待っています…</translation>
     </message>
     <message>
-        <source>“%1” is not there.</source>
-        <translation>「%1」がありません。</translation>
-    </message>
-    <message>
         <source>The files cannot be shown</source>
         <translation>ファイルを表示できません</translation>
     </message>
@@ -644,8 +786,100 @@ Everything recorded before is kept.</source>
         <translation>このフォルダーにファイルを作成する権限がありません。元のファイルは先に一時ディレクトリにコピーされます。書き込みに失敗した場合、そのコピーは残ります。</translation>
     </message>
     <message>
-        <source>Overwrite</source>
-        <translation>上書き</translation>
+        <source>&amp;Overwrite</source>
+        <translation>上書き(&amp;O)</translation>
+    </message>
+    <message>
+        <source>There is no such folder.</source>
+        <translation>そのフォルダーはありません。</translation>
+    </message>
+    <message>
+        <source>It is not a folder.</source>
+        <translation>それはフォルダーではありません。</translation>
+    </message>
+    <message>
+        <source>The temporary directory “%1” cannot be used. %2</source>
+        <translation>一時ディレクトリー「%1」は使えません。%2</translation>
+    </message>
+    <message>
+        <source>title</source>
+        <translation>タイトル</translation>
+    </message>
+    <message>
+        <source>artist</source>
+        <translation>アーティスト</translation>
+    </message>
+    <message>
+        <source>album</source>
+        <translation>アルバム</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>日付</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>コメント</translation>
+    </message>
+    <message>
+        <source>genre</source>
+        <translation>ジャンル</translation>
+    </message>
+    <message>
+        <source>track</source>
+        <translation>トラック番号</translation>
+    </message>
+    <message>
+        <source>cover</source>
+        <translation>カバー画像</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1、%2</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1と%2</translation>
+    </message>
+    <message>
+        <source>%1 kHz</source>
+        <translation>%1 kHz</translation>
+    </message>
+    <message>
+        <source>%1 bits</source>
+        <translation>%1ビット</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1チャンネル</translation>
+    </message>
+    <message>
+        <source>lossless sound</source>
+        <translation>可逆圧縮の音声</translation>
+    </message>
+    <message>
+        <source>compressed sound (AAC)</source>
+        <translation>非可逆圧縮の音声（AAC）</translation>
+    </message>
+    <message>
+        <source>The old file has %1, the new one only has %2.</source>
+        <translation>古いファイルは%1ですが、新しいファイルは%2になります。</translation>
+    </message>
+    <message>
+        <source>16 bits, 44.1 kHz, stereo</source>
+        <translation>16ビット、44.1 kHz、ステレオ</translation>
+    </message>
+    <message>
+        <source>AAC with 256 kbit/s, 44.1 kHz, stereo</source>
+        <translation>AAC 256 kbit/s、44.1 kHz、ステレオ</translation>
+    </message>
+    <message>
+        <source>%1; keeps %2</source>
+        <translation>%1。%2を残します</translation>
+    </message>
+    <message>
+        <source>%1; leaves out the cover</source>
+        <translation>%1。カバー画像は残りません</translation>
     </message>
     <message>
         <source>&amp;Save</source>
@@ -682,10 +916,6 @@ Everything recorded before is kept.</source>
     <message>
         <source>Too many files are open.</source>
         <translation>開いているファイルが多すぎます。</translation>
-    </message>
-    <message>
-        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
-        <translation>%1 はなくなっています。移動、名前の変更、または削除された可能性があります。</translation>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
@@ -728,7 +958,7 @@ Everything recorded before is kept.</source>
         <translation>メモリが足りないため、%1 を読み取れませんでした。</translation>
     </message>
     <message>
-        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 を読み取れません。このコンピューターに FFmpeg のライブラリがありません。</translation>
     </message>
     <message>
@@ -792,7 +1022,7 @@ Everything recorded before is kept.</source>
         <translation>メモリが足りないため、%1 を書き込めませんでした。</translation>
     </message>
     <message>
-        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
         <translation>%1 を書き込めません。このコンピューターに FFmpeg のライブラリがありません。</translation>
     </message>
     <message>
@@ -882,6 +1112,10 @@ Everything recorded before is kept.</source>
     <message>
         <source>Lost in this recording: %1 s, first at %2</source>
         <translation>この録音で失われた長さ：%1秒、最初は%2</translation>
+    </message>
+    <message>
+        <source>Lost sound</source>
+        <translation>失われた音</translation>
     </message>
     <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>

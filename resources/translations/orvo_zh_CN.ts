@@ -8,64 +8,60 @@
         <translation>文件(&amp;F)</translation>
     </message>
     <message>
-        <source>New Recorder</source>
-        <translation>新建录音机</translation>
+        <source>&amp;New Recorder</source>
+        <translation>新建录音机(&amp;N)</translation>
     </message>
     <message>
-        <source>Open…</source>
-        <translation>打开…</translation>
+        <source>&amp;Open…</source>
+        <translation>打开(&amp;O)…</translation>
     </message>
     <message>
-        <source>Open Recent</source>
-        <translation>最近打开的文件</translation>
+        <source>Open &amp;Recent</source>
+        <translation>最近打开的文件(&amp;R)</translation>
     </message>
     <message>
-        <source>Import…</source>
-        <translation>导入…</translation>
+        <source>&amp;Import…</source>
+        <translation>导入(&amp;I)…</translation>
     </message>
     <message>
-        <source>Save</source>
-        <translation>保存</translation>
+        <source>Save &amp;As…</source>
+        <translation>另存为(&amp;A)…</translation>
     </message>
     <message>
-        <source>Save As…</source>
-        <translation>另存为…</translation>
+        <source>Export Rin&amp;gtone…</source>
+        <translation>导出铃声(&amp;G)…</translation>
     </message>
     <message>
-        <source>Export Ringtone…</source>
-        <translation>导出铃声…</translation>
+        <source>Export &amp;Waveform Picture…</source>
+        <translation>导出波形图片(&amp;W)…</translation>
     </message>
     <message>
-        <source>Export Waveform Picture…</source>
-        <translation>导出波形图片…</translation>
+        <source>&amp;Close</source>
+        <translation>关闭(&amp;C)</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>关闭</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>退出</translation>
+        <source>&amp;Quit</source>
+        <translation>退出(&amp;Q)</translation>
     </message>
     <message>
         <source>&amp;Edit</source>
         <translation>编辑(&amp;E)</translation>
     </message>
     <message>
-        <source>Undo</source>
-        <translation>撤销</translation>
+        <source>&amp;Undo</source>
+        <translation>撤销(&amp;U)</translation>
     </message>
     <message>
-        <source>Redo</source>
-        <translation>重做</translation>
+        <source>&amp;Redo</source>
+        <translation>重做(&amp;R)</translation>
     </message>
     <message>
-        <source>Undo %1</source>
-        <translation>撤销：%1</translation>
+        <source>&amp;Undo %1</source>
+        <translation>撤销(&amp;U)：%1</translation>
     </message>
     <message>
-        <source>Redo %1</source>
-        <translation>重做：%1</translation>
+        <source>&amp;Redo %1</source>
+        <translation>重做(&amp;R)：%1</translation>
     </message>
     <message>
         <source>Remove After Marker</source>
@@ -132,12 +128,84 @@
         <translation>帮助(&amp;H)</translation>
     </message>
     <message>
-        <source>Documentation</source>
-        <translation>文档</translation>
+        <source>Remove &amp;After Marker</source>
+        <translation>删除标记之后的内容(&amp;A)</translation>
     </message>
     <message>
-        <source>Diagnostics</source>
-        <translation>诊断</translation>
+        <source>Remove &amp;Before Marker</source>
+        <translation>删除标记之前的内容(&amp;B)</translation>
+    </message>
+    <message>
+        <source>Re&amp;verse Audio</source>
+        <translation>反转音频(&amp;V)</translation>
+    </message>
+    <message>
+        <source>&amp;About Orvo</source>
+        <translation>关于 Orvo(&amp;A)</translation>
+    </message>
+    <message>
+        <source>&amp;Record</source>
+        <translation>录音(&amp;R)</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>播放(&amp;P)</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>停止(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;To Start</source>
+        <translation>转到开头(&amp;T)</translation>
+    </message>
+    <message>
+        <source>To &amp;End</source>
+        <translation>转到末尾(&amp;E)</translation>
+    </message>
+    <message>
+        <source>&amp;Spectrum</source>
+        <translation>频谱(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>打开(&amp;O)</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>导入(&amp;I)</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>替换(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Nothing has been reported.</source>
+        <translation>没有任何报告。</translation>
+    </message>
+    <message>
+        <source>Recording %1</source>
+        <translation>录音 %1</translation>
+    </message>
+    <message>
+        <source>There is no file %1.</source>
+        <translation>没有文件%1。</translation>
+    </message>
+    <message>
+        <source>There is no file “%1”.</source>
+        <translation>没有文件“%1”。</translation>
+    </message>
+    <message>
+        <source>You may not write in the folder %1. Choose another.</source>
+        <translation>您无权写入文件夹%1。请选择其他文件夹。</translation>
+    </message>
+    <message>
+        <source>&amp;Documentation</source>
+        <translation>文档(&amp;D)</translation>
+    </message>
+    <message>
+        <source>D&amp;iagnostics</source>
+        <translation>诊断(&amp;I)</translation>
     </message>
     <message>
         <source>About Orvo</source>
@@ -152,8 +220,8 @@
         <translation>未命名</translation>
     </message>
     <message>
-        <source>Recovered Recordings…</source>
-        <translation>恢复的录音…</translation>
+        <source>&amp;Recovered Recordings…</source>
+        <translation>恢复的录音(&amp;R)…</translation>
     </message>
     <message>
         <source>Recovered Recordings</source>
@@ -200,12 +268,16 @@
         <translation>仍在写入</translation>
     </message>
     <message>
-        <source>Later</source>
-        <translation>稍后</translation>
+        <source>Waiting for room on the disk</source>
+        <translation>正在等待磁盘空间</translation>
     </message>
     <message>
-        <source>Delete</source>
-        <translation>删除</translation>
+        <source>&amp;Later</source>
+        <translation>稍后(&amp;L)</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>删除(&amp;D)</translation>
     </message>
     <message>
         <source>Delete for good?</source>
@@ -244,8 +316,82 @@ An audio recorder and simple editor.</source>
 录音与简易音频编辑软件。</translation>
     </message>
     <message>
-        <source>https://orvo.example/help/</source>
-        <translation>https://orvo.example/help/</translation>
+        <source>Usage: orvo [OPTION…] [--] [FILE…]</source>
+        <translation>用法：orvo [OPTION…] [--] [FILE…]</translation>
+    </message>
+    <message>
+        <source>Orvo records from the default sound input, shows the growing waveform, and plays it back. Each file opens in a window of its own. Without a file, an empty recorder opens.</source>
+        <translation>Orvo 从默认声音输入录音，显示不断增长的波形，并可播放。每个文件在自己的窗口中打开。没有文件时，打开一个空的录音机。</translation>
+    </message>
+    <message>
+        <source>Arguments:</source>
+        <translation>参数：</translation>
+    </message>
+    <message>
+        <source>A path or a file:// address. Orvo opens caf, aif, aiff, wav, mp3, mp4, m4a, m4r and aac.</source>
+        <translation>路径或 file:// 地址。Orvo 可以打开 caf、aif、aiff、wav、mp3、mp4、m4a、m4r 和 aac。</translation>
+    </message>
+    <message>
+        <source>Ends the options. What follows is a file, even if it begins with a dash.</source>
+        <translation>结束选项。其后的内容都是文件，即使以短横线开头。</translation>
+    </message>
+    <message>
+        <source>Prints this text.</source>
+        <translation>显示本说明。</translation>
+    </message>
+    <message>
+        <source>Prints the version.</source>
+        <translation>显示版本。</translation>
+    </message>
+    <message>
+        <source>These and the other options of Qt are passed on to Qt.</source>
+        <translation>这些选项以及 Qt 的其他选项会传给 Qt。</translation>
+    </message>
+    <message>
+        <source>Environment:</source>
+        <translation>环境变量：</translation>
+    </message>
+    <message>
+        <source>The language of the texts: English, German, French, Spanish, Japanese or Simplified Chinese.</source>
+        <translation>界面的语言：英语、德语、法语、西班牙语、日语或简体中文。</translation>
+    </message>
+    <message>
+        <source>The directory in which open recordings are kept, 20 MB a minute. Otherwise /tmp, or /var/tmp if /tmp is in memory.</source>
+        <translation>存放已打开录音的目录，每分钟 20 MB。否则为 /tmp；如果 /tmp 在内存中，则为 /var/tmp。</translation>
+    </message>
+    <message>
+        <source>If Orvo ends unexpectedly, recordings that were not saved are kept in orvo/recovered below this directory. Otherwise below ~/.local/share.</source>
+        <translation>如果 Orvo 意外退出，未保存的录音会保留在此目录下的 orvo/recovered 中。否则在 ~/.local/share 下。</translation>
+    </message>
+    <message>
+        <source>Exit status:</source>
+        <translation>退出状态：</translation>
+    </message>
+    <message>
+        <source>Orvo ended as asked.</source>
+        <translation>Orvo 按要求结束。</translation>
+    </message>
+    <message>
+        <source>The help or the version could not be printed.</source>
+        <translation>无法显示说明或版本。</translation>
+    </message>
+    <message>
+        <source>An option is unknown. Nothing was opened.</source>
+        <translation>有未知的选项。没有打开任何内容。</translation>
+    </message>
+    <message>
+        <source>orvo: unknown option: %1
+Try orvo --help</source>
+        <translation>orvo：未知的选项：%1
+请尝试 orvo --help</translation>
+    </message>
+    <message>
+        <source>en/index.html</source>
+        <translation>zh_CN/index.html</translation>
+    </message>
+    <message>
+        <source>%1 is missing. Install Orvo again.</source>
+        <translation>缺少 %1。请重新安装 Orvo。</translation>
     </message>
     <message>
         <source>https://orvo.example/</source>
@@ -292,23 +438,23 @@ An audio recorder and simple editor.</source>
         <translation>正在绘制波形</translation>
     </message>
     <message>
-        <source>OK</source>
-        <translation>确定</translation>
+        <source>&amp;OK</source>
+        <translation>确定(&amp;O)</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>取消</translation>
+        <source>&amp;Cancel</source>
+        <translation>取消(&amp;C)</translation>
     </message>
     <message>
-        <source>Don't Save</source>
-        <translation>不保存</translation>
+        <source>Do&amp;n’t Save</source>
+        <translation>不保存(&amp;N)</translation>
     </message>
     <message>
         <source>Do you want to save the changes made to “%1”?</source>
         <translation>要保存对“%1”所做的更改吗？</translation>
     </message>
     <message>
-        <source>Your changes will be lost if you don't save them.</source>
+        <source>Your changes will be lost if you don’t save them.</source>
         <translation>如果不保存，您的更改将会丢失。</translation>
     </message>
     <message>
@@ -376,8 +522,8 @@ An audio recorder and simple editor.</source>
         <translation>另存为</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>保存位置：</translation>
+        <source>Save &amp;in:</source>
+        <translation>保存位置(&amp;I)：</translation>
     </message>
     <message>
         <source>File &amp;type:</source>
@@ -576,16 +722,16 @@ Everything recorded before is kept.</source>
         <translation>其间另一个程序更改了文件夹或文件。</translation>
     </message>
     <message>
-        <source>Look in:</source>
-        <translation>查找位置：</translation>
+        <source>&amp;Look in:</source>
+        <translation>查找位置(&amp;L)：</translation>
     </message>
     <message>
         <source>File &amp;name:</source>
         <translation>文件名(&amp;N)：</translation>
     </message>
     <message>
-        <source>Files of type:</source>
-        <translation>显示类型：</translation>
+        <source>Files of &amp;type:</source>
+        <translation>显示类型(&amp;T)：</translation>
     </message>
     <message>
         <source>Name</source>
@@ -620,10 +766,6 @@ Everything recorded before is kept.</source>
         <translation>正在等待文件夹响应…</translation>
     </message>
     <message>
-        <source>“%1” is not there.</source>
-        <translation>“%1”不存在。</translation>
-    </message>
-    <message>
         <source>The files cannot be shown</source>
         <translation>无法显示文件</translation>
     </message>
@@ -644,8 +786,100 @@ Everything recorded before is kept.</source>
         <translation>您无权在其文件夹中创建文件。旧文件会先复制到临时目录。如果写入失败，该副本将保留。</translation>
     </message>
     <message>
-        <source>Overwrite</source>
-        <translation>覆盖</translation>
+        <source>&amp;Overwrite</source>
+        <translation>覆盖(&amp;O)</translation>
+    </message>
+    <message>
+        <source>There is no such folder.</source>
+        <translation>没有这个文件夹。</translation>
+    </message>
+    <message>
+        <source>It is not a folder.</source>
+        <translation>它不是文件夹。</translation>
+    </message>
+    <message>
+        <source>The temporary directory “%1” cannot be used. %2</source>
+        <translation>无法使用临时目录“%1”。%2</translation>
+    </message>
+    <message>
+        <source>title</source>
+        <translation>标题</translation>
+    </message>
+    <message>
+        <source>artist</source>
+        <translation>艺术家</translation>
+    </message>
+    <message>
+        <source>album</source>
+        <translation>专辑</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>日期</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>注释</translation>
+    </message>
+    <message>
+        <source>genre</source>
+        <translation>流派</translation>
+    </message>
+    <message>
+        <source>track</source>
+        <translation>音轨号</translation>
+    </message>
+    <message>
+        <source>cover</source>
+        <translation>封面</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1、%2</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1和%2</translation>
+    </message>
+    <message>
+        <source>%1 kHz</source>
+        <translation>%1 kHz</translation>
+    </message>
+    <message>
+        <source>%1 bits</source>
+        <translation>%1 位</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 个声道</translation>
+    </message>
+    <message>
+        <source>lossless sound</source>
+        <translation>无损声音</translation>
+    </message>
+    <message>
+        <source>compressed sound (AAC)</source>
+        <translation>有损压缩的声音（AAC）</translation>
+    </message>
+    <message>
+        <source>The old file has %1, the new one only has %2.</source>
+        <translation>旧文件为%1，新文件只有%2。</translation>
+    </message>
+    <message>
+        <source>16 bits, 44.1 kHz, stereo</source>
+        <translation>16 位，44.1 kHz，立体声</translation>
+    </message>
+    <message>
+        <source>AAC with 256 kbit/s, 44.1 kHz, stereo</source>
+        <translation>AAC 256 kbit/s，44.1 kHz，立体声</translation>
+    </message>
+    <message>
+        <source>%1; keeps %2</source>
+        <translation>%1；保留%2</translation>
+    </message>
+    <message>
+        <source>%1; leaves out the cover</source>
+        <translation>%1；不含封面</translation>
     </message>
     <message>
         <source>&amp;Save</source>
@@ -682,10 +916,6 @@ Everything recorded before is kept.</source>
     <message>
         <source>Too many files are open.</source>
         <translation>打开的文件过多。</translation>
-    </message>
-    <message>
-        <source>%1 is no longer there. It may have been moved, renamed or deleted.</source>
-        <translation>%1 已不存在，可能已被移动、重命名或删除。</translation>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
@@ -728,7 +958,7 @@ Everything recorded before is kept.</source>
         <translation>内存不足，无法读取 %1。</translation>
     </message>
     <message>
-        <source>%1 cannot be read: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
         <translation>无法读取 %1：这台计算机上缺少 FFmpeg 的库。</translation>
     </message>
     <message>
@@ -792,7 +1022,7 @@ Everything recorded before is kept.</source>
         <translation>内存不足，无法写入 %1。</translation>
     </message>
     <message>
-        <source>%1 cannot be written: FFmpeg's libraries are missing on this computer.</source>
+        <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
         <translation>无法写入 %1：这台计算机上缺少 FFmpeg 的库。</translation>
     </message>
     <message>
@@ -882,6 +1112,10 @@ Everything recorded before is kept.</source>
     <message>
         <source>Lost in this recording: %1 s, first at %2</source>
         <translation>本次录音共丢失：%1秒，首次在%2</translation>
+    </message>
+    <message>
+        <source>Lost sound</source>
+        <translation>丢失的声音</translation>
     </message>
     <message>
         <source>The system allows no further thread. Close some windows or other programs, then try again. Everything recorded so far is kept.</source>

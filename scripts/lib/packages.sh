@@ -15,6 +15,7 @@ build_packages=(
 # To run the real program where there is no screen and no sound server, and to listen to it; to make
 # audio files and to decode ours a second time.
 # at-spi2-core is the service that screen readers use; gdbus, in libglib2.0-bin, asks it.
+# desktop-file-utils and what follows check an installation.
 # fonts-liberation has the metrics of the font that the displays ask for.
 test_packages=(
   pulseaudio-utils
@@ -22,7 +23,11 @@ test_packages=(
   at-spi2-core dbus-daemon libglib2.0-bin
   fonts-liberation fontconfig procps util-linux git
   ffmpeg sox
+  desktop-file-utils shared-mime-info appstream libxml2-utils mandoc binutils
 )
+
+# The other kind of sound server, for scripts/test --pipewire.
+pipewire_packages=(pipewire pipewire-pulse wireplumber)
 
 # Installed only if neither kind is installed: two sound servers on one machine conflict.
 sound_server_package=pulseaudio
@@ -33,4 +38,5 @@ if grep -qs '^VERSION_CODENAME=trixie$' /etc/os-release; then
   llvm=19
 fi
 clang_packages=("clang-$llvm" "libclang-rt-$llvm-dev")  # with the sanitizers
+files_lint_packages=(shellcheck reuse yamllint git)
 lint_packages=("clang-$llvm" "clang-format-$llvm" "clang-tidy-$llvm" git)

@@ -4,33 +4,23 @@
 #include <utility>
 
 #include <QApplication>
-#include <QLabel>
 #include <QMessageBox>
 #include <QWindow>
 
+#include "platform/desktop/MessageBox.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
+#include "platform/mainloop/ShownName.h"
 
 namespace {
-
-// Alerts contain file names, which must not be read as markup.
-void showPlainText(QMessageBox& alert) {
-  for (QLabel* const label : alert.findChildren<QLabel*>()) {
-    label->setTextFormat(Qt::PlainText);
-  }
-}
 
 void runAlert(const std::string& title, const std::string& message) {
   // Above the active window, but not its child: the alert stays when that window closes.
   const QWidget* const front = QApplication::activeWindow();
   QMessageBox alert;
   alert.setObjectName("modalAlert");
-  alert.setIcon(QMessageBox::Warning);
-  alert.setWindowTitle(platform::localized("Orvo"));
-  alert.setText(QString::fromStdString(title));
-  alert.setInformativeText(QString::fromStdString(message));
-  showPlainText(alert);
-  alert.addButton(platform::localized("OK"), QMessageBox::AcceptRole);
+  platform::fillMessageBox(alert, platform::shownMessage(title), platform::shownMessage(message));
+  alert.addButton(platform::localized("&OK"), QMessageBox::AcceptRole);
   alert.setWindowModality(Qt::ApplicationModal);
   alert.setAttribute(Qt::WA_QuitOnClose, false);  // an alert may be the only window
   alert.winId();                                  // creates its native window

@@ -17,6 +17,7 @@ OVDiagnosticsWindow::OVDiagnosticsWindow(QWidget* parent)
   console_->setObjectName("debugConsole");
   console_->setAccessibleName(windowTitle());
   console_->setReadOnly(true);
+  console_->setPlaceholderText(platform::localized("Nothing has been reported."));
   console_->setFrameStyle(QFrame::NoFrame);
   console_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   console_->setMaximumBlockCount(kMaximumLines);

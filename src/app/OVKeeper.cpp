@@ -1,8 +1,8 @@
 #include "app/OVKeeper.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
+
+#include "app/OVInstalledFile.h"
 
 OVKeeper::OVKeeper(const std::string& program)
     : connection_(std::make_shared<KeeperConnection>(program)), installed_(connection_) {
@@ -13,15 +13,11 @@ OVKeeper::~OVKeeper() {
   connection_->setChangeHandler(nullptr);
 }
 
-// Where the modules are: first as installed, then as in the build tree.
 std::string OVKeeper::programPath(const QString& folder) {
-  const auto pathIn = [&folder](const char* modules) {
-    return QDir::cleanPath(QDir(folder).absoluteFilePath(modules)) + "/orvo-keeper";
-  };
-  const QString installed = pathIn(ORVO_INSTALLED_MODULES);
-  const QString built = pathIn("../../lib/orvo");
-  const bool isBuilt = !QFileInfo(installed).isExecutable() && QFileInfo(built).isExecutable();
-  return QFile::encodeName(isBuilt ? built : installed).toStdString();
+  const OVInstalledFile keeper{.installed = QStringLiteral(ORVO_INSTALLED_MODULES "/orvo-keeper"),
+                               .built = QStringLiteral("../../lib/orvo/orvo-keeper"),
+                               .use = OVInstalledFile::Use::run};
+  return QFile::encodeName(keeper.pathFrom(folder)).toStdString();
 }
 
 void OVKeeper::watch() {

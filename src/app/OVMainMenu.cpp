@@ -9,10 +9,20 @@
 #include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 
 using platform::localized;
 using platform::TextKey;
 using platform::textKey;
+
+namespace {
+
+// An item's name is its English text without the key letter.
+QString nameOf(TextKey title) {
+  return QString::fromUtf8(title.english()).remove(QLatin1Char('&'));
+}
+
+}  // namespace
 
 OVMainMenu::OVMainMenu(const std::shared_ptr<VLRecorderWindowController>& controller,
                        ApplicationCommands commands)
@@ -48,7 +58,7 @@ QMenu* OVMainMenu::addMenu(TextKey title) {
 
 QAction* OVMainMenu::addCommand(QMenu* menu, TextKey title, std::function<void()> command) {
   QAction* const action = menu->addAction(localized(title));
-  action->setObjectName(QString::fromUtf8(title.english()));
+  action->setObjectName(nameOf(title));
   connect(action, &QAction::triggered, this, std::move(command));
   return action;
 }
@@ -72,43 +82,44 @@ void OVMainMenu::addFileMenu() {
     return addDocumentCommand(menu, title, Kind::file,
                               [command](Controller& c) { (c.*command)(nullptr); });
   };
-  addCommand(menu, textKey("New Recorder"), commands_.spawnNewRecorderWindow)
+  addCommand(menu, textKey("&New Recorder"), commands_.spawnNewRecorderWindow)
       ->setShortcut(QKeySequence::New);
-  QAction* const open = addCommand(menu, textKey("Open…"), [this] {
+  QAction* const open = addCommand(menu, textKey("&Open…"), [this] {
     if (canOpen()) {
       commands_.openFile(window_);
     }
   });
   open->setShortcut(QKeySequence::Open);
   validated_.emplace_back(open, Kind::open);
-  recent_ = menu->addMenu(localized("Open Recent"));
+  recent_ = menu->addMenu(localized("Open &Recent"));
   recent_->setObjectName("Open Recent");
   connect(menu, &QMenu::aboutToShow, this, &OVMainMenu::fillRecentMenu);
-  add(textKey("Import…"), &Controller::importFile)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
+  add(textKey("&Import…"), &Controller::importFile)
+      ->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
   menu->addSeparator();
-  add(textKey("Save"), &Controller::saveFile)->setShortcut(QKeySequence::Save);
-  add(textKey("Save As…"), &Controller::saveFileAs)
+  add(textKey("&Save"), &Controller::saveFile)->setShortcut(QKeySequence::Save);
+  add(textKey("Save &As…"), &Controller::saveFileAs)
       ->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
   menu->addSeparator();
-  add(textKey("Export Ringtone…"), &Controller::exportRingtone);
-  add(textKey("Export Waveform Picture…"), &Controller::dumpWaveform);
+  add(textKey("Export Rin&gtone…"), &Controller::exportRingtone);
+  add(textKey("Export &Waveform Picture…"), &Controller::dumpWaveform);
   menu->addSeparator();
-  addCommand(menu, textKey("Close"), [window = window_] {
+  addCommand(menu, textKey("&Close"), [window = window_] {
     if (window) {
       window->close();
     }
   })->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
-  addCommand(menu, textKey("Quit"), commands_.terminate)
+  addCommand(menu, textKey("&Quit"), commands_.terminate)
       ->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 }
 
 void OVMainMenu::fillRecentMenu() {
   recent_->clear();
   for (const std::string& path : commands_.recentFiles()) {
-    QString name = QString::fromStdString(lastPathComponent(path));
+    QString name = platform::shownName(lastPathComponent(path));
     name.replace(QLatin1Char('&'), QLatin1String("&&"));
     QAction* const action = recent_->addAction(name);
-    action->setToolTip(QString::fromStdString(path).toHtmlEscaped());
+    action->setToolTip(platform::shownName(path).toHtmlEscaped());
     connect(action, &QAction::triggered, this, [this, path] {
       if (canOpen()) {
         commands_.openRecentFile(path);
@@ -127,18 +138,18 @@ bool OVMainMenu::canOpen() const {
 void OVMainMenu::addEditMenu() {
   QMenu* const menu = addMenu(textKey("&Edit"));
   using Kind = Controller::MenuAction;
-  undo_ =
-      addDocumentCommand(menu, textKey("Undo"), Kind::undo, [](Controller& c) { c.undoCommand(); });
+  undo_ = addDocumentCommand(menu, textKey("&Undo"), Kind::undo,
+                             [](Controller& c) { c.undoCommand(); });
   undo_->setShortcut(QKeySequence::Undo);
-  redo_ =
-      addDocumentCommand(menu, textKey("Redo"), Kind::redo, [](Controller& c) { c.redoCommand(); });
+  redo_ = addDocumentCommand(menu, textKey("&Redo"), Kind::redo,
+                             [](Controller& c) { c.redoCommand(); });
   redo_->setShortcut(QKeySequence::Redo);
   menu->addSeparator();
-  addDocumentCommand(menu, textKey("Remove After Marker"), Kind::edit,
+  addDocumentCommand(menu, textKey("Remove &After Marker"), Kind::edit,
                      [](Controller& c) { c.removeAfterMarker(nullptr); });
-  addDocumentCommand(menu, textKey("Remove Before Marker"), Kind::edit,
+  addDocumentCommand(menu, textKey("Remove &Before Marker"), Kind::edit,
                      [](Controller& c) { c.removeBeforeMarker(nullptr); });
-  addDocumentCommand(menu, textKey("Reverse Audio"), Kind::reverseBuffer,
+  addDocumentCommand(menu, textKey("Re&verse Audio"), Kind::reverseBuffer,
                      [](Controller& c) { c.reverseBuffer(nullptr); });
 }
 
@@ -152,29 +163,29 @@ void OVMainMenu::addTransportMenu() {
       action->setText(localized(title) + QLatin1Char('\t') + localized(*keyHint));
     }
   };
-  add(textKey("Record"), textKey("R"), &Controller::recMenu);
-  add(textKey("Play"), textKey("Space"), &Controller::playMenu);
-  add(textKey("Stop"), std::nullopt, &Controller::stopMenu);
+  add(textKey("&Record"), textKey("R"), &Controller::recMenu);
+  add(textKey("&Play"), textKey("Space"), &Controller::playMenu);
+  add(textKey("&Stop"), std::nullopt, &Controller::stopMenu);
   menu->addSeparator();
-  add(textKey("To Start"), textKey("Return"), &Controller::prevMenu);
-  add(textKey("To End"), std::nullopt, &Controller::nextMenu);
+  add(textKey("&To Start"), textKey("Return"), &Controller::prevMenu);
+  add(textKey("To &End"), std::nullopt, &Controller::nextMenu);
 }
 
 void OVMainMenu::addViewMenu() {
   QMenu* const menu = addMenu(textKey("&View"));
-  spectrum_ = addDocumentCommand(menu, textKey("Spectrum"), Controller::MenuAction::other,
+  spectrum_ = addDocumentCommand(menu, textKey("&Spectrum"), Controller::MenuAction::other,
                                  [](Controller& c) { c.toggleFFT(nullptr); });
   spectrum_->setCheckable(true);
 }
 
 void OVMainMenu::addHelpMenu() {
   QMenu* const menu = addMenu(textKey("&Help"));
-  addCommand(menu, textKey("Documentation"), commands_.openDocumentation)
+  addCommand(menu, textKey("&Documentation"), commands_.openDocumentation)
       ->setShortcut(QKeySequence::HelpContents);
   menu->addSeparator();
-  addCommand(menu, textKey("Recovered Recordings…"), commands_.showRecovered);
-  addCommand(menu, textKey("Diagnostics"), commands_.showDiagnostics);
-  addCommand(menu, textKey("About Orvo"), commands_.showAbout);
+  addCommand(menu, textKey("&Recovered Recordings…"), commands_.showRecovered);
+  addCommand(menu, textKey("D&iagnostics"), commands_.showDiagnostics);
+  addCommand(menu, textKey("&About Orvo"), commands_.showAbout);
 }
 
 void OVMainMenu::update() {
@@ -193,7 +204,7 @@ void OVMainMenu::update() {
                         : localized(withAction).arg(QString::fromStdString(name));
   };
   if (manager) {
-    undo_->setText(title(textKey("Undo"), textKey("Undo %1"), manager->undoActionName()));
-    redo_->setText(title(textKey("Redo"), textKey("Redo %1"), manager->redoActionName()));
+    undo_->setText(title(textKey("&Undo"), textKey("&Undo %1"), manager->undoActionName()));
+    redo_->setText(title(textKey("&Redo"), textKey("&Redo %1"), manager->redoActionName()));
   }
 }

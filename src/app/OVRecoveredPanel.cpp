@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "platform/base/AudioTypes.h"
+#include "platform/desktop/MessageBox.h"
 #include "platform/mainloop/Localization.h"
 
 using platform::localized;
@@ -33,6 +34,8 @@ platform::TextKey nameOf(OVRecoveredFile::State state) {
       return textKey("Complete");
     case OVRecoveredFile::State::beingWritten:
       return textKey("Still being written");
+    case OVRecoveredFile::State::waitingForRoom:
+      return textKey("Waiting for room on the disk");
     case OVRecoveredFile::State::damaged:
       return textKey("Damaged");
   }
@@ -78,10 +81,7 @@ OVRecoveredPanel::OVRecoveredPanel(Occasion occasion, Commands commands)
 
 QLayout* OVRecoveredPanel::makeHeading() {
   auto* const icon = new QLabel;
-  const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
-  icon->setPixmap(style()
-                      ->standardIcon(QStyle::SP_MessageBoxInformation, nullptr, this)
-                      .pixmap(QSize(size, size), devicePixelRatioF()));
+  icon->setPixmap(platform::programPicture(*this));
   heading_->setObjectName("recoveredHeading");
   heading_->setWordWrap(true);
   heading_->setMinimumWidth(kMinimumTextWidth);
@@ -106,11 +106,11 @@ void OVRecoveredPanel::makeList() {
 }
 
 void OVRecoveredPanel::makeButtons() {
-  open_ = buttons_->addButton(localized("Open"), QDialogButtonBox::AcceptRole);
-  later_ =
-      buttons_->addButton(occasion_ == Occasion::command ? localized("Close") : localized("Later"),
-                          QDialogButtonBox::RejectRole);
-  delete_ = buttons_->addButton(localized("Delete"), QDialogButtonBox::DestructiveRole);
+  open_ = buttons_->addButton(localized("&Open"), QDialogButtonBox::AcceptRole);
+  later_ = buttons_->addButton(
+      occasion_ == Occasion::command ? localized("&Close") : localized("&Later"),
+      QDialogButtonBox::RejectRole);
+  delete_ = buttons_->addButton(localized("&Delete"), QDialogButtonBox::DestructiveRole);
   open_->setObjectName("openRecovered");
   later_->setObjectName("recoveredLater");
   delete_->setObjectName("deleteRecovered");
@@ -146,7 +146,7 @@ void OVRecoveredPanel::addRow(const OVRecoveredFile& file, const Paths& unchecke
   auto* const row = new QTreeWidgetItem(list_, {start, length, state});
   row->setData(0, kPathRole, QByteArray::fromStdString(file.path));
   row->setData(0, Qt::AccessibleTextRole, QStringList{start, length, state}.join(", "));
-  if (file.state == OVRecoveredFile::State::beingWritten) {
+  if (isBeingMade(file.state)) {
     row->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren);
     return;
   }

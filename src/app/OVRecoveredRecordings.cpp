@@ -33,6 +33,11 @@ bool isIn(const std::vector<OVRecoveredFile>& files, const std::string& path) {
                      [&path](const OVRecoveredFile& file) { return file.path == path; });
 }
 
+// Whether the user can do something about it: open it, or make room for it.
+bool isForTheUser(const OVRecoveredFile& file) {
+  return file.claim || file.state == OVRecoveredFile::State::waitingForRoom;
+}
+
 struct Undeleted {
   std::string path;
   int error = 0;
@@ -137,7 +142,8 @@ void OVRecoveredRecordings::listed(const Files& held, const OVRecoveredListing& 
 // look is needed since what is watched has changed, or is gone.
 bool OVRecoveredRecordings::watch(const std::string& folder) {
   const QString path = QFile::decodeName(folder.c_str());
-  if (!watcher_ || folderError_ != 0 || watcher_->directories() == QStringList{path}) {
+  if (!watcher_ || path.isEmpty() || folderError_ != 0 ||
+      watcher_->directories() == QStringList{path}) {
     return false;
   }
   if (const QStringList former = watcher_->directories(); !former.isEmpty()) {
@@ -148,9 +154,8 @@ bool OVRecoveredRecordings::watch(const std::string& folder) {
 
 void OVRecoveredRecordings::lookAgainLater(const OVRecoveredListing& listing) {
   const bool isWriting =
-      std::any_of(listing.files.begin(), listing.files.end(), [](const OVRecoveredFile& file) {
-        return file.state == OVRecoveredFile::State::beingWritten;
-      });
+      std::any_of(listing.files.begin(), listing.files.end(),
+                  [](const OVRecoveredFile& file) { return isBeingMade(file.state); });
   if (isWriting || (listing.lockedElsewhere > 0 && nextLook_ <= kLastLookAtComplete)) {
     lookAgain_.start(nextLook_);
     nextLook_ = std::min(2 * nextLook_, kLastLook);
@@ -161,7 +166,7 @@ void OVRecoveredRecordings::lookAgainLater(const OVRecoveredListing& listing) {
 
 bool OVRecoveredRecordings::hasNews() const {
   return std::any_of(files_.begin(), files_.end(), [this](const OVRecoveredFile& file) {
-    return file.claim && !offered_.contains({file.path, file.number});
+    return isForTheUser(file) && !offered_.contains({file.path, file.number});
   });
 }
 
@@ -184,7 +189,7 @@ void OVRecoveredRecordings::present() {
 
 void OVRecoveredRecordings::noteOffered() {
   for (const OVRecoveredFile& file : files_) {
-    if (file.claim) {
+    if (isForTheUser(file)) {
       offered_.emplace(file.path, file.number);
     }
   }
@@ -242,8 +247,8 @@ void OVRecoveredRecordings::askToDelete(const Paths& paths) {
        .title = localized("Delete for good?"),
        .message =
            localized("Recordings to be deleted: %1. This cannot be undone.").arg(paths.size()),
-       .buttons = {{localized("Cancel"), platform::FileDialogs::kNoAnswer, Role::reject},
-                   {localized("Delete"), kDelete, Role::destructive}}},
+       .buttons = {{localized("&Cancel"), platform::FileDialogs::kNoAnswer, Role::reject},
+                   {localized("&Delete"), kDelete, Role::destructive}}},
       [life = std::weak_ptr(life_), paths](int answer) {
         const auto alive = life.lock();
         if (alive && answer == kDelete) {

@@ -2,15 +2,19 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <iterator>
 #include <utility>
 
 #include <QApplication>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QUrl>
 
+#include "app/OVAboutText.h"
 #include "app/OVDiagnosticsWindow.h"
+#include "app/OVHelpPage.h"
 #include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
 #include "document/VLRecorderWindowController.h"
@@ -18,9 +22,11 @@
 #include "platform/base/MainThread.h"
 #include "platform/desktop/DesktopServices.h"
 #include "platform/desktop/FileDialogs.h"
+#include "platform/desktop/MessageBox.h"
 #include "platform/files/AbsolutePath.h"
 #include "platform/files/Descriptors.h"
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 
 namespace {
 
@@ -31,6 +37,14 @@ constexpr std::size_t kDescriptorsOfAWindow = 64;
 
 std::shared_ptr<VLRecorderWindowController> documentOf(const OVRecorderWindow& window) {
   return std::dynamic_pointer_cast<VLRecorderWindowController>(window.delegate());
+}
+
+// Of the file of a window's document; empty for none.
+std::string folderOfDocument(const QWidget* window) {
+  const auto* const recorder = qobject_cast<const OVRecorderWindow*>(window);
+  const auto document = recorder != nullptr ? documentOf(*recorder) : nullptr;
+  return document ? std::filesystem::path(document->currentFilename()).parent_path().string()
+                  : std::string();
 }
 
 }  // namespace
@@ -91,6 +105,9 @@ std::shared_ptr<VLRecorderWindowController> VelmarAppDelegate::makeWindow() {
   new OVMainMenu(controller, commands());  // belongs to the window
   controller->window()->setDropHandler(
       [this](const std::vector<std::string>& paths) { applicationOpenFiles(paths); });
+  controller->setEvents(
+      {.saved = [this](const std::string& path) { recentFiles_.note(path); },
+       .nothingOpened = [this, window = windows_.back()] { closeUnlessTheOnlyOne(window); }});
   return controller;
 }
 
@@ -129,27 +146,45 @@ bool VelmarAppDelegate::applicationOpenFiles(const std::vector<std::string>& pat
   platform::assertMainThread();
   for (const std::string& path : paths) {
     spawn_rec_ = false;
-    openInNewWindow(path);
+    if (!openInNewWindow(path)) {
+      break;
+    }
   }
   return true;
 }
 
-void VelmarAppDelegate::openInNewWindow(const std::string& path) {
+bool VelmarAppDelegate::openInNewWindow(const std::string& path) {
   if (!hasRoomForAWindow()) {
-    return;
+    return false;
   }
   std::string absolute = platform::absolutePathOf(path);
   if (absolute.empty()) {
     absolute = path;  // an empty path, or no working directory: the reader reports it
   }
-  recentFiles_.note(absolute);
   const auto controller = makeWindow();
+  if (!controller->buffer()) {  // nothing can be opened without storage, which was told
+    closeUnlessTheOnlyOne(controller->window());
+    return false;
+  }
+  recentFiles_.note(absolute);
   controller->showWindow();
-  controller->window()->setTitle(VLRecorderWindowController::titleWithName(
-      QString::fromStdString(lastPathComponent(absolute))));
+  controller->window()->setTitle(
+      VLRecorderWindowController::titleWithName(platform::shownName(lastPathComponent(absolute))));
   controller->setCurrentFilename(absolute);
   controller->setCurrentFiletype(-1);
   controller->openFileNamed(absolute);
+  return true;
+}
+
+// The only window stays as an empty recorder.
+void VelmarAppDelegate::closeUnlessTheOnlyOne(const QPointer<OVRecorderWindow>& window) {
+  const auto others = recorderWindows();
+  if (window && std::any_of(others.begin(), others.end(),
+                            [&window](const auto& other) { return other != window; })) {
+    window->performClose();
+  } else if (window) {
+    window->show();
+  }
 }
 
 void VelmarAppDelegate::openRecovered(const OVRecoveredFile& file) {
@@ -157,6 +192,10 @@ void VelmarAppDelegate::openRecovered(const OVRecoveredFile& file) {
     return;  // the file is kept, and listed
   }
   const auto controller = makeWindow();
+  if (!controller->buffer()) {
+    closeUnlessTheOnlyOne(controller->window());
+    return;  // the file is kept, and listed
+  }
   controller->showWindow();
   controller->openRecovered(file);
 }
@@ -173,16 +212,14 @@ bool VelmarAppDelegate::mayAskNow() const {
 }
 
 void VelmarAppDelegate::openFile(QWidget* window) {
-  platform::fileDialogs()->beginOpenPanel({.window = window,
-                                           .title = platform::localized("Open"),
-                                           .acceptLabel = platform::localized("Open"),
-                                           .allowsMultipleSelection = true,
-                                           .fileTypes = readableFileTypes()},
-                                          [this](const std::vector<std::string>& paths) {
-                                            for (const std::string& path : paths) {
-                                              openInNewWindow(path);
-                                            }
-                                          });
+  platform::fileDialogs()->beginOpenPanel(
+      {.window = window,
+       .title = platform::localized("Open"),
+       .acceptLabel = platform::localized("&Open"),
+       .directory = folderOfDocument(window),
+       .allowsMultipleSelection = true,
+       .fileTypes = readableFileTypes()},
+      [this](const std::vector<std::string>& paths) { applicationOpenFiles(paths); });
 }
 
 // Quit ------------------------------------------------------------------------------------------
@@ -355,21 +392,25 @@ std::vector<std::string> VelmarAppDelegate::tempfiles() const {
 
 // Pages -----------------------------------------------------------------------------------------
 
-// The address is localized like any text, so that a language can have its own pages.
 void VelmarAppDelegate::openDocumentation(QObject*) {
-  openPage(platform::textKey("https://orvo.example/help/"));
+  const QString page = OVHelpPage::pathFrom(QCoreApplication::applicationDirPath());
+  openPage(QUrl::fromLocalFile(page));
 }
 
+// The address is localized like any text, so that a language can have its own page.
 void VelmarAppDelegate::openWebsite(QObject*) {
-  openPage(platform::textKey("https://orvo.example/"));
+  openPage(QUrl(platform::localized("https://orvo.example/")));
 }
 
-void VelmarAppDelegate::openPage(platform::TextKey address) {
-  const QString page = platform::localized(address);
-  if (!platform::desktopServices()->open(QUrl(page))) {
-    ShowModalAlert(
-        platform::localizedUtf8("The page could not be opened"),
-        platform::localized("No program was found that opens %1.").arg(page).toStdString());
+void VelmarAppDelegate::openPage(const QUrl& page) {
+  const QString name = platform::shownName(page.toDisplayString(QUrl::PreferLocalFile));
+  const bool isMissing = page.isLocalFile() && !QFileInfo::exists(page.toLocalFile());
+  if (isMissing || !platform::desktopServices()->open(page)) {
+    ShowModalAlert(platform::localizedUtf8("The page could not be opened"),
+                   (isMissing ? platform::localized("%1 is missing. Install Orvo again.")
+                              : platform::localized("No program was found that opens %1."))
+                       .arg(name)
+                       .toStdString());
   }
 }
 
@@ -387,7 +428,7 @@ void VelmarAppDelegate::logToConsole(const std::string& text) {
   if (!debugConsole_) {
     makeDebugWindow();
   }
-  debugConsole_->appendPlainText(QString::fromStdString(text));
+  debugConsole_->appendPlainText(platform::shownName(text));  // it may hold names of files
 }
 
 void VelmarAppDelegate::showDiagnostics() {
@@ -399,7 +440,13 @@ void VelmarAppDelegate::showDiagnostics() {
 }
 
 void VelmarAppDelegate::showAbout() {
-  QMessageBox::about(QApplication::activeWindow(), platform::localized("About Orvo"),
-                     platform::localized("Orvo %1\n\nAn audio recorder and simple editor.")
-                         .arg(QCoreApplication::applicationVersion()));
+  const QString text = aboutText();  // its first paragraph is the title
+  const QString paragraph = QStringLiteral("\n\n");
+  auto* const about = new QMessageBox(QApplication::activeWindow());
+  about->setObjectName("about");
+  about->setAttribute(Qt::WA_DeleteOnClose);
+  platform::fillMessageBox(*about, text.section(paragraph, 0, 0), text.section(paragraph, 1));
+  about->setWindowTitle(platform::localized("About Orvo"));
+  about->addButton(platform::localized("&OK"), QMessageBox::AcceptRole);
+  about->open();
 }

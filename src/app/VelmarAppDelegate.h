@@ -19,6 +19,7 @@
 #include "platform/mainloop/Timer.h"
 
 class QEventLoop;
+class QUrl;
 class OVRecorderWindow;
 class VLRecorderWindowController;
 
@@ -44,7 +45,8 @@ class VelmarAppDelegate {
 
   /// Opens a file, or each of several in order, in a new window of its own, and lists it among the
   /// desktop's recent documents. Also called for the program's arguments, the desktop's open event
-  /// and files dropped on a window. Always true: failures are shown as alerts.
+  /// and files dropped on a window. Always true: failures are shown as alerts, after which the
+  /// window closes unless it is the only one.
   bool applicationOpenFile(const std::string& path);
   bool applicationOpenFiles(const std::vector<std::string>& paths);
   /// Asks for files and opens each in a new window. The panel belongs to `window`, which may be
@@ -54,7 +56,8 @@ class VelmarAppDelegate {
   /// unexpectedly: those that are there and those that appear. Waits while another question, an
   /// alert or a file operation is shown. Call it after the program's arguments were opened.
   void offerRecovered() { recovered_.begin(); }
-  /// Opens a recovered file in a new window. It is listed nowhere.
+  /// Opens a recovered file in a new window, which closes again if the file gives nothing and there
+  /// is another window. It is listed nowhere.
   void openRecovered(const OVRecoveredFile& file);
   /// The Recovered Recordings command.
   void showRecovered() { recovered_.show(); }
@@ -63,6 +66,7 @@ class VelmarAppDelegate {
   /// true.
   bool applicationShouldHandleReopen(bool hasVisibleWindows);
 
+  /// Opens the help page that is installed with the program.
   void openDocumentation(QObject* sender);
   void openWebsite(QObject* sender);
 
@@ -100,7 +104,7 @@ class VelmarAppDelegate {
   void registerTempFile(const std::string& path);
   [[nodiscard]] std::vector<std::string> tempfiles() const;
 
-  /// Appends a line to the debug console.
+  /// Appends a line to the debug console. Line breaks in it, as of a file's name, become spaces.
   void logToConsole(const std::string& text);
   void showDiagnostics();
 
@@ -115,7 +119,10 @@ class VelmarAppDelegate {
  private:
   [[nodiscard]] std::vector<QPointer<OVRecorderWindow>> recorderWindows() const;
   std::shared_ptr<VLRecorderWindowController> makeWindow();
-  void openInNewWindow(const std::string& path);
+  /// False if no further file can be opened either, which was told.
+  [[nodiscard]] bool openInNewWindow(const std::string& path);
+  /// For a window whose file could not be opened.
+  void closeUnlessTheOnlyOne(const QPointer<OVRecorderWindow>& window);
   /// Whether a question disturbs nothing now.
   [[nodiscard]] bool mayAskNow() const;
   /// Asks the edited windows that were not edited at the last call, or cancels the quit if one of
@@ -132,7 +139,7 @@ class VelmarAppDelegate {
   [[nodiscard]] bool hasPendingAlerts() const { return alertsPending_ && alertsPending_(); }
   /// Lets a session's end that waits for the quit go on, or refuses it.
   void answerSession(bool mayEnd);
-  static void openPage(platform::TextKey address);
+  static void openPage(const QUrl& page);
   [[nodiscard]] OVMainMenu::ApplicationCommands commands();
   void makeDebugWindow();
 

@@ -1,3 +1,4 @@
+#include <cstdio>
 #include <future>
 #include <memory>
 #include <string>
@@ -5,12 +6,13 @@
 
 #include <QApplication>
 #include <QDBusConnection>
-#include <QIcon>
 #include <QLocale>
 #include <QSessionManager>
 
 #include "app/OVApplicationEvents.h"
 #include "app/OVApplicationServices.h"
+#include "app/OVCommandLine.h"
+#include "app/OVCommandLineText.h"
 #include "app/OVFirstWindowWatcher.h"
 #include "app/OVKeeper.h"
 #include "app/OVSessionEnd.h"
@@ -21,6 +23,7 @@
 #include "platform/desktop/DesktopColours.h"
 #include "platform/desktop/FileUri.h"
 #include "platform/desktop/GLibRecentDocuments.h"
+#include "platform/desktop/MessageBox.h"
 #include "platform/desktop/QtDesktopServices.h"
 #include "platform/desktop/QtFileDialogs.h"
 #include "platform/files/Descriptors.h"
@@ -46,22 +49,34 @@ std::shared_ptr<OVApplicationServices> servicesOf(VelmarAppDelegate& delegate) {
   });
 }
 
-// Arguments are paths, byte for byte, or URIs as in the desktop's list of recent files.
-std::vector<std::string> filesOf(int argc, char** argv) {
+// Arguments may be URIs, as in the desktop's list of recent files.
+std::vector<std::string> pathsOf(const std::vector<std::string>& arguments) {
   std::vector<std::string> paths;
-  for (int i = 1; i < argc; ++i) {
-    const std::string argument = argv[i];
+  for (const std::string& argument : arguments) {
     paths.push_back(platform::pathOfFileUri(argument).value_or(argument));
   }
   return paths;
 }
 
-QIcon programIcon() {
-  QIcon icon;
-  for (const int size : {16, 32, 48, 64, 128, 256}) {
-    icon.addFile(QStringLiteral(":/images/orvo-%1.png").arg(size));
+int print(std::FILE* stream, const QString& text) {
+  std::fputs(qUtf8Printable(text), stream);
+  return std::fflush(stream) == 0 && std::ferror(stream) == 0 ? 0 : 1;
+}
+
+// Answers what needs no window, and so no screen either. The exit code.
+int answer(const OVCommandLine& commandLine) {
+  int noArguments = 0;
+  const QCoreApplication application(noArguments, nullptr);
+  const OVTranslations translations(QLocale::system().uiLanguages());
+  switch (commandLine.request()) {
+    case OVCommandLine::Request::printHelp:
+      return print(stdout, OVCommandLineText::help());
+    case OVCommandLine::Request::printVersion:
+      return print(stdout, QStringLiteral("Orvo " ORVO_VERSION "\n"));
+    default:
+      print(stderr, OVCommandLineText::refusalOf(commandLine.unknownOption()));
+      return 2;
   }
-  return icon;
 }
 
 }  // namespace
@@ -69,9 +84,14 @@ QIcon programIcon() {
 int main(int argc, char** argv) {
   platform::failWritesWithoutSignals();
   platform::occupyStandardStreams();
+  OVCommandLine commandLine(argc, argv);
+  if (commandLine.request() != OVCommandLine::Request::openFiles) {
+    return answer(commandLine);
+  }
   platform::raiseDescriptorLimit();
   platform::FontPreparation fonts;
-  QApplication application(argc, argv);
+  int argumentsForQt = static_cast<int>(commandLine.forQt().size()) - 1;
+  QApplication application(argumentsForQt, commandLine.forQt().data());
   fonts.finish();
   // Loading cubeb and opening the microphone takes as long as showing a window, so it starts after
   // the window is shown; the recorder does not wait for it.
@@ -80,7 +100,7 @@ int main(int argc, char** argv) {
   queues->prepareInput(firstWindowShown.get_future());
   const platform::Installed<platform::AudioQueues>::Scope installedQueues(queues);
   const platform::Installed<platform::FileDialogs>::Scope installedDialogs(
-      std::make_shared<platform::QtFileDialogs>());
+      std::make_shared<platform::QtFileDialogs>(&QDBusConnection::sessionBus));
   const platform::Installed<platform::DesktopServices>::Scope installedDesktop(
       std::make_shared<platform::QtDesktopServices>());
   const platform::Installed<platform::SleepInhibitor>::Scope installedSleepInhibitor(
@@ -90,7 +110,7 @@ int main(int argc, char** argv) {
                                                       mimeTypeOfPath));
   QApplication::setApplicationName("Orvo");
   QApplication::setApplicationVersion(ORVO_VERSION);
-  QApplication::setDesktopFileName("orvo");
+  QApplication::setDesktopFileName(ORVO_APPLICATION_ID);
   const OVTranslations translations(QLocale::system().uiLanguages());
 
   VelmarAppDelegate delegate([] { QCoreApplication::exit(0); });
@@ -111,13 +131,13 @@ int main(int argc, char** argv) {
       },
       Qt::DirectConnection);
   const platform::TerminationSignals signals([&delegate] { delegate.terminationSignalled(); });
-  delegate.applicationOpenFiles(filesOf(argc, argv));  // Qt has removed its own arguments
+  delegate.applicationOpenFiles(pathsOf(commandLine.files()));
   delegate.applicationDidFinishLaunching();
   std::unique_ptr<platform::DesktopColours> colours;
   const OVFirstWindowWatcher firstWindow([&] {
     firstWindowShown.set_value();
     keeper.start();
-    QApplication::setWindowIcon(programIcon());
+    QApplication::setWindowIcon(platform::programIcon());
     colours = std::make_unique<platform::DesktopColours>(QDBusConnection::sessionBus());
     // Needed for the first file or spectrum; loaded now that the window is shown.
     platform::globalQueue().async([] { static_cast<void>(platform::ffmpegModule()); });

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstddef>
 
-#include <QChar>
 #include <QString>
 
+#include "platform/files/ReplacementFile.h"
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 #include "platform/media/AudioFileStatus.h"
 
 namespace {
@@ -25,8 +27,7 @@ struct Sentence {
 constexpr platform::AudioStatus kAnyOther = platform::kAudioStatusOk;
 
 constexpr std::array kOpening{
-    Sentence{platform::kFileNotFoundStatus,
-             textKey("%1 is no longer there. It may have been moved, renamed or deleted.")},
+    Sentence{platform::kFileNotFoundStatus, textKey("There is no file %1.")},
     Sentence{platform::kFilePermissionStatus,
              textKey("You are not allowed to read %1. Ask its owner, or change its permissions.")},
     Sentence{platform::kFolderStatus, textKey("%1 is a folder. Choose a sound file inside it.")},
@@ -47,7 +48,7 @@ constexpr std::array kOpening{
             "%1 could not be opened, because too many files are open. Close some windows first.")},
     Sentence{platform::kOutOfMemoryStatus, textKey("There was not enough memory to read %1.")},
     Sentence{platform::kFfmpegMissingStatus,
-             textKey("%1 cannot be read: FFmpeg's libraries are missing on this computer.")},
+             textKey("%1 cannot be read: FFmpeg’s libraries are missing on this computer.")},
     Sentence{kAnyOther, textKey("%1 is not a sound file that can be read, or it is damaged.")},
 };
 
@@ -90,7 +91,7 @@ constexpr std::array kWriting{
             "%1 could not be written, because too many files are open. Close some windows first.")},
     Sentence{platform::kOutOfMemoryStatus, textKey("There was not enough memory to write %1.")},
     Sentence{platform::kFfmpegMissingStatus,
-             textKey("%1 cannot be written: FFmpeg's libraries are missing on this computer.")},
+             textKey("%1 cannot be written: FFmpeg’s libraries are missing on this computer.")},
     Sentence{platform::kUnsupportedDataFormatStatus,
              textKey("%1 cannot be written as a file of this kind.")},
     Sentence{platform::kUnsupportedFileTypeStatus,
@@ -120,17 +121,7 @@ std::string shownFileName(const std::string& path) {
 }
 
 std::string shownPath(const std::string& path) {
-  QString shown = QString::fromUtf8(path);
-  for (QChar& character : shown) {
-    // Formatting characters too: some reverse the direction of the text after them.
-    if (character.category() == QChar::Other_Control ||
-        character.category() == QChar::Other_Format ||
-        character.category() == QChar::Separator_Line ||
-        character.category() == QChar::Separator_Paragraph) {
-      character = u' ';
-    }
-  }
-  return localized("“%1”").arg(shown).toStdString();
+  return localized("“%1”").arg(platform::shownName(path)).toStdString();
 }
 
 std::string openingFailureReason(platform::AudioStatus status, const std::string& path) {
@@ -141,6 +132,17 @@ std::string readingFailureReason(platform::AudioStatus status, const std::string
   return reasonIn(kReading, status, path);
 }
 
+std::string closedFolderReason(const std::string& folder) {
+  return localized("You may not write in the folder %1. Choose another.")
+      .arg(QString::fromStdString(shownFileName(folder)))
+      .toStdString();
+}
+
 std::string writingFailureReason(platform::AudioStatus status, const std::string& path) {
-  return reasonIn(kWriting, status, path);
+  // A mere name tells nothing of a folder.
+  const bool mayBeFolder =
+      status == platform::kFilePermissionStatus && path.find('/') != std::string::npos;
+  const std::string closed =
+      mayBeFolder ? platform::ReplacementFile::closedFolderBeside(path, EACCES) : std::string();
+  return closed.empty() ? reasonIn(kWriting, status, path) : closedFolderReason(closed);
 }

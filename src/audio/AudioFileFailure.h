@@ -9,8 +9,8 @@
 ///
 /// Threads: any. Real-time: not safe.
 
-/// A file's name for display: the last component of its path in quotation marks. Unprintable
-/// characters such as line breaks become spaces, bytes that are not UTF-8 replacement characters.
+/// A file's name for display: the last component of its path, as platform::shownName() shows it, in
+/// quotation marks.
 [[nodiscard]] std::string shownFileName(const std::string& path);
 
 /// A whole path for display, in the same form.
@@ -24,6 +24,10 @@
 [[nodiscard]] std::string readingFailureReason(platform::AudioStatus status,
                                                const std::string& path);
 
-/// For a file that could not be written or finished.
+/// For a file that could not be written or finished. With a path, and not a mere name, looks at the
+/// disk whether the folder is what may not be written in.
 [[nodiscard]] std::string writingFailureReason(platform::AudioStatus status,
                                                const std::string& path);
+
+/// For a file that could not be made because the user may not write in its folder.
+[[nodiscard]] std::string closedFolderReason(const std::string& folder);

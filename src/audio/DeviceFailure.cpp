@@ -80,6 +80,10 @@ bool isDeviceLoss(platform::AudioStatus status) {
   return status == platform::kDeviceLostStatus || status == platform::kDeviceStalledStatus;
 }
 
+bool isLossTold(OVInterrupted interrupted, platform::AudioStatus status) {
+  return interrupted != OVInterrupted::nothing || status != platform::kDeviceStalledStatus;
+}
+
 std::string inputFailureReason(platform::AudioStatus status) {
   if (status == platform::kDeviceUnavailableStatus || isDeviceLoss(status)) {
     return platform::localizedUtf8(

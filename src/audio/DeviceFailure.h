@@ -18,6 +18,10 @@ enum class OVInterrupted { nothing, playback, recording };
 /// Whether a device that had been opened has gone or stands still.
 [[nodiscard]] bool isDeviceLoss(platform::AudioStatus status);
 
+/// Whether the user is told of such a loss when it happens. An input that has stalled while nothing
+/// used it is told of when Record is pressed, if it still stands still.
+[[nodiscard]] bool isLossTold(OVInterrupted interrupted, platform::AudioStatus status);
+
 /// Plain, localised words for an input or output that could not be opened: what happened, what to
 /// do, what is kept. Empty for a status without a meaning for users.
 [[nodiscard]] std::string inputFailureReason(platform::AudioStatus status);

@@ -9,8 +9,8 @@
 namespace {
 
 bool isTrifle(const DeviceLossAlert::Loss& loss, const platform::AudioQueues& queues) {
-  return loss.interrupted == OVInterrupted::nothing &&
-         (loss.status == platform::kDeviceStalledStatus ||
+  return !isLossTold(loss.interrupted, loss.status) ||
+         (loss.interrupted == OVInterrupted::nothing &&
           queues.inputSource().kind == platform::AudioInputSource::Kind::kMicrophone);
 }
 

@@ -4,9 +4,11 @@
 #include <QList>
 #include <QTextBoundaryFinder>
 
+#include "platform/mainloop/ShownName.h"
+
 namespace {
 
-// Also what would turn the direction of the sentence around the name.
+// A device's name needs none of these, not even those that a file's name may hold.
 bool isInvisible(char32_t character) {
   switch (QChar::category(character)) {
     case QChar::Other_Control:
@@ -41,11 +43,11 @@ QString shownInputName(const std::string& name) {
   for (int characters = 0; characters < kMaxInputNameLength; ++characters) {
     const qsizetype end = finder.toNextBoundary();
     if (end < 0 || end >= line.size()) {
-      return line;
+      return platform::shownName(line);
     }
     if (characters == kMaxInputNameLength - 2) {
       cut = end;
     }
   }
-  return line.left(cut).trimmed() + QChar(0x2026);
+  return platform::shownName(line.left(cut).trimmed() + QChar(0x2026));
 }

@@ -212,9 +212,11 @@ void OVAQRecorder::stopWriting() {
 void OVAQRecorder::deviceFailed(platform::AudioStatus status) {
   constexpr auto label = "AudioQueueStart failed";
   if (isDeviceLoss(status)) {
-    static_cast<void>(queues_->claimInputFailureAlert());  // the next recorder need not alert again
-    reportDeviceLoss(isRecording() ? OVInterrupted::recording : OVInterrupted::nothing, status,
-                     label);
+    const auto interrupted = isRecording() ? OVInterrupted::recording : OVInterrupted::nothing;
+    if (isLossTold(interrupted, status)) {
+      static_cast<void>(queues_->claimInputFailureAlert());  // the next recorder need not alert
+    }
+    reportDeviceLoss(interrupted, status, label);
   } else if (isRecording() && (!isDeviceFailure(status) || queues_->claimInputFailureAlert())) {
     CheckAudioStatus(status, label, inputFailureReason(status));
   } else {

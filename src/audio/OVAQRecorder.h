@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <limits>
@@ -112,6 +113,7 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
 
   /// The gaps of the recording, or of the last one. Any thread.
   [[nodiscard]] std::vector<OVRecordingLoss> losses() const { return losses_.all(); }
+  [[nodiscard]] std::size_t lossCount() const { return losses_.count(); }
 
   /// The status of the device failure that ended the queue; 0 for none. Any thread.
   [[nodiscard]] platform::AudioStatus failure() const;

@@ -59,8 +59,21 @@ bool OVAudioFileReader::openSteps(const std::string& path) {
   return status == platform::kAudioStatusOk;
 }
 
-std::int64_t OVAudioFileReader::fileSizeInFrames() {
+std::int64_t OVAudioFileReader::fileSizeInFrames() const {
   return xafref_ != nullptr ? xafref_->fileLengthFrames() : 0;
+}
+
+std::shared_ptr<const platform::AudioFileTags> OVAudioFileReader::tags() const {
+  return std::make_shared<const platform::AudioFileTags>(
+      xafref_ != nullptr ? xafref_->tags() : platform::AudioFileTags());
+}
+
+bool OVAudioFileReader::isFileSizeEstimated() const {
+  return xafref_ != nullptr && xafref_->isLengthEstimated();
+}
+
+double OVAudioFileReader::shareRead() const {
+  return xafref_ != nullptr ? xafref_->shareRead() : 1.0;
 }
 
 std::uint32_t OVAudioFileReader::readFrameChunkWithSize(std::uint64_t frames) {

@@ -52,10 +52,19 @@ class OVAudioFileReader {
   [[nodiscard]] bool openFile(const std::string& path);
 
   /// Length of the sound in frames of the working format; 0 when unknown or nothing is open. Exact
-  /// for good files, except AAC in ADTS or CAF, which does not mark the silence at its start. Only
-  /// a hint for damaged files: never allocate by it. The first call counts the packets of MP3 and
-  /// ADTS files, which takes half a second at most.
-  [[nodiscard]] std::int64_t fileSizeInFrames();
+  /// for good files, except AAC in CAF, which does not mark the silence at its start, and where
+  /// isFileSizeEstimated(). Only a hint for damaged files: never allocate by it. Reads nothing.
+  [[nodiscard]] std::int64_t fileSizeInFrames() const;
+
+  /// Whether the length is estimated from the file's size and bit rate: that of MP3 without a
+  /// length header and of AAC in ADTS, until the read after the last frame has made it exact.
+  [[nodiscard]] bool isFileSizeEstimated() const;
+
+  /// Share of the file's bytes that has been read, 0 to 1; 1 at the end or when nothing is open.
+  [[nodiscard]] double shareRead() const;
+
+  /// What the file says of its sound; never null, empty if nothing is open.
+  [[nodiscard]] std::shared_ptr<const platform::AudioFileTags> tags() const;
 
   /// Reads the next `frames` frames into the chunk buffer and returns their number: fewer near the
   /// end, 0 at the end, after a failure, when closed or cancelled. A new size reallocates the chunk

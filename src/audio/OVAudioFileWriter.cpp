@@ -28,18 +28,24 @@ std::shared_ptr<OVAudioFileWriter> OVAudioFileWriter::initWithFile(const std::st
 
 std::shared_ptr<OVAudioFileWriter> OVAudioFileWriter::initWithOpenFile(
     platform::Result<std::unique_ptr<platform::File>> file, std::uint32_t outputFormat,
-    std::string shownName) {
+    std::string shownName, const platform::AudioFileTags& tags) {
   auto writer =
       std::make_shared<OVAudioFileWriter>(Key{}, std::string(), outputFormat, std::move(shownName));
-  const bool isOpen = writer->open([&file](platform::AudioFileKind kind) {
-    return platform::ExtAudioFileOutput::createWithFile(std::move(file), kind);
+  const bool isOpen = writer->open([&file, &tags](platform::AudioFileKind kind) {
+    return platform::ExtAudioFileOutput::createWithFile(std::move(file), kind, tags);
   });
   return isOpen ? writer : nullptr;
 }
 
-std::optional<std::uint64_t> OVAudioFileWriter::maximumFrames(std::uint32_t outputFormat) {
+std::optional<std::uint64_t> OVAudioFileWriter::maximumFrames(std::uint32_t outputFormat,
+                                                              std::uint64_t tagBytes) {
   const auto kind = kindOf(outputFormat);
-  return kind ? platform::ExtAudioFileOutput::maximumFrames(*kind) : std::nullopt;
+  return kind ? platform::ExtAudioFileOutput::maximumFrames(*kind, tagBytes) : std::nullopt;
+}
+
+bool OVAudioFileWriter::holdsCover(std::uint32_t outputFormat) {
+  const auto kind = kindOf(outputFormat);
+  return kind && platform::holdsCover(*kind);
 }
 
 std::uint64_t OVAudioFileWriter::estimatedBytes(std::uint32_t outputFormat, std::uint64_t frames) {

@@ -42,13 +42,19 @@ class OVAudioFileWriter {
                                                                        std::string shownName = {});
 
   /// A writer to a new, empty file that is open already, or could not be opened (an errno), which
-  /// is reported as well; `shownName` is its name in alerts.
+  /// is reported as well; `shownName` is its name in alerts. The file gets the tags that its kind
+  /// can hold; its sound is the same with and without them.
   [[nodiscard]] static std::shared_ptr<OVAudioFileWriter> initWithOpenFile(
       platform::Result<std::unique_ptr<platform::File>> file, std::uint32_t outputFormat,
-      std::string shownName);
+      std::string shownName, const platform::AudioFileTags& tags = {});
 
-  /// Maximum frames that a file of a kind can hold; nothing for no limit.
-  [[nodiscard]] static std::optional<std::uint64_t> maximumFrames(std::uint32_t outputFormat);
+  /// Maximum frames that a file of a kind can hold beside tags of so many bytes; nothing for no
+  /// limit.
+  [[nodiscard]] static std::optional<std::uint64_t> maximumFrames(std::uint32_t outputFormat,
+                                                                  std::uint64_t tagBytes = 0);
+
+  /// Whether files of a kind can hold a cover among their tags.
+  [[nodiscard]] static bool holdsCover(std::uint32_t outputFormat);
 
   /// Bytes that a file of a kind with so many frames takes at least, an estimate; 0 for an unknown
   /// kind.

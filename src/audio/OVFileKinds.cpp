@@ -28,7 +28,7 @@ constexpr std::array kSuffixes{
     Suffix{"caf", "audio/x-caf", 2},        Suffix{"aif", "audio/x-aiff", 1},
     Suffix{"aiff", "audio/x-aiff", 1},      Suffix{"wav", "audio/x-wav", 0},
     Suffix{"mp3", "audio/mpeg", kReadOnly}, Suffix{"mp4", "video/mp4", 3},
-    Suffix{"m4a", "audio/mp4", 3},          Suffix{"m4r", "audio/mp4", kReadOnly},
+    Suffix{"m4a", "audio/mp4", 3},          Suffix{"m4r", "audio/x-m4r", kReadOnly},
     Suffix{"aac", "audio/aac", kReadOnly},
 };
 

@@ -50,6 +50,11 @@ std::vector<OVRecordingLoss> OVRecordingLosses::all() const {
   return losses_;
 }
 
+std::size_t OVRecordingLosses::count() const {
+  const platform::MutexLock lock(mutex_);
+  return losses_.size();
+}
+
 void OVRecordingLosses::finish() {
   if (auto finished = std::exchange(current_, std::nullopt)) {
     losses_.push_back(*finished);

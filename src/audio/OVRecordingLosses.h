@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -36,6 +37,7 @@ class OVRecordingLosses {
 
   /// The gaps whose length is known, in the order of the recording.
   [[nodiscard]] std::vector<OVRecordingLoss> all() const;
+  [[nodiscard]] std::size_t count() const;
 
  private:
   void finish() REQUIRES(mutex_);

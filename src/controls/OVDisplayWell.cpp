@@ -4,17 +4,13 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include "platform/views/RoundShapes.h"
+
 namespace {
 
 constexpr qreal kRadius = 5.0;
 constexpr qreal kRim = 1.0;          // height of the light rim below the well
 constexpr qreal kInnerShadow = 4.0;  // depth of the shadow that the upper edge casts
-
-QPainterPath rounded(const QRectF& rect, qreal radius) {
-  QPainterPath path;
-  path.addRoundedRect(rect, radius, radius);
-  return path;
-}
 
 QLinearGradient vertical(const QRectF& rect, const QColor& top, const QColor& bottom) {
   QLinearGradient gradient(rect.topLeft(), rect.bottomLeft());
@@ -31,7 +27,7 @@ void OVDisplayWell::paintEvent(QPaintEvent* /*event*/) {
   const QColor upper = QColor::fromRgbF(0.13725F, 0.14510F, 0.24314F);
   const QColor lower = QColor::fromRgbF(0.14118F, 0.21176F, 0.27843F);
   const QRectF well = QRectF(rect()).adjusted(0.0, 0.0, 0.0, -kRim);
-  const QPainterPath outline = rounded(well, kRadius);
+  const QPainterPath outline = platform::roundedPath(well, kRadius);
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.fillPath(outline.translated(0.0, kRim), QColor(255, 255, 255, 190));
@@ -41,5 +37,5 @@ void OVDisplayWell::paintEvent(QPaintEvent* /*event*/) {
   shadow.setHeight(kInnerShadow);
   painter.fillPath(outline, vertical(shadow, QColor(0, 0, 0, 90), QColor(0, 0, 0, 0)));
   const QRectF edge = well.adjusted(0.5, 0.5, -0.5, -0.5);
-  painter.strokePath(rounded(edge, kRadius - 0.5), QPen(QColor(12, 13, 28, 200), 1.0));
+  painter.fillPath(platform::roundedRingPath(edge, kRadius - 0.5, 1.0), QColor(12, 13, 28, 200));
 }

@@ -5,6 +5,7 @@
 
 #include "controls/OVLoadingIndicator.h"
 #include "platform/base/MainThread.h"
+#include "platform/views/ViewDrawing.h"
 
 namespace {
 
@@ -14,9 +15,7 @@ const QColor kWordsColor = QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.8F);
 }  // namespace
 
 OVLoadingLabel::OVLoadingLabel(QWidget* parent) : QLabel(parent) {
-  QFont font(QStringLiteral("Arial"));
-  font.setPixelSize(kWordsSize);
-  setFont(font);
+  setFont(platform::viewFont(kWordsSize));
   setTextFormat(Qt::PlainText);
 }
 

@@ -9,6 +9,7 @@
 #include "controls/OVOverlayView.h"
 #include "platform/base/MainThread.h"
 #include "platform/views/ViewAccessibility.h"
+#include "platform/views/ViewDrawing.h"
 
 namespace {
 
@@ -19,8 +20,8 @@ const QColor kColor = QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.8F);
 
 }  // namespace
 
-OVNoticeView::OVNoticeView(QWidget* parent) : QWidget(parent), font_(QStringLiteral("Arial")) {
-  font_.setPixelSize(kFontSize);
+OVNoticeView::OVNoticeView(QWidget* parent)
+    : QWidget(parent), font_(platform::viewFont(kFontSize)) {
   setAttribute(Qt::WA_TransparentForMouseEvents);
   setAttribute(Qt::WA_NoSystemBackground);
   setFixedHeight(kHeight);

@@ -4,6 +4,8 @@
 
 #include <QPainter>
 
+#include "platform/views/RoundShapes.h"
+
 namespace {
 
 // Between the two colours of the waveform's gradient.
@@ -21,10 +23,7 @@ qreal OVOverlayView::cornerRadius(const QSizeF& size) {
 
 QPainterPath OVOverlayView::outline(const QRectF& bounds) {
   const qreal radius = cornerRadius(bounds.size());
-  QPainterPath path;
-  path.addRoundedRect(bounds, radius, radius);
-  path.setFillRule(Qt::WindingFill);
-  return path;
+  return platform::roundedPath(bounds, radius);
 }
 
 void OVOverlayView::draw(QPainter& painter, const QRectF& bounds) {

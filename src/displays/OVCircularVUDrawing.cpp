@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/views/ViewDrawing.h"
+#include "platform/views/RoundShapes.h"
 
 namespace {
 
@@ -39,12 +39,8 @@ void drawCircularVU(QPainter& painter, QSizeF size, std::span<const float> level
   }
   for (const float measured : levels) {
     const float level = std::isnan(measured) ? 0.0F : measured;
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(fillColor(level));
-    painter.drawEllipse(center, radius, radius);
-    painter.setPen(platform::viewPen(outlineColor(level), kOutlineWidth));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawEllipse(center, radius, radius);
+    painter.fillPath(platform::discPath(center, radius), fillColor(level));
+    painter.fillPath(platform::ringPath(center, radius, kOutlineWidth), outlineColor(level));
     center += step;
   }
 }

@@ -32,9 +32,7 @@ std::int32_t truncated(double value) {
 }  // namespace
 
 OVTimeText::OVTimeText()
-    : font_(QStringLiteral("Arial")), color_(QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.6F)) {
-  // No style hint: it would take precedence over the system's substitute for a missing Arial.
-  font_.setPixelSize(kFontSize);
+    : font_(platform::viewFont(kFontSize)), color_(QColor::fromRgbF(1.0F, 1.0F, 1.0F, 0.6F)) {
   // Digits have equal widths, but the pair "11" is kerned: the text would jitter as time runs.
   font_.setKerning(false);
 }

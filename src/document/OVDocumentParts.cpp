@@ -13,11 +13,24 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
       recovered({audio, operation, history, file, loading}),
       unsavedChanges({operation, history, file, transport, panels, recovered}, operations.saveFile,
                      operations.alertDidEnd) {
-  displayLoop.setTickHandler([this] { inputNotices.update(transport.inputState()); });
+  displayLoop.setTickHandler([this] {
+    if (inputWatch.look()) {
+      inputNotices.update(inputWatch.state());
+    }
+    lossMarks.update(inputWatch.state().losses);
+  });
   transport.addStateHandler([this](OVTransportState state) {
     diskWatch.setRecording(state == OVTransportState::recording);
   });
-  transport.setRecordingHandler([this] { clipping.begin(); });
+  transport.setRecordingHandler([this] {
+    clipping.begin();
+    lossMarks.begin();
+  });
+  file.setTakenHandler([this](const std::string& path) {
+    if (events.saved) {
+      events.saved(path);
+    }
+  });
 }
 
 void OVDocumentParts::connect(OVRecorderWindow* window) {
@@ -33,6 +46,7 @@ void OVDocumentParts::connect(OVRecorderWindow* window) {
   notices.connect(window);
   recordingPlace.connect(window);
   clipping.connect(window);
+  lossMarks.connect(window);
   if (waveform) {
     waveform->setStepHandler(life.guarded([this, waveform](OVMarkerStep step) {
       markerMovement.step(step, waveform->width() * waveform->devicePixelRatioF());
@@ -43,4 +57,7 @@ void OVDocumentParts::connect(OVRecorderWindow* window) {
 void OVDocumentParts::loadEnded() {
   recovered.loadEnded();
   unsavedChanges.loadEnded();
+  if (loading.takeOpenedNothing() && events.nothingOpened) {
+    events.nothingOpened();
+  }
 }

@@ -3,12 +3,14 @@
 #include <functional>
 #include <memory>
 
+#include "document/OVDocumentEvents.h"
 #include "document/OVMarkerMovement.h"
 #include "document/OVUnsavedChanges.h"
 #include "document/display/OVClipping.h"
 #include "document/display/OVDiskWatch.h"
 #include "document/display/OVDisplayLoop.h"
 #include "document/display/OVInputNotices.h"
+#include "document/display/OVLossMarks.h"
 #include "document/display/OVMarkerAndTime.h"
 #include "document/display/OVNotices.h"
 #include "document/display/OVProgressDisplay.h"
@@ -26,6 +28,7 @@
 #include "document/spectrum/OVRecordedChunk.h"
 #include "document/spectrum/OVSpectrum.h"
 #include "document/summaries/OVDocumentSummaries.h"
+#include "document/transport/OVInputWatch.h"
 #include "document/transport/OVTransport.h"
 #include "document/transport/OVTransportControls.h"
 #include "document/transport/OVTransportKeys.h"
@@ -50,6 +53,7 @@ struct OVDocumentParts {
   /// A load has ended.
   void loadEnded();
 
+  OVDocumentEvents events;
   OVDocumentLife life;
   OVNotices notices;
   OVDocumentAudio audio;
@@ -58,6 +62,7 @@ struct OVDocumentParts {
   const std::shared_ptr<OVDocumentSummaries> summaries = std::make_shared<OVDocumentSummaries>();
   OVEditHistory history{audio, *summaries};
   OVTransport transport{{life, audio, positions, *summaries, history, operation}};
+  OVInputWatch inputWatch{transport};
   OVTransportControls controls;
   OVTransportKeys keys;
   OVDiskWatch diskWatch{life, audio, notices};
@@ -65,6 +70,7 @@ struct OVDocumentParts {
   OVProgressDisplay progress;
   OVRecordingPlace recordingPlace{{audio, positions, operation, transport}};
   OVClipping clipping{life, audio};
+  OVLossMarks lossMarks{audio, history};
   OVDisplayLoop displayLoop{{life, audio, positions, operation, *summaries, transport,
                              markerAndTime, progress, recordingPlace, clipping}};
   OVSpectrum spectrum;

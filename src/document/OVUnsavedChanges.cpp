@@ -65,7 +65,7 @@ bool OVUnsavedChanges::refusesQuit() {
 
 void OVUnsavedChanges::ask() {
   using Role = platform::SheetRequest::Button::Role;
-  QString message = localized("Your changes will be lost if you don't save them.");
+  QString message = localized("Your changes will be lost if you don’t save them.");
   if (parts_.transport.isRecording()) {
     message += QLatin1Char(' ') + localized("The recording was paused.");
   }
@@ -74,9 +74,9 @@ void OVUnsavedChanges::ask() {
       {.title =
            localized("Do you want to save the changes made to “%1”?").arg(parts_.file.shownName()),
        .message = message,
-       .buttons = {{localized("Save"), kSave, Role::accept},
-                   {localized("Don't Save"), kDontSave, Role::destructive},
-                   {localized("Cancel"), kCancelClosing, Role::reject}}},
+       .buttons = {{localized("&Save"), kSave, Role::accept},
+                   {localized("Do&n’t Save"), kDontSave, Role::destructive},
+                   {localized("&Cancel"), kCancelClosing, Role::reject}}},
       answered_);
   if (parts_.transport.isRecording()) {
     parts_.transport.pause();

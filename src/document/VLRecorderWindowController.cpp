@@ -10,6 +10,7 @@
 #include "controls/buttons/OVTransportButton.h"
 #include "displays/OVCircularVUView.h"
 #include "document/files/OVWaveformPicture.h"
+#include "document/transport/recordingBuffer.h"
 #include "platform/base/ApplicationServices.h"
 #include "platform/mainloop/MainQueue.h"
 #include "storage/OVAudioBuffer.h"
@@ -81,12 +82,14 @@ void VLRecorderWindowController::windowDidLoad() {
   parts_.transport.setCutHandler([this] { refreshCompleteUI(true); });
   parts_.operation.setChangeHandler([this] { operationChanged(); });
   parts_.progress.show(false);
-  {
+  const auto makeBuffer = [this] {
     const platform::PostedAlertsScope afterwards;  // alerts appear after the window
-    if (auto blocks = OVBlockBuffer::init()) {
+    if (auto blocks = makeRecordingBuffer()) {
       setBuffer(std::move(blocks));
     }
-  }
+  };
+  makeBuffer();
+  parts_.transport.setBufferMaker(makeBuffer);
   parts_.displayLoop.start();
   parts_.progress.end();
 }

@@ -24,10 +24,9 @@ class OVCircularVUView;
 
 /// One document: a recorder window with its own audio, transport, waveform, displays and undo.
 ///
-/// The operations below delegate to the controller's parts, each of which has one subject.
-/// Positions are in frames. Any view may be missing, including the window: an operation on a
-/// missing view does nothing. The controller keeps itself alive from its creation until
-/// windowWillClose(), and is always destroyed on the main thread.
+/// The operations below delegate to the controller's parts. Positions are in frames. Any view may
+/// be missing, also the window: an operation on a missing view does nothing. The controller keeps
+/// itself alive until windowWillClose(), and is always destroyed on the main thread.
 ///
 /// Threads: main, unless stated otherwise. Real-time: not safe.
 class VLRecorderWindowController : public OVAudioBufferDelegate,
@@ -48,6 +47,7 @@ class VLRecorderWindowController : public OVAudioBufferDelegate,
 
   // Window --------------------------------------------------------------------------------------
 
+  void setEvents(OVDocumentEvents events) { parts_.events = std::move(events); }
   void windowDidLoad();
   void showWindow();
   [[nodiscard]] OVRecorderWindow* window() const;

@@ -1,7 +1,9 @@
 #include "keeper/Keeper.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <iterator>
 #include <span>
@@ -12,19 +14,34 @@
 #include "keeper/PassingErrors.h"
 #include "platform/files/PosixFile.h"
 
-Keeper::Keeper(std::unique_ptr<platform::DescriptorChannel> program, Settings settings)
-    : program_(std::move(program)), settings_(std::move(settings)) {}
+namespace {
+
+using Received = platform::DescriptorChannel::Received;
+
+// An error is the end only if it says that there is no connection.
+bool hasProgramEnded(const Received& received) {
+  constexpr std::array kNone{ECONNRESET, ENOTCONN, ENOTSOCK, EBADF};
+  return received.error == 0 ? received.byteCount == 0
+                             : std::find(kNone.begin(), kNone.end(), received.error) != kNone.end();
+}
+
+}  // namespace
+
+Keeper::Keeper(std::unique_ptr<platform::DescriptorChannel> program, std::string dataDirectory)
+    : program_(std::move(program)), dataDirectory_(std::move(dataDirectory)) {}
 
 void Keeper::listen() {
   using Channel = platform::DescriptorChannel;
+  constexpr std::chrono::milliseconds kPause{10};
   std::array<std::byte, sizeof(KeeperMessage)> bytes{};
   while (true) {
     auto received = program_->receive(bytes, Channel::Waiting::untilItCame);
-    if (received.error == ENOMEM || received.error == EMFILE) {
-      continue;  // that message is lost, the others are not
-    }
-    if (received.error != 0 || received.byteCount == 0) {
+    if (hasProgramEnded(received)) {
       return;
+    }
+    if (received.error != 0) {
+      std::this_thread::sleep_for(kPause);  // no memory, say
+      continue;
     }
     KeeperMessage message{.version = 0};
     if (received.byteCount == sizeof message) {
@@ -55,19 +72,19 @@ bool Keeper::recover() {
   if (recordings_.empty()) {
     return true;
   }
-  auto folder = RecoveredFolder::open(settings_.dataDirectory);
-  if (!folder) {
-    return !mayPass(folder.error());
+  if (auto opened = RecoveredFolder::open(dataDirectory_)) {
+    folder_ = *std::move(opened);
+  } else if (!folder_) {  // what was begun in it is written to the end
+    return !mayPass(opened.error());
   }
   for (auto entry = recordings_.begin(); entry != recordings_.end();) {
-    const bool waits = entry->second.recover(**folder) == KeptRecording::Outcome::waiting;
+    const bool waits = entry->second.recover(*folder_) == KeptRecording::Outcome::waiting;
     entry = waits ? std::next(entry) : recordings_.erase(entry);
   }
   return recordings_.empty();
 }
 
-void Keeper::recoverAll() {
-  while (!recover()) {
-    std::this_thread::sleep_for(settings_.patience);
-  }
+bool Keeper::isMoving() const {
+  return std::any_of(recordings_.begin(), recordings_.end(),
+                     [](const auto& entry) { return entry.second.isMoving(); });
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -16,19 +15,18 @@
 /// Threads: one. Real-time: not safe.
 class Keeper {
  public:
-  struct Settings {
-    std::string dataDirectory;           ///< see userDataDirectory()
-    std::chrono::milliseconds patience;  ///< between two tries on a full disk
-  };
+  /// For the data directory see platform::userDataDirectory().
+  Keeper(std::unique_ptr<platform::DescriptorChannel> program, std::string dataDirectory);
 
-  Keeper(std::unique_ptr<platform::DescriptorChannel> program, Settings settings);
-
-  /// Takes messages until the program has ended. Sleeps between them.
+  /// Takes messages until the program has ended. Sleeps between them. Nothing but the end of the
+  /// connection is taken for the program's end: a message that is lost is less than a running
+  /// program's recordings.
   void listen();
   /// Writes what would be lost; false if some of it must wait for room on the disk.
   [[nodiscard]] bool recover();
-  /// The same until nothing waits any more.
-  void recoverAll();
+
+  /// Whether a recording is being moved: what is not in its file yet ends with the keeper.
+  [[nodiscard]] bool isMoving() const;
 
   /// Number of documents kept.
   [[nodiscard]] std::size_t size() const { return recordings_.size(); }
@@ -37,6 +35,7 @@ class Keeper {
   void take(const KeeperMessage& message, std::vector<int> descriptors);
 
   const std::unique_ptr<platform::DescriptorChannel> program_;
-  const Settings settings_;
+  const std::string dataDirectory_;
+  std::unique_ptr<RecoveredFolder> folder_;            // null until it could be opened
   std::map<std::uint64_t, KeptRecording> recordings_;  // by the number of their document
 };

@@ -6,10 +6,13 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <string_view>
+#include <thread>
 #include <utility>
+
+#include "platform/files/OwnFolder.h"
 
 namespace {
 
@@ -26,50 +29,59 @@ std::string partOf(const std::string& name) {
   return name + std::string(kPart);
 }
 
+// The text before `end`, if it ends so; otherwise the whole text.
+std::string withoutEnd(const std::string& text, std::string_view end) {
+  return text.ends_with(end) ? text.substr(0, text.size() - end.size()) : text;
+}
+
 // Whether it can be the name of a recovered file, and nothing else.
 bool isPlainName(const std::string& name) {
   return name.size() > kSuffix.size() && name.size() < 200 && name.ends_with(kSuffix) &&
          name.front() != '.' && name.find('/') == std::string::npos;
 }
 
-bool isUsers(int descriptor) {
-  struct stat information = {};
-  return ::fstat(descriptor, &information) == 0 && information.st_uid == ::geteuid();
-}
-
-// Opens a folder in another one, and creates it if necessary; -1 with errno if that fails or the
-// folder cannot be trusted.
-int openOwnFolder(int parent, const char* name) {
-  if (::mkdirat(parent, name, kUserOnly) != 0 && errno != EEXIST) {
-    return -1;
-  }
-  const int folder = ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  if (folder >= 0 && !isUsers(folder)) {
-    ::close(folder);
-    errno = EPERM;
-    return -1;
-  }
-  return folder;
-}
-
 // The data directory itself may be a link, and that of a new user may not be there yet.
-int openDataDirectory(const std::string& path) {
+platform::Descriptor openDataDirectory(const std::string& path) {
   constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-  int folder = ::open(path.c_str(), kFlags);
-  if (folder < 0 && errno == ENOENT) {
+  platform::Descriptor folder(::open(path.c_str(), kFlags));
+  if (!folder && errno == ENOENT) {
     const std::string parent = path.substr(0, path.rfind('/'));
     if (::access(parent.c_str(), F_OK) != 0) {
       ::mkdir(parent.c_str(), kUserOnly);
     }
     ::mkdir(path.c_str(), kUserOnly);
-    folder = ::open(path.c_str(), kFlags);
+    folder = platform::Descriptor(::open(path.c_str(), kFlags));
   }
   return folder;
+}
+
+// Takes the lock of a whole file. Whoever has just died may hold it for a moment.
+bool lock(int file, std::chrono::milliseconds patience = {}) {
+  constexpr std::chrono::milliseconds kAgain{2};
+  const auto giveUp = std::chrono::steady_clock::now() + patience;
+  while (::flock(file, LOCK_EX | LOCK_NB) != 0) {
+    if (errno == EINTR) {
+      continue;
+    }
+    if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= giveUp) {
+      return false;
+    }
+    std::this_thread::sleep_for(kAgain);
+  }
+  return true;
 }
 
 bool isThere(int folder, const std::string& name) {
   struct stat information = {};
   return ::fstatat(folder, name.c_str(), &information, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool isNameOf(int file, int folder, const std::string& name) {
+  struct stat opened = {};
+  struct stat named = {};
+  return ::fstat(file, &opened) == 0 && S_ISREG(opened.st_mode) &&
+         ::fstatat(folder, name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
 int renameKeepingOthers(int folder, const std::string& from, const std::string& to) {
@@ -102,36 +114,27 @@ platform::Result<std::unique_ptr<RecoveredFolder>> RecoveredFolder::open(
   if (dataDirectory.empty()) {
     return ENOENT;
   }
-  const int data = openDataDirectory(dataDirectory);
-  if (data < 0) {
+  const platform::Descriptor data = openDataDirectory(dataDirectory);
+  if (!data) {
     return errno;
   }
-  const int own = openOwnFolder(data, "orvo");
-  int error = errno;
-  ::close(data);
-  if (own < 0) {
+  constexpr auto kMade = platform::MissingFolder::isMade;
+  const auto own = platform::openOwnFolder(data.get(), "orvo", kMade);
+  if (!own) {
+    return own.error();
+  }
+  auto recovered = platform::openOwnFolder((*own).get(), "recovered", kMade);
+  if (!recovered) {
+    return recovered.error();
+  }
+  if (const int error = platform::closeToOthers((*recovered).get())) {
     return error;
   }
-  const int recovered = openOwnFolder(own, "recovered");
-  error = errno;
-  ::close(own);
-  if (recovered < 0) {
-    return error;
-  }
-  if (::fchmod(recovered, kUserOnly) != 0) {
-    error = errno;
-    ::close(recovered);
-    return error;
-  }
-  return std::unique_ptr<RecoveredFolder>(new RecoveredFolder(recovered));
-}
-
-RecoveredFolder::~RecoveredFolder() {
-  ::close(descriptor_);
+  return std::unique_ptr<RecoveredFolder>(new RecoveredFolder(*std::move(recovered)));
 }
 
 bool RecoveredFolder::exists(const std::string& name) const {
-  return isThere(descriptor_, name);
+  return isThere(folder_.get(), name);
 }
 
 platform::Result<PartFile> RecoveredFolder::create(const std::string& name,
@@ -148,6 +151,19 @@ platform::Result<PartFile> RecoveredFolder::create(const std::string& name,
       return part;
     }
   }
+  // A part that its document was opened from stays until the new file is complete.
+  const std::string whole = withoutEnd(former, kPart);
+  if (whole.size() < former.size() && isPlainName(whole)) {
+    auto part = createNumbered(withoutEnd(whole, kSuffix));
+    if (part) {
+      part->formerPart = former;
+    }
+    return part;
+  }
+  return createNumbered(name);
+}
+
+platform::Result<PartFile> RecoveredFolder::createNumbered(const std::string& name) const {
   for (int number = 1; number <= kMaxNumber; ++number) {
     const std::string numbered = nameWithNumber(name, number);
     if (!exists(numbered)) {
@@ -161,26 +177,24 @@ platform::Result<PartFile> RecoveredFolder::create(const std::string& name,
 }
 
 platform::Result<PartFile> RecoveredFolder::createPart(const std::string& name) const {
-  const int file = ::openat(descriptor_, partOf(name).c_str(),
+  const int file = ::openat(folder_.get(), partOf(name).c_str(),
                             O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
   if (file < 0) {
     return errno;
   }
-  ::flock(file, LOCK_EX | LOCK_NB);  // nobody else has it yet
+  static_cast<void>(lock(file));  // nobody else has it yet
   return PartFile{.file = std::make_unique<platform::PosixFile>(file), .name = name};
 }
 
-// A part file of this name, left by a keeper that was killed.
+// A part file of this name, left by a keeper that was killed. The program that has just ended may
+// have offered it. By the time that its lock is had the name may be another part's.
 bool RecoveredFolder::removeDeadPart(const std::string& name) const {
   const std::string path = partOf(name);
-  const int file = ::openat(descriptor_, path.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC);
-  if (file < 0) {
-    return false;
-  }
-  const bool isDead = ::flock(file, LOCK_EX | LOCK_NB) == 0;
-  const bool isRemoved = isDead && ::unlinkat(descriptor_, path.c_str(), 0) == 0;
-  ::close(file);
-  return isRemoved;
+  const platform::Descriptor file(
+      ::openat(folder_.get(), path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  return file && lock(file.get(), std::chrono::seconds(1)) &&
+         isNameOf(file.get(), folder_.get(), path) &&
+         ::unlinkat(folder_.get(), path.c_str(), 0) == 0;
 }
 
 int RecoveredFolder::complete(PartFile& part) {
@@ -191,7 +205,10 @@ int RecoveredFolder::complete(PartFile& part) {
   if (const int error = rename(part); error != 0) {
     return error;
   }
-  ::fsync(descriptor_);  // the content is safe; without the name's sync it only keeps its suffix
+  if (!part.formerPart.empty()) {
+    static_cast<void>(removeDeadPart(withoutEnd(part.formerPart, kPart)));
+  }
+  ::fsync(folder_.get());  // the content is safe; without the name's sync it only keeps its suffix
   part.file.reset();
   return 0;
 }
@@ -199,28 +216,18 @@ int RecoveredFolder::complete(PartFile& part) {
 int RecoveredFolder::rename(const PartFile& part) const {
   const std::string from = partOf(part.name);
   if (part.replacesFormer &&
-      ::renameat(descriptor_, from.c_str(), descriptor_, part.name.c_str()) == 0) {
+      ::renameat(folder_.get(), from.c_str(), folder_.get(), part.name.c_str()) == 0) {
     return 0;  // otherwise it gets a name of its own
   }
   // Another keeper may have taken the name meanwhile.
-  const std::string base = part.name.substr(0, part.name.size() - kSuffix.size());
-  int error = renameKeepingOthers(descriptor_, from, part.name);
+  const std::string base = withoutEnd(part.name, kSuffix);
+  int error = renameKeepingOthers(folder_.get(), from, part.name);
   for (int number = 2; error == EEXIST && number <= kMaxNumber; ++number) {
-    error = renameKeepingOthers(descriptor_, from, nameWithNumber(base, number));
+    error = renameKeepingOthers(folder_.get(), from, nameWithNumber(base, number));
   }
   return error;
 }
 
 void RecoveredFolder::discard(const PartFile& part) {
-  ::unlinkat(descriptor_, partOf(part.name).c_str(), 0);
-}
-
-std::string userDataDirectory() {
-  // Nothing in this program changes the environment.
-  const char* const data = std::getenv("XDG_DATA_HOME");  // NOLINT(concurrency-mt-unsafe)
-  if (data != nullptr && *data == '/') {
-    return data;
-  }
-  const char* const home = std::getenv("HOME");  // NOLINT(concurrency-mt-unsafe)
-  return home != nullptr && *home == '/' ? std::string(home) + "/.local/share" : std::string();
+  ::unlinkat(folder_.get(), partOf(part.name).c_str(), 0);
 }

@@ -3,8 +3,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/base/Result.h"
+#include "platform/files/Descriptor.h"
 #include "platform/files/PosixFile.h"
 
 /// A recovered recording while it is written: a file with the suffix ".part", locked (flock) so
@@ -16,6 +18,7 @@ struct PartFile {
   std::string name;             ///< without the suffix
   bool replacesFormer = false;  ///< an earlier file of this name, see RecoveredFolder::create()
   bool isSynced = false;        ///< everything is on the disk; it only lacks its name
+  std::string formerPart = {};  ///< part file of a dead keeper that it supersedes; empty for none
 };
 
 /// The folder of recovered recordings, which only the user can read.
@@ -23,18 +26,18 @@ struct PartFile {
 /// Threads: one at a time. Real-time: not safe.
 class RecoveredFolder {
  public:
-  /// The folder "orvo/recovered" in the user's data directory, created if necessary. Not used, with
-  /// the error EPERM, ELOOP or ENOTDIR, when it belongs to someone else or is a link. ENOENT when
-  /// there is no data directory, nor a folder to create it in.
+  /// The folder "orvo/recovered" in the user's data directory, created if necessary and closed to
+  /// others. Not used, with the error EPERM, ELOOP or ENOTDIR, when it or "orvo" belongs to someone
+  /// else or is a link. ENOENT when there is no data directory, nor a folder to create it in.
   [[nodiscard]] static platform::Result<std::unique_ptr<RecoveredFolder>> open(
       const std::string& dataDirectory);
-  ~RecoveredFolder();
+  ~RecoveredFolder() = default;
   RecoveredFolder(const RecoveredFolder&) = delete;
   RecoveredFolder& operator=(const RecoveredFolder&) = delete;
 
   /// An empty part file for `name`, which has no suffix; equal names get " 2", " 3". If `former` is
-  /// the name of an earlier recovered file, the new one will replace it instead. What is not the
-  /// plain name of such a file is ignored.
+  /// the name of an earlier recovered file, or of the part file that a dead keeper left, the new
+  /// one will replace it instead. What is not the plain name of such a file is ignored.
   [[nodiscard]] platform::Result<PartFile> create(const std::string& name,
                                                   const std::string& former);
   /// The part file is complete: writes it to disk and removes its suffix. Returns 0 or an errno,
@@ -44,18 +47,13 @@ class RecoveredFolder {
   void discard(const PartFile& part);
 
  private:
-  explicit RecoveredFolder(int descriptor) : descriptor_(descriptor) {}
+  explicit RecoveredFolder(platform::Descriptor folder) : folder_(std::move(folder)) {}
 
   [[nodiscard]] bool exists(const std::string& name) const;
   [[nodiscard]] platform::Result<PartFile> createPart(const std::string& name) const;
+  [[nodiscard]] platform::Result<PartFile> createNumbered(const std::string& name) const;
   [[nodiscard]] bool removeDeadPart(const std::string& name) const;
   [[nodiscard]] int rename(const PartFile& part) const;
 
-  const int descriptor_;
+  const platform::Descriptor folder_;
 };
-
-/// The user's data directory: XDG_DATA_HOME if it is an absolute path, otherwise .local/share in
-/// the home directory. Empty if neither is known.
-///
-/// Threads: any, while the environment does not change.
-[[nodiscard]] std::string userDataDirectory();

@@ -3,13 +3,39 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <memory>
+#include <thread>
 
 #include "keeper/Keeper.h"
-#include "keeper/RecoveredFolder.h"
+#include "platform/files/UserDataDirectory.h"
 #include "platform/process/DescriptorChannel.h"
 #include "platform/process/SpawnedProgram.h"
+
+namespace {
+
+constexpr std::chrono::seconds kPatience{5};  // between two tries on a full disk
+
+void changeMask(int how, int signal) {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, signal);
+  ::sigprocmask(how, &signals, nullptr);
+}
+
+// From the first wait on a termination signal ends the keeper here, but not while a recording that
+// is being moved would end with it.
+void wait(const Keeper& keeper) {
+  if (!keeper.isMoving()) {
+    std::signal(SIGTERM, SIG_DFL);
+    changeMask(SIG_UNBLOCK, SIGTERM);
+  }
+  std::this_thread::sleep_for(kPatience);
+  changeMask(SIG_BLOCK, SIGTERM);
+}
+
+}  // namespace
 
 int main() {
   using platform::SpawnedProgram;
@@ -28,11 +54,10 @@ int main() {
   ::close_range(SpawnedProgram::kInheritedDescriptor + 1, ~0U, 0);
 #endif
   Keeper keeper(std::make_unique<platform::DescriptorChannel>(SpawnedProgram::kInheritedDescriptor),
-                {.dataDirectory = userDataDirectory(), .patience = std::chrono::seconds(5)});
+                platform::userDataDirectory());
   keeper.listen();
-  if (!keeper.recover()) {
-    std::signal(SIGTERM, SIG_DFL);
-    keeper.recoverAll();
+  while (!keeper.recover()) {
+    wait(keeper);
   }
   return 0;
 }

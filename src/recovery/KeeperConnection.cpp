@@ -107,6 +107,7 @@ void KeeperConnection::check() {
 void KeeperConnection::died() {
   const bool soon = std::chrono::steady_clock::now() - started_ < kSoon;
   failures_ = soon ? failures_ + 1 : 0;
+  process_->kill();  // one that lives would take the end of its connection for this program's
   channel_.reset();
   former_.push_back(std::move(process_));
   if (failures_ >= kMaxFailures) {

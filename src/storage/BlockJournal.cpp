@@ -58,9 +58,13 @@ journal::State BlockJournal::state() const {
   return header().state.load(std::memory_order_relaxed);
 }
 
-void BlockJournal::recordingBegins(std::int64_t time) {
+bool BlockJournal::recordingBegins(std::int64_t time) {
   std::int64_t none = 0;
-  header().firstRecording.compare_exchange_strong(none, time, std::memory_order_relaxed);
+  return header().firstRecording.compare_exchange_strong(none, time, std::memory_order_relaxed);
+}
+
+void BlockJournal::recordingTakenBack() {
+  header().firstRecording.store(0, std::memory_order_relaxed);
 }
 
 // Records ---------------------------------------------------------------------------------------

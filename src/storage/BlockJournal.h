@@ -46,8 +46,11 @@ class BlockJournal {
 
   void setState(journal::State state);
   [[nodiscard]] journal::State state() const;
-  /// When a recording begins, in seconds since 1970, UTC. Later calls change nothing.
-  void recordingBegins(std::int64_t time);
+  /// When a recording begins, in seconds since 1970, UTC. Whether it is the first: later ones
+  /// change nothing.
+  bool recordingBegins(std::int64_t time);
+  /// The first recording never came about.
+  void recordingTakenBack();
 
   // Records. Threads: under the lock of the list.
 

@@ -37,11 +37,12 @@ void deleteTemporaryFile(const std::optional<std::string>& path) {
   }
 }
 
-void alertThatNoTemporaryFileOpens(const std::string& path) {
+void alertThatNoTemporaryFileOpens(const std::string& path, const std::string& explanation) {
   ShowModalAlert("couldn't open temp file for writing!",
                  "The file " + path +
                      " couldn't be opened for writing. This shouldn't happen! Check your "
-                     "permissions.");
+                     "permissions." +
+                     (explanation.empty() ? explanation : "\n\n" + explanation));
 }
 
 bool refuseIfPastAddressSpace(std::uint64_t atByteOffset, std::uint32_t withSize) {

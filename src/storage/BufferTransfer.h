@@ -24,10 +24,11 @@
 /// Threads: any. Real-time: not safe.
 void deleteTemporaryFile(const std::optional<std::string>& path);
 
-/// Shows a modal alert that a temporary file could not be created at a path. Hold no lock.
+/// Shows a modal alert that a temporary file could not be created at a path, with the explanation,
+/// if any, below its message. Hold no lock.
 ///
 /// Threads: any. Real-time: not safe.
-void alertThatNoTemporaryFileOpens(const std::string& path);
+void alertThatNoTemporaryFileOpens(const std::string& path, const std::string& explanation = {});
 
 /// Whether a write would end past the highest address. If so, logs to the console that it is
 /// refused.

@@ -32,12 +32,13 @@ OVBlockBuffer::OVBlockBuffer(std::unique_ptr<platform::File> file, std::string f
 // Closing the file frees the storage of everything ever recorded.
 OVBlockBuffer::~OVBlockBuffer() = default;
 
-std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init() {
+std::shared_ptr<OVBlockBuffer> OVBlockBuffer::init(const Explanation& explanation) {
   const auto files = platform::temporaryFiles();
   const std::string pathTemplate = files->directory() + "orvoXXXXXX";
   auto created = files->createUnlinked(pathTemplate.substr(0, kMaxPath));
   if (!created) {
-    alertThatNoTemporaryFileOpens(pathTemplate);
+    alertThatNoTemporaryFileOpens(pathTemplate,
+                                  explanation ? explanation(created.error()) : std::string());
     return nullptr;
   }
   return std::shared_ptr<OVBlockBuffer>(

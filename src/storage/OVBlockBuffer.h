@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,7 +12,7 @@
 
 #include "platform/base/GuardedPointer.h"
 #include "platform/base/Mutex.h"
-#include "platform/files/File.h"
+#include "platform/files/TemporaryFiles.h"
 #include "storage/BlockJournal.h"
 #include "storage/BlockList.h"
 #include "storage/OVAudioBufferInterface.h"
@@ -46,9 +47,12 @@ class OVBlockBuffer : public OVAudioBufferInterface {
   /// See rollBack().
   static constexpr std::chrono::seconds kReadsPatience{2};
 
+  /// Why a temporary file could not be created, in the user's language.
+  using Explanation = std::function<std::string(const platform::NoTemporaryFile&)>;
+
   /// An empty buffer with its own temporary file. Null when the file cannot be created, which a
-  /// modal alert reports.
-  [[nodiscard]] static std::shared_ptr<OVBlockBuffer> init();
+  /// modal alert reports, with the explanation, if any, below its message.
+  [[nodiscard]] static std::shared_ptr<OVBlockBuffer> init(const Explanation& explanation = {});
   ~OVBlockBuffer() override;
   OVBlockBuffer(const OVBlockBuffer&) = delete;
   OVBlockBuffer& operator=(const OVBlockBuffer&) = delete;

@@ -53,7 +53,7 @@ DocumentTest::Window DocumentTest::questionToReplace() {
 void DocumentTest::replaceExisting() {
   const Window question = questionToReplace();
   ASSERT_FALSE(question.empty());
-  ASSERT_TRUE(screen_->pressKey("alt+y"));
+  ASSERT_TRUE(screen_->pressKey("alt+r"));
   ASSERT_TRUE(screen_->waitUntilGone(question));
 }
 

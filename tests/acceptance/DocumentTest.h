@@ -36,7 +36,7 @@ class DocumentTest : public AcceptanceTest {
   void saveAs(const std::string& path, Kind kind);
   /// Waits for the question whether to replace a file; empty if it does not appear.
   [[nodiscard]] Window questionToReplace();
-  /// Answers it with yes.
+  /// Answers it with Replace.
   void replaceExisting();
   /// Presses the keys of Save and waits until there are no unsaved changes.
   void save();

@@ -1,15 +1,11 @@
 // The program is killed: its keeper writes the recordings that were not saved.
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include "acceptance/DocumentTest.h"
-#include "support/programs/AudioFileTools.h"
-#include "support/programs/LimitedDisk.h"
+#include "acceptance/KilledProgramTest.h"
+#include "support/programs/MemoryGroup.h"
 
 using namespace support;
 
@@ -17,69 +13,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kChunk = 4096 * kChannels;  // samples written at a time
-
-class Recovery : public DocumentTest {
+class Recovery : public KilledProgramTest {
  protected:
-  void SetUp() override { ASSERT_NO_FATAL_FAILURE(startWithKeeper({})); }
-
-  void startWithKeeper(RunningOrvo::Options options) {
-    options.dataFolder = data_;
-    ASSERT_NO_FATAL_FAILURE(startOrvo(options));
-    ASSERT_TRUE(eventually([&] { return orvo_->keeperPid() != 0; }));
-  }
-
-  [[nodiscard]] std::string recoveredFolder() const { return data_ + "/orvo/recovered"; }
-
-  /// Names of the recovered files, sorted.
-  [[nodiscard]] std::vector<std::string> recovered() const {
-    return fs::exists(recoveredFolder()) ? names(recoveredFolder()) : std::vector<std::string>();
-  }
-
-  /// The temporary file of each document, which stays readable after the program's end.
-  void holdTemporaryFiles() {
-    for (const std::string& path : orvo_->recordingPaths()) {
-      held_.push_back(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    }
-  }
-
-  /// Ends the program with a signal; returns once its keeper has ended.
-  void endBy(int signal) {
-    holdTemporaryFiles();
-    const pid_t keeper = orvo_->keeperPid();
-    ASSERT_NE(keeper, 0);
-    orvo_->process().signal(signal);
-    ASSERT_TRUE(orvo_->process().waitForExit());
-    ASSERT_TRUE(eventually([&] { return hasEnded(keeper); }));
-  }
-
-  /// Everything that was written to the temporary file of a document.
-  [[nodiscard]] Samples written(std::size_t document = 0) const {
-    return document < held_.size() ? readRaw("/dev/fd/" + std::to_string(held_[document]))
-                                   : Samples();
-  }
-
-  [[nodiscard]] Samples recoveredAudio(std::size_t file = 0) const {
-    return file < recovered().size() ? decodedByFfmpeg(recoveredFolder() + "/" + recovered()[file])
-                                     : Samples();
-  }
-
-  /// At most the chunk that was just being written is missing at the end.
-  static void expectAllOf(const Samples& written, const Samples& found) {
-    EXPECT_LE(found.size(), written.size());
-    EXPECT_LE(written.size() - found.size(), kChunk);
-    EXPECT_TRUE(found == Samples(written.begin(),
-                                 written.begin() + static_cast<std::ptrdiff_t>(found.size())));
-  }
-
-  ~Recovery() override {
-    for (const int held : held_) {
-      ::close(held);
-    }
-  }
-
-  const std::string data_ = folder_.makeFolder("data");
-  std::vector<int> held_;
+  void SetUp() override { ASSERT_NO_FATAL_FAILURE(startWithKeeper()); }
 };
 
 TEST_F(Recovery, KilledWhileRecordingLosesNothingThatWasWritten) {
@@ -199,13 +135,99 @@ TEST_F(Recovery, StoppedKeeperStopsNothing) {
   const pid_t keeper = orvo_->keeperPid();
   ASSERT_EQ(::kill(keeper, SIGSTOP), 0);
   ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 101)));
-  holdTemporaryFiles();
+  hold();
   orvo_->process().signal(SIGKILL);
   ASSERT_TRUE(orvo_->process().waitForExit());
   EXPECT_EQ(recovered(), std::vector<std::string>());
   ASSERT_EQ(::kill(keeper, SIGCONT), 0);
   ASSERT_TRUE(eventually([&] { return hasEnded(keeper); }));
   expectAllOf(written(), recoveredAudio());
+}
+
+TEST_F(Recovery, LossOfTheScreenLosesNothingElse) {
+  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 102)));
+  hold();
+  const pid_t keeper = orvo_->keeperPid();
+  screen_.reset();
+  ASSERT_TRUE(orvo_->process().waitForExit());
+  ASSERT_TRUE(eventually([&] { return hasEnded(keeper); }));
+  expectAllOf(written(), recoveredAudio());
+  expectNothingElseIsLeft(1);
+}
+
+// As the end of a session does it to a program that asks for too long.
+TEST_F(Recovery, EndOfTheSessionKeepsWhatTheQuestionIsAbout) {
+  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 103)));
+  hold();
+  const pid_t keeper = orvo_->keeperPid();
+  orvo_->process().signal(SIGTERM);
+  ASSERT_TRUE(eventually([&] { return alerts().size() == 1; }));
+  screen_.reset();
+  ASSERT_TRUE(orvo_->process().waitForExit());
+  ASSERT_TRUE(eventually([&] { return hasEnded(keeper); }));
+  expectAllOf(written(), recoveredAudio());
+}
+
+TEST_F(Recovery, ThirdSignalKeepsWhatTheQuestionIsAbout) {
+  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 104)));
+  hold();
+  const pid_t keeper = orvo_->keeperPid();
+  orvo_->process().signal(SIGTERM);
+  ASSERT_TRUE(eventually([&] { return alerts().size() == 1; }));
+  // Three within two seconds, each once the one before was taken.
+  ASSERT_TRUE(eventually([&] {
+    orvo_->process().signal(SIGTERM);
+    return !orvo_->process().isRunning();
+  }));
+  EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, SIGTERM}));
+  ASSERT_TRUE(eventually([&] { return hasEnded(keeper); }));
+  expectAllOf(written(), recoveredAudio());
+}
+
+TEST_F(Recovery, TwoProgramsKeepEachItsOwn) {
+  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 105)));
+  hold();
+  const auto first = std::move(orvo_);
+  ASSERT_NO_FATAL_FAILURE(startWithKeeper());
+  ASSERT_NE(orvo_->keeperPid(), first->keeperPid());
+  ASSERT_NO_FATAL_FAILURE(beginRecording());
+  const pid_t keeper = first->keeperPid();
+  first->process().kill();
+  ASSERT_TRUE(eventually([&] { return hasEnded(keeper); }));
+  ASSERT_EQ(recovered().size(), 1U);
+  expectAllOf(written(), recoveredAudio());
+  const std::string one = recovered()[0];
+  const std::uint64_t before = orvo_->recordedFrames();
+  EXPECT_TRUE(orvo_->waitUntilRecorded(before + 1)) << "the other one goes on";
+  ASSERT_NO_FATAL_FAILURE(endBy(SIGKILL));
+  ASSERT_EQ(recovered().size(), 2U);
+  expectAllOf(written(), recoveredAudio(recovered()[0] == one ? 1 : 0));
+}
+
+/// The program in a group of its own whose memory is limited.
+class RecoveryWithoutMemory : public KilledProgramTest {};
+
+TEST_F(RecoveryWithoutMemory, SystemThatKillsForWantOfMemoryLosesNothing) {
+  const auto group = MemoryGroup::create();
+  RunningOrvo::Options options;
+  options.wrapper = group ? group->wrapper() : options.wrapper;
+  ASSERT_NO_FATAL_FAILURE(startWithKeeper(options));
+  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 106)));
+  hold();
+  const pid_t keeper = orvo_->keeperPid();
+  if (group) {
+    constexpr std::uint64_t kFurther = std::uint64_t{1} << 20;
+    ASSERT_TRUE(group->limitTo(kFurther));
+    ASSERT_TRUE(eventually([&] {  // each window takes some
+      return !orvo_->process().isRunning() || !screen_->pressKey("ctrl+n");
+    }));
+  } else {
+    orvo_->process().signal(SIGKILL);
+  }
+  EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, SIGKILL}));
+  ASSERT_TRUE(eventually([&] { return hasEnded(keeper); }));
+  expectAllOf(written(), recoveredAudio());
+  orvo_.reset();
 }
 
 }  // namespace

@@ -91,7 +91,7 @@ TEST_F(Saving, SavedAgainItAsksNothingAndHoldsTheSecondTakeToo) {
   EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, 0})) << "nothing is asked";
 }
 
-TEST_F(Saving, FileThatExistsIsReplacedOnlyAfterAYes) {
+TEST_F(Saving, FileThatExistsIsReplacedOnlyAfterAQuestion) {
   const std::string path = document("take.wav");
   const std::string old = "not to be lost";
   ASSERT_TRUE(writeBytes(path, old));
@@ -101,7 +101,7 @@ TEST_F(Saving, FileThatExistsIsReplacedOnlyAfterAYes) {
   ASSERT_NO_FATAL_FAILURE(chooseFile(path));
   const Window question = questionToReplace();
   ASSERT_FALSE(question.empty());
-  ASSERT_TRUE(screen_->pressKey("alt+n"));
+  ASSERT_TRUE(screen_->pressKey("alt+c"));
   ASSERT_TRUE(screen_->waitUntilGone(question));
   EXPECT_TRUE(screen_->isVisible(shown));
   EXPECT_EQ(fileBytes(path), old);

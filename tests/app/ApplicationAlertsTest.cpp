@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <QAbstractButton>
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
 
 #include "app/AppFixture.h"
@@ -109,8 +110,12 @@ TEST_F(ApplicationAlertsTest, AboutNamesTheProgramAndItsVersion) {
   QString shown;
   const std::function<void()> readAbout = [&] {
     if (auto* const about = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-      shown = about->windowTitle() + "\n" + about->text();
-      about->accept();
+      shown = about->windowTitle() + "\n" + about->text() + "\n" + about->informativeText();
+      EXPECT_TRUE(about->findChild<QLabel*>("qt_msgbox_label")->font().bold());
+      ASSERT_EQ(about->buttons().size(), 1);
+      EXPECT_EQ(about->buttons().front()->text(), "&OK");
+      EXPECT_TRUE(about->buttons().front()->icon().isNull());
+      about->buttons().front()->click();
     } else {
       platform::mainQueue().async(readAbout);
     }
@@ -118,7 +123,8 @@ TEST_F(ApplicationAlertsTest, AboutNamesTheProgramAndItsVersion) {
   platform::mainQueue().async(readAbout);
   item(window, "About Orvo")->trigger();
   EXPECT_TRUE(runMainLoopUntil([&] { return !shown.isEmpty(); }));
-  EXPECT_TRUE(shown.startsWith("About Orvo\nOrvo 1.2.3\n")) << shown.toStdString();
+  EXPECT_TRUE(shown.startsWith("About Orvo\nOrvo 1.2.3\nAn audio recorder")) << shown.toStdString();
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
 }  // namespace

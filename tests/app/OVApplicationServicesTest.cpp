@@ -130,7 +130,9 @@ TEST_F(OVApplicationServicesTest, AnAlertHasItsTwoTextsOneButtonAndTheWholeAppli
     EXPECT_EQ(alert.text(), "Title");
     EXPECT_EQ(alert.informativeText(), "Message");
     ASSERT_THAT(alert.buttons(), SizeIs(1));
-    EXPECT_EQ(alert.buttons().front()->text().remove('&'), "OK");
+    EXPECT_EQ(alert.buttons().front()->text(), "&OK");
+    EXPECT_TRUE(alert.buttons().front()->icon().isNull());
+    EXPECT_TRUE(alert.findChild<QLabel*>("qt_msgbox_label")->font().bold());
     EXPECT_EQ(alert.windowModality(), Qt::ApplicationModal);
   });
   services_->showModalAlert("Title", "Message");
@@ -150,6 +152,15 @@ TEST_F(OVApplicationServicesTest, NamesOfFilesAreNoMarkup) {
     EXPECT_EQ(labels, 2);
   });
   services_->showModalAlert("<b>a</b>.wav", "“<img src=x>&amp;” is empty.");
+  EXPECT_THAT(person.seen(), SizeIs(1));
+}
+
+TEST_F(OVApplicationServicesTest, WhatDisturbsALineIsNotShown) {
+  Person person([](const QMessageBox& alert) {
+    EXPECT_EQ(alert.text(), "a b.wav");
+    EXPECT_EQ(alert.informativeText(), "The file /tmp/ orvo is not there.\n\nLook again.");
+  });
+  services_->showModalAlert("a\tb.wav", "The file /tmp/\u202Eorvo is not there.\n\nLook again.");
   EXPECT_THAT(person.seen(), SizeIs(1));
 }
 

@@ -12,6 +12,12 @@ TEST(OVDiagnosticsWindowTest, ShowsLinesAsTheyStandTheNewestLast) {
   EXPECT_EQ(window.console()->toPlainText(), "one\n<b>two</b> “%1”");
 }
 
+TEST(OVDiagnosticsWindowTest, SaysThatThereIsNothingWhileItIsEmpty) {
+  OVDiagnosticsWindow window;
+  EXPECT_EQ(window.console()->placeholderText(), "Nothing has been reported.");
+  EXPECT_EQ(window.console()->toPlainText(), "") << "it is no line";
+}
+
 TEST(OVDiagnosticsWindowTest, CanBeReadAndCopiedButNotChanged) {
   OVDiagnosticsWindow window;
   window.console()->appendPlainText("one");

@@ -86,16 +86,16 @@ TEST_F(OVMainMenuTest, MenusStandInTheUsualOrder) {
 }
 
 TEST_F(OVMainMenuTest, ItemsStandInGroups) {
-  EXPECT_THAT(itemsOf("&File"), ElementsAre("New Recorder", "Open…", "Open Recent", "Import…", "-",
-                                            "Save", "Save As…", "-", "Export Ringtone…",
-                                            "Export Waveform Picture…", "-", "Close", "Quit"));
-  EXPECT_THAT(itemsOf("&Edit"), ElementsAre("Undo", "Redo", "-", "Remove After Marker",
-                                            "Remove Before Marker", "Reverse Audio"));
-  EXPECT_THAT(itemsOf("&Transport"),
-              ElementsAre("Record\tR", "Play\tSpace", "Stop", "-", "To Start\tReturn", "To End"));
-  EXPECT_THAT(itemsOf("&View"), ElementsAre("Spectrum"));
-  EXPECT_THAT(itemsOf("&Help"), ElementsAre("Documentation", "-", "Recovered Recordings…",
-                                            "Diagnostics", "About Orvo"));
+  EXPECT_THAT(itemsOf("&File"), ElementsAre("&New Recorder", "&Open…", "Open &Recent", "&Import…",
+                                            "-", "&Save", "Save &As…", "-", "Export Rin&gtone…",
+                                            "Export &Waveform Picture…", "-", "&Close", "&Quit"));
+  EXPECT_THAT(itemsOf("&Edit"), ElementsAre("&Undo", "&Redo", "-", "Remove &After Marker",
+                                            "Remove &Before Marker", "Re&verse Audio"));
+  EXPECT_THAT(itemsOf("&Transport"), ElementsAre("&Record\tR", "&Play\tSpace", "&Stop", "-",
+                                                 "&To Start\tReturn", "To &End"));
+  EXPECT_THAT(itemsOf("&View"), ElementsAre("&Spectrum"));
+  EXPECT_THAT(itemsOf("&Help"), ElementsAre("&Documentation", "-", "&Recovered Recordings…",
+                                            "D&iagnostics", "&About Orvo"));
 }
 
 TEST_F(OVMainMenuTest, ItemsHaveTheUsualKeys) {

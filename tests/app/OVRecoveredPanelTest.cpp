@@ -85,7 +85,7 @@ TEST_F(OVRecoveredPanelTest, TheQuestionSaysWhatHappenedAndWhatWasKept) {
       QLocale().toString(fileOf("/a.caf").start, QLocale::ShortFormat).toStdString();
   EXPECT_THAT(textsOfRow(0), ElementsAre(start, "12 min 31 s", "Complete"));
   EXPECT_THAT(textsOfRow(1), ElementsAre(start, "8 s", "Damaged"));
-  EXPECT_EQ(button("recoveredLater")->text(), "Later");
+  EXPECT_EQ(button("recoveredLater")->text(), "&Later");
 }
 
 TEST_F(OVRecoveredPanelTest, TheListSaysThatThereIsNothing) {
@@ -94,7 +94,7 @@ TEST_F(OVRecoveredPanelTest, TheListSaysThatThereIsNothing) {
   EXPECT_FALSE(list()->isVisible());
   EXPECT_FALSE(button("openRecovered")->isEnabled());
   EXPECT_FALSE(button("deleteRecovered")->isEnabled());
-  EXPECT_EQ(button("recoveredLater")->text(), "Close");
+  EXPECT_EQ(button("recoveredLater")->text(), "&Close");
   EXPECT_TRUE(button("recoveredLater")->isDefault());
 }
 
@@ -148,6 +148,13 @@ TEST_F(OVRecoveredPanelTest, AFileThatIsBeingWrittenSaysSoAndCannotBeChosen) {
   EXPECT_EQ(textsOfRow(0)[2], "Still being written");
   EXPECT_FALSE(list()->topLevelItem(0)->data(0, Qt::CheckStateRole).isValid());
   EXPECT_THAT(panel_->chosen(), IsEmpty());
+}
+
+TEST_F(OVRecoveredPanelTest, AFileThatWaitsForRoomSaysSoAndCannotBeChosen) {
+  show(Occasion::unexpectedEnd, {fileOf("/a.caf.part", State::waitingForRoom)});
+  EXPECT_EQ(textsOfRow(0)[2], "Waiting for room on the disk");
+  EXPECT_THAT(panel_->chosen(), IsEmpty());
+  EXPECT_TRUE(button("recoveredLater")->isDefault());
 }
 
 TEST_F(OVRecoveredPanelTest, CheckMarksStayWhenAFileIsAdded) {

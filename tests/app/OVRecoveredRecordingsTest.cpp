@@ -206,14 +206,29 @@ TEST_F(OVRecoveredRecordingsTest, TheCommandShowsAnEmptyListAndItsPanelIsOne) {
 }
 
 TEST_F(OVRecoveredRecordingsTest, AFolderThatMayNotBeUsedIsSaidOnTheConsoleOnce) {
-  add(kFirst);
-  ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+  std::filesystem::remove_all(folder_.path());
+  std::filesystem::create_directory_symlink(data_.makeFolder("elsewhere"), folder_.path());
   begin();
   EXPECT_EQ(panel(), nullptr);
   recordings_->show();
   ASSERT_TRUE(awaitPanel());
   EXPECT_EQ(rows(), 0);
   EXPECT_EQ(services_->consoleLinesWith(folder_.path()), 1U);
+}
+
+TEST_F(OVRecoveredRecordingsTest, ARecordingThatWaitsForRoomIsToldOnceAndOfferedWhenItIsThere) {
+  const std::string part = folder_.put(kFirst + ".part", "");
+  std::filesystem::resize_file(part, 80'000);
+  {
+    const FileLock writer(part);
+    begin();
+    ASSERT_NE(panel(), nullptr);
+    EXPECT_EQ(panel()->occasion(), Occasion::unexpectedEnd);
+    EXPECT_THAT(panel()->chosen(), IsEmpty());
+    std::filesystem::remove(part);
+    add(kFirst);
+    EXPECT_TRUE(runMainLoopUntil([&] { return panel()->chosen().size() == 1; }));
+  }
 }
 
 // Delete ----------------------------------------------------------------------------------------

@@ -4,8 +4,10 @@
 #include <QFileOpenEvent>
 #include <QMenu>
 #include <QMimeData>
+#include <QTranslator>
 #include <QUrl>
 #include <filesystem>
+#include <fstream>
 
 #include "app/AppFixture.h"
 #include "app/OVApplicationEvents.h"
@@ -59,6 +61,11 @@ class OpenAndQuitTest : public AppFixture {
     documentOf(window)->buffer()->writeData(samples.data(), 0, 8000);
     window->setDocumentEdited(true);
     return window;
+  }
+
+  static void settleQueues() {
+    EXPECT_TRUE(awaitGlobalQueue());
+    EXPECT_TRUE(drainMainQueue());
   }
 
   bool awaitQuit() {
@@ -192,6 +199,132 @@ TEST_F(OpenAndQuitTest, OpenRecentListsTheLatestFilesAndOpensThem) {
   awaitAllIdle();
 }
 
+TEST_F(OpenAndQuitTest, OpenRecentShowsANameInOneLine) {
+  OVRecorderWindow* const window = spawn();
+  recent_.noteNewRecentDocument("/music/a\nb\tc\u202Efdp.wav");
+  auto* const recent = window->findChild<QMenu*>("Open Recent");
+  EXPECT_TRUE(runMainLoopUntil([&] {
+    Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
+    return recent->actions().size() == 1;
+  }));
+  EXPECT_EQ(recent->actions().at(0)->text(), "a b c fdp.wav");
+  EXPECT_EQ(recent->actions().at(0)->toolTip(), "/music/a b c fdp.wav");
+}
+
+TEST_F(OpenAndQuitTest, ASavedTakeIsListedAndInTheMenuAtOnce) {
+  OVRecorderWindow* const window = spawnEdited();
+  documentOf(window)->saveFileNamed(at("take.wav"), 0);
+  awaitAllIdle();
+  EXPECT_TRUE(runMainLoopUntil([&] { return !recent_.recentDocuments(9).empty(); }));
+  EXPECT_THAT(recent_.recentDocuments(9), ElementsAre(at("take.wav")));
+  settleQueues();
+  auto* const recent = window->findChild<QMenu*>("Open Recent");
+  Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
+  ASSERT_EQ(recent->actions().size(), 1) << "at the menu's first showing";
+  EXPECT_EQ(recent->actions().at(0)->text(), "take.wav");
+}
+
+TEST_F(OpenAndQuitTest, WhatCouldNotBeSavedAndWhatWasExportedIsNotListed) {
+  OVRecorderWindow* const window = spawnEdited();
+  documentOf(window)->saveFileNamed("/nowhere/take.wav", 0);
+  awaitAllIdle();
+  documentOf(window)->exportRingtone(nullptr);
+  panels_->answerSave(at("ring.m4r"));
+  awaitAllIdle();
+  settleQueues();
+  EXPECT_THAT(recent_.recentDocuments(9), IsEmpty());
+}
+
+// Files that cannot be opened -------------------------------------------------------------------
+
+TEST_F(OpenAndQuitTest, OfFourFilesThatCannotBeOpenedOneEmptyWindowIsLeft) {
+  std::vector<std::string> paths;
+  for (const char* const name : {"one.wav", "two.mp3", "three.aiff", "four.m4a"}) {
+    std::ofstream(at(name)) << "no sound";
+    paths.push_back(at(name));
+  }
+  delegate_.applicationWillFinishLaunching();
+  delegate_.applicationOpenFiles(paths);
+  delegate_.applicationDidFinishLaunching();
+  EXPECT_EQ(windows().size(), 4U);
+  EXPECT_TRUE(runMainLoopUntil([] { return windows().size() == 1; }));
+  awaitAllIdle();
+  EXPECT_EQ(services_->alerts().size(), 4U);
+  EXPECT_THAT(titles(), ElementsAre("Orvo - Unnamed"));
+  OVRecorderWindow* const left = windows().at(0);
+  EXPECT_TRUE(left->isVisible());
+  EXPECT_TRUE(documentOf(left)->currentFilename().empty());
+  EXPECT_EQ(documentOf(left)->currentFiletype(), -1);
+  EXPECT_FALSE(left->isDocumentEdited());
+}
+
+TEST_F(OpenAndQuitTest, TheWindowOfAFileThatCannotBeOpenedStaysUntilTheAlertIsAnswered) {
+  OVRecorderWindow* const empty = spawn();
+  std::ofstream(at("bad.wav")) << "no sound";
+  std::size_t whileAsked = 0;
+  services_->answerAlertsWith([&whileAsked](const support::RecordedAlert&) {
+    platform::mainQueue().sync([&whileAsked] { whileAsked = windows().size(); });
+  });
+  delegate_.applicationOpenFile(at("bad.wav"));
+  EXPECT_TRUE(runMainLoopUntil([&] { return windows().size() == 1 && whileAsked > 0; }));
+  EXPECT_EQ(whileAsked, 2U);
+  EXPECT_EQ(windows().at(0), empty);
+}
+
+TEST_F(OpenAndQuitTest, AWindowThatStayedEmptyIsNotClosedByAFailedImportLater) {
+  std::ofstream(at("bad.wav")) << "no sound";
+  delegate_.applicationOpenFile(at("bad.wav"));
+  awaitAllIdle();
+  settleQueues();
+  OVRecorderWindow* const left = windows().at(0);
+  spawn();
+  documentOf(left)->importFile(nullptr);
+  panels_->answerOpen({at("bad.wav")});
+  awaitAllIdle();
+  settleQueues();
+  EXPECT_EQ(services_->alerts().size(), 2U);
+  EXPECT_TRUE(left->isVisible());
+  EXPECT_EQ(windows().size(), 2U);
+}
+
+TEST_F(OpenAndQuitTest, ADamagedFileOfWhichSomethingWasReadKeepsItsWindow) {
+  spawn();
+  const std::string path = writeFile("cut.wav", 100'000);
+  std::filesystem::resize_file(path, 100'000);
+  delegate_.applicationOpenFile(path);
+  awaitAllIdle();
+  settleQueues();
+  EXPECT_EQ(services_->alerts().size(), 1U);
+  EXPECT_THAT(titles(), UnorderedElementsAre("Orvo - Unnamed", "Orvo - cut.wav"));
+}
+
+TEST_F(OpenAndQuitTest, WithoutStorageFilesLeaveOneWindowAndTheAlertThatSaysWhy) {
+  support::FailingTemporaryFiles files;
+  files.failCreation(ENOENT);
+  const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
+  delegate_.applicationOpenFiles(
+      {writeFile("one.wav"), writeFile("two.wav"), writeFile("three.wav")});
+  EXPECT_TRUE(runMainLoopUntil([] { return windows().size() == 1; }));
+  settleQueues();
+  EXPECT_THAT(titles(), ElementsAre("Orvo - Unnamed"));
+  EXPECT_TRUE(windows().at(0)->isVisible());
+  EXPECT_EQ(services_->postedAlerts().size(), 1U);
+  EXPECT_THAT(services_->postedAlerts().at(0).message, HasSubstr("There is no such folder."));
+}
+
+TEST_F(OpenAndQuitTest, AFileThatWasNotOpenedForLackOfStorageIsNotListed) {
+  support::FailingTemporaryFiles files;
+  files.failCreation(ENOENT);
+  {
+    const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
+    delegate_.applicationOpenFile(writeFile("one.wav"));
+  }
+  delegate_.applicationOpenFile(writeFile("two.wav"));
+  awaitAllIdle();
+  EXPECT_TRUE(runMainLoopUntil([&] { return !recent_.recentDocuments(9).empty(); }));
+  EXPECT_THAT(recent_.recentDocuments(9), ElementsAre(at("two.wav")));
+}
+
 TEST_F(OpenAndQuitTest, OpenRecentIsDisabledWithNothingToShow) {
   OVRecorderWindow* const window = spawn();
   auto* const recent = window->findChild<QMenu*>("Open Recent");
@@ -250,14 +383,45 @@ TEST_F(OpenAndQuitTest, AFileCanBeOpenedFromAWindowWithoutStorage) {
   EXPECT_TRUE(item(window, "Open…")->isEnabled());
 }
 
-TEST_F(OpenAndQuitTest, DocumentationAndWebsiteOpenInTheBrowser) {
+TEST_F(OpenAndQuitTest, DocumentationOpensTheHelpPageFromTheDisk) {
   item(spawn(), "Documentation")->trigger();
+  ASSERT_EQ(desktop_.opened.size(), 1U);
+  const QUrl page(QString::fromStdString(desktop_.opened[0]));
+  EXPECT_TRUE(page.isLocalFile());
+  EXPECT_TRUE(std::filesystem::is_regular_file(page.toLocalFile().toStdString()))
+      << desktop_.opened[0];
+  EXPECT_THAT(desktop_.opened[0], testing::EndsWith("/help/en/index.html"));
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+TEST_F(OpenAndQuitTest, APageThatNoProgramOpensIsTold) {
   delegate_.openWebsite(nullptr);
-  EXPECT_EQ(desktop_.opened.size(), 2U);
   EXPECT_THAT(services_->alerts(), IsEmpty());
   desktop_.knowsPrograms = false;
   delegate_.openWebsite(nullptr);
-  EXPECT_EQ(services_->alerts().size(), 1U);
+  delegate_.openDocumentation(nullptr);
+  EXPECT_EQ(services_->alerts().size(), 2U);
+}
+
+/// A language whose help page has a name that no line should show.
+class OddHelpPage : public QTranslator {
+ public:
+  [[nodiscard]] QString translate(const char* context, const char* text, const char* disambiguation,
+                                  int n) const override {
+    return text == std::string_view("en/index.html")
+               ? QStringLiteral("x\ny\u202E.html")
+               : QTranslator::translate(context, text, disambiguation, n);
+  }
+  [[nodiscard]] bool isEmpty() const override { return false; }
+};
+
+TEST_F(OpenAndQuitTest, ThePathOfAMissingPageStandsInOneLine) {
+  OddHelpPage odd;
+  ASSERT_TRUE(QCoreApplication::installTranslator(&odd));
+  delegate_.openDocumentation(nullptr);
+  ASSERT_EQ(services_->alerts().size(), 1U);
+  EXPECT_THAT(services_->alerts()[0].message,
+              HasSubstr("/x y .html is missing. Install Orvo again."));
 }
 
 // Quit ------------------------------------------------------------------------------------------

@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 
 #include "platform/media/AudioFileStatus.h"
+#include "support/ClosedFolder.h"
+#include "support/TemporaryFolder.h"
 
 namespace {
 
@@ -50,6 +52,23 @@ TEST(AudioFileFailureTest, WhatCanBeMetWhileOpeningHasASentenceOfItsOwn) {
     sentences.insert(openingFailureReason(statuses()[i], "a"));
   }
   EXPECT_EQ(sentences.size(), 8U);
+}
+
+TEST(AudioFileFailureTest, AFolderThatIsClosedIsNamedAndNoOther) {
+  const support::TemporaryFolder folder;
+  const std::string path = folder.file("song.wav");
+  EXPECT_THAT(writingFailureReason(platform::kFilePermissionStatus, path),
+              HasSubstr("You are not allowed to write “song.wav”."))
+      << "the file alone may be read-only";
+  const support::ClosedFolder closed(folder.path());
+  ASSERT_TRUE(closed.isClosed());
+  EXPECT_EQ(
+      writingFailureReason(platform::kFilePermissionStatus, path),
+      "You may not write in the folder " + shownFileName(folder.path()) + ". Choose another.");
+  EXPECT_THAT(writingFailureReason(platform::kDiskFullStatus, path), HasSubstr("“song.wav”"));
+  EXPECT_THAT(writingFailureReason(platform::kFilePermissionStatus, "song.wav"),
+              HasSubstr("“song.wav”"))
+      << "a mere name";
 }
 
 TEST(AudioFileFailureTest, TheShownNameIsTheLastComponent) {

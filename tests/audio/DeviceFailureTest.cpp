@@ -39,6 +39,15 @@ TEST(DeviceFailureTest, ALossIsADeviceThatWasThere) {
   EXPECT_FALSE(isDeviceLoss(kAudioStatusOk));
 }
 
+TEST(DeviceFailureTest, OnlyAStallThatInterruptsNothingIsNotToldAtOnce) {
+  for (const auto interrupted : {OVInterrupted::playback, OVInterrupted::recording}) {
+    EXPECT_TRUE(isLossTold(interrupted, kDeviceLostStatus));
+    EXPECT_TRUE(isLossTold(interrupted, kDeviceStalledStatus));
+  }
+  EXPECT_TRUE(isLossTold(OVInterrupted::nothing, kDeviceLostStatus));
+  EXPECT_FALSE(isLossTold(OVInterrupted::nothing, kDeviceStalledStatus));
+}
+
 TEST(DeviceFailureTest, EachDirectionHasASentenceForADeviceThatCannotBeOpened) {
   for (const auto status : {kDeviceUnavailableStatus, kDeviceLostStatus, kDeviceStalledStatus}) {
     EXPECT_THAT(inputFailureReason(status), HasSubstr("No sound input could be opened."));

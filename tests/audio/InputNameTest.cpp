@@ -26,6 +26,10 @@ TEST(InputNameTest, CharactersThatTurnTheDirectionOfTheSentenceAreLeftOut) {
   EXPECT_EQ(shown("USB\u202eciM\u200f"), "USB ciM");
 }
 
+TEST(InputNameTest, OneFromRightToLeftIsIsolatedFromTheSentence) {
+  EXPECT_EQ(shown("מיקרופון 1"), "\u2068מיקרופון 1\u2069");
+}
+
 TEST(InputNameTest, MarkupStaysText) {
   EXPECT_EQ(shown("<b>Mic</b> & Co %1"), "<b>Mic</b> & Co %1");
 }

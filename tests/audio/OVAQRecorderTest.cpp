@@ -26,6 +26,7 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::Optional;
 using testing::SizeIs;
 using testing::StartsWith;
@@ -490,6 +491,37 @@ TEST_F(OVAQRecorderTest, TheMeterOfALostInputIsNotAskedAndNotReportedAgain) {
   EXPECT_EQ(recorder_->powerLevels(), std::nullopt);
   EXPECT_EQ(queues_->count("currentLevels/2"), 0U);
   EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+TEST_F(OVAQRecorderTest, AnIdleInputThatStalledIsToldOfWhenRecordIsPressedAndOnce) {
+  make();
+  queues_.input().failLate(platform::kDeviceStalledStatus);
+  recorder_->prepareForDestruction();
+  recorder_ = nullptr;
+  queues_->fail("newInput", platform::kDeviceStalledStatus);
+  EXPECT_EQ(OVAQRecorder::initWithBuffer(buffer_, OVAQRecorder::DeviceAlerts::heldBack), nullptr);
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  for (int i = 0; i < 3; ++i) {
+    queues_->fail("newInput", platform::kDeviceStalledStatus);
+    make();
+    EXPECT_EQ(recorder_, nullptr);
+  }
+  ASSERT_THAT(services_->alerts(), SizeIs(1));
+  EXPECT_THAT(services_->alerts()[0].message, HasSubstr("No sound input could be opened."));
+  EXPECT_THAT(services_->alerts()[0].message, Not(HasSubstr("ended")));
+}
+
+TEST_F(OVAQRecorderTest, AStallOfARecordingIsToldOnceAndTheNextRecorderDoesNotAlertAgain) {
+  make();
+  recorder_->record();
+  queues_.input().failLate(platform::kDeviceStalledStatus);
+  recorder_->prepareForDestruction();
+  queues_->fail("newInput", platform::kDeviceStalledStatus);
+  make();
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+  ASSERT_TRUE(awaitLossAlert());
+  EXPECT_THAT(services_->postedAlerts()[0].message, HasSubstr("Nothing more came"));
+  EXPECT_THAT(services_->postedAlerts(), SizeIs(1));
 }
 
 TEST_F(OVAQRecorderTest, AfterALostInputTheNextRecorderDoesNotAlertAgain) {

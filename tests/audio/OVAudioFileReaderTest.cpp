@@ -419,19 +419,6 @@ TEST_F(OVAudioFileReaderCancelTest, DuringAReadGivesNothingMoreAndSaysNothing) {
   EXPECT_THAT(services_->alerts(), IsEmpty());
 }
 
-TEST_F(OVAudioFileReaderCancelTest, WhileTheLengthIsCountedEndsTheCount) {
-  support::TemporaryFolder folder;
-  const std::string path = folder.file("a.mp3");
-  ASSERT_EQ(support::ffmpeg({"-f", "lavfi", "-i", "sine=d=20", "-c:a", "libmp3lame", path}), "");
-  storage_.setBytes(support::fileBytes(path));
-  const auto reader = OVAudioFileReader::initWithFile("a.mp3", cancelled_);
-  ASSERT_NE(reader, nullptr);
-  cancelled_->store(true);
-  static_cast<void>(reader->fileSizeInFrames());
-  EXPECT_EQ(reader->readFrameChunkWithSize(1000), 0U);
-  EXPECT_THAT(services_->alerts(), IsEmpty());
-}
-
 TEST_F(OVAudioFileReaderCancelTest, AHeaderWithoutEndOpensWithinItsDeadline) {
   const std::string sound(8000, 'x');
   storage_.setBytes(support::wavBytes(44100, 2, 16, sound), 1ULL << 50);

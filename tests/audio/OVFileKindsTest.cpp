@@ -70,7 +70,7 @@ TEST(OVFileKindsTest, MimeTypesFollowTheSuffix) {
                                                                {"a.mp3", "audio/mpeg"},
                                                                {"a.mp4", "video/mp4"},
                                                                {"a.m4a", "audio/mp4"},
-                                                               {"a.m4r", "audio/mp4"},
+                                                               {"a.m4r", "audio/x-m4r"},
                                                                {"a.aac", "audio/aac"},
                                                                {"/b/a.AAC", "audio/aac"},
                                                                {"a.flac", ""},

@@ -6,6 +6,7 @@
 #include <QGridLayout>
 #include <QtTest>
 
+#include "platform/views/ViewDrawing.h"
 #include "support/MainLoop.h"
 #include "support/PaintCounter.h"
 #include "support/Pixels.h"
@@ -74,8 +75,7 @@ TEST_F(OVNoticeViewTest, ATextFadesInOnAPanelAsWideAsItsWords) {
   const QRect panel = view_->panel();
   EXPECT_EQ(panel.left(), 0);
   EXPECT_EQ(panel.height(), OVNoticeView::kHeight);
-  QFont font("Arial");
-  font.setPixelSize(11);
+  const QFont font = platform::viewFont(11);
   EXPECT_EQ(panel.width(), QFontMetrics(font).horizontalAdvance("No microphone") + 20);
 }
 
@@ -181,8 +181,7 @@ TEST_F(OVNoticeViewTest, ALongTextIsElidedAndReadOutWhole) {
 TEST_F(OVNoticeViewTest, MarkupIsShownAsItIs) {
   view_->setText("Recording from <b>Mic</b> & Co");
   endFade();
-  QFont font("Arial");
-  font.setPixelSize(11);
+  const QFont font = platform::viewFont(11);
   EXPECT_EQ(view_->panel().width(),
             QFontMetrics(font).horizontalAdvance("Recording from <b>Mic</b> & Co") + 20);
 }

@@ -77,12 +77,14 @@ TEST_F(RecorderWindowInterfaceTest, NoticesAreAtTheWaveformsLowerEdgeAndTheLampB
   EXPECT_EQ(notice.left(), 10);
   EXPECT_GT(notice.width(), 400);
   EXPECT_EQ(frameIn(ui_.displayWell, ui_.clippingLamp), QRect(65, 3, 13, 30));
-  for (const QWidget* view :
-       std::initializer_list<QWidget*>{ui_.noticeView, ui_.recordingTickView, ui_.clippingLamp}) {
+  for (const QWidget* view : std::initializer_list<QWidget*>{ui_.noticeView, ui_.recordingTickView,
+                                                             ui_.lossMarksView, ui_.clippingLamp}) {
     EXPECT_FALSE(view->isVisible()) << view->objectName().toStdString();
   }
   ui_.recordingTickView->show();
   EXPECT_EQ(ui_.recordingTickView->geometry(), ui_.wfView->rect());
+  ui_.lossMarksView->show();
+  EXPECT_EQ(ui_.lossMarksView->geometry(), ui_.wfView->rect());
 }
 
 TEST_F(RecorderWindowInterfaceTest, ALongNoticeAsksForNoWiderWindow) {

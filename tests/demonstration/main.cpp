@@ -150,8 +150,8 @@ class Demonstration {
     for (int i = 0; i < kind; ++i) {
       typed = typed && screen_->pressKey("Down");
     }
-    typed =
-        typed && screen_->pressKey("alt+n") && screen_->pressKey("ctrl+a") && screen_->type(name);
+    typed = typed && screen_->pressKey("alt+n") && screen_->pressKey("ctrl+a") &&
+            screen_->type(folder_ + "/" + name);
     need(typed, "no name can be typed");
     picture(shown, "save-panel-" + suffix, "the save panel", true);
     need(screen_->pressKey("Return") &&

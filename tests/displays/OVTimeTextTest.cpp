@@ -1,13 +1,19 @@
 #include "displays/OVTimeText.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 #include <string>
+#include <system_error>
 
 #include <gtest/gtest.h>
+#include <QFontInfo>
 #include <QFontMetricsF>
 
 #include "support/Pixels.h"
+#include "support/TemporaryFolder.h"
+#include "support/programs/ChildProcess.h"
 
 namespace {
 
@@ -72,6 +78,36 @@ TEST(OVTimeTextTest, IsSetInArialAtSize10InTranslucentWhite) {
   EXPECT_EQ(text.font().pixelSize(), 10);
   EXPECT_EQ(text.color().rgb(), QColor(Qt::white).rgb());
   EXPECT_NEAR(text.color().alphaF(), 0.6, 0.001);
+}
+
+TEST(OVTimeTextTest, IsSansSerifAndFitsWhereNeitherArialNorItsTwinIsThere) {
+  const support::TemporaryFolder folder;
+  const std::string fonts = folder.makeFolder("fonts");
+  const char* const kDejaVu = "/usr/share/fonts/truetype/dejavu";
+  for (const char* const name : {"DejaVuSans.ttf", "DejaVuSerif.ttf", "DejaVuSansMono.ttf"}) {
+    std::error_code error;
+    std::filesystem::copy_file(std::string(kDejaVu) + "/" + name, fonts + "/" + name, error);
+    if (error) {
+      GTEST_SKIP() << name << " is not installed";
+    }
+  }
+  std::ofstream(folder.file("fonts.conf"))
+      << "<?xml version=\"1.0\"?><fontconfig><dir>" << fonts << "</dir><cachedir>"
+      << folder.file("cache") << "</cachedir></fontconfig>";
+  const auto found = support::runToEnd(
+      {std::filesystem::read_symlink("/proc/self/exe").string(),
+       "--gtest_filter=OVTimeTextChildTest.*", "--gtest_also_run_disabled_tests"},
+      support::with(support::cleanEnvironment(), {{"FONTCONFIG_FILE", folder.file("fonts.conf")},
+                                                  {"QT_QPA_PLATFORM", "offscreen"}}));
+  EXPECT_TRUE(found.status.succeeded()) << found.output << found.error;
+}
+
+// Run by the test above, with other fonts.
+TEST(OVTimeTextChildTest, DISABLED_IsSansSerifAndFits) {
+  const QFont font = OVTimeText().font();
+  EXPECT_EQ(QFontInfo(font).family().toStdString(), "DejaVu Sans");
+  EXPECT_LT(QFontMetricsF(font).horizontalAdvance(OVTimeText::formatTimes(359999.0, 359999.0)),
+            149.0);
 }
 
 TEST(OVTimeTextTest, KeepsItsWidthWhileTheTimeRuns) {

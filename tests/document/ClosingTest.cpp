@@ -28,6 +28,14 @@ TEST_F(ClosingTest, AChangedDocumentAsksOnceAndStaysWhileItAsks) {
   EXPECT_EQ(panels_->sheet().buttons[2].returnCode, -1);
 }
 
+TEST_F(ClosingTest, TheQuestionHoldsTheNameInOneLineAndInItsDirection) {
+  openWindow();
+  document_->setCurrentFilename("/tmp/a\nb\u202E?ev.wav");
+  document_->setDocumentEdited(true);
+  document_->window()->performClose();
+  EXPECT_EQ(panels_->sheet().title, "Do you want to save the changes made to “a b ?ev.wav”?");
+}
+
 TEST_F(ClosingTest, CancelKeepsTheWindowAndEndsAQuit) {
   openWindow();
   document_->setDocumentEdited(true);

@@ -218,7 +218,7 @@ class EveryStateTest : public testing::TestWithParam<std::tuple<State, Command>>
   QPointer<OVRecorderWindow> window_;
 
  private:
-  static constexpr const char* kPlainMessage = "Your changes will be lost if you don't save them.";
+  static constexpr const char* kPlainMessage = "Your changes will be lost if you don’t save them.";
 
   static std::uint16_t keyCode() {
     switch (command()) {

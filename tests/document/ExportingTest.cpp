@@ -90,12 +90,11 @@ TEST_F(ExportingTest, TheWaveformPictureShowsNoneOfTheViewsOverIt) {
   auto* const view = document_->window()->findChild<OVWaveFormView*>("wfView");
   ASSERT_TRUE(view->findChild<QWidget*>("recordingTickView")->isVisibleTo(view));
   ASSERT_TRUE(view->image().isNull()) << "never painted";
-  const QSize size = view->size() * view->devicePixelRatioF();
   document_->dumpWaveform(nullptr);
   panels_->answerSave(at("picture.png"));
   settle();
   const QImage picture(QString::fromStdString(at("picture.png")));
-  ASSERT_EQ(picture.size(), size);
+  ASSERT_EQ(picture.size(), view->size() * view->devicePixelRatioF());
   for (int y = 0; y < 10; ++y) {
     for (int x = 0; x < picture.width(); ++x) {
       ASSERT_LT(picture.pixelColor(x, y).red(), 100) << x << ", " << y;

@@ -233,7 +233,7 @@ TEST_F(LoadingTest, TheImportPanelTakesOneFileOfTheReadableKinds) {
   document_->importFile(nullptr);
   ASSERT_EQ(panels_->openPanels(), 1U);
   EXPECT_EQ(panels_->openPanel().title, "Import");
-  EXPECT_EQ(panels_->openPanel().acceptLabel, "Import");
+  EXPECT_EQ(panels_->openPanel().acceptLabel, "&Import");
   EXPECT_FALSE(panels_->openPanel().allowsMultipleSelection);
   EXPECT_THAT(panels_->openPanel().fileTypes,
               ElementsAre("caf", "aif", "aiff", "wav", "mp3", "mp4", "m4a", "m4r", "aac"));

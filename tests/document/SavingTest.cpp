@@ -46,7 +46,8 @@ TEST_F(SavingTest, ANewDocumentAsksWhereToSave) {
   fill(ramp(100));
   document_->saveFile(nullptr);
   ASSERT_EQ(panels_->savePanels(), 1U);
-  EXPECT_EQ(panels_->savePanel().suggestedName, "Unnamed");
+  EXPECT_THAT(panels_->savePanel().suggestedName, testing::StartsWith("Recording 2"));
+  EXPECT_THAT(panels_->savePanel().fileTypes, testing::Contains("wav"));
   EXPECT_THAT(panels_->savePanel().acceptedSuffixes(), ElementsAre("wav"));
   chooseType(1);
   EXPECT_THAT(panels_->savePanel().acceptedSuffixes(), ElementsAre("aiff", "aif"));
@@ -468,7 +469,7 @@ TEST_F(SavingMediaTest, AFolderThatMayNotBeWrittenIsTold) {
   becomeOrdinaryUser();
   document_->saveFile(nullptr);
   awaitIdle();
-  expectTold("You do not have the permission for it.");
+  expectTold("You may not write in the folder “");
 }
 
 /// The file is the user's own, in a folder in which the user may make none.

@@ -13,6 +13,7 @@
 #include "gallery/GalleryPages.h"
 #include "platform/views/NamedImage.h"
 #include "support/fakes/FakeWaveformSummary.h"
+#include "waveform/views/OVLossMarksView.h"
 #include "waveform/views/OVPlaybackMarkerView.h"
 #include "waveform/views/OVRecordingTickView.h"
 #include "waveform/views/OVWaveFormView.h"
@@ -67,6 +68,17 @@ void addTick(OVWaveFormView* view, double position) {
   tick->setPosition(position);
 }
 
+void addLosses(OVWaveFormView* view) {
+  auto* const losses = new OVLossMarksView(view);
+  losses->setGeometry(view->rect());
+  losses->setMarks({{.atFrame = 0, .frames = 5, .text = {}},
+                    {.atFrame = 400, .frames = 90, .text = {}},
+                    {.atFrame = 700, .frames = 0, .text = {}},
+                    {.atFrame = 1000, .frames = 0, .text = {}}},
+                   {});
+  losses->setLengthInFrames(1000);
+}
+
 OVNoticeView* addNotice(GalleryPage& page, const char* label, const char* text) {
   auto* const view = addWaveform(page, label, speech(1024), {320, 64});
   addMarker(view, 0.2, 0.6);
@@ -97,7 +109,10 @@ std::unique_ptr<GalleryPage> noticePage() {
   addNotice(*page, "a monitor", "No microphone: recording what this computer plays");
   addNotice(*page, "silence", "Nothing is coming in");
   addNotice(*page, "lost frames", "0.3 s were lost at 12:31");
-  addNotice(*page, "disk", "The disk is full in 5 minutes");
+  addNotice(*page, "lost frames in all", "Lost in this recording: 2.0 s, first at 12:31");
+  addNotice(*page, "disk", "Space for less than 5 minutes of recording is left in “/var/tmp”.");
+  addNotice(*page, "disk, last minute",
+            "Space for less than a minute of recording is left in “/var/tmp”.");
   addNotice(*page, "paused", "Recording has been paused.");
   addNotice(*page, "too long",
             "Recording from a microphone with a name that no line of this width could ever hold");
@@ -109,6 +124,12 @@ std::unique_ptr<GalleryPage> noticePage() {
   }
   addTick(addWaveform(*page, "tick over full scale", std::vector<float>(320, 1.2F), {320, 64}),
           0.6);
+  page->newRow();
+  addLosses(addWaveform(*page, "losses", speech(1024), {320, 64}));
+  auto* const loud =
+      addWaveform(*page, "losses over full scale", std::vector<float>(320, 1.2F), {320, 64});
+  addLosses(loud);
+  addTick(loud, 0.42);
   page->newRow();
   addLamp(*page, "clipped");
   addLamp(*page, "pressed")->setIsHighlighted(true);

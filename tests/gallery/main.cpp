@@ -10,6 +10,7 @@
 #include <QSettings>
 #include <QTemporaryDir>
 
+#include "gallery/GalleryDialogs.h"
 #include "gallery/GalleryPages.h"
 #include "gallery/GalleryPanels.h"
 #include "gallery/GalleryScreen.h"
@@ -46,6 +47,7 @@ bool saveWindows(const QString& folder) {
     };
     forEachGalleryWindow(scale, saveOne);
     forEachGalleryPanel(scale, saveOne);
+    forEachGalleryDialog(scale, saveOne);
   }
   return saved;
 }

@@ -7,9 +7,12 @@
 #include <memory>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include "keeper/FullDisk.h"
 #include "keeper/KeptRecordings.h"
+#include "platform/files/TemporaryFiles.h"
 #include "platform/process/DescriptorChannel.h"
 #include "recovery/KeeperMessage.h"
 #include "support/TemporaryFolder.h"
@@ -24,6 +27,17 @@ class KeeperProgramTest : public testing::Test {
  protected:
   /// Starts the keeper, which keeps `buffer_` from then on.
   void start(const std::vector<std::string>& wrapper, const Environment& environment) {
+    ASSERT_NO_FATAL_FAILURE(startKeeper(wrapper, environment));
+    keep();
+  }
+
+  void keep() {
+    const KeeperMessage message{.document = 1};
+    const std::array descriptors{buffer_->fileDescriptor(), buffer_->journal()->descriptor()};
+    ASSERT_EQ(program_->send(std::as_bytes(std::span(&message, 1)), descriptors), 0);
+  }
+
+  void startKeeper(const std::vector<std::string>& wrapper, const Environment& environment) {
     auto ends = platform::DescriptorChannel::connect();
     ASSERT_TRUE(ends);
     program_ = std::move(ends->first);
@@ -39,9 +53,13 @@ class KeeperProgramTest : public testing::Test {
     keeper_ = ChildProcess::start(arguments, with(cleanEnvironment(), environment), error);
     ::close(inherited);
     ASSERT_NE(keeper_, nullptr) << error;
-    const KeeperMessage message{.document = 1};
-    const std::array descriptors{buffer_->fileDescriptor(), buffer_->journal()->descriptor()};
-    ASSERT_EQ(program_->send(std::as_bytes(std::span(&message, 1)), descriptors), 0);
+  }
+
+  /// Whether the wrapper has become the keeper.
+  [[nodiscard]] bool isKeeper() const {
+    std::ifstream file("/proc/" + std::to_string(keeper_->pid()) + "/comm");
+    std::string name;
+    return std::getline(file, name) && name == "orvo-keeper";
   }
 
   TemporaryFolder folder_;
@@ -83,6 +101,13 @@ TEST_F(KeeperProgramTest, FullDiskIsWaitedFor) {
   EXPECT_EQ(recoveredNames(seen),
             std::vector<std::string>{"Orvo recording 2001-09-09 01.46.40.caf.part"});
   EXPECT_TRUE(keeper_->isRunning());
+  // The whole length, and no room.
+  const std::string part = recoveredPath(seen) + "/" + recoveredNames(seen).front();
+  struct stat status = {};
+  EXPECT_TRUE(eventually([&] {
+    return ::stat(part.c_str(), &status) == 0 && status.st_size > (3 << 20) &&
+           status.st_blocks == 0;
+  }));
   const int folder = ::open(seen.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);  // survives it
   ASSERT_GE(folder, 0);
   ASSERT_EQ(::unlinkat(folder, "filler", 0), 0);
@@ -105,6 +130,98 @@ TEST_F(KeeperProgramTest, EndsByATerminationSignalOnlyWhileItWaits) {
     keeper_->signal(SIGTERM);
     return !keeper_->isRunning();
   }));
+}
+
+/// A full disk that holds the temporary file as well as the recovered folder.
+class KeeperOnItsDiskTest : public KeeperProgramTest {
+ protected:
+  static constexpr std::uint64_t kDisk = 8 << 20;
+
+  void SetUp() override {
+    const std::string data = folder_.makeFolder("data");
+    const LimitedDisk disk = LimitedDisk::ofSize(data, kDisk);
+    ASSERT_NO_FATAL_FAILURE(startKeeper(disk.wrapper(), {{"XDG_DATA_HOME", data}, {"TZ", "UTC"}}));
+    ASSERT_TRUE(eventually([&] { return isKeeper(); }));
+    const std::string seen = disk.seenBy(keeper_->pid());
+    if (seen == data) {
+      GTEST_SKIP() << "nothing can be mounted here";
+    }
+    disk_ = ::open(seen.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);  // survives the keeper
+    ASSERT_GE(disk_, 0);
+    buffer_.reset();
+    const platform::Installed<platform::TemporaryFiles>::Scope installed(
+        std::make_shared<TemporaryFilesIn>(seen));
+    buffer_ = editedBuffer();
+    ASSERT_NE(buffer_, nullptr);
+  }
+  ~KeeperOnItsDiskTest() override { ::close(disk_); }
+
+  void expectRecovered() {
+    const Bytes whole = wholeRecording(*buffer_);
+    ASSERT_NO_FATAL_FAILURE(keep());
+    program_.reset();
+    expectWritten(whole);
+  }
+
+  /// The keeper ends, and has written this.
+  void expectWritten(const Bytes& whole) {
+    ASSERT_EQ(keeper_->waitForExit(), (ExitStatus{0, 0}));
+    const std::string name = "Orvo recording 2001-09-09 01.46.40.caf";
+    const std::string path = "/dev/fd/" + std::to_string(disk_);
+    EXPECT_EQ(recoveredNames(path), std::vector<std::string>{name});
+    EXPECT_TRUE(cafAudio(recoveredPath(path) + "/" + name) == whole);
+  }
+
+  /// Bytes that the only recovered file takes on the disk.
+  [[nodiscard]] std::uint64_t writtenBytes() const {
+    const std::string path = "/dev/fd/" + std::to_string(disk_);
+    const auto names = recoveredNames(path);
+    struct stat status = {};
+    const bool isThere =
+        names.size() == 1 && ::stat((recoveredPath(path) + "/" + names[0]).c_str(), &status) == 0;
+    return isThere ? static_cast<std::uint64_t>(status.st_blocks) * 512 : 0;
+  }
+
+  int disk_ = -1;
+};
+
+TEST_F(KeeperOnItsDiskTest, RecordingThatFillsTheDiskIsMoved) {
+  write(*buffer_, pattern(6 << 20, 1), 0);
+  ASSERT_TRUE(fillBut(32 << 10, disk_));  // the folders and their names
+  expectRecovered();
+}
+
+TEST_F(KeeperOnItsDiskTest, EditedRecordingIsMovedThoughItsPiecesEndAnywhere) {
+  write(*buffer_, pattern(5 << 20, 1), 0);
+  for (unsigned i = 0; i < 40; ++i) {
+    write(*buffer_, pattern(10'008, i), 100'000ULL * (i + 1));
+  }
+  buffer_->cutoffBufferBeforePosition(1001);
+  ASSERT_TRUE(fillBut(32 << 10, disk_));
+  expectRecovered();
+}
+
+TEST_F(KeeperOnItsDiskTest, WhatTheRecordingDoesNotUseMakesRoomForACopy) {
+  write(*buffer_, pattern(5 << 20, 1), 0);
+  write(*buffer_, pattern(2 << 20, 2), 0);
+  buffer_->cutoffBufferAfterPosition((2 << 20) / 8);
+  ASSERT_TRUE(fillBut(32 << 10, disk_));
+  expectRecovered();
+}
+
+TEST_F(KeeperOnItsDiskTest, TerminationSignalDoesNotEndItWhileItMoves) {
+  constexpr std::uint64_t kBytes = 6 << 20;
+  write(*buffer_, pattern(kBytes, 1), 0);
+  ASSERT_TRUE(fillBut(0, disk_));  // the last stretch waits for room for the header
+  const Bytes whole = wholeRecording(*buffer_);
+  ASSERT_NO_FATAL_FAILURE(keep());
+  program_.reset();
+  ASSERT_TRUE(eventually([&] {
+    return writtenBytes() >= kBytes - (256 << 10) && processState(keeper_->pid()) == 'S';
+  }));
+  keeper_->signal(SIGTERM);
+  ASSERT_EQ(::unlinkat(disk_, "filler", 0), 0);
+  expectWritten(whole);
 }
 
 }  // namespace

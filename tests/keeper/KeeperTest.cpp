@@ -3,11 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <span>
+#include <thread>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include "keeper/KeptRecordings.h"
+#include "support/Eventually.h"
 #include "support/FewDescriptors.h"
 #include "support/TemporaryFolder.h"
+#include "support/programs/ChildProcess.h"
 
 namespace {
 
@@ -23,9 +30,8 @@ class KeeperTest : public testing::Test {
   KeeperTest() {
     auto [own, other] = *DescriptorChannel::connect();
     program_ = std::move(own);
-    keeper_ = std::make_unique<Keeper>(
-        std::move(other),
-        Keeper::Settings{.dataDirectory = data_.path(), .patience = std::chrono::milliseconds(1)});
+    keepersEnd_ = other->descriptor();
+    keeper_ = std::make_unique<Keeper>(std::move(other), data_.path());
   }
 
   void send(const KeeperMessage& message, std::span<const int> descriptors = {}) {
@@ -48,6 +54,7 @@ class KeeperTest : public testing::Test {
 
   support::TemporaryFolder data_;
   std::unique_ptr<DescriptorChannel> program_;
+  int keepersEnd_ = -1;
   std::unique_ptr<Keeper> keeper_;
 };
 
@@ -92,6 +99,25 @@ TEST_F(KeeperTest, MessagesItDoesNotKnowChangeNothing) {
   const std::byte byte{};
   EXPECT_EQ(program_->send(std::span(&byte, 1), {}), 0);
   endProgram();
+  EXPECT_EQ(keeper_->size(), 1U);
+}
+
+TEST_F(KeeperTest, ErrorOfTheConnectionIsNotTakenForTheEndOfTheProgram) {
+  // Each look that finds no message fails.
+  ASSERT_EQ(::fcntl(keepersEnd_, F_SETFL, O_NONBLOCK), 0);
+  std::atomic<pid_t> listener = 0;
+  std::atomic<bool> hasEnded = false;
+  std::thread listening([&] {
+    listener = ::gettid();
+    keeper_->listen();
+    hasEnded = true;
+  });
+  EXPECT_TRUE(support::eventually(
+      [&] { return hasEnded || (listener > 0 && support::processState(listener) == 'S'); }));
+  EXPECT_FALSE(hasEnded);
+  keep(1);
+  program_.reset();
+  listening.join();
   EXPECT_EQ(keeper_->size(), 1U);
 }
 

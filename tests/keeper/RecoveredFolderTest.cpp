@@ -7,13 +7,16 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "support/ClosedFolder.h"
+#include "support/Eventually.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -189,6 +192,80 @@ TEST_F(RecoveredFolderTest, PartOfADeadKeeperGivesWayToTheSameRecording) {
   add("new", "b", "a.caf");
   EXPECT_EQ(names(), std::vector<std::string>{"a.caf"});
   EXPECT_EQ(content("a.caf"), "new");
+}
+
+TEST_F(RecoveredFolderTest, PartThatWasOpenedIsReplacedOnceTheNewFileIsComplete) {
+  open();
+  std::ofstream(path("a.caf.part")) << "half";
+  auto part = folder_->create("b", "a.caf.part");
+  ASSERT_TRUE(part);
+  EXPECT_EQ(content("a.caf.part"), "half");
+  EXPECT_EQ(part->file->writeAt("new", 3, 0).error, 0);
+  EXPECT_EQ(folder_->complete(*part), 0);
+  EXPECT_EQ(names(), std::vector<std::string>{"a 2.caf"});
+  EXPECT_EQ(content("a 2.caf"), "new");
+}
+
+TEST_F(RecoveredFolderTest, PartThatAnotherProgramHasStays) {
+  open();
+  std::ofstream(path("a.caf.part")) << "half";
+  const platform::PosixFile other(::open(path("a.caf.part").c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(other.descriptor(), LOCK_EX | LOCK_NB), 0);
+  add("new", "b", "a.caf.part");
+  EXPECT_EQ(names(), (std::vector<std::string>{"a 2.caf", "a.caf.part"}));
+}
+
+TEST_F(RecoveredFolderTest, LockThatIsReleasedLateIsWaitedFor) {
+  open();
+  add("old", "a");
+  std::ofstream(path("a.caf.part")) << "half";
+  auto other = std::make_unique<platform::PosixFile>(
+      ::open(path("a.caf.part").c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(other->descriptor(), LOCK_EX | LOCK_NB), 0);
+  std::thread dying([&other] {
+    std::this_thread::yield();
+    other.reset();
+  });
+  add("new", "b", "a.caf");
+  dying.join();
+  EXPECT_EQ(names(), std::vector<std::string>{"a.caf"});
+}
+
+/// Descriptors of this process for the file.
+std::ptrdiff_t descriptorsOf(const std::string& path) {
+  const auto all = fs::directory_iterator("/proc/self/fd");
+  return std::count_if(begin(all), end(all), [&path](const auto& entry) {
+    std::error_code gone;
+    return fs::equivalent(entry.path(), path, gone);
+  });
+}
+
+TEST_F(RecoveredFolderTest, PartThatTakesTheNameOfADeadOneMeanwhileStays) {
+  open();
+  add("old", "a");
+  std::ofstream(path("a.caf.part")) << "half";
+  auto other = std::make_unique<platform::PosixFile>(
+      ::open(path("a.caf.part").c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(other->descriptor(), LOCK_EX | LOCK_NB), 0);
+  std::thread finishing([this, &other] {
+    EXPECT_TRUE(support::eventually([this] { return descriptorsOf(path("a.caf.part")) > 1; }));
+    fs::rename(path("a.caf.part"), path("b.caf"));
+    std::ofstream(path("a.caf.part")) << "another";
+    other.reset();
+  });
+  add("new", "c", "a.caf");
+  finishing.join();
+  EXPECT_EQ(content("a.caf.part"), "another");
+  EXPECT_EQ(content("c.caf"), "new");
+}
+
+TEST_F(RecoveredFolderTest, FolderAboveThatIsALinkIsNotUsed) {
+  const std::string elsewhere = data_.makeFolder("elsewhere");
+  fs::create_directory_symlink(elsewhere, data_.file("orvo"));
+  const auto opened = RecoveredFolder::open(data_.path());
+  EXPECT_FALSE(opened);
+  EXPECT_TRUE(opened.error() == ELOOP || opened.error() == ENOTDIR) << opened.error();
+  EXPECT_TRUE(fs::is_empty(elsewhere));
 }
 
 TEST_F(RecoveredFolderTest, PartOfALivingKeeperDoesNot) {

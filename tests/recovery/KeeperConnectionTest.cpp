@@ -7,6 +7,9 @@
 #include <fstream>
 
 #include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -107,6 +110,23 @@ TEST_F(KeeperConnectionTest, KeeperIsSmallAndHoldsNothingOfTheProgram) {
   ::close(mine);
 }
 
+TEST_F(KeeperConnectionTest, NobodyElseCanReachTheConnection) {
+  connection_->start();
+  sockaddr_un name = {};
+  socklen_t length = sizeof name;
+  ASSERT_EQ(::getsockname(connection_->descriptor(), reinterpret_cast<sockaddr*>(&name), &length),
+            0);
+  EXPECT_EQ(length, sizeof name.sun_family) << "it has a name";
+  ucred peer = {};
+  length = sizeof peer;
+  ASSERT_EQ(::getsockopt(connection_->descriptor(), SOL_SOCKET, SO_PEERCRED, &peer, &length), 0);
+  EXPECT_EQ(peer.uid, ::geteuid());
+  struct stat keeper = {};
+  ASSERT_EQ(::stat(("/proc/" + std::to_string(connection_->keeperProcess())).c_str(), &keeper), 0);
+  EXPECT_EQ(keeper.st_uid, ::geteuid()) << "the keeper runs as someone else";
+  EXPECT_EQ(::fcntl(connection_->descriptor(), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+}
+
 TEST_F(KeeperConnectionTest, KeeperIsDeafToSignalsThatEndASession) {
   connection_->start();
   keep(1);
@@ -201,6 +221,24 @@ TEST_F(KeeperConnectionTest, StoppedKeeperIsNeverWaitedFor) {
   EXPECT_TRUE(holds(2));
   end();
   EXPECT_EQ(recoveredNames(data_.path()).size(), 2U);
+}
+
+TEST_F(KeeperConnectionTest, KeeperThatLivesWhenItsConnectionFailsWritesNothing) {
+  connection_->start();
+  keep(1);
+  ASSERT_TRUE(holds(1));
+  const int first = connection_->keeperProcess();
+  ASSERT_EQ(::kill(first, SIGSTOP), 0);
+  ASSERT_TRUE(eventually([&] { return support::processState(first) == 'T'; }));
+  ASSERT_EQ(::shutdown(connection_->descriptor(), SHUT_RD), 0);  // the next look fails
+  connection_->check();
+  EXPECT_NE(connection_->keeperProcess(), first);
+  ::kill(first, SIGCONT);
+  EXPECT_TRUE(eventually([&] { return support::hasEnded(first); }));
+  EXPECT_TRUE(recoveredNames(data_.path()).empty()) << "the program still runs";
+  EXPECT_TRUE(holds(1));
+  end();
+  EXPECT_EQ(recoveredNames(data_.path()).size(), 1U);
 }
 
 }  // namespace

@@ -52,8 +52,10 @@ TEST_F(BlockJournalTest, SaysWhatItsDocumentSaid) {
   EXPECT_EQ(origin->recoveredFrom, "Orvo recording.caf");
 
   buffer_->journal()->setState(journal::State::edited);
-  buffer_->journal()->recordingBegins(20);
-  buffer_->journal()->recordingBegins(30);
+  EXPECT_TRUE(buffer_->journal()->recordingBegins(19));
+  buffer_->journal()->recordingTakenBack();
+  EXPECT_TRUE(buffer_->journal()->recordingBegins(20));
+  EXPECT_FALSE(buffer_->journal()->recordingBegins(30));
   origin = readJournalOrigin(*file_);
   ASSERT_TRUE(origin);
   EXPECT_EQ(origin->state, journal::State::edited);

@@ -112,10 +112,10 @@ std::vector<BadFile> badFiles() {
   add({"Device", "null.wav",
        [](const std::string& path) { ASSERT_EQ(::symlink("/dev/zero", path.c_str()), 0); }, 0,
        "is not an ordinary file"});
-  add({"Missing", "gone.wav", [](const std::string&) {}, 0, "“gone.wav” is no longer there."});
+  add({"Missing", "gone.wav", [](const std::string&) {}, 0, "There is no file “gone.wav”."});
   add({"LinkToNowhere", "link.wav",
        [](const std::string& path) { ASSERT_EQ(::symlink("/no/such", path.c_str()), 0); }, 0,
-       "“link.wav” is no longer there."});
+       "There is no file “link.wav”."});
   add({"LinkToItself", "link.wav",
        [](const std::string& path) { ASSERT_EQ(::symlink(path.c_str(), path.c_str()), 0); }, 0,
        "link.wav"});
@@ -158,6 +158,32 @@ std::vector<BadFile> badFiles() {
        [](const std::string& path) {
          std::string bytes = encoded("m4a", {"-movflags", "faststart"});
          bytes.replace(bytes.size() / 2, 2000, std::string(2000, '\xFF'));
+         write(path, bytes);
+       },
+       kAnyNumber, damaged});
+  // FFmpeg gives errnos for these, which no system call has told.
+  add({"A57ByteWavWithAnEndlessFormat", "a.wav",
+       [](const std::string& path) {
+         write(path, support::wavBytes(44100, 2, 16, std::string(13, 'x')).replace(17, 1, "\x1F"));
+       },
+       0, "“a.wav” " + unknown});
+  add({"DamagedIndexOfAnM4a", "a.m4a",
+       [](const std::string& path) {
+         std::string bytes = encoded("m4a");
+         write(path, bytes.replace(bytes.find("stco") + 8, 1, "\xFF"));
+       },
+       0, unknown});
+  add({"CutOffAiffWithAWrongLength", "a.aiff",
+       [](const std::string& path) {
+         std::string bytes = half(encoded("aiff"));
+         bytes[7] = static_cast<char>(bytes[7] + 3);
+         write(path, bytes);
+       },
+       kAnyNumber, damaged});
+  add({"AFlippedBitInThePacketTableOfACaf", "a.caf",
+       [](const std::string& path) {
+         std::string bytes = encoded("caf", {"-c:a", "alac"});
+         bytes[bytes.size() - 3] = static_cast<char>(bytes[bytes.size() - 3] | 0x80);
          write(path, bytes);
        },
        kAnyNumber, damaged});

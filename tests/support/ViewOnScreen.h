@@ -10,12 +10,12 @@ namespace support {
 template <typename View>
 class ViewOnScreen final : public View {
  public:
-  int ratio = 1;
+  double ratio = 1.0;
 
  protected:
   [[nodiscard]] int metric(QPaintDevice::PaintDeviceMetric kind) const override {
     if (kind == QPaintDevice::PdmDevicePixelRatio) {
-      return ratio;
+      return static_cast<int>(ratio);
     }
     if (kind == QPaintDevice::PdmDevicePixelRatioScaled) {
       return static_cast<int>(ratio * QPaintDevice::devicePixelRatioFScale());

@@ -35,8 +35,13 @@ const std::vector<std::string> kEnglishOnly{
     "; no sound server was found",
     // Names of files: the same in every language.
     "Orvo recording ", "yyyy-MM-dd HH.mm.ss", "Orvo recording %Y-%m-%d %H.%M.%S",
-    // Names of memory and of a field within a file.
-    "orvo journal", "recorded date",
+    // Names of memory and of fields within files.
+    "orvo journal", "recorded date", "track number", "Cover (front)",
+    // The manual page, which is English.
+    "\n.Dt ORVO 1\n.Os\n.Sh NAME\n.Nm orvo\n.Nd audio recorder and simple editor\n.Sh "
+    "SYNOPSIS\n.Nm\n"
+    ".Op Ar OPTION ...\n.Op Fl Fl\n.Op Ar\n.Sh DESCRIPTION\n",
+    "Fl Fl", ".Bl -tag -width Ds\n", "EXIT STATUS",
     // The name of a lock in the compiler's warnings.
     "waveform summary"};
 
@@ -107,7 +112,7 @@ TranslationFile translationsInto(const QString& language) {
 
 TEST(LanguagesTest, SourcesTextsAndLanguagesAreFound) {
   EXPECT_THAT(sources(), Contains(kRoot / "src" / "app" / "main.cpp"));
-  EXPECT_TRUE(allKeys().contains("Save"));
+  EXPECT_TRUE(allKeys().contains("&Save"));
   EXPECT_TRUE(languages().contains("de"));
 }
 
@@ -130,11 +135,19 @@ TEST(LanguagesTest, EveryTextOfTheInterfaceFilesIsTranslated) {
 
 TEST(LanguagesTest, TextsOfEveryKindAreKnown) {
   const auto keys = allKeys();
-  for (const char* key : {"Unnamed", "&File", "Progress", "The disk is full.", "Undo %1",
+  for (const char* key : {"Unnamed", "&File", "Progress", "The disk is full.", "&Undo %1",
                           "Core Audio returned the error: %s (%s)", "Waveform"}) {
     EXPECT_THAT(keys, Contains(QString(key)));
   }
   EXPECT_GT(keys.size(), 120U);
+}
+
+TEST(LanguagesTest, EnglishHasOneKindOfApostropheAndOfQuotationMarks) {
+  for (const QString& key : allKeys()) {
+    if (key != QLatin1String("this shouldn't happen. contact ")) {  // a given text
+      EXPECT_FALSE(key.contains(u'\'') || key.contains(u'"')) << key.toStdString();
+    }
+  }
 }
 
 TEST(LanguagesTest, GermanFrenchSpanishJapaneseAndSimplifiedChineseAreThere) {
@@ -162,11 +175,34 @@ TEST(LanguagesTest, EachKeepsPlaceholdersKeyLettersAndItsOwnPunctuation) {
 }
 
 TEST(LanguagesTest, EachIsInTheDesktopEntry) {
-  const std::string entry = contentOf(kRoot / "resources" / "orvo.desktop");
+  const std::string entry = contentOf(kRoot / "resources" / "desktop" / "entry.desktop.in");
   for (const QString& language : languages()) {
-    for (const char* key : {"GenericName", "Comment"}) {
+    for (const char* key : {"GenericName", "Comment", "Keywords", "Name"}) {
       const std::string line = std::string("\n") + key + "[" + language.toStdString() + "]=";
       EXPECT_THAT(entry, testing::HasSubstr(line));
+    }
+  }
+}
+
+TEST(LanguagesTest, EachIsInTheMetainfoWhereverEnglishIs) {
+  for (const char* const name : {"metainfo.xml.in", "mime.xml.in"}) {
+    const std::string text = contentOf(kRoot / "resources" / "desktop" / name);
+    const auto count = [&text](const std::string& word) {
+      std::size_t found = 0;
+      for (std::size_t at = text.find(word); at != std::string::npos;
+           at = text.find(word, at + 1)) {
+        ++found;
+      }
+      return found;
+    };
+    std::size_t english = 0;
+    for (const char* const element : {"<summary>", "<p>", "<li>", "<comment>"}) {
+      english += count(element);
+    }
+    ASSERT_GT(english, 0U) << name;
+    for (const QString& language : languages()) {
+      EXPECT_EQ(count("xml:lang=\"" + language.toStdString() + "\""), english)
+          << name << " " << language.toStdString();
     }
   }
 }

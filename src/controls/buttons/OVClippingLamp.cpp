@@ -4,6 +4,7 @@
 #include <QRadialGradient>
 
 #include "platform/mainloop/Localization.h"
+#include "platform/views/RoundShapes.h"
 #include "platform/views/ViewAccessibility.h"
 
 namespace {
@@ -23,8 +24,7 @@ void drawGlow(QPainter& painter, QPointF center) {
   faded.setAlpha(0);
   glow.setColorAt(kRadius / kGlowRadius * 0.8, kGlow);
   glow.setColorAt(1.0, faded);
-  painter.setBrush(glow);
-  painter.drawEllipse(center, kGlowRadius, kGlowRadius);
+  painter.fillPath(platform::discPath(center, kGlowRadius), glow);
 }
 
 void drawBall(QPainter& painter, QPointF center) {
@@ -32,8 +32,7 @@ void drawBall(QPainter& painter, QPointF center) {
   ball.setColorAt(0.0, kMiddle);
   ball.setColorAt(0.5, kBall);
   ball.setColorAt(1.0, kRim);
-  painter.setBrush(ball);
-  painter.drawEllipse(center, kRadius, kRadius);
+  painter.fillPath(platform::discPath(center, kRadius), ball);
 }
 
 }  // namespace
@@ -57,11 +56,10 @@ void OVClippingLamp::turnOff() {
 void OVClippingLamp::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(Qt::NoPen);
   painter.setOpacity(isHighlighted() ? kPressedOpacity : 1.0);
   const QPointF center = QRectF(rect()).center();
   drawGlow(painter, center);
   drawBall(painter, center);
   painter.setOpacity(1.0);
-  focusRing().draw(painter, rect(), kFocusRadius);
+  focusRing().draw(painter, rect(), kFocusRadius, platform::FocusRing::Ground::dark);
 }

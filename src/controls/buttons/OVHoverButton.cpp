@@ -46,7 +46,7 @@ void OVHoverButton::setHovering(bool isHovering) {
 void OVHoverButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   drawImage(painter);
-  focusRing().draw(painter, rect(), kFocusRadius);
+  focusRing().draw(painter, rect(), kFocusRadius, platform::FocusRing::Ground::light);
 }
 
 void OVHoverButton::drawImage(QPainter& painter) const {

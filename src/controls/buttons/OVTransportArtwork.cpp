@@ -1,13 +1,12 @@
 #include "controls/buttons/OVTransportArtwork.h"
 
-#include <algorithm>
 #include <span>
 
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
 
-#include "platform/views/ViewDrawing.h"
+#include "platform/views/RoundShapes.h"
 
 namespace {
 
@@ -40,6 +39,7 @@ struct Layer {
 
 constexpr float kBandHeight = 5.0F;
 constexpr float kSeparatorHeight = 1.0F;
+constexpr qreal kBorderWidth = 1.0;
 
 constexpr Layer kPlainNormal[] = {
     {Paint::fill, 2.0F, 2.5F, 3.9F, {0.9F, 1.0F}},
@@ -69,7 +69,7 @@ constexpr Layer kRoundNormal[] = {
     {Paint::gradient, 2.0F, 2.0F, 2.4F, {1.0F, 0.07F}, {0.7F, 0.75F}},
     {Paint::gradient, 2.0F, 2.0F, 2.4F, {0.9F, 1.0F}, {1.0F, 0.07F}},
     {Paint::band, 2.0F, 2.0F, 2.4F, {0.76F, 0.07F}, {0.6F, 0.75F}},
-    {Paint::separator, 2.0F, 0.0F, 0.0F, {0.45F, 1.0F}, {0.6F, 0.75F}},
+    {Paint::separator, 2.0F, 0.0F, 0.0F, {0.45F, 1.0F}},
     {Paint::gradient, 2.0F, 2.5F, 3.9F, {0.45F, 0.07F}, {0.9F, 1.0F}},
     {Paint::border, 1.5F, 1.5F, 2.4F, {0.45F, 1.0F}},
     {Paint::gradient, 2.0F, 2.0F, 2.4F, {1.0F, 0.75F}, {0.7F, 0.07F}},
@@ -101,29 +101,14 @@ QRectF layerRect(const QRectF& frame, const Layer& layer, RoundEnd roundEnd) {
 }
 
 // One closed path: joining the areas of a half circle and a rectangle would show a seam.
-QPainterPath leftRoundPath(const QRectF& rect, qreal radius) {
-  const qreal end = std::min(rect.height(), 2.0 * rect.width());  // diameter of the half circle
-  const qreal corner = 2.0 * std::min({radius, rect.height() / 2.0, rect.width() / 2.0});
-  QPainterPath path;
-  path.moveTo(rect.left() + end / 2.0, rect.top());
-  path.arcTo(rect.right() - corner, rect.top(), corner, corner, 90.0, -90.0);
-  path.arcTo(rect.right() - corner, rect.bottom() - corner, corner, corner, 0.0, -90.0);
-  path.arcTo(rect.left(), rect.top(), end, rect.height(), 270.0, -180.0);
-  path.closeSubpath();
-  return path;
+platform::EndRadii radiiOf(const QRectF& rect, qreal radius, RoundEnd roundEnd) {
+  const qreal round = rect.height() / 2.0;
+  return {roundEnd == RoundEnd::left ? round : radius,
+          roundEnd == RoundEnd::right ? round : radius};
 }
 
 QPainterPath shapePath(const QRectF& rect, qreal radius, RoundEnd roundEnd) {
-  if (roundEnd == RoundEnd::none) {
-    QPainterPath path;
-    path.addRoundedRect(rect, radius, radius);
-    return path;
-  }
-  const QPainterPath path = leftRoundPath(rect, radius);
-  if (roundEnd == RoundEnd::left) {
-    return path;
-  }
-  return QTransform(-1.0, 0.0, 0.0, 1.0, rect.left() + rect.right(), 0.0).map(path);
+  return platform::roundedPath(rect, radiiOf(rect, radius, roundEnd));
 }
 
 QLinearGradient downward(const QRectF& bounds, const Layer& layer) {
@@ -143,26 +128,17 @@ void drawBand(QPainter& painter, const QRectF& rect, const Layer& layer, RoundEn
   painter.fillPath(path, downward(band, layer));
 }
 
-// At a round end, the line stops where the outline bends away from it, with a short fainter piece
-// that softens the end.
+// At a round end, the line stops where the outline bends away from it.
 void drawSeparator(QPainter& painter, const QRectF& rect, const Layer& layer, RoundEnd roundEnd) {
-  constexpr qreal kFaintPiece = 3.0;
   QRectF line = rect;
   line.setHeight(kSeparatorHeight);
-  QRectF faint = line;
-  faint.setWidth(kFaintPiece);
   const qreal bend = rect.height() / 2.0 - 2.0;  // the fills are two points lower on each side
   if (roundEnd == RoundEnd::left) {
     line.setLeft(line.left() + bend);
-    faint.moveRight(line.left());
   } else if (roundEnd == RoundEnd::right) {
     line.setRight(line.right() - bend);
-    faint.moveLeft(line.right());
   }
   painter.fillRect(line, layer.from.color());
-  if (roundEnd != RoundEnd::none) {
-    painter.fillRect(faint, layer.to.color());
-  }
 }
 
 void drawLayer(QPainter& painter, const QRectF& frame, const Layer& layer, RoundEnd roundEnd) {
@@ -181,8 +157,9 @@ void drawLayer(QPainter& painter, const QRectF& frame, const Layer& layer, Round
       drawSeparator(painter, rect, layer, roundEnd);
       break;
     case Paint::border:
-      painter.strokePath(shapePath(rect, layer.radius, roundEnd),
-                         platform::viewPen(layer.from.color(), 1.0));
+      painter.fillPath(
+          platform::roundedRingPath(rect, radiiOf(rect, layer.radius, roundEnd), kBorderWidth),
+          layer.from.color());
       break;
   }
 }

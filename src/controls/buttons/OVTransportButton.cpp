@@ -36,7 +36,7 @@ void OVTransportButton::paintEvent(QPaintEvent* /*event*/) {
   drawImage(painter);
   focusRing().draw(
       painter, QRectF(rect()).adjusted(kFocusInsetX, kFocusInsetY, -kFocusInsetX, -kFocusInsetY),
-      kFocusRadius);
+      kFocusRadius, platform::FocusRing::Ground::light);
 }
 
 void OVTransportButton::drawBezel(QPainter& painter, const QRectF& frame) const {

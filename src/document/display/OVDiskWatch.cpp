@@ -3,6 +3,7 @@
 #include <string>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "audio/AudioFileFailure.h"
 #include "document/display/OVNotices.h"
@@ -33,7 +34,17 @@ QString notice(int minutes, const std::string& folder) {
              : localized("Space for less than a minute of recording is left in %1.").arg(where);
 }
 
+// Those of the documents that record. Main thread only. Never destroyed, as above.
+std::vector<const OVDiskWatch*>& runningWatches() {
+  static auto* const watches = new std::vector<const OVDiskWatch*>;
+  return *watches;
+}
+
 }  // namespace
+
+OVDiskWatch::~OVDiskWatch() {
+  std::erase(runningWatches(), this);
+}
 
 void OVDiskWatch::setRecording(bool recording) {
   platform::assertMainThread();
@@ -41,7 +52,9 @@ void OVDiskWatch::setRecording(bool recording) {
   limits_ = {};
   notices_.withdraw(OVNoticeSubject::disk);
   timer_.reset();
+  std::erase(runningWatches(), this);
   if (recording) {
+    runningWatches().push_back(this);
     timer_ = std::make_unique<platform::Timer>(kSecondsBetweenLooks, [this] { look(); });
     look();
   }
@@ -72,11 +85,21 @@ void OVDiskWatch::looked(std::uint64_t recording, const std::string& folder, con
     return;
   }
   if (space) {
-    tell(static_cast<double>(space->freeBytes) / audio_.bytesPerSecond(), folder);
+    tell(static_cast<double>(space->freeBytes) / bytesPerSecondInto(folder), folder);
   } else if (!std::exchange(hasToldFailure_, true)) {
     ConsoleLog("the free space of %s cannot be read: %s", folder.c_str(),
                std::generic_category().message(space.error()).c_str());
   }
+}
+
+double OVDiskWatch::bytesPerSecondInto(const std::string& folder) {
+  double sum = 0;
+  for (const OVDiskWatch* const watch : runningWatches()) {
+    if (watch->audio_.storageFolder() == folder) {
+      sum += watch->audio_.bytesPerSecond();
+    }
+  }
+  return sum;
 }
 
 void OVDiskWatch::tell(double secondsLeft, const std::string& folder) {

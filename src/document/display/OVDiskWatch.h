@@ -14,7 +14,8 @@ class OVNotices;
 
 /// Looks every few seconds of a recording how long the disk of its temporary file will last, and
 /// tells it in the line of notices, see OVDiskLimits. The last minute stays there until the
-/// recording ends or space is free again.
+/// recording ends or space is free again. All documents that record into the same folder fill the
+/// disk together.
 ///
 /// The looks of all documents run one after the other on a background queue, at most one of each
 /// document is queued, and nothing waits for them: a network folder that does not answer blocks one
@@ -28,6 +29,9 @@ class OVDiskWatch {
   /// All outlive it.
   OVDiskWatch(const OVDocumentLife& life, const OVDocumentAudio& audio, OVNotices& notices)
       : life_(life), audio_(audio), notices_(notices) {}
+  ~OVDiskWatch();
+  OVDiskWatch(const OVDiskWatch&) = delete;
+  OVDiskWatch& operator=(const OVDiskWatch&) = delete;
 
   /// A recording has begun or ended. Its first look follows at once.
   void setRecording(bool recording);
@@ -41,6 +45,7 @@ class OVDiskWatch {
 
   void looked(std::uint64_t recording, const std::string& folder, const Space& space);
   void tell(double secondsLeft, const std::string& folder);
+  [[nodiscard]] static double bytesPerSecondInto(const std::string& folder);
 
   const OVDocumentLife& life_;
   const OVDocumentAudio& audio_;

@@ -1,13 +1,11 @@
 #include "document/display/OVInputNotices.h"
 
-#include <algorithm>
 #include <ctime>
-#include <numeric>
 
 #include <QDateTime>
-#include <QLocale>
 
 #include "audio/InputName.h"
+#include "document/display/OVLossText.h"
 #include "platform/base/ApplicationServices.h"
 #include "platform/mainloop/Localization.h"
 
@@ -15,26 +13,6 @@ namespace {
 
 using Kind = platform::AudioInputSource::Kind;
 using platform::localized;
-
-double seconds(std::uint64_t frames) {
-  return static_cast<double>(frames) / platform::kWorkingRate;
-}
-
-// "0.3" in the desktop's format; three digits for less than a tenth.
-QString lengthText(std::uint64_t frames) {
-  const double length = seconds(frames);
-  return QLocale().toString(length, 'f', length < 0.1 ? 3 : 1);
-}
-
-// "12:31", or "1:02:31".
-QString placeText(std::uint64_t frame) {
-  const std::uint64_t whole = frame / platform::kWorkingRate;
-  const QLatin1Char zero('0');
-  const QString rest = QString(QStringLiteral("%1:%2"))
-                           .arg(whole / 60 % 60, 2, 10, zero)
-                           .arg(whole % 60, 2, 10, zero);
-  return whole < 3600 ? rest : QString::number(whole / 3600) + QLatin1Char(':') + rest;
-}
 
 QString sourceText(const platform::AudioInputSource& source) {
   const QString name = shownInputName(source.name);
@@ -109,22 +87,14 @@ void OVInputNotices::showLosses(const OVInputState& now) {
   for (; shownLosses_ < now.losses.size(); ++shownLosses_) {
     const OVRecordingLoss& loss = now.losses[shownLosses_];
     log(loss);
-    notices_.show(
-        OVNoticeSubject::lostFrames,
-        localized("%1 s were lost at %2").arg(lengthText(loss.frames), placeText(loss.atFrame)));
+    notices_.show(OVNoticeSubject::lostFrames, lossText(loss));
   }
 }
 
 void OVInputNotices::showLossesInAll(const OVInputState& now) {
-  if (now.losses.empty()) {
-    return;
+  if (!now.losses.empty()) {
+    notices_.show(OVNoticeSubject::lostFrames, lossesText(now.losses));
   }
-  const std::uint64_t frames =
-      std::accumulate(now.losses.begin(), now.losses.end(), std::uint64_t{0},
-                      [](std::uint64_t sum, const auto& loss) { return sum + loss.frames; });
-  notices_.show(OVNoticeSubject::lostFrames,
-                localized("Lost in this recording: %1 s, first at %2")
-                    .arg(lengthText(frames), placeText(now.losses.front().atFrame)));
 }
 
 void OVInputNotices::log(const OVRecordingLoss& loss) const {
@@ -132,7 +102,7 @@ void OVInputNotices::log(const OVRecordingLoss& loss) const {
   const QString clock = QDateTime::fromSecsSinceEpoch(time).toString(Qt::ISODate);
   ConsoleLog("Recording \"%s\": %llu frames (%.3f s) were lost at %s, noticed %s; %s",
              documentName_().toUtf8().constData(), static_cast<unsigned long long>(loss.frames),
-             seconds(loss.frames), placeText(loss.atFrame).toUtf8().constData(),
+             lossSeconds(loss.frames), lossPlaceText(loss.atFrame).toUtf8().constData(),
              clock.toUtf8().constData(),
              loss.place == OVRecordingLoss::Place::silence ? "silence stands in their place"
                                                            : "nothing stands in their place");

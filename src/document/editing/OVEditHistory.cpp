@@ -57,7 +57,6 @@ void OVEditHistory::beginStep(platform::TextKey name) {
     formerSides_ = undoManager_->sides();
   }
   registerInverse(undo_, name);
-  ++revision_;
 }
 
 void OVEditHistory::rollBackStep() {
@@ -72,6 +71,7 @@ void OVEditHistory::rollBackStep() {
 
 void OVEditHistory::registerInverse(const std::function<void()>& operation,
                                     platform::TextKey name) {
+  ++revision_;
   registerOperation(operation);
   if (undoManager_) {
     undoManager_->setActionName(platform::localizedUtf8(name));

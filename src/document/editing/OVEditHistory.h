@@ -59,7 +59,8 @@ class OVEditHistory {
   [[nodiscard]] bool undo();
   [[nodiscard]] bool redo();
 
-  /// Changes with every step, undo and redo; compare two values to detect an edit in between.
+  /// Changes with every step, also one that is its own inverse, and with every undo and redo;
+  /// compare two values to detect an edit in between.
   [[nodiscard]] std::uint64_t revision() const { return revision_; }
 
  private:

@@ -38,7 +38,13 @@ void OVKeptDocument::setEdited(bool edited) {
 
 void OVKeptDocument::recordingBegins() {
   if (buffer_) {
-    buffer_->journal()->recordingBegins(now());
+    isFirstRecording_ = buffer_->journal()->recordingBegins(now());
+  }
+}
+
+void OVKeptDocument::recordingTakenBack() {
+  if (buffer_ && isFirstRecording_) {
+    buffer_->journal()->recordingTakenBack();
   }
 }
 

@@ -29,6 +29,8 @@ class OVKeptDocument {
   void setEdited(bool edited);
   /// Record was pressed.
   void recordingBegins();
+  /// Record was pressed in vain: as if it had not been.
+  void recordingTakenBack();
   /// The document is closed: what was not saved was discarded.
   void close();
 
@@ -42,4 +44,5 @@ class OVKeptDocument {
   // While it is kept.
   std::shared_ptr<OVBlockBuffer> buffer_;
   std::shared_ptr<RecordingKeeper> keeper_;
+  bool isFirstRecording_ = false;  // the last one that began
 };

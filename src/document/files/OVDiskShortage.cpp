@@ -18,8 +18,11 @@ namespace {
 constexpr std::uint64_t kMaxFramesPerByte = 4096;
 
 // The length in frames of the working format that a file promises; 0 for none, also for a damaged
-// header that promises the impossible.
-std::uint64_t promisedFrames(OVAudioFileReader& reader, const std::string& path) {
+// header that promises the impossible, and for an estimate, by which nothing is refused.
+std::uint64_t promisedFrames(const OVAudioFileReader& reader, const std::string& path) {
+  if (reader.isFileSizeEstimated()) {
+    return 0;
+  }
   const auto frames = static_cast<std::uint64_t>(reader.fileSizeInFrames());
   std::error_code error;
   const std::uint64_t bytes = std::filesystem::file_size(path, error);
@@ -57,7 +60,8 @@ std::optional<OVDiskShortage> shortageOf(const std::string& folder, std::uint64_
       .folder = folder, .neededBytes = neededBytes, .freeBytes = space->freeBytes};
 }
 
-std::optional<OVDiskShortage> shortageOfLoading(OVAudioFileReader& reader, const std::string& path,
+std::optional<OVDiskShortage> shortageOfLoading(const OVAudioFileReader& reader,
+                                                const std::string& path,
                                                 const std::string& folder) try {
   return shortageOf(folder, promisedFrames(reader, path) * platform::kWorkingFrameBytes);
 } catch (const std::bad_alloc&) {

@@ -26,10 +26,10 @@ struct OVDiskShortage {
                                                        std::uint64_t neededBytes);
 
 /// The same for loading a whole audio file into a temporary file in `folder`, by the length that
-/// the file promises. An unknown length, and one that a file of that size cannot have, fit. Throws
-/// nothing.
+/// the file promises. An unknown or estimated length, and one that a file of that size cannot have,
+/// fit. Throws nothing.
 ///
 /// Threads: that of the reader, not main. Real-time: not safe.
-[[nodiscard]] std::optional<OVDiskShortage> shortageOfLoading(OVAudioFileReader& reader,
+[[nodiscard]] std::optional<OVDiskShortage> shortageOfLoading(const OVAudioFileReader& reader,
                                                               const std::string& path,
                                                               const std::string& folder);

@@ -3,15 +3,25 @@
 #include <filesystem>
 #include <utility>
 
+#include <QDateTime>
+
 #include "audio/AudioFileFailure.h"
 #include "audio/OVFileKinds.h"
 #include "controls/OVRecorderWindow.h"
+#include "platform/mainloop/ShownName.h"
 
 using platform::localized;
 
 namespace {
 
 constexpr std::int32_t kUsualType = 0;  // WAV
+
+// The same in every region, so that names sort by time; a colon is no part of a name everywhere.
+std::string nameOfNewTake() {
+  return localized("Recording %1")
+      .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH.mm")))
+      .toStdString();
+}
 
 }  // namespace
 
@@ -31,6 +41,9 @@ void OVDocumentFile::take(const std::string& path, std::int32_t type) {
   if (window_) {
     window_->setTitle(titleWithName(shownName()));
   }
+  if (taken_) {
+    taken_(path);
+  }
 }
 
 void OVDocumentFile::forget() {
@@ -39,6 +52,7 @@ void OVDocumentFile::forget() {
 
 void OVDocumentFile::nameWithoutFile(const QString& shown, std::string suggested) {
   currentFilename_.clear();
+  tags_ = std::make_shared<const platform::AudioFileTags>();
   nameWithoutFile_ = shown;
   suggestedWithoutFile_ = std::move(suggested);
   if (window_) {
@@ -48,7 +62,7 @@ void OVDocumentFile::nameWithoutFile(const QString& shown, std::string suggested
 
 QString OVDocumentFile::shownName() const {
   if (!currentFilename_.empty()) {
-    return QString::fromStdString(lastPathComponent(currentFilename_));
+    return platform::shownName(lastPathComponent(currentFilename_));
   }
   return nameWithoutFile_.isEmpty() ? localized("Unnamed") : nameWithoutFile_;
 }
@@ -57,7 +71,7 @@ std::string OVDocumentFile::suggestedName() const {
   if (!currentFilename_.empty()) {
     return nameWithoutSuffix(currentFilename_);
   }
-  return suggestedWithoutFile_.empty() ? platform::localizedUtf8("Unnamed") : suggestedWithoutFile_;
+  return suggestedWithoutFile_.empty() ? nameOfNewTake() : suggestedWithoutFile_;
 }
 
 std::int32_t OVDocumentFile::suggestedType() const {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -8,6 +10,7 @@
 #include <QString>
 
 #include "platform/mainloop/Localization.h"
+#include "platform/media/AudioFileTags.h"
 
 class OVRecorderWindow;
 
@@ -31,17 +34,27 @@ class OVDocumentFile {
   [[nodiscard]] std::int32_t type() const { return currentFiletype_; }
   void setType(std::int32_t type) { currentFiletype_ = type; }
 
+  /// Called with the path when the document has got a file by take().
+  void setTakenHandler(std::function<void(const std::string& path)> handler) {
+    taken_ = std::move(handler);
+  }
+
   /// Makes this the document's file.
   void take(const std::string& path, std::int32_t type);
-  /// Detaches the document from its file.
+  /// Detaches the document from its file, and from the tags of that.
   void forget();
   /// Names a document that has no file, in the title and in a save panel, until it gets a file or
   /// forgets the name.
   void nameWithoutFile(const QString& shown, std::string suggested);
 
+  /// The tags of the opened file, which every save keeps; never null.
+  [[nodiscard]] const std::shared_ptr<const platform::AudioFileTags>& tags() const { return tags_; }
+  void setTags(std::shared_ptr<const platform::AudioFileTags> tags) { tags_ = std::move(tags); }
+
   /// The file's display name; without a file, the document's own or "Unnamed".
   [[nodiscard]] QString shownName() const;
-  /// The name that a panel suggests, without the suffix.
+  /// The name that a panel suggests, without the suffix: the file's, or for a new take one with the
+  /// present date and time, "Recording 2026-11-21 14.02".
   [[nodiscard]] std::string suggestedName() const;
   /// The kind that a panel suggests: the file's own if it can be written, otherwise WAV.
   [[nodiscard]] std::int32_t suggestedType() const;
@@ -52,8 +65,11 @@ class OVDocumentFile {
 
  private:
   QPointer<OVRecorderWindow> window_;
+  std::function<void(const std::string&)> taken_;
   std::string currentFilename_;
   std::int32_t currentFiletype_ = -1;
+  std::shared_ptr<const platform::AudioFileTags> tags_ =
+      std::make_shared<const platform::AudioFileTags>();
   QString nameWithoutFile_;
   std::string suggestedWithoutFile_;
 };

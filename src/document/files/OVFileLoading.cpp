@@ -37,6 +37,7 @@ struct OVFileLoading::Outcome {
   bool yieldedNothing = false;  // the reader failed before the first frame and has reported it
   std::uint64_t endOffset = 0;  // after the last byte stored
   int writeError = 0;           // errno of a failed write
+  std::shared_ptr<const platform::AudioFileTags> tags = {};
 
   [[nodiscard]] bool failed() const { return !opened || yieldedNothing || writeError != 0; }
 };
@@ -80,7 +81,8 @@ void OVFileLoading::chooseImport() {
     return document.lock() ? importPlace() : OVImportPlace();
   });
   parts_.panels.open({.title = localized("Import"),
-                      .acceptLabel = localized("Import"),
+                      .acceptLabel = localized("&Import"),
+                      .directory = parts_.file.folder(),
                       .allowsMultipleSelection = false,
                       .fileTypes = readableFileTypes(),
                       .accessoryView = label,
@@ -203,11 +205,13 @@ OVFileLoading::Outcome OVFileLoading::read(const std::string& path,
   if (auto shortage = isNew ? shortageOfLoading(*reader, path, folder) : std::nullopt) {
     return {.shortage = std::move(shortage), .endOffset = request.atByteOffset};
   }
+  auto tags = reader->tags();
   const LoadOutcome loaded = loadFile(*reader, request);
   return {.opened = true,
           .yieldedNothing = reader->failed() && loaded.endOffset == request.atByteOffset,
           .endOffset = loaded.endOffset,
-          .writeError = loaded.writeError};
+          .writeError = loaded.writeError,
+          .tags = std::move(tags)};
 } catch (const std::bad_alloc&) {
   return {.opened = true, .endOffset = request.atByteOffset, .writeError = ENOMEM};
 }
@@ -236,6 +240,10 @@ void OVFileLoading::loadingEnded(const std::string& path, const Outcome& outcome
     parts_.audio.buffer()->cutoffBufferAfterPosition(outcome.endOffset /
                                                      parts_.audio.bytesPerFrame());
     parts_.file.forget();
+  }
+  openedNothing_ = !imported && outcome.failed() && parts_.audio.sizeInFrames() == 0;
+  if (!imported && !openedNothing_ && outcome.tags) {
+    parts_.file.setTags(outcome.tags);
   }
   if (outcome.shortage) {
     afterLoading_ = [path, shortage = *outcome.shortage] { tellDoesNotFit(path, shortage); };

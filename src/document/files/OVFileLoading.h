@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "document/files/OVDiskShortage.h"
 #include "document/files/OVImportPlace.h"
@@ -67,6 +68,10 @@ class OVFileLoading {
   /// Ends the file operation.
   void complete();
 
+  /// Whether the load that has just ended was to open a file and got nothing out of it, a failure
+  /// that the user was told of. True once for each.
+  [[nodiscard]] bool takeOpenedNothing() { return std::exchange(openedNothing_, false); }
+
   /// The window closes: a load ends at its next chunk, and its result is discarded.
   void cancel() { *cancelled_ = true; }
   [[nodiscard]] bool isCancelled() const { return *cancelled_; }
@@ -89,6 +94,7 @@ class OVFileLoading {
   const Callbacks callbacks_;
   // Set when the window closes; shared with background work.
   std::shared_ptr<std::atomic<bool>> cancelled_ = std::make_shared<std::atomic<bool>>(false);
-  bool rolledBack_ = false;             // the import could not be stored
+  bool rolledBack_ = false;  // the import could not be stored
+  bool openedNothing_ = false;
   std::function<void()> afterLoading_;  // an alert to show after the load
 };

@@ -9,6 +9,7 @@
 #include <QLocale>
 #include <QUrl>
 
+#include "audio/AudioFileFailure.h"
 #include "audio/OVAudioFileWriter.h"
 #include "audio/OVFileKinds.h"
 #include "document/display/OVDisplayLoop.h"
@@ -21,6 +22,7 @@
 #include "document/files/OVDocumentFile.h"
 #include "document/files/OVDocumentPanels.h"
 #include "document/files/OVSaveAccessory.h"
+#include "document/files/keptByKind.h"
 #include "document/transport/OVTransport.h"
 #include "platform/base/ApplicationServices.h"
 #include "platform/desktop/DesktopServices.h"
@@ -28,6 +30,7 @@
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
+#include "platform/mainloop/ShownName.h"
 
 using platform::localized;
 using platform::localizedUtf8;
@@ -60,12 +63,14 @@ void tellGaps(const std::string& path, double seconds, bool saved) {
 }
 
 std::string reasonOf(const OVSaveJob::Outcome& outcome) {
-  const std::string reason = platform::failureReason(outcome.error);
+  const std::string reason = outcome.closedFolder.empty()
+                                 ? platform::failureReason(outcome.error)
+                                 : closedFolderReason(outcome.closedFolder);
   return outcome.copyOfOldFile.empty()
              ? reason
              : reason + ' ' +
                    localized("The file is damaged. What was in it is kept in %1.")
-                       .arg(QString::fromStdString(outcome.copyOfOldFile))
+                       .arg(platform::shownName(outcome.copyOfOldFile))
                        .toStdString();
 }
 
@@ -96,13 +101,15 @@ bool OVFileSaving::saveAs() {
   if (!mayAsk()) {
     return false;
   }
-  const OVSaveAccessory accessory(parts_.file.suggestedType());
+  const OVSaveAccessory accessory(parts_.file.suggestedType(), parts_.file.tags());
   parts_.panels.save(
       {.title = localized("Save As"),
        .directory = parts_.file.folder(),
        .suggestedName = parts_.file.suggestedName(),
+       .fileTypes = readableFileTypes(),
        .accessoryView = accessory.view(),
-       .acceptedSuffixes = [accessory] { return suffixesOfType(accessory.chosenType()); }},
+       .acceptedSuffixes = [accessory] { return suffixesOfType(accessory.chosenType()); },
+       .lossOfReplacing = lossOfReplacing},
       [this, accessory](const std::optional<std::string>& path) {
         if (path) {
           saveNamed(*path, accessory.chosenType());
@@ -120,7 +127,8 @@ void OVFileSaving::saveNamed(const std::string& path, std::int32_t withType) {
   }
   start({.job = {.buffer = parts_.audio.buffer(),
                  .path = path,
-                 .outputFormat = static_cast<std::uint32_t>(withType)},
+                 .outputFormat = static_cast<std::uint32_t>(withType),
+                 .tags = parts_.file.tags()},
          .type = withType});
 }
 
@@ -138,8 +146,10 @@ void OVFileSaving::exportRingtone() {
   parts_.panels.save({.title = localized("Export Ringtone"),
                       .directory = parts_.file.folder(),
                       .suggestedName = parts_.file.suggestedName(),
+                      .fileTypes = readableFileTypes(),
                       .accessoryView = rule,
-                      .acceptedSuffixes = [] { return std::vector<std::string>{kRingtoneSuffix}; }},
+                      .acceptedSuffixes = [] { return std::vector<std::string>{kRingtoneSuffix}; },
+                      .lossOfReplacing = lossOfReplacing},
                      [this](const std::optional<std::string>& path) {
                        if (path) {
                          exportRingtoneTo(*path);
@@ -212,7 +222,8 @@ void OVFileSaving::start(Request request) {
 
 // Failures that can be detected before writing.
 std::optional<std::string> OVFileSaving::refusalOf(const Request& request) {
-  const auto most = OVAudioFileWriter::maximumFrames(request.job.outputFormat);
+  const auto most =
+      OVAudioFileWriter::maximumFrames(request.job.outputFormat, request.job.tags->byteCount());
   if (most && request.job.frameCount > *most) {
     return localized("The recording is too long for a file of the type %1. Choose another type.")
         .arg(localized(fileKindOfType(request.type)->title))
@@ -236,8 +247,8 @@ void OVFileSaving::askToWriteInPlace(const Request& request) {
       {.title = sentenceWithName(textKey("%1 can only be overwritten"), request.job.path),
        .message = localized("You may not make files in its folder. The old file is copied to the "
                             "temporary directory first. The copy is kept if writing fails."),
-       .buttons = {{localized("Overwrite"), kOverwrite, Role::destructive},
-                   {localized("Cancel"), kKeepOldFile, Role::reject}}},
+       .buttons = {{localized("&Overwrite"), kOverwrite, Role::destructive},
+                   {localized("&Cancel"), kKeepOldFile, Role::reject}}},
       [this, request](int answer) {
         if (answer == kOverwrite && !parts_.operation.isActive()) {
           Request inPlace = request;

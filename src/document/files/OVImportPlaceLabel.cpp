@@ -14,12 +14,13 @@ namespace {
 
 constexpr double kSecondsBetweenUpdates = 0.25;
 
-// The length of an audio file; nothing if it is unknown or the file cannot be read, which only the
-// import itself reports.
+// The length of an audio file; nothing if it is unknown or estimated, or the file cannot be read,
+// which only the import itself reports.
 std::optional<double> secondsOf(const std::string& path,
                                 const std::shared_ptr<const std::atomic<bool>>& cancelled) try {
   const auto opened = platform::ExtAudioFileInput::openURL(path, cancelled);
-  const std::int64_t frames = opened.file ? opened.file->fileLengthFrames() : 0;
+  const bool known = opened.file && !opened.file->isLengthEstimated();
+  const std::int64_t frames = known ? opened.file->fileLengthFrames() : 0;
   return frames > 0
              ? std::optional(static_cast<double>(frames) / platform::kWorkingFormat.mSampleRate)
              : std::nullopt;

@@ -112,8 +112,8 @@ bool mayExist(const std::string& path) {
 // file with gaps is better than none, but not better than an existing one.
 bool encode(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
             platform::UserAudioFiles::Opened file, OVSaveJob::Outcome& outcome) {
-  const auto writer = OVAudioFileWriter::initWithOpenFile(std::move(file), request.outputFormat,
-                                                          lastPathComponent(request.path));
+  const auto writer = OVAudioFileWriter::initWithOpenFile(
+      std::move(file), request.outputFormat, lastPathComponent(request.path), *request.tags);
   // The writer has reported its failure.
   outcome.told = !writer || !writeAll(request, progress, *writer, outcome.unreadableFrames) ||
                  !writer->close();
@@ -126,6 +126,8 @@ void writeBeside(const OVSaveJob::Request& request, const OVSaveJob::Progress& p
   if (!replacement) {
     outcome.error = replacement.error();
     outcome.canBeInPlace = platform::InPlaceFile::isTheOnlyWay(request.path, outcome.error);
+    outcome.closedFolder =
+        platform::ReplacementFile::closedFolderBeside(request.path, outcome.error);
     return;
   }
   if (encode(request, progress, platform::userAudioFiles()->writeTo(replacement->descriptor()),
@@ -181,6 +183,24 @@ void writeInPlace(const OVSaveJob::Request& request, const OVSaveJob::Progress& 
   outcome.copyOfOldFile = target->copyLeft();
 }
 
+std::optional<OVDiskShortage> shortageBeside(const std::string& path, std::uint64_t bytes) {
+  // Where no file can be made beside it, the user is asked before anything is written.
+  return platform::InPlaceFile::isTheOnlyWay(path, EACCES)
+             ? std::nullopt
+             : shortageOf(platform::ReplacementFile::folderBeside(path), bytes);
+}
+
+// The new content and a copy of the old one stand in the temporary directory before the file grows.
+std::optional<OVDiskShortage> shortageInPlace(const std::string& path, std::uint64_t bytes) {
+  std::error_code unknown;
+  const std::uintmax_t size = std::filesystem::file_size(path, unknown);
+  const std::uint64_t old = unknown ? 0 : size;
+  const auto shortage = shortageOf(platform::temporaryFiles()->directory(), bytes + old);
+  return shortage || bytes <= old
+             ? shortage
+             : shortageOf(platform::ReplacementFile::folderBeside(path), bytes - old);
+}
+
 void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progress,
            OVSaveJob::Outcome& outcome) {
   if (request.shortage.valid()) {
@@ -197,11 +217,13 @@ void write(const OVSaveJob::Request& request, const OVSaveJob::Progress& progres
 std::shared_future<std::optional<OVDiskShortage>> OVSaveJob::lookForRoom(const Request& request) {
   const auto found = std::make_shared<std::promise<std::optional<OVDiskShortage>>>();
   const std::uint64_t bytes =
-      OVAudioFileWriter::estimatedBytes(request.outputFormat, request.frameCount);
-  platform::globalQueue().async([found, path = request.path, bytes] {
+      OVAudioFileWriter::estimatedBytes(request.outputFormat, request.frameCount) +
+      (OVAudioFileWriter::holdsCover(request.outputFormat) ? request.tags->cover.size() : 0);
+  platform::globalQueue().async([found, way = request.way, path = request.path, bytes] {
     std::optional<OVDiskShortage> shortage;
     try {
-      shortage = shortageOf(platform::ReplacementFile::folderBeside(path), bytes);
+      shortage =
+          way == Request::Way::inPlace ? shortageInPlace(path, bytes) : shortageBeside(path, bytes);
     } catch (const std::bad_alloc&) {  // the save itself will report it
     }
     found->set_value(shortage);

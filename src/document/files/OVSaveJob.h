@@ -8,6 +8,7 @@
 #include <string>
 
 #include "document/files/OVDiskShortage.h"
+#include "platform/media/AudioFileTags.h"
 #include "storage/OVAudioBufferInterface.h"
 
 /// Writes a range of a buffer to an audio file: writes a file beside the target, syncs it, then
@@ -26,8 +27,10 @@ class OVSaveJob {
     std::uint64_t frameCount = 0;
     std::string path;                ///< of the target
     std::uint32_t outputFormat = 0;  ///< a kind of the file writer, 0 to 3
-    /// Whether there is room for the file beside the target, as lookForRoom() reports; the job
-    /// waits for it. May be invalid: then the job just begins.
+    std::shared_ptr<const platform::AudioFileTags> tags =
+        std::make_shared<const platform::AudioFileTags>();  ///< never null
+    /// Whether there is room for the file, as lookForRoom() reports; the job waits for it. May be
+    /// invalid: then the job just begins.
     std::shared_future<std::optional<OVDiskShortage>> shortage = {};
     enum class Way { beside, inPlace } way = Way::beside;
   };
@@ -40,6 +43,8 @@ class OVSaveJob {
     std::optional<OVDiskShortage> shortage = {};
     /// Nothing was written: no file can be made beside the target, but it can be written in place.
     bool canBeInPlace = false;
+    /// Nothing was written, since the user may not make files in this folder, the target's.
+    std::string closedFolder = {};
     /// A copy of the old file if writing in place has damaged the target; otherwise empty.
     std::string copyOfOldFile = {};
     /// Frames that storage could not read. They are silent in a new file; an existing file is not
@@ -53,8 +58,9 @@ class OVSaveJob {
   /// Frames read and written at a time: six seconds.
   static constexpr std::uint64_t kChunkFrames = platform::kFileChunkFrames;
 
-  /// Looks on the global queue for the room that a request needs, by an estimate. The old file
-  /// exists until the new one replaces it, so its space does not count as free.
+  /// Looks on the global queue for the room that a request needs, by an estimate: beside the
+  /// target, where the old file exists until the new one replaces it, so its space does not count
+  /// as free; in place, in the temporary directory, and for what the target grows.
   [[nodiscard]] static std::shared_future<std::optional<OVDiskShortage>> lookForRoom(
       const Request& request);
 

@@ -9,6 +9,7 @@
 #include <QBuffer>
 #include <QImage>
 
+#include "audio/AudioFileFailure.h"
 #include "document/files/OVDocumentFile.h"
 #include "document/files/OVDocumentPanels.h"
 #include "document/files/OVFileSaving.h"
@@ -41,14 +42,10 @@ int writePicture(const QImage& picture, const std::string& path) try {
 
 // The waveform alone, without the views that are laid over it.
 QImage pictureOf(OVWaveFormView& waveform) {
-  QImage picture = waveform.image();
-  if (picture.isNull()) {  // not painted yet
-    QWidget& view = waveform;
-    picture = QImage(view.size() * view.devicePixelRatioF(), QImage::Format_ARGB32_Premultiplied);
-    picture.setDevicePixelRatio(view.devicePixelRatioF());
-    view.render(&picture, QPoint(), QRegion(), QWidget::RenderFlags());
+  if (waveform.image().isNull()) {  // not painted yet
+    static_cast<void>(waveform.grab());
   }
-  return picture;
+  return waveform.image();
 }
 
 void writePictureOf(OVWaveFormView& view, const std::string& path) {
@@ -56,8 +53,11 @@ void writePictureOf(OVWaveFormView& view, const std::string& path) {
   platform::globalQueue().async([picture, path] {
     const int error = writePicture(picture, path);
     if (error != 0) {
-      platform::mainQueue().async(
-          [path, error] { tellSaveFailed(path, platform::failureReason(error)); });
+      const std::string closed = platform::ReplacementFile::closedFolderBeside(path, error);
+      platform::mainQueue().async([path, error, closed] {
+        tellSaveFailed(
+            path, closed.empty() ? platform::failureReason(error) : closedFolderReason(closed));
+      });
     }
   });
 }

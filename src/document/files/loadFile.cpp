@@ -2,15 +2,41 @@
 
 #include <cerrno>
 #include <new>
+#include <utility>
 
 #include "audio/OVAudioFileReader.h"
 
 namespace {
 
+// The share of the whole that each chunk is.
+class Steps {
+ public:
+  explicit Steps(const OVAudioFileReader& reader)
+      : reader_(reader), followsBytes_(reader.isFileSizeEstimated()) {
+    const auto length = reader.fileSizeInFrames();
+    if (length > 0) {
+      ofKnownLength_ = static_cast<double>(kLoadChunkFrames) / static_cast<double>(length);
+    }
+  }
+
+  // That of the chunk read last.
+  double next() {
+    if (!followsBytes_) {
+      return ofKnownLength_;
+    }
+    const double share = reader_.shareRead();
+    return share - std::exchange(share_, share);
+  }
+
+ private:
+  const OVAudioFileReader& reader_;
+  const bool followsBytes_;
+  double ofKnownLength_ = 1.0;
+  double share_ = 0.0;
+};
+
 void copyChunks(OVAudioFileReader& reader, const LoadRequest& request, LoadOutcome& outcome) try {
-  const auto length = reader.fileSizeInFrames();
-  const double step =
-      length > 0 ? static_cast<double>(kLoadChunkFrames) / static_cast<double>(length) : 1.0;
+  Steps steps(reader);
   while (!*request.cancelled) {
     const std::uint32_t frames = reader.readFrameChunkWithSize(kLoadChunkFrames);
     if (frames == 0 || *request.cancelled) {
@@ -23,7 +49,7 @@ void copyChunks(OVAudioFileReader& reader, const LoadRequest& request, LoadOutco
       break;
     }
     outcome.endOffset += size;
-    request.progress(outcome.endOffset, step);
+    request.progress(outcome.endOffset, steps.next());
   }
 } catch (const std::bad_alloc&) {
   outcome.writeError = ENOMEM;

@@ -20,8 +20,8 @@ struct LoadRequest {
   std::shared_ptr<const std::atomic<bool>> cancelled;
   /// The errno of a write that failed since the last call, 0 for none.
   std::function<int()> takeWriteError;
-  /// Called after each chunk with the offset after it and the chunk's share of the whole, an
-  /// estimate that may exceed 1.
+  /// Called after each chunk with the offset after it and the chunk's share of the whole: of the
+  /// frames, which may exceed 1, or of the file's bytes if its length is only estimated.
   std::function<void(std::uint64_t byteOffset, double step)> progress;
 };
 

@@ -11,10 +11,8 @@
 #include <set>
 #include <string_view>
 
-#include <QDir>
-#include <QFile>
-
 #include "platform/base/AudioTypes.h"
+#include "platform/files/UserDataDirectory.h"
 
 namespace {
 
@@ -24,6 +22,7 @@ constexpr std::string_view kSuffix = ".caf";
 constexpr std::string_view kUnfinishedSuffix = ".caf.part";
 constexpr std::string_view kPrefix = "Orvo recording ";
 constexpr std::string_view kTimeFormat = "yyyy-MM-dd HH.mm.ss";
+constexpr int kOwnFolders = 2;  // orvo/recovered
 constexpr int kMaxChunks = 64;  // before the sound; far more than any writer puts there
 
 bool isUnfinished(const std::string& name) {
@@ -75,7 +74,8 @@ std::optional<OVRecoveredFile> examine(const platform::PrivateFolder& opener,
       return std::nullopt;
     }
     found.frames = found.byteCount / platform::kWorkingFrameBytes;
-    found.state = State::beingWritten;
+    found.state = found.byteCount > 0 && file->allocatedBytes() == 0 ? State::waitingForRoom
+                                                                     : State::beingWritten;
     return found;
   }
   if (file->checkName() != 0) {  // renamed by its writer in between
@@ -102,7 +102,7 @@ std::string nearestFolder(const std::string& folder) {
 bool isBeingReplaced(const std::string& path, const OVRecoveredListing& listing) {
   const std::string part = path + ".part";
   return std::any_of(listing.files.begin(), listing.files.end(), [&part](const auto& file) {
-    return file.state == State::beingWritten && file.path == part;
+    return isBeingMade(file.state) && file.path == part;
   });
 }
 
@@ -173,18 +173,15 @@ OVRecoveredContent contentOf(std::uint64_t announced, std::uint64_t there) {
 }  // namespace
 
 std::string recoveredFolder() {
-  QByteArray folder = qgetenv("XDG_DATA_HOME");
-  if (!folder.startsWith('/')) {
-    folder = QFile::encodeName(QDir::homePath()) + "/.local/share";
-  }
-  return folder.toStdString() + "/orvo/recovered";
+  const std::string data = platform::userDataDirectory();
+  return data.empty() ? data : data + "/orvo/recovered";
 }
 
 OVRecoveredListing recoveredFilesIn(const std::string& folder,
                                     const std::vector<OVRecoveredFile>& held) {
   OVRecoveredListing listing;
   listing.nearest = nearestFolder(folder);
-  const auto opened = platform::PrivateFolder::at(folder);
+  const auto opened = platform::PrivateFolder::at(folder, kOwnFolders);
   if (!opened) {
     listing.error = opened.error() == ENOENT ? 0 : opened.error();
     return listing;

@@ -18,6 +18,7 @@ struct OVRecoveredFile {
   enum class State {
     whole,
     beingWritten,
+    waitingForRoom,  ///< its writer waits until its disk has room for it: it has a length only
     damaged,  ///< shorter than its header says, without a usable header, or left by its writer
   };
 
@@ -29,9 +30,15 @@ struct OVRecoveredFile {
   std::uint64_t number = 0;  ///< tells it from another file that replaces it
 
   /// Holds the file's lock, so that neither another document nor another running Orvo takes the
-  /// file. Null while it is being written.
+  /// file. Null while its writer has it.
   std::shared_ptr<platform::PrivateFile> claim;
 };
+
+/// Whether the file's writer still has it.
+[[nodiscard]] constexpr bool isBeingMade(OVRecoveredFile::State state) {
+  return state == OVRecoveredFile::State::beingWritten ||
+         state == OVRecoveredFile::State::waitingForRoom;
+}
 
 /// Most files that are listed at a time, the latest; each costs a descriptor.
 inline constexpr std::size_t kMaxRecoveredFiles = 100;
@@ -43,15 +50,15 @@ struct OVRecoveredListing {
   std::string nearest;  ///< the folder, or the first above it that exists: it tells of changes
 };
 
-/// The folder: orvo/recovered in XDG_DATA_HOME, or in ~/.local/share if that is unset or relative.
+/// The folder: orvo/recovered in platform::userDataDirectory(); empty if there is none.
 ///
 /// Threads: any. Real-time: not safe.
 [[nodiscard]] std::string recoveredFolder();
 
 /// Lists the folder and claims every file that is not being written. Foreign files, links and files
 /// that someone else has claimed are left out, and so is a file that is just being replaced: only
-/// the new one is listed. A missing folder is empty, and not made. One that is a link, belongs to
-/// someone else or may be entered by others is not used.
+/// the new one is listed. A missing folder is empty, and not made. One that others may enter is
+/// closed to them; one that is a link or belongs to someone else is not used.
 ///
 /// @param held  files listed before and still claimed: listed again as they are, if still there
 ///

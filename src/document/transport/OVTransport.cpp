@@ -73,15 +73,14 @@ std::optional<std::vector<float>> OVTransport::powerLevels(OVTransportState firs
   return isPlaying() ? player_->powerLevels() : std::nullopt;
 }
 
-OVInputState OVTransport::inputState() const {
-  OVInputState state;
-  state.source = platform::audioQueues()->inputSource();
-  state.hasRecorded = hasRecorded();
+std::vector<OVRecordingLoss> OVTransport::losses() const {
   const auto running = runningRecorder();
-  state.isRecording = running != nullptr;
-  state.silentFrames = running ? running->silentFrames() : 0;
-  state.losses = running ? running->losses() : losses_;
-  return state;
+  return running ? running->losses() : losses_;
+}
+
+std::size_t OVTransport::lossCount() const {
+  const auto running = runningRecorder();
+  return running ? running->lossCount() : losses_.size();
 }
 
 void OVTransport::changed() {
@@ -112,6 +111,9 @@ void OVTransport::record() {
     changed();
     return;
   }
+  if (!parts_.audio.buffer() && makeBuffer_) {
+    makeBuffer_();  // otherwise the user is alerted again
+  }
   if (player_) {
     endPlaying();  // playback has ended; its late report would end the recording
   }
@@ -125,6 +127,7 @@ void OVTransport::record() {
     writeFailures_->recordingBegins(parts_.history.revision());
     writtenSincePress_ = false;
     losses_.clear();
+    ++recordings_;
     if (recording_) {
       recording_();
     }
@@ -339,6 +342,7 @@ void OVTransport::inputFailed(const std::weak_ptr<OVAQRecorder>& recorder) {
   if (!writtenSincePress_) {
     // The report that there is no input came after the press: as if Record had not been pressed.
     parts_.history.rollBackStep();
+    parts_.history.kept().recordingTakenBack();
     parts_.positions.setPlayback(marker);
   }
 }

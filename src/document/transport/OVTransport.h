@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -9,7 +10,6 @@
 
 #include "audio/OVAQPlayerDelegate.h"
 #include "audio/OVAQRecorder.h"
-#include "document/transport/OVInputState.h"
 #include "document/transport/OVWriteFailures.h"
 #include "platform/base/GuardedPointer.h"
 #include "platform/desktop/SleepInhibitor.h"
@@ -56,6 +56,8 @@ class OVTransport {
   }
   /// Called before a recording begins, ahead of its first chunk.
   void setRecordingHandler(std::function<void()> handler) { recording_ = std::move(handler); }
+  /// Called by record() in a document without a buffer, to make one.
+  void setBufferMaker(std::function<void()> make) { makeBuffer_ = std::move(make); }
   /// Called when audio was cut because it could not be written.
   void setCutHandler(std::function<void()> handler) { cut_ = std::move(handler); }
 
@@ -68,8 +70,11 @@ class OVTransport {
   /// The running recording has written something.
   [[nodiscard]] bool hasRecorded() const { return writtenSincePress_; }
 
-  /// The input, and what has come in. The gaps of a recording are kept until the next one begins.
-  [[nodiscard]] OVInputState inputState() const;
+  /// How many recordings have begun.
+  [[nodiscard]] std::uint64_t recordings() const { return recordings_; }
+  /// The gaps of the running recording, or of the last one, and how many there are.
+  [[nodiscard]] std::vector<OVRecordingLoss> losses() const;
+  [[nodiscard]] std::size_t lossCount() const;
 
   /// Level of each channel of playback or recording; `first` is preferred, none at rest.
   [[nodiscard]] std::optional<std::vector<float>> powerLevels(OVTransportState first) const;
@@ -143,12 +148,14 @@ class OVTransport {
   std::weak_ptr<OVAQPlayerDelegate> delegate_;
   std::function<void()> changed_;
   std::function<void()> cut_;
+  std::function<void()> makeBuffer_;
   std::vector<std::function<void(OVTransportState)>> stateHandlers_;
   OVTransportState lastState_ = OVTransportState::resting;  // the one that was reported
   std::unique_ptr<platform::SleepInhibitor::Hold> awake_;
   std::function<void()> recording_;
   std::shared_ptr<OVAQPlayer> player_;
   std::vector<OVRecordingLoss> losses_;  // of the last recording that has ended
+  std::uint64_t recordings_ = 0;
 
   // Replaced on the main thread; any thread reads it.
   platform::GuardedPointer<std::shared_ptr<OVAQRecorder>> recorder_;

@@ -5,7 +5,10 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QDBusVariant>
+#include <QStyle>
+
+#include "platform/base/ApplicationServices.h"
+#include "platform/desktop/DarkMenuStyle.h"
 
 namespace platform {
 
@@ -38,8 +41,12 @@ DesktopColours::DesktopColours(const QDBusConnection& bus, QObject* parent) : QO
     return;
   }
   QDBusConnection connection = bus;
-  connection.connect(kService, kPath, kInterface, QStringLiteral("SettingChanged"), this,
-                     SLOT(settingChanged(QString, QString, QDBusVariant)));
+  // With the portal's name as the sender, Qt would wait for the bus to find it.
+  if (!connection.connect(QString(), kPath, kInterface, QStringLiteral("SettingChanged"), this,
+                          SLOT(settingChanged(QString, QString, QDBusVariant)))) {
+    ConsoleLog("changes between light and dark are not followed: %s",
+               qUtf8Printable(connection.lastError().message()));
+  }
   QDBusMessage question =
       QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("Read"));
   question.setArguments({kGroup, kKey});
@@ -67,19 +74,30 @@ void DesktopColours::follow(const QVariant& colorScheme) {
     return;
   }
   isDark_ = wanted;
-  QApplication::setPalette(wanted ? darkPalette() : QPalette());
+  setDark(wanted);
+}
+
+void DesktopColours::setDark(bool isDark) {
+  if (isDark && QApplication::style()->name() == QLatin1String("fusion")) {
+    QApplication::setStyle(new DarkMenuStyle);  // stays: it changes dark menus only
+  }
+  QApplication::setPalette(isDark ? darkPalette() : QPalette());
 }
 
 QPalette DesktopColours::darkPalette() {
   const QColor ground(45, 46, 50);
   const QColor text(236, 237, 240);
   const QColor faint(150, 152, 158);
+  const QPalette current = QApplication::palette();
   QPalette palette(ground);
   palette.setColor(QPalette::Base, QColor(32, 33, 37));
   palette.setColor(QPalette::AlternateBase, QColor(39, 40, 44));
   palette.setColor(QPalette::ToolTipBase, QColor(60, 61, 66));
-  palette.setColor(QPalette::Highlight, QColor(33, 128, 140));
-  palette.setColor(QPalette::HighlightedText, Qt::white);
+  for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+    for (const auto role : {QPalette::Highlight, QPalette::HighlightedText}) {
+      palette.setColor(group, role, current.color(group, role));
+    }
+  }
   palette.setColor(QPalette::Link, QColor(94, 196, 206));
   palette.setColor(QPalette::LinkVisited, QColor(160, 150, 214));
   for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,

@@ -1,19 +1,21 @@
 #pragma once
 
+// moc must see the whole type of a slot's parameter; otherwise the signal cannot be connected.
+#include <QDBusVariant>
 #include <QObject>
 #include <QPalette>
 
 class QDBusConnection;
-class QDBusVariant;
 
 namespace platform {
 
-/// Follows the desktop's light or dark preference where the desktop publishes it on D-Bus (the
-/// settings portal's "color-scheme") and Qt does not follow it by itself: menus and dialogs then
-/// take dark colours. Where Qt's platform theme has its own dark colours, or no portal answers,
-/// nothing changes.
+/// Follows the desktop's light or dark preference, at the start and at every change, where the
+/// desktop publishes it on D-Bus (the settings portal's "color-scheme") and Qt does not follow it
+/// by itself: menus and dialogs then take dark colours. Where Qt's platform theme has its own dark
+/// colours, or no portal answers, nothing changes.
 ///
-/// The portal is queried asynchronously.
+/// The portal is queried asynchronously, and nothing here waits for the bus. If its signal cannot
+/// be connected, one line is logged.
 ///
 /// Threads: main. Real-time: not safe.
 class DesktopColours : public QObject {
@@ -26,7 +28,11 @@ class DesktopColours : public QObject {
   /// Whether the dark palette is in use.
   [[nodiscard]] bool isDark() const { return isDark_; }
 
+  /// Dark colours, with the highlight of the colours in use.
   [[nodiscard]] static QPalette darkPalette();
+
+  /// Gives the application dark colours, or its own again.
+  static void setDark(bool isDark);
 
  private Q_SLOTS:
   void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);

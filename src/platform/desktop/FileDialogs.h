@@ -18,6 +18,9 @@ struct OpenPanelRequest {
   QPointer<QWidget> window = nullptr;  ///< the window that it blocks; null for none
   QString title;
   QString acceptLabel;  ///< title of the default button
+  /// Initial folder; empty for the last panel's or, before the first, the user's Music folder. If
+  /// it cannot be shown, the home folder is.
+  std::string directory = {};
   bool allowsMultipleSelection = false;
   std::vector<std::string> fileTypes;  ///< suffixes without the dot, most common first
 
@@ -31,8 +34,10 @@ struct OpenPanelRequest {
 struct SavePanelRequest {
   QPointer<QWidget> window = nullptr;
   QString title;
-  std::string directory;      ///< initial directory; empty for the last panel's
+  std::string directory;      ///< initial folder, as for OpenPanelRequest
   std::string suggestedName;  ///< without the suffix, which acceptedSuffixes provides
+  /// Suffixes, without the dot, of the files that are listed; if empty, those accepted.
+  std::vector<std::string> fileTypes = {};
 
   /// Shown below the files; the panel takes ownership. Null for none.
   QWidget* accessoryView = nullptr;
@@ -41,6 +46,10 @@ struct SavePanelRequest {
   /// appended to a name that has none of them. Called again whenever that choice changes; the shown
   /// name then takes the new suffix.
   std::function<std::vector<std::string>()> acceptedSuffixes;
+
+  /// What gets lost when the existing file at a path is replaced, a sentence below the question
+  /// about it; empty for nothing. Runs on a thread of its own, perhaps after the panel has gone.
+  std::function<QString(const std::string& path)> lossOfReplacing = nullptr;
 };
 
 /// A question with named buttons, attached to a window.

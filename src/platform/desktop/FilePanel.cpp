@@ -20,13 +20,14 @@
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
+#include "platform/mainloop/ShownName.h"
 #include "platform/mainloop/WaitingWork.h"
 
 namespace platform {
 namespace {
 
 constexpr std::chrono::milliseconds kShortWait{400};
-constexpr QSize kUsualSize(640, 440);
+constexpr QSize kMinimumSize(760, 480);  // wide enough for whole names, sizes and dates
 
 QString shown(const std::string& path) {
   return QString::fromStdString(path);
@@ -87,7 +88,8 @@ FilePanel::FilePanel(QWidget* window, const QString& title, const QString& lookI
   makeFolderRow(lookIn);
   makeList(selection);
   makeNameRow();
-  resize(kUsualSize);
+  setMinimumSize(kMinimumSize);
+  resize(kMinimumSize);
   waitTimer_.setSingleShot(true);
   waitTimer_.setInterval(kShortWait);
   connect(&waitTimer_, &QTimer::timeout, this, [this] {
@@ -189,7 +191,8 @@ void FilePanel::makeNameRow() {
 
 // Folders ---------------------------------------------------------------------------------------
 
-void FilePanel::showFolder(const std::string& path) {
+void FilePanel::showFolder(const std::string& path, const std::string& otherwise) {
+  otherwise_ = otherwise;
   folder_ = path.empty() ? "/" : normal(path);
   cancelLook();
   fillFolders();
@@ -212,7 +215,7 @@ void FilePanel::fillFolders() {
   folders_->clear();
   for (const std::string& folder : folders) {
     if (!folder.empty() && seen.insert(folder).second) {
-      folders_->addItem(style()->standardIcon(QStyle::SP_DirIcon), shown(folder),
+      folders_->addItem(style()->standardIcon(QStyle::SP_DirIcon), shownName(folder),
                         QByteArray::fromStdString(folder));
     }
   }
@@ -266,6 +269,10 @@ void FilePanel::showRows(std::vector<FolderRow> rows) {
 }
 
 void FilePanel::listed(int error) {
+  if ((error == ENOENT || error == ENOTDIR) && !otherwise_.empty()) {
+    showFolder(std::exchange(otherwise_, {}));
+    return;
+  }
   if (!isLooking_) {
     endWaiting();
   }
@@ -329,20 +336,24 @@ std::string FilePanel::pathOf(const std::string& name) const {
 
 void FilePanel::look(const std::vector<std::string>& paths,
                      std::function<void(const std::vector<PathKind>&)> done) {
+  const auto kinds = std::make_shared<std::vector<PathKind>>(paths.size());
+  look([paths, kinds] { std::transform(paths.begin(), paths.end(), kinds->begin(), kindOfPath); },
+       [kinds, done = std::move(done)] { done(*kinds); });
+}
+
+void FilePanel::look(std::function<void()> work, std::function<void()> done) {
   isLooking_ = true;
   wait();
   updateAccept();
-  const bool begun = beginWaitingWork(
-      this,
-      [paths] {
-        std::vector<PathKind> kinds(paths.size());
-        std::transform(paths.begin(), paths.end(), kinds.begin(), kindOfPath);
-        return kinds;
-      },
-      [this, number = ++lookNumber_, done = std::move(done)](const std::vector<PathKind>& kinds) {
+  const auto report = [work = std::move(work)] {
+    work();
+    return true;
+  };
+  const bool begun =
+      beginWaitingWork(this, report, [this, number = ++lookNumber_, done = std::move(done)](bool) {
         if (number == lookNumber_) {
           cancelLook();
-          done(kinds);
+          done();
         }
       });
   if (!begun) {

@@ -47,7 +47,8 @@ class FilePanel : public QDialog {
 
   /// Path of the folder that is shown; it may not exist.
   [[nodiscard]] const std::string& folder() const { return folder_; }
-  void showFolder(const std::string& path);
+  /// Shows a folder; `otherwise`, unless it is empty, if that does not exist.
+  void showFolder(const std::string& path, const std::string& otherwise = {});
 
   /// The names in the edit: several if they are in quotes and several may be chosen.
   [[nodiscard]] std::vector<std::string> names() const;
@@ -79,6 +80,8 @@ class FilePanel : public QDialog {
   /// then. Nothing can be accepted meanwhile.
   void look(const std::vector<std::string>& paths,
             std::function<void(const std::vector<PathKind>&)> done);
+  /// The same for any work, which runs on a thread of its own.
+  void look(std::function<void()> work, std::function<void()> done);
 
  private:
   void makeFolderRow(const QString& lookIn);
@@ -106,6 +109,7 @@ class FilePanel : public QDialog {
   QTimer waitTimer_;  // until it is said that a folder lets us wait
 
   std::string folder_;
+  std::string otherwise_;            // shown if folder_ does not exist; empty for none
   std::vector<std::string> chosen_;  // names of which `chosenText_` is shown
   QString chosenText_;
   std::shared_ptr<std::atomic<bool>> cancelled_;  // the reading of the folder; null for none

@@ -9,6 +9,7 @@
 #include <QLocale>
 
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 
 namespace platform {
 
@@ -120,7 +121,7 @@ int FolderModel::columnCount(const QModelIndex& parent) const {
 
 QString FolderModel::textOf(const FolderRow& row, int column) const {
   if (column == kName) {
-    return row.name;
+    return shownName(row.name);
   }
   if (row.entry.isFolder || row.entry.modified == 0) {
     return {};

@@ -5,15 +5,16 @@
 #include <QPushButton>
 
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 
 namespace platform {
 
 OpenPanel::OpenPanel(const OpenPanelRequest& request)
-    : FilePanel(request.window, request.title, localized("Look in:"),
+    : FilePanel(request.window, request.title, localized("&Look in:"),
                 request.allowsMultipleSelection ? Selection::several : Selection::one),
       selectionChanged_(request.selectionChanged) {
   setObjectName("openPanel");
-  auto* const label = new QLabel(localized("Files of type:"));
+  auto* const label = new QLabel(localized("Files of &type:"));
   label->setObjectName("fileTypeLabel");
   auto* const types = new QComboBox;
   types->setObjectName("fileTypeCombo");
@@ -33,7 +34,7 @@ OpenPanel::OpenPanel(const OpenPanelRequest& request)
   auto* const open = buttons()->addButton(request.acceptLabel, QDialogButtonBox::AcceptRole);
   open->setDefault(true);
   open->setEnabled(false);
-  buttons()->addButton(localized("Cancel"), QDialogButtonBox::RejectRole);
+  buttons()->addButton(localized("&Cancel"), QDialogButtonBox::RejectRole);
   connect(this, &FilePanel::namesChanged, this, &OpenPanel::tellSelection);
 }
 
@@ -62,7 +63,7 @@ void OpenPanel::take(const std::vector<std::string>& paths, const std::vector<Pa
   const auto missing = std::find(kinds.begin(), kinds.end(), PathKind::missing);
   if (missing != kinds.end()) {
     const auto index = static_cast<std::size_t>(missing - kinds.begin());
-    say(localized("“%1” is not there.").arg(QString::fromStdString(paths[index])));
+    say(localized("There is no file “%1”.").arg(shownName(paths[index])));
     return;
   }
   paths_ = paths;

@@ -1,16 +1,19 @@
 #include "platform/desktop/QtFileDialogs.h"
 
+#include <filesystem>
 #include <utility>
 
-#include <QLabel>
+#include <QDir>
+#include <QFile>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStandardPaths>
 
 #include "platform/base/ApplicationServices.h"
 #include "platform/base/MainThread.h"
+#include "platform/desktop/MessageBox.h"
 #include "platform/desktop/OpenPanel.h"
 #include "platform/desktop/SavePanel.h"
-#include "platform/files/AbsolutePath.h"
 #include "platform/files/Descriptors.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/MainQueue.h"
@@ -38,6 +41,15 @@ bool hasRoomForAPanel(const QPointer<QWidget>& window, std::function<void()> can
   return false;
 }
 
+std::string homeFolder() {
+  return QFile::encodeName(QDir::homePath()).toStdString();
+}
+
+std::string musicFolder() {
+  return QFile::encodeName(QStandardPaths::writableLocation(QStandardPaths::MusicLocation))
+      .toStdString();
+}
+
 QMessageBox::ButtonRole roleOf(SheetRequest::Button::Role role) {
   switch (role) {
     case SheetRequest::Button::Role::accept:
@@ -52,21 +64,49 @@ QMessageBox::ButtonRole roleOf(SheetRequest::Button::Role role) {
 
 }  // namespace
 
-const std::string& QtFileDialogs::lastFolder() {
-  if (lastFolder_.empty()) {
-    lastFolder_ = absolutePathOf(".");
+QtFileDialogs::QtFileDialogs(DesktopBuses::Bus session, std::chrono::milliseconds portalPatience)
+    : session_(std::move(session)), portalPatience_(portalPatience) {}
+
+std::string QtFileDialogs::firstFolder(const std::string& wanted) const {
+  if (!wanted.empty()) {
+    return wanted;
   }
-  return lastFolder_;
+  return lastFolder_.empty() ? musicFolder() : lastFolder_;
 }
 
 void QtFileDialogs::beginOpenPanel(const OpenPanelRequest& request, OpenAnswer answer) {
   assertMainThread();
   if (!hasRoomForAPanel(request.window, [answer] { answer({}); })) {
     delete request.accessoryView;
-    return;
+  } else if (session_ && request.accessoryView == nullptr) {
+    beginPortalDialog(request, std::move(answer));
+  } else {
+    beginOwnOpenPanel(request, std::move(answer));
   }
+}
+
+void QtFileDialogs::beginPortalDialog(const OpenPanelRequest& request, OpenAnswer answer) {
+  using End = PortalOpenDialog::End;
+  OpenPanelRequest asked = request;
+  asked.directory = firstFolder(request.directory);
+  auto* const dialog = new PortalOpenDialog(
+      asked,
+      [this, request, answer = std::move(answer)](End end, const std::vector<std::string>& paths) {
+        if (end == End::unavailable) {
+          beginOwnOpenPanel(request, answer);
+          return;
+        }
+        if (!paths.empty()) {
+          lastFolder_ = std::filesystem::path(paths.front()).parent_path().string();
+        }
+        answer(paths);
+      });
+  dialog->begin(session_, portalPatience_);
+}
+
+void QtFileDialogs::beginOwnOpenPanel(const OpenPanelRequest& request, OpenAnswer answer) {
   auto* const panel = new OpenPanel(request);
-  panel->showFolder(lastFolder());
+  panel->showFolder(firstFolder(request.directory), homeFolder());
   QObject::connect(panel, &QDialog::finished, panel,
                    [this, panel, answer = std::move(answer)](int result) {
                      const bool accepted = result == QDialog::Accepted;
@@ -83,7 +123,7 @@ void QtFileDialogs::beginSavePanel(const SavePanelRequest& request, SaveAnswer a
     return;
   }
   auto* const panel = new SavePanel(request);
-  panel->showFolder(request.directory.empty() ? lastFolder() : request.directory);
+  panel->showFolder(firstFolder(request.directory), homeFolder());
   QObject::connect(panel, &QDialog::finished, panel,
                    [this, panel, answer = std::move(answer)](int result) {
                      const bool accepted = result == QDialog::Accepted;
@@ -99,13 +139,7 @@ void QtFileDialogs::beginSheet(const SheetRequest& request, SheetAnswer answer) 
   sheet->setObjectName("sheet");
   sheet->setAttribute(Qt::WA_DeleteOnClose);
   sheet->setWindowModality(Qt::WindowModal);
-  sheet->setIcon(QMessageBox::Warning);
-  sheet->setWindowTitle(localized("Orvo"));
-  sheet->setText(request.title);
-  sheet->setInformativeText(request.message);
-  for (QLabel* const label : sheet->findChildren<QLabel*>()) {
-    label->setTextFormat(Qt::PlainText);  // it contains file names
-  }
+  fillMessageBox(*sheet, request.title, request.message);
   for (const auto& button : request.buttons) {
     QPushButton* const added = sheet->addButton(button.title, roleOf(button.role));
     added->setProperty("returnCode", button.returnCode);

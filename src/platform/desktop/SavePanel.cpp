@@ -1,14 +1,16 @@
 #include "platform/desktop/SavePanel.h"
 
 #include <filesystem>
+#include <memory>
 
 #include <QInputDialog>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QStyle>
 
+#include "platform/desktop/MessageBox.h"
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
+#include "platform/mainloop/ShownName.h"
 #include "platform/mainloop/WaitingWork.h"
 
 namespace platform {
@@ -20,17 +22,27 @@ std::string withSuffix(const std::string& path, const std::vector<std::string>& 
   return path + "." + suffixes.front();
 }
 
+/// What accept() looks for.
+struct SavePanel::Found {
+  PathKind typed = PathKind::missing;   // at the name as it was typed
+  PathKind target = PathKind::missing;  // with its suffix
+  QString loss;
+};
+
 SavePanel::SavePanel(const SavePanelRequest& request)
-    : FilePanel(request.window, request.title, localized("Save in:"), Selection::one),
-      acceptedSuffixes_(request.acceptedSuffixes) {
+    : FilePanel(request.window, request.title, localized("Save &in:"), Selection::one),
+      acceptedSuffixes_(request.acceptedSuffixes),
+      lossOfReplacing_(request.lossOfReplacing) {
   setObjectName("savePanel");
   addNewFolderButton();
   addAccessory(request.accessoryView);
   buttons()->addButton(localized("&Save"), QDialogButtonBox::AcceptRole)->setDefault(true);
-  buttons()->addButton(localized("Cancel"), QDialogButtonBox::RejectRole);
+  buttons()->addButton(localized("&Cancel"), QDialogButtonBox::RejectRole);
   if (acceptedSuffixes_) {
     suffixes_ = acceptedSuffixes_();
   }
+  listedTypes_ = request.fileTypes;
+  list();
   setName(withSuffix(request.suggestedName, suffixes_));
 }
 
@@ -42,6 +54,10 @@ void SavePanel::addAccessory(QWidget* accessory) {
   for (QComboBox* const choice : accessory->findChildren<QComboBox*>()) {
     connect(choice, &QComboBox::currentIndexChanged, this, &SavePanel::takeOverSuffix);
   }
+}
+
+void SavePanel::list() {
+  model()->setSuffixes(listedTypes_.empty() ? suffixes_ : listedTypes_);
 }
 
 void SavePanel::takeOverSuffix() {
@@ -56,6 +72,7 @@ void SavePanel::takeOverSuffix() {
     }
   }
   suffixes_ = acceptedSuffixes_();
+  list();
   if (!name.empty()) {
     setName(withSuffix(name, suffixes_));
   }
@@ -66,40 +83,51 @@ void SavePanel::accept() {
     return;
   }
   const std::string name = names().front();
-  look({pathOf(name), pathOf(withSuffix(name, suffixes_))},
-       [this, name](const std::vector<PathKind>& kinds) { take(name, kinds); });
+  const auto found = std::make_shared<Found>();
+  look(
+      [found, typed = pathOf(name), target = pathOf(withSuffix(name, suffixes_)),
+       lossOfReplacing = lossOfReplacing_] {
+        found->typed = kindOfPath(typed);
+        found->target = kindOfPath(target);
+        if (found->target == PathKind::file && lossOfReplacing) {
+          found->loss = lossOfReplacing(target);
+        }
+      },
+      [this, name, found] { take(name, *found); });
 }
 
-void SavePanel::take(const std::string& name, const std::vector<PathKind>& kinds) {
-  if (kinds[0] == PathKind::folder) {
+void SavePanel::take(const std::string& name, const Found& found) {
+  if (found.typed == PathKind::folder) {
     showFolder(pathOf(name));
     setName({});
     return;
   }
   setName(withSuffix(name, suffixes_));
   path_ = pathOf(withSuffix(name, suffixes_));
-  if (kinds[1] == PathKind::file) {
-    askToReplace();
+  if (found.target == PathKind::file) {
+    askToReplace(found.loss);
   } else {
     QDialog::accept();  // the caller reports a folder
   }
 }
 
-void SavePanel::askToReplace() {
+void SavePanel::askToReplace(const QString& loss) {
   const std::string name = std::filesystem::path(path_).filename().string();
-  auto* const question =
-      new QMessageBox(QMessageBox::Warning, windowTitle(),
-                      localized("“%1” already exists. Do you want to replace it?")
-                          .arg(QString::fromStdString(name)),
-                      QMessageBox::Yes | QMessageBox::No, this);
-  question->setDefaultButton(QMessageBox::No);
+  auto* const question = new QMessageBox(this);
+  question->setObjectName("replaceQuestion");
   question->setAttribute(Qt::WA_DeleteOnClose);
   question->setWindowModality(Qt::WindowModal);
-  for (QLabel* const label : question->findChildren<QLabel*>()) {
-    label->setTextFormat(Qt::PlainText);  // it contains a file name
-  }
-  connect(question, &QDialog::finished, this, [this](int answer) {
-    if (answer == QMessageBox::Yes) {
+  fillMessageBox(*question,
+                 localized("“%1” already exists. Do you want to replace it?").arg(shownName(name)),
+                 loss);
+  question->setWindowTitle(windowTitle());
+  const QPushButton* const replace =
+      question->addButton(localized("&Replace"), QMessageBox::DestructiveRole);
+  QPushButton* const cancel = question->addButton(localized("&Cancel"), QMessageBox::RejectRole);
+  question->setDefaultButton(cancel);
+  question->setEscapeButton(cancel);
+  connect(question, &QDialog::finished, this, [this, question, replace] {
+    if (question->clickedButton() == replace) {
       QDialog::accept();
     }
   });
@@ -124,13 +152,17 @@ void SavePanel::askForNewFolder() {
   question->setWindowModality(Qt::WindowModal);
   question->setWindowTitle(localized("New Folder"));
   question->setLabelText(localized("Name of the new folder:"));
-  question->setCancelButtonText(localized("Cancel"));
+  question->setOkButtonText(localized("&OK"));
+  question->setCancelButtonText(localized("&Cancel"));
   connect(question, &QInputDialog::textValueSelected, this, [this](const QString& name) {
     if (!name.isEmpty()) {
       makeNewFolder(name.toStdString());
     }
   });
   question->open();
+  for (QPushButton* const button : question->findChildren<QPushButton*>()) {
+    button->setIcon({});  // no button has one
+  }
 }
 
 void SavePanel::makeNewFolder(const std::string& name) {

@@ -14,7 +14,8 @@ namespace platform {
                                      const std::vector<std::string>& suffixes);
 
 /// The save panel: gives the name a suffix matching the kind chosen in its accessory before it asks
-/// whether to replace an existing file. Quotes in a name are part of it.
+/// whether to replace an existing file, and says what gets lost by that. Quotes in a name are part
+/// of it.
 ///
 /// Threads: main. Real-time: not safe.
 class SavePanel : public FilePanel {
@@ -32,15 +33,19 @@ class SavePanel : public FilePanel {
  private:
   void addAccessory(QWidget* accessory);
   void addNewFolderButton();
+  void list();
   void takeOverSuffix();
-  void take(const std::string& name, const std::vector<PathKind>& kinds);
-  void askToReplace();
+  struct Found;
+  void take(const std::string& name, const Found& found);
+  void askToReplace(const QString& loss);
   void askForNewFolder();
   void makeNewFolder(const std::string& name);
 
   std::string path_;
   const std::function<std::vector<std::string>()> acceptedSuffixes_;
-  std::vector<std::string> suffixes_;  // for the accessory's last known choice
+  const std::function<QString(const std::string&)> lossOfReplacing_;
+  std::vector<std::string> suffixes_;     // for the accessory's last known choice
+  std::vector<std::string> listedTypes_;  // empty: suffixes_
 };
 
 }  // namespace platform

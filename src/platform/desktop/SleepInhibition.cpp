@@ -12,30 +12,14 @@
 #include <QTimer>
 
 #include "platform/base/GlobalQueue.h"
+#include "platform/desktop/DesktopPortal.h"
 #include "platform/mainloop/MainQueue.h"
 
 namespace platform {
 namespace {
 
-const QString kPortal = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString kPortalPath = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString kRequest = QStringLiteral("org.freedesktop.portal.Request");
 constexpr uint kSuspend = 4;  // of the portal's flags
-constexpr uint kGranted = 0;  // of its responses
 constexpr int kNoTimeout = std::numeric_limits<int>::max();
-
-// Unique in the process: a portal refuses a token that is in use.
-QString nextToken() {
-  static int number = 0;
-  return QStringLiteral("orvo%1").arg(++number);
-}
-
-// Where the portal puts the request of a caller.
-QString requestPath(const QDBusConnection& bus, const QString& token) {
-  QString caller = bus.baseService().mid(1);
-  caller.replace(QLatin1Char('.'), QLatin1Char('_'));
-  return kPortalPath + QStringLiteral("/request/%1/%2").arg(caller, token);
-}
 
 }  // namespace
 
@@ -104,14 +88,15 @@ void SleepInhibition::await(const QDBusPendingCall& call, Answered answered) {
 // An answer is waited for without a limit: one that came after a limit could not be released.
 void SleepInhibition::askPortal(const QDBusConnection& bus) {
   QDBusConnection connection = bus;
-  const QString token = nextToken();
+  const QString token = portal::nextToken();
   // Before the request is made, so that no response is missed. Without a service's name, which
   // would have to be looked up first; the path is this request's alone.
-  connection.connect(QString(), requestPath(bus, token), kRequest, QStringLiteral("Response"), this,
+  connection.connect(QString(), portal::requestPath(bus, token),
+                     QLatin1String(portal::kRequestInterface), QStringLiteral("Response"), this,
                      SLOT(portalResponded(uint, QVariantMap)));
   QDBusMessage request = QDBusMessage::createMethodCall(
-      kPortal, kPortalPath, QStringLiteral("org.freedesktop.portal.Inhibit"),
-      QStringLiteral("Inhibit"));
+      QLatin1String(portal::kService), QLatin1String(portal::kPath),
+      QStringLiteral("org.freedesktop.portal.Inhibit"), QStringLiteral("Inhibit"));
   const QVariantMap options{{QStringLiteral("handle_token"), token},
                             {QStringLiteral("reason"), reason_}};
   request.setArguments({QString(), kSuspend, options});
@@ -127,9 +112,7 @@ void SleepInhibition::portalAnswered(const QDBusConnection& bus,
     askLoginManager();
     return;
   }
-  releasePortal_ = [bus, path = handle.value().path()] {
-    bus.send(QDBusMessage::createMethodCall(kPortal, path, kRequest, QStringLiteral("Close")));
-  };
+  releasePortal_ = [bus, path = handle.value().path()] { portal::closeRequest(bus, path); };
   if (isReleased_) {
     std::exchange(releasePortal_, nullptr)();
   }
@@ -137,7 +120,7 @@ void SleepInhibition::portalAnswered(const QDBusConnection& bus,
 
 // The portal gives the handle at once and says here whether the desktop agreed.
 void SleepInhibition::portalResponded(uint response, const QVariantMap&) {
-  if (response != kGranted) {
+  if (response != portal::kGranted) {
     releasePortal_ = nullptr;
     askLoginManager();
   }

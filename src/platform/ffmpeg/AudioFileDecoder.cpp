@@ -2,28 +2,24 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <utility>
 
 #include "platform/ffmpeg/Ffmpeg.h"
+#include "platform/ffmpeg/FfmpegStatus.h"
+#include "platform/ffmpeg/HeaderCorrection.h"
 
 namespace platform {
 namespace {
 
-// Programs that write to a pipe cannot correct the header. Its length then means "until the end":
-// the largest 31-bit or 32-bit number, minus a header or rounded.
-bool standsForUntilTheEnd(std::int64_t frames, std::int64_t bytesPerFrame) {
-  constexpr std::int64_t kRoundedBytes = 0x10000;
-  for (const std::int64_t largest : {std::int64_t{1} << 31, std::int64_t{1} << 32}) {
-    if (frames >= (largest - kRoundedBytes) / bytesPerFrame &&
-        frames <= (largest + kRoundedBytes) / bytesPerFrame) {
-      return true;
-    }
-  }
-  return false;
-}
-
 // Rounding of time scales and decoder delay: an inaudible loss.
 constexpr std::int64_t kToleratedFrames = 8192;
+// The same of uncompressed samples, in parts of a second: some programs count a header or a last
+// buffer that is not there.
+constexpr int kToleratedPcmShare = 10;
+
+// Frames: nonsense beyond, and sums must not overflow.
+constexpr std::int64_t kMaxPosition = std::int64_t{1} << 52;
 
 // Some decoders fill only part of the frame for a damaged packet. Silence in the rest avoids
 // audible old memory content, which would differ each time.
@@ -84,7 +80,7 @@ int AudioFileDecoder::start() {
   if (!demuxer_->isLinearPcm()) {
     codec_->get_buffer2 = silentBuffer;
   }
-  return avcodec_open2(codec_.get(), codec, nullptr);
+  return ffmpegVerdict(avcodec_open2(codec_.get(), codec, nullptr));
 }
 
 AVFrame* AudioFileDecoder::next() {
@@ -104,13 +100,14 @@ AVFrame* AudioFileDecoder::next() {
   }
   std::swap(current_, ahead_);
   av_frame_unref(ahead_.get());
+  const int leftOut = leftOut_;
   aheadError_ = decode(*ahead_);
   if (aheadError_ == AVERROR_EXIT) {
     finish(aheadError_);
     return nullptr;
   }
   if (aheadError_ != 0) {
-    cutToPacket(*current_);
+    cutToPacket(*current_, leftOut);
   }
   decodedFrames_ += current_->nb_samples;
   return current_.get();
@@ -118,6 +115,22 @@ AVFrame* AudioFileDecoder::next() {
 
 // Returns 0 with a frame of at least one sample, otherwise the error that ended the file.
 int AudioFileDecoder::decode(AVFrame& frame) {
+  for (;;) {
+    if (editsRate_ > 0 && edits_.isOverAt(position_)) {
+      return AVERROR_EOF;
+    }
+    if (const int result = decodePacket(frame); result != 0) {
+      return result;
+    }
+    if (cutToEdits(frame)) {
+      return 0;
+    }
+    av_frame_unref(&frame);
+  }
+}
+
+// The same with what the edits leave out.
+int AudioFileDecoder::decodePacket(AVFrame& frame) {
   for (;;) {
     const int result = avcodec_receive_frame(codec_.get(), &frame);
     if (result == 0) {
@@ -131,8 +144,8 @@ int AudioFileDecoder::decode(AVFrame& frame) {
       return inputError_ != 0 ? inputError_ : AVERROR_EOF;
     }
     if (result != AVERROR(EAGAIN)) {
-      if (result == AVERROR(ENOMEM)) {
-        return result;
+      if (ffmpegVerdict(result) == AVERROR(ENOMEM)) {
+        return AVERROR(ENOMEM);
       }
       lostPackets_ = true;
       if (inputError_ != 0) {
@@ -165,13 +178,49 @@ bool AudioFileDecoder::feed() {
   return true;
 }
 
-// In MPEG-4 the last packet's duration gives the length of its sound.
-void AudioFileDecoder::cutToPacket(AVFrame& frame) const {
+// Cuts a frame to what the edit list plays of it. False if that is nothing.
+bool AudioFileDecoder::cutToEdits(AVFrame& frame) {
+  const Mpeg4Edits* const edits = demuxer_->edits();
+  if (edits == nullptr || frame.sample_rate <= 0) {
+    return true;
+  }
+  const AVRational unit = demuxer_->stream().time_base;
+  const AVRational frameUnit{1, frame.sample_rate};
+  if (frame.sample_rate != editsRate_) {
+    edits_ = edits->rescaled(unit, frameUnit);
+    position_ = editsRate_ > 0 ? av_rescale(position_, frame.sample_rate, editsRate_) : 0;
+    editsRate_ = frame.sample_rate;
+  }
+  if (frame.pts != AV_NOPTS_VALUE) {
+    // The packets' times are rounded to their unit; only a gap goes beyond that.
+    const std::int64_t rounding = av_rescale_q(1, unit, frameUnit) + 1;
+    const std::int64_t told = av_rescale_q(frame.pts, unit, frameUnit);
+    const bool isSane = told >= 0 && told <= kMaxPosition;
+    position_ = isSane && std::abs(told - position_) > 2 * rounding ? told : position_;
+  }
+  const std::int64_t begin = std::exchange(position_, position_ + frame.nb_samples);
+  const auto part = edits_.playedPart(begin, frame.nb_samples);
+  if (!part) {
+    return false;
+  }
+  leftOut_ = static_cast<int>(part->begin - begin);
+  frame.nb_samples = static_cast<int>(part->end - part->begin);
+  if (leftOut_ > 0) {
+    av_samples_copy(frame.extended_data, frame.extended_data, 0, leftOut_, frame.nb_samples,
+                    frame.ch_layout.nb_channels, static_cast<AVSampleFormat>(frame.format));
+  }
+  return true;
+}
+
+// In MPEG-4 the last packet's duration gives the length of its sound. `leftOutBefore` are frames
+// of the packet that are not in the frame.
+void AudioFileDecoder::cutToPacket(AVFrame& frame, int leftOutBefore) const {
   if (!demuxer_->isMpeg4() || durationOf(frame) <= 0 || frame.sample_rate <= 0) {
     return;
   }
   const std::int64_t frames = av_rescale_q_rnd(durationOf(frame), demuxer_->stream().time_base,
-                                               {1, frame.sample_rate}, AV_ROUND_NEAR_INF);
+                                               {1, frame.sample_rate}, AV_ROUND_NEAR_INF) -
+                              leftOutBefore;
   if (frames > 0 && frames < frame.nb_samples) {
     frame.nb_samples = static_cast<int>(frames);
   }
@@ -190,20 +239,25 @@ void AudioFileDecoder::finish(int error) {
 // Whether the header declared more than the file holds.
 bool AudioFileDecoder::isCutOff() const {
   const AVStream& stream = demuxer_->stream();
+  if (demuxer_->isMpeg4() && demuxer_->edits() == nullptr) {
+    return false;  // FFmpeg does not tell the length of what it reorders
+  }
+  const int rate = codec_->sample_rate;
   if (demuxer_->isLinearPcm()) {
     const std::int64_t promised = demuxer_->promisedPcmFrames();
-    const std::int64_t bytesPerFrame = std::max(stream.codecpar->block_align, 1);
-    return promised > decodedFrames_ && !standsForUntilTheEnd(promised, bytesPerFrame);
+    const auto bytesPerFrame =
+        static_cast<std::uint64_t>(std::max(stream.codecpar->block_align, 1));
+    return promised - decodedFrames_ >= std::max(rate / kToleratedPcmShare, 1) &&
+           !standsForUntilTheEnd(static_cast<std::uint64_t>(promised) * bytesPerFrame);
   }
   const std::int64_t declared = demuxer_->declaredDuration();
-  const int rate = codec_->sample_rate;
   // Other containers' lengths include the encoder's silence.
   if (declared == 0 || rate <= 0 || !(demuxer_->isMpeg4() || demuxer_->isBareStream())) {
     return false;
   }
   const std::int64_t frames =
       av_rescale_q_rnd(declared, stream.time_base, {1, rate}, AV_ROUND_NEAR_INF);
-  return frames - kToleratedFrames > decodedFrames_;
+  return frames < 0 || frames > decodedFrames_ + kToleratedFrames;  // negative: it overflowed
 }
 
 }  // namespace platform

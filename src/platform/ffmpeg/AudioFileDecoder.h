@@ -7,12 +7,14 @@
 #include "platform/ffmpeg/AudioFileDemuxer.h"
 #include "platform/ffmpeg/AvResources.h"
 #include "platform/ffmpeg/DecodingBudget.h"
+#include "platform/ffmpeg/Mpeg4Edits.h"
 #include "platform/files/File.h"
 
 namespace platform {
 
 /// Decodes a file's sound once, from start to end, without the silence that an encoder adds before
-/// it and, where the file declares it, after it.
+/// it and, where the file declares it, after it. What an edit list of MPEG-4 leaves out is left
+/// out, to the frame.
 ///
 /// Packets that cannot be decoded are skipped.
 ///
@@ -45,7 +47,9 @@ class AudioFileDecoder {
   [[nodiscard]] int start();
   [[nodiscard]] int decode(AVFrame& frame);
   [[nodiscard]] bool feed();
-  void cutToPacket(AVFrame& frame) const;
+  [[nodiscard]] int decodePacket(AVFrame& frame);
+  [[nodiscard]] bool cutToEdits(AVFrame& frame);
+  void cutToPacket(AVFrame& frame, int leftOutBefore) const;
   void finish(int error);
   [[nodiscard]] bool isCutOff() const;
 
@@ -61,6 +65,12 @@ class AudioFileDecoder {
   bool ended_ = false;
   bool lostPackets_ = false;
   std::int64_t decodedFrames_ = 0;  // at the file's rate
+
+  // MPEG-4: the position in the media, in frames at editsRate_.
+  Mpeg4Edits edits_;
+  int editsRate_ = 0;  // Hz; 0: nothing was decoded yet
+  std::int64_t position_ = 0;
+  int leftOut_ = 0;  // frames that the edits cut off the start of ahead_
 };
 
 }  // namespace platform

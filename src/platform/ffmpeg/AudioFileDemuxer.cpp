@@ -1,7 +1,6 @@
 #include "platform/ffmpeg/AudioFileDemuxer.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -9,6 +8,8 @@
 #include <mutex>
 
 #include "platform/ffmpeg/Ffmpeg.h"
+#include "platform/ffmpeg/FfmpegStatus.h"
+#include "platform/ffmpeg/HeaderCorrection.h"
 
 namespace platform {
 namespace {
@@ -30,9 +31,6 @@ constexpr std::int64_t kHeaderBytes = std::int64_t{256} << 20;
 constexpr milliseconds kPacketWork{500};
 constexpr std::int64_t kPacketBytes = std::numeric_limits<std::int64_t>::max();
 
-// Bounds FFmpeg's single allocations, which a damaged length field can inflate.
-constexpr std::size_t kMaxAllocation = std::size_t{512} << 20;
-
 constexpr const char* kLargerPackets = "65536";  // bytes; 16 times fewer packets of a WAV
 // FFmpeg checks whether 16-bit samples are a disguised DTS or Dolby stream. A third of a second is
 // enough for that; its default of 2,500 packets would cost 0.1 s for every file.
@@ -52,26 +50,31 @@ std::unique_ptr<AudioFileDemuxer> AudioFileDemuxer::open(File& file, std::uint64
                                                          const std::string& path,
                                                          DecodingBudget& interruption, int& error) {
   static std::once_flag bounded;
-  std::call_once(bounded, [] { av_max_alloc(kMaxAllocation); });
+  std::call_once(bounded, [] { av_max_alloc(kLargestAllocation); });
 
   auto io = AudioFileIo::forReading(file, size, interruption);
   if (io == nullptr) {
     error = AVERROR(ENOMEM);
     return nullptr;
   }
-  std::unique_ptr<AudioFileDemuxer> demuxer(
-      new AudioFileDemuxer(file, std::move(io), interruption));
+  std::unique_ptr<AudioFileDemuxer> demuxer(new AudioFileDemuxer(std::move(io), interruption));
   error = demuxer->openContainer(path);
   if (error >= 0) {
     error = demuxer->chooseStream();
   }
   interruption.lift();
+  demuxer->io_->view().stopRemembering();
   if (interruption.isCancelled()) {
     error = AVERROR_EXIT;
-  } else if (error < 0 && demuxer->io_->firstError() != 0) {
-    error = demuxer->io_->firstError();
+  } else if (error < 0) {
+    error = demuxer->verdict(error);
   }
   return error < 0 ? nullptr : std::move(demuxer);
+}
+
+// A failing medium looks like the end of the file or like damage to some demuxers.
+int AudioFileDemuxer::verdict(int error) const {
+  return io_->firstError() != 0 && error != AVERROR_EXIT ? io_->firstError() : ffmpegVerdict(error);
 }
 
 AudioFileDemuxer::~AudioFileDemuxer() = default;
@@ -92,6 +95,14 @@ int AudioFileDemuxer::openContainer(const std::string& path) {
   av_dict_set(&options, "max_size", kLargerPackets, 0);  // WAV's alone
 
   interruption_.limit(kHeaderWork, kHeaderBytes);
+  if (!interruption_.isDue()) {
+    correctHeader(io_->view());
+    tracks_ = readMpeg4Edits(io_->view());
+    mp3Tag_ = readMp3LengthTag(io_->view());
+  }
+  if (tracks_) {
+    av_dict_set(&options, "ignore_editlist", "1", 0);  // MPEG-4's alone
+  }
   const int result = avformat_open_input(&context, path.c_str(), nullptr, &options);
   av_dict_free(&options);
   if (result < 0) {
@@ -101,6 +112,9 @@ int AudioFileDemuxer::openContainer(const std::string& path) {
   io_->clearInterruption();
   headerEnd_ =
       static_cast<std::uint64_t>(std::max<std::int64_t>(avio_seek(context->pb, 0, SEEK_CUR), 0));
+  if (std::strcmp(context->iformat->name, "mp3") != 0) {
+    mp3Tag_.reset();
+  }
   return 0;
 }
 
@@ -128,6 +142,10 @@ int AudioFileDemuxer::chooseStream() {
   const char* const codec = avcodec_get_name(stream_->codecpar->codec_id);
   isLinearPcm_ = std::strncmp(codec, "pcm_", 4) == 0 &&
                  av_get_exact_bits_per_sample(stream_->codecpar->codec_id) >= 8;
+  if (tracks_ && isMpeg4()) {
+    const auto track = tracks_->find(static_cast<std::uint32_t>(stream_->id));
+    edits_ = track != tracks_->end() ? track->second : Mpeg4Edits();
+  }
   return 0;
 }
 
@@ -146,14 +164,17 @@ int AudioFileDemuxer::read(AVPacket& packet) {
       return AVERROR_EOF;
     }
     if (result < 0) {
-      // A failing medium looks like the end of the file to some demuxers.
-      return io_->firstError() != 0 && result != AVERROR_EXIT ? io_->firstError() : result;
+      return verdict(result);
     }
     if (packet.stream_index == stream_->index) {
-      if (isLinearPcm_ && stream_->codecpar->block_align > 0) {
-        packet.size -= packet.size % stream_->codecpar->block_align;  // drops a partial frame
+      const int frameBytes = isLinearPcm_ ? stream_->codecpar->block_align : 0;
+      if (frameBytes <= 0) {
+        return 0;
       }
-      return 0;
+      packet.size -= packet.size % frameBytes;  // drops a partial frame
+      if (packet.size > 0) {
+        return 0;
+      }
     }
     av_packet_unref(&packet);
   }
@@ -175,12 +196,29 @@ bool AudioFileDemuxer::isDurationGuessed() const {
 }
 
 std::int64_t AudioFileDemuxer::declaredDuration() const {
-  return isDurationGuessed() || stream_->duration == AV_NOPTS_VALUE || stream_->duration < 0
-             ? 0
-             : stream_->duration;
+  return isDurationGuessed() ? 0 : estimatedDuration();
+}
+
+std::int64_t AudioFileDemuxer::estimatedDuration() const {
+  if (stream_->duration == AV_NOPTS_VALUE || stream_->duration < 0) {
+    return 0;
+  }
+  return edits_ ? edits_->lengthOf(stream_->duration) : stream_->duration;
 }
 
 std::int64_t AudioFileDemuxer::promisedPcmFrames() const {
+  return std::clamp<std::int64_t>(promiseOfHeader(), 0, kMostPromisedFrames);
+}
+
+// As the header has it, whatever number that is.
+std::int64_t AudioFileDemuxer::promiseOfHeader() const {
+  const AVCodecParameters& parameters = *stream_->codecpar;
+  if (isMpeg4()) {
+    const std::int64_t frames =
+        av_rescale_q_rnd(declaredDuration(), stream_->time_base,
+                         {1, std::max(parameters.sample_rate, 1)}, AV_ROUND_NEAR_INF);
+    return frames >= 0 ? frames : kMostPromisedFrames;  // FFmpeg's answer to what overflows
+  }
   if (stream_->nb_frames > 0) {
     return stream_->nb_frames;
   }
@@ -189,14 +227,13 @@ std::int64_t AudioFileDemuxer::promisedPcmFrames() const {
   }
   // A WAV whose samples should continue past its end: their chunk header gives the length.
   constexpr std::size_t kChunkHeader = 8;  // name and size
-  std::array<std::uint8_t, kChunkHeader> header{};
-  if (headerEnd_ < kChunkHeader || stream_->codecpar->block_align <= 0 ||
-      file_.readAt(header.data(), kChunkHeader, headerEnd_ - kChunkHeader).byteCount !=
-          kChunkHeader ||
-      std::memcmp(header.data(), "data", 4) != 0) {
+  if (headerEnd_ < kChunkHeader || parameters.block_align <= 0) {
     return 0;
   }
-  return AV_RL32(header.data() + 4) / static_cast<std::uint32_t>(stream_->codecpar->block_align);
+  const std::string header = io_->view().peek(headerEnd_ - kChunkHeader, kChunkHeader);
+  return header.size() == kChunkHeader && header.compare(0, 4, "data") == 0
+             ? AV_RL32(header.data() + 4) / static_cast<std::uint32_t>(parameters.block_align)
+             : 0;
 }
 
 }  // namespace platform

@@ -46,6 +46,14 @@ bool AudioFileIo::start(bool writing) {
   return context_ != nullptr;
 }
 
+int AudioFileIo::firstError() const {
+  return writeError_ != 0 ? writeError_ : AVERROR(view_.firstError());
+}
+
+std::uint64_t AudioFileIo::size() const {
+  return interruption_ != nullptr ? view_.size() : written_;
+}
+
 void AudioFileIo::clearInterruption() {
   if (context_->error == AVERROR_EXIT) {
     context_->error = 0;
@@ -59,12 +67,9 @@ int AudioFileIo::readPacket(void* self, std::uint8_t* destination, int byteCount
     return AVERROR_EXIT;
   }
   const FileTransfer transfer =
-      io.file_.readAt(destination, static_cast<std::uint64_t>(byteCount), io.position_);
+      io.view_.readAt(destination, static_cast<std::uint64_t>(byteCount), io.position_);
   io.interruption_->noteRead(transfer.byteCount);
   io.position_ += transfer.byteCount;
-  if (transfer.error != 0 && io.firstError_ == 0) {
-    io.firstError_ = AVERROR(transfer.error);
-  }
   if (transfer.byteCount > 0) {
     return static_cast<int>(transfer.byteCount);
   }
@@ -75,13 +80,13 @@ int AudioFileIo::write(const std::uint8_t* data, int byteCount) {
   const FileTransfer transfer =
       file_.writeAt(data, static_cast<std::uint64_t>(byteCount), position_);
   position_ += transfer.byteCount;
-  size_ = std::max(size_, position_);
+  written_ = std::max(written_, position_);
   if (transfer.byteCount == static_cast<std::uint64_t>(byteCount)) {
     return byteCount;
   }
   const int error = AVERROR(transfer.error != 0 ? transfer.error : EIO);
-  if (firstError_ == 0) {
-    firstError_ = error;
+  if (writeError_ == 0) {
+    writeError_ = error;
   }
   return error;
 }
@@ -91,14 +96,14 @@ std::int64_t AudioFileIo::seek(void* self, std::int64_t offset, int whence) {
   std::int64_t from = 0;
   switch (whence & ~AVSEEK_FORCE) {
     case AVSEEK_SIZE:
-      return static_cast<std::int64_t>(io.size_);
+      return static_cast<std::int64_t>(io.size());
     case SEEK_SET:
       break;
     case SEEK_CUR:
       from = static_cast<std::int64_t>(io.position_);
       break;
     case SEEK_END:
-      from = static_cast<std::int64_t>(io.size_);
+      from = static_cast<std::int64_t>(io.size());
       break;
     default:
       return AVERROR(EINVAL);

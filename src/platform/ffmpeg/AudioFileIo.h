@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/ffmpeg/AudioFileView.h"
 #include "platform/ffmpeg/AvResources.h"
 #include "platform/ffmpeg/DecodingBudget.h"
 #include "platform/files/File.h"
@@ -29,25 +30,31 @@ class AudioFileIo {
 
   /// The first failed transfer as a negative errno; 0 for none. FFmpeg sometimes reports a later
   /// one, or mistakes a failure for the end of the file.
-  [[nodiscard]] int firstError() const { return firstError_; }
+  [[nodiscard]] int firstError() const;
+
+  /// What a reading object reads.
+  [[nodiscard]] AudioFileView& view() { return view_; }
 
   /// Lets reading continue after an interruption.
   void clearInterruption();
 
  private:
   AudioFileIo(File& file, std::uint64_t size, DecodingBudget* interruption)
-      : file_(file), size_(size), interruption_(interruption) {}
+      : file_(file), view_(file, size), interruption_(interruption) {}
 
   [[nodiscard]] bool start(bool writing);
   static int readPacket(void* self, std::uint8_t* destination, int byteCount);
   [[nodiscard]] int write(const std::uint8_t* data, int byteCount);
   static std::int64_t seek(void* self, std::int64_t offset, int whence);
 
+  [[nodiscard]] std::uint64_t size() const;
+
   File& file_;
-  std::uint64_t size_;
+  AudioFileView view_;
   DecodingBudget* const interruption_;  // null when writing
   std::uint64_t position_ = 0;
-  int firstError_ = 0;
+  std::uint64_t written_ = 0;  // size of a file that is written
+  int writeError_ = 0;         // the first, negative
   AvStream context_;
 };
 

@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
 #include "platform/ffmpeg/AudioFileDecoder.h"
 #include "platform/ffmpeg/AudioFileLength.h"
+#include "platform/ffmpeg/AudioFileTagReading.h"
 #include "platform/ffmpeg/DecodingBudget.h"
 #include "platform/ffmpeg/Ffmpeg.h"
 #include "platform/ffmpeg/FfmpegLog.h"
@@ -21,9 +23,12 @@ class FfmpegAudioFileInput final : public ExtAudioFileInput {
   ~FfmpegAudioFileInput() override;
 
   [[nodiscard]] AudioStreamBasicDescription fileDataFormat() const override;
+  [[nodiscard]] AudioFileTags tags() const override;
   [[nodiscard]] AudioStatus setClientDataFormat(
       const AudioStreamBasicDescription& format) const override;
-  [[nodiscard]] std::int64_t fileLengthFrames() override;
+  [[nodiscard]] std::int64_t fileLengthFrames() const override { return length_.frames; }
+  [[nodiscard]] bool isLengthEstimated() const override { return length_.isEstimated; }
+  [[nodiscard]] double shareRead() const override;
   [[nodiscard]] Read read(float* destination, std::uint32_t frames) override;
   [[nodiscard]] AudioStatus seekToStart() override;
 
@@ -44,7 +49,9 @@ class FfmpegAudioFileInput final : public ExtAudioFileInput {
   WorkingFormatConverter converter_;
   bool ended_ = false;
   AudioStatus endStatus_ = kAudioStatusOk;
-  std::int64_t lengthFrames_ = -1;  // below 0: not computed yet
+  AudioFileLength length_;
+  bool isLengthKnown_ = false;  // without another look at the file
+  std::int64_t delivered_ = 0;  // frames, since the start
 };
 
 std::uint32_t formatId(const AVCodecParameters& parameters, bool isLinearPcm) {
@@ -100,7 +107,15 @@ AudioStatus FfmpegAudioFileInput::start() {
   const FfmpegLog::Scope scope(log_);
   int error = 0;
   decoder_ = AudioFileDecoder::open(*file_, size_, path_, interruption_, error);
-  return decoder_ != nullptr ? kAudioStatusOk : statusOf(AudioFileStage::opening, error);
+  if (decoder_ == nullptr) {
+    return statusOf(AudioFileStage::opening, error);
+  }
+  delivered_ = 0;
+  if (!isLengthKnown_) {
+    length_ = audioFileLength(decoder_->demuxer());
+    isLengthKnown_ = !length_.isEstimated;
+  }
+  return kAudioStatusOk;
 }
 
 AudioStatus FfmpegAudioFileInput::statusOf(AudioFileStage stage, int error) const {
@@ -124,9 +139,20 @@ AudioStreamBasicDescription FfmpegAudioFileInput::fileDataFormat() const {
     format.mBytesPerFrame = format.mBitsPerChannel / 8 * format.mChannelsPerFrame;
     format.mBytesPerPacket = format.mBytesPerFrame;
   } else {
+    if (parameters.codec_id == AV_CODEC_ID_ALAC) {
+      format.mBitsPerChannel = static_cast<std::uint32_t>(parameters.bits_per_raw_sample);
+    }
     format.mFramesPerPacket = static_cast<std::uint32_t>(parameters.frame_size);
   }
   return format;
+}
+
+AudioFileTags FfmpegAudioFileInput::tags() const {
+  if (decoder_ == nullptr) {
+    return {};
+  }
+  const AudioFileDemuxer& demuxer = decoder_->demuxer();
+  return tagsOf(demuxer.container(), demuxer.stream());
 }
 
 AudioStatus FfmpegAudioFileInput::setClientDataFormat(
@@ -143,12 +169,14 @@ AudioStatus FfmpegAudioFileInput::setClientDataFormat(
              : kUnsupportedDataFormatStatus;
 }
 
-std::int64_t FfmpegAudioFileInput::fileLengthFrames() {
-  if (lengthFrames_ < 0 && decoder_ != nullptr) {
-    const FfmpegLog::Scope scope(log_);
-    lengthFrames_ = audioFileLengthFrames(decoder_->demuxer(), *file_, size_, path_, interruption_);
+double FfmpegAudioFileInput::shareRead() const {
+  if (decoder_ == nullptr || ended_) {
+    return 1.0;
   }
-  return lengthFrames_ < 0 ? 0 : lengthFrames_;
+  const AudioFileDemuxer& demuxer = decoder_->demuxer();
+  return std::min(static_cast<double>(demuxer.bytesRead()) /
+                      static_cast<double>(std::max<std::uint64_t>(demuxer.size(), 1)),
+                  1.0);
 }
 
 FfmpegAudioFileInput::Read FfmpegAudioFileInput::read(float* destination, std::uint32_t frames) {
@@ -160,13 +188,12 @@ FfmpegAudioFileInput::Read FfmpegAudioFileInput::read(float* destination, std::u
     if (frame == nullptr) {
       const int error = decoder_ != nullptr ? decoder_->endError() : AVERROR_INVALIDDATA;
       const int finished = converter_.finish();
-      end(error != 0 ? statusOf(AudioFileStage::reading, error)
-                     : statusOf(AudioFileStage::reading, finished));
+      end(statusOf(AudioFileStage::reading, error != 0 ? error : ffmpegVerdict(finished)));
     } else if (const int put =
                    converter_.put(*frame, destination + done * kChannels, frames - done);
                put < 0) {
       static_cast<void>(converter_.finish());
-      end(statusOf(AudioFileStage::reading, put));
+      end(statusOf(AudioFileStage::reading, ffmpegVerdict(put)));
     } else {
       done += static_cast<std::uint32_t>(put);
     }
@@ -174,6 +201,11 @@ FfmpegAudioFileInput::Read FfmpegAudioFileInput::read(float* destination, std::u
   }
   if (endStatus_ == kCancelledStatus || interruption_.isCancelled()) {
     return {.frames = 0, .status = kCancelledStatus};
+  }
+  delivered_ += done;
+  if (done == 0 && ended_ && length_.isEstimated) {
+    length_ = {.frames = delivered_};
+    isLengthKnown_ = true;
   }
   return {.frames = done,
           .status = done == 0 && ended_ && frames > 0 ? endStatus_ : kAudioStatusOk};

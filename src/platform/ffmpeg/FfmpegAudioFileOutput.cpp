@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "platform/ffmpeg/AudioFileIo.h"
+#include "platform/ffmpeg/AudioFileTagWriting.h"
 #include "platform/ffmpeg/AvResources.h"
 #include "platform/ffmpeg/Ffmpeg.h"
 #include "platform/ffmpeg/FfmpegLog.h"
@@ -44,7 +46,8 @@ Encoding encodingOf(AudioFileKind kind) {
 
 class FfmpegAudioFileOutput final : public ExtAudioFileOutput {
  public:
-  [[nodiscard]] static Created create(UserAudioFiles::Opened file, AudioFileKind kind);
+  [[nodiscard]] static Created create(UserAudioFiles::Opened file, AudioFileKind kind,
+                                      const AudioFileTags& tags);
 
   ~FfmpegAudioFileOutput() override;
 
@@ -54,12 +57,13 @@ class FfmpegAudioFileOutput final : public ExtAudioFileOutput {
   [[nodiscard]] AudioStatus dispose() override;
 
  private:
-  explicit FfmpegAudioFileOutput(AudioFileKind kind) : kind_(kind) {}
+  FfmpegAudioFileOutput(AudioFileKind kind, const AudioFileTags& tags)
+      : kind_(kind), maximumFrames_(maximumFrames(kind, tags.byteCount())) {}
 
-  [[nodiscard]] AudioStatus start(UserAudioFiles::Opened file);
+  [[nodiscard]] AudioStatus start(UserAudioFiles::Opened file, const AudioFileTags& tags);
   [[nodiscard]] int openEncoder();
   [[nodiscard]] int openConverter();
-  [[nodiscard]] int openMuxer();
+  [[nodiscard]] int openMuxer(const AudioFileTags& tags);
   [[nodiscard]] int makeFrame();
   [[nodiscard]] int append(const float* frames, std::uint64_t count);
   [[nodiscard]] int fill(const float* frames, int count);
@@ -67,8 +71,10 @@ class FfmpegAudioFileOutput final : public ExtAudioFileOutput {
   [[nodiscard]] int encode(const AVFrame* frame);
   [[nodiscard]] int finish();
   [[nodiscard]] AudioStatus keep(int error);
+  [[nodiscard]] AudioStatus keepStatus(AudioStatus status);
 
   const AudioFileKind kind_;
+  const std::optional<std::uint64_t> maximumFrames_;
   FfmpegLog::Budget log_;
   std::unique_ptr<File> file_;
   std::unique_ptr<AudioFileIo> io_;
@@ -88,14 +94,16 @@ class FfmpegAudioFileOutput final : public ExtAudioFileOutput {
 
 }  // namespace
 
-ExtAudioFileOutput::Created createOutput(UserAudioFiles::Opened file, AudioFileKind kind) {
-  return FfmpegAudioFileOutput::create(std::move(file), kind);
+ExtAudioFileOutput::Created createOutput(UserAudioFiles::Opened file, AudioFileKind kind,
+                                         const AudioFileTags& tags) {
+  return FfmpegAudioFileOutput::create(std::move(file), kind, tags);
 }
 
 ExtAudioFileOutput::Created FfmpegAudioFileOutput::create(UserAudioFiles::Opened file,
-                                                          AudioFileKind kind) {
-  std::unique_ptr<FfmpegAudioFileOutput> output(new FfmpegAudioFileOutput(kind));
-  const AudioStatus status = output->start(std::move(file));
+                                                          AudioFileKind kind,
+                                                          const AudioFileTags& tags) {
+  std::unique_ptr<FfmpegAudioFileOutput> output(new FfmpegAudioFileOutput(kind, tags));
+  const AudioStatus status = output->start(std::move(file), tags);
   if (status != kAudioStatusOk) {
     output->isDisposed_ = true;  // there is nothing to finish
     return {.file = nullptr, .status = status};
@@ -107,10 +115,10 @@ FfmpegAudioFileOutput::~FfmpegAudioFileOutput() {
   static_cast<void>(dispose());
 }
 
-AudioStatus FfmpegAudioFileOutput::start(UserAudioFiles::Opened file) {
+AudioStatus FfmpegAudioFileOutput::start(UserAudioFiles::Opened file, const AudioFileTags& tags) {
   const FfmpegLog::Scope scope(log_);
   if (!file) {
-    return keep(AVERROR(file.error()));
+    return keepStatus(audioFileStatus(AudioFileStage::writing, AVERROR(file.error())));
   }
   file_ = *std::move(file);
   io_ = AudioFileIo::forWriting(*file_);
@@ -126,7 +134,7 @@ AudioStatus FfmpegAudioFileOutput::start(UserAudioFiles::Opened file) {
     result = openConverter();
   }
   if (result >= 0) {
-    result = openMuxer();
+    result = openMuxer(tags);
   }
   return keep(result);
 }
@@ -180,7 +188,7 @@ int FfmpegAudioFileOutput::openConverter() {
   return result < 0 ? result : swr_init(context);
 }
 
-int FfmpegAudioFileOutput::openMuxer() {
+int FfmpegAudioFileOutput::openMuxer(const AudioFileTags& tags) {
   AVFormatContext* context = nullptr;
   // The muxer warns of any other suffix; nothing is opened by this name.
   const char* const name = kind_ == AudioFileKind::m4a ? "sound.m4a" : nullptr;
@@ -202,12 +210,18 @@ int FfmpegAudioFileOutput::openMuxer() {
       copied < 0) {
     return copied;
   }
+  if (const int tagged = addTags(*context, kind_, tags); tagged < 0) {
+    return tagged;
+  }
   AVDictionary* options = nullptr;
   av_dict_set(&options, "rf64", "auto", 0);              // WAV: sizes of 64 bits where needed
   av_dict_set(&options, "movie_timescale", "44100", 0);  // MPEG-4: a length exact to the frame
+  if (!tags.all().empty()) {
+    av_dict_set(&options, "write_id3v2", "1", 0);  // AIFF: its own chunks hold few of them
+  }
   const int written = avformat_write_header(context, &options);
   av_dict_free(&options);
-  return written;
+  return written < 0 ? written : writeCover(*context, tags);
 }
 
 AudioStatus FfmpegAudioFileOutput::setClientDataFormat(
@@ -222,8 +236,8 @@ AudioStatus FfmpegAudioFileOutput::write(const float* frames, std::uint64_t coun
   if (isDisposed_) {
     return kInvalidParameterStatus;
   }
-  if (const auto most = maximumFrames(kind_); most && count > *most - frameCount_) {
-    return keep(AVERROR(EFBIG));
+  if (maximumFrames_ && count > *maximumFrames_ - std::min(frameCount_, *maximumFrames_)) {
+    return keepStatus(kFileTooLargeStatus);
   }
   const FfmpegLog::Scope scope(log_);
   frameCount_ += count;
@@ -340,13 +354,17 @@ int FfmpegAudioFileOutput::finish() {
   return result;
 }
 
-// Keeps the first failure; the file's own error says more than FFmpeg's.
+// What a function of FFmpeg returned. The file's own error says more than FFmpeg's.
 AudioStatus FfmpegAudioFileOutput::keep(int error) {
-  if (io_ != nullptr && io_->firstError() != 0) {
-    error = io_->firstError();
-  }
+  const bool hasFileFailed = io_ != nullptr && io_->firstError() != 0;
+  return keepStatus(audioFileStatus(AudioFileStage::writing,
+                                    hasFileFailed ? io_->firstError() : ffmpegVerdict(error)));
+}
+
+// Keeps the first failure.
+AudioStatus FfmpegAudioFileOutput::keepStatus(AudioStatus status) {
   if (firstFailure_ == kAudioStatusOk) {
-    firstFailure_ = audioFileStatus(AudioFileStage::writing, error);
+    firstFailure_ = status;
   }
   return firstFailure_;
 }

@@ -9,7 +9,8 @@ namespace platform {
     UserAudioFiles& files, const std::string& path,
     std::shared_ptr<const std::atomic<bool>> cancelled);
 [[nodiscard]] ExtAudioFileOutput::Created createOutput(UserAudioFiles::Opened file,
-                                                       AudioFileKind kind);
+                                                       AudioFileKind kind,
+                                                       const AudioFileTags& tags);
 [[nodiscard]] std::unique_ptr<FourierTransform> createTransform(int log2Length);
 
 }  // namespace platform

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 
 #include "platform/ffmpeg/Ffmpeg.h"
 
@@ -40,9 +41,10 @@ constexpr std::array kRows{
     always(AVERROR(EMFILE), kTooManyOpenFilesStatus),
     always(AVERROR(ENFILE), kTooManyOpenFilesStatus),
     always(AVERROR(ENOMEM), kOutOfMemoryStatus),
-    // A file that no demuxer takes, that one gave up on, or that ended inside its header.
+    // A file that no demuxer takes, that one gave up on, or that ended inside its header; what an
+    // encoder or a muxer does not take.
     Row{AVERROR_INVALIDDATA, kUnsupportedFileTypeStatus, kInvalidFileStatus,
-        kFileInputOutputStatus},
+        kUnsupportedDataFormatStatus},
     Row{AVERROR(EINVAL), kUnsupportedFileTypeStatus, kInvalidFileStatus, kFileInputOutputStatus},
     Row{AVERROR_EOF, kUnsupportedFileTypeStatus, kInvalidFileStatus, kFileInputOutputStatus},
     Row{AVERROR_EXIT, kUnsupportedFileTypeStatus, kInvalidFileStatus, kFileInputOutputStatus},
@@ -63,6 +65,14 @@ constexpr std::array kRows{
 
 constexpr Row kOtherwise{0, kUnsupportedFileTypeStatus, kInvalidFileStatus, kFileInputOutputStatus};
 
+// Nothing touches the memory. It is volatile so that the compiler does not leave the attempt out.
+bool systemGrants(std::size_t bytes) {
+  void* const volatile memory = std::malloc(bytes);
+  const bool granted = memory != nullptr;
+  std::free(memory);
+  return granted;
+}
+
 }  // namespace
 
 AudioStatus audioFileStatus(AudioFileStage stage, int error) {
@@ -81,6 +91,16 @@ AudioStatus audioFileStatus(AudioFileStage stage, int error) {
       break;
   }
   return row.writing;
+}
+
+int ffmpegVerdict(int error) {
+  constexpr int kHighestErrno = 4095;
+  const bool isErrno = error < 0 && error >= -kHighestErrno;
+  if (!isErrno || error == AVERROR(ENOSYS)) {  // "not implemented"
+    return error;
+  }
+  return error == AVERROR(ENOMEM) && !systemGrants(kLargestAllocation) ? error
+                                                                       : AVERROR_INVALIDDATA;
 }
 
 }  // namespace platform

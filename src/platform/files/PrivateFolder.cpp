@@ -7,21 +7,15 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <string_view>
 #include <utility>
+#include <vector>
+
+#include "platform/files/OwnFolder.h"
 
 namespace platform {
 namespace {
-
-constexpr mode_t kRightsOfOthers = 0077;
-
-int errorOfFolder(int descriptor) {
-  struct stat status = {};
-  if (::fstat(descriptor, &status) != 0) {
-    return errno;
-  }
-  return status.st_uid == ::geteuid() && (status.st_mode & kRightsOfOthers) == 0 ? 0 : EPERM;
-}
 
 int errorOfFile(int descriptor) {
   struct stat status = {};
@@ -45,10 +39,8 @@ int openFile(int folder, const char* name) {
 
 // File ------------------------------------------------------------------------------------------
 
-PrivateFile::PrivateFile(std::shared_ptr<PosixFile> folder, int folderDescriptor, std::string name,
-                         int descriptor)
+PrivateFile::PrivateFile(std::shared_ptr<const Descriptor> folder, std::string name, int descriptor)
     : folder_(std::move(folder)),
-      folderDescriptor_(folderDescriptor),
       name_(std::move(name)),
       descriptor_(descriptor),
       file_(descriptor) {}
@@ -58,6 +50,13 @@ PrivateFile::~PrivateFile() = default;
 std::uint64_t PrivateFile::number() const {
   struct stat status = {};
   return ::fstat(descriptor_, &status) == 0 ? status.st_ino : 0;
+}
+
+std::uint64_t PrivateFile::allocatedBytes() const {
+  constexpr std::uint64_t kUnit = 512;  // of st_blocks
+  struct stat status = {};
+  return ::fstat(descriptor_, &status) == 0 ? static_cast<std::uint64_t>(status.st_blocks) * kUnit
+                                            : 0;
 }
 
 std::chrono::system_clock::time_point PrivateFile::modified() const {
@@ -78,7 +77,7 @@ int PrivateFile::checkName() const {
   struct stat opened = {};
   struct stat named = {};
   if (::fstat(descriptor_, &opened) != 0 ||
-      ::fstatat(folderDescriptor_, name_.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0) {
+      ::fstatat(folder_->get(), name_.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0) {
     return errno;
   }
   return opened.st_dev == named.st_dev && opened.st_ino == named.st_ino ? 0 : ESTALE;
@@ -88,30 +87,42 @@ int PrivateFile::remove() {
   if (const int error = checkName()) {
     return error;
   }
-  return ::unlinkat(folderDescriptor_, name_.c_str(), 0) == 0 ? 0 : errno;
+  return ::unlinkat(folder_->get(), name_.c_str(), 0) == 0 ? 0 : errno;
 }
 
 // Folder ----------------------------------------------------------------------------------------
 
-PrivateFolder::PrivateFolder(int descriptor)
-    : folder_(std::make_shared<PosixFile>(descriptor)), descriptor_(descriptor) {}
+PrivateFolder::PrivateFolder(Descriptor folder)
+    : folder_(std::make_shared<const Descriptor>(std::move(folder))) {}
 
-Result<PrivateFolder> PrivateFolder::at(const std::string& path) {
-  const int descriptor =
-      ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
-  if (descriptor < 0) {
+Result<PrivateFolder> PrivateFolder::at(const std::string& path, int ownFolders) {
+  std::vector<std::string> names;  // from the innermost outwards
+  std::filesystem::path base = path;
+  for (int i = 0; i < ownFolders; ++i) {
+    names.push_back(base.filename().string());
+    base = base.parent_path();
+  }
+  const std::string start = base.empty() ? "." : base.string();
+  Descriptor folder(::open(start.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK));
+  if (!folder) {
     return errno;
   }
-  PrivateFolder folder(descriptor);
-  if (const int error = errorOfFolder(descriptor)) {
+  for (auto name = names.rbegin(); name != names.rend(); ++name) {
+    auto inner = openOwnFolder(folder.get(), *name, MissingFolder::isAnError);
+    if (!inner) {
+      return inner.error();
+    }
+    folder = *std::move(inner);
+  }
+  if (const int error = closeToOthers(folder.get())) {
     return error;
   }
-  return folder;
+  return PrivateFolder(std::move(folder));
 }
 
 void PrivateFolder::forEachName(const std::function<void(const std::string& name)>& found) const {
   // A descriptor of its own: the position in the folder belongs to it.
-  const int descriptor = ::openat(descriptor_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const int descriptor = ::openat(folder_->get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   DIR* const listing = descriptor < 0 ? nullptr : ::fdopendir(descriptor);
   if (listing == nullptr) {
     if (descriptor >= 0) {
@@ -130,11 +141,11 @@ void PrivateFolder::forEachName(const std::function<void(const std::string& name
 }
 
 PrivateFolder::Opened PrivateFolder::open(const std::string& name) const {
-  const int descriptor = openFile(descriptor_, name.c_str());
+  const int descriptor = openFile(folder_->get(), name.c_str());
   if (descriptor < 0) {
     return errno;
   }
-  std::shared_ptr<PrivateFile> file(new PrivateFile(folder_, descriptor_, name, descriptor));
+  std::shared_ptr<PrivateFile> file(new PrivateFile(folder_, name, descriptor));
   if (const int error = errorOfFile(descriptor)) {
     return error;
   }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/base/Result.h"
+#include "platform/files/Descriptor.h"
 #include "platform/files/PosixFile.h"
 
 namespace platform {
@@ -24,6 +25,8 @@ class PrivateFile {
   [[nodiscard]] File& content() { return file_; }
   /// Tells it from another file that takes its name while this object exists.
   [[nodiscard]] std::uint64_t number() const;
+  /// Bytes that the disk has set aside for it: fewer than its length where there are holes.
+  [[nodiscard]] std::uint64_t allocatedBytes() const;
   /// When its content last changed.
   [[nodiscard]] std::chrono::system_clock::time_point modified() const;
 
@@ -39,11 +42,9 @@ class PrivateFile {
 
  private:
   friend class PrivateFolder;
-  PrivateFile(std::shared_ptr<PosixFile> folder, int folderDescriptor, std::string name,
-              int descriptor);
+  PrivateFile(std::shared_ptr<const Descriptor> folder, std::string name, int descriptor);
 
-  const std::shared_ptr<PosixFile> folder_;  // owns folderDescriptor_
-  const int folderDescriptor_;
+  const std::shared_ptr<const Descriptor> folder_;
   const std::string name_;
   const int descriptor_;  // file_ owns it
   PosixFile file_;
@@ -57,10 +58,11 @@ class PrivateFolder {
  public:
   using Opened = Result<std::shared_ptr<PrivateFile>>;
 
-  /// Opens the folder. Fails with ENOENT where there is none, with ENOTDIR or ELOOP for a link and
-  /// for anything that is no folder, and with EPERM for a folder that belongs to someone else or
-  /// that others may read, change or enter.
-  [[nodiscard]] static Result<PrivateFolder> at(const std::string& path);
+  /// Opens the folder, and closes it to others if they may read, change or enter it. The last
+  /// `ownFolders` folders of the path must be the user's own and no links. Fails with ENOENT where
+  /// there is none, with ENOTDIR or ELOOP for a link and for anything that is no folder, and with
+  /// EPERM for a folder that belongs to someone else or cannot be closed to others.
+  [[nodiscard]] static Result<PrivateFolder> at(const std::string& path, int ownFolders = 1);
 
   /// Calls `found` with each name in it, in no order, without "." and "..".
   void forEachName(const std::function<void(const std::string& name)>& found) const;
@@ -70,10 +72,9 @@ class PrivateFolder {
   [[nodiscard]] Opened open(const std::string& name) const;
 
  private:
-  explicit PrivateFolder(int descriptor);
+  explicit PrivateFolder(Descriptor folder);
 
-  std::shared_ptr<PosixFile> folder_;  // owns descriptor_
-  int descriptor_;
+  std::shared_ptr<const Descriptor> folder_;
 };
 
 }  // namespace platform

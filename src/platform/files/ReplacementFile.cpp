@@ -6,13 +6,12 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <random>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "platform/files/ContinuedTransfer.h"
 #include "platform/files/FileRights.h"
+#include "platform/files/LeftoverFiles.h"
 
 namespace platform {
 namespace {
@@ -21,22 +20,10 @@ constexpr int kMaximumAttempts = 100;
 constexpr mode_t kUsualMode = 0666;    // before the umask
 constexpr mode_t kPrivateMode = 0600;  // until it gets the permissions of the file it replaces
 
-// The name is independent of the target's, which may already have the maximum length.
-std::string freshName() {
-  static constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
-  std::random_device random;
-  std::uniform_int_distribution<std::size_t> letter(0, kLetters.size() - 1);
-  std::string name = ".orvo-";
-  for (int i = 0; i < 8; ++i) {
-    name += kLetters[letter(random)];
-  }
-  return name;
-}
-
 // None, with the reason in errno, on failure.
 Descriptor create(const FilePlace& place, mode_t mode, std::string& name) {
   for (int attempt = 0; attempt < kMaximumAttempts; ++attempt) {
-    name = freshName();
+    name = freshReplacementName();
     Descriptor created(::openat(place.folder(), name.c_str(),
                                 O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
     if (created || errno != EEXIST) {
@@ -63,6 +50,8 @@ Result<std::unique_ptr<ReplacementFile>> ReplacementFile::beside(const std::stri
   if (!file) {
     return errno;
   }
+  holdReplacement(file.get());
+  removeLeftReplacements(place->folder());
   return std::unique_ptr<ReplacementFile>(
       new ReplacementFile(target, *std::move(place), std::move(name), std::move(file)));
 }
@@ -83,6 +72,16 @@ std::string ReplacementFile::folderBeside(const std::string& target) {
     file = file.parent_path() / link;  // the link alone if it is absolute
   }
   return folderOf(target);
+}
+
+std::string ReplacementFile::closedFolderBeside(const std::string& target, int error) {
+  if (error != EACCES && error != EPERM) {
+    return {};
+  }
+  std::string folder = folderBeside(target);
+  const bool isClosed =
+      ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0 && errno == EACCES;
+  return isClosed ? folder : std::string();
 }
 
 ReplacementFile::~ReplacementFile() {

@@ -17,6 +17,9 @@ namespace platform {
 /// the names in the folder cannot make it write to another file. A change is noticed before the
 /// target is replaced.
 ///
+/// A program that is killed leaves the new file behind, hidden; the next one that is made in the
+/// folder removes it once it is an hour old (removeLeftReplacements()).
+///
 /// If the target is a symbolic link, the file that it points to is replaced. The new file gets the
 /// old one's permissions, access control list, extended attributes and, where the system allows it,
 /// its owner.
@@ -38,6 +41,10 @@ class ReplacementFile {
   /// The folder in which beside() creates the file: the target's, links followed where possible.
   /// Creates nothing.
   [[nodiscard]] static std::string folderBeside(const std::string& target);
+
+  /// That folder, if the user may not make files in it and `error` of a failure to write `target`,
+  /// an errno, can come of that; otherwise, or if it is not there, empty.
+  [[nodiscard]] static std::string closedFolderBeside(const std::string& target, int error);
 
   /// Deletes the new file unless it was committed.
   ~ReplacementFile();

@@ -7,6 +7,7 @@
 
 #include "platform/base/AudioTypes.h"
 #include "platform/media/AudioFileStatus.h"
+#include "platform/media/AudioFileTags.h"
 
 namespace platform {
 
@@ -29,17 +30,28 @@ class ExtAudioFileInput {
 
   virtual ~ExtAudioFileInput() = default;
 
-  /// The encoding of the file's sound. Fields without a value are 0.
+  /// The encoding of the file's sound. Fields without a value are 0; mBitsPerChannel has one where
+  /// the samples are kept exactly.
   [[nodiscard]] virtual AudioStreamBasicDescription fileDataFormat() const = 0;
+
+  /// What the file says of its sound; empty after a failed seekToStart().
+  [[nodiscard]] virtual AudioFileTags tags() const = 0;
 
   /// Sets the format that read() returns; only kWorkingFormat is supported. Files with 1 to 8
   /// channels and 1,000 to 768,000 Hz can be converted to it.
   [[nodiscard]] virtual AudioStatus setClientDataFormat(
       const AudioStreamBasicDescription& format) const = 0;
 
-  /// Length in frames of the client format, rounded; 0 when unknown. A hint only. Counting an MP3
-  /// or ADTS file takes half a second at most, once.
-  [[nodiscard]] virtual std::int64_t fileLengthFrames() = 0;
+  /// Length in frames of the client format, rounded; 0 when unknown. A hint only: never allocate by
+  /// it.
+  [[nodiscard]] virtual std::int64_t fileLengthFrames() const = 0;
+
+  /// Whether the length is an estimate from the file's size and bit rate: that of MP3 without a
+  /// length header and of ADTS, until the file has been read to its end.
+  [[nodiscard]] virtual bool isLengthEstimated() const = 0;
+
+  /// Share of the file's bytes that has been read since its start, 0 to 1; 1 at the end.
+  [[nodiscard]] virtual double shareRead() const = 0;
 
   struct Read {
     std::uint32_t frames = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -10,12 +11,18 @@
 #include "platform/base/Result.h"
 #include "platform/files/File.h"
 #include "platform/media/AudioFileStatus.h"
+#include "platform/media/AudioFileTags.h"
 
 namespace platform {
 
 /// File types that can be written, all with 44100 Hz and two channels: 16-bit samples as WAV (RF64
 /// from 4 GB on), AIFF or CAF, or AAC in an MPEG-4 file.
 enum class AudioFileKind : std::uint32_t { wave = 0, aiff = 1, caf = 2, m4a = 3 };
+
+/// Whether files of a kind can hold a cover.
+[[nodiscard]] constexpr bool holdsCover(AudioFileKind kind) {
+  return kind == AudioFileKind::aiff || kind == AudioFileKind::m4a;
+}
 
 /// An audio file, written in the working format and encoded through FFmpeg.
 ///
@@ -37,19 +44,22 @@ class ExtAudioFileOutput {
 
   /// Creates the file, or truncates an existing one, and writes its header.
   [[nodiscard]] static Created createWithURL(const std::string& path, AudioFileKind kind);
-  /// Writes the header to a new, empty file, or fails as opening that file did.
+  /// Writes the header to a new, empty file, or fails as opening that file did. The file gets the
+  /// tags that its kind can hold; its sound is the same with and without them.
   [[nodiscard]] static Created createWithFile(Result<std::unique_ptr<File>> file,
-                                              AudioFileKind kind);
+                                              AudioFileKind kind, const AudioFileTags& tags = {});
 
-  /// Maximum frames that a file of this kind can hold; nothing for no limit.
-  [[nodiscard]] static constexpr std::optional<std::uint64_t> maximumFrames(AudioFileKind kind) {
-    // AIFF's length fields have 32 bits. Everything but the samples takes less than this.
+  /// Maximum frames that a file of this kind can hold beside tags of so many bytes; nothing for no
+  /// limit.
+  [[nodiscard]] static constexpr std::optional<std::uint64_t> maximumFrames(
+      AudioFileKind kind, std::uint64_t tagBytes = 0) {
+    // AIFF's length fields have 32 bits. Everything but samples and tags takes less than this.
     constexpr std::uint64_t kHeaderBytes = 4096;
     constexpr std::uint64_t kBytesPerFrame = 4;
+    constexpr std::uint64_t kMaxBytes = std::numeric_limits<std::uint32_t>::max() - kHeaderBytes;
     return kind != AudioFileKind::aiff
                ? std::nullopt
-               : std::optional((std::numeric_limits<std::uint32_t>::max() - kHeaderBytes) /
-                               kBytesPerFrame);
+               : std::optional((kMaxBytes - std::min(tagBytes, kMaxBytes)) / kBytesPerFrame);
   }
 
   /// Bytes that a file with so many frames takes at least, to find out beforehand that it cannot

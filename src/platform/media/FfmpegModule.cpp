@@ -27,16 +27,17 @@ ExtAudioFileOutput::Created ExtAudioFileOutput::createWithURL(const std::string&
   if (module == nullptr) {
     return {.file = nullptr, .status = kFfmpegMissingStatus};
   }
-  return module->createOutput(userAudioFiles()->createForWriting(path), kind);
+  return module->createOutput(userAudioFiles()->createForWriting(path), kind, {});
 }
 
 ExtAudioFileOutput::Created ExtAudioFileOutput::createWithFile(Result<std::unique_ptr<File>> file,
-                                                               AudioFileKind kind) {
+                                                               AudioFileKind kind,
+                                                               const AudioFileTags& tags) {
   const FfmpegModule* const module = ffmpegModule();
   if (module == nullptr) {
     return {.file = nullptr, .status = kFfmpegMissingStatus};
   }
-  return module->createOutput(std::move(file), kind);
+  return module->createOutput(std::move(file), kind, tags);
 }
 
 std::unique_ptr<FourierTransform> FourierTransform::create(int log2Length) {

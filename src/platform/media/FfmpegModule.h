@@ -19,9 +19,12 @@ struct FfmpegModule {
   ExtAudioFileInput::Opened (*openInput)(UserAudioFiles& files, const std::string& path,
                                          std::shared_ptr<const std::atomic<bool>> cancelled);
   /// ExtAudioFileOutput::createWithFile(), or its failure to create the file
-  ExtAudioFileOutput::Created (*createOutput)(UserAudioFiles::Opened file, AudioFileKind kind);
+  ExtAudioFileOutput::Created (*createOutput)(UserAudioFiles::Opened file, AudioFileKind kind,
+                                              const AudioFileTags& tags);
   /// FourierTransform::create()
   std::unique_ptr<FourierTransform> (*createTransform)(int log2Length);
+  /// FFmpeg's version, as the library tells it
+  const char* (*version)();
 };
 
 /// The module; always null when it or FFmpeg is missing, which is logged once. The first call loads

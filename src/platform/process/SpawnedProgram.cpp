@@ -79,4 +79,10 @@ bool SpawnedProgram::hasEnded() {
   return hasEnded_;
 }
 
+void SpawnedProgram::kill() {
+  if (!hasEnded()) {  // so the number is still its own
+    ::kill(number_, SIGKILL);
+  }
+}
+
 }  // namespace platform

@@ -31,6 +31,9 @@ class SpawnedProgram {
   /// Whether it has ended. Never waits.
   [[nodiscard]] bool hasEnded();
 
+  /// Ends it, also while it is stopped; nothing if it has ended. Does not wait.
+  void kill();
+
  private:
   explicit SpawnedProgram(int number) : number_(number) {}
 

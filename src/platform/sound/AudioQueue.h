@@ -200,6 +200,8 @@ class AudioQueues {
 
   /// The input that is captured from; while none is open, the default one. Never waits.
   [[nodiscard]] virtual AudioInputSource inputSource() const { return {}; }
+  /// Another number whenever inputSource() has changed. Cheap.
+  [[nodiscard]] virtual std::uint64_t inputSourceRevision() const { return 0; }
 
   /// The input that was captured from when a queue's failure listener was last called.
   [[nodiscard]] virtual AudioInputSource lostInput() const { return {}; }

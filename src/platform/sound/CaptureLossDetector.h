@@ -14,8 +14,11 @@ namespace platform {
 /// callback, but its minimum over a window of two seconds is stable. That minimum drifts slowly
 /// with the device's clock (1000 ppm are 88 frames a window) and stays raised only when frames are
 /// missing: after a stall without loss the late frames arrive in a burst. After a pause between two
-/// callbacks of half a second or more, a shorter window begins, so that a loss is found soon. The
-/// first window is ignored, since streams start unevenly.
+/// callbacks of half a second or more, a shorter window begins, so that a loss is found soon.
+///
+/// Streams start unevenly, also with a burst of frames that had been kept back. So nothing is found
+/// in the first half second, and the first windows are compared with the largest lag of that time,
+/// not with the smallest: a burst is not taken for the level that later frames fall behind.
 ///
 /// Threads: the device's real-time thread. Real-time: safe.
 class CaptureLossDetector {
@@ -33,18 +36,22 @@ class CaptureLossDetector {
  private:
   static constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::max();
 
+  void begin(AudioClock::TimePoint now) noexcept;
+  /// True while the stream settles.
+  [[nodiscard]] bool settle(std::int64_t lag, AudioClock::TimePoint now) noexcept;
+  void beginWindow(AudioClock::TimePoint now) noexcept;
   [[nodiscard]] std::uint64_t closeWindow() noexcept;
 
   bool begun_ = false;
   AudioClock::TimePoint origin_;
   AudioClock::TimePoint windowStart_;
   AudioClock::TimePoint lastCall_;
-  bool isAfterStall_ = false;         // this window
-  std::int64_t captured_ = 0;         // frames since origin_
-  std::int64_t windowLag_ = kNone;    // smallest lag in this window, frames
-  std::int64_t baselineLag_ = kNone;  // smallest lag in the previous window
+  bool isSettled_ = false;
+  bool isShort_ = true;             // this window
+  std::int64_t captured_ = 0;       // frames since origin_
+  std::int64_t windowLag_ = kNone;  // smallest lag in this window, frames
+  std::int64_t baselineLag_ = 0;    // the lag that a loss raises
   std::uint32_t windowCalls_ = 0;
-  std::uint32_t windows_ = 0;
 };
 
 }  // namespace platform

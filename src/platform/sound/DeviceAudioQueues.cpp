@@ -76,6 +76,10 @@ AudioInputSource DeviceAudioQueues::inputSource() const {
   return input_->source();
 }
 
+std::uint64_t DeviceAudioQueues::inputSourceRevision() const {
+  return input_->sourceRevision();
+}
+
 AudioInputSource DeviceAudioQueues::lostInput() const {
   return input_->lost();
 }

@@ -45,6 +45,7 @@ class DeviceAudioQueues final : public AudioQueues {
                                     AudioOutputQueue::Callback callback) override;
   [[nodiscard]] bool claimInputFailureAlert() override;
   [[nodiscard]] AudioInputSource inputSource() const override;
+  [[nodiscard]] std::uint64_t inputSourceRevision() const override;
   [[nodiscard]] AudioInputSource lostInput() const override;
 
  private:

@@ -76,12 +76,16 @@ void InputSourceTracker::setLost() {
   const MutexLock lock(mutex_);
   if (source_ != AudioInputSource()) {  // otherwise it was lost already
     lost_ = std::exchange(source_, {});
+    revision_.fetch_add(1, std::memory_order_release);
   }
 }
 
 void InputSourceTracker::setSource(AudioInputSource source) {
   const MutexLock lock(mutex_);
-  source_ = std::move(source);
+  if (source != source_) {
+    source_ = std::move(source);
+    revision_.fetch_add(1, std::memory_order_release);
+  }
 }
 
 AudioInputSource InputSourceTracker::standardOf(const Inputs& inputs) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -33,6 +35,8 @@ class InputSourceTracker {
   /// AudioQueues::inputSource() and lostInput(). Threads: any.
   [[nodiscard]] AudioInputSource source() const EXCLUDES(mutex_);
   [[nodiscard]] AudioInputSource lost() const EXCLUDES(mutex_);
+  /// AudioQueues::inputSourceRevision(). Threads: any.
+  [[nodiscard]] std::uint64_t revision() const { return revision_.load(std::memory_order_acquire); }
   /// The stream's source was lost; what there is now is unknown. Threads: any.
   void setLost() EXCLUDES(mutex_);
 
@@ -47,6 +51,9 @@ class InputSourceTracker {
   // Whether the list of inputs has had the source. Not every sound system uses the same ids in
   // both.
   bool isListed_ = false;
+
+  // Incremented with every change of source_, under the lock; read without it.
+  std::atomic<std::uint64_t> revision_{0};
 
   mutable Mutex mutex_;
   AudioInputSource source_ GUARDED_BY(mutex_);

@@ -73,9 +73,10 @@ class SharedInput final : public AudioInputClient,
   /// AudioQueues::claimInputFailureAlert().
   [[nodiscard]] bool claimFailureAlert();
 
-  /// AudioQueues::inputSource() and lostInput().
+  /// AudioQueues::inputSource(), lostInput() and inputSourceRevision().
   [[nodiscard]] AudioInputSource source() const { return tracker_.source(); }
   [[nodiscard]] AudioInputSource lost() const { return tracker_.lost(); }
+  [[nodiscard]] std::uint64_t sourceRevision() const { return tracker_.revision(); }
 
   [[nodiscard]] InputFanOut& fanOut() { return fanOut_; }
 

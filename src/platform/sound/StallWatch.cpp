@@ -55,20 +55,21 @@ std::shared_ptr<StallWatch::Stream> StallWatch::watch(std::shared_ptr<const Prog
 }
 
 void StallWatch::run() {
+  AudioClock::TimePoint now = clock_->now();
   AudioClock::TimePoint due;
   do {
-    due = clock_->now() + kInterval;
+    due = now + kInterval;  // after the last look, so that a stop between two of them shows
     while (clock_->waitUntil(wake_, due)) {
       const MutexLock lock(mutex_);
       if (isEnding_) {
         return;
       }
     }
-  } while (lookAtAll(due));
+    now = clock_->now();
+  } while (lookAtAll(now, due));
 }
 
-bool StallWatch::lookAtAll(AudioClock::TimePoint due) {
-  const AudioClock::TimePoint now = clock_->now();
+bool StallWatch::lookAtAll(AudioClock::TimePoint now, AudioClock::TimePoint due) {
   std::vector<std::shared_ptr<Stream>> kept;  // released outside the lock
   std::vector<std::shared_ptr<Stream>> stalled;
   {

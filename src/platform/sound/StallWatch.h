@@ -77,7 +77,8 @@ class StallWatch {
 
   void run() EXCLUDES(mutex_);
   /// False if nothing is watched any more, and the thread must end.
-  [[nodiscard]] bool lookAtAll(AudioClock::TimePoint due) EXCLUDES(mutex_);
+  [[nodiscard]] bool lookAtAll(AudioClock::TimePoint now, AudioClock::TimePoint due)
+      EXCLUDES(mutex_);
 
   const std::shared_ptr<AudioClock> clock_;
   Semaphore wake_;

@@ -2,14 +2,15 @@
 
 #include <utility>
 
-#include "platform/views/ViewDrawing.h"
+#include "platform/views/RoundShapes.h"
 
 namespace platform {
 
 namespace {
 
 constexpr double kWidth = 2.0;  // points
-const QColor kColor(39, 163, 173);
+const QColor kOnDark(39, 163, 173);
+const QColor kOnLight(0, 78, 86);
 
 }  // namespace
 
@@ -28,7 +29,7 @@ bool FocusRing::handle(const QFocusEvent& event) {
   return std::exchange(isShown_, shown) != shown;
 }
 
-void FocusRing::draw(QPainter& painter, const QRectF& bounds, double radius) const {
+void FocusRing::draw(QPainter& painter, const QRectF& bounds, double radius, Ground ground) const {
   if (!isShown_) {
     return;
   }
@@ -36,9 +37,8 @@ void FocusRing::draw(QPainter& painter, const QRectF& bounds, double radius) con
   const QRectF line = bounds.adjusted(kMiddle, kMiddle, -kMiddle, -kMiddle);
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(viewPen(kColor, kWidth));
-  painter.setBrush(Qt::NoBrush);
-  painter.drawRoundedRect(line, radius - kMiddle, radius - kMiddle);
+  painter.fillPath(roundedRingPath(line, radius - kMiddle, kWidth),
+                   ground == Ground::dark ? kOnDark : kOnLight);
   painter.restore();
 }
 

@@ -18,9 +18,15 @@ class FocusRing {
 
   [[nodiscard]] bool isShown() const { return isShown_; }
 
+  /// What the ring is drawn on; its contrast with it is at least 3:1.
+  enum class Ground {
+    dark,   ///< the waveform, the displays' well
+    light,  ///< the transport bar and its buttons
+  };
+
   /// Draws the ring, if it is shown, 2 points wide along the inside of `bounds` with corners of
   /// `radius`. Any coordinate system; antialiasing is switched on.
-  void draw(QPainter& painter, const QRectF& bounds, double radius) const;
+  void draw(QPainter& painter, const QRectF& bounds, double radius, Ground ground) const;
 
  private:
   bool isShown_ = false;

@@ -6,6 +6,7 @@
 
 #include <QLineF>
 #include <QLinearGradient>
+#include <QStringList>
 
 namespace platform {
 
@@ -27,6 +28,18 @@ constexpr double kGridLineWidth = 1.0;  // points
 
 bool isWhole(double number) {
   return std::floor(number) == number;
+}
+
+// The device pixels that `area` covers wholly or partly, in the painter's coordinates.
+QRectF touchedPixels(const QPainter& painter, const QRectF& area) {
+  constexpr double kRoundingError = 1e-6;  // of a ratio such as 1.1
+  const QTransform& toDevice = painter.deviceTransform();
+  const QRectF pixels = toDevice.mapRect(area);
+  const QPointF first(std::floor(pixels.left() + kRoundingError),
+                      std::floor(pixels.top() + kRoundingError));
+  const QPointF last(std::ceil(pixels.right() - kRoundingError),
+                     std::ceil(pixels.bottom() - kRoundingError));
+  return toDevice.inverted().mapRect(QRectF(first, last));
 }
 
 void strokeGrid(QPainter& painter, const std::vector<QLineF>& lines) {
@@ -61,7 +74,10 @@ void drawViewGradient(QPainter& painter, QSizeF size, const QColor& bottom, cons
   QLinearGradient gradient(0.0, 0.0, 0.0, size.height());
   gradient.setColorAt(0.0, bottom);
   gradient.setColorAt(1.0, top);
-  painter.fillRect(QRectF(QPointF(0.0, 0.0), size), gradient);
+  const bool wasSmoothed = painter.testRenderHint(QPainter::Antialiasing);
+  painter.setRenderHint(QPainter::Antialiasing, false);
+  painter.fillRect(touchedPixels(painter, QRectF(QPointF(0.0, 0.0), size)), gradient);
+  painter.setRenderHint(QPainter::Antialiasing, wasSmoothed);
 }
 
 void drawViewGridLevels(QPainter& painter, QSizeF size) {
@@ -112,6 +128,18 @@ void fillUprightBar(QPainter& painter, double left, double right, double height,
     }
   }
   painter.setRenderHint(QPainter::Antialiasing, wasSmoothed);
+}
+
+// Named here one by one: the system may know no substitute, and a style hint alone would come
+// before those that are as wide as Arial.
+QFont viewFont(int size) {
+  QFont font(QStringList{QStringLiteral("Arial"), QStringLiteral("Liberation Sans"),
+                         QStringLiteral("Arimo"), QStringLiteral("Helvetica"),
+                         QStringLiteral("Nimbus Sans"), QStringLiteral("FreeSans"),
+                         QStringLiteral("Noto Sans"), QStringLiteral("DejaVu Sans")});
+  font.setStyleHint(QFont::SansSerif);
+  font.setPixelSize(size);
+  return font;
 }
 
 void drawUprightText(QPainter& painter, QPointF baseline, const QString& text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
 #include <QPainter>
 #include <QPen>
 #include <QRect>
@@ -28,7 +29,8 @@ void useViewCoordinates(QPainter& painter, QSizeF viewSize);
 /// is clipped to it, as in every paint event.
 void paintOpaqueGround(QPainter& painter, const QRect& view, const QColor& ground);
 
-/// Fills a view of `size`, points, with a gradient from `bottom` to `top`.
+/// Fills a view of `size`, points, with a gradient from `bottom` to `top`: every device pixel that
+/// the view touches, whole, so that nothing below shows through those at its edges.
 void drawViewGradient(QPainter& painter, QSizeF size, const QColor& bottom, const QColor& top);
 
 /// Distance between grid lines, points.
@@ -46,6 +48,10 @@ void drawViewGridUprights(QPainter& painter, QSizeF size, double offset);
 /// whole device pixels.
 void fillUprightBar(QPainter& painter, double left, double right, double height,
                     const QColor& color);
+
+/// The views' font: Arial, or what comes nearest to it among the system's fonts. `size` is in
+/// points of the views' grid.
+[[nodiscard]] QFont viewFont(int size);
 
 /// Draws text whose baseline starts at `baseline`, upright although the y axis points up.
 void drawUprightText(QPainter& painter, QPointF baseline, const QString& text);

@@ -118,7 +118,7 @@ void OVWaveFormView::paintEvent(QPaintEvent* event) {
     return;
   }
   OVWaveFormDrawing::copyPicture(painter, size(), event->region(), image_);
-  focusRing_.draw(painter, rect(), kFocusRadius);
+  focusRing_.draw(painter, rect(), kFocusRadius, platform::FocusRing::Ground::dark);
 }
 
 bool OVWaveFormView::needsRendering(std::uint64_t elementCount) const {

@@ -1,6 +1,8 @@
 #include "document/display/OVDiskWatch.h"
 
 #include <cerrno>
+#include <memory>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -117,6 +119,51 @@ TEST_F(OVDiskWatchTest, SpaceThatCameBackTakesTheLastMinuteAwayAndIsToldWhenItGo
   EXPECT_THAT(text().toStdString(), HasSubstr("less than 30 minutes"));
   lookAt(kMinute);
   EXPECT_THAT(text().toStdString(), HasSubstr("less than a minute"));
+}
+
+TEST_F(OVDiskWatchTest, DocumentsThatRecordAtTheSameTimeFillTheDiskTogether) {
+  OVDocumentAudio otherAudio;
+  otherAudio.setBuffer(OVBlockBuffer::init());
+  OVNotices otherNotices{[this] { return now_; }};
+  {
+    OVDiskWatch other(life_, otherAudio, otherNotices);
+    other.setRecording(true);
+    settle();
+    record(11 * kMinute);
+    EXPECT_THAT(text().toStdString(), HasSubstr("less than 10 minutes")) << "it is 5.5";
+    other.look();
+    settle();
+    EXPECT_THAT(otherNotices.text().toStdString(), HasSubstr("less than 10 minutes"));
+    other.setRecording(false);
+    lookAt(15 * kMinute);
+    lookAt(11 * kMinute);
+    now_ += 2 * OVNotices::kShownFor;
+    notices_.tick();
+    lookAt(10 * kMinute + 1000);
+    EXPECT_EQ(text(), "") << "it is alone again";
+    other.setRecording(true);
+    settle();
+    lookAt(10 * kMinute);
+    EXPECT_THAT(text().toStdString(), HasSubstr("less than 5 minutes"));
+  }
+  watch_.setRecording(true);
+  lookAt(9 * kMinute);
+  EXPECT_THAT(text().toStdString(), HasSubstr("less than 10 minutes")) << "the other is closed";
+}
+
+TEST_F(OVDiskWatchTest, TenRecordingsOnADiskForTenMinutesHaveOneLeft) {
+  std::vector<std::unique_ptr<OVDocumentAudio>> audio;
+  std::vector<std::unique_ptr<OVDiskWatch>> watches;
+  OVNotices notices{[this] { return now_; }};
+  space_->set(10 * kMinute);
+  for (int i = 0; i < 9; ++i) {
+    audio.push_back(std::make_unique<OVDocumentAudio>());
+    audio.back()->setBuffer(OVBlockBuffer::init());
+    watches.push_back(std::make_unique<OVDiskWatch>(life_, *audio.back(), notices));
+    watches.back()->setRecording(true);
+  }
+  record(10 * kMinute);
+  EXPECT_EQ(text(), "Space for less than a minute of recording is left in “/nowhere”.");
 }
 
 TEST_F(OVDiskWatchTest, SpaceThatCannotBeReadIsOneLineInTheConsoleAndNoNotice) {

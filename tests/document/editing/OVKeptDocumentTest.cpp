@@ -99,6 +99,24 @@ TEST_F(OVKeptDocumentTest, JournalHasTheTimeOfTheFirstRecording) {
   EXPECT_GE(header.firstRecording.load(), header.created);
 }
 
+TEST_F(OVKeptDocumentTest, RecordPressedInVainLeavesNoTime) {
+  document_->setEdited(true);
+  const std::int64_t created = origin().begun;
+  document_->recordingTakenBack();
+  document_->recordingBegins();
+  document_->recordingTakenBack();
+  platform::PosixFile file(::dup(buffer_->journal()->descriptor()));
+  journal::Header header;
+  ASSERT_EQ(file.readAt(&header, sizeof header, 0).byteCount, sizeof header);
+  EXPECT_EQ(header.firstRecording.load(), 0);
+  EXPECT_EQ(origin().begun, created);
+  document_->recordingBegins();
+  document_->recordingBegins();  // the second one fails
+  document_->recordingTakenBack();
+  ASSERT_EQ(file.readAt(&header, sizeof header, 0).byteCount, sizeof header);
+  EXPECT_NE(header.firstRecording.load(), 0) << "the first one stands";
+}
+
 TEST_F(OVKeptDocumentTest, WithoutAKeeperThereIsNoJournal) {
   keeper_.available = false;
   document_->setEdited(true);

@@ -75,4 +75,15 @@ TEST_F(OVDiskShortageTest, ALengthThatTheFileCannotHaveIsNotBelieved) {
   EXPECT_FALSE(shortageFor(0x7FFFFFFF));
 }
 
+TEST_F(OVDiskShortageTest, NothingIsRefusedByAnEstimate) {
+  const std::string path = folder_.file("a.aac");
+  ASSERT_EQ(support::ffmpeg({"-f", "lavfi", "-i", "sine=d=3", "-c:a", "aac", path}), "");
+  space_->set(1000);
+  const auto reader = OVAudioFileReader::initWithFile(path);
+  ASSERT_NE(reader, nullptr);
+  ASSERT_TRUE(reader->isFileSizeEstimated());
+  ASSERT_GT(reader->fileSizeInFrames(), 44'100);
+  EXPECT_FALSE(shortageOfLoading(*reader, path, "/music"));
+}
+
 }  // namespace

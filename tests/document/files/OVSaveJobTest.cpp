@@ -11,7 +11,10 @@
 #include <gmock/gmock.h>
 
 #include "document/FileFixture.h"
+#include "platform/files/TemporaryFiles.h"
+#include "support/ClosedFolder.h"
 #include "support/fakes/MemoryTestBuffer.h"
+#include "support/fakes/ScriptedFreeSpace.h"
 
 namespace {
 
@@ -158,6 +161,27 @@ TEST_F(OVSaveJobTest, ALinkThatTakesTheNewFilesNameMeanwhileLeadsToNoOtherFile) 
   EXPECT_EQ(bytesOf(at("victim")), "secret");
 }
 
+TEST_F(OVSaveJobTest, AFolderInWhichNothingMayBeMadeIsNamed) {
+  audio_->append(ramp(1000));
+  ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+  const support::ClosedFolder closed(folder_.path());
+  ASSERT_TRUE(closed.isClosed());
+  const auto refused = save(1000);
+  EXPECT_EQ(refused.error, EACCES);
+  EXPECT_EQ(refused.closedFolder, folder_.path());
+}
+
+TEST_F(OVSaveJobTest, AnotherErrorInAClosedFolderIsToldAsItIs) {
+  audio_->append(ramp(1000));
+  fs::create_directory(at("take.wav"));
+  ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+  const support::ClosedFolder closed(folder_.path());
+  ASSERT_TRUE(closed.isClosed());
+  const auto refused = save(1000);
+  EXPECT_EQ(refused.error, EISDIR);
+  EXPECT_EQ(refused.closedFolder, "");
+}
+
 // In place ---------------------------------------------------------------------------------------
 
 /// The user's own file in a folder in which the user may make none.
@@ -221,6 +245,31 @@ TEST_F(OVSaveJobInPlaceTest, TouchesNothingWhereTheAudioHasGaps) {
   EXPECT_FALSE(outcome.complete);
   EXPECT_EQ(outcome.unreadableFrames, 10U);
   EXPECT_EQ(bytesOf(at("take.wav")), "old");
+}
+
+TEST_F(OVSaveJobInPlaceTest, RoomIsLookedForWhereTheNewContentAndTheCopyStand) {
+  const support::InstalledFreeSpace space;
+  audio_->append(ramp(20'000));
+  OVSaveJob::Request request{.buffer = audio_,
+                             .fromFrame = 0,
+                             .frameCount = 20'000,
+                             .path = at("take.wav"),
+                             .outputFormat = OVAudioFileWriter::kWave};
+  EXPECT_FALSE(OVSaveJob::lookForRoom(request).get());
+  EXPECT_TRUE(space->folders().empty()) << "nothing is written beside it";
+
+  request.way = OVSaveJob::Request::Way::inPlace;
+  const std::uint64_t bytes =
+      OVAudioFileWriter::estimatedBytes(OVAudioFileWriter::kWave, request.frameCount);
+  constexpr std::uint64_t kOld = 3;
+  space->set(bytes + kOld - 1);
+  const auto shortage = OVSaveJob::lookForRoom(request).get();
+  ASSERT_TRUE(shortage);
+  EXPECT_EQ(shortage->folder, platform::temporaryFiles()->directory());
+  EXPECT_EQ(shortage->neededBytes, bytes + kOld);
+  space->set(bytes + kOld);
+  EXPECT_FALSE(OVSaveJob::lookForRoom(request).get());
+  EXPECT_EQ(space->folders().back(), folder_.path()) << "for what it grows";
 }
 
 }  // namespace

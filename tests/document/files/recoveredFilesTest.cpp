@@ -63,18 +63,34 @@ TEST_F(RecoveredFilesTest, AnEmptyAndAMissingFolderListNothing) {
   EXPECT_FALSE(fs::exists(data_.file("orvo"))) << "nothing is made";
 }
 
-TEST_F(RecoveredFilesTest, AFolderThatOthersMayReadOrThatIsALinkIsNotUsed) {
+TEST_F(RecoveredFilesTest, AFolderThatOthersMayReadIsClosedToThemAndALinkIsNotUsed) {
   folder_.add(kName, support::ramp(0, 10));
   ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
-  EXPECT_THAT(list().files, IsEmpty());
-  EXPECT_EQ(list().error, EPERM);
-  ASSERT_EQ(::chmod(folder_.path().c_str(), 0700), 0);
   EXPECT_THAT(list().files, SizeIs(1));
+  EXPECT_EQ(fs::status(folder_.path()).permissions(), fs::perms::owner_all);
 
   const std::string link = data_.file("link");
   fs::create_directory_symlink(folder_.path(), link);
   EXPECT_THAT(recoveredFilesIn(link).files, IsEmpty());
   EXPECT_NE(recoveredFilesIn(link).error, 0);
+}
+
+TEST_F(RecoveredFilesTest, AFileOfALengthThatTakesNoRoomWaitsForRoomWhileItsWriterLives) {
+  const std::string path = folder_.put(kName + ".part", "");
+  fs::resize_file(path, 80'000);
+  {
+    const FileLock writer(path);
+    const OVRecoveredFile file = only();
+    EXPECT_EQ(file.state, State::waitingForRoom);
+    EXPECT_EQ(file.frames, 10'000U);
+    EXPECT_FALSE(file.claim);
+  }
+  EXPECT_EQ(only().state, State::damaged);
+}
+
+TEST_F(RecoveredFilesTest, WithoutAUserThereIsNoFolder) {
+  EXPECT_EQ(recoveredFilesIn("").error, 0);
+  EXPECT_THAT(recoveredFilesIn("").files, IsEmpty());
 }
 
 TEST_F(RecoveredFilesTest, TheFolderLiesInTheUsersDataFolder) {

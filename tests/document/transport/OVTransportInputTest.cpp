@@ -47,7 +47,10 @@ class OVTransportInputTest : public testing::Test {
       ASSERT_TRUE(queues_.input().deliverSilence(part, captured_));
     }
   }
-  [[nodiscard]] OVInputState state() const { return parts_.transport.inputState(); }
+  [[nodiscard]] const OVInputState& state() {
+    parts_.inputWatch.look();
+    return parts_.inputWatch.state();
+  }
 
   support::InstalledRecordingServices services_;
   support::InstalledSteppedQueues queues_;

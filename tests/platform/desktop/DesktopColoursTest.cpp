@@ -1,5 +1,6 @@
 #include "platform/desktop/DesktopColours.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -9,13 +10,18 @@
 #include <QDBusContext>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <QWidget>
 
+#include "platform/desktop/DarkMenuStyle.h"
 #include "support/MainLoop.h"
 #include "support/Sanitizers.h"
-#include "support/TemporaryFolder.h"
-#include "support/programs/ChildProcess.h"
+#include "support/fakes/RecordingServices.h"
+#include "support/programs/PrivateBus.h"
 
 namespace {
+
+/// Less than Qt waits for an answer of the bus.
+constexpr std::chrono::seconds kPatienceOfACall{15};
 
 /// A desktop's settings portal.
 class Portal : public QObject {
@@ -41,49 +47,44 @@ class DesktopColoursTest : public testing::Test {
     if (support::kThreadSanitizer) {
       GTEST_SKIP() << "Qt's thread for the bus is not built for ThreadSanitizer";
     }
-    const std::string socket = folder_.file("bus");
-    std::string error;
-    daemon_ = support::ChildProcess::start(
-        {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=unix:path=" + socket},
-        support::cleanEnvironment(), error);
-    ASSERT_NE(daemon_, nullptr) << error;
-    address_ = QStringLiteral("unix:path=") + QString::fromStdString(socket);
-    ASSERT_TRUE(support::eventually([&] { return connectTo("program").isConnected(); }));
-    ASSERT_TRUE(connectTo("portal").isConnected());
+    bus_ = std::make_unique<support::PrivateBus>();
+    ASSERT_TRUE(bus_->isRunning());
+    ASSERT_TRUE(bus_->connect("program").isConnected());
+    ASSERT_TRUE(bus_->connect("portal").isConnected());
   }
   void TearDown() override {
     colours_.reset();
     QApplication::setPalette(QPalette());
     for (const char* name : {"program", "portal"}) {
-      QDBusConnection::disconnectFromBus(QString::fromLatin1(name));
+      support::PrivateBus::disconnect(name);
     }
-  }
-
-  QDBusConnection connectTo(const char* name) {
-    const QString connectionName = QString::fromLatin1(name);
-    const QDBusConnection connection = QDBusConnection::connectToBus(address_, connectionName);
-    if (!connection.isConnected()) {
-      QDBusConnection::disconnectFromBus(connectionName);  // otherwise Qt would cache the failure
-    }
-    return connection;
   }
 
   void offerPortal() {
-    QDBusConnection bus = connectTo("portal");
+    QDBusConnection bus = bus_->connect("portal");
     ASSERT_TRUE(bus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &portal_,
                                    QDBusConnection::ExportAllSlots));
     ASSERT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
   }
 
-  void follow() { colours_ = std::make_unique<platform::DesktopColours>(connectTo("program")); }
+  void follow() { colours_ = std::make_unique<platform::DesktopColours>(bus_->connect("program")); }
+
+  /// The desktop's user chooses another scheme.
+  void changeTo(uint colorScheme, const char* key = "color-scheme") {
+    portal_.colorScheme = colorScheme;
+    QDBusMessage signal = QDBusMessage::createSignal(
+        QStringLiteral("/org/freedesktop/portal/desktop"),
+        QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("SettingChanged"));
+    signal.setArguments({QStringLiteral("org.freedesktop.appearance"), QString::fromLatin1(key),
+                         QVariant::fromValue(QDBusVariant(colorScheme))});
+    ASSERT_TRUE(bus_->connect("portal").send(signal));
+  }
 
   static bool looksDark() {
     return QApplication::palette().color(QPalette::Window).lightness() < 100;
   }
 
-  support::TemporaryFolder folder_;
-  std::unique_ptr<support::ChildProcess> daemon_;
-  QString address_;
+  std::unique_ptr<support::PrivateBus> bus_;
   Portal portal_;
   std::unique_ptr<platform::DesktopColours> colours_;
 };
@@ -95,6 +96,7 @@ TEST_F(DesktopColoursTest, ADarkDesktopGivesDarkColours) {
   EXPECT_FALSE(colours_->isDark()) << "the answer is not waited for";
   ASSERT_TRUE(runMainLoopUntil([&] { return colours_->isDark(); }));
   EXPECT_TRUE(looksDark());
+  EXPECT_NE(qobject_cast<platform::DarkMenuStyle*>(QApplication::style()), nullptr);
 }
 
 TEST_F(DesktopColoursTest, ALightDesktopOrOneWithoutAWishKeepsTheColours) {
@@ -109,6 +111,39 @@ TEST_F(DesktopColoursTest, ALightDesktopOrOneWithoutAWishKeepsTheColours) {
     EXPECT_FALSE(colours_->isDark());
     EXPECT_EQ(QApplication::palette(), before);
   }
+}
+
+TEST_F(DesktopColoursTest, ARunningProgramFollowsEveryChange) {
+  offerPortal();
+  const support::InstalledRecordingServices services;
+  const QPalette light = QApplication::palette();
+  QWidget window;
+  window.show();
+  follow();
+  ASSERT_TRUE(runMainLoopUntil([&] { return portal_.questions == 1; }));
+  for (int round = 0; round < 2; ++round) {
+    changeTo(1);
+    ASSERT_TRUE(runMainLoopUntil([&] { return colours_->isDark(); })) << round;
+    EXPECT_TRUE(looksDark());
+    EXPECT_LT(window.palette().color(QPalette::Window).lightness(), 100);
+    changeTo(round == 0 ? 2 : 0);
+    ASSERT_TRUE(runMainLoopUntil([&] { return !colours_->isDark(); })) << round;
+    EXPECT_EQ(QApplication::palette(), light);
+  }
+  EXPECT_EQ(services->consoleLinesWith("light and dark"), 0U);
+}
+
+TEST_F(DesktopColoursTest, OtherSettingsChangeNoColours) {
+  offerPortal();
+  follow();
+  ASSERT_TRUE(runMainLoopUntil([&] { return portal_.questions == 1; }));
+  changeTo(2);
+  changeTo(1, "accent-color");
+  changeTo(2);  // arrives after it
+  ASSERT_TRUE(drainMainQueue());
+  EXPECT_FALSE(colours_->isDark());
+  changeTo(1);
+  ASSERT_TRUE(runMainLoopUntil([&] { return colours_->isDark(); }));
 }
 
 TEST_F(DesktopColoursTest, AToolkitThatIsDarkByItselfIsLeftAlone) {
@@ -133,6 +168,28 @@ TEST_F(DesktopColoursTest, WithoutAPortalOrWithoutABusNothingHappens) {
   EXPECT_FALSE(colours_->isDark());
   EXPECT_FALSE(alone.isDark());
   EXPECT_EQ(QApplication::palette(), before);
+}
+
+TEST_F(DesktopColoursTest, ABusThatDoesNotAnswerIsNotWaitedFor) {
+  portal_.colorScheme = 1;
+  offerPortal();
+  ASSERT_TRUE(bus_->connect("program").isConnected());
+  bus_->daemon().freeze();
+  const auto before = std::chrono::steady_clock::now();
+  follow();
+  EXPECT_LT(std::chrono::steady_clock::now() - before, kPatienceOfACall);
+  bus_->daemon().thaw();
+  EXPECT_TRUE(runMainLoopUntil([&] { return colours_->isDark(); }));
+}
+
+TEST(DesktopColoursPaletteTest, TheHighlightIsTheSameInLightAndDark) {
+  const QPalette light = QApplication::palette();
+  const QPalette dark = platform::DesktopColours::darkPalette();
+  for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+    for (const auto role : {QPalette::Highlight, QPalette::HighlightedText}) {
+      EXPECT_EQ(dark.color(group, role), light.color(group, role)) << group << ' ' << role;
+    }
+  }
 }
 
 TEST(DesktopColoursPaletteTest, EveryTextStandsOutFromItsGround) {

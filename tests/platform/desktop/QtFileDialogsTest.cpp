@@ -19,9 +19,12 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 
+#include "platform/base/MainThread.h"
 #include "platform/desktop/OpenPanel.h"
 #include "platform/desktop/SavePanel.h"
 #include "platform/files/Descriptors.h"
@@ -98,7 +101,7 @@ class QtFileDialogsTest : public testing::Test {
 
   /// Presses a button of the question whether to replace a file as soon as it is shown; the
   /// question must name the file.
-  void answerQuestion(QMessageBox::StandardButton button, const std::string& fileName) {
+  void answerQuestion(const char* button, const std::string& fileName) {
     QTimer::singleShot(0, &window_, [this, button, fileName] {
       auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
       if (question == nullptr) {
@@ -110,7 +113,13 @@ class QtFileDialogsTest : public testing::Test {
       for (const QLabel* const label : question->findChildren<QLabel*>()) {
         EXPECT_EQ(label->textFormat(), Qt::PlainText);
       }
-      question->button(button)->click();
+      for (QAbstractButton* const each : question->buttons()) {
+        if (each->text() == button) {
+          each->click();
+          return;
+        }
+      }
+      ADD_FAILURE() << "no button " << button;
     });
   }
 
@@ -185,12 +194,12 @@ TEST_F(QtFileDialogsTest, AnotherKindForAFileThatExistsNamesAnotherFile) {
 TEST_F(QtFileDialogsTest, ReplacingAFileIsAskedForUnderItsFullName) {
   std::ofstream(folder_.file("take.aiff")) << "old";
   beginSave("x")->setText("take");
-  answerQuestion(QMessageBox::No, "take.aiff");
+  answerQuestion("&Cancel", "take.aiff");
   acceptPanel();
   EXPECT_TRUE(runMainLoopUntil([&] { return questions_ == 1; }));
   EXPECT_EQ(answers_, 0);
   EXPECT_TRUE(panel_->isVisible());
-  answerQuestion(QMessageBox::Yes, "take.aiff");
+  answerQuestion("&Replace", "take.aiff");
   acceptPanel();
   EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
   EXPECT_EQ(saved_, folder_.file("take.aiff"));
@@ -199,11 +208,64 @@ TEST_F(QtFileDialogsTest, ReplacingAFileIsAskedForUnderItsFullName) {
 TEST_F(QtFileDialogsTest, TheQuestionBeforeReplacingShowsANameAsItStands) {
   std::ofstream(folder_.file("<b>a \"b\".aiff")) << "old";
   beginSave("x")->setText("<b>a \"b\"");
-  answerQuestion(QMessageBox::Yes, "<b>a \"b\".aiff");
+  answerQuestion("&Replace", "<b>a \"b\".aiff");
   acceptPanel();
   EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
   EXPECT_EQ(questions_, 1);
   EXPECT_EQ(saved_, folder_.file("<b>a \"b\".aiff"));
+}
+
+TEST_F(QtFileDialogsTest, TheQuestionBeforeReplacingSaysWhatGetsLost) {
+  std::ofstream(folder_.file("take.aiff")) << "old";
+  platform::SavePanelRequest request = saveRequest("take");
+  request.lossOfReplacing = [](const std::string& path) {
+    EXPECT_FALSE(platform::isMainThread()) << "the disk may not answer";
+    return QString("Much of %1.").arg(QString::fromStdString(path));
+  };
+  panels_.beginSavePanel(request, [this](const auto&) { ++answers_; });
+  panel_ = shown<platform::SavePanel>("savePanel");
+  std::string loss;
+  panel_->accept();
+  ASSERT_TRUE(runMainLoopUntil([&] {
+    auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (question == nullptr) {
+      return false;
+    }
+    loss = question->informativeText().toStdString();
+    for (QAbstractButton* const each : question->buttons()) {
+      if (each->text() == "&Replace") {
+        each->click();
+      }
+    }
+    return true;
+  }));
+  EXPECT_EQ(loss, "Much of " + folder_.file("take.aiff") + ".");
+  EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
+}
+
+TEST_F(QtFileDialogsTest, ANewFileIsNotExaminedForWhatGetsLost) {
+  platform::SavePanelRequest request = saveRequest("take");
+  request.lossOfReplacing = [](const std::string& path) {
+    ADD_FAILURE() << path;
+    return QString();
+  };
+  panels_.beginSavePanel(request, [this](const auto&) { ++answers_; });
+  panel_ = shown<platform::SavePanel>("savePanel");
+  acceptPanel();
+  EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
+}
+
+TEST_F(QtFileDialogsTest, ANameThatWouldTurnTheDirectionOfTextIsShownWithoutThat) {
+  const std::string name = "take\u202Efdp.aiff";
+  std::ofstream(folder_.file(name)) << "old";
+  beginSave("take\u202Efdp");
+  const auto* const list = panel_->findChild<QAbstractItemView*>("listView");
+  ASSERT_TRUE(runMainLoopUntil([&] { return list->model()->rowCount() == 1; }));
+  EXPECT_EQ(list->model()->index(0, 0).data().toString(), "take fdp.aiff");
+  answerQuestion("&Replace", "“take fdp.aiff”");
+  acceptPanel();
+  EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
+  EXPECT_EQ(saved_, folder_.file(name)) << "the file itself is found by its own name";
 }
 
 TEST_F(QtFileDialogsTest, NamesAreTakenLetterByLetter) {
@@ -276,6 +338,91 @@ TEST_F(QtFileDialogsTest, ThePanelBeginsWhereTheLastOneEnded) {
   panel_->reject();
 }
 
+TEST_F(QtFileDialogsTest, TheFirstPanelBeginsInTheMusicFolderOrIfThereIsNoneAtHome) {
+  const std::string home = QDir::homePath().toStdString();
+  const std::string music =
+      QStandardPaths::writableLocation(QStandardPaths::MusicLocation).toStdString();
+  platform::FilePanel* panel = nullptr;
+  for (const bool opens : {true, false}) {
+    QtFileDialogs fresh;
+    auto request = saveRequest("take");
+    request.directory.clear();
+    if (opens) {
+      delete request.accessoryView;
+      fresh.beginOpenPanel(
+          {.window = &window_, .title = "Open", .acceptLabel = "Open", .fileTypes = {"wav"}},
+          [](const auto&) {});
+      panel = shown<platform::FilePanel>("openPanel");
+    } else {
+      fresh.beginSavePanel(request, [](const auto&) {});
+      panel = shown<platform::FilePanel>("savePanel");
+    }
+    const std::string first = std::filesystem::is_directory(music) ? music : home;
+    EXPECT_TRUE(runMainLoopUntil([&] { return panel->folder() == first; })) << panel->folder();
+    panel->reject();
+    EXPECT_TRUE(
+        runMainLoopUntil([&] { return window_.findChild<platform::FilePanel*>() == nullptr; }));
+  }
+}
+
+TEST_F(QtFileDialogsTest, AFolderThatIsGoneGivesTheHomeFolder) {
+  auto request = saveRequest("take");
+  request.directory = folder_.file("gone");
+  panels_.beginSavePanel(request, [](const auto&) {});
+  panel_ = shown<platform::SavePanel>("savePanel");
+  EXPECT_TRUE(runMainLoopUntil([&] { return panel_->folder() == QDir::homePath().toStdString(); }));
+  panel_->reject();
+}
+
+TEST_F(QtFileDialogsTest, TheSavePanelListsFilesOfTheTypesAskedForOrOfTheChosenKind) {
+  for (const char* const name : {"a.wav", "b.aiff", "c.txt", "d.mp3"}) {
+    std::ofstream(folder_.file(name)) << "x";
+  }
+  const auto awaitListed = [this](const QStringList& names) {
+    const auto* const list = panel_->findChild<QAbstractItemView*>("listView");
+    return runMainLoopUntil([&] {
+      QStringList listed;
+      for (int row = 0; row < list->model()->rowCount(); ++row) {
+        listed << list->model()->index(row, 0).data().toString();
+      }
+      return listed == names;
+    });
+  };
+  beginSave("take");
+  EXPECT_TRUE(awaitListed({"b.aiff"}));
+  kind_->setCurrentIndex(1);
+  EXPECT_TRUE(awaitListed({"a.wav"}));
+  panel_->reject();
+  awaitEnd();
+  auto request = saveRequest("take");
+  request.fileTypes = {"wav", "aiff", "mp3"};
+  panels_.beginSavePanel(request, [](const auto&) {});
+  panel_ = shown<platform::SavePanel>("savePanel");
+  EXPECT_TRUE(awaitListed({"a.wav", "b.aiff", "d.mp3"}));
+  panel_->reject();
+}
+
+TEST_F(QtFileDialogsTest, TheColumnsOfTheListAreWideEnoughToRead) {
+  const std::string name = "An ordinary name of a take, the second one.aiff";
+  std::ofstream(folder_.file(name)) << std::string(1'234'567, 'x');
+  beginSave("take");
+  EXPECT_GE(panel_->minimumWidth(), 760);
+  EXPECT_GE(panel_->minimumHeight(), 480);
+  auto* const list = panel_->findChild<QTreeView*>("listView");
+  ASSERT_TRUE(runMainLoopUntil([&] {
+    return list->model()->rowCount() == 1 &&
+           !list->model()->index(0, 2).data().toString().isEmpty();
+  }));
+  QCoreApplication::processEvents();
+  panel_->resize(panel_->minimumSize());
+  for (int column = 0; column < 3; ++column) {
+    const QString text = list->model()->index(0, column).data().toString();
+    EXPECT_GT(list->columnWidth(column), list->fontMetrics().horizontalAdvance(text) + 6)
+        << text.toStdString();
+  }
+  panel_->reject();
+}
+
 TEST_F(QtFileDialogsTest, AnAbsolutePathAndTheHomeFolderAreUnderstood) {
   beginSave("x")->setText(QString::fromStdString(folder_.file("else")));
   acceptPanel();
@@ -311,7 +458,7 @@ TEST_F(QtFileDialogsTest, ASheetAnswersWithTheCodeOfItsButton) {
                                        .title = "Save?",
                                        .message = "It would be lost.",
                                        .buttons = {{"Save", 1, Role::accept},
-                                                   {"Don't Save", 0, Role::destructive},
+                                                   {"Don’t Save", 0, Role::destructive},
                                                    {"Cancel", -1, Role::reject}}};
   int answer = 99;
   const auto ask = [&](const std::function<void(QMessageBox*)>& act) {
@@ -326,7 +473,7 @@ TEST_F(QtFileDialogsTest, ASheetAnswersWithTheCodeOfItsButton) {
   EXPECT_EQ(ask([](QMessageBox* sheet) { sheet->close(); }), -1);
   EXPECT_EQ(ask([](QMessageBox* sheet) {
               for (QAbstractButton* const button : sheet->buttons()) {
-                if (button->text() == "Don't Save") {
+                if (button->text() == "Don’t Save") {
                   button->click();
                   return;
                 }

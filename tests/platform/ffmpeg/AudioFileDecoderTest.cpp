@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/ffmpeg/AudioFileFixture.h"
+#include "support/programs/Mpeg4Boxes.h"
 
 namespace platform {
 namespace {
@@ -52,6 +53,51 @@ class AudioFileDecoderTest : public AudioFileFixture {
     const auto opened = decoder();
     EXPECT_NE(opened, nullptr) << error_;
     return opened != nullptr ? decodeAll(*opened) : Decoded{};
+  }
+
+  /// A CAF with 250 frames of two channels of 16 bits, which declares `frames`, or some fewer.
+  static std::string cafThatPromises(std::uint64_t frames) {
+    using support::number;
+    constexpr std::uint32_t kFrameBytes = 4;
+    constexpr std::uint32_t kPacketFrames = 3;  // the more, the longer is what it can declare
+    const std::uint64_t bytes = frames / kPacketFrames * kFrameBytes + 4;
+    const std::string rate("\x40\xE5\x88\x80\0\0\0\0", 8);  // 44100, as a double
+    return std::string("caff\0\1\0\0", 8) + "desc" + number(0) + number(32) + rate + "lpcm" +
+           number(2) + number(kFrameBytes) + number(kPacketFrames) + number(2) + number(16) +
+           "data" + number(static_cast<std::uint32_t>(bytes >> 32U)) +
+           number(static_cast<std::uint32_t>(bytes)) + number(0) + rubbish(250 * kFrameBytes);
+  }
+
+  /// MPEG-4 with 250 frames of four channels of 16 bits, which declares `duration` units.
+  static std::string mpeg4ThatPromises(std::uint64_t duration, std::uint32_t unitsPerSecond) {
+    using support::box;
+    using support::number;
+    constexpr std::uint32_t kFrames = 250;
+    constexpr std::uint32_t kFrameBytes = 8;
+    constexpr std::uint32_t kLongestPacket = 0x7FFFFFFF;  // as many as it takes
+    const std::string zero = number(0);
+    const std::string one = number(1);
+    const std::string file =
+        box("ftyp", "qt  " + zero) + box("mdat", rubbish(kFrames * kFrameBytes));
+    const std::string format = box(
+        "sowt", zero + one + zero + zero + number(4U << 16U | 16U) + zero + number(44100U << 16U));
+    const std::string table =
+        box("stsd", zero + one + format) +
+        box("stts", zero + one + number(kLongestPacket) + number(kLongestPacket)) +
+        box("stsc", zero + one + one + number(kFrames) + one) +
+        box("stsz", zero + number(kFrameBytes) + number(kFrames)) +
+        box("stco", zero + one + number(static_cast<std::uint32_t>(file.find("mdat") + 4)));
+    const std::string header = number(1U << 24U) + std::string(16, '\0') + number(unitsPerSecond) +
+                               number(static_cast<std::uint32_t>(duration >> 32U)) +
+                               number(static_cast<std::uint32_t>(duration)) + zero;
+    const std::string media = box("mdhd", header) +
+                              box("hdlr", zero + zero + "soun" + std::string(13, '\0')) +
+                              box("minf", box("stbl", table));
+    const std::string track =
+        box("tkhd", std::string(12, '\0') + one + std::string(68, '\0')) + box("mdia", media);
+    return file +
+           box("moov", box("mvhd", std::string(12, '\0') + number(1000) + std::string(84, '\0')) +
+                           box("trak", track));
   }
 
   static std::string damaged(std::string bytes, std::size_t place, std::size_t count) {
@@ -130,17 +176,51 @@ TEST_F(AudioFileDecoderTest, LengthsThatStandForUntilTheEndAreNoCut) {
   constexpr std::uint32_t kRounded = 0x10000;  // maximum error of such a length, in bytes
   for (const std::uint32_t bytes :
        {0x7FFFFFFFU, 0x80000000U, 0x80000000U - kRounded, 0x80000000U + kRounded, 0xFFFFFFFFU,
-        0xFFFFFFFFU - 44, 0U - kRounded}) {
+        0xFFFFFFFFU - 44, 0U - kRounded, 0x7F000000U}) {
     const Decoded all = decode(wavThatPromises(bytes, 250));
     EXPECT_EQ(all.frames, 250) << bytes;
     EXPECT_EQ(all.end, 0) << bytes;
   }
-  for (const std::uint32_t bytes : {1004U, 0x40000000U, 0x80000000U - kRounded - 4,
-                                    0x80000000U + kRounded + 4, 0U - kRounded - 4}) {
+  for (const std::uint32_t bytes :
+       {0x40000000U, 0x7F000000U - kRounded - 4, 0x80000000U - kRounded - 4,
+        0x80000000U + kRounded + 4, 0U - kRounded - 4}) {
     const Decoded all = decode(wavThatPromises(bytes, 250));
     EXPECT_EQ(all.frames, 250) << bytes;
     EXPECT_EQ(all.end, AVERROR_INVALIDDATA) << bytes;
   }
+}
+
+TEST_F(AudioFileDecoderTest, ALackOfLessThanATenthOfASecondOfSamplesIsNoCut) {
+  constexpr std::uint32_t kFrames = 40'000;
+  for (const std::uint32_t rate : {8000U, 44'100U, 192'000U}) {
+    const std::string whole = wav(kFrames, rate);
+    const Decoded almost = decode(whole.substr(0, whole.size() - (rate / 10 - 1) * 4));
+    EXPECT_EQ(almost.frames, kFrames - rate / 10 + 1) << rate;
+    EXPECT_EQ(almost.end, 0) << rate;
+    const Decoded some = decode(whole.substr(0, whole.size() - rate / 10 * 4));
+    EXPECT_EQ(some.frames, kFrames - rate / 10) << rate;
+    EXPECT_EQ(some.end, AVERROR_INVALIDDATA) << rate;
+  }
+}
+
+TEST_F(AudioFileDecoderTest, ALengthThatCannotBeCountedInBytesIsACut) {
+  // Its bytes are 2 GiB beyond what 64 bits count, and 2 GiB alone would stand for until the end.
+  const Decoded all =
+      decode(cafThatPromises((std::uint64_t{1} << 62U) + (std::uint64_t{1} << 29U)));
+  EXPECT_EQ(all.frames, 250);
+  EXPECT_EQ(all.end, AVERROR_INVALIDDATA);
+}
+
+// The sanitizer would tell of sums that overflow.
+TEST_F(AudioFileDecoderTest, ALengthThatCannotBeCountedInFramesIsACut) {
+  for (const std::uint32_t unitsPerSecond : {44'100U, 1U}) {
+    const Decoded all = decode(mpeg4ThatPromises(std::uint64_t{1} << 61U, unitsPerSecond));
+    EXPECT_EQ(all.frames, 250) << unitsPerSecond;
+    EXPECT_EQ(all.end, AVERROR_INVALIDDATA) << unitsPerSecond;
+  }
+  const Decoded whole = decode(mpeg4ThatPromises(250, 44'100));
+  EXPECT_EQ(whole.frames, 250);
+  EXPECT_EQ(whole.end, 0);
 }
 
 TEST_F(AudioFileDecoderTest, ACancelEndsItWithoutWhatWasDecodedAhead) {

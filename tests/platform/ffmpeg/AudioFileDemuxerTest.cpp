@@ -163,6 +163,31 @@ TEST_F(AudioFileDemuxerTest, OfSeveralSoundStreamsTheFilesDefaultIsRead) {
 
 // Lengths
 
+TEST_F(AudioFileDemuxerTest, AWavWhoseLengthHasWrappedIsReadToItsEnd) {
+  constexpr std::uint64_t kSound = (std::uint64_t{1} << 32) + 200'000;  // bytes
+  put(wavThatPromises(200'000, 1000), 44 + kSound);
+  const auto demuxer = demux();
+  ASSERT_NE(demuxer, nullptr);
+  EXPECT_EQ(demuxer->size(), 44 + kSound);
+  const AvPacket packet(av_packet_alloc());
+  std::uint64_t bytes = 0;
+  while (demuxer->read(*packet) >= 0) {
+    bytes += static_cast<std::uint64_t>(packet->size);
+    av_packet_unref(packet.get());
+  }
+  EXPECT_EQ(bytes, kSound);
+}
+
+TEST_F(AudioFileDemuxerTest, HalfAFrameBehindFullPacketsIsNoPacket) {
+  put(support::wavBytes(44100, 2, 16, std::string(2 * 65'536 + 2, 'x')));
+  const auto demuxer = demux();
+  ASSERT_NE(demuxer, nullptr);
+  const Packets packets = readAll(*demuxer);
+  EXPECT_EQ(packets.joined().size(), 2U * 65'536);
+  EXPECT_THAT(packets.data, testing::Each(testing::Not(testing::IsEmpty())));
+  EXPECT_EQ(packets.end, AVERROR_EOF);
+}
+
 TEST_F(AudioFileDemuxerTest, TheHeaderOfLinearPcmPromisesItsFramesWhetherTheyAreThereOrNot) {
   for (const auto& [bytes, frames] : {std::pair(1000U, 250), std::pair(0x40000000U, 0x10000000),
                                       std::pair(0xFFFFFFF0U, 0x3FFFFFFC)}) {

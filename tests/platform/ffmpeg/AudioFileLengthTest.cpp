@@ -1,9 +1,6 @@
 #include "platform/ffmpeg/AudioFileLength.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <cstring>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,15 +14,18 @@ namespace {
 
 class AudioFileLengthTest : public AudioFileFixture {
  protected:
-  std::int64_t lengthOf(const AudioFileDemuxer& demuxer) {
-    return audioFileLengthFrames(demuxer, *file_, size_, "a", interruption_);
-  }
-
-  std::int64_t length(const std::string& bytes, std::uint64_t size = 0) {
+  AudioFileLength told(const std::string& bytes, std::uint64_t size = 0) {
     put(bytes, size);
     const auto demuxer = demux();
     EXPECT_NE(demuxer, nullptr) << error_;
-    return demuxer != nullptr ? lengthOf(*demuxer) : -1;
+    return demuxer != nullptr ? audioFileLength(*demuxer) : AudioFileLength{.frames = -1};
+  }
+
+  // Of a file that tells it.
+  std::int64_t length(const std::string& bytes) {
+    const AudioFileLength length = told(bytes);
+    EXPECT_FALSE(length.isEstimated);
+    return length.frames;
   }
 };
 
@@ -60,53 +60,38 @@ TEST_F(AudioFileLengthTest, IsNeverMoreThanTheFileHolds) {
   EXPECT_EQ(length(wavThatPromises(400, 250)), 100) << "what follows are no samples";
 }
 
-TEST_F(AudioFileLengthTest, CountsThePacketsOfABareStream) {
-  constexpr std::int64_t kPacket = 1024;
-  EXPECT_EQ(length(encoded("aac", 50'001, {"-c:a", "aac"})) % kPacket, 0);
-  const std::string mp3 =
-      encoded("mp3", 44'100, {"-c:a", "libmp3lame", "-write_xing", "0", "-id3v2_version", "0"});
-  const std::int64_t once = length(mp3);
-  EXPECT_GE(once, 44'100);
-  EXPECT_EQ(length(mp3 + mp3 + mp3), 3 * once) << "no header of the first stretch is believed";
+TEST_F(AudioFileLengthTest, OfABareStreamThatDoesNotTellItIsEstimatedByItsBitRate) {
+  constexpr std::int64_t kFrames = 441'000;
+  for (const auto& [suffix, options] :
+       std::vector<std::pair<std::string, std::vector<std::string>>>{
+           {"aac", {"-c:a", "aac"}},
+           {"mp3", {"-c:a", "libmp3lame", "-write_xing", "0", "-id3v2_version", "0"}}}) {
+    const std::string stream = encoded(suffix, kFrames, options);
+    const AudioFileLength once = told(stream);
+    EXPECT_TRUE(once.isEstimated) << suffix;
+    EXPECT_NEAR(static_cast<double>(once.frames) / kFrames, 1.0, 0.2) << suffix;
+    const AudioFileLength thrice = told(stream + stream + stream);
+    EXPECT_TRUE(thrice.isEstimated) << suffix;
+    EXPECT_NEAR(static_cast<double>(thrice.frames) / static_cast<double>(once.frames), 3.0, 0.05)
+        << suffix;
+  }
 }
 
-// Endlessly repeats the same bytes.
-class EndlessFile : public File {
- public:
-  explicit EndlessFile(std::string bytes, std::uint64_t size)
-      : bytes_(std::move(bytes)), size_(size) {}
+TEST_F(AudioFileLengthTest, OfAnMp3ThatWasJoinedFromSeveralIsNotThatOfTheFirst) {
+  const std::string mp3 = encoded("mp3", 441'000, {"-c:a", "libmp3lame"});
+  const AudioFileLength joined = told(mp3 + mp3);
+  EXPECT_TRUE(joined.isEstimated);
+  EXPECT_NEAR(static_cast<double>(joined.frames) / 882'000, 1.0, 0.05);
+}
 
-  FileTransfer readAt(void* destination, std::uint64_t byteCount, std::uint64_t offset) override {
-    const std::uint64_t count = offset < size_ ? std::min(byteCount, size_ - offset) : 0;
-    for (std::uint64_t done = 0; done < count;) {
-      const std::uint64_t from = (offset + done) % bytes_.size();
-      const std::uint64_t part = std::min(count - done, bytes_.size() - from);
-      std::memcpy(static_cast<char*>(destination) + done, bytes_.data() + from, part);
-      done += part;
-    }
-    return {.byteCount = count, .error = 0};
+TEST_F(AudioFileLengthTest, IsToldWithoutReadingTheFile) {
+  for (const auto& [suffix, codec] : {std::pair("mp3", "libmp3lame"), std::pair("aac", "aac")}) {
+    put(encoded(suffix, 2'000'000, {"-c:a", codec, "-b:a", "320k"}));
+    const auto demuxer = demux();
+    ASSERT_NE(demuxer, nullptr);
+    EXPECT_GT(audioFileLength(*demuxer).frames, 0) << suffix;
+    EXPECT_LT(demuxer->bytesRead(), size_ / 4) << suffix;
   }
-  FileTransfer writeAt(const void*, std::uint64_t, std::uint64_t) override { return {}; }
-  std::uint64_t size() override { return size_; }
-  int setSize(std::uint64_t) override { return 0; }
-
- private:
-  const std::string bytes_;
-  const std::uint64_t size_;
-};
-
-TEST_F(AudioFileLengthTest, EstimatesFromTheCountedShareWhatTakesTooLongToCount) {
-  constexpr std::uint64_t kTimes = 3'000'000;  // more than a month of sound
-  const std::string mp3 =
-      encoded("mp3", 44'100, {"-c:a", "libmp3lame", "-write_xing", "0", "-id3v2_version", "0"});
-  const auto once = static_cast<double>(length(mp3));
-  size_ = mp3.size() * kTimes;
-  file_ = std::make_unique<EndlessFile>(mp3, size_);
-  const auto demuxer = demux();
-  ASSERT_NE(demuxer, nullptr);
-  const auto estimated = static_cast<double>(lengthOf(*demuxer));
-  EXPECT_NEAR(estimated / (once * kTimes), 1.0, 0.02);
-  EXPECT_FALSE(interruption_.isDue()) << "no limit is left behind";
 }
 
 TEST_F(AudioFileLengthTest, NonsenseInAHeaderStaysWithinBounds) {
@@ -119,45 +104,6 @@ TEST_F(AudioFileLengthTest, NonsenseInAHeaderStaysWithinBounds) {
   const std::int64_t frames = length(file);
   EXPECT_GE(frames, 0);
   EXPECT_LE(frames, kHighestPlausibleLength);
-}
-
-TEST_F(AudioFileLengthTest, TakesNothingAwayFromTheDemuxerBesideIt) {
-  put(encoded("mp3", 44'100, {"-c:a", "libmp3lame"}));
-  const auto countPackets = [](AudioFileDemuxer& demuxer) {
-    const AvPacket packet(av_packet_alloc());
-    int packets = 0;
-    while (demuxer.read(*packet) >= 0) {
-      av_packet_unref(packet.get());
-      ++packets;
-    }
-    return packets;
-  };
-  const auto alone = demux();
-  ASSERT_NE(alone, nullptr);
-  const int expected = countPackets(*alone);
-  const auto measured = demux();
-  ASSERT_NE(measured, nullptr);
-  EXPECT_EQ(lengthOf(*measured), 44'100);
-  EXPECT_EQ(countPackets(*measured), expected);
-  EXPECT_EQ(lengthOf(*measured), 44'100) << "also at its end";
-}
-
-TEST_F(AudioFileLengthTest, ACancelEndsTheCount) {
-  put(encoded("mp3", 200'000, {"-c:a", "libmp3lame"}));
-  const auto demuxer = demux();
-  ASSERT_NE(demuxer, nullptr);
-  const std::uint64_t before = storage_.reads();
-  cancelled_->store(true);
-  EXPECT_EQ(lengthOf(*demuxer), 0);
-  EXPECT_EQ(storage_.reads(), before);
-}
-
-TEST_F(AudioFileLengthTest, AMediumThatFailsMeanwhileTellsNothing) {
-  put(encoded("mp3", 200'000, {"-c:a", "libmp3lame"}));
-  const auto demuxer = demux();
-  ASSERT_NE(demuxer, nullptr);
-  storage_.failReadsFrom(0);
-  EXPECT_EQ(lengthOf(*demuxer), 0);
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 
 #include "platform/ffmpeg/Ffmpeg.h"
+#include "support/AddressSpaceLimit.h"
+#include "support/Sanitizers.h"
 
 namespace platform {
 namespace {
@@ -48,6 +50,32 @@ TEST(FfmpegStatusTest, AnUnknownErrorIsStillAFailureAndNeverACancel) {
       EXPECT_NE(audioFileStatus(stage, error), kAudioStatusOk);
       EXPECT_NE(audioFileStatus(stage, error), kCancelledStatus);
     }
+  }
+}
+
+TEST(FfmpegStatusTest, AnErrnoThatFfmpegInventedIsItsVerdictOnTheData) {
+  for (const int error : {EPERM, EIO, ENOMEM, EINVAL, ENOENT, EACCES, ENODATA, EAGAIN}) {
+    EXPECT_EQ(ffmpegVerdict(AVERROR(error)), AVERROR_INVALIDDATA) << error;
+  }
+  for (const int error : {0, 17, AVERROR_EOF, AVERROR_EXIT, AVERROR_INVALIDDATA,
+                          AVERROR_STREAM_NOT_FOUND, AVERROR_PATCHWELCOME, AVERROR(ENOSYS)}) {
+    EXPECT_EQ(ffmpegVerdict(error), error);
+  }
+}
+
+TEST(FfmpegStatusTest, MemoryThatTheSystemRefusesIsNotTheFilesFault) {
+  if (support::kAnySanitizer) {
+    GTEST_SKIP() << "sanitizers reserve more than any limit allows";
+  }
+  const support::AddressSpaceLimit limit(kLargestAllocation / 2);
+  EXPECT_EQ(ffmpegVerdict(AVERROR(ENOMEM)), AVERROR(ENOMEM));
+}
+
+TEST(FfmpegStatusTest, WhatAnEncoderDoesNotTakeIsNeitherTheMediumsNorTheRightsFault) {
+  for (const int error : {EPERM, EIO, ENOMEM}) {
+    EXPECT_EQ(audioFileStatus(AudioFileStage::writing, ffmpegVerdict(AVERROR(error))),
+              kUnsupportedDataFormatStatus)
+        << error;
   }
 }
 

@@ -66,13 +66,32 @@ TEST_F(PrivateFolderTest, ALinkAndAFileAreNotUsed) {
   EXPECT_FALSE(fs::exists(temporary_.file("nowhere")));
 }
 
-TEST_F(PrivateFolderTest, AFolderThatOthersMayUseIsNotUsed) {
+TEST_F(PrivateFolderTest, AFolderThatOthersMayUseIsClosedToThem) {
   for (const mode_t mode : {0750U, 0705U, 0711U, 0702U, 0777U}) {
     ASSERT_EQ(::chmod(folder_.c_str(), mode), 0);
-    EXPECT_EQ(errorOf(folder_), EPERM) << mode;
+    EXPECT_EQ(errorOf(folder_), 0) << mode;
+    EXPECT_EQ(fs::status(folder_).permissions(), fs::perms::owner_all);
   }
-  ASSERT_EQ(::chmod(folder_.c_str(), 0700), 0);
-  EXPECT_EQ(errorOf(folder_), 0);
+}
+
+TEST_F(PrivateFolderTest, FoldersAboveItAreTheUsersOwnAsFarAsAsked) {
+  const std::string above = temporary_.makeFolder("above");
+  fs::create_directory(above + "/inner");
+  EXPECT_TRUE(PrivateFolder::at(above + "/inner", 2));
+  fs::create_directory_symlink(above, temporary_.file("link"));
+  EXPECT_TRUE(PrivateFolder::at(temporary_.file("link/inner"), 1));
+  EXPECT_FALSE(PrivateFolder::at(temporary_.file("link/inner"), 2));
+  if (::chown(above.c_str(), kNobody, kNobody) == 0) {
+    EXPECT_EQ(PrivateFolder::at(above + "/inner", 2).error(), EPERM);
+  }
+}
+
+TEST_F(PrivateFolderTest, RoomOfAFileIsWhatTheDiskHasSetAside) {
+  put("file", std::string(100'000, 'x'));
+  put("hole", "");
+  fs::resize_file(at("hole"), 100'000);
+  EXPECT_GE(openFile("file")->allocatedBytes(), 100'000U);
+  EXPECT_EQ(openFile("hole")->allocatedBytes(), 0U);
 }
 
 TEST_F(PrivateFolderTest, AFolderAndAFileOfSomeoneElsesAreNotUsed) {

@@ -76,15 +76,49 @@ TEST_F(ExtAudioFileInputTest, EveryCallTellsACancel) {
   EXPECT_EQ(ExtAudioFileInput::openURL("a.wav", cancelled).status, kCancelledStatus);
 }
 
-TEST_F(ExtAudioFileInputTest, AnMp3TooLongToBeCountedHasAnEstimatedLength) {
-  // A second of sound, then endless zeros: only a share of the file is counted.
+TEST_F(ExtAudioFileInputTest, AnEstimatedLengthIsExactOnceTheEndWasRead) {
   const support::TemporaryFolder folder;
-  const std::string path = folder.file("a.mp3");
-  ASSERT_EQ(support::ffmpeg({"-f", "lavfi", "-i", "sine=d=1", "-c:a", "libmp3lame", path}), "");
-  storage_.setBytes(support::fileBytes(path), 1ULL << 45);
-  const auto opened = ExtAudioFileInput::openURL("a.mp3", nullptr);
+  for (const auto& [name, options] : std::vector<std::pair<std::string, std::vector<std::string>>>{
+           {"a.mp3", {"-c:a", "libmp3lame", "-q:a", "4", "-write_xing", "0"}},
+           {"a.aac", {"-c:a", "aac"}}}) {
+    const std::string path = folder.file(name);
+    std::vector<std::string> command{"-f", "lavfi", "-i", "sine=d=1"};
+    command.insert(command.end(), options.begin(), options.end());
+    command.push_back(path);
+    ASSERT_EQ(support::ffmpeg(command), "");
+    storage_.setBytes(support::fileBytes(path));
+    const auto opened = ExtAudioFileInput::openURL(name, nullptr);
+    ASSERT_NE(opened.file, nullptr);
+    EXPECT_TRUE(opened.file->isLengthEstimated());
+    EXPECT_GT(opened.file->fileLengthFrames(), 0);
+    std::vector<float> samples(2 * 1000);
+    std::int64_t frames = 0;
+    while (const std::uint32_t count = opened.file->read(samples.data(), 1000).frames) {
+      EXPECT_TRUE(opened.file->isLengthEstimated());
+      frames += count;
+    }
+    EXPECT_FALSE(opened.file->isLengthEstimated()) << name;
+    EXPECT_EQ(opened.file->fileLengthFrames(), frames) << name;
+    ASSERT_EQ(opened.file->seekToStart(), kAudioStatusOk);
+    EXPECT_EQ(opened.file->fileLengthFrames(), frames) << name << " is known from now on";
+  }
+}
+
+TEST_F(ExtAudioFileInputTest, TheShareReadGrowsToOne) {
+  const support::TemporaryFolder folder;
+  const std::string path = folder.file("a.aac");
+  ASSERT_EQ(support::ffmpeg({"-f", "lavfi", "-i", "anoisesrc=d=20", "-c:a", "aac", path}), "");
+  storage_.setBytes(support::fileBytes(path));
+  const auto opened = ExtAudioFileInput::openURL("a.aac", nullptr);
   ASSERT_NE(opened.file, nullptr);
-  EXPECT_GE(opened.file->fileLengthFrames(), 44'100);
+  double share = opened.file->shareRead();
+  EXPECT_LT(share, 0.5) << "opening does not read the file";
+  std::vector<float> samples(2 * 100'000);
+  while (opened.file->read(samples.data(), 100'000).frames > 0) {
+    EXPECT_GE(opened.file->shareRead(), share);
+    share = opened.file->shareRead();
+  }
+  EXPECT_EQ(opened.file->shareRead(), 1.0);
 }
 
 }  // namespace

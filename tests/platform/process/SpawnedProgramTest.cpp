@@ -24,6 +24,17 @@ TEST(SpawnedProgramTest, RunsInASessionOfItsOwnAndIsSeenToEnd) {
   EXPECT_TRUE(support::eventually([&] { return (*program)->hasEnded(); }));
 }
 
+TEST(SpawnedProgramTest, ProgramThatIsStoppedCanBeKilled) {
+  auto ends = DescriptorChannel::connect();
+  ASSERT_TRUE(ends);
+  auto program = SpawnedProgram::start("/usr/bin/yes", ends->second->descriptor());
+  ASSERT_TRUE(program);
+  ASSERT_EQ(::kill((*program)->number(), SIGSTOP), 0);
+  (*program)->kill();
+  EXPECT_TRUE(support::eventually([&] { return (*program)->hasEnded(); }));
+  (*program)->kill();  // nothing
+}
+
 TEST(SpawnedProgramTest, InheritsTheDescriptorAloneOfThisProgramsOwn) {
   auto ends = DescriptorChannel::connect();
   ASSERT_TRUE(ends);

@@ -83,6 +83,56 @@ TEST_F(CaptureLossDetectorTest, ABurstAtTheStartOfAStreamRaisesNoAlarm) {
   EXPECT_EQ(reported_, 0U);
 }
 
+TEST_F(CaptureLossDetectorTest, APauseThatMakesUpForABurstAtTheStartRaisesNoAlarm) {
+  for (const int burst : {10, 20, 40, 80}) {
+    detector_.reset();
+    for (int i = 0; i < burst; ++i) {
+      deliver(1024);
+    }
+    for (int i = 0; i < burst; ++i) {
+      pass(1024);
+    }
+    run(60);
+    EXPECT_EQ(reported_, 0U) << burst;
+  }
+}
+
+TEST_F(CaptureLossDetectorTest, AStreamThatPausesAfterItsFirstFramesRaisesNoAlarm) {
+  deliver(1024);
+  for (int i = 0; i < 80; ++i) {
+    pass(1024);
+  }
+  run(60);
+  EXPECT_EQ(reported_, 0U);
+}
+
+TEST_F(CaptureLossDetectorTest, ALossSoonAfterTheStartIsFoundSoon) {
+  for (const int before : {1, 2, 3}) {
+    for (const int lost : {10, 43, 870}) {
+      detector_.reset();
+      reported_ = 0;
+      run(before);
+      for (int i = 0; i < lost; ++i) {
+        pass(1024);  // none of it arrives
+      }
+      run(4);  // the rest of one window, and a whole one
+      EXPECT_NEAR(static_cast<double>(reported_), lost * 1024, 1600) << before;
+      run(10);
+      EXPECT_NEAR(static_cast<double>(reported_), lost * 1024, 1600) << before;
+    }
+  }
+}
+
+TEST_F(CaptureLossDetectorTest, AFreezeInTheFirstHalfSecondIsFound) {
+  for (int i = 0; i < 10; ++i) {
+    pass(1024);
+    deliver(1024);
+  }
+  now_ += std::chrono::seconds(20);
+  run(3);
+  EXPECT_NEAR(static_cast<double>(reported_), 20 * 44100, 1600);
+}
+
 TEST_F(CaptureLossDetectorTest, ANewStreamStartsAfresh) {
   run(60);
   detector_.reset();

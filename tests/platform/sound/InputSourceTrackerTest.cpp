@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -122,6 +123,41 @@ TEST_F(InputSourceTrackerTest, TheSoundSystemIsAskedOnlyWhenSomethingHasChanged)
   EXPECT_EQ(system_.looks, looks);
   EXPECT_EQ(look(true), Change::kNone);
   EXPECT_EQ(system_.looks, looks + 1);
+}
+
+TEST_F(InputSourceTrackerTest, AStreamOnAnInputThatIsNotListedIsNotLookedUpAgainAndAgain) {
+  system_.listed = {{input("hw:0", true)}};
+  system_.current = "default";
+  open();
+  const int looks = system_.looks;
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(look(), Change::kNone);
+  }
+  EXPECT_EQ(system_.looks, looks);
+}
+
+TEST_F(InputSourceTrackerTest, EveryChangeOfTheSourceIsARevisionAndNothingElse) {
+  system_.listed = {{input("mic", true), input("spk.monitor")}};
+  system_.current = "mic";
+  std::uint64_t revision = tracker_.revision();
+  const auto changed = [&] { return std::exchange(revision, tracker_.revision()) != revision; };
+  open();
+  EXPECT_TRUE(changed());
+  static_cast<void>(look());
+  static_cast<void>(look(true));
+  EXPECT_FALSE(changed());
+  system_.current = "spk.monitor";
+  static_cast<void>(look());
+  EXPECT_TRUE(changed());
+  system_.listed = {{input("mic", true)}};
+  static_cast<void>(look(true));
+  EXPECT_TRUE(changed());
+  tracker_.closed(system_);
+  EXPECT_FALSE(changed()) << "the same as after the loss";
+  tracker_.setLost();
+  EXPECT_TRUE(changed());
+  tracker_.setLost();
+  EXPECT_FALSE(changed());
 }
 
 TEST_F(InputSourceTrackerTest, ASoundSystemThatDoesNotAnswerLosesNothing) {

@@ -1,5 +1,6 @@
 #include <atomic>
 #include <filesystem>
+#include <functional>
 #include <future>
 #include <string>
 #include <thread>
@@ -19,6 +20,19 @@ using SharedInputTimeTest = TurnedClockFixture;
 std::size_t threadCount() {
   const std::filesystem::directory_iterator tasks("/proc/self/task");
   return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+}
+
+/// Lets the time of `turns` times 1024 frames pass and feeds them, only as fast as the queue
+/// follows, so that its ring never fills.
+void run(ManualAudioClock& clock, const Recording& recording, int turns,
+         const std::function<bool()>& feed1024) {
+  for (int i = 0; i < turns; ++i) {
+    clock.advance(std::chrono::nanoseconds(23219955));  // 1024 frames
+    ASSERT_TRUE(feed1024());
+    if (i % 43 == 42) {
+      recording.queue->waitUntilDelivered(recording.queue->capturedFrames());
+    }
+  }
 }
 
 TEST_F(SharedInputTest, TwoQueuesShareOneStreamAndBothGetEverything) {
@@ -334,19 +348,14 @@ TEST_F(SharedInputTimeTest, OneFailureIsReportedToOneCallerUntilTheDeviceWorkedA
 TEST_F(SharedInputTimeTest, FramesLostInsideTheSoundSystemAreToldOnce) {
   Recording recording;
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
-  const auto run = [&](int turns) {
-    for (int i = 0; i < turns; ++i) {
-      clock->advance(std::chrono::nanoseconds(23219955));  // 1024 frames
-      ASSERT_TRUE(device->feed(ramp(0, 1024)));
-    }
-  };
-  run(43 * 8);
+  const auto feed = [&] { return device->feed(ramp(0, 1024)); };
+  run(*clock, recording, 43 * 8, feed);
   EXPECT_EQ(services->consoleLinesWith("lost inside the sound system"), 0U);
   clock->advance(seconds(8));
-  run(43 * 8);
+  run(*clock, recording, 43 * 8, feed);
   ASSERT_TRUE(support::eventually(
       [&] { return services->consoleLinesWith("lost inside the sound system") > 0; }));
-  run(43 * 8);
+  run(*clock, recording, 43 * 8, feed);
   recording.queue->waitUntilDelivered(recording.queue->capturedFrames());
   EXPECT_EQ(services->consoleLinesWith("lost inside the sound system"), 1U);
 }
@@ -360,18 +369,15 @@ TEST_F(SharedInputTimeTest,
   };
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
   std::uint64_t at = 0;  // the frame that is due now
-  const auto pass = [&](int turns, bool arrives) {
-    for (int i = 0; i < turns; ++i) {
-      clock->advance(std::chrono::nanoseconds(23219955));  // 1024 frames
-      if (arrives) {
-        ASSERT_TRUE(device->feed(ramp(at, 1024)));
-      }
-      at += 1024;
-    }
+  const auto feed = [&] {
+    at += 1024;
+    return device->feed(ramp(at - 1024, 1024));
   };
-  pass(43 * 8, true);
-  pass(100, false);
-  pass(43 * 4, true);
+  run(*clock, recording, 43 * 8, feed);
+  // At once: a stall of the device that is watched in time would end the recording.
+  clock->advance(100 * std::chrono::nanoseconds(23219955));
+  at += std::uint64_t{100} * 1024;
+  run(*clock, recording, 43 * 4, feed);
   recording.queue->waitUntilDelivered(recording.queue->capturedFrames());
   const std::vector<float> samples = recording.samples();
   EXPECT_NEAR(static_cast<double>(silenced), 100 * 1024, 10);
@@ -388,15 +394,10 @@ TEST_F(SharedInputTimeTest, WhatWasMissedWhileTheMachineSleptIsLostAndTheInputIs
     silenced += buffer.silencedFrames;
   };
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
-  const auto run = [&](int turns) {
-    for (int i = 0; i < turns; ++i) {
-      clock->advance(std::chrono::nanoseconds(23219955));  // 1024 frames
-      ASSERT_TRUE(device->feedConstant(1024, 1, 1));
-    }
-  };
-  run(43 * 8);
+  const auto feed = [&] { return device->feedConstant(1024, 1, 1); };
+  run(*clock, recording, 43 * 8, feed);
   clock->sleep(seconds(10));
-  run(43 * 4);
+  run(*clock, recording, 43 * 4, feed);
   recording.queue->waitUntilDelivered(recording.queue->capturedFrames());
   EXPECT_NEAR(static_cast<double>(silenced), 10 * 44100, 20);
   EXPECT_EQ(recording.failures.count(), 0U);
@@ -411,15 +412,10 @@ TEST_F(SharedInputTimeTest, AGapOfMoreThanAMinuteIsToldAndNotFilled) {
     silenced += buffer.silencedFrames;
   };
   ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
-  const auto run = [&](int turns) {
-    for (int i = 0; i < turns; ++i) {
-      clock->advance(std::chrono::nanoseconds(23219955));  // 1024 frames
-      ASSERT_TRUE(device->feedConstant(1024, 1, 1));
-    }
-  };
-  run(43 * 8);
+  const auto feed = [&] { return device->feedConstant(1024, 1, 1); };
+  run(*clock, recording, 43 * 8, feed);
   clock->advance(seconds(70));
-  run(43 * 4);
+  run(*clock, recording, 43 * 4, feed);
   recording.queue->waitUntilDelivered(recording.queue->capturedFrames());
   EXPECT_NEAR(static_cast<double>(missing), 70 * 44100, 20);
   EXPECT_EQ(silenced, 0U);

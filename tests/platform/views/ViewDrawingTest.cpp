@@ -1,5 +1,7 @@
 #include "platform/views/ViewDrawing.h"
 
+#include <cmath>
+
 #include <gtest/gtest.h>
 #include <QFont>
 
@@ -113,6 +115,24 @@ TEST_P(ViewDrawingTest, APainterKnowsTheDevicePixelsOfAPoint) {
 
 INSTANTIATE_TEST_SUITE_P(PixelRatios, ViewDrawingTest, testing::Values(1, 2),
                          testing::PrintToStringParamName());
+
+TEST(ViewDrawingGradientTest, FillsThePixelsThatItTouchesAndNoOthers) {
+  for (const double scale : {1.25, 1.5, 1.75}) {
+    QImage picture(40, 40, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::black);
+    QPainter painter(&picture);
+    painter.scale(scale, scale);
+    painter.setRenderHint(QPainter::Antialiasing);
+    platform::drawViewGradient(painter, {13.0, 9.0}, Qt::white, Qt::white);
+    EXPECT_TRUE(painter.testRenderHint(QPainter::Antialiasing)) << "as it was";
+    painter.end();
+    const int right = static_cast<int>(std::ceil(13.0 * scale));
+    const int bottom = static_cast<int>(std::ceil(9.0 * scale));
+    EXPECT_EQ(picture.pixelColor(right - 1, bottom - 1), QColor(Qt::white)) << scale;
+    EXPECT_EQ(picture.pixelColor(right, 0), QColor(Qt::black)) << scale;
+    EXPECT_EQ(picture.pixelColor(0, bottom), QColor(Qt::black)) << scale;
+  }
+}
 
 TEST(ViewDrawingPenTest, CutsCornersThatAreTooSharpAndKeepsTheTipsOfTheOthers) {
   const auto heightOfTip = [](double spread) {

@@ -33,6 +33,7 @@ struct QueueScript {
   AudioStatus failure = platform::kAudioStatusOk;
   bool inputFailureReportPending = true;
   platform::AudioInputSource inputSource;
+  int inputSourceCopies = 0;  ///< calls of AudioQueues::inputSource()
   platform::AudioInputSource lostInput;
   std::uint64_t lostFrames = 0;
   int queuesAlive = 0;
@@ -259,7 +260,17 @@ class SteppedAudioQueues : public platform::AudioQueues {
   bool claimInputFailureAlert() override {
     return std::exchange(script_->inputFailureReportPending, false);
   }
-  platform::AudioInputSource inputSource() const override { return script_->inputSource; }
+  platform::AudioInputSource inputSource() const override {
+    ++script_->inputSourceCopies;
+    return script_->inputSource;
+  }
+  std::uint64_t inputSourceRevision() const override {
+    if (script_->inputSource != lastSource_) {
+      lastSource_ = script_->inputSource;
+      ++sourceRevision_;
+    }
+    return sourceRevision_;
+  }
   platform::AudioInputSource lostInput() const override { return script_->lostInput; }
 
   SteppedInputQueue* input = nullptr;    ///< the last one made
@@ -274,6 +285,8 @@ class SteppedAudioQueues : public platform::AudioQueues {
   }
 
   std::shared_ptr<QueueScript> script_;
+  mutable platform::AudioInputSource lastSource_;
+  mutable std::uint64_t sourceRevision_ = 0;
 };
 
 /// Stepped queues as a member of a test fixture, installed while it lives.

@@ -231,10 +231,19 @@ std::unique_ptr<ChildProcess> PrivateSoundServer::captureHeard(const std::string
 
 std::optional<std::string> PrivateSoundServer::plugMicrophone(
     const std::string& name, const std::string& description) const {
-  const Finished loaded = runToEnd(
-      {"pactl", "load-module", "module-remap-source", std::string("master=") + kFeedMonitor,
-       "source_name=" + name, "source_properties=\"device.description='" + description + "'\""},
-      environment());
+  return plugSource("module-remap-source", name,
+                    {std::string("master=") + kFeedMonitor,
+                     "source_properties=\"device.description='" + description + "'\""});
+}
+
+std::optional<std::string> PrivateSoundServer::plugSource(
+    const std::string& module, const std::string& name,
+    const std::vector<std::string>& arguments) const {
+  // Where a server has no module for silent sources, a sink's module makes one.
+  const char* const nameKey = module == "module-null-sink" ? "sink_name=" : "source_name=";
+  std::vector<std::string> words{"pactl", "load-module", module, nameKey + name};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  const Finished loaded = runToEnd(words, environment());
   std::string index = loaded.output.substr(0, loaded.output.find_last_not_of(" \n") + 1);
   if (!loaded.status.succeeded() || index.empty() ||
       !eventually([&] { return setDefaultSource(name); })) {

@@ -58,7 +58,12 @@ class PrivateSoundServer {
   /// none, and makes it the default. Nothing on failure.
   [[nodiscard]] std::optional<std::string> plugMicrophone(const std::string& name,
                                                           const std::string& description) const;
-  /// Removes it again; takes what plugMicrophone() returned. False on failure.
+  /// Adds a source by a module of the server and makes it the default. `arguments` are the
+  /// module's, without the source's name. Nothing on failure.
+  [[nodiscard]] std::optional<std::string> plugSource(
+      const std::string& module, const std::string& name,
+      const std::vector<std::string>& arguments) const;
+  /// Removes it again; takes what plugMicrophone() or plugSource() returned. False on failure.
   [[nodiscard]] bool unplugMicrophone(const std::string& plug) const;
   [[nodiscard]] bool setDefaultSource(const std::string& name) const;
   /// Names of the monitors of the feed and of what is heard.

@@ -1,5 +1,6 @@
 #include "waveform/views/OVWaveFormView.h"
 
+#include <cmath>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -136,6 +137,34 @@ TEST_F(OVWaveFormViewTest, AnotherPixelRatioForcesARenderingInDevicePixels) {
   view_.ratio = 1;
   EXPECT_EQ(renderingsOfARedraw(), 1.0);
   EXPECT_EQ(view_.image().size(), QSize(240, 100));
+}
+
+// A partly covered pixel must not mix with what was in the bitmap before.
+TEST_F(OVWaveFormViewTest, EveryPixelToTheLastRowAndColumnIsBackgroundAtEveryScale) {
+  const QColor darkest(35, 37, 62);   // the upper end of the gradient
+  const QColor lightest(37, 82, 91);  // the grid
+  for (const double scale : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+    for (const QSize size : {QSize(813, 271), QSize(641, 273), QSize(239, 101), QSize(7, 5)}) {
+      view_.ratio = scale;
+      view_.resize(size);
+      summary_->setElements({});
+      renderingsOfARedraw();
+      const QImage picture = view_.image();
+      ASSERT_EQ(picture.width(), static_cast<int>(std::ceil(size.width() * scale)));
+      ASSERT_EQ(picture.height(), static_cast<int>(std::ceil(size.height() * scale)));
+      for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+          const bool isEdge = x == picture.width() - 1 || y == picture.height() - 1;
+          const QColor pixel = picture.pixelColor(x, y);
+          ASSERT_TRUE(!isEdge ||
+                      (pixel.alpha() == 255 && pixel.blue() >= darkest.blue() - 1 &&
+                       pixel.green() >= darkest.green() - 1 && pixel.blue() <= lightest.blue() + 1))
+              << x << ", " << y << " of " << size.width() << " x " << size.height() << " at "
+              << scale << ": " << pixel.name().toStdString();
+        }
+      }
+    }
+  }
 }
 
 TEST_F(OVWaveFormViewTest, RedrawsWithoutAChangeCopyTheCachedPicture) {

@@ -1,0 +1,66 @@
+#include "platform/desktop/DarkMenuStyle.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <gtest/gtest.h>
+#include <QMenu>
+
+#include "platform/desktop/DesktopColours.h"
+
+namespace {
+
+/// A menu of two items with a separator between them.
+QImage pictureOfMenu(QStyle* style, const QPalette& palette) {
+  QMenu menu;
+  menu.setStyle(style);
+  menu.setPalette(palette);
+  menu.addAction(QStringLiteral("One"));
+  menu.addSeparator();
+  menu.addAction(QStringLiteral("Two"));
+  menu.resize(menu.sizeHint());
+  return menu.grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+/// The ratio of the lighter to the darker of two greys, as WCAG counts it.
+double contrast(const QColor& a, const QColor& b) {
+  const auto light = [](const QColor& color) {
+    const double level = color.lightnessF();
+    return level <= 0.04045 ? level / 12.92 : std::pow((level + 0.055) / 1.055, 2.4);
+  };
+  return (std::max(light(a), light(b)) + 0.05) / (std::min(light(a), light(b)) + 0.05);
+}
+
+/// The strongest contrast of a row to the menu's ground, in the whole row but its ends.
+double contrastOfSeparator(const QImage& menu) {
+  const int x = menu.width() - 12;  // right of all texts
+  const QColor ground = menu.pixelColor(x, 4);
+  double strongest = 1.0;
+  for (int y = 4; y < menu.height() - 4; ++y) {
+    strongest = std::max(strongest, contrast(menu.pixelColor(x, y), ground));
+  }
+  return strongest;
+}
+
+}  // namespace
+
+TEST(DarkMenuStyleTest, OutlineAndSeparatorsOfADarkMenuCanBeSeen) {
+  platform::DarkMenuStyle style;
+  const QImage menu = pictureOfMenu(&style, platform::DesktopColours::darkPalette());
+  const QColor ground = menu.pixelColor(menu.width() - 12, 4);
+  EXPECT_LT(ground.lightness(), 90);
+  EXPECT_GT(contrastOfSeparator(menu), 1.8);
+  for (const QPoint edge :
+       {QPoint(0, menu.height() / 2), QPoint(menu.width() - 1, 9), QPoint(menu.width() / 2, 0),
+        QPoint(menu.width() / 2, menu.height() - 1)}) {
+    EXPECT_GT(contrast(menu.pixelColor(edge), ground), 1.8) << edge.x() << ", " << edge.y();
+    EXPECT_GT(menu.pixelColor(edge).lightness(), ground.lightness());
+  }
+}
+
+TEST(DarkMenuStyleTest, LightMenusAreFusionsOwn) {
+  platform::DarkMenuStyle style;
+  QProxyStyle fusion(QStringLiteral("fusion"));
+  const QPalette light = style.standardPalette();
+  EXPECT_EQ(pictureOfMenu(&style, light), pictureOfMenu(&fusion, light));
+}
