@@ -83,7 +83,7 @@ TEST(OVFileKindsTest, MimeTypesFollowTheSuffix) {
 }
 
 TEST(OVFileKindsTest, DesktopEntryListsEveryMimeType) {
-  std::ifstream file(ORVO_REPOSITORY "/resources/orvo.desktop");
+  std::ifstream file(ORVO_DESKTOP_ENTRY);
   const std::string entry{std::istreambuf_iterator<char>(file), {}};
   const auto begin = entry.find("MimeType=");
   ASSERT_NE(begin, std::string::npos);

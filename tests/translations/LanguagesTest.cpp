@@ -42,6 +42,8 @@ const std::vector<std::string> kEnglishOnly{
     "SYNOPSIS\n.Nm\n"
     ".Op Ar OPTION ...\n.Op Fl Fl\n.Op Ar\n.Sh DESCRIPTION\n",
     "Fl Fl", ".Bl -tag -width Ds\n", "EXIT STATUS",
+    // Names of fonts.
+    "Liberation Sans", "Nimbus Sans", "Noto Sans", "DejaVu Sans",
     // The name of a lock in the compiler's warnings.
     "waveform summary"};
 

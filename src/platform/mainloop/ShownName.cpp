@@ -35,8 +35,9 @@ QString shownName(const QString& name) {
   QString line;
   bool isIsolated = false;
   for (const char32_t character : name.toUcs4()) {
-    line += disturbsItsLine(character) ? QStringLiteral(" ") : QString::fromUcs4(&character, 1);
-    isIsolated = isIsolated || runsFromRightToLeft(character);
+    const char32_t shown = disturbsItsLine(character) ? U' ' : character;
+    line += QString::fromUcs4(&shown, 1);
+    isIsolated = isIsolated || runsFromRightToLeft(shown);
   }
   return isIsolated ? QChar(kIsolate) + line + QChar(kEndOfIsolate) : line;
 }
