@@ -1,5 +1,7 @@
 #include "platform/desktop/DesktopColours.h"
 
+#include <memory>
+
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -80,7 +82,8 @@ void DesktopColours::follow(const QVariant& colorScheme) {
 
 void DesktopColours::setDark(bool isDark) {
   if (isDark && QApplication::style()->name() == QLatin1String("fusion")) {
-    QApplication::setStyle(new DarkMenuStyle);  // stays: it changes dark menus only
+    // It stays: it changes dark menus only. The application owns it.
+    QApplication::setStyle(std::make_unique<DarkMenuStyle>().release());
   }
   QApplication::setPalette(isDark ? darkPalette() : QPalette());
 }
