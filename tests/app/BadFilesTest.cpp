@@ -13,6 +13,7 @@
 #include "app/AppFixture.h"
 #include "controls/buttons/OVTransportButton.h"
 #include "platform/files/TemporaryFiles.h"
+#include "platform/mainloop/ShownName.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 
@@ -104,7 +105,7 @@ TEST_P(BadFilesTest, LeavesAWindowAsGoodAsAny) {
   }
   EXPECT_EQ(
       window->title().toStdString(),
-      "Orvo - " + (each.frames == 0 ? "Unnamed" : QString::fromStdString(each.file).toStdString()));
+      "Orvo - " + (each.frames == 0 ? "Unnamed" : platform::shownName(each.file).toStdString()));
   if (each.told.empty()) {
     EXPECT_THAT(services_->alerts(), IsEmpty());
   } else {

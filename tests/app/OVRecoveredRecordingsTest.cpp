@@ -6,7 +6,9 @@
 #include <filesystem>
 #include <optional>
 
+#include <QFileSystemWatcher>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTreeWidget>
 
 #include "support/MainLoop.h"
@@ -112,8 +114,11 @@ TEST_F(OVRecoveredRecordingsTest, LaterReleasesThemAndTheyAreNotAskedAboutAgainB
   press("recoveredLater");
   EXPECT_EQ(panel(), nullptr);
   EXPECT_TRUE(isFree(first));
+  QFileSystemWatcher watcher({QString::fromStdString(folder_.path())});
+  const QSignalSpy changes(&watcher, &QFileSystemWatcher::directoryChanged);
   folder_.put("notes.txt", "a change in the folder");
-  EXPECT_TRUE(runMainLoopUntil([&] { return recordings_->isListing(); }));
+  EXPECT_TRUE(runMainLoopUntil([&] { return !changes.isEmpty(); }));
+  EXPECT_TRUE(drainMainQueue());
   awaitListing();
   EXPECT_EQ(panel(), nullptr);
   EXPECT_TRUE(isFree(first));
@@ -240,7 +245,7 @@ TEST_F(OVRecoveredRecordingsTest, DeleteAsksAgainAndCancelDeletesNothing) {
   ASSERT_EQ(panels_->sheets(), 1U);
   EXPECT_EQ(panels_->sheet().window, panel());
   EXPECT_THAT(panels_->sheet().message.toStdString(), HasSubstr("Recordings to be deleted: 1."));
-  EXPECT_EQ(panels_->sheet().buttons.front().title, "Cancel") << "the default";
+  EXPECT_EQ(panels_->sheet().buttons.front().title, "&Cancel") << "the default";
   panels_->answerSheet(platform::FileDialogs::kNoAnswer);
   EXPECT_TRUE(awaitGlobalQueue());
   EXPECT_TRUE(folder_.has(kFirst));

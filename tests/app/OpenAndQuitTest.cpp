@@ -49,8 +49,12 @@ class OpenAndQuitTest : public AppFixture {
   }
 
   static void awaitAllIdle() {
+    std::vector<std::shared_ptr<VLRecorderWindowController>> documents;  // windows may close
     for (OVRecorderWindow* const window : windows()) {
-      awaitIdle(*documentOf(window));
+      documents.push_back(documentOf(window));
+    }
+    for (const auto& document : documents) {
+      awaitIdle(*document);
     }
   }
 

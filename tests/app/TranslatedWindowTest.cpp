@@ -235,7 +235,8 @@ TEST_P(TranslatedWindowTest, EveryMenuItemIsTheTranslationOfItsName) {
         if (GetParam().empty()) {  // English
           EXPECT_EQ(withoutKeyLetter(text), name);
         } else {
-          EXPECT_EQ(text, translated(keyOf(name))) << name.toStdString();
+          EXPECT_EQ(withoutKeyLetter(text), withoutKeyLetter(translated(keyOf(name))))
+              << name.toStdString();
         }
       }
     }

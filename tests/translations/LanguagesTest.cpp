@@ -34,14 +34,15 @@ const std::vector<std::string> kEnglishOnly{
     "No sound system could be reached", "No sound %s could be opened through \"%s\" (%d)%s",
     "; no sound server was found",
     // Names of files: the same in every language.
-    "Orvo recording ", "yyyy-MM-dd HH.mm.ss", "Orvo recording %Y-%m-%d %H.%M.%S",
+    "Orvo recording ", "yyyy-MM-dd HH.mm", "yyyy-MM-dd HH.mm.ss",
+    "Orvo recording %Y-%m-%d %H.%M.%S",
     // Names of memory and of fields within files.
     "orvo journal", "recorded date", "track number", "Cover (front)",
     // The manual page, which is English.
     "\n.Dt ORVO 1\n.Os\n.Sh NAME\n.Nm orvo\n.Nd audio recorder and simple editor\n.Sh "
     "SYNOPSIS\n.Nm\n"
     ".Op Ar OPTION ...\n.Op Fl Fl\n.Op Ar\n.Sh DESCRIPTION\n",
-    "Fl Fl", ".Bl -tag -width Ds\n", "EXIT STATUS",
+    "LANGUAGE, LC_ALL, LANG", "Fl Fl", ".Bl -tag -width Ds\n", "EXIT STATUS",
     // Names of fonts.
     "Liberation Sans", "Nimbus Sans", "Noto Sans", "DejaVu Sans",
     // The name of a lock in the compiler's warnings.

@@ -34,7 +34,7 @@ DarkMenuStyle::DarkMenuStyle() : QProxyStyle(QStringLiteral("fusion")) {}
 void DarkMenuStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                   QPainter* painter, const QWidget* widget) const {
   QProxyStyle::drawPrimitive(element, option, painter, widget);
-  if (element == PE_FrameMenu && isDark(option->palette)) {
+  if (element == PE_PanelMenu && isDark(option->palette)) {
     painter->save();
     painter->setPen(lineColor(option->palette));
     painter->setBrush(Qt::NoBrush);

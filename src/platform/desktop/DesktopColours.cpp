@@ -40,6 +40,7 @@ DesktopColours::DesktopColours(const QDBusConnection& bus, QObject* parent) : QO
   if (!bus.isConnected()) {
     return;
   }
+  qRegisterMetaType<QDBusVariant>();  // connect() looks for a slot's types by their names
   QDBusConnection connection = bus;
   // With the portal's name as the sender, Qt would wait for the bus to find it.
   if (!connection.connect(QString(), kPath, kInterface, QStringLiteral("SettingChanged"), this,

@@ -1,6 +1,6 @@
 #pragma once
 
-// moc must see the whole type of a slot's parameter; otherwise the signal cannot be connected.
+// moc must see the whole type of a slot's parameter.
 #include <QDBusVariant>
 #include <QObject>
 #include <QPalette>

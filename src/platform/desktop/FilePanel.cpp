@@ -270,7 +270,11 @@ void FilePanel::showRows(std::vector<FolderRow> rows) {
 
 void FilePanel::listed(int error) {
   if ((error == ENOENT || error == ENOTDIR) && !otherwise_.empty()) {
+    const bool wasAccepted = isLooking_;
     showFolder(std::exchange(otherwise_, {}));
+    if (wasAccepted) {
+      accept();  // again, now in this folder
+    }
     return;
   }
   if (!isLooking_) {

@@ -66,7 +66,7 @@ std::optional<Mp3LengthTag> parse(std::string_view tag) {
   if (name != "LAME" && name != "Lavf" && name != "Lavc") {
     return std::nullopt;
   }
-  const std::uint32_t delays = AV_RB24(tag.data() + encoder + kToDelays);
+  const auto delays = static_cast<std::uint32_t>(AV_RB24(tag.data() + encoder + kToDelays));
   return Mp3LengthTag{
       .atStart = std::int64_t{delays >> 12} + kDecoderDelay,
       .atEnd = std::max<std::int64_t>(std::int64_t{delays & 0xFFFU} - kDecoderDelay, 0)};

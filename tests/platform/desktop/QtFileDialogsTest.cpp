@@ -19,7 +19,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QStandardPaths>
+#include <QScopeGuard>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
@@ -339,30 +339,50 @@ TEST_F(QtFileDialogsTest, ThePanelBeginsWhereTheLastOneEnded) {
 }
 
 TEST_F(QtFileDialogsTest, TheFirstPanelBeginsInTheMusicFolderOrIfThereIsNoneAtHome) {
-  const std::string home = QDir::homePath().toStdString();
-  const std::string music =
-      QStandardPaths::writableLocation(QStandardPaths::MusicLocation).toStdString();
-  platform::FilePanel* panel = nullptr;
-  for (const bool opens : {true, false}) {
-    QtFileDialogs fresh;
-    auto request = saveRequest("take");
-    request.directory.clear();
-    if (opens) {
-      delete request.accessoryView;
-      fresh.beginOpenPanel(
-          {.window = &window_, .title = "Open", .acceptLabel = "Open", .fileTypes = {"wav"}},
-          [](const auto&) {});
-      panel = shown<platform::FilePanel>("openPanel");
-    } else {
-      fresh.beginSavePanel(request, [](const auto&) {});
-      panel = shown<platform::FilePanel>("savePanel");
+  const std::string music = folder_.file("sounds");
+  std::ofstream(folder_.file("user-dirs.dirs")) << "XDG_MUSIC_DIR=\"" << music << "\"\n";
+  const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+  qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(folder_.path()));
+  const auto restored = qScopeGuard([&before] { qputenv("XDG_CONFIG_HOME", before); });
+  for (const std::string& first : {QDir::homePath().toStdString(), music}) {
+    for (const bool opens : {true, false}) {
+      QtFileDialogs fresh;
+      auto request = saveRequest("take");
+      request.directory.clear();
+      platform::FilePanel* panel = nullptr;
+      if (opens) {
+        delete request.accessoryView;
+        fresh.beginOpenPanel(
+            {.window = &window_, .title = "Open", .acceptLabel = "Open", .fileTypes = {"wav"}},
+            [](const auto&) {});
+        panel = shown<platform::FilePanel>("openPanel");
+      } else {
+        fresh.beginSavePanel(request, [](const auto&) {});
+        panel = shown<platform::FilePanel>("savePanel");
+      }
+      EXPECT_TRUE(runMainLoopUntil([&] { return panel->folder() == first; })) << panel->folder();
+      panel->reject();
+      EXPECT_TRUE(
+          runMainLoopUntil([&] { return window_.findChild<platform::FilePanel*>() == nullptr; }));
     }
-    const std::string first = std::filesystem::is_directory(music) ? music : home;
-    EXPECT_TRUE(runMainLoopUntil([&] { return panel->folder() == first; })) << panel->folder();
-    panel->reject();
-    EXPECT_TRUE(
-        runMainLoopUntil([&] { return window_.findChild<platform::FilePanel*>() == nullptr; }));
+    std::filesystem::create_directory(music);
   }
+}
+
+TEST_F(QtFileDialogsTest, APressOfSaveBeforeTheFolderIsKnownToBeGoneIsNotLost) {
+  auto request = saveRequest("");
+  request.directory = folder_.file("gone");
+  panels_.beginSavePanel(request, [this](const std::optional<std::string>& path) {
+    ++answers_;
+    saved_ = path;
+  });
+  panel_ = shown<platform::SavePanel>("savePanel");
+  panel_->findChild<QLineEdit*>("fileNameEdit")
+      ->setText(QString::fromStdString(folder_.file("take.wav")));
+  kind_->setCurrentIndex(1);
+  panel_->accept();
+  EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
+  EXPECT_EQ(saved_, folder_.file("take.wav"));
 }
 
 TEST_F(QtFileDialogsTest, AFolderThatIsGoneGivesTheHomeFolder) {
