@@ -1,9 +1,8 @@
 // What a screen reader finds, and can do, in the real program.
 #include <algorithm>
 
-#include "acceptance/DocumentTest.h"
+#include "acceptance/AccessibleFixture.h"
 #include "support/RecoveredFolder.h"
-#include "support/programs/AccessibilityBus.h"
 #include "support/programs/AudioFileTools.h"
 
 using namespace support;
@@ -19,44 +18,12 @@ int hundredthsOf(const std::string& text) {
   return text.size() < 11 ? -1 : 100 * std::stoi(text.substr(6, 2)) + std::stoi(text.substr(9, 2));
 }
 
-class Accessibility : public DocumentTest {
+class Accessibility : public AccessibleFixture {
  protected:
-  using Node = AccessibilityBus::Node;
-
-  void startWithBus(const std::vector<std::string>& files = {}) {
-    std::string error;
-    bus_ = AccessibilityBus::start(error);
-    ASSERT_NE(bus_, nullptr) << error;
-    // The screen's environment has no message bus.
+  void startWithBusAndFile(const std::string& file) {
     RunningOrvo::Options options;
-    options.files = files;
-    options.dataFolder = data_;
-    options.wrapper = {"env"};
-    for (const auto& [name, value] : bus_->environment()) {
-      options.wrapper.push_back(name + "=" + value);
-    }
-    ASSERT_NO_FATAL_FAILURE(startOrvo(options));
-    ASSERT_TRUE(eventually([&] {
-      nodes_ = bus_->nodesOf(orvo_->pid());
-      return !nodes_.empty() && !named("Waveform").path.empty();
-    })) << "the program is not on the accessibility bus";
-  }
-
-  /// The first node with this name, and this role if one is given; empty if there is none.
-  [[nodiscard]] Node named(const std::string& name, const std::string& role = {}) const {
-    const auto found = std::find_if(nodes_.begin(), nodes_.end(), [&](const Node& node) {
-      return node.name == name && (role.empty() || node.role == role);
-    });
-    return found == nodes_.end() ? Node() : *found;
-  }
-
-  [[nodiscard]] Node button(const std::string& name) const {
-    for (const char* role : {"push button", "toggle button", "check box"}) {
-      if (const Node found = named(name, role); !found.path.empty()) {
-        return found;
-      }
-    }
-    return {};
+    options.files = {file};
+    startWithBus(options);
   }
 
   /// A recording of this many seconds that 16 bits hold exactly.
@@ -74,10 +41,6 @@ class Accessibility : public DocumentTest {
     const auto nodes = bus_->nodesFrom(named("Waveform"));
     return nodes.empty() ? std::string() : nodes.front().description;
   }
-
-  const std::string data_ = folder_.makeFolder("data");
-  std::unique_ptr<AccessibilityBus> bus_;
-  std::vector<Node> nodes_;
 };
 
 TEST_F(Accessibility, EveryControlHasANameARoleAndAPressAction) {
@@ -103,7 +66,7 @@ TEST_F(Accessibility, TheQuestionAboutRecoveredRecordingsIsReadOutAndAnswered) {
   recovered.add("Orvo recording 2026-11-21 14.02.31.caf", noise16(kFramesPerSecond * 65, 4));
   ASSERT_NO_FATAL_FAILURE(startWithBus());
   ASSERT_FALSE(screen_->waitForWindow(orvo_->pid(), "Recovered Recordings").empty());
-  nodes_ = bus_->nodesOf(orvo_->pid());
+  readNodes();
   ASSERT_FALSE(named("Recovered Recordings", "dialog").path.empty());
   EXPECT_NE(named("Recovered Recordings", "dialog")
                 .description.find("Orvo ended unexpectedly. Recordings kept: 1"),
@@ -125,7 +88,7 @@ TEST_F(Accessibility, AScreenReaderRecordsAndReadsPositionAndLengthOut) {
   EXPECT_TRUE(bus_->hasState(record, kChecked));
   ASSERT_TRUE(bus_->act(record, "Press"));
   ASSERT_TRUE(eventually([&] { return !bus_->hasState(record, kChecked); }));
-  nodes_ = bus_->nodesOf(orvo_->pid());
+  readNodes();
   const std::string told = named("Waveform").description;
   EXPECT_EQ(told.substr(0, 14), "00:00:00.00 / ") << "back at the start";
   EXPECT_GE(told.substr(14), "00:00:01.00") << told;
@@ -134,7 +97,7 @@ TEST_F(Accessibility, AScreenReaderRecordsAndReadsPositionAndLengthOut) {
 
 TEST_F(Accessibility, TheWaveformsKeysMoveTheMarkerAndTheNewPositionIsReadOut) {
   const std::string take = writeTake("take.wav", 4.0);
-  ASSERT_NO_FATAL_FAILURE(startWithBus({take}));
+  ASSERT_NO_FATAL_FAILURE(startWithBusAndFile(take));
   ASSERT_TRUE(eventually([&] { return waveformTells() == "00:00:00.00 / 00:00:04.00"; }));
   for (int i = 0; i < 10 && !bus_->hasState(named("Waveform"), kFocused); ++i) {
     ASSERT_TRUE(screen_->pressKey("Tab"));
@@ -156,23 +119,18 @@ TEST_F(Accessibility, TheWaveformsKeysMoveTheMarkerAndTheNewPositionIsReadOut) {
   }
 }
 
-TEST_F(Accessibility, WhatMustBeKnownOfARecordingOfSilenceIsANotice) {
+TEST_F(Accessibility, WhatMustBeKnownOfARecordingIsANotice) {
   ASSERT_NO_FATAL_FAILURE(startWithBus());
-  const auto notice = [this] {
-    nodes_ = bus_->nodesOf(orvo_->pid());
-    const auto found = std::find_if(nodes_.begin(), nodes_.end(), [](const Node& node) {
-      return node.role == "notification" && !node.name.empty();
-    });
-    return found == nodes_.end() ? Node() : *found;
-  };
   ASSERT_TRUE(bus_->act(button("Record"), "Press"));
-  ASSERT_TRUE(eventually([&] { return !notice().path.empty(); }));
-  EXPECT_TRUE(bus_->act(button("Record"), "Press"));
+  expectNotice("No microphone: recording what this computer plays");  // a monitor is the default
+  ASSERT_TRUE(orvo_->waitUntilRecorded(kFramesPerSecond));
+  ASSERT_TRUE(bus_->act(button("Record"), "Press"));
+  expectNotice("Recording has been paused.");
 }
 
 TEST_F(Accessibility, AProgressBarTellsWhatGoesOnAndIsGoneAfterwards) {
   const std::string take = writeTake("take.wav", 480.0);  // encoding it takes a while
-  ASSERT_NO_FATAL_FAILURE(startWithBus({take}));
+  ASSERT_NO_FATAL_FAILURE(startWithBusAndFile(take));
   ASSERT_TRUE(eventually([&] { return waveformTells() == "00:00:00.00 / 00:08:00.00"; }));
   const Window panel = openPanel("ctrl+shift+s", "Save As");
   ASSERT_FALSE(panel.empty());

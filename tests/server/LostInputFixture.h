@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -39,14 +40,20 @@ class LostInputFixture : public ServerFixture {
     plug_ = server_->plugMicrophone(name, description);
     ASSERT_TRUE(plug_.has_value());
   }
-  void unplug() { ASSERT_TRUE(server_->unplugMicrophone(*std::exchange(plug_, std::nullopt))); }
+  void unplug() {
+    unpluggedAt_ = Clock::now();
+    ASSERT_TRUE(server_->unplugMicrophone(*std::exchange(plug_, std::nullopt)));
+  }
 
   void makeRecorder() {
     failure_ = 0;
     recorder_ = OVAQRecorder::initWithBuffer(buffer_);
     ASSERT_NE(recorder_, nullptr);
     recorder_->setWritingPosition(buffer_->bufferSizeInFrames() * kFrameBytes);
-    recorder_->setFailureHandler([this](platform::AudioStatus status) { failure_ = status; });
+    recorder_->setFailureHandler([this](platform::AudioStatus status) {
+      failedAt_ = Clock::now();
+      failure_ = status;
+    });
     ASSERT_TRUE(awaitCapturing());
   }
 
@@ -88,11 +95,19 @@ class LostInputFixture : public ServerFixture {
     return found;
   }
 
-  /// The last `frames` frames of the recording are digital silence.
-  [[nodiscard]] bool endsWithSilence(std::size_t frames) const {
-    const support::Samples all = contents(*buffer_);
-    return std::all_of(all.end() - static_cast<std::ptrdiff_t>(frames * support::kChannels),
-                       all.end(), [](float sample) { return sample == 0; });
+  /// Another program plays loudly, which is what a monitor captures.
+  void playAloud() {
+    ASSERT_TRUE(support::writeRaw(folder_.file("loud"), support::tune(30)));
+    other_ = server_->playAloud(folder_.file("loud"));
+    ASSERT_NE(other_, nullptr);
+  }
+
+  /// At most so many frames can follow the last one of a microphone that was unplugged: what came
+  /// from where the server moves the stream until the loss was noticed, and the buffers of the
+  /// server and the device.
+  [[nodiscard]] std::size_t mostForeignFrames() const {
+    const std::chrono::duration<double> delay = failedAt_.load() - unpluggedAt_;
+    return static_cast<std::size_t>(delay.count() * kSecond) + 2 * platform::kRecordingChunkFrames;
   }
 
   void expectOneAlertThatSays(const std::string& words) {
@@ -110,9 +125,14 @@ class LostInputFixture : public ServerFixture {
     });
   }
 
+  using Clock = std::chrono::steady_clock;
+
   std::atomic<platform::AudioStatus> failure_{0};
+  std::atomic<Clock::time_point> failedAt_;
+  Clock::time_point unpluggedAt_;
   std::optional<std::string> plug_;
   std::unique_ptr<support::ChildProcess> player_;
+  std::unique_ptr<support::ChildProcess> other_;
   std::shared_ptr<OVBlockBuffer> buffer_ = OVBlockBuffer::init();
   std::shared_ptr<OVAQRecorder> recorder_;
 };

@@ -6,7 +6,7 @@
 
 namespace platform {
 
-bool StallCount::look(AudioClock::TimePoint now, AudioClock::TimePoint due,
+bool StallCount::look(AudioClock::TimePoint now, std::chrono::nanoseconds late,
                       std::uint64_t progress) {
   if (progress != progress_) {
     progress_ = progress;
@@ -14,7 +14,7 @@ bool StallCount::look(AudioClock::TimePoint now, AudioClock::TimePoint due,
     since_ = now;
     return false;
   }
-  if (now - due > kLateness) {
+  if (late > kLateness) {
     since_ = now;
     return false;
   }
@@ -55,21 +55,24 @@ std::shared_ptr<StallWatch::Stream> StallWatch::watch(std::shared_ptr<const Prog
 }
 
 void StallWatch::run() {
-  AudioClock::TimePoint now = clock_->now();
-  AudioClock::TimePoint due;
+  std::chrono::nanoseconds late{};
   do {
-    due = now + kInterval;  // after the last look, so that a stop between two of them shows
+    // From here on, so that a stop of the program between two looks shows; and by the clock that
+    // goes on while the machine sleeps, since the other one, which the wait uses, does not.
+    const AudioClock::TimePoint last = clock_->nowWithSleep();
+    const AudioClock::TimePoint due = clock_->now() + kInterval;
     while (clock_->waitUntil(wake_, due)) {
       const MutexLock lock(mutex_);
       if (isEnding_) {
         return;
       }
     }
-    now = clock_->now();
-  } while (lookAtAll(now, due));
+    late = clock_->nowWithSleep() - last - kInterval;
+  } while (lookAtAll(late));
 }
 
-bool StallWatch::lookAtAll(AudioClock::TimePoint now, AudioClock::TimePoint due) {
+bool StallWatch::lookAtAll(std::chrono::nanoseconds late) {
+  const AudioClock::TimePoint now = clock_->now();
   std::vector<std::shared_ptr<Stream>> kept;  // released outside the lock
   std::vector<std::shared_ptr<Stream>> stalled;
   {
@@ -80,7 +83,7 @@ bool StallWatch::lookAtAll(AudioClock::TimePoint now, AudioClock::TimePoint due)
         return true;
       }
       const bool stands =
-          watched.count.look(now, due, stream->progress->load(std::memory_order_relaxed));
+          watched.count.look(now, late, stream->progress->load(std::memory_order_relaxed));
       (stands ? stalled : kept).push_back(std::move(stream));
       return stands;
     });

@@ -23,14 +23,15 @@ class StallCount {
   static constexpr std::chrono::seconds kPatience{2};
   static constexpr std::chrono::seconds kFirstPatience{5};
   /// A look that is later than this starts the count anew: the program was stopped or the machine
-  /// suspended, so the stream had no chance to move.
+  /// slept, so the stream had no chance to move.
   static constexpr std::chrono::milliseconds kLateness{500};
 
   StallCount(AudioClock::TimePoint now, std::uint64_t progress)
       : since_(now), progress_(progress) {}
 
-  /// Whether the stream has stood still for too long. `due` is when this look should have come.
-  [[nodiscard]] bool look(AudioClock::TimePoint now, AudioClock::TimePoint due,
+  /// Whether the stream has stood still for too long. `late` is how much later than it should this
+  /// look comes, the machine's sleep included.
+  [[nodiscard]] bool look(AudioClock::TimePoint now, std::chrono::nanoseconds late,
                           std::uint64_t progress);
 
  private:
@@ -77,8 +78,7 @@ class StallWatch {
 
   void run() EXCLUDES(mutex_);
   /// False if nothing is watched any more, and the thread must end.
-  [[nodiscard]] bool lookAtAll(AudioClock::TimePoint now, AudioClock::TimePoint due)
-      EXCLUDES(mutex_);
+  [[nodiscard]] bool lookAtAll(std::chrono::nanoseconds late) EXCLUDES(mutex_);
 
   const std::shared_ptr<AudioClock> clock_;
   Semaphore wake_;

@@ -33,23 +33,6 @@ QAccessibleInterface* makeAccessibleView(const QString&, QObject* object) {
   return new AccessibleView(view, static_cast<QAccessible::Role>(role.toInt()));
 }
 
-class QtAnnouncer final : public Announcer {
- public:
-  void announce(QWidget* view, [[maybe_unused]] const QString& text) override {
-#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
-    QAccessibleAnnouncementEvent announcement(view, text);
-    QAccessible::updateAccessibility(&announcement);
-#else
-    QAccessibleEvent alert(view, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
-    if (view->isVisible()) {  // otherwise showing it sends this event
-      QAccessibleEvent shown(view, QAccessible::ObjectShow);
-      QAccessible::updateAccessibility(&shown);
-    }
-#endif
-  }
-};
-
 }  // namespace
 
 void describeView(QWidget* view, const QString& name, QAccessible::Role role) {
@@ -58,6 +41,20 @@ void describeView(QWidget* view, const QString& name, QAccessible::Role role) {
   QAccessible::installFactory(makeAccessibleView);
   view->setProperty(kRoleProperty, static_cast<int>(role));
   view->setAccessibleName(name);
+}
+
+void QtAnnouncer::announce(QWidget* view, [[maybe_unused]] const QString& text) {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+  QAccessibleAnnouncementEvent announcement(view, text);
+  send_(&announcement);
+#else
+  QAccessibleEvent alert(view, QAccessible::Alert);
+  send_(&alert);
+  if (view->isVisible()) {  // otherwise showing it sends this event
+    QAccessibleEvent shown(view, QAccessible::ObjectShow);
+    send_(&shown);
+  }
+#endif
 }
 
 std::shared_ptr<Announcer> Announcer::whenNoneIsInstalled() {

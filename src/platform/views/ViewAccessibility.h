@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 #include <QAccessible>
 #include <QString>
@@ -37,6 +39,23 @@ class Announcer {
   /// `text` is also the name or the description of `view`. A view that is not shown yet is
   /// announced before it is shown.
   virtual void announce(QWidget* view, const QString& text) = 0;
+};
+
+/// Announces by events of Qt: an announcement from Qt 6.8, before that an alert and the view's
+/// being shown.
+///
+/// Threads: main. Real-time: not safe.
+class QtAnnouncer final : public Announcer {
+ public:
+  /// Passes an event to assistive technology. Qt drops it if there is none, so tests have their
+  /// own.
+  using Send = std::function<void(QAccessibleEvent*)>;
+
+  explicit QtAnnouncer(Send send = &QAccessible::updateAccessibility) : send_(std::move(send)) {}
+  void announce(QWidget* view, const QString& text) override;
+
+ private:
+  const Send send_;
 };
 
 inline void announce(QWidget* view, const QString& text) {

@@ -5,21 +5,18 @@
 #include <string>
 #include <vector>
 
-#include <poll.h>
-#include <unistd.h>
-
 #include <gmock/gmock.h>
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingCall>
-#include <QDBusUnixFileDescriptor>
 
 #include "support/Gate.h"
 #include "support/MainLoop.h"
 #include "support/Sanitizers.h"
 #include "support/TemporaryFolder.h"
+#include "support/fakes/LoginManager.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/programs/ChildProcess.h"
 
@@ -103,68 +100,6 @@ class Portal : public QObject, protected QDBusContext {
   }
 };
 
-/// A login manager. Whether its descriptor is still open is seen at the other end of a pipe.
-class LoginManager : public QObject, protected QDBusContext {
-  Q_OBJECT
-  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Manager")
-
- public:
-  std::vector<QStringList> calls;
-  bool refuses = false;
-  bool answersLate = false;
-
-  ~LoginManager() override {
-    for (const int end : readEnds_) {
-      ::close(end);
-    }
-  }
-
-  void answerLate() {
-    QDBusConnection(QStringLiteral("login"))
-        .send(late_.createReply(QVariant::fromValue(newDescriptor())));
-  }
-
-  /// Descriptors that are open somewhere.
-  int held() const {
-    int result = 0;
-    for (const int end : readEnds_) {
-      pollfd state{.fd = end, .events = 0, .revents = 0};
-      ::poll(&state, 1, 0);
-      result += (state.revents & POLLHUP) == 0 ? 1 : 0;
-    }
-    return result;
-  }
-
- public Q_SLOTS:
-  QDBusUnixFileDescriptor Inhibit(const QString& what, const QString& who, const QString& why,
-                                  const QString& mode) {
-    calls.push_back({what, who, why, mode});
-    if (refuses) {
-      sendErrorReply(QDBusError::AccessDenied, "not allowed");
-      return {};
-    }
-    if (answersLate) {
-      setDelayedReply(true);
-      late_ = message();
-      return {};
-    }
-    return newDescriptor();
-  }
-
- private:
-  QDBusUnixFileDescriptor newDescriptor() {
-    int ends[2] = {-1, -1};
-    EXPECT_EQ(::pipe(ends), 0);
-    readEnds_.push_back(ends[0]);
-    QDBusUnixFileDescriptor descriptor(ends[1]);
-    ::close(ends[1]);
-    return descriptor;
-  }
-
-  std::vector<int> readEnds_;
-  QDBusMessage late_;
-};
-
 class DBusSleepInhibitorTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -206,12 +141,7 @@ class DBusSleepInhibitorTest : public testing::Test {
                                    QDBusConnection::ExportAllSlots));
     ASSERT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
   }
-  void offerLoginManager() {
-    QDBusConnection bus = connectTo("login");
-    ASSERT_TRUE(bus.registerObject(QStringLiteral("/org/freedesktop/login1"), &login_,
-                                   QDBusConnection::ExportAllSlots));
-    ASSERT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.login1")));
-  }
+  void offerLoginManager() { ASSERT_TRUE(login_.offerOn(connectTo("login"))); }
 
   void makeInhibitor(std::chrono::milliseconds portalPatience = kForEver) {
     inhibitor_ = std::make_unique<DBusSleepInhibitor>(
@@ -261,7 +191,7 @@ class DBusSleepInhibitorTest : public testing::Test {
   std::unique_ptr<support::ChildProcess> daemon_;
   QString address_;
   Portal portal_;
-  LoginManager login_;
+  support::LoginManager login_;
   support::Gate gate_;
   std::atomic<bool> hasSystemBus_ = true;
   std::atomic<bool> isSystemBusSlow_ = false;
@@ -389,7 +319,7 @@ TEST_F(DBusSleepInhibitorTest, ADescriptorThatComesAfterTheEndIsClosedAtOnce) {
   auto held = hold();
   ASSERT_TRUE(loginAsked());
   held.reset();
-  login_.answerLate();
+  login_.answerLate(connectTo("login"));
   EXPECT_TRUE(loginHeld(0));
 }
 

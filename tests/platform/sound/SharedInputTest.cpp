@@ -555,9 +555,9 @@ TEST_F(SharedInputTest, NoticesDuringOpeningClosingAndTheEndDoNoHarm) {
     ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
     EXPECT_EQ(recording.failures.count(), 0U);
   }
+  queues.reset();  // while inputs go on coming and going
   stop = true;
   plugs.join();
-  queues.reset();
 }
 
 // Inputs that stand still -------------------------------------------------------------------------

@@ -20,11 +20,8 @@ using std::chrono::seconds;
 class StallCountTest : public testing::Test {
  protected:
   bool look(std::uint64_t progress, milliseconds late = milliseconds(0)) {
-    due_ += StallWatch::kInterval;
-    const AudioClock::TimePoint now = due_ + late;
-    const bool stalled = count_.look(now, due_, progress);
-    due_ = now;
-    return stalled;
+    now_ += StallWatch::kInterval + late;
+    return count_.look(now_, late, progress);
   }
   /// Looks at a stream that stands still; the number of the look that found it stalled, 0 for none.
   int looksUntilStalled(std::uint64_t progress, int most = 40) {
@@ -36,8 +33,8 @@ class StallCountTest : public testing::Test {
     return 0;
   }
 
-  AudioClock::TimePoint due_{std::chrono::hours(1)};
-  StallCount count_{due_, 0};
+  AudioClock::TimePoint now_{std::chrono::hours(1)};
+  StallCount count_{now_, 0};
 };
 
 TEST_F(StallCountTest, AStreamThatMovesNeverStalls) {
@@ -82,6 +79,12 @@ TEST_F(StallCountTest, ALookThatIsHalfASecondLateCounts) {
 
 class StallWatchTest : public testing::Test {
  protected:
+  /// Lets the watch look once, on time.
+  void lookOnce() {
+    ASSERT_TRUE(clock_->awaitWaiter(StallWatch::kInterval));
+    clock_->advance(StallWatch::kInterval);
+  }
+
   /// Lets time pass until a condition holds.
   template <typename Condition>
   bool passUntil(Condition condition) {
@@ -115,6 +118,24 @@ TEST_F(StallWatchTest, TellsOnceOfTheStreamThatStandsStillAndOfNoOther) {
   }));
   EXPECT_EQ(stalls_, 1);
   EXPECT_EQ(otherStalls_, 0);
+}
+
+TEST_F(StallWatchTest, AfterTheMachineHasSleptTheCountBeginsAnew) {
+  StallWatch watch(clock_);
+  const auto watched = watch.watch(progress_, [this] { ++stalls_; });
+  ++*progress_;
+  for (int i = 0; i < 4; ++i) {  // it moved before the first, and has stood still for 1.5 s
+    ASSERT_NO_FATAL_FAILURE(lookOnce());
+  }
+  ASSERT_TRUE(clock_->awaitWaiter(StallWatch::kInterval));
+  clock_->sleep(std::chrono::hours(8));  // of which the clock of the wait knows nothing
+  for (int i = 0; i < 4; ++i) {          // the first is late, and another 1.5 s pass
+    ASSERT_NO_FATAL_FAILURE(lookOnce());
+  }
+  ASSERT_TRUE(clock_->awaitWaiter(StallWatch::kInterval));
+  EXPECT_EQ(stalls_, 0);
+  ASSERT_NO_FATAL_FAILURE(lookOnce());
+  EXPECT_TRUE(support::eventually([&] { return stalls_ == 1; }));
 }
 
 TEST_F(StallWatchTest, AStreamWhoseReferenceWasReleasedIsNotWatched) {

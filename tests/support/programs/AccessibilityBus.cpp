@@ -86,10 +86,7 @@ std::vector<AccessibilityBus::Place> AccessibilityBus::childrenOf(const Place& p
   return children;
 }
 
-void AccessibilityBus::collect(const Place& place, std::vector<Node>& nodes, int depth) const {
-  if (depth == 0) {
-    return;
-  }
+AccessibilityBus::Node AccessibilityBus::describe(const Place& place) const {
   Node node{place.bus, place.path, {}, {}, {}, {}};
   node.role = firstTextIn(ask(place, std::string(kAccessible) + "GetRoleName"));
   node.name = property(place, "Name");
@@ -98,20 +95,42 @@ void AccessibilityBus::collect(const Place& place, std::vector<Node>& nodes, int
   for (std::size_t i = 0; i < actions.size(); i += 3) {  // name, description, keys
     node.actions.push_back(actions[i]);
   }
-  nodes.push_back(std::move(node));
+  return node;
+}
+
+void AccessibilityBus::collect(const Place& place, std::vector<Node>& nodes, int depth) const {
+  if (depth == 0) {
+    return;
+  }
+  nodes.push_back(describe(place));
   for (const Place& child : childrenOf(place)) {
     collect(child, nodes, depth - 1);
   }
 }
 
+std::vector<AccessibilityBus::Place> AccessibilityBus::programsOf(pid_t pid) const {
+  auto programs = childrenOf({kRegistry, kRoot});
+  std::erase_if(programs, [&](const Place& program) {
+    return call(accessibility_, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                "org.freedesktop.DBus.GetConnectionUnixProcessID",
+                {program.bus}) != "(uint32 " + std::to_string(pid) + ",)\n";
+  });
+  return programs;
+}
+
 std::vector<AccessibilityBus::Node> AccessibilityBus::nodesOf(pid_t pid) const {
   std::vector<Node> nodes;
-  for (const Place& program : childrenOf({kRegistry, kRoot})) {
-    const std::string answer =
-        call(accessibility_, "org.freedesktop.DBus", "/org/freedesktop/DBus",
-             "org.freedesktop.DBus.GetConnectionUnixProcessID", {program.bus});
-    if (answer == "(uint32 " + std::to_string(pid) + ",)\n") {
-      collect(program, nodes, kMax);
+  for (const Place& program : programsOf(pid)) {
+    collect(program, nodes, kMax);
+  }
+  return nodes;
+}
+
+std::vector<AccessibilityBus::Node> AccessibilityBus::windowsOf(pid_t pid) const {
+  std::vector<Node> nodes;
+  for (const Place& program : programsOf(pid)) {
+    for (const Place& window : childrenOf(program)) {
+      nodes.push_back(describe(window));
     }
   }
   return nodes;

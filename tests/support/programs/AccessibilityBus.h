@@ -36,6 +36,9 @@ class AccessibilityBus {
   /// it is not on the bus.
   [[nodiscard]] std::vector<Node> nodesOf(pid_t pid) const;
 
+  /// Its windows only, without what is inside them.
+  [[nodiscard]] std::vector<Node> windowsOf(pid_t pid) const;
+
   /// The current state of an element and of everything inside it.
   [[nodiscard]] std::vector<Node> nodesFrom(const Node& node) const;
 
@@ -60,6 +63,8 @@ class AccessibilityBus {
                                 const std::vector<std::string>& arguments = {}) const;
   [[nodiscard]] std::string property(const Place& place, const std::string& name) const;
   [[nodiscard]] std::vector<Place> childrenOf(const Place& place) const;
+  [[nodiscard]] std::vector<Place> programsOf(pid_t pid) const;
+  [[nodiscard]] Node describe(const Place& place) const;
   void collect(const Place& place, std::vector<Node>& nodes, int depth) const;
 
   TemporaryFolder folder_;

@@ -200,7 +200,16 @@ bool PrivateSoundServer::answers() const {
 }
 
 std::unique_ptr<ChildProcess> PrivateSoundServer::playIntoFeed(const std::string& rawPath) const {
-  std::vector<std::string> arguments{"paplay", "--device=" + std::string(kFeed)};
+  return play(kFeed, rawPath);
+}
+
+std::unique_ptr<ChildProcess> PrivateSoundServer::playAloud(const std::string& rawPath) const {
+  return play(kHeard, rawPath);
+}
+
+std::unique_ptr<ChildProcess> PrivateSoundServer::play(const std::string& sink,
+                                                       const std::string& rawPath) const {
+  std::vector<std::string> arguments{"paplay", "--device=" + sink};
   const std::vector<std::string> format = rawFormat();
   arguments.insert(arguments.end(), format.begin(), format.end());
   arguments.push_back(rawPath);
@@ -214,7 +223,12 @@ std::unique_ptr<ChildProcess> PrivateSoundServer::playIntoFeed(const std::string
 }
 
 std::unique_ptr<ChildProcess> PrivateSoundServer::captureHeard(const std::string& rawPath) const {
-  std::vector<std::string> arguments{"parec", "--device=" + std::string(kHeard) + ".monitor"};
+  return capture(kHeardMonitor, rawPath);
+}
+
+std::unique_ptr<ChildProcess> PrivateSoundServer::capture(const std::string& source,
+                                                          const std::string& rawPath) const {
+  std::vector<std::string> arguments{"parec", "--device=" + source};
   const std::vector<std::string> format = rawFormat();
   arguments.insert(arguments.end(), format.begin(), format.end());
   std::string error;

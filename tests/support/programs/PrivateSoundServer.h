@@ -49,10 +49,16 @@ class PrivateSoundServer {
   /// Starts playing a raw file into the feed and returns once the server runs the stream. The
   /// player ends after the last frame. Null if the stream does not start.
   [[nodiscard]] std::unique_ptr<ChildProcess> playIntoFeed(const std::string& rawPath) const;
+  /// The same for what is heard, as another program beside the tested one would.
+  [[nodiscard]] std::unique_ptr<ChildProcess> playAloud(const std::string& rawPath) const;
 
   /// Starts writing what is heard into a raw file and returns once samples arrive there. Recording
   /// continues until the process is ended. Null if none arrive.
   [[nodiscard]] std::unique_ptr<ChildProcess> captureHeard(const std::string& rawPath) const;
+
+  /// The same from the source of this name, as another program beside the tested one would.
+  [[nodiscard]] std::unique_ptr<ChildProcess> capture(const std::string& source,
+                                                      const std::string& rawPath) const;
 
   /// Adds a source that captures what is played into the feed and is no monitor, as a microphone is
   /// none, and makes it the default. Nothing on failure.
@@ -86,6 +92,8 @@ class PrivateSoundServer {
 
   [[nodiscard]] bool launch(std::string& error);
   [[nodiscard]] std::string socketPath() const;
+  [[nodiscard]] std::unique_ptr<ChildProcess> play(const std::string& sink,
+                                                   const std::string& rawPath) const;
   [[nodiscard]] std::vector<Stream> streams(const std::string& what) const;
 
   TemporaryFolder folder_;
