@@ -1,7 +1,5 @@
 #include "platform/desktop/DesktopColours.h"
 
-#include <memory>
-
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -82,9 +80,9 @@ void DesktopColours::follow(const QVariant& colorScheme) {
 
 void DesktopColours::setDark(bool isDark) {
   if (isDark && QApplication::style()->name() == QLatin1String("fusion")) {
-    // It stays: it changes dark menus only. The application owns it.
-    QApplication::setStyle(std::make_unique<DarkMenuStyle>().release());
+    QApplication::setStyle(new DarkMenuStyle);  // stays: it changes dark menus only
   }
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the application owns its style
   QApplication::setPalette(isDark ? darkPalette() : QPalette());
 }
 
