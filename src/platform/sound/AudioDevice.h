@@ -110,6 +110,7 @@ class AudioDevice {
   /// `changed` is called whenever an input appears or vanishes, as far as the sound system
   /// notifies, on any thread of the device; it must be real-time safe. Set before the first stream
   /// opens.
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): devices keep it
   virtual void setInputsChangedHandler(std::function<void()> /*changed*/) {}
 
   /// The inputs that exist now; nothing if the sound system does not answer or cannot list them.
