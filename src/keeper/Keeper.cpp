@@ -47,11 +47,11 @@ void Keeper::listen() {
     if (received.byteCount == sizeof message) {
       std::memcpy(&message, bytes.data(), sizeof message);
     }
-    take(message, std::move(received.descriptors));
+    take(message, received.descriptors);
   }
 }
 
-void Keeper::take(const KeeperMessage& message, std::vector<int> descriptors) {
+void Keeper::take(const KeeperMessage& message, const std::vector<int>& descriptors) {
   std::vector<std::unique_ptr<platform::File>> files;
   files.reserve(descriptors.size());
   for (const int descriptor : descriptors) {

@@ -32,7 +32,7 @@ class Keeper {
   [[nodiscard]] std::size_t size() const { return recordings_.size(); }
 
  private:
-  void take(const KeeperMessage& message, std::vector<int> descriptors);
+  void take(const KeeperMessage& message, const std::vector<int>& descriptors);
 
   const std::unique_ptr<platform::DescriptorChannel> program_;
   const std::string dataDirectory_;
