@@ -52,6 +52,7 @@ std::shared_ptr<OVApplicationServices> servicesOf(VelmarAppDelegate& delegate) {
 // Arguments may be URIs, as in the desktop's list of recent files.
 std::vector<std::string> pathsOf(const std::vector<std::string>& arguments) {
   std::vector<std::string> paths;
+  paths.reserve(arguments.size());
   for (const std::string& argument : arguments) {
     paths.push_back(platform::pathOfFileUri(argument).value_or(argument));
   }

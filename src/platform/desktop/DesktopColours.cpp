@@ -82,6 +82,7 @@ void DesktopColours::setDark(bool isDark) {
   if (isDark && QApplication::style()->name() == QLatin1String("fusion")) {
     QApplication::setStyle(new DarkMenuStyle);  // stays: it changes dark menus only
   }
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the application owns its style
   QApplication::setPalette(isDark ? darkPalette() : QPalette());
 }
 

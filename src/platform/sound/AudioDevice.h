@@ -110,9 +110,7 @@ class AudioDevice {
   /// `changed` is called whenever an input appears or vanishes, as far as the sound system
   /// notifies, on any thread of the device; it must be real-time safe. Set before the first stream
   /// opens.
-  virtual void setInputsChangedHandler(std::function<void()> changed) {
-    static_cast<void>(changed);
-  }
+  virtual void setInputsChangedHandler(std::function<void()> /*changed*/) {}
 
   /// The inputs that exist now; nothing if the sound system does not answer or cannot list them.
   [[nodiscard]] virtual std::optional<std::vector<AudioInputDevice>> inputs() {
