@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "acceptance/AccessibleFixture.h"
 
@@ -106,6 +107,32 @@ TEST_F(LostMicrophone, OneThatIsUnpluggedIsToldByItsNameWithEverythingKeptAndIts
   ASSERT_NO_FATAL_FAILURE(beginFeeding(82));
   EXPECT_TRUE(awaitSignal(kFramesPerSecond / 2));
   EXPECT_TRUE(alerts().empty());
+}
+
+TEST_F(LostMicrophone, TenWindowsThatRecordFromItAreOneAlert) {
+  ASSERT_NO_FATAL_FAILURE(startWithMicrophone());
+  constexpr std::size_t kWindows = 10;
+  ASSERT_NO_FATAL_FAILURE(beginRecording());
+  for (std::size_t i = 1; i < kWindows; ++i) {
+    const Window further = openFurtherWindow();
+    ASSERT_FALSE(further.empty());
+    ASSERT_TRUE(screen_->activate(further));
+    ASSERT_TRUE(screen_->pressKey("r"));
+    ASSERT_TRUE(orvo_->waitUntilRecorded(kChunk, i)) << i;
+  }
+  ASSERT_NO_FATAL_FAILURE(unplug());
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertThatSays(lostWhileRecording()));
+  std::vector<std::uint64_t> kept;
+  for (std::size_t i = 0; i < kWindows; ++i) {
+    kept.push_back(orvo_->recordedFrames(i));
+    EXPECT_GE(kept.back(), kChunk) << i;
+  }
+  // The window accepts a command, so no second alert covers it; and none of them records.
+  ASSERT_FALSE(openFurtherWindow().empty());
+  EXPECT_TRUE(alerts().empty());
+  for (std::size_t i = 0; i < kWindows; ++i) {
+    EXPECT_EQ(orvo_->recordedFrames(i), kept[i]) << i;
+  }
 }
 
 TEST_F(LostMicrophone, AnotherDefaultIsRecordedFromWithoutAnAlertAndANoticeSaysSo) {

@@ -1,7 +1,8 @@
 // Preloaded into a program under test (support/programs/StalledFolder.h). From the moment at which
 // the file ORVO_TEST_STALLED_FROM exists, no call that names the folder ORVO_TEST_STALLED, or
-// anything below it, returns, as with a disk on a network that is gone. Replaces the calls by which
-// Orvo, Qt and the standard library look at files by name.
+// anything below it, returns, as with a disk on a network that is gone; nor does a write to a file
+// there, also to one whose name was removed. Replaces the calls by which Orvo, Qt and the standard
+// library look at files by name, and those by which Orvo writes.
 
 #include <cstdarg>
 #include <cstdlib>
@@ -12,6 +13,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -121,5 +123,11 @@ ORVO_STALL(ssize_t, readlink, (const char* path, char* text, size_t size), AT_FD
            (path, text, size))
 ORVO_STALL(ssize_t, readlinkat, (int folder, const char* path, char* text, size_t size), folder,
            path, (folder, path, text, size))
+
+ORVO_STALL(int, statvfs, (const char* path, struct statvfs* information), AT_FDCWD, path,
+           (path, information))
+// An empty path stands for the file itself.
+ORVO_STALL(ssize_t, pwrite, (int file, const void* data, size_t size, off_t offset), file, "",
+           (file, data, size, offset))
 
 }  // extern "C"

@@ -8,8 +8,8 @@
 namespace support {
 
 /// A folder that, from stall() on, answers no call of one program any more, as if it was on a disk
-/// on a network that is gone. A library that is preloaded into the program makes it so; other
-/// processes see the folder as before.
+/// on a network that is gone, and takes no data. A library that is preloaded into the program makes
+/// it so; other processes see the folder as before.
 ///
 /// Threads: any.
 class StalledFolder {
