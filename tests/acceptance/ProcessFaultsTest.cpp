@@ -148,11 +148,12 @@ class StalledProcess : public ProcessFaults {
     options.files = {document("take.wav")};
     ASSERT_NO_FATAL_FAILURE(startOrvo(options));
     ASSERT_TRUE(orvo_->waitUntilRecorded(take.size() / kChannels));
+    ASSERT_TRUE(screen_->screenshotAtRest(orvo_->window(), folder_.file("loaded.png")));
     if (state == Document::edited) {
       ASSERT_NO_FATAL_FAILURE(beginRecording());
       ASSERT_TRUE(screen_->pressKey("r"));
+      ASSERT_TRUE(screen_->screenshotAtRest(orvo_->window(), folder_.file("edited.png")));
     }
-    ASSERT_TRUE(screen_->screenshotAtRest(orvo_->window(), folder_.file("loaded.png")));
     for (int i = 0; i < 3; ++i) {
       const auto begin = std::chrono::steady_clock::now();
       const Window further = openFurtherWindow();
@@ -240,10 +241,18 @@ TEST_F(StalledProcess, SignalIsAnsweredWhileAPanelShowsIt) {
   EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, 0}));
 }
 
-TEST_F(StalledProcess, SignalAsksAboutAChangedDocumentWhileAPanelShowsIt) {
+TEST_F(StalledProcess, SignalIsAnsweredForAChangedDocumentWhileAPanelShowsIt) {
   ASSERT_NO_FATAL_FAILURE(startAndStall(Document::edited));
   const Window save = panelOf("ctrl+shift+s", "Save As");
   ASSERT_FALSE(save.empty());
+  orvo_->process().signal(SIGTERM);
+  ASSERT_TRUE(eventually([&] { return alerts().size() == 1; }, atOnce_));
+  const Window refusal = alerts().front();  // the panel is to be answered first
+  ASSERT_TRUE(screen_->activate(refusal));
+  ASSERT_TRUE(screen_->pressKey("Return"));
+  expectGoneAtOnce(refusal);
+  ASSERT_TRUE(screen_->activate(save));
+  ASSERT_NO_FATAL_FAILURE(cancel(save));
   orvo_->process().signal(SIGTERM);
   ASSERT_TRUE(eventually([&] { return alerts().size() == 1; }, atOnce_));
   ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::dontSave));
