@@ -199,11 +199,13 @@ bool KeptRecording::canMove() {
 
 // What is not written reads as zeros, which is silence. A stretch that is moved frees somewhat less
 // than it takes while its first and last block of the disk are needed: then more of them are held.
+// The header gets the first room there is: without it, what a killed keeper leaves could not be
+// read.
 int KeptRecording::writeSound() {
   while (true) {
-    int error = writeHeld();
+    int error = writeHeader();
     if (error == 0) {
-      error = writeHeader();
+      error = writeHeld();
     }
     const bool mayRead = error == 0 || (way_ == Way::move && isFull(error) && held_.size() < kHeld);
     if (!mayRead || !readNext()) {

@@ -34,6 +34,7 @@ BlockJournal::BlockJournal(std::unique_ptr<platform::SharedMemory> memory, const
     : memory_(std::move(memory)), recordsPerState_(origin.recordsPerState) {
   auto& header = *new (memory_->bytes()) journal::Header;
   header.created = origin.created;
+  header.firstRecording.store(origin.firstRecording, std::memory_order_relaxed);
   if (origin.recoveredFrom.size() < header.recoveredFrom.size()) {
     std::copy(origin.recoveredFrom.begin(), origin.recoveredFrom.end(),
               header.recoveredFrom.begin());

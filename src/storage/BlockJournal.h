@@ -31,6 +31,8 @@ class BlockJournal {
   struct Origin {
     std::int64_t created = 0;   ///< seconds since 1970, UTC
     std::string recoveredFrom;  ///< name of the recovered file the recording came from, or empty
+    /// When the first recording began, if that was before the journal: in seconds since 1970, UTC.
+    std::int64_t firstRecording = 0;
     /// A new state is written after records of so many bytes, or of twice the state's size if that
     /// is more.
     std::uint64_t recordsPerState = std::uint64_t{256} << 10;

@@ -68,14 +68,23 @@ Samples KilledProgramTest::recoveredAudio(std::size_t file) const {
   return file < all.size() ? decodedByFfmpeg(recoveredFolder() + "/" + all[file]) : Samples();
 }
 
-void KilledProgramTest::hold() {
+void KilledProgramTest::hold(pid_t process) {
   release();
-  for (const std::string& path : orvo_->recordingPaths()) {
+  for (const std::string& path : openFilesOf(process, temporary_ + "/orvo")) {
     audio_.push_back(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   }
-  for (const std::string& path : openFilesOf(orvo_->pid(), "memfd:orvo journal")) {
+  for (const std::string& path : openFilesOf(process, "memfd:orvo journal")) {
     journals_.push_back(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   }
+}
+
+// The keeper gets both in one message, and each takes the lowest number that is free.
+void KilledProgramTest::holdWhatIsKept(std::size_t documents) {
+  ASSERT_TRUE(eventually([&] {
+    hold(orvo_->keeperPid());
+    return journals_.size() == documents && audio_.size() == documents;
+  })) << journals_.size()
+      << " journals, " << audio_.size() << " files";
 }
 
 void KilledProgramTest::endBy(int signal) {

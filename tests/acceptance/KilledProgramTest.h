@@ -26,7 +26,10 @@ class KilledProgramTest : public DocumentTest {
 
   /// Holds the temporary file and the journal of each document, which stay readable after the
   /// program's end. Those held before are released.
-  void hold();
+  void hold() { hold(orvo_->pid()); }
+  /// The same of so many documents as the keeper has them, once it has them: there the n-th journal
+  /// is that of the n-th file.
+  void holdWhatIsKept(std::size_t documents);
   /// Ends the program with a signal, unless it has ended; returns once its keeper has ended.
   void endBy(int signal);
 
@@ -47,6 +50,7 @@ class KilledProgramTest : public DocumentTest {
   const std::string temporary_ = folder_.makeFolder("temporary");
 
  private:
+  void hold(pid_t process);
   void release();
 
   std::vector<int> audio_;

@@ -17,6 +17,12 @@ using std::chrono::seconds;
 
 class LongLosses : public AccessibleFixture {
  protected:
+  void SetUp() override {
+    if (std::getenv("ORVO_TEST_LONG_FREEZES") == nullptr) {
+      GTEST_SKIP() << "takes minutes: scripts/test --freezes runs it";
+    }
+  }
+
   /// Records noise from a microphone, which goes on for long, until it has two seconds of it.
   void beginRecordingOfNoise(const RunningOrvo::Options& options = {}) {
     ASSERT_TRUE(server_ && server_->plugMicrophone("mic", "USB Mic").has_value());

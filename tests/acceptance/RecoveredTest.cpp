@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "acceptance/DocumentTest.h"
+#include "acceptance/KilledProgramTest.h"
 #include "support/RecoveredFolder.h"
 #include "support/programs/AudioFileTools.h"
 
@@ -13,13 +13,14 @@ namespace {
 const std::string kFirst = "Orvo recording 2026-11-21 14.02.31.caf";
 const std::string kSecond = "Orvo recording 2026-11-22 09.00.00.caf";
 
-class Recovered : public DocumentTest {
+class Recovered : public KilledProgramTest {
  protected:
   void SetUp() override { ASSERT_TRUE(screen_ && server_); }
 
   void startHere() {
     RunningOrvo::Options options;
     options.dataFolder = data_;
+    options.temporaryFolder = temporary_;
     ASSERT_NO_FATAL_FAILURE(startOrvo(options));
   }
 
@@ -68,10 +69,32 @@ class Recovered : public DocumentTest {
     return false;
   }
 
+  /// Records over the beginning of the only recovered document, which has the keyboard; what it
+  /// holds then is put into `result`.
+  void recordOver(Samples& result) {
+    std::size_t document = 0;  // the other one is empty
+    while (document < orvo_->recordingPaths().size() && orvo_->recordedFrames(document) == 0) {
+      ++document;
+    }
+    const Samples before = orvo_->recorded(document);
+    ASSERT_TRUE(screen_->activate(loaded().front()));
+    ASSERT_TRUE(screen_->pressKey("Return"));  // to the start
+    ASSERT_TRUE(screen_->pressKey("r"));
+    ASSERT_TRUE(orvo_->waitUntilRecorded(before.size() / kChannels + 1, document));
+    ASSERT_NO_FATAL_FAILURE(feed(signalOfSeconds(0.1, 98)));
+    ASSERT_TRUE(screen_->pressKey("r"));
+    ASSERT_TRUE(screen_->screenshotAtRest(loaded().front(), folder_.file("recorded.png")));
+    const Samples all = orvo_->recorded(document);
+    result.assign(all.begin() + static_cast<std::ptrdiff_t>(before.size()), all.end());
+    if (result.size() < before.size()) {
+      result.insert(result.end(), before.begin() + static_cast<std::ptrdiff_t>(result.size()),
+                    before.end());
+    }
+  }
+
   void add(const std::string& name, std::uint32_t seed) { recovered_.add(name, samplesOf(seed)); }
   [[nodiscard]] static Samples samplesOf(std::uint32_t seed) { return noise16(44100, seed); }
 
-  const std::string data_ = folder_.makeFolder("data");
   const RecoveredFolder recovered_{data_};
   Window question_;
 };
@@ -110,16 +133,17 @@ TEST_F(Recovered, CancelKeepsItAndAKillReplacesItAndTheNextStartOffersIt) {
   ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::cancel));
   EXPECT_TRUE(recovered_.has(kFirst));
   EXPECT_FALSE(FileLock(recovered_.file(kFirst)).isHeld()) << "the document holds it";
-  const std::uintmax_t before = std::filesystem::file_size(recovered_.file(kFirst));
   ASSERT_TRUE(eventually([&] { return orvo_->keeperPid() != 0; }));
-  const pid_t keeper = orvo_->keeperPid();
-  orvo_->process().kill();
-  ASSERT_TRUE(eventually([&] { return hasEnded(keeper); }));
-  EXPECT_EQ(names(recovered_.path()), std::vector<std::string>{kFirst});
-  EXPECT_GT(std::filesystem::file_size(recovered_.file(kFirst)), before)
-      << "the keeper's header is longer";
+  Samples wanted;
+  ASSERT_NO_FATAL_FAILURE(recordOver(wanted));
+  ASSERT_NO_FATAL_FAILURE(endBy(SIGKILL));
+  EXPECT_EQ(recovered(), std::vector<std::string>{kFirst});
+  EXPECT_TRUE(recoveredAudio() == wanted);
+  EXPECT_NE(fileBytes(recovered_.file(kFirst)).find("2026-11-21T14:02:31"), std::string::npos)
+      << "recorded when its first recording began";
 
   ASSERT_NO_FATAL_FAILURE(openAll(1));
+  EXPECT_FALSE(loadedFrom("21 Nov 2026 14:02").empty()) << screen_->titleOf(loaded().front());
   ASSERT_TRUE(screen_->activate(loaded().front()));
   ASSERT_TRUE(screen_->pressKey("ctrl+q"));
   ASSERT_NO_FATAL_FAILURE(answerSheet(Answer::dontSave));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <iostream>
 
 #include "acceptance/KilledProgramTest.h"
 #include "support/programs/MemoryGroup.h"
@@ -144,6 +145,19 @@ TEST_F(Recovery, StoppedKeeperStopsNothing) {
   expectAllOf(written(), recoveredAudio());
 }
 
+// By a killer that takes a whole group of processes, say. The keeper has not begun.
+TEST_F(Recovery, KilledTogetherWithItsKeeperLeavesNothing) {
+  const pid_t keeper = orvo_->keeperPid();
+  ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 107)));
+  ASSERT_EQ(::kill(keeper, SIGSTOP), 0);
+  orvo_->process().signal(SIGKILL);
+  ASSERT_TRUE(orvo_->process().waitForExit());
+  ASSERT_EQ(::kill(keeper, SIGKILL), 0);
+  ASSERT_TRUE(eventually([&] { return hasEnded(keeper); }));
+  EXPECT_FALSE(fs::exists(data_ + "/orvo"));
+  expectNothingElseIsLeft(0);
+}
+
 TEST_F(Recovery, LossOfTheScreenLosesNothingElse) {
   ASSERT_NO_FATAL_FAILURE(record(signalOfSeconds(0.3, 102)));
   hold();
@@ -222,6 +236,7 @@ TEST_F(RecoveryWithoutMemory, SystemThatKillsForWantOfMemoryLosesNothing) {
       return !orvo_->process().isRunning() || !screen_->pressKey("ctrl+n");
     }));
   } else {
+    std::cout << "No control group can be made here: the system's killer is simulated.\n";
     orvo_->process().signal(SIGKILL);
   }
   EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, SIGKILL}));

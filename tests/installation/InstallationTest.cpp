@@ -195,7 +195,8 @@ TEST_F(Installation, NothingRefersToTheFolderOfTheBuildOrOfTheInstallation) {
     EXPECT_THAT(contentOf(entry.path()), Not(HasSubstr(ORVO_REPOSITORY))) << entry.path();
   }
   for (const std::string& file : {program(), at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-ffmpeg.so"),
-                                  at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-cubeb.so")}) {
+                                  at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-cubeb.so"),
+                                  at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-keeper")}) {
     const std::string dynamic = complaintsOf({"readelf", "-d", "-W", file});
     for (const std::string& line : lines(dynamic)) {
       const std::size_t path = line.find("path: [");
@@ -212,6 +213,20 @@ TEST_F(Installation, ModulesNeedTheLibrariesThatTheyLoadLate) {
   EXPECT_THAT(
       complaintsOf({"readelf", "-d", "-W", at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-cubeb.so")}),
       HasSubstr("[libcubeb.so"));
+}
+
+// It survives what takes the program down.
+TEST_F(Installation, KeeperNeedsTheStandardLibraryOnly) {
+  const std::string dynamic =
+      complaintsOf({"readelf", "-d", "-W", at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-keeper")});
+  std::size_t needed = 0;
+  for (const std::string& line : lines(dynamic)) {
+    if (line.find("(NEEDED)") != std::string::npos) {
+      ++needed;
+      EXPECT_THAT(line, ContainsRegex("\\[(libstdc\\+\\+|libgcc_s|libm|libc|ld-linux[^]]*)\\.so"));
+    }
+  }
+  EXPECT_GT(needed, 0U);
 }
 
 TEST_F(Installation, MovedProgramAnswers) {

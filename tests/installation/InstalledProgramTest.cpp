@@ -50,6 +50,29 @@ TEST_F(InstalledProgram, RecordsWithItsModulesAndItsKeeper) {
   EXPECT_EQ(keeper.string(), at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-keeper"));
 }
 
+TEST_F(InstalledProgram, WithoutItsKeeperItRecordsAndQuitsAllTheSame) {
+  const std::string keeper = at(ORVO_INSTALLED_LIBRARIES "/orvo/orvo-keeper");
+  std::filesystem::rename(keeper, keeper + " elsewhere");  // the installation is the suite's
+  ASSERT_NO_FATAL_FAILURE(startProgram({}));
+  ASSERT_TRUE(screen_->pressKey("r"));
+  EXPECT_TRUE(orvo_->waitUntilRecorded(4096));
+  EXPECT_EQ(orvo_->keeperPid(), 0);
+  const std::string data = orvo_->dataFolder();
+  EXPECT_FALSE(std::filesystem::exists(data + "/orvo"));
+  ASSERT_TRUE(screen_->pressKey("ctrl+q"));
+  std::vector<VirtualScreen::Window> question;
+  ASSERT_TRUE(eventually([&] {
+    question = screen_->windowsOf(orvo_->pid(), "Orvo");
+    std::erase_if(question, [&](const auto& each) { return screen_->titleOf(each) != "Orvo"; });
+    return question.size() == 1;
+  }));
+  ASSERT_TRUE(screen_->activate(question.front()));
+  ASSERT_TRUE(screen_->pressKey("Tab") && screen_->pressKey("space"));  // Don't Save
+  EXPECT_EQ(orvo_->process().waitForExit(), (ExitStatus{0, 0}));
+  EXPECT_FALSE(std::filesystem::exists(data + "/orvo"));
+  std::filesystem::rename(keeper + " elsewhere", keeper);
+}
+
 // The desktop opens pages with xdg-open; one of the test's own writes down what it should open.
 TEST_F(InstalledProgram, HelpKeyOpensThePageOfTheLanguage) {
   const std::string opener = folder_.file("xdg-open");

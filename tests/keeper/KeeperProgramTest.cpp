@@ -15,6 +15,7 @@
 #include "platform/files/TemporaryFiles.h"
 #include "platform/process/DescriptorChannel.h"
 #include "recovery/KeeperMessage.h"
+#include "support/RecoveredFolder.h"
 #include "support/TemporaryFolder.h"
 #include "support/programs/ChildProcess.h"
 #include "support/programs/LimitedDisk.h"
@@ -222,6 +223,29 @@ TEST_F(KeeperOnItsDiskTest, TerminationSignalDoesNotEndItWhileItMoves) {
   keeper_->signal(SIGTERM);
   ASSERT_EQ(::unlinkat(disk_, "filler", 0), 0);
   expectWritten(whole);
+}
+
+TEST_F(KeeperOnItsDiskTest, KilledWhileItMovesLeavesWhatItHadWritten) {
+  constexpr std::uint64_t kBytes = 6 << 20;
+  constexpr std::uint64_t kStretch = 256 << 10;  // read at a time
+  write(*buffer_, pattern(kBytes, 1), 0);
+  ASSERT_TRUE(fillBut(0, disk_));  // the last stretch waits for room for the header
+  const Bytes whole = wholeRecording(*buffer_);
+  ASSERT_NO_FATAL_FAILURE(keep());
+  program_.reset();
+  ASSERT_TRUE(eventually(
+      [&] { return writtenBytes() >= kBytes - kStretch && processState(keeper_->pid()) == 'S'; }));
+  keeper_->signal(SIGKILL);
+  ASSERT_EQ(keeper_->waitForExit(), (ExitStatus{0, SIGKILL}));
+  const std::string name = "Orvo recording 2001-09-09 01.46.40.caf.part";
+  const std::string folder = "/dev/fd/" + std::to_string(disk_);
+  ASSERT_EQ(recoveredNames(folder), std::vector<std::string>{name});
+  const std::string path = recoveredPath(folder) + "/" + name;
+  const Bytes found = cafAudio(path);
+  ASSERT_EQ(found.size(), whole.size()) << "its header says how long it is";
+  EXPECT_TRUE(std::equal(found.begin(), found.end() - static_cast<std::ptrdiff_t>(kStretch),
+                         whole.begin()));
+  EXPECT_TRUE(FileLock(path).isHeld()) << "it would not be offered";
 }
 
 }  // namespace

@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <cerrno>
 #include <optional>
+#include <utility>
 
 #include "keeper/KeptRecordings.h"
 #include "support/ClosedFolder.h"
+#include "support/FileSizeLimit.h"
+#include "support/RecoveredFolder.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/FailingTemporaryFiles.h"
 #include "support/fakes/RecordingServices.h"
@@ -45,6 +47,11 @@ class KeptRecordingTest : public testing::Test {
                 wholeRecording(*buffer_));
   }
 
+  [[nodiscard]] std::string recordedDate(const std::string& name) const {
+    return support::cafInformation(support::recoveredPath(data_.path()) + "/" + name,
+                                   "recorded date");
+  }
+
   support::TemporaryFolder data_;
   std::unique_ptr<RecoveredFolder> folder_;
   std::shared_ptr<OVBlockBuffer> buffer_ = editedBuffer();
@@ -74,7 +81,40 @@ TEST_F(KeptRecordingTest, WhatTheDiskDidNotTakeIsSilent) {
 TEST_F(KeptRecordingTest, HasTheTimeOfItsFirstRecording) {
   write(*buffer_, pattern(800, 1), 0);
   buffer_->journal()->recordingBegins(1'000'000'001);
-  expectRecovered("Orvo recording 2001-09-09 01.46.41.caf");
+  const std::string name = "Orvo recording 2001-09-09 01.46.41.caf";
+  expectRecovered(name);
+  EXPECT_EQ(recordedDate(name), "2001-09-09T01:46:41+0000");
+}
+
+TEST_F(KeptRecordingTest, HasTheTimeOfItsFirstChangeWithoutARecording) {
+  write(*buffer_, pattern(800, 1), 0);
+  expectRecovered();
+  EXPECT_EQ(recordedDate(kName), "2001-09-09T01:46:40+0000");
+}
+
+// The document was recovered before, and recorded again by the program that has now died.
+TEST_F(KeptRecordingTest, HasTheTimeOfTheRecordingThatItsDocumentWasRecoveredFrom) {
+  const std::string former = "Orvo recording 2001-09-09 01.46.40 2.caf";
+  buffer_ = OVBlockBuffer::init();
+  ASSERT_NE(
+      buffer_->beginJournal(
+          {.created = 1'600'000'000, .recoveredFrom = former, .firstRecording = 1'000'000'000}),
+      nullptr);
+  buffer_->journal()->setState(journal::State::edited);
+  buffer_->journal()->recordingBegins(1'600'000'001);
+  write(*buffer_, pattern(800, 1), 0);
+  expectRecovered(former);
+  EXPECT_EQ(recordedDate(former), "2001-09-09T01:46:40+0000");
+
+  // Another keeper writes that file just now: the new one still gets the name of that time.
+  const std::string folder = support::recoveredPath(data_.path());
+  ASSERT_TRUE(std::ofstream(folder + "/" + former + ".part") << "x");
+  const support::FileLock writer(folder + "/" + former + ".part");
+  ASSERT_TRUE(writer.isHeld());
+  EXPECT_EQ(kept().recover(*folder_), Outcome::done);
+  EXPECT_EQ(recoveredNames(data_.path()),
+            (std::vector<std::string>{former, former + ".part", kName}));
+  EXPECT_EQ(recordedDate(kName), "2001-09-09T01:46:40+0000");
 }
 
 TEST_F(KeptRecordingTest, ReplacesTheFileThatItsDocumentCameFrom) {
@@ -95,39 +135,50 @@ TEST_F(KeptRecordingTest, NothingIsWrittenThatWasSavedOrDiscardedOrIsEmpty) {
   EXPECT_TRUE(recoveredNames(data_.path()).empty());
 }
 
-/// Audio whose first read takes the right to name files in a folder away.
-class ClosingAudio : public platform::File {
- public:
-  ClosingAudio(int descriptor, std::string folder)
-      : file_(sameFile(descriptor)), folder_(std::move(folder)) {}
-
-  platform::FileTransfer readAt(void* destination, std::uint64_t byteCount,
-                                std::uint64_t offset) override {
-    if (!closed_) {
-      closed_.emplace(folder_);
-    }
-    return file_->readAt(destination, byteCount, offset);
-  }
-  platform::FileTransfer writeAt(const void*, std::uint64_t, std::uint64_t) override { return {}; }
-  std::uint64_t size() override { return file_->size(); }
-  int setSize(std::uint64_t) override { return ENOTSUP; }
-
- private:
-  const std::unique_ptr<platform::File> file_;
-  const std::string folder_;
-  std::optional<support::ClosedFolder> closed_;
-};
-
 TEST_F(KeptRecordingTest, WholeRecordingThatCannotBeNamedStaysAsAPart) {
   write(*buffer_, pattern(800, 1), 0);
   const std::string folder = support::recoveredPath(data_.path());
-  {
-    KeptRecording recording(std::make_unique<ClosingAudio>(buffer_->fileDescriptor(), folder),
-                            sameFile(buffer_->journal()->descriptor()));
-    EXPECT_EQ(recording.recover(*folder_), Outcome::failed);
-  }
+  std::optional<support::ClosedFolder> closed;
+  auto audio = std::make_unique<support::WatchedAudio>(buffer_->fileDescriptor(), [&](int read) {
+    if (read == 0) {
+      closed.emplace(folder);
+    }
+  });
+  KeptRecording recording(std::move(audio), sameFile(buffer_->journal()->descriptor()));
+  EXPECT_EQ(recording.recover(*folder_), Outcome::failed);
+  closed.reset();
   EXPECT_EQ(recoveredNames(data_.path()), std::vector<std::string>{std::string(kName) + ".part"});
   EXPECT_TRUE(cafAudio(folder + "/" + kName + ".part") == wholeRecording(*buffer_));
+}
+
+TEST_F(KeptRecordingTest, NothingIsLeftOfACopyThatTheDiskNeverTakes) {
+  constexpr std::uint64_t kBytes = 4 << 20;
+  write(*buffer_, pattern(kBytes, 1), 0);
+  for (const std::uint64_t taken : {std::uint64_t{0}, std::uint64_t{1} << 20}) {
+    {
+      const support::FileSizeLimit limit(taken);
+      EXPECT_EQ(kept().recover(*folder_), Outcome::failed) << taken;
+    }
+    EXPECT_TRUE(recoveredNames(data_.path()).empty()) << taken;
+  }
+  expectRecovered();
+}
+
+// The disk had room, and takes nothing more once some has been copied.
+TEST_F(KeptRecordingTest, NothingIsLeftOfACopyThatFailsOnTheWay) {
+  write(*buffer_, pattern(4 << 20, 1), 0);
+  std::optional<support::FileSizeLimit> limit;
+  auto audio = std::make_unique<support::WatchedAudio>(buffer_->fileDescriptor(), [&](int read) {
+    if (read == 4) {
+      limit.emplace(1 << 20);
+    }
+  });
+  KeptRecording recording(std::move(audio), sameFile(buffer_->journal()->descriptor()));
+  EXPECT_EQ(recording.recover(*folder_), Outcome::failed);
+  EXPECT_TRUE(limit) << "nothing was read";
+  limit.reset();
+  EXPECT_TRUE(recoveredNames(data_.path()).empty());
+  expectRecovered();
 }
 
 TEST_F(KeptRecordingTest, WithoutAJournalItCannotBeRecovered) {

@@ -1,14 +1,17 @@
 #pragma once
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -37,6 +40,28 @@ inline std::shared_ptr<OVBlockBuffer> editedBuffer(std::int64_t created = 1'000'
   }
   return buffer;
 }
+
+/// Calls a function before each read, with the number of reads before it.
+class WatchedAudio : public platform::File {
+ public:
+  WatchedAudio(int descriptor, std::function<void(int)> beforeRead)
+      : file_(sameFile(descriptor)), beforeRead_(std::move(beforeRead)) {}
+
+  platform::FileTransfer readAt(void* destination, std::uint64_t byteCount,
+                                std::uint64_t offset) override {
+    beforeRead_(reads_++);
+    return file_->readAt(destination, byteCount, offset);
+  }
+  platform::FileTransfer writeAt(const void*, std::uint64_t, std::uint64_t) override { return {}; }
+  std::uint64_t size() override { return file_->size(); }
+  int setSize(std::uint64_t) override { return ENOTSUP; }
+  [[nodiscard]] int descriptor() const override { return file_->descriptor(); }
+
+ private:
+  const std::unique_ptr<platform::File> file_;
+  const std::function<void(int)> beforeRead_;
+  int reads_ = 0;
+};
 
 inline std::string recoveredPath(const std::string& dataDirectory) {
   return dataDirectory + "/orvo/recovered";
@@ -74,6 +99,17 @@ inline Bytes cafAudio(const std::string& path) {
     at = begin + size;
   }
   return {};
+}
+
+/// The value of a text in a file of a few kilobytes that begins with a CAF header, such as
+/// "recorded date" in its info chunk; empty if it is not there.
+inline std::string cafInformation(const std::string& path, const std::string& key) {
+  std::ifstream stream(path, std::ios::binary);
+  const std::string file((std::istreambuf_iterator<char>(stream)), {});
+  const std::string name = key + '\0';
+  const std::size_t info = file.find("info");
+  const std::size_t at = info == std::string::npos ? info : file.find(name, info);
+  return at == std::string::npos ? std::string() : std::string(file.c_str() + at + name.size());
 }
 
 /// What a document plays: reading from 0 to the end; what cannot be read is silent.

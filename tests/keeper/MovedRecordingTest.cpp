@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -77,28 +76,6 @@ class MovedRecordingTest : public testing::Test {
   int disk_ = -1;
   std::shared_ptr<OVBlockBuffer> buffer_;
   Bytes whole_;
-};
-
-/// Calls a function before each read, with the number of reads before it.
-class WatchedAudio : public platform::File {
- public:
-  WatchedAudio(int descriptor, std::function<void(int)> beforeRead)
-      : file_(sameFile(descriptor)), beforeRead_(std::move(beforeRead)) {}
-
-  platform::FileTransfer readAt(void* destination, std::uint64_t byteCount,
-                                std::uint64_t offset) override {
-    beforeRead_(reads_++);
-    return file_->readAt(destination, byteCount, offset);
-  }
-  platform::FileTransfer writeAt(const void*, std::uint64_t, std::uint64_t) override { return {}; }
-  std::uint64_t size() override { return file_->size(); }
-  int setSize(std::uint64_t) override { return ENOTSUP; }
-  [[nodiscard]] int descriptor() const override { return file_->descriptor(); }
-
- private:
-  const std::unique_ptr<platform::File> file_;
-  const std::function<void(int)> beforeRead_;
-  int reads_ = 0;
 };
 
 TEST_F(MovedRecordingTest, WhatCannotBeWrittenIsLeftOutAndTheRestStays) {

@@ -173,6 +173,51 @@ TEST_F(BlockJournalTest, MoreBlocksThanItHoldsAreAnError) {
   EXPECT_EQ((*made)->prepareState(400'000), ENOSPC);
 }
 
+// What is recovered then is what the document held before it outgrew the journal.
+TEST_F(BlockJournalTest, DocumentGoesOnWhenItsBlocksOutgrowTheJournal) {
+  constexpr std::uint64_t kMost = 400'000;
+  constexpr std::uint64_t kApart = 16;  // bytes, so that pieces of 8 bytes never become neighbours
+  const auto piece = pattern(8, 1);
+  begin();
+  std::uint64_t pieces = 0;
+  while (!buffer_->journal()->isBehind() && pieces < kMost) {
+    write(*buffer_, piece, pieces++ * kApart);
+  }
+  ASSERT_GT(pieces, 300'000U);
+  ASSERT_LT(pieces, kMost) << "it holds more than it has room for";
+  EXPECT_EQ(services_->consoleLines().size(), 1U);
+  for (int further = 0; further < 1000; ++further) {
+    write(*buffer_, piece, pieces++ * kApart);
+  }
+  buffer_->setWaypoint();
+  const auto lines = services_->consoleLines();
+  ASSERT_EQ(lines.size(), 1U) << "it is told once";
+  EXPECT_TRUE(lines[0].starts_with("There is no room for the journal of a recording")) << lines[0];
+  EXPECT_EQ(buffer_->blocklist().size(), pieces);
+  support::Bytes last(piece.size());
+  EXPECT_EQ(buffer_->readDataInto(last.data(), last.size(), (pieces - 1) * kApart).byteCount,
+            last.size());
+  EXPECT_EQ(last, piece);
+
+  auto replay = JournalReplay::begin(*file_);
+  ASSERT_TRUE(replay);
+  replay->run();
+  const std::uint64_t kept = replay->list().size();
+  // All but perhaps the piece that did not fit, and those after it.
+  EXPECT_GE(kept, pieces - 1001);
+  EXPECT_LE(kept, pieces - 1000);
+  EXPECT_EQ(replay->fillSize(), (kept - 1) * kApart + piece.size());
+
+  buffer_->cutoffBufferAfterPosition(kApart / 8 * 1000);
+  EXPECT_FALSE(buffer_->journal()->isBehind()) << "there is room again";
+  expectReplayed();
+  write(*buffer_, piece, 0);
+  expectReplayed();
+  buffer_->undo();
+  EXPECT_TRUE(buffer_->journal()->isBehind());
+  EXPECT_EQ(services_->consoleLines().size(), 1U);
+}
+
 TEST_F(BlockJournalTest, NothingIsRecordedBeforeTheFirstState) {
   auto made = BlockJournal::create({});
   ASSERT_TRUE(made);

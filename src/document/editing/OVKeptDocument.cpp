@@ -57,8 +57,8 @@ void OVKeptDocument::begin() {
   if (!blocks || blocks->fileDescriptor() < 0 || !keeper->isAvailable()) {
     return;
   }
-  const BlockJournal* const journal =
-      blocks->beginJournal({.created = now(), .recoveredFrom = recoveredFrom_});
+  const BlockJournal* const journal = blocks->beginJournal(
+      {.created = now(), .recoveredFrom = recoveredFrom_, .firstRecording = firstRecording_});
   if (journal != nullptr) {
     buffer_ = blocks;
     keeper_ = keeper;

@@ -21,9 +21,13 @@ class OVKeptDocument {
   OVKeptDocument& operator=(const OVKeptDocument&) = delete;
 
   /// The document came from a file in the folder of recovered recordings: if it is recovered again,
-  /// the new file replaces that one. `name` is the file's, without a folder. Call before the first
-  /// change.
-  void setRecoveredFrom(std::string name) { recoveredFrom_ = std::move(name); }
+  /// the new file replaces that one and says that it was recorded when that one was. `name` is the
+  /// file's, without a folder; `firstRecording` is when its first recording began, in seconds since
+  /// 1970, UTC. Call before the first change.
+  void setRecoveredFrom(std::string name, std::int64_t firstRecording) {
+    recoveredFrom_ = std::move(name);
+    firstRecording_ = firstRecording;
+  }
 
   /// Whether there is something that no file has. Call it with true before the change.
   void setEdited(bool edited);
@@ -40,6 +44,7 @@ class OVKeptDocument {
   const OVDocumentAudio& audio_;
   const std::uint64_t number_;
   std::string recoveredFrom_;
+  std::int64_t firstRecording_ = 0;  // before it was recovered; 0 for none
   bool isClosed_ = false;
   // While it is kept.
   std::shared_ptr<OVBlockBuffer> buffer_;

@@ -62,7 +62,8 @@ void OVRecoveredOrigin::loadEnded() {
   }
   if (isLoadedWhole()) {
     change(State::standing);
-    parts_.history.kept().setRecoveredFrom(lastPathComponent(file_->path));
+    parts_.history.kept().setRecoveredFrom(lastPathComponent(file_->path),
+                                           file_->start.toSecsSinceEpoch());
     parts_.history.setEdited(true);
   } else {
     change(State::none);

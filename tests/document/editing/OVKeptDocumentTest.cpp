@@ -82,10 +82,16 @@ TEST_F(OVKeptDocumentTest, DocumentsHaveDifferentNumbers) {
   EXPECT_EQ(keeper_.kept.size(), 2U);
 }
 
-TEST_F(OVKeptDocumentTest, JournalHasTheNameOfTheRecoveredFile) {
-  document_->setRecoveredFrom("Orvo recording.caf");
+TEST_F(OVKeptDocumentTest, JournalHasTheNameAndTheTimeOfTheRecoveredFile) {
+  constexpr std::int64_t kStart = 1'000'000'000;
+  document_->setRecoveredFrom("Orvo recording.caf", kStart);
   document_->setEdited(true);
   EXPECT_EQ(origin().recoveredFrom, "Orvo recording.caf");
+  EXPECT_EQ(origin().begun, kStart);
+  document_->recordingBegins();
+  EXPECT_EQ(origin().begun, kStart) << "it is not the first one";
+  document_->recordingTakenBack();
+  EXPECT_EQ(origin().begun, kStart);
 }
 
 TEST_F(OVKeptDocumentTest, JournalHasTheTimeOfTheFirstRecording) {
