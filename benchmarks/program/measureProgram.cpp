@@ -1,6 +1,6 @@
 // Measures the running program on a virtual screen with a private sound server: the time from its
 // launch to its first window, its processor time when idle, recording and playing, and how often
-// its main thread wakes up. docs/performance.md lists the budgets.
+// its main thread and its keeper wake up. docs/performance.md lists the budgets.
 //
 //   orvo_measure_program ORVO EMPTY-WINDOW [SECONDS]
 //       SECONDS: how long each state is watched; 10 by default.
@@ -50,6 +50,7 @@ double median(std::vector<double> values) {
 struct Counters {
   double processorSeconds = 0;        ///< all threads, user and system
   std::uint64_t mainThreadWakes = 0;  ///< voluntary context switches of the main thread
+  std::uint64_t ownKilobytes = 0;     ///< memory that is neither of a file nor shared
 };
 
 Counters countersOf(pid_t pid) {
@@ -72,9 +73,12 @@ Counters countersOf(pid_t pid) {
       static_cast<double>(user + system) / static_cast<double>(::sysconf(_SC_CLK_TCK));
   std::ifstream status(process + "/task/" + std::to_string(pid) + "/status");
   constexpr std::string_view kKey = "voluntary_ctxt_switches:";
+  constexpr std::string_view kOwn = "RssAnon:";
   while (std::getline(status, line)) {
     if (line.starts_with(kKey)) {
       std::istringstream(line.substr(kKey.size())) >> counters.mainThreadWakes;
+    } else if (line.starts_with(kOwn)) {
+      std::istringstream(line.substr(kOwn.size())) >> counters.ownKilobytes;
     }
   }
   return counters;
@@ -171,10 +175,19 @@ class Measurement {
     return orvo;
   }
 
+  enum class KeeperIs { watched, ignored };
+
+  static pid_t keeperOf(const RunningOrvo& orvo) {
+    need(eventually([&] { return orvo.keeperPid() != 0; }), "the program starts no keeper");
+    return orvo.keeperPid();
+  }
+
   /// The only place that waits for time to pass: the measuring interval.
   void watch(const std::string& what, const RunningOrvo& orvo, const std::string& processorBudget,
-             const std::string& wakesBudget) const {
+             const std::string& wakesBudget, KeeperIs keeperIs = KeeperIs::ignored) const {
+    const pid_t keeper = keeperIs == KeeperIs::watched ? keeperOf(orvo) : orvo.pid();
     const Counters before = countersOf(orvo.pid());
+    const Counters keeperBefore = countersOf(keeper);
     const auto begin = Clock::now();
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds_));
     const Counters after = countersOf(orvo.pid());
@@ -185,13 +198,21 @@ class Measurement {
     tell("wake-ups of the main thread " + what,
          static_cast<double>(after.mainThreadWakes - before.mainThreadWakes) / seconds, "/ s",
          wakesBudget);
+    if (keeperIs == KeeperIs::watched) {
+      const Counters keeperAfter = countersOf(keeper);
+      tell("wake-ups of its keeper " + what,
+           static_cast<double>(keeperAfter.mainThreadWakes - keeperBefore.mainThreadWakes),
+           "in all", "0");
+      tell("memory of its keeper " + what, static_cast<double>(keeperAfter.ownKilobytes), "KiB",
+           "at most 1024");
+    }
   }
 
   void measureIdle() const {
     const auto orvo = start();
     const std::string picture = scratch_.file("rest.png");
     need(screen_->screenshotAtRest(orvo->window(), picture), "the window does not come to rest");
-    watch("idle", *orvo, "at most 0.5", "at most 60");
+    watch("idle", *orvo, "at most 0.5", "at most 60", KeeperIs::watched);
   }
 
   void showSpectrum(const RunningOrvo& orvo) const {

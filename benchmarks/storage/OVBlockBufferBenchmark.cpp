@@ -1,5 +1,6 @@
 // The block list buffer compared with its yardsticks. The ratios are those of pairs of names:
 //   RecorderWrite32KiB            / Yardstick_BareWrite32KiB     at most 1.5
+//   RecorderWrite with a journal  / the same without one         at most 1.03
 //   RandomRead64KiB/100000        / RandomRead64KiB/10           at most 4
 //   Play, Summarise, WriteOver: 100,000 blocks                   / the same with 10
 //   CutAfter, CutBefore, Undo, Redo with 10000 blocks            at most 1 ms each
@@ -49,8 +50,18 @@ BENCHMARK(Yardstick_BareWrite32KiB)
     ->Name("RecorderWrite/yardstick: a bare write of 32 KiB")
     ->Iterations(kWritesOfARun);
 
-void RecorderWrite32KiB(benchmark::State& state) {
+enum class Journal { none, kept };
+
+// As a document that is edited has it.
+void beginJournal(OVBlockBuffer& buffer, Journal journal) {
+  if (journal == Journal::kept) {
+    static_cast<void>(buffer.beginJournal({.created = 1, .recoveredFrom = {}}));
+  }
+}
+
+void RecorderWrite32KiB(benchmark::State& state, Journal journal) {
   const auto buffer = OVBlockBuffer::init();
+  beginJournal(*buffer, journal);
   const auto bytes = audio(kRecorderBytes);
   std::uint64_t offset = 0;
   for (auto _ : state) {
@@ -58,9 +69,30 @@ void RecorderWrite32KiB(benchmark::State& state) {
     offset += kRecorderBytes;
   }
 }
-BENCHMARK(RecorderWrite32KiB)
+BENCHMARK_CAPTURE(RecorderWrite32KiB, without, Journal::none)
     ->Name("RecorderWrite/32 KiB into the block list")
     ->Iterations(kWritesOfARun);
+BENCHMARK_CAPTURE(RecorderWrite32KiB, with, Journal::kept)
+    ->Name("RecorderWrite/the same with a journal")
+    ->Iterations(kWritesOfARun);
+
+// The list alone: small writes, the rest of the recorder's path being the disk's.
+void SmallWrite(benchmark::State& state, Journal journal) {
+  const auto buffer = OVBlockBuffer::init();
+  beginJournal(*buffer, journal);
+  const auto bytes = audio(64);
+  std::uint64_t offset = 0;
+  for (auto _ : state) {
+    buffer->writeData(bytes.data(), offset, 64);
+    offset += 64;
+  }
+}
+BENCHMARK_CAPTURE(SmallWrite, without, Journal::none)
+    ->Name("WriteOf64Bytes/yardstick: without a journal")
+    ->Iterations(200'000);
+BENCHMARK_CAPTURE(SmallWrite, with, Journal::kept)
+    ->Name("WriteOf64Bytes/with a journal")
+    ->Iterations(200'000);
 
 // Lays out `chunks` chunks of `bytes` in `blocks` blocks that cannot merge: in the list, each block
 // is followed by one that is not its neighbour in the recording.
@@ -103,20 +135,31 @@ void RandomRead64KiB(benchmark::State& state) {
 BENCHMARK(RandomRead64KiB)->Name("RandomRead/yardstick: among 10 blocks")->Arg(10);
 BENCHMARK(RandomRead64KiB)->Name("RandomRead/among 100,000 blocks")->Arg(100'000);
 
-void WriteOver32KiB(benchmark::State& state) {
+void WriteOver32KiB(benchmark::State& state, Journal journal) {
   benchmarks::FoldedTemporaryFiles files;
   const platform::Installed<platform::TemporaryFiles>::Scope installation(files);
   const auto buffer = OVBlockBuffer::init();
   const auto bytes = audio(kRecorderBytes);
   layOut(*buffer, kChunks, static_cast<std::uint64_t>(state.range(0)), bytes);
+  beginJournal(*buffer, journal);
   std::mt19937_64 random(3);
   std::uniform_int_distribution<std::uint64_t> offsets(0, kChunks * kRecorderBytes);
   for (auto _ : state) {
     buffer->writeData(bytes.data(), offsets(random), kRecorderBytes);
   }
 }
-BENCHMARK(WriteOver32KiB)->Name("WriteOver/yardstick: 10 blocks")->Arg(10)->Iterations(1000);
-BENCHMARK(WriteOver32KiB)->Name("WriteOver/100,000 blocks")->Arg(100'000)->Iterations(1000);
+BENCHMARK_CAPTURE(WriteOver32KiB, few, Journal::none)
+    ->Name("WriteOver/yardstick: 10 blocks")
+    ->Arg(10)
+    ->Iterations(1000);
+BENCHMARK_CAPTURE(WriteOver32KiB, many, Journal::none)
+    ->Name("WriteOver/100,000 blocks")
+    ->Arg(100'000)
+    ->Iterations(1000);
+BENCHMARK_CAPTURE(WriteOver32KiB, journal, Journal::kept)
+    ->Name("WriteOver/100,000 blocks with a journal")
+    ->Arg(100'000)
+    ->Iterations(1000);
 
 // As the player reads: 1024 frames at a time, one after the other.
 void Play(benchmark::State& state) {

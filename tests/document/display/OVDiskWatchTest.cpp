@@ -71,6 +71,17 @@ class OVDiskWatchTest : public testing::Test {
   OVDiskWatch watch_{life_, audio_, notices_};
 };
 
+// The timer's own time, a few seconds, passes here.
+TEST_F(OVDiskWatchTest, LooksAgainByItself) {
+  record(kMinute * 120);
+  EXPECT_EQ(text(), "");
+  const std::size_t looks = space_->folders().size();
+  space_->set(kMinute * 4);
+  EXPECT_TRUE(runMainLoopUntil([&] { return text() != ""; }));
+  EXPECT_GT(space_->folders().size(), looks);
+  watch_.setRecording(false);
+}
+
 TEST_F(OVDiskWatchTest, LooksAtTheFolderOfTheTemporaryFileAtOnceAndOnlyWhileRecording) {
   EXPECT_FALSE(watch_.isRunning());
   EXPECT_THAT(space_->folders(), SizeIs(0));

@@ -28,6 +28,7 @@
 #include "platform/desktop/OpenPanel.h"
 #include "platform/desktop/SavePanel.h"
 #include "platform/files/Descriptors.h"
+#include "support/FewDescriptors.h"
 #include "support/MainLoop.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/RecordingServices.h"
@@ -530,6 +531,34 @@ TEST_F(QtFileDialogsTest, APanelThatHasNoRoomIsRefusedInPlainWords) {
     ::close(descriptor);
   }
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_EQ(window_.findChild<QDialog*>(), nullptr);
+}
+
+// The numbers at which a panel would run out of them while it opens, and some around them.
+class PanelWithFewDescriptorsTest : public QtFileDialogsTest,
+                                    public testing::WithParamInterface<std::size_t> {};
+INSTANTIATE_TEST_SUITE_P(Left, PanelWithFewDescriptorsTest, testing::Range<std::size_t>(14, 31));
+
+TEST_P(PanelWithFewDescriptorsTest, IsShownAndCancelledOrRefusedInPlainWords) {
+  const support::InstalledRecordingServices services;
+  ASSERT_TRUE(std::ofstream(folder_.file("take.wav")) << "sound");
+  const support::FewDescriptors few(GetParam());
+  panels_.beginSavePanel(saveRequest("x"), [this](const auto& path) {
+    ++answers_;
+    saved_ = path;
+  });
+  platform::SavePanel* panel = nullptr;
+  ASSERT_TRUE(runMainLoopUntil([&] {
+    panel = window_.findChild<platform::SavePanel*>("savePanel");
+    return answers_ == 1 || (panel != nullptr && panel->isVisible());
+  }));
+  EXPECT_EQ(services->postedAlerts().size(), answers_ == 1 ? 1U : 0U);
+  if (answers_ == 0) {
+    panel->reject();
+    awaitEnd();
+  }
+  EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 1; }));
+  EXPECT_EQ(saved_, std::nullopt);
   EXPECT_EQ(window_.findChild<QDialog*>(), nullptr);
 }
 
