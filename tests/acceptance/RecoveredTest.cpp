@@ -191,6 +191,7 @@ TEST_F(Recovered, ARunningProgramAsksWhenOneAppearsAndTheKeyboardStays) {
   std::filesystem::rename(elsewhere, recovered_.file(kFirst));
   const Window question = screen_->waitForWindow(orvo_->pid(), "Recovered Recordings");
   ASSERT_FALSE(question.empty());
+  EXPECT_TRUE(eventually([&] { return screen_->hasKeyboard(orvo_->window()); }));
   EXPECT_FALSE(openFurtherWindow().empty()) << "the recorder's window has the keyboard";
   ASSERT_TRUE(screen_->activate(question));
   ASSERT_TRUE(screen_->pressKey("Return"));

@@ -19,6 +19,7 @@
 #include "platform/files/TemporaryFiles.h"
 #include "recovery/KeeperConnection.h"
 #include "support/Eventually.h"
+#include "support/Sanitizers.h"
 #include "support/TemporaryFolder.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/programs/ChildProcess.h"
@@ -94,6 +95,9 @@ class KeeperCostTest : public testing::Test {
 };
 
 TEST_F(KeeperCostTest, MemoryDoesNotGrowWithTheRecording) {
+  if (support::kAnySanitizer) {
+    GTEST_SKIP() << "a sanitizer's memory grows with every access";
+  }
   constexpr std::uint64_t kNoise = 256;  // kilobytes: where the system puts pages
   const std::uint64_t ofSeconds = peakAfterRecovering(10);
   const std::uint64_t ofMinutes = peakAfterRecovering(10 * 60);  // 212 MB

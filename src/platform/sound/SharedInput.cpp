@@ -21,9 +21,11 @@ std::shared_ptr<SharedInput> SharedInput::create(std::shared_ptr<DeviceTasks> co
       signal([](SharedInput& self, AudioDevice& device) { self.tearDownFailed(device); });
   input->inputsSignal_ =
       signal([](SharedInput& self, AudioDevice& device) { self.lookAtInputs(device, true); });
-  input->control_->post([changed = input->inputsSignal_](AudioDevice& device) {
-    device.setInputsChangedHandler([changed] { changed->raise(); });
-  });
+  input->control_->post(
+      [changed = input->inputsSignal_, weak = std::weak_ptr(input->control_)](AudioDevice& device) {
+        // A sound system may notify late. The signal belongs to the control thread's tasks.
+        device.setInputsChangedHandler([changed, control = weak.lock()] { changed->raise(); });
+      });
   input->control_->postAtEnd([input](AudioDevice&) { input->close(); });
   return input;
 }

@@ -114,13 +114,14 @@ bool VirtualScreen::waitUntilGone(const Window& window) const {
 bool VirtualScreen::activate(const Window& window) const {
   // A window shown at the same moment can take the focus away again.
   constexpr std::chrono::milliseconds kAgain{500};
-  const auto hasKeyboard = [&] {
-    return run({"xdotool", "getwindowfocus"}).output == window + "\n";
-  };
   return eventually([&] {
     return run({"xdotool", "windowactivate", window}).status.succeeded() &&
-           eventually(hasKeyboard, kAgain);
+           eventually([&] { return hasKeyboard(window); }, kAgain);
   });
+}
+
+bool VirtualScreen::hasKeyboard(const Window& window) const {
+  return run({"xdotool", "getwindowfocus"}).output == window + "\n";
 }
 
 bool VirtualScreen::pressKey(const std::string& key) const {

@@ -38,6 +38,7 @@ class VirtualScreen {
 
   /// Gives a window the keyboard focus and returns once it has it.
   [[nodiscard]] bool activate(const Window& window) const;
+  [[nodiscard]] bool hasKeyboard(const Window& window) const;
 
   /// Presses and releases a key for the active window, by its xdotool name: "r", "space", "ctrl+n".
   [[nodiscard]] bool pressKey(const std::string& key) const;
