@@ -22,7 +22,12 @@ constexpr int kMaxNumber = 9999;  // of equal names
 constexpr mode_t kUserOnly = 0700;
 
 std::string nameWithNumber(const std::string& name, int number) {
-  return name + (number == 1 ? "" : " " + std::to_string(number)) + std::string(kSuffix);
+  std::string numbered = name;
+  if (number > 1) {
+    numbered += ' ';
+    numbered += std::to_string(number);
+  }
+  return numbered.append(kSuffix);
 }
 
 std::string partOf(const std::string& name) {
