@@ -646,6 +646,10 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Wird bei %1 eingefügt und ersetzt %2.</translation>
     </message>
     <message>
+        <source>Goes in at %1 and replaces about %2.</source>
+        <translation>Wird bei %1 eingefügt und ersetzt etwa %2.</translation>
+    </message>
+    <message>
         <source>%1 s</source>
         <translation>%1&#xa0;s</translation>
     </message>
@@ -916,6 +920,30 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
     <message>
         <source>Too many files are open.</source>
         <translation>Es sind zu viele Dateien geöffnet.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory.</source>
+        <translation>Der Arbeitsspeicher reicht nicht aus.</translation>
+    </message>
+    <message>
+        <source>The computer is too busy just now.</source>
+        <translation>Der Computer ist gerade zu beschäftigt.</translation>
+    </message>
+    <message>
+        <source>Another program is using it.</source>
+        <translation>Ein anderes Programm verwendet sie gerade.</translation>
+    </message>
+    <message>
+        <source>There is already a file or a folder of this name.</source>
+        <translation>Eine Datei oder ein Ordner mit diesem Namen ist schon vorhanden.</translation>
+    </message>
+    <message>
+        <source>The disk does not allow it.</source>
+        <translation>Der Datenträger lässt es nicht zu.</translation>
+    </message>
+    <message>
+        <source>The disk does not answer.</source>
+        <translation>Der Datenträger antwortet nicht.</translation>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>

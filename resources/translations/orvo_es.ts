@@ -646,6 +646,10 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>Se insertará en %1 y reemplazará %2.</translation>
     </message>
     <message>
+        <source>Goes in at %1 and replaces about %2.</source>
+        <translation>Se insertará en %1 y reemplazará aproximadamente %2.</translation>
+    </message>
+    <message>
         <source>%1 s</source>
         <translation>%1&#xa0;s</translation>
     </message>
@@ -916,6 +920,30 @@ Se conserva todo lo grabado hasta entonces.</translation>
     <message>
         <source>Too many files are open.</source>
         <translation>Hay demasiados archivos abiertos.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory.</source>
+        <translation>No hay memoria suficiente.</translation>
+    </message>
+    <message>
+        <source>The computer is too busy just now.</source>
+        <translation>El equipo está demasiado ocupado en este momento.</translation>
+    </message>
+    <message>
+        <source>Another program is using it.</source>
+        <translation>Otro programa lo está usando.</translation>
+    </message>
+    <message>
+        <source>There is already a file or a folder of this name.</source>
+        <translation>Ya hay un archivo o una carpeta con ese nombre.</translation>
+    </message>
+    <message>
+        <source>The disk does not allow it.</source>
+        <translation>El disco no lo permite.</translation>
+    </message>
+    <message>
+        <source>The disk does not answer.</source>
+        <translation>El disco no responde.</translation>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>

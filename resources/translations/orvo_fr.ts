@@ -451,7 +451,7 @@ Essayez orvo --help</translation>
     </message>
     <message>
         <source>Do you want to save the changes made to “%1”?</source>
-        <translation>Voulez-vous enregistrer les modifications apportées à «&#xa0;%1&#xa0;»&#xa0;?</translation>
+        <translation>Voulez‑vous enregistrer les modifications apportées à «&#xa0;%1&#xa0;»&#xa0;?</translation>
     </message>
     <message>
         <source>Your changes will be lost if you don’t save them.</source>
@@ -646,6 +646,10 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Sera inséré à %1 et remplacera %2.</translation>
     </message>
     <message>
+        <source>Goes in at %1 and replaces about %2.</source>
+        <translation>Sera inséré à %1 et remplacera environ %2.</translation>
+    </message>
+    <message>
         <source>%1 s</source>
         <translation>%1&#xa0;s</translation>
     </message>
@@ -715,7 +719,7 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
     </message>
     <message>
         <source>“%1” already exists. Do you want to replace it?</source>
-        <translation>«&#xa0;%1&#xa0;» existe déjà. Voulez-vous remplacer ce fichier&#xa0;?</translation>
+        <translation>«&#xa0;%1&#xa0;» existe déjà. Voulez‑vous remplacer ce fichier&#xa0;?</translation>
     </message>
     <message>
         <source>Another program has changed the folder or the file meanwhile.</source>
@@ -916,6 +920,30 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
     <message>
         <source>Too many files are open.</source>
         <translation>Trop de fichiers sont ouverts.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory.</source>
+        <translation>Il n’y a pas assez de mémoire.</translation>
+    </message>
+    <message>
+        <source>The computer is too busy just now.</source>
+        <translation>L’ordinateur est trop occupé en ce moment.</translation>
+    </message>
+    <message>
+        <source>Another program is using it.</source>
+        <translation>Un autre programme l’utilise.</translation>
+    </message>
+    <message>
+        <source>There is already a file or a folder of this name.</source>
+        <translation>Il existe déjà un fichier ou un dossier de ce nom.</translation>
+    </message>
+    <message>
+        <source>The disk does not allow it.</source>
+        <translation>Le disque ne le permet pas.</translation>
+    </message>
+    <message>
+        <source>The disk does not answer.</source>
+        <translation>Le disque ne répond pas.</translation>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>

@@ -646,6 +646,10 @@ Everything recorded before is kept.</source>
         <translation>%1 に入り、%2 を置き換えます。</translation>
     </message>
     <message>
+        <source>Goes in at %1 and replaces about %2.</source>
+        <translation>%1 に入り、およそ %2 を置き換えます。</translation>
+    </message>
+    <message>
         <source>%1 s</source>
         <translation>%1 秒</translation>
     </message>
@@ -916,6 +920,30 @@ Everything recorded before is kept.</source>
     <message>
         <source>Too many files are open.</source>
         <translation>開いているファイルが多すぎます。</translation>
+    </message>
+    <message>
+        <source>There is not enough memory.</source>
+        <translation>メモリが足りません。</translation>
+    </message>
+    <message>
+        <source>The computer is too busy just now.</source>
+        <translation>コンピューターが現在混み合っています。</translation>
+    </message>
+    <message>
+        <source>Another program is using it.</source>
+        <translation>別のプログラムが使用中です。</translation>
+    </message>
+    <message>
+        <source>There is already a file or a folder of this name.</source>
+        <translation>この名前のファイルまたはフォルダーがすでにあります。</translation>
+    </message>
+    <message>
+        <source>The disk does not allow it.</source>
+        <translation>このディスクではできません。</translation>
+    </message>
+    <message>
+        <source>The disk does not answer.</source>
+        <translation>ディスクが応答しません。</translation>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>

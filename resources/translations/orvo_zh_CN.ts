@@ -646,6 +646,10 @@ Everything recorded before is kept.</source>
         <translation>将放在 %1 处，并替换 %2。</translation>
     </message>
     <message>
+        <source>Goes in at %1 and replaces about %2.</source>
+        <translation>将放在 %1 处，并替换约 %2。</translation>
+    </message>
+    <message>
         <source>%1 s</source>
         <translation>%1 秒</translation>
     </message>
@@ -916,6 +920,30 @@ Everything recorded before is kept.</source>
     <message>
         <source>Too many files are open.</source>
         <translation>打开的文件过多。</translation>
+    </message>
+    <message>
+        <source>There is not enough memory.</source>
+        <translation>内存不足。</translation>
+    </message>
+    <message>
+        <source>The computer is too busy just now.</source>
+        <translation>计算机现在太忙。</translation>
+    </message>
+    <message>
+        <source>Another program is using it.</source>
+        <translation>其他程序正在使用它。</translation>
+    </message>
+    <message>
+        <source>There is already a file or a folder of this name.</source>
+        <translation>已有同名的文件或文件夹。</translation>
+    </message>
+    <message>
+        <source>The disk does not allow it.</source>
+        <translation>磁盘不支持此操作。</translation>
+    </message>
+    <message>
+        <source>The disk does not answer.</source>
+        <translation>磁盘没有响应。</translation>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>

@@ -1,10 +1,12 @@
 #include "app/OVCommandLineText.h"
 
+#include <algorithm>
 #include <array>
 #include <span>
 
 #include <QStringList>
 
+#include "app/wrappedText.h"
 #include "platform/mainloop/Localization.h"
 #include "platform/mainloop/ShownName.h"
 
@@ -63,23 +65,9 @@ constexpr std::array kSections{
     Section{textKey("Exit status:"), "EXIT STATUS", kExitStatus},
 };
 
-constexpr int kMostColumns = 76;
-
-// Lines of at most so many columns, each indented. A word that is too long stands alone; languages
-// without spaces are not wrapped.
-QString wrapped(const QString& text, int indentation) {
-  QString result;
-  QString line;
-  const QString margin(indentation, u' ');
-  for (const QString& word : text.split(u' ')) {
-    if (!line.isEmpty() && indentation + line.size() + 1 + word.size() > kMostColumns) {
-      result += margin + line + u'\n';
-      line.clear();
-    }
-    line += (line.isEmpty() ? QString() : QStringLiteral(" ")) + word;
-  }
-  return result + margin + line + u'\n';
-}
+constexpr int kIndentation = 6;
+constexpr int kFewestColumns = 30;
+constexpr int kMostColumns = 76;  // longer lines are hard to read
 
 // Text of a manual page: dashes as they are typed, signs outside ASCII by their numbers.
 std::string escaped(const QString& text) {
@@ -110,7 +98,7 @@ std::string sentences(TextKey key) {
   QString text = QString::fromUtf8(key.english());
   for (const QString& sentence :
        text.replace(QLatin1String(". "), QLatin1String(".\n")).split(u'\n')) {
-    result += escaped(wrapped(sentence, 0).chopped(1)) + "\n";
+    result += escaped(wrappedText(sentence, 0, kMostColumns).chopped(1)) + "\n";
   }
   return result;
 }
@@ -157,13 +145,16 @@ std::string manualDate(const std::string& date) {
 
 }  // namespace
 
-QString OVCommandLineText::help() {
-  QString text = localized(kUsage) + QLatin1String("\n\n") + wrapped(localized(kDescription), 0);
+QString OVCommandLineText::help(std::optional<int> terminalColumns) {
+  const int columns =
+      std::clamp(terminalColumns.value_or(kMostColumns), kFewestColumns, kMostColumns);
+  QString text = wrappedText(localized(kUsage), 0, columns) + u'\n' +
+                 wrappedText(localized(kDescription), 0, columns);
   for (const Section& section : kSections) {
     text += u'\n' + localized(section.heading) + u'\n';
     for (const Entry& entry : section.entries) {
       text += QLatin1String("  ") + QString::fromUtf8(entry.term) + u'\n' +
-              wrapped(localized(entry.text), 6);
+              wrappedText(localized(entry.text), kIndentation, columns);
     }
   }
   return text;

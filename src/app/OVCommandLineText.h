@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include <QString>
@@ -10,8 +11,9 @@
 /// Threads: any. Real-time: not safe.
 class OVCommandLineText {
  public:
-  /// The answer to --help, in the language of the user interface. Ends with a newline.
-  [[nodiscard]] static QString help();
+  /// The answer to --help, in the language of the user interface, for a terminal of so many columns
+  /// or, with none, for a file. Ends with a newline.
+  [[nodiscard]] static QString help(std::optional<int> terminalColumns = std::nullopt);
 
   /// The answer to an option that is unknown, shown so that it does not disturb the terminal. Ends
   /// with a newline.

@@ -113,11 +113,17 @@ void OVMainMenu::addFileMenu() {
       ->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 }
 
+// Names have no key letter of their own: the first ten are numbered 1 to 9 and 0.
 void OVMainMenu::fillRecentMenu() {
+  constexpr qsizetype kKeys = 10;
   recent_->clear();
   for (const std::string& path : commands_.recentFiles()) {
     QString name = platform::shownName(lastPathComponent(path));
     name.replace(QLatin1Char('&'), QLatin1String("&&"));
+    const qsizetype number = recent_->actions().size() + 1;
+    if (number <= kKeys) {
+      name.prepend(QStringLiteral("&%1 ").arg(number % kKeys));
+    }
     QAction* const action = recent_->addAction(name);
     action->setToolTip(platform::shownName(path).toHtmlEscaped());
     connect(action, &QAction::triggered, this, [this, path] {

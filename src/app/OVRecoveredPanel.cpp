@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
+#include <QPixmap>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QStyle>
@@ -148,6 +149,10 @@ void OVRecoveredPanel::addRow(const OVRecoveredFile& file, const Paths& unchecke
   row->setData(0, Qt::AccessibleTextRole, QStringList{start, length, state}.join(", "));
   if (isBeingMade(file.state)) {
     row->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren);
+    // As wide as the box of the other rows, so that the texts stand below each other.
+    QPixmap noBox(list_->style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, list_), 1);
+    noBox.fill(Qt::transparent);
+    row->setData(0, Qt::DecorationRole, noBox);
     return;
   }
   row->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable |

@@ -284,12 +284,16 @@ bool VelmarAppDelegate::isSaving() const {
   });
 }
 
+bool VelmarAppDelegate::holdsSession() const {
+  return isTerminating() || isSaving() || hasEditedWindow();
+}
+
 bool VelmarAppDelegate::applicationMayEndSession() {
   platform::assertMainThread();
   if (waitingSession_ != nullptr) {
     return false;
   }
-  if (!isTerminating() && !isSaving() && !hasEditedWindow()) {
+  if (!holdsSession()) {
     return true;  // the session manager ends the program
   }
   QEventLoop waiting;

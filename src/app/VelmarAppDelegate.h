@@ -85,6 +85,9 @@ class VelmarAppDelegate {
   [[nodiscard]] bool isTerminating() const { return terminationTimer_ != nullptr; }
   /// The timer that calls checkTermination(); null while no quit is waiting.
   [[nodiscard]] const platform::Timer* terminationTimer() const { return terminationTimer_.get(); }
+  /// Whether the end of the desktop's session has to wait for the user: something is unsaved or
+  /// being saved, or a quit is under way.
+  [[nodiscard]] bool holdsSession() const;
   /// The desktop's session is about to end: asks as a quit does, and returns when the user has
   /// answered and what was to be saved is saved. False if the quit was cancelled, or was asked for
   /// in the same way and is not answered yet. Runs the main loop.

@@ -27,11 +27,13 @@
 #include "platform/desktop/QtDesktopServices.h"
 #include "platform/desktop/QtFileDialogs.h"
 #include "platform/files/Descriptors.h"
+#include "platform/files/Terminal.h"
 #include "platform/mainloop/FailedWriteSignals.h"
 #include "platform/mainloop/FontPreparation.h"
 #include "platform/mainloop/MainQueue.h"
 #include "platform/mainloop/TerminationSignals.h"
 #include "platform/media/FfmpegModule.h"
+#include "platform/process/SessionManagerLoss.h"
 #include "platform/sound/AudioQueue.h"
 #include "platform/sound/DeviceAudioQueues.h"
 #include "platform/sound/LateAudioDevice.h"
@@ -71,7 +73,7 @@ int answer(const OVCommandLine& commandLine) {
   const OVTranslations translations(QLocale::system().uiLanguages());
   switch (commandLine.request()) {
     case OVCommandLine::Request::printHelp:
-      return print(stdout, OVCommandLineText::help());
+      return print(stdout, OVCommandLineText::help(platform::terminalColumns(stdout)));
     case OVCommandLine::Request::printVersion:
       return print(stdout, QStringLiteral("Orvo " ORVO_VERSION "\n"));
     default:
@@ -93,6 +95,7 @@ int main(int argc, char** argv) {
   platform::FontPreparation fonts;
   int argumentsForQt = static_cast<int>(commandLine.forQt().size()) - 1;
   QApplication application(argumentsForQt, commandLine.forQt().data());
+  platform::outliveSessionManager();
   fonts.finish();
   // Loading cubeb and opening the microphone takes as long as showing a window, so it starts after
   // the window is shown; the recorder does not wait for it.
@@ -128,7 +131,8 @@ int main(int argc, char** argv) {
   QObject::connect(
       &application, &QGuiApplication::commitDataRequest, &application,
       [&delegate](QSessionManager& session) {
-        askAtSessionEnd(session, [&delegate] { return delegate.applicationMayEndSession(); });
+        askAtSessionEnd(session, delegate.holdsSession(),
+                        [&delegate] { return delegate.applicationMayEndSession(); });
       },
       Qt::DirectConnection);
   const platform::TerminationSignals signals([&delegate] { delegate.terminationSignalled(); });

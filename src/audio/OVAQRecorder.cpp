@@ -180,7 +180,14 @@ void OVAQRecorder::write(OVAudioBufferInterface& destination,
                          const platform::AudioQueueBuffer& captured) {
   auto position = writingPosition();
   const auto byteCount = captured.mAudioDataByteSize;
-  losses_.written(captured, position / platform::kWorkingFrameBytes);
+  if (isLossBefore(captured)) {
+    losses_.disregard(captured);
+    if (captured.silencedFrames > 0) {
+      return;
+    }
+  } else {
+    losses_.written(captured, position / platform::kWorkingFrameBytes);
+  }
   destination.writeData(captured.mAudioData, position, byteCount);
   writingPosition_.compare_exchange_strong(position, position + byteCount,
                                            std::memory_order_acq_rel);
@@ -202,6 +209,13 @@ void OVAQRecorder::measureSilence(const platform::AudioQueueBuffer& captured) {
 bool OVAQRecorder::isWanted(const platform::AudioQueueBuffer& captured) const {
   const platform::MutexLock lock(mutex_);
   return !writingStopped_ && captured.endFrame > span_.after && captured.endFrame <= span_.until;
+}
+
+// Found while recording, but frames that were lost before it began.
+bool OVAQRecorder::isLossBefore(const platform::AudioQueueBuffer& captured) const {
+  const platform::MutexLock lock(mutex_);
+  return (captured.silencedFrames > 0 || captured.missingBefore > 0) &&
+         captured.lostAtFrame <= span_.after;
 }
 
 void OVAQRecorder::stopWriting() {

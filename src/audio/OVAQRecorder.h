@@ -53,7 +53,8 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   OVAQRecorder& operator=(const OVAQRecorder&) = delete;
 
   /// From now on captured data is written at writingPosition(), except for queue buffers captured
-  /// entirely before the call. Does nothing while recording; alerts if there is no queue.
+  /// entirely before the call, and silence for frames lost before it. Does nothing while recording;
+  /// alerts if there is no queue.
   void record();
 
   /// Ends recording at the moment of the call: queue buffers captured entirely before it are still
@@ -133,6 +134,7 @@ class OVAQRecorder : public std::enable_shared_from_this<OVAQRecorder> {
   void inputCallback(platform::AudioInputQueue& queue, platform::AudioQueueBuffer& buffer);
   void write(OVAudioBufferInterface& destination, const platform::AudioQueueBuffer& buffer);
   [[nodiscard]] bool isWanted(const platform::AudioQueueBuffer& buffer) const;
+  [[nodiscard]] bool isLossBefore(const platform::AudioQueueBuffer& buffer) const;
   void measureSilence(const platform::AudioQueueBuffer& buffer);
   void deviceFailed(platform::AudioStatus status);
 

@@ -35,6 +35,12 @@ void OVRecordingLosses::written(const platform::AudioQueueBuffer& buffer, std::u
   }
 }
 
+void OVRecordingLosses::disregard(const platform::AudioQueueBuffer& buffer) {
+  const platform::MutexLock lock(mutex_);
+  finish();
+  noted_ += buffer.silencedFrames + buffer.missingBefore;
+}
+
 void OVRecordingLosses::end(std::uint64_t lostFrames, std::uint64_t atFrame) {
   const platform::MutexLock lock(mutex_);
   finish();

@@ -31,6 +31,8 @@ class OVRecordingLosses {
   void begin(std::uint64_t lostFrames);
   /// A buffer is written at `atFrame` of the document.
   void written(const platform::AudioQueueBuffer& buffer, std::uint64_t atFrame);
+  /// What the buffer tells was lost before the recording, and is none of its gaps.
+  void disregard(const platform::AudioQueueBuffer& buffer);
   /// The recording ends at `atFrame`. `lostFrames` is what the queue had lost at that moment: what
   /// no buffer reported of it was lost at the end.
   void end(std::uint64_t lostFrames, std::uint64_t atFrame);

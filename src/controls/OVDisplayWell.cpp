@@ -1,10 +1,12 @@
 #include "controls/OVDisplayWell.h"
 
 #include <QLinearGradient>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
 
 #include "platform/views/RoundShapes.h"
+#include "platform/views/ViewDrawing.h"
 
 namespace {
 
@@ -19,17 +21,11 @@ QLinearGradient vertical(const QRectF& rect, const QColor& top, const QColor& bo
   return gradient;
 }
 
-}  // namespace
-
-OVDisplayWell::OVDisplayWell(QWidget* parent) : QWidget(parent) {}
-
-void OVDisplayWell::paintEvent(QPaintEvent* /*event*/) {
+void drawWell(QPainter& painter, const QRectF& bounds) {
   const QColor upper = QColor::fromRgbF(0.13725F, 0.14510F, 0.24314F);
   const QColor lower = QColor::fromRgbF(0.14118F, 0.21176F, 0.27843F);
-  const QRectF well = QRectF(rect()).adjusted(0.0, 0.0, 0.0, -kRim);
+  const QRectF well = bounds.adjusted(0.0, 0.0, 0.0, -kRim);
   const QPainterPath outline = platform::roundedPath(well, kRadius);
-  QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
   painter.fillPath(outline.translated(0.0, kRim), QColor(255, 255, 255, 190));
   painter.fillPath(outline, vertical(well, upper, lower));
 
@@ -38,4 +34,16 @@ void OVDisplayWell::paintEvent(QPaintEvent* /*event*/) {
   painter.fillPath(outline, vertical(shadow, QColor(0, 0, 0, 90), QColor(0, 0, 0, 0)));
   const QRectF edge = well.adjusted(0.5, 0.5, -0.5, -0.5);
   painter.fillPath(platform::roundedRingPath(edge, kRadius - 0.5, 1.0), QColor(12, 13, 28, 200));
+}
+
+}  // namespace
+
+OVDisplayWell::OVDisplayWell(QWidget* parent) : QWidget(parent) {}
+
+void OVDisplayWell::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  platform::drawByRectangles(painter, event->region(), [&] {
+    picture_.draw(
+        painter, rect(), [this](QPainter& first) { drawWell(first, rect()); }, 1.0);
+  });
 }

@@ -38,6 +38,7 @@ void OVNoticeView::setText(const QString& text, bool isNews) {
     text_ = text;
     if (!text.isEmpty()) {
       drawn_ = text;
+      picture_.forget();
       setAccessibleName(text);
       update();
     }
@@ -98,7 +99,11 @@ void OVNoticeView::paintEvent(QPaintEvent* /*event*/) {
     return;
   }
   QPainter painter(this);
-  painter.setOpacity(opacity());
+  picture_.draw(
+      painter, bounds, [&](QPainter& first) { draw(first, bounds); }, opacity());
+}
+
+void OVNoticeView::draw(QPainter& painter, const QRect& bounds) const {
   OVOverlayView::drawOnGround(painter, bounds);
   painter.setFont(font_);
   painter.setPen(kColor);

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include "platform/mainloop/Timer.h"
+#include "platform/views/KeptPicture.h"
 
 /// One quiet line of text over the lower edge of the waveform: small light words on a rounded panel
 /// that is as wide as they need, at the left. A text too long for the view is elided. It fades in
@@ -49,10 +50,12 @@ class OVNoticeView : public QWidget {
   [[nodiscard]] int lastFrame() const { return text_.isEmpty() ? 0 : kFadeFrames; }
   [[nodiscard]] QString line() const;
   void showFrame(int frame);
+  void draw(QPainter& painter, const QRect& bounds) const;
 
   QFont font_;
   QString text_;
-  QString drawn_;  // the text, or the one that fades
-  int frame_ = 0;  // of the fade, 0 to kFadeFrames
+  QString drawn_;                  // the text, or the one that fades
+  int frame_ = 0;                  // of the fade, 0 to kFadeFrames
+  platform::KeptPicture picture_;  // of `drawn_`: the waveform below is redrawn 25 times a second
   std::unique_ptr<platform::Timer> timer_;
 };

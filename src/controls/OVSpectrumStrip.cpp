@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include <QEvent>
 #include <QLayout>
@@ -31,8 +32,7 @@ void OVSpectrumStrip::setShown(bool shown) {
   }
   shown_ = shown;
   if (keepsItsSize()) {
-    chooseFrames(normalFrame_.value_or(window_->normalGeometry()));
-    normalFrame_ = shown_ ? shownFrame_ : hiddenFrame_;
+    noteForReturn();
     setStripHeight(shown_ ? kHeight : 0);
     return;
   }
@@ -42,6 +42,7 @@ void OVSpectrumStrip::setShown(bool shown) {
     decorations_ = {0, inner.top() - outer.top(), 0, outer.bottom() - inner.bottom()};
     chooseFrames(normalFrame_.value_or(window_->geometry()));
     normalFrame_.reset();
+    toggledFrom_.reset();
   }
   startMoving();
 }
@@ -135,8 +136,22 @@ bool OVSpectrumStrip::eventFilter(QObject* watched, QEvent* event) {
   // Only the window is watched. Its last events arrive after its destructor has begun.
   if (event->type() == QEvent::WindowStateChange) {
     stateChanged();
+  } else if (event->type() == QEvent::Resize) {
+    returnLater();
   }
   return QObject::eventFilter(watched, event);
+}
+
+void OVSpectrumStrip::noteForReturn() {
+  if (normalFrame_) {
+    chooseFrames(*normalFrame_);
+    normalFrame_ = shown_ ? shownFrame_ : hiddenFrame_;
+  } else if (toggledFrom_) {
+    toggledFrom_.reset();
+  } else {
+    toggledFrom_ = window_->normalGeometry().size();
+    filling_ = window_->size();
+  }
 }
 
 void OVSpectrumStrip::stateChanged() {
@@ -145,19 +160,28 @@ void OVSpectrumStrip::stateChanged() {
     setStripHeight(shown_ ? kHeight : 0);
     normalFrame_ = shown_ ? shownFrame_ : hiddenFrame_;
   }
-  if (normalFrame_ && !keepsItsSize()) {
-    // Later: the frame that the window itself restores may not have arrived yet.
-    platform::mainQueue().async([self = QPointer(this)] {
-      if (self) {
-        self->returnToNormalFrame();
-      }
-    });
+  returnLater();
+}
+
+void OVSpectrumStrip::returnLater() {
+  if ((!normalFrame_ && !toggledFrom_) || keepsItsSize()) {
+    return;
   }
+  platform::mainQueue().async([self = QPointer(this)] {
+    if (self) {
+      self->returnToNormalFrame();
+    }
+  });
 }
 
 void OVSpectrumStrip::returnToNormalFrame() {
-  if (window_ && normalFrame_ && !keepsItsSize()) {
-    place(*normalFrame_);
-    normalFrame_.reset();
+  if (!window_ || keepsItsSize()) {
+    return;
+  }
+  if (normalFrame_) {
+    place(*std::exchange(normalFrame_, std::nullopt));
+  } else if (toggledFrom_ && window_->size() != filling_) {
+    chooseFrames({window_->geometry().topLeft(), *std::exchange(toggledFrom_, std::nullopt)});
+    place(shown_ ? shownFrame_ : hiddenFrame_);
   }
 }

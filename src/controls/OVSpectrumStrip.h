@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QRect>
+#include <QSize>
 #include <QVariantAnimation>
 #include <QWidget>
 
@@ -20,7 +21,7 @@
 /// A window whose strip would lie below the screen moves up as far as there is room; the height
 /// still missing is taken from the waveform. A maximised or full-screen window keeps its size: the
 /// strip takes its height from the waveform, and the window's normal frame is adjusted when the
-/// window returns to it.
+/// window returns to it, wherever the desktop then puts it.
 ///
 /// Threads: main. Real-time: not safe.
 class OVSpectrumStrip : public QObject {
@@ -49,6 +50,8 @@ class OVSpectrumStrip : public QObject {
   void setStripHeight(int height);
   void place(const QRect& frame);
   void stateChanged();
+  void noteForReturn();
+  void returnLater();
   void returnToNormalFrame();
   void chooseFrames(const QRect& current);
   [[nodiscard]] QRect grown(const QRect& frame) const;
@@ -67,6 +70,10 @@ class OVSpectrumStrip : public QObject {
   // The window's geometry at either end of the animation, without its decorations.
   QRect hiddenFrame_;
   QRect shownFrame_;
-  // What the window returns to from a maximised or full-screen state.
+  // Where the animation was going when a maximised or full-screen state ended it.
   std::optional<QRect> normalFrame_;
+  // Set if the strip differs between that state and the normal frame: the normal frame's size. Its
+  // place is known when the desktop has restored it, since a title bar can be dragged down.
+  std::optional<QSize> toggledFrom_;
+  QSize filling_;  // of the window in that state; until it has changed, nothing is restored yet
 };

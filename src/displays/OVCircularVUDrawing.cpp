@@ -12,19 +12,36 @@ constexpr float kFaintestAlpha = 0.3F;
 constexpr float kOutlineFullLevel = 1.3F;
 constexpr double kOutlineWidth = 1.0;
 
-QColor fillColor(float level) {
-  return QColor::fromRgbF(89.0F / 255.0F, 156.0F / 255.0F, 171.0F / 255.0F,
-                          std::clamp(level + kFaintestAlpha, 0.0F, 1.0F));
+const QColor kFill(89, 156, 171);
+const QColor kOutline(255, 255, 255);
+
+double fillOpacity(float level) {
+  return std::clamp(level + kFaintestAlpha, 0.0F, 1.0F);
 }
 
-QColor outlineColor(float level) {
-  return QColor::fromRgbF(1.0F, 1.0F, 1.0F,
-                          std::clamp(level / kOutlineFullLevel, kFaintestAlpha, 1.0F));
+double outlineOpacity(float level) {
+  return std::clamp(level / kOutlineFullLevel, kFaintestAlpha, 1.0F);
 }
 
 }  // namespace
 
-void drawCircularVU(QPainter& painter, QSizeF size, std::span<const float> levels) {
+void OVCircularVUDrawing::Circle::draw(QPainter& painter, QPointF center, double radius,
+                                       float level) {
+  const double reach = radius + kOutlineWidth / 2.0;
+  const QRectF area(center - QPointF(reach, reach), QSizeF(2.0 * reach, 2.0 * reach));
+  fill.draw(
+      painter, area,
+      [&](QPainter& first) { first.fillPath(platform::discPath(center, radius), kFill); },
+      fillOpacity(level));
+  outline.draw(
+      painter, area,
+      [&](QPainter& first) {
+        first.fillPath(platform::ringPath(center, radius, kOutlineWidth), kOutline);
+      },
+      outlineOpacity(level));
+}
+
+void OVCircularVUDrawing::draw(QPainter& painter, QSizeF size, std::span<const float> levels) {
   const double width = size.width();
   const double height = size.height();
   const auto channels = static_cast<double>(levels.size());
@@ -37,10 +54,10 @@ void drawCircularVU(QPainter& painter, QSizeF size, std::span<const float> level
   } else {
     center.ry() /= channels;
   }
-  for (const float measured : levels) {
-    const float level = std::isnan(measured) ? 0.0F : measured;
-    painter.fillPath(platform::discPath(center, radius), fillColor(level));
-    painter.fillPath(platform::ringPath(center, radius, kOutlineWidth), outlineColor(level));
+  circles_.resize(levels.size());
+  for (std::size_t channel = 0; channel < levels.size(); ++channel) {
+    const float level = std::isnan(levels[channel]) ? 0.0F : levels[channel];
+    circles_[channel].draw(painter, center, radius, level);
     center += step;
   }
 }

@@ -2,7 +2,6 @@
 
 #include <QPainter>
 
-#include "displays/OVCircularVUDrawing.h"
 #include "platform/views/ViewDrawing.h"
 
 namespace {
@@ -19,5 +18,5 @@ void OVCircularVUView::paintEvent(QPaintEvent*) {
   }
   QPainter painter(this);
   platform::useViewCoordinates(painter, size());
-  drawCircularVU(painter, size(), *levelData());
+  drawing_.draw(painter, size(), *levelData());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "displays/OVCircularVUDrawing.h"
 #include "displays/OVVUView.h"
 
 /// The level meter of the recorder window: one circle per channel, its opacity following the level.
@@ -15,4 +16,7 @@ class OVCircularVUView : public OVVUView {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+
+ private:
+  OVCircularVUDrawing drawing_;
 };

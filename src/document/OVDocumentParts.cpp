@@ -13,16 +13,18 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
       recovered({audio, operation, history, file, loading}),
       unsavedChanges({operation, history, file, transport, panels, recovered}, operations.saveFile,
                      operations.alertDidEnd) {
-  displayLoop.setTickHandler([this] {
+  const auto lookAtInput = [this] {
     if (inputWatch.look()) {
       inputNotices.update(inputWatch.state());
     }
     lossMarks.update(inputWatch.state().losses);
-  });
+  };
+  displayLoop.setTickHandler(lookAtInput);
   transport.addStateHandler([this](OVTransportState state) {
     diskWatch.setRecording(state == OVTransportState::recording);
   });
-  transport.setRecordingHandler([this] {
+  transport.setRecordingHandler([this, lookAtInput] {
+    lookAtInput();  // a recording may have ended since the last tick
     clipping.begin();
     lossMarks.begin();
   });

@@ -9,12 +9,14 @@
 #include <ctime>
 #include <iterator>
 #include <limits>
+#include <new>
 #include <utility>
 
 #include "keeper/CafHeader.h"
 #include "keeper/FileRoom.h"
 #include "keeper/PassingErrors.h"
 #include "platform/base/AudioTypes.h"
+#include "platform/files/SecondRead.h"
 
 namespace {
 
@@ -70,7 +72,12 @@ KeptRecording::KeptRecording(std::unique_ptr<platform::File> audio,
     : audio_(std::move(audio)), journal_(std::move(journal)) {}
 
 KeptRecording::Outcome KeptRecording::recover(RecoveredFolder& folder) {
-  const int error = write(folder);
+  int error = 0;
+  try {
+    error = write(folder);
+  } catch (const std::bad_alloc&) {
+    error = ENOMEM;  // must not end the keeper, which may have other recordings
+  }
   if (error == 0) {
     return Outcome::done;
   }
@@ -138,8 +145,10 @@ int KeptRecording::createPart(RecoveredFolder& folder) {
   if (part_) {
     return 0;
   }
-  auto part = folder.create(localTime(origin_.begun, "Orvo recording %Y-%m-%d %H.%M.%S"),
-                            origin_.recoveredFrom);
+  const std::string name = localTime(origin_.begun, "Orvo recording %Y-%m-%d %H.%M.%S");
+  // A damaged time may have no date; without a name the file would be hidden.
+  auto part = folder.create(name.empty() ? "Orvo recording" : name,
+                            {.name = origin_.recoveredFrom, .number = origin_.recoveredFile});
   if (!part) {
     return part.error();
   }
@@ -273,7 +282,7 @@ bool KeptRecording::readNext() {
     held.bytes.resize(kCopied);
     const std::uint64_t wanted = std::min<std::uint64_t>(kCopied, block.size() - inBlock_);
     const std::uint64_t from = block.file_offset_start() + inBlock_;
-    const auto got = audio_->readAt(held.bytes.data(), wanted, from);
+    const auto got = platform::readWithSecondTry(*audio_, held.bytes.data(), wanted, from);
     held.count = got.byteCount;
     if (way_ == Way::move && got.byteCount > 0) {
       giveBack(from, got.byteCount);

@@ -50,9 +50,8 @@ platform::Descriptor openDataDirectory(const std::string& path) {
   constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
   platform::Descriptor folder(::open(path.c_str(), kFlags));
   if (!folder && errno == ENOENT) {
-    const std::string parent = path.substr(0, path.rfind('/'));
-    if (::access(parent.c_str(), F_OK) != 0) {
-      ::mkdir(parent.c_str(), kUserOnly);
+    for (auto end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
+      ::mkdir(path.substr(0, end).c_str(), kUserOnly);
     }
     ::mkdir(path.c_str(), kUserOnly);
     folder = platform::Descriptor(::open(path.c_str(), kFlags));
@@ -117,7 +116,7 @@ int renameKeepingOthers(int folder, const std::string& from, const std::string& 
 platform::Result<std::unique_ptr<RecoveredFolder>> RecoveredFolder::open(
     const std::string& dataDirectory) {
   if (dataDirectory.empty()) {
-    return ENOENT;
+    return EINVAL;
   }
   const platform::Descriptor data = openDataDirectory(dataDirectory);
   if (!data) {
@@ -142,26 +141,26 @@ bool RecoveredFolder::exists(const std::string& name) const {
   return isThere(folder_.get(), name);
 }
 
-platform::Result<PartFile> RecoveredFolder::create(const std::string& name,
-                                                   const std::string& former) {
-  if (isPlainName(former)) {
-    auto part = createPart(former);
-    if (!part && part.error() == EEXIST && removeDeadPart(former)) {
-      part = createPart(former);
+platform::Result<PartFile> RecoveredFolder::create(const std::string& name, const Former& former) {
+  if (isPlainName(former.name)) {
+    auto part = createPart(former.name);
+    if (!part && part.error() == EEXIST && removeDeadPart(former.name)) {
+      part = createPart(former.name);
     }
     if (part) {
       part->replacesFormer = true;
+      part->formerNumber = former.number;
     }
     if (part || part.error() != EEXIST) {
       return part;
     }
   }
   // A part that its document was opened from stays until the new file is complete.
-  const std::string whole = withoutEnd(former, kPart);
-  if (whole.size() < former.size() && isPlainName(whole)) {
+  const std::string whole = withoutEnd(former.name, kPart);
+  if (whole.size() < former.name.size() && isPlainName(whole)) {
     auto part = createNumbered(withoutEnd(whole, kSuffix));
     if (part) {
-      part->formerPart = former;
+      part->formerPart = former.name;
     }
     return part;
   }
@@ -218,9 +217,18 @@ int RecoveredFolder::complete(PartFile& part) {
   return 0;
 }
 
+// Another keeper, whose program was stopped, may have replaced it by what is newer there.
+bool RecoveredFolder::isFormerThere(const PartFile& part) const {
+  struct stat status = {};
+  return part.replacesFormer &&
+         (part.formerNumber == 0 ||
+          (::fstatat(folder_.get(), part.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+           status.st_ino == part.formerNumber));
+}
+
 int RecoveredFolder::rename(const PartFile& part) const {
   const std::string from = partOf(part.name);
-  if (part.replacesFormer &&
+  if (isFormerThere(part) &&
       ::renameat(folder_.get(), from.c_str(), folder_.get(), part.name.c_str()) == 0) {
     return 0;  // otherwise it gets a name of its own
   }

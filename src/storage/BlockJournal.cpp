@@ -38,6 +38,7 @@ BlockJournal::BlockJournal(std::unique_ptr<platform::SharedMemory> memory, const
   if (origin.recoveredFrom.size() < header.recoveredFrom.size()) {
     std::copy(origin.recoveredFrom.begin(), origin.recoveredFrom.end(),
               header.recoveredFrom.begin());
+    header.recoveredFile = origin.recoveredFile;
   }
 }
 

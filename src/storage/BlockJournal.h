@@ -31,6 +31,7 @@ class BlockJournal {
   struct Origin {
     std::int64_t created = 0;   ///< seconds since 1970, UTC
     std::string recoveredFrom;  ///< name of the recovered file the recording came from, or empty
+    std::uint64_t recoveredFile = 0;  ///< the system's number of that file; 0 if unknown
     /// When the first recording began, if that was before the journal: in seconds since 1970, UTC.
     std::int64_t firstRecording = 0;
     /// A new state is written after records of so many bytes, or of twice the state's size if that

@@ -38,6 +38,7 @@ struct Header {
   std::int64_t created = 0;                     ///< seconds since 1970, UTC
   std::atomic<std::int64_t> firstRecording{0};  ///< when its first recording began; 0 for none
   std::array<char, kMaxName> recoveredFrom{};   ///< name of the recovered file it was opened from
+  std::uint64_t recoveredFile = 0;              ///< the system's number of that file; 0 for none
 };
 static_assert(std::atomic<std::uint64_t>::is_always_lock_free &&
               std::atomic<State>::is_always_lock_free && sizeof(std::atomic<State>) == 4 &&

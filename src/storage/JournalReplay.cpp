@@ -34,6 +34,27 @@ platform::Result<std::unique_ptr<journal::Header>> readHeader(platform::File& fi
   return header;
 }
 
+// Reachable blocks never overlap, which the list relies on. Where those of a damaged state do, each
+// ends where the next one begins.
+void keepApart(std::vector<OVBlock>& blocks) {
+  std::vector<OVBlock*> reachable;
+  reachable.reserve(blocks.size());
+  for (OVBlock& block : blocks) {
+    if (block.linear_addr_start() < block.end()) {
+      reachable.push_back(&block);
+    }
+  }
+  std::stable_sort(reachable.begin(), reachable.end(),
+                   [](const OVBlock* one, const OVBlock* other) {
+                     return one->linear_addr_start() < other->linear_addr_start();
+                   });
+  for (std::size_t i = 1; i < reachable.size(); ++i) {
+    OVBlock& block = *reachable[i - 1];
+    block.setSize(
+        std::min(block.size(), reachable[i]->linear_addr_start() - block.linear_addr_start()));
+  }
+}
+
 bool fits(std::uint64_t address, std::uint64_t size) {
   return size <= std::numeric_limits<std::uint64_t>::max() - address;
 }
@@ -50,7 +71,8 @@ platform::Result<JournalOrigin> readJournalOrigin(platform::File& file) {
   const auto end = std::find(read.recoveredFrom.begin(), read.recoveredFrom.end(), '\0');
   return JournalOrigin{.state = read.state.load(),
                        .begun = recording != 0 ? recording : read.created,
-                       .recoveredFrom = std::string(read.recoveredFrom.begin(), end)};
+                       .recoveredFrom = std::string(read.recoveredFrom.begin(), end),
+                       .recoveredFile = read.recoveredFile};
 }
 
 platform::Result<JournalReplay> JournalReplay::begin(platform::File& file) {
@@ -99,6 +121,7 @@ bool JournalReplay::takeState() {
     }
     blocks.emplace_back(block.linear_addr_start, block.file_offset_start, block.size);
   }
+  keepApart(blocks);
   list_ = BlockList(blocks);
   fillSize_ = first.b;
   return true;

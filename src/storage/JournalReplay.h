@@ -18,6 +18,7 @@ struct JournalOrigin {
   journal::State state = journal::State::saved;
   std::int64_t begun = 0;     ///< of the first recording, else of the first change; UTC, since 1970
   std::string recoveredFrom;  ///< name of the recovered file the recording came from, or empty
+  std::uint64_t recoveredFile = 0;  ///< the system's number of that file; 0 if unknown
 };
 
 /// EBADMSG if it is no journal, or the errno of a failed read.

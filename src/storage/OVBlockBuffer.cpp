@@ -385,8 +385,8 @@ int OVBlockBuffer::settle(BlockJournal& journal) {
 void OVBlockBuffer::journalFailed(int error) {
   if (error != 0 && !journalFailureTold_.exchange(true, std::memory_order_relaxed)) {
     ConsoleLog(
-        "There is no room for the journal of a recording, which would be lost if the "
-        "program ended unexpectedly: %s",
+        "There is no room for the journal of a recording: if the program ended unexpectedly, "
+        "what is done from now on would be lost: %s",
         std::generic_category().message(error).c_str());
   }
 }

@@ -1,4 +1,6 @@
 // What the real program answers on the command line, without a screen.
+#include <algorithm>
+
 #include <gmock/gmock.h>
 
 #include "support/programs/ChildProcess.h"
@@ -30,6 +32,24 @@ TEST(CommandLine, VersionIsPrinted) {
 
 TEST(CommandLine, AnswersAreInTheUsersLanguage) {
   EXPECT_THAT(orvo({"--help"}, {{"LANGUAGE", "fr"}}).output, HasSubstr("Affiche la version."));
+}
+
+TEST(CommandLine, HelpFitsTheTerminal) {
+  const auto onTerminal = [](const std::string& columns) {
+    const Finished run =
+        runToEnd({"script", "--quiet", "--return", "--command",
+                  "stty cols " + columns + " && " ORVO_PROGRAM " --help", "/dev/null"},
+                 with(cleanEnvironment(), {{"LANGUAGE", "ja"}}));
+    EXPECT_TRUE(run.status.succeeded()) << run.output << run.error;
+    return run.output;
+  };
+  const std::string narrow = onTerminal("40");
+  const std::string wide = onTerminal("70");
+  EXPECT_THAT(wide, HasSubstr("--version"));
+  const auto lines = [](const std::string& text) {
+    return std::count(text.begin(), text.end(), '\n');
+  };
+  EXPECT_GT(lines(narrow), lines(wide) + 5);
 }
 
 TEST(CommandLine, UnknownOptionIsToldOnStandardErrorWithStatusTwo) {

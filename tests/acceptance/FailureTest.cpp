@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "acceptance/AcceptanceTest.h"
+#include "acceptance/AccessibleFixture.h"
 #include "support/programs/LimitedDisk.h"
 
 using namespace support;
@@ -187,6 +187,38 @@ TEST_F(Failure, FullDiskStopsTheRecordingAndKeepsWhatWasRecorded) {
   ASSERT_NO_FATAL_FAILURE(beginPlaying());
   expectHeard(signal);
   ASSERT_NO_FATAL_FAILURE(waitUntilPlayed());
+  EXPECT_TRUE(alerts().empty());
+}
+
+/// TMPDIR names a folder that is not there.
+class FailureTemporaryFolder : public AccessibleFixture {
+ protected:
+  void startWithoutTemporaryFolder() {
+    RunningOrvo::Options options;
+    options.temporaryFolder = missing_;
+    options.alertFirst = true;
+    ASSERT_NO_FATAL_FAILURE(startWithBus(options));
+  }
+  [[nodiscard]] std::string sentences() const {
+    return "The file " + missing_ +
+           "/orvoXXXXXX couldn't be opened for writing. This shouldn't happen! Check your "
+           "permissions.\n\nThe temporary directory “" +
+           missing_ + "” cannot be used. There is no such folder.";
+  }
+
+  const std::string missing_ = folder_.file("missing");
+};
+
+TEST_F(FailureTemporaryFolder, IsToldAtTheStartAndAtEachPressOfRecordUntilItIsThere) {
+  ASSERT_NO_FATAL_FAILURE(startWithoutTemporaryFolder());
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertThatSays(sentences()));
+  for (int press = 1; press <= 2; ++press) {
+    ASSERT_TRUE(screen_->pressKey("r"));
+    ASSERT_NO_FATAL_FAILURE(expectOneAlertThatSays(sentences())) << press;
+    EXPECT_TRUE(orvo_->recordingPaths().empty());
+  }
+  folder_.makeFolder("missing");
+  ASSERT_NO_FATAL_FAILURE(beginRecording());
   EXPECT_TRUE(alerts().empty());
 }
 

@@ -1,5 +1,5 @@
-// The program is stopped, or its disk hangs, for longer than buffers last, while it records: what
-// follows keeps its time, and what was lost is told.
+// The program is stopped, or its disk or the sound server hangs, for longer than buffers last,
+// while it records: what follows keeps its time, and what was lost is told.
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -15,14 +15,13 @@ namespace {
 
 using std::chrono::seconds;
 
-class LongLosses : public AccessibleFixture {
- protected:
-  void SetUp() override {
-    if (std::getenv("ORVO_TEST_LONG_FREEZES") == nullptr) {
-      GTEST_SKIP() << "takes minutes: scripts/test --freezes runs it";
-    }
-  }
+// The environment is only read.
+bool takesMinutes() {
+  return std::getenv("ORVO_TEST_LONG_FREEZES") != nullptr;  // NOLINT(concurrency-mt-unsafe)
+}
 
+class RecordingOfNoise : public AccessibleFixture {
+ protected:
   /// Records noise from a microphone, which goes on for long, until it has two seconds of it.
   void beginRecordingOfNoise(const RunningOrvo::Options& options = {}) {
     ASSERT_TRUE(server_ && server_->plugMicrophone("mic", "USB Mic").has_value());
@@ -111,6 +110,17 @@ class LongLosses : public AccessibleFixture {
   }
 };
 
+class LongLosses : public RecordingOfNoise {
+ protected:
+  void SetUp() override {
+    if (!takesMinutes()) {
+      GTEST_SKIP() << "takes minutes: scripts/test --freezes runs it";
+    }
+  }
+};
+
+using StoppedServer = RecordingOfNoise;
+
 TEST_F(LongLosses, ProgramThatIsStoppedFor20SecondsTellsWhatItLostAndKeepsTheTime) {
   ASSERT_NO_FATAL_FAILURE(beginRecordingOfNoise());
   orvo_->process().freeze();
@@ -136,6 +146,26 @@ TEST_F(LongLosses, DiskThatHangsFor12SecondsTellsWhatWasLostAndTheTimeIsKept) {
   const std::string said = awaitLossNotice();
   const double gap = expectNoiseInTimeAfterTheGap(12 * kFramesPerSecond);
   expectToldAndMarked(said, gap);
+}
+
+TEST_F(StoppedServer, EndsTheRecordingWithEverythingKeptAndRecordWorksAfterwards) {
+  ASSERT_NO_FATAL_FAILURE(beginRecordingOfNoise());
+  const std::size_t before = framesWithoutGap();
+  server_->freeze();
+  ASSERT_NO_FATAL_FAILURE(wait(seconds(takesMinutes() ? 60 : 4)));
+  server_->thaw();
+  ASSERT_NO_FATAL_FAILURE(expectOneAlertThatSays(
+      "Nothing more came from the sound input “USB Mic”: it stands still, or the sound system does "
+      "not answer. Recording has ended. Check the input, then press Record. Everything recorded so "
+      "far is kept."));
+  const Samples recorded = orvo_->recorded();
+  const std::size_t kept = recorded.size() / kChannels;
+  const auto start = findStart(signal_, recorded);
+  ASSERT_TRUE(start.has_value());
+  EXPECT_EQ(equalFrames(signal_, recorded, *start), kept - *start) << "a gap in what was kept";
+  EXPECT_GE(kept - *start, before);
+  ASSERT_NO_FATAL_FAILURE(beginRecording());
+  EXPECT_TRUE(orvo_->waitUntilRecorded(kept + kFramesPerSecond));
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 #include "app/OVCommandLineText.h"
 
 #include <algorithm>
+#include <clocale>
+#include <cwchar>
 
 #include <gmock/gmock.h>
+#include <QScopeGuard>
 
 #include "app/OVTranslations.h"
 #include "audio/OVFileKinds.h"
@@ -26,11 +29,46 @@ TEST(OVCommandLineTextTest, HelpNamesEveryOptionAndEveryKindOfFile) {
   }
 }
 
-TEST(OVCommandLineTextTest, HelpFitsATerminal) {
-  for (const QString& line : OVCommandLineText::help().split('\n')) {
-    EXPECT_LE(line.size(), 80) << line.toStdString();
+/// The columns of a text by the system's own table.
+int systemColumns(const QString& text) {
+  int columns = 0;
+  for (const wchar_t character : text.toStdWString()) {
+    columns += ::wcwidth(character);
+  }
+  return columns;
+}
+
+QString withoutWhiteSpace(const QString& text) {
+  return text.simplified().remove(u' ');
+}
+
+TEST(OVCommandLineTextTest, HelpFitsTheTerminalInEveryLanguage) {
+  const std::string before = std::setlocale(LC_CTYPE, nullptr);
+  ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+  const auto restored = qScopeGuard([&before] { std::setlocale(LC_CTYPE, before.c_str()); });
+  QStringList languages = OVTranslations::languages();
+  languages << "en";
+  for (const QString& language : languages) {
+    const OVTranslations translations(QStringList{language});
+    const QString whole = withoutWhiteSpace(OVCommandLineText::help());
+    for (const int columns : {40, 60, 76, 200}) {
+      const QString text = OVCommandLineText::help(columns);
+      int widest = 0;
+      for (const QString& line : text.split('\n')) {
+        widest = std::max(widest, systemColumns(line));
+        EXPECT_FALSE(line.trimmed().startsWith(u'。') || line.trimmed().startsWith(u'、'));
+      }
+      EXPECT_LE(widest, std::min(columns, 76)) << language.toStdString();
+      EXPECT_GT(widest, std::min(columns, 76) - 8) << language.toStdString() << ": it is used";
+      EXPECT_EQ(withoutWhiteSpace(text), whole) << language.toStdString();
+    }
   }
   EXPECT_TRUE(help().ends_with(".\n"));
+}
+
+TEST(OVCommandLineTextTest, HelpForAFileOrATinyTerminalHasAUsualWidth) {
+  EXPECT_EQ(OVCommandLineText::help(), OVCommandLineText::help(76));
+  EXPECT_EQ(OVCommandLineText::help(3), OVCommandLineText::help(30));
 }
 
 TEST(OVCommandLineTextTest, HelpIsInTheLanguageOfTheInterface) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <QMenuBar>
+#include <QTest>
 
 #include "app/AppFixture.h"
 #include "platform/files/File.h"
@@ -180,13 +181,35 @@ TEST_F(OVMainMenuTest, OpenRecentShowsNamesAndOpensPaths) {
   recentPaths_ = {"/music/salt & pepper.wav", "/b/<i>.wav"};
   const QMenu* const recent = openRecentMenu();
   ASSERT_EQ(recent->actions().size(), 2);
-  EXPECT_EQ(recent->actions().at(0)->text(), "salt && pepper.wav");
+  EXPECT_EQ(recent->actions().at(0)->text(), "&1 salt && pepper.wav");
   EXPECT_EQ(recent->actions().at(1)->toolTip(), "/b/&lt;i&gt;.wav");
   recent->actions().at(1)->trigger();
   EXPECT_THAT(called_, ElementsAre("/b/<i>.wav"));
   recentPaths_.clear();
   EXPECT_THAT(openRecentMenu()->actions(), IsEmpty());
   EXPECT_FALSE(recent->isEnabled());
+}
+
+TEST_F(OVMainMenuTest, RecentFilesHaveTheKeysOneToNineAndZeroInTheirOrder) {
+  for (int i = 1; i <= 11; ++i) {
+    recentPaths_.push_back("/music/" + std::to_string(i) + ". take.wav");
+  }
+  QMenu* const recent = openRecentMenu();
+  QStringList texts;
+  for (const QAction* const action : recent->actions()) {
+    texts << action->text();
+  }
+  ASSERT_EQ(texts.size(), 11);
+  EXPECT_EQ(texts.at(0), "&1 1. take.wav");
+  EXPECT_EQ(texts.at(8), "&9 9. take.wav");
+  EXPECT_EQ(texts.at(9), "&0 10. take.wav");
+  EXPECT_EQ(texts.at(10), "11. take.wav");
+  for (const Qt::Key key : {Qt::Key_0, Qt::Key_2}) {
+    recent->popup({});
+    QTest::keyClick(recent, key);
+    EXPECT_FALSE(recent->isVisible());
+  }
+  EXPECT_THAT(called_, ElementsAre("/music/10. take.wav", "/music/2. take.wav"));
 }
 
 TEST_F(OVMainMenuTest, CloseClosesItsWindow) {

@@ -2,10 +2,12 @@
 
 #include <gmock/gmock.h>
 #include <QAccessible>
+#include <QImage>
 #include <QLabel>
 #include <QLocale>
 #include <QPointer>
 #include <QPushButton>
+#include <QStyle>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -148,6 +150,28 @@ TEST_F(OVRecoveredPanelTest, AFileThatIsBeingWrittenSaysSoAndCannotBeChosen) {
   EXPECT_EQ(textsOfRow(0)[2], "Still being written");
   EXPECT_FALSE(list()->topLevelItem(0)->data(0, Qt::CheckStateRole).isValid());
   EXPECT_THAT(panel_->chosen(), IsEmpty());
+}
+
+TEST_F(OVRecoveredPanelTest, TheTextOfARowWithoutABoxIsBelowThoseOfTheOthers) {
+  show(Occasion::command, {fileOf("/a.caf"), fileOf("/b.caf.part", State::beingWritten)});
+  list()->clearSelection();
+  list()->setCurrentItem(nullptr);
+  const QImage picture = list()->viewport()->grab().toImage();
+  const QRect row = list()->visualItemRect(list()->topLevelItem(1));
+  const auto isEmpty = [&](int x) {
+    for (int y = row.top() + 1; y < row.bottom(); ++y) {
+      if (picture.pixelColor(x, y).lightness() < 128) {
+        return false;
+      }
+    }
+    return true;
+  };
+  int left = row.left();
+  while (left < row.right() && isEmpty(left)) {
+    ++left;
+  }
+  EXPECT_GT(left, row.left() + list()->style()->pixelMetric(QStyle::PM_IndicatorWidth));
+  EXPECT_LT(left, row.right());
 }
 
 TEST_F(OVRecoveredPanelTest, AFileThatWaitsForRoomSaysSoAndCannotBeChosen) {

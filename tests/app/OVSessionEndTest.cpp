@@ -24,21 +24,31 @@ struct Session {
 
 TEST(OVSessionEndTest, IsCancelledWhileSomethingIsAskedOrSaved) {
   Session session;
-  askAtSessionEnd(session, [] { return false; });
+  askAtSessionEnd(session, true, [] { return false; });
   EXPECT_EQ(session.cancelled, 1);
   EXPECT_EQ(session.released, 0);
 }
 
-TEST(OVSessionEndTest, GoesOnWhereNothingIsUnsaved) {
+TEST(OVSessionEndTest, GoesOnWhenTheUserAgreed) {
   Session session;
-  askAtSessionEnd(session, [] { return true; });
+  askAtSessionEnd(session, true, [] { return true; });
   EXPECT_EQ(session.cancelled, 0);
   EXPECT_EQ(session.released, 1);
 }
 
+TEST(OVSessionEndTest, IsNotInterruptedWithNothingToAsk) {
+  Session session;
+  askAtSessionEnd(session, false, [] {
+    ADD_FAILURE() << "asked";
+    return false;
+  });
+  EXPECT_FALSE(session.interacting);
+  EXPECT_EQ(session.cancelled + session.released, 0);
+}
+
 TEST(OVSessionEndTest, AsksNothingWhereNobodyMayBeAsked) {
   Session session{.allows = false};
-  askAtSessionEnd(session, [] {
+  askAtSessionEnd(session, true, [] {
     ADD_FAILURE() << "asked";
     return false;
   });

@@ -197,7 +197,7 @@ TEST_F(OpenAndQuitTest, OpenRecentListsTheLatestFilesAndOpensThem) {
     Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
     return recent->actions().size() == 1;
   }));
-  EXPECT_EQ(recent->actions().at(0)->text(), "salt && pepper.wav");
+  EXPECT_EQ(recent->actions().at(0)->text(), "&1 salt && pepper.wav");
   recent->actions().at(0)->trigger();
   EXPECT_EQ(windows().size(), 2U);
   awaitAllIdle();
@@ -211,7 +211,7 @@ TEST_F(OpenAndQuitTest, OpenRecentShowsANameInOneLine) {
     Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
     return recent->actions().size() == 1;
   }));
-  EXPECT_EQ(recent->actions().at(0)->text(), "a b c fdp.wav");
+  EXPECT_EQ(recent->actions().at(0)->text(), "&1 a b c fdp.wav");
   EXPECT_EQ(recent->actions().at(0)->toolTip(), "/music/a b c fdp.wav");
 }
 
@@ -225,7 +225,7 @@ TEST_F(OpenAndQuitTest, ASavedTakeIsListedAndInTheMenuAtOnce) {
   auto* const recent = window->findChild<QMenu*>("Open Recent");
   Q_EMIT qobject_cast<QMenu*>(recent->parentWidget())->aboutToShow();
   ASSERT_EQ(recent->actions().size(), 1) << "at the menu's first showing";
-  EXPECT_EQ(recent->actions().at(0)->text(), "take.wav");
+  EXPECT_EQ(recent->actions().at(0)->text(), "&1 take.wav");
 }
 
 TEST_F(OpenAndQuitTest, WhatCouldNotBeSavedAndWhatWasExportedIsNotListed) {

@@ -31,6 +31,7 @@ class SessionAndSignalsTest : public AppFixture {
 
 TEST_F(SessionAndSignalsTest, ASessionWithNothingUnsavedEndsWithoutAQuestion) {
   spawn();
+  EXPECT_FALSE(delegate_.holdsSession());
   EXPECT_TRUE(delegate_.applicationMayEndSession());
   EXPECT_EQ(quits_, 0) << "the session ends the program, not we";
   EXPECT_EQ(windows().size(), 1U);
@@ -46,6 +47,7 @@ TEST_F(SessionAndSignalsTest, TheSessionEndsWhenTheChangesWereDiscarded) {
     panels_->answerSheet(VLRecorderWindowController::kDontSave);
     panels_->answerSheet(VLRecorderWindowController::kDontSave);
   });
+  EXPECT_TRUE(delegate_.holdsSession());
   EXPECT_TRUE(delegate_.applicationMayEndSession());
   EXPECT_TRUE(runMainLoopUntil([] { return windows().empty(); }));
   EXPECT_FALSE(delegate_.isTerminating());
@@ -75,6 +77,7 @@ TEST_F(SessionAndSignalsTest, TheSessionWaitsForASaveThatTheUserChose) {
 TEST_F(SessionAndSignalsTest, TheSessionWaitsForASaveThatIsUnderWay) {
   OVRecorderWindow* const window = spawn();
   documentOf(window)->saveFileNamed(at("copy.wav"), 0);
+  EXPECT_TRUE(delegate_.holdsSession());
   EXPECT_TRUE(delegate_.applicationMayEndSession());
   EXPECT_TRUE(std::filesystem::exists(at("copy.wav")));
 }

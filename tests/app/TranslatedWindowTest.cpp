@@ -1,32 +1,27 @@
-// The window and its panels in every language: their texts, and whether these fit.
-#include <fstream>
+// The window in every language: its texts, and whether these fit.
+#include <iterator>
 #include <map>
 #include <set>
 
 #include <gmock/gmock.h>
 #include <QAbstractButton>
-#include <QHeaderView>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QToolButton>
-#include <QTreeWidget>
 
-#include "app/AppFixture.h"
-#include "app/OVRecoveredPanel.h"
-#include "app/OVTranslations.h"
+#include "app/TranslatedFixture.h"
 #include "controls/OVLoadingPanel.h"
-#include "platform/desktop/OpenPanel.h"
 #include "platform/desktop/QtFileDialogs.h"
-#include "platform/desktop/SavePanel.h"
-#include "platform/mainloop/Localization.h"
-#include "support/TemporaryFolder.h"
 
 namespace {
 
+using support::areAllDifferent;
+using support::expectKeyLetters;
+using support::expectNothingClipped;
+using support::keyLettersOf;
 using testing::ElementsAreArray;
 
 /// The expected texts of a language, written here independently.
@@ -71,7 +66,7 @@ const std::map<std::string, Expected> kExpected{
       "Aller au &début\tEntrée",
       "Enregistrement",
       "Forme d’onde",
-      "Voulez-vous enregistrer les modifications apportées à «\u00a0Sans titre\u00a0»\u00a0?",
+      "Voulez‑vous enregistrer les modifications apportées à «\u00a0Sans titre\u00a0»\u00a0?",
       "Ne &pas enregistrer"}},
     {"es",
      {"Orvo - Sin título",
@@ -104,10 +99,6 @@ const std::map<std::string, Expected> kExpected{
       "要保存对“未命名”所做的更改吗？",
       "不保存(&N)"}}};
 
-QString translated(const QString& key) {
-  return QCoreApplication::translate("Orvo", key.toUtf8().constData());
-}
-
 /// The key of a menu item's text: its name, which lacks the key letter, with the letter.
 QString keyOf(const QString& name) {
   for (qsizetype i = 0; i < name.size(); ++i) {
@@ -124,92 +115,13 @@ QString withoutKeyLetter(QString text) {
   return text.remove(u'&');
 }
 
-/// The mnemonic letters of the texts, in capitals.
-QStringList keyLettersOf(const QStringList& texts) {
-  static const QRegularExpression kKeyLetter("(?<!&)&(\\p{L})");
-  QStringList letters;
-  for (const QString& text : texts) {
-    const auto match = kKeyLetter.match(text);
-    if (match.hasMatch()) {
-      letters << match.captured(1).toUpper();
-    }
-  }
-  return letters;
-}
-
-bool areAllDifferent(QStringList letters) {
-  return letters.removeDuplicates() == 0;
-}
-
-QStringList textsOf(const QList<QAction*>& actions) {
-  QStringList texts;
-  for (const QAction* const action : actions) {
-    texts << action->text();
-  }
-  return texts;
-}
-
-/// Every button with a text has a key letter and no picture, and no letter is there twice, those of
-/// the labels included.
-void expectKeyLetters(const QWidget& dialog) {
-  QStringList texts;
-  for (const auto* const button : dialog.findChildren<QAbstractButton*>()) {
-    if (!button->text().isEmpty()) {
-      texts << button->text();
-      EXPECT_TRUE(button->icon().isNull()) << button->text().toStdString();
-    }
-  }
-  EXPECT_GT(texts.size(), 0);
-  EXPECT_EQ(keyLettersOf(texts).size(), texts.size()) << texts.join(", ").toStdString();
-  for (const auto* const label : dialog.findChildren<QLabel*>()) {
-    if (label->buddy() != nullptr) {
-      texts << label->text();
-    }
-  }
-  EXPECT_TRUE(areAllDifferent(keyLettersOf(texts))) << texts.join(", ").toStdString();
-}
-
-/// Every widget with text is as large as it requests.
-void expectNothingClipped(const QWidget& dialog) {
-  for (const QAbstractButton* const button : dialog.findChildren<QAbstractButton*>()) {
-    if (button->isVisible() && !button->text().isEmpty()) {
-      EXPECT_GE(button->width(), button->minimumSizeHint().width()) << button->text().toStdString();
-    }
-  }
-  for (const QLabel* const label : dialog.findChildren<QLabel*>()) {
-    if (label->isVisible() && !label->text().isEmpty()) {
-      const int height =
-          label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
-      EXPECT_GE(label->height(), height) << label->text().toStdString();
-      EXPECT_TRUE(label->wordWrap() || label->width() >= label->sizeHint().width())
-          << label->text().toStdString();
-    }
-  }
-}
-
-class TranslatedWindowTest : public AppFixture, public testing::WithParamInterface<std::string> {
+class TranslatedWindowTest : public TranslatedFixture {
  protected:
-  TranslatedWindowTest() : window_(spawn()) {}
-
   [[nodiscard]] static const Expected& expected() { return kExpected.at(GetParam()); }
-  [[nodiscard]] static QString language() { return QString::fromStdString(GetParam()); }
 
   [[nodiscard]] std::string nameOf(const char* view) const {
     return window_->findChild<QWidget*>(view)->accessibleName().toStdString();
   }
-
-  template <typename Dialog>
-  Dialog* shownDialog(const char* name) {
-    Dialog* dialog = nullptr;
-    EXPECT_TRUE(runMainLoopUntil([&] {
-      dialog = window_->findChild<Dialog*>(name);
-      return dialog != nullptr && dialog->isVisible();
-    }));
-    return dialog;
-  }
-
-  OVTranslations translations_{{language().isEmpty() ? QStringLiteral("en") : language()}};
-  OVRecorderWindow* window_;
 };
 
 TEST_P(TranslatedWindowTest, TitleMenusAndItemsAreInTheLanguage) {
@@ -262,6 +174,19 @@ TEST_P(TranslatedWindowTest, KeyLettersDoNotClashInAnyMenu) {
     EXPECT_TRUE(areAllDifferent(letters))
         << menu->text().toStdString() << ": " << letters.join(' ').toStdString();
   }
+}
+
+TEST_P(TranslatedWindowTest, RecentFilesHaveDigitsOfTheirOwn) {
+  for (const char* const name : {"a.wav", "b & c.wav", "3.wav"}) {
+    recent_.noteNewRecentDocument(std::string("/music/") + name);
+  }
+  auto* const menu = window_->findChild<QMenu*>("Open Recent");
+  ASSERT_NE(menu, nullptr);
+  ASSERT_TRUE(runMainLoopUntil([&] {
+    Q_EMIT qobject_cast<QMenu*>(menu->parentWidget())->aboutToShow();
+    return menu->actions().size() == 3;
+  }));
+  EXPECT_EQ(keyLettersOf(textsOf(menu->actions())), QStringList({"1", "2", "3"}));
 }
 
 TEST_P(TranslatedWindowTest, MenusFitIntoTheNarrowestWindow) {
@@ -347,97 +272,8 @@ TEST_P(TranslatedWindowTest, TheQuestionAboutUnsavedChangesIsWholeAndQuotesAsThe
   dontSave->click();
 }
 
-TEST_P(TranslatedWindowTest, TheSavePanelIsWholeAndItsKeyLettersAreItsOwn) {
-  platform::QtFileDialogs real;
-  const platform::Installed<platform::FileDialogs>::Scope installation(real);
-  item(window_, "Save As…")->trigger();
-  auto* const panel = shownDialog<platform::SavePanel>("savePanel");
-  ASSERT_NE(panel, nullptr);
-  EXPECT_EQ(panel->windowTitle(), translated("Save As"));
-  expectNothingClipped(*panel);
-  expectKeyLetters(*panel);
-  panel->reject();
-}
-
-TEST_P(TranslatedWindowTest, TheQuestionBeforeReplacingIsWhole) {
-  platform::QtFileDialogs real;
-  const platform::Installed<platform::FileDialogs>::Scope installation(real);
-  const support::TemporaryFolder folder;
-  std::ofstream(folder.file("take.wav")) << "sound";
-  item(window_, "Save As…")->trigger();
-  auto* const panel = shownDialog<platform::SavePanel>("savePanel");
-  ASSERT_NE(panel, nullptr);
-  panel->findChild<QLineEdit*>("fileNameEdit")
-      ->setText(QString::fromStdString(folder.file("take.wav")));
-  panel->accept();
-  auto* const question = shownDialog<QMessageBox>("replaceQuestion");
-  ASSERT_NE(question, nullptr);
-  expectNothingClipped(*question);
-  expectKeyLetters(*question);
-  question->reject();
-  panel->reject();
-}
-
-TEST_P(TranslatedWindowTest, TheOpenAndTheImportPanelAreWhole) {
-  platform::QtFileDialogs real;
-  const platform::Installed<platform::FileDialogs>::Scope installation(real);
-  for (const char* const command : {"Open…", "Import…"}) {
-    item(window_, command)->trigger();
-    auto* const panel = shownDialog<platform::OpenPanel>("openPanel");
-    ASSERT_NE(panel, nullptr) << command;
-    expectNothingClipped(*panel);
-    expectKeyLetters(*panel);
-    panel->reject();
-    ASSERT_TRUE(runMainLoopUntil(
-        [&] { return window_->findChild<platform::OpenPanel*>("openPanel") == nullptr; }));
-  }
-}
-
-TEST_P(TranslatedWindowTest, TheRuleOfRingtonesIsWhole) {
-  platform::QtFileDialogs real;
-  const platform::Installed<platform::FileDialogs>::Scope installation(real);
-  item(window_, "Export Ringtone…")->trigger();
-  auto* const panel = shownDialog<platform::SavePanel>("savePanel");
-  ASSERT_NE(panel, nullptr);
-  expectNothingClipped(*panel);
-  panel->reject();
-}
-
-TEST_P(TranslatedWindowTest, TheQuestionAboutRecoveredRecordingsIsWhole) {
-  std::vector<OVRecoveredFile> files(4);
-  files[0].frames = 44100 * 7500ULL;
-  files[0].start = QDateTime(QDate(2026, 11, 21), QTime(14, 2));
-  files[1].state = OVRecoveredFile::State::damaged;
-  files[2].state = OVRecoveredFile::State::beingWritten;
-  files[3].state = OVRecoveredFile::State::waitingForRoom;
-  for (const auto occasion :
-       {OVRecoveredPanel::Occasion::unexpectedEnd, OVRecoveredPanel::Occasion::command}) {
-    OVRecoveredPanel panel(occasion, {});
-    panel.setAttribute(Qt::WA_DeleteOnClose, false);
-    panel.setFiles(files);
-    panel.show();
-    ASSERT_TRUE(runMainLoopUntil([&] { return panel.isVisible(); }));
-    QCoreApplication::sendPostedEvents();
-    EXPECT_EQ(panel.windowTitle(), translated("Recovered Recordings"));
-    expectNothingClipped(panel);
-    expectKeyLetters(panel);
-    const auto* const list = panel.findChild<QTreeWidget*>();
-    EXPECT_EQ(list->topLevelItem(1)->text(2), translated("Damaged"));
-    EXPECT_EQ(list->topLevelItem(2)->text(2), translated("Still being written"));
-    for (int column = 0; column < list->columnCount(); ++column) {
-      const QString text = list->topLevelItem(2)->text(column);
-      EXPECT_GT(list->columnWidth(column), list->fontMetrics().horizontalAdvance(text))
-          << text.toStdString();
-    }
-    EXPECT_LE(list->header()->length(), list->viewport()->width()) << "nothing to scroll";
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(InEveryLanguage, TranslatedWindowTest,
-                         testing::Values("", "de", "fr", "es", "ja", "zh_CN"),
-                         [](const auto& language) {
-                           return language.param.empty() ? std::string("en") : language.param;
-                         });
+INSTANTIATE_TEST_SUITE_P(InEveryLanguage, TranslatedWindowTest, everyTestedLanguage(),
+                         nameOfTestedLanguage);
 
 TEST(TranslatedWindowListTest, EveryLanguageThatThereIsIsTested) {
   std::set<std::string> languages;
@@ -451,6 +287,8 @@ TEST(TranslatedWindowListTest, EveryLanguageThatThereIsIsTested) {
     }
   }
   EXPECT_EQ(tested, languages);
+  EXPECT_EQ(std::set<std::string>(std::begin(kTestedLanguages), std::end(kTestedLanguages)).size(),
+            kExpected.size());
 }
 
 }  // namespace

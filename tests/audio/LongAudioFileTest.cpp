@@ -9,12 +9,14 @@
 #include "audio/OVAudioFileWriter.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/TestUserAudioFiles.h"
+#include "support/programs/AudioFileTools.h"
 
 namespace {
 
 constexpr std::uint64_t kChunk = 1 << 20;                     // frames
 constexpr std::uint64_t kChunks = (1ULL << 32) / 4 / kChunk;  // exactly 4 GB of 16-bit samples
-constexpr float kMark = 0.5F;  // of the last frame, the only one that is not silent
+constexpr std::size_t kFrameBytes = 4;                        // in 16 bits
+constexpr float kMark = 0.5F;  // of the last frame; all between it and the first are silent
 
 class LongAudioFileTest : public testing::Test {
  protected:
@@ -31,18 +33,40 @@ class LongAudioFileTest : public testing::Test {
     ASSERT_TRUE(writer->close());
   }
 
-  static void expectReadBack() {
+  // A 16-bit WAV whose header counts its bytes modulo 4 GiB: silence between two marked frames.
+  void writeWrappedWav(std::uint64_t frames) {
+    const auto bytes = static_cast<std::uint32_t>(frames * kFrameBytes);
+    ASSERT_LT(bytes, frames * kFrameBytes) << "nothing wraps";
+    std::string header = support::wavBytes(44100, 2, 16, {});
+    const std::string mark("\x00\x40\x00\xC0", kFrameBytes);  // kMark, -kMark
+    for (std::size_t i = 0; i < 4; ++i) {
+      header[4 + i] = static_cast<char>(((bytes + 36) >> (8 * i)) & 0xFFU);
+      header[40 + i] = static_cast<char>((bytes >> (8 * i)) & 0xFFU);
+    }
+    const auto file = storage_.createForWriting("long");
+    ASSERT_TRUE(file);
+    const std::string start = header + mark;
+    const std::uint64_t last = header.size() + (frames - 1) * kFrameBytes;
+    ASSERT_EQ(file->writeAt(start.data(), start.size(), 0).byteCount, start.size());
+    ASSERT_EQ(file->writeAt(mark.data(), mark.size(), last).byteCount, mark.size());
+  }
+
+  static void expectReadBack(std::uint64_t length = kChunks * kChunk + 1, float first = 0.0F) {
     const auto reader = OVAudioFileReader::initWithFile("long");
     ASSERT_NE(reader, nullptr);
-    EXPECT_EQ(reader->fileSizeInFrames(), static_cast<std::int64_t>(kChunks * kChunk + 1));
+    EXPECT_EQ(reader->fileSizeInFrames(), static_cast<std::int64_t>(length));
+    EXPECT_FALSE(reader->isFileSizeEstimated());
     std::uint64_t all = 0;
     std::vector<float> last;
     while (const std::uint32_t frames = reader->readFrameChunkWithSize(kChunk)) {
-      all += frames;
       const auto* const samples = static_cast<const float*>(reader->exposeBuffer());
+      if (all == 0) {
+        EXPECT_THAT(std::vector<float>(samples, samples + 2), testing::ElementsAre(first, -first));
+      }
+      all += frames;
       last.assign(samples + (std::size_t{frames} - 1) * 2, samples + std::size_t{frames} * 2);
     }
-    EXPECT_EQ(all, kChunks * kChunk + 1);
+    EXPECT_EQ(all, length);
     EXPECT_THAT(last, testing::ElementsAre(kMark, -kMark));
     EXPECT_FALSE(reader->failed());
   }
@@ -63,6 +87,13 @@ TEST_F(LongAudioFileTest, AWavBeyondFourGigabytesBecomesRf64AndIsReadWhole) {
 TEST_F(LongAudioFileTest, ACafBeyondFourGigabytesIsReadWhole) {
   write(OVAudioFileWriter::kCaf, kChunks);
   expectReadBack();
+  EXPECT_THAT(services_->alerts(), testing::IsEmpty());
+}
+
+TEST_F(LongAudioFileTest, AWavWhoseLengthHasWrappedIsReadWholeWithoutAnAlert) {
+  constexpr std::uint64_t kFrames = kChunks * kChunk + 1000;
+  ASSERT_NO_FATAL_FAILURE(writeWrappedWav(kFrames));
+  expectReadBack(kFrames, kMark);
   EXPECT_THAT(services_->alerts(), testing::IsEmpty());
 }
 

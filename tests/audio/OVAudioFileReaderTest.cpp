@@ -334,6 +334,56 @@ TEST_F(OVAudioFileReaderTest, AFailingMediumIsToldOnceAfterWhatCameBeforeIt) {
             "“pulled.wav” is stored reported an error. What could be read before it is kept.");
 }
 
+// A file of which some reads fail, by their number.
+class FailingReadsTest : public OVAudioFileReaderTest {
+ protected:
+  FailingReadsTest() {
+    std::string sound(800'000, '\0');
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+      sound[i] = static_cast<char>(i * 31 + i / 251);
+    }
+    storage_.setBytes(support::wavBytes(44100, 2, 16, sound));
+    const auto reader = OVAudioFileReader::initWithFile("a.wav");
+    whole_ = readAll(*reader);
+    reads_ = storage_.reads();
+  }
+
+  void failReads(std::uint64_t first, std::uint64_t count) {
+    storage_.beforeReads([this, from = storage_.reads() + first, count](std::uint64_t number) {
+      storage_.failReadsFrom(number - from < count ? 0 : support::TestUserAudioFiles::kUnlimited);
+    });
+  }
+
+  support::TestUserAudioFiles storage_;
+  platform::Installed<platform::UserAudioFiles>::Scope installation_{storage_};
+  Samples whole_;
+  std::uint64_t reads_ = 0;
+};
+
+TEST_F(FailingReadsTest, AReadThatFailsOnceIsTriedAgain) {
+  ASSERT_GT(reads_, 5U);
+  for (std::uint64_t read = 0; read < reads_; ++read) {
+    failReads(read, 1);
+    const auto reader = OVAudioFileReader::initWithFile("a.wav");
+    ASSERT_NE(reader, nullptr) << read;
+    EXPECT_TRUE(readAll(*reader) == whole_) << read;
+  }
+  EXPECT_THAT(services_->alerts(), IsEmpty());
+}
+
+// FFmpeg would go on in the middle of a frame.
+TEST_F(FailingReadsTest, NothingFollowsAReadThatFailsTwice) {
+  for (std::uint64_t read = reads_ / 2; read < reads_; ++read) {
+    failReads(read, 2);
+    const auto reader = OVAudioFileReader::initWithFile("a.wav");
+    ASSERT_NE(reader, nullptr) << read;
+    const Samples samples = readAll(*reader);
+    EXPECT_TRUE(reader->failed()) << read;
+    ASSERT_LE(samples.size(), whole_.size());
+    EXPECT_TRUE(std::equal(samples.begin(), samples.end(), whole_.begin())) << read;
+  }
+}
+
 TEST_F(OVAudioFileReaderTest, AnotherFileOpenedAfterAFailureIsReadAndToldOfLikeTheFirst) {
   support::TestUserAudioFiles storage;
   const platform::Installed<platform::UserAudioFiles>::Scope installation(storage);

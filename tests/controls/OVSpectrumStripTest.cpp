@@ -275,6 +275,18 @@ TEST_F(OVSpectrumStripTest, ShownWhileMaximisedTheWindowComesBackHigher) {
   EXPECT_EQ(window_.geometry(), QRect(50, 60, 400, 330));
 }
 
+TEST_F(OVSpectrumStripTest, ShownWhileMaximisedTheWindowComesBackWhereTheDesktopPutsIt) {
+  maximise();
+  setShown(true);
+  window_.showNormal();
+  // As when its title bar is dragged down.
+  window_.setGeometry(QRect(QPoint(90, 80), window_.size()));
+  EXPECT_TRUE(runMainLoopUntil([&] { return window_.height() == 530; }));
+  EXPECT_EQ(window_.geometry(), QRect(90, 80, 400, 530));
+  setShown(false);
+  EXPECT_EQ(window_.geometry(), QRect(90, 80, 400, 330));
+}
+
 TEST_F(OVSpectrumStripTest, HiddenWhileMaximisedTheWindowComesBackAsItWasBefore) {
   setShown(true);
   maximise();

@@ -18,8 +18,9 @@ class OVCircularVUDrawingTest : public testing::TestWithParam<int> {
   [[nodiscard]] static int ratio() { return GetParam(); }
 
   [[nodiscard]] static QImage draw(QSize size, const std::vector<float>& levels) {
-    return drawnPicture(size, ratio(), kPaper,
-                        [&](QPainter& painter) { drawCircularVU(painter, size, levels); });
+    return drawnPicture(size, ratio(), kPaper, [&](QPainter& painter) {
+      OVCircularVUDrawing().draw(painter, size, levels);
+    });
   }
 
   /// The pixel right of and above a point in view coordinates.
@@ -125,6 +126,28 @@ TEST_P(OVCircularVUDrawingTest, LevelsThatAreNoNumbersOrNegativeDoNoHarm) {
 
 TEST_P(OVCircularVUDrawingTest, NoLevelsDrawNothing) {
   EXPECT_EQ(draw({60, 30}, {}), makePicture({60, 30}, ratio(), kPaper));
+}
+
+TEST_P(OVCircularVUDrawingTest, WhatIsDrawnAgainIsAsIfDrawnForTheFirstTime) {
+  // Another level, size, number of channels and place each need what was kept, or must not use it.
+  OVCircularVUDrawing kept;
+  const auto draw = [](OVCircularVUDrawing& drawing, QSize size, QPointF moved,
+                       const std::vector<float>& levels) {
+    return drawnPicture({80, 80}, ratio(), kPaper, [&](QPainter& painter) {
+      painter.translate(moved);
+      drawing.draw(painter, size, levels);
+    });
+  };
+  const auto expectAsNew = [&](QSize size, QPointF moved, const std::vector<float>& levels) {
+    OVCircularVUDrawing fresh;
+    EXPECT_EQ(draw(kept, size, moved, levels), draw(fresh, size, moved, levels));
+  };
+  expectAsNew({60, 30}, {}, {0.1F, 0.4F});
+  expectAsNew({60, 30}, {}, {0.7F, 0.0F});
+  expectAsNew({60, 30}, {7.25, 3.5}, {0.7F, 0.0F});
+  expectAsNew({40, 30}, {7.25, 3.5}, {0.7F, 0.0F});
+  expectAsNew({40, 30}, {}, {0.5F});
+  expectAsNew({30, 60}, {}, {0.2F, 0.3F, 0.4F});
 }
 
 INSTANTIATE_TEST_SUITE_P(PixelRatios, OVCircularVUDrawingTest, testing::Values(1, 2),

@@ -8,8 +8,9 @@ namespace {
 class OVCircularVUViewTest : public MeterFixture<OVCircularVUView> {
  protected:
   [[nodiscard]] QImage expected(const std::vector<float>& levels) const {
-    return drawnPicture(view_.size(), 1.0, kPaper,
-                        [&](QPainter& painter) { drawCircularVU(painter, view_.size(), levels); });
+    return drawnPicture(view_.size(), 1.0, kPaper, [&](QPainter& painter) {
+      OVCircularVUDrawing().draw(painter, view_.size(), levels);
+    });
   }
 };
 

@@ -115,8 +115,8 @@ TEST_F(TagsTest, ThePanelSaysWhatGetsLostOfAFileThatIsReplaced) {
   document_->saveFileAs(nullptr);
   ASSERT_TRUE(panels_->savePanel().lossOfReplacing);
   EXPECT_EQ(panels_->savePanel().lossOfReplacing(at("good.wav")),
-            "The old file has 24 bits, 96 kHz and 6 channels, the new one only has 16 bits, 44.1 "
-            "kHz and 2 channels.");
+            "The old file has 24\u00a0bits, 96\u00a0kHz and 6\u00a0channels, the new one only has "
+            "16\u00a0bits, 44.1\u00a0kHz and 2\u00a0channels.");
   panels_->answerSave(std::nullopt);
   document_->exportRingtone(nullptr);
   EXPECT_TRUE(panels_->savePanel().lossOfReplacing);

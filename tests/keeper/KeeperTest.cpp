@@ -4,6 +4,7 @@
 
 #include <array>
 #include <atomic>
+#include <filesystem>
 #include <span>
 #include <thread>
 
@@ -11,6 +12,7 @@
 #include <unistd.h>
 
 #include "keeper/KeptRecordings.h"
+#include "support/ClosedFolder.h"
 #include "support/Eventually.h"
 #include "support/FewDescriptors.h"
 #include "support/TemporaryFolder.h"
@@ -129,6 +131,17 @@ TEST_F(KeeperTest, FolderThatCannotBeOpenedJustNowIsWaitedFor) {
     EXPECT_FALSE(keeper_->recover());
   }
   EXPECT_EQ(keeper_->size(), 1U);
+  EXPECT_TRUE(keeper_->recover());
+  EXPECT_EQ(recoveredNames(data_.path()).size(), 1U);
+}
+
+TEST_F(KeeperTest, FolderThatTheUserMustOpenFirstIsWaitedFor) {
+  keep(1);
+  endProgram();
+  {
+    const support::ClosedFolder closed(data_.path());
+    EXPECT_FALSE(keeper_->recover());
+  }
   EXPECT_TRUE(keeper_->recover());
   EXPECT_EQ(recoveredNames(data_.path()).size(), 1U);
 }

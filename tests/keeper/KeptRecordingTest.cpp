@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <limits>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -78,6 +80,38 @@ TEST_F(KeptRecordingTest, WhatTheDiskDidNotTakeIsSilent) {
   expectRecovered();
 }
 
+// A file of which one read fails after some bytes.
+class OnceUnreadableAudio : public platform::File {
+ public:
+  explicit OnceUnreadableAudio(std::unique_ptr<platform::File> file) : file_(std::move(file)) {}
+
+  platform::FileTransfer readAt(void* destination, std::uint64_t byteCount,
+                                std::uint64_t offset) override {
+    const bool fails = !std::exchange(isGood_, true);
+    const std::uint64_t count = fails ? byteCount / 2 : byteCount;
+    return {.byteCount = file_->readAt(destination, count, offset).byteCount,
+            .error = fails ? EIO : 0};
+  }
+  platform::FileTransfer writeAt(const void*, std::uint64_t, std::uint64_t) override { return {}; }
+  std::uint64_t size() override { return file_->size(); }
+  int setSize(std::uint64_t) override { return ENOTSUP; }
+  [[nodiscard]] int descriptor() const override { return file_->descriptor(); }
+
+ private:
+  const std::unique_ptr<platform::File> file_;
+  bool isGood_ = false;
+};
+
+TEST_F(KeptRecordingTest, WhatIsReadAtTheSecondTryIsNotSilent) {
+  write(*buffer_, pattern(80'000, 1), 0);
+  KeptRecording recording(
+      std::make_unique<OnceUnreadableAudio>(sameFile(buffer_->fileDescriptor())),
+      sameFile(buffer_->journal()->descriptor()));
+  EXPECT_EQ(recording.recover(*folder_), Outcome::done);
+  EXPECT_TRUE(cafAudio(support::recoveredPath(data_.path()) + "/" + kName) ==
+              wholeRecording(*buffer_));
+}
+
 TEST_F(KeptRecordingTest, HasTheTimeOfItsFirstRecording) {
   write(*buffer_, pattern(800, 1), 0);
   buffer_->journal()->recordingBegins(1'000'000'001);
@@ -90,6 +124,13 @@ TEST_F(KeptRecordingTest, HasTheTimeOfItsFirstChangeWithoutARecording) {
   write(*buffer_, pattern(800, 1), 0);
   expectRecovered();
   EXPECT_EQ(recordedDate(kName), "2001-09-09T01:46:40+0000");
+}
+
+// A dying program may have overwritten it. A file whose name is the suffix alone would be hidden.
+TEST_F(KeptRecordingTest, TimeThatNoCalendarHasLeavesANameThatIsOffered) {
+  buffer_ = editedBuffer(std::numeric_limits<std::int64_t>::max());
+  write(*buffer_, pattern(800, 1), 0);
+  expectRecovered("Orvo recording.caf");
 }
 
 // The document was recovered before, and recorded again by the program that has now died.
@@ -135,7 +176,7 @@ TEST_F(KeptRecordingTest, NothingIsWrittenThatWasSavedOrDiscardedOrIsEmpty) {
   EXPECT_TRUE(recoveredNames(data_.path()).empty());
 }
 
-TEST_F(KeptRecordingTest, WholeRecordingThatCannotBeNamedStaysAsAPart) {
+TEST_F(KeptRecordingTest, WholeRecordingThatMayNotBeNamedIsNamedOnceItMay) {
   write(*buffer_, pattern(800, 1), 0);
   const std::string folder = support::recoveredPath(data_.path());
   std::optional<support::ClosedFolder> closed;
@@ -145,10 +186,27 @@ TEST_F(KeptRecordingTest, WholeRecordingThatCannotBeNamedStaysAsAPart) {
     }
   });
   KeptRecording recording(std::move(audio), sameFile(buffer_->journal()->descriptor()));
-  EXPECT_EQ(recording.recover(*folder_), Outcome::failed);
+  EXPECT_EQ(recording.recover(*folder_), Outcome::waiting);
   closed.reset();
   EXPECT_EQ(recoveredNames(data_.path()), std::vector<std::string>{std::string(kName) + ".part"});
   EXPECT_TRUE(cafAudio(folder + "/" + kName + ".part") == wholeRecording(*buffer_));
+  EXPECT_EQ(recording.recover(*folder_), Outcome::done);
+  EXPECT_EQ(recoveredNames(data_.path()), std::vector<std::string>{kName});
+}
+
+TEST_F(KeptRecordingTest, WaitsWhereThereIsNoMemoryForIt) {
+  write(*buffer_, pattern(800, 1), 0);
+  bool exhausted = true;
+  auto audio = std::make_unique<support::WatchedAudio>(buffer_->fileDescriptor(), [&](int) {
+    if (exhausted) {
+      throw std::bad_alloc();
+    }
+  });
+  KeptRecording recording(std::move(audio), sameFile(buffer_->journal()->descriptor()));
+  EXPECT_EQ(recording.recover(*folder_), Outcome::waiting);
+  exhausted = false;
+  EXPECT_EQ(recording.recover(*folder_), Outcome::done);
+  EXPECT_EQ(recoveredNames(data_.path()), std::vector<std::string>{kName});
 }
 
 TEST_F(KeptRecordingTest, NothingIsLeftOfACopyThatTheDiskNeverTakes) {

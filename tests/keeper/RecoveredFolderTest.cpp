@@ -46,7 +46,7 @@ class RecoveredFolderTest : public testing::Test {
 
   /// Creates a part file, writes a text and completes it.
   void add(const std::string& text, const std::string& name, const std::string& former = {}) {
-    auto part = folder_->create(name, former);
+    auto part = folder_->create(name, {.name = former});
     ASSERT_TRUE(part);
     EXPECT_EQ(part->file->writeAt(text.data(), text.size(), 0).error, 0);
     EXPECT_EQ(folder_->complete(*part), 0);
@@ -75,8 +75,9 @@ TEST_F(RecoveredFolderTest, IsMadeForTheUserAlone) {
 
 TEST_F(RecoveredFolderTest, IsMadeWhereTheDataDirectoryIsNotThereYet) {
   EXPECT_TRUE(RecoveredFolder::open(data_.file("local/share")));
-  EXPECT_FALSE(RecoveredFolder::open(data_.file("not/there/either")));
-  EXPECT_EQ(RecoveredFolder::open("").error(), ENOENT);
+  EXPECT_TRUE(RecoveredFolder::open(data_.file("not/there/at/all")));
+  EXPECT_EQ(modeOf(data_.file("not/there")), 0700U);
+  EXPECT_EQ(RecoveredFolder::open("").error(), EINVAL);
 }
 
 TEST_F(RecoveredFolderTest, FolderThatOthersCouldReadIsClosedToThem) {
@@ -107,7 +108,7 @@ TEST_F(RecoveredFolderTest, FolderOfSomeoneElseIsNotUsed) {
 
 TEST_F(RecoveredFolderTest, FileHasItsSuffixAndItsLockUntilItIsComplete) {
   open();
-  auto part = folder_->create("a", "");
+  auto part = folder_->create("a", {});
   ASSERT_TRUE(part);
   EXPECT_EQ(names(), std::vector<std::string>{"a.caf.part"});
   const platform::PosixFile other(::open(path("a.caf.part").c_str(), O_RDONLY | O_CLOEXEC));
@@ -120,7 +121,7 @@ TEST_F(RecoveredFolderTest, FileHasItsSuffixAndItsLockUntilItIsComplete) {
 TEST_F(RecoveredFolderTest, EqualNamesAreNumbered) {
   open();
   add("1", "a");
-  auto part = folder_->create("a", "");
+  auto part = folder_->create("a", {});
   ASSERT_TRUE(part);
   add("3", "a");
   EXPECT_EQ(folder_->complete(*part), 0);
@@ -131,7 +132,7 @@ TEST_F(RecoveredFolderTest, EqualNamesAreNumbered) {
 
 TEST_F(RecoveredFolderTest, NameTakenMeanwhileIsNotReplaced) {
   open();
-  auto part = folder_->create("a", "");
+  auto part = folder_->create("a", {});
   ASSERT_TRUE(part);
   std::ofstream(path("a.caf")) << "other";
   EXPECT_EQ(folder_->complete(*part), 0);
@@ -142,13 +143,32 @@ TEST_F(RecoveredFolderTest, NameTakenMeanwhileIsNotReplaced) {
 TEST_F(RecoveredFolderTest, FormerFileIsReplacedOnceTheNewOneIsComplete) {
   open();
   add("old", "a");
-  auto part = folder_->create("b", "a.caf");
+  auto part = folder_->create("b", {.name = "a.caf"});
   ASSERT_TRUE(part);
   EXPECT_EQ(content("a.caf"), "old");
   EXPECT_EQ(part->file->writeAt("new", 3, 0).error, 0);
   EXPECT_EQ(folder_->complete(*part), 0);
   EXPECT_EQ(names(), std::vector<std::string>{"a.caf"});
   EXPECT_EQ(content("a.caf"), "new");
+}
+
+TEST_F(RecoveredFolderTest, AnotherFileOfTheFormersNameIsNotReplaced) {
+  open();
+  add("old", "a");
+  struct stat status = {};
+  ASSERT_EQ(::stat(path("a.caf").c_str(), &status), 0);
+  const RecoveredFolder::Former former{.name = "a.caf", .number = status.st_ino};
+  auto newer = folder_->create("b", former);
+  ASSERT_TRUE(newer);
+  EXPECT_EQ(newer->file->writeAt("newer", 5, 0).error, 0);
+  EXPECT_EQ(folder_->complete(*newer), 0);
+  EXPECT_EQ(content("a.caf"), "newer") << "that was the former";
+  auto late = folder_->create("b", former);
+  ASSERT_TRUE(late);
+  EXPECT_EQ(late->file->writeAt("late", 4, 0).error, 0);
+  EXPECT_EQ(folder_->complete(*late), 0);
+  EXPECT_EQ(content("a.caf"), "newer");
+  EXPECT_EQ(content("a 2.caf"), "late");
 }
 
 TEST_F(RecoveredFolderTest, FormerNameThatCannotBeTakenAgainLeavesAFurtherOne) {
@@ -161,13 +181,12 @@ TEST_F(RecoveredFolderTest, FormerNameThatCannotBeTakenAgainLeavesAFurtherOne) {
 
 TEST_F(RecoveredFolderTest, WholePartThatCannotBeNamedIsNamedLater) {
   open();
-  auto part = folder_->create("a", "");
+  auto part = folder_->create("a", {});
   ASSERT_TRUE(part);
   EXPECT_EQ(part->file->writeAt("text", 4, 0).error, 0);
   EXPECT_FALSE(part->isSynced);
   {
     const support::ClosedFolder closed(path());
-    ASSERT_TRUE(closed.isClosed());
     EXPECT_EQ(folder_->complete(*part), EACCES);
   }
   EXPECT_TRUE(part->isSynced);
@@ -197,7 +216,7 @@ TEST_F(RecoveredFolderTest, PartOfADeadKeeperGivesWayToTheSameRecording) {
 TEST_F(RecoveredFolderTest, PartThatWasOpenedIsReplacedOnceTheNewFileIsComplete) {
   open();
   std::ofstream(path("a.caf.part")) << "half";
-  auto part = folder_->create("b", "a.caf.part");
+  auto part = folder_->create("b", {.name = "a.caf.part"});
   ASSERT_TRUE(part);
   EXPECT_EQ(content("a.caf.part"), "half");
   EXPECT_EQ(part->file->writeAt("new", 3, 0).error, 0);
@@ -271,7 +290,7 @@ TEST_F(RecoveredFolderTest, FolderAboveThatIsALinkIsNotUsed) {
 TEST_F(RecoveredFolderTest, PartOfALivingKeeperDoesNot) {
   open();
   add("old", "a");
-  auto first = folder_->create("b", "a.caf");
+  auto first = folder_->create("b", {.name = "a.caf"});
   ASSERT_TRUE(first);
   add("new", "b", "a.caf");
   EXPECT_EQ(folder_->complete(*first), 0);
@@ -280,7 +299,7 @@ TEST_F(RecoveredFolderTest, PartOfALivingKeeperDoesNot) {
 
 TEST_F(RecoveredFolderTest, DiscardedPartIsGone) {
   open();
-  const auto part = folder_->create("a", "");
+  const auto part = folder_->create("a", {});
   ASSERT_TRUE(part);
   folder_->discard(*part);
   EXPECT_TRUE(names().empty());

@@ -274,4 +274,32 @@ TEST_F(DamagedJournalTest, StateThatIsLongerThanTheJournalIsRefused) {
   EXPECT_FALSE(JournalReplay::begin(*file_));
 }
 
+// The list relies on it that they do not overlap.
+TEST_F(DamagedJournalTest, BlockOfAStateThatIsTooLongEndsWhereTheNextOneBegins) {
+  constexpr std::size_t kSize = 2 * sizeof(std::uint64_t);  // where it is in a block
+  writeSequence(4, 80);
+  begin();
+  overwrite(journal::stateBytes(0) + kSize, 1000);
+  expectReplayed();
+  write(*buffer_, pattern(40, 9), 100);
+  buffer_->cutoffBufferBeforePosition(2);
+  write(*buffer_, pattern(200, 10), 8);
+  expectReplayed();
+}
+
+TEST_F(DamagedJournalTest, OnlyTheLastBlockOfAStateAtAnAddressIsThere) {
+  writeSequence(3, 80);
+  begin();
+  overwrite(journal::stateBytes(1), 160);  // the address of the second block is the third's
+  write(*buffer_, pattern(160, 9), 40);
+  buffer_->cutoffBufferAfterPosition(24);
+  auto replay = JournalReplay::begin(*file_);
+  ASSERT_TRUE(replay);
+  EXPECT_EQ(replay->list().reachableBlocks(),
+            (std::vector<OVBlock>{OVBlock(0, 0, 80), OVBlock(160, 160, 80)}));
+  replay->run();
+  EXPECT_EQ(replay->list().reachableBlocks(),
+            (std::vector<OVBlock>{OVBlock(0, 0, 40), OVBlock(40, 240, 152)}));
+}
+
 }  // namespace

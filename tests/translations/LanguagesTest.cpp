@@ -34,7 +34,7 @@ const std::vector<std::string> kEnglishOnly{
     "No sound system could be reached", "No sound %s could be opened through \"%s\" (%d)%s",
     "; no sound server was found",
     // Names of files: the same in every language.
-    "Orvo recording ", "yyyy-MM-dd HH.mm", "yyyy-MM-dd HH.mm.ss",
+    "Orvo recording", "Orvo recording ", "yyyy-MM-dd HH.mm", "yyyy-MM-dd HH.mm.ss",
     "Orvo recording %Y-%m-%d %H.%M.%S",
     // Names of memory and of fields within files.
     "orvo journal", "recorded date", "track number", "Cover (front)",

@@ -55,7 +55,7 @@ void OVDiskWatch::setRecording(bool recording) {
   std::erase(runningWatches(), this);
   if (recording) {
     runningWatches().push_back(this);
-    timer_ = std::make_unique<platform::Timer>(kSecondsBetweenLooks, [this] { look(); });
+    timer_ = std::make_unique<platform::Timer>(secondsBetweenLooks_, [this] { look(); });
     look();
   }
 }

@@ -27,8 +27,9 @@ class OVDiskWatch {
   static constexpr double kSecondsBetweenLooks = 5.0;
 
   /// All outlive it.
-  OVDiskWatch(const OVDocumentLife& life, const OVDocumentAudio& audio, OVNotices& notices)
-      : life_(life), audio_(audio), notices_(notices) {}
+  OVDiskWatch(const OVDocumentLife& life, const OVDocumentAudio& audio, OVNotices& notices,
+              double secondsBetweenLooks = kSecondsBetweenLooks)
+      : life_(life), audio_(audio), notices_(notices), secondsBetweenLooks_(secondsBetweenLooks) {}
   ~OVDiskWatch();
   OVDiskWatch(const OVDiskWatch&) = delete;
   OVDiskWatch& operator=(const OVDiskWatch&) = delete;
@@ -50,6 +51,7 @@ class OVDiskWatch {
   const OVDocumentLife& life_;
   const OVDocumentAudio& audio_;
   OVNotices& notices_;
+  const double secondsBetweenLooks_;
   OVDiskLimits limits_;
   std::unique_ptr<platform::Timer> timer_;  // while recording
   std::uint64_t recording_ = 0;             // tells recordings apart

@@ -97,9 +97,10 @@ bool OVEditHistory::redo() {
 bool OVEditHistory::exchange(const Operation& inverse, void (OVEditHistory::*restore)()) {
   registerOperation(inverse);
   summaries_.willExchange();
+  const bool edited = isEdited();
+  kept_.setEdited(true);  // from here on the audio differs from what is said to be saved
   (this->*restore)();
   ++revision_;
-  const bool edited = isEdited();
   setEdited(std::exchange(prevSaveState_, edited));
   return summaries_.exchange();
 }

@@ -57,8 +57,10 @@ void OVKeptDocument::begin() {
   if (!blocks || blocks->fileDescriptor() < 0 || !keeper->isAvailable()) {
     return;
   }
-  const BlockJournal* const journal = blocks->beginJournal(
-      {.created = now(), .recoveredFrom = recoveredFrom_, .firstRecording = firstRecording_});
+  const BlockJournal* const journal = blocks->beginJournal({.created = now(),
+                                                            .recoveredFrom = recoveredFrom_,
+                                                            .recoveredFile = recoveredFile_,
+                                                            .firstRecording = firstRecording_});
   if (journal != nullptr) {
     buffer_ = blocks;
     keeper_ = keeper;

@@ -22,10 +22,12 @@ class OVKeptDocument {
 
   /// The document came from a file in the folder of recovered recordings: if it is recovered again,
   /// the new file replaces that one and says that it was recorded when that one was. `name` is the
-  /// file's, without a folder; `firstRecording` is when its first recording began, in seconds since
-  /// 1970, UTC. Call before the first change.
-  void setRecoveredFrom(std::string name, std::int64_t firstRecording) {
+  /// file's, without a folder, `file` the system's number of it, which tells it from another one of
+  /// that name; `firstRecording` is when its first recording began, in seconds since 1970, UTC.
+  /// Call before the first change.
+  void setRecoveredFrom(std::string name, std::uint64_t file, std::int64_t firstRecording) {
     recoveredFrom_ = std::move(name);
+    recoveredFile_ = file;
     firstRecording_ = firstRecording;
   }
 
@@ -44,6 +46,7 @@ class OVKeptDocument {
   const OVDocumentAudio& audio_;
   const std::uint64_t number_;
   std::string recoveredFrom_;
+  std::uint64_t recoveredFile_ = 0;
   std::int64_t firstRecording_ = 0;  // before it was recovered; 0 for none
   bool isClosed_ = false;
   // While it is kept.

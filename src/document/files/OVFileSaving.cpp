@@ -247,8 +247,8 @@ void OVFileSaving::askToWriteInPlace(const Request& request) {
       {.title = sentenceWithName(textKey("%1 can only be overwritten"), request.job.path),
        .message = localized("You may not make files in its folder. The old file is copied to the "
                             "temporary directory first. The copy is kept if writing fails."),
-       .buttons = {{localized("&Overwrite"), kOverwrite, Role::destructive},
-                   {localized("&Cancel"), kKeepOldFile, Role::reject}}},
+       .buttons = {{localized("&Cancel"), kKeepOldFile, Role::reject},
+                   {localized("&Overwrite"), kOverwrite, Role::destructive}}},
       [this, request](int answer) {
         if (answer == kOverwrite && !parts_.operation.isActive()) {
           Request inPlace = request;

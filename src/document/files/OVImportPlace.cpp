@@ -23,16 +23,27 @@ QString shownDuration(double seconds) {
   return localized("%1 s").arg(QLocale().toString(tenths / 10.0, 'f', isWhole ? 0 : 1));
 }
 
+// An estimate is no more exact than whole seconds.
+QString shownEstimate(double seconds) {
+  constexpr double kMinute = 60.0;
+  constexpr qsizetype kHundredths = 3;  // ".00"
+  const double whole = std::max(std::round(seconds), 1.0);
+  return whole >= kMinute ? OVTimeText::formatTime(whole).chopped(kHundredths)
+                          : shownDuration(whole);
+}
+
 }  // namespace
 
-QString OVImportPlace::sentence(std::optional<double> seconds) const {
+QString OVImportPlace::sentence(std::optional<OVImportLength> length) const {
   if (atSecond >= endSecond) {
     return localized("Goes in at the end.");
   }
   const QString place = OVTimeText::formatTime(atSecond);
-  if (!seconds) {
+  if (!length) {
     return localized("Goes in at %1.").arg(place);
   }
-  return localized("Goes in at %1 and replaces %2.")
-      .arg(place, shownDuration(std::min(*seconds, endSecond - atSecond)));
+  const double replaced = std::min(length->seconds, endSecond - atSecond);
+  return length->source == OVImportLength::Source::estimate
+             ? localized("Goes in at %1 and replaces about %2.").arg(place, shownEstimate(replaced))
+             : localized("Goes in at %1 and replaces %2.").arg(place, shownDuration(replaced));
 }

@@ -14,16 +14,19 @@ namespace {
 
 constexpr double kSecondsBetweenUpdates = 0.25;
 
-// The length of an audio file; nothing if it is unknown or estimated, or the file cannot be read,
-// which only the import itself reports.
-std::optional<double> secondsOf(const std::string& path,
-                                const std::shared_ptr<const std::atomic<bool>>& cancelled) try {
+// The length of an audio file; nothing if it is unknown or the file cannot be read, which only the
+// import itself reports.
+std::optional<OVImportLength> lengthOf(
+    const std::string& path, const std::shared_ptr<const std::atomic<bool>>& cancelled) try {
   const auto opened = platform::ExtAudioFileInput::openURL(path, cancelled);
-  const bool known = opened.file && !opened.file->isLengthEstimated();
-  const std::int64_t frames = known ? opened.file->fileLengthFrames() : 0;
-  return frames > 0
-             ? std::optional(static_cast<double>(frames) / platform::kWorkingFormat.mSampleRate)
-             : std::nullopt;
+  const std::int64_t frames = opened.file ? opened.file->fileLengthFrames() : 0;
+  if (frames <= 0) {
+    return std::nullopt;
+  }
+  return OVImportLength{
+      .seconds = static_cast<double>(frames) / platform::kWorkingFormat.mSampleRate,
+      .source = opened.file->isLengthEstimated() ? OVImportLength::Source::estimate
+                                                 : OVImportLength::Source::header};
 } catch (const std::bad_alloc&) {
   return std::nullopt;
 }
@@ -52,7 +55,7 @@ void OVImportPlaceLabel::choose(const std::string& path) {
 }
 
 void OVImportPlaceLabel::cancelRead() {
-  seconds_.reset();
+  length_.reset();
   if (const auto former = std::exchange(reading_, nullptr)) {
     *former = true;
   }
@@ -65,19 +68,19 @@ void OVImportPlaceLabel::read() {
   ++reads_;
   reading_ = std::make_shared<std::atomic<bool>>(false);
   platform::globalQueue().async([path = path_, reading = reading_, self = QPointer(this)] {
-    const auto seconds = secondsOf(path, reading);
-    platform::mainQueue().async([reading, seconds, self] {
+    const auto length = lengthOf(path, reading);
+    platform::mainQueue().async([reading, length, self] {
       if (self) {
-        self->found(reading, seconds);
+        self->found(reading, length);
       }
     });
   });
 }
 
-void OVImportPlaceLabel::found(const Cancelled& ended, std::optional<double> seconds) {
+void OVImportPlaceLabel::found(const Cancelled& ended, std::optional<OVImportLength> length) {
   --reads_;
   if (ended == reading_) {
-    seconds_ = seconds;
+    length_ = length;
     update();
   } else if (!reading_) {
     read();  // chosen while too many media were waited for
@@ -85,7 +88,7 @@ void OVImportPlaceLabel::found(const Cancelled& ended, std::optional<double> sec
 }
 
 void OVImportPlaceLabel::update() {
-  const QString text = place_().sentence(seconds_);
+  const QString text = place_().sentence(length_);
   if (text != this->text()) {
     setText(text);
   }

@@ -39,13 +39,13 @@ class OVImportPlaceLabel : public QLabel {
 
   void read();
   void cancelRead();
-  void found(const Cancelled& ended, std::optional<double> seconds);
+  void found(const Cancelled& ended, std::optional<OVImportLength> length);
   void update();
 
   const std::function<OVImportPlace()> place_;
   std::string path_;
-  std::optional<double> seconds_;  // of the chosen file, once known
-  Cancelled reading_;              // the read of the chosen file; null for none
-  int reads_ = 0;                  // that have not ended, cancelled ones too
+  std::optional<OVImportLength> length_;  // of the chosen file, once known
+  Cancelled reading_;                     // the read of the chosen file; null for none
+  int reads_ = 0;                         // that have not ended, cancelled ones too
   platform::Timer timer_;
 };

@@ -21,7 +21,7 @@ using platform::localized;
 
 namespace {
 
-// More than any header before the sound.
+// More than any header before the sound, where that is not known.
 constexpr std::uint64_t kMaxHeaderBytes = 8192;
 
 // A long file takes the disk a while.
@@ -62,7 +62,7 @@ void OVRecoveredOrigin::loadEnded() {
   }
   if (isLoadedWhole()) {
     change(State::standing);
-    parts_.history.kept().setRecoveredFrom(lastPathComponent(file_->path),
+    parts_.history.kept().setRecoveredFrom(lastPathComponent(file_->path), file_->number,
                                            file_->start.toSecsSinceEpoch());
     parts_.history.setEdited(true);
   } else {
@@ -72,8 +72,11 @@ void OVRecoveredOrigin::loadEnded() {
 
 // All sound that the file holds, however damaged it is: a full disk may have ended the load early.
 bool OVRecoveredOrigin::isLoadedWhole() const {
-  const std::uint64_t loaded = parts_.audio.sizeInFrames() * parts_.audio.bytesPerFrame();
-  return loaded > 0 && loaded + kMaxHeaderBytes >= file_->byteCount;
+  const std::uint64_t loaded = parts_.audio.sizeInFrames();
+  const std::uint64_t frameBytes = parts_.audio.bytesPerFrame();
+  return loaded > 0 &&
+         (file_->frames > 0 ? loaded >= file_->frames
+                            : loaded * frameBytes + kMaxHeaderBytes >= file_->byteCount);
 }
 
 void OVRecoveredOrigin::change(State state) {

@@ -32,13 +32,18 @@ class StretchReader {
   void read(std::uint64_t fromFrame, std::uint64_t frames, std::vector<float>& samples) {
     const std::uint64_t channels = buffer_.format().mChannelsPerFrame;
     samples.assign(frames * channels, 0.0F);
+    bool isSecondTry = false;
     for (std::uint64_t done = 0; done < frames;) {
       const std::uint64_t got =
           framesRead(samples.data() + done * channels, fromFrame + done, frames - done);
       if (got > 0) {
         done += got;
         step_ = kPageFrames;
+        isSecondTry = false;
+      } else if (!std::exchange(isSecondTry, true)) {
+        continue;  // it may pass
       } else {
+        isSecondTry = false;
         const std::uint64_t next = endOfGap(fromFrame + done, fromFrame + frames) - fromFrame;
         missing_ += next - done;
         done = next;

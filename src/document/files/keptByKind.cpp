@@ -35,9 +35,22 @@ QString inWords(const QStringList& list) {
   return words;
 }
 
+// A number and its unit stay on one line.
+QString unbroken(QString measure) {
+  return measure.replace(u' ', QChar::Nbsp);
+}
+
+QString bits(std::uint32_t count) {
+  return unbroken(localized("%1 bits").arg(count));
+}
+
+QString channels(std::uint32_t count) {
+  return unbroken(localized("%1 channels").arg(count));
+}
+
 QString kilohertz(double rate) {
   constexpr int kDigits = 6;
-  return localized("%1 kHz").arg(QLocale().toString(rate / 1000.0, 'g', kDigits));
+  return unbroken(localized("%1 kHz").arg(QLocale().toString(rate / 1000.0, 'g', kDigits)));
 }
 
 bool isLossless(const platform::AudioStreamBasicDescription& format) {
@@ -58,16 +71,16 @@ QString lossBetween(const platform::AudioStreamBasicDescription& old, bool toAac
     before << localized("lossless sound");
     after << localized("compressed sound (AAC)");
   } else if (!toAac && old.mBitsPerChannel > kBits) {
-    before << localized("%1 bits").arg(old.mBitsPerChannel);
-    after << localized("%1 bits").arg(kBits);
+    before << bits(old.mBitsPerChannel);
+    after << bits(kBits);
   }
   if (old.mSampleRate != platform::kWorkingFormat.mSampleRate) {
     before << kilohertz(old.mSampleRate);
     after << kilohertz(platform::kWorkingFormat.mSampleRate);
   }
   if (old.mChannelsPerFrame > kChannels) {
-    before << localized("%1 channels").arg(old.mChannelsPerFrame);
-    after << localized("%1 channels").arg(kChannels);
+    before << channels(old.mChannelsPerFrame);
+    after << channels(kChannels);
   }
   return before.isEmpty() ? QString()
                           : localized("The old file has %1, the new one only has %2.")

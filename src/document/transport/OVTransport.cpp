@@ -125,12 +125,12 @@ void OVTransport::record() {
     parts_.history.beginStep(platform::textKey("Record"));
     parts_.history.kept().recordingBegins();
     writeFailures_->recordingBegins(parts_.history.revision());
-    writtenSincePress_ = false;
-    losses_.clear();
-    ++recordings_;
     if (recording_) {
       recording_();
     }
+    writtenSincePress_ = false;
+    losses_.clear();
+    ++recordings_;
     input->record();
     parts_.history.setEdited(true);
   }

@@ -9,15 +9,16 @@ namespace {
 
 constexpr int kSeparatorMargin = 5;    // points, left and right
 constexpr float kLineStrength = 0.3F;  // of the text's colour over the ground
+constexpr float kBoxStrength = 0.5F;
 
 bool isDark(const QPalette& palette) {
   return palette.color(QPalette::Window).lightness() <
          palette.color(QPalette::WindowText).lightness();
 }
 
-QColor lineColor(const QPalette& palette) {
+QColor lineColor(const QPalette& palette, float strength = kLineStrength) {
   QColor color = palette.color(QPalette::WindowText);
-  color.setAlphaF(kLineStrength);
+  color.setAlphaF(strength);
   return color;
 }
 
@@ -34,9 +35,10 @@ DarkMenuStyle::DarkMenuStyle() : QProxyStyle(QStringLiteral("fusion")) {}
 void DarkMenuStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                   QPainter* painter, const QWidget* widget) const {
   QProxyStyle::drawPrimitive(element, option, painter, widget);
-  if (element == PE_PanelMenu && isDark(option->palette)) {
+  const bool isBox = element == PE_IndicatorCheckBox;
+  if ((isBox || element == PE_PanelMenu) && isDark(option->palette)) {
     painter->save();
-    painter->setPen(lineColor(option->palette));
+    painter->setPen(lineColor(option->palette, isBox ? kBoxStrength : kLineStrength));
     painter->setBrush(Qt::NoBrush);
     painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
     painter->restore();

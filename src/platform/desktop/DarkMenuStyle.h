@@ -4,8 +4,8 @@
 
 namespace platform {
 
-/// Fusion, with menus whose outline and separators can be seen in dark colours: Fusion draws both
-/// darker than the menu's ground. Light menus are Fusion's own.
+/// Fusion, with menus whose outline and separators, and boxes to check whose outline, can be seen
+/// in dark colours: Fusion draws them darker than their ground. Light ones are Fusion's own.
 ///
 /// Threads: main. Real-time: not safe.
 class DarkMenuStyle : public QProxyStyle {

@@ -16,6 +16,7 @@
 #include <QScrollBar>
 #include <QStandardPaths>
 #include <QStyle>
+#include <QStyledItemDelegate>
 
 #include "platform/mainloop/FailureReason.h"
 #include "platform/mainloop/Localization.h"
@@ -68,6 +69,16 @@ std::vector<std::string> namesIn(const QString& text, bool several) {
   }
   return names;
 }
+
+// A blank on either side, since a column that ends at the right would touch the next.
+class SpacedText : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  [[nodiscard]] QString displayText(const QVariant& value, const QLocale&) const override {
+    return FolderModel::spaced(value.toString());
+  }
+};
 
 }  // namespace
 
@@ -147,6 +158,9 @@ void FilePanel::makeList(Selection selection) {
   list_->setRootIsDecorated(false);
   list_->setItemsExpandable(false);
   list_->setUniformRowHeights(true);
+  auto* const spaced = new SpacedText(list_);
+  list_->setItemDelegateForColumn(FolderModel::kSize, spaced);
+  list_->setItemDelegateForColumn(FolderModel::kModified, spaced);
   list_->setAllColumnsShowFocus(true);
   list_->setSelectionMode(selection == Selection::several ? QAbstractItemView::ExtendedSelection
                                                           : QAbstractItemView::SingleSelection);

@@ -12,6 +12,19 @@
 #include "platform/mainloop/ShownName.h"
 
 namespace platform {
+namespace {
+
+QVariant alignmentOf(int column) {
+  return QVariant((column == FolderModel::kSize ? Qt::AlignRight : Qt::AlignLeft) |
+                  Qt::AlignVCenter);
+}
+
+}  // namespace
+
+QString FolderModel::spaced(const QString& text) {
+  constexpr QChar kEnSpace(0x2002);
+  return kEnSpace + text + kEnSpace;
+}
 
 bool hasSuffix(const QString& name, const std::vector<std::string>& suffixes) {
   return std::any_of(suffixes.begin(), suffixes.end(), [&name](const std::string& suffix) {
@@ -144,14 +157,16 @@ QVariant FolderModel::data(const QModelIndex& index, int role) const {
     case Qt::DecorationRole:
       return index.column() != kName ? QVariant() : row.entry.isFolder ? folderIcon_ : fileIcon_;
     case Qt::TextAlignmentRole:
-      return QVariant(index.column() == kSize ? Qt::AlignRight | Qt::AlignVCenter
-                                              : Qt::AlignLeft | Qt::AlignVCenter);
+      return alignmentOf(index.column());
     default:
       return {};
   }
 }
 
 QVariant FolderModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole) {
+    return alignmentOf(section);
+  }
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
     return {};
   }
@@ -159,9 +174,9 @@ QVariant FolderModel::headerData(int section, Qt::Orientation orientation, int r
     case kName:
       return localized("Name");
     case kSize:
-      return localized("Size");
+      return spaced(localized("Size"));
     default:
-      return localized("Date modified");
+      return spaced(localized("Date modified"));
   }
 }
 

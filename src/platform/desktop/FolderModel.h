@@ -39,6 +39,9 @@ class FolderModel : public QAbstractTableModel {
   /// Shows only files with one of these suffixes, without the dot; all if empty.
   void setSuffixes(std::vector<std::string> suffixes);
 
+  /// A text of the columns of sizes and dates with a blank on either side, as their headers have.
+  [[nodiscard]] static QString spaced(const QString& text);
+
   /// The entry in a row of the view.
   [[nodiscard]] const FolderEntry& entryAt(int row) const { return shownAt(row).entry; }
   [[nodiscard]] const QString& nameAt(int row) const { return shownAt(row).name; }

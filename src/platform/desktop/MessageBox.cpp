@@ -1,5 +1,6 @@
 #include "platform/desktop/MessageBox.h"
 
+#include <QGridLayout>
 #include <QLabel>
 
 #include "platform/mainloop/Localization.h"
@@ -7,7 +8,18 @@
 namespace platform {
 namespace {
 
-constexpr QSize kPictureSize(48, 48);  // points
+constexpr QSize kPictureSize(48, 48);   // points
+constexpr int kMinimumTextWidth = 340;  // points: a short title makes no column of single words
+
+// A column of a message box, not its label: the box would then not wrap a longer text.
+void widen(QGridLayout& grid, QLabel* text) {
+  int row = 0;
+  int column = 0;
+  int rows = 0;
+  int columns = 0;
+  grid.getItemPosition(grid.indexOf(text), &row, &column, &rows, &columns);
+  grid.setColumnMinimumWidth(column, kMinimumTextWidth);
+}
 
 }  // namespace
 
@@ -35,6 +47,7 @@ void fillMessageBox(QMessageBox& box, const QString& title, const QString& messa
     QFont font = heading->font();
     font.setBold(true);
     heading->setFont(font);
+    widen(*qobject_cast<QGridLayout*>(box.layout()), heading);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "platform/desktop/SavePanel.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 
@@ -14,6 +15,11 @@
 #include "platform/mainloop/WaitingWork.h"
 
 namespace platform {
+namespace {
+
+constexpr int kFolderNameWidth = 320;  // points
+
+}  // namespace
 
 std::string withSuffix(const std::string& path, const std::vector<std::string>& suffixes) {
   if (suffixes.empty() || hasSuffix(QString::fromStdString(path), suffixes)) {
@@ -51,9 +57,23 @@ void SavePanel::addAccessory(QWidget* accessory) {
     return;
   }
   grid()->addWidget(accessory, kTypeRow, 0, 1, kNameColumns);
+  alignWithNames(accessory->findChild<QLabel*>());
   for (QComboBox* const choice : accessory->findChildren<QComboBox*>()) {
     connect(choice, &QComboBox::currentIndexChanged, this, &SavePanel::takeOverSuffix);
   }
+}
+
+// What the accessory's first label names begins where the name and the folder do.
+void SavePanel::alignWithNames(QLabel* label) {
+  if (label == nullptr || label->buddy() == nullptr) {
+    return;
+  }
+  int width = label->sizeHint().width();
+  for (const int row : {0, kTypeRow - 1}) {
+    width = std::max(width, grid()->itemAtPosition(row, 0)->sizeHint().width());
+  }
+  grid()->setColumnMinimumWidth(0, width);
+  label->setMinimumWidth(width);
 }
 
 void SavePanel::list() {
@@ -148,6 +168,7 @@ void SavePanel::addNewFolderButton() {
 
 void SavePanel::askForNewFolder() {
   auto* const question = new QInputDialog(this);
+  question->setObjectName("newFolderQuestion");
   question->setAttribute(Qt::WA_DeleteOnClose);
   question->setWindowModality(Qt::WindowModal);
   question->setWindowTitle(localized("New Folder"));
@@ -159,7 +180,10 @@ void SavePanel::askForNewFolder() {
       makeNewFolder(name.toStdString());
     }
   });
-  question->open();
+  question->open();  // makes what is in it
+  for (QLineEdit* const edit : question->findChildren<QLineEdit*>()) {
+    edit->setMinimumWidth(kFolderNameWidth);
+  }
   for (QPushButton* const button : question->findChildren<QPushButton*>()) {
     button->setIcon({});  // no button has one
   }

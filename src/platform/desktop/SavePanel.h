@@ -32,6 +32,7 @@ class SavePanel : public FilePanel {
 
  private:
   void addAccessory(QWidget* accessory);
+  void alignWithNames(QLabel* label);
   void addNewFolderButton();
   void list();
   void takeOverSuffix();

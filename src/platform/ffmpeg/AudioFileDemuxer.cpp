@@ -154,7 +154,11 @@ int AudioFileDemuxer::read(AVPacket& packet) {
     if (interruption_.isDue()) {
       return AVERROR_EXIT;
     }
+    if (isCut_) {
+      return verdict(AVERROR(EIO));
+    }
     const bool limited = interruption_.limitIfNone(kPacketWork, kPacketBytes);
+    const std::uint64_t failedBefore = io_->view().failedReads();
     const int result = av_read_frame(context_.get(), &packet);
     const bool endless = limited && result == AVERROR_EXIT && !interruption_.isCancelled();
     if (limited) {
@@ -166,6 +170,8 @@ int AudioFileDemuxer::read(AVPacket& packet) {
     if (result < 0) {
       return verdict(result);
     }
+    // FFmpeg goes on where a read that failed ended, in the middle of a frame.
+    isCut_ = io_->view().failedReads() > failedBefore;
     if (packet.stream_index == stream_->index) {
       const int frameBytes = isLinearPcm_ ? stream_->codecpar->block_align : 0;
       if (frameBytes <= 0) {

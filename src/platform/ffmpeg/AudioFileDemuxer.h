@@ -100,6 +100,7 @@ class AudioFileDemuxer {
   AvInput context_;
   AVStream* stream_ = nullptr;  // the context's
   bool isLinearPcm_ = false;
+  bool isCut_ = false;  // a read failed: nothing follows the packet that it cut
   std::uint64_t headerEnd_ = 0;
   std::optional<std::map<std::uint32_t, Mpeg4Edits>> tracks_;
   std::optional<Mpeg4Edits> edits_;  // of the stream

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/files/SecondRead.h"
+
 namespace platform {
 
 FileTransfer AudioFileView::readAt(void* destination, std::uint64_t byteCount,
@@ -36,10 +38,11 @@ FileTransfer AudioFileView::readUncorrected(char* destination, std::uint64_t byt
       byteCount = std::min(byteCount, each.offset - offset);
     }
   }
-  const FileTransfer transfer = file_.readAt(destination, byteCount, offset);
+  const FileTransfer transfer = readWithSecondTry(file_, destination, byteCount, offset);
   bytesRead_ += transfer.byteCount;
-  if (firstError_ == 0) {
-    firstError_ = transfer.error;
+  if (transfer.error != 0) {
+    ++failedReads_;
+    firstError_ = firstError_ == 0 ? transfer.error : firstError_;
   }
   if (remembers_ && transfer.error == 0) {
     remember(destination, transfer.byteCount, offset);

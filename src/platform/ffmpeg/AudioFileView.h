@@ -39,8 +39,9 @@ class AudioFileView {
   /// Bytes read from the file so far.
   [[nodiscard]] std::uint64_t bytesRead() const { return bytesRead_; }
 
-  /// The first failed read as an errno; 0 for none.
+  /// The first failed read as an errno; 0 for none. A read fails if a second try does.
   [[nodiscard]] int firstError() const { return firstError_; }
+  [[nodiscard]] std::uint64_t failedReads() const { return failedReads_; }
 
   /// Shows `bytes` in place of those at `offset`.
   void correct(std::uint64_t offset, std::string bytes);
@@ -68,6 +69,7 @@ class AudioFileView {
   std::uint64_t shownEnd_ = std::numeric_limits<std::uint64_t>::max();
   std::uint64_t bytesRead_ = 0;
   int firstError_ = 0;
+  std::uint64_t failedReads_ = 0;
   bool remembers_ = true;
   std::deque<Extent> remembered_;  // disjoint; the latest last
   std::size_t rememberedBytes_ = 0;

@@ -44,7 +44,8 @@ Result<std::unique_ptr<ReplacementFile>> ReplacementFile::beside(const std::stri
   if (const int error = place->check()) {
     return error;
   }
-  const bool isPrivate = rights == NewFile::ownerOnly || place->isOccupied();
+  Descriptor old = place->openExisting();
+  const bool isPrivate = rights == NewFile::ownerOnly || old || place->isOccupied();
   std::string name;
   Descriptor file = create(*place, isPrivate ? kPrivateMode : kUsualMode, name);
   if (!file) {
@@ -52,8 +53,8 @@ Result<std::unique_ptr<ReplacementFile>> ReplacementFile::beside(const std::stri
   }
   holdReplacement(file.get());
   removeLeftReplacements(place->folder());
-  return std::unique_ptr<ReplacementFile>(
-      new ReplacementFile(target, *std::move(place), std::move(name), std::move(file)));
+  return std::unique_ptr<ReplacementFile>(new ReplacementFile(
+      target, *std::move(place), std::move(old), std::move(name), std::move(file)));
 }
 
 std::string ReplacementFile::folderBeside(const std::string& target) {
@@ -118,8 +119,8 @@ int ReplacementFile::checkAgain() const {
 }
 
 int ReplacementFile::commit() {
-  if (place_.isOccupied()) {
-    takeOverRights(file_.get(), place_.openExisting().get());
+  if (old_) {
+    takeOverRights(file_.get(), old_.get());
   }
   if (::fsync(file_.get()) != 0) {
     return errno;

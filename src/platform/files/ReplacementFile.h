@@ -22,7 +22,7 @@ namespace platform {
 ///
 /// If the target is a symbolic link, the file that it points to is replaced. The new file gets the
 /// old one's permissions, access control list, extended attributes and, where the system allows it,
-/// its owner.
+/// its owner; nothing of a file that took the target's place meanwhile.
 ///
 /// Threads: one at a time. Real-time: not safe.
 class ReplacementFile {
@@ -64,9 +64,11 @@ class ReplacementFile {
   [[nodiscard]] int commit();
 
  private:
-  ReplacementFile(std::string target, FilePlace place, std::string temporaryName, Descriptor file)
+  ReplacementFile(std::string target, FilePlace place, Descriptor old, std::string temporaryName,
+                  Descriptor file)
       : target_(std::move(target)),
         place_(std::move(place)),
+        old_(std::move(old)),
         temporaryName_(std::move(temporaryName)),
         file_(std::move(file)) {}
 
@@ -74,6 +76,7 @@ class ReplacementFile {
 
   const std::string target_;  // as requested
   const FilePlace place_;     // links followed
+  const Descriptor old_;      // the file to be replaced; none if there was none
   const std::string temporaryName_;
   const Descriptor file_;
   bool committed_ = false;

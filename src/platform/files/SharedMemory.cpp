@@ -16,6 +16,15 @@ namespace {
 
 constexpr std::size_t kPage = 4096;
 
+// Hardened systems refuse memory that could be made executable; kernels before 6.3 do not know the
+// flag, and neither may the headers.
+int createMemory(const char* name) {
+  constexpr unsigned kNeverExecutable = 0x0008U;
+  constexpr unsigned kFlags = MFD_CLOEXEC | MFD_ALLOW_SEALING;
+  const int descriptor = ::memfd_create(name, kFlags | kNeverExecutable);
+  return descriptor < 0 && errno == EINVAL ? ::memfd_create(name, kFlags) : descriptor;
+}
+
 int sized(int descriptor, std::size_t byteCount) {
   return ::ftruncate(descriptor, static_cast<off_t>(byteCount)) == 0 &&
                  ::fcntl(descriptor, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0
@@ -27,7 +36,7 @@ int sized(int descriptor, std::size_t byteCount) {
 
 Result<std::unique_ptr<SharedMemory>> SharedMemory::create(const char* name,
                                                            std::size_t byteCount) {
-  const int descriptor = ::memfd_create(name, MFD_CLOEXEC | MFD_ALLOW_SEALING);
+  const int descriptor = createMemory(name);
   if (descriptor < 0) {
     return errno;
   }

@@ -33,6 +33,15 @@ constexpr std::array kReasons{
     Reason{ELOOP, textKey("The name is a link that leads back to itself.")},
     Reason{EMFILE, textKey("Too many files are open.")},
     Reason{ENFILE, textKey("Too many files are open.")},
+    Reason{ENOMEM, textKey("There is not enough memory.")},
+    Reason{EAGAIN, textKey("The computer is too busy just now.")},
+    Reason{EBUSY, textKey("Another program is using it.")},
+    Reason{ETXTBSY, textKey("Another program is using it.")},
+    Reason{EEXIST, textKey("There is already a file or a folder of this name.")},
+    Reason{EOPNOTSUPP, textKey("The disk does not allow it.")},
+    Reason{ETIMEDOUT, textKey("The disk does not answer.")},
+    Reason{EHOSTUNREACH, textKey("The disk does not answer.")},
+    Reason{ENOTCONN, textKey("The disk does not answer.")},
 };
 
 }  // namespace

@@ -31,9 +31,13 @@ struct Waiting {
   }
 };
 
+// Whether a block has an event of the main loop for itself.
+enum class Turn { own, shared };
+
 struct Item {
   std::function<void()> block;
   std::shared_ptr<Waiting> waiting;
+  Turn turn = Turn::own;
 };
 
 }  // namespace
@@ -75,6 +79,19 @@ struct MainQueue::State : QObject {
     if (items.empty()) {
       return std::nullopt;
     }
+    return takeFirst();
+  }
+
+  // The next one, if it shares the turn of the one before.
+  std::optional<Item> nextShared() {
+    const MutexLock lock(mutex);
+    if (items.empty() || items.front().turn != Turn::shared) {
+      return std::nullopt;
+    }
+    return takeFirst();
+  }
+
+  Item takeFirst() REQUIRES(mutex) {
     Item item = std::move(items.front());
     items.pop_front();
     if (!items.empty()) {
@@ -90,7 +107,8 @@ struct MainQueue::State : QObject {
     if (event->type() != wakeType()) {
       return QObject::event(event);
     }
-    if (auto item = next()) {
+    for (auto item = next(); item;
+         item = item->turn == Turn::shared ? nextShared() : std::nullopt) {
       item->block();
       if (item->waiting) {
         item->waiting->finish();
@@ -104,6 +122,10 @@ MainQueue::MainQueue() : state_(new State) {}
 
 void MainQueue::async(std::function<void()> block) {
   state_->submit({std::move(block), nullptr});
+}
+
+void MainQueue::asyncShared(std::function<void()> block) {
+  state_->submit({std::move(block), nullptr, Turn::shared});
 }
 
 void MainQueue::sync(const std::function<void()>& block) {

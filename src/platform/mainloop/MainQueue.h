@@ -19,6 +19,10 @@ class MainQueue {
  public:
   void async(std::function<void()> block);
 
+  /// The same for a short block that runs no loop of its own: those of this kind that wait directly
+  /// after each other run in one event of the main loop, so that nothing is drawn in between.
+  void asyncShared(std::function<void()> block);
+
   /// Runs the block on the main thread and waits for it; called on the main thread, runs it at
   /// once. After shutDown() it returns without running the block.
   void sync(const std::function<void()>& block);

@@ -43,6 +43,10 @@ struct AudioQueueBuffer {
   /// Input only: frames lost before this buffer that no silence stands for: more than
   /// kMaxSilencedFrames, otherwise 0.
   std::uint64_t missingBefore = 0;
+  /// Input only, for silencedFrames and missingBefore: the frame, counted as endFrame is, before
+  /// which these are missing, at the latest. A loss inside the sound system is found about a second
+  /// later, and silence can only be delivered then.
+  std::uint64_t lostAtFrame = 0;
 };
 
 /// The input that recordings come from.

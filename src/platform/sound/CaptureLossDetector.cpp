@@ -17,14 +17,16 @@ constexpr auto kShortWindow = std::chrono::seconds(1);
 constexpr std::uint32_t kWindowCalls = 16;
 // A pause before that many callbacks belongs to the start of the stream.
 constexpr std::uint32_t kStartCalls = 4;
+// The lag of a device at rest varies less, so much of a burst may not be noticed as one.
+constexpr std::int64_t kRestingFrames = CaptureLossDetector::kThresholdFrames / 2;
 }  // namespace
 
-std::uint64_t CaptureLossDetector::captured(std::uint32_t frames,
-                                            AudioClock::TimePoint now) noexcept {
+CaptureLossDetector::Loss CaptureLossDetector::captured(std::uint32_t frames,
+                                                        AudioClock::TimePoint now) noexcept {
   const bool isStall = now - std::exchange(lastCall_, now) >= kStall;
   if (!begun_ || (isStall && !isSettled_ && windowCalls_ < kStartCalls)) {
     begin(now);
-    return 0;
+    return {};
   }
   captured_ += frames;
   const double seconds = std::chrono::duration<double>(now - origin_).count();
@@ -34,17 +36,18 @@ std::uint64_t CaptureLossDetector::captured(std::uint32_t frames,
     isShort_ = true;
     beginWindow(now);
   } else if (settle(lag, now)) {
-    return 0;
+    return {};
   }
-  windowLag_ = std::min(windowLag_, lag);
-  ++windowCalls_;
+  noteLag(lag);
   if (now - windowStart_ < (isShort_ ? kShortWindow : kWindow) || windowCalls_ < kWindowCalls) {
-    return 0;
+    return {};
   }
-  const std::uint64_t lost = closeWindow();
+  const std::int64_t since = captured_ - frames - restingSince_ - kRestingFrames;
+  const Loss loss{.frames = closeWindow(),
+                  .capturedSince = static_cast<std::uint64_t>(std::max<std::int64_t>(since, 0))};
   isShort_ = false;
   beginWindow(now);
-  return lost;
+  return loss;
 }
 
 void CaptureLossDetector::begin(AudioClock::TimePoint now) noexcept {
@@ -71,7 +74,17 @@ bool CaptureLossDetector::settle(std::int64_t lag, AudioClock::TimePoint now) no
 void CaptureLossDetector::beginWindow(AudioClock::TimePoint now) noexcept {
   windowStart_ = now;
   windowLag_ = kNone;
+  restingLag_ = kNone;
   windowCalls_ = 0;
+}
+
+void CaptureLossDetector::noteLag(std::int64_t lag) noexcept {
+  windowLag_ = std::min(windowLag_, lag);
+  ++windowCalls_;
+  if (restingLag_ == kNone || lag < restingLag_ - kRestingFrames) {
+    restingLag_ = lag;
+    restingSince_ = captured_;
+  }
 }
 
 std::uint64_t CaptureLossDetector::closeWindow() noexcept {

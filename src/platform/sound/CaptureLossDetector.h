@@ -23,12 +23,19 @@ namespace platform {
 /// Threads: the device's real-time thread. Real-time: safe.
 class CaptureLossDetector {
  public:
+  /// Frames found missing.
+  struct Loss {
+    std::uint64_t frames = 0;  ///< nearly always 0
+    /// They are missing before these frames, the last ones captured before this call; perhaps also
+    /// before some earlier ones.
+    std::uint64_t capturedSince = 0;
+  };
+
   /// Smallest loss detected, in frames: 100 ms, more than a device's buffering varies.
   static constexpr std::int64_t kThresholdFrames = 4410;
 
-  /// Records that `frames` arrived at `now`. Returns the number of frames found missing, nearly
-  /// always 0.
-  std::uint64_t captured(std::uint32_t frames, AudioClock::TimePoint now) noexcept;
+  /// Records that `frames` arrived at `now`.
+  Loss captured(std::uint32_t frames, AudioClock::TimePoint now) noexcept;
 
   /// Starts over for a new stream.
   void reset() noexcept { *this = CaptureLossDetector(); }
@@ -40,6 +47,7 @@ class CaptureLossDetector {
   /// True while the stream settles.
   [[nodiscard]] bool settle(std::int64_t lag, AudioClock::TimePoint now) noexcept;
   void beginWindow(AudioClock::TimePoint now) noexcept;
+  void noteLag(std::int64_t lag) noexcept;
   [[nodiscard]] std::uint64_t closeWindow() noexcept;
 
   bool begun_ = false;
@@ -50,7 +58,10 @@ class CaptureLossDetector {
   bool isShort_ = true;             // this window
   std::int64_t captured_ = 0;       // frames since origin_
   std::int64_t windowLag_ = kNone;  // smallest lag in this window, frames
-  std::int64_t baselineLag_ = 0;    // the lag that a loss raises
+  // The lag that the burst after a stall has come down to, nearly, and captured_ then.
+  std::int64_t restingLag_ = kNone;
+  std::int64_t restingSince_ = 0;
+  std::int64_t baselineLag_ = 0;  // the lag that a loss raises
   std::uint32_t windowCalls_ = 0;
 };
 

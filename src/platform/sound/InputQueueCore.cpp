@@ -134,8 +134,8 @@ void InputQueueCore::captured(const float* samples, std::uint32_t frames) noexce
   }
 }
 
-void InputQueueCore::skipped(std::uint64_t frames) noexcept {
-  if (producer_->skip(frames) > 0) {
+void InputQueueCore::skipped(std::uint64_t frames, std::uint64_t capturedSince) noexcept {
+  if (producer_->skip(frames, capturedSince) > 0) {
     thread_.wake();
   }
 }
@@ -204,6 +204,7 @@ bool InputQueueCore::deliverOne() {
 std::uint64_t InputQueueCore::fill(AudioQueueBuffer& buffer) {
   const InputRing::Block& block = *consumer_->front();
   buffer.mPacketDescriptionCount = 0;
+  buffer.lostAtFrame = block.lostAtFrame();
   std::uint64_t lostInRing = 0;
   if (!silenceLeft_) {
     silenceLeft_ = block.lostBefore <= kMaxSilencedFrames ? block.lostBefore : 0;

@@ -42,7 +42,7 @@ class InputQueueCore final : public InputSink,
   [[nodiscard]] LevelMeter& levels() { return levels_; }
 
   void captured(const float* samples, std::uint32_t frames) noexcept override;
-  void skipped(std::uint64_t frames) noexcept override;
+  void skipped(std::uint64_t frames, std::uint64_t capturedSince) noexcept override;
   void inputFailed(AudioStatus status, LastBlock lastBlock) override;
 
  private:

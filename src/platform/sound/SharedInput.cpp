@@ -253,17 +253,24 @@ void SharedInput::stalled(std::uint64_t opening) {
 }
 
 void SharedInput::scheduleLook(std::chrono::nanoseconds delay) {
-  if (std::exchange(lookIsPosted_, true)) {
+  const AudioClock::TimePoint due = clock_->now() + delay;
+  if (nextLook_ && *nextLook_ <= due) {
     return;
   }
-  control_->postAfter(delay, [self = shared_from_this()](AudioDevice& device) {
-    self->lookIsPosted_ = false;
-    self->lookAtInputs(device, false);
+  nextLook_ = due;
+  control_->postAfter(delay, [self = shared_from_this(), due](AudioDevice& device) {
+    if (self->nextLook_ == due) {  // otherwise an earlier one has taken its place
+      self->nextLook_.reset();
+      self->lookAtInputs(device, false);
+    }
   });
 }
 
 void SharedInput::lookAtInputs(AudioDevice& device, bool changed) {
   if (!stream_) {
+    if (changed) {
+      scheduleLook(kLookAtStream);  // some sound systems choose the default after the change
+    }
     lookForInput(device);
     return;
   }
@@ -277,6 +284,7 @@ void SharedInput::lookAtInputs(AudioDevice& device, bool changed) {
   if (claimEnd(streamsOpening_)) {  // otherwise it has stalled meanwhile
     lose();
     stream_.reset();
+    scheduleLook(kLookAtStream);  // some sound systems choose the next default later
     lookForInput(device);
   }
 }
@@ -298,7 +306,7 @@ void SharedInput::lookForInput(AudioDevice& device) {
   {
     const MutexLock lock(mutex_);
     unreported_ = unreported_ || (failing_ && hasAppeared);
-    if (state_ != State::kFailed) {
+    if (state_ != State::kFailed && tracker_.source().kind == AudioInputSource::Kind::kMicrophone) {
       return;
     }
   }
@@ -325,10 +333,10 @@ void SharedInput::close() {
 
 void SharedInput::deviceCaptured(const float* samples, std::uint32_t frames) noexcept {
   calls_->fetch_add(1, std::memory_order_relaxed);
-  const std::uint64_t lost = detector_.captured(frames, clock_->nowWithSleep());
-  if (lost > 0) {
-    framesLostInSystem_.fetch_add(lost, std::memory_order_relaxed);
-    fanOut_.skip(lost);
+  const CaptureLossDetector::Loss lost = detector_.captured(frames, clock_->nowWithSleep());
+  if (lost.frames > 0) {
+    framesLostInSystem_.fetch_add(lost.frames, std::memory_order_relaxed);
+    fanOut_.skip(lost.frames, lost.capturedSince);
   }
   fanOut_.distribute(samples, frames);
 }

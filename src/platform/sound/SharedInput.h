@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "platform/base/Mutex.h"
@@ -145,7 +146,7 @@ class SharedInput final : public AudioInputClient,
   // Control thread only.
   std::unique_ptr<AudioInputStream> stream_;
   std::uint64_t streamsOpening_ = 0;  // the opening that stream_ comes from
-  bool lookIsPosted_ = false;
+  std::optional<AudioClock::TimePoint> nextLook_;
 
   Mutex mutex_;
   State state_ GUARDED_BY(mutex_) = State::kClosed;

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "platform/views/ViewDrawing.h"
+
 namespace platform {
 
 namespace {
@@ -52,13 +54,7 @@ void PolylineStroke::draw(QPainter& painter, const QRectF& area, std::span<const
     return;
   }
   const QRect filled(0, firstRow_, pixels.width(), endRow_ - firstRow_);
-  painter.save();
-  const double ratio = painter.device()->devicePixelRatio();
-  painter.setWorldTransform(QTransform::fromScale(1.0 / ratio, 1.0 / ratio));
-  const QPointF corner =
-      painter.deviceTransform().inverted().map(QPointF(pixels.topLeft() + filled.topLeft()));
-  painter.drawImage(QRectF(corner, QSizeF(filled.size())), layer_, QRectF(filled));
-  painter.restore();
+  drawPixels(painter, pixels.topLeft() + filled.topLeft(), layer_, filled);
 }
 
 bool PolylineStroke::isInLayer(const Setting& setting, std::span<const QPointF> points) const {

@@ -18,9 +18,15 @@ constexpr double kFull = 2.0 * std::numbers::pi;
 void addArc(QPolygonF& polygon, QPointF center, double radius, double from, double to) {
   const double step = std::sqrt(8.0 * kDeviation / std::max(radius, kDeviation));
   const int steps = std::max(1, static_cast<int>(std::ceil(std::abs(to - from) / step)));
+  // Turned step by step: some views draw these shapes 30 times a second.
+  const double turn = (to - from) / steps;
+  const double cosine = std::cos(turn);
+  const double sine = std::sin(turn);
+  QPointF arm = radius * QPointF(std::cos(from), std::sin(from));
+  polygon.reserve(polygon.size() + steps + 1);
   for (int i = 0; i <= steps; ++i) {
-    const double angle = from + (to - from) * i / steps;
-    polygon << center + radius * QPointF(std::cos(angle), std::sin(angle));
+    polygon << center + arm;
+    arm = {arm.x() * cosine - arm.y() * sine, arm.x() * sine + arm.y() * cosine};
   }
 }
 

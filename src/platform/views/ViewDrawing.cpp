@@ -16,7 +16,7 @@ namespace {
 // mitre join treats the limit this way; its plain one draws half a tip.
 constexpr double kMiterLimit = 10.0;
 
-// No device is so wide, and columns up to here are distinguishable.
+// No device is so wide or high, and columns up to here are distinguishable.
 constexpr double kFarthestColumn = 1 << 24;
 
 // Qt passes a translucent fill of 96 rows or more to helper threads and waits for them, which costs
@@ -70,6 +70,15 @@ void paintOpaqueGround(QPainter& painter, const QRect& view, const QColor& groun
   painter.fillRect(view.adjusted(-1, -1, 1, 1), ground);
 }
 
+void drawPixels(QPainter& painter, QPoint corner, const QImage& picture, const QRect& part) {
+  painter.save();
+  const double pointsPerPixel = 1.0 / painter.device()->devicePixelRatio();
+  painter.setWorldTransform(QTransform::fromScale(pointsPerPixel, pointsPerPixel));
+  const QPointF at = painter.deviceTransform().inverted().map(QPointF(corner));
+  painter.drawImage(QRectF(at, QSizeF(part.size())), picture, QRectF(part));
+  painter.restore();
+}
+
 void drawViewGradient(QPainter& painter, QSizeF size, const QColor& bottom, const QColor& top) {
   QLinearGradient gradient(0.0, 0.0, 0.0, size.height());
   gradient.setColorAt(0.0, bottom);
@@ -112,17 +121,24 @@ void fillUprightBar(QPainter& painter, double left, double right, double height,
   const QTransform toDevice = painter.deviceTransform();
   const QTransform toView = toDevice.inverted();
   const QRectF bar = toDevice.mapRect(QRectF(left, 0.0, right - left, height));
-  if (!(std::max(std::abs(bar.left()), std::abs(bar.right())) < kFarthestColumn)) {
+  const bool fits = std::abs(bar.left()) < kFarthestColumn &&
+                    std::abs(bar.right()) < kFarthestColumn && bar.height() < kFarthestColumn;
+  if (!fits) {
     return;
   }
+  const double top = std::round(bar.top());
   const double bottom = std::round(bar.bottom());
+  const int pieces = static_cast<int>(std::ceil((bottom - top) / kRowsAtOnce));
   const bool wasSmoothed = painter.testRenderHint(QPainter::Antialiasing);
   painter.setRenderHint(QPainter::Antialiasing, false);
-  for (double column = std::floor(bar.left()); column < bar.right(); ++column) {
-    const double covered = std::min(column + 1.0, bar.right()) - std::max(column, bar.left());
+  const int end = static_cast<int>(std::ceil(bar.right()));
+  for (int column = static_cast<int>(std::floor(bar.left())); column < end; ++column) {
+    const double covered =
+        std::min(column + 1.0, bar.right()) - std::max<double>(column, bar.left());
     QColor share = color;
     share.setAlphaF(color.alphaF() * static_cast<float>(covered));
-    for (double row = std::round(bar.top()); row < bottom; row += kRowsAtOnce) {
+    for (int piece = 0; piece < pieces; ++piece) {
+      const double row = top + piece * kRowsAtOnce;
       const QRectF pixels(column, row, 1.0, std::min(kRowsAtOnce, bottom - row));
       painter.fillRect(toView.mapRect(pixels), share);
     }

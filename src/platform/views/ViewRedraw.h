@@ -10,7 +10,7 @@
 /// Threads: any. Real-time: not safe.
 template <typename View>
 void requestRedraw(const QPointer<View>& view) {
-  platform::mainQueue().async([view] {
+  platform::mainQueue().asyncShared([view] {
     if (view) {
       view->update();
     }
@@ -21,7 +21,7 @@ void requestRedraw(const QPointer<View>& view) {
 /// Threads: any. Real-time: not safe.
 template <typename View>
 void requestRedraw(const QPointer<View>& view, const QRectF& inRect) {
-  platform::mainQueue().async([view, rect = inRect.toAlignedRect()] {
+  platform::mainQueue().asyncShared([view, rect = inRect.toAlignedRect()] {
     if (view) {
       view->update(rect);
     }

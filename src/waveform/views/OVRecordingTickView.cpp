@@ -6,6 +6,7 @@
 #include "platform/mainloop/Localization.h"
 #include "platform/views/ViewAccessibility.h"
 #include "platform/views/ViewDrawing.h"
+#include "platform/views/ViewRedraw.h"
 #include "waveform/views/OVRecordingTickDrawing.h"
 
 OVRecordingTickView::OVRecordingTickView(QWidget* parent) : QWidget(parent) {
@@ -18,9 +19,11 @@ void OVRecordingTickView::setPosition(double position) {
   if (position == position_) {
     return;
   }
-  update(strip());
+  // With the marker's strip, which is redrawn from the same queue: one repaint, not two.
+  const QPointer<OVRecordingTickView> view(this);
+  requestRedraw(view, strip());
   position_ = position;
-  update(strip());
+  requestRedraw(view, strip());
 }
 
 QRect OVRecordingTickView::strip() const {

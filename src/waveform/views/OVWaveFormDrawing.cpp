@@ -99,17 +99,16 @@ void OVWaveFormDrawing::copyPicture(QPainter& painter, QSizeF viewSize, const QR
   const bool fits = covered.width() >= viewSize.width() && covered.height() >= viewSize.height() &&
                     covered.width() < viewSize.width() + 1.0 &&
                     covered.height() < viewSize.height() + 1.0;
-  painter.save();
-  painter.setClipRegion(dirty, Qt::IntersectClip);
-  painter.setCompositionMode(QPainter::CompositionMode_Source);
-  if (fits) {
-    // In device pixels, so that a pixel is copied to a pixel at every ratio.
-    painter.scale(1.0 / ratio, 1.0 / ratio);
-    painter.drawImage(QRectF(picture.rect()), picture, QRectF(picture.rect()));
-  } else {
-    painter.drawImage(QRectF(QPointF(0.0, 0.0), viewSize), picture, QRectF(picture.rect()));
-  }
-  painter.restore();
+  platform::drawByRectangles(painter, dirty, [&] {
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    if (fits) {
+      // In device pixels, so that a pixel is copied to a pixel at every ratio.
+      painter.scale(1.0 / ratio, 1.0 / ratio);
+      painter.drawImage(QRectF(picture.rect()), picture, QRectF(picture.rect()));
+    } else {
+      painter.drawImage(QRectF(QPointF(0.0, 0.0), viewSize), picture, QRectF(picture.rect()));
+    }
+  });
 }
 
 void OVWaveFormDrawing::collectZigzag(QSizeF size, std::span<const float> elements) {

@@ -84,9 +84,10 @@ TEST_F(OVKeptDocumentTest, DocumentsHaveDifferentNumbers) {
 
 TEST_F(OVKeptDocumentTest, JournalHasTheNameAndTheTimeOfTheRecoveredFile) {
   constexpr std::int64_t kStart = 1'000'000'000;
-  document_->setRecoveredFrom("Orvo recording.caf", kStart);
+  document_->setRecoveredFrom("Orvo recording.caf", 7, kStart);
   document_->setEdited(true);
   EXPECT_EQ(origin().recoveredFrom, "Orvo recording.caf");
+  EXPECT_EQ(origin().recoveredFile, 7U);
   EXPECT_EQ(origin().begun, kStart);
   document_->recordingBegins();
   EXPECT_EQ(origin().begun, kStart) << "it is not the first one";

@@ -11,6 +11,7 @@
 
 #include "support/Gate.h"
 #include "support/MainLoop.h"
+#include "support/TemporaryFolder.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/TestUserAudioFiles.h"
 #include "support/programs/AudioFileTools.h"
@@ -23,8 +24,8 @@ std::string replacing(int seconds) {
   return "Goes in at 00:00:04.00 and replaces " + std::to_string(seconds) + " s.";
 }
 
-/// Files of silence, named by their length in seconds. The ones whose name begins with "slow" do
-/// not answer until the gate is open.
+/// Files of silence, named by their length in seconds: WAV, or MP3 that does not say how long it
+/// is. The ones whose name begins with "slow" do not answer until the gate is open.
 class NamedFiles : public platform::UserAudioFiles {
  public:
   explicit NamedFiles(support::Gate& gate) : gate_(gate) {}
@@ -43,7 +44,8 @@ class NamedFiles : public platform::UserAudioFiles {
     if (!file) {
       file = std::make_unique<support::TestUserAudioFiles>();
       const std::size_t bytes = static_cast<std::size_t>(seconds) * 44100 * 4;
-      file->setBytes(support::wavBytes(44100, 2, 16, std::string(bytes, '\0')));
+      const std::string wav = support::wavBytes(44100, 2, 16, std::string(bytes, '\0'));
+      file->setBytes(name.ends_with(".mp3") ? mp3WithoutALength(wav) : wav);
     }
     return file->openForReading(path);
   }
@@ -51,6 +53,15 @@ class NamedFiles : public platform::UserAudioFiles {
   Opened writeTo(int) override { return EROFS; }
 
  private:
+  static std::string mp3WithoutALength(const std::string& wav) {
+    const support::TemporaryFolder folder;
+    EXPECT_TRUE(support::writeBytes(folder.file("a.wav"), wav));
+    EXPECT_EQ(support::ffmpeg({"-i", folder.file("a.wav"), "-b:a", "128k", "-write_xing", "0",
+                               folder.file("a.mp3")}),
+              "");
+    return support::fileBytes(folder.file("a.mp3"));
+  }
+
   support::Gate& gate_;
   std::atomic<int> opened_ = 0;
   std::mutex mutex_;
@@ -95,6 +106,14 @@ TEST_F(OVImportPlaceLabelTest, SaysWhatTheChosenFileReplaces) {
   ASSERT_TRUE(runMainLoopUntil([this] { return text() == replacing(3); }));
   label_->choose("");
   EXPECT_EQ(text(), kPlaceOnly);
+}
+
+TEST_F(OVImportPlaceLabelTest, SaysAboutWhereTheFilesLengthIsOnlyEstimated) {
+  label_->choose("/music/8.mp3");
+  ASSERT_TRUE(runMainLoopUntil([this] { return text() != kPlaceOnly; }));
+  EXPECT_EQ(text(), "Goes in at 00:00:04.00 and replaces about 8 s.");
+  label_->choose("/music/8.wav");
+  ASSERT_TRUE(runMainLoopUntil([this] { return text() == replacing(8); }));
 }
 
 TEST_F(OVImportPlaceLabelTest, AFileThatCannotBeReadIsNoAlertHere) {

@@ -44,13 +44,14 @@ TEST_F(LossOfReplacingTest, NothingIsLostOfAFileThatHasNoMore) {
 
 TEST_F(LossOfReplacingTest, MoreBitsAnotherRateAndMoreChannelsAreNamedEachAlone) {
   EXPECT_EQ(loss("a.wav", wav(44100, 2, 24)),
-            "The old file has 24 bits, the new one only has 16 bits.");
+            "The old file has 24\u00a0bits, the new one only has 16\u00a0bits.");
   EXPECT_EQ(loss("b.wav", wav(48000, 2, 16)),
-            "The old file has 48 kHz, the new one only has 44.1 kHz.");
+            "The old file has 48\u00a0kHz, the new one only has 44.1\u00a0kHz.");
   EXPECT_EQ(loss("c.wav", wav(44100, 6, 16)),
-            "The old file has 6 channels, the new one only has 2 channels.");
+            "The old file has 6\u00a0channels, the new one only has 2\u00a0channels.");
   EXPECT_EQ(loss("d.wav", wav(22050, 2, 32)),
-            "The old file has 32 bits and 22.05 kHz, the new one only has 16 bits and 44.1 kHz.");
+            "The old file has 32\u00a0bits and 22.05\u00a0kHz, the new one only has 16\u00a0bits "
+            "and 44.1\u00a0kHz.");
 }
 
 TEST_F(LossOfReplacingTest, SoundWithoutLossThatBecomesAacIsNamed) {

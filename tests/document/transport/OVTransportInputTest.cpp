@@ -38,13 +38,15 @@ class OVTransportInputTest : public testing::Test {
     queues_->capturedFrames = captured_;
     ASSERT_TRUE(queues_.input().deliver(std::vector<float>(2 * kChunkFrames, value), captured_));
   }
-  void lose(std::uint32_t frames) {
+  void lose(std::uint32_t frames) { loseBefore(captured_ + frames, frames); }
+  /// Frames that are found lost now, and are missing before this one.
+  void loseBefore(std::uint64_t lostAtFrame, std::uint32_t frames) {
     queues_->lostFrames += frames;
     while (frames > 0) {
       const std::uint32_t part = std::min(frames, kChunkFrames);
       frames -= part;
       captured_ += part;
-      ASSERT_TRUE(queues_.input().deliverSilence(part, captured_));
+      ASSERT_TRUE(queues_.input().deliverSilence(part, captured_, lostAtFrame));
     }
   }
   [[nodiscard]] const OVInputState& state() {
@@ -89,6 +91,49 @@ TEST_F(OVTransportInputTest, TheGapsOfARecordingAreKeptUntilTheNextOne) {
   EXPECT_EQ(buffer_->bufferSizeInFrames(), 2U * kChunkFrames + 441);
   parts_.transport.record();
   EXPECT_THAT(state().losses, IsEmpty());
+}
+
+TEST_F(OVTransportInputTest, ALossBeforeThePressThatIsFoundAfterItIsNoneOfTheRecording) {
+  capture(0.5F);
+  const std::uint64_t pressed = captured_;
+  parts_.transport.record();
+  capture(0.5F);
+  loseBefore(pressed, 44100);
+  capture(0.25F);
+  parts_.transport.pause();
+  EXPECT_THAT(state().losses, IsEmpty());
+  EXPECT_EQ(buffer_->bufferSizeInFrames(), 2U * kChunkFrames);
+}
+
+TEST_F(OVTransportInputTest, ALossThatMayBeAfterThePressIsOneOfTheRecording) {
+  capture(0.5F);
+  const std::uint64_t pressed = captured_;
+  parts_.transport.record();
+  capture(0.5F);
+  loseBefore(pressed + 1, 44100);
+  capture(0.25F);
+  parts_.transport.pause();
+  ASSERT_THAT(state().losses, SizeIs(1));
+  EXPECT_EQ(buffer_->bufferSizeInFrames(), 2U * kChunkFrames + 44100);
+}
+
+TEST_F(OVTransportInputTest, RecordingsBetweenTwoTicksAreToldEachByItself) {
+  parts_.transport.record();
+  capture(0.5F);
+  lose(4410);
+  capture(0.5F);
+  parts_.displayLoop.tick();
+  EXPECT_EQ(services_->consoleLinesWith(": 4410 frames"), 1U);
+  lose(441);
+  capture(0.5F);
+  parts_.transport.pause();
+  parts_.transport.record();
+  EXPECT_EQ(services_->consoleLinesWith(": 441 frames"), 1U) << "of the former recording";
+  capture(0.5F);
+  lose(8820);
+  capture(0.5F);
+  parts_.displayLoop.tick();
+  EXPECT_EQ(services_->consoleLinesWith(": 8820 frames"), 1U) << "the first of this one";
 }
 
 TEST_F(OVTransportInputTest, EveryTickOfTheDisplayLoopUpdatesTheNotices) {

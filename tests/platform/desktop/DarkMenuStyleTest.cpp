@@ -44,6 +44,22 @@ double contrastOfSeparator(const QImage& menu) {
 
 }  // namespace
 
+TEST(DarkMenuStyleTest, TheOutlineOfADarkBoxThatIsNotCheckedCanBeSeen) {
+  platform::DarkMenuStyle style;
+  QMenu menu;
+  menu.setStyle(&style);
+  menu.setPalette(platform::DesktopColours::darkPalette());
+  menu.addAction(QStringLiteral("One"))->setCheckable(true);
+  menu.resize(menu.sizeHint());
+  const QImage picture = menu.grab().toImage().convertToFormat(QImage::Format_RGB32);
+  const QColor ground = picture.pixelColor(picture.width() - 12, 4);
+  double strongest = 1.0;
+  for (int x = 3; x < 20; ++x) {  // left of the text
+    strongest = std::max(strongest, contrast(picture.pixelColor(x, picture.height() / 2), ground));
+  }
+  EXPECT_GT(strongest, 3.0);
+}
+
 TEST(DarkMenuStyleTest, OutlineAndSeparatorsOfADarkMenuCanBeSeen) {
   platform::DarkMenuStyle style;
   const QImage menu = pictureOfMenu(&style, platform::DesktopColours::darkPalette());

@@ -1,6 +1,7 @@
 #include "platform/desktop/MessageBox.h"
 
 #include <gtest/gtest.h>
+#include <QImage>
 #include <QLabel>
 #include <QPushButton>
 
@@ -20,6 +21,31 @@ TEST(MessageBoxTest, HasABoldTitleAPlainMessageAndNoWarningSign) {
   EXPECT_EQ(box.text(), "<b>1</b>");
   EXPECT_EQ(box.informativeText(), "<i>2</i>");
   EXPECT_EQ(box.icon(), QMessageBox::NoIcon);
+}
+
+TEST(MessageBoxTest, ShowsTheProgramsIcon) {
+  QMessageBox box;
+  platform::fillMessageBox(box, QStringLiteral("Title"), {});
+  const QPixmap shown = box.iconPixmap();
+  ASSERT_FALSE(shown.isNull());
+  EXPECT_EQ(shown.deviceIndependentSize(), QSizeF(48, 48));
+  EXPECT_EQ(shown.toImage(), platform::programPicture(box).toImage());
+  EXPECT_EQ(shown.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied),
+            QImage(QStringLiteral(":/images/orvo-48.png"))
+                .convertToFormat(QImage::Format_ARGB32_Premultiplied));
+}
+
+TEST(MessageBoxTest, AShortTitleMakesNoColumnOfSingleWords) {
+  QMessageBox box;
+  platform::fillMessageBox(box, QStringLiteral("No"),
+                           QStringLiteral("A name that is long: %1.").arg(QString(30, u'n')));
+  box.addButton(QStringLiteral("&OK"), QMessageBox::AcceptRole);
+  box.show();
+  for (const QLabel* const label : box.findChildren<QLabel*>()) {
+    if (!label->text().isEmpty()) {
+      EXPECT_GE(label->width(), 340) << label->text().toStdString();
+    }
+  }
 }
 
 TEST(MessageBoxTest, AMessageThatIsEmptyTakesNoRoom) {

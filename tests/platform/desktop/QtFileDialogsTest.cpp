@@ -1,9 +1,5 @@
 #include "platform/desktop/QtFileDialogs.h"
 
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 
@@ -27,7 +23,6 @@
 #include "platform/base/MainThread.h"
 #include "platform/desktop/OpenPanel.h"
 #include "platform/desktop/SavePanel.h"
-#include "platform/files/Descriptors.h"
 #include "support/FewDescriptors.h"
 #include "support/MainLoop.h"
 #include "support/TemporaryFolder.h"
@@ -507,15 +502,7 @@ TEST_F(QtFileDialogsTest, ASheetAnswersWithTheCodeOfItsButton) {
 
 TEST_F(QtFileDialogsTest, APanelThatHasNoRoomIsRefusedInPlainWords) {
   const support::InstalledRecordingServices services;
-  rlimit before = {};
-  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
-  rlimit low = before;
-  low.rlim_cur = 256;
-  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &low), 0);
-  std::vector<int> taken;
-  while (platform::hasFreeDescriptors(12)) {
-    taken.push_back(::open("/dev/null", O_RDONLY | O_CLOEXEC));
-  }
+  const support::FewDescriptors few(11);
   panels_.beginSavePanel(saveRequest("x"), [this](const auto& path) {
     ++answers_;
     saved_ = path;
@@ -527,10 +514,6 @@ TEST_F(QtFileDialogsTest, APanelThatHasNoRoomIsRefusedInPlainWords) {
   EXPECT_TRUE(runMainLoopUntil([&] { return answers_ == 2; }));
   EXPECT_EQ(saved_, std::nullopt);
   EXPECT_EQ(services->postedAlerts().size(), 2U);
-  for (const int descriptor : taken) {
-    ::close(descriptor);
-  }
-  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
   EXPECT_EQ(window_.findChild<QDialog*>(), nullptr);
 }
 

@@ -291,6 +291,28 @@ TEST_F(ReplacementFileTest, IsToldThatTheTargetBecameALinkToAnotherFile) {
   EXPECT_EQ(contentsOf(at("victim")), "secret");
 }
 
+TEST_F(ReplacementFileTest, GetsNoRightsOfAFileThatCameMeanwhile) {
+  const mode_t before = ::umask(077);
+  const auto fresh = ReplacementFile::beside(at("fresh.wav"));
+  ::umask(before);
+  put(at("old.wav"), "old");
+  ASSERT_EQ(::chmod(at("old.wav").c_str(), 0600), 0);
+  const auto replacing = ReplacementFile::beside(at("old.wav"));
+  ASSERT_TRUE(fresh && replacing);
+  fs::remove(at("old.wav"));
+  for (const char* const name : {"fresh.wav", "old.wav"}) {
+    put(at(name), "foreign");
+    ASSERT_EQ(::chmod(at(name).c_str(), 0666), 0);
+  }
+  EXPECT_EQ(fresh->commit(), 0);
+  EXPECT_EQ(replacing->commit(), 0);
+  for (const char* const name : {"fresh.wav", "old.wav"}) {
+    struct stat status = {};
+    ASSERT_EQ(::stat(at(name).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600U) << name;
+  }
+}
+
 TEST_F(ReplacementFileTest, FollowsNoLinkOfAnotherUserWhereOthersMayWrite) {
   if (::geteuid() != 0) {
     GTEST_SKIP() << "only root can give a link to another user";

@@ -1,9 +1,12 @@
 #include "platform/mainloop/MainQueue.h"
 
 #include <atomic>
+#include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <QMetaObject>
+#include <QObject>
 
 #include "support/MainLoop.h"
 
@@ -33,6 +36,20 @@ TEST(MainQueueTest, SyncFromAnotherThreadWaitsForTheBlock) {
   EXPECT_TRUE(runMainLoopUntil([&] { return finished.load(); }));
   worker.join();
   EXPECT_TRUE(ran);
+}
+
+TEST(MainQueueTest, OnlyBlocksThatShareATurnRunWithoutAnEventInBetween) {
+  ASSERT_TRUE(drainMainQueue()) << "of what other tests have left";
+  std::string order;
+  QObject receiver;
+  const auto append = [&](char step) { return [&order, step] { order += step; }; };
+  mainQueue().asyncShared(append('1'));
+  mainQueue().asyncShared(append('2'));
+  mainQueue().async(append('3'));
+  mainQueue().asyncShared(append('4'));
+  QMetaObject::invokeMethod(&receiver, append('e'), Qt::QueuedConnection);
+  EXPECT_TRUE(runMainLoopUntil([&] { return order.size() == 5; }));
+  EXPECT_EQ(order, "12e34");
 }
 
 TEST(MainQueueTest, BlocksRunInOrderAndALoopInsideABlockServesTheRest) {

@@ -13,7 +13,13 @@ class CaptureLossDetectorTest : public testing::Test {
     now_ += std::chrono::duration_cast<AudioClock::TimePoint::duration>(
         std::chrono::duration<double>(frames / (44100.0 * (1 - ppm * 1e-6))));
   }
-  void deliver(std::uint32_t frames) { reported_ += detector_.captured(frames, now_); }
+  void deliver(std::uint32_t frames) {
+    const CaptureLossDetector::Loss loss = detector_.captured(frames, now_);
+    reported_ += loss.frames;
+    if (loss.frames > 0) {
+      capturedSince_ = loss.capturedSince;
+    }
+  }
 
   void run(int seconds, double ppm = 0) {
     for (int i = 0; i < seconds * 43; ++i) {
@@ -26,6 +32,7 @@ class CaptureLossDetectorTest : public testing::Test {
   CaptureLossDetector detector_;
   AudioClock::TimePoint now_{std::chrono::hours(1)};
   std::uint64_t reported_ = 0;
+  std::uint64_t capturedSince_ = 0;  // the last loss
 };
 
 TEST_F(CaptureLossDetectorTest, ASteadyDeviceRaisesNoAlarm) {
@@ -73,6 +80,29 @@ TEST_F(CaptureLossDetectorTest, ALossInAStallIsFoundWithinASecondAfterIt) {
   EXPECT_NEAR(static_cast<double>(reported_), 43 * 1024, 10);
   run(60);
   EXPECT_NEAR(static_cast<double>(reported_), 43 * 1024, 2000);
+}
+
+TEST_F(CaptureLossDetectorTest, WhatIsMissingIsMissingBeforeWhatCameAfterTheBurst) {
+  for (const int late : {0, 5, 20}) {
+    detector_.reset();
+    reported_ = 0;
+    run(60);
+    for (int i = 0; i < 43 + late; ++i) {
+      pass(1024);
+    }
+    for (int i = 0; i < late; ++i) {
+      deliver(1024);  // of the others, none arrives
+    }
+    std::int64_t after = -1024;  // without the last one
+    for (int i = 0; i < 60 && reported_ == 0; ++i) {
+      pass(1024);
+      deliver(1024);
+      after += 1024;
+    }
+    EXPECT_NEAR(static_cast<double>(reported_), 43 * 1024, 1600) << late;
+    EXPECT_LE(static_cast<std::int64_t>(capturedSince_), after) << late;
+    EXPECT_GE(static_cast<std::int64_t>(capturedSince_), after - 4410) << late;
+  }
 }
 
 TEST_F(CaptureLossDetectorTest, ABurstAtTheStartOfAStreamRaisesNoAlarm) {

@@ -387,6 +387,26 @@ TEST_F(SharedInputTimeTest,
   EXPECT_NEAR(samples[2 * last], static_cast<double>(last), 10);
 }
 
+TEST_F(SharedInputTimeTest, SilenceSaysThatItsFramesWereLostBeforeThoseCapturedSince) {
+  Recording recording;
+  std::uint64_t lostAtFrame = 0;
+  recording.also = [&](AudioInputQueue&, AudioQueueBuffer& buffer) {
+    lostAtFrame = buffer.silencedFrames > 0 ? buffer.lostAtFrame : lostAtFrame;
+  };
+  ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
+  const auto feed = [&] { return device->feedConstant(1024, 1, 1); };
+  run(*clock, recording, 43 * 8, feed);
+  const std::uint64_t before = recording.queue->capturedFrames();
+  clock->advance(seconds(2));
+  run(*clock, recording, 20, feed);
+  const std::uint64_t pressed = recording.queue->capturedFrames();
+  ASSERT_EQ(recording.queue->lostFrames(), 0U) << "it is not found yet";
+  run(*clock, recording, 43 * 3, feed);
+  recording.queue->waitUntilDelivered(recording.queue->capturedFrames());
+  EXPECT_GE(lostAtFrame, before);
+  EXPECT_LE(lostAtFrame, pressed);
+}
+
 TEST_F(SharedInputTimeTest, WhatWasMissedWhileTheMachineSleptIsLostAndTheInputIsNot) {
   Recording recording;
   std::uint64_t silenced = 0;
@@ -540,6 +560,43 @@ TEST_F(SharedInputTimeTest, AMissingInputIsLookedForAlsoWithoutNotice) {
   }));
   // Its appearance is a change of state.
   EXPECT_TRUE(support::eventually([&] { return queues->claimInputFailureAlert(); }));
+}
+
+TEST_F(SharedInputTimeTest, AMicrophoneThatBecomesTheDefaultAfterItAppearedIsFound) {
+  device->setInputs({{inputNamed("mic"), inputNamed("spk.monitor", false)}});
+  Recording recording;
+  ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
+  device->setInputs({{inputNamed("spk.monitor")}});
+  ASSERT_TRUE(recording.failures.awaitCount(1));
+  ASSERT_TRUE(support::eventually(
+      [&] { return queues->inputSource().kind == AudioInputSource::Kind::kMonitor; }));
+  const auto awaitLookAfter = [&](const std::function<void()>& change) {
+    const std::size_t looks = device->looksAtInputs();
+    change();
+    return support::eventually([&] { return device->looksAtInputs() > looks; });
+  };
+  ASSERT_TRUE(awaitLookAfter([&] { clock->advance(seconds(2)); })) << "the stream's last one";
+  ASSERT_TRUE(awaitLookAfter([&] {
+    device->setInputs({{inputNamed("spk.monitor"), inputNamed("mic", false)}});
+  }));
+  device->setInputsSilently({{inputNamed("spk.monitor", false), inputNamed("mic")}});
+  EXPECT_TRUE(awaitLookAfter([&] { clock->advance(seconds(1)); })) << "not after five";
+  EXPECT_TRUE(support::eventually(
+      [&] { return queues->inputSource().kind == AudioInputSource::Kind::kMicrophone; }));
+}
+
+TEST_F(SharedInputTimeTest, AfterALossTheInputsAreLookedAtAgainWithinASecond) {
+  device->setInputs({{inputNamed("mic"), inputNamed("spk.monitor", false)}});
+  Recording recording;
+  ASSERT_EQ(recording.begin(*queues), kAudioStatusOk);
+  device->setInputs({{inputNamed("spk.monitor"), inputNamed("other", false)}});
+  ASSERT_TRUE(recording.failures.awaitCount(1));
+  ASSERT_TRUE(support::eventually(
+      [&] { return queues->inputSource().kind == AudioInputSource::Kind::kMonitor; }));
+  device->setInputsSilently({{inputNamed("spk.monitor", false), inputNamed("other")}});
+  clock->advance(seconds(1));
+  EXPECT_TRUE(support::eventually(
+      [&] { return queues->inputSource().kind == AudioInputSource::Kind::kMicrophone; }));
 }
 
 TEST_F(SharedInputTest, NoticesDuringOpeningClosingAndTheEndDoNoHarm) {

@@ -14,9 +14,13 @@ namespace {
 class Painted : public QWidget {
  public:
   QRegion painted;
+  int paints = 0;
 
  protected:
-  void paintEvent(QPaintEvent* event) override { painted += event->region(); }
+  void paintEvent(QPaintEvent* event) override {
+    painted += event->region();
+    ++paints;
+  }
 };
 
 class ViewRedrawTest : public testing::Test {
@@ -43,6 +47,15 @@ TEST_F(ViewRedrawTest, APartIsWidenedToWholePoints) {
   requestRedraw(QPointer<Painted>(view_.get()), QRectF(10.5, 20.25, 3.0, 4.0));
   ASSERT_TRUE(runMainLoopUntil([&] { return !view_->painted.isEmpty(); }));
   EXPECT_EQ(view_->painted, QRegion(10, 20, 4, 5));
+}
+
+TEST_F(ViewRedrawTest, PartsAskedForTogetherAreDrawnTogether) {
+  const int before = view_->paints;
+  for (int i = 0; i < 4; ++i) {
+    requestRedraw(QPointer<Painted>(view_.get()), QRectF(20.0 * i, 0.0, 5.0, 5.0));
+  }
+  ASSERT_TRUE(runMainLoopUntil([&] { return view_->painted.contains(QPoint(62, 2)); }));
+  EXPECT_EQ(view_->paints, before + 1);
 }
 
 TEST_F(ViewRedrawTest, AViewThatHasGoneMeanwhileIsLeftAlone) {

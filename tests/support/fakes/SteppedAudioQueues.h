@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -165,11 +166,14 @@ class SteppedInputQueue : public SteppedQueue<platform::AudioInputQueue> {
     buffer->endFrame = endFrame;
     buffer->silencedFrames = 0;
     buffer->missingBefore = missingBefore;
+    buffer->lostAtFrame = endFrame;
     callback_(*this, *buffer);
     return true;
   }
-  /// Passes a buffer of silence for `frames` lost frames, at most a buffer.
-  bool deliverSilence(std::uint32_t frames, std::uint64_t endFrame) {
+  /// Passes a buffer of silence for `frames` lost frames, at most a buffer. They are missing before
+  /// `lostAtFrame` at the latest; right here without one.
+  bool deliverSilence(std::uint32_t frames, std::uint64_t endFrame,
+                      std::optional<std::uint64_t> lostAtFrame = std::nullopt) {
     if (enqueued.empty()) {
       return false;
     }
@@ -180,6 +184,7 @@ class SteppedInputQueue : public SteppedQueue<platform::AudioInputQueue> {
     buffer->endFrame = endFrame;
     buffer->silencedFrames = frames;
     buffer->missingBefore = 0;
+    buffer->lostAtFrame = lostAtFrame.value_or(endFrame);
     callback_(*this, *buffer);
     return true;
   }

@@ -13,12 +13,26 @@ constexpr char kAccessible[] = "org.a11y.atspi.Accessible.";
 constexpr char kAction[] = "org.a11y.atspi.Action.";
 constexpr int kMax = 12;  // maximum depth of nested elements
 
+/// A quoted text as it is meant: a backslash and an n are a new line.
+std::string unquoted(const std::string& text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\\' || i + 1 == text.size()) {
+      result += text[i];
+    } else {
+      const char next = text[++i];
+      result += next == 'n' ? '\n' : next;
+    }
+  }
+  return result;
+}
+
 /// The quoted texts of a reply, in order.
 std::vector<std::string> textsIn(const std::string& answer) {
   static const std::regex quoted(R"re('((?:[^'\\]|\\.)*)'|"((?:[^"\\]|\\.)*)")re");
   std::vector<std::string> texts;
   for (std::sregex_iterator at(answer.begin(), answer.end(), quoted), end; at != end; ++at) {
-    texts.push_back((*at)[1].matched ? (*at)[1].str() : (*at)[2].str());
+    texts.push_back(unquoted((*at)[1].matched ? (*at)[1].str() : (*at)[2].str()));
   }
   return texts;
 }

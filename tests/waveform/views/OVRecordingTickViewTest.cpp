@@ -4,6 +4,7 @@
 #include <QAccessible>
 #include <QCoreApplication>
 
+#include "support/MainLoop.h"
 #include "support/PaintCounter.h"
 #include "support/Pixels.h"
 #include "waveform/views/OVRecordingTickDrawing.h"
@@ -34,15 +35,16 @@ TEST(OVRecordingTickViewTest, RedrawsOnlyWhenItMoves) {
   view.resize(200, 60);
   view.show();
   view.setPosition(0.25);
+  EXPECT_TRUE(drainMainQueue());
   QCoreApplication::processEvents();
   support::PaintCounter counter(&view);
   view.setPosition(0.25);
   view.setPlaceText("00:00:01.00");
+  EXPECT_TRUE(drainMainQueue());
   QCoreApplication::processEvents();
   EXPECT_EQ(counter.paints, 0);
   view.setPosition(0.5);
-  QCoreApplication::processEvents();
-  EXPECT_GT(counter.paints, 0);
+  EXPECT_TRUE(runMainLoopUntil([&] { return counter.paints > 0; }));
 }
 
 TEST(OVRecordingTickViewTest, LetsTheMouseThrough) {

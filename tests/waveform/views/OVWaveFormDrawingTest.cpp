@@ -259,6 +259,43 @@ TEST(OVWaveFormDrawingPictureTest, IsCopiedPixelForPixelAtARatioThatIsNoWholeNum
   EXPECT_EQ(screen, rendered);
 }
 
+// As a paint event has them: the strip that a marker left and the one that it reached, a tick, a
+// notice. All that they cover is as in a whole copy, whatever Qt makes of a point between pixels.
+TEST(OVWaveFormDrawingPictureTest, IsCopiedInPartsAsInOnePiece) {
+  for (const double ratio : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+    const QSize points(81, 43);
+    const QSize pixels(static_cast<int>(std::ceil(points.width() * ratio)),
+                       static_cast<int>(std::ceil(points.height() * ratio)));
+    QImage rendered(pixels, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < pixels.height(); ++y) {
+      for (int x = 0; x < pixels.width(); ++x) {
+        rendered.setPixelColor(x, y, QColor(x, y, (x + y) % 2 * 255));
+      }
+    }
+    rendered.setDevicePixelRatio(ratio);
+    QImage screen = rendered;
+    screen.fill(kPaper);
+    const QRegion parts = QRegion(7, 0, 5, 43) + QRegion(33, 0, 3, 43) + QRegion(50, 1, 7, 9) +
+                          QRegion(2, 31, 70, 11);
+    ASSERT_GT(parts.rectCount(), 3);
+    QPainter painter(&screen);
+    OVWaveFormDrawing::copyPicture(painter, points, parts, rendered);
+    painter.end();
+    for (const QRect& part : parts) {
+      // Pixels that the part covers whole.
+      for (int y = static_cast<int>(std::ceil(part.top() * ratio));
+           y < static_cast<int>((part.bottom() + 1) * ratio); ++y) {
+        for (int x = static_cast<int>(std::ceil(part.left() * ratio));
+             x < static_cast<int>((part.right() + 1) * ratio); ++x) {
+          ASSERT_EQ(screen.pixel(x, y), rendered.pixel(x, y)) << ratio << ": " << x << ", " << y;
+        }
+      }
+    }
+    EXPECT_EQ(screen.pixelColor(static_cast<int>(22 * ratio), static_cast<int>(15 * ratio)),
+              kPaper);
+  }
+}
+
 TEST(OVWaveFormDrawingPictureTest, IsTheSameToTheBitAsDrawnFromScratchWhateverWasDrawnBefore) {
   std::mt19937 random(11);
   const auto below = [&random](int limit) {

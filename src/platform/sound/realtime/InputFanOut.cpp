@@ -40,10 +40,10 @@ void InputFanOut::distribute(const float* samples, std::uint32_t frames) noexcep
   section_.leave();
 }
 
-void InputFanOut::skip(std::uint64_t frames) noexcept {
+void InputFanOut::skip(std::uint64_t frames, std::uint64_t capturedSince) noexcept {
   section_.enter();
   for (InputSink* sink : *current_.load(std::memory_order_seq_cst)) {
-    sink->skipped(frames);
+    sink->skipped(frames, capturedSince);
   }
   section_.leave();
 }

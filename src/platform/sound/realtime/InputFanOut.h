@@ -19,11 +19,12 @@ class InputSink {
   /// Real-time: must be safe.
   virtual void captured(const float* samples, std::uint32_t frames) noexcept = 0;
 
-  /// The next `frames` frames were lost before they reached the program.
+  /// `frames` frames were lost before they reached the program; at the latest before the last
+  /// `capturedSince` ones that did.
   ///
   /// Threads: the device's real-time thread.
   /// Real-time: must be safe.
-  virtual void skipped(std::uint64_t frames) noexcept = 0;
+  virtual void skipped(std::uint64_t frames, std::uint64_t capturedSince) noexcept = 0;
 };
 
 /// Passes every captured chunk to all sinks of a set that may change while the device runs.
@@ -57,11 +58,11 @@ class InputFanOut {
   /// Real-time: safe.
   void distribute(const float* samples, std::uint32_t frames) noexcept;
 
-  /// Reports lost frames to every sink.
+  /// Reports lost frames to every sink; see InputSink::skipped().
   ///
   /// Threads: the device's real-time thread.
   /// Real-time: safe.
-  void skip(std::uint64_t frames) noexcept;
+  void skip(std::uint64_t frames, std::uint64_t capturedSince) noexcept;
 
  private:
   using Sinks = std::vector<InputSink*>;

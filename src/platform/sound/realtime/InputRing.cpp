@@ -25,6 +25,7 @@ bool InputRingProducer::beginBlock() noexcept {
   block.firstFrame = captured_;
   block.lostBefore = lostPending_;
   block.skippedBefore = skippedPending_;
+  block.skippedAtFrame = skippedAtFrame_;
   lostPending_ = 0;
   skippedPending_ = 0;
   return true;
@@ -68,10 +69,11 @@ std::uint32_t InputRingProducer::write(const float* samples, std::uint32_t frame
   return completed;
 }
 
-std::uint32_t InputRingProducer::skip(std::uint64_t frames) noexcept {
+std::uint32_t InputRingProducer::skip(std::uint64_t frames, std::uint64_t capturedSince) noexcept {
   const std::uint32_t completed = filled_ > 0 ? 1 : 0;
   finish();
   skippedPending_ += frames;
+  skippedAtFrame_ = captured_ - std::min(captured_, capturedSince);
   lose(frames);
   return completed;
 }

@@ -21,6 +21,14 @@ class InputRing {
     std::uint64_t lostBefore = 0;  ///< frames lost between the previous block and this one
     /// Those of them that were lost before they reached the ring.
     std::uint64_t skippedBefore = 0;
+    /// The frame before which these are missing, at the latest. Often an earlier one than
+    /// firstFrame, since a loss outside the ring is found late.
+    std::uint64_t skippedAtFrame = 0;
+
+    /// The frame before which all those of lostBefore are missing, at the latest.
+    [[nodiscard]] std::uint64_t lostAtFrame() const {
+      return skippedBefore == lostBefore ? skippedAtFrame : firstFrame;
+    }
 
     /// blockFrames(), except for a block within which the capture ended or frames were skipped.
     [[nodiscard]] std::uint32_t frames() const {
@@ -89,12 +97,13 @@ class InputRingProducer {
   /// Real-time: safe.
   std::uint32_t write(const float* samples, std::uint32_t frames) noexcept;
 
-  /// The next `frames` frames are lost. The unfinished block, if any, is published with the frames
-  /// that it has. Returns the number of blocks completed.
+  /// `frames` frames are lost, which stand before the next ones; found late, they are missing at
+  /// the latest before the last `capturedSince` ones. The unfinished block, if any, is published
+  /// with the frames that it has. Returns the number of blocks completed.
   ///
   /// Threads: the device's real-time thread.
   /// Real-time: safe.
-  std::uint32_t skip(std::uint64_t frames) noexcept;
+  std::uint32_t skip(std::uint64_t frames, std::uint64_t capturedSince) noexcept;
 
   /// No more frames will come: publishes the unfinished block, if any, with the frames that it has.
   ///
@@ -111,6 +120,7 @@ class InputRingProducer {
   std::uint64_t captured_ = 0;        // frames offered so far
   std::uint64_t lostPending_ = 0;     // frames lost since the last block ended
   std::uint64_t skippedPending_ = 0;  // those of them that were skipped
+  std::uint64_t skippedAtFrame_ = 0;  // before which these are missing, at the latest
   std::uint32_t filled_ = 0;          // frames in the unfinished block; 0 for none
 };
 

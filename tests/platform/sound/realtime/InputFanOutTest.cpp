@@ -19,8 +19,12 @@ class CountingSink final : public InputSink {
     last = samples[0];
     ++count;
   }
-  void skipped(std::uint64_t frames) noexcept override { skippedFrames += frames; }
+  void skipped(std::uint64_t frames, std::uint64_t capturedSince) noexcept override {
+    skippedFrames += frames;
+    lastSince = capturedSince;
+  }
   std::uint64_t skippedFrames = 0;
+  std::uint64_t lastSince = 0;
   float last = 0;
   int count = 0;
   bool gapless = true;
@@ -51,13 +55,15 @@ TEST(InputFanOutTest, EverySinkLearnsOfSkippedFramesWhileItIsIn) {
   CountingSink early;
   CountingSink late;
   fanOut.add(early);
-  fanOut.skip(7);
+  fanOut.skip(7, 1);
   fanOut.add(late);
-  fanOut.skip(100);
+  fanOut.skip(100, 2);
   fanOut.remove(early);
-  fanOut.skip(1000);
+  fanOut.skip(1000, 3);
   EXPECT_EQ(early.skippedFrames, 107U);
   EXPECT_EQ(late.skippedFrames, 1100U);
+  EXPECT_EQ(early.lastSince, 2U);
+  EXPECT_EQ(late.lastSince, 3U);
 }
 
 TEST(InputFanOutTest, RemovingTwiceOrAStrangerDoesNothing) {

@@ -90,8 +90,8 @@ TEST(InputRingTest, SkippedFramesEndTheBlockAndAreLostBeforeTheNext) {
   InputRingProducer producer(ring);
   InputRingConsumer consumer(ring);
   producer.write(ramp(0, 3).data(), 3);
-  EXPECT_EQ(producer.skip(100), 1U);
-  EXPECT_EQ(producer.skip(10), 0U);
+  EXPECT_EQ(producer.skip(100, 0), 1U);
+  EXPECT_EQ(producer.skip(10, 0), 0U);
   producer.write(ramp(113, 4).data(), 4);
   EXPECT_EQ(ring.lostFrames(), 110U);
   EXPECT_EQ(consumer.front()->frames(), 3U);
@@ -108,12 +108,30 @@ TEST(InputRingTest, OfALossInAFullRingAndBeforeItOnlyTheLatterWasSkipped) {
   InputRingProducer producer(ring);
   InputRingConsumer consumer(ring);
   producer.write(ramp(0, 9).data(), 9);
-  producer.skip(100);
+  producer.skip(100, 9);
   consumer.pop();
   consumer.pop();
   producer.write(ramp(109, 4).data(), 4);
   EXPECT_EQ(consumer.front()->lostBefore, 101U);
   EXPECT_EQ(consumer.front()->skippedBefore, 100U);
+  EXPECT_EQ(consumer.front()->lostAtFrame(), 109U) << "that in the ring was just before";
+}
+
+TEST(InputRingTest, WhatWasSkippedIsMissingBeforeTheFramesCapturedSince) {
+  InputRing ring(4, 4);
+  InputRingProducer producer(ring);
+  InputRingConsumer consumer(ring);
+  producer.write(ramp(0, 7).data(), 7);
+  producer.skip(100, 5);
+  producer.write(ramp(107, 4).data(), 4);
+  consumer.pop();
+  consumer.pop();
+  EXPECT_EQ(consumer.front()->firstFrame, 107U);
+  EXPECT_EQ(consumer.front()->lostAtFrame(), 2U);
+  producer.skip(10, 1000);
+  producer.write(ramp(121, 4).data(), 4);
+  consumer.pop();
+  EXPECT_EQ(consumer.front()->lostAtFrame(), 0U) << "the ring is younger";
 }
 
 TEST(InputRingTest, AStretchOfLossIsToldByOneBlockOnly) {
