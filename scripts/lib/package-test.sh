@@ -7,7 +7,7 @@ source scripts/lib/roots.sh
 # shellcheck source=scripts/lib/source-archive.sh
 source scripts/lib/source-archive.sh
 
-package_tools=(debhelper devscripts dpkg-dev fakeroot lintian)
+package_tools=(build-essential debhelper devscripts dpkg-dev fakeroot lintian)
 
 # The packages that a field of the packaging names, without versions and alternatives.
 packages_of() { # FIELD FILE
@@ -20,7 +20,7 @@ files_of() { # ROOT FILE
   (cd "$1" && find . -xdev \
     \( -path ./proc -o -path ./sys -o -path ./dev -o -path ./tmp -o -path ./run -o -path ./build \
     -o -path ./root -o -path ./home -o -path ./var/cache -o -path ./var/log -o -path ./var/lib/apt \
-    -o -path './var/lib/dpkg/*-old' \) -prune -o -print | sort) >"$2"
+    -o -path './var/lib/dpkg/*-old' -o -path './etc/sub[gu]id-' \) -prune -o -print | sort) >"$2"
 }
 
 # build_package ROOT FOLDER [PRELUDE]: from the archive in FOLDER of the root, as a distributor would;

@@ -1,182 +1,266 @@
 #include "gallery/GalleryDialogs.h"
 
-#include <fstream>
-#include <memory>
-#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
-#include <QLabel>
-#include <QLocale>
+#include <cstdio>
+#include <filesystem>
+#include <limits>
+#include <optional>
+
+#include <QComboBox>
+#include <QLineEdit>
 #include <QMenu>
-#include <QMessageBox>
-#include <QTreeView>
+#include <QMenuBar>
+#include <QToolButton>
 
-#include "app/OVDiagnosticsWindow.h"
-#include "app/OVTranslations.h"
+#include "document/files/OVImportPlaceLabel.h"
+#include "gallery/GalleryApplication.h"
+#include "gallery/GalleryHome.h"
 #include "gallery/GalleryScreen.h"
-#include "platform/desktop/MessageBox.h"
-#include "platform/desktop/OpenPanel.h"
-#include "platform/desktop/QtFileDialogs.h"
-#include "platform/desktop/SavePanel.h"
-#include "platform/mainloop/Localization.h"
-#include "support/DarkPalette.h"
+#include "support/ClosedFolder.h"
 #include "support/MainLoop.h"
-#include "support/TemporaryFolder.h"
 
 namespace {
 
-using platform::localized;
-using Show = std::function<void(const QString&, QWidget&)>;
+using platform::FilePanel;
 
-/// A folder of takes and other files.
-void fillFolder(const support::TemporaryFolder& folder) {
-  static_cast<void>(folder.makeFolder("Older takes"));
-  for (const char* const name :
-       {"Recording 2026-11-21 14.02.wav", "Recording 2026-11-21 15.40.wav", "Interview.m4a",
-        "A song with a long name that says everything about it.mp3", "Notes.txt"}) {
-    std::ofstream(folder.file(name)) << std::string(2'345'678, 'x');
+constexpr int kRows = GalleryHome::kRows;
+
+/// The application and what it works on, for one dialog.
+struct Stage {
+  GalleryApplication& application;
+  const GalleryHome& home;
+};
+
+struct Dialog {
+  const char* name;
+  QWidget* (*show)(const Stage&);
+};
+
+FilePanel* savePanel(const Stage& stage) {
+  return GalleryApplication::panelOf(stage.application.newWindow(), "Save As…", kRows);
+}
+
+FilePanel* savePanelOfTagged(const Stage& stage) {
+  OVRecorderWindow& window = stage.application.openedWindow(stage.home.tagged());
+  return GalleryApplication::panelOf(window, "Save As…", kRows);
+}
+
+template <typename View>
+View* partOf(const QWidget* window, const char* name) {
+  return window == nullptr ? nullptr : window->findChild<View*>(QString::fromLatin1(name));
+}
+
+/// The list that a choice opens.
+QWidget* listOf(const QWidget* panel, const char* choice) {
+  auto* const box = partOf<QComboBox>(panel, choice);
+  if (box == nullptr) {
+    return nullptr;
+  }
+  box->showPopup();
+  return box->view()->window();
+}
+
+void type(const QWidget* panel, const std::string& name) {
+  if (auto* const edit = partOf<QLineEdit>(panel, "fileNameEdit")) {
+    edit->setText(QString::fromStdString(name));
   }
 }
 
-class Dialogs {
+// Saving ----------------------------------------------------------------------------------------
+
+QWidget* saveAsWithoutCover(const Stage& stage) {
+  FilePanel* const panel = savePanelOfTagged(stage);
+  if (auto* const kinds = partOf<QComboBox>(panel, "fileTypeButton")) {
+    kinds->setCurrentIndex(0);
+  }
+  return panel;
+}
+
+QWidget* replaceQuestion(const Stage& stage, const std::string& path) {
+  FilePanel* const panel = savePanel(stage);
+  type(panel, path);
+  if (panel == nullptr) {
+    return nullptr;
+  }
+  panel->accept();
+  return GalleryApplication::awaitWindow("replaceQuestion");
+}
+
+QWidget* newFolder(const Stage& stage) {
+  FilePanel* const panel = savePanel(stage);
+  auto* const button = partOf<QToolButton>(panel, "newFolderButton");
+  if (button == nullptr) {
+    return nullptr;
+  }
+  button->click();
+  return GalleryApplication::awaitWindow("newFolderQuestion");
+}
+
+/// A file of the user's in a folder in which the user may make none.
+class ReadOnlyPlace {
  public:
-  Dialogs(double scale, QString suffix, const Show& show)
-      : scale_(scale), suffix_(std::move(suffix)), show_(show) {
-    fillFolder(folder_);
-    window_.resize(640, 480);
-    window_.show();
+  explicit ReadOnlyPlace(const std::string& file) {
+    std::filesystem::copy_file(file, path());
+    if (::geteuid() == 0) {
+      constexpr uid_t kNobody = 65534;
+      static_cast<void>(::chown(path().c_str(), kNobody, kNobody));
+    }
+    static_cast<void>(::chmod(folder_.path().c_str(), 0555));
+    closed_.emplace(folder_.path());
   }
-
-  void showAll() {
-    showAlert();
-    showUnsaved();
-    showOpenPanel();
-    showSavePanel();
-    showReplace();
-  }
-
-  void showDiagnostics() {
-    OVDiagnosticsWindow empty;
-    picture("diagnostics-empty", empty);
-  }
-
-  void showMenu() {
-    QMenu menu;
-    menu.addAction(localized("&New Recorder"))->setShortcut(QKeySequence::New);
-    menu.addAction(localized("&Open…"))->setShortcut(QKeySequence::Open);
-    menu.addMenu(localized("Open &Recent"));
-    menu.addSeparator();
-    QAction* const save = menu.addAction(localized("&Save"));
-    menu.addAction(localized("Save &As…"))->setEnabled(false);
-    menu.addSeparator();
-    menu.addAction(localized("&Quit"));
-    menu.setActiveAction(save);
-    picture("menu", menu);
-  }
+  [[nodiscard]] std::string path() const { return folder_.file("Recording.wav"); }
 
  private:
-  void picture(const char* name, QWidget& dialog) {
-    static_cast<void>(showOnScreenOfScale(dialog, scale_));
-    show_(QStringLiteral("dialog-") + QString::fromLatin1(name) + suffix_, dialog);
-    dialog.close();
-    static_cast<void>(drainMainQueue());
-  }
+  support::TemporaryFolder folder_;
+  std::optional<support::ClosedFolder> closed_;  // opened before the folder is deleted
+};
 
-  void showAlert() {
-    QMessageBox alert;
-    platform::fillMessageBox(
-        alert, localized("%1 could not be saved").arg(localized("“%1”").arg("take.wav")),
-        localized("You may not write in the folder %1. Choose another.")
-            .arg(localized("“%1”").arg("music")));
-    alert.addButton(localized("&OK"), QMessageBox::AcceptRole);
-    picture("alert", alert);
-  }
+QWidget* inPlaceQuestion(const Stage& stage) {
+  const ReadOnlyPlace place(stage.home.take());
+  OVRecorderWindow& window = stage.application.openedWindow(place.path());
+  GalleryApplication::documentOf(window).saveFileNamed(place.path(), 0);
+  return GalleryApplication::awaitWindow("sheet");
+}
 
-  void showUnsaved() {
-    using Role = platform::SheetRequest::Button::Role;
-    panels_.beginSheet(
-        {.window = &window_,
-         .title =
-             localized("Do you want to save the changes made to “%1”?").arg(localized("Unnamed")),
-         .message = localized("Your changes will be lost if you don’t save them."),
-         .buttons = {{localized("&Save"), 1, Role::accept},
-                     {localized("Do&n’t Save"), 0, Role::destructive},
-                     {localized("&Cancel"), -1, Role::reject}}},
-        [](int) {});
-    picture("unsaved", *window_.findChild<QMessageBox*>("sheet"));
-  }
+QWidget* exportPanel(const Stage& stage, const char* command, int rows) {
+  OVRecorderWindow& window = stage.application.openedWindow(stage.home.take());
+  return GalleryApplication::panelOf(window, command, rows);
+}
 
-  template <typename Panel>
-  void awaitRows(Panel& panel, int count) {
-    auto* const list = panel.template findChild<QTreeView*>("listView");
-    static_cast<void>(runMainLoopUntil([&] {
-      return list->model()->rowCount() == count &&
-             !list->model()->index(count - 1, 2).data().toString().isEmpty();
-    }));
-  }
+// Opening ---------------------------------------------------------------------------------------
 
-  void showOpenPanel() {
-    panels_.beginOpenPanel({.window = &window_,
-                            .title = localized("Open"),
-                            .acceptLabel = localized("&Open"),
-                            .directory = folder_.path(),
-                            .allowsMultipleSelection = true,
-                            .fileTypes = {"wav", "mp3", "m4a"}},
-                           [](const auto&) {});
-    auto* const panel = window_.findChild<platform::OpenPanel*>("openPanel");
-    awaitRows(*panel, 5);
-    picture("open", *panel);
+QWidget* importPanel(const Stage& stage, double place, const std::string& chosen) {
+  OVRecorderWindow& window = stage.application.openedWindow(stage.home.take());
+  GalleryApplication::documentOf(window).waveFormViewReceivedClick(nullptr, {}, place);
+  FilePanel* const panel = GalleryApplication::panelOf(window, "Import…", kRows);
+  auto* const label = panel == nullptr ? nullptr : panel->findChild<OVImportPlaceLabel*>();
+  if (label == nullptr) {
+    return nullptr;
   }
+  const QString before = label->text();
+  type(panel, chosen);
+  // The line changes once the chosen file's length is known.
+  return chosen.empty() || runMainLoopUntil([&] { return label->text() != before; }) ? panel
+                                                                                     : nullptr;
+}
 
-  platform::SavePanel* beginSave() {
-    panels_.beginSavePanel(
-        {.window = &window_,
-         .title = localized("Save As"),
-         .directory = folder_.path(),
-         .suggestedName = localized("Recording %1").arg("2026-11-21 15.40").toStdString(),
-         .fileTypes = {"wav", "mp3", "m4a"},
-         .acceptedSuffixes = [] { return std::vector<std::string>{"wav"}; }},
-        [](const auto&) {});
-    auto* const panel = window_.findChild<platform::SavePanel*>("savePanel");
-    awaitRows(*panel, 5);
+QWidget* openPanel(const Stage& stage, const std::string& typed) {
+  OVRecorderWindow& window = stage.application.openedWindow(stage.home.take());
+  FilePanel* const panel = GalleryApplication::panelOf(window, "Open…", kRows);
+  if (panel == nullptr || typed.empty()) {
     return panel;
   }
+  type(panel, typed);
+  panel->accept();
+  const auto* const status = partOf<QWidget>(panel, "statusLabel");
+  return runMainLoopUntil([&] { return status->isVisible(); }) ? panel : nullptr;
+}
 
-  void showSavePanel() { picture("save", *beginSave()); }
+// Closing ---------------------------------------------------------------------------------------
 
-  void showReplace() {
-    QMessageBox question;
-    platform::fillMessageBox(question,
-                             localized("“%1” already exists. Do you want to replace it?")
-                                 .arg("Recording 2026-11-21 15.40.wav"),
-                             {});
-    question.addButton(localized("&Replace"), QMessageBox::DestructiveRole);
-    question.setDefaultButton(question.addButton(localized("&Cancel"), QMessageBox::RejectRole));
-    picture("replace", question);
+QWidget* unsavedQuestion(const Stage& stage, bool isRecording) {
+  OVRecorderWindow& window = stage.application.newWindow();
+  if (isRecording) {
+    GalleryApplication::choose(window, "Record");
+    stage.application.capture();
   }
+  GalleryApplication::documentOf(window).setDocumentEdited(true);
+  window.performClose();
+  return GalleryApplication::awaitWindow("sheet");
+}
 
-  const double scale_;
-  const QString suffix_;
-  const Show& show_;
-  support::TemporaryFolder folder_;
-  QWidget window_;
-  platform::QtFileDialogs panels_;
+// Menus and other windows -----------------------------------------------------------------------
+
+QMenu* openedMenu(const Stage& stage, qsizetype index) {
+  OVRecorderWindow& window = stage.application.openedWindow(stage.home.take());
+  GalleryApplication::documentOf(window).reverseBuffer(nullptr);  // something to undo
+  static_cast<void>(drainMainQueue());
+  QMenu* const menu = window.menuBar()->actions().at(index)->menu();
+  menu->popup(window.mapToGlobal(QPoint(0, 0)));
+  menu->setActiveAction(menu->actions().value(1));
+  return menu;
+}
+
+QWidget* recentMenu(const Stage& stage) {
+  OVRecorderWindow& window = stage.application.openedWindow(stage.home.take());
+  auto* const menu = window.findChild<QMenu*>("Open Recent");
+  // The list is read in the background and shown at the next time.
+  const bool isFilled = runMainLoopUntil([&] {
+    Q_EMIT qobject_cast<QMenu*>(menu->parent())->aboutToShow();
+    return !menu->isEmpty();
+  });
+  menu->popup(window.mapToGlobal(QPoint(0, 0)));
+  return isFilled ? menu : nullptr;
+}
+
+QWidget* about(const Stage& stage) {
+  stage.application.newWindow();
+  stage.application.delegate().showAbout();
+  return GalleryApplication::awaitWindow("about");
+}
+
+QWidget* diagnostics(const Stage& stage, bool hasLines) {
+  OVRecorderWindow& window = stage.application.newWindow();
+  if (hasLines) {  // a write that is refused leaves a line
+    GalleryApplication::documentOf(window).buffer()->writeData(
+        "", std::numeric_limits<std::uint64_t>::max(), 8);
+  }
+  GalleryApplication::choose(window, "Diagnostics");
+  return GalleryApplication::awaitWindow("diagnosticsWindow");
+}
+
+constexpr Dialog kDialogs[] = {
+    {"save-as", [](const Stage& stage) -> QWidget* { return savePanel(stage); }},
+    {"save-as-with-tags", [](const Stage& stage) -> QWidget* { return savePanelOfTagged(stage); }},
+    {"save-as-without-cover", saveAsWithoutCover},
+    {"save-as-kinds",
+     [](const Stage& stage) { return listOf(savePanel(stage), "fileTypeButton"); }},
+    {"save-as-folders", [](const Stage& stage) { return listOf(savePanel(stage), "lookInCombo"); }},
+    {"new-folder", newFolder},
+    {"replace", [](const Stage& stage) { return replaceQuestion(stage, stage.home.take()); }},
+    {"replace-with-loss",
+     [](const Stage& stage) { return replaceQuestion(stage, stage.home.finerTake()); }},
+    {"overwrite-in-place", inPlaceQuestion},
+    {"export-ringtone",
+     [](const Stage& stage) { return exportPanel(stage, "Export Ringtone…", kRows); }},
+    {"export-picture",
+     [](const Stage& stage) {
+       return exportPanel(stage, "Export Waveform Picture…", GalleryHome::kPictureRows);
+     }},
+    {"import", [](const Stage& stage) { return importPanel(stage, 1.0, {}); }},
+    {"import-replacing",
+     [](const Stage& stage) { return importPanel(stage, 0.25, stage.home.tagged()); }},
+    {"open", [](const Stage& stage) { return openPanel(stage, {}); }},
+    {"open-missing", [](const Stage& stage) { return openPanel(stage, "Evening.wav"); }},
+    {"unsaved", [](const Stage& stage) { return unsavedQuestion(stage, false); }},
+    {"unsaved-while-recording", [](const Stage& stage) { return unsavedQuestion(stage, true); }},
+    {"about", about},
+    {"diagnostics-empty", [](const Stage& stage) { return diagnostics(stage, false); }},
+    {"diagnostics", [](const Stage& stage) { return diagnostics(stage, true); }},
+    {"menu-file", [](const Stage& stage) -> QWidget* { return openedMenu(stage, 0); }},
+    {"menu-edit", [](const Stage& stage) -> QWidget* { return openedMenu(stage, 1); }},
+    {"menu-transport", [](const Stage& stage) -> QWidget* { return openedMenu(stage, 2); }},
+    {"menu-view", [](const Stage& stage) -> QWidget* { return openedMenu(stage, 3); }},
+    {"menu-help", [](const Stage& stage) -> QWidget* { return openedMenu(stage, 4); }},
+    {"menu-recent", recentMenu},
 };
 
 }  // namespace
 
-void forEachGalleryDialog(double scale, const Show& show) {
-  for (const bool isDark : {false, true}) {
-    const auto dark = isDark ? std::make_unique<support::DarkPalette>() : nullptr;
-    Dialogs dialogs(scale, isDark ? QStringLiteral("-dark-desktop") : QString(), show);
-    dialogs.showAll();
-    dialogs.showDiagnostics();
-    dialogs.showMenu();
+bool forEachGalleryDialog(double scale, const GalleryHome& home,
+                          const std::function<void(const QString&, QWidget&)>& show) {
+  for (const Dialog& dialog : kDialogs) {
+    GalleryApplication application(scale);
+    QWidget* const shown = dialog.show({application, home});
+    if (shown == nullptr || !showOnScreenOfScale(*shown, scale)) {
+      std::fprintf(stderr, "the dialog \"%s\" was not shown\n", dialog.name);
+      return false;
+    }
+    show(QString::fromLatin1(dialog.name), *shown);
+    shown->close();
+    static_cast<void>(drainMainQueue());
   }
-  const QLocale usual;
-  for (const QString& language : OVTranslations::languages()) {
-    const OVTranslations translations({language});
-    QLocale::setDefault(QLocale(language));
-    Dialogs(scale, QLatin1Char('-') + language, show).showAll();
-  }
-  QLocale::setDefault(usual);
+  return true;
 }

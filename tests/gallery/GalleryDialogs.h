@@ -5,9 +5,13 @@
 #include <QString>
 #include <QWidget>
 
-/// Shows alerts, questions, file panels, the diagnostics window and a menu, one after the other, on
-/// the screen of a scale factor, on a light and on a dark desktop, and questions and panels in
-/// every language. `show` receives each and its picture's name.
+class GalleryHome;
+
+/// Shows every panel and question of the program, About, the diagnostics window, the menus and the
+/// lists of the panels, one after the other, on the screen of a scale factor. Each is brought up by
+/// the command that does so in the program, from a document in `home`. `show` receives each and its
+/// picture's name. False, after a line on standard error, if one did not appear.
 ///
 /// Threads: main.
-void forEachGalleryDialog(double scale, const std::function<void(const QString&, QWidget&)>& show);
+[[nodiscard]] bool forEachGalleryDialog(double scale, const GalleryHome& home,
+                                        const std::function<void(const QString&, QWidget&)>& show);

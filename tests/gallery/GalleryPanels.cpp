@@ -3,18 +3,15 @@
 #include <memory>
 #include <vector>
 
-#include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
 
 #include "app/OVRecoveredPanel.h"
 #include "app/OVRecoveredRecordings.h"
-#include "app/OVTranslations.h"
 #include "gallery/GalleryScreen.h"
 #include "platform/base/AudioTypes.h"
 #include "platform/desktop/QtFileDialogs.h"
-#include "support/DarkPalette.h"
 #include "support/MainLoop.h"
 #include "support/RecoveredFolder.h"
 
@@ -80,13 +77,4 @@ void forEachGalleryPanel(double scale, const Show& show) {
   showPanel(scale, "list-long", Occasion::command, many, show);
   showPanel(scale, "list-empty", Occasion::command, {}, show);
   showDeletion(scale, show);
-  const QLocale usual;
-  for (const QString& language : OVTranslations::languages()) {
-    const OVTranslations translations({language});
-    QLocale::setDefault(QLocale(language));
-    showPanel(scale, "question-" + language, Occasion::unexpectedEnd, files(), show);
-  }
-  QLocale::setDefault(usual);
-  const support::DarkPalette dark;
-  showPanel(scale, "question-dark-desktop", Occasion::unexpectedEnd, files(), show);
 }

@@ -4,10 +4,11 @@
 #include <QScreen>
 #include <QWidget>
 
-/// The screens of screens.json: four of the same size in points, with 1, 1.25, 1.5 and 2 device
-/// pixels per point. They exist if the application runs on ORVO_GALLERY_PLATFORM.
+/// The screens of screens.json: five of the same size in points, with 1, 1.25, 1.5, 2 and 1.75
+/// device pixels per point. They exist if the application runs on ORVO_GALLERY_PLATFORM.
 
-/// The scale factors, in the order of the screens.
+/// The scale factors of the pictures, in the order of the screens. Those at 1.75 are tested, but
+/// not kept.
 inline constexpr double kScaleFactors[] = {1.0, 1.25, 1.5, 2.0};
 
 /// The screen of a scale factor; null if the platform has none.

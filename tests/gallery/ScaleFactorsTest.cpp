@@ -1,6 +1,7 @@
 // The window at every scale factor of a desktop, and moved between screens of different factors.
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -284,6 +285,69 @@ TEST_F(ScaleFactorsMovedSpectrumTest, OnAnotherScreenHidingTakesTheStripAwayAndN
     EXPECT_EQ(window_.centralWidget()->size(), QSize(640, 330 + OVSpectrumStrip::kHeight)) << scale;
   }
 }
+
+/// A window with its spectrum, of a size that few factors turn into whole device pixels.
+class ScaleFactorsOddSizeTest : public ScaleFactorsMovedSpectrumTest {
+ protected:
+  void SetUp() override {
+    ScaleFactorsMovedSpectrumTest::SetUp();
+    window_.resize(813, 401 + OVSpectrumStrip::kHeight);
+    moveTo(GetParam());
+    ASSERT_EQ(window_.size(), QSize(813, 401 + OVSpectrumStrip::kHeight));
+    ASSERT_EQ(ui_.wfView->width(), 813);
+    ASSERT_EQ(ui_.fftView->size(), QSize(813, OVSpectrumStrip::kHeight));
+  }
+
+  [[nodiscard]] static bool isWaveform(const QColor& pixel) { return pixel.blue() > 55; }
+  [[nodiscard]] static bool isSpectrum(const QColor& pixel) {
+    return pixel.blue() > 55 && pixel.blue() < 140 && pixel.red() < 60;
+  }
+
+  /// Every pixel of the first and last row and column.
+  static void expectEdges(const QImage& shown, const std::function<bool(const QColor&)>& isRight) {
+    for (int x = 0; x < shown.width(); ++x) {
+      for (const int y : {0, shown.height() - 1}) {
+        ASSERT_TRUE(isRight(shown.pixelColor(x, y))) << x << ", " << y;
+      }
+    }
+    for (int y = 0; y < shown.height(); ++y) {
+      for (const int x : {0, shown.width() - 1}) {
+        ASSERT_TRUE(isRight(shown.pixelColor(x, y))) << x << ", " << y;
+      }
+    }
+  }
+};
+
+TEST_P(ScaleFactorsOddSizeTest, WaveformAndSpectrumArePaintedToTheirLastPixels) {
+  const double scale = GetParam();
+  const QImage rendered = ui_.wfView->image();
+  EXPECT_EQ(rendered.size(), pixels(ui_.wfView->size(), scale));
+  expectEdges(rendered, isWaveform);
+  expectEdges(picture(ui_.wfView), isWaveform);
+  expectEdges(picture(ui_.fftView), isSpectrum);
+}
+
+TEST_P(ScaleFactorsOddSizeTest, TheWindowIsPaintedToItsLastPixelsWithoutACrack) {
+  const double scale = GetParam();
+  const QImage shown = pictureOfWindow(window_);
+  for (int x = 0; x < shown.width(); ++x) {
+    ASSERT_TRUE(isSpectrum(shown.pixelColor(x, shown.height() - 1))) << "column " << x;
+  }
+  const auto top = [&](const QWidget* view) {
+    return static_cast<int>(std::ceil(view->mapTo(&window_, QPoint()).y() * scale));
+  };
+  // Between the views, a row may mix both; none is darker than either.
+  for (int y = top(ui_.wfView); y < shown.height(); ++y) {
+    for (const int x : {0, shown.width() - 1}) {
+      const QColor pixel = shown.pixelColor(x, y);
+      ASSERT_GE(pixel.green(), 30) << x << ", " << y;
+      ASSERT_GT(pixel.blue(), 55) << x << ", " << y;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Desktop, ScaleFactorsOddSizeTest,
+                         testing::Values(1.0, 1.25, 1.5, 1.75, 2.0));
 
 TEST_F(ScaleFactorsMovedWindowTest, ItNeverBecomesSmallerThanEverythingNeeds) {
   moveTo(1.0);
