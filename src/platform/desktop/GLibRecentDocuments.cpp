@@ -163,10 +163,40 @@ void keepEntriesOfNobody(GBookmarkFile* bookmarks) {
   }
 }
 
+bool hasUncountedProgram(GBookmarkFile* bookmarks, const std::string& uri) {
+  const std::unique_ptr<char*, Destroy<g_strfreev>> programs(
+      g_bookmark_file_get_applications(bookmarks, uri.c_str(), nullptr, nullptr));
+  for (char** program = programs.get(); program != nullptr && *program != nullptr; ++program) {
+    unsigned count = 0;
+    g_bookmark_file_get_application_info(bookmarks, uri.c_str(), *program, nullptr, &count, nullptr,
+                                         nullptr);
+    if (count == 0) {
+      return true;
+    }
+  }
+  return false;
+}
+
 std::string textOf(GBookmarkFile* bookmarks) {
   gsize length = 0;
   const Text text(g_bookmark_file_to_data(bookmarks, &length, nullptr));
   return {text.get(), length};
+}
+
+// Empty for a list that would not be the same when it is read again. GLib leaves out programs that
+// are said to have opened a file never, writes the name of a kind as it is, ampersand and all, and
+// reads a line break within a name as a blank.
+std::string writableTextOf(GBookmarkFile* bookmarks) {
+  const auto uris = urisOf(bookmarks);
+  if (std::any_of(uris.begin(), uris.end(), [bookmarks](const std::string& uri) {
+        return hasUncountedProgram(bookmarks, uri);
+      })) {
+    return {};
+  }
+  std::string text = textOf(bookmarks);
+  const ParsedList again = parse(text);
+  const bool isSame = again.bookmarks && textOf(again.bookmarks.get()) == text;
+  return isSame ? text : std::string();
 }
 
 // Failures show when the list is written there.
@@ -222,7 +252,11 @@ GLibRecentDocuments::Outcome GLibRecentDocuments::tryToNote(const std::string& d
   }
   enter(list.bookmarks.get(), document, mimeTypeOf_(document), timeOf(clock_()).get());
   keepEntriesOfNobody(list.bookmarks.get());
-  const std::string after = textOf(list.bookmarks.get());
+  const std::string after = writableTextOf(list.bookmarks.get());
+  if (after.empty()) {
+    reportFailure(file_, "An entry of it cannot be written.");
+    return Outcome::failed;
+  }
   if (after.size() > kMaxList) {
     reportFailure(file_, tooLong());
     return Outcome::failed;

@@ -5,8 +5,8 @@
 #include <chrono>
 #include <cstring>
 #include <limits>
-#include <mutex>
 
+#include "platform/ffmpeg/AllocationBound.h"
 #include "platform/ffmpeg/Ffmpeg.h"
 #include "platform/ffmpeg/FfmpegStatus.h"
 #include "platform/ffmpeg/HeaderCorrection.h"
@@ -49,9 +49,7 @@ int interruptionIsDue(void* interruption) {
 std::unique_ptr<AudioFileDemuxer> AudioFileDemuxer::open(File& file, std::uint64_t size,
                                                          const std::string& path,
                                                          DecodingBudget& interruption, int& error) {
-  static std::once_flag bounded;
-  std::call_once(bounded, [] { av_max_alloc(kLargestAllocation); });
-
+  allowAllocations(allocationBoundFor(size));
   auto io = AudioFileIo::forReading(file, size, interruption);
   if (io == nullptr) {
     error = AVERROR(ENOMEM);

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/ffmpeg/AllocationBound.h"
 #include "platform/ffmpeg/AudioFileIo.h"
 #include "platform/ffmpeg/AudioFileTagWriting.h"
 #include "platform/ffmpeg/AvResources.h"
@@ -120,6 +121,7 @@ AudioStatus FfmpegAudioFileOutput::start(UserAudioFiles::Opened file, const Audi
   if (!file) {
     return keepStatus(audioFileStatus(AudioFileStage::writing, AVERROR(file.error())));
   }
+  allowAllocations(kLargestAllocationBound);  // its index is as long as the document
   file_ = *std::move(file);
   io_ = AudioFileIo::forWriting(*file_);
   packet_.reset(av_packet_alloc());

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "platform/ffmpeg/AllocationBound.h"
 #include "platform/ffmpeg/Ffmpeg.h"
 
 namespace platform {
@@ -99,7 +100,7 @@ int ffmpegVerdict(int error) {
   if (!isErrno || error == AVERROR(ENOSYS)) {  // "not implemented"
     return error;
   }
-  return error == AVERROR(ENOMEM) && !systemGrants(kLargestAllocation) ? error
+  return error == AVERROR(ENOMEM) && !systemGrants(allocationBound()) ? error
                                                                        : AVERROR_INVALIDDATA;
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-
 #include "platform/base/AudioTypes.h"
 #include "platform/media/AudioFileStatus.h"
 
@@ -22,12 +20,9 @@ enum class AudioFileStage {
 /// kCancelledStatus.
 [[nodiscard]] AudioStatus audioFileStatus(AudioFileStage stage, int error);
 
-/// Bound for a single allocation by FFmpeg, in bytes, which a damaged length field can inflate.
-inline constexpr std::size_t kLargestAllocation = std::size_t{512} << 20;
-
 /// An error that a function of FFmpeg returned, as its own verdict. Demuxers, decoders, encoders
 /// and muxers return errnos too (EPERM, EIO, ENOMEM) that no system call gave them: those are
-/// AVERROR_INVALIDDATA here. ENOMEM stays if the system does refuse kLargestAllocation.
+/// AVERROR_INVALIDDATA here. ENOMEM stays if the system does refuse allocationBound().
 [[nodiscard]] int ffmpegVerdict(int error);
 
 }  // namespace platform

@@ -368,6 +368,19 @@ TEST_F(GLibRecentDocumentsTest, LeaveAListThatCannotBeReadAsItIs) {
   expectLeftAlone(kHead + entry("/theirs", "Other", "yesterday") + "</xbel>");
 }
 
+// GLib writes the name of a kind as it is, ampersand and all, reads a line break as a blank, and
+// leaves out a program without a count.
+TEST_F(GLibRecentDocumentsTest, LeaveAListThatWouldLoseSomethingAsItIs) {
+  expectLeftAlone(kHead +
+                  entry("/theirs", "Other", "2020-01-01T00:00:00Z",
+                        "<mime:mime-type type='audio/x-&amp;wav'/>") +
+                  "</xbel>");
+  std::string never = kHead + entry("/theirs", "Other", "2020-01-01T00:00:00Z") + "</xbel>";
+  never.replace(never.find("count='1'"), 9, "count='0'");
+  expectLeftAlone(never);
+  expectLeftAlone(kHead + entry("/theirs", "One&#10;line", "2020-01-01T00:00:00Z") + "</xbel>");
+}
+
 TEST_F(GLibRecentDocumentsTest, LeaveAListThatIsTooLongAsItIs) {
   const std::string end = "</title></xbel>";
   std::string text = kHead + "<title>";

@@ -4,10 +4,10 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/ffmpeg/AllocationBound.h"
 #include "platform/ffmpeg/Ffmpeg.h"
 #include "platform/ffmpeg/FfmpegLog.h"
 #include "platform/ffmpeg/FfmpegMakers.h"
-#include "platform/ffmpeg/FfmpegStatus.h"
 #include "support/fakes/RecordingServices.h"
 #include "support/fakes/TestUserAudioFiles.h"
 
@@ -18,7 +18,7 @@ namespace {
 class SmallAllocations {
  public:
   explicit SmallAllocations(std::size_t largest) { av_max_alloc(largest); }
-  ~SmallAllocations() { av_max_alloc(kLargestAllocation); }
+  ~SmallAllocations() { av_max_alloc(allocationBound()); }
   SmallAllocations(const SmallAllocations&) = delete;
   SmallAllocations& operator=(const SmallAllocations&) = delete;
 };

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/ffmpeg/AllocationBound.h"
 #include "platform/ffmpeg/Ffmpeg.h"
 #include "support/AddressSpaceLimit.h"
 #include "support/Sanitizers.h"
@@ -67,7 +68,8 @@ TEST(FfmpegStatusTest, MemoryThatTheSystemRefusesIsNotTheFilesFault) {
   if (support::kAnySanitizer) {
     GTEST_SKIP() << "sanitizers reserve more than any limit allows";
   }
-  const support::AddressSpaceLimit limit(kLargestAllocation / 2);
+  allowAllocations(kLargestAllocationBound);
+  const support::AddressSpaceLimit limit(kLargestAllocationBound / 2);
   EXPECT_EQ(ffmpegVerdict(AVERROR(ENOMEM)), AVERROR(ENOMEM));
 }
 
