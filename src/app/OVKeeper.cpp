@@ -4,6 +4,12 @@
 
 #include "app/OVInstalledFile.h"
 
+namespace {
+
+constexpr double kAgain = 1.0;  // seconds
+
+}  // namespace
+
 OVKeeper::OVKeeper(const std::string& program)
     : connection_(std::make_shared<KeeperConnection>(program)), installed_(connection_) {
   connection_->setChangeHandler([this] { watch(); });
@@ -23,6 +29,7 @@ std::string OVKeeper::programPath(const QString& folder) {
 void OVKeeper::watch() {
   if (watched_ != connection_->starts() || connection_->descriptor() < 0) {
     unwatch();
+    again_.reset();
   }
   if (connection_->descriptor() < 0) {
     return;
@@ -32,7 +39,14 @@ void OVKeeper::watch() {
     gone_ = notifier(QSocketNotifier::Read, &KeeperConnection::check);
     takesMessages_ = notifier(QSocketNotifier::Write, &KeeperConnection::sendPending);
   }
-  takesMessages_->setEnabled(connection_->hasPending());
+  using Waiting = KeeperConnection::Waiting;
+  const Waiting waiting = connection_->waiting();
+  takesMessages_->setEnabled(waiting == Waiting::forKeeper);
+  if (waiting != Waiting::forSystem) {
+    again_.reset();
+  } else if (!again_) {
+    again_ = std::make_unique<platform::Timer>(kAgain, [this] { connection_->sendPending(); });
+  }
 }
 
 std::unique_ptr<QSocketNotifier> OVKeeper::notifier(QSocketNotifier::Type type,

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include "platform/base/Installed.h"
+#include "platform/mainloop/Timer.h"
 #include "recovery/KeeperConnection.h"
 
 /// The keeper of this program's recordings: connects it with the main loop, which tells when it is
@@ -38,4 +39,5 @@ class OVKeeper {
   int watched_ = 0;  // connection_->starts() when the notifiers were made
   std::unique_ptr<QSocketNotifier> gone_;
   std::unique_ptr<QSocketNotifier> takesMessages_;
+  std::unique_ptr<platform::Timer> again_;  // while the system takes no message
 };

@@ -80,7 +80,8 @@ void KeeperConnection::sendPending() {
     }
     const int error = channel_->send(std::as_bytes(std::span(&message, 1)),
                                      std::span<const int>(descriptors.data(), count));
-    if (error == EAGAIN) {
+    isHeldUp_ = error == ENOBUFS;
+    if (isHeldUp_ || error == EAGAIN) {
       break;
     }
     if (error != 0) {
@@ -90,6 +91,13 @@ void KeeperConnection::sendPending() {
     pending_.pop_front();
   }
   changed();
+}
+
+KeeperConnection::Waiting KeeperConnection::waiting() const {
+  if (pending_.empty()) {
+    return Waiting::forNothing;
+  }
+  return isHeldUp_ ? Waiting::forSystem : Waiting::forKeeper;
 }
 
 void KeeperConnection::check() {

@@ -49,16 +49,19 @@ class KeeperConnection : public RecordingKeeper {
   [[nodiscard]] int descriptor() const { return channel_ ? channel_->descriptor() : -1; }
   /// Number of keepers started so far: descriptor() is another one whenever it changes.
   [[nodiscard]] int starts() const { return starts_; }
-  /// A message waits until the keeper takes it.
-  [[nodiscard]] bool hasPending() const { return !pending_.empty(); }
+  /// What the next message waits for: nothing, as there is none; the keeper, until descriptor() is
+  /// writable; or the system, which has too little room just now and is asked again by
+  /// sendPending().
+  enum class Waiting { forNothing, forKeeper, forSystem };
+  [[nodiscard]] Waiting waiting() const;
   /// The system's number of the keeper's process; -1 for none.
   [[nodiscard]] int keeperProcess() const { return process_ ? process_->number() : -1; }
 
   /// descriptor() is readable: starts a new keeper if the present one is gone.
   void check();
-  /// descriptor() is writable: sends what waits.
+  /// descriptor() is writable, or the system may have room again: sends what waits.
   void sendPending();
-  /// Called when descriptor() or hasPending() may have changed.
+  /// Called when descriptor() or waiting() may have changed.
   void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
 
  private:
@@ -77,6 +80,7 @@ class KeeperConnection : public RecordingKeeper {
   std::chrono::steady_clock::time_point started_;
   int starts_ = 0;
   int failures_ = 0;
+  bool isHeldUp_ = false;  // by the system
   bool isAvailable_ = true;
   std::function<void()> changed_;
 };

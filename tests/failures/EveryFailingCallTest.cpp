@@ -2,6 +2,7 @@
 // recording, playing, saving, importing, undoing and recovering: one run in which just this one
 // fails. Nothing crashes, no frame is lost that was there, and the user is told at most once.
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -21,6 +22,7 @@
 #include "platform/files/PosixFile.h"
 #include "storage/OVBlockBuffer.h"
 #include "support/RecoveredFolder.h"
+#include "support/TemporaryFolder.h"
 
 namespace {
 
@@ -309,6 +311,33 @@ TEST_F(EveryFailingCallTest, OpeningWhatWasRecoveredGivesAllOrKeepsTheFile) {
                         EXPECT_EQ(recoveredFilesIn(folder->path()).files.size(), 1U);
                       }
                     }});
+}
+
+// What a file under way is said to be when the call of this name fails.
+OVRecoveredFile::State stateIfFails(const std::string& call, const std::string& folder) {
+  for (std::uint64_t number = 1;; ++number) {
+    failing::begin(number);
+    const auto listing = recoveredFilesIn(folder);
+    failing::end();
+    if (failing::failed() == call && !listing.files.empty()) {
+      return listing.files.front().state;
+    }
+    if (!failing::hasFailed()) {
+      ADD_FAILURE() << call << " is not called";
+      return OVRecoveredFile::State::whole;
+    }
+  }
+}
+
+TEST(DiskWithoutLocksTest, FileUnderWayIsBeingWrittenWhileItChanges) {
+  const support::TemporaryFolder data;
+  const support::RecoveredFolder folder(data.path());
+  const std::string path =
+      folder.put(std::string(kRecovered) + ".part", support::recoveredCaf({0, 0, 0, 0}, 1000));
+  EXPECT_EQ(stateIfFails("flock", folder.path()), OVRecoveredFile::State::beingWritten);
+  namespace fs = std::filesystem;
+  fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::minutes(2));
+  EXPECT_EQ(stateIfFails("flock", folder.path()), OVRecoveredFile::State::damaged);
 }
 
 // A keeper whose one call fails tries again: it is told nothing by the program that has ended.

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "keeper/KeptRecordings.h"
+#include "support/DescriptorsOnTheirWay.h"
 #include "support/Eventually.h"
 #include "support/Sanitizers.h"
 #include "support/TemporaryFolder.h"
@@ -22,6 +23,7 @@
 
 namespace {
 
+using Waiting = KeeperConnection::Waiting;
 using support::editedBuffer;
 using support::eventually;
 using support::pattern;
@@ -203,7 +205,7 @@ TEST_F(KeeperConnectionTest, StoppedKeeperIsNeverWaitedFor) {
   ASSERT_TRUE(eventually([&] { return support::processState(keeper) == 'T'; }));
   keep(1);
   std::uint64_t document = 1;
-  while (!connection_->hasPending()) {
+  while (connection_->waiting() == Waiting::forNothing) {
     if (++document % 2 == 0) {
       connection_->keep(document / 2 + 1, {.audio = buffers_[0]->fileDescriptor(),
                                            .journal = buffers_[0]->journal()->descriptor()});
@@ -211,16 +213,43 @@ TEST_F(KeeperConnectionTest, StoppedKeeperIsNeverWaitedFor) {
       connection_->letGo(document / 2 + 1);
     }
   }
+  EXPECT_EQ(connection_->waiting(), Waiting::forKeeper);
   connection_->letGo(document / 2 + 1);
   keep(1'000'000);
   ASSERT_EQ(::kill(keeper, SIGCONT), 0);
   ASSERT_TRUE(eventually([&] {
     connection_->sendPending();
-    return !connection_->hasPending();
+    return connection_->waiting() == Waiting::forNothing;
   }));
   EXPECT_TRUE(holds(2));
   end();
   EXPECT_EQ(recoveredNames(data_.path()).size(), 2U);
+}
+
+TEST_F(KeeperConnectionTest, DescriptorsThatTheSystemDoesNotTakeAreSentLater) {
+  connection_->start();
+  ASSERT_TRUE(holds(0));
+  const int keeper = connection_->keeperProcess();
+  ASSERT_EQ(::kill(keeper, SIGSTOP), 0);
+  ASSERT_TRUE(eventually([&] { return support::processState(keeper) == 'T'; }));
+  keep(1);
+  std::uint64_t last = 1;
+  {
+    const support::DescriptorsOnTheirWay few(20);
+    while (last < 100 && connection_->waiting() == Waiting::forNothing) {
+      connection_->keep(++last, {.audio = buffers_[0]->fileDescriptor(),
+                                 .journal = buffers_[0]->journal()->descriptor()});
+    }
+    EXPECT_EQ(connection_->waiting(), Waiting::forSystem);
+  }
+  ASSERT_EQ(::kill(keeper, SIGCONT), 0);
+  keep(1'000'000);
+  ASSERT_TRUE(eventually([&] {
+    connection_->sendPending();
+    return connection_->waiting() == Waiting::forNothing;
+  }));
+  EXPECT_EQ(connection_->keeperProcess(), keeper);
+  EXPECT_TRUE(holds(last + 1));
 }
 
 TEST_F(KeeperConnectionTest, KeeperThatLivesWhenItsConnectionFailsWritesNothing) {

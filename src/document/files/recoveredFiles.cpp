@@ -54,6 +54,16 @@ QDateTime startOf(const platform::PrivateFile& file) {
              : QDateTime::fromSecsSinceEpoch(std::chrono::system_clock::to_time_t(file.modified()));
 }
 
+// Whether a writer has the file. Without locks, one that has changed just now has one.
+bool isHeld(platform::PrivateFile& file) {
+  using Lock = platform::PrivateFile::Lock;
+  constexpr std::chrono::minutes kLately{1};
+  const Lock lock = file.lock();
+  return lock == Lock::heldByAnother ||
+         (lock == Lock::notToBeHad && isUnfinished(file.name()) &&
+          std::chrono::system_clock::now() - file.modified() < kLately);
+}
+
 // Nothing for a file that is not to be listed.
 std::optional<OVRecoveredFile> examine(const platform::PrivateFolder& opener,
                                        const std::string& folder, const std::string& name,
@@ -68,7 +78,7 @@ std::optional<OVRecoveredFile> examine(const platform::PrivateFolder& opener,
   found.start = startOf(*file);
   found.byteCount = file->content().size();
   found.number = file->number();
-  if (!file->lock()) {
+  if (isHeld(*file)) {
     if (!isUnfinished(name)) {
       ++listing.lockedElsewhere;
       return std::nullopt;

@@ -13,7 +13,8 @@
 ///
 /// Its name is "Orvo recording 2026-11-21 14.02.31.caf", the local time at which its first
 /// recording began, with " 2", " 3" before the suffix for further ones of the same second. While it
-/// is being written, ".part" follows the suffix and the writer holds the file's lock.
+/// is being written, ".part" follows the suffix and the writer holds the file's lock; where there
+/// are no locks, it has changed within the last minute.
 struct OVRecoveredFile {
   enum class State {
     whole,

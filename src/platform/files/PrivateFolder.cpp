@@ -65,12 +65,15 @@ std::chrono::system_clock::time_point PrivateFile::modified() const {
                                                                                    : 0);
 }
 
-bool PrivateFile::lock() {
+PrivateFile::Lock PrivateFile::lock() {
   int result = 0;
   do {
     result = ::flock(descriptor_, LOCK_EX | LOCK_NB);
   } while (result != 0 && errno == EINTR);
-  return result == 0 || errno != EWOULDBLOCK;
+  if (result == 0) {
+    return Lock::taken;
+  }
+  return errno == EWOULDBLOCK ? Lock::heldByAnother : Lock::notToBeHad;
 }
 
 int PrivateFile::checkName() const {

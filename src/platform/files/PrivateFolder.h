@@ -30,10 +30,13 @@ class PrivateFile {
   /// When its content last changed.
   [[nodiscard]] std::chrono::system_clock::time_point modified() const;
 
-  /// Takes the lock of the whole file, without waiting; the object holds it until its end. False if
-  /// another object, in this program or another, holds it. Where the file system has no locks, it
-  /// counts as taken.
-  [[nodiscard]] bool lock();
+  enum class Lock {
+    taken,          ///< until this object's end
+    heldByAnother,  ///< object, of this program or another
+    notToBeHad,     ///< the file system has no locks, or did not answer: nobody knows of others
+  };
+  /// Takes the lock of the whole file, without waiting.
+  [[nodiscard]] Lock lock();
 
   /// 0 if the file still has its name; ESTALE if another one has it, ENOENT if none has.
   [[nodiscard]] int checkName() const;

@@ -69,8 +69,8 @@ int DescriptorChannel::send(std::span<const std::byte> message, std::span<const 
   if (sent >= 0) {
     return 0;
   }
-  // Too many descriptors on their way, or no memory for a moment: the other end is behind.
-  return errno == ETOOMANYREFS || errno == ENOBUFS ? EAGAIN : errno;
+  // Too many descriptors of this user's are on their way, or there is no memory for a moment.
+  return errno == ETOOMANYREFS || errno == ENOMEM ? ENOBUFS : errno;
 }
 
 DescriptorChannel::Received DescriptorChannel::receive(std::span<std::byte> message,

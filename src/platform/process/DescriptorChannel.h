@@ -32,7 +32,9 @@ class DescriptorChannel {
   [[nodiscard]] int descriptor() const { return descriptor_; }
 
   /// Sends a message and copies of descriptors; never waits. Returns 0; EAGAIN while the other end
-  /// is too far behind, with nothing sent; EPIPE or ECONNRESET once it is gone; or another errno.
+  /// is too far behind, with nothing sent, until descriptor() is writable; ENOBUFS while the system
+  /// takes no more, which descriptor() does not tell; EPIPE or ECONNRESET once the other end is
+  /// gone; or another errno.
   [[nodiscard]] int send(std::span<const std::byte> message, std::span<const int> descriptors);
 
   struct Received {

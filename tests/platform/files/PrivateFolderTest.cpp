@@ -143,18 +143,18 @@ TEST_F(PrivateFolderTest, AFileWithoutTheRightToWriteIsOpenedToo) {
   ASSERT_EQ(::chmod(at("file").c_str(), 0400), 0);
   const auto file = open().open("file");
   ASSERT_TRUE(file);
-  EXPECT_TRUE((*file)->lock());
+  EXPECT_EQ((*file)->lock(), PrivateFile::Lock::taken);
 }
 
 TEST_F(PrivateFolderTest, TheLockIsHeldByOneUntilItsEnd) {
   put("file");
   auto first = openFile("file");
   const auto second = openFile("file");
-  EXPECT_TRUE(first->lock());
-  EXPECT_TRUE(first->lock()) << "its own";
-  EXPECT_FALSE(second->lock());
+  EXPECT_EQ(first->lock(), PrivateFile::Lock::taken);
+  EXPECT_EQ(first->lock(), PrivateFile::Lock::taken) << "its own";
+  EXPECT_EQ(second->lock(), PrivateFile::Lock::heldByAnother);
   first.reset();
-  EXPECT_TRUE(second->lock());
+  EXPECT_EQ(second->lock(), PrivateFile::Lock::taken);
 }
 
 TEST_F(PrivateFolderTest, AFileOutlivesTheFolderObjectAndIsRemoved) {

@@ -10,6 +10,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "support/DescriptorsOnTheirWay.h"
+
 namespace platform {
 namespace {
 
@@ -79,6 +81,26 @@ TEST_F(DescriptorChannelTest, SendingNeverWaitsForAnEndThatDoesNotReceive) {
     EXPECT_EQ(received(), "message");
   }
   EXPECT_EQ(send("again"), 0);
+}
+
+TEST_F(DescriptorChannelTest, DescriptorsThatTheSystemDoesNotTakeAreNotForTheOtherEndToMend) {
+  const std::array<int, 2> ends{here_->descriptor(), there_->descriptor()};
+  int error = 0;
+  int sent = 0;
+  {
+    const support::DescriptorsOnTheirWay few(20);
+    while ((error = send("message", ends)) == 0) {
+      ++sent;
+    }
+    EXPECT_EQ(error, ENOBUFS);
+  }
+  EXPECT_EQ(send("again", ends), 0);
+  for (int i = 0; i <= sent; ++i) {
+    EXPECT_EQ(received(), i < sent ? "message" : "again");
+    for (const int descriptor : last_.descriptors) {
+      ::close(descriptor);
+    }
+  }
 }
 
 TEST_F(DescriptorChannelTest, WhenTheOtherEndIsGoneBothCallsSaySo) {
