@@ -579,7 +579,7 @@ Versuchen Sie orvo --help</translation>
     </message>
     <message>
         <source>The recording was stopped</source>
-        <translation>Die Aufnahme wurde angehalten</translation>
+        <translation>Die Aufnahme wurde beendet</translation>
     </message>
     <message>
         <source>The audio could not be written to the temporary file. %1
@@ -591,7 +591,7 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
     </message>
     <message>
         <source>Playing was stopped</source>
-        <translation>Die Wiedergabe wurde angehalten</translation>
+        <translation>Die Wiedergabe wurde beendet</translation>
     </message>
     <message>
         <source>The audio could not be read from the temporary file. %1</source>

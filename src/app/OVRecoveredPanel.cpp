@@ -65,6 +65,7 @@ QString recoveredLengthText(std::uint64_t frames) {
 OVRecoveredPanel::OVRecoveredPanel(Occasion occasion, Commands commands)
     : occasion_(occasion),
       commands_(std::move(commands)),
+      title_(new QLabel),
       heading_(new QLabel),
       list_(new QTreeWidget),
       buttons_(new QDialogButtonBox) {
@@ -82,13 +83,19 @@ OVRecoveredPanel::OVRecoveredPanel(Occasion occasion, Commands commands)
 
 QLayout* OVRecoveredPanel::makeHeading() {
   auto* const icon = new QLabel;
-  icon->setPixmap(platform::programPicture(*this));
+  platform::showProgramPicture(*icon);
+  title_->setObjectName("recoveredTitle");
+  platform::makeTitle(*title_);
   heading_->setObjectName("recoveredHeading");
-  heading_->setWordWrap(true);
-  heading_->setMinimumWidth(kMinimumTextWidth);
+  auto* const texts = new QVBoxLayout;
+  for (QLabel* const text : {title_, heading_}) {
+    text->setWordWrap(true);
+    text->setMinimumWidth(kMinimumTextWidth);
+    texts->addWidget(text);
+  }
   auto* const row = new QHBoxLayout;
   row->addWidget(icon, 0, Qt::AlignTop);
-  row->addWidget(heading_, 1);
+  row->addLayout(texts, 1);
   return row;
 }
 
@@ -180,22 +187,24 @@ OVRecoveredPanel::Paths OVRecoveredPanel::pathsThatAre(Qt::CheckState state) con
 
 void OVRecoveredPanel::showHeading() {
   const int count = list_->topLevelItemCount();
+  const QString title = count > 0 && occasion_ == Occasion::unexpectedEnd
+                            ? localized("Orvo ended unexpectedly.")
+                            : "";
   QStringList sentences;
   if (count == 0) {
     sentences << localized("There are no recovered recordings.");
   } else {
-    if (occasion_ == Occasion::unexpectedEnd) {
-      sentences << localized("Orvo ended unexpectedly.");
-    }
     sentences << localized("Recordings kept: %1").arg(count)
               << localized(
                      "Each recording opens in a window of its own. It is kept until you save "
                      "or discard it.");
   }
+  title_->setText(title);
+  title_->setVisible(!title.isEmpty());
   heading_->setText(sentences.join("\n\n"));
   // A window's size does not follow the height of wrapped text.
   heading_->setMinimumHeight(heading_->heightForWidth(kMinimumTextWidth));
-  setAccessibleDescription(sentences.join(' '));
+  setAccessibleDescription(platform::sentencesInARow(QStringList(title) + sentences));
 }
 
 void OVRecoveredPanel::enableButtons() {

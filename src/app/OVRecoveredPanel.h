@@ -56,6 +56,7 @@ class OVRecoveredPanel : public QDialog {
 
   const Occasion occasion_;
   const Commands commands_;
+  QLabel* const title_;
   QLabel* const heading_;
   QTreeWidget* const list_;
   QDialogButtonBox* const buttons_;

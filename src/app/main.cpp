@@ -21,6 +21,7 @@
 #include "audio/OVFileKinds.h"
 #include "platform/desktop/DBusSleepInhibitor.h"
 #include "platform/desktop/DesktopColours.h"
+#include "platform/desktop/DialogStyle.h"
 #include "platform/desktop/FileUri.h"
 #include "platform/desktop/GLibRecentDocuments.h"
 #include "platform/desktop/MessageBox.h"
@@ -96,6 +97,7 @@ int main(int argc, char** argv) {
   int argumentsForQt = static_cast<int>(commandLine.forQt().size()) - 1;
   QApplication application(argumentsForQt, commandLine.forQt().data());
   platform::outliveSessionManager();
+  platform::DialogStyle::install();
   fonts.finish();
   // Loading cubeb and opening the microphone takes as long as showing a window, so it starts after
   // the window is shown; the recorder does not wait for it.

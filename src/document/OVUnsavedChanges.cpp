@@ -65,15 +65,15 @@ bool OVUnsavedChanges::refusesQuit() {
 
 void OVUnsavedChanges::ask() {
   using Role = platform::SheetRequest::Button::Role;
-  QString message = localized("Your changes will be lost if you don’t save them.");
+  QStringList message{localized("Your changes will be lost if you don’t save them.")};
   if (parts_.transport.isRecording()) {
-    message += QLatin1Char(' ') + localized("The recording was paused.");
+    message << localized("The recording was paused.");
   }
   state_ = State::asking;
   parts_.panels.ask(
       {.title =
            localized("Do you want to save the changes made to “%1”?").arg(parts_.file.shownName()),
-       .message = message,
+       .message = platform::sentencesInARow(message),
        .buttons = {{localized("&Save"), kSave, Role::accept},
                    {localized("Do&n’t Save"), kDontSave, Role::destructive},
                    {localized("&Cancel"), kCancelClosing, Role::reject}}},

@@ -5,9 +5,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QInputDialog>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QScopeGuard>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -94,6 +96,10 @@ TEST_P(TranslatedPanelsTest, TheQuestionForANewFolderIsWhole) {
   auto* const question = shownDialog<QInputDialog>(panel, "newFolderQuestion");
   ASSERT_NE(question, nullptr);
   EXPECT_EQ(question->windowTitle(), translated("New Folder"));
+  const auto* const ok = question->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
+  EXPECT_FALSE(ok->isEnabled()) << "there is no name yet";
+  question->setTextValue(QStringLiteral("Takes"));
+  EXPECT_TRUE(ok->isEnabled());
   expectNothingClipped(*question);
   expectKeyLetters(*question);
   question->reject();

@@ -2,10 +2,12 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <string_view>
 
 #include <QApplication>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QTranslator>
 
 #include "app/OVRecoveredRecordings.h"
 #include "app/VelmarAppDelegate.h"
@@ -128,6 +130,21 @@ void noPage(AlertScene& scene) {
   SceneApplication()->openDocumentation(nullptr);
 }
 
+/// A language whose help page is not installed.
+class NoHelpPage : public QTranslator {
+ public:
+  [[nodiscard]] QString translate(const char*, const char* text, const char*, int) const override {
+    return text == std::string_view("en/index.html") ? QStringLiteral("en/none.html") : QString();
+  }
+  [[nodiscard]] bool isEmpty() const override { return false; }
+};
+
+void missingPage(AlertScene&) {
+  NoHelpPage none;
+  QCoreApplication::installTranslator(&none);
+  SceneApplication()->openDocumentation(nullptr);
+}
+
 // Another file takes the name while the question is shown.
 void notDeleted(AlertScene& scene) {
   constexpr int kDelete = 1;
@@ -190,8 +207,8 @@ GalleryAlerts storageAlerts() {
 
 GalleryAlerts applicationAlerts() {
   AlertCollection application("application");
-  for (const auto scene :
-       {noRoomForAWindow, noRoomForAPanel, quitWithAPanel, noProgramForAPage, noPage, notDeleted}) {
+  for (const auto scene : {noRoomForAWindow, noRoomForAPanel, quitWithAPanel, noProgramForAPage,
+                           noPage, missingPage, notDeleted}) {
     application.add(scene);
   }
   return application.take();

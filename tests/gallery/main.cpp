@@ -24,6 +24,7 @@
 #include "gallery/GalleryPanels.h"
 #include "gallery/GalleryScreen.h"
 #include "gallery/GalleryWindows.h"
+#include "platform/desktop/DialogStyle.h"
 #include "support/DarkPalette.h"
 
 namespace {
@@ -105,6 +106,7 @@ bool saveDialogs(const QString& folder) {
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", ORVO_GALLERY_PLATFORM);
   QApplication application(argc, argv);
+  platform::DialogStyle::install();
   QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));  // of the platform
   const QTemporaryDir settings;
   QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());

@@ -59,19 +59,19 @@ void tellGaps(const std::string& path, double seconds, bool saved) {
       sentenceWithName(saved ? textKey("%1 was saved with gaps") : textKey("%1 could not be saved"),
                        path)
           .toStdString(),
-      (gaps + QLatin1Char(' ') + outcome).toStdString());
+      platform::sentencesInARow({gaps, outcome}).toStdString());
 }
 
 std::string reasonOf(const OVSaveJob::Outcome& outcome) {
   const std::string reason = outcome.closedFolder.empty()
                                  ? platform::failureReason(outcome.error)
                                  : closedFolderReason(outcome.closedFolder);
-  return outcome.copyOfOldFile.empty()
-             ? reason
-             : reason + ' ' +
-                   localized("The file is damaged. What was in it is kept in %1.")
-                       .arg(platform::shownName(outcome.copyOfOldFile))
-                       .toStdString();
+  if (outcome.copyOfOldFile.empty()) {
+    return reason;
+  }
+  const QString copy = localized("The file is damaged. What was in it is kept in %1.")
+                           .arg(platform::shownName(outcome.copyOfOldFile));
+  return platform::sentencesInARow({QString::fromStdString(reason), copy}).toStdString();
 }
 
 }  // namespace

@@ -5,10 +5,8 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QStyle>
 
 #include "platform/base/ApplicationServices.h"
-#include "platform/desktop/DarkMenuStyle.h"
 
 namespace platform {
 
@@ -79,10 +77,6 @@ void DesktopColours::follow(const QVariant& colorScheme) {
 }
 
 void DesktopColours::setDark(bool isDark) {
-  if (isDark && QApplication::style()->name() == QLatin1String("fusion")) {
-    QApplication::setStyle(new DarkMenuStyle);  // stays: it changes dark menus only
-  }
-  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the application owns its style
   QApplication::setPalette(isDark ? darkPalette() : QPalette());
 }
 

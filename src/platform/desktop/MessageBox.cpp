@@ -1,7 +1,7 @@
 #include "platform/desktop/MessageBox.h"
 
+#include <QEvent>
 #include <QGridLayout>
-#include <QLabel>
 
 #include "platform/mainloop/Localization.h"
 
@@ -21,6 +21,24 @@ void widen(QGridLayout& grid, QLabel* text) {
   grid.setColumnMinimumWidth(column, kMinimumTextWidth);
 }
 
+/// A dialog knows its screen only once it is shown.
+class SharpPicture : public QObject {
+ public:
+  explicit SharpPicture(QLabel& label) : QObject(&label), label_(label) { draw(); }
+
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::Show || event->type() == QEvent::ScreenChangeInternal) {
+      draw();
+    }
+    return QObject::eventFilter(watched, event);
+  }
+
+ private:
+  void draw() { label_.setPixmap(programIcon().pixmap(kPictureSize, label_.devicePixelRatioF())); }
+
+  QLabel& label_;
+};
+
 }  // namespace
 
 QIcon programIcon() {
@@ -31,22 +49,29 @@ QIcon programIcon() {
   return icon;
 }
 
-QPixmap programPicture(const QWidget& dialog) {
-  return programIcon().pixmap(kPictureSize, dialog.devicePixelRatioF());
+void showProgramPicture(QLabel& label) {
+  label.installEventFilter(new SharpPicture(label));
+}
+
+void makeTitle(QLabel& label) {
+  QFont font = label.font();
+  font.setBold(true);
+  label.setFont(font);
 }
 
 void fillMessageBox(QMessageBox& box, const QString& title, const QString& message) {
   box.setWindowTitle(localized("Orvo"));
-  box.setIconPixmap(programPicture(box));
+  box.setIconPixmap(programIcon().pixmap(kPictureSize));  // makes its label
+  if (auto* const picture = box.findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label"))) {
+    showProgramPicture(*picture);
+  }
   box.setText(title);
   box.setInformativeText(message);
   for (QLabel* const label : box.findChildren<QLabel*>()) {
     label->setTextFormat(Qt::PlainText);
   }
   if (auto* const heading = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
-    QFont font = heading->font();
-    font.setBold(true);
-    heading->setFont(font);
+    makeTitle(*heading);
     widen(*qobject_cast<QGridLayout*>(box.layout()), heading);
   }
 }

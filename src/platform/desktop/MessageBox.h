@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QIcon>
+#include <QLabel>
 #include <QMessageBox>
-#include <QPixmap>
 #include <QString>
 
 /// The look of every alert and question: the program's icon, a bold title with the message below
@@ -14,8 +14,11 @@ namespace platform {
 
 [[nodiscard]] QIcon programIcon();
 
-/// The program's icon for a view of a dialog, sharp on its screen.
-[[nodiscard]] QPixmap programPicture(const QWidget& dialog);
+/// Shows the program's icon in a label of a dialog, sharp on the screen where the dialog is shown.
+void showProgramPicture(QLabel& label);
+
+/// The look of a title: bold.
+void makeTitle(QLabel& label);
 
 /// Fills a message box that has no buttons yet. `message` may be empty.
 void fillMessageBox(QMessageBox& box, const QString& title, const QString& message);

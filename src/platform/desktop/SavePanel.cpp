@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 
+#include <QDialogButtonBox>
 #include <QInputDialog>
 #include <QPushButton>
 #include <QStyle>
@@ -181,6 +182,13 @@ void SavePanel::askForNewFolder() {
     }
   });
   question->open();  // makes what is in it
+  const auto enableOk = [question](const QString& name) {
+    question->findChild<QDialogButtonBox*>()
+        ->button(QDialogButtonBox::Ok)
+        ->setEnabled(!name.isEmpty());
+  };
+  connect(question, &QInputDialog::textValueChanged, question, enableOk);
+  enableOk(question->textValue());
   for (QLineEdit* const edit : question->findChildren<QLineEdit*>()) {
     edit->setMinimumWidth(kFolderNameWidth);
   }

@@ -16,4 +16,16 @@ std::string localizedUtf8(TextKey key) {
   return localized(key).toStdString();
 }
 
+QString sentencesInARow(const QStringList& sentences) {
+  constexpr QChar kIdeographicFullStop(0x3002);
+  QString row;
+  for (const QString& sentence : sentences) {
+    if (!row.isEmpty() && !sentence.isEmpty() && !row.endsWith(kIdeographicFullStop)) {
+      row += QLatin1Char(' ');
+    }
+    row += sentence;
+  }
+  return row;
+}
+
 }  // namespace platform

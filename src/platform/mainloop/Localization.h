@@ -4,6 +4,7 @@
 #include <string>
 
 #include <QString>
+#include <QStringList>
 
 namespace platform {
 
@@ -50,5 +51,11 @@ template <std::size_t N>
 [[nodiscard]] std::string localizedUtf8(const char (&english)[N]) {
   return detail::lookedUp(english).toStdString();
 }
+
+/// Sentences one after another, with a blank between them where their language has one: none
+/// follows an ideographic full stop. Empty ones are left out.
+///
+/// Threads: any. Real-time: not safe.
+[[nodiscard]] QString sentencesInARow(const QStringList& sentences);
 
 }  // namespace platform

@@ -12,7 +12,6 @@
 #include <QDBusVariant>
 #include <QWidget>
 
-#include "platform/desktop/DarkMenuStyle.h"
 #include "support/MainLoop.h"
 #include "support/Sanitizers.h"
 #include "support/fakes/RecordingServices.h"
@@ -96,7 +95,6 @@ TEST_F(DesktopColoursTest, ADarkDesktopGivesDarkColours) {
   EXPECT_FALSE(colours_->isDark()) << "the answer is not waited for";
   ASSERT_TRUE(runMainLoopUntil([&] { return colours_->isDark(); }));
   EXPECT_TRUE(looksDark());
-  EXPECT_NE(qobject_cast<platform::DarkMenuStyle*>(QApplication::style()), nullptr);
 }
 
 TEST_F(DesktopColoursTest, ALightDesktopOrOneWithoutAWishKeepsTheColours) {

@@ -40,5 +40,12 @@ TEST(LocalizationTest, LiteralsKeysAndInterfaceFilesAreLookedUpAlike) {
   EXPECT_EQ(localized("Open…", nullptr), "Orvo: Open…");
 }
 
+TEST(LocalizationTest, NoBlankFollowsAnIdeographicFullStop) {
+  EXPECT_EQ(sentencesInARow({"One.", "Two."}), "One. Two.");
+  EXPECT_EQ(sentencesInARow({"一。", "二。", "Three.", "四。"}), "一。二。Three. 四。");
+  EXPECT_EQ(sentencesInARow({"", "One.", ""}), "One.");
+  EXPECT_EQ(sentencesInARow({}), "");
+}
+
 }  // namespace
 }  // namespace platform

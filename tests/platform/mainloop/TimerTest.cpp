@@ -4,6 +4,7 @@
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <QAbstractEventDispatcher>
 
 #include "support/MainLoop.h"
 
@@ -25,6 +26,53 @@ TEST(TimerTest, MayBeDestroyedByItsOwnTick) {
     timer.reset();
   });
   EXPECT_TRUE(runMainLoopUntil([&] { return ticks == 1 && !timer; }));
+}
+
+TEST(TimerTest, TimersOfOneIntervalWakeTheProgramOnce) {
+  constexpr double kInterval = 0.01;
+  int sleeps = 0;
+  QObject context;
+  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
+                   &context, [&] { ++sleeps; });
+  int firstsSleep = -1;
+  int together = 0;
+  int ticks = 0;
+  const platform::Timer first(kInterval, [&] { firstsSleep = sleeps; });
+  ASSERT_TRUE(runMainLoopUntil([&] { return firstsSleep >= 0; }));
+  // Made at any time between two ticks.
+  std::unique_ptr<platform::Timer> second;
+  const platform::Timer other(0.003, [&] {
+    if (!second) {
+      second = std::make_unique<platform::Timer>(kInterval, [&] {
+        ++ticks;
+        together += firstsSleep == sleeps ? 1 : 0;
+      });
+    }
+  });
+  ASSERT_TRUE(runMainLoopUntil([&] { return ticks == 40; }));
+  EXPECT_GE(together, 30) << "all but those between which a millisecond ended";
+}
+
+TEST(TimerTest, OnesThatWaitBeginWhenThoseThatRanAreGone) {
+  int ticks = 0;
+  auto first = std::make_unique<platform::Timer>(0.002, [] {});
+  const platform::Timer second(0.002, [&] { ++ticks; });
+  const platform::Timer third(0.002, [&] { ++ticks; });
+  first.reset();
+  EXPECT_TRUE(runMainLoopUntil([&] { return ticks >= 4; }));
+}
+
+TEST(TimerTest, ATickThatRunsTheMainLoopHoldsUpNoOtherTimer) {
+  int ticks = 0;
+  bool ran = false;
+  const platform::Timer other(0.002, [&] { ++ticks; });
+  const platform::Timer waiting(0.002, [&] {
+    if (!ran) {
+      const int before = ticks;
+      ran = runMainLoopUntil([&] { return ticks >= before + 3; });
+    }
+  });
+  EXPECT_TRUE(runMainLoopUntil([&] { return ran; }));
 }
 
 TEST(TimerTest, RoundsItsIntervalToMilliseconds) {
