@@ -1,7 +1,6 @@
-// The real program, with some windows, is killed at random moments of whatever it does. What its
-// keeper wrote is compared with the temporary files and the journals, sample by sample.
-// scripts/test
-// --crashes sets the number of moments.
+// The real program, with some windows, is killed at random moments of whatever it does, or loses
+// its screen. What its keeper wrote is compared with the temporary files and the journals, sample
+// by sample. scripts/test --crashes sets the number of moments.
 
 #include <algorithm>
 #include <array>
@@ -74,9 +73,21 @@ class KilledAnywhere : public KilledProgramTest, public testing::WithParamInterf
     return std::uniform_int_distribution<std::uint64_t>(0, end - 1)(random_);
   }
 
-  [[nodiscard]] int anySignal() {
+  /// Ends the program by one of some signals or by the loss of its screen.
+  void endProgram() {
     constexpr std::array kSignals{SIGKILL, SIGABRT, SIGSEGV, SIGBUS};
-    return kSignals[below(kSignals.size())];
+    const std::uint64_t way = below(kSignals.size() + 1);
+    if (way < kSignals.size()) {
+      orvo_->process().signal(kSignals[way]);
+    } else {
+      screen_.reset();
+    }
+    ASSERT_TRUE(orvo_->process().waitForExit());
+    if (!screen_) {
+      std::string error;
+      screen_ = VirtualScreen::start(error);
+      ASSERT_NE(screen_, nullptr) << error;
+    }
   }
 
   /// Lets the program go on for a random time below this.
@@ -102,8 +113,7 @@ class KilledAnywhere : public KilledProgramTest, public testing::WithParamInterf
 
   /// The same for a program that may close its documents meanwhile; they are held.
   void killHeld() {
-    orvo_->process().signal(anySignal());
-    ASSERT_TRUE(orvo_->process().waitForExit());
+    ASSERT_NO_FATAL_FAILURE(endProgram());
     ASSERT_TRUE(eventually([&] { return hasEnded(keeper_); }));
     kept_ = wholeOfEach();
     std::vector<Samples> wanted = kept_;
