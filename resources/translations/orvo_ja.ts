@@ -237,7 +237,7 @@
     </message>
     <message>
         <source>Each recording opens in a window of its own. It is kept until you save or discard it.</source>
-        <translation>録音はそれぞれ別のウインドウで開きます。保存するか破棄するまで保持されます。</translation>
+        <translation>録音はそれぞれ別のウィンドウで開きます。保存するか破棄するまで保持されます。</translation>
     </message>
     <message>
         <source>There are no recovered recordings.</source>
@@ -293,7 +293,7 @@
     </message>
     <message>
         <source>%1 could not be deleted</source>
-        <translation>%1 を削除できませんでした</translation>
+        <translation>%1を削除できませんでした</translation>
     </message>
     <message>
         <source>%1 h %2 min</source>
@@ -619,11 +619,11 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>Space for less than a minute of recording is left in %1.</source>
-        <translation>%1 の空き容量で録音できるのは残り 1 分未満です。</translation>
+        <translation>%1の空き容量で録音できるのは残り 1 分未満です。</translation>
     </message>
     <message>
         <source>%1 does not fit on the disk</source>
-        <translation>%1 はディスクに収まりません</translation>
+        <translation>%1はディスクに収まりません</translation>
     </message>
     <message>
         <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
@@ -683,11 +683,11 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>%1 could not be saved</source>
-        <translation>%1 を保存できませんでした</translation>
+        <translation>%1を保存できませんでした</translation>
     </message>
     <message>
         <source>%1 was saved with gaps</source>
-        <translation>%1 は一部が欠けた状態で保存されました</translation>
+        <translation>%1は一部が欠けた状態で保存されました</translation>
     </message>
     <message>
         <source>“%1”</source>
@@ -783,7 +783,7 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>%1 can only be overwritten</source>
-        <translation>%1 は上書きすることしかできません</translation>
+        <translation>%1は上書きすることしかできません</translation>
     </message>
     <message>
         <source>You may not make files in its folder. The old file is copied to the temporary directory first. The copy is kept if writing fails.</source>
@@ -803,7 +803,7 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>The temporary directory “%1” cannot be used. %2</source>
-        <translation>一時ディレクトリー「%1」は使えません。%2</translation>
+        <translation>一時ディレクトリ「%1」は使えません。%2</translation>
     </message>
     <message>
         <source>title</source>
@@ -891,7 +891,7 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>The file is damaged. What was in it is kept in %1.</source>
-        <translation>ファイルが壊れています。元の内容は %1 に残っています。</translation>
+        <translation>ファイルが壊れています。元の内容は %1に残っています。</translation>
     </message>
     <message>
         <source>There is a folder of this name.</source>
@@ -947,55 +947,55 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
-        <translation>%1 を読み取る権限がありません。所有者に問い合わせるか、アクセス権を変更してください。</translation>
+        <translation>%1を読み取る権限がありません。所有者に問い合わせるか、アクセス権を変更してください。</translation>
     </message>
     <message>
         <source>%1 is a folder. Choose a sound file inside it.</source>
-        <translation>%1 はフォルダーです。その中のオーディオファイルを選んでください。</translation>
+        <translation>%1はフォルダーです。その中のオーディオファイルを選んでください。</translation>
     </message>
     <message>
         <source>%1 is not an ordinary file, but a device or a connection to another program.</source>
-        <translation>%1 は通常のファイルではなく、デバイスまたは別のプログラムへの接続です。</translation>
+        <translation>%1は通常のファイルではなく、デバイスまたは別のプログラムへの接続です。</translation>
     </message>
     <message>
         <source>%1 is empty.</source>
-        <translation>%1 は空です。</translation>
+        <translation>%1は空です。</translation>
     </message>
     <message>
         <source>The name or the path of %1 is too long.</source>
-        <translation>%1 の名前またはパスが長すぎます。</translation>
+        <translation>%1の名前またはパスが長すぎます。</translation>
     </message>
     <message>
         <source>There is no sound in %1.</source>
-        <translation>%1 には音声が含まれていません。</translation>
+        <translation>%1には音声が含まれていません。</translation>
     </message>
     <message>
         <source>The sound in %1 is encoded in a way that cannot be read. Up to 8 channels and rates from 1,000 to 768,000 Hz can be.</source>
-        <translation>%1 の音声は、読み取れない形式でエンコードされています。対応しているのは 8 チャンネルまで、サンプリング周波数 1,000～768,000 Hz です。</translation>
+        <translation>%1の音声は、読み取れない形式でエンコードされています。対応しているのは 8 チャンネルまで、サンプリング周波数 1,000～768,000 Hz です。</translation>
     </message>
     <message>
         <source>The medium on which %1 is stored reported an error.</source>
-        <translation>%1 が保存されているメディアでエラーが発生しました。</translation>
+        <translation>%1が保存されているメディアでエラーが発生しました。</translation>
     </message>
     <message>
         <source>%1 could not be opened, because too many files are open. Close some windows first.</source>
-        <translation>開いているファイルが多すぎるため、%1 を開けませんでした。先にいくつかのウィンドウを閉じてください。</translation>
+        <translation>開いているファイルが多すぎるため、%1を開けませんでした。先にいくつかのウィンドウを閉じてください。</translation>
     </message>
     <message>
         <source>There was not enough memory to read %1.</source>
-        <translation>メモリが足りないため、%1 を読み取れませんでした。</translation>
+        <translation>メモリが足りないため、%1を読み取れませんでした。</translation>
     </message>
     <message>
         <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
-        <translation>%1 を読み取れません。このコンピューターに FFmpeg のライブラリがありません。</translation>
+        <translation>%1を読み取れません。このコンピューターに FFmpeg のライブラリがありません。</translation>
     </message>
     <message>
         <source>%1 is not a sound file that can be read, or it is damaged.</source>
-        <translation>%1 は読み取れるオーディオファイルではないか、壊れています。</translation>
+        <translation>%1は読み取れるオーディオファイルではないか、壊れています。</translation>
     </message>
     <message>
         <source>The medium on which %1 is stored reported an error. What could be read before it is kept.</source>
-        <translation>%1 が保存されているメディアでエラーが発生しました。それまでに読み取れた部分は残っています。</translation>
+        <translation>%1が保存されているメディアでエラーが発生しました。それまでに読み取れた部分は残っています。</translation>
     </message>
     <message>
         <source>There was not enough memory to read all of %1. What could be read is kept.</source>
@@ -1003,63 +1003,63 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>From some place on the sound in %1 is encoded in a way that cannot be read. What came before it is kept.</source>
-        <translation>%1 の音声は、途中から読み取れない形式でエンコードされています。それより前の部分は残っています。</translation>
+        <translation>%1の音声は、途中から読み取れない形式でエンコードされています。それより前の部分は残っています。</translation>
     </message>
     <message>
         <source>%1 can no longer be read. What could be read of it is kept.</source>
-        <translation>%1 を読み取れなくなりました。読み取れた部分は残っています。</translation>
+        <translation>%1を読み取れなくなりました。読み取れた部分は残っています。</translation>
     </message>
     <message>
         <source>%1 is damaged or was cut off. What could be read of it is kept.</source>
-        <translation>%1 は壊れているか、途中で切れています。読み取れた部分は残っています。</translation>
+        <translation>%1は壊れているか、途中で切れています。読み取れた部分は残っています。</translation>
     </message>
     <message>
         <source>The folder in which %1 was to be written is not there. Choose another one.</source>
-        <translation>%1 の書き込み先のフォルダーがありません。別のフォルダーを選んでください。</translation>
+        <translation>%1の書き込み先のフォルダーがありません。別のフォルダーを選んでください。</translation>
     </message>
     <message>
         <source>You are not allowed to write %1. Choose another folder, or change the permissions.</source>
-        <translation>%1 を書き込む権限がありません。別のフォルダーを選ぶか、アクセス権を変更してください。</translation>
+        <translation>%1を書き込む権限がありません。別のフォルダーを選ぶか、アクセス権を変更してください。</translation>
     </message>
     <message>
         <source>%1 is a folder. Choose another name.</source>
-        <translation>%1 はフォルダーです。別の名前を選んでください。</translation>
+        <translation>%1はフォルダーです。別の名前を選んでください。</translation>
     </message>
     <message>
         <source>%1 is not an ordinary file. Choose another name.</source>
-        <translation>%1 は通常のファイルではありません。別の名前を選んでください。</translation>
+        <translation>%1は通常のファイルではありません。別の名前を選んでください。</translation>
     </message>
     <message>
         <source>The name or the path of %1 is too long. Choose a shorter one.</source>
-        <translation>%1 の名前またはパスが長すぎます。もっと短いものにしてください。</translation>
+        <translation>%1の名前またはパスが長すぎます。もっと短いものにしてください。</translation>
     </message>
     <message>
         <source>There is not enough room to write %1. Make room, or choose another disk.</source>
-        <translation>%1 を書き込むための空き容量が足りません。空き容量を増やすか、別のディスクを選んでください。</translation>
+        <translation>%1を書き込むための空き容量が足りません。空き容量を増やすか、別のディスクを選んでください。</translation>
     </message>
     <message>
         <source>%1 would be larger than a file of its kind or on this disk may be. Choose another kind of file or another disk.</source>
-        <translation>%1 は、この種類のファイルまたはこのディスクで許されるサイズを超えてしまいます。別の種類のファイルか別のディスクを選んでください。</translation>
+        <translation>%1は、この種類のファイルまたはこのディスクで許されるサイズを超えてしまいます。別の種類のファイルか別のディスクを選んでください。</translation>
     </message>
     <message>
         <source>%1 could not be written, because too many files are open. Close some windows first.</source>
-        <translation>開いているファイルが多すぎるため、%1 を書き込めませんでした。先にいくつかのウィンドウを閉じてください。</translation>
+        <translation>開いているファイルが多すぎるため、%1を書き込めませんでした。先にいくつかのウィンドウを閉じてください。</translation>
     </message>
     <message>
         <source>There was not enough memory to write %1.</source>
-        <translation>メモリが足りないため、%1 を書き込めませんでした。</translation>
+        <translation>メモリが足りないため、%1を書き込めませんでした。</translation>
     </message>
     <message>
         <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
-        <translation>%1 を書き込めません。このコンピューターに FFmpeg のライブラリがありません。</translation>
+        <translation>%1を書き込めません。このコンピューターに FFmpeg のライブラリがありません。</translation>
     </message>
     <message>
         <source>%1 cannot be written as a file of this kind.</source>
-        <translation>%1 はこの種類のファイルとしては書き込めません。</translation>
+        <translation>%1はこの種類のファイルとしては書き込めません。</translation>
     </message>
     <message>
         <source>The medium on which %1 was to be written reported an error. It may have been removed.</source>
-        <translation>%1 の書き込み先のメディアでエラーが発生しました。取り外された可能性があります。</translation>
+        <translation>%1の書き込み先のメディアでエラーが発生しました。取り外された可能性があります。</translation>
     </message>
     <message>
         <source>File Format Error</source>

@@ -293,7 +293,7 @@
     </message>
     <message>
         <source>%1 could not be deleted</source>
-        <translation>无法删除 %1</translation>
+        <translation>无法删除%1</translation>
     </message>
     <message>
         <source>%1 h %2 min</source>
@@ -599,7 +599,7 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>%1 could not be loaded whole</source>
-        <translation>无法完整载入 %1</translation>
+        <translation>无法完整载入%1</translation>
     </message>
     <message>
         <source>The audio could not be written to the temporary file. %1
@@ -623,7 +623,7 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>%1 does not fit on the disk</source>
-        <translation>磁盘放不下 %1</translation>
+        <translation>磁盘放不下%1</translation>
     </message>
     <message>
         <source>It needs about %1, but the disk of the folder %2 has only %3 left.</source>
@@ -683,7 +683,7 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>%1 could not be saved</source>
-        <translation>无法保存 %1</translation>
+        <translation>无法保存%1</translation>
     </message>
     <message>
         <source>%1 was saved with gaps</source>
@@ -867,7 +867,7 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>The old file has %1, the new one only has %2.</source>
-        <translation>旧文件为%1，新文件只有%2。</translation>
+        <translation>旧文件为 %1，新文件只有 %2。</translation>
     </message>
     <message>
         <source>16 bits, 44.1 kHz, stereo</source>
@@ -947,7 +947,7 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>You are not allowed to read %1. Ask its owner, or change its permissions.</source>
-        <translation>您无权读取 %1。请联系其所有者或更改其权限。</translation>
+        <translation>您无权读取%1。请联系其所有者或更改其权限。</translation>
     </message>
     <message>
         <source>%1 is a folder. Choose a sound file inside it.</source>
@@ -975,19 +975,19 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>The medium on which %1 is stored reported an error.</source>
-        <translation>存储 %1 的介质报告了错误。</translation>
+        <translation>存储%1的介质报告了错误。</translation>
     </message>
     <message>
         <source>%1 could not be opened, because too many files are open. Close some windows first.</source>
-        <translation>打开的文件过多，无法打开 %1。请先关闭一些窗口。</translation>
+        <translation>打开的文件过多，无法打开%1。请先关闭一些窗口。</translation>
     </message>
     <message>
         <source>There was not enough memory to read %1.</source>
-        <translation>内存不足，无法读取 %1。</translation>
+        <translation>内存不足，无法读取%1。</translation>
     </message>
     <message>
         <source>%1 cannot be read: FFmpeg’s libraries are missing on this computer.</source>
-        <translation>无法读取 %1：这台计算机上缺少 FFmpeg 的库。</translation>
+        <translation>无法读取%1：这台计算机上缺少 FFmpeg 的库。</translation>
     </message>
     <message>
         <source>%1 is not a sound file that can be read, or it is damaged.</source>
@@ -995,11 +995,11 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>The medium on which %1 is stored reported an error. What could be read before it is kept.</source>
-        <translation>存储 %1 的介质报告了错误。此前已读取的内容予以保留。</translation>
+        <translation>存储%1的介质报告了错误。此前已读取的内容予以保留。</translation>
     </message>
     <message>
         <source>There was not enough memory to read all of %1. What could be read is kept.</source>
-        <translation>内存不足，无法完整读取 %1。已读取的内容予以保留。</translation>
+        <translation>内存不足，无法完整读取%1。已读取的内容予以保留。</translation>
     </message>
     <message>
         <source>From some place on the sound in %1 is encoded in a way that cannot be read. What came before it is kept.</source>
@@ -1015,11 +1015,11 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>The folder in which %1 was to be written is not there. Choose another one.</source>
-        <translation>要写入 %1 的文件夹不存在。请另选一个。</translation>
+        <translation>要写入%1的文件夹不存在。请另选一个。</translation>
     </message>
     <message>
         <source>You are not allowed to write %1. Choose another folder, or change the permissions.</source>
-        <translation>您无权写入 %1。请选择其他文件夹或更改权限。</translation>
+        <translation>您无权写入%1。请选择其他文件夹或更改权限。</translation>
     </message>
     <message>
         <source>%1 is a folder. Choose another name.</source>
@@ -1035,7 +1035,7 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>There is not enough room to write %1. Make room, or choose another disk.</source>
-        <translation>空间不足，无法写入 %1。请释放空间或选择其他磁盘。</translation>
+        <translation>空间不足，无法写入%1。请释放空间或选择其他磁盘。</translation>
     </message>
     <message>
         <source>%1 would be larger than a file of its kind or on this disk may be. Choose another kind of file or another disk.</source>
@@ -1043,15 +1043,15 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>%1 could not be written, because too many files are open. Close some windows first.</source>
-        <translation>打开的文件过多，无法写入 %1。请先关闭一些窗口。</translation>
+        <translation>打开的文件过多，无法写入%1。请先关闭一些窗口。</translation>
     </message>
     <message>
         <source>There was not enough memory to write %1.</source>
-        <translation>内存不足，无法写入 %1。</translation>
+        <translation>内存不足，无法写入%1。</translation>
     </message>
     <message>
         <source>%1 cannot be written: FFmpeg’s libraries are missing on this computer.</source>
-        <translation>无法写入 %1：这台计算机上缺少 FFmpeg 的库。</translation>
+        <translation>无法写入%1：这台计算机上缺少 FFmpeg 的库。</translation>
     </message>
     <message>
         <source>%1 cannot be written as a file of this kind.</source>
@@ -1059,7 +1059,7 @@ Everything recorded before is kept.</source>
     </message>
     <message>
         <source>The medium on which %1 was to be written reported an error. It may have been removed.</source>
-        <translation>要写入 %1 的介质报告了错误。它可能已被移除。</translation>
+        <translation>要写入%1的介质报告了错误。它可能已被移除。</translation>
     </message>
     <message>
         <source>File Format Error</source>

@@ -26,6 +26,7 @@ namespace {
 
 constexpr int kPathRole = Qt::UserRole;
 constexpr int kMinimumTextWidth = 440;  // points
+constexpr int kIconGap = 12;            // points, as in an alert
 constexpr int kMaximumListHeight = 260;
 constexpr int kColumnSpace = 16;
 
@@ -95,6 +96,7 @@ QLayout* OVRecoveredPanel::makeHeading() {
   }
   auto* const row = new QHBoxLayout;
   row->addWidget(icon, 0, Qt::AlignTop);
+  row->addSpacing(kIconGap);
   row->addLayout(texts, 1);
   return row;
 }

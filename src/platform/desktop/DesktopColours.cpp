@@ -7,6 +7,7 @@
 #include <QDBusPendingReply>
 
 #include "platform/base/ApplicationServices.h"
+#include "platform/desktop/DialogStyle.h"
 
 namespace platform {
 
@@ -77,7 +78,7 @@ void DesktopColours::follow(const QVariant& colorScheme) {
 }
 
 void DesktopColours::setDark(bool isDark) {
-  QApplication::setPalette(isDark ? darkPalette() : QPalette());
+  QApplication::setPalette(isDark ? darkPalette() : DialogStyle::lightPalette());
 }
 
 QPalette DesktopColours::darkPalette() {

@@ -37,18 +37,31 @@ bool isPlainSeparator(const QStyleOption* option) {
 DialogStyle::DialogStyle() : QProxyStyle(QStringLiteral("fusion")) {}
 
 void DialogStyle::install() {
-  if (QApplication::style()->name() == QLatin1String("fusion")) {
-    QApplication::setStyle(new DialogStyle);  // the application owns it
+  if (QApplication::style()->name() != QLatin1String("fusion")) {
+    return;
   }
+  const QPalette fusions = QApplication::style()->standardPalette();
+  const bool isFusions =
+      QApplication::palette().color(QPalette::Highlight) == fusions.color(QPalette::Highlight);
+  auto* const style = new DialogStyle;
+  style->hasFusionsColours_ = isFusions;
+  QApplication::setStyle(style);  // the application owns it
+  QApplication::setPalette(lightPalette());
 }
 
-QPalette DialogStyle::standardPalette() const {
-  QPalette palette = QProxyStyle::standardPalette();
-  QColor placeholder = palette.color(QPalette::Text);
-  placeholder.setAlphaF(kPlaceholderStrength);
-  palette.setColor(QPalette::PlaceholderText, placeholder);
+QPalette DialogStyle::lightPalette() {
+  const auto* const style = qobject_cast<const DialogStyle*>(QApplication::style());
+  QPalette palette;
+  palette.setResolveMask(0);
+  if (style == nullptr || !style->hasFusionsColours_) {
+    return palette;
+  }
+  const QPalette fusions = style->standardPalette();
   for (const auto group : {QPalette::Active, QPalette::Inactive}) {
     palette.setColor(group, QPalette::Highlight, kHighlight);
+    QColor placeholder = fusions.color(group, QPalette::Text);
+    placeholder.setAlphaF(kPlaceholderStrength);
+    palette.setColor(group, QPalette::PlaceholderText, placeholder);
   }
   return palette;
 }

@@ -19,13 +19,19 @@ class DialogStyle : public QProxyStyle {
   /// that the user chose, stays. Before the first window, which would be drawn anew otherwise.
   static void install();
 
-  [[nodiscard]] QPalette standardPalette() const override;
+  /// What install() changed in the desktop's colours: nothing if the style or the colours are not
+  /// Fusion's own. For QApplication::setPalette(), which takes the rest from the desktop.
+  [[nodiscard]] static QPalette lightPalette();
+
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                 QStyleHintReturn* returned) const override;
   void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget) const override;
   void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                    const QWidget* widget) const override;
+
+ private:
+  bool hasFusionsColours_ = false;  // otherwise the desktop has its own
 };
 
 }  // namespace platform

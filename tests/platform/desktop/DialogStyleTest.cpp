@@ -85,12 +85,18 @@ double colourContrast(const QColor& a, const QColor& b) {
 }  // namespace
 
 TEST(DialogStyleTest, TheOutlineOfABoxThatIsNotCheckedCanBeSeen) {
-  EXPECT_GT(contrastOfBox(platform::DialogStyle().standardPalette()), 3.0);
+  EXPECT_GT(contrastOfBox(QApplication::palette()), 3.0);
   EXPECT_GT(contrastOfBox(platform::DesktopColours::darkPalette()), 3.0);
 }
 
-TEST(DialogStyleTest, SelectedTextAndPlaceholdersCanBeRead) {
-  const QPalette palette = platform::DialogStyle().standardPalette();
+TEST(DialogStyleTest, SelectedTextAndPlaceholdersCanBeReadAlsoAfterDarkColours) {
+  QApplication::setStyle(QStringLiteral("fusion"));
+  platform::DialogStyle::install();
+  const QPalette installed = QApplication::palette();
+  platform::DesktopColours::setDark(true);
+  platform::DesktopColours::setDark(false);
+  const QPalette palette = QApplication::palette();
+  EXPECT_EQ(palette, installed);
   for (const auto group : {QPalette::Active, QPalette::Inactive}) {
     EXPECT_GT(colourContrast(palette.color(group, QPalette::HighlightedText),
                              palette.color(group, QPalette::Highlight)),
@@ -117,6 +123,7 @@ TEST(DialogStyleTest, TakesThePlaceOfPlainFusionOnly) {
   QApplication::setStyle(QStringLiteral("windows"));
   platform::DialogStyle::install();
   EXPECT_EQ(qobject_cast<const platform::DialogStyle*>(QApplication::style()), nullptr);
+  QApplication::setPalette(platform::DialogStyle::lightPalette());
   QApplication::setStyle(QStringLiteral("fusion"));
 }
 
