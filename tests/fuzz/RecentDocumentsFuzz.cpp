@@ -1,8 +1,8 @@
 // Any bytes as the desktop's list of recent files, in which a document is then noted. What must
 // hold: a list that GLib cannot read, or could not if it had written it, is left as it is, byte for
-// byte, which is said once; in any other the document is there afterwards, and every entry that was there before, with its programs,
-// its title, its description, its kind, its groups, its times and its privacy; nothing else is left
-// in the folder.
+// byte, which is said once; in any other the document is there afterwards, and every entry that was
+// there before, with its programs, its title, its description, its kind, its groups, its times and
+// its privacy; nothing else is left in the folder.
 #include <glib.h>
 
 #include <algorithm>

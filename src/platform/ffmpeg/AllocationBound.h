@@ -19,8 +19,8 @@ inline constexpr std::size_t kLargestAllocationBound = std::size_t{512} << 20;
 /// each packet, which takes 8 bytes of the file or more.
 [[nodiscard]] std::size_t allocationBoundFor(std::uint64_t fileSize);
 
-/// The bound is at least so many bytes from now on. Without a call, FFmpeg's own one holds, which is
-/// larger than any here.
+/// The bound is at least so many bytes from now on. Without a call, FFmpeg's own one holds, which
+/// is larger than any here.
 void allowAllocations(std::size_t bytes);
 
 /// The bound of this moment; kSmallestAllocationBound before the first call of allowAllocations().

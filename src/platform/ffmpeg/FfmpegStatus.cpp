@@ -100,8 +100,7 @@ int ffmpegVerdict(int error) {
   if (!isErrno || error == AVERROR(ENOSYS)) {  // "not implemented"
     return error;
   }
-  return error == AVERROR(ENOMEM) && !systemGrants(allocationBound()) ? error
-                                                                       : AVERROR_INVALIDDATA;
+  return error == AVERROR(ENOMEM) && !systemGrants(allocationBound()) ? error : AVERROR_INVALIDDATA;
 }
 
 }  // namespace platform
