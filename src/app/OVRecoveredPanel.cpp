@@ -26,6 +26,7 @@ namespace {
 
 constexpr int kPathRole = Qt::UserRole;
 constexpr int kMinimumTextWidth = 440;  // points
+constexpr int kRowGap = 8;              // points, so that the boxes of two rows stand apart
 constexpr int kIconGap = 12;            // points, as in an alert
 constexpr int kMaximumListHeight = 260;
 constexpr int kColumnSpace = 16;
@@ -154,6 +155,7 @@ void OVRecoveredPanel::addRow(const OVRecoveredFile& file, const Paths& unchecke
   const QString length = file.frames == 0 ? QStringLiteral("–") : recoveredLengthText(file.frames);
   const QString state = localized(nameOf(file.state));
   auto* const row = new QTreeWidgetItem(list_, {start, length, state});
+  row->setSizeHint(0, QSize(0, list_->fontMetrics().height() + kRowGap));
   row->setData(0, kPathRole, QByteArray::fromStdString(file.path));
   row->setData(0, Qt::AccessibleTextRole, QStringList{start, length, state}.join(", "));
   if (isBeingMade(file.state)) {
