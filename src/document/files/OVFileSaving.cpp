@@ -63,9 +63,8 @@ void tellGaps(const std::string& path, double seconds, bool saved) {
 }
 
 std::string reasonOf(const OVSaveJob::Outcome& outcome) {
-  const std::string reason = outcome.closedFolder.empty()
-                                 ? platform::failureReason(outcome.error)
-                                 : closedFolderReason(outcome.closedFolder);
+  std::string reason = outcome.closedFolder.empty() ? platform::failureReason(outcome.error)
+                                                    : closedFolderReason(outcome.closedFolder);
   if (outcome.copyOfOldFile.empty()) {
     return reason;
   }

@@ -13,7 +13,8 @@ class DialogStyle : public QProxyStyle {
   Q_OBJECT
 
  public:
-  DialogStyle();
+  /// `hasFusionsColours` is false where the desktop has colours of its own.
+  explicit DialogStyle(bool hasFusionsColours);
 
   /// Makes it the application's style in place of plain Fusion; the desktop's own style, or one
   /// that the user chose, stays. Before the first window, which would be drawn anew otherwise.
@@ -31,7 +32,7 @@ class DialogStyle : public QProxyStyle {
                    const QWidget* widget) const override;
 
  private:
-  bool hasFusionsColours_ = false;  // otherwise the desktop has its own
+  bool hasFusionsColours_;
 };
 
 }  // namespace platform

@@ -44,7 +44,7 @@ double contrastOfSeparator(const QImage& menu) {
 }
 
 double contrastOfBox(const QPalette& palette) {
-  platform::DialogStyle style;
+  platform::DialogStyle style(true);
   QMenu menu;
   menu.setStyle(&style);
   menu.setPalette(palette);
@@ -109,7 +109,7 @@ TEST(DialogStyleTest, SelectedTextAndPlaceholdersCanBeReadAlsoAfterDarkColours) 
 }
 
 TEST(DialogStyleTest, DisabledTextsHaveNoSecondOneBesideThem) {
-  platform::DialogStyle style;
+  platform::DialogStyle style(true);
   EXPECT_EQ(style.styleHint(QStyle::SH_EtchDisabledText, nullptr, nullptr, nullptr), 0);
 }
 
@@ -128,7 +128,7 @@ TEST(DialogStyleTest, TakesThePlaceOfPlainFusionOnly) {
 }
 
 TEST(DialogStyleTest, OutlineAndSeparatorsOfADarkMenuCanBeSeen) {
-  platform::DialogStyle style;
+  platform::DialogStyle style(true);
   const QImage menu = pictureOfMenu(&style, platform::DesktopColours::darkPalette());
   const QColor ground = menu.pixelColor(menu.width() - 12, 4);
   EXPECT_LT(ground.lightness(), 90);
@@ -142,7 +142,7 @@ TEST(DialogStyleTest, OutlineAndSeparatorsOfADarkMenuCanBeSeen) {
 }
 
 TEST(DialogStyleTest, LightMenusAreFusionsOwn) {
-  platform::DialogStyle style;
+  platform::DialogStyle style(true);
   QProxyStyle fusion(QStringLiteral("fusion"));
   const QPalette light = style.standardPalette();
   EXPECT_EQ(pictureOfMenu(&style, light), pictureOfMenu(&fusion, light));
