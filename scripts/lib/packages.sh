@@ -5,12 +5,12 @@
 # To build the program, its tests and its benchmarks. Qt's X11 and offscreen platforms come with
 # the libraries that qt6-base-dev needs. lrelease, in qt6-l10n-tools, compiles the translations;
 # qt6-translations-l10n has the texts of Qt's own dialogs. libsm-dev and libice-dev are for the
-# session manager of the tests.
+# session manager of the tests, libxcb-res0-dev is for the tests that count what they left on a screen.
 build_packages=(
   g++ cmake ninja-build pkg-config
   qt6-base-dev qt6-l10n-tools qt6-translations-l10n libglib2.0-dev libcubeb-dev
   libavformat-dev libavcodec-dev libswresample-dev libavutil-dev
-  libgtest-dev libgmock-dev libbenchmark-dev libsm-dev libice-dev
+  libgtest-dev libgmock-dev libbenchmark-dev libsm-dev libice-dev libxcb-res0-dev
 )
 
 # To run the real program where there is no screen and no sound server, and to listen to it; to make

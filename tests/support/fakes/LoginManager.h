@@ -41,15 +41,18 @@ class LoginManager : public QDBusVirtualObject {
   /// Answers the call that was left without an answer.
   void answerLate(QDBusConnection bus) { bus.send(replyWithDescriptor(late_)); }
 
-  /// Descriptors that are open somewhere.
-  [[nodiscard]] int held() const {
-    int result = 0;
-    for (const int end : readEnds_) {
+  /// Descriptors that are open somewhere. The ends of the others are closed.
+  [[nodiscard]] int held() {
+    std::erase_if(readEnds_, [](int end) {
       pollfd state{.fd = end, .events = 0, .revents = 0};
       ::poll(&state, 1, 0);
-      result += (state.revents & POLLHUP) == 0 ? 1 : 0;
-    }
-    return result;
+      const bool isReleased = (state.revents & POLLHUP) != 0;
+      if (isReleased) {
+        ::close(end);
+      }
+      return isReleased;
+    });
+    return static_cast<int>(readEnds_.size());
   }
 
   [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }

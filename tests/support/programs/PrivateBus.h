@@ -34,6 +34,8 @@ class PrivateBus {
 
   [[nodiscard]] bool isRunning() const { return isRunning_; }
 
+  [[nodiscard]] const QString& address() const { return address_; }
+
   /// The connection of this name, made at the first call.
   [[nodiscard]] QDBusConnection connect(const char* name) const {
     return QDBusConnection::connectToBus(address_, QString::fromLatin1(name));
