@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -247,6 +248,7 @@ class RoundsTest : public testing::Test {
     ASSERT_NO_FATAL_FAILURE(saveAs(number / kSuffixes.size() % kSuffixes.size()));
     ASSERT_NO_FATAL_FAILURE(close());
     EXPECT_TRUE(runMainLoopUntil([] { return desktop->loginManager().held() == 0; }));
+    EXPECT_THAT(std::exchange(desktop->loginManager().calls, {}), testing::SizeIs(testing::Le(1)));
     EXPECT_THAT(services_->alerts(), testing::IsEmpty());
     EXPECT_THAT(services_->postedAlerts(), testing::IsEmpty());
     // FFmpeg says so of every CAF file with PCM.

@@ -24,6 +24,7 @@ constexpr std::array kReasons{
     Reason{ENOENT, textKey("The folder or the file is not there any more.")},
     Reason{ENOTDIR, textKey("The folder or the file is not there any more.")},
     Reason{EISDIR, textKey("There is a folder of this name.")},
+    Reason{ENOTEMPTY, textKey("There is a folder of this name.")},
     Reason{EINVAL, textKey("It is not an ordinary file.")},
     Reason{EIO, textKey("The disk could not be read or written.")},
     Reason{ENODEV, textKey("The disk has been removed.")},
@@ -41,6 +42,9 @@ constexpr std::array kReasons{
     Reason{EOPNOTSUPP, textKey("The disk does not allow it.")},
     Reason{ETIMEDOUT, textKey("The disk does not answer.")},
     Reason{EHOSTUNREACH, textKey("The disk does not answer.")},
+    Reason{ENETUNREACH, textKey("The disk does not answer.")},
+    Reason{ECONNREFUSED, textKey("The disk does not answer.")},
+    Reason{ECONNRESET, textKey("The disk does not answer.")},
     Reason{ENOTCONN, textKey("The disk does not answer.")},
 };
 

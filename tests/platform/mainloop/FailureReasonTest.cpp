@@ -15,10 +15,11 @@ TEST(FailureReasonTest, IsASentenceForWhatAUserMeets) {
 
 // Each of them may end a save. The system's own text would stand there in one language only.
 TEST(FailureReasonTest, NoneThatMayEndASaveIsToldInTheSystemsText) {
-  for (const int error :
-       {EACCES, EPERM,  ENOSPC, EDQUOT,  EFBIG,  EROFS,        ENOENT,   ENOTDIR, EISDIR,
-        EINVAL, EIO,    ENODEV, ENXIO,   ESTALE, ENAMETOOLONG, ELOOP,    EMFILE,  ENFILE,
-        ENOMEM, EAGAIN, EBUSY,  ETXTBSY, EEXIST, EOPNOTSUPP,   ETIMEDOUT}) {
+  for (const int error : {EACCES,    EPERM,     ENOSPC,       EDQUOT,       EFBIG,     EROFS,
+                          ENOENT,    ENOTDIR,   EISDIR,       EINVAL,       EIO,       ENODEV,
+                          ENXIO,     ESTALE,    ENAMETOOLONG, ELOOP,        EMFILE,    ENFILE,
+                          ENOMEM,    EAGAIN,    EBUSY,        ETXTBSY,      EEXIST,    EOPNOTSUPP,
+                          ETIMEDOUT, ENOTEMPTY, ENETUNREACH,  ECONNREFUSED, ECONNRESET}) {
     EXPECT_NE(failureReason(error), std::generic_category().message(error) + ".") << error;
   }
 }
