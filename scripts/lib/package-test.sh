@@ -53,7 +53,8 @@ check_package() { # ROOT
   in_root "$1" '
     cd /build/first
     options=(--nocfprotection)
-    ! hardening-check --help 2>&1 | grep -q nobranchprotection || options+=(--nobranchprotection)
+    # Newer ones look for what only other processors have.
+    ! grep -q nobranchprotection "$(command -v hardening-check)" || options+=(--nobranchprotection)
     mkdir elves
     dpkg-deb --extract orvo_*.deb elves
     mapfile -t files < <(find elves/usr/bin elves/usr/lib -type f -exec sh -c "head -c 4 \"\$1\" | grep -q ELF" sh {} \; -print)
