@@ -39,9 +39,10 @@ constexpr platform::AudioStatus kStatuses[] = {
     platform::kFileInputOutputStatus, platform::kTooManyOpenFilesStatus,
     platform::kOutOfMemoryStatus,     platform::kFfmpegMissingStatus};
 
-constexpr int kErrors[] = {EACCES, ENOSPC, EDQUOT, EFBIG,  EROFS,        ENOENT,
-                           EISDIR, EINVAL, EIO,    ENODEV, ESTALE,       ENAMETOOLONG,
-                           ELOOP,  EMFILE, ENOMEM, EAGAIN, ECONNREFUSED, ENOTEMPTY};
+/// One for each sentence, and the last for an error that has none of its own.
+constexpr int kErrors[] = {EACCES, ENOSPC, EDQUOT, EFBIG,  EROFS,        ENOENT,       EISDIR,
+                           EINVAL, EIO,    ENODEV, ESTALE, ENAMETOOLONG, ELOOP,        EMFILE,
+                           ENOMEM, EAGAIN, EBUSY,  EEXIST, EOPNOTSUPP,   ECONNREFUSED, EPROTO};
 
 /// An alert for each status whose reason no earlier one has, and for the one with its own title.
 template <typename Reason>
