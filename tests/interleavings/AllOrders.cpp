@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include "interleavings/RaceWatch.h"
+
 namespace interleavings {
 namespace {
 
@@ -67,6 +69,7 @@ class Run {
   Run(Path& path, int preemptions, const Threads& threads)
       : path_(path), preemptionsLeft_(preemptions), members_(threads.bodies.size()) {
     current = this;
+    beginWatch();
     for (std::size_t number = 1; number < threads.bodies.size(); ++number) {
       members_[number].thread =
           std::thread([this, number, &body = threads.bodies[number]] { live(number, body); });
@@ -146,6 +149,7 @@ class Run {
   }
 
   void pass() {
+    const Unwatched here;
     const std::vector<std::size_t> options = ready();
     if (options.empty()) {
       for (const Member& member : members_) {
@@ -206,6 +210,10 @@ std::uint64_t tryAllOrders(int preemptions, const std::function<Threads()>& make
 
 bool isInRun() {
   return self != kNobody;
+}
+
+std::size_t threadOfRun() {
+  return static_cast<std::size_t>(self);
 }
 
 void step() {

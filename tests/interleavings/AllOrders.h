@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -8,7 +9,8 @@
 /// tried. A step ends before each atomic operation and each operation of a Mutex or Condition; what
 /// lies between runs undivided, and every thread sees at once what another wrote. So every order
 /// that a sequentially consistent machine could choose is tried, up to a number of preemptions:
-/// moves to another thread where the one that runs could go on.
+/// moves to another thread where the one that runs could go on. What lies between is watched: see
+/// RaceWatch.h.
 namespace interleavings {
 
 /// What one run is made of. Everything that the threads share is made anew for each run.
@@ -25,6 +27,9 @@ std::uint64_t tryAllOrders(int preemptions, const std::function<Threads()>& make
 
 /// Whether the caller is a thread of a run. Elsewhere the functions below do nothing.
 [[nodiscard]] bool isInRun();
+
+/// The caller's place in Threads::bodies. Only in a run.
+[[nodiscard]] std::size_t threadOfRun();
 
 /// Another thread may go on here.
 void step();

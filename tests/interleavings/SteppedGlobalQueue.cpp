@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "interleavings/AllOrders.h"
+#include "interleavings/RaceWatch.h"
 #include "platform/base/GlobalQueue.h"
 
 namespace {
@@ -22,6 +23,8 @@ GlobalQueue::GlobalQueue() : state_(nullptr) {}
 
 void GlobalQueue::async(std::function<void()> block) {
   interleavings::step();
+  interleavings::releaseToo(&given);
+  const interleavings::Unwatched here;
   given.push_back(std::move(block));
 }
 
@@ -33,15 +36,28 @@ GlobalQueue& globalQueue() {
 }  // namespace platform
 
 namespace interleavings {
+namespace {
+
+std::function<void()> next(const std::function<bool()>& isDone) {
+  const Unwatched here;
+  waitUntil([&] { return !given.empty() || isDone(); });
+  if (given.empty()) {
+    return nullptr;
+  }
+  std::function<void()> block = std::move(given.front());
+  given.pop_front();
+  return block;
+}
+
+}  // namespace
 
 void workForTheGlobalQueue(const std::function<bool()>& isDone) {
   for (;;) {
-    waitUntil([&] { return !given.empty() || isDone(); });
-    if (given.empty()) {
+    const std::function<void()> block = next(isDone);
+    if (!block) {
       return;
     }
-    const std::function<void()> block = std::move(given.front());
-    given.pop_front();
+    acquire(&given);
     block();
   }
 }

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <chrono>
 #include <deque>
+#include <functional>
 #include <mutex>
 
 #include "interleavings/AllOrders.h"
+#include "interleavings/RaceWatch.h"
 #include "platform/base/ThreadSafety.h"
 
 // In place of the header of the same name: every operation is a step.
@@ -18,16 +20,31 @@ class CAPABILITY("mutex") Mutex {
   Mutex& operator=(const Mutex&) = delete;
 
   void lock() ACQUIRE() {
-    interleavings::waitUntil([this] { return !isLocked_; });
-    isLocked_ = true;
+    take([this] { return !isLocked_; });
   }
   void unlock() RELEASE() {
-    isLocked_ = false;
+    give();
     interleavings::step();
   }
 
  private:
   friend class Condition;
+
+  // The lock's own state is the scheduler's.
+  void take(const std::function<bool()>& isReady) {
+    {
+      const interleavings::Unwatched here;
+      interleavings::waitUntil(isReady);
+      isLocked_ = true;
+    }
+    interleavings::acquire(this);
+  }
+  void give() {
+    interleavings::releaseToo(this);
+    const interleavings::Unwatched here;
+    isLocked_ = false;
+  }
+
   bool isLocked_ = false;
 };
 
@@ -51,11 +68,13 @@ using MutexLock = LockOf<Mutex>;
 class Condition {
  public:
   void notifyOne() noexcept {
+    const interleavings::Unwatched here;
     if (!waiting_.empty()) {
       notify(waiting_.begin() + interleavings::choose(static_cast<int>(waiting_.size())));
     }
   }
   void notifyAll() noexcept {
+    const interleavings::Unwatched here;
     while (!waiting_.empty()) {
       notify(waiting_.begin());
     }
@@ -63,10 +82,12 @@ class Condition {
 
   void wait(Mutex& mutex) REQUIRES(mutex) {
     bool isNotified = false;
-    waiting_.push_back(&isNotified);
-    mutex.isLocked_ = false;
-    interleavings::waitUntil([&] { return isNotified && !mutex.isLocked_; });
-    mutex.isLocked_ = true;
+    mutex.give();
+    {
+      const interleavings::Unwatched here;
+      waiting_.push_back(&isNotified);
+    }
+    mutex.take([&] { return isNotified && !mutex.isLocked_; });
   }
 
   // A deadline may pass at any time.
