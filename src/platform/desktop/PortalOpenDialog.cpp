@@ -119,7 +119,7 @@ PortalOpenDialog::~PortalOpenDialog() {
 void PortalOpenDialog::begin(const DesktopBuses::Bus& session, std::chrono::milliseconds patience) {
   open();
   QTimer::singleShot(patience, this, [this] {
-    if (portalName_.isEmpty()) {
+    if (!isAccepted_) {
       finish(End::unavailable);
     }
   });
@@ -149,7 +149,7 @@ void PortalOpenDialog::ask(const QDBusConnection& bus) {
                                                 QDBusServiceWatcher::WatchForUnregistration, this);
   connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
     requestPath_.clear();
-    finish(portalName_.isEmpty() ? End::unavailable : End::cancelled);
+    finish(isAccepted_ ? End::cancelled : End::unavailable);
   });
   QDBusMessage question = QDBusMessage::createMethodCall(
       QLatin1String(portal::kService), QLatin1String(portal::kPath),
@@ -175,12 +175,28 @@ void PortalOpenDialog::accepted(const QDBusPendingCallWatcher& answer) {
     finish(End::unavailable);
     return;
   }
-  portalName_ = handle.reply().service();
+  isAccepted_ = true;
   if (handle.value().path() != requestPath_ && !listenAt(handle.value().path())) {
     finish(End::unavailable);
-  } else if (const auto response = early_.constFind(portalName_); response != early_.cend()) {
-    responded(response->code, response->results);
+    return;
   }
+  askForPortalName();
+}
+
+// Signals have the sender's own name. A reply has it too, but not every Qt tells it.
+void PortalOpenDialog::askForPortalName() {
+  QDBusMessage question = QDBusMessage::createMethodCall(
+      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
+  question.setArguments({QLatin1String(portal::kService)});
+  auto* const call = new QDBusPendingCallWatcher(bus_->asyncCall(question), this);
+  connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
+    const QDBusPendingReply<QString> name = *call;
+    portalName_ = name.value();  // none if it has ended, of which the watcher tells
+    if (const auto response = early_.constFind(portalName_); response != early_.cend()) {
+      responded(response->code, response->results);
+    }
+  });
 }
 
 QVariantMap PortalOpenDialog::options(const QString& token) const {

@@ -59,6 +59,7 @@ class PortalOpenDialog : public QDialog {
   void ask(const QDBusConnection& bus);
   [[nodiscard]] bool listenAt(const QString& path);
   void accepted(const QDBusPendingCallWatcher& answer);
+  void askForPortalName();
   void responded(uint code, const QVariantMap& results);
   [[nodiscard]] QVariantMap options(const QString& token) const;
   [[nodiscard]] QString parentHandle() const;
@@ -68,7 +69,9 @@ class PortalOpenDialog : public QDialog {
   Ended ended_;  // null once it has been called
   std::optional<QDBusConnection> bus_;
   QString requestPath_;  // while the portal may have a dialog open
-  QString portalName_;   // on the bus, of the one that accepted the request; empty before
+  bool isAccepted_ = false;
+  QString
+      portalName_;  // its own one on the bus, once it has accepted the request and this is known
   struct Response {
     uint code = 0;
     QVariantMap results;
