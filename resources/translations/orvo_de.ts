@@ -1134,6 +1134,10 @@ Alles zuvor Aufgenommene bleibt erhalten.</translation>
         <translation>Es kommt kein Ton an</translation>
     </message>
     <message>
+        <source>This computer is running out of memory</source>
+        <translation>Der Arbeitsspeicher dieses Computers ist fast voll</translation>
+    </message>
+    <message>
         <source>%1 s were lost at %2</source>
         <translation>%1&#xa0;s gingen bei %2 verloren</translation>
     </message>

@@ -1134,6 +1134,10 @@ Se conserva todo lo grabado hasta entonces.</translation>
         <translation>No llega ningún sonido</translation>
     </message>
     <message>
+        <source>This computer is running out of memory</source>
+        <translation>Este equipo se está quedando sin memoria</translation>
+    </message>
+    <message>
         <source>%1 s were lost at %2</source>
         <translation>Se perdieron %1&#xa0;s en %2</translation>
     </message>

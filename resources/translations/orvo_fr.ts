@@ -1134,6 +1134,10 @@ Tout ce qui a été enregistré auparavant est conservé.</translation>
         <translation>Aucun son n’arrive</translation>
     </message>
     <message>
+        <source>This computer is running out of memory</source>
+        <translation>Cet ordinateur n’a presque plus de mémoire</translation>
+    </message>
+    <message>
         <source>%1 s were lost at %2</source>
         <translation>%1&#xa0;s ont été perdues à %2</translation>
     </message>

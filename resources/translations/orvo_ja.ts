@@ -1134,6 +1134,10 @@ Everything recorded before is kept.</source>
         <translation>音が入ってきません</translation>
     </message>
     <message>
+        <source>This computer is running out of memory</source>
+        <translation>このコンピューターのメモリが不足しています</translation>
+    </message>
+    <message>
         <source>%1 s were lost at %2</source>
         <translation>%2で%1秒分が失われました</translation>
     </message>

@@ -1134,6 +1134,10 @@ Everything recorded before is kept.</source>
         <translation>没有声音传入</translation>
     </message>
     <message>
+        <source>This computer is running out of memory</source>
+        <translation>这台计算机的内存快用完了</translation>
+    </message>
+    <message>
         <source>%1 s were lost at %2</source>
         <translation>在%2处丢失了%1秒</translation>
     </message>

@@ -19,6 +19,7 @@
 #include "app/OVTranslations.h"
 #include "app/VelmarAppDelegate.h"
 #include "audio/OVFileKinds.h"
+#include "platform/base/MemoryReserve.h"
 #include "platform/desktop/DBusSleepInhibitor.h"
 #include "platform/desktop/DesktopColours.h"
 #include "platform/desktop/DialogStyle.h"
@@ -92,6 +93,7 @@ int main(int argc, char** argv) {
   if (commandLine.request() != OVCommandLine::Request::openFiles) {
     return answer(commandLine);
   }
+  const platform::MemoryReserve memoryReserve;
   platform::raiseDescriptorLimit();
   platform::FontPreparation fonts;
   int argumentsForQt = static_cast<int>(commandLine.forQt().size()) - 1;

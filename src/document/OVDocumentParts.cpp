@@ -19,7 +19,10 @@ OVDocumentParts::OVDocumentParts(const Operations& operations)
     }
     lossMarks.update(inputWatch.state().losses);
   };
-  displayLoop.setTickHandler(lookAtInput);
+  displayLoop.setTickHandler([this, lookAtInput] {
+    lookAtInput();
+    memoryNotice.update();
+  });
   transport.addStateHandler([this](OVTransportState state) {
     diskWatch.setRecording(state == OVTransportState::recording);
   });

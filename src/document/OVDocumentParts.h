@@ -12,6 +12,7 @@
 #include "document/display/OVInputNotices.h"
 #include "document/display/OVLossMarks.h"
 #include "document/display/OVMarkerAndTime.h"
+#include "document/display/OVMemoryNotice.h"
 #include "document/display/OVNotices.h"
 #include "document/display/OVProgressDisplay.h"
 #include "document/display/OVRecordingPlace.h"
@@ -78,6 +79,7 @@ struct OVDocumentParts {
       {audio, positions, *summaries, transport, markerAndTime, spectrum}};
   OVRecordedChunk fft_data;  // thread-safe: filled by the writer's thread, read on main
   OVDocumentFile file;
+  OVMemoryNotice memoryNotice{notices};
   OVInputNotices inputNotices{notices, [this] { return file.shownName(); }};
   OVDocumentPanels panels{life};
   OVFileLoading loading;

@@ -16,7 +16,7 @@
 class OVRecorderWindow;
 
 /// What a notice is about, the most important first.
-enum class OVNoticeSubject { lostFrames, disk, microphone, silence, input, paused };
+enum class OVNoticeSubject { lostFrames, disk, memory, microphone, silence, input, paused };
 
 /// The line of notices of a document, whose view may be missing: what it says now, and for how
 /// long. There is one notice per subject at most; the first subject that has one is shown.

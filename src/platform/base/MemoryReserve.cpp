@@ -1,0 +1,62 @@
+#include "platform/base/MemoryReserve.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace platform {
+namespace {
+
+// Written by the main thread, and emptied by any. A piece that is taken from here belongs to
+// whoever took it.
+std::array<std::atomic<void*>, MemoryReserve::kPieces> pieces;
+// Written by the main thread before and after all others allocate.
+std::new_handler former = nullptr;
+bool isHeld = false;
+
+std::atomic<unsigned> given{0};
+
+// Runs on the thread whose allocation failed, with any locks held.
+void giveAway() {
+  for (std::atomic<void*>& piece : pieces) {
+    if (void* const memory = piece.exchange(nullptr, std::memory_order_acq_rel)) {
+      std::free(memory);
+      given.fetch_add(1, std::memory_order_release);
+      return;
+    }
+  }
+  throw std::bad_alloc();
+}
+
+}  // namespace
+
+MemoryReserve::MemoryReserve() {
+  isHeld = true;
+  static_cast<void>(restore());
+  former = std::set_new_handler(giveAway);
+}
+
+MemoryReserve::~MemoryReserve() {
+  std::set_new_handler(former);
+  isHeld = false;
+  for (std::atomic<void*>& piece : pieces) {
+    std::free(piece.exchange(nullptr, std::memory_order_acq_rel));
+  }
+}
+
+unsigned MemoryReserve::shortages() noexcept {
+  return given.load(std::memory_order_acquire);
+}
+
+bool MemoryReserve::restore() noexcept {
+  return !isHeld || std::all_of(pieces.begin(), pieces.end(), [](std::atomic<void*>& piece) {
+    if (piece.load(std::memory_order_acquire) == nullptr) {
+      piece.store(std::malloc(kPieceBytes), std::memory_order_release);
+    }
+    return piece.load(std::memory_order_acquire) != nullptr;
+  });
+}
+
+}  // namespace platform
