@@ -1,6 +1,8 @@
 // For each call to files, memory shared with the keeper and the sound device on the way of opening,
 // recording, playing, saving, importing, undoing and recovering: one run in which just this one
 // fails. Nothing crashes, no frame is lost that was there, and the user is told at most once.
+//
+// The same for each allocation of our own code, which must be survived as if nothing had happened.
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
@@ -17,8 +19,10 @@
 #include <gtest/gtest.h>
 
 #include "document/files/recoveredFiles.h"
+#include "failures/FailingAllocations.h"
 #include "failures/FailureBench.h"
 #include "keeper/KeptRecording.h"
+#include "platform/base/MemoryReserve.h"
 #include "platform/files/PosixFile.h"
 #include "storage/OVBlockBuffer.h"
 #include "support/RecoveredFolder.h"
@@ -41,8 +45,13 @@ struct Way {
 
 class EveryFailingCallTest : public testing::Test {
  protected:
-  // Until a run in which no call was left to fail.
   static void failEachOnce(const Way& way) {
+    failCalls(way);
+    failAllocations(way);
+  }
+
+  // Until a run in which no call was left to fail.
+  static void failCalls(const Way& way) {
     std::map<std::string, int> runs;
     bool failed = true;
     for (std::uint64_t number = 1; failed && !HasFailure(); ++number) {
@@ -60,6 +69,30 @@ class EveryFailingCallTest : public testing::Test {
       runs[failing::failed()] += failed ? 1 : 0;
     }
     tell(runs);
+  }
+
+  // The reserve gives what is missing, and nobody notices.
+  static void failAllocations(const Way& way) {
+    const platform::MemoryReserve reserve;
+    bool failed = true;
+    std::uint64_t number = 1;
+    for (; failed && !HasFailure(); ++number) {
+      SCOPED_TRACE("allocation " + std::to_string(number) + " failed");
+      const unsigned before = platform::MemoryReserve::shortages();
+      FailureBench bench;
+      way.prepare(bench);
+      failing::allocations::begin(number);
+      way.act(bench);
+      failing::allocations::end();
+      failed = failing::allocations::hasFailed();
+      EXPECT_EQ(platform::MemoryReserve::shortages() - before, failed ? 1U : 0U);
+      EXPECT_EQ(bench.alertCount() + bench.questionCount(), 0U) << told(bench);
+      way.check(bench);
+      EXPECT_TRUE(platform::MemoryReserve::restore());
+    }
+    EXPECT_GT(number, 10U);
+    std::printf("%llu allocations failed, one a run\n",
+                static_cast<unsigned long long>(number - 2));
   }
 
   static std::string told(const FailureBench& bench) {

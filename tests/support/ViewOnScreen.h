@@ -20,6 +20,12 @@ class ViewOnScreen final : public View {
     if (kind == QPaintDevice::PdmDevicePixelRatioScaled) {
       return static_cast<int>(ratio * QPaintDevice::devicePixelRatioFScale());
     }
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    if (kind == QPaintDevice::PdmDevicePixelRatioF_EncodedA ||
+        kind == QPaintDevice::PdmDevicePixelRatioF_EncodedB) {
+      return QPaintDevice::encodeMetricF(kind, ratio);
+    }
+#endif
     return View::metric(kind);
   }
 };
