@@ -170,7 +170,7 @@ std::vector<BadFile> badFiles() {
   add({"DamagedIndexOfAnM4a", "a.m4a",
        [](const std::string& path) {
          std::string bytes = encoded("m4a");
-         write(path, bytes.replace(bytes.find("stco") + 8, 1, "\xFF"));
+         write(path, bytes.replace(bytes.find("stts") + 8, 1, "\xFF"));
        },
        0, unknown});
   add({"CutOffAiffWithAWrongLength", "a.aiff",
