@@ -125,7 +125,9 @@ std::string findProgram(const std::string& name) {
 
 char processState(pid_t pid) {
   std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-  const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  std::ostringstream read;
+  read << file.rdbuf();  // a process that ends meanwhile is an error of the read, not an exception
+  const std::string text = read.str();
   const std::size_t nameEnd = text.rfind(") ");  // the name may contain brackets and spaces
   return nameEnd == std::string::npos || nameEnd + 2 >= text.size() ? '\0' : text[nameEnd + 2];
 }
