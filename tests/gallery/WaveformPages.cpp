@@ -113,6 +113,7 @@ std::unique_ptr<GalleryPage> noticePage() {
   addNotice(*page, "disk", "Space for less than 5 minutes of recording is left in “/var/tmp”.");
   addNotice(*page, "disk, last minute",
             "Space for less than a minute of recording is left in “/var/tmp”.");
+  addNotice(*page, "memory", "This computer is running out of memory");
   addNotice(*page, "paused", "Recording has been paused.");
   addNotice(*page, "too long",
             "Recording from a microphone with a name that no line of this width could ever hold");
