@@ -118,11 +118,14 @@ PortalOpenDialog::~PortalOpenDialog() {
 // Connecting waits for the bus.
 void PortalOpenDialog::begin(const DesktopBuses::Bus& session, std::chrono::milliseconds patience) {
   open();
-  QTimer::singleShot(patience, this, [this] {
+  auto* const timer = new QTimer(this);
+  timer->setSingleShot(true);
+  connect(timer, &QTimer::timeout, this, [this] {
     if (!isAccepted_) {
       finish(End::unavailable);
     }
   });
+  timer->start(patience);
   globalQueue().async([session, self = QPointer(this)] {
     mainQueue().async([self, connection = session()] {
       if (self && self->ended_) {

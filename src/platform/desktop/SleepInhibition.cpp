@@ -28,11 +28,14 @@ SleepInhibition::SleepInhibition(DesktopBuses buses, QString reason, QObject* pa
 
 void SleepInhibition::begin(std::chrono::milliseconds portalPatience, Failed failed) {
   failed_ = std::move(failed);
-  QTimer::singleShot(portalPatience, this, [this] {
+  auto* const timer = new QTimer(this);
+  timer->setSingleShot(true);
+  connect(timer, &QTimer::timeout, this, [this] {
     if (!releasePortal_) {
       askLoginManager();
     }
   });
+  timer->start(portalPatience);
   connectTo(buses_.session, [this](const QDBusConnection& bus) {
     if (!bus.isConnected()) {
       askLoginManager();
