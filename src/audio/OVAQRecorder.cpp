@@ -103,6 +103,7 @@ void OVAQRecorder::record() {
   if (isRecording()) {
     return;
   }
+  queue_->prepareToRecord();
   {
     const platform::MutexLock lock(mutex_);
     span_ = Span{.after = queue_->capturedFrames()};

@@ -23,6 +23,7 @@ using platform::AudioStatus;
 using support::ramp;
 using support::RecordedAlert;
 using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -228,6 +229,13 @@ TEST_F(OVAQRecorderTest, PauseWithoutRecordingDoesNothing) {
   recorder_->pause();
   EXPECT_EQ(queues_->count("waitUntilDelivered/0"), 0U);
   EXPECT_FALSE(recorder_->isRecording());
+}
+
+TEST_F(OVAQRecorderTest, ItsQueueIsPreparedWhenRecordingBegins) {
+  make();
+  EXPECT_THAT(queues_->calls, Not(Contains("prepareToRecord")));
+  recorder_->record();
+  EXPECT_THAT(queues_->calls, Contains("prepareToRecord"));
 }
 
 TEST_F(OVAQRecorderTest, RecordWhileRecordingDropsNothing) {

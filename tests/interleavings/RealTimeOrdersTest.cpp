@@ -115,7 +115,10 @@ TEST(SemaphoreOrdersTest, MayEndAsSoonAsEveryPostWasTaken) {
 struct RingRun {
   static constexpr std::uint32_t kBlockFrames = 2;
   static constexpr std::uint64_t kWritten = 8;
-  platform::InputRing ring{kBlockFrames, 2};
+  explicit RingRun(std::uint32_t blocks = 2, std::uint32_t blocksAtFirst = 2)
+      : ring(kBlockFrames, blocks, blocksAtFirst) {}
+
+  platform::InputRing ring;
   std::atomic<bool> hasEnded = false;
   std::uint64_t read = 0;
   std::uint64_t lost = 0;
@@ -184,6 +187,23 @@ TEST(InputRingOrdersTest, EveryFrameIsReadOnceOrCountedAsLost) {
   EXPECT_TRUE(isEverLostAtTheEnd);
   EXPECT_TRUE(isEverLostBetween);
   EXPECT_TRUE(isEverWhole);
+  EXPECT_GT(orders, 100U);
+}
+
+TEST(InputRingOrdersTest, ItMayGrowMeanwhile) {
+  const auto orders = tryAllOrders(2, [] {
+    auto run = std::make_shared<RingRun>(3, 1);
+    return Threads{{[run] { run->produce(); }, [run] { run->consume(); },
+                    [run] {
+                      run->ring.grow();
+                      run->ring.grow();
+                    }},
+                   [run] {
+                     const std::uint64_t lostAtTheEnd = RingRun::kWritten - run->end;
+                     EXPECT_EQ(run->read + run->lost + lostAtTheEnd, RingRun::kWritten);
+                     EXPECT_EQ(run->ring.lostFrames(), run->lost + lostAtTheEnd);
+                   }};
+  });
   EXPECT_GT(orders, 100U);
 }
 

@@ -16,7 +16,8 @@
 ///
 /// The device's real-time thread never runs a callback; it moves samples through a lock-free ring.
 /// Callbacks run on the queue's thread and may lock, write files and block. If that thread stalls,
-/// no frame is lost until the ring is full (kInputRingFrames). For frames lost after that, or
+/// no frame is lost until the ring is full (kInputRingFrames; before prepareToRecord()
+/// kMonitoringRingFrames). For frames lost after that, or
 /// inside the sound system, an input queue delivers silence of the same length, so that what
 /// follows keeps its time; they are also logged to the diagnostics console.
 namespace platform {
@@ -24,6 +25,9 @@ namespace platform {
 /// Capacity in frames of an input queue's ring, nearly 6 s: the longest stall of the queue's thread
 /// without loss.
 inline constexpr std::uint32_t kInputRingFrames = 64 * kRecordingChunkFrames;
+
+/// The same while nothing is recorded, half a second: the levels need no more.
+inline constexpr std::uint32_t kMonitoringRingFrames = 6 * kRecordingChunkFrames;
 
 /// The longest gap, in frames, for which an input queue delivers silence: a minute. Above that,
 /// silence would only fill the disk.
@@ -121,6 +125,10 @@ class AudioInputQueue : public AudioQueue {
   /// Called on the queue's thread, at most once, when the device fails or is unplugged. Its last
   /// frames are delivered first if enough buffers are enqueued.
   using FailureListener = std::function<void(AudioStatus)>;
+
+  /// From now on the ring has kInputRingFrames instead of kMonitoringRingFrames. Does nothing
+  /// before start(), or when called again. The owner's thread.
+  virtual void prepareToRecord() = 0;
 
   /// Frames captured since start(), delivered or not, counted in whole buffers; all of them once
   /// the device has failed. Any thread.

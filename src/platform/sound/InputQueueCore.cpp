@@ -59,7 +59,8 @@ AudioStatus InputQueueCore::start() {
   if (blockFrames == 0) {
     return kInvalidQueueStateStatus;  // without a buffer the block size is unknown
   }
-  ring_.emplace(blockFrames, kInputRingFrames / blockFrames);
+  ring_.emplace(blockFrames, kInputRingFrames / blockFrames,
+                std::max<std::uint32_t>(kMonitoringRingFrames / blockFrames, 2));
   producer_.emplace(*ring_);
   consumer_.emplace(*ring_);
   const AudioStatus status = thread_.start([self = shared_from_this()] { self->serve(); });
@@ -95,6 +96,13 @@ void InputQueueCore::dispose() {
   const MutexLock lock(mutex_);
   enqueued_.clear();
   buffers_.clear();
+}
+
+void InputQueueCore::prepareToRecord() {
+  const MutexLock lock(mutex_);
+  if (ring_) {
+    ring_->grow();
+  }
 }
 
 std::uint64_t InputQueueCore::capturedFrames() const {

@@ -36,6 +36,7 @@ class InputQueueCore final : public InputSink,
   [[nodiscard]] AudioStatus start();
   void stop();
   void dispose();
+  void prepareToRecord();
   void waitUntilDelivered(std::uint64_t frame);
   [[nodiscard]] std::uint64_t capturedFrames() const;
   [[nodiscard]] std::uint64_t lostFrames() const;

@@ -84,6 +84,7 @@ class InputQueueHandle final : public QueueHandle<AudioInputQueue, InputQueueCor
 
   [[nodiscard]] AudioStatus acquireDevice() { return core().acquireDevice(); }
 
+  void prepareToRecord() override { core().prepareToRecord(); }
   [[nodiscard]] std::uint64_t capturedFrames() const override { return core().capturedFrames(); }
   void waitUntilDelivered(std::uint64_t frame) override { core().waitUntilDelivered(frame); }
   [[nodiscard]] std::uint64_t lostFrames() const override { return core().lostFrames(); }

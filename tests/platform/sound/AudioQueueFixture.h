@@ -103,6 +103,13 @@ struct Recording {
     return kAudioStatusOk;
   }
   AudioStatus begin(AudioQueues& queues, std::uint32_t frames = kRecordFrames) {
+    const AudioStatus status = monitor(queues, frames);
+    if (status == kAudioStatusOk) {
+      queue->prepareToRecord();
+    }
+    return status;
+  }
+  AudioStatus monitor(AudioQueues& queues, std::uint32_t frames = kRecordFrames) {
     AudioStatus status = make(queues);
     if (status == kAudioStatusOk) {
       status = prime(frames);

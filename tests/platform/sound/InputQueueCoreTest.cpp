@@ -117,6 +117,40 @@ TEST_F(InputQueueCoreTest, SilenceStandsForFramesBeyondTheFullRingWhichAreToldOn
   EXPECT_EQ(services->consoleLinesWith("lost"), 1U);
 }
 
+TEST_F(InputQueueCoreTest, WhileNothingIsRecordedItHoldsHalfASecondAndFromThenOnSix) {
+  Gate door;
+  Recording recording;
+  recording.also = [&](AudioInputQueue&, AudioQueueBuffer&) { door.pass(); };
+  ASSERT_EQ(recording.monitor(*queues), kAudioStatusOk);
+  feed(0, kRecordFrames);
+  ASSERT_TRUE(door.awaitArrival());
+  feed(kRecordFrames, kMonitoringRingFrames);
+  EXPECT_EQ(recording.queue->lostFrames(), 0U);
+  feed(kRecordFrames + kMonitoringRingFrames, 10);
+  EXPECT_EQ(recording.queue->lostFrames(), 10U);
+  recording.queue->prepareToRecord();
+  recording.queue->prepareToRecord();
+  const std::uint64_t grown = kRecordFrames + kMonitoringRingFrames + 10;
+  feed(grown, kInputRingFrames - kMonitoringRingFrames);
+  EXPECT_EQ(recording.queue->lostFrames(), 10U);
+  feed(grown + kInputRingFrames - kMonitoringRingFrames, 1);
+  EXPECT_EQ(recording.queue->lostFrames(), 11U);
+  door.open();
+  ASSERT_TRUE(recording.endFrames.awaitCount(66));  // the lost ones, in between, are silence
+  auto expected = ramp(0, kRecordFrames + kMonitoringRingFrames);
+  expected.resize(expected.size() + std::size_t{10} * 2);
+  const auto rest = ramp(grown, kInputRingFrames - kMonitoringRingFrames);
+  expected.insert(expected.end(), rest.begin(), rest.end());
+  EXPECT_EQ(recording.samples(), expected);
+}
+
+TEST_F(InputQueueCoreTest, BeforeItIsStartedThereIsNothingToPrepare) {
+  Recording recording;
+  ASSERT_EQ(recording.make(*queues), kAudioStatusOk);
+  recording.queue->prepareToRecord();
+  EXPECT_EQ(recording.queue->capturedFrames(), 0U);
+}
+
 TEST_F(InputQueueCoreTest, SilenceLongerThanABufferComesInSeveral) {
   Gate door;
   Recording recording;

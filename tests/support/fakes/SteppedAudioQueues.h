@@ -144,6 +144,7 @@ class SteppedInputQueue : public SteppedQueue<platform::AudioInputQueue> {
         callback_(std::move(callback)),
         failed_(std::move(failed)) {}
 
+  void prepareToRecord() override { script_->calls.emplace_back("prepareToRecord"); }
   std::uint64_t capturedFrames() const override { return script_->capturedFrames; }
   void waitUntilDelivered(std::uint64_t frame) override {
     script_->calls.push_back("waitUntilDelivered/" + std::to_string(frame));

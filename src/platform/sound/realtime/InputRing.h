@@ -2,13 +2,18 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace platform {
 
 /// Carries captured samples from the device's real-time thread to an input queue's thread, in
-/// blocks of a fixed number of interleaved stereo float frames. All memory is allocated and touched
-/// at construction. The two ends have their own types: InputRingProducer and InputRingConsumer.
+/// blocks of a fixed number of interleaved stereo float frames. The two ends have their own types:
+/// InputRingProducer and InputRingConsumer.
+///
+/// Memory is allocated at construction, and touched before the producer may use it: for some blocks
+/// at construction, for the others by grow(). A block that comes back is filled again next, so a
+/// consumer that keeps up takes no more memory, and room in the processor's caches, than it needs.
 ///
 /// Threads: construction and destruction while neither end is in use.
 class InputRing {
@@ -36,8 +41,17 @@ class InputRing {
     }
   };
 
-  /// `blockFrames` frames a block, at least 1; `blockCount` blocks, at least 2.
-  InputRing(std::uint32_t blockFrames, std::uint32_t blockCount);
+  /// `blockFrames` frames a block, at least 1; `blockCount` blocks, at least 2, of which the
+  /// producer may use `blocksAtFirst`, at least 1, until the ring grows.
+  InputRing(std::uint32_t blockFrames, std::uint32_t blockCount, std::uint32_t blocksAtFirst);
+  InputRing(std::uint32_t blockFrames, std::uint32_t blockCount)
+      : InputRing(blockFrames, blockCount, blockCount) {}
+
+  /// From now on the producer may use all blocks. A second call does nothing.
+  ///
+  /// Threads: any, one at a time.
+  /// Real-time: not safe.
+  void grow();
 
   /// Threads: any.
   /// Real-time: safe.
@@ -68,10 +82,19 @@ class InputRing {
   const std::uint32_t blockFrames_;
   const std::uint32_t blockCount_;
 
+  [[nodiscard]] float* samplesAt(std::uint32_t place) const noexcept;
+  void touch(std::uint32_t firstPlace, std::uint32_t endPlace) noexcept;
+
   // Blocks numbered [tail_, head_) are finished and belong to the consumer; the others belong to
-  // the producer. Block n is stored at n modulo blockCount_.
+  // the producer. Block n is described at n modulo blockCount_; its samples are at a place of their
+  // own, of which there are blockCount_, too.
   std::vector<Block> blocks_;
-  std::vector<float> samples_;
+  std::vector<std::uint32_t> places_;
+  const std::unique_ptr<float[]> samples_;
+
+  // Places below it belong to the two ends, the others to grow(). Only writer: grow(), with release
+  // after they were touched.
+  std::atomic<std::uint32_t> usablePlaces_;
 
   // Invariant: tail_ <= head_ <= tail_ + blockCount_. Only writer: the producer, with release after
   // the block's content.
@@ -88,7 +111,8 @@ class InputRing {
 /// The producer's end.
 class InputRingProducer {
  public:
-  explicit InputRingProducer(InputRing& ring) : ring_(ring) {}
+  /// Real-time: not safe.
+  explicit InputRingProducer(InputRing& ring);
 
   /// Appends `frames` interleaved frames; those that do not fit are counted as lost. Returns the
   /// number of blocks completed.
@@ -112,16 +136,21 @@ class InputRingProducer {
   void finish() noexcept;
 
  private:
+  [[nodiscard]] bool takePlace() noexcept;
   [[nodiscard]] bool beginBlock() noexcept;
   void endBlock() noexcept;
   void lose(std::uint64_t frames) noexcept;
 
   InputRing& ring_;
-  std::uint64_t captured_ = 0;        // frames offered so far
-  std::uint64_t lostPending_ = 0;     // frames lost since the last block ended
-  std::uint64_t skippedPending_ = 0;  // those of them that were skipped
-  std::uint64_t skippedAtFrame_ = 0;  // before which these are missing, at the latest
-  std::uint32_t filled_ = 0;          // frames in the unfinished block; 0 for none
+  std::vector<std::uint32_t> freePlaces_;  // never more than were reserved; the last is taken first
+  std::uint64_t returnedBlocks_ = 0;       // those before this one came back, with their places
+  std::uint32_t knownPlaces_ = 0;          // those below have been free or are in use
+  std::uint32_t place_ = 0;                // of the unfinished block
+  std::uint64_t captured_ = 0;             // frames offered so far
+  std::uint64_t lostPending_ = 0;          // frames lost since the last block ended
+  std::uint64_t skippedPending_ = 0;       // those of them that were skipped
+  std::uint64_t skippedAtFrame_ = 0;       // before which these are missing, at the latest
+  std::uint32_t filled_ = 0;               // frames in the unfinished block; 0 for none
 };
 
 /// The consumer's end.

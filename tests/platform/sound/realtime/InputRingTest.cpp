@@ -85,6 +85,39 @@ TEST(InputRingTest, AFullRingCountsWhatItCannotTakeAndTheNextBlockTellsIt) {
   EXPECT_TRUE(holdsItsOwnFrames(ring, *block, consumer.frontSamples()));
 }
 
+TEST(InputRingTest, ASmallRingTakesMoreOnceItHasGrown) {
+  InputRing ring(4, 5, 2);
+  InputRingProducer producer(ring);
+  InputRingConsumer consumer(ring);
+  EXPECT_EQ(producer.write(ramp(0, 9).data(), 9), 2U);
+  EXPECT_EQ(ring.lostFrames(), 1U);
+  ring.grow();
+  EXPECT_EQ(producer.write(ramp(9, 13).data(), 13), 3U);
+  EXPECT_EQ(ring.lostFrames(), 2U);
+  for (const std::uint64_t first : {0, 4, 9, 13, 17}) {
+    const auto* block = consumer.front();
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(block->firstFrame, first);
+    EXPECT_TRUE(holdsItsOwnFrames(ring, *block, consumer.frontSamples()));
+    consumer.pop();
+  }
+  EXPECT_EQ(consumer.front(), nullptr);
+}
+
+TEST(InputRingTest, ABlockThatCameBackIsFilledNextSoThatTheRestIsNotTouched) {
+  InputRing ring(4, 5);
+  InputRingProducer producer(ring);
+  InputRingConsumer consumer(ring);
+  const float* used = nullptr;
+  for (std::uint64_t first = 0; first < 80; first += 4) {
+    producer.write(ramp(first, 4).data(), 4);
+    EXPECT_TRUE(used == nullptr || consumer.frontSamples() == used);
+    used = consumer.frontSamples();
+    EXPECT_TRUE(holdsItsOwnFrames(ring, *consumer.front(), used));
+    consumer.pop();
+  }
+}
+
 TEST(InputRingTest, SkippedFramesEndTheBlockAndAreLostBeforeTheNext) {
   InputRing ring(4, 4);
   InputRingProducer producer(ring);
