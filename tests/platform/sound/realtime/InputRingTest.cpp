@@ -94,7 +94,7 @@ TEST(InputRingTest, ASmallRingTakesMoreOnceItHasGrown) {
   ring.grow();
   EXPECT_EQ(producer.write(ramp(9, 13).data(), 13), 3U);
   EXPECT_EQ(ring.lostFrames(), 2U);
-  for (const std::uint64_t first : {0, 4, 9, 13, 17}) {
+  for (const std::uint64_t first : {0U, 4U, 9U, 13U, 17U}) {
     const auto* block = consumer.front();
     ASSERT_NE(block, nullptr);
     EXPECT_EQ(block->firstFrame, first);
