@@ -144,6 +144,11 @@ void OVRecoveredPanel::setFiles(const std::vector<OVRecoveredFile>& files) {
     list_->resizeColumnToContents(column);
     list_->setColumnWidth(column, list_->columnWidth(column) + kColumnSpace);
   }
+  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
+    // The width counts for the column, too: only then it is known.
+    list_->topLevelItem(row)->setSizeHint(
+        0, QSize(list_->columnWidth(0), list_->fontMetrics().height() + kRowGap));
+  }
   list_->setVisible(!files.empty());
   showHeading();
   enableButtons();
@@ -155,7 +160,6 @@ void OVRecoveredPanel::addRow(const OVRecoveredFile& file, const Paths& unchecke
   const QString length = file.frames == 0 ? QStringLiteral("–") : recoveredLengthText(file.frames);
   const QString state = localized(nameOf(file.state));
   auto* const row = new QTreeWidgetItem(list_, {start, length, state});
-  row->setSizeHint(0, QSize(0, list_->fontMetrics().height() + kRowGap));
   row->setData(0, kPathRole, QByteArray::fromStdString(file.path));
   row->setData(0, Qt::AccessibleTextRole, QStringList{start, length, state}.join(", "));
   if (isBeingMade(file.state)) {

@@ -131,8 +131,10 @@ platform::Result<std::unique_ptr<RecoveredFolder>> RecoveredFolder::open(
   if (!recovered) {
     return recovered.error();
   }
-  if (const int error = platform::closeToOthers((*recovered).get())) {
-    return error;
+  for (const int folder : {(*own).get(), (*recovered).get()}) {
+    if (const int error = platform::closeToOthers(folder)) {
+      return error;
+    }
   }
   return std::unique_ptr<RecoveredFolder>(new RecoveredFolder(*std::move(recovered)));
 }

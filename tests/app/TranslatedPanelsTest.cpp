@@ -160,6 +160,7 @@ TEST_P(TranslatedPanelsTest, TheQuestionAboutRecoveredRecordingsIsWhole) {
   std::vector<OVRecoveredFile> files(4);
   files[0].frames = 44100 * 7500ULL;
   files[0].start = QDateTime(QDate(2026, 11, 21), QTime(14, 2));
+  files[1].start = QDateTime(QDate(2026, 12, 31), QTime(23, 59));
   files[1].state = OVRecoveredFile::State::damaged;
   files[2].state = OVRecoveredFile::State::beingWritten;
   files[3].state = OVRecoveredFile::State::waitingForRoom;
@@ -177,10 +178,13 @@ TEST_P(TranslatedPanelsTest, TheQuestionAboutRecoveredRecordingsIsWhole) {
     const auto* const list = panel.findChild<QTreeWidget*>();
     EXPECT_EQ(list->topLevelItem(1)->text(2), translated("Damaged"));
     EXPECT_EQ(list->topLevelItem(2)->text(2), translated("Still being written"));
-    for (int column = 0; column < list->columnCount(); ++column) {
-      const QString text = list->topLevelItem(2)->text(column);
-      EXPECT_GT(list->columnWidth(column), list->fontMetrics().horizontalAdvance(text))
-          << text.toStdString();
+    for (int row = 0; row < list->topLevelItemCount(); ++row) {
+      for (int column = 0; column < list->columnCount(); ++column) {
+        const QString text = list->topLevelItem(row)->text(column);
+        const int box = column == 0 ? list->style()->pixelMetric(QStyle::PM_IndicatorWidth) : 0;
+        EXPECT_GT(list->columnWidth(column), list->fontMetrics().horizontalAdvance(text) + box)
+            << text.toStdString();
+      }
     }
     EXPECT_LE(list->header()->length(), list->viewport()->width()) << "nothing to scroll";
   }

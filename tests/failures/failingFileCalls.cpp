@@ -8,6 +8,7 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include "failures/FailingCalls.h"
@@ -27,6 +28,7 @@
 
 using StatusOfFile = struct stat;
 using StatusOfDisk = struct statvfs;
+using StatusOfFileSystem = struct statfs;
 using Entry = struct dirent;
 
 FAILING(ssize_t, read, (int file, void* to, size_t count), (file, to, count), -1, EIO)
@@ -69,6 +71,10 @@ FAILING(ssize_t, fgetxattr, (int file, const char* name, void* to, size_t count)
         (file, name, to, count), -1, EIO)
 FAILING(int, fsetxattr, (int file, const char* name, const void* value, size_t count, int flags),
         (file, name, value, count, flags), -1, EIO)
+FAILING(int, fremovexattr, (int file, const char* name), (file, name), -1, EIO)
+FAILING(int, statfs, (const char* path, StatusOfFileSystem* status), (path, status), -1, EIO)
+FAILING(int, sync_file_range, (int file, off64_t at, off64_t count, unsigned int flags),
+        (file, at, count, flags), -1, EIO)
 FAILING(int, flock, (int file, int operation), (file, operation), -1, EIO)
 FAILING(int, memfd_create, (const char* name, unsigned int flags), (name, flags), -1, EMFILE)
 FAILING(void*, mmap, (void* at, size_t count, int rights, int flags, int file, off_t offset),

@@ -144,6 +144,13 @@ TEST_F(Installation, IconsHaveTheSizesOfTheirFolders) {
   }
 }
 
+TEST_F(Installation, LicenceComesWithIt) {
+  std::ifstream licence(share("licenses/orvo/LICENSE"));
+  std::string first;
+  EXPECT_TRUE(std::getline(licence, first));
+  EXPECT_EQ(first, "MIT License");
+}
+
 TEST_F(Installation, ManualPageIsWithoutFault) {
   EXPECT_EQ(complaintsOf({"mandoc", "-T", "lint", "-W", "all", share("man/man1/orvo.1")}), "");
 }

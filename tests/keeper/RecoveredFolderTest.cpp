@@ -83,8 +83,10 @@ TEST_F(RecoveredFolderTest, IsMadeWhereTheDataDirectoryIsNotThereYet) {
 TEST_F(RecoveredFolderTest, FolderThatOthersCouldReadIsClosedToThem) {
   open();
   fs::permissions(path(), fs::perms::all);
+  fs::permissions(data_.file("orvo"), fs::perms::all);
   open();
   EXPECT_EQ(modeOf(path()), 0700U);
+  EXPECT_EQ(modeOf(data_.file("orvo")), 0700U);
 }
 
 TEST_F(RecoveredFolderTest, LinkIsNotUsed) {

@@ -61,7 +61,7 @@ bool isHeld(platform::PrivateFile& file) {
   const Lock lock = file.lock();
   return lock == Lock::heldByAnother ||
          (lock == Lock::notToBeHad && isUnfinished(file.name()) &&
-          std::chrono::system_clock::now() - file.modified() < kLately);
+          std::chrono::abs(std::chrono::system_clock::now() - file.modified()) < kLately);
 }
 
 // Nothing for a file that is not to be listed.

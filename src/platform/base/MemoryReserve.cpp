@@ -9,8 +9,7 @@
 namespace platform {
 namespace {
 
-// Written by the main thread, and emptied by any. A piece that is taken from here belongs to
-// whoever took it.
+// Filled and emptied by any thread. A piece that is taken from here belongs to whoever took it.
 std::array<std::atomic<void*>, MemoryReserve::kPieces> pieces;
 // Written by the main thread before and after all others allocate.
 std::new_handler former = nullptr;
@@ -27,6 +26,8 @@ void giveAway() {
       return;
     }
   }
+  // Perhaps only this one asked for too much: the others keep their reserve.
+  static_cast<void>(MemoryReserve::restore());
   throw std::bad_alloc();
 }
 
@@ -52,10 +53,16 @@ unsigned MemoryReserve::shortages() noexcept {
 
 bool MemoryReserve::restore() noexcept {
   return !isHeld || std::all_of(pieces.begin(), pieces.end(), [](std::atomic<void*>& piece) {
-    if (piece.load(std::memory_order_acquire) == nullptr) {
-      piece.store(std::malloc(kPieceBytes), std::memory_order_release);
+    if (piece.load(std::memory_order_acquire) != nullptr) {
+      return true;
     }
-    return piece.load(std::memory_order_acquire) != nullptr;
+    void* const memory = std::malloc(kPieceBytes);
+    void* missing = nullptr;
+    if (!piece.compare_exchange_strong(missing, memory, std::memory_order_acq_rel)) {
+      std::free(memory);  // another thread was faster
+      return true;
+    }
+    return memory != nullptr;
   });
 }
 

@@ -7,7 +7,7 @@ namespace platform {
 /// Memory that is held back for the moment in which there is no more: an allocation by `new` that
 /// fails takes a piece of it, is tried again, and so succeeds. Otherwise one failure, wherever it
 /// is, would end the program and what it records. Only when nothing is left, or for more at once
-/// than a piece has, std::bad_alloc is thrown as usual.
+/// than the pieces have, std::bad_alloc is thrown as usual; what was given in vain is taken back.
 ///
 /// The reserve takes part of the address space, but no memory, until it is given away: so it helps
 /// where a process has a limit or the system promises no more than it has, not where the kernel
@@ -34,7 +34,7 @@ class MemoryReserve {
 
   /// Takes back what was given away. True if all of it is there, also without a reserve.
   ///
-  /// Threads: main.
+  /// Threads: any, while it exists. Real-time: not safe.
   static bool restore() noexcept;
 };
 

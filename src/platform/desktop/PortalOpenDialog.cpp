@@ -195,7 +195,11 @@ void PortalOpenDialog::askForPortalName() {
   auto* const call = new QDBusPendingCallWatcher(bus_->asyncCall(question), this);
   connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
     const QDBusPendingReply<QString> name = *call;
-    portalName_ = name.value();  // none if it has ended, of which the watcher tells
+    if (name.isError()) {
+      finish(End::unavailable);
+      return;
+    }
+    portalName_ = name.value();
     if (const auto response = early_.constFind(portalName_); response != early_.cend()) {
       responded(response->code, response->results);
     }

@@ -8,7 +8,7 @@
 namespace platform {
 namespace {
 
-constexpr std::uint64_t kTableBytesPerFileByte = 4;  // 24 for 8, and room for growth
+constexpr std::uint64_t kTableBytesPerFileByte = 24;  // an entry for each frame of 8-bit sound
 
 struct Bound {
   std::mutex mutex;
@@ -23,10 +23,11 @@ Bound& bound() {
 }  // namespace
 
 std::size_t allocationBoundFor(std::uint64_t fileSize) {
-  constexpr std::uint64_t kLongestFile = kLargestAllocationBound / kTableBytesPerFileByte;
-  const auto table =
-      static_cast<std::size_t>(std::min(fileSize, kLongestFile) * kTableBytesPerFileByte);
-  return std::max(table, kSmallestAllocationBound);
+  if (fileSize > kLargestAllocationBound / kTableBytesPerFileByte) {
+    return kLargestAllocationBound;
+  }
+  return std::max(static_cast<std::size_t>(fileSize * kTableBytesPerFileByte),
+                  kSmallestAllocationBound);
 }
 
 void allowAllocations(std::size_t bytes) {

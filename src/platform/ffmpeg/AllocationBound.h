@@ -16,7 +16,7 @@ inline constexpr std::size_t kSmallestAllocationBound = std::size_t{32} << 20;
 inline constexpr std::size_t kLargestAllocationBound = std::size_t{512} << 20;
 
 /// Enough for a sound file of so many bytes. FFmpeg's largest tables have an entry of 24 bytes for
-/// each packet, which takes 8 bytes of the file or more.
+/// each packet, which may be a single frame of 8-bit sound.
 [[nodiscard]] std::size_t allocationBoundFor(std::uint64_t fileSize);
 
 /// The bound is at least so many bytes from now on. Without a call, FFmpeg's own one holds, which

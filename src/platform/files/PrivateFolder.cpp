@@ -116,9 +116,9 @@ Result<PrivateFolder> PrivateFolder::at(const std::string& path, int ownFolders)
       return inner.error();
     }
     folder = *std::move(inner);
-  }
-  if (const int error = closeToOthers(folder.get())) {
-    return error;
+    if (const int error = closeToOthers(folder.get())) {
+      return error;
+    }
   }
   return PrivateFolder(std::move(folder));
 }

@@ -11,10 +11,12 @@
 namespace platform {
 namespace {
 
+constexpr int kLongestRhythm = 999;  // milliseconds
+
 /// The timers of one interval.
 struct Rhythm {
-  std::vector<QTimer*> running;
-  std::vector<QTimer*> waiting;  // for the next tick of those
+  std::vector<QTimer*> together;
+  std::vector<QTimer*> alone;  // until the next tick of those
 };
 
 // By interval, in milliseconds. Timers are few, and on the main thread alone.
@@ -23,30 +25,30 @@ std::map<int, Rhythm>& rhythms() {
   return all;
 }
 
-void startWaiting(int interval) {
+void joinTogether(int interval) {
   Rhythm& rhythm = rhythms()[interval];
-  for (QTimer* const timer : std::exchange(rhythm.waiting, {})) {
+  for (QTimer* const timer : std::exchange(rhythm.alone, {})) {
     timer->start();
-    rhythm.running.push_back(timer);
+    rhythm.together.push_back(timer);
   }
 }
 
+// It ticks by itself meanwhile: the tick of the others may run the main loop.
 void enter(QTimer& timer) {
-  rhythms()[timer.interval()].waiting.push_back(&timer);
-  if (rhythms()[timer.interval()].running.empty()) {
-    startWaiting(timer.interval());
-  }
+  timer.start();
+  Rhythm& rhythm = rhythms()[timer.interval()];
+  (rhythm.together.empty() ? rhythm.together : rhythm.alone).push_back(&timer);
 }
 
 void leave(QTimer& timer) {
   const auto found = rhythms().find(timer.interval());
   Rhythm& rhythm = found->second;
-  std::erase(rhythm.running, &timer);
-  std::erase(rhythm.waiting, &timer);
-  if (rhythm.running.empty()) {
-    startWaiting(timer.interval());
+  std::erase(rhythm.together, &timer);
+  std::erase(rhythm.alone, &timer);
+  if (rhythm.together.empty()) {
+    std::swap(rhythm.together, rhythm.alone);
   }
-  if (rhythm.running.empty()) {
+  if (rhythm.together.empty()) {
     rhythms().erase(found);
   }
 }
@@ -58,15 +60,23 @@ Timer::Timer(double intervalInSeconds, std::function<void()> tick) {
   const int interval = std::max(1, static_cast<int>(std::lround(intervalInSeconds * 1000.0)));
   timer_.setInterval(interval);
   QObject::connect(&timer_, &QTimer::timeout, &timer_, [interval, tick = std::move(tick)] {
-    startWaiting(interval);
+    if (interval <= kLongestRhythm) {
+      joinTogether(interval);
+    }
     tick();
   });
-  enter(timer_);
+  if (interval <= kLongestRhythm) {
+    enter(timer_);
+  } else {
+    timer_.start();
+  }
 }
 
 Timer::~Timer() {
   assertMainThread();
-  leave(timer_);
+  if (timer_.interval() <= kLongestRhythm) {
+    leave(timer_);
+  }
 }
 
 double Timer::intervalInSeconds() const {

@@ -28,6 +28,16 @@ TEST(MemoryReserveTest, WhenAllIsGivenAwayTheNextOneFailsAsUsual) {
   const unsigned before = MemoryReserve::shortages();
   EXPECT_THROW(runOut(), std::bad_alloc);
   EXPECT_EQ(MemoryReserve::shortages(), before);
+  EXPECT_NO_THROW(runOut()) << "of another thread: there is memory again";
+}
+
+TEST(MemoryReserveTest, MoreThanThereCanBeFailsAndLeavesTheReserveToTheOthers) {
+  const MemoryReserve reserve;
+  volatile std::size_t tooMuch = std::size_t{1} << 60;  // unknown to the compiler
+  EXPECT_THROW(::operator delete(::operator new(tooMuch)), std::bad_alloc);
+  for (std::size_t piece = 0; piece < MemoryReserve::kPieces; ++piece) {
+    EXPECT_NO_THROW(runOut());
+  }
 }
 
 TEST(MemoryReserveTest, WhatIsRestoredIsGivenAwayAgain) {

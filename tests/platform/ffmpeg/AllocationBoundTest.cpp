@@ -22,7 +22,7 @@ TEST(AllocationBoundTest, SmallFileHasTheSmallestBound) {
 }
 
 TEST(AllocationBoundTest, LargerFileMayHaveALargerIndex) {
-  EXPECT_EQ(allocationBoundFor(std::uint64_t{100} << 20), std::size_t{400} << 20);
+  EXPECT_EQ(allocationBoundFor(std::uint64_t{10} << 20), std::size_t{240} << 20);
 }
 
 TEST(AllocationBoundTest, NoFileExceedsTheLargestBound) {

@@ -77,7 +77,9 @@ TEST_F(PrivateFolderTest, AFolderThatOthersMayUseIsClosedToThem) {
 TEST_F(PrivateFolderTest, FoldersAboveItAreTheUsersOwnAsFarAsAsked) {
   const std::string above = temporary_.makeFolder("above");
   fs::create_directory(above + "/inner");
+  fs::permissions(above, fs::perms::all);
   EXPECT_TRUE(PrivateFolder::at(above + "/inner", 2));
+  EXPECT_EQ(fs::status(above).permissions(), fs::perms::owner_all);
   fs::create_directory_symlink(above, temporary_.file("link"));
   EXPECT_TRUE(PrivateFolder::at(temporary_.file("link/inner"), 1));
   EXPECT_FALSE(PrivateFolder::at(temporary_.file("link/inner"), 2));

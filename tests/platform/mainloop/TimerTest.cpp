@@ -75,6 +75,34 @@ TEST(TimerTest, ATickThatRunsTheMainLoopHoldsUpNoOtherTimer) {
   EXPECT_TRUE(runMainLoopUntil([&] { return ran; }));
 }
 
+TEST(TimerTest, OneThatIsMadeInALoopWithinATickRunsThere) {
+  std::unique_ptr<platform::Timer> made;
+  int ticks = 0;
+  bool ran = false;
+  const platform::Timer outer(0.002, [&] {
+    if (!made) {
+      made = std::make_unique<platform::Timer>(0.002, [&] { ++ticks; });
+      ran = runMainLoopUntil([&] { return ticks >= 2; });
+    }
+  });
+  EXPECT_TRUE(runMainLoopUntil([&] { return made != nullptr && ran; }));
+}
+
+// Such as one that ends a notice: it is not put off by that of another window.
+TEST(TimerTest, OneOfASecondOrMoreBeginsAtOnce) {
+  int earlyTicks = 0;
+  int ticksBefore = -1;
+  std::unique_ptr<platform::Timer> late;
+  const platform::Timer early(1.0, [&] { ++earlyTicks; });
+  const platform::Timer between(0.5, [&] {
+    if (!late) {
+      late = std::make_unique<platform::Timer>(1.0, [&] { ticksBefore = earlyTicks; });
+    }
+  });
+  ASSERT_TRUE(runMainLoopUntil([&] { return ticksBefore >= 0; }));
+  EXPECT_EQ(ticksBefore, 1) << "before the other one's second tick";
+}
+
 TEST(TimerTest, RoundsItsIntervalToMilliseconds) {
   const platform::Timer fast(0.0, [] {});
   const platform::Timer spectrum(1.0 / 30.0, [] {});
