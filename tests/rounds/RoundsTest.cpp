@@ -90,7 +90,7 @@ class RoundsTest : public testing::Test {
     const std::string path = desktop->musicFile(std::string("source.") + kSuffixes.at(kind));
     std::vector<float> samples(2 * kFileFrames);
     support::makeNumbered(samples.data(), 0, kFileFrames);
-    const auto writer = OVAudioFileWriter::initWithFile(path, static_cast<std::int32_t>(kind));
+    const auto writer = OVAudioFileWriter::initWithFile(path, static_cast<std::uint32_t>(kind));
     EXPECT_EQ(writer->sinkData(samples.data(), samples.size() * sizeof(float)), kFileFrames * 8);
     EXPECT_TRUE(writer->close());
     return path;
