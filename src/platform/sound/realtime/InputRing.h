@@ -92,10 +92,6 @@ class InputRing {
   std::vector<std::uint32_t> places_;
   const std::unique_ptr<float[]> samples_;
 
-  // Places below it belong to the two ends, the others to grow(). Only writer: grow(), with release
-  // after they were touched.
-  std::atomic<std::uint32_t> usablePlaces_;
-
   // Invariant: tail_ <= head_ <= tail_ + blockCount_. Only writer: the producer, with release after
   // the block's content.
   alignas(64) std::atomic<std::uint64_t> head_{0};
@@ -103,6 +99,9 @@ class InputRing {
   std::atomic<std::uint64_t> publishedEndFrame_{0};
   // Only writer: the producer.
   std::atomic<std::uint64_t> lostFrames_{0};
+  // Places below it belong to the two ends, the others to grow(). Only writer: grow(), with release
+  // after they were touched.
+  std::atomic<std::uint32_t> usablePlaces_;
 
   // Only writer: the consumer, with release after the block's content was read.
   alignas(64) std::atomic<std::uint64_t> tail_{0};
