@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstddef>
 #include <new>
+#include <thread>
 
 namespace failing::allocations {
 namespace {
@@ -12,9 +13,20 @@ std::atomic<bool> isCounting{false};
 std::atomic<std::uint64_t> count{0};
 std::atomic<std::uint64_t> chosen{0};
 std::atomic<bool> failed{false};
+// How many threads are in an allocation that may be the chosen one.
+std::atomic<int> deciding{0};
+
+class Deciding {
+ public:
+  Deciding() { ++deciding; }
+  ~Deciding() { --deciding; }
+  Deciding(const Deciding&) = delete;
+  Deciding& operator=(const Deciding&) = delete;
+};
 
 // What `new` does when malloc has failed; then it tries again.
 void failOnce() {
+  const Deciding decides;
   if (!isCounting || ++count != chosen) {
     return;
   }
@@ -37,6 +49,10 @@ void begin(std::uint64_t number) {
 
 void end() {
   isCounting = false;
+  // Another thread may have failed and not yet been helped.
+  while (deciding != 0) {
+    std::this_thread::yield();
+  }
 }
 
 bool hasFailed() {

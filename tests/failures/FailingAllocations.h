@@ -11,7 +11,7 @@ namespace failing::allocations {
 
 /// From now on allocations are counted, and that of this number, from 1 on, fails at its first try.
 void begin(std::uint64_t number);
-/// Nothing is counted or fails from now on.
+/// Nothing is counted or fails from now on, and what has failed was dealt with, on any thread.
 void end();
 
 /// Whether the chosen allocation came and failed.
