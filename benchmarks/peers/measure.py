@@ -73,14 +73,16 @@ class Measuring:
 
     def turns(self, title, times, measure):
         """Each program in turn, `times` times; notes how busy others were meanwhile."""
+        others_took = {program.name: [] for program in self.programs}
         for _ in range(times):
             for program in self.programs:
                 self.tell(title, program)
                 program.again()
                 others = processes.Others()
                 self.guarded(program, measure, program)
-                self.busy.setdefault(title, []).append(others.share())
+                others_took[program.name].append(others.taken())
                 program.end()
+        self.busy[title] = max(map(processes.share_of, others_took.values()))
 
     def guarded(self, program, measure, *arguments):
         """Says which program failed, and leaves a picture of it."""
@@ -274,8 +276,8 @@ def main():
             "versions": versions,
             "seconds": {"watched": effort.watch_seconds, "recorded": effort.record_seconds},
             "busy": {"limit": report.BUSY_LIMIT, "before": round(before, 3),
-                     "during": {title: round(max(shares), 3)
-                                for title, shares in measuring.busy.items()}},
+                     "during": {title: round(share, 3)
+                                for title, share in measuring.busy.items()}},
             "figures": {measure: {name: [round(value, 4) for value in values]
                                   for name, values in of.items()}
                         for measure, of in measuring.figures.items()},

@@ -123,9 +123,19 @@ class Others:
         own = processor_seconds({*descendants(os.getpid(), parents), *kernel})
         return time.monotonic(), busy_of_machine(_read("/proc/stat")) - own
 
-    def share(self):
-        """Cores that others kept busy since the last call, for example 0.05."""
+    def taken(self):
+        """Seconds of the cores that others took since the last call, and seconds of the clock. The
+        system counts in hundredths of a second, so over a short time the first may be below 0."""
         begin, busy = self.before
         self.before = self._now()
-        seconds = self.before[0] - begin
-        return max(0.0, (self.before[1] - busy) / seconds) if seconds > 0 else 0.0
+        return self.before[1] - busy, self.before[0] - begin
+
+    def share(self):
+        """Cores that others kept busy since the last call, for example 0.05."""
+        return share_of([self.taken()])
+
+
+def share_of(parts):
+    """Cores that others kept busy in several times, each as Others.taken() gives it."""
+    busy, seconds = (sum(column) for column in zip(*parts))
+    return max(0.0, busy / seconds) if seconds > 0 else 0.0

@@ -9,7 +9,7 @@ import os
 import statistics
 import sys
 
-BUSY_LIMIT = 0.1  # cores that others may keep busy, on average, during any one measurement
+BUSY_LIMIT = 0.1  # cores that others may keep busy, on average over all runs of any measurement
 DIFFERENCE = 0.05  # smaller differences count as none
 
 ORVO = "Orvo"

@@ -132,6 +132,11 @@ class OthersTest(unittest.TestCase):
         share, taken = busy(used + 0.5)
         self.assertLess(share * taken, (os.cpu_count() * taken - 0.5) + 0.2)
 
+    def test_what_others_took_is_averaged_over_several_times(self):
+        self.assertAlmostEqual(processes.share_of([(0.01, 0.05), (-0.01, 0.05), (0.1, 0.9)]), 0.1)
+        self.assertEqual(processes.share_of([(-0.01, 0.1)]), 0)
+        self.assertEqual(processes.share_of([(0, 0)]), 0)
+
 
 if __name__ == "__main__":
     unittest.main()
