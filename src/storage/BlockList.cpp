@@ -65,13 +65,20 @@ std::vector<OVBlock> BlockList::reachableBlocks() const {
   return result;
 }
 
+// The last reachable block that starts at or below an address; the end for none.
+CowBlockSequence<BlockList::ByAddress>::Position BlockList::placeBefore(
+    std::uint64_t address) const {
+  const auto position = reachable_.lowerBound(address);
+  if (position != reachable_.end() && reachable_[position].block.linear_addr_start() == address) {
+    return position;
+  }
+  return position == reachable_.begin() ? reachable_.end() : reachable_.previous(position);
+}
+
 const OVBlock* BlockList::find(std::uint64_t address) const {
-  auto position = reachable_.lowerBound(address);
-  if (position == reachable_.end() || reachable_[position].block.linear_addr_start() > address) {
-    if (position == reachable_.begin()) {
-      return nullptr;
-    }
-    position = reachable_.previous(position);
+  const auto position = placeBefore(address);
+  if (position == reachable_.end()) {
+    return nullptr;
   }
   const OVBlock& block = reachable_[position].block;
   return block.contains(address) ? &block : nullptr;

@@ -45,6 +45,22 @@ class BlockList {
   /// logarithm of the number of blocks.
   [[nodiscard]] const OVBlock* find(std::uint64_t address) const;
 
+  /// Calls `each` with the block that holds an address and with those that follow it without a gap,
+  /// until it returns false. It must not change the list. Costs the logarithm of the number of
+  /// blocks, and the calls.
+  template <typename Each>
+  void forEachFrom(std::uint64_t address, Each each) const {
+    for (auto position = placeBefore(address); position != reachable_.end();
+         position = reachable_.next(position)) {
+      const OVBlock& block = reachable_[position].block;
+      const std::uint64_t end = block.end();
+      if (!block.contains(address) || !each(block)) {
+        return;
+      }
+      address = end;
+    }
+  }
+
   /// The end of the last byte of the file that a block maps, reachable or not; 0 for none. Visits
   /// all blocks.
   [[nodiscard]] std::uint64_t endInFile() const;
@@ -83,6 +99,7 @@ class BlockList {
     return block.linear_addr_start() < block.end();
   }
 
+  [[nodiscard]] CowBlockSequence<ByAddress>::Position placeBefore(std::uint64_t address) const;
   [[nodiscard]] std::vector<OrderedBlock> inReachOf(const OVBlock& block) const;
   void add(const OVBlock& block);
   void remove(const OrderedBlock& block);

@@ -108,49 +108,48 @@ BufferReadResult OVBlockBuffer::readDataInto(void* destination, std::uint64_t wi
     return {};
   }
   const ReadScope reading(readsUnderWay_);
-  std::vector<Stretch> wanted;
+  std::vector<FileStretch> wanted;
   {
     const platform::MutexLock lock(bufferLock_);
     wanted = stretches(fromOffset, withSize);
   }
-  auto* const bytes = static_cast<std::byte*>(destination);
-  std::uint64_t total = 0;
-  for (const Stretch& stretch : wanted) {
-    const auto got = readWhole(*f_file_, bytes + total, stretch.byteCount, stretch.fileOffset);
-    total += got.byteCount;
-    if (got.byteCount < stretch.byteCount) {
-      notifyOfFailedRead(delegate_.get(), got.error);
-      break;
-    }
+  const auto got = readStretches(*f_file_, wanted, destination);
+  if (got.byteCount < byteCountOf(wanted)) {
+    notifyOfFailedRead(delegate_.get(), got.error);
   }
-  if (total == 0) {
+  if (got.byteCount == 0) {
     return {};
   }
   return {.data = static_cast<float*>(destination),
-          .frameCount = total / format_.mBytesPerFrame,
-          .byteCount = total};
+          .frameCount = got.byteCount / format_.mBytesPerFrame,
+          .byteCount = got.byteCount};
 }
 
 // The stretches of the file that hold the addresses from `address` on, up to `byteCount` bytes, the
 // recording's end or a hole. Adjacent ones are joined.
-std::vector<OVBlockBuffer::Stretch> OVBlockBuffer::stretches(std::uint64_t address,
-                                                             std::uint64_t byteCount) const {
-  std::vector<Stretch> result;
-  while (byteCount > 0) {
-    const BlockLocation location = getFileOffsetForLinearAddress(address);
-    if (location.notFound || location.bytesAvailable == 0) {
-      break;
-    }
-    const std::uint64_t count = std::min(byteCount, location.bytesAvailable);
-    if (!result.empty() &&
-        result.back().fileOffset + result.back().byteCount == location.fileOffset) {
-      result.back().byteCount += count;
-    } else {
-      result.push_back({location.fileOffset, count});
-    }
-    address += count;
-    byteCount -= count;
+std::vector<FileStretch> OVBlockBuffer::stretches(std::uint64_t address,
+                                                  std::uint64_t byteCount) const {
+  std::vector<FileStretch> result;
+  if (byteCount == 0) {
+    return result;
   }
+  blocklist_.forEachFrom(address, [&](const OVBlock& block) {
+    if (address >= bufferFillSize()) {
+      return false;
+    }
+    const std::uint64_t inBlock = address - block.linear_addr_start();
+    const FileStretch stretch{.fileOffset = block.file_offset_start() + inBlock,
+                              .byteCount = std::min(byteCount, block.size() - inBlock)};
+    if (!result.empty() &&
+        result.back().fileOffset + result.back().byteCount == stretch.fileOffset) {
+      result.back().byteCount += stretch.byteCount;
+    } else {
+      result.push_back(stretch);
+    }
+    address += stretch.byteCount;
+    byteCount -= stretch.byteCount;
+    return byteCount > 0;
+  });
   return result;
 }
 

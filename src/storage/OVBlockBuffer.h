@@ -15,6 +15,7 @@
 #include "platform/files/TemporaryFiles.h"
 #include "storage/BlockJournal.h"
 #include "storage/BlockList.h"
+#include "storage/FileStretch.h"
 #include "storage/OVAudioBufferInterface.h"
 #include "storage/OVBufferState.h"
 
@@ -178,12 +179,6 @@ class OVBlockBuffer : public OVAudioBufferInterface {
     OVBlockBuffer& buffer_;
   };
 
-  // A stretch of the file that holds neighbouring addresses.
-  struct Stretch {
-    std::uint64_t fileOffset;
-    std::uint64_t byteCount;
-  };
-
   // Counts a read from before its lookup until after its transfer.
   class ReadScope {
    public:
@@ -200,7 +195,7 @@ class OVBlockBuffer : public OVAudioBufferInterface {
 
   std::uint64_t mapAppended(std::uint64_t atByteOffset, std::uint32_t withSize)
       REQUIRES(appendLock_, bufferLock_);
-  std::vector<Stretch> stretches(std::uint64_t address, std::uint64_t byteCount) const
+  std::vector<FileStretch> stretches(std::uint64_t address, std::uint64_t byteCount) const
       REQUIRES(bufferLock_);
   void restore(const OVBufferState& state) REQUIRES(bufferLock_);
   void leaveStep();

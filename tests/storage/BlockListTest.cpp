@@ -127,6 +127,43 @@ TEST(BlockListFindTest, LooksAtAddressesNotAtTheOrderOfTheList) {
   EXPECT_EQ(list.find(600), nullptr);
 }
 
+std::vector<OVBlock> from(const BlockList& list, std::uint64_t address, std::size_t most = 100) {
+  std::vector<OVBlock> result;
+  list.forEachFrom(address, [&](const OVBlock& block) {
+    result.push_back(block);
+    return result.size() < most;
+  });
+  return result;
+}
+
+TEST(BlockListForEachFromTest, GoesOnByAddressUntilAGap) {
+  const BlockList list = listOf({{500, 0, 100}, {100, 100, 100}, {200, 200, 50}, {0, 300, 100}});
+  EXPECT_THAT(from(list, 0),
+              ElementsAre(OVBlock(0, 300, 100), OVBlock(100, 100, 100), OVBlock(200, 200, 50)));
+  EXPECT_THAT(from(list, 199), ElementsAre(OVBlock(100, 100, 100), OVBlock(200, 200, 50)));
+  EXPECT_THAT(from(list, 599), ElementsAre(OVBlock(500, 0, 100)));
+}
+
+TEST(BlockListForEachFromTest, GivesNothingInAGapAndInAnEmptyList) {
+  const BlockList list = listOf({{500, 0, 100}, {100, 100, 100}});
+  EXPECT_THAT(from(list, 99), IsEmpty());
+  EXPECT_THAT(from(list, 200), IsEmpty());
+  EXPECT_THAT(from(list, 600), IsEmpty());
+  EXPECT_THAT(from({}, 0), IsEmpty());
+}
+
+TEST(BlockListForEachFromTest, EndsWhenItIsTold) {
+  const BlockList list = listOf({{0, 0, 10}, {10, 10, 10}, {20, 20, 10}});
+  EXPECT_THAT(from(list, 5, 2), ElementsAre(OVBlock(0, 0, 10), OVBlock(10, 10, 10)));
+}
+
+TEST(BlockListForEachFromTest, PassesTheEmptyAndTheWrappedBy) {
+  BlockList list = listOf({{0, 0, 10}, {10, 10, 0}, {10, 20, 10}});
+  EXPECT_THAT(from(list, 0), ElementsAre(OVBlock(0, 0, 10), OVBlock(10, 20, 10)));
+  list.cutBefore(10);  // the first one's start wraps
+  EXPECT_THAT(from(list, 0), ElementsAre(OVBlock(0, 20, 10)));
+}
+
 TEST(BlockListCutAfterTest, RemovesWhatStartsBeyondAndEndsWhatContainsTheAddress) {
   BlockList list = listOf({{300, 0, 100}, {0, 100, 100}, {100, 200, 200}});
   list.cutAfter(150);
