@@ -76,5 +76,9 @@ void forEachGalleryPanel(double scale, const Show& show) {
   }
   showPanel(scale, "list-long", Occasion::command, many, show);
   showPanel(scale, "list-empty", Occasion::command, {}, show);
+  showPanel(scale, "list-disk-full", Occasion::command,
+            {files().front(),
+             file({{2026, 11, 22}, QTime(17, 20)}, 5400, OVRecoveredFile::State::waitingForRoom)},
+            show);
   showDeletion(scale, show);
 }

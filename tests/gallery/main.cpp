@@ -2,8 +2,7 @@
 // to a folder.
 //
 //   orvo_gallery pictures FOLDER     views and windows at 1x, 1.25x, 1.5x and 2x; dialogs and
-//   alerts
-//                                    at 1x and 2x, light and dark, and at 1x in every language
+//                                    alerts at 1x and 2x, light and dark, and in every language
 //   orvo_gallery dialogs FOLDER      dialogs and alerts alone
 //   orvo_gallery references FOLDER   the tests' reference pictures: the pages alone
 #include <cstdio>
@@ -94,8 +93,10 @@ bool saveDialogs(const QString& folder) {
   for (const QString& language : OVTranslations::languages()) {
     const OVTranslations translations({language});
     QLocale::setDefault(QLocale(language));
-    saved =
-        saved && saveDialogs(folder, 1.0, QLatin1Char('-') + language, home, galleryAlerts(home));
+    const auto translated = galleryAlerts(home);
+    for (const double scale : {1.0, 2.0}) {
+      saved = saved && saveDialogs(folder, scale, QLatin1Char('-') + language, home, translated);
+    }
   }
   QLocale::setDefault(usual);
   return saved;
