@@ -12,6 +12,8 @@
 #include "platform/files/PosixFile.h"
 #include "storage/BlockBufferFixture.h"
 #include "storage/JournalReplay.h"
+#include "support/Sanitizers.h"
+#include "support/SystemCalls.h"
 
 namespace {
 
@@ -75,6 +77,31 @@ TEST_F(BlockJournalTest, BeginsWithWhatTheBufferHolds) {
   expectReplayed();
   buffer_->cutoffBufferAfterPosition(100);
   expectReplayed();
+}
+
+TEST_F(BlockJournalTest, RecordsWithoutASystemCall) {
+  if (support::kAnySanitizer) {
+    GTEST_SKIP() << "a sanitizer makes calls of its own";
+  }
+  writeSequence(5, 800);
+  begin();
+  BlockJournal& journal = *buffer_->journal();
+  buffer_->setWaypoint();
+  const auto state = buffer_->waypointStack().front();
+  EXPECT_TRUE(support::makesNoSystemCalls([&] {
+    for (std::uint64_t number = 0; number < 100; ++number) {
+      journal.wrote(OVBlock(number * 800, number * 800, 800));
+      journal.cutAfter(400);
+      journal.cutBefore(100);
+      journal.merged();
+      journal.kept(*state);
+      journal.restored(*state);
+      journal.setState(journal::State::edited);
+      static_cast<void>(journal.wantsSettling());
+    }
+  }));
+  EXPECT_FALSE(support::makesNoSystemCalls([] { static_cast<void>(::getppid()); }))
+      << "any other call is noticed";
 }
 
 TEST_F(BlockJournalTest, SecondBeginningKeepsTheFirst) {
