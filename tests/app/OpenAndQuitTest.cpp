@@ -133,6 +133,20 @@ TEST_F(OpenAndQuitTest, TheOpenPanelOpensEachChosenFile) {
   awaitAllIdle();
 }
 
+TEST_F(OpenAndQuitTest, TheOpenPanelBeginsInTheFolderOfTheWindowsFile) {
+  item(spawn(), "Open…")->trigger();
+  EXPECT_EQ(panels_->openPanel().directory, "") << "that of the last panel";
+  panels_->answerOpen({});
+  const auto before = windows();
+  delegate_.applicationOpenFile(writeFile("take.wav"));
+  OVRecorderWindow* const window = newcomer(before);
+  ASSERT_NE(window, nullptr);
+  awaitIdle(*documentOf(window));
+  item(window, "Open…")->trigger();
+  EXPECT_EQ(panels_->openPanel().directory, folder_.path());
+  panels_->answerOpen({});
+}
+
 TEST_F(OpenAndQuitTest, DroppedFilesAreOpenedEachInAWindowOfItsOwn) {
   OVRecorderWindow* const window = spawn();
   QMimeData data;

@@ -244,6 +244,18 @@ TEST_F(LoadingTest, TheImportPanelTakesOneFileOfTheReadableKinds) {
   EXPECT_FALSE(document_->windowWillReturnUndoManager()->canUndo());
 }
 
+TEST_F(LoadingTest, TheImportPanelBeginsInTheFolderOfTheDocumentsFile) {
+  openWindow();
+  document_->importFile(nullptr);
+  EXPECT_EQ(panels_->openPanel().directory, "") << "that of the last panel";
+  panels_->answerOpen({});
+  document_->setCurrentFilename(writeFile("take.wav", ramp(100)));
+  document_->importFile(nullptr);
+  EXPECT_EQ(panels_->openPanel().directory, folder_.path());
+  panels_->answerOpen({});
+  settle();
+}
+
 TEST_F(LoadingTest, TheImportPanelSaysWhereTheFileGoesAndWhatItReplaces) {
   openWindow();
   fill(ramp(10 * 44100));

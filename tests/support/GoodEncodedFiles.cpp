@@ -42,6 +42,13 @@ Options finelyTimed(const std::string& codec) {
   return {"-c:a", codec, "-movie_timescale", "44100"};
 }
 
+// As a MOV file; its first box says that it is an MP4 file.
+std::string mp4OfSamples() {
+  Options options = finelyTimed("pcm_s16le");
+  options.insert(options.end(), {"-brand", "mp42"});
+  return encoded("mov", options);
+}
+
 void addMpeg4(std::vector<GoodFile>& all) {
   const Options aac = finelyTimed("aac");
   all.push_back(file("M4aWithCoarseTimes", "m4a", [] { return encoded("m4a", {"-c:a", "aac"}); }));
@@ -61,6 +68,13 @@ void addMpeg4(std::vector<GoodFile>& all) {
       },
       kAsDecoded, Length::unknown));
   all.push_back(file("MovOfSamples", "mov", [] { return encoded("mov", {"-c:a", "pcm_s24le"}); }));
+  all.push_back(file("Mp4OfSamples", "mp4", [] { return mp4OfSamples(); }));
+  all.push_back(file(
+      "Mp4OfSamplesTrimmed", "mp4",
+      [] {
+        return support::withEdits(mp4OfSamples(), {{7777, 5000}});
+      },
+      7777));
   all.push_back(file("M4aOfAlac", "m4a", [] { return encoded("m4a", {"-c:a", "alac"}); }));
 }
 
