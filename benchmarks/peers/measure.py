@@ -5,6 +5,7 @@ the order of `MEASURES`; the programs take turns. Nothing is written if one coul
 """
 
 import argparse
+import copy
 import datetime
 import json
 import os
@@ -25,6 +26,8 @@ FILES = (("wav", "hour.wav", 3600, ["-c:a", "pcm_s16le"]),
          ("mp3", "minutes.mp3", 600, ["-c:a", "libmp3lame", "-b:a", "192k"]),
          ("m4a", "minutes.m4a", 600, ["-c:a", "aac", "-b:a", "192k"]))
 
+REFUSED = "out/peers-refused.json"  # the figures of the last run that others disturbed
+
 
 class Effort:
     """How often and how long each thing is measured."""
@@ -37,6 +40,7 @@ class Effort:
         self.records = 1 if trial else 3
         self.watch_seconds = 5 if trial else 30
         self.record_seconds = 10 if trial else 30
+        self.patience = 1 if trial else 3  # times that a disturbed measurement is done
         self.file_share = 1 / 60 if trial else 1  # of the files' length
 
 
@@ -57,19 +61,36 @@ class Measuring:
     def note(self, measure, program, value):
         self.figures.setdefault(measure, {}).setdefault(program.name, []).append(value)
 
-    def run(self):
+    def run(self, titles=None):
+        """All measurements, or those of these titles."""
         for program in self.programs:
             self.tell("set up", program)
             self.guarded(program, program.prepare)
-        self.turns("start", self.effort.starts, self.start)
-        for kind, path in self.files.items():
-            self.turns("open " + kind, self.effort.opens,
-                       lambda program, kind=kind, path=path: self.open(program, kind, path))
-        self.turns("large", 1, self.large)
-        self.turns("idle", self.effort.watches, self.idle)
-        self.turns("recording", self.effort.watches, self.recording)
-        self.turns("kept", self.effort.records, self.kept)
-        self.turns("killed", self.effort.records, self.killed)
+        for title, (times, measure) in self.measurements().items():
+            if titles is None or title in titles:
+                self.undisturbed(title, times, measure)
+
+    def measurements(self):
+        """How often each is done, and how, in their order."""
+        opens = {"open " + kind: (self.effort.opens,
+                                  lambda program, kind=kind, path=path: self.open(program, kind,
+                                                                                  path))
+                 for kind, path in self.files.items()}
+        return {"start": (self.effort.starts, self.start), **opens, "large": (1, self.large),
+                "idle": (self.effort.watches, self.idle),
+                "recording": (self.effort.watches, self.recording),
+                "kept": (self.effort.records, self.kept),
+                "killed": (self.effort.records, self.killed)}
+
+    def undisturbed(self, title, times, measure):
+        """Measures again, a few times, what others disturbed; those figures do not count."""
+        before = copy.deepcopy(self.figures)
+        for _ in range(self.effort.patience):
+            self.figures = copy.deepcopy(before)
+            self.turns(title, times, measure)
+            if self.busy[title] <= report.BUSY_LIMIT:
+                return
+            print(f"Others kept {self.busy[title]:.2f} cores busy.", flush=True)
 
     def turns(self, title, times, measure):
         """Each program in turn, `times` times; notes how busy others were meanwhile."""
@@ -246,11 +267,16 @@ def main():
     options.add_argument("results", help="where the figures go")
     options.add_argument("--trial", action="store_true",
                          help="short, also on a busy machine; its figures are not published")
+    options.add_argument("--again", action="store_true",
+                         help="only what others disturbed in the last run, which was refused")
     options.add_argument("--only", action="append", default=[], metavar="PROGRAM",
                          help="with --trial: this one of the programs; can be repeated")
     chosen = options.parse_args()
     if chosen.only and not chosen.trial:
         options.error("--only needs --trial: a comparison is of all")
+    if chosen.again and chosen.trial:
+        options.error("--again needs a whole comparison")
+    refused = refused_results() if chosen.again else None
     names = {kind.name: kind for kind in programs.ALL}
     if unknown := [name for name in chosen.only if name not in names]:
         options.error(f"{unknown[0]} is none of {', '.join(names)}")
@@ -269,7 +295,9 @@ def main():
         measuring = Measuring(session, commands, {k: os.path.abspath(v) for k, v in files.items()},
                               effort)
         versions = {program.name: program.version() for program in measuring.programs}
-        measuring.run()
+        if refused and versions != refused["versions"]:
+            raise NotMeasured("the last run had other versions")
+        measuring.run(report.disturbed(refused) if refused else None)
         results = {
             "date": datetime.date.today().isoformat(),
             "machine": machine(),
@@ -282,6 +310,8 @@ def main():
                                   for name, values in of.items()}
                         for measure, of in measuring.figures.items()},
         }
+    if refused:
+        results = report.mended(refused, results)
     if chosen.trial:
         print("A trial: the files are a sixtieth as long as said here.")
     print(report.plain(results))
@@ -289,11 +319,18 @@ def main():
         try:
             report.check(results)
         except report.NotPublishable as reason:
-            refused = "out/peers-refused.json"
-            write(results, refused)
-            raise NotMeasured(f"no comparison is written: {reason}; the figures: {refused}"
+            write(results, REFUSED)
+            raise NotMeasured(f"no comparison is written: {reason}; the figures: {REFUSED}"
                               ) from reason
     write(results, chosen.results)
+
+
+def refused_results():
+    try:
+        with open(REFUSED, encoding="utf-8") as file:
+            return json.load(file)
+    except OSError as failure:
+        raise NotMeasured(f"no run was refused: {failure}") from failure
 
 
 def write(results, path):

@@ -63,6 +63,19 @@ def check(results):
                                  f"cores busy, at most {results['busy']['limit']:g} are allowed")
 
 
+def disturbed(results):
+    """The titles of what has to be measured again."""
+    return [title for title, share in results["busy"]["during"].items()
+            if share > results["busy"]["limit"]]
+
+
+def mended(refused, again):
+    """The results of a run that was refused, with the measurements that were done again."""
+    return {**refused, "busy": {**refused["busy"],
+                                "during": {**refused["busy"]["during"], **again["busy"]["during"]}},
+            "figures": {**refused["figures"], **again["figures"]}}
+
+
 def busy_shares(results):
     return {"before": results["busy"]["before"], **results["busy"]["during"]}
 

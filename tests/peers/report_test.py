@@ -59,6 +59,24 @@ class PublishingTest(unittest.TestCase):
                 report.page(broken)
 
 
+class DisturbedTest(unittest.TestCase):
+    def test_only_what_others_disturbed_is_measured_again(self):
+        refused = results()
+        refused["busy"]["during"] = {"start": 0.05, "open wav": 0.13, "idle": 0.2}
+        self.assertEqual(report.disturbed(refused), ["open wav", "idle"])
+
+    def test_what_was_measured_again_replaces_the_disturbed_figures(self):
+        refused, again = results(), results(open_wav=0.25)
+        refused["busy"]["during"] = {"start": 0.05, "open wav": 0.13}
+        again["busy"]["during"] = {"open wav": 0.01}
+        again["figures"] = {"open wav": again["figures"]["open wav"]}
+        mended = report.mended(refused, again)
+        self.assertEqual(mended["busy"]["during"], {"start": 0.05, "open wav": 0.01})
+        self.assertEqual(mended["figures"]["open wav"]["Orvo"], [0.25] * 3)
+        self.assertEqual(mended["figures"]["start"], refused["figures"]["start"])
+        report.check(mended)
+
+
 class CellTest(unittest.TestCase):
     def test_orvo_has_its_figure_and_the_others_a_ratio(self):
         of = results(start=0.25)
