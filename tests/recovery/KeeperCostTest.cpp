@@ -3,10 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -16,8 +14,8 @@
 
 #include "keeper/KeptRecordings.h"
 #include "platform/base/AudioTypes.h"
-#include "platform/files/TemporaryFiles.h"
 #include "recovery/KeeperConnection.h"
+#include "recovery/LongRecording.h"
 #include "support/Eventually.h"
 #include "support/Sanitizers.h"
 #include "support/TemporaryFolder.h"
@@ -28,39 +26,11 @@ namespace {
 
 using namespace support;
 
-/// A number of a process as the system reports it; 0 once it has ended.
-std::uint64_t statusOf(int process, const std::string& key) {
-  std::ifstream file("/proc/" + std::to_string(process) + "/status");
-  for (std::string line; std::getline(file, line);) {
-    if (line.starts_with(key + ":")) {
-      return std::stoull(line.substr(key.size() + 1));
-    }
-  }
-  return 0;
-}
-
 std::size_t openFiles(int process) {
   std::error_code gone;
   const std::filesystem::directory_iterator all("/proc/" + std::to_string(process) + "/fd", gone);
   return static_cast<std::size_t>(std::distance(begin(all), end(all)));
 }
-
-/// A recording of this length, in one block. Its audio is a hole, which takes no room on the disk.
-struct LongRecording {
-  explicit LongRecording(std::uint64_t bytes) {
-    const auto files = platform::temporaryFiles();
-    auto created = files->createUnlinked(files->directory() + "orvoXXXXXX");
-    audio = std::move(created->file);
-    EXPECT_EQ(audio->setSize(bytes), 0);
-    journal = *BlockJournal::create({.created = 1'000'000'000, .recoveredFrom = {}});
-    EXPECT_EQ(journal->prepareState(1), 0);
-    EXPECT_TRUE(journal->writeState(BlockList({OVBlock(0, 0, bytes)}), bytes));
-    journal->setState(journal::State::edited);
-  }
-
-  std::unique_ptr<platform::File> audio;
-  std::unique_ptr<BlockJournal> journal;
-};
 
 class KeeperCostTest : public testing::Test {
  protected:
@@ -73,20 +43,10 @@ class KeeperCostTest : public testing::Test {
   /// Kilobytes that the keeper had at most until it had written a recording of so many seconds.
   [[nodiscard]] static std::uint64_t peakAfterRecovering(std::uint64_t seconds) {
     const TemporaryFolder data;
-    ::setenv("XDG_DATA_HOME", data.path().c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
-    auto connection = std::make_unique<KeeperConnection>(ORVO_KEEPER);
-    connection->start();
-    const LongRecording recording(seconds * 44100 * platform::kWorkingFrameBytes);
-    connection->keep(
-        1, {.audio = recording.audio->descriptor(), .journal = recording.journal->descriptor()});
-    const int keeper = connection->keeperProcess();
-    connection.reset();
-    std::uint64_t peak = 0;
-    while (!hasEnded(keeper)) {
-      peak = std::max(peak, statusOf(keeper, "VmHWM"));  // also the last one before its end
-    }
+    const LongRecording recording(1, seconds * 44100 * platform::kWorkingFrameBytes);
+    const RecoveryCost cost = recover(recording, data.path());
     EXPECT_EQ(recoveredNames(data.path()).size(), 1U);
-    return peak;
+    return cost.peakKilobytes;
   }
 
   TemporaryFolder data_;
