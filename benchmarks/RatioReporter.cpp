@@ -1,5 +1,6 @@
 #include "RatioReporter.h"
 
+#include <array>
 #include <cstdio>
 
 namespace {
@@ -12,6 +13,12 @@ bool isYardstick(const std::string& what) {
 
 double secondsOfOne(const benchmark::BenchmarkReporter::Run& run) {
   return run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
+}
+
+std::string times(double ratio) {
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%.2f x", ratio);
+  return text.data();
 }
 
 // Newer versions of the library have one field for failed and for skipped runs.
@@ -55,15 +62,13 @@ const RatioReporter::Measured* RatioReporter::yardstickOf(const Measured& measur
 }
 
 void RatioReporter::Finalize() {
-  std::printf("\n%-60s %12s %8s\n", "benchmark", "time", "ratio");
+  std::printf("\n| %-60s | %14s | %9s |\n|---|---:|---:|\n", "benchmark", "time", "ratio");
   for (const Measured& each : measured_) {
     const std::string name =
         each.group + ": " + each.what + (each.arguments.empty() ? "" : " (" + each.arguments + ")");
-    std::printf("%-60s %9.1f us", name.c_str(), each.seconds * 1e6);
     const Measured* const yardstick = yardstickOf(each);
-    if (yardstick != nullptr && !isYardstick(each.what)) {
-      std::printf(" %7.2fx", each.seconds / yardstick->seconds);
-    }
-    std::printf("\n");
+    const bool isCompared = yardstick != nullptr && !isYardstick(each.what);
+    std::printf("| %-60s | %11.1f us | %9s |\n", name.c_str(), each.seconds * 1e6,
+                isCompared ? times(each.seconds / yardstick->seconds).c_str() : "");
   }
 }

@@ -36,6 +36,12 @@ if(ORVO_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   add_compile_options(-O1 -g1)
 endif()
 
+option(ORVO_COVERAGE "Count which lines and branches run; needs clang" OFF)
+if(ORVO_COVERAGE)
+  add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+  add_link_options(-fprofile-instr-generate)
+endif()
+
 # Texts of interface files are looked up like all others.
 set(CMAKE_AUTOUIC_OPTIONS -tr platform::localized --include platform/mainloop/Localization.h)
 

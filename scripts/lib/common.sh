@@ -69,7 +69,7 @@ build_preset() {
   local log="build/$preset-configure.log"
   local -a compiler=()
   case "$preset" in
-    clang | asan | tsan) compiler=("-DCMAKE_CXX_COMPILER=clang++-$llvm") ;;
+    clang | asan | tsan | coverage) compiler=("-DCMAKE_CXX_COMPILER=clang++-$llvm") ;;
   esac
   mkdir -p build
   cmake --preset "$preset" "${compiler[@]}" >"$log" 2>&1 || {

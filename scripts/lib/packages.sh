@@ -40,5 +40,6 @@ if grep -qs '^VERSION_CODENAME=trixie$' /etc/os-release; then
   llvm=19
 fi
 clang_packages=("clang-$llvm" "libclang-rt-$llvm-dev")  # with the sanitizers
+coverage_packages=("llvm-$llvm")  # for scripts/test --coverage
 files_lint_packages=(shellcheck reuse yamllint git dpkg-dev lintian)
 lint_packages=("clang-$llvm" "clang-format-$llvm" "clang-tidy-$llvm" git)
