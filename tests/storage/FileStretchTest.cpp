@@ -119,7 +119,7 @@ TEST_F(FileStretchTest, TheSameBytesMayBeAskedForTwice) {
 TEST_F(FileStretchTest, EmptyOnesAmongManyGiveNothing) {
   fill(10'000);
   std::vector<FileStretch> stretches = interleaved(20, 50);
-  for (std::uint64_t at : {0, 50, 500, 9999}) {
+  for (const std::uint64_t at : {0U, 50U, 500U, 9999U}) {
     stretches.insert(stretches.begin() + 3, {at, 0});
   }
   EXPECT_EQ(read(stretches), expected(stretches));
