@@ -9,7 +9,7 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 
 import report  # noqa: E402
 
-COUNTS = """SF:/home/a/src/storage/List.cpp
+COUNTS = """SF:/project/src/storage/List.cpp
 FN:1,f
 DA:1,5
 DA:2,0
@@ -19,10 +19,10 @@ BRDA:1,0,0,4
 BRDA:1,0,1,0
 BRDA:2,0,0,-
 end_of_record
-SF:/home/a/src/storage/List.cpp
+SF:/project/src/storage/List.cpp
 DA:2,3
 end_of_record
-SF:/home/a/src/platform/files/File.cpp
+SF:/project/src/platform/files/File.cpp
 DA:1,1
 end_of_record
 """
@@ -30,7 +30,7 @@ end_of_record
 
 class ReportTest(unittest.TestCase):
     def setUp(self):
-        self.sources = report.read(COUNTS, "/home/a")
+        self.sources = report.read(COUNTS, "/project")
 
     def test_a_line_that_ran_in_one_program_was_reached(self):
         self.assertEqual(self.sources["src/storage/List.cpp"].unreached(), [3])
